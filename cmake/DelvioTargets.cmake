@@ -1,0 +1,35 @@
+# How Delvio's targets are made. Every target sees headers as <folder/header.h> from the house's
+# top folders, and the Mac's names from platform/include.
+
+# A part of the platform: one shared library a folder, so that host and plug-in share its state.
+function(delvio_platform_library name)
+  add_library(platform_${name} SHARED)
+  set_target_properties(platform_${name} PROPERTIES OUTPUT_NAME delvio-${name})
+  target_include_directories(platform_${name} PUBLIC ${PROJECT_SOURCE_DIR}/platform/include)
+  target_include_directories(platform_${name} PRIVATE ${PROJECT_SOURCE_DIR}/platform)
+  target_link_libraries(platform_${name} PUBLIC gnustep)
+endfunction()
+
+# A part of the plug-in: objects, so that categories and classes named at run time are kept.
+function(delvio_plugin_library name)
+  add_library(dv_${name} OBJECT)
+  target_include_directories(dv_${name} PUBLIC ${PROJECT_SOURCE_DIR}/plugin
+                                               ${PROJECT_SOURCE_DIR}/platform/include)
+endfunction()
+
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+# A test program of GoogleTest cases: delvio_test(NAME x SOURCES ... LIBRARIES ... [DISPLAY]).
+# With DISPLAY its cases run in an X server of their own, with a home folder of their own.
+function(delvio_test)
+  cmake_parse_arguments(arg "DISPLAY" "NAME" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${arg_NAME} ${arg_SOURCES})
+  target_link_libraries(${arg_NAME} PRIVATE ${arg_LIBRARIES} test_support GTest::gtest)
+  set(runner ${PROJECT_SOURCE_DIR}/tests/support/run_isolated)
+  if(arg_DISPLAY)
+    list(APPEND runner --display)
+  endif()
+  add_test(NAME ${arg_NAME} COMMAND ${runner} $<TARGET_FILE:${arg_NAME}>)
+  set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT 300)
+endfunction()

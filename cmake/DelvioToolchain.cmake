@@ -1,0 +1,43 @@
+# The compiler, the language and GNUstep, once for every target.
+
+if(NOT CMAKE_OBJCXX_COMPILER_ID STREQUAL "Clang" OR NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  message(FATAL_ERROR "Delvio needs clang for C++ and Objective-C++; configure with a preset: cmake --preset release")
+endif()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_OBJCXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_OBJCXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+
+add_compile_options(-Wall -Wextra -Werror)
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+# libobjc's headers belong to the compiler that built it, which is gcc.
+file(GLOB objc_include_dirs /usr/lib/gcc/*/*/include)
+find_path(OBJC_INCLUDE_DIR objc/objc.h PATHS ${objc_include_dirs} NO_DEFAULT_PATH REQUIRED)
+find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATHS /usr/include/GNUstep REQUIRED)
+
+# GNUstep with the run time of Debian: include paths, definitions, libraries.
+# gcc's own include folder must come last: clang's built-in headers take precedence.
+add_library(gnustep INTERFACE)
+target_compile_options(gnustep INTERFACE
+  $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-runtime=gcc -fconstant-string-class=NSConstantString
+    -fexceptions -fobjc-exceptions -fno-strict-aliasing>)
+target_compile_definitions(gnustep INTERFACE
+  _NATIVE_OBJC_EXCEPTIONS GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_GUI_LIBRARY=1 GNU_RUNTIME=1)
+target_compile_options(gnustep INTERFACE
+  "SHELL:-isystem ${GNUSTEP_INCLUDE_DIR}" "SHELL:-idirafter ${OBJC_INCLUDE_DIR}")
+target_link_libraries(gnustep INTERFACE gnustep-gui gnustep-base objc Threads::Threads)
+
+if(DELVIO_SANITIZE)
+  add_compile_options(-fsanitize=${DELVIO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${DELVIO_SANITIZE} -shared-libsan)
+endif()

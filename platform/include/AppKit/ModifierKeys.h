@@ -1,0 +1,14 @@
+// Which keys are Shift, Control, Option and Command, and which are held now.
+// Not a Mac interface. The mapping is GNUstep's own (the defaults GSFirstAlternateKey,
+// GSFirstCommandKey, GSFirstControlKey and their seconds, by key-symbol name), so that key
+// equivalents, menu alternates and +[NSEvent modifierFlags] agree. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+// Modifiers that count as held in this process besides the ones on the keyboard. 0 ends it.
+void SetHeldModifierFlags(NSUInteger flags);
+NSUInteger HeldModifierFlags(void);
+
+// What +[NSEvent modifierFlags] answers: the keyboard's state at this moment, and the held ones.
+NSUInteger CurrentModifierFlags(void);

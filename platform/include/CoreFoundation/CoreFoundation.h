@@ -1,0 +1,108 @@
+// Core Foundation, as far as Delvio uses it.
+//
+// Every Core Foundation object here is the Foundation object of the same role: a CFStringRef is an
+// NSString *, a CFArrayRef an NSArray *, so a cast crosses at no cost. Ownership follows the Mac's
+// rule: what a function with Create or Copy in its name returns, the caller releases with CFRelease.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef unsigned char Boolean;
+typedef uint8_t UInt8;
+typedef int8_t SInt8;
+typedef uint16_t UInt16;
+typedef int16_t SInt16;
+typedef uint32_t UInt32;
+typedef int32_t SInt32;
+typedef uint64_t UInt64;
+typedef int64_t SInt64;
+typedef UInt16 UniChar;
+typedef signed long CFIndex;
+typedef unsigned long CFTypeID;
+
+typedef const void* CFTypeRef;
+typedef CFTypeRef CFPropertyListRef;
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFArray* CFArrayRef;
+typedef const struct __CFNumber* CFNumberRef;
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef struct __CFRunLoop* CFRunLoopRef;
+
+typedef struct {
+    CFIndex location;
+    CFIndex length;
+} CFRange;
+
+#define kCFAllocatorDefault ((CFAllocatorRef)0)
+
+CFTypeRef CFRetain(CFTypeRef object);
+// Null is a fault on the Mac; here it is ignored.
+void CFRelease(CFTypeRef object);
+// The identifier of an object's class family: compare with CFStringGetTypeID() and its like.
+CFTypeID CFGetTypeID(CFTypeRef object);
+
+// Strings. Lengths and ranges are in UTF-16 units.
+typedef UInt32 CFStringEncoding;
+enum {
+    kCFStringEncodingMacRoman = 0,
+    kCFStringEncodingUnicode = 0x0100,
+    kCFStringEncodingASCII = 0x0600,
+    kCFStringEncodingUTF8 = 0x08000100
+};
+
+// CFSTR("text"): a constant string; never released.
+CFStringRef __CFStringMakeConstantString(const char* ascii);
+#define CFSTR(text) __CFStringMakeConstantString("" text "")
+
+CFTypeID CFStringGetTypeID(void);
+CFIndex CFStringGetLength(CFStringRef string);
+// Null when the bytes are not valid in the encoding.
+CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
+                                      CFStringEncoding encoding);
+// Writes the string and its terminating NUL; false when it does not fit `size` bytes or cannot be
+// converted, `buffer` then holds nothing of use.
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
+                           CFStringEncoding encoding);
+CFStringEncoding CFStringGetFastestEncoding(CFStringRef string);
+void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
+
+// Arrays.
+CFTypeID CFArrayGetTypeID(void);
+CFIndex CFArrayGetCount(CFArrayRef array);
+const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
+
+// Numbers.
+typedef CFIndex CFNumberType;
+enum { kCFNumberSInt32Type = 3, kCFNumberSInt64Type = 4, kCFNumberFloat64Type = 6 };
+CFTypeID CFNumberGetTypeID(void);
+CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+
+// Preferences: the GNUstep defaults domain named by the application identifier, so that
+// `defaults write IDENTIFIER KEY VALUE` and these calls see the same values.
+// Re-reads the domain from disk when another program has changed it; writes our own changes out.
+Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
+// *valid is set when the key exists and holds a number; any other value gives 0 and *valid false.
+CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID,
+                                        Boolean* valid);
+CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
+// A null value removes the key. A key whose value is forced is left alone.
+void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
+Boolean CFPreferencesAppValueIsForced(CFStringRef key, CFStringRef applicationID);
+
+// Run loops.
+CFRunLoopRef CFRunLoopGetCurrent(void);
+// Timers and sources that this platform adds for the common modes also fire in `mode`.
+void CFRunLoopAddCommonMode(CFRunLoopRef loop, CFStringRef mode);
+extern const CFStringRef kCFRunLoopDefaultMode;
+extern const CFStringRef kCFRunLoopCommonModes;
+
+#ifdef __cplusplus
+}
+#endif
