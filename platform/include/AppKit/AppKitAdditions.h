@@ -9,33 +9,33 @@
 - (void)cancelTracking;
 - (void)cancelTrackingWithoutAnimation;
 // The highlighted item of this menu while it is open, else nil.
-- (NSMenuItem *)highlightedItem;
+- (NSMenuItem*)highlightedItem;
 // The font that this menu's items are shown in; nil is the look's own.
-- (void)setFont:(NSFont *)font;
-- (NSFont *)font;
+- (void)setFont:(NSFont*)font;
+- (NSFont*)font;
 // The private popup through which the Mac's class methods go. Shows `menu` (the receiver) at
 // `event` and returns when it has closed. `font` may be nil.
-- (void)_popUpContextMenu:(NSMenu *)menu
-                withEvent:(NSEvent *)event
-                  forView:(NSView *)view
-                 withFont:(NSFont *)font;
+- (void)_popUpContextMenu:(NSMenu*)menu
+                withEvent:(NSEvent*)event
+                  forView:(NSView*)view
+                 withFont:(NSFont*)font;
 // Accepted and ignored: there are no descriptor-based menu plug-ins here.
-- (void)_setContextMenuPluginAEDesc:(const struct AEDesc *)descriptor;
+- (void)_setContextMenuPluginAEDesc:(const struct AEDesc*)descriptor;
 @end
 
 @interface NSMenuItem (MacMenuItem)
 // The item whose submenu holds the receiver's menu, or nil.
-- (NSMenuItem *)parentItem;
+- (NSMenuItem*)parentItem;
 // A view shown in place of the item's row; retained. Nil restores the row.
-- (void)setView:(NSView *)view;
-- (NSView *)view;
+- (void)setView:(NSView*)view;
+- (NSView*)view;
 - (BOOL)isHighlighted;
 @end
 
 // Messages that the Mac sends to a menu's delegate; the contextual-menu presenter sends them here.
 @protocol NSMenuDelegateMac
 @optional
-- (void)menuWillOpen:(NSMenu *)menu;
-- (void)menuDidClose:(NSMenu *)menu;
-- (void)menu:(NSMenu *)menu willHighlightItem:(NSMenuItem *)item;
+- (void)menuWillOpen:(NSMenu*)menu;
+- (void)menuDidClose:(NSMenu*)menu;
+- (void)menu:(NSMenu*)menu willHighlightItem:(NSMenuItem*)item;
 @end

@@ -12,47 +12,47 @@
 //   closing           menuDidClose:, deepest level first
 //   picking           after all levels have closed, the item's action
 @interface MenuSession : NSObject {
-    NSMutableArray *_levels;
-    NSMutableArray *_highlights;
-    NSMenuItem *_pick;
+    NSMutableArray* _levels;
+    NSMutableArray* _highlights;
+    NSMenuItem* _pick;
     BOOL _closed;
 }
-- (instancetype)initWithMenu:(NSMenu *)menu;
+- (instancetype)initWithMenu:(NSMenu*)menu;
 // The session that is being tracked now (the innermost), or nil.
-+ (MenuSession *)current;
++ (MenuSession*)current;
 
-- (NSMenu *)rootMenu;
-- (NSArray *)levels;
-- (NSMenuItem *)highlightedItemOfMenu:(NSMenu *)menu;
+- (NSMenu*)rootMenu;
+- (NSArray*)levels;
+- (NSMenuItem*)highlightedItemOfMenu:(NSMenu*)menu;
 
 // The items of a level that are shown while `modifiers` are held: of each group of alternates one.
-+ (NSArray *)visibleItemsOfMenu:(NSMenu *)menu withModifiers:(NSUInteger)modifiers;
++ (NSArray*)visibleItemsOfMenu:(NSMenu*)menu withModifiers:(NSUInteger)modifiers;
 
 // Opens the root level. Sent once, by the tracker.
 - (void)open;
 // Highlights an item (nil: none) of an open level. Deeper levels stay open.
-- (void)highlightItem:(NSMenuItem *)item inMenu:(NSMenu *)menu;
+- (void)highlightItem:(NSMenuItem*)item inMenu:(NSMenu*)menu;
 // Opens the item's submenu as the level after the item's own, after closing what was there.
 // NO when the item has none, is disabled, or its menu is not open.
-- (BOOL)openSubmenuOfItem:(NSMenuItem *)item;
+- (BOOL)openSubmenuOfItem:(NSMenuItem*)item;
 // Closes the levels deeper than `menu`.
-- (void)closeLevelsBelowMenu:(NSMenu *)menu;
+- (void)closeLevelsBelowMenu:(NSMenu*)menu;
 // Ends the tracking without a pick, or with one (an enabled item with an action). The tracker
 // notices at its next turn; levels close when it does.
 - (void)cancel;
-- (void)pickItem:(NSMenuItem *)item;
+- (void)pickItem:(NSMenuItem*)item;
 - (BOOL)isEnding;
-- (NSMenuItem *)pickedItem;
+- (NSMenuItem*)pickedItem;
 // Closes every level, deepest first. Sent once, by the tracker.
 - (void)close;
 @end
 
 // Shows or walks one popped-up menu, from -open to -close, and returns when it is over.
 @protocol MenuTracker
-- (void)trackSession:(MenuSession *)session
-               event:(NSEvent *)event
-                view:(NSView *)view
-                font:(NSFont *)font;
+- (void)trackSession:(MenuSession*)session
+               event:(NSEvent*)event
+                view:(NSView*)view
+                font:(NSFont*)font;
 @end
 
 @interface NSMenu (MenuTracking)

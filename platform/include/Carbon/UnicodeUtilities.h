@@ -21,9 +21,9 @@ enum {
 // negative, 0 or positive; *equivalent tells whether it is 0. Either may be null. Any thread.
 // Narrower than the Mac's: the only option set served is case-insensitive with digits as numbers
 // and punctuation significant (0x3800E); any other answers paramErr.
-OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1,
-                              UniCharCount length1, const UniChar* text2, UniCharCount length2,
-                              Boolean* equivalent, SInt32* order);
+OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, UniCharCount length1,
+                              const UniChar* text2, UniCharCount length2, Boolean* equivalent,
+                              SInt32* order);
 
 #ifdef __cplusplus
 }

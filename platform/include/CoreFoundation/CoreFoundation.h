@@ -2,7 +2,8 @@
 //
 // Every Core Foundation object here is the Foundation object of the same role: a CFStringRef is an
 // NSString *, a CFArrayRef an NSArray *, so a cast crosses at no cost. Ownership follows the Mac's
-// rule: what a function with Create or Copy in its name returns, the caller releases with CFRelease.
+// rule: what a function with Create or Copy in its name returns, the caller releases with
+// CFRelease.
 #pragma once
 
 #include <stddef.h>
@@ -89,8 +90,7 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 // Re-reads the domain from disk when another program has changed it; writes our own changes out.
 Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
 // *valid is set when the key exists and holds a number; any other value gives 0 and *valid false.
-CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID,
-                                        Boolean* valid);
+CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID, Boolean* valid);
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
 // A null value removes the key. A key whose value is forced is left alone.
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
