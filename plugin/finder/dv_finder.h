@@ -1,0 +1,8 @@
+// What the plug-in asks about its host, and the clock that its timing decisions share.
+#pragma once
+
+// Whether this process is the Finder: its signature is 'MACS'. Main thread.
+bool dv_is_finder();
+
+// The time of day in seconds. Any thread.
+double dv_double_time();
