@@ -1,0 +1,26 @@
+// Replaces methods of classes that are not ours while the library loads.
+#pragma once
+
+#include <objc/objc.h>
+#include <objc/runtime.h>
+
+// A new implementation for an existing method, its own or inherited. `original` receives the one
+// that it replaces, and may be null.
+struct method_patch_t {
+    const char* class_name;
+    const char* selector;
+    IMP implementation;
+    IMP* original;
+};
+
+// Installs `count` patches; a class or method that does not exist is left out.
+void patch_methods(const method_patch_t* patches, unsigned count);
+
+template <unsigned count>
+void patch_methods(const method_patch_t (&patches)[count]) {
+    patch_methods(patches, count);
+}
+
+// Rebuilds the dispatch table of a class, or metaclass, and of all classes that inherit from it:
+// GNU's run time leaves inherited implementations in them when a method's implementation changes.
+void refresh_dispatch(Class owner);

@@ -1,0 +1,37 @@
+#include "appkit/method_patch.h"
+
+#include <stdio.h>
+
+namespace {
+
+void unused_method(id, SEL) {}
+
+void patch_method(const method_patch_t& patch) {
+    Class owner = objc_getClass(patch.class_name);
+    if (!owner) return;
+    SEL selector = sel_registerName(patch.selector);
+    Method method = class_getInstanceMethod(owner, selector);
+    if (!method) return;
+    IMP original = method_getImplementation(method);
+    // Told first: another thread may enter the new one as soon as it is there.
+    if (patch.original) *patch.original = original;
+    class_replaceMethod(owner, selector, patch.implementation, method_getTypeEncoding(method));
+    refresh_dispatch(owner);
+}
+
+}  // namespace
+
+void patch_methods(const method_patch_t* patches, unsigned count) {
+    for (unsigned i = 0; i < count; i++) patch_method(patches[i]);
+}
+
+void refresh_dispatch(Class owner) {
+    // Only adding a method rebuilds the tables, and only under a name that the class lacks.
+    static unsigned serial;
+    char name[32];
+    do {
+        snprintf(name, sizeof name, "_dispatchRefresh%u",
+                 __atomic_fetch_add(&serial, 1, __ATOMIC_RELAXED));
+    } while (!class_addMethod(owner, sel_registerName(name), reinterpret_cast<IMP>(unused_method),
+                              "v16@0:8"));
+}

@@ -1,0 +1,125 @@
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+#include <objc/runtime.h>
+
+#include <string>
+
+static std::string trail;
+
+// What a host's menu class looks like: it overrides a method that NSMenu has.
+@interface HostMenu : NSMenu
+@end
+@implementation HostMenu
+- (void)removeAllItems {
+    trail += "host ";
+    [super removeAllItems];
+}
+@end
+@interface HostSubmenu : HostMenu
+@end
+@implementation HostSubmenu
+@end
+
+// Plug-in code, found through NSMenu; after the exchange its own name is the host's method.
+@interface NSMenu (RuntimeTest)
+- (void)testRemoveAllItems;
+@end
+@implementation NSMenu (RuntimeTest)
+- (void)testRemoveAllItems {
+    trail += "plugin ";
+    if (trail.size() > 200) return;
+    [self testRemoveAllItems];
+}
+@end
+
+@interface RuntimeBase : NSObject
++ (int)number;
+- (int)first;
+- (int)second;
+@end
+@implementation RuntimeBase
++ (int)number {
+    return 1;
+}
+- (int)first {
+    return 1;
+}
+- (int)second {
+    return 2;
+}
+@end
+@interface RuntimeChild : RuntimeBase
++ (int)otherNumber;
+@end
+@implementation RuntimeChild
++ (int)otherNumber {
+    return 2;
+}
+@end
+
+namespace {
+
+std::string removal_of(Class menu_class) {
+    trail.clear();
+    NSMenu* menu = [[menu_class alloc] initWithTitle:@"x"];
+    [menu addItemWithTitle:@"item" action:NULL keyEquivalent:@""];
+    [menu removeAllItems];
+    if ([menu numberOfItems]) trail += "items left";
+    [menu release];
+    return trail;
+}
+
+void exchange() {
+    method_exchangeImplementations(
+        class_getInstanceMethod([HostMenu class], @selector(removeAllItems)),
+        class_getInstanceMethod([HostMenu class], @selector(testRemoveAllItems)));
+}
+
+}  // namespace
+
+TEST(Runtime, AnOverriddenMethodExchangedWithAnInheritedOneRunsPluginThenHost) {
+    ASSERT_EQ(removal_of([HostMenu class]), "host ");
+    ASSERT_EQ(removal_of([HostSubmenu class]), "host ");
+    exchange();
+    EXPECT_EQ(removal_of([HostMenu class]), "plugin host ");
+    EXPECT_EQ(removal_of([HostSubmenu class]), "plugin host ");
+    EXPECT_EQ(removal_of([NSMenu class]), "");
+    exchange();
+    EXPECT_EQ(removal_of([HostMenu class]), "host ");
+    EXPECT_EQ(removal_of([HostSubmenu class]), "host ");
+    EXPECT_EQ(removal_of([NSMenu class]), "");
+}
+
+TEST(Runtime, ASubclassWithADispatchTableSeesTheExchangeOfInheritedMethods) {
+    RuntimeChild* child = [RuntimeChild new];
+    ASSERT_EQ([child first], 1);
+    for (const int expected : {2, 1}) {
+        method_exchangeImplementations(
+            class_getInstanceMethod([RuntimeBase class], @selector(first)),
+            class_getInstanceMethod([RuntimeBase class], @selector(second)));
+        EXPECT_EQ([child first], expected);
+        EXPECT_EQ([child second], 3 - expected);
+    }
+    [child release];
+}
+
+TEST(Runtime, ClassMethodsAreExchangedAcrossClasses) {
+    ASSERT_EQ([RuntimeChild number], 1);
+    ASSERT_EQ([RuntimeChild otherNumber], 2);
+    Method base = class_getClassMethod([RuntimeBase class], @selector(number));
+    Method child = class_getClassMethod([RuntimeChild class], @selector(otherNumber));
+    for (const int expected : {2, 1}) {
+        method_exchangeImplementations(base, child);
+        EXPECT_EQ([RuntimeBase number], expected);
+        EXPECT_EQ([RuntimeChild number], expected);
+        EXPECT_EQ([RuntimeChild otherNumber], 3 - expected);
+    }
+}
+
+TEST(Runtime, ExchangingAMissingMethodDoesNothing) {
+    Method first = class_getInstanceMethod([RuntimeBase class], @selector(first));
+    method_exchangeImplementations(first, nullptr);
+    method_exchangeImplementations(nullptr, first);
+    RuntimeBase* base = [[RuntimeBase new] autorelease];
+    EXPECT_EQ([base first], 1);
+}
