@@ -17,6 +17,9 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
 add_compile_options(-Wall -Wextra -Werror)
 
+# CMake knows this flag for C and C++ only; without it programs record a library by its build path.
+set(CMAKE_SHARED_LIBRARY_SONAME_OBJCXX_FLAG "-Wl,-soname,")
+
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 

@@ -6,6 +6,23 @@ namespace {
 
 void unused_method(id, SEL) {}
 
+// The head of GNU's class record, which its headers keep to themselves.
+struct class_record_t {
+    Class is_a;
+    Class superclass;
+    const char* name;
+    long version;
+    unsigned long info;
+};
+constexpr unsigned long under_construction = 0x10;
+
+// clang sets a flag in each metaclass that this run time reads as "under construction", and to
+// such a class it adds methods without telling the dispatch tables.
+void finish_construction(Class owner) {
+    if (!class_isMetaClass(owner)) return;
+    reinterpret_cast<class_record_t*>(owner)->info &= ~under_construction;
+}
+
 void patch_method(const method_patch_t& patch) {
     Class owner = objc_getClass(patch.class_name);
     if (!owner) return;
@@ -26,6 +43,7 @@ void patch_methods(const method_patch_t* patches, unsigned count) {
 }
 
 void refresh_dispatch(Class owner) {
+    finish_construction(owner);
     // Only adding a method rebuilds the tables, and only under a name that the class lacks.
     static unsigned serial;
     char name[32];

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "support/app.h"
+
 static std::string trail;
 
 // What a host's menu class looks like: it overrides a method that NSMenu has.
@@ -78,6 +80,7 @@ void exchange() {
 }  // namespace
 
 TEST(Runtime, AnOverriddenMethodExchangedWithAnInheritedOneRunsPluginThenHost) {
+    test::start_application();
     ASSERT_EQ(removal_of([HostMenu class]), "host ");
     ASSERT_EQ(removal_of([HostSubmenu class]), "host ");
     exchange();

@@ -7,8 +7,8 @@ namespace test {
 void start_application() {
     if (NSApp) return;
     NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
-    NSMutableDictionary* arguments =
-        [NSMutableDictionary dictionaryWithDictionary:[defaults volatileDomainForName:NSArgumentDomain]];
+    NSMutableDictionary* arguments = [NSMutableDictionary
+        dictionaryWithDictionary:[defaults volatileDomainForName:NSArgumentDomain]];
     [arguments setObject:[NSArray array] forKey:@"GSAppKitUserBundles"];
     [defaults removeVolatileDomainForName:NSArgumentDomain];
     [defaults setVolatileDomain:arguments forName:NSArgumentDomain];
