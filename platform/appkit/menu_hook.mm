@@ -1,0 +1,79 @@
+// Brings every way in which a contextual menu pops up to one place: the private instance method
+// of the Mac, which runs a session with the process's tracker.
+#include <AppKit/MenuTracking.h>
+#include <GNUstepGUI/GSTheme.h>
+#include <objc/runtime.h>
+
+#include "appkit/menu_presenter.h"
+#include "appkit/menu_session.h"
+#include "appkit/method_patch.h"
+
+namespace {
+
+id<MenuTracker> chosen_tracker;
+
+void run_popup(NSMenu *menu, NSEvent *event, NSView *view, NSFont *font) {
+    if (!menu) return;
+    MenuSession *session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
+    id<MenuTracker> tracker = chosen_tracker ?: [MenuPresenter sharedPresenter];
+    @try {
+        [tracker trackSession:session event:event view:view font:font];
+    } @finally {
+        [session close];
+    }
+    [session performPick];
+}
+
+void class_popup_with_font(id, SEL, NSMenu *menu, NSEvent *event, NSView *view, NSFont *font) {
+    [menu _popUpContextMenu:menu withEvent:event forView:view withFont:font];
+}
+
+void class_popup(id, SEL, NSMenu *menu, NSEvent *event, NSView *view) {
+    [menu _popUpContextMenu:menu withEvent:event forView:view withFont:nil];
+}
+
+// Themes may show a menu without the class popups.
+void theme_popup(id, SEL, NSMenu *menu, NSEvent *event) {
+    [menu _popUpContextMenu:menu withEvent:event forView:nil withFont:nil];
+}
+
+// A right click that nobody handled: the main menu, which is no file's contextual menu, so that it
+// does not take the ways in which plug-ins look for one.
+void unhandled_right_click(id application, SEL, NSEvent *event) {
+    run_popup([application mainMenu], event, nil, nil);
+}
+
+// Not through class_getInstanceMethod: that would initialize the class while libraries still load.
+void replace(Class owner, SEL selector, IMP implementation, const char *types) {
+    class_replaceMethod(owner, selector, implementation, types);
+    refresh_dispatch(owner);
+}
+
+__attribute__((constructor)) void install() {
+    Class menu_class = object_getClass(objc_getClass("NSMenu"));
+    replace(menu_class, @selector(popUpContextMenu:withEvent:forView:withFont:),
+            reinterpret_cast<IMP>(class_popup_with_font), "v@:@@@@");
+    replace(menu_class, @selector(popUpContextMenu:withEvent:forView:),
+            reinterpret_cast<IMP>(class_popup), "v@:@@@");
+    replace(objc_getClass("GSTheme"), @selector(rightMouseDisplay:forEvent:),
+            reinterpret_cast<IMP>(theme_popup), "v@:@@");
+    replace(objc_getClass("NSApplication"), @selector(rightMouseDown:),
+            reinterpret_cast<IMP>(unhandled_right_click), "v@:@");
+}
+
+}  // namespace
+
+@implementation NSMenu (MenuTracking)
+
++ (void)setContextMenuTracker:(id<MenuTracker>)tracker {
+    chosen_tracker = tracker;
+}
+
+- (void)_popUpContextMenu:(NSMenu *)menu
+                withEvent:(NSEvent *)event
+                  forView:(NSView *)view
+                 withFont:(NSFont *)font {
+    run_popup(menu, event, view, font);
+}
+
+@end
