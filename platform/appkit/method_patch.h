@@ -4,16 +4,18 @@
 #include <objc/objc.h>
 #include <objc/runtime.h>
 
-// A new implementation for an existing method, its own or inherited. `original` receives the one
-// that it replaces, and may be null.
+// A new implementation for an existing instance method, the class's own or inherited; with
+// `on_class` a class method. `original` receives the one that it replaces, and may be null.
 struct method_patch_t {
     const char* class_name;
     const char* selector;
     IMP implementation;
     IMP* original;
+    bool on_class = false;
 };
 
-// Installs `count` patches; a class or method that does not exist is left out.
+// Installs `count` patches; a class or method that does not exist is left out. No class is
+// initialized by it, so it may run while libraries still load.
 void patch_methods(const method_patch_t* patches, unsigned count);
 
 template <unsigned count>

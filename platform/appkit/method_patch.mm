@@ -1,6 +1,7 @@
 #include "appkit/method_patch.h"
 
 #include <stdio.h>
+#include <stdlib.h>
 
 namespace {
 
@@ -23,11 +24,32 @@ void finish_construction(Class owner) {
     reinterpret_cast<class_record_t*>(owner)->info &= ~under_construction;
 }
 
+// class_getInstanceMethod would initialize the class.
+Method own_method(Class owner, SEL selector) {
+    unsigned count = 0;
+    Method* list = class_copyMethodList(owner, &count);
+    Method found = nullptr;
+    for (unsigned i = 0; i < count && !found; i++) {
+        if (sel_isEqual(method_getName(list[i]), selector)) found = list[i];
+    }
+    free(list);
+    return found;
+}
+
+Method inherited_method(Class owner, SEL selector) {
+    Method method = nullptr;
+    for (; owner && !method; owner = class_getSuperclass(owner)) {
+        method = own_method(owner, selector);
+    }
+    return method;
+}
+
 void patch_method(const method_patch_t& patch) {
     Class owner = objc_getClass(patch.class_name);
+    if (owner && patch.on_class) owner = object_getClass(reinterpret_cast<id>(owner));
     if (!owner) return;
     SEL selector = sel_registerName(patch.selector);
-    Method method = class_getInstanceMethod(owner, selector);
+    Method method = inherited_method(owner, selector);
     if (!method) return;
     IMP original = method_getImplementation(method);
     // Told first: another thread may enter the new one as soon as it is there.

@@ -1,0 +1,16 @@
+// A menu's parts that come into being on first need.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+@interface NSMenu (LightStorage)
+// Whether GNUstep's own menu view and windows exist for this menu.
+- (BOOL)hasStockRepresentation;
+- (void)needStockRepresentation;
+@end
+
+// Tells the main menu and its submenus when the application has launched or becomes active.
+@interface MenuLaunchObserver : NSObject
+// Once a process; again does nothing.
++ (void)start;
+@end
