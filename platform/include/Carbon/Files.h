@@ -1,8 +1,12 @@
 // File Manager and aliases: file references, catalog information, alias resolution.
 //
-// An FSRef names a file by its path, held in a bounded table of this process. A reference whose
-// table entry has been given to a later file is stale: every call answers fnfErr for it, never
-// another file. References are meant to be used at once, not to be kept. Main thread.
+// An FSRef names a file by its path, held in a table of this process that keeps the last 4096. An
+// older reference is stale: every call answers fnfErr for it, never another file; so does every
+// call whose file is gone. References are meant to be used at once, not to be kept. Main thread.
+//
+// Making a reference looks at the file. The first LSCopyItemInfoForRef, LSCopyDisplayNameForRef and
+// FSGetCatalogInfo that follow within a tenth of a second answer from that look; any further
+// question looks again.
 #pragma once
 
 #include <Carbon/MacTypes.h>
@@ -33,7 +37,8 @@ enum { kFSCatInfoNone = 0, kFSCatInfoNodeFlags = 0x2, kFSCatInfoFinderInfo = 0x8
 // `finderInfo` is a FileInfo (or FolderInfo: flags stand at the same place) in native byte order.
 typedef struct FSCatalogInfo {
     UInt16 nodeFlags;
-    UInt8 finderInfo[16];
+    // Aligned for the records that it holds.
+    __attribute__((aligned(4))) UInt8 finderInfo[16];
     UInt8 extFinderInfo[16];
 } FSCatalogInfo;
 enum { kFSNodeIsDirectoryMask = 0x10 };
@@ -47,16 +52,20 @@ typedef struct FileInfo {
 } FileInfo;
 enum { kIsAlias = 0x8000, kIsInvisible = 0x4000, kColor = 0x000E };
 
-// The path must exist (it is not followed when it is a symbolic link). fnfErr when it does not.
+// The path must exist (it is not followed when it is a symbolic link, whatever slashes stand at its
+// end). fnfErr when it does not, pathTooLongErr for 4096 bytes and more, which the system cannot
+// open, afpAccessDenied when a folder on the way may not be searched. `isDirectory` may be null.
 OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory);
-// Writes the path and its NUL; errFSNameTooLong is never given: a path that does not fit `size`
-// bytes answers pathTooLongErr.
+// Writes the path, absolute and without a slash at its end, and its NUL. A path that does not fit
+// `size` bytes answers pathTooLongErr, and nothing is written.
 OSStatus FSRefMakePath(const FSRef* ref, UInt8* path, UInt32 size);
 enum { pathTooLongErr = -2110 };
 
 // Finder information from the extended attribute "user.com.apple.FinderInfo" (32 bytes, big-endian,
 // as file servers for Macs store it); invisible also by the folder's ".hidden" list; the alias flag
-// for symbolic links. `outName`, `spec` and `parent` may be null.
+// for symbolic links. A change of a folder's list is seen at the latest a tenth of a second later.
+// `info`, `outName`, `spec` and `parent` may be null; `spec` is only cleared; bdNamErr for
+// `outName` when the name is not UTF-8; the root folder's parent is the root folder.
 OSErr FSGetCatalogInfo(const FSRef* ref, FSCatalogInfoBitmap which, FSCatalogInfo* info,
                        HFSUniStr255* outName, FSSpec* spec, FSRef* parent);
 

@@ -1,0 +1,54 @@
+#include "carbon/bundle_names.h"
+
+#import <Foundation/Foundation.h>
+
+#include <string>
+
+#include "carbon/small_files.h"
+
+namespace files {
+
+namespace {
+
+const size_t largest_list = 1 << 20;
+
+// Where a bundle keeps its information: GNUstep's wrappers, then the Mac's.
+const char* const information_files[] = {"/Resources/Info-gnustep.plist", "/Contents/Info.plist"};
+
+NSDictionary* information_in(const std::string& path) {
+    std::string content;
+    if (!read_small_file(path.c_str(), largest_list, &content)) return nil;
+    NSData* data = [NSData dataWithBytes:content.data() length:content.size()];
+    id list = nil;
+    @try {
+        list = [NSPropertyListSerialization propertyListWithData:data
+                                                         options:NSPropertyListImmutable
+                                                          format:nullptr
+                                                           error:nullptr];
+    } @catch (NSException*) {
+        return nil;
+    }
+    return [list isKindOfClass:[NSDictionary class]] ? list : nil;
+}
+
+NSString* name_in(NSDictionary* information) {
+    for (NSString* key in @[ @"CFBundleDisplayName", @"ApplicationName" ]) {
+        NSString* name = [information objectForKey:key];
+        if ([name isKindOfClass:[NSString class]] && [name length] > 0) return name;
+    }
+    return nil;
+}
+
+}  // namespace
+
+CFStringRef copy_bundle_name(const char* path) {
+    @autoreleasepool {
+        for (const char* file : information_files) {
+            NSString* name = name_in(information_in(std::string(path) + file));
+            if (name) return (CFStringRef)[name copy];
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace files

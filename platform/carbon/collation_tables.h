@@ -1,0 +1,48 @@
+// Sort weights of the characters U+0000 to U+00FF, taken from ICU's root order.
+#pragma once
+
+#include <stdint.h>
+#include <unicode/ucol.h>
+
+namespace collation {
+
+// One step of a text's sort order. Weights are ranks: only their order means anything.
+// A primary of 0 is a mark on the character before it, such as an accent.
+struct Element {
+    uint16_t primary;
+    uint16_t secondary;
+};
+
+enum Kind : uint8_t {
+    PLAIN,      // one element
+    SEQUENCE,   // several elements, or none: see first and count
+    DIGIT,      // part of a number
+    CONTEXTUAL  // one element, but another sequence before MIDDLE_DOT
+};
+
+struct Character {
+    Kind kind;
+    uint8_t first, count;  // in Tables::sequences
+    Element element;
+};
+
+const uint16_t MIDDLE_DOT = 0xB7;
+
+struct Tables {
+    Character characters[256];
+    Element sequences[256];
+    // What a CONTEXTUAL character and the MIDDLE_DOT after it stand for.
+    uint8_t contextual_first, contextual_count;
+    // The ranks of the characters 0 and 9. Fractions and superscripts stand between them; where
+    // a number stands among those depends on its value.
+    uint16_t lowest_digit, highest_digit;
+};
+
+// ICU's comparison in full: case ignored, digits as numbers, accents and punctuation significant.
+// Null when ICU has no data. Any thread.
+const UCollator* root_collator();
+
+// Null when ICU has no data. Any thread.
+const Tables* tables();
+
+}  // namespace collation

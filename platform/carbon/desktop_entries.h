@@ -1,0 +1,19 @@
+// What a `.desktop` file says of itself.
+#pragma once
+
+#include <string>
+
+namespace files {
+
+struct File;
+
+struct DesktopEntry {
+    bool is_application;  // of type Application
+    std::string name;     // in the user's language; empty when the file gives none
+};
+
+// Reads the plain file. Valid until the next call; the entry read last is kept for the next
+// question about the same reference.
+const DesktopEntry& desktop_entry(const File& file);
+
+}  // namespace files

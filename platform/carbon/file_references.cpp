@@ -1,0 +1,188 @@
+#include "carbon/file_references.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <string.h>
+#include <sys/random.h>
+#include <unistd.h>
+
+#include <array>
+
+#include "carbon/moments.h"
+
+namespace files {
+
+namespace {
+
+const size_t table_size = 4096;
+// Longer path storage is given back when an entry is used anew.
+const size_t kept_capacity = 512;
+
+// What the 80 bytes of an FSRef hold. Every reference made has a generation of its own.
+struct Reference {
+    uint64_t process_key;
+    uint64_t generation;
+};
+static_assert(sizeof(Reference) <= sizeof(FSRef));
+
+struct Table {
+    std::array<File, table_size> files = {};
+    uint64_t last_generation = 0;
+    uint64_t process_key = 0;
+
+    Table() {
+        if (getrandom(&process_key, sizeof process_key, 0) != sizeof process_key) {
+            process_key = reinterpret_cast<uintptr_t>(this);
+        }
+        process_key |= 1;  // bytes that are all zero are never a reference
+    }
+
+    File& file(uint64_t generation) { return files[generation % table_size]; }
+};
+
+Table& table() {
+    static Table& table = *new Table;
+    return table;
+}
+
+// Looks at the path. False with errno set when there is nothing.
+bool look(const char* path, struct statx* status) {
+    return statx(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC,
+                 STATX_TYPE | STATX_MODE, status) == 0;
+}
+
+void remember(const struct statx& status, unsigned questions, File* file) {
+    file->mode = status.stx_mode;
+    file->device_major = status.stx_dev_major;
+    file->device_minor = status.stx_dev_minor;
+    file->seen_at = milliseconds_now();
+    file->unanswered = questions;
+    file->knows_finder_information = false;
+    file->knows_invisible = false;
+}
+
+void keep_path(const char* path, size_t length, File* file) {
+    if (file->path.capacity() > kept_capacity && length <= kept_capacity) {
+        std::string().swap(file->path);
+    }
+    file->path.assign(path, length);
+    const char* slash = static_cast<const char*>(memrchr(path, '/', length));
+    // The root folder is its own name.
+    file->name_offset = length > 1 && slash ? static_cast<uint32_t>(slash - path) + 1 : 0;
+}
+
+bool answers_from_last_look(File* file, Question question) {
+    if (!(file->unanswered & question)) return false;
+    file->unanswered &= ~static_cast<unsigned>(question);
+    return milliseconds_now() - file->seen_at < one_moment;
+}
+
+// `path` made absolute and without slashes at its end; empty when there is no current folder.
+std::string absolute_path(const char* path) {
+    std::string result;
+    if (*path != '/') {
+        char* current = getcwd(nullptr, 0);
+        if (!current) return result;
+        result = current;
+        free(current);
+        if (result.back() != '/') result += '/';
+    }
+    result += path;
+    while (result.size() > 1 && result.back() == '/') result.pop_back();
+    return result;
+}
+
+bool needs_tidying(const char* path, size_t length) {
+    return path[0] != '/' || (length > 1 && path[length - 1] == '/');
+}
+
+}  // namespace
+
+OSErr error_from_errno(int code) {
+    switch (code) {
+        case EACCES:
+        case EPERM:
+            return afpAccessDenied;
+        case ENAMETOOLONG:
+            return bdNamErr;
+        case ENOMEM:
+            return memFullErr;
+        case EIO:
+            return ioErr;
+        default:
+            return fnfErr;
+    }
+}
+
+OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef* ref,
+                     mode_t* mode) {
+    struct statx status;
+    if (!look(path, &status)) return error_from_errno(errno);
+
+    Table& all = table();
+    const Reference reference = {all.process_key, ++all.last_generation};
+    File& file = all.file(reference.generation);
+    file.generation = reference.generation;
+    keep_path(path, length, &file);
+    remember(status, questions, &file);
+
+    memcpy(ref->hidden, &reference, sizeof reference);
+    memset(ref->hidden + sizeof reference, 0, sizeof ref->hidden - sizeof reference);
+    *mode = file.mode;
+    return noErr;
+}
+
+File* file_for(const FSRef* ref, Question question, OSErr* error) {
+    if (!ref) return *error = paramErr, nullptr;
+    Reference reference;
+    memcpy(&reference, ref->hidden, sizeof reference);
+    Table& all = table();
+    File& file = all.file(reference.generation);
+    if (reference.process_key != all.process_key || reference.generation == 0 ||
+        file.generation != reference.generation) {
+        return *error = fnfErr, nullptr;
+    }
+    if (!answers_from_last_look(&file, question)) {
+        struct statx status;
+        if (!look(file.path.c_str(), &status)) return *error = error_from_errno(errno), nullptr;
+        // The other questions still belong to the look before.
+        remember(status, 0, &file);
+    }
+    *error = noErr;
+    return &file;
+}
+
+}  // namespace files
+
+OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
+    const char* text = reinterpret_cast<const char*>(path);
+    if (!text || !ref) return paramErr;
+    size_t length = strlen(text);
+    if (length == 0) return fnfErr;
+
+    std::string tidy;
+    if (files::needs_tidying(text, length)) {
+        tidy = files::absolute_path(text);
+        if (tidy.empty()) return fnfErr;
+        text = tidy.c_str();
+        length = tidy.size();
+    }
+    if (length >= PATH_MAX) return pathTooLongErr;
+
+    const unsigned usual = files::ITEM_INFO | files::DISPLAY_NAME | files::CATALOG_INFO;
+    mode_t mode;
+    const OSErr error = files::make_reference(text, length, usual, ref, &mode);
+    if (error == noErr && isDirectory) *isDirectory = S_ISDIR(mode);
+    return error;
+}
+
+OSStatus FSRefMakePath(const FSRef* ref, UInt8* path, UInt32 size) {
+    if (!path) return paramErr;
+    OSErr error;
+    const files::File* file = files::file_for(ref, files::PATH, &error);
+    if (!file) return error;
+    if (file->path.size() >= size) return pathTooLongErr;
+    memcpy(path, file->path.c_str(), file->path.size() + 1);
+    return noErr;
+}

@@ -1,0 +1,52 @@
+// The table behind FSRef: which path a reference names, and what was seen there when it was made.
+//
+// Making a reference looks at the file once. The usual questions that follow at once (what is it,
+// what is its name, what is its Finder information) are answered from that look, each of them one
+// time; whoever asks again, or later than a moment, gets a new look. Main thread.
+#pragma once
+
+#include <Carbon/Files.h>
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "carbon/finder_information.h"
+
+namespace files {
+
+// What a look at a file may still answer.
+enum Question : unsigned { ITEM_INFO = 1, DISPLAY_NAME = 2, CATALOG_INFO = 4, PATH = 8 };
+
+struct File {
+    uint64_t generation;   // 0: never used
+    std::string path;      // absolute, without a slash at its end
+    uint32_t name_offset;  // of the last component in `path`
+    mode_t mode;           // of the entry itself: a symbolic link is not followed
+    uint32_t device_major, device_minor;
+    int64_t seen_at;      // milliseconds
+    unsigned unanswered;  // questions that the last look may still answer
+
+    // What the answers so far have found out; dropped by a new look.
+    bool knows_finder_information;
+    bool knows_invisible, invisible;
+    FinderInformation finder_information;
+
+    const char* name() const { return path.c_str() + name_offset; }
+    size_t name_length() const { return path.size() - name_offset; }
+    // The folder, with its slash.
+    const char* folder() const { return path.c_str(); }
+    size_t folder_length() const { return name_offset; }
+};
+
+// The file that `ref` names, fit to answer `question`: null with *error when the reference is stale
+// or foreign, or the file is gone. Valid until the next reference is made.
+File* file_for(const FSRef* ref, Question question, OSErr* error);
+
+// Makes a reference to an absolute path, with these questions answered by one look.
+OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef* ref, mode_t* mode);
+
+// The Mac's result code for what errno says about a path.
+OSErr error_from_errno(int code);
+
+}  // namespace files

@@ -1,0 +1,67 @@
+#include "carbon/finder_information.h"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/xattr.h>
+
+#include "carbon/file_references.h"
+#include "carbon/hidden_lists.h"
+#include "carbon/moments.h"
+
+namespace files {
+
+namespace {
+
+const char attribute[] = "user.com.apple.FinderInfo";
+
+// The last file system that said it keeps no attributes; not asked again for a while.
+struct Incapable {
+    uint32_t major, minor;
+    int64_t until;
+} incapable = {};
+
+bool is_incapable(const File& file) {
+    return incapable.until > file.seen_at && incapable.major == file.device_major &&
+           incapable.minor == file.device_minor;
+}
+
+// User attributes exist for plain files and folders only.
+bool may_have_attributes(const File& file) {
+    return (S_ISREG(file.mode) || S_ISDIR(file.mode)) && !is_incapable(file);
+}
+
+void read_attribute(File& file) {
+    FinderInformation& information = file.finder_information;
+    const ssize_t size =
+        lgetxattr(file.path.c_str(), attribute, information.bytes, sizeof information.bytes);
+    if (size == sizeof information.bytes) return;
+    memset(information.bytes, 0, sizeof information.bytes);
+    if (size < 0 && errno == EOPNOTSUPP) {
+        incapable = {file.device_major, file.device_minor, file.seen_at + 10 * one_moment};
+    }
+}
+
+const uint16_t invisible_flag = 0x4000;
+
+}  // namespace
+
+const FinderInformation& finder_information(File& file) {
+    if (file.knows_finder_information) return file.finder_information;
+    if (may_have_attributes(file))
+        read_attribute(file);
+    else
+        memset(file.finder_information.bytes, 0, sizeof file.finder_information.bytes);
+    file.knows_finder_information = true;
+    return file.finder_information;
+}
+
+bool is_invisible(File& file) {
+    if (!file.knows_invisible) {
+        file.invisible =
+            (finder_information(file).flags() & invisible_flag) || is_listed_hidden(file);
+        file.knows_invisible = true;
+    }
+    return file.invisible;
+}
+
+}  // namespace files

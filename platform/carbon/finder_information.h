@@ -1,0 +1,32 @@
+// A file's Finder information: 32 bytes that file servers for Macs keep in an extended attribute.
+#pragma once
+
+#include <stdint.h>
+#include <sys/types.h>
+
+namespace files {
+
+struct File;
+
+// Big-endian, as stored: a FileInfo (or FolderInfo) and its extension. All zero when there is none.
+struct FinderInformation {
+    uint8_t bytes[32];
+
+    uint32_t type() const { return word32(0); }
+    uint32_t creator() const { return word32(4); }
+    uint16_t flags() const { return word16(8); }
+    uint16_t word16(int offset) const {
+        return static_cast<uint16_t>(bytes[offset] << 8 | bytes[offset + 1]);
+    }
+    uint32_t word32(int offset) const {
+        return static_cast<uint32_t>(word16(offset)) << 16 | word16(offset + 2);
+    }
+};
+
+// The file's Finder information, read at most once a look.
+const FinderInformation& finder_information(File& file);
+
+// By the Finder's flag, or by the `.hidden` list of its folder.
+bool is_invisible(File& file);
+
+}  // namespace files

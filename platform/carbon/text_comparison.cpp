@@ -1,0 +1,202 @@
+#include <Carbon/UnicodeUtilities.h>
+
+#include <algorithm>
+
+#include "carbon/collation_tables.h"
+
+namespace {
+
+using collation::Character;
+using collation::Element;
+using collation::Tables;
+
+const UCCollateOptions served_options =
+    kUCCollateComposeInsensitiveMask | kUCCollateWidthInsensitiveMask |
+    kUCCollateCaseInsensitiveMask | kUCCollatePunctuationSignificantMask |
+    kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
+
+// ICU cuts longer numbers into pieces.
+const UniCharCount longest_number = 254;
+
+// A result that the tables cannot tell.
+const int undecided = 2;
+
+bool is_digit(UniChar unit) { return unit >= '0' && unit <= '9'; }
+
+// Digits without leading zeros; the number 0 has one digit.
+struct Number {
+    const UniChar* first;
+    const UniChar* last;
+};
+
+int compare(const Number& a, const Number& b) {
+    const auto length_a = a.last - a.first, length_b = b.last - b.first;
+    if (length_a != length_b) return length_a < length_b ? -1 : 1;
+    for (auto i = decltype(length_a){0}; i < length_a; i++) {
+        if (a.first[i] != b.first[i]) return a.first[i] < b.first[i] ? -1 : 1;
+    }
+    return 0;
+}
+
+// Walks over a text's elements; a run of digits counts as one.
+class Walker {
+  public:
+    Walker(const Tables& tables, const UniChar* text, const UniChar* end)
+        : tables_(tables), at_(text), end_(end) {}
+
+    // False at the end of the text.
+    bool next() {
+        for (;;) {
+            if (sequence_ != sequence_end_) return element = *sequence_++, true;
+            is_number = false;
+            if (at_ == end_) return false;
+            const Character& character = tables_.characters[*at_];
+            if (character.kind == collation::PLAIN) {
+                at_++;
+                return element = character.element, true;
+            }
+            if (character.kind == collation::DIGIT) return take_number(), true;
+            take(character);
+        }
+    }
+
+    Element element;
+    bool is_number = false;
+    Number number;
+
+  private:
+    void take(const Character& character) {
+        at_++;
+        if (character.kind == collation::SEQUENCE) {
+            sequence_ = tables_.sequences + character.first;
+            sequence_end_ = sequence_ + character.count;
+        } else if (at_ != end_ && *at_ == collation::MIDDLE_DOT) {
+            at_++;
+            sequence_ = tables_.sequences + tables_.contextual_first;
+            sequence_end_ = sequence_ + tables_.contextual_count;
+        } else {
+            sequence_ = &character.element;
+            sequence_end_ = sequence_ + 1;
+        }
+    }
+
+    void take_number() {
+        const UniChar* last = at_;
+        while (last != end_ && is_digit(*last)) last++;
+        while (last - at_ > 1 && *at_ == '0') at_++;
+        number = {at_, last};
+        is_number = true;
+        element = tables_.characters[int{'0'}].element;
+        at_ = last;
+    }
+
+    const Tables& tables_;
+    const UniChar* at_;
+    const UniChar* end_;
+    const Element* sequence_ = nullptr;
+    const Element* sequence_end_ = nullptr;
+};
+
+struct Text {
+    const UniChar* units;
+    const UniChar* end;
+};
+
+// As next(), but marks are passed over and noted.
+bool next_primary(Walker* walker, bool* has_marks) {
+    while (walker->next()) {
+        if (walker->element.primary) return true;
+        *has_marks = true;
+    }
+    return false;
+}
+
+int compare_primaries(const Tables& tables, const Walker& a, const Walker& b) {
+    if (a.is_number && b.is_number) return compare(a.number, b.number);
+    const uint16_t primary_a = a.element.primary, primary_b = b.element.primary;
+    if (a.is_number != b.is_number) {
+        const uint16_t other = a.is_number ? primary_b : primary_a;
+        if (other >= tables.lowest_digit && other <= tables.highest_digit) return undecided;
+    }
+    return primary_a == primary_b ? 0 : primary_a < primary_b ? -1 : 1;
+}
+
+// *differ is set when equal texts may still differ in their marks.
+int compare_letters(const Tables& tables, const Text& text1, const Text& text2, bool* differ) {
+    Walker a(tables, text1.units, text1.end), b(tables, text2.units, text2.end);
+    for (;;) {
+        const bool more_a = next_primary(&a, differ), more_b = next_primary(&b, differ);
+        if (!more_a || !more_b) return more_a - more_b;
+        const int order = compare_primaries(tables, a, b);
+        if (order) return order;
+        if (a.element.secondary != b.element.secondary) *differ = true;
+    }
+}
+
+int compare_marks(const Tables& tables, const Text& text1, const Text& text2) {
+    Walker a(tables, text1.units, text1.end), b(tables, text2.units, text2.end);
+    for (;;) {
+        const bool more_a = a.next(), more_b = b.next();
+        if (!more_a || !more_b) return more_a - more_b;
+        const uint16_t mark_a = a.element.secondary, mark_b = b.element.secondary;
+        if (mark_a != mark_b) return mark_a < mark_b ? -1 : 1;
+    }
+}
+
+// Drops what both texts begin with, but nothing whose meaning hangs on what follows it.
+void drop_common_start(Text* text1, Text* text2) {
+    const UniChar* const start = text1->units;
+    const auto shorter = std::min(text1->end - text1->units, text2->end - text2->units);
+    const UniChar* at = std::mismatch(start, start + shorter, text2->units).first;
+    if (at != start && (at[-1] == 'l' || at[-1] == 'L')) at--;
+    while (at != start && is_digit(at[-1])) at--;
+    text2->units += at - start;
+    text1->units = at;
+}
+
+int compare_by_tables(const Tables& tables, Text text1, Text text2) {
+    drop_common_start(&text1, &text2);
+    bool differ = false;
+    const int order = compare_letters(tables, text1, text2, &differ);
+    return order || !differ ? order : compare_marks(tables, text1, text2);
+}
+
+bool is_byte_wide(const Text& text) {
+    UniChar all = 0;
+    for (const UniChar* at = text.units; at != text.end; at++) all |= *at;
+    return all < 0x100;
+}
+
+bool fit_tables(const Text& text1, const Text& text2) {
+    const auto longest = std::max(text1.end - text1.units, text2.end - text2.units);
+    return static_cast<UniCharCount>(longest) <= longest_number && is_byte_wide(text1) &&
+           is_byte_wide(text2);
+}
+
+int compare_by_icu(const UCollator* collator, const Text& text1, const Text& text2) {
+    static_assert(sizeof(UniChar) == sizeof(UChar));
+    return ucol_strcoll(collator, reinterpret_cast<const UChar*>(text1.units),
+                        static_cast<int32_t>(text1.end - text1.units),
+                        reinterpret_cast<const UChar*>(text2.units),
+                        static_cast<int32_t>(text2.end - text2.units));
+}
+
+}  // namespace
+
+OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, UniCharCount length1,
+                              const UniChar* text2, UniCharCount length2, Boolean* equivalent,
+                              SInt32* order) {
+    const bool missing = (!text1 && length1) || (!text2 && length2);
+    if (options != served_options || missing) return paramErr;
+    const Tables* tables = collation::tables();
+    const UCollator* collator = collation::root_collator();
+    if (!tables || !collator) return kTECMissingTableErr;
+
+    const Text first = {text1, text1 + length1}, second = {text2, text2 + length2};
+    int result = undecided;
+    if (fit_tables(first, second)) result = compare_by_tables(*tables, first, second);
+    if (result == undecided) result = compare_by_icu(collator, first, second);
+    if (equivalent) *equivalent = result == 0;
+    if (order) *order = result;
+    return noErr;
+}

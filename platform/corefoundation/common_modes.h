@@ -1,0 +1,8 @@
+// The run-loop modes that count as common. GNUstep has no common modes of its own, so what is
+// added for them is added to each of these.
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+// The names of the common modes so far, the default mode first. One list a process. Any thread.
+NSArray* CommonModes(void);

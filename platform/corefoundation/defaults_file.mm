@@ -1,0 +1,179 @@
+#include "corefoundation/defaults_file.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <time.h>
+#include <unistd.h>
+
+namespace {
+
+const off_t largest_file = 16 << 20;
+
+// The lock of the defaults folder, as NSUserDefaults takes it: a folder that only one can make.
+class DefaultsLock {
+  public:
+    explicit DefaultsLock(const std::string& folder)
+        : parent_(folder + "/.lck"), path_(parent_ + "/.GNUstepDefaults.lck") {
+        mkdir(parent_.c_str(), 0755);
+        // Others hold it for a few milliseconds.
+        for (int attempt = 0; attempt < 50; attempt++) {
+            held_ = mkdir(path_.c_str(), 0777) == 0;
+            if (held_ || errno != EEXIST) return;
+            break_abandoned();
+            usleep(10000);
+        }
+    }
+    ~DefaultsLock() {
+        if (held_) rmdir(path_.c_str());
+    }
+    DefaultsLock(const DefaultsLock&) = delete;
+    DefaultsLock& operator=(const DefaultsLock&) = delete;
+
+    bool held() const { return held_; }
+
+  private:
+    // A program that died while it held the lock leaves it behind.
+    void break_abandoned() const {
+        struct stat status;
+        if (stat(path_.c_str(), &status) == 0 && time(nullptr) - status.st_mtime > 5) {
+            rmdir(path_.c_str());
+        }
+    }
+
+    std::string parent_;
+    std::string path_;
+    bool held_ = false;
+};
+
+// The makers of folders are few: the defaults folder and its parents, on a user's first run.
+void make_folders(const std::string& path) {
+    for (size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        mkdir(path.substr(0, slash).c_str(), 0755);
+    }
+    mkdir(path.c_str(), 0755);
+}
+
+bool write_all(int file, const char* bytes, size_t length) {
+    while (length) {
+        const ssize_t count = write(file, bytes, length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        bytes += count;
+        length -= (size_t)count;
+    }
+    return true;
+}
+
+// The dictionary in these bytes of any property list format; nil if there is none.
+NSDictionary* dictionary_from(NSData* data) {
+    if ([data length] == 0) return [NSDictionary dictionary];
+    id list = nil;
+    @try {
+        list = [NSPropertyListSerialization propertyListWithData:data
+                                                         options:NSPropertyListImmutable
+                                                          format:nullptr
+                                                           error:nullptr];
+    } @catch (NSException*) {
+        return nil;
+    }
+    return [list isKindOfClass:[NSDictionary class]] ? list : nil;
+}
+
+// A number that `defaults write` stored counts as that number: it stands there as a string.
+bool is_same(id stored, id value) {
+    if ([stored isEqual:value]) return true;
+    return [stored isKindOfClass:[NSString class]] && [value isKindOfClass:[NSNumber class]] &&
+           [[value stringValue] isEqual:stored];
+}
+
+NSDictionary* merged(NSDictionary* values, NSDictionary* changes) {
+    NSMutableDictionary* result = [NSMutableDictionary dictionaryWithDictionary:values];
+    for (NSString* key in changes) {
+        const id value = [changes objectForKey:key];
+        if (value == [NSNull null])
+            [result removeObjectForKey:key];
+        else if (!is_same([values objectForKey:key], value))
+            [result setObject:value forKey:key];
+    }
+    return result;
+}
+
+}  // namespace
+
+bool DefaultsFile::Stamp::operator==(const Stamp& other) const {
+    return device == other.device && inode == other.inode && size == other.size &&
+           changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
+}
+
+DefaultsFile::DefaultsFile(NSString* domain) : values_([NSDictionary new]), stamp_{} {
+    const char* name = [domain UTF8String];
+    folder_ = [GSDefaultsRootForUser(NSUserName()) fileSystemRepresentation];
+    path_ = folder_ + "/" + name + ".plist";
+}
+
+DefaultsFile::~DefaultsFile() { [values_ release]; }
+
+// All zero when there is no file.
+bool DefaultsFile::stamp_of_file(Stamp* stamp) const {
+    *stamp = {};
+    struct stat status;
+    if (stat(path_.c_str(), &status) != 0) return errno == ENOENT;
+    if (!S_ISREG(status.st_mode) || status.st_size > largest_file) return false;
+    *stamp = {status.st_dev, status.st_ino, status.st_size, status.st_mtim};
+    return true;
+}
+
+bool DefaultsFile::refresh() {
+    Stamp now;
+    if (!stamp_of_file(&now)) return false;
+    if (was_read_ && now == stamp_) return true;
+
+    @autoreleasepool {
+        NSDictionary* read = [NSDictionary dictionary];
+        if (now.inode) {
+            NSString* path = [NSString stringWithUTF8String:path_.c_str()];
+            NSData* data = [NSData dataWithContentsOfFile:path];
+            read = data ? dictionary_from(data) : nil;
+        }
+        if (!read) return false;
+        [values_ release];
+        values_ = [read copy];
+    }
+    stamp_ = now;
+    was_read_ = true;
+    return true;
+}
+
+bool DefaultsFile::replace(NSDictionary* values) {
+    NSData* data = [NSPropertyListSerialization dataWithPropertyList:values
+                                                              format:NSPropertyListXMLFormat_v1_0
+                                                             options:0
+                                                               error:nullptr];
+    if (!data) return false;
+
+    std::string temporary = path_ + ".XXXXXX";
+    const int file = mkostemp(temporary.data(), O_CLOEXEC);
+    if (file < 0) return false;
+    bool done = write_all(file, (const char*)[data bytes], [data length]) && fsync(file) == 0;
+    done = close(file) == 0 && done;
+    done = done && rename(temporary.c_str(), path_.c_str()) == 0;
+    if (!done) unlink(temporary.c_str());
+    return done;
+}
+
+bool DefaultsFile::merge(NSDictionary* changes) {
+    if (!refresh()) return false;
+    @autoreleasepool {
+        if ([merged(values_, changes) isEqual:values_]) return true;
+
+        make_folders(folder_);
+        const DefaultsLock lock(folder_);
+        if (!lock.held() || !refresh()) return false;
+
+        NSDictionary* result = merged(values_, changes);
+        if (![result isEqual:values_] && !replace(result)) return false;
+        return refresh();
+    }
+}

@@ -1,0 +1,107 @@
+#include <CoreFoundation/CoreFoundation.h>
+
+#import <Foundation/Foundation.h>
+
+#include <string.h>
+
+#include <mutex>
+#include <string>
+#include <unordered_map>
+
+#include "corefoundation/name_string.h"
+#include "corefoundation/type_ids.h"
+
+CFTypeID CFStringGetTypeID(void) { return STRING_TYPE_ID; }
+
+CFStringRef __CFStringMakeConstantString(const char* ascii) {
+    // Never destroyed: constant strings outlive every other object.
+    static auto& strings = *new std::unordered_map<std::string, NSString*>;
+    static auto& lock = *new std::mutex;
+    const std::lock_guard<std::mutex> guard(lock);
+    NSString*& string = strings[ascii];
+    if (!string) string = [[NSString alloc] initWithUTF8String:ascii];
+    return (CFStringRef)string;
+}
+
+CFIndex CFStringGetLength(CFStringRef string) { return (CFIndex)[(NSString*)string length]; }
+
+static bool foundation_encoding(CFStringEncoding encoding, NSStringEncoding* result) {
+    switch (encoding) {
+        case kCFStringEncodingMacRoman:
+            return *result = NSMacOSRomanStringEncoding, true;
+        case kCFStringEncodingUnicode:
+            return *result = NSUnicodeStringEncoding, true;
+        case kCFStringEncodingASCII:
+            return *result = NSASCIIStringEncoding, true;
+        case kCFStringEncodingUTF8:
+            return *result = NSUTF8StringEncoding, true;
+        default:
+            return false;
+    }
+}
+
+static size_t terminated_length(const char* text, CFStringEncoding encoding) {
+    if (encoding != kCFStringEncodingUnicode) return strlen(text);
+    size_t length = 0;
+    while (text[length] || text[length + 1]) length += 2;
+    return length;
+}
+
+CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
+    NSStringEncoding code;
+    if (!text || !foundation_encoding(encoding, &code)) return nullptr;
+    return (CFStringRef)[[NSString alloc] initWithBytes:text
+                                                 length:terminated_length(text, encoding)
+                                               encoding:code];
+}
+
+static Boolean copy_bytes(const void* bytes, size_t length, char* buffer, CFIndex size,
+                          size_t terminator) {
+    if (size < 0 || length + terminator > (size_t)size) return false;
+    memcpy(buffer, bytes, length);
+    memset(buffer + length, 0, terminator);
+    return true;
+}
+
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
+                           CFStringEncoding encoding) {
+    NSString* source = (NSString*)string;
+    NSStringEncoding code;
+    if (!source || !foundation_encoding(encoding, &code)) return false;
+    const bool wide = encoding == kCFStringEncodingUnicode;
+    // ASCII is the same in every encoding but the wide one.
+    if (!wide && object_getClass(source) == [NameString class]) {
+        return copy_bytes([(NameString*)source bytes], [source length], buffer, size, 1);
+    }
+    @autoreleasepool {
+        NSData* data = nil;
+        @try {
+            data = [source dataUsingEncoding:code allowLossyConversion:NO];
+        } @catch (NSException*) {
+            return false;  // a lone surrogate
+        }
+        if (!data) return false;
+        return copy_bytes([data bytes], [data length], buffer, size, wide ? 2 : 1);
+    }
+}
+
+CFStringEncoding CFStringGetFastestEncoding(CFStringRef string) {
+    return object_getClass((id)string) == [NameString class] ? kCFStringEncodingASCII
+                                                             : kCFStringEncodingUnicode;
+}
+
+void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {
+    const NSRange units = NSMakeRange((NSUInteger)range.location, (NSUInteger)range.length);
+    [(NSString*)string getCharacters:buffer range:units];
+}
+
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding) {
+    switch (encoding) {
+        case kCFStringEncodingUTF8:
+            return length * 3;
+        case kCFStringEncodingUnicode:
+            return length * 2;
+        default:
+            return length;
+    }
+}
