@@ -1,0 +1,54 @@
+// The controller: owns the state record, and the state of the contextual menu that is open.
+// What it does for menus stands in categories: population, selection and labels in menus/, the
+// delegate proxy beside this file. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include <pthread.h>
+#include <stdint.h>
+
+@class DVMenuItem;
+struct delvio_t;
+
+// The menu font size in points that popups use; 0 keeps the host's font.
+extern uint32_t dvFontSize;
+
+@interface DVDelvio : NSObject {
+  @private
+    NSMenu* _proxyMenu;   // retained: the menu that is filled, whose delegate the controller is
+    NSMenu* _finderMenu;  // retained: the host's menu; the same, unless it goes into a submenu
+    delvio_t* dv;         // never freed
+    BOOL isInvoked;       // a menu is taken over
+    id previousDelegate;  // not retained: the host menu's own delegate
+    DVMenuItem* _currentlyHighlightedItem;  // not retained
+    pthread_mutex_t treeLock;               // not recursive; held while a menu is taken or released
+    int32_t rootMenuSelectionCount;
+    NSMutableArray* rootItems;  // the items put at the top of _proxyMenu, in order
+}
+
+// The one instance, made on the first call and never destroyed.
++ (DVDelvio*)sharedDelvio;
+
+- (delvio_t*)getDV;
+- (NSMenu*)finderMenu;
+- (void)notificationReceived:(NSNotification*)notification;
+// Sends itemChanged: to the menu for each of its items.
+- (void)delayedChangedItems:(NSMenu*)menu;
+@end
+
+@interface DVDelvio (MenuLifecycle)
+// Takes a contextual menu over and returns the menu to show: `menu` itself, or a fresh one of
+// `menuClass` that has it as a submenu. Switched off or with Shift held: `menu`, untouched.
+- (NSMenu*)setCurrentMenu:(NSMenu*)menu withProxyDelegate:(id)delegate withClass:(Class)menuClass;
+- (NSMenu*)setCurrentMenu:(NSMenu*)menu withProxyDelegate:(id)delegate;
+// Gives the menu back as it was. The last open menu's release frees all trees.
+- (void)removeMenuAndDelegate;
+// Takes the items of rootItems out of the proxy menu.
+- (void)removeRootItems;
+// Makes the host menu's delegate fill it now.
+- (void)forceFinderMenuUpdate:(id)sender;
+// Around the host's own clearing of a menu.
+- (void)handleRemoveAllItemsPre:(NSMenu*)menu;
+- (void)handleRemoveAllItemsPost:(NSMenu*)menu;
+@end

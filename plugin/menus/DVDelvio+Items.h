@@ -1,0 +1,14 @@
+// The items of one level: which an element gets, and the separators and headings between them.
+#pragma once
+
+#include "loader/DVDelvio.h"
+
+struct dv_tree_t;
+
+@interface DVDelvio (MenuItems)
+// Adds items for a chain of elements to a menu, in order.
+- (void)insertItems:(dv_tree_t*)elems forMenu:(NSMenu*)menu;
+- (void)dvAddSeparatorToMenu:(NSMenu*)menu;
+// An autoreleased item that does nothing when picked.
+- (NSMenuItem*)dvPlainItemWithTitle:(NSString*)title enabled:(BOOL)enabled;
+@end

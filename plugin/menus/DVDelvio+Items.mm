@@ -1,0 +1,164 @@
+#include "menus/DVDelvio+Items.h"
+
+#include <stdlib.h>
+#include <string.h>
+
+#include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+Population.h"
+#include "menus/DVMenu.h"
+#include "menus/DVMenuItem.h"
+#include "support/dv_log.h"
+#include "tree/dv_state.h"
+#include "tree/dv_tree.h"
+
+namespace {
+
+// A level while its items are being made.
+struct level_t {
+    NSMenu* menu;
+    int32_t number;
+    bool is_root;
+    int32_t previous_kind;
+    uint32_t previous_origin;
+};
+
+uint32_t origin_without_separator(const dv_tree_t* elem) {
+    return elem->origin & ~DV_ORIGIN_SEPARATOR_AFTER;
+}
+
+bool is_app_listed(const dv_tree_t* elem) { return elem->origin & DV_ORIGIN_APP_LIST; }
+
+bool is_bundle(const dv_tree_t* elem) {
+    return elem->kind == DV_KIND_APPLICATION || elem->kind == DV_KIND_PACKAGE;
+}
+
+bool is_document(const dv_tree_t* elem) {
+    return !elem->is_container && elem->kind != DV_KIND_FOLDER;
+}
+
+bool is_skipped(const dv_tree_t* elem, const level_t& level, const delvio_t* dv) {
+    const bool listed_here = elem->kind == DV_KIND_PACKAGE || elem->kind == DV_KIND_FILE;
+    if (is_app_listed(elem) && listed_here) return true;
+    return level.is_root && dv->only_folders_in_main_menu && elem->kind != DV_KIND_FOLDER;
+}
+
+bool is_network(dv_tree_t* elem) {
+    if (strcmp([DVMenuItem nameForTree:elem], "Network") != 0) return false;
+    char* path = dv_path_for_elem(elem, 0, 1);
+    const bool found = strcmp(path, "/Network") == 0;
+    free(path);
+    return found;
+}
+
+// Shown without its contents, which the Option key brings.
+bool is_closed(dv_tree_t* elem, const delvio_t* dv) {
+    if (is_network(elem)) return true;
+    return is_bundle(elem) && !dv->show_package_contents;
+}
+
+// A new kind begins with a separator; files after packages go on, as both are documents.
+bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
+    if (elem->kind != DV_KIND_FILE) return true;
+    return level.previous_kind != DV_KIND_PACKAGE;
+}
+
+}  // namespace
+
+@implementation DVDelvio (MenuItems)
+
+- (void)insertItems:(dv_tree_t*)elems forMenu:(NSMenu*)menu {
+    level_t level = {};
+    level.menu = menu;
+    level.is_root = menu == _proxyMenu;
+    level.number = 1;
+    if ([menu isKindOfClass:[DVMenu class]]) {
+        level.number = [static_cast<DVMenu*>(menu) dvFolderLevel] + 1;
+    }
+    if (elems) {
+        level.previous_kind = elems->kind;
+        level.previous_origin = origin_without_separator(elems);
+    }
+    if (dvEnableDebugOutput) {
+        dvdprintf("Delvio: Inserting items %p into menu %p..\n", elems, menu);
+    }
+    for (dv_tree_t* elem = elems; elem; elem = elem->next) [self dvInsertElem:elem inLevel:level];
+    if (dvEnableDebugOutput) dvdprintf("Delvio: Done updating menu\n");
+}
+
+- (void)dvAddSeparatorToMenu:(NSMenu*)menu {
+    NSMenuItem* item = static_cast<NSMenuItem*>([NSMenuItem separatorItem]);
+    [self addItem:item toMenu:menu];
+}
+
+- (NSMenuItem*)dvPlainItemWithTitle:(NSString*)title enabled:(BOOL)enabled {
+    NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:title action:nullptr keyEquivalent:@""];
+    [item setEnabled:enabled];
+    return [item autorelease];
+}
+
+- (void)dvInsertElem:(dv_tree_t*)elem inLevel:(level_t&)level {
+    if (is_skipped(elem, level, dv)) {
+        if (dvEnableDebugOutput) dvdprintf("Delvio: Skiping '%s'\n", elem->display_name);
+        level.previous_kind = elem->kind;
+        return;
+    }
+    [self dvSeparateElem:elem inLevel:level];
+    DVMenuItem* item = [[DVMenuItem alloc] initWithTree:elem target:self];
+    [self addItem:[self dvFurnishItem:item ofElem:elem inLevel:level] toMenu:level.menu];
+    [item release];
+    level.previous_kind = elem->kind;
+    // With its separator bit, so that the next element differs.
+    level.previous_origin = elem->origin;
+}
+
+- (void)dvSeparateElem:(dv_tree_t*)elem inLevel:(const level_t&)level {
+    const bool new_kind = elem->kind != level.previous_kind && dv->sort_order == 0;
+    const bool heading = new_kind && elem->kind == DV_KIND_APPLICATION;
+    const bool new_origin = origin_without_separator(elem) != level.previous_origin;
+    if (new_origin || (new_kind && begins_kind_group(elem, level))) {
+        [self dvAddSeparatorToMenu:level.menu];
+    }
+    if (!heading) return;
+    [self addItem:[self dvPlainItemWithTitle:@"Applications" enabled:NO] toMenu:level.menu];
+}
+
+// Gives the element's own item what belongs to it, adds it when others follow it, and returns the
+// last item, which is not in the menu yet.
+- (DVMenuItem*)dvFurnishItem:(DVMenuItem*)item
+                      ofElem:(dv_tree_t*)elem
+                     inLevel:(const level_t&)level {
+    if (is_document(elem)) return item;
+    if (is_app_listed(elem)) return [self dvFurnishListedItem:item ofElem:elem inLevel:level];
+    if (is_closed(elem, dv)) return [self dvFurnishClosedItem:item ofElem:elem inLevel:level];
+    [self createSubmenuForTree:elem andItem:item atLevel:level.number];
+    return item;
+}
+
+// An application of a list is an end; a folder of one is read at once, so that none leads nowhere.
+- (DVMenuItem*)dvFurnishListedItem:(DVMenuItem*)item
+                            ofElem:(dv_tree_t*)elem
+                           inLevel:(const level_t&)level {
+    if (elem->kind != DV_KIND_FOLDER) return item;
+    [self populateSubFolderForElem:elem];
+    if (elem->children) {
+        [self createSubmenuForTree:elem andItem:item atLevel:level.number parentMenu:level.menu];
+    } else {
+        [item setEnabled:NO];
+        [item setImage:nil];
+    }
+    return item;
+}
+
+- (DVMenuItem*)dvFurnishClosedItem:(DVMenuItem*)item
+                            ofElem:(dv_tree_t*)elem
+                           inLevel:(const level_t&)level {
+    [self addItem:item toMenu:level.menu];
+    DVMenuItem* contents = [DVMenuItem createAutoreleasedItemForTree:elem
+                                                              target:self
+                                                           withTitle:nil
+                                                        andModifiers:NSAlternateKeyMask];
+    [self createSubmenuForTree:elem andItem:contents atLevel:level.number];
+    return contents;
+}
+
+@end

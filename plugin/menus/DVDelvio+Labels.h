@@ -1,0 +1,11 @@
+// The colours of the Finder's labels.
+#pragma once
+
+#include "loader/DVDelvio.h"
+
+@interface DVDelvio (LabelAdditions)
+// The preference "showLabels".
+- (int32_t)showLabels;
+// The colour of a label, 1 to 7; clearColor for any other. Only the low 8 bits count.
++ (NSColor*)colorForLabel:(NSInteger)label;
+@end
