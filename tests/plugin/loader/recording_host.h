@@ -1,0 +1,33 @@
+// A host's menu delegate and menu that record what they are asked.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include <string>
+
+// Answers every message of a menu's delegate.
+@interface RecordingHost : NSObject {
+  @private
+    std::string _log;
+    NSString* _itemToAdd;
+}
+// The messages since the last call, as words: "open update close highlight count item key".
+- (std::string)log;
+// Added at the end of a menu that asks for an update and does not have it.
+- (void)setItemToAdd:(NSString*)title;
+@end
+
+// Answers menuDidClose: alone.
+@interface SilentHost : NSObject
+@end
+
+@interface RecordingMenu : NSMenu {
+  @private
+    NSMutableArray* _changed;
+    BOOL _refusesRemoval;
+}
+// The titles of the items that have changed since the last call.
+- (NSArray*)takeChanged;
+// Then removeItem: raises.
+- (void)setRefusesRemoval:(BOOL)refuses;
+@end

@@ -1,0 +1,54 @@
+// What tests of the plug-in's menus share: a folder to select from, settings for one test, a host's
+// menu, and menus told as text.
+#pragma once
+
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "loader/DVDelvio.h"
+#include "support/temp_folder.h"
+#include "tree/dv_state.h"
+
+namespace test {
+
+using titles_t = std::vector<std::string>;
+
+// The items' titles in order; a separator is "-".
+titles_t titles_of(NSMenu* menu);
+NSMenuItem* item_titled(NSMenu* menu, const char* title);
+// The alternate of the item with this title, else nil.
+NSMenuItem* alternate_of(NSMenu* menu, const char* title);
+NSArray* urls_of(const std::vector<std::string>& paths);
+NSString* string_of(const std::string& text);
+
+class MenuTest : public testing::Test {
+  protected:
+    MenuTest();
+    ~MenuTest() override;
+
+    // A preference for this test; holds from the next take-over on.
+    void set(const char* key, id value);
+    void set(const char* key, int value) { set(key, [NSNumber numberWithInt:value]); }
+
+    // Takes the host's menu over and gives it a selection. Returns the menu to show.
+    NSMenu* take_over();
+    NSMenu* select(const std::vector<std::string>& paths);
+    // The submenu of an item, filled as when it opens; nil without one.
+    NSMenu* open(NSMenuItem* item);
+    NSMenu* open(NSMenu* menu, const char* title) { return open(item_titled(menu, title)); }
+    void release();
+
+    TempFolder folder_;
+    DVDelvio* controller_;
+    delvio_t* dv_;
+    NSMenu* host_menu_;
+
+  private:
+    NSAutoreleasePool* pool_;
+    std::vector<std::string> forced_;
+};
+
+}  // namespace test

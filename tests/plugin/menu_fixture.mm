@@ -1,0 +1,91 @@
+#include "plugin/menu_fixture.h"
+
+#include <CoreFoundation/ForcedPreferences.h>
+
+#include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+Population.h"
+#include "menus/DVDelvio+Selection.h"
+#include "support/app.h"
+#include "support/dv_log.h"
+#include "tree/dv_prefs.h"
+
+namespace test {
+
+NSString* string_of(const std::string& text) {
+    return [NSString stringWithUTF8String:text.c_str()];
+}
+
+titles_t titles_of(NSMenu* menu) {
+    titles_t titles;
+    for (NSMenuItem* item in [menu itemArray]) {
+        titles.push_back([item isSeparatorItem] ? "-" : [[item title] UTF8String]);
+    }
+    return titles;
+}
+
+NSMenuItem* item_titled(NSMenu* menu, const char* title) {
+    for (NSMenuItem* item in [menu itemArray]) {
+        if (![item isSeparatorItem] && [[item title] isEqualToString:string_of(title)]) return item;
+    }
+    return nil;
+}
+
+NSMenuItem* alternate_of(NSMenu* menu, const char* title) {
+    const NSInteger next = [menu indexOfItem:item_titled(menu, title)] + 1;
+    if (next == 0 || next >= [menu numberOfItems]) return nil;
+    NSMenuItem* item = static_cast<NSMenuItem*>([menu itemAtIndex:next]);
+    return [item isAlternate] ? item : nil;
+}
+
+NSArray* urls_of(const std::vector<std::string>& paths) {
+    NSMutableArray* urls = [NSMutableArray array];
+    for (const std::string& path : paths) {
+        [urls addObject:[NSURL fileURLWithPath:string_of(path)]];
+    }
+    return urls;
+}
+
+MenuTest::MenuTest() {
+    pool_ = [NSAutoreleasePool new];
+    start_application();
+    controller_ = [DVDelvio sharedDelvio];
+    dv_ = [controller_ getDV];
+    host_menu_ = [[NSMenu alloc] initWithTitle:@"host"];
+}
+
+MenuTest::~MenuTest() {
+    while (dv_->count > 0) [controller_ removeMenuAndDelegate];
+    [controller_ removeMenuAndDelegate];
+    for (const std::string& key : forced_) {
+        ForcePreference((CFStringRef)string_of(key), nullptr, CFSTR(DV_PREFS_DOMAIN));
+    }
+    dv_read_prefs(dv_, 0);
+    dvFontSize = 0;
+    [host_menu_ release];
+    [pool_ release];
+}
+
+void MenuTest::set(const char* key, id value) {
+    ForcePreference((CFStringRef)string_of(key), (CFPropertyListRef)value, CFSTR(DV_PREFS_DOMAIN));
+    forced_.push_back(key);
+}
+
+NSMenu* MenuTest::take_over() {
+    return [controller_ setCurrentMenu:host_menu_ withProxyDelegate:[host_menu_ delegate]];
+}
+
+NSMenu* MenuTest::select(const std::vector<std::string>& paths) {
+    NSMenu* menu = take_over();
+    [controller_ setSelectedFiles:urls_of(paths)];
+    return menu;
+}
+
+NSMenu* MenuTest::open(NSMenuItem* item) {
+    NSMenu* menu = [item submenu];
+    [controller_ menuWillOpen:menu];
+    return menu;
+}
+
+void MenuTest::release() { [controller_ removeMenuAndDelegate]; }
+
+}  // namespace test

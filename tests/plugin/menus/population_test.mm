@@ -1,0 +1,210 @@
+#include "menus/DVDelvio+Population.h"
+
+#include <filesystem>
+
+#include "menus/DVMenu.h"
+#include "menus/DVMenuItem.h"
+#include "plugin/menu_fixture.h"
+#include "tree/dv_scan.h"
+#include "tree/dv_tree.h"
+
+namespace {
+
+using test::item_titled;
+using test::titles_of;
+using test::titles_t;
+
+class Population : public test::MenuTest {
+  protected:
+    std::vector<std::string> folders(int count) {
+        std::vector<std::string> paths;
+        for (int i = 0; i < count; i++) paths.push_back(folder_.folder("f" + std::to_string(i)));
+        return paths;
+    }
+    // What the preference "folders" will make of a path.
+    void add_custom_folder(const std::string& path, uint32_t more_origin = 0) {
+        dv_tree_t** slot = &dv_->custom;
+        while (*slot) slot = &(*slot)->next;
+        *slot = dv_build_tree(path.c_str(), 0, 1, dv_get_flags(dv_),
+                              DV_ORIGIN_USER_FOLDER | more_origin);
+    }
+};
+
+}  // namespace
+
+TEST_F(Population, SelectedRootsStandAboveTheHostsItems) {
+    [host_menu_ addItemWithTitle:@"Open" action:nullptr keyEquivalent:@""];
+    NSMenu* menu = select({folder_.folder("a"), folder_.file("b")});
+    EXPECT_EQ(menu, host_menu_);
+    EXPECT_EQ(titles_of(menu), titles_t({"a", "-", "b", "-", "Open"}));
+    EXPECT_FALSE([menu autoenablesItems]);
+}
+
+TEST_F(Population, NoSelectionGivesASeparatorAlone) {
+    EXPECT_EQ(titles_of(take_over()), titles_t({"-"}));
+}
+
+TEST_F(Population, TenRootsAreListed) {
+    NSMenu* menu = select(folders(10));
+    EXPECT_EQ([menu numberOfItems], 11);
+    EXPECT_NE(item_titled(menu, "f0"), nil);
+}
+
+TEST_F(Population, ElevenRootsGoIntoOneItem) {
+    NSMenu* menu = select(folders(11));
+    EXPECT_EQ(titles_of(menu), titles_t({"11 selected items", "-"}));
+    NSMenuItem* item = [menu itemAtIndex:0];
+    EXPECT_EQ([item image], nil);
+    EXPECT_FALSE([item isAlternate]);
+    EXPECT_EQ([[item submenu] numberOfItems], 11);
+    EXPECT_EQ([static_cast<DVMenu*>([item submenu]) dvFolderLevel], 0);
+}
+
+TEST_F(Population, OpeningTheCollapsedItemAddsNothing) {
+    const std::vector<std::string> paths = folders(11);
+    folder_.file("f0/inside");
+    NSMenu* menu = select(paths);
+    EXPECT_EQ([open(menu, "11 selected items") numberOfItems], 11);
+    EXPECT_EQ(titles_of(open(open(menu, "11 selected items"), "f0")), titles_t({"inside"}));
+}
+
+TEST_F(Population, TheThresholdIsASetting) {
+    set("rootMenuCollapseThreshold", 2);
+    EXPECT_EQ(titles_of(select(folders(3))), titles_t({"3 selected items", "-"}));
+}
+
+TEST_F(Population, ALevelIsFilledWhenItOpensAndOnce) {
+    const std::string path = folder_.folder("a");
+    folder_.file("a/one");
+    NSMenu* menu = select({path});
+    DVMenu* level = static_cast<DVMenu*>([item_titled(menu, "a") submenu]);
+    ASSERT_NE(level, nil);
+    EXPECT_EQ([level numberOfItems], 0);
+    EXPECT_FALSE([level dvDidPopulate]);
+    EXPECT_EQ([level delegate], controller_);
+
+    [controller_ menuWillOpen:level];
+    EXPECT_EQ(titles_of(level), titles_t({"one"}));
+    EXPECT_TRUE([level dvDidPopulate]);
+    folder_.file("a/two");
+    [controller_ menuWillOpen:level];
+    EXPECT_EQ(titles_of(level), titles_t({"one"}));
+}
+
+TEST_F(Population, LevelsBelowAreReadOnlyWhenTheyOpen) {
+    const std::string path = folder_.folder("a");
+    folder_.folder("a/b");
+    NSMenu* menu = select({path});
+    NSMenu* level = open(menu, "a");
+    folder_.file("a/b/late");
+    NSMenu* below = open(level, "b");
+    EXPECT_EQ(titles_of(below), titles_t({"late"}));
+    EXPECT_EQ([static_cast<DVMenu*>(level) dvFolderLevel], 1);
+    EXPECT_EQ([static_cast<DVMenu*>(below) dvFolderLevel], 2);
+}
+
+TEST_F(Population, ChildrenKnowTheirParent) {
+    const std::string path = folder_.folder("a");
+    folder_.folder("a/b");
+    NSMenu* level = open(select({path}), "a");
+    dv_tree_t* child = [static_cast<DVMenuItem*>(item_titled(level, "b")) tree];
+    EXPECT_EQ(child->parent, dv_->root);
+}
+
+TEST_F(Population, AnEmptyFolderSaysSo) {
+    NSMenu* level = open(select({folder_.folder("empty")}), "empty");
+    ASSERT_EQ(titles_of(level), titles_t({"Folder is empty"}));
+    NSMenuItem* item = [level itemAtIndex:0];
+    EXPECT_FALSE([item isEnabled]);
+    EXPECT_EQ([item action], static_cast<SEL>(nullptr));
+    EXPECT_STREQ([[item keyEquivalent] UTF8String], "");
+    [controller_ menuWillOpen:level];
+    EXPECT_EQ([level numberOfItems], 1);
+}
+
+TEST_F(Population, AFolderThatWentAwayIsEmpty) {
+    const std::string path = folder_.folder("a");
+    folder_.folder("a/gone");
+    NSMenu* level = open(select({path}), "a");
+    std::filesystem::remove(path + "/gone");
+    EXPECT_EQ(titles_of(open(level, "gone")), titles_t({"Folder is empty"}));
+}
+
+TEST_F(Population, ALinkToAFolderOpensAsALevel) {
+    folder_.file("target/inside");
+    const std::string path = folder_.folder("a");
+    folder_.link("a/link", folder_.path("target"));
+    EXPECT_EQ(titles_of(open(open(select({path}), "a"), "link")), titles_t({"inside"}));
+}
+
+TEST_F(Population, AMenuWithoutAnElementStaysEmpty) {
+    take_over();
+    DVMenu* menu = [[[DVMenu alloc] initWithTitle:@"" andTree:nullptr] autorelease];
+    [controller_ menuWillOpen:menu];
+    EXPECT_EQ([menu numberOfItems], 0);
+    EXPECT_FALSE([menu dvDidPopulate]);
+}
+
+TEST_F(Population, CustomFoldersStandAboveTheSelection) {
+    const std::string custom = folder_.folder("custom");
+    set("custom_folder_order", 1);
+    take_over();
+    add_custom_folder(custom);
+    [controller_ updateProxyMenu];
+    EXPECT_EQ(titles_of(host_menu_), titles_t({"custom", "-"}));
+}
+
+TEST_F(Population, CustomFoldersAboveOrBelowASelectionAreSetApart) {
+    const std::string custom = folder_.folder("custom"), chosen = folder_.folder("chosen");
+    const struct {
+        int order;
+        titles_t expected;
+    } rows[] = {{1, {"custom", "-", "chosen", "-"}},
+                {0, {"chosen", "-", "custom", "-"}},
+                {2, {"chosen", "-"}}};
+    for (const auto& row : rows) {
+        set("custom_folder_order", row.order);
+        select({chosen});
+        add_custom_folder(custom);
+        [controller_ updateProxyMenu];
+        EXPECT_EQ(titles_of(host_menu_), row.expected) << "order " << row.order;
+        release();
+        EXPECT_EQ(titles_of(host_menu_), titles_t()) << "order " << row.order;
+    }
+}
+
+TEST_F(Population, TheHostsMenuBecomesASubmenuWhenAsked) {
+    [host_menu_ addItemWithTitle:@"Open" action:nullptr keyEquivalent:@""];
+    set("finderInSeparateSubmenu", 1);
+    NSMenu* menu = select({folder_.folder("a")});
+    EXPECT_NE(menu, host_menu_);
+    EXPECT_EQ(titles_of(menu), titles_t({"a", "-", "Finder"}));
+    NSMenuItem* finder = item_titled(menu, "Finder");
+    EXPECT_EQ([finder submenu], host_menu_);
+    EXPECT_TRUE([finder isEnabled]);
+    EXPECT_EQ(titles_of(host_menu_), titles_t({"Open"}));
+}
+
+TEST_F(Population, PathsAndUrlsOfElements) {
+    folder_.file("target");
+    const std::string link = folder_.link("link", folder_.path("target"));
+    dv_tree_t* elem = dv_build_single_elem(link.c_str(), 0, 0);
+    EXPECT_STREQ([[DVDelvio stringPathForTree:elem] UTF8String], folder_.path("target").c_str());
+    EXPECT_STREQ([[[DVDelvio urlForTree:elem] path] UTF8String], folder_.path("target").c_str());
+    dv_free_tree(elem);
+    EXPECT_EQ([DVDelvio stringPathForTree:nullptr], nil);
+    EXPECT_EQ([DVDelvio urlForTree:nullptr], nil);
+}
+
+TEST_F(Population, TenThousandEntriesFillALevel) {
+    const std::string path = folder_.folder("many");
+    // Links to one file are made faster than files.
+    const std::string file = folder_.file("file");
+    for (int i = 0; i < 10000; i++) {
+        std::filesystem::create_hard_link(file, path + "/file" + std::to_string(i));
+    }
+    NSMenu* level = open(select({path}), "many");
+    ASSERT_EQ([level numberOfItems], 10000);
+    EXPECT_STREQ([[[level itemAtIndex:0] title] UTF8String], "file0");
+    EXPECT_STREQ([[[level itemAtIndex:9999] title] UTF8String], "file9999");
+}
