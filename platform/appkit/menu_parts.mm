@@ -17,7 +17,9 @@
 }
 
 - (void)needStockRepresentation {
-    if (_aWindow) return;
+    // Marked before: a new window asks the main menu, maybe this one, for its window.
+    if (_aWindow || _menu.unused) return;
+    _menu.unused = 1;
     _aWindow = [self _createWindow];
     _bWindow = [self _createWindow];
     if (_popUpButtonCell) [_aWindow setLevel:NSPopUpMenuWindowLevel];
