@@ -55,11 +55,18 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFString
                                                encoding:code];
 }
 
-static Boolean copy_bytes(const void* bytes, size_t length, char* buffer, CFIndex size,
-                          size_t terminator) {
-    if (size < 0 || length + terminator > (size_t)size) return false;
+static Boolean copy_bytes(const void* bytes, size_t length, char* buffer, CFIndex size) {
+    if (size < 0 || length + 1 > (size_t)size) return false;
     memcpy(buffer, bytes, length);
-    memset(buffer + length, 0, terminator);
+    buffer[length] = 0;
+    return true;
+}
+
+static Boolean copy_units(NSString* source, char* buffer, CFIndex size) {
+    const NSUInteger length = [source length];
+    if (size < 0 || (length + 1) * sizeof(unichar) > (size_t)size) return false;
+    [source getCharacters:(unichar*)buffer range:NSMakeRange(0, length)];
+    ((unichar*)buffer)[length] = 0;
     return true;
 }
 
@@ -68,10 +75,10 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
     NSString* source = (NSString*)string;
     NSStringEncoding code;
     if (!source || !foundation_encoding(encoding, &code)) return false;
-    const bool wide = encoding == kCFStringEncodingUnicode;
-    // ASCII is the same in every encoding but the wide one.
-    if (!wide && object_getClass(source) == [NameString class]) {
-        return copy_bytes([(NameString*)source bytes], [source length], buffer, size, 1);
+    if (encoding == kCFStringEncodingUnicode) return copy_units(source, buffer, size);
+    // ASCII is the same in every encoding that is left.
+    if (object_getClass(source) == [NameString class]) {
+        return copy_bytes([(NameString*)source bytes], [source length], buffer, size);
     }
     @autoreleasepool {
         NSData* data = nil;
@@ -80,8 +87,7 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
         } @catch (NSException*) {
             return false;  // a lone surrogate
         }
-        if (!data) return false;
-        return copy_bytes([data bytes], [data length], buffer, size, wide ? 2 : 1);
+        return data && copy_bytes([data bytes], [data length], buffer, size);
     }
 }
 

@@ -1,0 +1,187 @@
+#include <Carbon/Carbon.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "platform/carbon/file_questions.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using test::display_name;
+using test::item_info;
+
+const LSItemInfoFlags plain = kLSItemInfoIsPlainFile;
+const LSItemInfoFlags container = kLSItemInfoIsContainer;
+const LSItemInfoFlags package = kLSItemInfoIsContainer | kLSItemInfoIsPackage;
+const LSItemInfoFlags bundle = package | kLSItemInfoIsApplication;
+
+LSItemInfoFlags flags_of(const std::string& path) { return item_info(path).flags; }
+
+// A language for a test, and the old one after it.
+class Language {
+  public:
+    explicit Language(const char* language) : locale_(value_of("LC_ALL")) {
+        setenv("LC_ALL", "en_US.UTF-8", 1);
+        setenv("LANGUAGE", language, 1);
+    }
+    ~Language() {
+        unsetenv("LANGUAGE");
+        setenv("LC_ALL", locale_.c_str(), 1);
+    }
+
+  private:
+    static std::string value_of(const char* name) {
+        const char* value = getenv(name);
+        return value ? value : "C.UTF-8";
+    }
+    std::string locale_;
+};
+
+const char editor[] =
+    "[Desktop Entry]\n"
+    "Type=Application\n"
+    "Name=Editor\n"
+    "Name[de]=Schreiber\n"
+    "Name[sr@latin]=Ure\xC4\x91iva\xC4\x8D\n"
+    "Exec=editor %F\n";
+
+}  // namespace
+
+TEST(ItemInfo, FoldersAreContainersAndFilesArePlain) {
+    test::TempFolder folder;
+    EXPECT_EQ(flags_of(folder.folder("sub")), container);
+    EXPECT_EQ(flags_of(folder.file("file.txt")), plain);
+    EXPECT_EQ(flags_of("/"), container);
+}
+
+TEST(ItemInfo, ASymbolicLinkIsNeverAContainer) {
+    test::TempFolder folder;
+    folder.folder("sub.app");
+    folder.file("entry.desktop", editor);
+    const LSItemInfoFlags link = kLSItemInfoIsSymlink | kLSItemInfoIsAliasFile;
+    EXPECT_EQ(flags_of(folder.link("a", "sub.app")), link);
+    EXPECT_EQ(flags_of(folder.link("b.app", "sub.app")), link);
+    EXPECT_EQ(flags_of(folder.link("c.desktop", "entry.desktop")), link);
+    EXPECT_EQ(flags_of(folder.link("d", "missing")), link);
+}
+
+TEST(ItemInfo, BundlesAreToldByTheirExtension) {
+    test::TempFolder folder;
+    EXPECT_EQ(flags_of(folder.folder("Ink.app")), bundle);
+    EXPECT_EQ(flags_of(folder.folder("Ink.APP")), bundle);
+    EXPECT_EQ(flags_of(folder.folder("Notes.rtfd")), package);
+    EXPECT_EQ(flags_of(folder.folder("Part.bundle")), package);
+    EXPECT_EQ(flags_of(folder.folder("folder.d")), container);
+    EXPECT_EQ(flags_of(folder.folder("app")), container);
+    EXPECT_EQ(flags_of(folder.folder(".app")), container);
+    EXPECT_EQ(flags_of(folder.folder("ends.with.dot.")), container);
+    EXPECT_EQ(flags_of(folder.file("file.app")), plain);
+}
+
+TEST(ItemInfo, DesktopEntriesOfTypeApplicationAreApplications) {
+    test::TempFolder folder;
+    EXPECT_EQ(flags_of(folder.file("editor.desktop", editor)), plain | kLSItemInfoIsApplication);
+    EXPECT_EQ(flags_of(folder.file("link.desktop", "[Desktop Entry]\nType=Link\nName=L\n")), plain);
+    EXPECT_EQ(flags_of(folder.file("none.desktop", "")), plain);
+    EXPECT_EQ(flags_of(folder.file("bad.desktop", "\xFF\x00 no key file")), plain);
+    EXPECT_EQ(flags_of(folder.file("editor.desktop.txt", editor)), plain);
+    EXPECT_EQ(flags_of(folder.folder("folder.desktop")), container);
+}
+
+TEST(ItemInfo, WhatOnlyLooksLikeADesktopEntryIsNotOpened) {
+    test::TempFolder folder;
+    ASSERT_EQ(mkfifo(folder.path("pipe.desktop").c_str(), 0644), 0);
+    EXPECT_EQ(flags_of(folder.path("pipe.desktop")), plain);  // would wait for ever
+    EXPECT_EQ(display_name(folder.path("pipe.desktop")), "pipe.desktop");
+    const std::string large = std::string(editor) + "#" + std::string(1 << 20, 'x');
+    EXPECT_EQ(flags_of(folder.file("large.desktop", large)), plain);
+}
+
+TEST(ItemInfo, TypeAndCreatorComeFromTheFinderInformation) {
+    test::TempFolder folder;
+    const std::string file = folder.file("tool");
+    EXPECT_EQ(item_info(file).filetype, 0u);
+    if (!folder.finder_info("tool", 0, "APPL")) GTEST_SKIP() << "no extended attributes here";
+    EXPECT_EQ(item_info(file).filetype, OSType{0x4150504C});
+    EXPECT_EQ(item_info(file).flags, plain);
+    EXPECT_EQ(item_info(folder.folder("Ink.app")).filetype, 0u);
+}
+
+TEST(ItemInfo, InvisibleItemsSaySo) {
+    test::TempFolder folder;
+    folder.file(".hidden", "secret\n");
+    EXPECT_EQ(flags_of(folder.folder("secret")), container | kLSItemInfoIsInvisible);
+}
+
+TEST(ItemInfo, OnlyWhatIsAskedForIsGiven) {
+    test::TempFolder folder;
+    const FSRef ref = test::reference(folder.folder("sub"));
+    LSItemInfoRecord info;
+    memset(&info, 0xFF, sizeof info);
+    ASSERT_EQ(LSCopyItemInfoForRef(&ref, kLSRequestTypeCreator, &info), noErr);
+    EXPECT_EQ(info.flags, 0u);
+    EXPECT_EQ(info.extension, nullptr);
+    EXPECT_EQ(LSCopyItemInfoForRef(&ref, kLSRequestAllFlags, nullptr), paramErr);
+}
+
+TEST(DisplayName, AFilesNameStaysWithItsExtension) {
+    test::TempFolder folder;
+    const std::string names[] = {"plain",
+                                 "text.txt",
+                                 "new\nline",
+                                 "\x01\x7F",
+                                 std::string(255, 'n'),
+                                 "caf\xC3\xA9",
+                                 "\xF0\x9F\x93\x81 folder",
+                                 "\xE6\x97\xA5\xE6\x9C\xAC"};
+    for (const std::string& name : names) EXPECT_EQ(display_name(folder.file(name)), name);
+    EXPECT_EQ(display_name(folder.folder("dir.d") + "/"), "dir.d");
+    EXPECT_EQ(display_name("/"), "/");
+}
+
+TEST(DisplayName, ANameThatIsNotUtf8HasNone) {
+    test::TempFolder folder;
+    const std::string unknown = std::to_string(kLSUnknownErr);
+    for (const char* name : {"\xFF", "a\xC3", "\xC0\xAF", "\xED\xA0\x80"}) {
+        EXPECT_EQ(display_name(folder.file(name)), unknown);
+    }
+}
+
+TEST(DisplayName, ADesktopEntryShowsItsNameInTheUsersLanguage) {
+    test::TempFolder folder;
+    const std::string entry = folder.file("editor.desktop", editor);
+    EXPECT_EQ(display_name(entry), "Editor");
+    EXPECT_EQ((Language("de"), display_name(entry)), "Schreiber");
+    EXPECT_EQ((Language("fr:de_AT"), display_name(entry)), "Schreiber");
+    EXPECT_EQ((Language("sr@latin"), display_name(entry)), "Ure\xC4\x91iva\xC4\x8D");
+    EXPECT_EQ((Language("ja"), display_name(entry)), "Editor");
+}
+
+TEST(DisplayName, ADesktopEntryWithoutANameShowsItsFileName) {
+    test::TempFolder folder;
+    const char nameless[] = "[Desktop Entry]\nType=Application\nExec=x\n";
+    EXPECT_EQ(display_name(folder.file("a.desktop", nameless)), "a.desktop");
+    EXPECT_EQ(display_name(folder.file("b.desktop", "")), "b.desktop");
+    EXPECT_EQ(display_name(folder.link("c.desktop", "a.desktop")), "c.desktop");
+}
+
+TEST(DisplayName, ABundleShowsTheNameItGivesItself) {
+    test::TempFolder folder;
+    folder.file("Ink.app/Resources/Info-gnustep.plist", "{ ApplicationName = \"Ink and Paper\"; }");
+    folder.file("Pen.app/Contents/Info.plist",
+                "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
+                "<key>CFBundleDisplayName</key><string>Pencil</string></dict></plist>");
+    folder.file("Odd.app/Resources/Info-gnustep.plist", "{ ApplicationName = (1, 2); }");
+    folder.file("Bad.app/Resources/Info-gnustep.plist", "<?xml ((((");
+    folder.folder("Bare.app");
+    EXPECT_EQ(display_name(folder.path("Ink.app")), "Ink and Paper");
+    EXPECT_EQ(display_name(folder.path("Pen.app")), "Pencil");
+    EXPECT_EQ(display_name(folder.path("Odd.app")), "Odd.app");
+    EXPECT_EQ(display_name(folder.path("Bad.app")), "Bad.app");
+    EXPECT_EQ(display_name(folder.path("Bare.app")), "Bare.app");
+}
