@@ -1,0 +1,49 @@
+// What NSEvent says of this moment, where GNUstep always says 0.
+#include <AppKit/AppKit.h>
+#include <AppKit/ModifierKeys.h>
+
+#include "appkit/method_patch.h"
+#include "appkit/pointer_connection.h"
+
+#include <X11/X.h>
+
+namespace {
+
+NSUInteger modifier_flags(id, SEL) { return CurrentModifierFlags(); }
+
+// The Mac counts left, right, middle; X left, middle, right.
+NSUInteger pressed_mouse_buttons(id, SEL) {
+    const unsigned state = pointer_state();
+    NSUInteger buttons = 0;
+    if (state & Button1Mask) buttons |= 1 << 0;
+    if (state & Button3Mask) buttons |= 1 << 1;
+    if (state & Button2Mask) buttons |= 1 << 2;
+    return buttons;
+}
+
+// The back end's own setting for click counts, in milliseconds.
+NSTimeInterval double_click_interval(id, SEL) {
+    const double set =
+        [[NSUserDefaults standardUserDefaults] doubleForKey:@"GSDoubleClickTime"] / 1000;
+    return set > 0 && set <= 5 ? set : 0.3;
+}
+
+}  // namespace
+
+@interface EventMethodsInstaller : NSObject
+@end
+
+@implementation EventMethodsInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSEvent", "modifierFlags", reinterpret_cast<IMP>(modifier_flags), nullptr, true},
+        {"NSEvent", "pressedMouseButtons", reinterpret_cast<IMP>(pressed_mouse_buttons), nullptr,
+         true},
+        {"NSEvent", "doubleClickInterval", reinterpret_cast<IMP>(double_click_interval), nullptr,
+         true},
+    };
+    patch_methods(patches);
+}
+
+@end

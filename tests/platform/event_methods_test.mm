@@ -1,0 +1,97 @@
+#include <AppKit/AppKit.h>
+#include <AppKit/ModifierKeys.h>
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+
+#include <string>
+
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+namespace {
+
+// A keyboard and mouse that the test holds; everything is let go at the end.
+class EventMethods : public testing::Test {
+  protected:
+    void SetUp() override {
+        pool = [NSAutoreleasePool new];
+        display = XOpenDisplay(nullptr);
+        ASSERT_NE(display, nullptr);
+    }
+    void TearDown() override {
+        if (display) XCloseDisplay(display);
+        for (NSString *name in
+             [NSArray arrayWithObjects:@"GSFirstAlternateKey", @"GSFirstCommandKey", nil]) {
+            [[NSUserDefaults standardUserDefaults] removeObjectForKey:name];
+        }
+        SetHeldModifierFlags(0);
+        [pool release];
+    }
+    void key(KeySym symbol, bool down) {
+        XTestFakeKeyEvent(display, XKeysymToKeycode(display, symbol), down, CurrentTime);
+        XSync(display, False);
+    }
+    void button(unsigned number, bool down) {
+        XTestFakeButtonEvent(display, number, down, CurrentTime);
+        XSync(display, False);
+    }
+    NSUInteger flags_with(KeySym symbol) {
+        key(symbol, true);
+        const NSUInteger flags = [NSEvent modifierFlags];
+        key(symbol, false);
+        return flags;
+    }
+    NSAutoreleasePool* pool;
+    Display* display = nullptr;
+};
+
+}  // namespace
+
+TEST_F(EventMethods, EachModifierKeyIsSeenWhileItIsDownOnly) {
+    EXPECT_EQ([NSEvent modifierFlags], 0u);
+    EXPECT_EQ(flags_with(XK_Shift_L), (NSUInteger)NSShiftKeyMask);
+    EXPECT_EQ(flags_with(XK_Shift_R), (NSUInteger)NSShiftKeyMask);
+    EXPECT_EQ(flags_with(XK_Control_L), (NSUInteger)NSControlKeyMask);
+    EXPECT_EQ(flags_with(XK_Alt_L), (NSUInteger)NSCommandKeyMask);
+    EXPECT_EQ(flags_with(XK_a), 0u);
+    EXPECT_EQ([NSEvent modifierFlags], 0u);
+}
+
+TEST_F(EventMethods, TheMappingIsTheUsersDefault) {
+    NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
+    [defaults setObject:@"Alt_L" forKey:@"GSFirstAlternateKey"];
+    [defaults setObject:@"Super_L" forKey:@"GSFirstCommandKey"];
+    EXPECT_EQ(flags_with(XK_Alt_L), (NSUInteger)NSAlternateKeyMask);
+    EXPECT_EQ(flags_with(XK_Super_L), (NSUInteger)NSCommandKeyMask);
+    [defaults setObject:@"NoSymbol" forKey:@"GSFirstAlternateKey"];
+    EXPECT_EQ(flags_with(XK_Alt_L), 0u);
+}
+
+TEST_F(EventMethods, HeldFlagsAddToTheKeyboard) {
+    SetHeldModifierFlags(NSAlternateKeyMask);
+    EXPECT_EQ(HeldModifierFlags(), (NSUInteger)NSAlternateKeyMask);
+    EXPECT_EQ(flags_with(XK_Shift_L), (NSUInteger)(NSAlternateKeyMask | NSShiftKeyMask));
+    SetHeldModifierFlags(0);
+    EXPECT_EQ([NSEvent modifierFlags], 0u);
+}
+
+TEST_F(EventMethods, ButtonsAreCountedAsOnTheMac) {
+    EXPECT_EQ([NSEvent pressedMouseButtons], 0u);
+    const struct {
+        unsigned x_button;
+        NSUInteger bit;
+    } rows[] = {{1, 1}, {2, 4}, {3, 2}};
+    for (const auto& row : rows) {
+        button(row.x_button, true);
+        EXPECT_EQ([NSEvent pressedMouseButtons], row.bit);
+        button(row.x_button, false);
+    }
+    EXPECT_EQ([NSEvent pressedMouseButtons], 0u);
+}
+
+TEST_F(EventMethods, TheDoubleClickIntervalIsAFractionOfASecond) {
+    EXPECT_GT([NSEvent doubleClickInterval], 0.1);
+    EXPECT_LT([NSEvent doubleClickInterval], 1.0);
+}
