@@ -1,0 +1,70 @@
+// Opening files without GNUstep's workspace program, which may be started for it and keeps the
+// caller waiting.
+#include <AppKit/AppKit.h>
+
+#include <glib.h>
+
+#include "appkit/method_patch.h"
+#include "appkit/open_file.h"
+#include "appkit/workspace_paths.h"
+
+@interface NSWorkspace (StockPrograms)
+- (BOOL)_extension:(NSString*)extension role:(NSString*)role app:(NSString**)name;
+@end
+
+std::string path_bytes(NSString* path) {
+    if ([path length] == 0) return "";
+    const char* text = [path UTF8String];
+    if (!text) return "";
+    if (!g_str_has_prefix(text, "file:")) return text;
+    char* name = g_filename_from_uri(text, nullptr, nullptr);
+    const std::string bytes = name ? name : "";
+    g_free(name);
+    return bytes;
+}
+
+namespace {
+
+// The executable of the GNUstep program that the user's lists name for the file, or of the file
+// itself if it is one. Only lists on disk are asked.
+NSString* gnustep_program(NSWorkspace* workspace, NSString* path, bool* is_itself) {
+    NSString* extension = [[path pathExtension] lowercaseString];
+    BOOL is_folder = NO;
+    [[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&is_folder];
+    *is_itself = is_folder && [extension isEqualToString:@"app"];
+    if (*is_itself) return [workspace locateApplicationBinary:path];
+    if (is_folder || [extension length] == 0) return nil;
+    NSString* name = nil;
+    if (![workspace _extension:extension role:nil app:&name]) return nil;
+    return [workspace locateApplicationBinary:name];
+}
+
+BOOL open_file(NSWorkspace* self, SEL, NSString* path) {
+    const std::string bytes = path_bytes(path);
+    if (bytes.empty() || !g_file_test(bytes.c_str(), G_FILE_TEST_EXISTS)) return NO;
+    bool is_itself = false;
+    NSString* program = gnustep_program(self, path, &is_itself);
+    if (program) {
+        // An application without a file is told of none.
+        const std::string option = is_itself ? "-autolaunch" : "-GSFilePath";
+        const std::string value = is_itself ? "NO" : bytes;
+        if (start_program(path_bytes(program), option, value)) return YES;
+    }
+    return open_with_default_program(bytes);
+}
+
+}  // namespace
+
+@interface WorkspaceMethodsInstaller : NSObject
+@end
+
+@implementation WorkspaceMethodsInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSWorkspace", "openFile:", reinterpret_cast<IMP>(open_file), nullptr},
+    };
+    patch_methods(patches);
+}
+
+@end
