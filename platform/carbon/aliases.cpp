@@ -90,7 +90,7 @@ OSErr FSResolveAliasFileWithMountFlags(FSRef* ref, Boolean resolveChains, Boolea
                                        Boolean* wasAliased, unsigned long) {
     if (!targetIsFolder || !wasAliased) return paramErr;
     OSErr error;
-    const File* file = files::file_for(ref, files::PATH, &error);
+    const File* file = files::file_for(ref, files::ALIAS, &error);
     if (!file) return error;
 
     *wasAliased = S_ISLNK(file->mode);

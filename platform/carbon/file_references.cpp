@@ -125,6 +125,8 @@ OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef*
     File& file = all.file(reference.generation);
     file.generation = reference.generation;
     keep_path(path, length, &file);
+    // Reading a link shows whether it is still there; a file that was no link needs another look.
+    if (!S_ISLNK(status.stx_mode)) questions &= ~static_cast<unsigned>(ALIAS);
     remember(status, questions, &file);
 
     memcpy(ref->hidden, &reference, sizeof reference);
@@ -170,7 +172,8 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
     }
     if (length >= PATH_MAX) return pathTooLongErr;
 
-    const unsigned usual = files::ITEM_INFO | files::DISPLAY_NAME | files::CATALOG_INFO;
+    const unsigned usual =
+        files::ITEM_INFO | files::DISPLAY_NAME | files::CATALOG_INFO | files::ALIAS;
     mode_t mode;
     const OSErr error = files::make_reference(text, length, usual, ref, &mode);
     if (error == noErr && isDirectory) *isDirectory = S_ISDIR(mode);

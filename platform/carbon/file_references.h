@@ -16,7 +16,13 @@
 namespace files {
 
 // What a look at a file may still answer.
-enum Question : unsigned { ITEM_INFO = 1, DISPLAY_NAME = 2, CATALOG_INFO = 4, PATH = 8 };
+enum Question : unsigned {
+    ITEM_INFO = 1,
+    DISPLAY_NAME = 2,
+    CATALOG_INFO = 4,
+    PATH = 8,
+    ALIAS = 16
+};
 
 struct File {
     uint64_t generation;   // 0: never used

@@ -60,6 +60,9 @@ class Walker {
         }
     }
 
+    // What has not been walked over yet.
+    const UniChar* rest() const { return at_; }
+
     Element element;
     bool is_number = false;
     Number number;
@@ -181,6 +184,39 @@ int compare_by_icu(const UCollator* collator, const Text& text1, const Text& tex
                         static_cast<int32_t>(text2.end - text2.units));
 }
 
+// Takes the first letter or number. False when that is not simply what the tables say of its first
+// unit, whatever follows.
+bool take_first(const Tables& tables, const Text& text, Walker* walker) {
+    if (walker->rest() == text.end || *walker->rest() >= 0x100) return false;
+    if (tables.characters[*walker->rest()].kind == collation::SEQUENCE) return false;
+    walker->next();
+    if (walker->rest() != text.end && *walker->rest() >= 0x100) return false;
+    if (walker->is_number) {
+        const auto length = walker->number.last - walker->number.first;
+        return static_cast<UniCharCount>(length) <= longest_number;
+    }
+    return walker->element.primary;
+}
+
+// The first letters or numbers that differ are most often all that the order needs; undecided when
+// they are not.
+int compare_first_difference(const Tables& tables, const Text& text1, const Text& text2) {
+    const UniChar* const start = text1.units;
+    const auto shorter = std::min(text1.end - start, text2.end - text2.units);
+    const UniChar* at = std::mismatch(start, start + shorter, text2.units).first;
+    while (at != start && is_digit(at[-1])) at--;
+    if (at != start) {
+        const UniChar before = at[-1];
+        if (before >= 0x100 || tables.characters[before].kind == collation::CONTEXTUAL) {
+            return undecided;
+        }
+    }
+    Walker a(tables, at, text1.end), b(tables, text2.units + (at - start), text2.end);
+    if (!take_first(tables, text1, &a) || !take_first(tables, text2, &b)) return undecided;
+    const int order = compare_primaries(tables, a, b);
+    return order ? order : undecided;
+}
+
 }  // namespace
 
 OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, UniCharCount length1,
@@ -189,13 +225,17 @@ OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, Un
     const bool missing = (!text1 && length1) || (!text2 && length2);
     if (options != served_options || missing) return paramErr;
     const Tables* tables = collation::tables();
-    const UCollator* collator = collation::root_collator();
-    if (!tables || !collator) return kTECMissingTableErr;
+    if (!tables) return kTECMissingTableErr;
 
     const Text first = {text1, text1 + length1}, second = {text2, text2 + length2};
-    int result = undecided;
-    if (fit_tables(first, second)) result = compare_by_tables(*tables, first, second);
-    if (result == undecided) result = compare_by_icu(collator, first, second);
+    int result = compare_first_difference(*tables, first, second);
+    if (result == undecided && fit_tables(first, second))
+        result = compare_by_tables(*tables, first, second);
+    if (result == undecided) {
+        const UCollator* collator = collation::root_collator();
+        if (!collator) return kTECMissingTableErr;
+        result = compare_by_icu(collator, first, second);
+    }
     if (equivalent) *equivalent = result == 0;
     if (order) *order = result;
     return noErr;

@@ -24,13 +24,25 @@ const UCCollateOptions name_order = kUCCollateComposeInsensitiveMask |
                                     kUCCollatePunctuationSignificantMask |
                                     kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
 
+enum { BLOCK = 8 };  // characters
+
+void widen_block(const char* bytes, UniChar* text) {
+    for (int i = 0; i < BLOCK; i++) text[i] = static_cast<UInt8>(bytes[i]);
+}
+
 // A name's bytes as characters of the same values: not decoded, on purpose.
 struct wide_name_t {
     UniChar text[sizeof(dirent::d_name)];
     UniCharCount length;
 
+    // Twice a comparison, so in blocks of a fixed size, the last one overlapping the one before it.
     explicit wide_name_t(const char* name) : length(strlen(name)) {
-        for (UniCharCount i = 0; i < length; i++) text[i] = static_cast<UInt8>(name[i]);
+        if (length < BLOCK) {
+            for (UniCharCount i = 0; i < length; i++) text[i] = static_cast<UInt8>(name[i]);
+            return;
+        }
+        for (UniCharCount i = 0; i + BLOCK <= length; i += BLOCK) widen_block(name + i, text + i);
+        widen_block(name + length - BLOCK, text + length - BLOCK);
     }
 };
 
