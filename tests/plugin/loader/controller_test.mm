@@ -130,7 +130,6 @@ TEST_F(Controller, AFileOperationKeepsTheTrees) {
     release();
     EXPECT_EQ(dv_->root, root);
     dv_->file_op_in_progress = 0;
-    take_over();
     release();
     EXPECT_EQ(dv_->root, nullptr);
 }

@@ -1,0 +1,64 @@
+#include <AppKit/AppKit.h>
+#include <Carbon/HostProcess.h>
+#include <gtest/gtest.h>
+#include <objc/runtime.h>
+
+#include <map>
+#include <string>
+
+#include "loader/dv_load.h"
+#include "support/app.h"
+#include "tree/dv_prefs.h"
+
+namespace {
+
+struct method_t {
+    const char* class_name;
+    const char* selector;
+    bool is_class_method;
+};
+
+const method_t exchanged[] = {
+    {"NSMenu", "popUpContextMenu:withEvent:forView:", true},
+    {"NSMenu", "popUpContextMenu:withEvent:forView:withFont:", true},
+    {"NSMenu", "_popUpContextMenu:withEvent:forView:withFont:", false},
+    {"NSMenu", "_setContextMenuPluginAEDesc:", false},
+    {"NSPasteboard", "writeObjects:", false},
+};
+
+using implementations_t = std::map<std::string, IMP>;
+
+implementations_t implementations() {
+    implementations_t found;
+    for (const method_t& row : exchanged) {
+        Class owner = objc_getClass(row.class_name);
+        SEL selector = sel_registerName(row.selector);
+        Method method = row.is_class_method ? class_getClassMethod(owner, selector)
+                                            : class_getInstanceMethod(owner, selector);
+        found[row.selector] = method_getImplementation(method);
+    }
+    return found;
+}
+
+}  // namespace
+
+TEST(Load, AHostWithoutAContextMenuClassGetsTheOtherExchangesOnce) {
+    test::start_application();
+    ASSERT_EQ(objc_getClass("TContextMenu"), nullptr);
+    DeclareProcessSignature('MACS');
+    const implementations_t before = implementations();
+    EXPECT_EQ(dv_load_delvio(), 0);
+    EXPECT_EQ(is_loaded, 1);
+    const implementations_t after = implementations();
+    for (const method_t& row : exchanged) {
+        EXPECT_NE(after.at(row.selector), before.at(row.selector)) << row.selector;
+    }
+    // The controller has written its settings.
+    CFPropertyListRef placement =
+        CFPreferencesCopyAppValue(CFSTR("placement"), CFSTR(DV_PREFS_DOMAIN));
+    ASSERT_NE(placement, nullptr);
+    CFRelease(placement);
+
+    EXPECT_EQ(dv_load_delvio(), 0);
+    EXPECT_EQ(implementations(), after) << "a second exchange would swap them back";
+}

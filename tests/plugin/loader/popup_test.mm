@@ -1,0 +1,337 @@
+#include "loader/NSMenu+Popup.h"
+
+#include <AppKit/ModifierKeys.h>
+#include <Carbon/HostProcess.h>
+#include <objc/runtime.h>
+
+#include "finderkit/context_menu.h"
+#include "loader/dv_load.h"
+#include "loader/NSPasteboard+Selection.h"
+#include "menus/DVDelvio+Population.h"
+#include "menus/DVDelvio+Selection.h"
+#include "menus/DVMenuItem.h"
+#include "plugin/loader/recording_host.h"
+#include "plugin/loader/walking_tracker.h"
+#include "plugin/menu_fixture.h"
+#include "tree/dv_tree.h"
+
+@interface NSPasteboard (HostWriting)
+- (BOOL)writeObjects:(NSArray*)objects;
+@end
+
+namespace {
+
+using test::item_titled;
+using test::titles_of;
+using test::titles_t;
+using test::urls_of;
+
+// The host's own methods, in place before the plug-in comes: what reached them.
+BOOL write_result = NO;
+NSArray* written = nil;
+int descriptors_set = 0;
+
+BOOL host_write_objects(id, SEL, NSArray* objects) {
+    written = objects;
+    return write_result;
+}
+
+void host_set_descriptor(id, SEL, const void*) { descriptors_set++; }
+
+void install_host_methods() {
+    class_replaceMethod([NSPasteboard class], @selector(writeObjects:),
+                        reinterpret_cast<IMP>(host_write_objects), "c@:@");
+    class_replaceMethod([NSMenu class], @selector(_setContextMenuPluginAEDesc:),
+                        reinterpret_cast<IMP>(host_set_descriptor), "v@:^v");
+}
+
+class Popup : public test::MenuTest {
+  protected:
+    Popup() : tracker_([WalkingTracker new]), host_([RecordingHost new]) {
+        static const bool installed = (install_host_methods(), true);
+        (void)installed;
+        DeclareProcessSignature('MACS');
+        dv_load_delvio();
+        [NSMenu setContextMenuTracker:tracker_];
+        menu_ = [[TContextMenu alloc] initWithTitle:@"context"];
+        [menu_ addItemWithTitle:@"Open" action:nullptr keyEquivalent:@""];
+        [menu_ setDelegate:(id)host_];
+    }
+    ~Popup() override {
+        SetHeldModifierFlags(0);
+        [NSMenu setContextMenuTracker:nil];
+        [menu_ setDelegate:nil];
+        [menu_ release];
+        [host_ release];
+        [tracker_ release];
+    }
+    void walk(const walk_t& walk) { [tracker_ setWalk:walk]; }
+    void pop_up() { [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil]; }
+    void pop_up_with_font(NSFont* font) {
+        [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil withFont:font];
+    }
+    // Configures the menu with nodes, as the host does while it fills it.
+    void configure(const std::vector<std::string>& paths) {
+        TFENodeVector nodes;
+        for (const std::string& path : paths) nodes.nodes.push_back({path});
+        [menu_ configureWithNodes:&nodes windowController:nil container:NO];
+    }
+
+    WalkingTracker* tracker_;
+    RecordingHost* host_;
+    TContextMenu* menu_;
+};
+
+}  // namespace
+
+TEST_F(Popup, OurItemsAreThereWhileTheMenuIsOpenAndGoneAfter) {
+    const std::string path = folder_.folder("a");
+    titles_t shown;
+    walk([&](MenuSession*) {
+        configure({path});
+        shown = titles_of(menu_);
+    });
+    pop_up();
+    EXPECT_EQ(shown, titles_t({"a", "-", "Open"}));
+    EXPECT_EQ(titles_of(menu_), titles_t({"Open"}));
+    EXPECT_EQ([menu_ delegate], host_);
+    EXPECT_EQ(dvIsActive, 0);
+    EXPECT_EQ(dv_->count, 0);
+    EXPECT_EQ(dv_->root, nullptr);
+}
+
+TEST_F(Popup, TheClassPopupTakesTheMenuOverOnceAndTheInstancePopupUpdatesTheHost) {
+    int count = 0;
+    walk([&](MenuSession*) { count = dv_->count; });
+    pop_up();
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ([tracker_ popups], 1);
+    // Forced by the take-over, forced by the instance method, then opened.
+    EXPECT_EQ([host_ log], "open update open update update open close");
+}
+
+TEST_F(Popup, TheInstancePopupTakesItsReceiverOver) {
+    int count = 0;
+    walk([&](MenuSession*) { count = dv_->count; });
+    NSMenu* other = [[[NSMenu alloc] initWithTitle:@"other"] autorelease];
+    [menu_ _popUpContextMenu:other withEvent:nil forView:nil withFont:nil];
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ([tracker_ menu], menu_);
+    EXPECT_EQ([menu_ delegate], host_);
+    EXPECT_EQ(dvIsActive, 0);
+}
+
+TEST_F(Popup, TheHostsFontIsPassedOn) {
+    NSFont* font = [NSFont systemFontOfSize:9];
+    pop_up_with_font(font);
+    EXPECT_EQ([tracker_ font], font);
+    pop_up();
+    EXPECT_EQ([tracker_ font], nil);
+    [menu_ _popUpContextMenu:menu_ withEvent:nil forView:nil withFont:font];
+    EXPECT_EQ([tracker_ font], font);
+}
+
+TEST_F(Popup, ThePreferredSizeReplacesTheFont) {
+    set("font_size", 14);
+    NSFont* expected = [NSFont systemFontOfSize:14];
+    pop_up_with_font([NSFont systemFontOfSize:9]);
+    EXPECT_EQ([tracker_ font], expected);
+    pop_up();
+    EXPECT_EQ([tracker_ font], expected);
+    [menu_ _popUpContextMenu:menu_ withEvent:nil forView:nil withFont:nil];
+    EXPECT_EQ([tracker_ font], expected);
+}
+
+TEST_F(Popup, SwitchedOffShowsTheHostsMenuAlone) {
+    set("delvio_is_on", 0);
+    titles_t shown;
+    walk([&](MenuSession*) { shown = titles_of(menu_); });
+    pop_up();
+    EXPECT_EQ(shown, titles_t({"Open"}));
+    EXPECT_EQ([tracker_ popups], 1);
+    EXPECT_EQ(dvIsActive, 0);
+    EXPECT_EQ(dv_->count, 0);
+}
+
+TEST_F(Popup, ShiftShowsTheHostsMenuAlone) {
+    SetHeldModifierFlags(NSShiftKeyMask);
+    titles_t shown;
+    walk([&](MenuSession*) { shown = titles_of(menu_); });
+    pop_up();
+    EXPECT_EQ(shown, titles_t({"Open"}));
+    EXPECT_EQ([menu_ delegate], host_);
+    EXPECT_EQ(dvIsActive, 0);
+}
+
+TEST_F(Popup, APopupWithinAnotherIsShownAsItIs) {
+    NSMenu* inner = [[[NSMenu alloc] initWithTitle:@"inner"] autorelease];
+    [inner addItemWithTitle:@"x" action:nullptr keyEquivalent:@""];
+    titles_t shown;
+    int count = 0;
+    walk([&](MenuSession*) {
+        walk([&](MenuSession*) {
+            shown = titles_of(inner);
+            count = dv_->count;
+        });
+        [NSMenu popUpContextMenu:inner withEvent:nil forView:nil];
+        [NSMenu popUpContextMenu:inner withEvent:nil forView:nil withFont:nil];
+    });
+    pop_up();
+    EXPECT_EQ([tracker_ popups], 3);
+    EXPECT_EQ(shown, titles_t({"x"}));
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ([menu_ delegate], host_);
+    EXPECT_EQ(dvIsActive, 0);
+}
+
+TEST_F(Popup, LevelsFillAsTheyOpen) {
+    folder_.file("a/b/c/leaf");
+    titles_t deepest;
+    walk([&](MenuSession* session) {
+        configure({folder_.path("a")});
+        EXPECT_TRUE([session openSubmenuOfItem:item_titled(menu_, "a")]);
+        NSMenu* level = [[session levels] lastObject];
+        EXPECT_TRUE([session openSubmenuOfItem:item_titled(level, "b")]);
+        level = [[session levels] lastObject];
+        EXPECT_TRUE([session openSubmenuOfItem:item_titled(level, "c")]);
+        deepest = titles_of([[session levels] lastObject]);
+    });
+    pop_up();
+    EXPECT_EQ(deepest, titles_t({"leaf"}));
+}
+
+TEST_F(Popup, TheHostsMenuBecomesASubmenuOfAFreshOne) {
+    set("finderInSeparateSubmenu", 1);
+    const std::string path = folder_.folder("a");
+    titles_t shown;
+    NSMenu* finder = nil;
+    for (int i = 0; i < 2; i++) {
+        walk([&](MenuSession* session) {
+            configure({path});
+            shown = titles_of([session rootMenu]);
+            finder = [item_titled([session rootMenu], "Finder") submenu];
+        });
+        pop_up();
+        EXPECT_EQ(shown, titles_t({"a", "-", "Finder"}));
+        EXPECT_EQ(finder, menu_);
+        EXPECT_NE([tracker_ menu], menu_);
+        EXPECT_EQ([[tracker_ menu] class], [TContextMenu class]);
+        EXPECT_EQ([menu_ delegate], host_);
+    }
+}
+
+TEST_F(Popup, RemovingAllItemsWhileOpenBringsOursBack) {
+    const std::string path = folder_.folder("a");
+    titles_t cleared, refilled;
+    walk([&](MenuSession*) {
+        configure({path});
+        [menu_ removeAllItems];
+        cleared = titles_of(menu_);
+        [menu_ addItemWithTitle:@"New" action:nullptr keyEquivalent:@""];
+        refilled = titles_of(menu_);
+    });
+    pop_up();
+    EXPECT_EQ(cleared, titles_t({"a", "-"}));
+    EXPECT_EQ(refilled, titles_t({"a", "-", "New"}));
+    EXPECT_EQ(titles_of(menu_), titles_t({"New"}));
+}
+
+TEST_F(Popup, RemovingAllItemsOfAnyOtherMenuJustClearsIt) {
+    [menu_ removeAllItems];
+    EXPECT_EQ([menu_ numberOfItems], 0);
+    NSMenu* plain = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    [plain addItemWithTitle:@"x" action:nullptr keyEquivalent:@""];
+    [plain removeAllItems];
+    EXPECT_EQ([plain numberOfItems], 0);
+}
+
+TEST_F(Popup, WritingToAPasteboardTellsTheSelectionAndGivesTheHostsAnswer) {
+    const std::string path = folder_.folder("a");
+    id pasteboard = [[class_createInstance([NSPasteboard class], 0) retain] autorelease];
+    walk([&](MenuSession*) {
+        NSArray* urls = urls_of({path});
+        for (BOOL result : {NO, YES}) {
+            write_result = result;
+            EXPECT_EQ([pasteboard writeObjects:urls], result);
+            EXPECT_EQ(written, urls);
+        }
+        EXPECT_EQ(titles_of(menu_), titles_t({"a", "-", "Open"}));
+    });
+    pop_up();
+    EXPECT_EQ([tracker_ popups], 1);
+}
+
+TEST_F(Popup, TheFirstOfBothWaysWins) {
+    const std::string first = folder_.folder("first"), second = folder_.folder("second");
+    walk([&](MenuSession*) {
+        configure({first});
+        id pasteboard = [class_createInstance([NSPasteboard class], 0) autorelease];
+        [pasteboard writeObjects:urls_of({second})];
+        EXPECT_EQ(titles_of(menu_), titles_t({"first", "-", "Open"}));
+    });
+    pop_up();
+}
+
+TEST_F(Popup, NoNodesLeaveTheSelectionAndConfigureTheHost) {
+    walk([&](MenuSession*) {
+        [menu_ configureWithNodes:nullptr windowController:host_ container:YES];
+        EXPECT_EQ([menu_ windowController], host_);
+        EXPECT_TRUE([menu_ isContainer]);
+        const TFENodeVector none = {};
+        [menu_ configureWithNodes:&none windowController:nil container:NO];
+        EXPECT_EQ([menu_ windowController], nil);
+        EXPECT_FALSE([menu_ isContainer]);
+        EXPECT_EQ(dvDidGetURLs, 0);
+        EXPECT_EQ(titles_of(menu_), titles_t({"-", "Open"}));
+    });
+    pop_up();
+    EXPECT_EQ([tracker_ popups], 1);
+}
+
+namespace {
+
+// A node of the host that has no URL.
+NSURL* no_url(id, SEL) { return nil; }
+
+}  // namespace
+
+TEST_F(Popup, ANodeWithoutAUrlLeavesTheSelectionAndConfiguresTheHost) {
+    const std::string path = folder_.folder("a");
+    Class node_class = objc_getClass("FINode");
+    Method url = class_getInstanceMethod(node_class, @selector(url));
+    class_addMethod(node_class, @selector(noUrl), reinterpret_cast<IMP>(no_url), "@@:");
+    Method other = class_getInstanceMethod(node_class, @selector(noUrl));
+    walk([&](MenuSession*) {
+        method_exchangeImplementations(url, other);
+        configure({path});
+        method_exchangeImplementations(url, other);
+        EXPECT_EQ([[menu_ nodes] count], 1u);
+        EXPECT_EQ(dvDidGetURLs, 0);
+        EXPECT_EQ(titles_of(menu_), titles_t({"-", "Open"}));
+    });
+    pop_up();
+    EXPECT_EQ([tracker_ popups], 1);
+}
+
+TEST_F(Popup, TheHostsDescriptorGoesNowhere) {
+    [menu_ _setContextMenuPluginAEDesc:nullptr];
+    EXPECT_EQ(descriptors_set, 0);
+}
+
+TEST_F(Popup, APickedItemIsOpenWhileItsElementLives) {
+    const std::string path = folder_.folder("a");
+    folder_.file("a/text");
+    BOOL picked = NO;
+    walk([&](MenuSession* session) {
+        configure({path});
+        [session openSubmenuOfItem:item_titled(menu_, "a")];
+        NSMenuItem* item = item_titled([[session levels] lastObject], "text");
+        // A command-click, so that nothing is opened.
+        SetHeldModifierFlags(NSCommandKeyMask);
+        [session pickItem:item];
+        picked = [session pickedItem] == item;
+    });
+    pop_up();
+    EXPECT_TRUE(picked);
+    EXPECT_EQ(alloc_count, free_count);
+}
