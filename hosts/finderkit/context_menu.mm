@@ -1,0 +1,92 @@
+#include "finderkit/context_menu.h"
+
+namespace {
+
+bool is_unreserved(unsigned char byte) {
+    return isalnum(byte) || strchr("/-._~!$&'()*+,=:@", byte);
+}
+
+// Percent escapes carry any byte through the URL's text.
+NSURL* escaped_file_url(const std::string& path) {
+    NSMutableString* text = [NSMutableString stringWithString:@"file://"];
+    for (const char byte : path) {
+        const auto value = static_cast<unsigned char>(byte);
+        const bool plain = value < 0x80 && value != 0 && is_unreserved(value);
+        [text appendFormat:plain ? @"%c" : @"%%%02X", value];
+    }
+    return [NSURL URLWithString:text];
+}
+
+NSURL* file_url(const std::string& path) {
+    NSString* string = [NSString stringWithUTF8String:path.c_str()];
+    return string ? [NSURL fileURLWithPath:string] : escaped_file_url(path);
+}
+
+}  // namespace
+
+@implementation FINode
+
+- (instancetype)initWithNode:(const TFENode&)node {
+    if ((self = [super init])) _url = [file_url(node.path) retain];
+    return self;
+}
+
+- (void)dealloc {
+    [_url release];
+    [super dealloc];
+}
+
+- (NSURL*)url {
+    return _url;
+}
+
+@end
+
+@implementation NSArray (FinderNodes)
+
++ (NSArray*)FINodesFromFENodeVector:(const TFENodeVector*)vector {
+    NSMutableArray* nodes = [NSMutableArray array];
+    if (!vector) return nodes;
+    for (const TFENode& node : vector->nodes) {
+        FINode* object = [[FINode alloc] initWithNode:node];
+        [nodes addObject:object];
+        [object release];
+    }
+    return nodes;
+}
+
+@end
+
+@implementation TContextMenu
+
+- (void)dealloc {
+    [_nodes release];
+    [super dealloc];
+}
+
+- (void)configureWithNodes:(const TFENodeVector*)nodes
+          windowController:(id)controller
+                 container:(BOOL)isContainer {
+    [_nodes release];
+    _nodes = [[NSArray FINodesFromFENodeVector:nodes] retain];
+    _windowController = controller;
+    _isContainer = isContainer;
+}
+
+- (NSArray*)nodes {
+    return _nodes;
+}
+
+- (id)windowController {
+    return _windowController;
+}
+
+- (BOOL)isContainer {
+    return _isContainer;
+}
+
+- (void)removeAllItems {
+    [super removeAllItems];
+}
+
+@end

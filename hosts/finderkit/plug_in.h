@@ -1,0 +1,13 @@
+// Brings the plug-in's bundle into a Finder-like host. A host knows of the plug-in no more than the
+// bundle and its entry function. Main thread.
+#pragma once
+
+#include <string>
+
+// The bundle's path: $DELVIO_BUNDLE; else beside the running program, in ../lib (as built) or
+// ../lib/delvio (as installed). Empty when there is none; then *problem says where it was sought.
+std::string FindPlugIn(std::string* problem);
+
+// Declares this process a Finder ("MACS"), loads the bundle and calls its entry function.
+// False when that failed; then *problem says why, in one line.
+bool LoadPlugIn(const std::string& bundle, std::string* problem);

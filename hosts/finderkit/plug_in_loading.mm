@@ -1,0 +1,63 @@
+#include "finderkit/plug_in.h"
+
+#include <Carbon/HostProcess.h>
+#include <Foundation/Foundation.h>
+
+#include <dlfcn.h>
+#include <stdio.h>
+
+namespace {
+
+using EntryFunction = int (*)(void);
+
+// Through the bundle, so that its classes know where they come from. The run time prints why that
+// failed; the one who asks gets to know it from the dynamic linker.
+void load_quietly(NSBundle* bundle) {
+    FILE* const own = stderr;
+    FILE* const nowhere = fopen("/dev/null", "we");
+    if (nowhere) stderr = nowhere;
+    [bundle load];
+    stderr = own;
+    if (nowhere) fclose(nowhere);
+}
+
+// The bundle's code, once it has been loaded; null with *problem otherwise.
+void* code_handle(NSBundle* bundle, std::string* problem) {
+    NSString* code = [bundle executablePath];
+    if (!code) {
+        *problem = "it holds no code";
+        return nullptr;
+    }
+    load_quietly(bundle);
+    void* handle = dlopen([code fileSystemRepresentation], RTLD_NOW | RTLD_GLOBAL);
+    if (!handle) *problem = dlerror();
+    return handle;
+}
+
+bool load_and_enter(const std::string& path, std::string* problem) {
+    NSString* name = [NSString stringWithUTF8String:path.c_str()];
+    NSBundle* bundle = name ? [NSBundle bundleWithPath:name] : nil;
+    if (!bundle) {
+        *problem = "it is not a bundle";
+        return false;
+    }
+    void* handle = code_handle(bundle, problem);
+    if (!handle) return false;
+    const auto enter = reinterpret_cast<EntryFunction>(dlsym(handle, "dv_load_delvio"));
+    if (!enter) {
+        *problem = "it has no entry function dv_load_delvio";
+        return false;
+    }
+    enter();
+    return true;
+}
+
+}  // namespace
+
+bool LoadPlugIn(const std::string& path, std::string* problem) {
+    DeclareProcessSignature('MACS');
+    std::string reason;
+    if (load_and_enter(path, &reason)) return true;
+    *problem = "cannot load the plug-in " + path + ": " + reason;
+    return false;
+}

@@ -1,0 +1,80 @@
+#include "popup/application.h"
+
+#include <AppKit/AppKit.h>
+
+#include <glib.h>
+
+#include "popup/command_line.h"
+
+// Of Foundation's; the command shares nothing with other programs by notifications, and the first
+// use of the workspace would wait for the notification daemon to start.
+@interface NSDistributedNotificationCenter (Alone)
+- (void)_connect;
+@end
+
+@implementation NSDistributedNotificationCenter (Alone)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
+- (void)_connect {
+}
+#pragma clang diagnostic pop
+@end
+
+namespace {
+
+void drop_log(NSString*) {}
+
+GLogWriterOutput drop_glib_log(GLogLevelFlags, const GLogField*, gsize, gpointer) {
+    return G_LOG_WRITER_HANDLED;
+}
+
+void silence() {
+    const char* wanted = getenv("DELVIO_TOOLKIT_LOG");
+    if (wanted && *wanted) return;
+    _NSLog_printf_handler = drop_log;
+    g_log_set_writer_func(drop_glib_log, nullptr, nullptr);
+}
+
+// Whatever the user's defaults say: this is no ordinary application.
+NSDictionary* forced_defaults() {
+    return [NSDictionary dictionaryWithObjectsAndKeys:@"YES", @"GSSuppressAppIcon", [NSArray array],
+                                                      @"GSAppKitUserBundles", nil];
+}
+
+// Option is Alt, Command is Super, unless the user has chosen otherwise.
+NSDictionary* fallback_defaults() {
+    return [NSDictionary dictionaryWithObjectsAndKeys:@"Alt_L", @"GSFirstAlternateKey", @"Alt_R",
+                                                      @"GSSecondAlternateKey", @"Super_L",
+                                                      @"GSFirstCommandKey", @"Super_R",
+                                                      @"GSSecondCommandKey", nil];
+}
+
+// The toolkit would show a panel and wait for a click.
+void end_with_exception(NSException* exception) {
+    NSString* text =
+        [NSString stringWithFormat:@"internal error: %@: %@", [exception name], [exception reason]];
+    Complain([text UTF8String] ?: "internal error");
+    exit(exit_failed);
+}
+
+}  // namespace
+
+void PrepareToolkit(char* program) {
+    silence();
+    char* arguments[] = {program, nullptr};
+    GSInitializeProcess(1, arguments, environ);
+    NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
+    NSMutableDictionary* forced =
+        [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease]
+            ?: [NSMutableDictionary dictionary];
+    [forced addEntriesFromDictionary:forced_defaults()];
+    [defaults removeVolatileDomainForName:NSArgumentDomain];
+    [defaults setVolatileDomain:forced forName:NSArgumentDomain];
+    [defaults registerDefaults:fallback_defaults()];
+    NSSetUncaughtExceptionHandler(end_with_exception);
+}
+
+void StartApplication() {
+    [NSApplication sharedApplication];
+    NSSetUncaughtExceptionHandler(end_with_exception);
+}

@@ -1,0 +1,15 @@
+// The X clipboard, kept by a process of its own, since its content goes with the one that owns it.
+#pragma once
+
+#include <string>
+
+// The one argument with which this program is started as the keeper.
+inline constexpr const char* clipboard_keeper_argument = "--keep-clipboard";
+
+// Starts a keeper with the text (UTF-8) and returns when the clipboard is its own. It ends when
+// something else is copied, or with the X server. Returns an empty string, or why it failed.
+std::string KeepOnClipboard(const std::string& text);
+
+// The keeper itself: reads the text from standard input, writes a byte to standard output once it
+// owns the clipboard, and serves it. Returns the exit status.
+int RunClipboardKeeper();

@@ -1,0 +1,46 @@
+// What the user asked for, read from the command line.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// Exit statuses.
+enum : int { exit_done = 0, exit_failed = 1, exit_misused = 2 };
+
+enum class MenuForm { shown, text, json, picture, pick };
+
+struct MenuRequest {
+    MenuForm form = MenuForm::shown;
+    std::vector<std::string> files;  // absolute paths
+    bool has_point = false;
+    int x = 0, y = 0;  // pixels from the screen's upper left corner
+    int depth = 0;
+    std::string picture;
+    std::vector<std::string> open_titles;
+    std::vector<std::string> pick_titles;
+    unsigned long modifiers = 0;  // AppKit's bits
+    std::vector<std::pair<std::string, std::string>> settings;
+};
+
+enum class SettingsVerb { list, get, set, reset };
+
+struct SettingsRequest {
+    SettingsVerb verb = SettingsVerb::list;
+    bool json = false;
+    bool all = false;
+    std::vector<std::string> words;  // the key or keys, then the value's words
+};
+
+struct CommandLine {
+    enum Command { finished, menu, settings } command = finished;
+    int status = exit_done;  // of `finished`: help was printed, or one line about wrong use
+    MenuRequest menu_request;
+    SettingsRequest settings_request;
+};
+
+// Prints help, the version, or one line on standard error about what is wrong, where that is due.
+CommandLine ReadCommandLine(int argc, char** argv);
+
+// One line on standard error: "delvio: " and the text.
+void Complain(const std::string& text);

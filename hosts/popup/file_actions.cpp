@@ -1,0 +1,96 @@
+#include "popup/file_actions.h"
+
+#include <gio/gio.h>
+
+#include <filesystem>
+
+#include "popup/clipboard.h"
+#include "popup/close_words.h"
+
+namespace {
+
+constexpr int milliseconds_to_show = 15000;
+
+// A GError that is cleared when it goes.
+struct Failure {
+    GError* error = nullptr;
+    ~Failure() { g_clear_error(&error); }
+    std::string text() const { return error ? error->message : "unknown reason"; }
+};
+
+// The session bus, if there is one: asking GIO for a missing one would start one. Null otherwise.
+GDBusConnection* session_bus() {
+    const char* address = g_getenv("DBUS_SESSION_BUS_ADDRESS");
+    g_autofree char* socket = g_build_filename(g_get_user_runtime_dir(), "bus", nullptr);
+    if (!(address && *address) && !g_file_test(socket, G_FILE_TEST_EXISTS)) return nullptr;
+    return g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+}
+
+std::string uri_of(const std::string& path) {
+    g_autofree char* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
+    return uri ? uri : "";
+}
+
+std::string open_one(const std::string& path) {
+    Failure failure;
+    if (g_app_info_launch_default_for_uri(uri_of(path).c_str(), nullptr, &failure.error)) return {};
+    return "cannot open " + Quoted(path) + ": " + failure.text();
+}
+
+// Does it to every file; the first failure is reported, the others are tried all the same.
+template <typename Action>
+std::string for_each(const std::vector<std::string>& files, Action action) {
+    std::string problem;
+    for (const std::string& file : files) {
+        const std::string one = action(file);
+        if (problem.empty()) problem = one;
+    }
+    return problem;
+}
+
+bool ask_file_manager(const std::vector<std::string>& files) {
+    Failure failure;
+    g_autoptr(GDBusConnection) bus = session_bus();
+    if (!bus) return false;
+    GVariantBuilder uris;
+    g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
+    for (const std::string& file : files) g_variant_builder_add(&uris, "s", uri_of(file).c_str());
+    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+        bus, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+        "org.freedesktop.FileManager1", "ShowItems", g_variant_new("(ass)", &uris, ""), nullptr,
+        G_DBUS_CALL_FLAGS_NONE, milliseconds_to_show, nullptr, &failure.error);
+    return answer != nullptr;
+}
+
+std::string trash_one(const std::string& path) {
+    Failure failure;
+    g_autoptr(GFile) file = g_file_new_for_path(path.c_str());
+    if (g_file_trash(file, nullptr, &failure.error)) return {};
+    return "cannot move " + Quoted(path) + " to the trash: " + failure.text() +
+           "; it was left where it is";
+}
+
+}  // namespace
+
+std::string OpenFiles(const std::vector<std::string>& files) { return for_each(files, open_one); }
+
+std::string ShowInFileManager(const std::vector<std::string>& files) {
+    if (ask_file_manager(files)) return {};
+    const std::string folder = std::filesystem::path(files.front()).parent_path().string();
+    return open_one(folder.empty() ? "/" : folder);
+}
+
+std::string CopyPaths(const std::vector<std::string>& files) {
+    std::string text;
+    for (const std::string& file : files) text += (text.empty() ? "" : "\n") + file;
+    return KeepOnClipboard(text);
+}
+
+std::string MoveToTrash(const std::vector<std::string>& files) {
+    return for_each(files, trash_one);
+}
+
+void FlushSessionBus() {
+    g_autoptr(GDBusConnection) bus = session_bus();
+    if (bus) g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+}

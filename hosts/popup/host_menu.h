@@ -1,0 +1,24 @@
+// The contextual menu that this host makes for its files, and what its items do. Main thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "finderkit/context_menu.h"
+
+// The menu's delegate and the target of its items. As in a file manager, the menu is filled and
+// configured with the files when it is about to be shown.
+@interface HostMenu : NSObject {
+  @private
+    TContextMenu* _menu;
+    std::vector<std::string>* _files;
+    std::string* _problem;
+}
+// Absolute paths, at least one.
+- (instancetype)initWithFiles:(const std::vector<std::string>&)files;
+- (NSMenu*)menu;
+// In one line, why the picked item could not do its work; empty if it could, or none was picked.
+- (const std::string&)problem;
+// Whether the item is one of a host's own.
++ (BOOL)madeItem:(NSMenuItem*)item;
+@end

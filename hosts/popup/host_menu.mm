@@ -1,0 +1,101 @@
+#include "popup/host_menu.h"
+
+#include "popup/file_actions.h"
+
+namespace {
+
+using Action = std::string (*)(const std::vector<std::string>&);
+
+// The host's items, in order; no title is a separator.
+const struct HostItem {
+    NSString* title;
+    Action action;
+} host_items[] = {
+    {@"Open", OpenFiles},
+    {@"Show in File Manager", ShowInFileManager},
+    {@"Copy Path", CopyPaths},
+    {nil, nullptr},
+    {@"Move to Trash", MoveToTrash},
+};
+
+TFENodeVector nodes_of(const std::vector<std::string>& files) {
+    TFENodeVector vector;
+    for (const std::string& file : files) vector.nodes.push_back({file});
+    return vector;
+}
+
+}  // namespace
+
+@interface HostMenu (Filling)
+- (void)fillMenu:(TContextMenu*)menu;
+- (void)addItem:(const HostItem&)hostItem at:(NSInteger)index;
+- (void)hostItemSelected:(NSMenuItem*)item;
+@end
+
+@implementation HostMenu
+
+- (instancetype)initWithFiles:(const std::vector<std::string>&)files {
+    if (!(self = [super init])) return nil;
+    _files = new std::vector<std::string>(files);
+    _problem = new std::string;
+    _menu = [[TContextMenu alloc] initWithTitle:@""];
+    [_menu setAutoenablesItems:NO];
+    [(NSMenu*)_menu setDelegate:(id)self];
+    return self;
+}
+
+- (void)dealloc {
+    [(NSMenu*)_menu setDelegate:nil];
+    [_menu release];
+    delete _files;
+    delete _problem;
+    [super dealloc];
+}
+
+- (NSMenu*)menu {
+    return _menu;
+}
+
+- (const std::string&)problem {
+    return *_problem;
+}
+
++ (BOOL)madeItem:(NSMenuItem*)item {
+    return [[item representedObject] isKindOfClass:self];
+}
+
+// Comes several times for one popup, and with a plug-in's items in the menu.
+- (void)menuNeedsUpdate:(NSMenu*)menu {
+    if (menu == _menu && ![_menu nodes]) [self fillMenu:_menu];
+}
+
+@end
+
+@implementation HostMenu (Filling)
+
+- (void)fillMenu:(TContextMenu*)menu {
+    const TFENodeVector nodes = nodes_of(*_files);
+    [menu removeAllItems];
+    [menu configureWithNodes:&nodes windowController:nil container:NO];
+    NSInteger index = 0;
+    for (const HostItem& item : host_items) [self addItem:item at:index++];
+}
+
+- (void)addItem:(const HostItem&)hostItem at:(NSInteger)index {
+    NSMenuItem* item = (NSMenuItem*)[NSMenuItem separatorItem];
+    if (hostItem.title) {
+        item = [[[NSMenuItem alloc] initWithTitle:hostItem.title
+                                           action:@selector(hostItemSelected:)
+                                    keyEquivalent:@""] autorelease];
+        [item setTarget:self];
+        [item setTag:index];
+    }
+    [item setRepresentedObject:self];
+    [_menu addItem:item];
+}
+
+- (void)hostItemSelected:(NSMenuItem*)item {
+    *_problem = host_items[[item tag]].action(*_files);
+}
+
+@end

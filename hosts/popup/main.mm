@@ -1,0 +1,34 @@
+#include <Foundation/Foundation.h>
+
+#include "popup/application.h"
+#include "popup/clipboard.h"
+#include "popup/command_line.h"
+#include "popup/exit_signals.h"
+#include "popup/menu_command.h"
+#include "popup/settings_command.h"
+#include "popup/standard_streams.h"
+
+namespace {
+
+int run(const CommandLine& line, char* program) {
+    if (line.command == CommandLine::finished) return line.status;
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    PrepareToolkit(program);
+    const int status = line.command == CommandLine::menu
+                           ? RunMenuCommand(line.menu_request)
+                           : RunSettingsCommand(line.settings_request);
+    [pool release];
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return RunClipboardKeeper();
+    KeepStreamsPrivate();
+    CatchExitSignals();
+    atexit(UndoAtExit);
+    const CommandLine line = ReadCommandLine(argc, argv);
+    const int status = run(line, argv[0]);
+    return fflush(stdout) == 0 ? status : exit_failed;
+}

@@ -1,0 +1,117 @@
+#include "popup/menu_command.h"
+
+#include <AppKit/MenuTracking.h>
+#include <AppKit/ModifierKeys.h>
+
+#include "finderkit/plug_in.h"
+#include "popup/application.h"
+#include "popup/exit_signals.h"
+#include "popup/file_actions.h"
+#include "popup/file_arguments.h"
+#include "popup/forced_settings.h"
+#include "popup/host_menu.h"
+#include "popup/menu_walker.h"
+#include "popup/private_display.h"
+#include "popup/shown_menu.h"
+
+namespace {
+
+int failed(const std::string& problem) {
+    Complain(problem);
+    return exit_failed;
+}
+
+// A menu that is to be seen needs the user's display; the others make do with one of their own.
+bool have_display(MenuForm form, std::string* problem) {
+    if (DisplayAnswers(problem)) return true;
+    if (!problem->empty()) return false;
+    if (form != MenuForm::shown) return StartPrivateDisplay(problem);
+    *problem =
+        "there is no display to show the menu on; set DISPLAY, or use --print, --json, --png "
+        "or --pick, which need none";
+    return false;
+}
+
+bool prepare(MenuRequest& request, std::string* problem) {
+    if (!ResolveFiles(&request.files, problem)) return false;
+    const std::string bundle = FindPlugIn(problem);
+    if (bundle.empty() || !have_display(request.form, problem)) return false;
+    StartApplication();
+    SetHeldModifierFlags(request.modifiers);
+    return LoadPlugIn(bundle, problem);
+}
+
+// Through the toolkit's public way in, as any program pops a menu up.
+void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
+    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
+                                        location:point
+                                   modifierFlags:CurrentModifierFlags()
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                     eventNumber:0
+                                      clickCount:1
+                                        pressure:1];
+    [NSMenu setContextMenuTracker:tracker];
+    [NSMenu popUpContextMenu:[host menu] withEvent:event forView:nil];
+    [NSMenu setContextMenuTracker:nil];
+}
+
+int write_out(const std::string& text) {
+    const bool written = fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (written && fflush(stdout) == 0) return exit_done;
+    return failed("cannot write the menu to standard output");
+}
+
+int write_menu(HostMenu* host, const MenuRequest& request) {
+    MenuReader* reader = [[[MenuReader alloc] initWithDepth:request.depth] autorelease];
+    pop_up(host, reader, NSZeroPoint);
+    const bool json = request.form == MenuForm::json;
+    return write_out(json ? WriteMenuJson([reader snapshot]) : WriteMenuText([reader snapshot]));
+}
+
+int pick(HostMenu* host, const MenuRequest& request) {
+    MenuPicker* picker = [[[MenuPicker alloc] initWithTitles:request.pick_titles] autorelease];
+    pop_up(host, picker, NSZeroPoint);
+    return [picker problem].empty() ? exit_done : failed([picker problem]);
+}
+
+int show(HostMenu* host, const MenuRequest& request) {
+    MenuEnder* ender = [[MenuEnder new] autorelease];
+    [ender watchForSignals];
+    pop_up(host, nil, PopupPoint(request));
+    [ender stop];
+    if (CaughtSignal()) return 128 + CaughtSignal();
+    if (![host problem].empty()) ShowProblem([host problem]);
+    return exit_done;
+}
+
+int run_form(HostMenu* host, const MenuRequest& request) {
+    switch (request.form) {
+        case MenuForm::text:
+        case MenuForm::json:
+            return write_menu(host, request);
+        case MenuForm::picture:
+            return failed("pictures are not made yet");
+        case MenuForm::pick:
+            return pick(host, request);
+        case MenuForm::shown:
+            return show(host, request);
+    }
+    return exit_failed;
+}
+
+}  // namespace
+
+int RunMenuCommand(MenuRequest request) {
+    std::string problem;
+    if (!ForceSettings(request.settings, &problem)) {
+        Complain(problem);
+        return exit_misused;
+    }
+    if (!prepare(request, &problem)) return failed(problem);
+    HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
+    const int status = run_form(host, request);
+    FlushSessionBus();
+    return status == exit_done && ![host problem].empty() ? failed([host problem]) : status;
+}

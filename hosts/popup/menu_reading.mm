@@ -1,0 +1,68 @@
+#include "popup/menu_reading.h"
+
+#include "popup/host_menu.h"
+#include "popup/modifier_names.h"
+
+// The plug-in's classes, as far as they are asked for by name.
+@interface NSObject (PlugInQuestions)
+- (void*)tree;
++ (NSString*)stringPathForTree:(void*)tree;
+@end
+
+namespace {
+
+constexpr double highest_component = 255;
+
+// An element that is a root keeps its folder's slash.
+std::string without_slash(std::string path) {
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    return path;
+}
+
+std::string path_of(NSMenuItem* item) {
+    Class item_class = NSClassFromString(@"DVMenuItem");
+    Class controller = NSClassFromString(@"DVDelvio");
+    if (!item_class || ![item isKindOfClass:item_class]) return {};
+    void* tree = [(id)item tree];
+    if (!tree || ![controller respondsToSelector:@selector(stringPathForTree:)]) return {};
+    return without_slash(TextOf([controller stringPathForTree:tree]));
+}
+
+int byte_of(double component) { return static_cast<int>(component * highest_component + 0.5); }
+
+std::string color_of(NSMenuItem* item) {
+    NSAttributedString* title = [item attributedTitle];
+    if (![title length]) return {};
+    NSColor* color = [title attribute:NSForegroundColorAttributeName atIndex:0 effectiveRange:NULL];
+    color = [color colorUsingColorSpaceName:NSDeviceRGBColorSpace];
+    if (!color) return {};
+    char text[sizeof "#rrggbb"];
+    snprintf(text, sizeof text, "#%02x%02x%02x", byte_of([color redComponent]) & 0xff,
+             byte_of([color greenComponent]) & 0xff, byte_of([color blueComponent]) & 0xff);
+    return text;
+}
+
+}  // namespace
+
+std::string TextOf(NSString* string) {
+    NSData* data = [string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
+    if (!data) return {};
+    return {static_cast<const char*>([data bytes]), [data length]};
+}
+
+ItemSnapshot ReadItem(NSMenuItem* item) {
+    ItemSnapshot snapshot;
+    snapshot.separator = [item isSeparatorItem];
+    snapshot.title = snapshot.separator ? std::string() : TextOf([item title]);
+    snapshot.enabled = !snapshot.separator && [item isEnabled];
+    snapshot.alternate = [item isAlternate];
+    if (snapshot.alternate) snapshot.modifiers = ModifierNames([item keyEquivalentModifierMask]);
+    snapshot.image = [item image] != nil;
+    snapshot.color = color_of(item);
+    snapshot.tag = [item tag];
+    snapshot.plugin = ![HostMenu madeItem:item];
+    snapshot.path = path_of(item);
+    snapshot.has_submenu = [item hasSubmenu];
+    if (snapshot.has_submenu) snapshot.submenu_title = TextOf([[item submenu] title]);
+    return snapshot;
+}

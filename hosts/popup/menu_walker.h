@@ -1,0 +1,41 @@
+// Trackers that walk a menu without showing it, through the same session as a shown menu.
+// Main thread.
+#pragma once
+
+#include <AppKit/MenuTracking.h>
+
+#include <string>
+#include <vector>
+
+#include "popup/menu_snapshot.h"
+
+// Opens levels and reads them.
+@interface MenuReader : NSObject <MenuTracker> {
+  @private
+    int _depth;
+    MenuSnapshot* _snapshot;
+}
+// `depth`: how many levels of submenus to open.
+- (instancetype)initWithDepth:(int)depth;
+- (const MenuSnapshot&)snapshot;
+@end
+
+// Picks an item by the titles that lead to it.
+@interface MenuPicker : NSObject <MenuTracker> {
+  @private
+    std::vector<std::string>* _titles;
+    std::string* _problem;
+}
+- (instancetype)initWithTitles:(const std::vector<std::string>&)titles;
+// In one line, why nothing was picked; empty when something was.
+- (const std::string&)problem;
+@end
+
+// The item of that title that an open level shows while the held modifier keys are down; nil with
+// *problem when there is none.
+NSMenuItem* FindVisibleItem(NSMenu* menu, const std::string& title, std::string* problem);
+
+// Opens the submenus that the titles name, one in the other, from the root. False with *problem
+// when one of them cannot be opened. *last is the menu that the last one opened, or the root.
+bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, NSMenu** last,
+                  std::string* problem);

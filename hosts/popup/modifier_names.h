@@ -1,0 +1,12 @@
+// The names of the modifier keys, and AppKit's bits for them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// Reads "shift,option,command,control" (any of them, each once or more; empty for none).
+// False when a name is unknown.
+bool ParseModifiers(const std::string& names, unsigned long* flags);
+
+// The names of the bits that are set: shift, option, command, control, in this order.
+std::vector<std::string> ModifierNames(unsigned long flags);

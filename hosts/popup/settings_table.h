@@ -1,0 +1,47 @@
+// Every setting of Delvio: its name, type, default, bounds and meaning; and the reading of values.
+#pragma once
+
+#include <stdint.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The preferences domain.
+inline constexpr const char* settings_domain = "org.delvio.Delvio";
+
+enum class SettingType {
+    flag,     // 0 or 1
+    integer,  // signed, 32 bits
+    path,     // an absolute path, or nothing
+    paths,    // absolute paths; "-" stands for a separator
+};
+
+struct Setting {
+    const char* key;
+    SettingType type;
+    int32_t standard;  // the default, of flags and integers; the others have none
+    int32_t least;     // bounds, of flags and integers
+    int32_t most;
+    const char* meaning;
+};
+
+// A value of a setting: the number, or the strings (one, of a path).
+struct SettingValue {
+    int32_t number = 0;
+    std::vector<std::string> strings;
+};
+
+const std::vector<Setting>& AllSettings();
+// Null for an unknown key.
+const Setting* FindSetting(std::string_view key);
+// One line that refuses an unknown key and names the nearest known one.
+std::string UnknownSetting(std::string_view key);
+
+bool IsNumeric(const Setting& setting);
+// "0 to 3", "1 or more", "an absolute path", ...
+std::string DescribeBounds(const Setting& setting);
+// Reads the words of a value. False when they are not one; then *problem says, in one line, what
+// the setting takes.
+bool ParseSetting(const Setting& setting, const std::vector<std::string>& words,
+                  SettingValue* value, std::string* problem);

@@ -1,0 +1,54 @@
+#include "popup/shown_menu.h"
+
+#include <AppKit/MenuTracking.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "popup/exit_signals.h"
+
+NSPoint PopupPoint(const MenuRequest& request) {
+    if (!request.has_point) return [NSEvent mouseLocation];
+    // AppKit's screen begins at the lower left corner of the first one.
+    const NSRect screen = [[[NSScreen screens] objectAtIndex:0] frame];
+    return NSMakePoint(request.x, NSMaxY(screen) - request.y);
+}
+
+void ShowProblem(const std::string& problem) {
+    NSAlert* alert = [[NSAlert new] autorelease];
+    [alert setMessageText:@"Delvio"];
+    [alert setInformativeText:[NSString stringWithUTF8String:problem.c_str()] ?: @""];
+    [alert runModal];
+}
+
+@implementation MenuEnder
+
+- (void)watchForSignals {
+    if (pipe2(_ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    _signals = [[NSFileHandle alloc] initWithFileDescriptor:_ends[0]];
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(endMenu:)
+                                                 name:NSFileHandleDataAvailableNotification
+                                               object:_signals];
+    [_signals waitForDataInBackgroundAndNotifyForModes:@[
+        NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, NSModalPanelRunLoopMode
+    ]];
+    SetSignalDescriptor(_ends[1]);
+}
+
+- (void)endMenu:(NSNotification*)notification {
+    (void)notification;
+    [[MenuSession current] cancel];
+}
+
+- (void)stop {
+    if (!_signals) return;
+    SetSignalDescriptor(-1);
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [_signals release];
+    _signals = nil;
+    close(_ends[0]);
+    close(_ends[1]);
+}
+
+@end

@@ -1,0 +1,122 @@
+#include "hosts/command_runner.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "support/temp_folder.h"
+
+namespace fs = std::filesystem;
+
+namespace test {
+namespace {
+
+constexpr int milliseconds_to_finish = 120000;
+
+void become(const std::vector<std::string>& arguments, const Changes& environment) {
+    for (const auto& [name, value] : environment) {
+        value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
+    }
+    std::vector<char*> words = {const_cast<char*>("delvio")};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    execv(DELVIO_PROGRAM, words.data());
+    _exit(126);
+}
+
+// Adds what there is to read; false at the end of the stream.
+bool read_some(int in, std::string* text) {
+    char block[65536];
+    const ssize_t count = read(in, block, sizeof block);
+    if (count > 0) text->append(block, static_cast<size_t>(count));
+    return count > 0;
+}
+
+// Reads both streams until everyone has closed them; false when that takes too long.
+bool read_both(int out, int err, Outcome* outcome) {
+    struct pollfd streams[] = {{out, POLLIN, 0}, {err, POLLIN, 0}};
+    std::string* const texts[] = {&outcome->out, &outcome->err};
+    while (streams[0].fd >= 0 || streams[1].fd >= 0) {
+        if (poll(streams, 2, milliseconds_to_finish) <= 0) return false;
+        for (int i = 0; i < 2; ++i) {
+            if (streams[i].revents && !read_some(streams[i].fd, texts[i])) streams[i].fd = -1;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+RunningCommand::RunningCommand(const std::vector<std::string>& arguments,
+                               const Changes& environment) {
+    int out[2], err[2];
+    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0) abort();
+    process_ = fork();
+    if (process_ == 0) {
+        dup2(out[1], STDOUT_FILENO);
+        dup2(err[1], STDERR_FILENO);
+        become(arguments, environment);
+    }
+    close(out[1]);
+    close(err[1]);
+    out_ = out[0];
+    err_ = err[0];
+}
+
+RunningCommand::~RunningCommand() {
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+    }
+    close(out_);
+    close(err_);
+}
+
+void RunningCommand::send_signal(int number) const { kill(process_, number); }
+
+Outcome RunningCommand::finish() {
+    Outcome outcome;
+    const bool ended = read_both(out_, err_, &outcome);
+    if (!ended) kill(process_, SIGKILL);
+    int status = 0;
+    waitpid(process_, &status, 0);
+    process_ = 0;
+    if (ended) outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return outcome;
+}
+
+Outcome run_delvio(const std::vector<std::string>& arguments, const Changes& environment) {
+    return RunningCommand(arguments, environment).finish();
+}
+
+RecordingProgram::RecordingProgram(const std::string& type) {
+    const fs::path data = getenv("XDG_DATA_HOME");
+    const fs::path config = getenv("XDG_CONFIG_HOME");
+    record_ = (data / "opened").string();
+    fs::remove(record_);
+    fs::create_directories(data / "applications");
+    const std::string script = (data / "record").string();
+    std::ofstream(script) << "#!/bin/sh\nprintf '%s' \"$1\" >'" << record_ << ".new'\n"
+                          << "mv '" << record_ << ".new' '" << record_ << "'\n";
+    chmod(script.c_str(), 0755);
+    std::ofstream(data / "applications" / "record.desktop")
+        << "[Desktop Entry]\nType=Application\nName=Record\nExec=" << script
+        << " %f\nMimeType=" << type << ";\n";
+    std::ofstream(config / "mimeapps.list") << "[Default Applications]\n"
+                                            << type << "=record.desktop\n";
+}
+
+std::string RecordingProgram::opened() const {
+    for (int turn = 0; turn < 400 && !fs::exists(record_); ++turn) usleep(25000);
+    return read_file(record_);
+}
+
+}  // namespace test

@@ -1,0 +1,165 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "popup/close_words.h"
+#include "popup/file_arguments.h"
+#include "popup/menu_snapshot.h"
+#include "popup/modifier_names.h"
+#include "popup/title_match.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using Titles = std::vector<std::string>;
+
+ItemSnapshot item(const std::string& title) {
+    ItemSnapshot snapshot;
+    snapshot.title = title;
+    snapshot.enabled = true;
+    return snapshot;
+}
+
+ItemSnapshot folder(const std::string& title, MenuSnapshot items) {
+    ItemSnapshot snapshot = item(title);
+    snapshot.has_submenu = snapshot.populated = true;
+    snapshot.items = std::move(items);
+    return snapshot;
+}
+
+TEST(TitleMatch, TakesTheSameTitleBeforeOneOfOtherCase) {
+    std::string problem;
+    EXPECT_EQ(MatchTitle("notes", {"Notes", "notes", "NOTES"}, &problem), 1);
+}
+
+TEST(TitleMatch, TakesTheOnlyTitleOfOtherCase) {
+    std::string problem;
+    EXPECT_EQ(MatchTitle("NOTES", {"a", "Notes"}, &problem), 1);
+}
+
+TEST(TitleMatch, RefusesSeveralTitlesOfOtherCase) {
+    std::string problem;
+    EXPECT_EQ(MatchTitle("NOTES", {"notes", "Notes"}, &problem), -1);
+    EXPECT_NE(problem.find("\"notes\", \"Notes\""), std::string::npos);
+}
+
+TEST(TitleMatch, NamesTitlesThatComeClose) {
+    std::string problem;
+    EXPECT_EQ(MatchTitle("notse.txt", {"holiday.jpg", "notes.txt"}, &problem), -1);
+    EXPECT_NE(problem.find("\"notes.txt\""), std::string::npos);
+    EXPECT_EQ(problem.find("holiday"), std::string::npos);
+}
+
+TEST(TitleMatch, OfAnEmptyMenuSaysSo) {
+    std::string problem;
+    EXPECT_EQ(MatchTitle("a", {}, &problem), -1);
+    EXPECT_NE(problem.find("empty"), std::string::npos);
+}
+
+TEST(TitleMatch, KeepsItsProblemOnOneLine) {
+    std::string problem;
+    EXPECT_EQ(MatchTitle("a\nb", {"a\nc"}, &problem), -1);
+    EXPECT_EQ(problem.find('\n'), std::string::npos);
+}
+
+TEST(CloseWords, ComeNearestFirstAndNoneTwice) {
+    EXPECT_EQ(CloseWords("abcd", {"abxx", "abce", "abce", "zzzzzzz"}, 5), Titles({"abce", "abxx"}));
+}
+
+TEST(Modifiers, AreReadAndNamed) {
+    unsigned long flags = 1;
+    EXPECT_TRUE(ParseModifiers("", &flags));
+    EXPECT_EQ(flags, 0u);
+    EXPECT_TRUE(ParseModifiers("command,shift", &flags));
+    EXPECT_EQ(flags, 0x120000u);
+    EXPECT_EQ(ModifierNames(flags), Titles({"shift", "command"}));
+    EXPECT_TRUE(ParseModifiers("option,control", &flags));
+    EXPECT_EQ(flags, 0xc0000u);
+    EXPECT_FALSE(ParseModifiers("shift,alt", &flags));
+}
+
+TEST(MenuText, IndentsAndMarks) {
+    ItemSnapshot alternate = item("Inside");
+    alternate.alternate = true;
+    alternate.modifiers = {"shift", "option"};
+    ItemSnapshot separator;
+    separator.separator = true;
+    ItemSnapshot disabled = item("Gone");
+    disabled.enabled = false;
+    EXPECT_EQ(WriteMenuText({folder("Top", {item("a\nb"), alternate}), separator, disabled}),
+              "Top >\n    a\xef\xbf\xbd"
+              "b\n    Inside [shift-option]\n--------\nGone (disabled)\n");
+}
+
+TEST(MenuJson, HasEveryKeyOfAnItem) {
+    ItemSnapshot colored = item("Red");
+    colored.color = "#ff0000";
+    colored.path = "/tmp/Red";
+    colored.tag = 7;
+    colored.image = colored.plugin = true;
+    const auto json = nlohmann::json::parse(WriteMenuJson({colored}));
+    EXPECT_EQ(json, nlohmann::json::parse(R"([{"type": "item", "title": "Red", "enabled": true,
+        "alternate": false, "modifiers": [], "image": true, "color": "#ff0000", "tag": 7,
+        "plugin": true, "path": "/tmp/Red", "submenu": null}])"));
+}
+
+TEST(MenuJson, TellsOpenedLevelsFromOthers) {
+    ItemSnapshot closed = item("closed");
+    closed.has_submenu = true;
+    const auto json = nlohmann::json::parse(WriteMenuJson({folder("open", {item("a")}), closed}));
+    EXPECT_TRUE(json[0]["submenu"]["populated"]);
+    EXPECT_EQ(json[0]["submenu"]["items"][0]["title"], "a");
+    EXPECT_FALSE(json[1]["submenu"]["populated"]);
+    EXPECT_TRUE(json[1]["submenu"]["items"].empty());
+    EXPECT_EQ(json[1]["submenu"]["title"], "");
+    EXPECT_TRUE(json[1]["path"].is_null());
+}
+
+TEST(MenuJson, ReplacesBytesThatAreNotUtf8) {
+    const auto json =
+        nlohmann::json::parse(WriteMenuJson({item("a\xff"
+                                                  "b")}));
+    EXPECT_EQ(json[0]["title"],
+              "a\xef\xbf\xbd"
+              "b");
+}
+
+struct FileArguments : testing::Test {
+    test::TempFolder folder;
+    std::string problem;
+
+    std::string resolved(const std::string& given) {
+        std::vector<std::string> files = {given};
+        return ResolveFiles(&files, &problem) ? files[0] : "failed: " + problem;
+    }
+};
+
+TEST_F(FileArguments, LoseTrailingSlashesAndDots) {
+    folder.file("sub/a");
+    EXPECT_EQ(resolved(folder.path("sub/")), folder.path("sub"));
+    EXPECT_EQ(resolved(folder.path("./sub/./a")), folder.path("sub/a"));
+    EXPECT_EQ(resolved("/"), "/");
+}
+
+TEST_F(FileArguments, KeepTheLinkThatTheyName) {
+    folder.file("target");
+    folder.link("link", "target");
+    folder.link("dangling", "nowhere");
+    EXPECT_EQ(resolved(folder.path("link")), folder.path("link"));
+    EXPECT_EQ(resolved(folder.path("dangling")), folder.path("dangling"));
+}
+
+TEST_F(FileArguments, ClimbFromWhereALinkLeads) {
+    folder.file("deep/inner/a");
+    folder.file("deep/b");
+    folder.link("link", "deep/inner");
+    EXPECT_EQ(resolved(folder.path("link/../b")), folder.path("deep/b"));
+    EXPECT_EQ(resolved(folder.path("link/..")), folder.path("deep"));
+}
+
+TEST_F(FileArguments, ThatAreMissingAreNamed) {
+    EXPECT_NE(resolved(folder.path("missing")).find("missing"), std::string::npos);
+    EXPECT_NE(problem.find("No such file"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,200 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include <set>
+
+#include "hosts/command_runner.h"
+#include "popup/settings_table.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using test::Outcome;
+using test::run_delvio;
+using Words = std::vector<std::string>;
+
+bool is_one_line(const std::string& text) {
+    return !text.empty() && text.find('\n') == text.size() - 1;
+}
+
+Outcome settings(Words words) {
+    words.insert(words.begin(), "settings");
+    return run_delvio(words);
+}
+
+std::string get(const std::string& key) { return settings({"get", key}).out; }
+
+// Refused as wrong use, with one line that holds `hint`, and nothing is stored.
+void expect_refused(const Words& words, const std::string& hint) {
+    const Outcome outcome = settings(words);
+    EXPECT_EQ(outcome.status, 2) << outcome.err;
+    EXPECT_TRUE(is_one_line(outcome.err)) << outcome.err;
+    EXPECT_NE(outcome.err.find(hint), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+}
+
+bool accepts(const char* key, const Words& words) {
+    SettingValue value;
+    std::string problem;
+    return ParseSetting(*FindSetting(key), words, &value, &problem);
+}
+
+TEST(SettingsTable, KnowsEveryKeyOnce) {
+    const std::set<std::string> expected = {"logLevel",
+                                            "finderInSeparateSubmenu",
+                                            "hideMoveCopyAlias",
+                                            "showLabels",
+                                            "showRecentItems",
+                                            "hoverPreviews",
+                                            "hoverPreviewsInterval",
+                                            "runningAppsInOpenWithMenu",
+                                            "rootMenuCollapseThreshold",
+                                            "autoOpenWithMenu",
+                                            "delvio_is_on",
+                                            "sort_order",
+                                            "show_hidden_files",
+                                            "show_package_contents",
+                                            "use_icons",
+                                            "placement",
+                                            "font_size",
+                                            "disable_menu_fade",
+                                            "custom_folder_order",
+                                            "only_folders_in_main_menu",
+                                            "intra_sort_order",
+                                            "control_free_delay_usec",
+                                            "control_free_enabled",
+                                            "use_generic_icons",
+                                            "preview_size",
+                                            "open_after_file_op",
+                                            "open_with_path",
+                                            "folders"};
+    std::set<std::string> known;
+    for (const Setting& setting : AllSettings()) known.insert(setting.key);
+    EXPECT_EQ(known, expected);
+    EXPECT_EQ(AllSettings().size(), expected.size());
+}
+
+TEST(SettingsTable, HasDefaultsWithinItsBounds) {
+    for (const Setting& setting : AllSettings()) {
+        if (!IsNumeric(setting)) continue;
+        EXPECT_TRUE(accepts(setting.key, {std::to_string(setting.standard)})) << setting.key;
+    }
+}
+
+TEST(SettingsTable, TakesFlagsAsNumbersAndWords) {
+    for (const char* word : {"0", "1", "on", "No", "TRUE"})
+        EXPECT_TRUE(accepts("showLabels", {word}));
+    for (const char* word : {"2", "-1", "", "maybe"}) EXPECT_FALSE(accepts("showLabels", {word}));
+}
+
+TEST(SettingsTable, TakesNumbersWithinTheirBounds) {
+    EXPECT_TRUE(accepts("intra_sort_order", {"3"}));
+    EXPECT_FALSE(accepts("intra_sort_order", {"4"}));
+    EXPECT_FALSE(accepts("intra_sort_order", {"-1"}));
+    EXPECT_TRUE(accepts("rootMenuCollapseThreshold", {"1"}));
+    EXPECT_FALSE(accepts("rootMenuCollapseThreshold", {"0"}));
+    EXPECT_FALSE(accepts("placement", {"99999999999"}));
+    EXPECT_FALSE(accepts("font_size", {"12pt"}));
+    EXPECT_FALSE(accepts("font_size", {"12", "13"}));
+}
+
+TEST(SettingsTable, TakesAbsolutePaths) {
+    EXPECT_TRUE(accepts("open_with_path", {"/opt"}));
+    EXPECT_FALSE(accepts("open_with_path", {"opt"}));
+    EXPECT_FALSE(accepts("open_with_path", {"-"}));
+    EXPECT_FALSE(accepts("open_with_path", {"/a", "/b"}));
+    EXPECT_TRUE(accepts("folders", {"/a", "-", "/b"}));
+    EXPECT_FALSE(accepts("folders", {"/a", "b"}));
+    EXPECT_FALSE(accepts("folders", {"/bad\xff"}));
+}
+
+TEST(SettingsCommand, ChangesAndResetsAValue) {
+    EXPECT_EQ(get("sort_order"), "0\n");
+    EXPECT_EQ(settings({"set", "sort_order", "1"}).status, 0);
+    EXPECT_EQ(get("sort_order"), "1\n");
+    EXPECT_EQ(settings({"reset", "sort_order"}).status, 0);
+    EXPECT_EQ(get("sort_order"), "0\n");
+}
+
+TEST(SettingsCommand, KeepsFoldersInTheirOrder) {
+    EXPECT_EQ(settings({"set", "folders", "/usr", "-", "/a b/c"}).status, 0);
+    EXPECT_EQ(get("folders"), "/usr\n-\n/a b/c\n");
+    EXPECT_EQ(settings({"reset", "folders"}).status, 0);
+    EXPECT_EQ(get("folders"), "");
+}
+
+TEST(SettingsCommand, KeepsAPathAsAString) {
+    EXPECT_EQ(settings({"set", "open_with_path", "/usr/share"}).status, 0);
+    EXPECT_EQ(get("open_with_path"), "/usr/share\n");
+    EXPECT_EQ(settings({"reset", "open_with_path"}).status, 0);
+}
+
+TEST(SettingsCommand, TakesNegativeNumbers) {
+    EXPECT_EQ(settings({"set", "placement", "-3"}).status, 0);
+    EXPECT_EQ(get("placement"), "-3\n");
+    EXPECT_EQ(settings({"reset", "placement"}).status, 0);
+}
+
+TEST(SettingsCommand, ResetsEverything) {
+    settings({"set", "showLabels", "off"});
+    settings({"set", "folders", "/usr"});
+    EXPECT_EQ(settings({"reset", "--all"}).status, 0);
+    EXPECT_EQ(get("showLabels"), "1\n");
+    EXPECT_EQ(get("folders"), "");
+}
+
+TEST(SettingsCommand, ListsEverySetting) {
+    const Outcome text = settings({"list"});
+    const auto json = nlohmann::json::parse(settings({"list", "--json"}).out);
+    EXPECT_EQ(json.size(), AllSettings().size());
+    for (const Setting& setting : AllSettings()) {
+        EXPECT_NE(text.out.find(setting.key), std::string::npos);
+        EXPECT_NE(text.out.find(setting.meaning), std::string::npos);
+    }
+    EXPECT_EQ(text.err, "");
+}
+
+TEST(SettingsCommand, ListsWhatIsSet) {
+    settings({"set", "font_size", "17"});
+    const auto json = nlohmann::json::parse(settings({"list", "--json"}).out);
+    for (const auto& entry : json) {
+        EXPECT_EQ(entry["set"], entry["key"] == "font_size") << entry;
+        if (entry["key"] == "font_size") {
+            EXPECT_EQ(entry["value"], 17);
+            EXPECT_EQ(entry["default"], 0);
+        }
+    }
+    settings({"reset", "--all"});
+}
+
+TEST(SettingsCommand, ReadsWhatAnotherProgramWrote) {
+    EXPECT_EQ(system("defaults write org.delvio.Delvio intra_sort_order 2 >/dev/null 2>&1"), 0);
+    EXPECT_EQ(get("intra_sort_order"), "2\n");
+    settings({"reset", "--all"});
+}
+
+TEST(SettingsCommand, RefusesAnUnknownKeyAndNamesTheNearest) {
+    expect_refused({"set", "sort_oder", "1"}, "\"sort_oder\"; did you mean sort_order?");
+    expect_refused({"get", "SORT_ORDER"}, "did you mean sort_order?");
+    expect_refused({"reset", "nonsense"}, "settings list");
+}
+
+TEST(SettingsCommand, RefusesABadValueAndSaysWhatItTakes) {
+    expect_refused({"set", "intra_sort_order", "4"}, "0 to 3, not \"4\"");
+    expect_refused({"set", "font_size", "big"}, "font_size takes");
+    expect_refused({"set", "folders", "usr"}, "absolute paths");
+    EXPECT_EQ(get("intra_sort_order"), "0\n");
+}
+
+TEST(SettingsCommand, RefusesWrongUse) {
+    expect_refused({}, "settings --help");
+    expect_refused({"set", "sort_order"}, "a key and a value");
+    expect_refused({"reset"}, "--all");
+    expect_refused({"reset", "--all", "sort_order"}, "--all");
+    expect_refused({"get"}, "KEY");
+    expect_refused({"get", "a", "b"}, "");
+    expect_refused({"change", "sort_order"}, "");
+}
+
+}  // namespace
