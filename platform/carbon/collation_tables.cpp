@@ -2,7 +2,10 @@
 
 #include <unicode/ucoleitr.h>
 
+#include <assert.h>
+
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -106,25 +109,33 @@ class Builder {
         const Weights& weights = all_[static_cast<size_t>(unit)];
         Character& character = tables->characters[unit];
         character = {PLAIN, 0, 0, {}};
-        if (weights.size() == 1 && weights[0].primary) {
+        character.kind = kind_of(unit, weights);
+        if (character.kind != SEQUENCE) {
             character.element = element(weights[0]);
-            if (unit >= '0' && unit <= '9') character.kind = DIGIT;
-            if (unit == 'l' || unit == 'L') character.kind = CONTEXTUAL;
             return;
         }
-        character.kind = SEQUENCE;
         character.first = next_;
         character.count = append(weights, tables);
     }
 
+    Kind kind_of(int unit, const Weights& weights) const {
+        if (weights.size() != 1 || !weights[0].primary) return SEQUENCE;
+        if (unit >= '0' && unit <= '9') return DIGIT;
+        if (unit == 'l' || unit == 'L') return CONTEXTUAL;
+        const bool among_digits = weights[0].primary >= all_[int{'0'}][0].primary &&
+                                  weights[0].primary <= all_[int{'9'}][0].primary;
+        return among_digits ? SEQUENCE : PLAIN;
+    }
+
     uint8_t append(const Weights& weights, Tables* tables) {
+        assert(next_ + weights.size() <= std::size(tables->sequences));
         for (const Weight& weight : weights) tables->sequences[next_++] = element(weight);
         return static_cast<uint8_t>(weights.size());
     }
 
     std::vector<Weights> all_;
     std::vector<uint32_t> primaries_, secondaries_;
-    uint8_t next_ = 0;
+    uint16_t next_ = 0;
 };
 
 const Tables* build() {

@@ -15,14 +15,15 @@ struct Element {
 
 enum Kind : uint8_t {
     PLAIN,      // one element
-    SEQUENCE,   // several elements, or none: see first and count
     DIGIT,      // part of a number
+    SEQUENCE,   // several elements, or none, or one that stands among the digits: see first
     CONTEXTUAL  // one element, but another sequence before MIDDLE_DOT
 };
 
 struct Character {
     Kind kind;
-    uint8_t first, count;  // in Tables::sequences
+    uint8_t count;  // in Tables::sequences
+    uint16_t first;
     Element element;
 };
 
@@ -30,9 +31,10 @@ const uint16_t MIDDLE_DOT = 0xB7;
 
 struct Tables {
     Character characters[256];
-    Element sequences[256];
+    Element sequences[512];
     // What a CONTEXTUAL character and the MIDDLE_DOT after it stand for.
-    uint8_t contextual_first, contextual_count;
+    uint16_t contextual_first;
+    uint8_t contextual_count;
     // The ranks of the characters 0 and 9. Fractions and superscripts stand between them; where
     // a number stands among those depends on its value.
     uint16_t lowest_digit, highest_digit;

@@ -6,15 +6,23 @@
 #ifdef __OBJC__
 #import <Foundation/Foundation.h>
 
-// An immutable string of ASCII characters that stand in the object itself: one allocation and one
-// copy, where Foundation's own strings take several times as long.
+// An immutable string whose text stands in the object itself, as UTF-8 and, unless it is ASCII, as
+// UTF-16 too: one allocation and a copy, where Foundation's own strings take several times as long.
 @interface NameString : NSString {
   @private
     NSUInteger _length;
+    NSUInteger _size;
+    unichar* _units;  // in this object; null for ASCII
+    char* _bytes;     // in this object
 }
-// The characters, with a NUL after the last.
+// The UTF-8 bytes, with a NUL after the last, and how many there are without it.
 - (const char*)bytes;
+- (NSUInteger)size;
+- (BOOL)isASCII;
 @end
+
+// Whether it is a NameString, at the cost of one comparison.
+bool IsNameString(NSString* string);
 #endif
 
 // The string of these UTF-8 bytes, null when they are not UTF-8. The caller releases it.

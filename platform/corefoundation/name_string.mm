@@ -1,21 +1,41 @@
 #include "corefoundation/name_string.h"
 
 #include <string.h>
+#include <unicode/ustring.h>
+
+// A name of a file has at most 255 bytes; a longer text goes the usual way.
+static const size_t longest_text = 1024;
 
 @implementation NameString
 
-static char* characters(NameString* string) { return (char*)object_getIndexedIvars(string); }
-
-- (id)initWithCharacters:(const char*)bytes count:(NSUInteger)length {
+// `size` bytes of UTF-8 and, when there are any, the `length` units of the same text.
+- (id)initWithBytes:(const char*)bytes
+               size:(NSUInteger)size
+              units:(const unichar*)units
+              count:(NSUInteger)length {
     _length = length;
-    char* text = characters(self);
-    memcpy(text, bytes, length);
-    text[length] = 0;
+    _size = size;
+    _bytes = (char*)object_getIndexedIvars(self);
+    if (units) {
+        _units = (unichar*)_bytes;
+        _bytes += length * sizeof(unichar);
+        memcpy(_units, units, length * sizeof(unichar));
+    }
+    memcpy(_bytes, bytes, size);
+    _bytes[size] = 0;
     return self;
 }
 
 - (const char*)bytes {
-    return characters(self);
+    return _bytes;
+}
+
+- (NSUInteger)size {
+    return _size;
+}
+
+- (BOOL)isASCII {
+    return !_units;
 }
 
 - (NSUInteger)length {
@@ -24,14 +44,18 @@ static char* characters(NameString* string) { return (char*)object_getIndexedIva
 
 - (unichar)characterAtIndex:(NSUInteger)index {
     if (index >= _length) [NSException raise:NSRangeException format:@"index out of range"];
-    return (unsigned char)characters(self)[index];
+    return _units ? _units[index] : (unsigned char)_bytes[index];
 }
 
 - (void)getCharacters:(unichar*)buffer range:(NSRange)range {
     if (range.location > _length || range.length > _length - range.location) {
         [NSException raise:NSRangeException format:@"range out of bounds"];
     }
-    const char* text = characters(self) + range.location;
+    if (_units) {
+        memcpy(buffer, _units + range.location, range.length * sizeof(unichar));
+        return;
+    }
+    const char* text = _bytes + range.location;
     for (NSUInteger i = 0; i < range.length; i++) buffer[i] = (unsigned char)text[i];
 }
 
@@ -42,28 +66,53 @@ static char* characters(NameString* string) { return (char*)object_getIndexedIva
 }
 
 - (NSStringEncoding)fastestEncoding {
-    return NSASCIIStringEncoding;
+    return _units ? NSUnicodeStringEncoding : NSASCIIStringEncoding;
 }
 
 - (NSStringEncoding)smallestEncoding {
-    return NSASCIIStringEncoding;
+    return _units ? NSUnicodeStringEncoding : NSASCIIStringEncoding;
 }
 
 @end
 
-static bool is_ascii(const char* bytes, size_t length) {
+// Looked up once: the run time finds a class by its name.
+static Class name_class() {
+    static const Class found = [NameString class];
+    return found;
+}
+
+bool IsNameString(NSString* string) { return object_getClass(string) == name_class(); }
+
+static NameString* allocate(size_t text_size) {
+    return (NameString*)NSAllocateObject(name_class(), text_size + 1, nullptr);
+}
+
+static bool is_ascii(const char* bytes, size_t size) {
     unsigned char all = 0;
-    for (size_t i = 0; i < length; i++) all |= (unsigned char)bytes[i];
+    for (size_t i = 0; i < size; i++) all |= (unsigned char)bytes[i];
     return all < 0x80;
 }
 
-CFStringRef CreateNameString(const char* bytes, size_t length) {
-    static const Class name_class = [NameString class];
-    if (is_ascii(bytes, length)) {
-        NameString* name = (NameString*)NSAllocateObject(name_class, length + 1, nullptr);
-        return (CFStringRef)[name initWithCharacters:bytes count:length];
+CFStringRef CreateNameString(const char* bytes, size_t size) {
+    if (is_ascii(bytes, size)) {
+        NameString* name = allocate(size);
+        return (CFStringRef)[name initWithBytes:bytes size:size units:nullptr count:size];
     }
-    return (CFStringRef)[[NSString alloc] initWithBytes:bytes
-                                                 length:length
-                                               encoding:NSUTF8StringEncoding];
+    if (size > longest_text) {
+        return (CFStringRef)[[NSString alloc] initWithBytes:bytes
+                                                     length:size
+                                                   encoding:NSUTF8StringEncoding];
+    }
+    UChar units[longest_text];
+    int32_t length = 0;
+    UErrorCode error = U_ZERO_ERROR;
+    u_strFromUTF8(units, longest_text, &length, bytes, (int32_t)size, &error);
+    if (U_FAILURE(error)) return nullptr;
+
+    const NSUInteger count = (NSUInteger)length;
+    NameString* name = allocate(count * sizeof(unichar) + size);
+    return (CFStringRef)[name initWithBytes:bytes
+                                       size:size
+                                      units:(const unichar*)units
+                                      count:count];
 }

@@ -70,50 +70,15 @@ static Boolean copy_units(NSString* source, char* buffer, CFIndex size) {
     return true;
 }
 
-static bool is_name_string(NSString* string) {
-    // Looked up once: the compiler would look the class up by its name every time.
-    static const Class name_class = [NameString class];
-    return object_getClass(string) == name_class;
-}
-
-// False for half a character (a lone surrogate), and when the text and its NUL do not fit.
-static Boolean copy_as_utf8(const unichar* units, NSUInteger count, char* buffer, CFIndex size) {
-    CFIndex used = 0;
-    for (NSUInteger i = 0; i < count; i++) {
-        uint32_t code = units[i];
-        if ((code & 0xF800) == 0xD800) {
-            if (code >= 0xDC00 || i + 1 == count || (units[i + 1] & 0xFC00) != 0xDC00) return false;
-            code = 0x10000 + ((code & 0x3FF) << 10) + (units[++i] & 0x3FF);
-        }
-        const int more = code < 0x80 ? 0 : code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-        if (used + more + 2 > size) return false;
-        static const unsigned char leads[] = {0, 0xC0, 0xE0, 0xF0};
-        buffer[used++] = (char)(leads[more] | (code >> (6 * more)));
-        for (int rest = more - 1; rest >= 0; rest--) {
-            buffer[used++] = (char)(0x80 | ((code >> (6 * rest)) & 0x3F));
-        }
-    }
-    if (used >= size) return false;
-    buffer[used] = 0;
-    return true;
-}
-
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding) {
     NSString* source = (NSString*)string;
     NSStringEncoding code;
     if (!source || !foundation_encoding(encoding, &code)) return false;
     if (encoding == kCFStringEncodingUnicode) return copy_units(source, buffer, size);
-    const NSUInteger length = [source length];
-    // ASCII is the same in every encoding that is left.
-    if (is_name_string(source)) {
-        return copy_bytes([(NameString*)source bytes], length, buffer, size);
-    }
-    // Of file names, at the least: Foundation's own way makes several objects.
-    unichar units[256];
-    if (code == NSUTF8StringEncoding && length <= sizeof units / sizeof *units) {
-        [source getCharacters:units range:NSMakeRange(0, length)];
-        return copy_as_utf8(units, length, buffer, size);
+    if (IsNameString(source) && (code == NSUTF8StringEncoding || [(NameString*)source isASCII])) {
+        NameString* name = (NameString*)source;
+        return copy_bytes([name bytes], [name size], buffer, size);
     }
     @autoreleasepool {
         NSData* data = nil;
@@ -127,7 +92,9 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
 }
 
 CFStringEncoding CFStringGetFastestEncoding(CFStringRef string) {
-    return is_name_string((NSString*)string) ? kCFStringEncodingASCII : kCFStringEncodingUnicode;
+    NSString* source = (NSString*)string;
+    const bool ascii = IsNameString(source) && [(NameString*)source isASCII];
+    return ascii ? kCFStringEncodingASCII : kCFStringEncodingUnicode;
 }
 
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer) {

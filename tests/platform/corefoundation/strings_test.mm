@@ -124,7 +124,8 @@ TEST(Strings, TheMaximumSizeHoldsEveryStringOfTheLength) {
 }
 
 TEST(NameStrings, BehaveAsFoundationsStrings) {
-    for (const char* text : {"", "a", "plain.txt", "with \x01\x7F\n"}) {
+    for (const char* text : {"", "a", "plain.txt", "with \x01\x7F\n", "caf\xC3\xA9",
+                             "\xE6\x97\xA5\xE6\x9C\xAC", "\xF0\x9F\x93\x81 folder"}) {
         const String string(name(text));
         NSString* same = [NSString stringWithUTF8String:text];
         EXPECT_TRUE([string.object() isEqual:same]);
@@ -162,6 +163,10 @@ TEST(NameStrings, RefuseRangesOutsideTheString) {
 TEST(NameStrings, KeepOtherCharactersAndRefuseWhatIsNotUtf8) {
     const String string(name("caf\xC3\xA9"));
     EXPECT_TRUE([string.object() isEqual:[NSString stringWithUTF8String:"caf\xC3\xA9"]]);
-    EXPECT_EQ(name("\xFF"), nullptr);
-    EXPECT_EQ(name("a\xC3"), nullptr);
+    const String long_string(name(std::string(5000, 'x') + "\xC3\xA9"));
+    EXPECT_EQ(CFStringGetLength(long_string), 5001);
+    EXPECT_EQ(bytes(string, 9, kCFStringEncodingMacRoman), "caf\x8E");
+    for (const char* bad : {"\xFF", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF5\x80\x80\x80"}) {
+        EXPECT_EQ(name(bad), nullptr);
+    }
 }
