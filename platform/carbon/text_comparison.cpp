@@ -32,6 +32,14 @@ struct Number {
     const UniChar* last;
 };
 
+// The number that begins at `text`.
+Number number_at(const UniChar* text, const UniChar* end) {
+    const UniChar* last = text;
+    while (last != end && is_digit(*last)) last++;
+    while (last - text > 1 && *text == '0') text++;
+    return {text, last};
+}
+
 int compare(const Number& a, const Number& b) {
     const auto length_a = a.last - a.first, length_b = b.last - b.first;
     if (length_a != length_b) return length_a < length_b ? -1 : 1;
@@ -87,13 +95,10 @@ class Walker {
     }
 
     void take_number() {
-        const UniChar* last = at_;
-        while (last != end_ && is_digit(*last)) last++;
-        while (last - at_ > 1 && *at_ == '0') at_++;
-        number = {at_, last};
+        number = number_at(at_, end_);
         is_number = true;
         element = tables_.characters[int{'0'}].element;
-        at_ = last;
+        at_ = number.last;
     }
 
     const Tables& tables_;
@@ -182,16 +187,23 @@ void drop_common_start(Text* text1, Text* text2) {
     text1->units = at;
 }
 
-// The answer where the texts' first characters tell it, as they mostly do: neither begins a
-// sequence or hangs on what follows it, and not both begin a number.
+// Whether the text's first character stands for one element, whatever follows it.
+bool begins_plainly(const Text& text, const Character& first) {
+    if (first.kind != collation::CONTEXTUAL) return first.kind != collation::SEQUENCE;
+    return text.end - text.units < 2 || text.units[1] != collation::MIDDLE_DOT;
+}
+
+// The answer where the texts' first characters tell it, as they mostly do.
 int compare_first(const Tables& tables, const Text& text1, const Text& text2) {
     if (text1.units == text1.end || text2.units == text2.end) return undecided;
     const Character& a = tables.characters[*text1.units];
     const Character& b = tables.characters[*text2.units];
-    if (a.kind > collation::DIGIT || b.kind > collation::DIGIT) return undecided;
-    if (a.kind == collation::DIGIT && b.kind == collation::DIGIT) return undecided;
-    const uint16_t primary_a = a.element.primary, primary_b = b.element.primary;
-    return primary_a == primary_b ? undecided : primary_a < primary_b ? -1 : 1;
+    if (!begins_plainly(text1, a) || !begins_plainly(text2, b)) return undecided;
+    int order = a.element.primary - b.element.primary;
+    if (a.kind == collation::DIGIT && b.kind == collation::DIGIT) {
+        order = compare(number_at(text1.units, text1.end), number_at(text2.units, text2.end));
+    }
+    return order == 0 ? undecided : order < 0 ? -1 : 1;
 }
 
 int compare_all(const Tables& tables, const Text& text1, const Text& text2) {

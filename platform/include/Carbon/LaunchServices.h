@@ -34,12 +34,14 @@ typedef struct LSItemInfoRecord {
 
 // A folder is a container. An application is an ".app" bundle (container and package) or a
 // ".desktop" file of type Application (plain file); a package is a folder with a known bundle
-// extension. The type comes from the Finder information; "APPL" for an ".app" bundle is not
-// invented. `extension` is always null here.
+// extension or the Finder's bundle flag. A symbolic link is a link and an alias file, never a
+// container, whatever it leads to. The type comes from the Finder information; "APPL" for an ".app"
+// bundle is not invented. `extension` is always null here.
 OSStatus LSCopyItemInfoForRef(const FSRef* ref, LSRequestedInfo which, LSItemInfoRecord* info);
 
-// A ".desktop" file's localized Name, a bundle's name, else the file name as UTF-8 (its extension
-// stays). A name that is not UTF-8 answers kLSUnknownErr. The caller releases *name.
+// A ".desktop" file's localized Name, the name that an ".app" bundle gives itself in its
+// information list, else the file name as UTF-8 (its extension stays). A name that is not UTF-8
+// answers kLSUnknownErr. Only plain files below 256 KiB are read for it. The caller releases *name.
 OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name);
 enum { kLSUnknownErr = -10810, kLSDataUnavailableErr = -10813 };
 

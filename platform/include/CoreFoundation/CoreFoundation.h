@@ -86,10 +86,17 @@ CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const vo
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
 // Preferences: the GNUstep defaults domain named by the application identifier, so that
-// `defaults write IDENTIFIER KEY VALUE` and these calls see the same values.
-// Re-reads the domain from disk when another program has changed it; writes our own changes out.
+// `defaults write IDENTIFIER KEY VALUE` and these calls see the same values. Only that domain is
+// read, not the global one. Any thread.
+//
+// Re-reads the domain from disk when another program has changed it (one stat when none has) and
+// writes our own changes out, merged into what is there; values that are there already write
+// nothing. False when the file cannot be read or written: what was set is then kept, and tried
+// again at the next call.
 Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
-// *valid is set when the key exists and holds a number; any other value gives 0 and *valid false.
+// *valid, which may be null, is set when the key exists and holds a whole number. `defaults write`
+// stores numbers as strings, so a string that is a decimal integer and nothing else counts as one
+// ("12", "-3"; not "2x", " 2", ""). Any other value gives 0 and *valid false.
 CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID, Boolean* valid);
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
 // A null value removes the key. A key whose value is forced is left alone.
