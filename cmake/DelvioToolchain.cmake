@@ -42,5 +42,8 @@ target_link_libraries(gnustep INTERFACE gnustep-gui gnustep-base objc Threads::T
 
 if(DELVIO_SANITIZE)
   add_compile_options(-fsanitize=${DELVIO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
-  add_link_options(-fsanitize=${DELVIO_SANITIZE} -shared-libsan)
+  # Shared, so that libraries loaded later share it; it stands in the compiler's own folder.
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} --print-runtime-dir
+                  OUTPUT_VARIABLE sanitizer_dir OUTPUT_STRIP_TRAILING_WHITESPACE)
+  add_link_options(-fsanitize=${DELVIO_SANITIZE} -shared-libsan -Wl,-rpath,${sanitizer_dir})
 endif()
