@@ -19,7 +19,7 @@ const UCCollateOptions served_options =
     kUCCollateDigitsOverrideMask | kUCCollateDigitsAsNumberMask;
 
 // ICU cuts longer numbers into pieces.
-const UniCharCount longest_number = 254;
+const ptrdiff_t longest_number = 254;
 
 // A result that the tables cannot tell.
 const int undecided = 2;
@@ -70,9 +70,6 @@ class Walker {
             take(character);
         }
     }
-
-    // What has not been walked over yet.
-    const UniChar* rest() const { return at_; }
 
     Element element;
     bool is_number = false;
@@ -187,21 +184,36 @@ void drop_common_start(Text* text1, Text* text2) {
     text1->units = at;
 }
 
-// Whether the text's first character stands for one element, whatever follows it.
-bool begins_plainly(const Text& text, const Character& first) {
-    if (first.kind != collation::CONTEXTUAL) return first.kind != collation::SEQUENCE;
-    return text.end - text.units < 2 || text.units[1] != collation::MIDDLE_DOT;
+// The character or number that a text begins with, when it stands for one element whatever follows.
+struct First {
+    const Character* character;
+    Number number;  // of a DIGIT
+};
+
+bool take_first(const Tables& tables, const Text& text, First* first) {
+    if (text.units == text.end || *text.units >= 0x100) return false;
+    first->character = &tables.characters[*text.units];
+    const collation::Kind kind = first->character->kind;
+    if (kind == collation::SEQUENCE) return false;
+
+    const UniChar* next = text.units + 1;
+    if (kind == collation::DIGIT) {
+        first->number = number_at(text.units, text.end);
+        if (first->number.last - first->number.first > longest_number) return false;
+        next = first->number.last;
+    }
+    if (next == text.end) return true;
+    // A wide unit may be an accent.
+    return *next < 0x100 && !(kind == collation::CONTEXTUAL && *next == collation::MIDDLE_DOT);
 }
 
 // The answer where the texts' first characters tell it, as they mostly do.
 int compare_first(const Tables& tables, const Text& text1, const Text& text2) {
-    if (text1.units == text1.end || text2.units == text2.end) return undecided;
-    const Character& a = tables.characters[*text1.units];
-    const Character& b = tables.characters[*text2.units];
-    if (!begins_plainly(text1, a) || !begins_plainly(text2, b)) return undecided;
-    int order = a.element.primary - b.element.primary;
-    if (a.kind == collation::DIGIT && b.kind == collation::DIGIT) {
-        order = compare(number_at(text1.units, text1.end), number_at(text2.units, text2.end));
+    First a, b;
+    if (!take_first(tables, text1, &a) || !take_first(tables, text2, &b)) return undecided;
+    int order = a.character->element.primary - b.character->element.primary;
+    if (a.character->kind == collation::DIGIT && b.character->kind == collation::DIGIT) {
+        order = compare(a.number, b.number);
     }
     return order == 0 ? undecided : order < 0 ? -1 : 1;
 }
@@ -210,12 +222,6 @@ int compare_all(const Tables& tables, const Text& text1, const Text& text2) {
     bool differ = false;
     const int order = compare_letters(tables, text1, text2, &differ);
     return order || !differ ? order : compare_marks(tables, text1, text2);
-}
-
-int compare_by_tables(const Tables& tables, Text text1, Text text2) {
-    drop_common_start(&text1, &text2);
-    const int order = compare_first(tables, text1, text2);
-    return order == undecided ? compare_all(tables, text1, text2) : order;
 }
 
 bool is_byte_wide(const Text& text) {
@@ -228,8 +234,7 @@ bool is_byte_wide(const Text& text) {
 
 bool fit_tables(const Text& text1, const Text& text2) {
     const auto longest = std::max(text1.end - text1.units, text2.end - text2.units);
-    return static_cast<UniCharCount>(longest) <= longest_number && is_byte_wide(text1) &&
-           is_byte_wide(text2);
+    return longest <= longest_number && is_byte_wide(text1) && is_byte_wide(text2);
 }
 
 int compare_by_icu(const UCollator* collator, const Text& text1, const Text& text2) {
@@ -240,37 +245,14 @@ int compare_by_icu(const UCollator* collator, const Text& text1, const Text& tex
                         static_cast<int32_t>(text2.end - text2.units));
 }
 
-// Takes the first letter or number. False when that is not simply what the tables say of its first
-// unit, whatever follows.
-bool take_first(const Tables& tables, const Text& text, Walker* walker) {
-    if (walker->rest() == text.end || *walker->rest() >= 0x100) return false;
-    if (tables.characters[*walker->rest()].kind == collation::SEQUENCE) return false;
-    walker->next();
-    if (walker->rest() != text.end && *walker->rest() >= 0x100) return false;
-    if (walker->is_number) {
-        const auto length = walker->number.last - walker->number.first;
-        return static_cast<UniCharCount>(length) <= longest_number;
-    }
-    return walker->element.primary;
-}
-
-// The first letters or numbers that differ are most often all that the order needs; undecided when
-// they are not.
-int compare_first_difference(const Tables& tables, const Text& text1, const Text& text2) {
-    const UniChar* const start = text1.units;
-    const auto shorter = std::min(text1.end - start, text2.end - text2.units);
-    const UniChar* at = std::mismatch(start, start + shorter, text2.units).first;
-    while (at != start && is_digit(at[-1])) at--;
-    if (at != start) {
-        const UniChar before = at[-1];
-        if (before >= 0x100 || tables.characters[before].kind == collation::CONTEXTUAL) {
-            return undecided;
-        }
-    }
-    Walker a(tables, at, text1.end), b(tables, text2.units + (at - start), text2.end);
-    if (!take_first(tables, text1, &a) || !take_first(tables, text2, &b)) return undecided;
-    const int order = compare_primaries(tables, a, b);
-    return order ? order : undecided;
+int compare_by_tables(const Tables& tables, const Text& text1, const Text& text2) {
+    Text rest1 = text1, rest2 = text2;
+    drop_common_start(&rest1, &rest2);
+    // A wide unit may hang together with what follows it.
+    const bool after_wide = rest1.units != text1.units && rest1.units[-1] >= 0x100;
+    const int order = after_wide ? undecided : compare_first(tables, rest1, rest2);
+    if (order != undecided) return order;
+    return fit_tables(text1, text2) ? compare_all(tables, rest1, rest2) : undecided;
 }
 
 }  // namespace
@@ -284,9 +266,7 @@ OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, Un
     if (!tables) return kTECMissingTableErr;
 
     const Text first = {text1, text1 + length1}, second = {text2, text2 + length2};
-    int result = compare_first_difference(*tables, first, second);
-    if (result == undecided && fit_tables(first, second))
-        result = compare_by_tables(*tables, first, second);
+    int result = compare_by_tables(*tables, first, second);
     if (result == undecided) {
         const UCollator* collator = collation::root_collator();
         if (!collator) return kTECMissingTableErr;

@@ -190,10 +190,13 @@ TEST(TextComparison, AgreesWithIcuOnRandomFileNames) {
 
 TEST(TextComparison, AgreesWithIcuOnTextsBeyondTheTables) {
     std::mt19937 random(99);
-    const std::u16string alphabet = u"ae\u0301l\u00B7\u4E2D\u0430\u0411 19\u0661\uFF11\u0300";
+    const std::u16string alphabet =
+        u"ae\u0301l\u00B7\u4E2D\u0430\u0411 19\u0661\uFF11\u0300\u0E40\u0E01";
     Disagreements disagreements;
-    for (int round = 0; round < 20000; round++) {
-        disagreements.check(random_text(random, alphabet, 8), random_text(random, alphabet, 8));
+    for (int round = 0; round < 50000; round++) {
+        const std::u16string start = random_text(random, alphabet, 4);
+        disagreements.check(start + random_text(random, alphabet, 6),
+                            start + random_text(random, alphabet, 6));
     }
     EXPECT_EQ(disagreements.count(), 0);
 }
