@@ -1,0 +1,124 @@
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <string>
+
+#include "support/app.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+// A theme of one-colour pictures, so that each icon can be told by its colour.
+class Icons : public testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        test::start_application();
+        const std::string data = getenv("XDG_DATA_HOME"), config = getenv("XDG_CONFIG_HOME");
+        const std::string theme = data + "/icons/Plain";
+        ASSERT_EQ(system(("mkdir -p '" + theme + "/16' '" + theme + "/any' '" + config +
+                          "/gtk-3.0' '" + std::string(getenv("HOME")) + "/Desktop'")
+                             .c_str()),
+                  0);
+        write(theme + "/index.theme",
+              "[Icon Theme]\nName=Plain\nInherits=hicolor\nDirectories=16,any\n"
+              "[16]\nSize=16\nContext=MimeTypes\nType=Fixed\n"
+              "[any]\nSize=48\nMinSize=17\nMaxSize=256\nContext=MimeTypes\nType=Scalable\n");
+        write(config + "/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Plain\n");
+        picture(theme + "/16/text-x-generic.svg", "#000001");
+        picture(theme + "/any/text-x-generic.svg", "#000002");
+        picture(theme + "/any/folder.svg", "#000003");
+        picture(theme + "/any/user-home.svg", "#000004");
+        picture(theme + "/any/application-x-executable.svg", "#000005");
+        picture(theme + "/any/own-icon.svg", "#000006");
+        picture(theme + "/any/inode-fifo.svg", "#000007");
+        picture(theme + "/any/image-x-generic.svg", "#000008");
+    }
+    void SetUp() override { pool = [NSAutoreleasePool new]; }
+    void TearDown() override { [pool release]; }
+
+    static void write(const std::string& path, const std::string& content) {
+        std::ofstream(path, std::ios::binary) << content;
+    }
+    static void picture(const std::string& path, const std::string& colour) {
+        write(path, "<svg xmlns='http://www.w3.org/2000/svg' width='16' height='16'>"
+                    "<rect width='16' height='16' fill='" +
+                        colour + "'/></svg>");
+    }
+    static NSImage* icon(const std::string& path) {
+        return [[NSWorkspace sharedWorkspace]
+            iconForFile:[NSString stringWithUTF8String:path.c_str()]];
+    }
+    static NSBitmapImageRep* bitmap(NSImage* image, NSInteger pixels) {
+        for (NSBitmapImageRep* rep in [image representations]) {
+            if ([rep pixelsWide] == pixels) return rep;
+        }
+        return nil;
+    }
+    // The blue of the middle: the number of the picture above.
+    static int number(NSImage* image, NSInteger pixels) {
+        NSBitmapImageRep* rep = bitmap(image, pixels);
+        return rep ? [rep bitmapData][pixels / 2 * [rep bytesPerRow] + pixels / 2 * 4 + 2] : -1;
+    }
+    NSAutoreleasePool* pool;
+    test::TempFolder folder;
+};
+
+}  // namespace
+
+TEST_F(Icons, AnIconHasPicturesForEachSizeFromTheFolderThatFits) {
+    NSImage* image = icon(folder.file("a.txt"));
+    EXPECT_EQ(number(image, 16), 1);
+    EXPECT_EQ(number(image, 32), 2);
+    EXPECT_EQ(number(image, 48), 2);
+}
+
+TEST_F(Icons, KindsOfFilesHaveTheirOwnIcons) {
+    EXPECT_EQ(number(icon(folder.folder("sub")), 32), 3);
+    EXPECT_EQ(number(icon(getenv("HOME")), 32), 4);
+    EXPECT_EQ(number(icon(folder.file("photo.jpeg")), 32), 8);
+    EXPECT_EQ(number(icon(folder.file("nothing-known")), 32), 2);
+    const std::string program = folder.file("program");
+    chmod(program.c_str(), 0755);
+    EXPECT_EQ(number(icon(program), 32), 5);
+}
+
+TEST_F(Icons, ALinkLooksLikeItsTarget) {
+    EXPECT_EQ(number(icon(folder.link("link", folder.folder("target"))), 32), 3);
+    EXPECT_EQ(number(icon(folder.link("dangling", "nowhere")), 32), 2);
+    EXPECT_EQ(number(icon(folder.link("loop", "loop")), 32), 2);
+}
+
+TEST_F(Icons, AnApplicationEntryNamesItsIcon) {
+    EXPECT_EQ(
+        number(icon(folder.file("x.desktop", "[Desktop Entry]\nType=Application\nIcon=own-icon\n")),
+               32),
+        6);
+}
+
+TEST_F(Icons, AFifoIsNotOpened) {
+    const std::string path = folder.path("pipe.desktop");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(number(icon(path), 32), 7);
+}
+
+TEST_F(Icons, ResizingOneIconLeavesTheNextAsItWas) {
+    const std::string path = folder.file("a.txt");
+    NSImage* first = icon(path);
+    [first setSize:NSMakeSize(15, 15)];
+    NSImage* second = icon(path);
+    EXPECT_NE(first, second);
+    EXPECT_EQ([first size].width, 15);
+    EXPECT_EQ([second size].width, 48);
+    EXPECT_EQ(bitmap(first, 32), bitmap(second, 32));
+    EXPECT_EQ([bitmap(second, 32) size].width, 32);
+}
+
+TEST_F(Icons, NoPathAndMissingFilesGetAnIcon) {
+    EXPECT_NE([[NSWorkspace sharedWorkspace] iconForFile:nil], nil);
+    EXPECT_NE([[NSWorkspace sharedWorkspace] iconForFile:@""], nil);
+    EXPECT_EQ(number(icon(folder.path("missing")), 32), 2);
+}
