@@ -64,19 +64,22 @@ std::string entry_icon(const std::string& path) {
     return icon;
 }
 
+std::string type_key(const std::string& path, mode_t mode) {
+    gboolean uncertain = FALSE;
+    char* type = g_content_type_guess(path.c_str(), nullptr, 0, &uncertain);
+    const std::string key = type ? type : "application/octet-stream";
+    g_free(type);
+    if (!uncertain || key != "application/octet-stream") return key;
+    return mode & S_IXUSR ? "application/x-executable" : "text/plain";
+}
+
 std::string file_key(const std::string& path, const struct stat& entry) {
     const off_t largest_entry = 65536;
     if (has_ending(path, ".desktop") && entry.st_size < largest_entry) {
         const std::string icon = entry_icon(path);
         if (!icon.empty()) return entry_mark + icon;
     }
-    gboolean uncertain = FALSE;
-    char* type = g_content_type_guess(path.c_str(), nullptr, 0, &uncertain);
-    std::string key = type ? type : "application/octet-stream";
-    g_free(type);
-    const bool unknown = uncertain && key == "application/octet-stream";
-    if (unknown && entry.st_mode & S_IXUSR) return "application/x-executable";
-    return unknown ? "text/plain" : key;
+    return type_key(path, entry.st_mode);
 }
 
 void append(std::vector<std::string>& names, const char* name) {
@@ -87,7 +90,7 @@ void append(std::vector<std::string>& names, const char* name) {
 
 std::string icon_key(const std::string& path) {
     struct stat entry;
-    if (stat(path.c_str(), &entry) != 0) return "text/plain";
+    if (stat(path.c_str(), &entry) != 0) return type_key(path, 0);
     if (S_ISDIR(entry.st_mode)) return folder_key(path);
     const char* inode = inode_type(entry.st_mode);
     return inode ? inode : file_key(path, entry);

@@ -4,6 +4,7 @@
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include <string.h>
+#include <unistd.h>
 
 #include <unordered_map>
 
@@ -82,19 +83,17 @@ NSArray* bitmaps_for_key(const std::string& key) {
 }
 
 // GNUstep's file managers draw their own icons, and its bundles carry theirs.
-bool is_stock_icon(NSString* path) {
-    if (objc_lookUpClass("FSNodeRep")) return true;
-    NSString* extension = [path pathExtension];
-    if (![extension isEqualToString:@"app"] && ![extension isEqualToString:@"debug"]) return false;
-    BOOL is_folder = NO;
-    return
-        [[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&is_folder] && is_folder;
+bool is_stock_icon(const std::string& path) {
+    static const bool in_file_manager = objc_lookUpClass("FSNodeRep") != nil;
+    if (in_file_manager) return true;
+    return path.ends_with(".app") && access((path + "/Resources").c_str(), F_OK) == 0;
 }
 
 NSImage* icon_for_file(NSWorkspace* self, SEL selector, NSString* path) {
     auto stock = reinterpret_cast<NSImage* (*)(id, SEL, NSString*)>(stock_icon);
-    if (is_stock_icon(path)) return stock(self, selector, path);
-    NSArray* bitmaps = bitmaps_for_key(icon_key(path_bytes(path)));
+    const std::string bytes = path_bytes(path);
+    if (is_stock_icon(bytes)) return stock(self, selector, path);
+    NSArray* bitmaps = bitmaps_for_key(icon_key(bytes));
     if ([bitmaps count] == 0) return [[stock(self, selector, path) copy] autorelease];
     // The caller may resize it: the image is his, the pictures are everybody's.
     NSImage* image = [[NSImage alloc] initWithSize:NSMakeSize(default_size, default_size)];
