@@ -96,9 +96,12 @@ bool open_with_default_program(const std::string& path) {
     return launch_for_type(type, uri.get());
 }
 
-bool start_program(const std::string& program, const std::string& option,
-                   const std::string& value) {
-    const char* arguments[] = {program.c_str(), option.c_str(), value.c_str(), nullptr};
-    return g_spawn_async(g_get_home_dir(), const_cast<char**>(arguments), nullptr, G_SPAWN_DEFAULT,
-                         leave_us, nullptr, nullptr, nullptr);
+bool start_program(const std::string& program, const std::vector<std::string>& arguments) {
+    std::vector<char*> command{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments) {
+        command.push_back(const_cast<char*>(argument.c_str()));
+    }
+    command.push_back(nullptr);
+    return g_spawn_async(g_get_home_dir(), command.data(), nullptr, G_SPAWN_DEFAULT, leave_us,
+                         nullptr, nullptr, nullptr);
 }

@@ -4,11 +4,12 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // Opens a file or folder with the default program of its type; a .desktop file of an application
 // starts the application. An executable text is shown, not run. False if the file does not exist,
 // no program is registered for it, or the program could not be started.
 bool open_with_default_program(const std::string& path);
 
-// Starts a program with one option and its value. False if it could not be started.
-bool start_program(const std::string& program, const std::string& option, const std::string& value);
+// Starts a program with these arguments. False if it could not be started.
+bool start_program(const std::string& program, const std::vector<std::string>& arguments);

@@ -45,10 +45,9 @@ BOOL open_file(NSWorkspace* self, SEL, NSString* path) {
     bool is_itself = false;
     NSString* program = gnustep_program(self, path, &is_itself);
     if (program) {
-        // An application without a file is told of none.
-        const std::string option = is_itself ? "-autolaunch" : "-GSFilePath";
-        const std::string value = is_itself ? "NO" : bytes;
-        if (start_program(path_bytes(program), option, value)) return YES;
+        std::vector<std::string> arguments;
+        if (!is_itself) arguments = {"-GSFilePath", bytes};
+        if (start_program(path_bytes(program), arguments)) return YES;
     }
     return open_with_default_program(bytes);
 }

@@ -135,6 +135,18 @@ TEST_F(OpenFile, AnApplicationEntryStartsTheApplication) {
     EXPECT_EQ(last_argument(record()), "started");
 }
 
+TEST_F(OpenFile, AnApplicationBundleIsStarted) {
+    const std::string recorder = std::string(getenv("XDG_DATA_HOME")) + "/recorder";
+    const std::string program =
+        folder.file("Tool.app/Tool", "#!/bin/sh\nexec '" + recorder + "' bundle\n");
+    chmod(program.c_str(), 0755);
+    folder.file("Tool.app/Resources/Info-gnustep.plist", "{ NSExecutable = Tool; }\n");
+    ASSERT_TRUE(open(folder.path("Tool.app")));
+    const std::string text = record();
+    EXPECT_NE(text.find("\nbundle\036"), std::string::npos) << text;
+    EXPECT_EQ(text.substr(0, text.find('\n')), getenv("HOME"));
+}
+
 TEST_F(OpenFile, WhatCannotBeOpenedSaysSo) {
     EXPECT_FALSE(open(folder.path("missing.txt")));
     EXPECT_FALSE(open(folder.link("dangling.txt", "nowhere")));
