@@ -17,7 +17,7 @@ void run_popup(NSMenu *menu, NSEvent *event, NSView *view, NSFont *font) {
     MenuSession *session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
     id<MenuTracker> tracker = chosen_tracker ?: [MenuPresenter sharedPresenter];
     @try {
-        [tracker trackSession:session event:event view:view font:font];
+        [tracker trackSession:session event:event view:view font:font ?: [menu font]];
     } @finally {
         [session close];
     }
@@ -43,24 +43,6 @@ void unhandled_right_click(id application, SEL, NSEvent *event) {
     run_popup([application mainMenu], event, nil, nil);
 }
 
-// Not through class_getInstanceMethod: that would initialize the class while libraries still load.
-void replace(Class owner, SEL selector, IMP implementation, const char *types) {
-    class_replaceMethod(owner, selector, implementation, types);
-    refresh_dispatch(owner);
-}
-
-__attribute__((constructor)) void install() {
-    Class menu_class = object_getClass(objc_getClass("NSMenu"));
-    replace(menu_class, @selector(popUpContextMenu:withEvent:forView:withFont:),
-            reinterpret_cast<IMP>(class_popup_with_font), "v@:@@@@");
-    replace(menu_class, @selector(popUpContextMenu:withEvent:forView:),
-            reinterpret_cast<IMP>(class_popup), "v@:@@@");
-    replace(objc_getClass("GSTheme"), @selector(rightMouseDisplay:forEvent:),
-            reinterpret_cast<IMP>(theme_popup), "v@:@@");
-    replace(objc_getClass("NSApplication"), @selector(rightMouseDown:),
-            reinterpret_cast<IMP>(unhandled_right_click), "v@:@");
-}
-
 }  // namespace
 
 @implementation NSMenu (MenuTracking)
@@ -74,6 +56,25 @@ __attribute__((constructor)) void install() {
                   forView:(NSView *)view
                  withFont:(NSFont *)font {
     run_popup(menu, event, view, font);
+}
+
+@end
+
+@interface MenuHookInstaller : NSObject
+@end
+
+@implementation MenuHookInstaller
+
++ (void)load {
+    static const method_patch_t patches[] = {
+        {"NSMenu", "popUpContextMenu:withEvent:forView:withFont:",
+         reinterpret_cast<IMP>(class_popup_with_font), nullptr, true},
+        {"NSMenu", "popUpContextMenu:withEvent:forView:", reinterpret_cast<IMP>(class_popup),
+         nullptr, true},
+        {"GSTheme", "rightMouseDisplay:forEvent:", reinterpret_cast<IMP>(theme_popup), nullptr},
+        {"NSApplication", "rightMouseDown:", reinterpret_cast<IMP>(unhandled_right_click), nullptr},
+    };
+    patch_methods(patches);
 }
 
 @end

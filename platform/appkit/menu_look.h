@@ -1,0 +1,51 @@
+// How menus look: colours, type and measures. The one place to change it.
+#pragma once
+
+#include <string>
+
+@class NSFont;
+
+struct color_t {
+    double red, green, blue, alpha;
+};
+
+struct menu_palette_t {
+    color_t panel, border, edge;  // the edge is the hairline inside the border
+    color_t text, dimmed_text, mark;
+    color_t highlight, highlight_text;
+    color_t separator;
+    double shadow;  // darkest alpha
+};
+
+// Every measure is in pixels of the screen, whole so that lines stay sharp.
+struct menu_look_t {
+    const menu_palette_t* palette;
+    double scale;        // pixels a point
+    std::string family;  // of the interface font
+    double font_size;    // points
+    bool bold, italic;
+    int hairline;
+    int row_height;
+    int separator_height;
+    int inset;          // panel edge to the rows' highlight
+    int padding;        // highlight's edge to its text
+    int gap;            // between image, text and mark
+    int image_side;     // room for an image of the usual size
+    int mark_width;     // chevron, check mark
+    int arrow_height;   // strip that scrolls
+    int title_limit;    // widest title
+    int least_width;    // of a panel
+    int radius;         // panel's corners
+    int row_radius;     // highlight's corners
+    int shadow_extent;  // room around the panel for the shadow, when there is one
+};
+
+// The look for menus in `font` (nil: the look's own), by the user default MenuAppearance ("light",
+// "dark" or "auto"), the desktop's settings and the scale (GSScaleFactor, else the X server's).
+menu_look_t menu_look(NSFont* font, const char* server_resources);
+
+// The family in which a font's text is drawn: GNUstep's system font stands for the desktop's.
+std::string drawn_family(const menu_look_t& look, NSFont* font);
+
+// `color` moved towards the text's colour until it can be read on the panel.
+color_t readable(const menu_look_t& look, color_t color);

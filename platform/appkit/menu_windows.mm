@@ -1,0 +1,225 @@
+#include "appkit/menu_windows.h"
+
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/Xrandr.h>
+#include <X11/extensions/shape.h>
+#include <cairo-xlib.h>
+#include <objc/runtime.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+Display* display() { return static_cast<Display*>([GSCurrentServer() serverDevice]); }
+
+::Window x_window(NSWindow* window) {
+    void* device = [GSCurrentServer() windowDevice:[window windowNumber]];
+    return static_cast<::Window>(reinterpret_cast<uintptr_t>(device));
+}
+
+int server_height() { return DisplayHeight(display(), DefaultScreen(display())); }
+
+NSRect frame_of(const area_t& area) {
+    return NSMakeRect(area.left, server_height() - area.bottom(), area.width, area.height);
+}
+
+long distance(const area_t& area, point_t point) {
+    const long x = std::max({area.left - point.x, 0, point.x - area.right() + 1});
+    const long y = std::max({area.top - point.y, 0, point.y - area.bottom() + 1});
+    return x * x + y * y;
+}
+
+std::vector<area_t> screens() {
+    std::vector<area_t> areas;
+    int count = 0;
+    const ::Window root = DefaultRootWindow(display());
+    XRRMonitorInfo* monitors = XRRGetMonitors(display(), root, True, &count);
+    for (int i = 0; i < count; i++) {
+        const XRRMonitorInfo& monitor = monitors[i];
+        if (monitor.width > 0 && monitor.height > 0) {
+            areas.push_back({monitor.x, monitor.y, monitor.width, monitor.height});
+        }
+    }
+    if (monitors) XRRFreeMonitors(monitors);
+    return areas;
+}
+
+void set_window_type(::Window window) {
+    const Atom property = XInternAtom(display(), "_NET_WM_WINDOW_TYPE", False);
+    Atom type = XInternAtom(display(), "_NET_WM_WINDOW_TYPE_POPUP_MENU", False);
+    XChangeProperty(display(), window, property, XA_ATOM, 32, PropModeReplace,
+                    reinterpret_cast<unsigned char*>(&type), 1);
+}
+
+// Pixels that a corner of this radius leaves out on the line `y` from its edge.
+int corner_cut(int radius, int y) {
+    const double down = radius - y - 0.5;
+    return static_cast<int>(std::lround(radius - std::sqrt(radius * radius - down * down)));
+}
+
+}  // namespace
+
+const char* server_resources() { return XResourceManagerString(display()); }
+
+bool windows_are_composed() {
+    char name[32];
+    snprintf(name, sizeof name, "_NET_WM_CM_S%d", DefaultScreen(display()));
+    return XGetSelectionOwner(display(), XInternAtom(display(), name, False)) != None;
+}
+
+pointer_t current_pointer() {
+    ::Window root, child;
+    int x = 0, y = 0, inner_x, inner_y;
+    unsigned mask = 0;
+    XQueryPointer(display(), DefaultRootWindow(display()), &root, &child, &x, &y, &inner_x,
+                  &inner_y, &mask);
+    return {{x, y}, (mask & (Button1Mask | Button2Mask | Button3Mask)) != 0};
+}
+
+point_t server_point(NSPoint point) {
+    return {static_cast<int>(std::floor(point.x)),
+            server_height() - static_cast<int>(std::ceil(point.y))};
+}
+
+NSPoint screen_point(point_t point) { return NSMakePoint(point.x, server_height() - point.y); }
+
+area_t screen_at(point_t point) {
+    const std::vector<area_t> areas = screens();
+    const auto nearest = std::min_element(
+        areas.begin(), areas.end(), [point](const area_t& one, const area_t& other) {
+            return distance(one, point) < distance(other, point);
+        });
+    if (nearest != areas.end()) return *nearest;
+    return {0, 0, DisplayWidth(display(), DefaultScreen(display())), server_height()};
+}
+
+NSWindow* new_menu_window(const area_t& area) {
+    // Unscaled: what is drawn is scaled here, GNUstep must not do it again.
+    NSWindow* window =
+        [[NSWindow alloc] initWithContentRect:frame_of(area)
+                                    styleMask:NSBorderlessWindowMask | NSUnscaledWindowMask
+                                      backing:NSBackingStoreBuffered
+                                        defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [window setExcludedFromWindowsMenu:YES];
+    [window setOpaque:NO];
+    [window setBackgroundColor:[NSColor clearColor]];
+    [window setLevel:NSPopUpMenuWindowLevel];
+    XSetWindowAttributes attributes = {};
+    attributes.override_redirect = True;
+    attributes.save_under = True;
+    XChangeWindowAttributes(display(), x_window(window), CWOverrideRedirect | CWSaveUnder,
+                            &attributes);
+    set_window_type(x_window(window));
+    return window;
+}
+
+void move_menu_window(NSWindow* window, const area_t& area) {
+    [window setFrame:frame_of(area) display:NO];
+}
+
+void hide_shape_of_menu_window(NSWindow* window) {
+    XShapeCombineRectangles(display(), x_window(window), ShapeBounding, 0, 0, nullptr, 0, ShapeSet,
+                            Unsorted);
+    XFlush(display());
+}
+
+void shape_menu_window(NSWindow* window, int radius) {
+    if (radius <= 0) {
+        XShapeCombineMask(display(), x_window(window), ShapeBounding, 0, 0, None, ShapeSet);
+        return;
+    }
+    const int width = static_cast<int>(NSWidth([window frame]));
+    const int height = static_cast<int>(NSHeight([window frame]));
+    std::vector<XRectangle> lines;
+    const auto add = [&lines](int left, int top, int wide, int high) {
+        lines.push_back({static_cast<short>(left), static_cast<short>(top),
+                         static_cast<unsigned short>(wide), static_cast<unsigned short>(high)});
+    };
+    for (int y = 0; y < radius; y++) {
+        const int cut = corner_cut(radius, y);
+        add(cut, y, width - 2 * cut, 1);
+        add(cut, height - 1 - y, width - 2 * cut, 1);
+    }
+    add(0, radius, width, std::max(0, height - 2 * radius));
+    XShapeCombineRectangles(display(), x_window(window), ShapeBounding, 0, 0, lines.data(),
+                            static_cast<int>(lines.size()), ShapeSet, Unsorted);
+}
+
+void show_menu_window(NSWindow* window) {
+    [window display];  // before it is seen
+    [window orderFrontRegardless];
+    [window flushWindow];
+    XFlush(display());
+}
+
+_cairo* focused_cairo() {
+    // The context is the back end's own; both fields have their names since its first release.
+    id context = [NSGraphicsContext currentContext];
+    Ivar state_variable = class_getInstanceVariable([context class], "gstate");
+    if (!state_variable) return nullptr;
+    id state = object_getIvar(context, state_variable);
+    Ivar cairo_variable = class_getInstanceVariable([state class], "_ct");
+    if (!cairo_variable) return nullptr;
+    const char* fields = reinterpret_cast<const char*>(state);
+    return *reinterpret_cast<cairo_t* const*>(fields + ivar_getOffset(cairo_variable));
+}
+
+void copy_window(NSWindow* window, const area_t& part, _cairo* cairo, int x, int y) {
+    XWindowAttributes attributes;
+    if (!XGetWindowAttributes(display(), x_window(window), &attributes)) return;
+    cairo_surface_t* surface =
+        cairo_xlib_surface_create(display(), x_window(window), attributes.visual,
+                                  attributes.width, attributes.height);
+    cairo_save(cairo);
+    cairo_set_source_surface(cairo, surface, x - part.left, y - part.top);
+    cairo_rectangle(cairo, x, y, part.width, part.height);
+    cairo_fill(cairo);
+    cairo_restore(cairo);
+    cairo_surface_destroy(surface);
+}
+
+bool input_grab_t::take(NSWindow* window) {
+    release();
+    window_ = [window retain];
+    GSDisplayServer* server = GSServerForWindow(window);
+    const int number = static_cast<int>([window windowNumber]);
+    // Another program, often the one that sent the click, may hold the pointer for a moment more.
+    bool held = [server capturemouse:number];
+    for (int tries = 0; !held && tries < 100; tries++) {
+        usleep(10000);
+        held = [server capturemouse:number];
+    }
+    if (!held) {
+        [window_ release];
+        window_ = nil;
+        return false;
+    }
+    keyboard_ = XGrabKeyboard(display(), x_window(window), False, GrabModeAsync, GrabModeAsync,
+                              CurrentTime) == GrabSuccess;
+    // GNUstep throws keys away while the application has no key window.
+    if (![NSApp keyWindow]) {
+        [window becomeKeyWindow];
+        became_key_ = true;
+    }
+    return true;
+}
+
+void input_grab_t::release() {
+    if (!window_) return;
+    [GSServerForWindow(window_) releasemouse];
+    if (keyboard_) XUngrabKeyboard(display(), CurrentTime);
+    keyboard_ = false;
+    if (became_key_) [window_ resignKeyWindow];
+    became_key_ = false;
+    XFlush(display());
+    [window_ release];
+    window_ = nil;
+}
