@@ -13,13 +13,17 @@ namespace {
 
 bool limit_passed = false;
 
-}  // namespace
-
-double now() {
+double read_clock(clockid_t clock) {
     timespec time = {};
-    clock_gettime(CLOCK_MONOTONIC, &time);
+    clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
+
+}  // namespace
+
+double now() { return read_clock(CLOCK_MONOTONIC); }
+
+double processor_time() { return read_clock(CLOCK_PROCESS_CPUTIME_ID); }
 
 double median(std::vector<double> values) {
     if (values.empty()) return 0;
@@ -35,9 +39,9 @@ void Race::add(std::string name, std::function<void()> run, std::function<void()
 void Race::run(int rounds) {
     for (int round = 0; round <= rounds; round++) {
         for (Variant& variant : variants_) {
-            const double start = now();
+            const double start = clock_();
             variant.run();
-            const double time = now() - start;
+            const double time = clock_() - start;
             if (variant.after) variant.after();
             if (round > 0) variant.times.push_back(time);
         }

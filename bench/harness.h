@@ -11,10 +11,16 @@ namespace bench {
 // Seconds from a clock that never goes back.
 double now();
 
+// Seconds that this process has computed: for work that waits for nothing, on a machine that others
+// use too.
+double processor_time();
+
 double median(std::vector<double> values);
 
 class Race {
   public:
+    explicit Race(double (*clock)() = now) : clock_(clock) {}
+
     // `run` is timed; `after`, if given, follows each run untimed.
     void add(std::string name, std::function<void()> run, std::function<void()> after = {});
 
@@ -33,6 +39,7 @@ class Race {
         std::function<void()> run, after;
         std::vector<double> times;
     };
+    double (*clock_)();
     std::vector<Variant> variants_;
 };
 
