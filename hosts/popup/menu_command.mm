@@ -10,6 +10,7 @@
 #include "popup/file_arguments.h"
 #include "popup/forced_settings.h"
 #include "popup/host_menu.h"
+#include "popup/menu_picture.h"
 #include "popup/menu_walker.h"
 #include "popup/private_display.h"
 #include "popup/shown_menu.h"
@@ -76,6 +77,16 @@ int pick(HostMenu* host, const MenuRequest& request) {
     return [picker problem].empty() ? exit_done : failed([picker problem]);
 }
 
+int take_picture(HostMenu* host, const MenuRequest& request) {
+    MenuPhotographer* photographer =
+        [[[MenuPhotographer alloc] initWithFile:request.picture
+                                     openTitles:request.open_titles] autorelease];
+    [photographer waitForMenu];
+    pop_up(host, nil, PopupPoint(request));
+    [photographer stop];
+    return [photographer problem].empty() ? exit_done : failed([photographer problem]);
+}
+
 int show(HostMenu* host, const MenuRequest& request) {
     MenuEnder* ender = [[MenuEnder new] autorelease];
     [ender watchForSignals];
@@ -92,7 +103,7 @@ int run_form(HostMenu* host, const MenuRequest& request) {
         case MenuForm::json:
             return write_menu(host, request);
         case MenuForm::picture:
-            return failed("pictures are not made yet");
+            return take_picture(host, request);
         case MenuForm::pick:
             return pick(host, request);
         case MenuForm::shown:

@@ -1,0 +1,384 @@
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+#include <nlohmann/json.hpp>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "hosts/command_runner.h"
+#include "support/temp_folder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using nlohmann::json;
+using test::Outcome;
+using test::run_delvio;
+using Words = std::vector<std::string>;
+
+// These run without a display: the command brings its own.
+struct MenuCommand : testing::Test {
+    test::TempFolder folder;
+
+    static Outcome menu(Words words) {
+        words.insert(words.begin(), "menu");
+        return run_delvio(words);
+    }
+
+    // The menu as JSON, of a run that must succeed and say nothing else.
+    static json menu_json(Words words) {
+        words.insert(words.begin(), "--json");
+        const Outcome outcome = menu(words);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
+        return json::parse(outcome.out);
+    }
+
+    // The titles of a level, "-" for a separator.
+    static Words titles(const json& items) {
+        Words result;
+        for (const json& item : items) {
+            result.push_back(item["type"] == "separator" ? "-" : item["title"].get<std::string>());
+        }
+        return result;
+    }
+
+    // The item of that title; fails the test, and gives null, when there is none.
+    static json item(const json& items, const std::string& title) {
+        for (const json& candidate : items) {
+            if (candidate["title"] == title) return candidate;
+        }
+        ADD_FAILURE() << "no item " << title << " in " << items;
+        return nullptr;
+    }
+
+    static json level(const json& items, const std::string& title) {
+        const json found = item(items, title);
+        return found.is_null() ? json::array() : found["submenu"]["items"];
+    }
+
+    static void expect_one_line(const Outcome& outcome, int status, const std::string& hint) {
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err.rfind("delvio: ", 0), 0u) << outcome.err;
+        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+        EXPECT_NE(outcome.err.find(hint), std::string::npos) << outcome.err;
+    }
+};
+
+const Words host_titles = {"Open", "Show in File Manager", "Copy Path", "-", "Move to Trash"};
+
+TEST_F(MenuCommand, HasThePlugInsItemsAboveTheHosts) {
+    folder.file("top/a.txt");
+    const json items = menu_json({folder.path("top")});
+    Words expected = {"top", "-"};
+    expected.insert(expected.end(), host_titles.begin(), host_titles.end());
+    EXPECT_EQ(titles(items), expected);
+    EXPECT_EQ(items[0]["plugin"], true);
+    EXPECT_EQ(items[1]["plugin"], true);
+    for (size_t i = 2; i < items.size(); ++i) EXPECT_EQ(items[i]["plugin"], false) << items[i];
+}
+
+TEST_F(MenuCommand, SaysWhatAnItemIs) {
+    folder.folder("top");
+    const json top = menu_json({folder.path("top")})[0];
+    const json expected = {{"type", "item"},
+                           {"title", "top"},
+                           {"enabled", true},
+                           {"alternate", false},
+                           {"modifiers", {}},
+                           {"image", true},
+                           {"color", nullptr},
+                           {"tag", 0},
+                           {"plugin", true},
+                           {"path", folder.path("top")},
+                           {"submenu", {{"title", ""}, {"populated", false}, {"items", {}}}}};
+    json normal = expected;
+    normal["modifiers"] = normal["submenu"]["items"] = json::array();
+    EXPECT_EQ(top, normal);
+}
+
+TEST_F(MenuCommand, OpensNoLevelUnlessAsked) {
+    folder.file("top/sub/a.txt");
+    const json closed = menu_json({folder.path("top")});
+    EXPECT_EQ(item(closed, "top")["submenu"]["populated"], false);
+    const json once = menu_json({"--depth", "1", folder.path("top")});
+    EXPECT_EQ(titles(level(once, "top")), Words({"sub"}));
+    EXPECT_EQ(item(level(once, "top"), "sub")["submenu"]["populated"], false);
+    const json twice = menu_json({"--depth", "2", folder.path("top")});
+    EXPECT_EQ(titles(level(level(twice, "top"), "sub")), Words({"a.txt"}));
+}
+
+TEST_F(MenuCommand, PrintsTheMenuAsATree) {
+    folder.file("top/sub/a.txt");
+    const Outcome outcome = menu({"--print", "--depth", "2", folder.path("top")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out,
+              "top >\n    sub >\n        a.txt\n--------\nOpen\nShow in File Manager\n"
+              "Copy Path\n--------\nMove to Trash\n");
+}
+
+TEST_F(MenuCommand, ListsSelectedFoldersBeforeFilesEachInTheirOrder) {
+    const Words words = {folder.file("z.txt"), folder.folder("b"), folder.file("a.txt"),
+                         folder.folder("a")};
+    Words shown;
+    for (const json& item : menu_json(words)) {
+        if (!item["path"].is_null()) shown.push_back(item["title"]);
+    }
+    shown.erase(std::unique(shown.begin(), shown.end()), shown.end());
+    EXPECT_EQ(shown, Words({"b", "a", "z.txt", "a.txt"}));
+}
+
+TEST_F(MenuCommand, TakesFilesRelativeToTheCurrentFolder) {
+    folder.folder("here");
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path("here"));
+    EXPECT_EQ(menu_json({"."})[0]["path"], folder.path("here"));
+    EXPECT_EQ(menu_json({"../here/"})[0]["path"], folder.path("here"));
+    fs::current_path(before);
+}
+
+TEST_F(MenuCommand, IsTheHostsAloneWithShiftHeld) {
+    EXPECT_EQ(titles(menu_json({"--modifiers", "shift", folder.folder("top")})), host_titles);
+}
+
+TEST_F(MenuCommand, IsTheHostsAloneWhenSwitchedOff) {
+    EXPECT_EQ(titles(menu_json({"--setting", "delvio_is_on=0", folder.folder("top")})),
+              host_titles);
+}
+
+TEST_F(MenuCommand, TakesSettingsForThisRunAlone) {
+    folder.file("top/.hidden");
+    folder.file("top/shown");
+    const Words words = {"--depth", "1", folder.path("top")};
+    Words with = words;
+    with.insert(with.begin(), {"--setting", "show_hidden_files=1"});
+    EXPECT_EQ(titles(level(menu_json(with), "top")), Words({".hidden", "shown"}));
+    EXPECT_EQ(titles(level(menu_json(words), "top")), Words({"shown"}));
+}
+
+TEST_F(MenuCommand, AddsRepeatedFoldersToTheList) {
+    const std::string one = folder.folder("one"), two = folder.folder("two");
+    const json items = menu_json(
+        {"--setting", "folders=" + one, "--setting", "folders=" + two, folder.folder("top")});
+    ASSERT_GE(items.size(), 4u);
+    EXPECT_EQ(items[0]["path"], one);
+    EXPECT_EQ(items[1]["path"], two);
+}
+
+TEST_F(MenuCommand, PutsTheHostsItemsIntoASubmenuOfTheirOwnOnRequest) {
+    const json items =
+        menu_json({"--setting", "finderInSeparateSubmenu=1", "--depth", "1", folder.folder("top")});
+    EXPECT_EQ(titles(items), Words({"top", "-", "Finder"}));
+    EXPECT_EQ(titles(level(items, "Finder")), host_titles);
+}
+
+TEST_F(MenuCommand, SaysThatAFolderIsEmpty) {
+    const json items = level(menu_json({"--depth", "1", folder.folder("top")}), "top");
+    ASSERT_EQ(titles(items), Words({"Folder is empty"}));
+    EXPECT_EQ(items[0]["enabled"], false);
+}
+
+TEST_F(MenuCommand, ShowsLabelColors) {
+    folder.file("top/red");
+    if (!folder.finder_info("top/red", 6 << 1)) GTEST_SKIP() << "no extended attributes here";
+    const json items = level(menu_json({"--depth", "1", folder.path("top")}), "top");
+    EXPECT_EQ(item(items, "red")["color"], "#ff0000");
+}
+
+TEST_F(MenuCommand, BearsStrangeNames) {
+    folder.file("top/two\nlines");
+    folder.file(
+        "top/bad\xff"
+        "name");
+    folder.file("top/" + std::string(255, 'n'));
+    mkfifo(folder.path("top/fifo").c_str(), 0600);
+    folder.link("top/loop", "loop");
+    folder.link("top/gone", "nowhere");
+    const json items = level(menu_json({"--depth", "3", folder.path("top")}), "top");
+    item(items, "two\nlines");
+    item(items, "fifo");
+    EXPECT_EQ(item(items, std::string(255, 'n'))["path"].get<std::string>().size(),
+              folder.path("top").size() + 256);
+    EXPECT_EQ(menu({"--print", "--depth", "3", folder.path("top")}).status, 0);
+}
+
+TEST_F(MenuCommand, BearsASelectedNameThatIsNotUtf8) {
+    const json items = menu_json({folder.file("bad\xff"), folder.folder("good")});
+    EXPECT_EQ(items[0]["title"], "good");
+    item(items, "Open");
+}
+
+TEST_F(MenuCommand, BearsAFolderThatMayNotBeRead) {
+    folder.file("top/a");
+    chmod(folder.path("top").c_str(), 0);
+    const json items = menu_json({"--depth", "1", folder.path("top")});
+    item(items, "Open");
+    chmod(folder.path("top").c_str(), 0700);
+}
+
+TEST_F(MenuCommand, PicksAFileThreeLevelsDown) {
+    const test::RecordingProgram program("text/plain");
+    const std::string file = folder.file("top/sub/deep/note.txt", "text\n");
+    const Outcome outcome = menu({"--pick", "top", "--pick", "SUB", "--pick", "deep", "--pick",
+                                  "note.txt", folder.path("top")});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(program.opened(), file);
+}
+
+TEST_F(MenuCommand, PicksAFolderThatIsNamedLast) {
+    const test::RecordingProgram program("inode/directory");
+    folder.file("top/sub/a");
+    EXPECT_EQ(menu({"--pick", "top", "--pick", "sub", folder.path("top")}).status, 0);
+    EXPECT_EQ(program.opened(), folder.path("top/sub"));
+}
+
+TEST_F(MenuCommand, PicksTheHostsItems) {
+    const test::RecordingProgram program("text/plain");
+    const std::string file = folder.file("note.txt", "text\n");
+    EXPECT_EQ(menu({"--pick", "Open", file}).status, 0);
+    EXPECT_EQ(program.opened(), file);
+}
+
+TEST_F(MenuCommand, ShowsTheFolderWhereNoFileManagerAnswers) {
+    const test::RecordingProgram program("inode/directory");
+    EXPECT_EQ(menu({"--pick", "Show in File Manager", folder.file("note.txt")}).status, 0);
+    EXPECT_EQ(program.opened(), folder.path());
+}
+
+TEST_F(MenuCommand, MovesToTheTrash) {
+    const fs::path home = getenv("HOME");
+    const fs::path file = home / "unwanted", trashed = fs::path(getenv("XDG_DATA_HOME")) / "Trash";
+    std::ofstream(file) << "keep me";
+    EXPECT_EQ(menu({"--pick", "Move to Trash", file.string()}).status, 0);
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(test::read_file((trashed / "files" / "unwanted").string()), "keep me");
+}
+
+TEST_F(MenuCommand, SaysWhyItCannotMoveToTheTrash) {
+    const Outcome outcome = menu({"--pick", "Move to Trash", "/proc/version"});
+    expect_one_line(outcome, 1, "/proc/version");
+    EXPECT_TRUE(fs::exists("/proc/version"));
+}
+
+TEST_F(MenuCommand, DoesNotPickWhatItCannotFind) {
+    folder.file("top/notes.txt");
+    expect_one_line(menu({"--pick", "top", "--pick", "note.txt", folder.path("top")}), 1,
+                    "close to it: \"notes.txt\"");
+    expect_one_line(menu({"--pick", "Open", "--pick", "x", folder.path("top")}), 1, "no submenu");
+}
+
+TEST_F(MenuCommand, DoesNotPickADisabledItem) {
+    expect_one_line(menu({"--pick", "top", "--pick", "Folder is empty", folder.folder("top")}), 1,
+                    "disabled");
+}
+
+TEST_F(MenuCommand, DoesNotPickAnItemThatOnlyOpensASubmenu) {
+    expect_one_line(
+        menu({"--setting", "finderInSeparateSubmenu=1", "--pick", "Finder", folder.folder("top")}),
+        1, "only opens a submenu");
+}
+
+TEST_F(MenuCommand, HoldsOptionForAnAlternate) {
+    folder.file("top/Tool.app/inside.txt");
+    const Words look = {"top", "Tool.app"};
+    expect_one_line(
+        menu({"--pick", "top", "--pick", "Tool.app", "--pick", "inside.txt", folder.path("top")}),
+        1, "");
+    const test::RecordingProgram program("text/plain");
+    EXPECT_EQ(menu({"--modifiers", "option", "--pick", "top", "--pick", "Tool.app", "--pick",
+                    "inside.txt", folder.path("top")})
+                  .status,
+              0);
+    EXPECT_EQ(program.opened(), folder.path("top/Tool.app/inside.txt"));
+}
+
+TEST_F(MenuCommand, SavesAPicture) {
+    folder.file("top/sub/a.txt");
+    const std::string picture = folder.path("menu.png");
+    const Outcome outcome =
+        menu({"--png", picture, "--open", "top", "--open", "sub", folder.path("top")});
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(test::read_file(picture).substr(1, 3), "PNG");
+}
+
+TEST_F(MenuCommand, SaysWhyThereIsNoPicture) {
+    expect_one_line(menu({"--png", folder.path("no/menu.png"), folder.folder("top")}), 1,
+                    "no/menu.png");
+    expect_one_line(menu({"--png", folder.path("menu.png"), "--open", "tip", folder.folder("top")}),
+                    1, "close to it: \"top\"");
+    EXPECT_FALSE(fs::exists(folder.path("menu.png")));
+}
+
+TEST_F(MenuCommand, NeedsADisplayToShowAMenu) {
+    expect_one_line(menu({folder.path()}), 1, "there is no display");
+}
+
+TEST_F(MenuCommand, SaysThatADisplayRefuses) {
+    for (const char* form : {"--print", "--at=1,1"}) {
+        const Outcome outcome = run_delvio({"menu", form, folder.path()}, {{"DISPLAY", ":9999"}});
+        expect_one_line(outcome, 1, "the display :9999 refuses");
+    }
+}
+
+TEST_F(MenuCommand, SaysThatItCannotStandInForADisplay) {
+    const Outcome outcome = run_delvio({"menu", "--print", folder.path()}, {{"PATH", "/nowhere"}});
+    expect_one_line(outcome, 1, "Xvfb");
+}
+
+TEST_F(MenuCommand, SaysThatAFileIsMissing) {
+    expect_one_line(menu({"--print", folder.path(), folder.path("missing")}), 1, "missing");
+}
+
+TEST_F(MenuCommand, SaysThatThePlugInIsMissing) {
+    const Outcome outcome =
+        run_delvio({"menu", "--print", folder.path()}, {{"DELVIO_BUNDLE", "/nowhere"}});
+    expect_one_line(outcome, 1, "DELVIO_BUNDLE");
+}
+
+TEST_F(MenuCommand, SaysWhatIsWrongWithItsUse) {
+    const std::string file = folder.path();
+    expect_one_line(menu({}), 2, "FILE");
+    expect_one_line(run_delvio({}), 2, "menu or settings");
+    expect_one_line(menu({"--print", "--json", file}), 2, "one of");
+    expect_one_line(menu({"--depth", "2", file}), 2, "--print or --json");
+    expect_one_line(menu({"--print", "--depth", "-1", file}), 2, "--depth");
+    expect_one_line(menu({"--print", "--open", "a", file}), 2, "--png");
+    expect_one_line(menu({"--at", "here", file}), 2, "X,Y");
+    expect_one_line(menu({"--print", "--modifiers", "alt", file}), 2, "option");
+    expect_one_line(menu({"--print", "--setting", "font_size", file}), 2, "KEY=VALUE");
+    expect_one_line(menu({"--print", "--setting", "font_sise=3", file}), 2, "font_size?");
+    expect_one_line(menu({"--print", "--setting", "font_size=x", file}), 2, "font_size takes");
+    expect_one_line(menu({"--frobnicate", file}), 2, "--frobnicate");
+}
+
+TEST_F(MenuCommand, TellsItsVersionAndItsUse) {
+    EXPECT_EQ(run_delvio({"--version"}).out.rfind("delvio ", 0), 0u);
+    EXPECT_NE(menu({"--help"}).out.find("--depth"), std::string::npos);
+}
+
+TEST_F(MenuCommand, LeavesNothingBehind) {
+    const auto count = [] {
+        return std::distance(fs::directory_iterator(fs::temp_directory_path()), {});
+    };
+    const auto before = count();
+    EXPECT_EQ(menu({"--print", folder.path()}).status, 0);
+    EXPECT_EQ(count(), before);
+}
+
+TEST_F(MenuCommand, WritesDebugLinesWhenAskedTo) {
+    const Outcome outcome = menu({"--print", "--setting", "logLevel=1", folder.path()});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.out.find("Delvio-SLSA! Is loaded: 0 Is Finder: "), std::string::npos);
+    EXPECT_EQ(outcome.err, "");
+}
+
+}  // namespace
