@@ -4,6 +4,8 @@
 
 #include <glib.h>
 
+#include <vector>
+
 #include "popup/command_line.h"
 
 // Of Foundation's; the command shares nothing with other programs by notifications, and the first
@@ -49,6 +51,16 @@ NSDictionary* fallback_defaults() {
                                                       @"GSSecondCommandKey", nil];
 }
 
+// Foundation gives up on a variable that is not UTF-8.
+std::vector<char*> readable_environment() {
+    std::vector<char*> variables;
+    for (char** variable = environ; *variable; ++variable) {
+        if (g_utf8_validate(*variable, -1, nullptr)) variables.push_back(*variable);
+    }
+    variables.push_back(nullptr);
+    return variables;
+}
+
 // The toolkit would show a panel and wait for a click.
 void end_with_exception(NSException* exception) {
     NSString* text =
@@ -62,7 +74,8 @@ void end_with_exception(NSException* exception) {
 void PrepareToolkit(char* program) {
     silence();
     char* arguments[] = {program, nullptr};
-    GSInitializeProcess(1, arguments, environ);
+    std::vector<char*> environment = readable_environment();
+    GSInitializeProcess(1, arguments, environment.data());
     NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
     NSMutableDictionary* forced =
         [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease]

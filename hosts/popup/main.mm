@@ -5,6 +5,7 @@
 #include "popup/command_line.h"
 #include "popup/exit_signals.h"
 #include "popup/menu_command.h"
+#include "popup/plain_arguments.h"
 #include "popup/settings_command.h"
 #include "popup/standard_streams.h"
 
@@ -24,6 +25,7 @@ int run(const CommandLine& line, char* program) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    RestoreArguments();
     if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return RunClipboardKeeper();
     KeepStreamsPrivate();
     CatchExitSignals();

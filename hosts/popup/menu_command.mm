@@ -5,6 +5,7 @@
 
 #include "finderkit/plug_in.h"
 #include "popup/application.h"
+#include "popup/close_words.h"
 #include "popup/exit_signals.h"
 #include "popup/file_actions.h"
 #include "popup/file_arguments.h"
@@ -33,10 +34,20 @@ bool have_display(MenuForm form, std::string* problem) {
     return false;
 }
 
+// The plug-in gets the selection as text.
+void warn_of_other_encodings(const std::vector<std::string>& files) {
+    for (const std::string& file : files) {
+        if ([NSString stringWithUTF8String:file.c_str()]) continue;
+        Complain("the name " + Quoted(file) +
+                 " is not UTF-8; it has the host's own items, and none of Delvio's");
+    }
+}
+
 bool prepare(MenuRequest& request, std::string* problem) {
     if (!ResolveFiles(&request.files, problem)) return false;
     const std::string bundle = FindPlugIn(problem);
     if (bundle.empty() || !have_display(request.form, problem)) return false;
+    warn_of_other_encodings(request.files);
     StartApplication();
     SetHeldModifierFlags(request.modifiers);
     return LoadPlugIn(bundle, problem);
