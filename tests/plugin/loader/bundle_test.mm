@@ -1,0 +1,303 @@
+// The built bundle in a Finder-like host, from outside: its information, and every line of its log.
+#include <AppKit/ModifierKeys.h>
+#include <CoreFoundation/ForcedPreferences.h>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <objc/runtime.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "finderkit/context_menu.h"
+#include "finderkit/plug_in.h"
+#include "plugin/loader/recording_host.h"
+#include "plugin/loader/walking_tracker.h"
+#include "support/app.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using lines_t = std::vector<std::string>;
+
+std::string log_file() { return getenv("HOME") + std::string("/Library/Logs/Delvio.log"); }
+
+void set_log_level(int level) {
+    ForcePreference(CFSTR("logLevel"), (CFPropertyListRef)[NSNumber numberWithInt:level],
+                    CFSTR("org.delvio.Delvio"));
+}
+
+NSMenuItem* item_titled(NSMenu* menu, NSString* title) {
+    return static_cast<NSMenuItem*>([menu itemWithTitle:title]);
+}
+
+// Every address is a name of this table, or "*".
+using names_t = std::map<std::string, std::string>;
+
+std::string address_of(const void* object) {
+    char text[32];
+    snprintf(text, sizeof text, "%p", object);
+    return text;
+}
+
+std::string without_addresses(const std::string& line, const names_t& names) {
+    std::string result;
+    for (size_t i = 0; i < line.size();) {
+        if (line.compare(i, 2, "0x") != 0) {
+            result += line[i++];
+            continue;
+        }
+        const size_t end = line.find_first_not_of("0123456789abcdef", i + 2);
+        const std::string address = line.substr(i, end - i);
+        const auto name = names.find(address);
+        result += name == names.end() ? "*" : name->second;
+        i = end == std::string::npos ? line.size() : end;
+    }
+    return result;
+}
+
+lines_t lines_of(const std::string& text, const names_t& names) {
+    lines_t lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(without_addresses(line, names));
+    }
+    return lines;
+}
+
+class Bundle : public testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        test::start_application();
+        std::filesystem::create_directories(std::filesystem::path(log_file()).parent_path());
+        set_log_level(2);
+        std::string problem;
+        ASSERT_TRUE(LoadPlugIn(DELVIO_BUNDLE, &problem)) << problem;
+        fflush(nullptr);
+        load_log_ = test::read_file(log_file());
+    }
+
+    Bundle() : pool_([NSAutoreleasePool new]), tracker_([WalkingTracker new]) {
+        host_ = [RecordingHost new];
+        menu_ = [[TContextMenu alloc] initWithTitle:@"context"];
+        [menu_ setDelegate:(id)host_];
+        [NSMenu setContextMenuTracker:tracker_];
+        controller_ = [objc_getClass("DVDelvio") performSelector:@selector(sharedDelvio)];
+        names_ = {{address_of(menu_), "MENU"},
+                  {address_of(host_), "HOST"},
+                  {address_of(controller_), "DVDV"},
+                  {address_of([TContextMenu class]), "CLASS"}};
+        folder_.file("a/inside");
+        folder_.file("text");
+    }
+    ~Bundle() override {
+        SetHeldModifierFlags(0);
+        [NSMenu setContextMenuTracker:nil];
+        [menu_ setDelegate:nil];
+        [menu_ release];
+        [host_ release];
+        [tracker_ release];
+        [pool_ release];
+    }
+
+    // A popup for a folder and a file: a look at the file, then the folder's level, and in it a
+    // pick that does nothing.
+    void pop_up() {
+        [tracker_ setWalk:[this](MenuSession* session) {
+            const TFENodeVector nodes = {{{folder_.path("a")}, {folder_.path("text")}}};
+            [menu_ configureWithNodes:&nodes windowController:nil container:NO];
+            [session highlightItem:item_titled(menu_, @"text") inMenu:menu_];
+            [session highlightItem:nil inMenu:menu_];
+            [session openSubmenuOfItem:item_titled(menu_, @"a")];
+            NSMenu* level = [[session levels] lastObject];
+            SetHeldModifierFlags(NSCommandKeyMask);
+            [session pickItem:item_titled(level, @"inside")];
+        }];
+        [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil];
+    }
+    // What is added to the log file, and to standard output, by a popup.
+    struct output_t {
+        lines_t file, standard;
+    };
+    output_t output_of_popup() {
+        fflush(nullptr);
+        const size_t before = test::read_file(log_file()).size();
+        testing::internal::CaptureStdout();
+        pop_up();
+        const std::string standard = testing::internal::GetCapturedStdout();
+        fflush(nullptr);
+        const std::string file = test::read_file(log_file()).substr(before);
+        return {lines_of(file, names_), lines_of(standard, names_)};
+    }
+    // The lines that come before the settings are read, and those that come after.
+    lines_t first_lines() {
+        return {"Delvio: Class popup no font HOST : TContextMenu",
+                "Delvio: Info: [menu = MENU, delegate = HOST, dvdv = DVDV]"};
+    }
+    lines_t other_lines();
+
+    static std::string load_log_;
+    NSAutoreleasePool* pool_;
+    test::TempFolder folder_;
+    WalkingTracker* tracker_;
+    RecordingHost* host_;
+    TContextMenu* menu_;
+    id controller_;
+    names_t names_;
+};
+
+std::string Bundle::load_log_;
+
+lines_t Bundle::other_lines() {
+    const std::string a = folder_.path("a"), text = folder_.path("text");
+    NSURL* urls[] = {[NSURL fileURLWithPath:[NSString stringWithUTF8String:a.c_str()]],
+                     [NSURL fileURLWithPath:[NSString stringWithUTF8String:text.c_str()]]};
+    const char* files = [[[NSArray arrayWithObjects:urls count:2] description] UTF8String];
+    const std::string description = [[menu_ description] UTF8String];
+    const std::string separator =
+        std::string("Delvio: Add item '") +
+        [[static_cast<NSMenuItem*>([NSMenuItem separatorItem]) title] UTF8String] +
+        "' to menu MENU [root = MENU]\n";
+    std::ostringstream expected;
+    expected
+        << "Delvio: Sep submenu: 0 Delegate: HOST\n"
+           "Delvio: Inserting items (nil) into menu MENU..\n"
+           "Delvio: Done updating menu\n"
+        << separator
+        << "Delvio: Created menu MENU for main menu MENU\n"
+           // The host's delegate is made to fill the menu.
+           "Delvio: Forward menuWillOpen: 1\n"
+           "Delvio: Forward menuNeedsUpdate: 1\n"
+           "Delvio: Re-entrant [self = MENU, menu = MENU, self-delegate = DVDV, delegate = DVDV, "
+           "dvdv = DVDV]\n"
+        << "Delvio: Menu is [r]: " << description
+        << "\n"
+           "Delvio: Forward menuWillOpen: 1\n"
+           "Delvio: Forward menuNeedsUpdate: 1\n"
+           // The menu opens.
+           "Delvio: Forward menuNeedsUpdate: 1\n"
+           "Delvio: Forward menuWillOpen: 1\n"
+           "Delvio: TCONTEXTMENU configureWith NODES * windowController (nil) container (nil)\n"
+        << "Delvio: Set selected files. Have URLS: 0 Is invoked: 1  Files: " << files
+        << "\n"
+           "Delvio: Handling selected files..\n"
+        << "Delvio: is URL? 1 : " << [[urls[0] description] UTF8String] << "\n"
+        << "Delvio: Add folder '" << a << "'\n"
+        << "Delvio: is URL? 1 : " << [[urls[1] description] UTF8String]
+        << "\n"
+           "Delvio: Add   file 'text'\n"
+           "Delvio: Did get any URLs? 1\n"
+           "Delvio: Updating menu..\n"
+           "Delvio: Order: 1 Ptrs: (nil) | * * | * *\n"
+           "Delvio: Inserting items * into menu MENU..\n"
+           "Delvio: Add item 'a' to menu MENU [root = MENU]\n"
+        << separator
+        << "Delvio: Add item 'text' to menu MENU [root = MENU]\n"
+           "Delvio: Done updating menu\n"
+        << separator
+        << "Delvio: Done updating menu..\n"
+           "Delvio: Added 2 items using new-style selection-detection\n"
+           // The file is highlighted, then nothing, then the folder, which opens.
+           "Delvio: Highlight: MENU item: *\n"
+           "Delvio: Forward menu:willHighlightItem: 1\n"
+           "Delvio: Highlight: MENU item: (nil)\n"
+           "Delvio: No item. Hiding preview..\n"
+           "Delvio: Highlight: MENU item: *\n"
+           "Delvio: Forward menu:willHighlightItem: 1\n"
+           "Delvio: Forward menuNeedsUpdate: 1\n"
+           "Delvio: Building new level: * *\n"
+           "Delvio: Populating menu with *; already populated? 0\n"
+           "Delvio: Inserting items * into menu *..\n"
+           "Delvio: Add item 'inside' to menu * [root = MENU]\n"
+           "Delvio: Done updating menu\n"
+           "Delvio: Level built: * *\n"
+           // Both levels close, then the pick.
+           "Delvio: Forward menuDidClose: 1\n"
+           "Delvio: Forward menuDidClose: 1\n"
+           "Delvio: Selected item *\n"
+           "Delvio: The selected item has title 'inside' and flags 0\n"
+           "Delvio: Selected item with command key down - is drag tap not working?\n"
+        << "Delvio: Menu is now [r]: " << description
+        << "\n"
+           "Delvio: Free'ing trees; root = *, forest = (nil) open_with = (nil), move_copy = (nil), "
+           "running_apps = (nil)\n"
+           "Delvio: Free'ing menus and removing event handlers\n"
+           "Delvio: Class popup no-font out\n";
+    return lines_of(expected.str(), {});
+}
+
+lines_t joined(lines_t lines, const lines_t& more) {
+    lines.insert(lines.end(), more.begin(), more.end());
+    return lines;
+}
+
+// Compared as one text, so that a failure shows the lines that differ.
+std::string text_of(const lines_t& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += line + "\n";
+    return text;
+}
+
+}  // namespace
+
+TEST_F(Bundle, IsKnownByItsInformation) {
+    NSBundle* bundle = [NSBundle bundleForClass:objc_getClass("DVDelvio")];
+    EXPECT_STREQ([[bundle bundleIdentifier] UTF8String], "org.delvio.Delvio");
+    EXPECT_STREQ([[[bundle infoDictionary] objectForKey:@"CFBundleVersion"] UTF8String],
+                 DELVIO_VERSION);
+}
+
+TEST_F(Bundle, ExportsItsEntryAlone) {
+    void* code = dlopen(DELVIO_BUNDLE "/Delvio", RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(code, nullptr);
+    EXPECT_NE(dlsym(code, "dv_load_delvio"), nullptr);
+    for (const char* hidden : {"dvdprintf", "dv_build_tree", "MethodSwizzle", "is_loaded"}) {
+        EXPECT_EQ(dlsym(code, hidden), nullptr) << hidden;
+    }
+    dlclose(code);
+}
+
+TEST_F(Bundle, LogsItsLoading) {
+    const lines_t expected = {"Delvio: Checking if this is the Finder..",
+                              "Delvio: This is the Finder",
+                              "Delvio-SLSA! Is loaded: 0 Is Finder: 1 Is 64-bit: 1",
+                              "Delvio: Checking if this is the Finder..",
+                              "Delvio: This is the Finder",
+                              "Delvio: Version " DELVIO_VERSION " loading..",
+                              "Delvio-SLSA: Swizzling",
+                              "Delvio: Swizzle * * [* *] 0",
+                              "Delvio: Swizzle * * [* *] 0",
+                              "Delvio: Swizzle * * [* *] 1",
+                              "Delvio: Swizzle * * [* *] 1",
+                              "Delvio: Swizzle * * [* *] 1",
+                              "Delvio: Got TContextMenu class: CLASS",
+                              "Delvio: Swizzle * * [* *] 1",
+                              "Delvio: Swizzle * * [* *] 1",
+                              "Delvio: Successfully swizzled TContextMenu's method.",
+                              "Delvio-SLSA: The deed is done."};
+    EXPECT_EQ(text_of(lines_of(load_log_, names_)), text_of(expected));
+}
+
+TEST_F(Bundle, LogsAPopupToTheFileThenToStandardOutputThenNowhere) {
+    set_log_level(2);
+    pop_up();
+    output_t output = output_of_popup();
+    EXPECT_EQ(text_of(output.file), text_of(joined(first_lines(), other_lines())));
+    EXPECT_EQ(text_of(output.standard), text_of(lines_t()));
+
+    set_log_level(1);
+    output = output_of_popup();
+    EXPECT_EQ(text_of(output.file), text_of(joined(first_lines(), {"Delvio: Closing log."})));
+    EXPECT_EQ(text_of(output.standard), text_of(other_lines()));
+
+    set_log_level(0);
+    output = output_of_popup();
+    EXPECT_EQ(text_of(output.file), text_of(lines_t()));
+    EXPECT_EQ(text_of(output.standard), text_of(first_lines()));
+    output = output_of_popup();
+    EXPECT_EQ(text_of(output.file), text_of(lines_t()));
+    EXPECT_EQ(text_of(output.standard), text_of(lines_t()));
+}
