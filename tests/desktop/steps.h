@@ -1,0 +1,38 @@
+// A script that runs beside an open menu: each step waits for something to become true, then acts.
+// It runs from a timer, also while a menu tracks. Main thread.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace test {
+
+class Steps {
+  public:
+    using Condition = std::function<bool()>;
+    using Action = std::function<void()>;
+
+    // Waits until `condition` holds, then runs `action` once. `what` says what was waited for.
+    Steps& when(const std::string& what, Condition condition, Action action = [] {});
+
+    // Runs the application until the last step is done. A step that waits longer than
+    // the limit fails the test and ends every open menu.
+    void run();
+
+  private:
+    struct Step {
+        std::string what;
+        Condition condition;
+        Action action;
+    };
+    void turn();
+    friend struct StepsAccess;
+
+    std::vector<Step> steps_;
+    size_t next_ = 0;
+    double waiting_since_ = 0;
+    bool failed_ = false;
+};
+
+}  // namespace test
