@@ -14,7 +14,8 @@ class Steps {
     using Action = std::function<void()>;
 
     // Waits until `condition` holds, then runs `action` once. `what` says what was waited for.
-    Steps& when(const std::string& what, Condition condition, Action action = [] {});
+    Steps& when(
+        const std::string& what, Condition condition, Action action = [] {});
 
     // Runs the application until the last step is done. A step that waits longer than
     // the limit fails the test and ends every open menu.

@@ -71,11 +71,10 @@ void Steps::run() {
     [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
     while (next_ < steps_.size() && !(failed_ && ![MenuSession current])) {
         @autoreleasepool {
-            NSEvent* event =
-                [NSApp nextEventMatchingMask:NSAnyEventMask
-                                   untilDate:[NSDate dateWithTimeIntervalSinceNow:0.02]
-                                      inMode:NSDefaultRunLoopMode
-                                     dequeue:YES];
+            NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
+                                                untilDate:[NSDate dateWithTimeIntervalSinceNow:0.02]
+                                                   inMode:NSDefaultRunLoopMode
+                                                  dequeue:YES];
             if (event) [NSApp sendEvent:event];
         }
     }

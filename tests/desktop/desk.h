@@ -1,0 +1,71 @@
+// A user at a desk: a file manager's window with the plug-in inside, a real X server, real files,
+// a mouse and a keyboard. The script of each test runs beside the open menu. Main thread.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "desktop/file_window.h"
+#include "desktop/steps.h"
+#include "support/recording_program.h"
+#include "support/temp_folder.h"
+#include "support/x_input.h"
+
+namespace test {
+
+class Desk : public testing::Test {
+  protected:
+    using titles_t = std::vector<std::string>;
+
+    static void SetUpTestSuite();
+    Desk();
+    ~Desk() override;
+
+    // The selection of the next right-click.
+    void select(const std::vector<std::string>& files) { [window_ setFiles:files]; }
+
+    // The script. A right-click begins each popup.
+    Steps& steps() { return *steps_; }
+    // The popup's script from the right-click to its end; `within` adds the steps between.
+    void pop_up(const std::function<void(Steps&)>& within);
+    void right_click();
+
+    // What is open. Level 0 is the host's menu.
+    bool is_open(size_t level) const;
+    // The rows shown; "-" for a separator.
+    titles_t titles(size_t level) const;
+    // The row highlighted, "" for none.
+    std::string highlighted(size_t level) const;
+    NSMenuItem* item(const std::string& title) const;
+
+    // The hand, on the row of this title in the deepest level that shows it.
+    void hover(const std::string& title);
+    void click(const std::string& title);
+    void escape() { input_.key("Escape"); }
+    XInput& input() { return input_; }
+
+    FileWindow* window() const { return window_; }
+    const std::vector<std::string>& messages() const { return [window_ messages]; }
+    int count_messages(const std::string& message) const;
+    // What the user's default program for texts and folders was given.
+    static RecordingProgram& program() { return *program_; }
+
+    // Written by another program, as a user would.
+    static void set_preference(const std::string& key, const std::string& value);
+    // The lines of the debug log that begin so.
+    static titles_t log_lines(const std::string& beginning);
+
+    TempFolder folder_;
+
+  private:
+    static std::unique_ptr<RecordingProgram> program_;
+    NSAutoreleasePool* pool_;
+    FileWindow* window_;
+    XInput input_;
+    std::unique_ptr<Steps> steps_;
+};
+
+}  // namespace test

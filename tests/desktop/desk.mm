@@ -1,0 +1,164 @@
+#include "desktop/desk.h"
+
+#include <AppKit/MenuTracking.h>
+
+#include <stdio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+
+#include "appkit/menu_run.h"
+#include "finderkit/plug_in.h"
+#include "support/app.h"
+
+namespace test {
+
+namespace {
+
+const std::string domain = "org.delvio.Delvio";
+
+std::string log_path() { return std::string(getenv("HOME")) + "/Library/Logs/Delvio.log"; }
+
+const menu_level_t* shown_level(size_t level) {
+    menu_run_t* run = menu_run_t::current();
+    if (!run || level >= run->levels().size()) return nullptr;
+    const menu_level_t* shown = run->levels()[level].get();
+    return shown->is_shown() ? shown : nullptr;
+}
+
+std::string title_of(NSMenuItem* item) {
+    return [item isSeparatorItem] ? "-" : std::string([[item title] UTF8String] ?: "");
+}
+
+const std::vector<menu_row_t>& rows_of(const menu_level_t* level) { return level->layout().rows(); }
+
+}  // namespace
+
+std::unique_ptr<RecordingProgram> Desk::program_;
+
+void Desk::SetUpTestSuite() {
+    if (program_) return;
+    program_ = std::make_unique<RecordingProgram>(
+        std::vector<std::string>{"text/plain", "inode/directory", "application/x-zerosize"});
+    std::filesystem::create_directories(std::filesystem::path(log_path()).parent_path());
+    start_application();
+    std::string problem;
+    ASSERT_TRUE(LoadPlugIn(DELVIO_BUNDLE, &problem)) << problem;
+}
+
+Desk::Desk() : pool_([NSAutoreleasePool new]), window_([FileWindow new]), steps_(new Steps) {
+    program_->forget();
+}
+
+Desk::~Desk() {
+    input_.let_go();
+    [window_ release];
+    [pool_ release];
+}
+
+void Desk::right_click() {
+    input_.move(300, 350);
+    input_.click(3);
+}
+
+void Desk::pop_up(const std::function<void(Steps&)>& within) {
+    const int before = [window_ popups];
+    steps_ = std::make_unique<Steps>();
+    steps_->when(
+        "the window", [] { return true; }, [this] { right_click(); });
+    within(*steps_);
+    steps_->when("the menu's end", [this, before] { return [window_ popups] > before; });
+    steps_->run();
+}
+
+bool Desk::is_open(size_t level) const {
+    const menu_level_t* shown = shown_level(level);
+    return shown && !rows_of(shown).empty();
+}
+
+Desk::titles_t Desk::titles(size_t level) const {
+    titles_t names;
+    if (const menu_level_t* shown = shown_level(level)) {
+        for (const auto& row : rows_of(shown)) names.push_back(title_of(row.item));
+    }
+    return names;
+}
+
+std::string Desk::highlighted(size_t level) const {
+    const menu_level_t* shown = shown_level(level);
+    if (!shown) return "";
+    return title_of([[MenuSession current] highlightedItemOfMenu:shown->menu()]);
+}
+
+namespace {
+
+// The row of this title in the deepest level that shows it.
+bool find_row(const std::string& title, NSMenuItem** item, area_t* area) {
+    menu_run_t* run = menu_run_t::current();
+    for (size_t level = run ? run->levels().size() : 0; level-- > 0;) {
+        const menu_level_t* shown = shown_level(level);
+        const auto& rows = shown ? rows_of(shown) : std::vector<menu_row_t>();
+        for (size_t row = 0; row < rows.size(); row++) {
+            if (title_of(rows[row].item) != title) continue;
+            *item = rows[row].item;
+            *area = shown->row_area(static_cast<int>(row));
+            return true;
+        }
+    }
+    ADD_FAILURE() << "no row shows " << title;
+    return false;
+}
+
+}  // namespace
+
+NSMenuItem* Desk::item(const std::string& title) const {
+    NSMenuItem* item = nil;
+    area_t area = {};
+    find_row(title, &item, &area);
+    return item;
+}
+
+void Desk::hover(const std::string& title) {
+    NSMenuItem* item = nil;
+    area_t area = {};
+    if (find_row(title, &item, &area)) {
+        input_.move(area.left + area.width / 2, area.top + area.height / 2);
+    }
+}
+
+void Desk::click(const std::string& title) {
+    hover(title);
+    input_.click(1);
+}
+
+int Desk::count_messages(const std::string& message) const {
+    const auto& all = messages();
+    return static_cast<int>(std::count(all.begin(), all.end(), message));
+}
+
+void Desk::set_preference(const std::string& key, const std::string& value) {
+    const pid_t child = fork();
+    if (child == 0) {
+        execlp("defaults", "defaults", "write", domain.c_str(), key.c_str(), value.c_str(),
+               static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_EQ(status, 0) << "defaults write " << key;
+}
+
+Desk::titles_t Desk::log_lines(const std::string& beginning) {
+    fflush(nullptr);
+    titles_t lines;
+    std::istringstream log(read_file(log_path()));
+    for (std::string line; std::getline(log, line);) {
+        if (line.compare(0, beginning.size(), beginning) == 0) lines.push_back(line);
+    }
+    return lines;
+}
+
+}  // namespace test

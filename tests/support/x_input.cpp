@@ -1,0 +1,93 @@
+#include "support/x_input.h"
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+
+#include <sstream>
+#include <stdexcept>
+
+namespace test {
+
+XInput::XInput() : display_(XOpenDisplay(nullptr)) {
+    if (!display_) throw std::runtime_error("no X display");
+    XTestGrabControl(display_, True);
+}
+
+XInput::~XInput() {
+    let_go();
+    XCloseDisplay(display_);
+}
+
+void XInput::move(int x, int y) {
+    XTestFakeMotionEvent(display_, -1, x, y, CurrentTime);
+    XSync(display_, False);
+}
+
+void XInput::fake_button(int button, bool down) {
+    held_buttons_ = down ? held_buttons_ | 1u << button : held_buttons_ & ~(1u << button);
+    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), down, CurrentTime);
+    XSync(display_, False);
+}
+
+void XInput::press(int button) { fake_button(button, true); }
+void XInput::release(int button) { fake_button(button, false); }
+
+void XInput::click(int button) {
+    press(button);
+    release(button);
+}
+
+unsigned XInput::code(const std::string& name) {
+    const KeySym symbol = XStringToKeysym(name.c_str());
+    if (symbol == NoSymbol) throw std::runtime_error("no key of this name: " + name);
+    return XKeysymToKeycode(display_, symbol);
+}
+
+void XInput::fake_key(const std::string& name, bool down) {
+    XTestFakeKeyEvent(display_, code(name), down, CurrentTime);
+    XSync(display_, False);
+}
+
+void XInput::key_down(const std::string& name) {
+    held_keys_ += name + " ";
+    fake_key(name, true);
+}
+
+void XInput::key_up(const std::string& name) {
+    const size_t at = held_keys_.find(name + " ");
+    if (at != std::string::npos) held_keys_.erase(at, name.size() + 1);
+    fake_key(name, false);
+}
+
+void XInput::key(const std::string& name) {
+    key_down(name);
+    key_up(name);
+}
+
+void XInput::let_go() {
+    std::istringstream names(held_keys_);
+    for (std::string name; names >> name;) key_up(name);
+    for (int button = 1; button <= 5; button++) {
+        if (held_buttons_ & 1u << button) release(button);
+    }
+}
+
+bool XInput::pointer_is_free() {
+    const int status = XGrabPointer(display_, DefaultRootWindow(display_), False, ButtonPressMask,
+                                    GrabModeAsync, GrabModeAsync, None, None, CurrentTime);
+    if (status == GrabSuccess) XUngrabPointer(display_, CurrentTime);
+    XSync(display_, False);
+    return status == GrabSuccess;
+}
+
+unsigned long XInput::pixel(int x, int y) {
+    XImage* image =
+        XGetImage(display_, DefaultRootWindow(display_), x, y, 1, 1, AllPlanes, ZPixmap);
+    if (!image) throw std::runtime_error("no such pixel");
+    const unsigned long color = XGetPixel(image, 0, 0) & 0xFFFFFF;
+    XDestroyImage(image);
+    return color;
+}
+
+}  // namespace test

@@ -1,0 +1,44 @@
+// A hand on mouse and keyboard: real X events through XTest, on a connection of its own, so that
+// they come to the program under test as a user's do. Coordinates are pixels from the upper left.
+#pragma once
+
+#include <string>
+
+struct _XDisplay;
+
+namespace test {
+
+class XInput {
+  public:
+    XInput();
+    ~XInput();
+    XInput(const XInput&) = delete;
+    XInput& operator=(const XInput&) = delete;
+
+    void move(int x, int y);
+    // Button 1 left, 2 middle, 3 right, 4 and 5 the wheel.
+    void press(int button);
+    void release(int button);
+    void click(int button);
+    // Keys by X name: "Shift_L", "Escape", "a".
+    void key_down(const std::string& name);
+    void key_up(const std::string& name);
+    void key(const std::string& name);
+    // Lets go of every key and button that is still held.
+    void let_go();
+
+    // Whether another program could grab the pointer now: false while a menu holds it.
+    bool pointer_is_free();
+    // The colour of a pixel of the screen, 0xRRGGBB.
+    unsigned long pixel(int x, int y);
+
+  private:
+    unsigned code(const std::string& name);
+    void fake_key(const std::string& name, bool down);
+    void fake_button(int button, bool down);
+    _XDisplay* display_;
+    std::string held_keys_;
+    unsigned held_buttons_ = 0;
+};
+
+}  // namespace test
