@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "popup/command_line.h"
+#include "popup/exit_signals.h"
 
 // Of Foundation's; the command shares nothing with other programs by notifications, and the first
 // use of the workspace would wait for the notification daemon to start.
@@ -89,5 +90,6 @@ void PrepareToolkit(char* program) {
 
 void StartApplication() {
     [NSApplication sharedApplication];
+    CatchExitSignals();  // the toolkit has put its own handlers there
     NSSetUncaughtExceptionHandler(end_with_exception);
 }

@@ -6,6 +6,7 @@
 
 #include "popup/clipboard.h"
 #include "popup/close_words.h"
+#include "popup/private_display.h"
 
 namespace {
 
@@ -81,6 +82,7 @@ std::string ShowInFileManager(const std::vector<std::string>& files) {
 }
 
 std::string CopyPaths(const std::vector<std::string>& files) {
+    if (HasPrivateDisplay()) return "there is no display whose clipboard could hold the path";
     std::string text;
     for (const std::string& file : files) text += (text.empty() ? "" : "\n") + file;
     return KeepOnClipboard(text);

@@ -23,6 +23,8 @@ namespace {
 constexpr int milliseconds_to_start = 20000;
 constexpr const char* screen = "1920x1200x24";
 
+bool started;
+
 // Xlib prints a line of its own when it is refused; ours says more.
 bool opens_quietly() {
     FILE* const own = stderr;
@@ -137,5 +139,7 @@ bool StartPrivateDisplay(std::string* problem) {
     }
     setenv("DISPLAY", (":" + number).c_str(), 1);
     setenv("XAUTHORITY", authority.c_str(), 1);
-    return true;
+    return started = true;
 }
+
+bool HasPrivateDisplay() { return started; }

@@ -11,3 +11,6 @@ bool DisplayAnswers(std::string* problem);
 // (DISPLAY, XAUTHORITY) at it. It ends with this process, however that ends.
 // False when it could not be started; then *problem says why.
 bool StartPrivateDisplay(std::string* problem);
+
+// Whether the display is such a server, which goes with this process.
+bool HasPrivateDisplay();

@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <X11/Xlib.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+
+#include "hosts/command_runner.h"
+#include "support/temp_folder.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using test::Outcome;
+using test::run_delvio;
+using test::RunningCommand;
+
+constexpr int turns = 400;
+constexpr int microseconds_a_turn = 25000;
+
+bool wait_for(const std::function<bool()>& happened) {
+    for (int turn = 0; turn < turns; ++turn) {
+        if (happened()) return true;
+        usleep(microseconds_a_turn);
+    }
+    return happened();
+}
+
+std::string output_of(const std::string& command) {
+    FILE* in = popen(command.c_str(), "r");
+    std::string text;
+    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
+    pclose(in);
+    return text;
+}
+
+void press(const std::string& keys) { output_of("xdotool key " + keys + " 2>/dev/null"); }
+
+std::vector<pid_t> children_of(pid_t process) {
+    const std::string id = std::to_string(process);
+    std::ifstream in("/proc/" + id + "/task/" + id + "/children");
+    std::vector<pid_t> children;
+    for (pid_t child; in >> child;) children.push_back(child);
+    return children;
+}
+
+struct ShownMenu : testing::Test {
+    test::TempFolder folder;
+    Display* display = XOpenDisplay(nullptr);
+
+    void SetUp() override { ASSERT_NE(display, nullptr); }
+    void TearDown() override {
+        if (display) XCloseDisplay(display);
+    }
+
+    Window root() const { return DefaultRootWindow(display); }
+
+    // The topmost window that shows, of those that no window manager is to touch; 0 for none.
+    XWindowAttributes shown_window() const {
+        Window ignored, *windows = nullptr;
+        unsigned count = 0;
+        XWindowAttributes found = {};
+        XQueryTree(display, root(), &ignored, &ignored, &windows, &count);
+        for (unsigned i = 0; i < count; ++i) {
+            XWindowAttributes window;
+            if (!XGetWindowAttributes(display, windows[i], &window)) continue;
+            const bool popup = window.override_redirect && window.map_state == IsViewable;
+            if (popup && window.width > 20) found = window;
+        }
+        if (windows) XFree(windows);
+        return found;
+    }
+
+    // Whether the pointer is someone's, as it is while a menu is open.
+    bool is_grabbed() const {
+        const int result = XGrabPointer(display, root(), False, 0, GrabModeAsync, GrabModeAsync,
+                                        None, None, CurrentTime);
+        if (result == GrabSuccess) XUngrabPointer(display, CurrentTime);
+        XSync(display, False);
+        return result == AlreadyGrabbed;
+    }
+
+    bool wait_until_open() const {
+        return wait_for([&] { return shown_window().width > 0 && is_grabbed(); });
+    }
+};
+
+TEST_F(ShownMenu, WaitsUntilItIsClosed) {
+    RunningCommand command({"menu", "--at", "200,150", folder.folder("top")});
+    ASSERT_TRUE(wait_until_open());
+    press("Escape");
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+}
+
+TEST_F(ShownMenu, StandsWhereItIsAsked) {
+    RunningCommand command({"menu", "--at", "200,150", folder.folder("top")});
+    ASSERT_TRUE(wait_until_open());
+    const XWindowAttributes window = shown_window();
+    EXPECT_NEAR(window.x, 200, 20);
+    EXPECT_NEAR(window.y, 150, 20);
+}
+
+TEST_F(ShownMenu, StandsAtThePointer) {
+    XWarpPointer(display, None, root(), 0, 0, 0, 0, 420, 310);
+    XSync(display, False);
+    RunningCommand command({"menu", folder.folder("top")});
+    ASSERT_TRUE(wait_until_open());
+    const XWindowAttributes window = shown_window();
+    EXPECT_NEAR(window.x, 420, 20);
+    EXPECT_NEAR(window.y, 310, 20);
+}
+
+TEST_F(ShownMenu, ShowsNoOtherWindow) {
+    RunningCommand command({"menu", "--at", "200,150", folder.folder("top")});
+    ASSERT_TRUE(wait_until_open());
+    Window ignored, *windows = nullptr;
+    unsigned count = 0, viewable = 0;
+    XQueryTree(display, root(), &ignored, &ignored, &windows, &count);
+    for (unsigned i = 0; i < count; ++i) {
+        XWindowAttributes window;
+        if (!XGetWindowAttributes(display, windows[i], &window)) continue;
+        viewable += window.map_state == IsViewable && window.c_class == InputOutput;
+    }
+    XFree(windows);
+    EXPECT_EQ(viewable, 1u);
+}
+
+TEST_F(ShownMenu, OpensWhatIsPickedWithTheKeyboard) {
+    const test::RecordingProgram program("text/plain");
+    const std::string file = folder.file("top/note.txt", "text\n");
+    RunningCommand command({"menu", "--at", "200,150", folder.path("top")});
+    ASSERT_TRUE(wait_until_open());
+    press("Down Right");
+    press("Down Return");
+    EXPECT_EQ(command.finish().status, 0);
+    EXPECT_EQ(program.opened(), file);
+}
+
+TEST_F(ShownMenu, ClosesAndLetsGoAtASignal) {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        RunningCommand command({"menu", "--at", "200,150", folder.path()});
+        ASSERT_TRUE(wait_until_open());
+        command.send_signal(number);
+        const Outcome outcome = command.finish();
+        EXPECT_EQ(outcome.status, 128 + number);
+        EXPECT_EQ(outcome.err, "");
+        EXPECT_FALSE(is_grabbed());
+    }
+}
+
+TEST_F(ShownMenu, TakesItsOwnDisplayAlongAtASignal) {
+    RunningCommand command({"menu", "--json", "--depth", "1000", "/usr"}, {{"DISPLAY", ""}});
+    std::vector<pid_t> children;
+    ASSERT_TRUE(wait_for([&] {
+        children = children_of(command.process());
+        return !children.empty();
+    }));
+    command.send_signal(SIGTERM);
+    EXPECT_EQ(command.finish().status, 128 + SIGTERM);
+    EXPECT_TRUE(wait_for([&] { return kill(children[0], 0) != 0; }));
+}
+
+TEST_F(ShownMenu, CopiesThePathsForOthersToPaste) {
+    const std::string one = folder.file("one \xc3\xa4.txt"), two = folder.file("two");
+    const Outcome outcome = run_delvio({"menu", "--pick", "Copy Path", one, two});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+    EXPECT_EQ(output_of("timeout 10 xclip -o -selection clipboard"), one + "\n" + two);
+    EXPECT_NE(output_of("timeout 10 xclip -o -selection clipboard -t TARGETS").find("UTF8_STRING"),
+              std::string::npos);
+}
+
+TEST_F(ShownMenu, KeepsTheClipboardUntilSomethingElseIsCopied) {
+    const Atom clipboard = XInternAtom(display, "CLIPBOARD", False);
+    run_delvio({"menu", "--pick", "Copy Path", folder.path()});
+    const Window owner = XGetSelectionOwner(display, clipboard);
+    ASSERT_NE(owner, static_cast<Window>(None));
+    const Window own = XCreateSimpleWindow(display, root(), 0, 0, 1, 1, 0, 0, 0);
+    XSetSelectionOwner(display, clipboard, own, CurrentTime);
+    EXPECT_EQ(XGetSelectionOwner(display, clipboard), own);
+    // The keeper goes, and its window with it.
+    XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
+    EXPECT_TRUE(wait_for([&] {
+        XWindowAttributes ignored;
+        return !XGetWindowAttributes(display, owner, &ignored);
+    }));
+    XSetErrorHandler(nullptr);
+}
+
+TEST_F(ShownMenu, CannotCopyWithoutADisplay) {
+    const Outcome outcome =
+        run_delvio({"menu", "--pick", "Copy Path", folder.path()}, {{"DISPLAY", ""}});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("clipboard"), std::string::npos);
+}
+
+}  // namespace
