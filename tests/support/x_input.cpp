@@ -73,6 +73,14 @@ void XInput::let_go() {
     }
 }
 
+bool XInput::keyboard_is_free() {
+    const int result = XGrabKeyboard(display_, DefaultRootWindow(display_), False, GrabModeAsync,
+                                     GrabModeAsync, CurrentTime);
+    XUngrabKeyboard(display_, CurrentTime);
+    XSync(display_, False);
+    return result == GrabSuccess;
+}
+
 bool XInput::pointer_is_free() {
     const int status = XGrabPointer(display_, DefaultRootWindow(display_), False, ButtonPressMask,
                                     GrabModeAsync, GrabModeAsync, None, None, CurrentTime);

@@ -29,6 +29,7 @@ class XInput {
 
     // Whether another program could grab the pointer now: false while a menu holds it.
     bool pointer_is_free();
+    bool keyboard_is_free();
     // The colour of a pixel of the screen, 0xRRGGBB.
     unsigned long pixel(int x, int y);
 
