@@ -12,8 +12,7 @@ area_t fit(area_t panel, const area_t& screen, int margin) {
     panel.width = std::min(panel.width, screen.width);
     panel.height = std::min(panel.height, screen.height - 2 * margin);
     panel.left = clamp_start(panel.left, panel.width, screen.left, screen.right());
-    panel.top =
-        clamp_start(panel.top, panel.height, screen.top + margin, screen.bottom() - margin);
+    panel.top = clamp_start(panel.top, panel.height, screen.top + margin, screen.bottom() - margin);
     return panel;
 }
 
@@ -59,6 +58,6 @@ bool is_on_the_way(point_t from, point_t now, const area_t& panel) {
     const int slack = panel.height / 12 + 4;
     const point_t upper = {edge, panel.top - slack}, lower = {edge, panel.bottom() + slack};
     const long a = turn(from, upper, now), b = turn(upper, lower, now), c = turn(lower, from, now);
-    const bool negative = a < 0 || b < 0 || c < 0, positive = a > 0 || b > 0 || c > 0;
+    const bool negative = a < 0 || b < 0 || c<0, positive = a> 0 || b > 0 || c > 0;
     return !(negative && positive);
 }

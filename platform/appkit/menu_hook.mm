@@ -12,9 +12,9 @@ namespace {
 
 id<MenuTracker> chosen_tracker;
 
-void run_popup(NSMenu *menu, NSEvent *event, NSView *view, NSFont *font) {
+void run_popup(NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
     if (!menu) return;
-    MenuSession *session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
+    MenuSession* session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
     id<MenuTracker> tracker = chosen_tracker ?: [MenuPresenter sharedPresenter];
     @try {
         [tracker trackSession:session event:event view:view font:font ?: [menu font]];
@@ -24,22 +24,22 @@ void run_popup(NSMenu *menu, NSEvent *event, NSView *view, NSFont *font) {
     [session performPick];
 }
 
-void class_popup_with_font(id, SEL, NSMenu *menu, NSEvent *event, NSView *view, NSFont *font) {
+void class_popup_with_font(id, SEL, NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
     [menu _popUpContextMenu:menu withEvent:event forView:view withFont:font];
 }
 
-void class_popup(id, SEL, NSMenu *menu, NSEvent *event, NSView *view) {
+void class_popup(id, SEL, NSMenu* menu, NSEvent* event, NSView* view) {
     [menu _popUpContextMenu:menu withEvent:event forView:view withFont:nil];
 }
 
 // Themes may show a menu without the class popups.
-void theme_popup(id, SEL, NSMenu *menu, NSEvent *event) {
+void theme_popup(id, SEL, NSMenu* menu, NSEvent* event) {
     [menu _popUpContextMenu:menu withEvent:event forView:nil withFont:nil];
 }
 
 // A right click that nobody handled: the main menu, which is no file's contextual menu, so that it
 // does not take the ways in which plug-ins look for one.
-void unhandled_right_click(id application, SEL, NSEvent *event) {
+void unhandled_right_click(id application, SEL, NSEvent* event) {
     run_popup([application mainMenu], event, nil, nil);
 }
 
@@ -51,10 +51,10 @@ void unhandled_right_click(id application, SEL, NSEvent *event) {
     chosen_tracker = tracker;
 }
 
-- (void)_popUpContextMenu:(NSMenu *)menu
-                withEvent:(NSEvent *)event
-                  forView:(NSView *)view
-                 withFont:(NSFont *)font {
+- (void)_popUpContextMenu:(NSMenu*)menu
+                withEvent:(NSEvent*)event
+                  forView:(NSView*)view
+                 withFont:(NSFont*)font {
     run_popup(menu, event, view, font);
 }
 

@@ -23,9 +23,9 @@ NSBitmapImageRep* best_bitmap(NSImage* image, int width) {
     for (NSImageRep* rep in [image representations]) {
         if (![rep isKindOfClass:[NSBitmapImageRep class]]) continue;
         const bool enough = best && [best pixelsWide] >= width;
-        const bool better = !best || (enough ? [rep pixelsWide] >= width &&
-                                                   [rep pixelsWide] < [best pixelsWide]
-                                             : [rep pixelsWide] > [best pixelsWide]);
+        const bool better =
+            !best || (enough ? [rep pixelsWide] >= width && [rep pixelsWide] < [best pixelsWide]
+                             : [rep pixelsWide] > [best pixelsWide]);
         if (better) best = static_cast<NSBitmapImageRep*>(rep);
     }
     if (best) return best;
@@ -54,8 +54,7 @@ void copy_row(NSBitmapImageRep* rep, const unsigned char* from, uint32_t* to) {
 
 void copy_row_by_color(NSBitmapImageRep* rep, NSInteger y, uint32_t* to) {
     for (NSInteger x = 0; x < [rep pixelsWide]; x++) {
-        NSColor* color =
-            [[rep colorAtX:x y:y] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
+        NSColor* color = [[rep colorAtX:x y:y] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
         const auto byte = [](double share) { return static_cast<unsigned>(share * 255 + 0.5); };
         const pixel_t p = {byte([color redComponent]), byte([color greenComponent]),
                            byte([color blueComponent]), byte([color alphaComponent])};

@@ -8,20 +8,20 @@ const NSUInteger alternate_modifiers =
     NSShiftKeyMask | NSControlKeyMask | NSAlternateKeyMask | NSCommandKeyMask;
 
 // See +[MenuSession visibleItemsOfMenu:withModifiers:]. Appends to `shown`.
-void append_visible_items(NSArray *items, NSUInteger modifiers, NSMutableArray *shown);
+void append_visible_items(NSArray* items, NSUInteger modifiers, NSMutableArray* shown);
 
 // Whether the pointer and the keys can rest on the item.
-bool can_highlight(NSMenuItem *item);
+bool can_highlight(NSMenuItem* item);
 
 // Whether picking the item ends the tracking: it is enabled and has an action of its own.
-bool can_pick(NSMenuItem *item);
+bool can_pick(NSMenuItem* item);
 
 // Asks the delegate for the menu's items, then enables them by their targets where the menu does
 // that itself. Submenus are left alone: each is asked when it opens.
-void update_menu(NSMenu *menu);
+void update_menu(NSMenu* menu);
 
 // Enables and disables the items by their targets, if the menu does that itself.
-void validate_items(NSMenu *menu);
+void validate_items(NSMenu* menu);
 
 // Sends the item's action to its target, or along the responders.
-void send_action(NSMenuItem *item);
+void send_action(NSMenuItem* item);

@@ -1,5 +1,5 @@
-// Where the rows of one level are. Sizes are pixels; rows count from the top of the panel's content,
-// which a scrolled panel shows a part of. Main thread.
+// Where the rows of one level are. Sizes are pixels; rows count from the top of the panel's
+// content, which a scrolled panel shows a part of. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>

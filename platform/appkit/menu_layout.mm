@@ -76,7 +76,7 @@ menu_row_t menu_layout_t::make_row(NSMenuItem* item, int top) const {
         if (is_picture(image)) kind = image_row;
     }
     // By the font alone: laying every coloured title out would take as long as all the rest.
-    if (NSAttributedString* title = [item attributedTitle]; [title length]) {
+    if (NSAttributedString* title = [item attributedTitle];[title length]) {
         NSFont* font = [title attribute:NSFontAttributeName atIndex:0 effectiveRange:nullptr];
         height = std::max(height, pixels(look_, [font pointSize] * 1.35 + 3));
     }

@@ -84,7 +84,7 @@ class menu_level_t {
     NSWindow* window_ = nil;
     MenuLevelView* view_ = nil;
     std::unordered_map<NSView*, MenuItemHolder*> holders_;  // both retained
-    NSMenuItem* highlighted_ = nil;  // retained
+    NSMenuItem* highlighted_ = nil;                         // retained
     area_t panel_ = {}, screen_ = {};
     side_t side_ = on_right;
     int scroll_ = 0;

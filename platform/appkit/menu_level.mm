@@ -109,8 +109,8 @@ void menu_level_t::put_on_screen() {
 void menu_level_t::resize() {
     if (!shown_) return;
     const area_t before = panel_;
-    panel_ = resize_in_place({layout_.width(), layout_.height()}, panel_, side_, screen_,
-                             screen_margin);
+    panel_ =
+        resize_in_place({layout_.width(), layout_.height()}, panel_, side_, screen_, screen_margin);
     scroll_ = std::clamp(scroll_, 0, most_scroll());
     const bool moved = panel_.left != before.left || panel_.top != before.top ||
                        panel_.width != before.width || panel_.height != before.height;

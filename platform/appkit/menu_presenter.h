@@ -4,5 +4,5 @@
 #include <AppKit/MenuTracking.h>
 
 @interface MenuPresenter : NSObject <MenuTracker>
-+ (MenuPresenter *)sharedPresenter;
++ (MenuPresenter*)sharedPresenter;
 @end

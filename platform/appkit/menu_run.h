@@ -106,6 +106,7 @@ class menu_run_t {
     point_t aim_from_ = {};
     bool aiming_ = false;
     int scroll_level_ = -1, scroll_direction_ = 0;
+    double scroll_started_ = 0;
 
     std::string typed_;
     double typed_at_ = 0;

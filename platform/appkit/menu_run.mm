@@ -9,6 +9,9 @@
 
 namespace {
 
+// What timers draw or ask the server while we sleep may swallow the announcement of an event.
+const double longest_sleep = 0.02;
+
 menu_run_t* current_run;
 
 double now() { return [NSDate timeIntervalSinceReferenceDate]; }
@@ -161,6 +164,7 @@ void menu_run_t::turn() {
         nested_ = false;
         grab_.take(levels_[0]->window());
     }
+    deliver_queued_events();
     awake_ = false;
     NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
                                         untilDate:next_date()
@@ -173,11 +177,11 @@ void menu_run_t::turn() {
 }
 
 NSDate* menu_run_t::next_date() const {
-    double due = 0;
+    double due = now() + longest_sleep;
     for (const timer_t* timer : {&hover_timer_, &scroll_timer_}) {
-        if (timer->due > 0 && (due == 0 || timer->due < due)) due = timer->due;
+        if (timer->due > 0) due = std::min(due, timer->due);
     }
-    return due > 0 ? [NSDate dateWithTimeIntervalSinceReferenceDate:due] : [NSDate distantFuture];
+    return [NSDate dateWithTimeIntervalSinceReferenceDate:due];
 }
 
 void menu_run_t::handle(NSEvent* event) {

@@ -11,12 +11,6 @@ const double typing_pause = 1;  // after which typing starts anew
 
 double now() { return [NSDate timeIntervalSinceReferenceDate]; }
 
-bool begins(NSMenuItem* item, NSString* typed) {
-    const NSStringCompareOptions options =
-        NSCaseInsensitiveSearch | NSDiacriticInsensitiveSearch | NSAnchoredSearch;
-    return [[item title] rangeOfString:typed options:options].location != NSNotFound;
-}
-
 }  // namespace
 
 // Keys act on the deepest level in which something is highlighted.
@@ -35,19 +29,30 @@ void menu_run_t::key_pressed(NSEvent* event) {
     const menu_level_t& level = *levels_[focus_level()];
     const int last = static_cast<int>(level.layout().rows().size()) - 1;
     switch ([characters characterAtIndex:0]) {
-        case NSDownArrowFunctionKey: return move_highlight(1, true);
-        case NSUpArrowFunctionKey: return move_highlight(-1, true);
-        case NSPageDownFunctionKey: return move_highlight(level.rows_per_page(), false);
-        case NSPageUpFunctionKey: return move_highlight(-level.rows_per_page(), false);
-        case NSHomeFunctionKey: return move_to(0, 1, false);
-        case NSEndFunctionKey: return move_to(last, -1, false);
-        case NSRightArrowFunctionKey: return enter_submenu();
-        case NSLeftArrowFunctionKey: return leave_submenu();
-        case 0x1B: return input(input_cancel);
+        case NSDownArrowFunctionKey:
+            return move_highlight(1, true);
+        case NSUpArrowFunctionKey:
+            return move_highlight(-1, true);
+        case NSPageDownFunctionKey:
+            return move_highlight(level.rows_per_page(), false);
+        case NSPageUpFunctionKey:
+            return move_highlight(-level.rows_per_page(), false);
+        case NSHomeFunctionKey:
+            return move_to(0, 1, false);
+        case NSEndFunctionKey:
+            return move_to(last, -1, false);
+        case NSRightArrowFunctionKey:
+            return enter_submenu();
+        case NSLeftArrowFunctionKey:
+            return leave_submenu();
+        case 0x1B:
+            return input(input_cancel);
         case NSCarriageReturnCharacter:
         case NSNewlineCharacter:
-        case NSEnterCharacter: return choose();
-        default: break;
+        case NSEnterCharacter:
+            return choose();
+        default:
+            break;
     }
     const bool goes_on = !typed_.empty() && now() - typed_at_ <= typing_pause;
     if ([characters isEqualToString:@" "] && !goes_on) return choose();
@@ -96,9 +101,8 @@ void menu_run_t::enter_submenu() {
     synchronize();
     if (index + 1 >= levels_.size()) return;
     const std::vector<menu_row_t>& rows = levels_[index + 1]->layout().rows();
-    const auto first = std::find_if(rows.begin(), rows.end(), [](const menu_row_t& row) {
-        return can_highlight(row.item);
-    });
+    const auto first = std::find_if(rows.begin(), rows.end(),
+                                    [](const menu_row_t& row) { return can_highlight(row.item); });
     if (first == rows.end()) return;
     [session_ highlightItem:first->item inMenu:levels_[index + 1]->menu()];
 }
@@ -127,11 +131,11 @@ void menu_run_t::type(NSString* characters) {
     if (now() - typed_at_ > typing_pause) typed_.clear();
     typed_at_ = now();
     typed_ += [characters UTF8String] ?: "";
-    NSString* typed = [NSString stringWithUTF8String:typed_.c_str()];
+    const std::string wanted = folded(typed_);
     const std::vector<menu_row_t>& rows = levels_[focus_level()]->layout().rows();
-    for (size_t row = 0; typed && row < rows.size(); row++) {
-        if (can_highlight(rows[row].item) && begins(rows[row].item, typed)) {
-            return move_to(static_cast<int>(row), 1, false);
-        }
+    for (size_t row = 0; row < rows.size(); row++) {
+        if (!can_highlight(rows[row].item)) continue;
+        if (folded(visible_title([rows[row].item title])).rfind(wanted, 0) != 0) continue;
+        return move_to(static_cast<int>(row), 1, false);
     }
 }

@@ -1,5 +1,5 @@
 // Pointer: hovering, pressing, scrolling.
-#include <cmath>
+#include <algorithm>
 #include <cstdlib>
 
 #include "appkit/menu_level_view.h"
@@ -9,9 +9,9 @@
 
 namespace {
 
-const double hover_delay = 0.2;   // until a submenu opens
-const double aim_limit = 0.35;    // for a move across other rows to an open submenu
-const double hold_limit = 0.5;    // a button held as long means press-drag-release
+const double hover_delay = 0.2;  // until a submenu opens
+const double aim_limit = 0.35;   // for a move across other rows to an open submenu
+const double hold_limit = 0.5;   // a button held as long means press-drag-release
 const double scroll_interval = 0.02;
 const int drag_distance = 5;
 const int wheel_rows = 3;
@@ -20,14 +20,22 @@ double now() { return [NSDate timeIntervalSinceReferenceDate]; }
 
 void send_mouse_event(NSView* view, NSEvent* event) {
     switch ([event type]) {
-        case NSLeftMouseDown: return [view mouseDown:event];
-        case NSLeftMouseDragged: return [view mouseDragged:event];
-        case NSLeftMouseUp: return [view mouseUp:event];
-        case NSRightMouseDown: return [view rightMouseDown:event];
-        case NSRightMouseDragged: return [view rightMouseDragged:event];
-        case NSRightMouseUp: return [view rightMouseUp:event];
-        case NSMouseMoved: return [view mouseMoved:event];
-        default: return;
+        case NSLeftMouseDown:
+            return [view mouseDown:event];
+        case NSLeftMouseDragged:
+            return [view mouseDragged:event];
+        case NSLeftMouseUp:
+            return [view mouseUp:event];
+        case NSRightMouseDown:
+            return [view rightMouseDown:event];
+        case NSRightMouseDragged:
+            return [view rightMouseDragged:event];
+        case NSRightMouseUp:
+            return [view rightMouseUp:event];
+        case NSMouseMoved:
+            return [view mouseMoved:event];
+        default:
+            return;
     }
 }
 
@@ -74,6 +82,7 @@ void menu_run_t::input(tracking_input_t input) {
             [session_ cancel];
             break;
         case effect_start_scroll:
+            scroll_started_ = now();
             scroll_timer_.start(scroll_interval);
             break;
         case effect_stop_scroll:
@@ -224,12 +233,15 @@ void menu_run_t::scroll_on() {
     scroll_timer_.stop();
     if (state_ != state_scrolling || scroll_level_ >= static_cast<int>(levels_.size())) return;
     menu_level_t& level = *levels_[scroll_level_];
-    // The deeper in the strip, the faster; the first touch goes row by row.
+    // The deeper in the strip and the longer it lasts, the faster.
     const area_t& panel = level.panel();
     const int depth = scroll_direction_ > 0
                           ? pointer_.y - (panel.bottom() - style_.look.arrow_height)
                           : panel.top + style_.look.arrow_height - pointer_.y;
-    const int pixels = style_.look.row_height * (1 + 4 * depth / style_.look.arrow_height) / 4;
+    const double slowest = style_.look.row_height * 0.25;
+    const double deeper = 1 + 4.0 * depth / style_.look.arrow_height;
+    const double longer = std::min(20.0, 1 + 2 * (now() - scroll_started_));
+    const int pixels = static_cast<int>(slowest * deeper * longer);
     const bool goes_on = level.scroll_by(scroll_direction_ * pixels);
     [session_ highlightItem:nil inMenu:level.menu()];
     if (goes_on && level.edge_at(pointer_)) {

@@ -5,7 +5,7 @@
 
 @protocol MenuSessionWatcher
 // Levels, highlight or end changed, by whomever.
-- (void)sessionDidChange:(MenuSession *)session;
+- (void)sessionDidChange:(MenuSession*)session;
 @end
 
 @interface MenuSession (Watching)

@@ -5,23 +5,23 @@ namespace {
 
 // The sessions between -open and -close, innermost last. They are alive as long as they are here:
 // the popup that runs a session holds it.
-NSMutableArray *open_sessions() {
-    static NSMutableArray *sessions = [NSMutableArray new];
+NSMutableArray* open_sessions() {
+    static NSMutableArray* sessions = [NSMutableArray new];
     return sessions;
 }
 
 }  // namespace
 
 @interface MenuSession (Private)
-- (NSUInteger)depthOfMenu:(NSMenu *)menu;
-- (void)openLevel:(NSMenu *)menu;
+- (NSUInteger)depthOfMenu:(NSMenu*)menu;
+- (void)openLevel:(NSMenu*)menu;
 - (void)closeLevelsFrom:(NSUInteger)depth;
 - (void)changed;
 @end
 
 @implementation MenuSession
 
-- (instancetype)initWithMenu:(NSMenu *)menu {
+- (instancetype)initWithMenu:(NSMenu*)menu {
     if (!(self = [super init])) return nil;
     _levels = [NSMutableArray new];
     _highlights = [NSMutableArray new];
@@ -38,33 +38,33 @@ NSMutableArray *open_sessions() {
     [super dealloc];
 }
 
-+ (MenuSession *)current {
++ (MenuSession*)current {
     return [open_sessions() lastObject];
 }
 
-+ (MenuSession *)sessionOfMenu:(NSMenu *)menu {
-    for (MenuSession *session in [open_sessions() reverseObjectEnumerator]) {
++ (MenuSession*)sessionOfMenu:(NSMenu*)menu {
+    for (MenuSession* session in [open_sessions() reverseObjectEnumerator]) {
         if ([session depthOfMenu:menu] != NSNotFound) return session;
     }
     return nil;
 }
 
-+ (NSArray *)visibleItemsOfMenu:(NSMenu *)menu withModifiers:(NSUInteger)modifiers {
-    NSArray *items = [menu itemArray];
-    NSMutableArray *shown = [NSMutableArray arrayWithCapacity:[items count]];
++ (NSArray*)visibleItemsOfMenu:(NSMenu*)menu withModifiers:(NSUInteger)modifiers {
+    NSArray* items = [menu itemArray];
+    NSMutableArray* shown = [NSMutableArray arrayWithCapacity:[items count]];
     append_visible_items(items, modifiers, shown);
     return shown;
 }
 
-- (NSMenu *)rootMenu {
+- (NSMenu*)rootMenu {
     return _root;
 }
 
-- (NSArray *)levels {
+- (NSArray*)levels {
     return [NSArray arrayWithArray:_levels];
 }
 
-- (NSMenuItem *)highlightedItemOfMenu:(NSMenu *)menu {
+- (NSMenuItem*)highlightedItemOfMenu:(NSMenu*)menu {
     const NSUInteger depth = [self depthOfMenu:menu];
     if (depth == NSNotFound) return nil;
     id item = [_highlights objectAtIndex:depth];
@@ -79,7 +79,7 @@ NSMutableArray *open_sessions() {
     [self openLevel:_root];
 }
 
-- (void)highlightItem:(NSMenuItem *)item inMenu:(NSMenu *)menu {
+- (void)highlightItem:(NSMenuItem*)item inMenu:(NSMenu*)menu {
     const NSUInteger depth = [self depthOfMenu:menu];
     if (depth == NSNotFound) return;
     if (!can_highlight(item) || [item menu] != menu) item = nil;
@@ -92,7 +92,7 @@ NSMutableArray *open_sessions() {
     [self changed];
 }
 
-- (BOOL)openSubmenuOfItem:(NSMenuItem *)item {
+- (BOOL)openSubmenuOfItem:(NSMenuItem*)item {
     NSMenu *menu = [item menu], *submenu = [item submenu];
     const NSUInteger depth = [self depthOfMenu:menu];
     if (depth == NSNotFound || _ending || !submenu || ![item isEnabled]) return NO;
@@ -107,7 +107,7 @@ NSMutableArray *open_sessions() {
     return [self depthOfMenu:submenu] != NSNotFound;
 }
 
-- (void)closeLevelsBelowMenu:(NSMenu *)menu {
+- (void)closeLevelsBelowMenu:(NSMenu*)menu {
     const NSUInteger depth = [self depthOfMenu:menu];
     if (depth != NSNotFound) [self closeLevelsFrom:depth + 1];
 }
@@ -118,7 +118,7 @@ NSMutableArray *open_sessions() {
     [self changed];
 }
 
-- (void)pickItem:(NSMenuItem *)item {
+- (void)pickItem:(NSMenuItem*)item {
     if (_ending || !can_pick(item)) return;
     _pick = [item retain];
     _pickMenu = [[item menu] retain];
@@ -130,7 +130,7 @@ NSMutableArray *open_sessions() {
     return _ending;
 }
 
-- (NSMenuItem *)pickedItem {
+- (NSMenuItem*)pickedItem {
     return _pick;
 }
 
@@ -141,7 +141,7 @@ NSMutableArray *open_sessions() {
         [self closeLevelsFrom:0];
     } @finally {
         [open_sessions() removeObjectIdenticalTo:self];
-        NSNotificationCenter *center = [NSNotificationCenter defaultCenter];
+        NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
         [center postNotificationName:NSMenuDidEndTrackingNotification object:_root];
     }
 }
@@ -150,12 +150,12 @@ NSMutableArray *open_sessions() {
 
 @implementation MenuSession (Private)
 
-- (NSUInteger)depthOfMenu:(NSMenu *)menu {
+- (NSUInteger)depthOfMenu:(NSMenu*)menu {
     // By identity: two menus of the same title and items are "equal" to GNUstep.
     return menu ? [_levels indexOfObjectIdenticalTo:menu] : NSNotFound;
 }
 
-- (void)openLevel:(NSMenu *)menu {
+- (void)openLevel:(NSMenu*)menu {
     [_levels addObject:menu];
     [_highlights addObject:[NSNull null]];
     update_menu(menu);
@@ -169,13 +169,14 @@ NSMutableArray *open_sessions() {
 
 - (void)closeLevelsFrom:(NSUInteger)depth {
     while ([_levels count] > depth) {
-        NSMenu *menu = [[[_levels lastObject] retain] autorelease];
+        NSMenu* menu = [[[_levels lastObject] retain] autorelease];
         [_levels removeLastObject];
         [_highlights removeLastObject];
         [self changed];
         id delegate = [menu delegate];
         @try {
-            if ([delegate respondsToSelector:@selector(menuDidClose:)]) [delegate menuDidClose:menu];
+            if ([delegate respondsToSelector:@selector(menuDidClose:)])
+                [delegate menuDidClose:menu];
         } @finally {
             [self closeLevelsFrom:depth];  // the others close whatever this delegate raised
         }
@@ -196,8 +197,8 @@ NSMutableArray *open_sessions() {
 
 - (void)performPick {
     if (!_pick) return;
-    NSNotificationCenter *center = [NSNotificationCenter defaultCenter];
-    NSDictionary *info = [NSDictionary dictionaryWithObject:_pick forKey:@"MenuItem"];
+    NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
+    NSDictionary* info = [NSDictionary dictionaryWithObject:_pick forKey:@"MenuItem"];
     [center postNotificationName:NSMenuWillSendActionNotification object:_pickMenu userInfo:info];
     send_action(_pick);
     [center postNotificationName:NSMenuDidSendActionNotification object:_pickMenu userInfo:info];

@@ -26,9 +26,9 @@ enum tracking_input_t {
 
 enum tracking_effect_t {
     effect_none,
-    effect_arm,           // the next release may pick
-    effect_pick,          // the item under the pointer
-    effect_cancel,        // close without a pick
+    effect_arm,     // the next release may pick
+    effect_pick,    // the item under the pointer
+    effect_cancel,  // close without a pick
     effect_start_scroll,
     effect_stop_scroll,
 };

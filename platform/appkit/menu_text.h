@@ -19,6 +19,9 @@ typedef std::unique_ptr<PangoLayout, unref_layout_t> text_t;
 // a visible sign, character for character; a title of many thousands is cut in its middle.
 std::string visible_title(NSString* title);
 
+// The text without case and accents, for comparing what is typed.
+std::string folded(const std::string& text);
+
 // The item's title; with `plain`, without the colours of its attributes.
 text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain);
 

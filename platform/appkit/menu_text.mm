@@ -35,7 +35,7 @@ bool reorders(unichar c) {
 
 unichar visible(unichar c) {
     if (c == '\n' || c == '\r') return 0x21B5;  // the return arrow
-    if (c == '\t') return 0x21E5;              // the tabulator arrow
+    if (c == '\t') return 0x21E5;               // the tabulator arrow
     const bool breaks = c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
     return breaks || reorders(c) ? 0xFFFD : c;
 }
@@ -106,7 +106,9 @@ struct run_t {
 void add_color(const run_t& run, const menu_look_t& look, NSColor* color) {
     color = [color colorUsingColorSpaceName:NSDeviceRGBColorSpace];
     if (!color) return;
-    const color_t wanted = {[color redComponent], [color greenComponent], [color blueComponent],
+    const color_t wanted = {[color redComponent],
+                            [color greenComponent],
+                            [color blueComponent],
                             [color alphaComponent]};
     const color_t shown = readable(look, wanted);
     run.add(pango_attr_foreground_new(shown.red * 65535, shown.green * 65535, shown.blue * 65535));
@@ -145,6 +147,18 @@ PangoAttrList* attributes(const menu_look_t& look, NSAttributedString* title,
 }  // namespace
 
 std::string visible_title(NSString* title) { return utf8(characters(title)); }
+
+std::string folded(const std::string& text) {
+    gchar* lower = g_utf8_casefold(text.data(), text.size());
+    gchar* apart = g_utf8_normalize(lower, -1, G_NORMALIZE_ALL);
+    std::string result;
+    for (const gchar* at = apart; at && *at; at = g_utf8_next_char(at)) {
+        if (!g_unichar_ismark(g_utf8_get_char(at))) result.append(at, g_utf8_next_char(at) - at);
+    }
+    g_free(apart);
+    g_free(lower);
+    return result;
+}
 
 text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
     text_t text(pango_layout_new(text_context()));

@@ -16,6 +16,10 @@ const char* server_resources();
 // Whether windows are composed, so that they may be transparent.
 bool windows_are_composed();
 
+// Hands over events that came with the answer to a question: nothing announces them any more, and
+// the run loop would sleep on them.
+void deliver_queued_events();
+
 pointer_t current_pointer();
 // Between the server's points and GNUstep's, which count from the lower left.
 point_t server_point(NSPoint point);

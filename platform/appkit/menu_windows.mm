@@ -74,6 +74,16 @@ bool windows_are_composed() {
     return XGetSelectionOwner(display(), XInternAtom(display(), name, False)) != None;
 }
 
+void deliver_queued_events() {
+    if (!XEventsQueued(display(), QueuedAlready)) return;
+    id server = GSCurrentServer();
+    void* connection = reinterpret_cast<void*>(intptr_t{ConnectionNumber(display())});
+    [server receivedEvent:connection
+                     type:ET_RDESC
+                    extra:connection
+                  forMode:NSEventTrackingRunLoopMode];
+}
+
 pointer_t current_pointer() {
     ::Window root, child;
     int x = 0, y = 0, inner_x, inner_y;
@@ -92,10 +102,10 @@ NSPoint screen_point(point_t point) { return NSMakePoint(point.x, server_height(
 
 area_t screen_at(point_t point) {
     const std::vector<area_t> areas = screens();
-    const auto nearest = std::min_element(
-        areas.begin(), areas.end(), [point](const area_t& one, const area_t& other) {
-            return distance(one, point) < distance(other, point);
-        });
+    const auto nearest = std::min_element(areas.begin(), areas.end(),
+                                          [point](const area_t& one, const area_t& other) {
+                                              return distance(one, point) < distance(other, point);
+                                          });
     if (nearest != areas.end()) return *nearest;
     return {0, 0, DisplayWidth(display(), DefaultScreen(display())), server_height()};
 }
@@ -175,9 +185,8 @@ _cairo* focused_cairo() {
 void copy_window(NSWindow* window, const area_t& part, _cairo* cairo, int x, int y) {
     XWindowAttributes attributes;
     if (!XGetWindowAttributes(display(), x_window(window), &attributes)) return;
-    cairo_surface_t* surface =
-        cairo_xlib_surface_create(display(), x_window(window), attributes.visual,
-                                  attributes.width, attributes.height);
+    cairo_surface_t* surface = cairo_xlib_surface_create(
+        display(), x_window(window), attributes.visual, attributes.width, attributes.height);
     cairo_save(cairo);
     cairo_set_source_surface(cairo, surface, x - part.left, y - part.top);
     cairo_rectangle(cairo, x, y, part.width, part.height);
@@ -186,22 +195,35 @@ void copy_window(NSWindow* window, const area_t& part, _cairo* cairo, int x, int
     cairo_surface_destroy(surface);
 }
 
+// GNUstep sets the mouse up at its first press, and handles what comes meanwhile first: a quick
+// click would arrive as its release and then its press.
+static void set_mouse_up() {
+    static bool done;
+    id server = GSCurrentServer();
+    if (!done && [server respondsToSelector:@selector(initializeMouse)]) {
+        [server performSelector:@selector(initializeMouse)];
+    }
+    done = true;
+}
+
 bool input_grab_t::take(NSWindow* window) {
     release();
-    window_ = [window retain];
-    GSDisplayServer* server = GSServerForWindow(window);
-    const int number = static_cast<int>([window windowNumber]);
+    set_mouse_up();
+    // Not by -capturemouse: it sends the time of GNUstep's last event, which the server refuses
+    // when another program has held the pointer since. All events come as this window's.
+    const auto grab = [window] {
+        return XGrabPointer(display(), x_window(window), False,
+                            PointerMotionMask | ButtonPressMask | ButtonReleaseMask, GrabModeAsync,
+                            GrabModeAsync, None, None, CurrentTime) == GrabSuccess;
+    };
     // Another program, often the one that sent the click, may hold the pointer for a moment more.
-    bool held = [server capturemouse:number];
+    bool held = grab();
     for (int tries = 0; !held && tries < 100; tries++) {
         usleep(10000);
-        held = [server capturemouse:number];
+        held = grab();
     }
-    if (!held) {
-        [window_ release];
-        window_ = nil;
-        return false;
-    }
+    if (!held) return false;
+    window_ = [window retain];
     keyboard_ = XGrabKeyboard(display(), x_window(window), False, GrabModeAsync, GrabModeAsync,
                               CurrentTime) == GrabSuccess;
     // GNUstep throws keys away while the application has no key window.
@@ -214,12 +236,12 @@ bool input_grab_t::take(NSWindow* window) {
 
 void input_grab_t::release() {
     if (!window_) return;
-    [GSServerForWindow(window_) releasemouse];
+    XUngrabPointer(display(), CurrentTime);
     if (keyboard_) XUngrabKeyboard(display(), CurrentTime);
     keyboard_ = false;
     if (became_key_) [window_ resignKeyWindow];
     became_key_ = false;
-    XFlush(display());
+    XSync(display(), False);
     [window_ release];
     window_ = nil;
 }

@@ -53,14 +53,16 @@ class Presenter : public testing::Test {
     }
     std::string log() { return [recorder_ takeLog]; }
     void shown(MenuScript::Action action) {
-        script_.when("menu shown", [] { return level_is_shown(0); }, action);
+        script_.when(
+            "menu shown", [] { return level_is_shown(0); }, action);
     }
     void levels(size_t count, MenuScript::Action action) {
-        script_.when("levels", [count] { return shown_levels() == count; }, action);
+        script_.when(
+            "levels", [count] { return shown_levels() == count; }, action);
     }
     void highlighted(const std::string& title, size_t level, MenuScript::Action action) {
-        script_.when("highlight " + title,
-                     [=] { return highlighted_title(level) == title; }, action);
+        script_.when(
+            "highlight " + title, [=] { return highlighted_title(level) == title; }, action);
     }
     void moveTo(NSString* title, size_t level = 0) {
         const point_t at = row_point(level, title);
@@ -100,20 +102,21 @@ TEST_F(Presenter, PressDragReleasePicksWhereItLetsGo) {
     highlighted("alpha", 0, [this] { moveTo(@"gamma"); });
     highlighted("gamma", 0, [this] { script_.input.release(3); });
     run();
-    EXPECT_EQ(log(), "update root, open root, highlight alpha, highlight gamma, close root, pick gamma");
+    EXPECT_EQ(log(),
+              "update root, open root, highlight alpha, highlight gamma, close root, pick gamma");
 }
 
 TEST_F(Presenter, AQuickReleaseOverTheMenuPicksNothing) {
     script_.input.move(left + 40, top + 15);
     script_.input.press(3);
     bool stayed = false;
-    shown([&] {
-        script_.input.release(3);
-    });
-    script_.when("sticky", [] { return menu_run_t::current()->state() == state_sticky; }, [&] {
-        stayed = true;
-        key("Escape");
-    });
+    shown([&] { script_.input.release(3); });
+    script_.when(
+        "sticky", [] { return menu_run_t::current()->state() == state_sticky; },
+        [&] {
+            stayed = true;
+            key("Escape");
+        });
     run();
     EXPECT_TRUE(stayed);
     EXPECT_EQ(log().find("pick"), std::string::npos);
@@ -137,8 +140,9 @@ TEST_F(Presenter, AClickOutsideClosesWithoutAPick) {
 
 TEST_F(Presenter, ADisabledRowIsNeitherHighlightedNorPicked) {
     shown([this] { click(@"disabled"); });
-    script_.when("released", [] { return menu_run_t::current()->state() == state_sticky; },
-                 [this] { key("Escape"); });
+    script_.when(
+        "released", [] { return menu_run_t::current()->state() == state_sticky; },
+        [this] { key("Escape"); });
     run();
     EXPECT_EQ(log(), "update root, open root, close root");
 }
@@ -148,10 +152,9 @@ TEST_F(Presenter, RestingOnAFolderOpensItAndEscapeClosesAllLevels) {
     levels(2, [this] { moveTo(@"deeper", 1); });
     levels(3, [this] { key("Escape"); });
     run();
-    EXPECT_EQ(log(),
-              "update root, open root, highlight folder, update folder, open folder, "
-              "highlight deeper, update deeper, open deeper, "
-              "close deeper, close folder, close root");
+    EXPECT_EQ(log(), "update root, open root, highlight folder, update folder, open folder, "
+                     "highlight deeper, update deeper, open deeper, "
+                     "close deeper, close folder, close root");
 }
 
 TEST_F(Presenter, PressingAFolderWithoutAnActionOpensItAtOnce) {
@@ -172,15 +175,18 @@ TEST_F(Presenter, ASubmenuClosesWhenThePointerRestsOnAnotherRow) {
 TEST_F(Presenter, ALevelThatTheProgramOpensStaysWhileThePointerRestsElsewhere) {
     int turns = 0;
     shown([this] { [[MenuSession current] openSubmenuOfItem:folder_]; });
-    script_.when("stayed", [&] { return level_is_shown(1) && ++turns > 100; },
-                 [] { [[MenuSession current] cancel]; });
+    script_.when(
+        "stayed", [&] { return level_is_shown(1) && ++turns > 100; },
+        [] { [[MenuSession current] cancel]; });
     run();
     EXPECT_EQ(log(), "update root, open root, highlight folder, update folder, open folder, "
                      "close folder, close root");
 }
 
 TEST_F(Presenter, ArrowsMoveOverWhatCanBeHighlightedAndReturnPicks) {
-    shown([this] { for (int i = 0; i < 4; i++) key("Down"); });
+    shown([this] {
+        for (int i = 0; i < 4; i++) key("Down");
+    });
     highlighted("gamma", 0, [this] { key("Up"); });
     highlighted("beta", 0, [this] { key("Return"); });
     run();
@@ -189,7 +195,11 @@ TEST_F(Presenter, ArrowsMoveOverWhatCanBeHighlightedAndReturnPicks) {
 }
 
 TEST_F(Presenter, RightEntersALevelAndLeftLeavesIt) {
-    shown([this] { key("Down"); key("Down"); key("Right"); });
+    shown([this] {
+        key("Down");
+        key("Down");
+        key("Right");
+    });
     highlighted("inner", 1, [this] { key("Left"); });
     levels(1, [this] { key("Right"); });
     highlighted("inner", 1, [this] { key("space"); });
@@ -207,7 +217,10 @@ TEST_F(Presenter, HomeAndEndGoToTheEnds) {
 TEST_F(Presenter, TypingFindsATitleByItsBeginning) {
     [recorder_ addItem:@"Gallery" toMenu:root_];
     shown([this] { key("g"); });
-    highlighted("gamma", 0, [this] { key("a"); key("l"); });
+    highlighted("gamma", 0, [this] {
+        key("a");
+        key("l");
+    });
     highlighted("Gallery", 0, [this] { key("Return"); });
     run();
     EXPECT_NE(log().find("pick Gallery"), std::string::npos);
@@ -240,11 +253,13 @@ TEST_F(Presenter, ItemsMayComeAndGoWhileTheMenuIsOpen) {
         EXPECT_EQ(row_point(0, @"folder").x, -1);
         [recorder_ addItem:@"new" toMenu:root_];
     });
-    script_.when("new row", [] { return row_point(0, @"new").x >= 0; }, [this] {
-        [beta_ setTitle:@"a title that is much wider than all the others were before it came"];
-    });
-    script_.when("wider", [] { return shown_level(0).panel().width > 300; },
-                 [this] { click(@"new"); });
+    script_.when(
+        "new row", [] { return row_point(0, @"new").x >= 0; },
+        [this] {
+            [beta_ setTitle:@"a title that is much wider than all the others were before it came"];
+        });
+    script_.when(
+        "wider", [] { return shown_level(0).panel().width > 300; }, [this] { click(@"new"); });
     [folder_ retain];
     run();
     [folder_ release];
@@ -255,9 +270,11 @@ TEST_F(Presenter, ItemsMayComeAndGoWhileTheMenuIsOpen) {
 
 TEST_F(Presenter, RemovingEveryItemAndAddingOneKeepsTheMenuOpen) {
     shown([this] { [root_ removeAllItems]; });
-    script_.when("empty", [] { return shown_level(0).layout().rows().empty(); },
-                 [this] { [recorder_ addItem:@"back" toMenu:root_]; });
-    script_.when("back", [] { return row_point(0, @"back").x >= 0; }, [this] { click(@"back"); });
+    script_.when(
+        "empty", [] { return shown_level(0).layout().rows().empty(); },
+        [this] { [recorder_ addItem:@"back" toMenu:root_]; });
+    script_.when(
+        "back", [] { return row_point(0, @"back").x >= 0; }, [this] { click(@"back"); });
     run();
     EXPECT_NE(log().find("pick back"), std::string::npos);
 }
@@ -289,8 +306,8 @@ TEST_F(Presenter, ALevelOfTenThousandRowsScrollsToItsEnd) {
         EXPECT_LT(row_point(0, @"row 9999").y, height);
         key("Prior");
     });
-    script_.when("a page up", [] { return highlighted_title(0) != "row 9999"; },
-                 [this] { key("End"); });
+    script_.when(
+        "a page up", [] { return highlighted_title(0) != "row 9999"; }, [this] { key("End"); });
     highlighted("row 9999", 0, [this] { click(@"row 9999"); });
     run();
     EXPECT_NE(log().find("close root, pick row 9999"), std::string::npos);
@@ -307,18 +324,21 @@ TEST_F(Presenter, TheWheelAndTheStripsScroll) {
         script_.input.press(5);
         script_.input.release(5);
     });
-    script_.when("wheel", [&] { return row_point(0, @"row 99").y < before; }, [&] {
-        const area_t panel = shown_level(0).panel();
-        script_.input.move(panel.left + 30, panel.bottom() - 6);
-    });
-    script_.when("strip", [] {
-        return row_point(0, @"row 99").y < shown_level(0).panel().bottom();
-    }, [this] {
-        const area_t panel = shown_level(0).panel();
-        script_.input.move(panel.left + 30, panel.top + 6);
-    });
-    script_.when("back", [] { return row_point(0, @"alpha").y > shown_level(0).panel().top; },
-                 [this] { key("Escape"); });
+    script_.when(
+        "wheel", [&] { return row_point(0, @"row 99").y < before; },
+        [&] {
+            const area_t panel = shown_level(0).panel();
+            script_.input.move(panel.left + 30, panel.bottom() - 6);
+        });
+    script_.when(
+        "strip", [] { return row_point(0, @"row 99").y < shown_level(0).panel().bottom(); },
+        [this] {
+            const area_t panel = shown_level(0).panel();
+            script_.input.move(panel.left + 30, panel.top + 6);
+        });
+    script_.when(
+        "back", [] { return row_point(0, @"alpha").y > shown_level(0).panel().top; },
+        [this] { key("Escape"); });
     run();
 }
 
@@ -359,8 +379,11 @@ TEST_F(Presenter, SubmenusOpenToTheLeftAtTheRightEdge) {
 TEST_F(Presenter, AnItemsViewStandsInItsRowUntilItIsTakenAway) {
     TickingView* view = [[[TickingView alloc] initWithFrame:NSMakeRect(0, 0, 40, 32)] autorelease];
     [beta_ setView:view];
-    NSTimer* timer = [NSTimer timerWithTimeInterval:0.01 target:view selector:@selector(tick:)
-                                           userInfo:nil repeats:YES];
+    NSTimer* timer = [NSTimer timerWithTimeInterval:0.01
+                                             target:view
+                                           selector:@selector(tick:)
+                                           userInfo:nil
+                                            repeats:YES];
     [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
     shown([&] {
         EXPECT_EQ([view window], shown_level(0).window());
@@ -368,9 +391,11 @@ TEST_F(Presenter, AnItemsViewStandsInItsRowUntilItIsTakenAway) {
         EXPECT_EQ(row.height, 32);
         script_.input.click(row.left + 20, row.top + 16);
     });
-    script_.when("pressed and ticking", [&] { return view->presses == 1 && view->ticks > 5; },
-                 [&] { [beta_ setView:nil]; });
-    script_.when("gone", [&] { return [view window] == nil; }, [this] { click(@"beta"); });
+    script_.when(
+        "pressed and ticking", [&] { return view->presses == 1 && view->ticks > 5; },
+        [&] { [beta_ setView:nil]; });
+    script_.when(
+        "gone", [&] { return [view window] == nil; }, [this] { click(@"beta"); });
     run();
     [timer invalidate];
     EXPECT_NE(log().find("pick beta"), std::string::npos);
@@ -381,11 +406,12 @@ TEST_F(Presenter, AMenuMayPopUpFromWithinAMenu) {
     [recorder_ addItem:@"inside" toMenu:other];
     MenuScript inner;
     std::string missed;
-    inner.when("inner", [&] { return shown_levels() == 1 && row_point(0, @"inside").x >= 0; },
-               [&] { inner.input.key("Escape"); });
+    inner.when(
+        "inner", [&] { return shown_levels() == 1 && row_point(0, @"inside").x >= 0; },
+        [&] { inner.input.key("Escape"); });
     shown([&] { missed = inner.run(other, 500, 400); });
-    script_.when("outer again", [] { return row_point(0, @"alpha").x >= 0; },
-                 [this] { click(@"alpha"); });
+    script_.when(
+        "outer again", [] { return row_point(0, @"alpha").x >= 0; }, [this] { click(@"alpha"); });
     run();
     EXPECT_EQ(missed, "");
     EXPECT_NE(log().find("open other, close other, highlight alpha, close root, pick alpha"),

@@ -94,7 +94,6 @@ point_t row_point(size_t index, NSString* title) {
 
 std::string highlighted_title(size_t index) {
     if (!level_is_shown(index)) return "";
-    NSMenuItem* item =
-        [[MenuSession current] highlightedItemOfMenu:shown_level(index).menu()];
+    NSMenuItem* item = [[MenuSession current] highlightedItemOfMenu:shown_level(index).menu()];
     return [[item title] UTF8String] ?: "";
 }

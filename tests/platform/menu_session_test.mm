@@ -37,11 +37,11 @@ class Session : public testing::Test {
     }
     std::string log() { return [recorder_ takeLog]; }
 
-    NSAutoreleasePool *pool_;
-    RecordingDelegate *recorder_;
+    NSAutoreleasePool* pool_;
+    RecordingDelegate* recorder_;
     NSMenu *root_, *sub_, *deep_;
     NSMenuItem *file_, *folder_, *inner_, *leaf_;
-    MenuSession *session_;
+    MenuSession* session_;
 };
 
 }  // namespace
@@ -94,8 +94,8 @@ TEST_F(Session, ADisabledItemIsNeitherHighlightedNorOpenedNorPicked) {
 }
 
 TEST_F(Session, OpeningAnotherSubmenuClosesTheFirst) {
-    NSMenu *other = [recorder_ menuNamed:@"other"];
-    NSMenuItem *second = [recorder_ addItem:@"second" toMenu:root_];
+    NSMenu* other = [recorder_ menuNamed:@"other"];
+    NSMenuItem* second = [recorder_ addItem:@"second" toMenu:root_];
     [second setSubmenu:other];
     [recorder_ nameMenu:other as:@"other"];
     [session_ open];
@@ -120,11 +120,11 @@ TEST_F(Session, TheFirstEndCounts) {
 }
 
 TEST_F(Session, MenusOfEqualTitleAndItemsAreTwoLevels) {
-    NSMenu *twin = [recorder_ menuNamed:@"folder"];
-    NSMenu *outer = [recorder_ menuNamed:@"folder"];
-    NSMenuItem *item = [recorder_ addItem:@"x" toMenu:outer];
+    NSMenu* twin = [recorder_ menuNamed:@"folder"];
+    NSMenu* outer = [recorder_ menuNamed:@"folder"];
+    NSMenuItem* item = [recorder_ addItem:@"x" toMenu:outer];
     [item setSubmenu:twin];
-    MenuSession *session = [[MenuSession alloc] initWithMenu:outer];
+    MenuSession* session = [[MenuSession alloc] initWithMenu:outer];
     [session open];
     EXPECT_TRUE([session openSubmenuOfItem:item]);
     EXPECT_EQ([[session levels] count], 2u);
@@ -133,11 +133,11 @@ TEST_F(Session, MenusOfEqualTitleAndItemsAreTwoLevels) {
 }
 
 TEST_F(Session, TheItemByItemPairServesADelegateWithoutMenuNeedsUpdate) {
-    ItemByItemDelegate *delegate = [ItemByItemDelegate new];
-    NSMenu *menu = [[[NSMenu alloc] initWithTitle:@"pair"] autorelease];
+    ItemByItemDelegate* delegate = [ItemByItemDelegate new];
+    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@"pair"] autorelease];
     for (int i = 0; i < 5; i++) [menu addItemWithTitle:@"old" action:NULL keyEquivalent:@""];
     [menu setDelegate:(id)delegate];
-    MenuSession *session = [[MenuSession alloc] initWithMenu:menu];
+    MenuSession* session = [[MenuSession alloc] initWithMenu:menu];
     [session open];
     ASSERT_EQ([menu numberOfItems], 3);
     EXPECT_STREQ([[[menu itemAtIndex:2] title] UTF8String], "item 2");
@@ -148,15 +148,17 @@ TEST_F(Session, TheItemByItemPairServesADelegateWithoutMenuNeedsUpdate) {
 }
 
 TEST_F(Session, ItemsAreEnabledByTheirTargets) {
-    NSMenu *menu = [[[NSMenu alloc] initWithTitle:@"auto"] autorelease];
-    NSMenuItem *handled = (id)[menu addItemWithTitle:@"a" action:@selector(picked:) keyEquivalent:@""];
+    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@"auto"] autorelease];
+    NSMenuItem* handled =
+        (id)[menu addItemWithTitle:@"a" action:@selector(picked:) keyEquivalent:@""];
     [handled setTarget:recorder_];
-    NSMenuItem *refused = (id)[menu addItemWithTitle:@"refuse" action:@selector(picked:) keyEquivalent:@""];
+    NSMenuItem* refused =
+        (id)[menu addItemWithTitle:@"refuse" action:@selector(picked:) keyEquivalent:@""];
     [refused setTarget:recorder_];
-    NSMenuItem *header = (id)[menu addItemWithTitle:@"c" action:NULL keyEquivalent:@""];
-    NSMenuItem *parent = (id)[menu addItemWithTitle:@"d" action:NULL keyEquivalent:@""];
+    NSMenuItem* header = (id)[menu addItemWithTitle:@"c" action:NULL keyEquivalent:@""];
+    NSMenuItem* parent = (id)[menu addItemWithTitle:@"d" action:NULL keyEquivalent:@""];
     [parent setSubmenu:[[[NSMenu alloc] initWithTitle:@""] autorelease]];
-    MenuSession *session = [[MenuSession alloc] initWithMenu:menu];
+    MenuSession* session = [[MenuSession alloc] initWithMenu:menu];
     [session open];
     EXPECT_TRUE([handled isEnabled]);
     EXPECT_FALSE([refused isEnabled]);
@@ -174,13 +176,13 @@ TEST_F(Session, OpeningAsksNoSubmenuForItsItems) {
 
 namespace {
 
-std::string shown(NSMenu *menu, NSUInteger modifiers) {
-    NSArray *items = [MenuSession visibleItemsOfMenu:menu withModifiers:modifiers];
+std::string shown(NSMenu* menu, NSUInteger modifiers) {
+    NSArray* items = [MenuSession visibleItemsOfMenu:menu withModifiers:modifiers];
     return [[[items valueForKey:@"title"] componentsJoinedByString:@" "] UTF8String];
 }
 
-NSMenuItem *add_alternate(NSMenu *menu, NSString *title, NSUInteger mask) {
-    NSMenuItem *item = (id)[menu addItemWithTitle:title action:NULL keyEquivalent:@""];
+NSMenuItem* add_alternate(NSMenu* menu, NSString* title, NSUInteger mask) {
+    NSMenuItem* item = (id)[menu addItemWithTitle:title action:NULL keyEquivalent:@""];
     [item setAlternate:YES];
     [item setKeyEquivalentModifierMask:mask];
     return item;
@@ -189,9 +191,9 @@ NSMenuItem *add_alternate(NSMenu *menu, NSString *title, NSUInteger mask) {
 }  // namespace
 
 TEST(Alternates, OneOfEachGroupShowsByTheExactModifiers) {
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
     test::start_application();
-    NSMenu *menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [menu addItemWithTitle:@"move" action:NULL keyEquivalent:@""];
     add_alternate(menu, @"copy", NSAlternateKeyMask);
     add_alternate(menu, @"alias", NSShiftKeyMask);
@@ -205,9 +207,9 @@ TEST(Alternates, OneOfEachGroupShowsByTheExactModifiers) {
 }
 
 TEST(Alternates, AnAlternateWithNothingBeforeItStandsForItself) {
-    NSAutoreleasePool *pool = [NSAutoreleasePool new];
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
     test::start_application();
-    NSMenu *menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     add_alternate(menu, @"first", NSShiftKeyMask);
     EXPECT_EQ(shown(menu, 0), "first");
     [pool release];

@@ -8,15 +8,15 @@
 // Also the target of the items that it makes.
 @interface RecordingDelegate : NSObject {
   @private
-    NSMutableArray *_log;
-    NSMutableArray *_menus;
-    NSMutableArray *_names;
+    NSMutableArray* _log;
+    NSMutableArray* _menus;
+    NSMutableArray* _names;
 }
 // A menu that does not enable items itself, with the receiver as its delegate.
-- (NSMenu *)menuNamed:(NSString *)name;
-- (void)nameMenu:(NSMenu *)menu as:(NSString *)name;
-- (NSMenuItem *)addItem:(NSString *)title toMenu:(NSMenu *)menu;
-- (void)note:(NSString *)line;
+- (NSMenu*)menuNamed:(NSString*)name;
+- (void)nameMenu:(NSMenu*)menu as:(NSString*)name;
+- (NSMenuItem*)addItem:(NSString*)title toMenu:(NSMenu*)menu;
+- (void)note:(NSString*)line;
 // The lines since the last call, joined by ", ".
 - (std::string)takeLog;
 - (std::string)log;

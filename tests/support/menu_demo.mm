@@ -1,5 +1,6 @@
 // Shows a contextual menu of every kind of row and writes pictures of it. Not a test: for looking.
-//   menu_demo -picture FILE [-rows N] [-font SIZE] [-shadow YES] [-open TITLE] [-at "{X, Y}"] [-stay YES]
+//   menu_demo -picture FILE [-rows N] [-font SIZE] [-shadow YES] [-open TITLE] [-at "{X, Y}"]
+//   [-stay YES]
 // GNUstep's argument defaults work too, for example -MenuAppearance dark -GSScaleFactor 2.
 #include <AppKit/AppKit.h>
 #include <AppKit/MenuPicture.h>
@@ -42,8 +43,10 @@
 }
 
 - (void)fillRows:(NSInteger)count of:(NSMenu*)menu {
-    NSArray* names = @[ @"Documents", @"Annual report 2024 (final).pdf", @"Pictures", @"notes.txt",
-                        @"Ünïcode ½ Привет.md", @"build", @"photo-from-the-trip-to-the-mountains.jpeg" ];
+    NSArray* names = @[
+        @"Documents", @"Annual report 2024 (final).pdf", @"Pictures", @"notes.txt",
+        @"Ünïcode ½ Привет.md", @"build", @"photo-from-the-trip-to-the-mountains.jpeg"
+    ];
     for (NSInteger i = 0; i < count; i++) {
         NSString* name = [names objectAtIndex:i % [names count]];
         if (count > 20) name = [NSString stringWithFormat:@"%@ %ld", name, (long)i];
@@ -64,14 +67,17 @@
         [[self add:name icon:@"/usr" to:menu] setSubmenu:[self menu]];
     }
     NSMenuItem* labelled = [self add:@"Budget.ods" icon:@"/etc/passwd" to:menu];
-    NSDictionary* red = @{NSForegroundColorAttributeName : [NSColor redColor],
-                          NSFontAttributeName : [NSFont systemFontOfSize:14]};
+    NSDictionary* red = @{
+        NSForegroundColorAttributeName : [NSColor redColor],
+        NSFontAttributeName : [NSFont systemFontOfSize:14]
+    };
     [labelled setAttributedTitle:[[[NSAttributedString alloc] initWithString:@"Budget.ods"
                                                                   attributes:red] autorelease]];
     NSMenuItem* yellow = [self add:@"Plan.txt" icon:@"/etc/passwd" to:menu];
     NSDictionary* attributes = @{NSForegroundColorAttributeName : [NSColor yellowColor]};
-    [yellow setAttributedTitle:[[[NSAttributedString alloc] initWithString:@"Plan.txt"
-                                                                attributes:attributes] autorelease]];
+    [yellow
+        setAttributedTitle:[[[NSAttributedString alloc] initWithString:@"Plan.txt"
+                                                            attributes:attributes] autorelease]];
     [[self add:@"Not readable" icon:@"/usr" to:menu] setEnabled:NO];
     [self add:@"A very long file name that goes on and on until nobody wants to read it any more, "
               @"and then some more of it, version 12 (copy).tar.gz"
@@ -83,7 +89,8 @@
     NSMenuItem* copy = [self add:@"Copy selection here" icon:nil to:menu];
     [copy setAlternate:YES];
     [copy setKeyEquivalentModifierMask:NSAlternateKeyMask];
-    [[self add:@"Show hidden files" icon:nil to:menu] setState:[[self defaults] boolForKey:@"check"]];
+    [[self add:@"Show hidden files" icon:nil
+            to:menu] setState:[[self defaults] boolForKey:@"check"]];
     [menu addItem:[NSMenuItem separatorItem]];
     [self add:@"Open" icon:nil to:menu];
     [self add:@"Show in File Manager" icon:nil to:menu];

@@ -14,46 +14,46 @@
 //   picking           after all levels have closed, the item's action
 @interface MenuSession : NSObject {
   @private
-    NSMutableArray *_levels;      // menus, root first
-    NSMutableArray *_highlights;  // the item of each level, or NSNull
-    NSMenu *_root;
-    NSMenuItem *_pick;
-    NSMenu *_pickMenu;
+    NSMutableArray* _levels;      // menus, root first
+    NSMutableArray* _highlights;  // the item of each level, or NSNull
+    NSMenu* _root;
+    NSMenuItem* _pick;
+    NSMenu* _pickMenu;
     id _watcher;  // not retained
     BOOL _ending;
 }
-- (instancetype)initWithMenu:(NSMenu *)menu;
+- (instancetype)initWithMenu:(NSMenu*)menu;
 // The session that is being tracked now (the innermost), or nil.
-+ (MenuSession *)current;
++ (MenuSession*)current;
 // The innermost session in which `menu` is an open level, or nil.
-+ (MenuSession *)sessionOfMenu:(NSMenu *)menu;
++ (MenuSession*)sessionOfMenu:(NSMenu*)menu;
 
-- (NSMenu *)rootMenu;
-- (NSArray *)levels;
-- (NSMenuItem *)highlightedItemOfMenu:(NSMenu *)menu;
+- (NSMenu*)rootMenu;
+- (NSArray*)levels;
+- (NSMenuItem*)highlightedItemOfMenu:(NSMenu*)menu;
 
 // The items of a level that are shown while `modifiers` are held: of each group of alternates one.
 // A group is an item and the alternates right after it that have its key equivalent; an alternate
 // shows while exactly its own Shift, Control, Option and Command keys are held, else the first.
-+ (NSArray *)visibleItemsOfMenu:(NSMenu *)menu withModifiers:(NSUInteger)modifiers;
++ (NSArray*)visibleItemsOfMenu:(NSMenu*)menu withModifiers:(NSUInteger)modifiers;
 
 // Opens the root level. Sent once, by the tracker.
 - (void)open;
 // Highlights an item (nil: none) of an open level. Deeper levels stay open. A separator or a
 // disabled item highlights nothing.
-- (void)highlightItem:(NSMenuItem *)item inMenu:(NSMenu *)menu;
+- (void)highlightItem:(NSMenuItem*)item inMenu:(NSMenu*)menu;
 // Highlights the item and opens its submenu as the level after the item's own, after closing what
 // was there; a submenu that is open already stays as it is.
 // NO when the item has none, is disabled, or its menu is not open.
-- (BOOL)openSubmenuOfItem:(NSMenuItem *)item;
+- (BOOL)openSubmenuOfItem:(NSMenuItem*)item;
 // Closes the levels deeper than `menu`.
-- (void)closeLevelsBelowMenu:(NSMenu *)menu;
+- (void)closeLevelsBelowMenu:(NSMenu*)menu;
 // Ends the tracking without a pick, or with one (an enabled item with an action). The tracker
 // notices at its next turn; levels close when it does. The first of several counts.
 - (void)cancel;
-- (void)pickItem:(NSMenuItem *)item;
+- (void)pickItem:(NSMenuItem*)item;
 - (BOOL)isEnding;
-- (NSMenuItem *)pickedItem;
+- (NSMenuItem*)pickedItem;
 // Closes every level, deepest first. Sent once, by the tracker.
 - (void)close;
 @end
@@ -61,10 +61,10 @@
 // Shows or walks one popped-up menu, from -open to -close, and returns when it is over. The action
 // of the pick is sent after that, before the popup returns.
 @protocol MenuTracker
-- (void)trackSession:(MenuSession *)session
-               event:(NSEvent *)event
-                view:(NSView *)view
-                font:(NSFont *)font;
+- (void)trackSession:(MenuSession*)session
+               event:(NSEvent*)event
+                view:(NSView*)view
+                font:(NSFont*)font;
 @end
 
 @interface NSMenu (MenuTracking)
