@@ -70,7 +70,11 @@ class Presenter : public testing::Test {
     }
     void click(NSString* title, size_t level = 0, int button = 1) {
         const point_t at = row_point(level, title);
-        script_.input.click(at.x, at.y, button);
+        clickAt(at.x, at.y, button);
+    }
+    void clickAt(int x, int y, int button = 1) {
+        script_.input.move(x, y);
+        script_.input.click(button);
     }
     void key(const char* name) { script_.input.key(name); }
 
@@ -133,7 +137,7 @@ TEST_F(Presenter, ADragThatEndsOutsideCloses) {
 }
 
 TEST_F(Presenter, AClickOutsideClosesWithoutAPick) {
-    shown([this] { script_.input.click(20, 20); });
+    shown([this] { clickAt(20, 20); });
     run();
     EXPECT_EQ(log(), "update root, open root, close root");
 }
@@ -296,7 +300,7 @@ TEST_F(Presenter, ALevelOfTenThousandRowsScrollsToItsEnd) {
     for (int i = 0; i < 10000; i++) {
         [recorder_ addItem:[NSString stringWithFormat:@"row %d", i] toMenu:root_];
     }
-    const int height = script_.input.screen_height();
+    const int height = screen_at({0, 0}).height;
     shown([&] {
         EXPECT_LE(shown_level(0).panel().height, height);
         EXPECT_GT(row_point(0, @"row 9999").y, height);
@@ -343,7 +347,7 @@ TEST_F(Presenter, TheWheelAndTheStripsScroll) {
 }
 
 TEST_F(Presenter, SubmenusOpenToTheLeftAtTheRightEdge) {
-    const int width = script_.input.screen_width();
+    const int width = screen_at({0, 0}).width;
     shown([this] { moveTo(@"folder"); });
     levels(2, [&] {
         EXPECT_LE(shown_level(0).panel().right(), width);
@@ -389,7 +393,7 @@ TEST_F(Presenter, AnItemsViewStandsInItsRowUntilItIsTakenAway) {
         EXPECT_EQ([view window], shown_level(0).window());
         const area_t row = shown_level(0).row_area(shown_level(0).layout().row_of(beta_));
         EXPECT_EQ(row.height, 32);
-        script_.input.click(row.left + 20, row.top + 16);
+        clickAt(row.left + 20, row.top + 16);
     });
     script_.when(
         "pressed and ticking", [&] { return view->presses == 1 && view->ticks > 5; },
