@@ -1,0 +1,163 @@
+// The parts of the presenter that need no screen.
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "appkit/desktop_settings.h"
+#include "appkit/menu_geometry.h"
+#include "appkit/menu_states.h"
+#include "appkit/menu_text.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+const area_t screen = {0, 0, 1000, 800};
+
+void expect_step(tracking_state_t state, tracking_input_t input, tracking_state_t next,
+                 tracking_effect_t effect) {
+    const transition_t step = transition(state, input);
+    EXPECT_EQ(step.next, next) << "state " << state << " input " << input;
+    EXPECT_EQ(step.effect, effect) << "state " << state << " input " << input;
+}
+
+}  // namespace
+
+TEST(TrackingStates, APopupIsPressedOrStickyByItsButton) {
+    expect_step(state_closed, input_open_pressed, state_pressed, effect_none);
+    expect_step(state_closed, input_open_free, state_sticky, effect_none);
+    expect_step(state_closed, input_cancel, state_closed, effect_none);
+}
+
+TEST(TrackingStates, APressedMenuPicksStaysOrClosesAtTheRelease) {
+    expect_step(state_pressed, input_release_pick, state_closing, effect_pick);
+    expect_step(state_pressed, input_release_stay, state_sticky, effect_none);
+    expect_step(state_pressed, input_release_outside, state_closing, effect_cancel);
+}
+
+TEST(TrackingStates, AStickyMenuIgnoresReleasesAndTakesPresses) {
+    expect_step(state_sticky, input_release_pick, state_sticky, effect_none);
+    expect_step(state_sticky, input_release_outside, state_sticky, effect_none);
+    expect_step(state_sticky, input_press_inside, state_pressed, effect_arm);
+    expect_step(state_sticky, input_press_outside, state_closing, effect_cancel);
+}
+
+TEST(TrackingStates, ScrollingGoesBackToWhereTheButtonIs) {
+    expect_step(state_pressed, input_enter_edge, state_scrolling, effect_start_scroll);
+    expect_step(state_sticky, input_enter_edge, state_scrolling, effect_start_scroll);
+    expect_step(state_scrolling, input_enter_edge, state_scrolling, effect_none);
+    expect_step(state_scrolling, input_leave_edge_pressed, state_pressed, effect_stop_scroll);
+    expect_step(state_scrolling, input_leave_edge_free, state_sticky, effect_stop_scroll);
+    expect_step(state_scrolling, input_cancel, state_closing, effect_cancel);
+}
+
+TEST(TrackingStates, NothingLeavesClosingButTheEnd) {
+    for (int input = input_open_pressed; input < input_closed; input++) {
+        expect_step(state_closing, static_cast<tracking_input_t>(input), state_closing,
+                    effect_none);
+    }
+    expect_step(state_closing, input_closed, state_closed, effect_none);
+}
+
+TEST(Placement, APanelOpensBelowAndRightOfThePointer) {
+    const area_t area = place_at_pointer({200, 300}, {100, 100}, screen, 4);
+    EXPECT_GE(area.left, 100);
+    EXPECT_GE(area.top, 100);
+    EXPECT_FALSE(area.contains({100, 100}));
+}
+
+TEST(Placement, APanelTurnsAwayFromTheEdges) {
+    const area_t area = place_at_pointer({200, 300}, {990, 790}, screen, 4);
+    EXPECT_EQ(area.right(), 990);
+    EXPECT_EQ(area.bottom(), 790);
+}
+
+TEST(Placement, APanelThatIsTooHighTakesTheScreensHeight) {
+    const area_t area = place_at_pointer({200, 240000}, {500, 400}, screen, 4);
+    EXPECT_EQ(area.top, 4);
+    EXPECT_EQ(area.bottom(), 796);
+}
+
+TEST(Placement, APanelStaysOnItsOwnScreen) {
+    const area_t second = {1000, 100, 1000, 600};
+    const area_t area = place_at_pointer({200, 300}, {1990, 690}, second, 4);
+    EXPECT_GE(area.left, second.left);
+    EXPECT_LE(area.right(), second.right());
+    EXPECT_GE(area.top, second.top);
+    EXPECT_LE(area.bottom(), second.bottom());
+}
+
+TEST(Placement, ASubmenuKeepsToItsSideWhileThereIsRoom) {
+    const area_t parent = {700, 100, 200, 300}, row = {700, 150, 200, 20};
+    side_t side = on_right;
+    const area_t left = place_beside({200, 200}, row, parent, screen, 4, 2, 5, &side);
+    EXPECT_EQ(side, on_left);
+    EXPECT_EQ(left.right(), parent.left + 2);
+    EXPECT_EQ(left.top, row.top - 5);
+    const area_t next = place_beside({200, 200}, row, left, screen, 4, 2, 5, &side);
+    EXPECT_EQ(side, on_left);
+    EXPECT_LT(next.left, left.left);
+}
+
+TEST(Aiming, TheWayToASubmenuIsATriangle) {
+    const area_t panel = {400, 100, 200, 300};
+    EXPECT_TRUE(is_on_the_way({200, 120}, {300, 200}, panel));
+    EXPECT_TRUE(is_on_the_way({200, 120}, {390, 390}, panel));
+    EXPECT_FALSE(is_on_the_way({200, 120}, {210, 300}, panel)) << "straight down";
+    EXPECT_FALSE(is_on_the_way({200, 120}, {100, 140}, panel)) << "away";
+}
+
+TEST(Aiming, ItWorksToTheLeftToo) {
+    const area_t panel = {100, 100, 200, 300};
+    EXPECT_TRUE(is_on_the_way({500, 120}, {400, 200}, panel));
+    EXPECT_FALSE(is_on_the_way({500, 120}, {600, 140}, panel));
+}
+
+TEST(Titles, WhatWouldBreakOrHideALineIsVisible) {
+    @autoreleasepool {
+        EXPECT_EQ(visible_title(@"a\nb\tc"), "a\u21b5b\u21e5c");
+        EXPECT_EQ(visible_title(@"a\x01\x7f"), "a\ufffd\ufffd");
+        const unichar reversed[] = {'a', 0x202E, 'b', 0x2028, 'c'};
+        EXPECT_EQ(visible_title([NSString stringWithCharacters:reversed length:5]), "a\ufffd"
+                                                                                    "b\ufffd"
+                                                                                    "c");
+        EXPECT_EQ(visible_title(@""), "");
+        EXPECT_EQ(visible_title(nil), "");
+    }
+}
+
+TEST(Titles, AnEndlessTitleIsCut) {
+    @autoreleasepool {
+        NSString* endless = [@"" stringByPaddingToLength:100000 withString:@"x" startingAtIndex:0];
+        EXPECT_LT(visible_title(endless).size(), 3000u);
+    }
+}
+
+TEST(Titles, FoldingForgetsCaseAndAccents) {
+    EXPECT_EQ(folded("\u00c9t\u00e9 ABC"), "ete abc");
+    EXPECT_EQ(folded("stra\u00dfe"), "strasse");
+}
+
+TEST(Desktop, TheScaleComesFromTheServersResources) {
+    EXPECT_EQ(desktop_scale(nullptr), 1);
+    EXPECT_EQ(desktop_scale("Xft.dpi:\t96\n"), 1);
+    EXPECT_EQ(desktop_scale("*foo: 1\nXft.dpi:\t192\n"), 2);
+    EXPECT_EQ(desktop_scale("Xft.dpi: 143"), 1.5);
+    EXPECT_EQ(desktop_scale("Xft.dpi: rubbish"), 1);
+    EXPECT_EQ(desktop_scale("Xft.dpi: 100000"), 4);
+}
+
+TEST(Desktop, DarkAndTheFontComeFromItsSettings) {
+    test::TempFolder config;
+    setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
+    unsetenv("GTK_THEME");
+    EXPECT_FALSE(desktop_prefers_dark());
+    EXPECT_NE(desktop_font_family(), "");
+    config.file("gtk-3.0/settings.ini", "[Settings]\ngtk-font-name = Noto Sans, Bold 11\n"
+                                        "gtk-application-prefer-dark-theme=1\n");
+    EXPECT_TRUE(desktop_prefers_dark());
+    EXPECT_EQ(desktop_font_family(), "Noto Sans");
+    setenv("GTK_THEME", "Adwaita", 1);
+    EXPECT_FALSE(desktop_prefers_dark()) << "the environment counts first";
+    setenv("GTK_THEME", "Adwaita:dark", 1);
+    EXPECT_TRUE(desktop_prefers_dark());
+}
