@@ -104,8 +104,10 @@ int show(HostMenu* host, const MenuRequest& request) {
     pop_up(host, nil, PopupPoint(request));
     [ender stop];
     if (CaughtSignal()) return 128 + CaughtSignal();
-    if (![host problem].empty()) ShowProblem([host problem]);
-    return exit_done;
+    if ([host problem].empty()) return exit_done;
+    Complain([host problem]);
+    ShowProblem([host problem]);
+    return exit_failed;
 }
 
 int run_form(HostMenu* host, const MenuRequest& request) {

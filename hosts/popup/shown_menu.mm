@@ -45,9 +45,9 @@ void ShowProblem(const std::string& problem) {
     if (!_signals) return;
     SetSignalDescriptor(-1);
     [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [_signals closeFile];  // the run loop would go on asking one that is only released
     [_signals release];
     _signals = nil;
-    close(_ends[0]);
     close(_ends[1]);
 }
 

@@ -144,6 +144,19 @@ TEST_F(ShownMenu, OpensWhatIsPickedWithTheKeyboard) {
     EXPECT_EQ(program.opened(), file);
 }
 
+TEST_F(ShownMenu, ShowsAPanelWhenAnActionFails) {
+    RunningCommand command({"menu", "--at", "200,150", "/proc/version"});
+    ASSERT_TRUE(wait_until_open());
+    press("Up Return");
+    ASSERT_TRUE(wait_for([&] { return !is_grabbed(); }));
+    EXPECT_TRUE(wait_for(
+        [] { return !output_of("xdotool search --onlyvisible --name . 2>/dev/null").empty(); }));
+    command.send_signal(SIGTERM);
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.status, 128 + SIGTERM);
+    EXPECT_NE(outcome.err.find("cannot move \"/proc/version\" to the trash"), std::string::npos);
+}
+
 TEST_F(ShownMenu, ClosesAndLetsGoAtASignal) {
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
         RunningCommand command({"menu", "--at", "200,150", folder.path()});
