@@ -5,8 +5,9 @@
 #include <glib.h>
 
 #include "appkit/method_patch.h"
-#include "appkit/open_file.h"
 #include "appkit/workspace_paths.h"
+#include "carbon/open_file.h"
+#include "carbon/program_launch.h"
 
 @interface NSWorkspace (StockPrograms)
 - (BOOL)_extension:(NSString*)extension role:(NSString*)role app:(NSString**)name;
@@ -47,7 +48,7 @@ BOOL open_file(NSWorkspace* self, SEL, NSString* path) {
     if (program) {
         std::vector<std::string> arguments;
         if (!is_itself) arguments = {"-GSFilePath", bytes};
-        if (start_program(path_bytes(program), arguments)) return YES;
+        if (start_program(path_bytes(program), arguments) == Start::done) return YES;
     }
     return open_with_default_program(bytes);
 }

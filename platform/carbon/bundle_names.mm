@@ -2,7 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
-#include <string>
+#include <stdlib.h>
 
 #include "carbon/small_files.h"
 
@@ -49,6 +49,23 @@ CFStringRef copy_bundle_name(const char* path) {
         }
     }
     return nullptr;
+}
+
+std::string bundle_program(const char* path) {
+    @autoreleasepool {
+        NSString* folder = [NSString stringWithUTF8String:path];
+        NSString* program = nil;
+        @try {
+            program = [[NSBundle bundleWithPath:folder] executablePath];
+        } @catch (NSException*) {
+            return {};
+        }
+        const char* bytes = [program UTF8String];
+        char* resolved = bytes ? realpath(bytes, nullptr) : nullptr;
+        const std::string result = resolved ? resolved : "";
+        free(resolved);
+        return result;
+    }
 }
 
 }  // namespace files

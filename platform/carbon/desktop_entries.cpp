@@ -1,10 +1,7 @@
 #include "carbon/desktop_entries.h"
 
-#include <glib.h>
-
-#include <memory>
-
 #include "carbon/file_references.h"
+#include "carbon/glib_owners.h"
 #include "carbon/small_files.h"
 
 namespace files {
@@ -13,26 +10,19 @@ namespace {
 
 const size_t largest_entry = 256 * 1024;
 
-struct KeyFileFree {
-    void operator()(GKeyFile* file) const { g_key_file_free(file); }
-};
-struct TextFree {
-    void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, TextFree>;
-
 DesktopEntry parse(const std::string& content) {
     DesktopEntry entry = {};
-    const std::unique_ptr<GKeyFile, KeyFileFree> keys(g_key_file_new());
+    const KeyFileOwner keys(g_key_file_new());
     if (!g_key_file_load_from_data(keys.get(), content.data(), content.size(), G_KEY_FILE_NONE,
                                    nullptr)) {
         return entry;
     }
     const char* group = G_KEY_FILE_DESKTOP_GROUP;
-    const Text type(g_key_file_get_string(keys.get(), group, G_KEY_FILE_DESKTOP_KEY_TYPE, nullptr));
+    const TextOwner type(
+        g_key_file_get_string(keys.get(), group, G_KEY_FILE_DESKTOP_KEY_TYPE, nullptr));
     entry.is_application = g_strcmp0(type.get(), G_KEY_FILE_DESKTOP_TYPE_APPLICATION) == 0;
-    const Text name(g_key_file_get_locale_string(keys.get(), group, G_KEY_FILE_DESKTOP_KEY_NAME,
-                                                 nullptr, nullptr));
+    const TextOwner name(g_key_file_get_locale_string(
+        keys.get(), group, G_KEY_FILE_DESKTOP_KEY_NAME, nullptr, nullptr));
     if (name) entry.name = name.get();
     return entry;
 }
@@ -51,6 +41,11 @@ const DesktopEntry& desktop_entry(const File& file) {
     generation = file.generation;
     seen_at = file.seen_at;
     return entry;
+}
+
+bool is_application_entry(const std::string& path) {
+    std::string content;
+    return read_small_file(path.c_str(), largest_entry, &content) && parse(content).is_application;
 }
 
 }  // namespace files

@@ -16,4 +16,7 @@ struct DesktopEntry {
 // question about the same reference.
 const DesktopEntry& desktop_entry(const File& file);
 
+// Whether the plain file at `path` is an entry of type Application.
+bool is_application_entry(const std::string& path);
+
 }  // namespace files

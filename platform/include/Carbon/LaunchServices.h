@@ -1,4 +1,4 @@
-// Launch Services: what a file is, and under which name it is shown.
+// Launch Services: what a file is, under which name it is shown, and opening it. Main thread.
 #pragma once
 
 #include <Carbon/Files.h>
@@ -43,7 +43,46 @@ OSStatus LSCopyItemInfoForRef(const FSRef* ref, LSRequestedInfo which, LSItemInf
 // information list, else the file name as UTF-8 (its extension stays). A name that is not UTF-8
 // answers kLSUnknownErr. Only plain files below 256 KiB are read for it. The caller releases *name.
 OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name);
-enum { kLSUnknownErr = -10810, kLSDataUnavailableErr = -10813 };
+
+// What to open with what. Without an application each document's default program opens it.
+// `passThruParams` and `asyncRefCon` are not used here; of the flags only the default has a
+// meaning.
+typedef OptionBits LSLaunchFlags;
+enum { kLSLaunchDefaults = 0x00000001 };
+
+typedef struct LSLaunchFSRefSpec {
+    const FSRef* appRef;
+    UInt32 numDocs;
+    const FSRef* itemRefs;
+    const void* passThruParams;
+    LSLaunchFlags launchFlags;
+    void* asyncRefCon;
+} LSLaunchFSRefSpec;
+
+// Starts the application with the documents and does not wait for it. An application is
+//   a ".desktop" file   all documents in one start where its Exec takes several, else one start
+//                       each; over the session bus if it says that it is started so
+//   an ".app" bundle    its program with "-GSFilePath DOCUMENT", several documents as arguments
+//   an executable file  with the documents as arguments
+// and a symbolic link to one of these. Names may hold any bytes. It runs from the user's home
+// folder, unless its entry names another, in a session of its own with none of our descriptors.
+// References that are stale or whose files are gone are left out.
+//
+// paramErr: no application and no document. fnfErr: documents given, none of them there.
+// kLSApplicationNotFoundErr: the application is gone; or there is no default program.
+// kLSNotAnApplicationErr: it is none of the above. kLSNoExecutableErr: its program is missing or
+// its entry is broken. kLSNoLaunchPermissionErr: its program may not be run. kLSUnknownErr: it
+// could not be started. `outLaunchedRef`, which may be null, receives the application.
+OSStatus LSOpenFromRefSpec(const LSLaunchFSRefSpec* spec, FSRef* outLaunchedRef);
+
+enum {
+    kLSUnknownErr = -10810,
+    kLSNotAnApplicationErr = -10811,
+    kLSDataUnavailableErr = -10813,
+    kLSApplicationNotFoundErr = -10814,
+    kLSNoLaunchPermissionErr = -10826,
+    kLSNoExecutableErr = -10827
+};
 
 #ifdef __cplusplus
 }

@@ -1,0 +1,57 @@
+#include "carbon/open_file.h"
+
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+#include <sys/stat.h>
+
+#include "carbon/glib_owners.h"
+#include "carbon/program_launch.h"
+
+namespace {
+
+using files::ObjectOwner;
+
+std::string content_type(const std::string& path) {
+    const ObjectOwner<GFile> file(g_file_new_for_path(path.c_str()));
+    const ObjectOwner<GFileInfo> info(g_file_query_info(file.get(),
+                                                        G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
+                                                        G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
+    const char* type = info ? g_file_info_get_content_type(info.get()) : nullptr;
+    return type ? type : "";
+}
+
+bool is_application_entry(const std::string& type) {
+    const files::TextOwner entry(g_content_type_from_mime_type("application/x-desktop"));
+    return entry && g_content_type_is_a(type.c_str(), entry.get());
+}
+
+bool launch(void* program, const std::string& path) {
+    return program && G_IS_DESKTOP_APP_INFO(program) &&
+           start_entry(G_DESKTOP_APP_INFO(program), {path}) == Start::done;
+}
+
+bool launch_for_type(const std::string& type, const std::string& path) {
+    const ObjectOwner<GAppInfo> chosen(g_app_info_get_default_for_type(type.c_str(), FALSE));
+    if (launch(chosen.get(), path)) return true;
+    // The default may need what is not here, a terminal for one: the next that starts will do.
+    GList* programs = g_app_info_get_all_for_type(type.c_str());
+    bool started = false;
+    for (GList* i = programs; i && !started; i = i->next) started = launch(i->data, path);
+    g_list_free_full(programs, g_object_unref);
+    return started;
+}
+
+}  // namespace
+
+bool open_with_default_program(const std::string& path) {
+    struct stat entry;
+    if (stat(path.c_str(), &entry) != 0) return false;
+    const std::string type = content_type(path);
+    if (type.empty()) return false;
+    if (S_ISREG(entry.st_mode) && is_application_entry(type)) {
+        const ObjectOwner<GDesktopAppInfo> program(
+            g_desktop_app_info_new_from_filename(path.c_str()));
+        if (program) return start_entry(program.get(), {}) == Start::done;
+    }
+    return launch_for_type(type, path);
+}

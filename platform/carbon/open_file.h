@@ -1,0 +1,10 @@
+// Opens files with the user's default programs, as the desktop has them registered. Main thread.
+#pragma once
+
+#include <string>
+
+// Opens a file or folder with the default program of its type; a .desktop file of an application
+// starts the application. An executable text is shown, not run. False if the file does not exist,
+// no program is registered for it, or the program could not be started. The path is bytes as the
+// file system has them.
+bool open_with_default_program(const std::string& path);

@@ -1,0 +1,75 @@
+#include "carbon/program_launch.h"
+
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+#include <unistd.h>
+
+#include "carbon/glib_owners.h"
+
+namespace {
+
+// In the child: only what is safe between fork and exec. `folder` may be null.
+void leave_us(void* folder) {
+    setsid();
+    if (folder && chdir(static_cast<const char*>(folder)) != 0) return;
+}
+
+// A message to a program that the session bus starts is still on its way when the call returns, and
+// we may be about to exit.
+void send_bus_messages(GDesktopAppInfo* entry) {
+    if (!g_desktop_app_info_get_boolean(entry, "DBusActivatable")) return;
+    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+    if (!bus) return;
+    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
+    g_object_unref(bus);
+}
+
+Start result_of(bool started, GError* error) {
+    const files::ErrorOwner owner(error);
+    if (started) return Start::done;
+    if (g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT)) return Start::no_program;
+    const bool refused = g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_ACCES) ||
+                         g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_PERM);
+    return refused ? Start::not_permitted : Start::failed;
+}
+
+// Addresses carry any byte.
+GList* addresses_of(const std::vector<std::string>& documents) {
+    GList* addresses = nullptr;
+    for (const std::string& document : documents) {
+        addresses =
+            g_list_prepend(addresses, g_filename_to_uri(document.c_str(), nullptr, nullptr));
+    }
+    return g_list_reverse(addresses);
+}
+
+}  // namespace
+
+Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& documents) {
+    GList* addresses = addresses_of(documents);
+    const files::ObjectOwner<GAppLaunchContext> context(g_app_launch_context_new());
+    // An entry may name a folder of its own to start from.
+    const files::TextOwner own_folder(
+        g_desktop_app_info_get_string(entry, G_KEY_FILE_DESKTOP_KEY_PATH));
+    const bool has_folder = own_folder && *own_folder;
+    void* folder = has_folder ? nullptr : const_cast<char*>(g_get_home_dir());
+    GError* error = nullptr;
+    const bool started = g_desktop_app_info_launch_uris_as_manager(
+        entry, addresses, context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr, nullptr,
+        &error);
+    g_list_free_full(addresses, g_free);
+    if (started) send_bus_messages(entry);
+    return result_of(started, error);
+}
+
+Start start_program(const std::string& program, const std::vector<std::string>& arguments) {
+    std::vector<char*> command{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments) {
+        command.push_back(const_cast<char*>(argument.c_str()));
+    }
+    command.push_back(nullptr);
+    GError* error = nullptr;
+    const bool started = g_spawn_async(nullptr, command.data(), nullptr, G_SPAWN_DEFAULT, leave_us,
+                                       const_cast<char*>(g_get_home_dir()), nullptr, &error);
+    return result_of(started, error);
+}
