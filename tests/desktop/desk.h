@@ -40,6 +40,8 @@ class Desk : public testing::Test {
     // The row highlighted, "" for none.
     std::string highlighted(size_t level) const;
     NSMenuItem* item(const std::string& title) const;
+    // Whether the row of this title stands within the screen.
+    bool is_on_screen(const std::string& title) const;
 
     // The hand, on the row of this title in the deepest level that shows it.
     void hover(const std::string& title);

@@ -121,6 +121,13 @@ NSMenuItem* Desk::item(const std::string& title) const {
     return item;
 }
 
+bool Desk::is_on_screen(const std::string& title) const {
+    NSMenuItem* item = nil;
+    area_t area = {};
+    const NSRect screen = [[NSScreen mainScreen] frame];
+    return find_row(title, &item, &area) && area.top >= 0 && area.bottom() <= NSHeight(screen);
+}
+
 void Desk::hover(const std::string& title) {
     NSMenuItem* item = nil;
     area_t area = {};

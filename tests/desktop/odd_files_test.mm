@@ -1,0 +1,176 @@
+// Names and files that a disk can hold and a menu must bear.
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+
+#include <stdio.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "desktop/desk.h"
+#include "support/unprivileged.h"
+
+namespace {
+
+using test::Steps;
+using titles_t = std::vector<std::string>;
+
+class OddFiles : public test::Desk {
+  protected:
+    void SetUp() override { select({folder_.folder("top")}); }
+
+    // The level of the selected folder, as shown.
+    titles_t level() {
+        titles_t shown;
+        pop_up([&](Steps& steps) {
+            steps
+                .when(
+                    "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
+                .when(
+                    "the level", [&] { return is_open(1); },
+                    [&] {
+                        shown = titles(1);
+                        escape();
+                    });
+        });
+        return shown;
+    }
+    // Picks this row of the selected folder's level.
+    void pick(const std::string& title) {
+        pop_up([&](Steps& steps) {
+            steps
+                .when(
+                    "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
+                .when(
+                    "the level", [&] { return is_open(1); }, [&] { click(title); });
+        });
+    }
+};
+
+void make_socket(const std::string& path) {
+    const int socket_fd = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.size(), sizeof address.sun_path);
+    path.copy(address.sun_path, path.size());
+    ASSERT_EQ(bind(socket_fd, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    close(socket_fd);
+}
+
+}  // namespace
+
+TEST_F(OddFiles, PipesSocketsAndBrokenLinksAreRowsLikeOthers) {
+    mkfifo(folder_.path("top/a pipe").c_str(), 0600);
+    make_socket(folder_.path("top/a socket"));
+    folder_.link("top/gone", "nowhere");
+    folder_.link("top/loop", "loop");
+    folder_.link("top/null", "/dev/null");
+    EXPECT_EQ(level(), titles_t({"a pipe", "a socket", "gone", "loop", "null"}));
+}
+
+TEST_F(OddFiles, ALinkToAFolderOpensAsThatFolder) {
+    folder_.file("elsewhere/inside.txt");
+    folder_.link("top/link", "../elsewhere");
+    titles_t shown;
+    pop_up([&](Steps& steps) {
+        steps
+            .when(
+                "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
+            .when(
+                "the level", [&] { return is_open(1); }, [&] { hover("link"); })
+            .when(
+                "the link's level", [&] { return is_open(2); },
+                [&] {
+                    shown = titles(2);
+                    escape();
+                });
+    });
+    EXPECT_EQ(shown, titles_t({"inside.txt"}));
+}
+
+TEST_F(OddFiles, ANameWithControlCharactersIsOneRowAndOpens) {
+    folder_.file("top/two\nlines\tand\ra\x1b[31m bell\a.txt", "text");
+    const titles_t shown = level();
+    ASSERT_EQ(shown.size(), 1u);
+    pick(shown[0]);
+    EXPECT_EQ(program().wait(),
+              titles_t({folder_.path("top/two\nlines\tand\ra\x1b[31m bell\a.txt")}));
+}
+
+TEST_F(OddFiles, ANameOf255BytesIsShortenedAndOpensWhole) {
+    const std::string name = std::string(251, 'n') + ".txt";
+    folder_.file("top/" + name, "text");
+    const titles_t shown = level();
+    EXPECT_EQ(shown, titles_t({std::string(16, 'n') + "…" + std::string(12, 'n') + ".txt"}));
+    pick(shown[0]);
+    EXPECT_EQ(program().wait(), titles_t({folder_.path("top/" + name)}));
+}
+
+TEST_F(OddFiles, ANameThatIsNotUtf8HasARowAndLeavesTheOthersUsable) {
+    folder_.file("top/bad\xff.txt", "text");
+    folder_.file("top/good.txt", "text");
+    const titles_t shown = level();
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(std::count(shown.begin(), shown.end(), "good.txt"), 1);
+    EXPECT_EQ(shown[0].rfind("Delvio: No name found?", 0), 0u) << shown[0];
+    pick("good.txt");
+    EXPECT_EQ(program().wait(), titles_t({folder_.path("top/good.txt")}));
+}
+
+TEST_F(OddFiles, AFolderThatMayNotBeReadSaysThatItIsEmpty) {
+    folder_.file("top/closed/secret");
+    chmod(folder_.path("top/closed").c_str(), 0);
+    titles_t shown;
+    {
+        const test::Unprivileged obeying;
+        pop_up([&](Steps& steps) {
+            steps
+                .when(
+                    "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
+                .when(
+                    "the level", [&] { return is_open(1); }, [&] { hover("closed"); })
+                .when(
+                    "the closed folder's level", [&] { return is_open(2); },
+                    [&] {
+                        shown = titles(2);
+                        escape();
+                    });
+        });
+    }
+    EXPECT_EQ(shown, titles_t({"Folder is empty"}));
+}
+
+TEST_F(OddFiles, AFolderOfTenThousandOpensScrollsToItsEndAndCloses) {
+    const std::string first = folder_.file("top/file 0", "text");
+    for (int i = 1; i < 10000; i++) {
+        ASSERT_EQ(link(first.c_str(), folder_.path("top/file " + std::to_string(i)).c_str()), 0);
+    }
+    titles_t shown;
+    std::string last;
+    pop_up([&](Steps& steps) {
+        steps
+            .when(
+                "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
+            .when(
+                "the level", [&] { return is_open(1); },
+                [&] {
+                    shown = titles(1);
+                    input().key("Right");
+                    input().key("End");
+                })
+            .when(
+                "its last row", [&] { return highlighted(1) == "file 9999"; },
+                [&] {
+                    last = highlighted(1);
+                    EXPECT_TRUE(is_on_screen("file 9999"));
+                    escape();
+                });
+    });
+    ASSERT_EQ(shown.size(), 10000u);
+    EXPECT_EQ(shown[9], "file 9");
+    EXPECT_EQ(shown[10], "file 10");
+    EXPECT_EQ(last, "file 9999");
+}
