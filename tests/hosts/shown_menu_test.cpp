@@ -54,7 +54,11 @@ struct ShownMenu : testing::Test {
     test::TempFolder folder;
     Display* display = XOpenDisplay(nullptr);
 
-    void SetUp() override { ASSERT_NE(display, nullptr); }
+    void SetUp() override {
+        ASSERT_NE(display, nullptr);
+        // A window may go between its listing and the question about it.
+        XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
+    }
     void TearDown() override {
         if (display) XCloseDisplay(display);
     }
@@ -86,8 +90,18 @@ struct ShownMenu : testing::Test {
         return result == AlreadyGrabbed;
     }
 
+    // Whether keys go to someone, as they do while a menu is open.
+    bool keys_are_grabbed() const {
+        const int result =
+            XGrabKeyboard(display, root(), False, GrabModeAsync, GrabModeAsync, CurrentTime);
+        if (result == GrabSuccess) XUngrabKeyboard(display, CurrentTime);
+        XSync(display, False);
+        return result == AlreadyGrabbed;
+    }
+
     bool wait_until_open() const {
-        return wait_for([&] { return shown_window().width > 0 && is_grabbed(); });
+        return wait_for(
+            [&] { return shown_window().width > 0 && is_grabbed() && keys_are_grabbed(); });
     }
 };
 
