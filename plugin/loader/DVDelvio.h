@@ -16,11 +16,14 @@ extern uint32_t dvFontSize;
 
 @interface DVDelvio : NSObject {
   @private
-    NSMenu* _proxyMenu;   // retained: the menu that is filled, whose delegate the controller is
-    NSMenu* _finderMenu;  // retained: the host's menu; the same, unless it goes into a submenu
-    delvio_t* dv;         // never freed
-    BOOL isInvoked;       // a menu is taken over
-    id previousDelegate;  // not retained: the host menu's own delegate
+    NSMenu* _proxyMenu;     // retained: the menu that is filled, whose delegate the controller is
+    NSMenu* _finderMenu;    // retained: the host's menu; the same, unless it goes into a submenu
+    NSPasteboard* _pboard;  // carried, unused
+    NSUserDefaults* defaults;               // carried, unused
+    delvio_t* dv;                           // never freed
+    signed char previewActive;              // carried, unused
+    BOOL isInvoked;                         // a menu is taken over
+    id previousDelegate;                    // not retained: the host menu's own delegate
     DVMenuItem* _currentlyHighlightedItem;  // not retained
     pthread_mutex_t treeLock;               // not recursive; held while a menu is taken or released
     int32_t rootMenuSelectionCount;
