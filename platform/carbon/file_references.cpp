@@ -93,6 +93,20 @@ std::string absolute_path(const char* path) {
     return result;
 }
 
+// Null when the reference is stale or foreign.
+File* known_file(const FSRef& ref) {
+    Reference reference;
+    memcpy(&reference, ref.hidden, sizeof reference);
+    Table& all = table();
+    File& file = all.file(reference.generation);
+    const bool known = reference.process_key == all.process_key && reference.generation != 0 &&
+                       file.generation == reference.generation;
+    return known ? &file : nullptr;
+}
+
+// Questions that usually follow at once when a reference is made.
+const unsigned usual_questions = ITEM_INFO | DISPLAY_NAME | CATALOG_INFO | ALIAS;
+
 bool needs_tidying(const char* path, size_t length) {
     return path[0] != '/' || (length > 1 && path[length - 1] == '/');
 }
@@ -137,14 +151,9 @@ OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef*
 
 File* file_for(const FSRef* ref, Question question, OSErr* error) {
     if (!ref) return *error = paramErr, nullptr;
-    Reference reference;
-    memcpy(&reference, ref->hidden, sizeof reference);
-    Table& all = table();
-    File& file = all.file(reference.generation);
-    if (reference.process_key != all.process_key || reference.generation == 0 ||
-        file.generation != reference.generation) {
-        return *error = fnfErr, nullptr;
-    }
+    File* known = known_file(*ref);
+    if (!known) return *error = fnfErr, nullptr;
+    File& file = *known;
     if (!answers_from_last_look(&file, question)) {
         struct statx status;
         if (!look(file.path.c_str(), &status)) return *error = error_from_errno(errno), nullptr;
@@ -153,6 +162,16 @@ File* file_for(const FSRef* ref, Question question, OSErr* error) {
     }
     *error = noErr;
     return &file;
+}
+
+const std::string* kept_path(const FSRef& ref) {
+    const File* file = known_file(ref);
+    return file ? &file->path : nullptr;
+}
+
+OSErr make_reference_again(const std::string& path, FSRef* ref) {
+    mode_t mode;
+    return make_reference(path.c_str(), path.size(), usual_questions, ref, &mode);
 }
 
 }  // namespace files
@@ -172,10 +191,8 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
     }
     if (length >= PATH_MAX) return pathTooLongErr;
 
-    const unsigned usual =
-        files::ITEM_INFO | files::DISPLAY_NAME | files::CATALOG_INFO | files::ALIAS;
     mode_t mode;
-    const OSErr error = files::make_reference(text, length, usual, ref, &mode);
+    const OSErr error = files::make_reference(text, length, files::usual_questions, ref, &mode);
     if (error == noErr && isDirectory) *isDirectory = S_ISDIR(mode);
     return error;
 }

@@ -52,6 +52,13 @@ File* file_for(const FSRef* ref, Question question, OSErr* error);
 // Makes a reference to an absolute path, with these questions answered by one look.
 OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef* ref, mode_t* mode);
 
+// The path that `ref` names, without a look at the file: null when the reference is stale or
+// foreign. Valid until the next reference is made.
+const std::string* kept_path(const FSRef& ref);
+
+// A new reference to a path that had one.
+OSErr make_reference_again(const std::string& path, FSRef* ref);
+
 // The Mac's result code for what errno says about a path.
 OSErr error_from_errno(int code);
 

@@ -1,34 +1,63 @@
 #include <Carbon/HostProcess.h>
 #include <Carbon/Processes.h>
 
+#include <unistd.h>
+
 #include <atomic>
+
+#include "carbon/front_window.h"
+#include "carbon/process_signature.h"
 
 namespace {
 
-// The Process Manager's number for "the process that asks".
-const ProcessSerialNumber current_process = {0, 2};
+// Apart from the numbers with a meaning of their own, which have 0 here.
+const UInt32 process_id_follows = 1;
 
 std::atomic<OSType> declared_signature{0};
 
-bool is_current(const ProcessSerialNumber& psn) {
-    return psn.highLongOfPSN == current_process.highLongOfPSN &&
-           psn.lowLongOfPSN == current_process.lowLongOfPSN;
+ProcessSerialNumber number_of(pid_t id) { return {process_id_follows, static_cast<UInt32>(id)}; }
+
+bool are_equal(const ProcessSerialNumber& first, const ProcessSerialNumber& second) {
+    return first.highLongOfPSN == second.highLongOfPSN && first.lowLongOfPSN == second.lowLongOfPSN;
+}
+
+// The current process goes by two numbers.
+ProcessSerialNumber plain(const ProcessSerialNumber& psn) {
+    return are_equal(psn, {0, kCurrentProcess}) ? number_of(getpid()) : psn;
 }
 
 }  // namespace
 
 void DeclareProcessSignature(OSType signature) { declared_signature = signature; }
 
+OSType DeclaredSignature() { return declared_signature; }
+
 OSErr GetCurrentProcess(ProcessSerialNumber* psn) {
     if (!psn) return paramErr;
-    *psn = current_process;
+    *psn = number_of(getpid());
+    return noErr;
+}
+
+OSErr GetFrontProcess(ProcessSerialNumber* psn) {
+    if (!psn) return paramErr;
+    const pid_t id = front_window_process();
+    if (id <= 0) return procNotFound;
+    *psn = number_of(id);
+    return noErr;
+}
+
+OSErr SameProcess(const ProcessSerialNumber* first, const ProcessSerialNumber* second,
+                  Boolean* result) {
+    if (!first || !second || !result) return paramErr;
+    *result = are_equal(plain(*first), plain(*second));
     return noErr;
 }
 
 OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info) {
     if (!psn || !info) return paramErr;
-    if (!is_current(*psn)) return procNotFound;
-    info->processNumber = current_process;
+    const ProcessSerialNumber current = number_of(getpid());
+    if (!are_equal(plain(*psn), current)) return procNotFound;
+    info->processNumber = current;
     info->processType = 0;
     info->processSignature = declared_signature;
     return noErr;

@@ -1,6 +1,7 @@
 // Carbon, as far as Delvio uses it, over Linux files and processes.
 #pragma once
 
+#include <Carbon/AppleEvents.h>
 #include <Carbon/Files.h>
 #include <Carbon/LaunchServices.h>
 #include <Carbon/Processes.h>

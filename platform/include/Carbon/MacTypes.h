@@ -10,6 +10,7 @@ typedef UInt32 FourCharCode;
 typedef UInt32 OptionBits;
 typedef unsigned long UniCharCount;
 typedef unsigned long ByteCount;
+typedef long Size;
 
 typedef struct Point {
     short v, h;

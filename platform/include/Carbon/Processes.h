@@ -1,4 +1,7 @@
-// Process Manager: who this process is.
+// Process Manager: who this process is, and which one the user works with. Main thread.
+//
+// A process serial number is {1, process id}; {0, kCurrentProcess} also names the calling process,
+// as on the Mac. Take no number apart: compare with SameProcess.
 #pragma once
 
 #include <Carbon/MacTypes.h>
@@ -12,6 +15,8 @@ typedef struct ProcessSerialNumber {
     UInt32 lowLongOfPSN;
 } ProcessSerialNumber;
 
+enum { kNoProcess = 0, kCurrentProcess = 2 };
+
 // Of the Mac's record, the fields that are used. `processInfoLength` is set by the caller.
 typedef struct ProcessInfoRec {
     UInt32 processInfoLength;
@@ -24,6 +29,14 @@ OSErr GetCurrentProcess(ProcessSerialNumber* psn);
 // For the current process: the signature that the host has declared (Carbon/HostProcess.h), 0 if
 // none. For any other: procNotFound.
 OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
+
+// The process of the window that the window manager calls active, by the process that the window
+// itself names. Without a window manager that tells: of the window that has the keyboard. A menu
+// that is open does not count. procNotFound when no window is active, when it names no process, and
+// without a display.
+OSErr GetFrontProcess(ProcessSerialNumber* psn);
+OSErr SameProcess(const ProcessSerialNumber* first, const ProcessSerialNumber* second,
+                  Boolean* result);
 
 #ifdef __cplusplus
 }

@@ -1,7 +1,6 @@
 #include <Carbon/Carbon.h>
 #include <gtest/gtest.h>
 #include <limits.h>
-#include <malloc.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,13 +10,12 @@
 #include <vector>
 
 #include "platform/carbon/file_questions.h"
+#include "support/heap.h"
 #include "support/temp_folder.h"
-
-// There with the address sanitizer, whose heap mallinfo2 does not know.
-extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace {
 
+using test::memory_in_use;
 using test::path_of;
 using test::reference;
 
@@ -54,13 +52,6 @@ void expect_every_call_to_find_nothing(const FSRef& ref) {
     EXPECT_EQ(item_error(ref), fnfErr);
     EXPECT_EQ(name_error(ref), fnfErr);
     EXPECT_EQ(resolve_error(ref), fnfErr);
-}
-
-// The bytes that this process has allocated and not freed.
-size_t memory_in_use() {
-    if (__sanitizer_get_current_allocated_bytes) return __sanitizer_get_current_allocated_bytes();
-    const struct mallinfo2 heap = mallinfo2();
-    return heap.uordblks + heap.hblkhd;
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <Carbon/HostProcess.h>
 #include <Carbon/Processes.h>
 #include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
 
 namespace {
 
@@ -30,4 +32,28 @@ TEST(Processes, AnotherProcessIsNotFound) {
     EXPECT_EQ(GetProcessInformation(&other, &info), procNotFound);
     EXPECT_EQ(GetProcessInformation(nullptr, &info), paramErr);
     EXPECT_EQ(GetCurrentProcess(nullptr), paramErr);
+}
+
+TEST(Processes, TheCurrentOneHasTwoNumbers) {
+    ProcessSerialNumber current;
+    const ProcessSerialNumber either = {0, kCurrentProcess};
+    ASSERT_EQ(GetCurrentProcess(&current), noErr);
+    const ProcessSerialNumber other = {current.highLongOfPSN, current.lowLongOfPSN + 1};
+    EXPECT_EQ(current.lowLongOfPSN, static_cast<UInt32>(getpid()));
+    Boolean same = false;
+    EXPECT_EQ(SameProcess(&current, &either, &same), noErr);
+    EXPECT_TRUE(same);
+    EXPECT_EQ(SameProcess(&other, &either, &same), noErr);
+    EXPECT_FALSE(same);
+    EXPECT_EQ(SameProcess(&current, nullptr, &same), paramErr);
+    ProcessInfoRec info = {};
+    EXPECT_EQ(GetProcessInformation(&either, &info), noErr);
+    EXPECT_EQ(info.processNumber.lowLongOfPSN, current.lowLongOfPSN);
+}
+
+TEST(Processes, WithoutADisplayNoneIsInFront) {
+    unsetenv("DISPLAY");
+    ProcessSerialNumber front;
+    EXPECT_EQ(GetFrontProcess(&front), procNotFound);
+    EXPECT_EQ(GetFrontProcess(nullptr), paramErr);
 }

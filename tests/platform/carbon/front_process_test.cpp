@@ -1,0 +1,188 @@
+#include <Carbon/Processes.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+#include <string>
+
+// Last: its macros are in the way of others.
+#include <X11/Xlib.h>
+#include <X11/Xatom.h>
+
+namespace {
+
+// No process has this identifier; a window may claim it.
+const unsigned long other_process = 4194305;
+
+bool is_this_process(const ProcessSerialNumber& psn) {
+    ProcessSerialNumber current;
+    Boolean same = false;
+    EXPECT_EQ(GetCurrentProcess(&current), noErr);
+    EXPECT_EQ(SameProcess(&psn, &current, &same), noErr);
+    return same;
+}
+
+// "this", "other", or the error's number.
+std::string front_process() {
+    ProcessSerialNumber psn;
+    const OSErr error = GetFrontProcess(&psn);
+    if (error != noErr) return std::to_string(error);
+    return is_this_process(psn) ? "this" : "other";
+}
+
+const std::string nobody = std::to_string(procNotFound);
+
+class FrontProcess : public testing::Test {
+  protected:
+    FrontProcess() : display_(XOpenDisplay(nullptr)), root_(DefaultRootWindow(display_)) {}
+    ~FrontProcess() override {
+        XDeleteProperty(display_, root_, atom("_NET_SUPPORTING_WM_CHECK"));
+        XDeleteProperty(display_, root_, atom("_NET_ACTIVE_WINDOW"));
+        XCloseDisplay(display_);
+        if (manager_) {
+            kill(manager_, SIGTERM);
+            waitpid(manager_, nullptr, 0);
+        }
+    }
+
+    Atom atom(const char* name) const { return XInternAtom(display_, name, False); }
+
+    void set_number(Window window, const char* name, unsigned long number, Atom type = XA_WINDOW) {
+        XChangeProperty(display_, window, atom(name), type, 32, PropModeReplace,
+                        reinterpret_cast<unsigned char*>(&number), 1);
+        XSync(display_, False);
+    }
+
+    Window make_window(unsigned long process, Window parent = None) {
+        const Window window =
+            XCreateSimpleWindow(display_, parent ? parent : root_, 10, 10, 100, 100, 0, 0, 0);
+        if (process) set_number(window, "_NET_WM_PID", process, XA_CARDINAL);
+        // A window without a manager is there at once.
+        XMapWindow(display_, window);
+        XSync(display_, False);
+        return window;
+    }
+
+    void focus(Window window) {
+        XSetInputFocus(display_, window, RevertToPointerRoot, CurrentTime);
+        XSync(display_, False);
+    }
+
+    // As a task bar does.
+    void activate(Window window) const {
+        XEvent event = {};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = window;
+        event.xclient.message_type = atom("_NET_ACTIVE_WINDOW");
+        event.xclient.format = 32;
+        event.xclient.data.l[0] = 2;
+        XSendEvent(display_, root_, False, SubstructureNotifyMask | SubstructureRedirectMask,
+                   &event);
+        XSync(display_, False);
+    }
+
+    static bool becomes(const std::function<bool()>& condition) {
+        for (int i = 0; i < 500 && !condition(); i++) usleep(20000);
+        return condition();
+    }
+
+    void start_window_manager() {
+        manager_ = fork();
+        if (manager_ == 0) {
+            execlp("openbox", "openbox", "--sm-disable", static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        ASSERT_TRUE(becomes([this] { return has_property(root_, "_NET_SUPPORTING_WM_CHECK"); }));
+    }
+
+    bool has_property(Window window, const char* name) const {
+        Atom type = None;
+        int format;
+        unsigned long count, rest;
+        unsigned char* data = nullptr;
+        XGetWindowProperty(display_, window, atom(name), 0, 1, False, AnyPropertyType, &type,
+                           &format, &count, &rest, &data);
+        XFree(data);
+        return type != None;
+    }
+
+    Display* display_;
+    Window root_;
+    pid_t manager_ = 0;
+};
+
+const unsigned long this_process = static_cast<unsigned long>(getpid());
+
+TEST_F(FrontProcess, IsTheOneWithTheKeyboardWhereNoWindowManagerRuns) {
+    const Window own = make_window(this_process);
+    const Window other = make_window(other_process);
+    focus(own);
+    EXPECT_EQ(front_process(), "this");
+    focus(other);
+    EXPECT_EQ(front_process(), "other");
+    focus(make_window(0, own));
+    EXPECT_EQ(front_process(), "this");
+}
+
+TEST_F(FrontProcess, IsNobodysWhereNoWindowHasTheKeyboard) {
+    focus(None);
+    EXPECT_EQ(front_process(), nobody);
+    focus(PointerRoot);
+    EXPECT_EQ(front_process(), nobody);
+    focus(root_);
+    EXPECT_EQ(front_process(), nobody);
+}
+
+TEST_F(FrontProcess, IsNobodysWhereTheWindowDoesNotSay) {
+    focus(make_window(0));
+    EXPECT_EQ(front_process(), nobody);
+}
+
+TEST_F(FrontProcess, IsTheActiveWindowsWhereAWindowManagerTells) {
+    const Window own = make_window(this_process);
+    const Window other = make_window(other_process);
+    const Window manager = make_window(0);
+    set_number(root_, "_NET_SUPPORTING_WM_CHECK", manager);
+    set_number(manager, "_NET_SUPPORTING_WM_CHECK", manager);
+    focus(other);
+    EXPECT_EQ(front_process(), nobody);
+    set_number(root_, "_NET_ACTIVE_WINDOW", own);
+    EXPECT_EQ(front_process(), "this");
+    set_number(root_, "_NET_ACTIVE_WINDOW", other);
+    EXPECT_EQ(front_process(), "other");
+    set_number(root_, "_NET_ACTIVE_WINDOW", None);
+    EXPECT_EQ(front_process(), nobody);
+}
+
+TEST_F(FrontProcess, IsNotWhatAWindowManagerThatHasGoneSaid) {
+    const Window own = make_window(this_process);
+    const Window manager = make_window(0);
+    set_number(root_, "_NET_SUPPORTING_WM_CHECK", manager);
+    set_number(root_, "_NET_ACTIVE_WINDOW", make_window(other_process));
+    XDestroyWindow(display_, manager);
+    focus(own);
+    EXPECT_EQ(front_process(), "this");
+}
+
+TEST_F(FrontProcess, IsNobodysWhenTheActiveWindowHasJustGone) {
+    const Window manager = make_window(0);
+    const Window active = make_window(this_process);
+    set_number(root_, "_NET_SUPPORTING_WM_CHECK", manager);
+    set_number(manager, "_NET_SUPPORTING_WM_CHECK", manager);
+    set_number(root_, "_NET_ACTIVE_WINDOW", active);
+    XDestroyWindow(display_, active);
+    XSync(display_, False);
+    EXPECT_EQ(front_process(), nobody);
+}
+
+TEST_F(FrontProcess, FollowsARealWindowManager) {
+    start_window_manager();
+    const Window own = make_window(this_process);
+    const Window other = make_window(other_process);
+    EXPECT_TRUE(becomes([&] { return activate(own), front_process() == "this"; }));
+    EXPECT_TRUE(becomes([&] { return activate(other), front_process() == "other"; }));
+}
+
+}  // namespace

@@ -1,0 +1,16 @@
+#include "support/heap.h"
+
+#include <malloc.h>
+
+// There with the address sanitizer, whose heap mallinfo2 does not know.
+extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
+
+namespace test {
+
+size_t memory_in_use() {
+    if (__sanitizer_get_current_allocated_bytes) return __sanitizer_get_current_allocated_bytes();
+    const struct mallinfo2 heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
+
+}  // namespace test
