@@ -19,6 +19,8 @@
 - (const char*)bytes;
 - (NSUInteger)size;
 - (BOOL)isASCII;
+// The UTF-16 units; null for ASCII.
+- (const unichar*)units;
 @end
 
 // Whether it is a NameString, at the cost of one comparison.

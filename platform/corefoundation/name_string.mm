@@ -30,6 +30,10 @@ static const size_t longest_text = 1024;
     return _bytes;
 }
 
+- (const unichar*)units {
+    return _units;
+}
+
 - (NSUInteger)size {
     return _size;
 }

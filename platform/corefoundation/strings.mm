@@ -91,6 +91,11 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
     }
 }
 
+const UniChar* CFStringGetCharactersPtr(CFStringRef string) {
+    NSString* source = (NSString*)string;
+    return IsNameString(source) ? [(NameString*)source units] : nullptr;
+}
+
 CFStringEncoding CFStringGetFastestEncoding(CFStringRef string) {
     NSString* source = (NSString*)string;
     const bool ascii = IsNameString(source) && [(NameString*)source isASCII];

@@ -4,11 +4,17 @@
 
 #include <Carbon/Carbon.h>
 
+#include "finder/dv_target.h"
 #include "support/dv_log.h"
 
 namespace {
 
-const OSType finder_signature = 0x4D414353;  // 'MACS'
+OSType signature_of(const ProcessSerialNumber& process) {
+    ProcessInfoRec info = {};
+    info.processInfoLength = sizeof info;
+    GetProcessInformation(&process, &info);
+    return info.processSignature;
+}
 
 }  // namespace
 
@@ -19,15 +25,28 @@ bool dv_is_finder() {
         if (dvEnableDebugOutput) dvdprintf("Delvio: GetCurrentProcess failed!\n");
         return false;
     }
-    ProcessInfoRec info = {};
-    info.processInfoLength = sizeof info;
-    GetProcessInformation(&self, &info);
-    const bool is_finder = info.processSignature == finder_signature;
+    const bool is_finder = signature_of(self) == dv_finder_signature;
     if (dvEnableDebugOutput) {
         dvdprintf(is_finder ? "Delvio: This is the Finder\n"
                             : "Delvio: This is NOT the Finder..\n");
     }
     return is_finder;
+}
+
+bool dv_finder_is_front() {
+    if (dvEnableDebugOutput) dvdprintf("Delvio: Checking if we're in the Finder..\n");
+    ProcessSerialNumber self = {}, front = {};
+    if (GetCurrentProcess(&self) != noErr || GetFrontProcess(&front) != noErr) {
+        if (dvEnableDebugOutput) dvdprintf("Delvio: GetCurrentProcess failed..\n");
+        return false;
+    }
+    Boolean same = false;
+    SameProcess(&self, &front, &same);
+    const bool is_front = signature_of(self) == dv_finder_signature && same;
+    if (dvEnableDebugOutput) {
+        dvdprintf(is_front ? "Delvio: This is the Finder\n" : "Delvio: This is NOT the Finder\n");
+    }
+    return is_front;
 }
 
 double dv_double_time() {

@@ -69,6 +69,8 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text
 // converted, `buffer` then holds nothing of use.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding);
+// The string's own units, valid as long as the string; null when it does not hold them at hand.
+const UniChar* CFStringGetCharactersPtr(CFStringRef string);
 CFStringEncoding CFStringGetFastestEncoding(CFStringRef string);
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
