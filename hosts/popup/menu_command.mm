@@ -3,6 +3,7 @@
 #include <AppKit/MenuTracking.h>
 #include <AppKit/ModifierKeys.h>
 
+#include "finderkit/finder_events.h"
 #include "finderkit/plug_in.h"
 #include "popup/application.h"
 #include "popup/close_words.h"
@@ -50,7 +51,7 @@ bool prepare(MenuRequest& request, std::string* problem) {
     warn_of_other_encodings(request.files);
     StartApplication();
     SetHeldModifierFlags(request.modifiers);
-    return LoadPlugIn(bundle, problem);
+    return AnswerFinderEvents(problem) && LoadPlugIn(bundle, problem);
 }
 
 // Through the toolkit's public way in, as any program pops a menu up.
@@ -136,6 +137,7 @@ int RunMenuCommand(MenuRequest request) {
     if (!prepare(request, &problem)) return failed(problem);
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
     const int status = run_form(host, request);
+    FinishFinderEvents();
     FlushSessionBus();
     return status == exit_done && ![host problem].empty() ? failed([host problem]) : status;
 }

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 #include <memory>
@@ -29,14 +30,11 @@ class WindowReader {
         return managed ? number(root_, "_NET_ACTIVE_WINDOW") : focused_window();
     }
 
-    // What the window says, or the nearest one around it that says anything.
+    // What the window says; else what the server knows of who made it. GNUstep's say nothing.
     pid_t process_of(xcb_window_t window) const {
-        while (window != XCB_NONE && window != root_) {
-            const uint32_t id = number(window, "_NET_WM_PID");
-            if (id) return static_cast<pid_t>(id);
-            window = parent_of(window);
-        }
-        return 0;
+        if (window == XCB_NONE || window == root_) return 0;
+        const uint32_t id = number(window, "_NET_WM_PID");
+        return static_cast<pid_t>(id ? id : maker_of(window));
     }
 
   private:
@@ -48,11 +46,25 @@ class WindowReader {
         return is_window ? reply->focus : XCB_NONE;
     }
 
-    xcb_window_t parent_of(xcb_window_t window) const {
-        const auto cookie = xcb_query_tree(connection_, window);
-        const Owner<xcb_query_tree_reply_t> reply(
-            xcb_query_tree_reply(connection_, cookie, nullptr));
-        return reply ? reply->parent : XCB_NONE;
+    bool knows_makers() const {
+        if (!xcb_get_extension_data(connection_, &xcb_res_id)->present) return false;
+        const auto cookie = xcb_res_query_version(connection_, 1, 2);
+        const Owner<xcb_res_query_version_reply_t> reply(
+            xcb_res_query_version_reply(connection_, cookie, nullptr));
+        return reply && (reply->server_major > 1 || reply->server_minor >= 2);
+    }
+
+    // 0 for a program on another machine.
+    uint32_t maker_of(xcb_window_t window) const {
+        if (!knows_makers()) return 0;
+        const xcb_res_client_id_spec_t question = {window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        const auto cookie = xcb_res_query_client_ids(connection_, 1, &question);
+        const Owner<xcb_res_query_client_ids_reply_t> reply(
+            xcb_res_query_client_ids_reply(connection_, cookie, nullptr));
+        if (!reply) return 0;
+        const auto answer = xcb_res_query_client_ids_ids_iterator(reply.get());
+        const bool known = answer.rem > 0 && xcb_res_client_id_value_value_length(answer.data) > 0;
+        return known ? *xcb_res_client_id_value_value(answer.data) : 0;
     }
 
     xcb_atom_t atom(const char* name) const {

@@ -1,6 +1,11 @@
 #include "finder/dv_open.h"
 
+#include <stdlib.h>
+
+#include <vector>
+
 #include "finder/dv_target.h"
+#include "tree/dv_tree.h"
 
 namespace {
 
@@ -21,6 +26,29 @@ void add_reference(const FSRef* ref, AEDescList* list) {
     AEDisposeDesc(&document);
 }
 
+// Appends a reference to the element's own file. An element without a path has none; one whose
+// file is gone has one that leads nowhere.
+void append_reference(const dv_tree_t* elem, std::vector<FSRef>& refs) {
+    char* path = dv_path_for_elem(elem, 0, 1);
+    if (!path) return;
+    FSRef ref = {};
+    FSPathMakeRef(reinterpret_cast<const UInt8*>(path), &ref, nullptr);
+    free(path);
+    refs.push_back(ref);
+}
+
+std::vector<FSRef> references_to(const dv_tree_t* documents, bool many) {
+    std::vector<FSRef> refs;
+    if (!many) {
+        append_reference(documents, refs);
+        return refs;
+    }
+    for (const dv_tree_t* elem = documents; elem; elem = elem->next) {
+        if (!(elem->origin & DV_ORIGIN_USER_FOLDER)) append_reference(elem, refs);
+    }
+    return refs;
+}
+
 }  // namespace
 
 OSErr dv_send_open_to_finder(const FSRef* ref) {
@@ -38,4 +66,23 @@ OSErr dv_send_open_to_finder(const FSRef* ref) {
     AESend(&event, nullptr, kAENoReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
     AEDisposeDesc(&event);
     return noErr;
+}
+
+void dv_open_file_with_app(delvio_t*, const dv_tree_t* documents, const dv_tree_t* application,
+                           bool many) {
+    const std::vector<FSRef> refs = references_to(documents, many);
+    if (refs.empty()) return;
+    std::vector<FSRef> app;
+    append_reference(application, app);
+    if (app.empty()) return;
+
+    LSLaunchFSRefSpec request = {};
+    request.appRef = app.data();
+    request.numDocs = static_cast<UInt32>(refs.size());
+    request.itemRefs = refs.data();
+    request.passThruParams = nullptr;
+    request.launchFlags = kLSLaunchDefaults;
+    request.asyncRefCon = nullptr;
+    FSRef launched;
+    LSOpenFromRefSpec(&request, &launched);
 }

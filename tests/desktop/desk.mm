@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "appkit/menu_run.h"
+#include "finderkit/finder_events.h"
 #include "finderkit/plug_in.h"
 #include "support/app.h"
 
@@ -46,6 +47,7 @@ void Desk::SetUpTestSuite() {
     std::filesystem::create_directories(std::filesystem::path(log_path()).parent_path());
     start_application();
     std::string problem;
+    ASSERT_TRUE(AnswerFinderEvents(&problem)) << problem;
     ASSERT_TRUE(LoadPlugIn(DELVIO_BUNDLE, &problem)) << problem;
 }
 

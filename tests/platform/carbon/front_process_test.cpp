@@ -41,9 +41,9 @@ class FrontProcess : public testing::Test {
         XDeleteProperty(display_, root_, atom("_NET_SUPPORTING_WM_CHECK"));
         XDeleteProperty(display_, root_, atom("_NET_ACTIVE_WINDOW"));
         XCloseDisplay(display_);
-        if (manager_) {
-            kill(manager_, SIGTERM);
-            waitpid(manager_, nullptr, 0);
+        for (const pid_t child : {manager_, other_}) {
+            if (child) kill(child, SIGTERM);
+            if (child) waitpid(child, nullptr, 0);
         }
     }
 
@@ -55,9 +55,8 @@ class FrontProcess : public testing::Test {
         XSync(display_, False);
     }
 
-    Window make_window(unsigned long process, Window parent = None) {
-        const Window window =
-            XCreateSimpleWindow(display_, parent ? parent : root_, 10, 10, 100, 100, 0, 0, 0);
+    Window make_window(unsigned long process) {
+        const Window window = XCreateSimpleWindow(display_, root_, 10, 10, 100, 100, 0, 0, 0);
         if (process) set_number(window, "_NET_WM_PID", process, XA_CARDINAL);
         // A window without a manager is there at once.
         XMapWindow(display_, window);
@@ -88,6 +87,26 @@ class FrontProcess : public testing::Test {
         return condition();
     }
 
+    Window window_of_another_process() {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        other_ = fork();
+        if (other_ == 0) {
+            Display* display = XOpenDisplay(nullptr);
+            const Window window = XCreateSimpleWindow(display, DefaultRootWindow(display), 200, 10,
+                                                      100, 100, 0, 0, 0);
+            XMapWindow(display, window);
+            XSync(display, False);
+            if (write(ends[1], &window, sizeof window) < 0) _exit(1);
+            pause();
+        }
+        Window window = None;
+        EXPECT_EQ(read(ends[0], &window, sizeof window), static_cast<ssize_t>(sizeof window));
+        close(ends[0]);
+        close(ends[1]);
+        return window;
+    }
+
     void start_window_manager() {
         manager_ = fork();
         if (manager_ == 0) {
@@ -110,7 +129,7 @@ class FrontProcess : public testing::Test {
 
     Display* display_;
     Window root_;
-    pid_t manager_ = 0;
+    pid_t manager_ = 0, other_ = 0;
 };
 
 const unsigned long this_process = static_cast<unsigned long>(getpid());
@@ -122,8 +141,6 @@ TEST_F(FrontProcess, IsTheOneWithTheKeyboardWhereNoWindowManagerRuns) {
     EXPECT_EQ(front_process(), "this");
     focus(other);
     EXPECT_EQ(front_process(), "other");
-    focus(make_window(0, own));
-    EXPECT_EQ(front_process(), "this");
 }
 
 TEST_F(FrontProcess, IsNobodysWhereNoWindowHasTheKeyboard) {
@@ -135,9 +152,13 @@ TEST_F(FrontProcess, IsNobodysWhereNoWindowHasTheKeyboard) {
     EXPECT_EQ(front_process(), nobody);
 }
 
-TEST_F(FrontProcess, IsNobodysWhereTheWindowDoesNotSay) {
+TEST_F(FrontProcess, IsTheMakersWhereTheWindowDoesNotSay) {
     focus(make_window(0));
-    EXPECT_EQ(front_process(), nobody);
+    EXPECT_EQ(front_process(), "this");
+    focus(window_of_another_process());
+    ProcessSerialNumber psn;
+    ASSERT_EQ(GetFrontProcess(&psn), noErr);
+    EXPECT_EQ(psn.lowLongOfPSN, static_cast<UInt32>(other_));
 }
 
 TEST_F(FrontProcess, IsTheActiveWindowsWhereAWindowManagerTells) {
@@ -166,15 +187,14 @@ TEST_F(FrontProcess, IsNotWhatAWindowManagerThatHasGoneSaid) {
     EXPECT_EQ(front_process(), "this");
 }
 
-TEST_F(FrontProcess, IsNobodysWhenTheActiveWindowHasJustGone) {
+TEST_F(FrontProcess, IsNobodysWhenTheActiveWindowWentWithItsProcess) {
     const Window manager = make_window(0);
-    const Window active = make_window(this_process);
     set_number(root_, "_NET_SUPPORTING_WM_CHECK", manager);
     set_number(manager, "_NET_SUPPORTING_WM_CHECK", manager);
-    set_number(root_, "_NET_ACTIVE_WINDOW", active);
-    XDestroyWindow(display_, active);
-    XSync(display_, False);
-    EXPECT_EQ(front_process(), nobody);
+    set_number(root_, "_NET_ACTIVE_WINDOW", window_of_another_process());
+    EXPECT_EQ(front_process(), "other");
+    kill(other_, SIGTERM);
+    EXPECT_TRUE(becomes([] { return front_process() == nobody; }));
 }
 
 TEST_F(FrontProcess, FollowsARealWindowManager) {

@@ -1,0 +1,71 @@
+#include "finderkit/finder_events.h"
+
+#include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
+#include <Carbon/HostProcess.h>
+
+#include <limits.h>
+#include <stdlib.h>
+
+#include "finderkit/context_menu.h"
+#include "finderkit/event_trace.h"
+
+namespace {
+
+// What the workspace takes: the path, or where the name is not UTF-8 a file URL's text.
+NSString* workspace_name(const char* path) {
+    FINode* node = [[[FINode alloc] initWithNode:{path}] autorelease];
+    return [[node url] path] ?: [[node url] absoluteString];
+}
+
+OSErr open_document(const AEDescList* documents, long index) {
+    FSRef ref;
+    OSStatus error =
+        AEGetNthPtr(documents, index, typeFSRef, nullptr, nullptr, &ref, sizeof ref, nullptr);
+    char path[PATH_MAX];
+    if (error == noErr) error = FSRefMakePath(&ref, reinterpret_cast<UInt8*>(path), sizeof path);
+    if (error != noErr) return static_cast<OSErr>(error);
+    const BOOL opened = [[NSWorkspace sharedWorkspace] openFile:workspace_name(path)];
+    return opened ? OSErr{noErr} : OSErr{errAEEventNotHandled};
+}
+
+// Goes on after a document that cannot be opened; the first error is the answer.
+OSErr open_documents(const AppleEvent* event, AppleEvent*, void*) {
+    AEDescList documents;
+    OSErr result = AEGetParamDesc(event, keyDirectObject, typeAEList, &documents);
+    if (result != noErr) return result;
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    long count = 0;
+    AECountItems(&documents, &count);
+    for (long index = 1; index <= count; index++) {
+        const OSErr error = open_document(&documents, index);
+        if (result == noErr) result = error;
+    }
+    AEDisposeDesc(&documents);
+    [pool release];
+    return result;
+}
+
+const struct {
+    AEEventClass event_class;
+    AEEventID event_id;
+    AEEventHandlerUPP handler;
+} answers[] = {
+    {kCoreEventClass, kAEOpenDocuments, open_documents},
+};
+
+}  // namespace
+
+bool AnswerFinderEvents(std::string* problem) {
+    for (const auto& answer : answers) {
+        AEInstallEventHandler(answer.event_class, answer.event_id, answer.handler, nullptr, false);
+    }
+    const char* trace = getenv("DELVIO_TRACE");
+    return !trace || !*trace || TraceEvents(trace, problem);
+}
+
+void FinishFinderEvents() {
+    while (AppleEventsAreWaiting()) {
+        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
+    }
+}

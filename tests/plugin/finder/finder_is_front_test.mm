@@ -1,0 +1,99 @@
+#include "finder/dv_finder.h"
+
+#include <AppKit/AppKit.h>
+#include <Carbon/HostProcess.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <functional>
+
+#include "plugin/tree_support.h"
+#include "support/app.h"
+#include "support/dv_log.h"
+
+// Last: its macros are in the way of others.
+#include <X11/Xlib.h>
+#include <X11/Xatom.h>
+
+namespace {
+
+class FinderIsFront : public testing::Test {
+  protected:
+    FinderIsFront() : display_(XOpenDisplay(nullptr)) {
+        test::start_application();
+        DeclareProcessSignature('MACS');
+        window_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 200, 200)
+                                              styleMask:NSTitledWindowMask
+                                                backing:NSBackingStoreBuffered
+                                                  defer:NO];
+        [window_ orderFrontRegardless];
+        focus(static_cast<Window>(reinterpret_cast<uintptr_t>([window_ windowRef])));
+    }
+    ~FinderIsFront() override {
+        [window_ close];
+        DeclareProcessSignature(0);
+        dvEnableDebugOutput = 0;
+        dvdprintf("no sink any more\n");
+        XCloseDisplay(display_);
+    }
+    // As another program's window comes to the front.
+    void show_other_application() {
+        const Window window =
+            XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 50, 50, 0, 0, 0);
+        const long other_process = 4194305;
+        XChangeProperty(display_, window, XInternAtom(display_, "_NET_WM_PID", False), XA_CARDINAL,
+                        32, PropModeReplace, reinterpret_cast<const unsigned char*>(&other_process),
+                        1);
+        XMapWindow(display_, window);
+        focus(window);
+    }
+    void focus(Window window) {
+        XSync(display_, False);
+        // Our own window is mapped by the toolkit's connection, a little later.
+        for (int i = 0; i < 500; i++) {
+            XWindowAttributes attributes;
+            XGetWindowAttributes(display_, window, &attributes);
+            if (attributes.map_state == IsViewable) break;
+            usleep(10000);
+        }
+        XSetInputFocus(display_, window, RevertToPointerRoot, CurrentTime);
+        XSync(display_, False);
+    }
+    static std::string answer_and_lines() {
+        dvEnableDebugOutput = 1;
+        return test::output_of([] { printf("%d\n", dv_finder_is_front()); });
+    }
+    Display* display_;
+    NSWindow* window_;
+};
+
+TEST_F(FinderIsFront, WhenItsWindowHasTheKeyboard) {
+    EXPECT_TRUE(dv_finder_is_front());
+    EXPECT_EQ(answer_and_lines(),
+              "Delvio: Checking if we're in the Finder..\nDelvio: This is the Finder\n1\n");
+}
+
+TEST_F(FinderIsFront, NotWhileAnotherApplicationIsInFront) {
+    show_other_application();
+    EXPECT_FALSE(dv_finder_is_front());
+    EXPECT_EQ(answer_and_lines(),
+              "Delvio: Checking if we're in the Finder..\nDelvio: This is NOT the Finder\n0\n");
+}
+
+TEST_F(FinderIsFront, NotInAProcessOfAnotherSignature) {
+    DeclareProcessSignature('TEST');
+    EXPECT_FALSE(dv_finder_is_front());
+}
+
+TEST_F(FinderIsFront, NotWhereNoProcessIsInFront) {
+    XSetInputFocus(display_, None, RevertToNone, CurrentTime);
+    XSync(display_, False);
+    EXPECT_EQ(answer_and_lines(),
+              "Delvio: Checking if we're in the Finder..\nDelvio: GetCurrentProcess failed..\n0\n");
+}
+
+TEST_F(FinderIsFront, LogsNothingWithLoggingOff) {
+    EXPECT_EQ(test::output_of([] { dv_finder_is_front(); }), "");
+}
+
+}  // namespace
