@@ -8,16 +8,19 @@
 #include <mutex>
 
 #include "corefoundation/defaults_file.h"
+#include "corefoundation/preferences_sources.h"
 
 namespace {
 
-// One application's preferences: the file, the changes not yet written, and what is forced.
+// One application's preferences: the file, the changes not yet written, what is forced, and what
+// holds where there is nothing else.
 struct Preferences {
     explicit Preferences(NSString* identifier) : file(identifier) { file.refresh(); }
 
     DefaultsFile file;
     NSMutableDictionary* changes = [NSMutableDictionary new];
     NSMutableDictionary* forced = [NSMutableDictionary new];
+    NSMutableDictionary* fallbacks = [NSMutableDictionary new];
 };
 
 std::mutex preferences_lock;
@@ -49,7 +52,8 @@ id value_of(CFStringRef key, CFStringRef application) {
     id value = [preferences->forced objectForKey:name];
     if (!value) value = [preferences->changes objectForKey:name];
     if (!value) value = [preferences->file.values() objectForKey:name];
-    return value == [NSNull null] ? nil : value;
+    if (value && value != [NSNull null]) return value;
+    return [preferences->fallbacks objectForKey:name];
 }
 
 // A string that is a decimal integer and nothing else, as `defaults write` stores numbers.
@@ -98,8 +102,11 @@ CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef application
 }
 
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID) {
-    const std::lock_guard<std::mutex> guard(preferences_lock);
-    return [value_of(key, applicationID) retain];
+    {
+        const std::lock_guard<std::mutex> guard(preferences_lock);
+        if (id value = value_of(key, applicationID)) return [value retain];
+    }
+    return CopyValueFromSources(key, applicationID);
 }
 
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
@@ -114,6 +121,16 @@ Boolean CFPreferencesAppValueIsForced(CFStringRef key, CFStringRef applicationID
     const std::lock_guard<std::mutex> guard(preferences_lock);
     const Preferences* preferences = preferences_of(applicationID);
     return preferences && key && [preferences->forced objectForKey:(NSString*)key] != nil;
+}
+
+void SetFallbackPreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
+    const std::lock_guard<std::mutex> guard(preferences_lock);
+    Preferences* preferences = preferences_of(applicationID);
+    if (!preferences || !key) return;
+    if (value)
+        [preferences->fallbacks setObject:(id)value forKey:(NSString*)key];
+    else
+        [preferences->fallbacks removeObjectForKey:(NSString*)key];
 }
 
 void ForcePreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {

@@ -100,6 +100,10 @@ Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
 // stores numbers as strings, so a string that is a decimal integer and nothing else counts as one
 // ("12", "-3"; not "2x", " 2", ""). Any other value gives 0 and *valid false.
 CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID, Boolean* valid);
+// "RecentDocuments" in "IDENTIFIER.LSSharedFileList" is the desktop's list of recent documents
+// (recently-used.xbel): a dictionary whose "CustomListItems" are dictionaries with "Bookmark" data
+// of the ten files that the application opened last, newest first; main thread. IDENTIFIER is a
+// bundle's, for a desktop entry its name without ".desktop".
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
 // A null value removes the key. A key whose value is forced is left alone.
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);

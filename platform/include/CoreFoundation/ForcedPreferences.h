@@ -1,5 +1,6 @@
 // The host's side of the preferences: values that hold for this process alone.
-// Not a Mac interface: there, an administrator's profile forces values.
+// Not a Mac interface: there, an administrator's profile forces values, and programs register
+// defaults of their own.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,6 +12,10 @@ extern "C" {
 // From now on every read of `key` gives `value` (kept), whatever the domain on disk holds, and
 // writes of it are ignored. A null value ends the forcing. Main thread.
 void ForcePreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
+
+// From now on reads of `key` give `value` (kept) as long as the domain has none of its own. A null
+// value ends it. Main thread.
+void SetFallbackPreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 
 #ifdef __cplusplus
 }

@@ -10,6 +10,7 @@
 
 #include <string>
 
+#include "corefoundation/preferences_sources.h"
 #include "support/temp_folder.h"
 
 extern char** environ;
@@ -273,6 +274,46 @@ TEST_F(Preferences, AForcedValueHoldsForThisProcessAlone) {
     EXPECT_EQ(stamp(file), before);
     ForcePreference(CFSTR("sort_order"), nullptr, domain);
     EXPECT_EQ(integer(CFSTR("sort_order")), 1);
+}
+
+TEST_F(Preferences, AFallbackHoldsWhereTheDomainHasNoValueAndIsNeverWritten) {
+    SetFallbackPreference(CFSTR("sort_order"), @5, domain);
+    EXPECT_EQ(integer(CFSTR("sort_order")), 5);
+    set(CFSTR("sort_order"), 2);
+    EXPECT_EQ(integer(CFSTR("sort_order")), 2);
+    CFPreferencesSetAppValue(CFSTR("sort_order"), nullptr, domain);
+    EXPECT_EQ(integer(CFSTR("sort_order")), 5);
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(test::read_file(file).find("sort_order"), std::string::npos);
+    run_defaults("write", "sort_order", "1");
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(integer(CFSTR("sort_order")), 1);
+    SetFallbackPreference(CFSTR("sort_order"), nullptr, domain);
+    run_defaults("write", "other", "1");
+    EXPECT_EQ(integer(CFSTR("sort_order")), 1);
+}
+
+namespace {
+
+CFPropertyListRef copy_domain_and_key(CFStringRef key, CFStringRef domain) {
+    if ([(NSString*)key isEqualToString:@"nothing"]) return nullptr;
+    return [[NSString alloc] initWithFormat:@"%@ of %@", (id)key, (id)domain];
+}
+
+}  // namespace
+
+TEST_F(Preferences, ASourceAnswersForDomainsOfItsSuffixWithoutAValueOfTheirOwn) {
+    AddPreferencesSource(".WithoutAValueOfTheirOwn", copy_domain_and_key);
+    const auto text = [](CFStringRef key, CFStringRef of) {
+        NSString* value = [(id)CFPreferencesCopyAppValue(key, of) autorelease];
+        return std::string([value UTF8String] ?: "none");
+    };
+    const CFStringRef sourced = CFSTR("org.example.WithoutAValueOfTheirOwn");
+    EXPECT_EQ(text(CFSTR("key"), sourced), "key of org.example.WithoutAValueOfTheirOwn");
+    EXPECT_EQ(text(CFSTR("nothing"), sourced), "none");
+    EXPECT_EQ(text(CFSTR("key"), domain), "none");
+    CFPreferencesSetAppValue(CFSTR("key"), @"own", sourced);
+    EXPECT_EQ(text(CFSTR("key"), sourced), "own");
 }
 
 TEST_F(Preferences, DomainsAreApart) {

@@ -1,0 +1,105 @@
+// A desktop entry is the bundle of its application as far as it has one.
+#include <AppKit/AppKit.h>
+
+#include "appkit/method_patch.h"
+#include "appkit/workspace_paths.h"
+#include "carbon/installed_applications.h"
+
+// Holds no code and no resources.
+@interface ApplicationEntryBundle : NSBundle {
+  @private
+    NSString* _entry;
+    NSDictionary* _information;
+}
+- (instancetype)initWithApplication:(const files::InstalledApplication&)application;
+@end
+
+@implementation ApplicationEntryBundle
+
+// NSBundle's own would look for a folder.
+- (instancetype)initWithApplication:(const files::InstalledApplication&)application {
+    NSString* identifier = [NSString stringWithUTF8String:application.id.c_str()];
+    NSString* name = [NSString stringWithUTF8String:application.name.c_str()];
+    _entry = [[NSString alloc] initWithUTF8String:application.path.c_str()];
+    _information = [[NSDictionary alloc] initWithObjectsAndKeys:identifier, @"CFBundleIdentifier",
+                                                                name ? name : identifier,
+                                                                @"CFBundleName", nil];
+    return self;
+}
+
+- (void)dealloc {
+    [_entry release];
+    [_information release];
+    [super dealloc];
+}
+
+- (NSString*)bundlePath {
+    return _entry;
+}
+
+- (NSURL*)bundleURL {
+    return [NSURL fileURLWithPath:_entry];
+}
+
+- (NSDictionary*)infoDictionary {
+    return _information;
+}
+
+- (NSDictionary*)localizedInfoDictionary {
+    return _information;
+}
+
+- (NSString*)resourcePath {
+    return nil;
+}
+
+- (NSString*)executablePath {
+    return nil;
+}
+
+- (BOOL)load {
+    return NO;
+}
+
+- (Class)principalClass {
+    return Nil;
+}
+
+- (Class)classNamed:(NSString*)name {
+    (void)name;
+    return Nil;
+}
+
+@end
+
+namespace {
+
+IMP stock_bundle;
+
+id bundle_with_path(Class self, SEL selector, NSString* path) {
+    if (![path hasSuffix:@".desktop"]) {
+        return reinterpret_cast<id (*)(Class, SEL, NSString*)>(stock_bundle)(self, selector, path);
+    }
+    files::InstalledApplication application;
+    if (files::read_application(path_bytes(path), &application)) {
+        return [[[ApplicationEntryBundle alloc] initWithApplication:application] autorelease];
+    }
+    return reinterpret_cast<id (*)(Class, SEL, NSString*)>(stock_bundle)(self, selector, path);
+}
+
+}  // namespace
+
+@interface ApplicationEntriesInstaller : NSObject
+@end
+
+@implementation ApplicationEntriesInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSBundle", "bundleWithPath:", reinterpret_cast<IMP>(bundle_with_path), &stock_bundle,
+         true},
+    };
+    patch_methods(patches);
+}
+
+@end

@@ -1,0 +1,37 @@
+// The applications that the desktop has installed, as their entries describe them. Main thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace files {
+
+struct InstalledApplication {
+    std::string id;            // the entry's name without ".desktop"; folders become prefixes
+    std::string path;          // of the entry
+    std::string name;          // in the user's language
+    std::string plain_name;    // as it is without a language
+    std::string window_class;  // StartupWMClass
+    // The file name of the program that it runs. Empty for what runs many applications, a shell
+    // for one: such a program says nothing about the application.
+    std::string program;
+    bool is_shown;  // neither NoDisplay nor Hidden
+};
+
+// Those of $XDG_DATA_HOME and $XDG_DATA_DIRS; of several with one id the first. Read again when one
+// of their folders has changed: a stat for each folder, at most ten times a second. Valid until the
+// next call.
+const std::vector<InstalledApplication>& installed_applications();
+
+// The entry at `path`, wherever it stands. False when it is no application's.
+bool read_application(const std::string& path, InstalledApplication* application);
+
+// Null when there is none.
+const InstalledApplication* application_with_id(const std::string& id);
+
+// The file name of the program of an Exec line, as in InstalledApplication.
+std::string program_of_command(const char* command);
+
+bool same_text(const std::string& one, const std::string& other);  // but for case
+
+}  // namespace files
