@@ -1,5 +1,7 @@
 #include "finderkit/context_menu.h"
 
+#include "finderkit/applications_folder.h"
+
 namespace {
 
 bool is_unreserved(unsigned char byte) {
@@ -58,6 +60,12 @@ NSURL* file_url(const std::string& path) {
 @end
 
 @implementation TContextMenu
+
+// What is installed may have changed since the last menu.
+- (instancetype)initWithTitle:(NSString*)title {
+    if ((self = [super initWithTitle:title])) UpdateApplicationsFolder();
+    return self;
+}
 
 - (void)dealloc {
     [_nodes release];

@@ -6,6 +6,8 @@
 #include <dlfcn.h>
 #include <stdio.h>
 
+#include "finderkit/applications_folder.h"
+
 namespace {
 
 using EntryFunction = int (*)(void);
@@ -48,6 +50,7 @@ bool load_and_enter(const std::string& path, std::string* problem) {
         *problem = "it has no entry function dv_load_delvio";
         return false;
     }
+    OfferApplicationsFolder(reinterpret_cast<CFStringRef>([bundle bundleIdentifier]));
     enter();
     return true;
 }
