@@ -4,16 +4,8 @@
 #include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-
-#include "support/temp_folder.h"
-
-namespace fs = std::filesystem;
 
 namespace test {
 namespace {
@@ -95,28 +87,6 @@ Outcome RunningCommand::finish() {
 
 Outcome run_delvio(const std::vector<std::string>& arguments, const Changes& environment) {
     return RunningCommand(arguments, environment).finish();
-}
-
-RecordingProgram::RecordingProgram(const std::string& type) {
-    const fs::path data = getenv("XDG_DATA_HOME");
-    const fs::path config = getenv("XDG_CONFIG_HOME");
-    record_ = (data / "opened").string();
-    fs::remove(record_);
-    fs::create_directories(data / "applications");
-    const std::string script = (data / "record").string();
-    std::ofstream(script) << "#!/bin/sh\nprintf '%s' \"$1\" >'" << record_ << ".new'\n"
-                          << "mv '" << record_ << ".new' '" << record_ << "'\n";
-    chmod(script.c_str(), 0755);
-    std::ofstream(data / "applications" / "record.desktop")
-        << "[Desktop Entry]\nType=Application\nName=Record\nExec=" << script
-        << " %f\nMimeType=" << type << ";\n";
-    std::ofstream(config / "mimeapps.list") << "[Default Applications]\n"
-                                            << type << "=record.desktop\n";
-}
-
-std::string RecordingProgram::opened() const {
-    for (int turn = 0; turn < 400 && !fs::exists(record_); ++turn) usleep(25000);
-    return read_file(record_);
 }
 
 }  // namespace test

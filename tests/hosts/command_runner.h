@@ -37,17 +37,4 @@ class RunningCommand {
     int out_, err_;
 };
 
-// A user's default program for every file type of these tests: it writes the path that it is given
-// into a file. Made in the (private) data folder of the test run.
-class RecordingProgram {
-  public:
-    // `type` is a MIME type, for example text/plain.
-    explicit RecordingProgram(const std::string& type);
-    // The first line that it wrote; waits for it for a while.
-    std::string opened() const;
-
-  private:
-    std::string record_;
-};
-
 }  // namespace test

@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "hosts/command_runner.h"
+#include "support/recording_program.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -24,16 +26,16 @@ struct CommandEvents : testing::Test {
 };
 
 TEST_F(CommandEvents, AreHandledBeforeItEnds) {
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     const std::string document = folder.file("document.txt", "text");
     const Outcome outcome = menu_with_event(document, "");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(program.opened(), document);
+    EXPECT_EQ(program.wait(), std::vector<std::string>({document}));
 }
 
 TEST_F(CommandEvents, AreTraced) {
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     const std::string document = folder.file("document.txt", "text");
     const Outcome outcome = menu_with_event(document, "-");
     EXPECT_EQ(outcome.status, 0);

@@ -10,6 +10,7 @@
 #include <fstream>
 
 #include "hosts/command_runner.h"
+#include "support/recording_program.h"
 #include "support/temp_folder.h"
 
 namespace fs = std::filesystem;
@@ -229,33 +230,33 @@ TEST_F(MenuCommand, BearsAFolderThatMayNotBeRead) {
 }
 
 TEST_F(MenuCommand, PicksAFileThreeLevelsDown) {
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     const std::string file = folder.file("top/sub/deep/note.txt", "text\n");
     const Outcome outcome = menu({"--pick", "top", "--pick", "SUB", "--pick", "deep", "--pick",
                                   "note.txt", folder.path("top")});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out + outcome.err, "");
-    EXPECT_EQ(program.opened(), file);
+    EXPECT_EQ(program.wait(), Words({file}));
 }
 
 TEST_F(MenuCommand, PicksAFolderThatIsNamedLast) {
-    const test::RecordingProgram program("inode/directory");
+    const test::RecordingProgram program({"inode/directory"});
     folder.file("top/sub/a");
     EXPECT_EQ(menu({"--pick", "top", "--pick", "sub", folder.path("top")}).status, 0);
-    EXPECT_EQ(program.opened(), folder.path("top/sub"));
+    EXPECT_EQ(program.wait(), Words({folder.path("top/sub")}));
 }
 
 TEST_F(MenuCommand, PicksTheHostsItems) {
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     const std::string file = folder.file("note.txt", "text\n");
     EXPECT_EQ(menu({"--pick", "Open", file}).status, 0);
-    EXPECT_EQ(program.opened(), file);
+    EXPECT_EQ(program.wait(), Words({file}));
 }
 
 TEST_F(MenuCommand, ShowsTheFolderWhereNoFileManagerAnswers) {
-    const test::RecordingProgram program("inode/directory");
+    const test::RecordingProgram program({"inode/directory"});
     EXPECT_EQ(menu({"--pick", "Show in File Manager", folder.file("note.txt")}).status, 0);
-    EXPECT_EQ(program.opened(), folder.path());
+    EXPECT_EQ(program.wait(), Words({folder.path()}));
 }
 
 TEST_F(MenuCommand, MovesToTheTrash) {
@@ -296,12 +297,12 @@ TEST_F(MenuCommand, HoldsOptionForAnAlternate) {
     expect_one_line(
         menu({"--pick", "top", "--pick", "Tool.app", "--pick", "inside.txt", folder.path("top")}),
         1, "");
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     EXPECT_EQ(menu({"--modifiers", "option", "--pick", "top", "--pick", "Tool.app", "--pick",
                     "inside.txt", folder.path("top")})
                   .status,
               0);
-    EXPECT_EQ(program.opened(), folder.path("top/Tool.app/inside.txt"));
+    EXPECT_EQ(program.wait(), Words({folder.path("top/Tool.app/inside.txt")}));
 }
 
 TEST_F(MenuCommand, SavesAPicture) {

@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "hosts/command_runner.h"
+#include "support/recording_program.h"
 #include "support/temp_folder.h"
 
 namespace fs = std::filesystem;
@@ -20,6 +21,7 @@ namespace {
 using test::Outcome;
 using test::run_delvio;
 using test::RunningCommand;
+using paths_t = std::vector<std::string>;
 
 constexpr int turns = 400;
 constexpr int microseconds_a_turn = 25000;
@@ -148,14 +150,14 @@ TEST_F(ShownMenu, ShowsNoOtherWindow) {
 }
 
 TEST_F(ShownMenu, OpensWhatIsPickedWithTheKeyboard) {
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     const std::string file = folder.file("top/note.txt", "text\n");
     RunningCommand command({"menu", "--at", "200,150", folder.path("top")});
     ASSERT_TRUE(wait_until_open());
     press("Down Right");
     press("Down Return");
     EXPECT_EQ(command.finish().status, 0);
-    EXPECT_EQ(program.opened(), file);
+    EXPECT_EQ(program.wait(), paths_t({file}));
 }
 
 TEST_F(ShownMenu, ShowsAPanelWhenAnActionFails) {

@@ -9,11 +9,15 @@
 
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "support/app.h"
+#include "support/recording_program.h"
 #include "support/temp_folder.h"
 
 namespace {
+
+using arguments_t = std::vector<std::string>;
 
 // A user whose programs for texts and folders write down what they are given. The desktop's
 // folders are those of the isolated run; they are filled once, before GIO looks.
@@ -21,74 +25,52 @@ class OpenFile : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         test::start_application();
+        program = new test::RecordingProgram({"text/plain", "inode/directory"}, "%u");
         const std::string data = getenv("XDG_DATA_HOME"), config = getenv("XDG_CONFIG_HOME");
-        const std::string recorder = data + "/recorder";
-        write(recorder, "#!/bin/sh\n"
-                        "{ pwd; ls /proc/$$/fd | tr '\\n' ' '; echo; for a; do printf '%s\\036' "
-                        "\"$a\"; done; } >\"$XDG_DATA_HOME/record.new\" 2>&1\n"
-                        "mv \"$XDG_DATA_HOME/record.new\" \"$XDG_DATA_HOME/record\"\n");
-        chmod(recorder.c_str(), 0755);
-        mkdir((data + "/applications").c_str(), 0755);
-        write(data + "/applications/recorder.desktop",
-              "[Desktop Entry]\nType=Application\nName=Recorder\nExec=" + recorder +
-                  " opened %u\nMimeType=text/plain;inode/directory;\n");
-        write(data + "/applications/missing.desktop",
-              "[Desktop Entry]\nType=Application\nName=Missing\nExec=/no/such/program "
-              "%u\nMimeType=application/x-nintendo-ds-rom;\n");
-        write(config + "/mimeapps.list",
-              "[Default Applications]\ntext/plain=recorder.desktop\n"
-              "inode/directory=recorder.desktop\napplication/x-nintendo-ds-rom=missing.desktop\n"
-              "[Added Associations]\ntext/plain=recorder.desktop\n");
+        std::ofstream(data + "/applications/missing.desktop")
+            << "[Desktop Entry]\nType=Application\nName=Missing\nExec=/no/such/program "
+               "%u\nMimeType=application/x-nintendo-ds-rom;\n";
+        std::ofstream(config + "/mimeapps.list", std::ios::app)
+            << "application/x-nintendo-ds-rom=missing.desktop\n"
+               "[Added Associations]\ntext/plain=record.desktop\n";
     }
+    static void TearDownTestSuite() { delete program; }
     void SetUp() override {
         pool = [NSAutoreleasePool new];
-        unlink(record_path().c_str());
+        program->forget();
     }
     void TearDown() override { [pool release]; }
 
-    static void write(const std::string& path, const std::string& content) {
-        std::ofstream(path, std::ios::binary) << content;
-    }
-    static std::string record_path() { return std::string(getenv("XDG_DATA_HOME")) + "/record"; }
-
-    // What the program wrote down, when it has; empty after ten seconds without.
-    static std::string record() {
-        for (int i = 0; i < 1000; i++) {
-            const std::string text = test::read_file(record_path());
-            if (!text.empty()) return text;
-            usleep(10000);
-        }
-        return "";
-    }
     static bool open(const std::string& path) {
         return
             [[NSWorkspace sharedWorkspace] openFile:[NSString stringWithUTF8String:path.c_str()]];
     }
-    static std::string last_argument(const std::string& text) {
-        if (text.empty() || text.back() != '\036') return "no argument: " + text;
-        const std::string arguments = text.substr(0, text.size() - 1);
-        return arguments.substr(arguments.rfind('\036') + 1);
-    }
+    // What the program was given, when it was started.
+    static arguments_t record() { return program->wait(); }
+
+    static test::RecordingProgram* program;
     NSAutoreleasePool* pool;
     test::TempFolder folder;
 };
+
+test::RecordingProgram* OpenFile::program;
 
 }  // namespace
 
 TEST_F(OpenFile, ATextGoesToItsProgramFromTheHomeFolder) {
     const std::string path = folder.file("plain.txt", "hello");
     ASSERT_TRUE(open(path));
-    const std::string text = record();
-    EXPECT_EQ(last_argument(text), path);
-    EXPECT_EQ(text.substr(0, text.find('\n')), getenv("HOME"));
+    EXPECT_EQ(record(), arguments_t({path}));
+    EXPECT_EQ(program->working_folder(), getenv("HOME"));
 }
 
 TEST_F(OpenFile, TheProgramGetsNoneOfOurDescriptors) {
     const int leaked = ::open("/dev/null", 0);
     const int high = fcntl(leaked, F_DUPFD, 90);
     ASSERT_TRUE(open(folder.file("a.txt", "x")));
-    const std::string text = record();
-    EXPECT_EQ(text.find(" 90 "), std::string::npos) << text;
+    ASSERT_FALSE(record().empty());
+    EXPECT_TRUE(program->descriptors().contains(1));
+    EXPECT_FALSE(program->descriptors().contains(90));
     close(high);
     close(leaked);
 }
@@ -103,19 +85,19 @@ TEST_F(OpenFile, ProgramsThatEndLeaveNoChildBehind) {
 
 TEST_F(OpenFile, BlanksNewlinesAndPercentSignsArriveAsTheyAre) {
     ASSERT_TRUE(open(folder.file("a b%20c\nd.txt", "x")));
-    EXPECT_EQ(last_argument(record()), folder.path() + "/a b%20c\nd.txt");
+    EXPECT_EQ(record(), arguments_t({folder.path() + "/a b%20c\nd.txt"}));
 }
 
 TEST_F(OpenFile, BytesThatAreNoTextGoThroughAFileUrl) {
     folder.file("caf\xe9.txt", "x");
     const std::string uri = "file://" + folder.path() + "/caf%E9.txt";
     ASSERT_TRUE(open(uri));
-    EXPECT_EQ(last_argument(record()), folder.path() + "/caf\xe9.txt");
+    EXPECT_EQ(record(), arguments_t({folder.path() + "/caf\xe9.txt"}));
 }
 
 TEST_F(OpenFile, AFolderOpensInTheFileManager) {
     ASSERT_TRUE(open(folder.folder("sub")));
-    EXPECT_EQ(last_argument(record()), folder.path() + "/sub");
+    EXPECT_EQ(record(), arguments_t({folder.path() + "/sub"}));
 }
 
 TEST_F(OpenFile, AnExecutableScriptIsShownAndNotRun) {
@@ -123,28 +105,25 @@ TEST_F(OpenFile, AnExecutableScriptIsShownAndNotRun) {
         folder.file("run.sh", "#!/bin/sh\ntouch " + folder.path() + "/was-run\n");
     chmod(path.c_str(), 0755);
     ASSERT_TRUE(open(path));
-    EXPECT_EQ(last_argument(record()), path);
+    EXPECT_EQ(record(), arguments_t({path}));
     EXPECT_NE(access((folder.path() + "/was-run").c_str(), F_OK), 0);
 }
 
 TEST_F(OpenFile, AnApplicationEntryStartsTheApplication) {
-    const std::string recorder = std::string(getenv("XDG_DATA_HOME")) + "/recorder";
     ASSERT_TRUE(open(folder.file(
-        "app.desktop",
-        "[Desktop Entry]\nType=Application\nName=App\nExec=" + recorder + " one started\n")));
-    EXPECT_EQ(last_argument(record()), "started");
+        "app.desktop", "[Desktop Entry]\nType=Application\nName=App\nExec=" + program->path() +
+                           " one started\n")));
+    EXPECT_EQ(record(), arguments_t({"one", "started"}));
 }
 
 TEST_F(OpenFile, AnApplicationBundleIsStarted) {
-    const std::string recorder = std::string(getenv("XDG_DATA_HOME")) + "/recorder";
-    const std::string program =
-        folder.file("Tool.app/Tool", "#!/bin/sh\nexec '" + recorder + "' bundle\n");
-    chmod(program.c_str(), 0755);
+    const std::string tool =
+        folder.file("Tool.app/Tool", "#!/bin/sh\nexec '" + program->path() + "' bundle\n");
+    chmod(tool.c_str(), 0755);
     folder.file("Tool.app/Resources/Info-gnustep.plist", "{ NSExecutable = Tool; }\n");
     ASSERT_TRUE(open(folder.path("Tool.app")));
-    const std::string text = record();
-    EXPECT_NE(text.find("\nbundle\036"), std::string::npos) << text;
-    EXPECT_EQ(text.substr(0, text.find('\n')), getenv("HOME"));
+    EXPECT_EQ(record(), arguments_t({"bundle"}));
+    EXPECT_EQ(program->working_folder(), getenv("HOME"));
 }
 
 TEST_F(OpenFile, WhatCannotBeOpenedSaysSo) {

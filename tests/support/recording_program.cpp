@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "support/temp_folder.h"
 
@@ -22,19 +23,23 @@ const char separator = '\036';  // stands in no name of a test
 RecordingProgram::RecordingProgram(const std::vector<std::string>& types,
                                    const std::string& field) {
     const fs::path data = getenv("XDG_DATA_HOME"), config = getenv("XDG_CONFIG_HOME");
+    script_ = data / "record";
     record_ = data / "opened";
+    folder_record_ = data / "opened-in";
+    descriptors_record_ = data / "opened-with";
     fs::create_directories(data / "applications");
-    const std::string script = data / "record";
-    // One write for a start, so that a reader sees all of its arguments or none.
-    std::ofstream(script) << "#!/bin/sh\nprintf '%s\\036' \"$@\" >>'" << record_ << "'\n";
-    chmod(script.c_str(), 0755);
+    // Arguments last and in one write, so that who sees one of them can read everything.
+    std::ofstream(script_) << "#!/bin/sh\npwd >'" << folder_record_ << "'\nls /proc/$$/fd >'"
+                           << descriptors_record_ << "'\nprintf '%s\\036' \"$@\" >>'" << record_
+                           << "'\n";
+    chmod(script_.c_str(), 0755);
     std::string list, defaults;
     for (const std::string& type : types) {
         list += type + ";";
         defaults += type + "=record.desktop\n";
     }
     std::ofstream(data / "applications/record.desktop")
-        << "[Desktop Entry]\nType=Application\nName=Record\nExec=" << script << " " << field
+        << "[Desktop Entry]\nType=Application\nName=Record\nExec=" << script_ << " " << field
         << "\nMimeType=" << list << "\n";
     std::ofstream(config / "mimeapps.list") << "[Default Applications]\n" << defaults;
     forget();
@@ -55,6 +60,20 @@ std::vector<std::string> RecordingProgram::wait() const {
     return opened();
 }
 
-void RecordingProgram::forget() { fs::remove(record_); }
+std::string RecordingProgram::working_folder() const {
+    const std::string text = read_file(folder_record_);
+    return text.substr(0, text.rfind('\n'));
+}
+
+std::set<int> RecordingProgram::descriptors() const {
+    std::istringstream text(read_file(descriptors_record_));
+    std::set<int> numbers;
+    for (int number; text >> number;) numbers.insert(number);
+    return numbers;
+}
+
+void RecordingProgram::forget() {
+    for (const auto* file : {&record_, &folder_record_, &descriptors_record_}) fs::remove(*file);
+}
 
 }  // namespace test

@@ -1,16 +1,11 @@
 #include "menus/DVDelvio+Selection.h"
 
 #include <AppKit/ModifierKeys.h>
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
+#include "support/recording_program.h"
 #include "tree/dv_tree.h"
 
 namespace {
@@ -31,32 +26,6 @@ class Selection : public test::MenuTest {
         }
         return names;
     }
-
-    // Makes a program of the test's own the user's program for plain text. It adds its argument to
-    // the file `opened_`, a line each.
-    void install_opener() {
-        opened_ = folder_.path("opened");
-        const std::string program =
-            folder_.file("opener", "#!/bin/sh\nprintf '%s\\n' \"$1\" >>'" + opened_ + "'\n");
-        chmod(program.c_str(), 0755);
-        write_config(getenv("XDG_DATA_HOME") + std::string("/applications/opener.desktop"),
-                     "[Desktop Entry]\nType=Application\nName=Opener\nExec=" + program +
-                         " %f\nMimeType=text/plain;\n");
-        write_config(getenv("XDG_CONFIG_HOME") + std::string("/mimeapps.list"),
-                     "[Default Applications]\ntext/plain=opener.desktop\n");
-    }
-    // All that the opener was given; waits for the first.
-    std::string opened() {
-        for (int i = 0; i < 2000 && test::read_file(opened_).empty(); i++) usleep(10000);
-        return test::read_file(opened_);
-    }
-
-  private:
-    void write_config(const std::string& path, const std::string& text) {
-        std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-        std::ofstream(path) << text;
-    }
-    std::string opened_;
 };
 
 }  // namespace
@@ -125,23 +94,23 @@ TEST_F(Selection, FilesOfTheSelectionAreMarked) {
 }
 
 TEST_F(Selection, PickingAFileOpensIt) {
-    install_opener();
+    const test::RecordingProgram opener({"text/plain"});
     const std::string path = folder_.file("note with blank.txt", "text\n");
     NSMenu* menu = select({path});
     [controller_ dvItemSelected:[menu itemAtIndex:0]];
-    EXPECT_EQ(opened(), path + "\n");
+    EXPECT_EQ(opener.wait(), titles_t({path}));
 }
 
 TEST_F(Selection, PickingAnAliasOpensItsTarget) {
-    install_opener();
+    const test::RecordingProgram opener({"text/plain"});
     const std::string target = folder_.file("target.txt", "text\n");
     NSMenu* menu = select({folder_.link("alias", target)});
     [controller_ dvItemSelected:[menu itemAtIndex:0]];
-    EXPECT_EQ(opened(), target + "\n");
+    EXPECT_EQ(opener.wait(), titles_t({target}));
 }
 
 TEST_F(Selection, ACommandClickOpensNothing) {
-    install_opener();
+    const test::RecordingProgram opener({"text/plain"});
     const std::string first = folder_.file("first.txt", "text\n");
     const std::string second = folder_.file("second.txt", "text\n");
     NSMenu* menu = select({first, second});
@@ -150,7 +119,7 @@ TEST_F(Selection, ACommandClickOpensNothing) {
     SetHeldModifierFlags(0);
     // Opened after it, so that the other would have been seen before.
     [controller_ dvItemSelected:item_titled(menu, "second.txt")];
-    EXPECT_EQ(opened(), second + "\n");
+    EXPECT_EQ(opener.wait(), titles_t({second}));
 }
 
 TEST_F(Selection, ItemsOfOthersDoNothingWhenPicked) {
