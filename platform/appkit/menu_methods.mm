@@ -4,6 +4,7 @@
 
 #include <unordered_map>
 
+#include "appkit/event_loop.h"
 #include "appkit/menu_storage.h"
 #include "appkit/method_patch.h"
 
@@ -30,20 +31,6 @@ void deallocate(NSMenu* self, SEL selector) {
     reinterpret_cast<void (*)(id, SEL)>(stock_deallocate)(self, selector);
 }
 
-// The tracker may be asleep in the event queue.
-void wake_event_loop() {
-    NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0];
-    [NSApp postEvent:event atStart:NO];
-}
-
 }  // namespace
 
 @implementation NSMenu (MacMenuMethods)
@@ -57,6 +44,7 @@ void wake_event_loop() {
     MenuSession* session = [MenuSession sessionOfMenu:self];
     if (!session) return;
     [session cancel];
+    // The tracker may be asleep in the event queue.
     wake_event_loop();
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "appkit/event_loop.h"
 #include "appkit/menu_changes.h"
 #include "appkit/menu_items.h"
 
@@ -59,16 +60,7 @@ void menu_has_changed(NSMenu* menu, NSMenuItem*) {
 // The event ends the wait, the timer makes the run loop look: one that sleeps, or is about to
 // after the timer that calls this, does not see the queue grow.
 - (void)wake {
-    NSEvent* event = [NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0];
-    [NSApp postEvent:event atStart:NO];
+    wake_event_loop();
     NSTimer* timer = [NSTimer timerWithTimeInterval:0
                                              target:self
                                            selector:@selector(awake:)
