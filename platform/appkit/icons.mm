@@ -8,6 +8,7 @@
 
 #include <unordered_map>
 
+#include "appkit/bitmaps.h"
 #include "appkit/icon_names.h"
 #include "appkit/icon_theme.h"
 #include "appkit/method_patch.h"
@@ -24,18 +25,7 @@ const size_t most_icons = 512;
 
 NSBitmapImageRep* bitmap_of(GdkPixbuf* pixbuf) {
     const int width = gdk_pixbuf_get_width(pixbuf), height = gdk_pixbuf_get_height(pixbuf);
-    NSBitmapImageRep* bitmap =
-        [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
-                                                 pixelsWide:width
-                                                 pixelsHigh:height
-                                              bitsPerSample:8
-                                            samplesPerPixel:4
-                                                   hasAlpha:YES
-                                                   isPlanar:NO
-                                             colorSpaceName:NSDeviceRGBColorSpace
-                                               bitmapFormat:NSAlphaNonpremultipliedBitmapFormat
-                                                bytesPerRow:width * 4
-                                               bitsPerPixel:32] autorelease];
+    NSBitmapImageRep* bitmap = make_bitmap(width, height, NSAlphaNonpremultipliedBitmapFormat);
     const int stride = gdk_pixbuf_get_rowstride(pixbuf);
     const guchar* from = gdk_pixbuf_read_pixels(pixbuf);
     for (int y = 0; y < height; y++) {

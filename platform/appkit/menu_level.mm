@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "appkit/bitmaps.h"
 #include "appkit/menu_items.h"
 #include "appkit/menu_level_view.h"
 #include "appkit/menu_windows.h"
@@ -23,17 +24,7 @@ NSRect rectangle(const area_t& area) {
 // The slow way to the window, for a back end whose context cannot be reached.
 void draw_through_bitmap(const menu_scene_t& scene, NSRect dirty) {
     const int width = static_cast<int>(NSWidth(dirty)), height = static_cast<int>(NSHeight(dirty));
-    NSBitmapImageRep* rep =
-        [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
-                                                 pixelsWide:width
-                                                 pixelsHigh:height
-                                              bitsPerSample:8
-                                            samplesPerPixel:4
-                                                   hasAlpha:YES
-                                                   isPlanar:NO
-                                             colorSpaceName:NSDeviceRGBColorSpace
-                                                bytesPerRow:0
-                                               bitsPerPixel:32] autorelease];
+    NSBitmapImageRep* rep = make_bitmap(width, height);
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
     cairo_t* cairo = cairo_create(surface);
     cairo_translate(cairo, -NSMinX(dirty), -NSMinY(dirty));
