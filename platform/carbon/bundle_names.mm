@@ -5,6 +5,7 @@
 #include <stdlib.h>
 
 #include "carbon/small_files.h"
+#include "corefoundation/property_lists.h"
 
 namespace files {
 
@@ -18,17 +19,7 @@ const char* const information_files[] = {"/Resources/Info-gnustep.plist", "/Cont
 NSDictionary* information_in(const std::string& path) {
     std::string content;
     if (!read_small_file(path.c_str(), largest_list, &content)) return nil;
-    NSData* data = [NSData dataWithBytes:content.data() length:content.size()];
-    id list = nil;
-    @try {
-        list = [NSPropertyListSerialization propertyListWithData:data
-                                                         options:NSPropertyListImmutable
-                                                          format:nullptr
-                                                           error:nullptr];
-    } @catch (NSException*) {
-        return nil;
-    }
-    return [list isKindOfClass:[NSDictionary class]] ? list : nil;
+    return read_dictionary([NSData dataWithBytes:content.data() length:content.size()]);
 }
 
 NSString* name_in(NSDictionary* information) {

@@ -6,6 +6,8 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "corefoundation/property_lists.h"
+
 namespace {
 
 const off_t largest_file = 16 << 20;
@@ -66,19 +68,9 @@ bool write_all(int file, const char* bytes, size_t length) {
     return true;
 }
 
-// The dictionary in these bytes of any property list format; nil if there is none.
+// An empty file is an empty dictionary.
 NSDictionary* dictionary_from(NSData* data) {
-    if ([data length] == 0) return [NSDictionary dictionary];
-    id list = nil;
-    @try {
-        list = [NSPropertyListSerialization propertyListWithData:data
-                                                         options:NSPropertyListImmutable
-                                                          format:nullptr
-                                                           error:nullptr];
-    } @catch (NSException*) {
-        return nil;
-    }
-    return [list isKindOfClass:[NSDictionary class]] ? list : nil;
+    return [data length] ? read_dictionary(data) : [NSDictionary dictionary];
 }
 
 // A number that `defaults write` stored counts as that number: it stands there as a string.
