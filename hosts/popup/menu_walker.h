@@ -9,8 +9,14 @@
 
 #include "popup/menu_snapshot.h"
 
+// Opens the session, walks, closes it.
+@interface MenuWalker : NSObject <MenuTracker>
+// What the walk does; here nothing.
+- (void)walk:(MenuSession*)session;
+@end
+
 // Opens levels and reads them.
-@interface MenuReader : NSObject <MenuTracker> {
+@interface MenuReader : MenuWalker {
   @private
     int _depth;
     MenuSnapshot* _snapshot;
@@ -21,7 +27,7 @@
 @end
 
 // Picks an item by the titles that lead to it.
-@interface MenuPicker : NSObject <MenuTracker> {
+@interface MenuPicker : MenuWalker {
   @private
     std::vector<std::string>* _titles;
     std::string* _problem;

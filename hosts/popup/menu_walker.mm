@@ -70,6 +70,24 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     return true;
 }
 
+@implementation MenuWalker
+
+- (void)trackSession:(MenuSession*)session
+               event:(NSEvent*)event
+                view:(NSView*)view
+                font:(NSFont*)font {
+    (void)event, (void)view, (void)font;
+    [session open];
+    [self walk:session];
+    [session close];
+}
+
+- (void)walk:(MenuSession*)session {
+    (void)session;
+}
+
+@end
+
 @implementation MenuReader
 
 - (instancetype)initWithDepth:(int)depth {
@@ -88,14 +106,8 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     return *_snapshot;
 }
 
-- (void)trackSession:(MenuSession*)session
-               event:(NSEvent*)event
-                view:(NSView*)view
-                font:(NSFont*)font {
-    (void)event, (void)view, (void)font;
-    [session open];
+- (void)walk:(MenuSession*)session {
     *_snapshot = read_level(session, [session rootMenu], _depth);
-    [session close];
 }
 
 @end
@@ -119,16 +131,10 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     return *_problem;
 }
 
-- (void)trackSession:(MenuSession*)session
-               event:(NSEvent*)event
-                view:(NSView*)view
-                font:(NSFont*)font {
-    (void)event, (void)view, (void)font;
-    [session open];
+- (void)walk:(MenuSession*)session {
     const std::vector<std::string> way(_titles->begin(), _titles->end() - 1);
     NSMenu* menu = nil;
     if (OpenByTitles(session, way, &menu, _problem)) [self pickIn:menu session:session];
-    [session close];
 }
 
 - (void)pickIn:(NSMenu*)menu session:(MenuSession*)session {
