@@ -14,6 +14,7 @@
 #include "bench/test_folder.h"
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in.h"
+#include "support/right_click.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"
 
@@ -76,22 +77,10 @@ const double paint_limit = 3;
         _menu = [[TContextMenu alloc] initWithTitle:@""];
         [_menu setAutoenablesItems:NO];
         [(NSMenu*)_menu setDelegate:(id)self];
-        NSTimer* timer = [NSTimer timerWithTimeInterval:0.05
-                                                 target:self
-                                               selector:@selector(openLevel:)
-                                               userInfo:nil
-                                                repeats:NO];
-        [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
-        NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                            location:NSMakePoint(100, 400)
-                                       modifierFlags:0
-                                           timestamp:0
-                                        windowNumber:0
-                                             context:nil
-                                         eventNumber:0
-                                          clickCount:1
-                                            pressure:1];
-        [NSMenu popUpContextMenu:_menu withEvent:event forView:nil];
+        test::while_tracking(0.05, self, @selector(openLevel:), NO);
+        [NSMenu popUpContextMenu:_menu
+                       withEvent:test::right_click(NSMakePoint(100, 400))
+                         forView:nil];
         [(NSMenu*)_menu setDelegate:nil];
         [_menu release];
     }

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "desktop/file_window.h"
-#include "desktop/steps.h"
 #include "support/recording_program.h"
+#include "support/steps.h"
 #include "support/temp_folder.h"
 #include "support/x_input.h"
 

@@ -4,38 +4,27 @@
 
 #include <AppKit/AppKit.h>
 
-#include <functional>
 #include <string>
-#include <vector>
 
 #include "appkit/menu_run.h"
+#include "support/steps.h"
 #include "support/x_input.h"
 
 class MenuScript {
   public:
-    typedef std::function<bool()> Condition;
-    typedef std::function<void()> Action;
+    using Condition = test::Steps::Condition;
+    using Action = test::Steps::Action;
 
-    void when(const std::string& name, Condition condition, Action action);
-    // Pops `menu` up at a point of the server and returns when it has closed. Returns the name of
-    // the step whose condition never held, empty if all ran. What is left of a menu that a script
-    // does not close is cancelled.
-    std::string run(NSMenu* menu, int x, int y);
-    // From the timer.
-    void tick();
+    // Conditions are asked only while a menu is open.
+    void when(const std::string& what, Condition condition, Action action);
+    // Pops `menu` up at a point of the server and returns when it has closed. The test fails when
+    // a condition never held.
+    void run(NSMenu* menu, int x, int y);
 
     test::XInput input;
 
   private:
-    struct step_t {
-        std::string name;
-        Condition condition;
-        Action action;
-    };
-    std::vector<step_t> steps_;
-    size_t next_ = 0;
-    int patience_ = 0;
-    bool failed_ = false;
+    test::Steps steps_;
 };
 
 // About the menu on the screen.

@@ -2,69 +2,22 @@
 
 #include <AppKit/MenuTracking.h>
 
-@interface ScriptTimer : NSObject {
-  @private
-    MenuScript* _script;
-}
-- (instancetype)initWithScript:(MenuScript*)script;
-@end
+#include "support/right_click.h"
 
-@implementation ScriptTimer
-
-- (instancetype)initWithScript:(MenuScript*)script {
-    if (!(self = [super init])) return nil;
-    _script = script;
-    return self;
+void MenuScript::when(const std::string& what, Condition condition, Action action) {
+    const auto holds = [condition] {
+        MenuSession* session = [MenuSession current];
+        return session && ![session isEnding] && condition();
+    };
+    steps_.when(what, holds, action);
 }
 
-- (void)tick:(NSTimer*)timer {
-    (void)timer;
-    _script->tick();
-}
-
-@end
-
-void MenuScript::when(const std::string& name, Condition condition, Action action) {
-    steps_.push_back({name, condition, action});
-}
-
-void MenuScript::tick() {
-    MenuSession* session = [MenuSession current];
-    if (!session || [session isEnding]) return;
-    if (next_ < steps_.size() && steps_[next_].condition()) {
-        patience_ = 0;
-        steps_[next_++].action();
-        return;
-    }
-    // Far longer than any of the presenter's own delays, on any machine.
-    if (++patience_ < 3000) return;
-    failed_ = next_ < steps_.size();
-    [session cancel];
-}
-
-std::string MenuScript::run(NSMenu* menu, int x, int y) {
-    ScriptTimer* target = [[[ScriptTimer alloc] initWithScript:this] autorelease];
-    NSTimer* timer = [NSTimer timerWithTimeInterval:0.005
-                                             target:target
-                                           selector:@selector(tick:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
-    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                        location:screen_point({x, y})
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1];
-    @try {
-        [NSMenu popUpContextMenu:menu withEvent:event forView:nil];
-    } @finally {
-        [timer invalidate];
-    }
-    return next_ < steps_.size() ? steps_[next_].name : "";
+void MenuScript::run(NSMenu* menu, int x, int y) {
+    steps_.run_beside([&] {
+        [NSMenu popUpContextMenu:menu
+                       withEvent:test::right_click(screen_point({x, y}))
+                         forView:nil];
+    });
 }
 
 size_t shown_levels() {

@@ -7,6 +7,8 @@
 #include <AppKit/MenuTracking.h>
 #include <stdlib.h>
 
+#include "support/right_click.h"
+
 @interface Demo : NSObject {
   @private
     NSString* _picture;
@@ -132,25 +134,11 @@
     _titles = [NSMutableArray new];
     NSString* open = [[self defaults] stringForKey:@"open"];
     if (open) [_titles addObjectsFromArray:[open componentsSeparatedByString:@"/"]];
-    NSTimer* timer = [NSTimer timerWithTimeInterval:0.15
-                                             target:self
-                                           selector:@selector(step:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
+    test::while_tracking(0.15, self, @selector(step:), YES);
     NSString* at = [[self defaults] stringForKey:@"at"] ?: @"{100, 760}";
-    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                        location:NSPointFromString(at)
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1];
     const double size = [[self defaults] doubleForKey:@"font"];
     [NSMenu popUpContextMenu:[self rootMenu]
-                   withEvent:event
+                   withEvent:test::right_click(NSPointFromString(at))
                      forView:nil
                     withFont:size > 0 ? [NSFont systemFontOfSize:size] : nil];
 }

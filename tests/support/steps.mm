@@ -1,19 +1,17 @@
-#include "desktop/steps.h"
+#include "support/steps.h"
 
 #include <AppKit/AppKit.h>
 #include <AppKit/MenuTracking.h>
 #include <gtest/gtest.h>
 
-namespace test {
+#include "support/right_click.h"
+
+namespace {
 
 // How long a step may wait before the test is given up: a guard, not a measure of speed.
 const NSTimeInterval patience = 30;
 
-struct StepsAccess {
-    static void turn(Steps* steps) { steps->turn(); }
-};
-
-}  // namespace test
+}  // namespace
 
 @interface StepsTimer : NSObject {
   @private
@@ -30,7 +28,7 @@ struct StepsAccess {
 }
 - (void)fire:(NSTimer*)timer {
     (void)timer;
-    test::StepsAccess::turn(_steps);
+    _steps->turn();
 }
 @end
 
@@ -42,34 +40,40 @@ Steps& Steps::when(const std::string& what, Condition condition, Action action) 
 }
 
 void Steps::turn() {
-    if (next_ >= steps_.size()) return;
     if (failed_) {
         [[MenuSession current] cancel];
         return;
     }
+    if (!is_done() && steps_[next_].condition()) {
+        waiting_since_ = 0;
+        steps_[next_++].action();
+        return;
+    }
     const NSTimeInterval now = [NSDate timeIntervalSinceReferenceDate];
     if (waiting_since_ == 0) waiting_since_ = now;
-    Step& step = steps_[next_];
-    if (step.condition()) {
-        ++next_;
-        waiting_since_ = 0;
-        step.action();
-    } else if (now - waiting_since_ > patience) {
-        failed_ = true;
-        ADD_FAILURE() << "waited in vain for: " << step.what;
+    if (now - waiting_since_ <= patience) return;
+    failed_ = true;
+    ADD_FAILURE() << "waited in vain for: " << (is_done() ? "the end" : steps_[next_].what);
+}
+
+void Steps::run_beside(const Action& tracking) {
+    StepsTimer* target = [[[StepsTimer alloc] initWithSteps:this] autorelease];
+    NSTimer* timer = while_tracking(0.005, target, @selector(fire:), YES);
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSDefaultRunLoopMode];
+    @try {
+        tracking();
+    } @finally {
+        [timer invalidate];
     }
+    if (!is_done() && !failed_) ADD_FAILURE() << "never came to: " << steps_[next_].what;
 }
 
 void Steps::run() {
-    StepsTimer* target = [[[StepsTimer alloc] initWithSteps:this] autorelease];
-    NSTimer* timer = [NSTimer timerWithTimeInterval:0.01
-                                             target:target
-                                           selector:@selector(fire:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSDefaultRunLoopMode];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
-    while (next_ < steps_.size() && !(failed_ && ![MenuSession current])) {
+    run_beside([this] { dispatch_events(); });
+}
+
+void Steps::dispatch_events() {
+    while (!is_done() && !(failed_ && ![MenuSession current])) {
         @autoreleasepool {
             NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
                                                 untilDate:[NSDate dateWithTimeIntervalSinceNow:0.02]
@@ -78,7 +82,6 @@ void Steps::run() {
             if (event) [NSApp sendEvent:event];
         }
     }
-    [timer invalidate];
 }
 
 }  // namespace test

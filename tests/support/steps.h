@@ -20,6 +20,11 @@ class Steps {
     // Runs the application until the last step is done. A step that waits longer than
     // the limit fails the test and ends every open menu.
     void run();
+    // The same beside `tracking`, which shows a menu and returns when that has closed. Then every
+    // step must be done; a menu that stays open after the last one fails too. Exceptions pass.
+    void run_beside(const Action& tracking);
+    // From the timer.
+    void turn();
 
   private:
     struct Step {
@@ -27,8 +32,8 @@ class Steps {
         Condition condition;
         Action action;
     };
-    void turn();
-    friend struct StepsAccess;
+    bool is_done() const { return next_ == steps_.size(); }
+    void dispatch_events();
 
     std::vector<Step> steps_;
     size_t next_ = 0;
