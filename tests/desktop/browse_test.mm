@@ -20,64 +20,21 @@ class Browse : public test::Desk {
         folder_.file("project/readme.txt", "r");
         select({folder_.path("project")});
     }
-
-    // The titles of the host's menu as it pops up.
-    titles_t root_titles() {
-        titles_t shown;
-        pop_up([&](Steps& steps) {
-            steps.when(
-                "the menu", [&] { return is_open(0); },
-                [&] {
-                    shown = titles(0);
-                    escape();
-                });
-        });
-        return shown;
-    }
-    // The titles of the project's level.
-    titles_t level_titles() {
-        titles_t shown;
-        pop_up([&](Steps& steps) {
-            steps
-                .when(
-                    "the menu", [&] { return is_open(0); }, [&] { hover("project"); })
-                .when(
-                    "the level", [&] { return is_open(1); },
-                    [&] {
-                        shown = titles(1);
-                        escape();
-                    });
-        });
-        return shown;
-    }
 };
 
 }  // namespace
 
 TEST_F(Browse, ARightClickShowsThePlugInsItemsAboveTheHosts) {
-    EXPECT_EQ(root_titles(), titles_t({"project", "-", "Open", "Get Info", "Duplicate"}));
+    EXPECT_EQ(walk({}), titles_t({"project", "-", "Open", "Get Info", "Duplicate"}));
 }
 
 TEST_F(Browse, HoveringOpensThreeLevelsDownAndAFilePickedThereOpensWithTheDefaultProgram) {
-    pop_up([&](Steps& steps) {
-        steps
-            .when(
-                "the menu", [&] { return is_open(0); }, [&] { hover("project"); })
-            .when(
-                "the first level", [&] { return is_open(1); }, [&] { hover("docs"); })
-            .when(
-                "the second level", [&] { return is_open(2); }, [&] { hover("chapters"); })
-            .when(
-                "the third level", [&] { return is_open(3); }, [&] { click("two.txt"); });
-    });
+    pick({"project", "docs", "chapters", "two.txt"});
     EXPECT_EQ(program().wait(), titles_t({folder_.path("project/docs/chapters/two.txt")}));
 }
 
 TEST_F(Browse, AHostItemPickedReachesTheHost) {
-    pop_up([&](Steps& steps) {
-        steps.when(
-            "the menu", [&] { return is_open(0); }, [&] { click("Get Info"); });
-    });
+    pick({"Get Info"});
     EXPECT_EQ(messages().back(), "picked Get Info");
 }
 
@@ -97,23 +54,23 @@ TEST_F(Browse, ThePointerIsFreeAgainWhenTheMenuHasClosed) {
 
 TEST_F(Browse, ShiftHeldAtThePopupGivesThePlainHostMenu) {
     input().key_down("Shift_L");
-    const titles_t shown = root_titles();
+    const titles_t shown = walk({});
     input().key_up("Shift_L");
     EXPECT_EQ(shown, host_titles());
 }
 
 TEST_F(Browse, SwitchedOffThePlugInLeavesTheHostsMenuAlone) {
     set_preference("delvio_is_on", "0");
-    const titles_t shown = root_titles();
+    const titles_t shown = walk({});
     set_preference("delvio_is_on", "1");
     EXPECT_EQ(shown, host_titles());
 }
 
 TEST_F(Browse, ASettingWrittenByAnotherProgramHoldsFromTheNextMenuOn) {
     folder_.file("project/A.txt");
-    const titles_t grouped = level_titles();
+    const titles_t grouped = walk({"project"});
     set_preference("sort_order", "1");
-    const titles_t mixed = level_titles();
+    const titles_t mixed = walk({"project"});
     set_preference("sort_order", "0");
     EXPECT_EQ(grouped, titles_t({"build", "docs", "-", "A.txt", "readme.txt"}));
     EXPECT_EQ(mixed, titles_t({"A.txt", "build", "docs", "readme.txt"}));
@@ -188,9 +145,8 @@ TEST_F(Browse, TwoNestedTakeOversFreeTheTreesAtTheSecondRelease) {
 TEST_F(Browse, AFolderRemovedWhileItsMenuIsOpenLeavesTheMenuUsable) {
     titles_t shown;
     pop_up([&](Steps& steps) {
+        hover_along(steps, {"project"});
         steps
-            .when(
-                "the menu", [&] { return is_open(0); }, [&] { hover("project"); })
             .when(
                 "the level", [&] { return is_open(1); },
                 [&] {

@@ -32,6 +32,13 @@ class Desk : public testing::Test {
     // The popup's script from the right-click to its end; `within` adds the steps between.
     void pop_up(const std::function<void(Steps&)>& within);
     void right_click();
+    // Steps that hover over these rows, each in the level that the one before opens.
+    void hover_along(Steps& steps, const titles_t& path);
+    // A whole popup: what the level shows that the last row of `path` opens; the host's menu for
+    // none.
+    titles_t walk(const titles_t& path);
+    // A whole popup: clicks on the last row of `path`.
+    void pick(const titles_t& path);
 
     // What is open. Level 0 is the host's menu.
     bool is_open(size_t level) const;

@@ -76,6 +76,37 @@ void Desk::pop_up(const std::function<void(Steps&)>& within) {
     steps_->run();
 }
 
+void Desk::hover_along(Steps& steps, const titles_t& path) {
+    for (size_t level = 0; level < path.size(); level++) {
+        steps.when(
+            "the level of " + path[level], [this, level] { return is_open(level); },
+            [this, title = path[level]] { hover(title); });
+    }
+}
+
+Desk::titles_t Desk::walk(const titles_t& path) {
+    titles_t shown;
+    pop_up([&](Steps& steps) {
+        hover_along(steps, path);
+        steps.when(
+            "the last level", [&] { return is_open(path.size()); },
+            [&] {
+                shown = titles(path.size());
+                escape();
+            });
+    });
+    return shown;
+}
+
+void Desk::pick(const titles_t& path) {
+    pop_up([&](Steps& steps) {
+        hover_along(steps, {path.begin(), path.end() - 1});
+        steps.when(
+            "the level of " + path.back(), [&] { return is_open(path.size() - 1); },
+            [&] { click(path.back()); });
+    });
+}
+
 bool Desk::is_open(size_t level) const {
     const menu_level_t* shown = shown_level(level);
     return shown && !rows_of(shown).empty();

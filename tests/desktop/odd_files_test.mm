@@ -21,33 +21,6 @@ using titles_t = std::vector<std::string>;
 class OddFiles : public test::Desk {
   protected:
     void SetUp() override { select({folder_.folder("top")}); }
-
-    // The level of the selected folder, as shown.
-    titles_t level() {
-        titles_t shown;
-        pop_up([&](Steps& steps) {
-            steps
-                .when(
-                    "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
-                .when(
-                    "the level", [&] { return is_open(1); },
-                    [&] {
-                        shown = titles(1);
-                        escape();
-                    });
-        });
-        return shown;
-    }
-    // Picks this row of the selected folder's level.
-    void pick(const std::string& title) {
-        pop_up([&](Steps& steps) {
-            steps
-                .when(
-                    "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
-                .when(
-                    "the level", [&] { return is_open(1); }, [&] { click(title); });
-        });
-    }
 };
 
 void make_socket(const std::string& path) {
@@ -68,34 +41,20 @@ TEST_F(OddFiles, PipesSocketsAndBrokenLinksAreRowsLikeOthers) {
     folder_.link("top/gone", "nowhere");
     folder_.link("top/loop", "loop");
     folder_.link("top/null", "/dev/null");
-    EXPECT_EQ(level(), titles_t({"a pipe", "a socket", "gone", "loop", "null"}));
+    EXPECT_EQ(walk({"top"}), titles_t({"a pipe", "a socket", "gone", "loop", "null"}));
 }
 
 TEST_F(OddFiles, ALinkToAFolderOpensAsThatFolder) {
     folder_.file("elsewhere/inside.txt");
     folder_.link("top/link", "../elsewhere");
-    titles_t shown;
-    pop_up([&](Steps& steps) {
-        steps
-            .when(
-                "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
-            .when(
-                "the level", [&] { return is_open(1); }, [&] { hover("link"); })
-            .when(
-                "the link's level", [&] { return is_open(2); },
-                [&] {
-                    shown = titles(2);
-                    escape();
-                });
-    });
-    EXPECT_EQ(shown, titles_t({"inside.txt"}));
+    EXPECT_EQ(walk({"top", "link"}), titles_t({"inside.txt"}));
 }
 
 TEST_F(OddFiles, ANameWithControlCharactersIsOneRowAndOpens) {
     folder_.file("top/two\nlines\tand\ra\x1b[31m bell\a.txt", "text");
-    const titles_t shown = level();
+    const titles_t shown = walk({"top"});
     ASSERT_EQ(shown.size(), 1u);
-    pick(shown[0]);
+    pick({"top", shown[0]});
     EXPECT_EQ(program().wait(),
               titles_t({folder_.path("top/two\nlines\tand\ra\x1b[31m bell\a.txt")}));
 }
@@ -103,44 +62,28 @@ TEST_F(OddFiles, ANameWithControlCharactersIsOneRowAndOpens) {
 TEST_F(OddFiles, ANameOf255BytesIsShortenedAndOpensWhole) {
     const std::string name = std::string(251, 'n') + ".txt";
     folder_.file("top/" + name, "text");
-    const titles_t shown = level();
+    const titles_t shown = walk({"top"});
     EXPECT_EQ(shown, titles_t({std::string(16, 'n') + "…" + std::string(12, 'n') + ".txt"}));
-    pick(shown[0]);
+    pick({"top", shown[0]});
     EXPECT_EQ(program().wait(), titles_t({folder_.path("top/" + name)}));
 }
 
 TEST_F(OddFiles, ANameThatIsNotUtf8HasARowAndLeavesTheOthersUsable) {
     folder_.file("top/bad\xff.txt", "text");
     folder_.file("top/good.txt", "text");
-    const titles_t shown = level();
+    const titles_t shown = walk({"top"});
     ASSERT_EQ(shown.size(), 2u);
     EXPECT_EQ(std::count(shown.begin(), shown.end(), "good.txt"), 1);
     EXPECT_EQ(shown[0].rfind("Delvio: No name found?", 0), 0u) << shown[0];
-    pick("good.txt");
+    pick({"top", "good.txt"});
     EXPECT_EQ(program().wait(), titles_t({folder_.path("top/good.txt")}));
 }
 
 TEST_F(OddFiles, AFolderThatMayNotBeReadSaysThatItIsEmpty) {
     folder_.file("top/closed/secret");
     chmod(folder_.path("top/closed").c_str(), 0);
-    titles_t shown;
-    {
-        const test::Unprivileged obeying;
-        pop_up([&](Steps& steps) {
-            steps
-                .when(
-                    "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
-                .when(
-                    "the level", [&] { return is_open(1); }, [&] { hover("closed"); })
-                .when(
-                    "the closed folder's level", [&] { return is_open(2); },
-                    [&] {
-                        shown = titles(2);
-                        escape();
-                    });
-        });
-    }
-    EXPECT_EQ(shown, titles_t({"Folder is empty"}));
+    const test::Unprivileged obeying;
+    EXPECT_EQ(walk({"top", "closed"}), titles_t({"Folder is empty"}));
 }
 
 TEST_F(OddFiles, AFolderOfTenThousandOpensScrollsToItsEndAndCloses) {
@@ -151,9 +94,8 @@ TEST_F(OddFiles, AFolderOfTenThousandOpensScrollsToItsEndAndCloses) {
     titles_t shown;
     std::string last;
     pop_up([&](Steps& steps) {
+        hover_along(steps, {"top"});
         steps
-            .when(
-                "the menu", [&] { return is_open(0); }, [&] { hover("top"); })
             .when(
                 "the level", [&] { return is_open(1); },
                 [&] {
