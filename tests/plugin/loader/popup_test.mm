@@ -247,7 +247,7 @@ TEST_F(Popup, RemovingAllItemsOfAnyOtherMenuJustClearsIt) {
 
 TEST_F(Popup, WritingToAPasteboardTellsTheSelectionAndGivesTheHostsAnswer) {
     const std::string path = folder_.folder("a");
-    id pasteboard = [[class_createInstance([NSPasteboard class], 0) retain] autorelease];
+    id pasteboard = [[NSAllocateObject([NSPasteboard class], 0, nullptr) retain] autorelease];
     walk([&](MenuSession*) {
         NSArray* urls = urls_of({path});
         for (BOOL result : {NO, YES}) {
@@ -265,7 +265,7 @@ TEST_F(Popup, TheFirstOfBothWaysWins) {
     const std::string first = folder_.folder("first"), second = folder_.folder("second");
     walk([&](MenuSession*) {
         configure({first});
-        id pasteboard = [class_createInstance([NSPasteboard class], 0) autorelease];
+        id pasteboard = [NSAllocateObject([NSPasteboard class], 0, nullptr) autorelease];
         [pasteboard writeObjects:urls_of({second})];
         EXPECT_EQ(titles_of(menu_), titles_t({"first", "-", "Open"}));
     });
