@@ -98,7 +98,9 @@ const UniChar* CFStringGetCharactersPtr(CFStringRef string) {
 
 CFStringEncoding CFStringGetFastestEncoding(CFStringRef string) {
     NSString* source = (NSString*)string;
-    const bool ascii = IsNameString(source) && [(NameString*)source isASCII];
+    const bool ascii = IsNameString(source)
+                           ? [(NameString*)source isASCII]
+                           : [source canBeConvertedToEncoding:NSASCIIStringEncoding];
     return ascii ? kCFStringEncodingASCII : kCFStringEncodingUnicode;
 }
 
