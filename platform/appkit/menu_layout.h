@@ -28,6 +28,8 @@ class menu_layout_t {
     void update(NSMenu* menu, NSUInteger modifiers);
     // Whether update() would see other items than it did.
     bool is_stale(NSMenu* menu, NSUInteger modifiers) const;
+    // Those that the rows were chosen for.
+    NSUInteger modifiers() const { return modifiers_; }
 
     const menu_look_t& look() const { return look_; }
     const std::vector<menu_row_t>& rows() const { return rows_; }

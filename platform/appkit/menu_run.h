@@ -53,6 +53,7 @@ class menu_run_t {
     void finish();
     void wait_for_release();
     void synchronize_levels();
+    NSUInteger modifiers_for(size_t index) const;
     bool synchronize_rows(size_t index);
     void follow_rows(size_t index, int row_before);
     void show(size_t index);

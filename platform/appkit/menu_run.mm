@@ -281,12 +281,26 @@ void menu_run_t::show(size_t index) {
     }
 }
 
+// While the user is in a deeper level, the alternate that led there stays, whatever keys are held.
+NSUInteger menu_run_t::modifiers_for(size_t index) const {
+    const menu_level_t& level = *levels_[index];
+    const NSUInteger shown = level.layout().modifiers();
+    if (shown == modifiers_ || index + 1 >= levels_.size()) return modifiers_;
+    if (![session_ highlightedItemOfMenu:levels_[index + 1]->menu()]) return modifiers_;
+    NSMenuItem* parent = parent_item(index + 1);
+    NSArray* items = [level.menu() itemArray];
+    const NSUInteger next = [items indexOfObjectIdenticalTo:parent] + 1;
+    const bool has_alternate = next < [items count] && [static_cast<NSMenuItem*>([items
+                                                           objectAtIndex:next]) isAlternate];
+    return [parent isAlternate] || has_alternate ? shown : modifiers_;
+}
+
 bool menu_run_t::synchronize_rows(size_t index) {
     menu_level_t& level = *levels_[index];
     NSMenuItem* highlighted = [session_ highlightedItemOfMenu:level.menu()];
     const int row = level.layout().row_of(highlighted);
     const int row_open = level.layout().row_of(parent_item(index + 1));
-    if (!level.refresh(modifiers_)) return false;
+    if (!level.refresh(modifiers_for(index))) return false;
     if (level.is_shown()) {
         level.resize();
     } else {
