@@ -1,6 +1,7 @@
 #include "loader/DVDelvio+Proxy.h"
 
 #include "menus/DVDelvio+Population.h"
+#include "menus/DVDelvio+Roots.h"
 #include "menus/DVDelvio+Selection.h"
 #include "support/dv_log.h"
 #include "tree/dv_prefs.h"
@@ -49,6 +50,7 @@ void free_trees(delvio_t* dv) {
     dv->forest = dv_add_to_forest(&dv->custom, dv->forest, dv->count);
     dvFontSize = dv->font_size;
     dv->multiple_selection = 0;
+    [self createUserTrees];
     [self updateProxyMenu];
     if (dvEnableDebugOutput) {
         dvdprintf("Delvio: Created menu %p for main menu %p\n", _proxyMenu, menu);

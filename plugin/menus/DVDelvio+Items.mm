@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+OpenWith.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenu.h"
 #include "menus/DVMenuItem.h"
@@ -127,11 +128,38 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
 - (DVMenuItem*)dvFurnishItem:(DVMenuItem*)item
                       ofElem:(dv_tree_t*)elem
                      inLevel:(const level_t&)level {
-    if (is_document(elem)) return item;
+    if (is_document(elem)) return [self dvFurnishDocumentItem:item ofElem:elem inLevel:level];
     if (is_app_listed(elem)) return [self dvFurnishListedItem:item ofElem:elem inLevel:level];
     if (is_closed(elem, dv)) return [self dvFurnishClosedItem:item ofElem:elem inLevel:level];
     [self createSubmenuForTree:elem andItem:item atLevel:level.number];
     return item;
+}
+
+// A document's open-with submenu is Shift's, or in the root menu its own.
+- (DVMenuItem*)dvFurnishDocumentItem:(DVMenuItem*)item
+                              ofElem:(dv_tree_t*)elem
+                             inLevel:(const level_t&)level {
+    if (is_app_listed(elem)) return item;
+    if (level.is_root && dv->autoOpenWithMenu) {
+        [self createOpenWithSubmenuForItem:item isRootMenu:YES];
+        return item;
+    }
+    // An application that is no container is a document too.
+    [self dvOfferRecentItemsOfElem:elem onItem:item inLevel:level];
+    [self addItem:item toMenu:level.menu];
+    DVMenuItem* openWith = [DVMenuItem createAutoreleasedItemForTree:elem
+                                                              target:self
+                                                           withTitle:nil
+                                                        andModifiers:NSShiftKeyMask];
+    [self createOpenWithSubmenuForItem:openWith isRootMenu:level.is_root];
+    return openWith;
+}
+
+- (void)dvOfferRecentItemsOfElem:(dv_tree_t*)elem
+                          onItem:(DVMenuItem*)item
+                         inLevel:(const level_t&)level {
+    if (elem->kind != DV_KIND_APPLICATION || !dv->showRecentItems) return;
+    [self createRecentSubmenuForTree:elem andItem:item atLevel:level.number];
 }
 
 // An application of a list is an end; a folder of one is read at once, so that none leads nowhere.
@@ -152,6 +180,7 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
 - (DVMenuItem*)dvFurnishClosedItem:(DVMenuItem*)item
                             ofElem:(dv_tree_t*)elem
                            inLevel:(const level_t&)level {
+    [self dvOfferRecentItemsOfElem:elem onItem:item inLevel:level];
     [self addItem:item toMenu:level.menu];
     DVMenuItem* contents = [DVMenuItem createAutoreleasedItemForTree:elem
                                                               target:self

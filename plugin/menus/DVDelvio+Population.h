@@ -23,6 +23,10 @@ struct dv_tree_t;
                         atLevel:(int32_t)level
                      parentMenu:(NSMenu*)parentMenu;
 - (DVMenu*)createSubmenuForTree:(dv_tree_t*)tree andItem:(NSMenuItem*)item atLevel:(int32_t)level;
+// A submenu of an application's recent documents; nil, and none on the item, when it has none.
+- (DVMenu*)createRecentSubmenuForTree:(dv_tree_t*)tree
+                              andItem:(NSMenuItem*)item
+                              atLevel:(int32_t)level;
 - (NSMenuItem*)createAutoreleasedEmptyFolderItem;
 
 // The path of an element, an alias's target; nil without one.

@@ -4,6 +4,8 @@
 
 #include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Items.h"
+#include "menus/DVDelvio+OpenWith.h"
+#include "menus/DVDelvio+Roots.h"
 #include "menus/DVMenu.h"
 #include "menus/DVMenuItem.h"
 #include "support/dv_log.h"
@@ -71,7 +73,10 @@
         if (dvEnableDebugOutput) dvdprintf("Delvio: Forward menuWillOpen: %d\n", responds);
         if (responds) [previousDelegate menuWillOpen:menu];
     }
-    if ([menu isKindOfClass:[DVMenu class]]) [self populateMenu:static_cast<DVMenu*>(menu)];
+    if (![menu isKindOfClass:[DVMenu class]]) return;
+    DVMenu* level = static_cast<DVMenu*>(menu);
+    if ([level dvNeedsOpenWithHead]) [self dvAddOpenWithHeadToMenu:level];
+    [self populateMenu:level];
 }
 
 - (void)populateMenu:(DVMenu*)menu {
@@ -123,6 +128,19 @@
 
 - (DVMenu*)createSubmenuForTree:(dv_tree_t*)tree andItem:(NSMenuItem*)item atLevel:(int32_t)level {
     return [self createSubmenuForTree:tree andItem:item atLevel:level parentMenu:nil];
+}
+
+- (DVMenu*)createRecentSubmenuForTree:(dv_tree_t*)tree
+                              andItem:(NSMenuItem*)item
+                              atLevel:(int32_t)level {
+    dv_tree_t* recent = [self getRecentItemsForElem:tree];
+    if (!recent) return nil;
+    dv_tree_t* copy = dv_copy_elem(tree);
+    copy->children = recent;
+    for (dv_tree_t* child = recent; child; child = child->next) child->parent = copy;
+    copy->next = dv->copies;
+    dv->copies = copy;
+    return [self createSubmenuForTree:copy andItem:item atLevel:level];
 }
 
 - (NSMenuItem*)createAutoreleasedEmptyFolderItem {

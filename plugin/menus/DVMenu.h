@@ -15,6 +15,7 @@ struct dv_tree_t;
     BOOL _dvIsPreviewMenu;
     int32_t _dvFolderLevel;
     int32_t _dvOpenWithIsAttachedToRoot;
+    BOOL _dvNeedsOpenWithHead;
 }
 // Not owned: not to be followed after the menu has closed.
 @property (assign, nonatomic) dv_tree_t* tree;
@@ -28,6 +29,8 @@ struct dv_tree_t;
 @property (assign, nonatomic) int32_t dvFolderLevel;
 // Non-zero: the open-with submenu that this menu belongs to is the root menu's.
 @property (assign, nonatomic) int32_t dvOpenWithIsAttachedToRoot;
+// An open-with submenu whose first lines are still to be made.
+@property (assign, nonatomic) BOOL dvNeedsOpenWithHead;
 
 - (instancetype)initWithTitle:(NSString*)title tree:(dv_tree_t*)tree andLevel:(int32_t)level;
 // The same at level 0.

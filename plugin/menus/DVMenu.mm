@@ -7,6 +7,7 @@
 @synthesize dvIsPreviewMenu = _dvIsPreviewMenu;
 @synthesize dvFolderLevel = _dvFolderLevel;
 @synthesize dvOpenWithIsAttachedToRoot = _dvOpenWithIsAttachedToRoot;
+@synthesize dvNeedsOpenWithHead = _dvNeedsOpenWithHead;
 
 - (instancetype)initWithTitle:(NSString*)title tree:(dv_tree_t*)tree andLevel:(int32_t)level {
     self = [super initWithTitle:title];

@@ -1,0 +1,16 @@
+// The root trees of the state record, built for each menu: the user's folders, the open-with folder
+// and the running applications. Main thread.
+#pragma once
+
+#include "loader/DVDelvio.h"
+
+struct dv_tree_t;
+
+@interface DVDelvio (RootTrees)
+// Fills the slots that are empty. Needs the settings to have been read.
+- (void)createUserTrees;
+// The running applications that have a place in the Dock, by name.
+- (void)createRunningAppsList;
+// A new chain of an application's recent documents, which the caller owns; null without any.
+- (dv_tree_t*)getRecentItemsForElem:(dv_tree_t*)elem;
+@end
