@@ -40,10 +40,19 @@ struct MenuCommand : testing::Test {
         return json::parse(outcome.out);
     }
 
-    // The titles of a level, "-" for a separator.
+    // What a level shows while no key is held.
+    static json shown(const json& items) {
+        json result = json::array();
+        for (const json& item : items) {
+            if (item["type"] == "separator" || !item["alternate"]) result.push_back(item);
+        }
+        return result;
+    }
+
+    // The titles shown of a level, "-" for a separator.
     static Words titles(const json& items) {
         Words result;
-        for (const json& item : items) {
+        for (const json& item : shown(items)) {
             result.push_back(item["type"] == "separator" ? "-" : item["title"].get<std::string>());
         }
         return result;
@@ -121,8 +130,39 @@ TEST_F(MenuCommand, PrintsTheMenuAsATree) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out,
-              "top >\n    sub >\n        a.txt\n--------\nOpen\nShow in File Manager\n"
-              "Copy Path\n--------\nMove to Trash\n");
+              "top >\n    sub >\n        a.txt\n        a.txt > [shift]\n--------\nOpen\n"
+              "Show in File Manager\nCopy Path\n--------\nMove to Trash\n");
+}
+
+TEST_F(MenuCommand, ShowsTheUsersFoldersWithSeparatorsAsSet) {
+    const std::string a = folder.folder("A"), b = folder.folder("B"), c = folder.folder("C");
+    const Outcome set =
+        run_delvio({"settings", "set", "folders", "-", a, folder.path("gone"), b, "-", "-", c});
+    EXPECT_EQ(set.status, 0) << set.err;
+    const Words above = titles(menu_json({folder.folder("top")}));
+    const Words below =
+        titles(menu_json({"--setting", "custom_folder_order=0", folder.path("top")}));
+    run_delvio({"settings", "reset", "folders"});
+    Words expected = {"A", "B", "-", "C", "-", "top", "-"};
+    expected.insert(expected.end(), host_titles.begin(), host_titles.end());
+    EXPECT_EQ(above, expected);
+    expected = {"top", "-", "A", "B", "-", "C", "-"};
+    expected.insert(expected.end(), host_titles.begin(), host_titles.end());
+    EXPECT_EQ(below, expected);
+}
+
+TEST_F(MenuCommand, OpensASelectedFileWithAnApplicationOfTheOpenWithFolder) {
+    const test::RecordingProgram program("text/plain");
+    const fs::path entry = fs::path(getenv("XDG_DATA_HOME")) / "applications/record.desktop";
+    folder.folder("apps");
+    fs::copy_file(entry, folder.path("apps/record.desktop"));
+    const std::string setting = "open_with_path=" + folder.path("apps");
+    const std::string file = folder.file("note", "text\n");
+    const json items = menu_json(
+        {"--setting", setting, "--setting", "runningAppsInOpenWithMenu=0", "--depth", "1", file});
+    EXPECT_EQ(titles(level(items, "note")), Words({"Open selection with...", "-", "Record"}));
+    EXPECT_EQ(menu({"--setting", setting, "--pick", "note", "--pick", "Record", file}).status, 0);
+    EXPECT_EQ(program.opened(), file);
 }
 
 TEST_F(MenuCommand, ListsSelectedFoldersBeforeFilesEachInTheirOrder) {
@@ -193,7 +233,7 @@ TEST_F(MenuCommand, BearsStrangeNames) {
     mkfifo(folder.path("top/fifo").c_str(), 0600);
     folder.link("top/loop", "loop");
     folder.link("top/gone", "nowhere");
-    const json items = level(menu_json({"--depth", "3", folder.path("top")}), "top");
+    const json items = shown(level(menu_json({"--depth", "3", folder.path("top")}), "top"));
     EXPECT_EQ(items.size(), 6u);
     EXPECT_EQ(item(items, "two\nlines")["path"], folder.path("top/two\nlines"));
     EXPECT_EQ(item(items, "fifo")["path"], folder.path("top/fifo"));

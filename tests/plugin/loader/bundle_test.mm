@@ -25,10 +25,11 @@ using lines_t = std::vector<std::string>;
 
 std::string log_file() { return getenv("HOME") + std::string("/Library/Logs/Delvio.log"); }
 
-void set_log_level(int level) {
-    ForcePreference(CFSTR("logLevel"), (CFPropertyListRef)[NSNumber numberWithInt:level],
+void set_number(CFStringRef key, int number) {
+    ForcePreference(key, (CFPropertyListRef)[NSNumber numberWithInt:number],
                     CFSTR("org.delvio.Delvio"));
 }
+void set_log_level(int level) { set_number(CFSTR("logLevel"), level); }
 
 NSMenuItem* item_titled(NSMenu* menu, NSString* title) {
     return static_cast<NSMenuItem*>([menu itemWithTitle:title]);
@@ -74,6 +75,10 @@ class Bundle : public testing::Test {
         test::start_application();
         std::filesystem::create_directories(std::filesystem::path(log_file()).parent_path());
         set_log_level(2);
+        // Not those of the machine that the test runs on.
+        set_number(CFSTR("runningAppsInOpenWithMenu"), 0);
+        ForcePreference(CFSTR("open_with_path"), (CFPropertyListRef) @"/nowhere",
+                        CFSTR("org.delvio.Delvio"));
         std::string problem;
         ASSERT_TRUE(LoadPlugIn(DELVIO_BUNDLE, &problem)) << problem;
         fflush(nullptr);
@@ -164,6 +169,10 @@ lines_t Bundle::other_lines() {
     std::ostringstream expected;
     expected
         << "Delvio: Sep submenu: 0 Delegate: HOST\n"
+           "Delvio: Adding user directories: (nil)\n"
+           "Delvio: Creating open-with menu..\n"
+           "Delvio: Creating running apps list: (nil) 0\n"
+           "Delvio: Done handling user dirs\n"
            "Delvio: Inserting items (nil) into menu MENU..\n"
            "Delvio: Done updating menu\n"
         << separator
@@ -211,6 +220,7 @@ lines_t Bundle::other_lines() {
            "Delvio: Building new level: * *\n"
            "Delvio: Populating menu with *; already populated? 0\n"
            "Delvio: Inserting items * into menu *..\n"
+           "Delvio: Add item 'inside' to menu * [root = MENU]\n"
            "Delvio: Add item 'inside' to menu * [root = MENU]\n"
            "Delvio: Done updating menu\n"
            "Delvio: Level built: * *\n"

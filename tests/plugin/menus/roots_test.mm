@@ -1,0 +1,319 @@
+#include "menus/DVDelvio+Roots.h"
+
+#include <CoreFoundation/ForcedPreferences.h>
+#include <stdio.h>
+#include <stdlib.h>
+
+#include "menus/DVDelvio+Population.h"
+#include "menus/DVMenu.h"
+#include "menus/DVMenuItem.h"
+#include "plugin/menu_fixture.h"
+#include "tree/dv_prefs.h"
+#include "tree/dv_roots.h"
+#include "tree/dv_scan.h"
+#include "tree/dv_tree.h"
+
+namespace {
+
+using test::item_titled;
+using test::string_of;
+using test::titles_of;
+using test::titles_t;
+
+titles_t paths_of(const dv_tree_t* chain) {
+    titles_t paths;
+    for (; chain; chain = chain->next) {
+        char* path = dv_path_for_elem(chain, 0, 1);
+        paths.push_back(path);
+        free(path);
+    }
+    return paths;
+}
+
+NSData* bookmark_of(const std::string& path) {
+    NSString* address = [[NSURL fileURLWithPath:string_of(path)] absoluteString];
+    return [address dataUsingEncoding:NSUTF8StringEncoding];
+}
+
+class Roots : public test::MenuTest {
+  protected:
+    ~Roots() override { forget_recent(); }
+
+    NSArray* array_of(const std::vector<std::string>& entries) {
+        NSMutableArray* array = [NSMutableArray array];
+        for (const std::string& entry : entries) [array addObject:string_of(entry)];
+        return array;
+    }
+    // What a take-over writes to standard output.
+    std::string output_of_take_over() {
+        testing::internal::CaptureStdout();
+        take_over();
+        fflush(stdout);
+        return testing::internal::GetCapturedStdout();
+    }
+    std::string debug_lines_of_take_over() {
+        set("logLevel", 1);
+        const std::string lines = output_of_take_over();
+        set("logLevel", 0);
+        return lines;
+    }
+
+    // An application bundle with an identifier of its own.
+    std::string application(const std::string& name) {
+        folder_.file(name + "/Resources/Info-gnustep.plist",
+                     "{ CFBundleIdentifier = \"org.example.Tool\"; }");
+        return folder_.path(name);
+    }
+    void set_recent(id value) {
+        ForcePreference(CFSTR("RecentDocuments"), (CFPropertyListRef)value,
+                        CFSTR("org.example.Tool.LSSharedFileList"));
+    }
+    void set_recent_bookmarks(NSArray* bookmarks) {
+        NSMutableArray* items = [NSMutableArray array];
+        for (id bookmark in bookmarks) [items addObject:@{@"Bookmark" : bookmark}];
+        set_recent(@{@"CustomListItems" : items});
+    }
+    void forget_recent() { set_recent(nil); }
+};
+
+}  // namespace
+
+TEST_F(Roots, SeparatorsMarkTheFolderBeforeThem) {
+    const std::string a = folder_.folder("A"), b = folder_.folder("B");
+    set("folders", array_of({"-", a, "-", "-", b}));
+    NSMenu* menu = take_over();
+    ASSERT_EQ(paths_of(dv_->custom), titles_t({a + "/", b + "/"}));
+    EXPECT_EQ(dv_->custom->origin,
+              static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER | DV_ORIGIN_SEPARATOR_AFTER));
+    EXPECT_EQ(dv_->custom->next->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER));
+    EXPECT_EQ(titles_of(menu), titles_t({"A", "-", "B", "-"}));
+}
+
+TEST_F(Roots, ASeparatorWithoutAFolderBeforeItIsIgnored) {
+    set("folders", array_of({"-", "-"}));
+    EXPECT_EQ(titles_of(take_over()), titles_t({"-"}));
+    EXPECT_EQ(dv_->custom, nullptr);
+}
+
+TEST_F(Roots, AUserFolderIsALevelThatIsRead) {
+    const std::string a = folder_.folder("A");
+    folder_.file("A/inside");
+    set("folders", array_of({a + "/"}));
+    NSMenu* menu = take_over();
+    ASSERT_NE(dv_->custom->children, nullptr);
+    EXPECT_EQ(dv_->custom->children->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER));
+    EXPECT_EQ(titles_of(open(menu, "A")), titles_t({"inside", "inside"}));
+}
+
+TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
+    const std::string file = folder_.file("text");
+    const std::string target = folder_.folder("target");
+    folder_.file("target/inside");
+    const std::string link = folder_.link("link", target);
+    set("folders", array_of({file, link}));
+    NSMenu* menu = take_over();
+    ASSERT_NE(dv_->custom, nullptr);
+    EXPECT_EQ(paths_of(dv_->custom).front(), file);
+    EXPECT_NE(item_titled(menu, "text"), nil);
+    EXPECT_EQ(titles_of(open(menu, "link")), titles_t({"inside", "inside"}));
+}
+
+TEST_F(Roots, BadEntriesAreSkippedWithTheirMessagesAndTheOthersStay) {
+    const std::string a = folder_.folder("A"), b = folder_.folder("B");
+    NSString* longest = [@"/" stringByPaddingToLength:DV_PATH_BUFFER_SIZE
+                                           withString:@"x"
+                                      startingAtIndex:0];
+    set("folders",
+        @[ string_of(a), @7, @"", longest, string_of(folder_.path("missing")), string_of(b) ]);
+    const std::string lines = debug_lines_of_take_over();
+    EXPECT_EQ(paths_of(dv_->custom), titles_t({a + "/", b + "/"}));
+    EXPECT_EQ(titles_of(host_menu_), titles_t({"A", "B", "-"}));
+    for (const std::string& message : {
+             std::string("Delvio: There are 6 paths to consider.\n"),
+             std::string("Delvio: Error, user path is not a CFString?\n"),
+             std::string("Delvio: Attempting to add user dir ''\n"),
+             std::string("Delvio: Failed to add a custom directory - CFStringGetCString returns "
+                         "true, but string length is 0.\n"),
+             std::string("Delvio: Warning, failed to add custom directory: String conversion "
+                         "failed!\n"),
+             "Delvio: Attempting to add user dir '" + folder_.path("missing") + "'\n",
+             std::string("Delvio: No tree built; creating single item instead.\n"),
+             "Delvio: Root:  NONE  - " + folder_.path("missing") + " | 0\n",
+             "Delvio: Root: A - " + a + " | 0\n",
+         }) {
+        EXPECT_NE(lines.find(message), std::string::npos) << message << "not in\n" << lines;
+    }
+}
+
+TEST_F(Roots, TwoMessagesOfBadEntriesNeedNoLogging) {
+    NSString* longest = [@"/" stringByPaddingToLength:DV_PATH_BUFFER_SIZE
+                                           withString:@"x"
+                                      startingAtIndex:0];
+    set("folders", @[ @7, @"", longest ]);
+    EXPECT_EQ(output_of_take_over(),
+              "Delvio: Failed to add a custom directory - CFStringGetCString returns true, but "
+              "string length is 0.\n"
+              "Delvio: Warning, failed to add custom directory: String conversion failed!\n");
+    EXPECT_EQ(dv_->custom, nullptr);
+}
+
+TEST_F(Roots, AFoldersValueThatIsNoListGivesNoFolders) {
+    set("folders", string_of(folder_.folder("A")));
+    EXPECT_EQ(titles_of(take_over()), titles_t({"-"}));
+    EXPECT_EQ(dv_->custom, nullptr);
+}
+
+TEST_F(Roots, ScanFlagsAndOriginOfTheCallerAreAdded) {
+    const std::string a = folder_.folder("A");
+    folder_.folder("A/folder");
+    const std::string file = folder_.file("A/text");
+    set("folders", array_of({a, file}));
+    take_over();
+    dv_tree_t *current = nullptr, *tail = nullptr, *head = nullptr;
+    dv_add_user_directories(dv_, &current, &tail, &head, DV_SCAN_FOLDERS_ONLY, DV_ORIGIN_MOVE_COPY);
+    ASSERT_EQ(paths_of(head), titles_t({a + "/", file}));
+    EXPECT_EQ(current, tail);
+    EXPECT_EQ(tail, head->next);
+    EXPECT_EQ(head->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER | DV_ORIGIN_MOVE_COPY));
+    EXPECT_EQ(paths_of(head->children), titles_t({a + "/folder"}));
+    dv_free_tree(head);
+}
+
+TEST_F(Roots, AChainThatIsStillThereIsWarnedOf) {
+    set("folders", array_of({folder_.folder("A")}));
+    take_over();
+    set("folders", array_of({}));
+    set("logLevel", 1);
+    dv_read_prefs(dv_, 0);
+    dv_tree_t* before = dv_->custom;
+    testing::internal::CaptureStdout();
+    [controller_ createUserTrees];
+    fflush(stdout);
+    const std::string lines = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(lines.rfind("Delvio: WARNING; we still have a valid custom-folders pointer..\n", 0),
+              0u)
+        << lines;
+    EXPECT_EQ(dv_->custom, before);
+}
+
+TEST_F(Roots, TheOpenWithFolderIsALevelThatIsRead) {
+    const std::string path = folder_.folder("Prögramme");
+    folder_.file("Prögramme/Edit.app/inside");
+    set("open_with_path", string_of(path));
+    take_over();
+    ASSERT_EQ(paths_of(dv_->open_with), titles_t({path + "/"}));
+    EXPECT_EQ(dv_->open_with->origin, static_cast<uint32_t>(DV_ORIGIN_APP_LIST));
+    EXPECT_EQ(paths_of(dv_->open_with->children), titles_t({path + "/Edit.app"}));
+    EXPECT_EQ(dv_->open_with->children->origin, static_cast<uint32_t>(DV_ORIGIN_APP_LIST));
+}
+
+TEST_F(Roots, AnEmptyOrTooLongOrAbsentOpenWithPathMeansApplications) {
+    dv_tree_t* standard = dv_build_tree("/Applications", 0, 1, 0, DV_ORIGIN_APP_LIST);
+    const titles_t expected = paths_of(standard);
+    dv_free_tree(standard);
+    NSString* longest = [@"/" stringByPaddingToLength:DV_PATH_BUFFER_SIZE
+                                           withString:@"/"
+                                      startingAtIndex:0];
+    for (id path in @[ @"", longest, @7 ]) {
+        set("open_with_path", path);
+        take_over();
+        EXPECT_EQ(paths_of(dv_->open_with), expected);
+        release();
+    }
+}
+
+TEST_F(Roots, AFullOpenWithSlotIsKept) {
+    set("open_with_path", string_of(folder_.folder("apps")));
+    take_over();
+    dv_tree_t* before = dv_->open_with;
+    [controller_ createUserTrees];
+    EXPECT_EQ(dv_->open_with, before);
+}
+
+TEST_F(Roots, AllSlotsAreEmptyAfterTheMenu) {
+    set("open_with_path", string_of(folder_.folder("apps")));
+    set("folders", array_of({folder_.folder("A")}));
+    take_over();
+    release();
+    EXPECT_EQ(dv_->custom, nullptr);
+    EXPECT_EQ(dv_->open_with, nullptr);
+    EXPECT_EQ(dv_->running_apps, nullptr);
+    EXPECT_EQ(dv_->copies, nullptr);
+}
+
+TEST_F(Roots, RunningApplicationsAreLeftOutWhenAsked) {
+    set("runningAppsInOpenWithMenu", 0);
+    const std::string lines = debug_lines_of_take_over();
+    EXPECT_EQ(dv_->running_apps, nullptr);
+    EXPECT_NE(lines.find("Delvio: Creating running apps list: (nil) 0\n"), std::string::npos);
+    EXPECT_EQ(lines.find("Delvio: Added "), std::string::npos);
+}
+
+TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
+    const std::string tool = application("Tool.app");
+    const std::string b = folder_.file("b.txt"), a = folder_.file("a.txt");
+    set_recent_bookmarks(@[ bookmark_of(b), bookmark_of(folder_.path("gone")), bookmark_of(a) ]);
+    NSMenu* menu = select({tool});
+    DVMenuItem* item = static_cast<DVMenuItem*>(item_titled(menu, "Tool.app"));
+    NSMenu* recent = open(item);
+    EXPECT_EQ(titles_of(recent), titles_t({"b.txt", "b.txt", "a.txt", "a.txt"}));
+    ASSERT_NE(dv_->copies, nullptr);
+    EXPECT_EQ([static_cast<DVMenu*>(recent) tree], dv_ -> copies);
+    EXPECT_NE(dv_->copies, [item tree]);
+    EXPECT_EQ(dv_->copies->children->origin, [item tree]->origin);
+    EXPECT_EQ(dv_->copies->children->parent, dv_->copies);
+    // The contents stand behind Option, as ever.
+    EXPECT_NE([test::alternate_of(menu, "Tool.app") submenu], nil);
+}
+
+TEST_F(Roots, RecentDocumentsThatAreHiddenAreLeftOut) {
+    const std::string tool = application("Tool.app");
+    const std::string a = folder_.file("a"), b = folder_.file("b");
+    if (!folder_.finder_info("a", 0x4000)) GTEST_SKIP() << "no extended attributes here";
+    set_recent_bookmarks(@[ bookmark_of(a), bookmark_of(b) ]);
+    take_over();
+    dv_tree_t* elem = dv_build_single_elem(tool.c_str(), 0, 0);
+    dv_tree_t* recent = [controller_ getRecentItemsForElem:elem];
+    EXPECT_EQ(paths_of(recent), titles_t({b}));
+    dv_free_tree(recent);
+    dv_free_tree(elem);
+}
+
+TEST_F(Roots, WithoutRecentDocumentsThereIsNoSubmenu) {
+    const std::string tool = application("Tool.app");
+    NSArray* values = @[
+        @"text", @{}, @{@"CustomListItems" : @"text"},
+        @{@"CustomListItems" : @[]},
+        @{@"CustomListItems" : @[ @"text", @{}, @{@"Bookmark" : @"text"} ]},
+        @{@"CustomListItems" : @[ @{@"Bookmark" : [NSData data]} ]},
+        @{@"CustomListItems" : @[ @{@"Bookmark" : bookmark_of(folder_.path("gone"))} ]}
+    ];
+    for (id value in values) {
+        set_recent(value);
+        NSMenu* menu = select({tool});
+        EXPECT_EQ([item_titled(menu, "Tool.app") submenu], nil) << [[value description] UTF8String];
+        EXPECT_EQ(dv_->copies, nullptr);
+        release();
+    }
+}
+
+TEST_F(Roots, RecentDocumentsAreNotOfferedWhenAskedNotTo) {
+    const std::string tool = application("Tool.app");
+    set_recent_bookmarks(@[ bookmark_of(folder_.file("a")) ]);
+    set("showRecentItems", 0);
+    EXPECT_EQ([item_titled(select({tool}), "Tool.app") submenu], nil);
+}
+
+TEST_F(Roots, AnElementThatIsNoBundleHasNoRecentDocuments) {
+    take_over();
+    const std::string path = folder_.path("gone.app");
+    dv_tree_t* elem = dv_create_elem(dv_create_single_dir(path.c_str()), "", 0, 0);
+    set("logLevel", 1);
+    dv_read_prefs(dv_, 0);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ([controller_ getRecentItemsForElem:elem], nullptr);
+    fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Delvio: No app bundle for path '" + path + "'\n");
+    dv_free_tree(elem);
+}
