@@ -247,7 +247,7 @@ TEST_F(Popup, RemovingAllItemsOfAnyOtherMenuJustClearsIt) {
 
 TEST_F(Popup, WritingToAPasteboardTellsTheSelectionAndGivesTheHostsAnswer) {
     const std::string path = folder_.folder("a");
-    id pasteboard = [[NSAllocateObject([NSPasteboard class], 0, nullptr) retain] autorelease];
+    id pasteboard = [NSAllocateObject([NSPasteboard class], 0, nullptr) autorelease];
     walk([&](MenuSession*) {
         NSArray* urls = urls_of({path});
         for (BOOL result : {NO, YES}) {
