@@ -152,7 +152,7 @@ TEST_F(MenuCommand, ShowsTheUsersFoldersWithSeparatorsAsSet) {
 }
 
 TEST_F(MenuCommand, OpensASelectedFileWithAnApplicationOfTheOpenWithFolder) {
-    const test::RecordingProgram program("text/plain");
+    const test::RecordingProgram program({"text/plain"});
     const fs::path entry = fs::path(getenv("XDG_DATA_HOME")) / "applications/record.desktop";
     folder.folder("apps");
     fs::copy_file(entry, folder.path("apps/record.desktop"));
@@ -162,7 +162,7 @@ TEST_F(MenuCommand, OpensASelectedFileWithAnApplicationOfTheOpenWithFolder) {
         {"--setting", setting, "--setting", "runningAppsInOpenWithMenu=0", "--depth", "1", file});
     EXPECT_EQ(titles(level(items, "note")), Words({"Open selection with...", "-", "Record"}));
     EXPECT_EQ(menu({"--setting", setting, "--pick", "note", "--pick", "Record", file}).status, 0);
-    EXPECT_EQ(program.opened(), file);
+    EXPECT_EQ(program.wait(), Words({file}));
 }
 
 TEST_F(MenuCommand, ListsSelectedFoldersBeforeFilesEachInTheirOrder) {
