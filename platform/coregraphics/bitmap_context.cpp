@@ -1,0 +1,89 @@
+#include "coregraphics/bitmap_context.h"
+
+#include <CoreGraphics/CGBitmapContext.h>
+#include <string.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// cairo's limit.
+constexpr size_t longest_side = 32767;
+
+// Between the Mac's bytes alpha, red, green, blue and cairo's pixels, which are whole words.
+uint32_t swapped(uint32_t pixel) {
+    if constexpr (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__) return pixel;
+    return pixel << 24 | (pixel & 0xff00) << 8 | (pixel >> 8 & 0xff00) | pixel >> 24;
+}
+
+void copy_swapped(const uint8_t* from, uint8_t* to, int count) {
+    for (int i = 0; i < count; i++) {
+        uint32_t pixel;
+        memcpy(&pixel, from + i * 4, 4);
+        pixel = swapped(pixel);
+        memcpy(to + i * 4, &pixel, 4);
+    }
+}
+
+struct pixels_t {
+    unsigned char* data;
+    int width, height, stride;
+};
+
+pixels_t pixels_of(CGContextRef context) {
+    cairo_surface_t* surface = cairo_get_target(context->cairo);
+    cairo_surface_flush(surface);
+    return {cairo_image_surface_get_data(surface), cairo_image_surface_get_width(surface),
+            cairo_image_surface_get_height(surface), cairo_image_surface_get_stride(surface)};
+}
+
+void load_bitmap(CGContextRef context) {
+    const pixels_t pixels = pixels_of(context);
+    for (int y = 0; y < pixels.height; y++) {
+        copy_swapped(context->bitmap.data + y * context->bitmap.bytes_per_row,
+                     pixels.data + y * pixels.stride, pixels.width);
+    }
+    cairo_surface_mark_dirty(cairo_get_target(context->cairo));
+}
+
+int bounded(double value, int limit) {
+    return static_cast<int>(std::max(0.0, std::min(value, double(limit))));
+}
+
+}  // namespace
+
+void store_bitmap(CGContextRef context, const extents_t& extents) {
+    const pixels_t pixels = pixels_of(context);
+    const int left = bounded(std::floor(extents.left), pixels.width);
+    const int right = bounded(std::ceil(extents.right), pixels.width);
+    const int bottom = bounded(std::ceil(extents.bottom), pixels.height);
+    for (int y = bounded(std::floor(extents.top), pixels.height); y < bottom; y++) {
+        copy_swapped(pixels.data + y * pixels.stride + left * 4,
+                     context->bitmap.data + y * context->bitmap.bytes_per_row + left * 4,
+                     std::max(0, right - left));
+    }
+}
+
+CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
+                                   size_t bytesPerRow, CGColorSpaceRef space,
+                                   CGBitmapInfo bitmapInfo) {
+    if (!data || !space || bitsPerComponent != 8) return nullptr;
+    if (bitmapInfo != kCGImageAlphaPremultipliedFirst) return nullptr;
+    if (width == 0 || height == 0 || width > longest_side || height > longest_side) return nullptr;
+    if (bytesPerRow / 4 < width) return nullptr;
+    cairo_surface_t* surface = cairo_image_surface_create(
+        CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height));
+    cairo_t* cairo = cairo_create(surface);
+    cairo_surface_destroy(surface);
+    CGContextRef context = nullptr;
+    if (cairo_status(cairo) == CAIRO_STATUS_SUCCESS) {
+        cairo_matrix_t matrix;
+        cairo_matrix_init(&matrix, 1, 0, 0, -1, 0, static_cast<double>(height));
+        context = new_context(cairo, matrix);
+        context->bitmap = {static_cast<uint8_t*>(data), bytesPerRow};
+        load_bitmap(context);
+    }
+    cairo_destroy(cairo);
+    return context;
+}

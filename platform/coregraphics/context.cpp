@@ -1,0 +1,71 @@
+#include "coregraphics/context.h"
+
+#include "coregraphics/bitmap_context.h"
+
+CGContext::~CGContext() { cairo_destroy(cairo); }
+
+CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix) {
+    auto* context = new CGContext;
+    context->cairo = cairo_reference(cairo);
+    context->state.matrix = matrix;
+    return context;
+}
+
+void begin_drawing(CGContextRef context, const drawing_color_t& color) {
+    cairo_save(context->cairo);
+    cairo_set_matrix(context->cairo, &context->state.matrix);
+    cairo_set_operator(context->cairo, CAIRO_OPERATOR_OVER);
+    cairo_set_source_rgba(context->cairo, color.red, color.green, color.blue, color.alpha);
+    cairo_set_antialias(context->cairo,
+                        context->state.antialias ? CAIRO_ANTIALIAS_DEFAULT : CAIRO_ANTIALIAS_NONE);
+    cairo_set_line_width(context->cairo, 1);
+}
+
+void end_drawing(CGContextRef context, const extents_t& extents) {
+    cairo_restore(context->cairo);
+    if (context->bitmap.data) store_bitmap(context, extents);
+}
+
+CGContextRef CGContextRetain(CGContextRef context) { return retained(context); }
+
+void CGContextRelease(CGContextRef context) { release(context); }
+
+void CGContextSaveGState(CGContextRef context) {
+    if (context) context->saved.push_back(context->state);
+}
+
+void CGContextRestoreGState(CGContextRef context) {
+    if (!context || context->saved.empty()) return;
+    context->state = context->saved.back();
+    context->saved.pop_back();
+}
+
+void CGContextTranslateCTM(CGContextRef context, CGFloat x, CGFloat y) {
+    if (context) cairo_matrix_translate(&context->state.matrix, x, y);
+}
+
+void CGContextRotateCTM(CGContextRef context, CGFloat angle) {
+    if (context) cairo_matrix_rotate(&context->state.matrix, angle);
+}
+
+void CGContextSetRGBFillColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
+                              CGFloat alpha) {
+    if (context) context->state.fill = {red, green, blue, alpha};
+}
+
+void CGContextSetRGBStrokeColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
+                                CGFloat alpha) {
+    if (context) context->state.stroke = {red, green, blue, alpha};
+}
+
+void CGContextSetGrayFillColor(CGContextRef context, CGFloat gray, CGFloat alpha) {
+    CGContextSetRGBFillColor(context, gray, gray, gray, alpha);
+}
+
+void CGContextSetGrayStrokeColor(CGContextRef context, CGFloat gray, CGFloat alpha) {
+    CGContextSetRGBStrokeColor(context, gray, gray, gray, alpha);
+}
+
+void CGContextSetShouldAntialias(CGContextRef context, bool shouldAntialias) {
+    if (context) context->state.antialias = shouldAntialias;
+}

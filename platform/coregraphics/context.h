@@ -1,0 +1,54 @@
+// A drawing context over cairo. Its state is its own: cairo's is set for each drawing call and
+// given back after it, so that a context may share a cairo context with others.
+#pragma once
+
+#include <CoreGraphics/CGContext.h>
+#include <cairo.h>
+#include <stdint.h>
+
+#include <vector>
+
+#include "coregraphics/counted.h"
+
+struct font_t;
+
+struct drawing_color_t {
+    double red = 0, green = 0, blue = 0, alpha = 1;
+};
+
+struct drawing_state_t {
+    cairo_matrix_t matrix;  // from the user's space to cairo's
+    drawing_color_t fill, stroke;
+    bool antialias = true;
+    const font_t* font = nullptr;
+    double font_size = 0;
+    double character_spacing = 0;
+    CGTextDrawingMode text_mode = kCGTextFill;
+};
+
+// The caller's memory behind a bitmap context, in the Mac's order of bytes; cairo draws into a
+// surface of its own.
+struct bitmap_target_t {
+    uint8_t* data = nullptr;
+    size_t bytes_per_row = 0;
+};
+
+struct CGContext : counted_t {
+    cairo_t* cairo = nullptr;  // owned
+    bitmap_target_t bitmap;
+    drawing_state_t state;
+    std::vector<drawing_state_t> saved;
+
+    ~CGContext();
+};
+
+// A context that draws with `cairo`, which it shares, from the space that `matrix` leads from.
+CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix);
+
+// Around the cairo calls of one drawing call. `extents`, in cairo's device space, is what they may
+// have changed.
+void begin_drawing(CGContextRef context, const drawing_color_t& color);
+struct extents_t {
+    double left, top, right, bottom;
+};
+void end_drawing(CGContextRef context, const extents_t& extents);

@@ -1,0 +1,28 @@
+// Reading what a data provider serves.
+#pragma once
+
+#include <CoreGraphics/CGDataProvider.h>
+
+#include <stdint.h>
+
+#include <vector>
+
+// The first `size` bytes that a provider serves, from construction to destruction. Fewer are
+// there when it has fewer.
+class provided_bytes_t {
+  public:
+    provided_bytes_t(CGDataProviderRef provider, size_t size);
+    ~provided_bytes_t();
+    provided_bytes_t(const provided_bytes_t&) = delete;
+    provided_bytes_t& operator=(const provided_bytes_t&) = delete;
+
+    const uint8_t* data() const { return data_; }
+    size_t size() const { return size_; }
+
+  private:
+    CGDataProviderRef provider_;
+    const void* pointer_ = nullptr;  // the provider's own
+    std::vector<uint8_t> copy_;
+    const uint8_t* data_ = nullptr;
+    size_t size_ = 0;
+};

@@ -1,0 +1,15 @@
+// Fonts by the names that Mac programs use.
+#pragma once
+
+#include <cairo.h>
+
+// The glyphs and advances, in ems, of the 256 bytes in one encoding. Glyph 0 shows nothing.
+struct font_t {
+    cairo_font_face_t* face;
+    unsigned long glyphs[256];
+    double advances[256];
+};
+
+// The font of that name, or fontconfig's fixed-pitch font in its place; null without any font. Made
+// once for each name and kept. Any thread.
+const font_t* find_mac_roman_font(const char* name);
