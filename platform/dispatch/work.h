@@ -1,0 +1,7 @@
+// Where the queues' work goes.
+#pragma once
+
+#include <dispatch/dispatch.h>
+
+void run_on_worker(void* context, dispatch_function_t work);
+void run_on_main_thread(void* context, dispatch_function_t work);

@@ -1,0 +1,83 @@
+#include "dispatch/work.h"
+
+#import <Foundation/Foundation.h>
+#include <pthread.h>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+
+namespace {
+
+struct piece_t {
+    void* context;
+    dispatch_function_t work;
+};
+
+// More than processors: work waits for disks and other programs rather than for the processor, and
+// a piece that never ends must not hold up the others.
+constexpr int most_workers = 16;
+
+class worker_pool_t {
+  public:
+    void add(const piece_t& piece) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        pieces_.push_back(piece);
+        if (idle_ >= static_cast<int>(pieces_.size()) || workers_ == most_workers) {
+            changed_.notify_one();
+        } else if (!start_worker()) {
+            changed_.notify_one();
+        }
+    }
+
+  private:
+    bool start_worker() {
+        pthread_t thread;
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+        const bool started = pthread_create(&thread, &attributes, run_worker, this) == 0;
+        pthread_attr_destroy(&attributes);
+        workers_ += started;
+        return started;
+    }
+
+    static void* run_worker(void* pool) {
+        GSRegisterCurrentThread();
+        static_cast<worker_pool_t*>(pool)->work();
+        return nullptr;
+    }
+
+    // Workers live as long as the process.
+    [[noreturn]] void work() {
+        for (;;) {
+            const piece_t piece = next();
+            @autoreleasepool {
+                piece.work(piece.context);
+            }
+        }
+    }
+
+    piece_t next() {
+        std::unique_lock<std::mutex> lock(mutex_);
+        idle_++;
+        while (pieces_.empty()) changed_.wait(lock);
+        idle_--;
+        const piece_t piece = pieces_.front();
+        pieces_.pop_front();
+        return piece;
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<piece_t> pieces_;
+    int workers_ = 0, idle_ = 0;
+};
+
+}  // namespace
+
+void run_on_worker(void* context, dispatch_function_t work) {
+    // Never destroyed: workers may still be at work when the process ends.
+    static worker_pool_t& pool = *new worker_pool_t;
+    pool.add({context, work});
+}
