@@ -1,0 +1,26 @@
+// The embedded engine: file operations that lose nothing. docs/operations.md says what it promises.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "operations/request.h"
+#include "operations/state_folder.h"
+
+namespace operations {
+
+// Carries the request out on this thread and returns when it has ended. The observer's ended() is
+// not sent. First removes what killed operations left behind.
+Report Perform(const Request& request, Observer& observer,
+               const std::string& state_folder = StateFolder());
+
+// The engine as a carrier, with a thread of its own; its end waits for the request at work and
+// drops those that wait.
+std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder = StateFolder());
+
+// Undoes the last operation of whatever process: moves back, takes what was replaced out of the
+// trash, removes aliases, and puts copies in the trash if nobody changed them. Refuses as a whole,
+// with nothing touched, when something has changed since. One outcome for each step.
+Report UndoLast(Observer& observer, const std::string& state_folder = StateFolder());
+
+}  // namespace operations

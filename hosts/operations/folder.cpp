@@ -1,0 +1,110 @@
+#include "operations/folder.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <string.h>
+
+namespace operations {
+
+namespace {
+
+bool remove_content(int folder, dev_t device) {
+    struct stat what;
+    std::vector<std::string> names;
+    if (fstat(folder, &what) != 0 || what.st_dev != device || !ReadNames(folder, &names)) {
+        return false;
+    }
+    bool removed = true;
+    for (const std::string& name : names) removed &= RemoveTree(folder, name.c_str());
+    return removed;
+}
+
+// A folder that may have been made read-only.
+Descriptor open_to_empty(int parent, const char* name) {
+    Descriptor folder = OpenFolder(parent, name);
+    if (!folder && errno == EACCES && fchmodat(parent, name, 0700, 0) == 0) {
+        folder = OpenFolder(parent, name);
+    }
+    if (folder && faccessat(folder.get(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        fchmod(folder.get(), 0700);
+    }
+    return folder;
+}
+
+// Where a file system knows no rename that replaces nothing: a file gets its second name before it
+// loses the first; a folder's new name is looked at, and no full folder is ever replaced.
+bool move_in_steps(int from_folder, const std::string& from, int to_folder, const std::string& to) {
+    struct stat what;
+    if (!Look(from_folder, from.c_str(), &what)) return false;
+    if (!S_ISDIR(what.st_mode)) {
+        if (linkat(from_folder, from.c_str(), to_folder, to.c_str(), 0) == 0) {
+            return unlinkat(from_folder, from.c_str(), 0) == 0;
+        }
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK) return false;
+    }
+    if (Look(to_folder, to.c_str(), &what)) {
+        errno = EEXIST;
+        return false;
+    }
+    return errno == ENOENT && renameat(from_folder, from.c_str(), to_folder, to.c_str()) == 0;
+}
+
+}  // namespace
+
+Descriptor OpenFolder(int parent, const char* name) {
+    return Descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+bool ReadNames(int folder, std::vector<std::string>* names) {
+    std::vector<char> buffer(64 * 1024);
+    if (lseek(folder, 0, SEEK_SET) < 0) return false;
+    for (;;) {
+        const ssize_t size = getdents64(folder, buffer.data(), buffer.size());
+        if (size <= 0) return size == 0;
+        for (ssize_t at = 0; at < size;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer.data() + at);
+            at += entry->d_reclen;
+            if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0) {
+                names->emplace_back(entry->d_name);
+            }
+        }
+    }
+}
+
+bool Look(int folder, const char* name, struct stat* what) {
+    return fstatat(folder, name, what, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool MoveFree(int from_folder, const std::string& from, int to_folder, const std::string& to) {
+    if (renameat2(from_folder, from.c_str(), to_folder, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    return errno == EINVAL && move_in_steps(from_folder, from, to_folder, to);
+}
+
+bool RemoveTree(int parent, const char* name) {
+    if (unlinkat(parent, name, 0) == 0 || errno == ENOENT) return true;
+    struct stat above;
+    if (fstat(parent, &above) != 0) return false;
+    const Descriptor folder = open_to_empty(parent, name);
+    if (!folder || !remove_content(folder.get(), above.st_dev)) return false;
+    return unlinkat(parent, name, AT_REMOVEDIR) == 0;
+}
+
+bool MakeFolders(const std::string& path) {
+    if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return true;
+    const std::string parent = ParentOf(path);
+    if (errno != ENOENT || parent == path || !MakeFolders(parent)) return false;
+    return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST;
+}
+
+std::string ParentOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+}  // namespace operations

@@ -1,0 +1,217 @@
+#include "operations/operation.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <string.h>
+
+#include "operations/folder.h"
+#include "operations/new_names.h"
+
+namespace operations {
+
+namespace {
+
+// The folder and all above it.
+std::set<std::pair<dev_t, ino_t>> folders_above(int folder) {
+    std::set<std::pair<dev_t, ino_t>> found;
+    Descriptor at(openat(folder, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    struct stat what;
+    while (at && fstat(at.get(), &what) == 0 && found.emplace(what.st_dev, what.st_ino).second) {
+        at = Descriptor(openat(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    }
+    return found;
+}
+
+bool is_plain_path(const std::string& path) {
+    const std::string name = NameOf(path);
+    return path.size() > 1 && path[0] == '/' && !name.empty() && name != "." && name != ".." &&
+           path.find('\0') == std::string::npos;
+}
+
+const char* verb_of(Kind kind) { return kind == Kind::Move ? "moved" : "copied"; }
+
+}  // namespace
+
+Operation::Operation(const Request& request, Observer& observer, const std::string& state_folder,
+                     bool record)
+    : request_(request),
+      state_folder_(state_folder),
+      work_(observer),
+      journal_(record ? state_folder : "") {}
+
+Operation::~Operation() = default;
+
+Report Operation::run() {
+    RemoveLeftTemporaries(state_folder_);
+    report_.outcomes.resize(request_.sources.size());
+    for (size_t index = 0; index < request_.sources.size(); index++) {
+        report_.outcomes[index].source = request_.sources[index];
+    }
+    const bool can_begin = request_.kind == Kind::Trash || open_destination();
+    const std::string problem = work_.take_problem();
+    work_.set_items(request_.sources.size());
+    for (size_t index = 0; index < request_.sources.size(); index++) {
+        if (can_begin) {
+            carry(index);
+        } else {
+            report_.outcomes[index].state = State::Failed;
+            report_.outcomes[index].reason = problem;
+        }
+    }
+    flush();
+    copies_.reset();
+    temporaries_.reset();
+    struct stat what;
+    if (destination_ && fstat(destination_.get(), &what) == 0) journal_.ended(what.st_ctim);
+    report_.stopped = work_.is_stopped();
+    return std::move(report_);
+}
+
+bool Operation::open_destination() {
+    const std::string& path = request_.destination;
+    destination_ = Descriptor(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!destination_ || fstat(destination_.get(), &destination_what_) != 0) {
+        return work_.fail("cannot open the destination", path, errno);
+    }
+    if (faccessat(destination_.get(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        return work_.fail("cannot put anything into", path, errno);
+    }
+    above_ = folders_above(destination_.get());
+    return true;
+}
+
+void Operation::carry(size_t index) {
+    Item item;
+    item.index = index;
+    if (work_.is_stopped() || work_.observer().is_cancelled()) {
+        work_.stop();
+        return settle_skipped(item, "stopped");
+    }
+    if (!find(index, item) || is_refused(item)) return;
+    if (pending_names_.count(item.name)) flush();
+    switch (request_.kind) {
+        case Kind::Move:
+            return move(std::move(item));
+        case Kind::Copy:
+            return copy(std::move(item));
+        case Kind::Alias:
+            return make_alias(item);
+        case Kind::Trash:
+            return trash(item);
+    }
+}
+
+// Opens the folder that the source is in and looks at the source.
+bool Operation::find(size_t index, Item& item) {
+    item.path = request_.sources[index];
+    item.name = exact_name_.empty() ? NameOf(item.path) : exact_name_;
+    bool found = is_plain_path(item.path) || work_.fail("not a file that has a name");
+    if (found && (!folder_ || ParentOf(item.path) != folder_path_)) {
+        folder_path_ = ParentOf(item.path);
+        folder_ = std::make_shared<Descriptor>(
+            open(folder_path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    }
+    item.folder = folder_;
+    if (found && (!*folder_ || !Look(folder_->get(), NameOf(item.path).c_str(), &item.what))) {
+        found = errno == ENOENT ? work_.fail(QuotedName(item.path) + " is no longer there")
+                                : work_.fail("cannot read", item.path, errno);
+    }
+    if (!found) settle_failed(item);
+    return found;
+}
+
+// What makes no sense, before anything is touched.
+bool Operation::is_refused(Item& item) {
+    if (request_.kind == Kind::Alias || request_.kind == Kind::Trash) return false;
+    if (S_ISDIR(item.what.st_mode) && above_.count({item.what.st_dev, item.what.st_ino})) {
+        work_.fail(QuotedName(item.path) + " cannot be " + verb_of(request_.kind) + " into itself");
+        settle_failed(item);
+        return true;
+    }
+    struct stat folder;
+    const bool is_same_folder = fstat(item.folder->get(), &folder) == 0 &&
+                                folder.st_dev == destination_what_.st_dev &&
+                                folder.st_ino == destination_what_.st_ino;
+    if (!is_same_folder || !exact_name_.empty()) return false;
+    if (request_.kind == Kind::Copy) {
+        item.choice = Choice::KeepBoth;
+        return false;
+    }
+    settle_skipped(item, QuotedName(item.path) + " is in this folder already");
+    return true;
+}
+
+void Operation::move(Item item) {
+    const std::string old_name = NameOf(item.path);
+    for (item.target_name = item.name;;) {
+        journal_.moving(item.path, target_path(item.target_name), item.what.st_ino);
+        if (MoveFree(item.folder->get(), old_name, destination_.get(), item.target_name)) {
+            work_.advance(item.path, 1, 0);
+            return settle_done(item, item.target_name);
+        }
+        const int error = errno;
+        journal_.not_done();
+        if (error != EEXIST) give_back(item);
+        if (error == EXDEV) return copy(std::move(item));
+        if (error != EEXIST) {
+            work_.fail("cannot move", item.path, error);
+            return settle_failed(item);
+        }
+        if (!make_room(item)) return;
+    }
+}
+
+void Operation::make_alias(Item& item) {
+    for (unsigned attempt = 0;; attempt++) {
+        const std::string name = AliasName(item.name, attempt);
+        if (symlinkat(item.path.c_str(), destination_.get(), name.c_str()) == 0) {
+            journal_.aliased(item.path, target_path(name));
+            work_.advance(item.path, 1, 0);
+            return settle_done(item, name);
+        }
+        if (errno == EEXIST) continue;
+        work_.fail("cannot make an alias of", item.path, errno);
+        return settle_failed(item);
+    }
+}
+
+void Operation::trash(Item& item) {
+    std::string problem;
+    Trashed trashed;
+    bool recorded = false;
+    const auto before = [&](const Trashed& to) {
+        if (std::exchange(recorded, true)) journal_.not_done();
+        journal_.trashing(item.path, to, item.what.st_ino);
+        return true;
+    };
+    if (!PutInTrash(item.path, before, &trashed, &problem)) {
+        if (recorded) journal_.not_done();
+        work_.fail(problem);
+        return settle_failed(item);
+    }
+    work_.advance(item.path, 1, 0);
+    outcome(item).target = trashed.file;
+}
+
+std::string Operation::target_path(const std::string& name) const {
+    return (request_.destination == "/" ? "" : request_.destination) + "/" + name;
+}
+
+void Operation::settle_done(const Item& item, const std::string& target) {
+    outcome(item).state = State::Done;
+    outcome(item).target = target_path(target);
+    outcome(item).reason = work_.take_remark();
+}
+
+void Operation::settle_skipped(const Item& item, const std::string& reason) {
+    outcome(item).state = State::Skipped;
+    outcome(item).reason = reason;
+}
+
+void Operation::settle_failed(const Item& item) {
+    outcome(item).state = work_.is_stopped() ? State::Skipped : State::Failed;
+    outcome(item).reason = work_.take_problem();
+    work_.take_remark();
+}
+
+}  // namespace operations

@@ -1,0 +1,105 @@
+// One request on its way: each source is found, conflicts are settled, things are moved or copied.
+// The worker thread.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "operations/descriptor.h"
+#include "operations/temporaries.h"
+#include "operations/tree_copy.h"
+#include "operations/tree_count.h"
+#include "operations/undo_journal.h"
+#include "operations/work.h"
+
+namespace operations {
+
+class Operation {
+  public:
+    // With `record` the steps replace those of the last operation.
+    Operation(const Request& request, Observer& observer, const std::string& state_folder,
+              bool record);
+    ~Operation();
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+    // Moves the one source to this name and no other.
+    void set_exact_name(const std::string& name) { exact_name_ = name; }
+
+    Report run();
+
+  private:
+    using Identity = std::pair<dev_t, ino_t>;
+
+    struct Item {
+        size_t index = 0;
+        std::string path, name;              // as the request has it; the name that is wanted
+        std::shared_ptr<Descriptor> folder;  // that it is in
+        struct stat what = {};
+        std::optional<Choice> choice;  // once its name was found taken
+        unsigned attempt = 0;          // of a name that keeps both
+        std::optional<Trashed> replaced;
+        std::string temporary;
+        std::string target_name;
+        bool linked = false;
+    };
+
+    bool open_destination();
+    void carry(size_t index);
+    bool find(size_t index, Item& item);
+    bool is_refused(Item& item);
+    void move(Item item);
+    void copy(Item item);
+    void make_alias(Item& item);
+    void trash(Item& item);
+
+    bool begin_copies(size_t index);
+    bool may_be_removed(const Item& item);
+    bool prepare(Item& item);
+    void flush();
+    void check_pending();
+    void publish_pending();
+    bool publish(Item& item);
+    void empty_sources();
+    void discard(Item& item);
+
+    Choice decide(const Item& item, const std::string& name);
+    bool is_settled_by_choice(const Item& item);
+    bool make_room(Item& item);
+    bool trash_target(Item& item);
+    void give_back(Item& item);
+    bool holds_source(const Item& item, const struct stat& target);
+
+    std::string target_path(const std::string& name) const;
+    Outcome& outcome(const Item& item) { return report_.outcomes[item.index]; }
+    void settle_done(const Item& item, const std::string& target);
+    void settle_skipped(const Item& item, const std::string& reason);
+    void settle_failed(const Item& item);
+
+    const Request& request_;
+    const std::string state_folder_;
+    Work work_;
+    UndoJournal journal_;
+    Report report_;
+    std::string exact_name_;
+    Descriptor destination_;
+    struct stat destination_what_ = {};
+    std::set<Identity> above_;  // the destination and the folders above it
+    std::string folder_path_;   // of the folder opened last
+    std::shared_ptr<Descriptor> folder_;
+    std::optional<Choice> choice_for_all_;
+
+    std::unique_ptr<TreeCount> count_;
+    std::unique_ptr<Temporaries> temporaries_;
+    std::unique_ptr<TreeCopy> copies_;
+    unsigned temporaries_made_ = 0;
+    std::vector<Item> pending_;  // copied, but not yet under their names
+    std::unordered_set<std::string> pending_names_;
+    uint64_t bytes_before_ = 0;
+};
+
+}  // namespace operations

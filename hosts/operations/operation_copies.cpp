@@ -1,0 +1,160 @@
+// Of an operation: what goes by way of a copy. Copies are made under names of their own, synced
+// many at a time, and only then given the names that were asked for.
+#include <errno.h>
+#include <fcntl.h>
+
+#include "operations/folder.h"
+#include "operations/operation.h"
+
+namespace operations {
+
+namespace {
+
+constexpr size_t most_pending = 1024;
+constexpr uint64_t most_pending_bytes = 1ull << 30;
+
+}  // namespace
+
+bool Operation::begin_copies(size_t index) {
+    if (copies_) return true;
+    char* folder = realpath(request_.destination.c_str(), nullptr);
+    temporaries_ =
+        std::make_unique<Temporaries>(state_folder_, folder ? folder : request_.destination);
+    free(folder);
+    if (!temporaries_->problem().empty()) {
+        const std::string problem = temporaries_->problem();
+        temporaries_.reset();
+        return work_.fail(problem);
+    }
+    copies_ = std::make_unique<TreeCopy>(work_, destination_.get(), temporaries_->prefix(),
+                                         request_.kind == Kind::Move);
+    count_ = std::make_unique<TreeCount>(request_.sources, index, index, 0);
+    work_.set_count(count_.get());
+    return true;
+}
+
+// Whether a source that is moved by a copy can be removed afterwards, before anything is copied.
+bool Operation::may_be_removed(const Item& item) {
+    struct stat folder;
+    const int parent = item.folder->get();
+    if (fstat(parent, &folder) != 0 || faccessat(parent, ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        return work_.fail("cannot take anything out of", folder_path_, errno);
+    }
+    const uid_t user = geteuid();
+    const bool is_kept = (folder.st_mode & S_ISVTX) && user != 0 && folder.st_uid != user &&
+                         item.what.st_uid != user;
+    return !is_kept || work_.fail("cannot remove", item.path, EPERM);
+}
+
+// Settles what can be settled before the copying. False when the item is settled.
+bool Operation::prepare(Item& item) {
+    struct stat target;
+    item.target_name = item.name;
+    const bool is_taken = Look(destination_.get(), item.name.c_str(), &target);
+    if (is_taken && !item.choice) item.choice = decide(item, item.name);
+    if (is_taken && is_settled_by_choice(item)) return false;
+    bool ready = is_taken || errno == ENOENT || work_.fail("cannot write", item.path, errno);
+    if (ready && request_.kind == Kind::Move) ready = may_be_removed(item);
+    if (ready) ready = begin_copies(item.index);
+    if (!ready) settle_failed(item);
+    return ready;
+}
+
+void Operation::copy(Item item) {
+    if (!prepare(item)) return;
+    item.temporary = temporaries_->prefix() + std::to_string(temporaries_made_++);
+    const Place source = {item.folder->get(), NameOf(item.path), item.path};
+    const Place target = {destination_.get(), item.temporary, target_path(item.name)};
+    if (!copies_->copy(source, target)) {
+        discard(item);
+        return settle_failed(item);
+    }
+    item.linked = copies_->take_linked();
+    outcome(item).reason = work_.take_remark();
+    pending_names_.insert(item.name);
+    pending_.push_back(std::move(item));
+    const bool is_much = work_.bytes_done() - bytes_before_ >= most_pending_bytes;
+    if (pending_.size() >= most_pending || is_much) flush();
+}
+
+void Operation::discard(Item& item) {
+    if (!RemoveTree(destination_.get(), item.temporary.c_str())) temporaries_->leave();
+}
+
+// Gives all that was copied its name, and ends moves by removing their sources.
+void Operation::flush() {
+    if (pending_.empty()) return;
+    if (work_.is_stopped()) work_.fail("stopped");
+    if (work_.is_stopped() || !copies_->sync(request_.destination)) {
+        const std::string problem = work_.take_problem();
+        for (Item& item : pending_) {
+            discard(item);
+            work_.fail(problem);
+            settle_failed(item);
+        }
+        pending_.clear();
+    }
+    if (request_.kind == Kind::Move) check_pending();
+    publish_pending();
+    if (request_.kind == Kind::Move) empty_sources();
+    copies_->forget();
+    pending_.clear();
+    pending_names_.clear();
+    bytes_before_ = work_.bytes_done();
+}
+
+void Operation::check_pending() {
+    std::erase_if(pending_, [this](Item& item) {
+        const Place source = {item.folder->get(), NameOf(item.path), item.path};
+        if (copies_->check(source, {destination_.get(), item.temporary, item.path})) return false;
+        discard(item);
+        settle_failed(item);
+        return true;
+    });
+}
+
+void Operation::publish_pending() {
+    std::erase_if(pending_, [this](Item& item) {
+        if (publish(item)) return false;
+        discard(item);
+        return true;
+    });
+}
+
+// False when the item is settled without.
+bool Operation::publish(Item& item) {
+    const int folder = destination_.get();
+    const std::string remark = outcome(item).reason;
+    for (item.target_name = item.name;
+         !MoveFree(folder, item.temporary, folder, item.target_name);) {
+        if (errno != EEXIST) {
+            work_.fail("cannot write", item.path, errno);
+            give_back(item);
+            settle_failed(item);
+            return false;
+        }
+        if (!make_room(item)) return false;
+    }
+    struct stat what;
+    if (Look(folder, item.target_name.c_str(), &what)) {
+        journal_.copied(item.path, target_path(item.target_name), what, item.linked);
+    }
+    work_.remark(remark);
+    settle_done(item, item.target_name);
+    return true;
+}
+
+void Operation::empty_sources() {
+    // The names must be on the disk before the sources go.
+    const bool synced = pending_.empty() || fsync(destination_.get()) == 0;
+    for (Item& item : pending_) {
+        journal_.emptying(item.path, target_path(item.target_name));
+        const Place source = {item.folder->get(), NameOf(item.path), item.path};
+        if (synced && copies_->remove(source)) continue;
+        if (!synced) work_.fail("cannot write", request_.destination, EIO);
+        outcome(item).state = State::Failed;
+        outcome(item).reason = "copied, but the original is still there: " + work_.take_problem();
+    }
+}
+
+}  // namespace operations

@@ -1,0 +1,163 @@
+#include "operations/temporaries.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <string.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <sys/statvfs.h>
+#include <time.h>
+
+#include <vector>
+
+#include "operations/folder.h"
+#include "operations/state_folder.h"
+
+namespace operations {
+
+namespace {
+
+// A journal: its name is the prefix without the dot; it holds the file system's number, a newline
+// and the folder's path to the end. Whoever holds its lock lives.
+constexpr const char* journal_start = "delvio-";
+constexpr size_t random_digits = 16;
+constexpr int days_to_wait = 90;
+
+std::string journals_in(const std::string& state_folder) { return state_folder + "/temporaries"; }
+
+std::string random_name() {
+    uint64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number) return {};
+    char text[random_digits + 1];
+    snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(number));
+    return std::string(journal_start) + text;
+}
+
+bool is_journal(const std::string& name) {
+    const size_t start = strlen(journal_start);
+    return name.size() == start + random_digits && name.compare(0, start, journal_start) == 0 &&
+           name.find_first_not_of("0123456789abcdef", start) == std::string::npos;
+}
+
+std::string file_system_of(int folder) {
+    struct statvfs what;
+    return fstatvfs(folder, &what) == 0 ? std::to_string(what.f_fsid) : "";
+}
+
+// Held while a journal is made, so that nobody takes it for one without an owner.
+Descriptor lock_all(const std::string& journals, int how) {
+    Descriptor lock(open((journals + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (lock && flock(lock.get(), how) != 0) lock.close();
+    return lock;
+}
+
+bool write_journal(int file, const std::string& folder) {
+    const Descriptor open_folder(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!open_folder) return false;
+    const std::string text = file_system_of(open_folder.get()) + "\n" + folder;
+    return WriteAll(file, text.data(), text.size()) && fsync(file) == 0;
+}
+
+// The home may be full, which is what a move may be to help against.
+std::vector<std::string> possible_journals(const std::string& state_folder) {
+    std::vector<std::string> folders = {journals_in(state_folder)};
+    const char* run_time = getenv("XDG_RUNTIME_DIR");
+    if (run_time && run_time[0] == '/') {
+        folders.push_back(journals_in(std::string(run_time) + "/delvio"));
+    }
+    return folders;
+}
+
+std::string read_all(int file) {
+    std::string text;
+    char buffer[4096];
+    ssize_t size;
+    while ((size = read(file, buffer, sizeof buffer)) > 0) {
+        text.append(buffer, static_cast<size_t>(size));
+    }
+    return text;
+}
+
+bool remove_prefixed(int folder, const std::string& prefix) {
+    std::vector<std::string> names;
+    bool removed = ReadNames(folder, &names);
+    for (const std::string& name : names) {
+        if (name.compare(0, prefix.size(), prefix) == 0) {
+            removed &= RemoveTree(folder, name.c_str());
+        }
+    }
+    return removed;
+}
+
+bool is_old(int file) {
+    struct stat what;
+    return fstat(file, &what) == 0 && time(nullptr) - what.st_mtime > days_to_wait * 24 * 3600;
+}
+
+// Whether the journal has served.
+bool clean_up(int file, const std::string& prefix) {
+    const std::string text = read_all(file);
+    const size_t newline = text.find('\n');
+    // Nothing is made before the journal is whole.
+    if (newline == std::string::npos || text.compare(newline + 1, 1, "/") != 0) return true;
+    const Descriptor folder(open(text.c_str() + newline + 1, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder) return is_old(file);
+    // Another volume may stand there now, and this one come back.
+    if (file_system_of(folder.get()) != text.substr(0, newline)) return is_old(file);
+    return remove_prefixed(folder.get(), prefix);
+}
+
+void clean_up_journals(const std::string& journals) {
+    struct stat what;
+    if (stat(journals.c_str(), &what) != 0) return;
+    const Descriptor all = lock_all(journals, LOCK_EX);
+    const Descriptor folder(open(journals.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::vector<std::string> names;
+    if (!all || !folder || !ReadNames(folder.get(), &names)) return;
+    for (const std::string& name : names) {
+        if (!is_journal(name)) continue;
+        const Descriptor file(openat(folder.get(), name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
+        if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;
+        if (clean_up(file.get(), "." + name + "-")) unlinkat(folder.get(), name.c_str(), 0);
+    }
+}
+
+}  // namespace
+
+std::string StateFolder() {
+    const char* state = getenv("XDG_STATE_HOME");
+    if (state && state[0] == '/') return std::string(state) + "/delvio";
+    const char* home = getenv("HOME");
+    return std::string(home ? home : "") + "/.local/state/delvio";
+}
+
+Temporaries::Temporaries(const std::string& state_folder, const std::string& folder) {
+    const std::string name = random_name();
+    prefix_ = "." + name + "-";
+    int error = EIO;
+    for (const std::string& journals : possible_journals(state_folder)) {
+        const Descriptor all = MakeFolders(journals) ? lock_all(journals, LOCK_SH) : Descriptor();
+        journal_ = journals + "/" + name;
+        lock_ = Descriptor(all ? open(journal_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)
+                               : -1);
+        if (lock_ && flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 &&
+            write_journal(lock_.get(), folder)) {
+            return;
+        }
+        error = errno;
+        if (lock_) unlink(journal_.c_str());
+    }
+    problem_ = "cannot write " + journals_in(state_folder) + ": " + strerror(error);
+}
+
+Temporaries::~Temporaries() {
+    if (problem_.empty() && !leaves_) unlink(journal_.c_str());
+}
+
+void RemoveLeftTemporaries(const std::string& state_folder) {
+    for (const std::string& journals : possible_journals(state_folder)) {
+        clean_up_journals(journals);
+    }
+}
+
+}  // namespace operations

@@ -1,0 +1,69 @@
+// Carries one request out, for tests and measurements that need a process of its own:
+//   operate move|copy|alias|trash|undo|start DESTINATION [--replace] [SOURCE...]
+// Of one source that ends in "/" everything in it is taken. Prints what was not done.
+// Exit status 1 when something was not.
+#include <fcntl.h>
+#include <stdio.h>
+#include <string.h>
+
+#include <algorithm>
+#include <map>
+
+#include "operations/engine.h"
+#include "operations/folder.h"
+#include "operations/temporaries.h"
+
+namespace {
+
+class Silent : public operations::Observer {
+    void ended(const operations::Report&) override {}
+};
+
+const std::map<std::string, operations::Kind> kinds = {
+    {"move", operations::Kind::Move},
+    {"copy", operations::Kind::Copy},
+    {"alias", operations::Kind::Alias},
+    {"trash", operations::Kind::Trash},
+};
+
+std::vector<std::string> all_in(const std::string& folder) {
+    const operations::Descriptor open_folder(open(folder.c_str(), O_RDONLY | O_DIRECTORY));
+    std::vector<std::string> names;
+    operations::ReadNames(open_folder.get(), &names);
+    std::sort(names.begin(), names.end());
+    for (std::string& name : names) name = folder + name;
+    return names;
+}
+
+int report(const operations::Report& report) {
+    int status = 0;
+    for (const operations::Outcome& outcome : report.outcomes) {
+        if (outcome.state == operations::State::Done) continue;
+        fprintf(stderr, "%s\n", outcome.reason.c_str());
+        status = 1;
+    }
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Silent observer;
+    if (argc > 1 && strcmp(argv[1], "undo") == 0) return report(operations::UndoLast(observer));
+    if (argc > 1 && strcmp(argv[1], "start") == 0) {
+        operations::RemoveLeftTemporaries(operations::StateFolder());
+        return 0;
+    }
+    if (argc < 4 || kinds.count(argv[1]) == 0) return 2;
+    operations::Request request;
+    request.kind = kinds.at(argv[1]);
+    request.destination = argv[2];
+    request.replace = strcmp(argv[3], "--replace") == 0;
+    for (int index = request.replace ? 4 : 3; index < argc; index++) {
+        request.sources.push_back(argv[index]);
+    }
+    if (request.sources.size() == 1 && request.sources[0].back() == '/') {
+        request.sources = all_in(request.sources[0]);
+    }
+    return report(operations::Perform(request, observer));
+}
