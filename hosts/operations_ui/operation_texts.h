@@ -1,0 +1,31 @@
+// What the windows of file operations say. Autoreleased strings. Main thread.
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+#include "operations/request.h"
+
+namespace operations {
+
+// A name or path as text; one that is not UTF-8 byte by byte.
+NSString* TextOfName(const std::string& name);
+// The last component.
+NSString* TextOfLast(const std::string& path);
+
+// "Copying 3 items to “Documents”"
+NSString* TitleOf(const Request& request);
+// "312 of 1,000 items, 12.4 MB of 80 MB"
+NSString* DetailOf(const Progress& progress);
+// From 0 to 1, negative while there is no telling.
+double FractionOf(const Progress& progress);
+
+// "“notes.txt” is already in “Documents”."
+NSString* QuestionOf(const Conflict& conflict);
+// "12.4 MB, changed on 3 May 2024 at 10:12"; of a folder without a size.
+NSString* DescribeFile(const std::string& path);
+
+// Of a report with failures: how many, and the reasons, a line each; nil when nothing failed.
+NSString* FailureTitleOf(const Report& report);
+NSString* FailureReasonsOf(const Report& report);
+
+}  // namespace operations
