@@ -163,11 +163,13 @@ void set_up(CLI::App& app) {
 CommandLine::Command command_of(const CLI::App& app) {
     if (app.got_subcommand("menu")) return CommandLine::menu;
     if (app.got_subcommand("settings")) return CommandLine::settings;
+    if (app.got_subcommand("undo")) return CommandLine::undo;
     return CommandLine::finished;
 }
 
 std::string check(const CLI::App& app, CommandLine& line, const Options& options) {
-    if (line.command == CommandLine::finished) return "say what to do: delvio menu or settings";
+    if (line.command == CommandLine::finished) return "say what to do: delvio menu, undo or settings";
+    if (line.command == CommandLine::undo) return {};
     if (line.command == CommandLine::settings) {
         const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();
         return check_settings(line.settings_request, verb_given);
@@ -185,6 +187,7 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     set_up(app);
     add_menu(app, line.menu_request, options);
     add_settings(app, line.settings_request);
+    app.add_subcommand("undo", "Undoes the last move, copy or alias that Delvio made itself.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {

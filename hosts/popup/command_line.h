@@ -33,7 +33,7 @@ struct SettingsRequest {
 };
 
 struct CommandLine {
-    enum Command { finished, menu, settings } command = finished;
+    enum Command { finished, menu, settings, undo } command = finished;
     int status = exit_done;  // of `finished`: help was printed, or one line about wrong use
     MenuRequest menu_request;
     SettingsRequest settings_request;

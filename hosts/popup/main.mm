@@ -1,5 +1,7 @@
 #include <Foundation/Foundation.h>
 
+#include "operations/state_folder.h"
+#include "operations/temporaries.h"
 #include "popup/application.h"
 #include "popup/clipboard.h"
 #include "popup/command_line.h"
@@ -8,11 +10,14 @@
 #include "popup/plain_arguments.h"
 #include "popup/settings_command.h"
 #include "popup/standard_streams.h"
+#include "popup/undo_command.h"
 
 namespace {
 
 int run(const CommandLine& line, char* program) {
     if (line.command == CommandLine::finished) return line.status;
+    if (line.command == CommandLine::undo) return RunUndoCommand();
+    operations::RemoveLeftTemporaries(operations::StateFolder());
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     PrepareToolkit(program);
     const int status = line.command == CommandLine::menu
