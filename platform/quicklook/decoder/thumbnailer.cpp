@@ -1,0 +1,111 @@
+// The helper program that the thumbnails of untrusted files are made with. It opens the file, sets
+// limits, and becomes the decoder for it, in bubblewrap where that works.
+//
+//   delvio-thumbnailer MODE CAGE MEGABYTES PROCESSOR-SECONDS SECONDS WIDTH HEIGHT PATH
+//                      [SECONDS COMMAND...]
+//
+// MODE is image, pdf, program (a thumbnailer, with its command), or ready and ready-program, which
+// only try the way. CAGE is bubblewrap or plain. The answer is a Reply on reply_descriptor.
+#include <fcntl.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "quicklook/decoder/bubblewrap.h"
+#include "quicklook/decoder/open_input.h"
+#include "quicklook/decoder/reply_writer.h"
+#include "quicklook/decoder/restrictions.h"
+
+namespace {
+
+using namespace thumbnails;
+using Words = std::vector<std::string>;
+
+enum { mode = 1, cage, megabytes, processor_seconds, seconds, width, height, path, command };
+
+struct Mode {
+    const char* name;
+    const char* program;  // in our folder
+    bool is_for_program;
+    bool has_file;
+};
+
+const Mode modes[] = {
+    {"image", "delvio-decode-image", false, true},
+    {"pdf", "delvio-decode-pdf", false, true},
+    {"program", "delvio-run-thumbnailer", true, true},
+    {"ready", "delvio-decode-image", false, false},
+    {"ready-program", "delvio-run-thumbnailer", true, false},
+};
+
+const Mode* mode_named(const char* name) {
+    for (const Mode& mode : modes) {
+        if (strcmp(mode.name, name) == 0) return &mode;
+    }
+    return nullptr;
+}
+
+std::string own_folder() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+// Returns only when that fails.
+void become(const Words& words) {
+    std::vector<char*> arguments;
+    for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+}
+
+// What the next program is told: the box, the file, and with a thumbnailer its command.
+Words next_words(const Mode& mode, bool is_caged, char** words, int count) {
+    const std::string file = words[path];
+    const std::string name = file.substr(file.rfind('/') + 1);
+    Words next = {own_folder() + "/" + mode.program, words[width], words[height]};
+    if (!mode.has_file) return {next[0]};
+    if (!mode.is_for_program) {
+        next.push_back(name);
+        return next;
+    }
+    next.push_back(is_caged ? std::string(caged_input) + "/" + name : file);
+    next.push_back(is_caged ? caged_output : "");
+    for (int i = command; i < count; i++) next.push_back(words[i]);
+    return next;
+}
+
+Words caged(const Mode& mode, const Words& next, char** words, int count) {
+    Cage around = {mode.is_for_program, own_folder(), "", ""};
+    const std::string file = words[path];
+    if (mode.has_file) around.input_name = file.substr(file.rfind('/') + 1);
+    if (count > command + 1) around.program = words[command + 1];
+    Words all = bubblewrap_words(around);
+    all.insert(all.end(), next.begin(), next.end());
+    return all;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    const Mode* wanted = count > path ? mode_named(words[mode]) : nullptr;
+    if (!wanted || (strcmp(words[mode], "program") == 0 && count <= command + 1)) return 2;
+    const auto number = [words](int at) { return strtoul(words[at], nullptr, 10); };
+    limit_resources(number(megabytes), static_cast<unsigned>(number(processor_seconds)),
+                    static_cast<unsigned>(number(seconds)));
+    if (wanted->has_file) {
+        const int file = open_plain_file(words[path]);
+        if (file < 0 || !hand_over(file)) {
+            write_reply(Outcome::none);
+            return 0;
+        }
+    }
+    const bool is_caged = strcmp(words[cage], "bubblewrap") == 0;
+    const Words next = next_words(*wanted, is_caged, words, count);
+    become(is_caged ? caged(*wanted, next, words, count) : next);
+    write_reply(Outcome::none);
+    return 1;
+}

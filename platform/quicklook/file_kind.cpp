@@ -1,0 +1,28 @@
+#include "quicklook/file_kind.h"
+
+#include <gio/gio.h>
+
+#include "quicklook/thumbnailers.h"
+
+namespace thumbnails {
+
+std::string type_by_name(const std::string& path) {
+    gboolean uncertain = FALSE;
+    const std::string name = path.substr(path.rfind('/') + 1);
+    gchar* guess = g_content_type_guess(name.c_str(), nullptr, 0, &uncertain);
+    const std::string type = guess && !uncertain ? guess : "";
+    g_free(guess);
+    return type == "application/octet-stream" ? "" : type;
+}
+
+Route route_for(const std::string& type) {
+    if (type.empty()) return Route::unknown;
+    if (type.compare(0, 5, "text/") == 0) return Route::text;
+    if (type.compare(0, 6, "image/") == 0) return Route::image;
+    if (type == "application/pdf") return Route::pdf;
+    if (!thumbnailer_for(type).empty()) return Route::program;
+    // Scripts, JSON and the like.
+    return g_content_type_is_a(type.c_str(), "text/plain") ? Route::text : Route::none;
+}
+
+}  // namespace thumbnails

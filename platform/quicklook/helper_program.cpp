@@ -1,0 +1,192 @@
+#include "quicklook/helper_program.h"
+
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <mutex>
+
+namespace thumbnails {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A process that is killed is gone at once, but for one in a call that cannot be interrupted.
+const auto longest_reaping = std::chrono::milliseconds(200);
+
+struct Leftovers {
+    std::mutex lock;
+    std::vector<pid_t> processes;
+};
+
+Leftovers& leftovers() {
+    static Leftovers& leftovers = *new Leftovers;
+    return leftovers;
+}
+
+class SpawnSettings {
+  public:
+    explicit SpawnSettings(int reply) {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawn_file_actions_adddup2(&actions_, reply, reply_descriptor);
+        for (int standard = 0; standard < 3; standard++) {
+            posix_spawn_file_actions_addopen(&actions_, standard, "/dev/null", O_RDWR, 0);
+        }
+        posix_spawn_file_actions_addclosefrom_np(&actions_, reply_descriptor + 1);
+
+        sigset_t none, all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        posix_spawnattr_init(&attributes_);
+        posix_spawnattr_setflags(
+            &attributes_, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setpgroup(&attributes_, 0);
+        posix_spawnattr_setsigmask(&attributes_, &none);
+        posix_spawnattr_setsigdefault(&attributes_, &all);
+    }
+    ~SpawnSettings() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    const posix_spawn_file_actions_t* actions() const { return &actions_; }
+    const posix_spawnattr_t* attributes() const { return &attributes_; }
+
+  private:
+    posix_spawn_file_actions_t actions_;
+    posix_spawnattr_t attributes_;
+};
+
+// 0 when the program does not start. `reply` is the end that it writes to.
+pid_t start(const std::string& program, const std::vector<std::string>& arguments, int reply) {
+    std::vector<char*> words = {const_cast<char*>(program.c_str())};
+    for (const std::string& word : arguments) words.push_back(const_cast<char*>(word.c_str()));
+    words.push_back(nullptr);
+    char path[] = "PATH=/usr/local/bin:/usr/bin:/bin", language[] = "LANG=C.UTF-8";
+    char* environment[] = {path, language, nullptr};
+    const SpawnSettings settings(reply);
+    pid_t process = 0;
+    const int error = posix_spawn(&process, program.c_str(), settings.actions(),
+                                  settings.attributes(), words.data(), environment);
+    return error == 0 ? process : 0;
+}
+
+// Whether all `size` bytes came before the deadline.
+Ending read_whole(int from, void* buffer, size_t size, Clock::time_point deadline) {
+    auto* bytes = static_cast<char*>(buffer);
+    while (size > 0) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        if (left.count() <= 0) return Ending::timed_out;
+        pollfd wait = {from, POLLIN, 0};
+        if (poll(&wait, 1, static_cast<int>(left.count()) + 1) <= 0) continue;
+        const ssize_t count = read(from, bytes, size);
+        if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+        if (count <= 0) return Ending::broke_off;
+        bytes += count;
+        size -= static_cast<size_t>(count);
+    }
+    return Ending::answered;
+}
+
+bool makes_sense(const Reply& reply, Box box) {
+    if (reply.mark != reply_mark || !memchr(reply.type, 0, sizeof reply.type)) return false;
+    if (reply.outcome != Outcome::picture) return true;
+    return reply.width > 0 && reply.height > 0 && reply.width <= static_cast<uint32_t>(box.width) &&
+           reply.height <= static_cast<uint32_t>(box.height);
+}
+
+Answer read_answer(int from, Box box, Clock::time_point deadline) {
+    Answer answer;
+    answer.ending = read_whole(from, &answer.reply, sizeof answer.reply, deadline);
+    if (answer.ending != Ending::answered) return answer;
+    if (!makes_sense(answer.reply, box)) {
+        answer.ending = Ending::broke_off;
+        return answer;
+    }
+    if (answer.reply.outcome != Outcome::picture) return answer;
+    Picture picture{
+        static_cast<int>(answer.reply.width), static_cast<int>(answer.reply.height), {}};
+    picture.pixels.resize(size_t{answer.reply.width} * answer.reply.height * 4);
+    answer.ending = read_whole(from, picture.pixels.data(), picture.pixels.size(), deadline);
+    if (answer.ending == Ending::answered) answer.picture = std::move(picture);
+    return answer;
+}
+
+bool is_gone(pid_t process) {
+    const pid_t result = waitpid(process, nullptr, WNOHANG);
+    // Where the host has its children reaped by somebody else, ours is unknown in the end.
+    return result == process || (result < 0 && errno != EINTR);
+}
+
+void end_group(pid_t process) {
+    // Not yet reaped, so that its number is still its own.
+    siginfo_t state = {};
+    const bool is_ours =
+        waitid(P_PID, static_cast<id_t>(process), &state, WEXITED | WNOHANG | WNOWAIT) == 0;
+    if (!is_ours) return;
+    kill(-process, SIGKILL);
+    const Clock::time_point deadline = Clock::now() + longest_reaping;
+    for (useconds_t pause = 50; !is_gone(process); pause = std::min(pause * 2, 5000u)) {
+        if (Clock::now() > deadline) {
+            const std::lock_guard guard(leftovers().lock);
+            leftovers().processes.push_back(process);
+            return;
+        }
+        usleep(pause);
+    }
+}
+
+}  // namespace
+
+Answer run_helper(const std::string& program, const std::vector<std::string>& arguments, Box box,
+                  double seconds) {
+    const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                             std::chrono::duration<double>(seconds));
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return {};
+    const pid_t process = start(program, arguments, ends[1]);
+    close(ends[1]);
+    Answer answer;
+    if (process > 0) {
+        answer = read_answer(ends[0], box, deadline);
+        end_group(process);
+    }
+    close(ends[0]);
+    return answer;
+}
+
+size_t reap_leftovers() {
+    const std::lock_guard guard(leftovers().lock);
+    auto& processes = leftovers().processes;
+    processes.erase(std::remove_if(processes.begin(), processes.end(), is_gone), processes.end());
+    return processes.size();
+}
+
+std::string helper_folder() {
+    Dl_info library;
+    if (!dladdr(reinterpret_cast<const void*>(&helper_folder), &library)) return {};
+    std::error_code error;
+    const auto folder = std::filesystem::canonical(library.dli_fname, error).parent_path();
+    for (const char* place : {"../libexec/delvio", "../libexec", "../../libexec/delvio", "."}) {
+        const auto candidate = std::filesystem::canonical(folder / place, error);
+        if (!error && access((candidate / "delvio-thumbnailer").c_str(), X_OK) == 0) {
+            return candidate;
+        }
+    }
+    return {};
+}
+
+}  // namespace thumbnails

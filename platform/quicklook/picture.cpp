@@ -1,0 +1,56 @@
+#include "quicklook/picture.h"
+
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#include <string.h>
+
+#include <algorithm>
+
+namespace thumbnails {
+
+Box fit(Box original, Box box) {
+    const double scale = std::min({1.0, static_cast<double>(box.width) / original.width,
+                                   static_cast<double>(box.height) / original.height});
+    const auto scaled = [scale](int side) {
+        return std::max(1, static_cast<int>(side * scale + 0.5));
+    };
+    return {std::min(scaled(original.width), box.width),
+            std::min(scaled(original.height), box.height)};
+}
+
+Picture fitted(Picture picture, Box box) {
+    if (!picture || (picture.width <= box.width && picture.height <= box.height)) return picture;
+    const Box size = fit({picture.width, picture.height}, box);
+    GdkPixbuf* large =
+        gdk_pixbuf_new_from_data(picture.pixels.data(), GDK_COLORSPACE_RGB, TRUE, 8, picture.width,
+                                 picture.height, picture.width * 4, nullptr, nullptr);
+    GdkPixbuf* small = gdk_pixbuf_scale_simple(large, size.width, size.height, GDK_INTERP_BILINEAR);
+    g_object_unref(large);
+    Picture result;
+    if (!small) return result;
+    result = {size.width, size.height, {}};
+    const size_t row = static_cast<size_t>(size.width) * 4;
+    result.pixels.resize(row * static_cast<size_t>(size.height));
+    const guint8* from = gdk_pixbuf_read_pixels(small);
+    const auto stride = static_cast<size_t>(gdk_pixbuf_get_rowstride(small));
+    for (size_t y = 0; y < static_cast<size_t>(size.height); y++) {
+        memcpy(result.pixels.data() + y * row, from + y * stride, row);
+    }
+    g_object_unref(small);
+    return result;
+}
+
+void premultiply(Picture& picture) {
+    const auto times = [](unsigned colour, unsigned alpha) {
+        const unsigned product = colour * alpha + 128;
+        return static_cast<uint8_t>((product + (product >> 8)) >> 8);
+    };
+    for (size_t i = 0; i + 4 <= picture.pixels.size(); i += 4) {
+        uint8_t* pixel = picture.pixels.data() + i;
+        const uint8_t red = times(pixel[0], pixel[3]);
+        pixel[0] = times(pixel[2], pixel[3]);
+        pixel[1] = times(pixel[1], pixel[3]);
+        pixel[2] = red;
+    }
+}
+
+}  // namespace thumbnails

@@ -1,0 +1,183 @@
+#include "quicklook/thumbnail_maker.h"
+
+#include <glib.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "quicklook/background.h"
+#include "quicklook/patient_stat.h"
+#include "quicklook/thumbnailers.h"
+
+namespace thumbnails {
+
+struct ThumbnailMaker::Request {
+    Subject subject;
+    Box box, made_box;
+    std::string type;  // empty while unknown
+    Route route;
+};
+
+namespace {
+
+const double probe_seconds = 5;
+// The helper program ends itself a little later than we end it: it must not outlive us.
+const double own_end = 2;
+// A thumbnailer program is timed out by the helper, which then has an answer for us.
+const double time_to_answer = 3;
+const size_t most_timed_out = 64;
+
+bool is_same(const Subject& a, const Subject& b) {
+    return a.modified == b.modified && a.size == b.size;
+}
+
+// Nothing for what is not a plain file with something in it.
+std::optional<Subject> look_at(const std::string& path, double seconds) {
+    const std::optional<struct stat> status = patient_stat(path, seconds);
+    if (!status || !S_ISREG(status->st_mode) || status->st_size == 0) return {};
+    return Subject{path, status->st_mtime, status->st_size};
+}
+
+const char* mode_of(Route route) {
+    switch (route) {
+        case Route::pdf:
+            return "pdf";
+        case Route::program:
+            return "program";
+        default:
+            return "image";
+    }
+}
+
+std::string whole(double seconds) { return std::to_string(static_cast<int>(seconds + 0.999)); }
+
+}  // namespace
+
+ThumbnailMaker::ThumbnailMaker(Settings settings)
+    : settings_(std::move(settings)),
+      turns_(settings_.at_once, settings_.at_most, std::chrono::milliseconds(1500)) {}
+
+Picture ThumbnailMaker::make(const std::string& path, Box box) {
+    Request request = {{}, box, cache_box(box), type_by_name(path), Route::none};
+    request.route = route_for(request.type);
+    if (request.route == Route::text) return {};
+    const std::optional<Subject> subject = look_at(path, settings_.stat_seconds);
+    if (!subject) return {};
+    request.subject = *subject;
+    if (Picture picture = cached_picture(*subject, box)) return picture;
+    if (request.route == Route::none || settings_.helper_folder.empty()) return {};
+    if (has_failed(*subject) || timed_out_before(*subject)) return {};
+    const Turns::Turn turn(turns_);
+    return decode(request);
+}
+
+Picture ThumbnailMaker::decode(Request& request) {
+    Answer answer = decode_by_content(request);
+    if (!answer.picture) {
+        note_failure(request, answer);
+        return {};
+    }
+    const std::optional<Subject> after = look_at(request.subject.path, settings_.stat_seconds);
+    if (after && is_same(*after, request.subject)) {
+        const Origin origin = {request.type, static_cast<int>(answer.reply.original_width),
+                               static_cast<int>(answer.reply.original_height)};
+        run_in_background([subject = *after, picture = answer.picture, box = request.made_box,
+                           origin] { store_picture(subject, picture, box, origin); });
+    }
+    return fitted(std::move(answer.picture), request.box);
+}
+
+// Names may lie, and a decoder may not know an image type that a thumbnailer program knows.
+Answer ThumbnailMaker::decode_by_content(Request& request) {
+    Answer answer = run(request.route, request);
+    if (answer.reply.outcome != Outcome::unsupported) return answer;
+    const std::string seen = answer.reply.type;
+    if (!seen.empty()) request.type = seen;
+    Route next = route_for(request.type);
+    const bool tried = next == request.route || next == Route::image;
+    if (tried && !thumbnailer_for(request.type).empty()) next = Route::program;
+    if (next != Route::pdf && next != Route::program) return answer;
+    if (next == request.route) return answer;
+    return run(next, request);
+}
+
+std::vector<std::string> ThumbnailMaker::words(Route route, const Request& request) {
+    const bool is_program = route == Route::program;
+    const double seconds = is_program ? settings_.program_seconds : settings_.decoder_seconds;
+    const double processor = is_program ? settings_.program_seconds : settings_.processor_seconds;
+    std::vector<std::string> words = {mode_of(route),
+                                      bubblewrap_works(is_program) ? "bubblewrap" : "plain",
+                                      std::to_string(settings_.memory * (is_program ? 2 : 1)),
+                                      whole(processor),
+                                      whole(seconds + own_end),
+                                      std::to_string(request.made_box.width),
+                                      std::to_string(request.made_box.height),
+                                      request.subject.path};
+    if (is_program) {
+        words.push_back(whole(settings_.program_seconds));
+        const std::vector<std::string> command = thumbnailer_for(request.type);
+        words.insert(words.end(), command.begin(), command.end());
+    }
+    return words;
+}
+
+Answer ThumbnailMaker::run(Route route, const Request& request) {
+    const double seconds = route == Route::program ? settings_.program_seconds + time_to_answer
+                                                   : settings_.decoder_seconds;
+    return run_helper(settings_.helper_folder + "/delvio-thumbnailer", words(route, request),
+                      request.made_box, seconds);
+}
+
+void ThumbnailMaker::note_failure(const Request& request, const Answer& answer) {
+    const bool is_broken =
+        answer.ending == Ending::broke_off ||
+        (answer.ending == Ending::answered && answer.reply.outcome == Outcome::broken);
+    if (is_broken) run_in_background([subject = request.subject] { store_failure(subject); });
+    const bool is_slow =
+        answer.ending == Ending::timed_out ||
+        (answer.ending == Ending::answered && answer.reply.outcome == Outcome::too_slow);
+    if (!is_slow) return;
+    // That may be the disk's fault, so it is remembered only here.
+    const std::lock_guard guard(lock_);
+    if (timed_out_.size() >= most_timed_out) timed_out_.clear();
+    timed_out_[request.subject.path] = request.subject;
+}
+
+bool ThumbnailMaker::timed_out_before(const Subject& subject) {
+    const std::lock_guard guard(lock_);
+    const auto found = timed_out_.find(subject.path);
+    return found != timed_out_.end() && is_same(found->second, subject);
+}
+
+// Containers may forbid what it needs: one try tells.
+bool ThumbnailMaker::bubblewrap_works(bool for_programs) {
+    if (!settings_.use_bubblewrap) return false;
+    std::call_once(bubblewrap_tried_[for_programs], [this, for_programs] {
+        const std::vector<std::string> words = {for_programs ? "ready-program" : "ready",
+                                                "bubblewrap",
+                                                std::to_string(settings_.memory),
+                                                whole(probe_seconds),
+                                                whole(probe_seconds + own_end),
+                                                "1",
+                                                "1",
+                                                ""};
+        const Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer", words,
+                                         {1, 1}, probe_seconds);
+        bubblewrap_works_[for_programs] =
+            answer.ending == Ending::answered && answer.reply.outcome == Outcome::ready;
+    });
+    return bubblewrap_works_[for_programs];
+}
+
+ThumbnailMaker& shared_thumbnail_maker() {
+    static ThumbnailMaker& maker = [&]() -> ThumbnailMaker& {
+        Settings settings;
+        settings.helper_folder = helper_folder();
+        settings.at_once = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
+        return *new ThumbnailMaker(std::move(settings));
+    }();
+    return maker;
+}
+
+}  // namespace thumbnails
