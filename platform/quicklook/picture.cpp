@@ -39,18 +39,4 @@ Picture fitted(Picture picture, Box box) {
     return result;
 }
 
-void premultiply(Picture& picture) {
-    const auto times = [](unsigned colour, unsigned alpha) {
-        const unsigned product = colour * alpha + 128;
-        return static_cast<uint8_t>((product + (product >> 8)) >> 8);
-    };
-    for (size_t i = 0; i + 4 <= picture.pixels.size(); i += 4) {
-        uint8_t* pixel = picture.pixels.data() + i;
-        const uint8_t red = times(pixel[0], pixel[3]);
-        pixel[0] = times(pixel[2], pixel[3]);
-        pixel[1] = times(pixel[1], pixel[3]);
-        pixel[2] = red;
-    }
-}
-
 }  // namespace thumbnails

@@ -26,7 +26,4 @@ Box fit(Box original, Box box);
 // The picture itself if it fits already.
 Picture fitted(Picture picture, Box box);
 
-// In the order that cairo draws from: blue, green, red, alpha, colours multiplied by alpha.
-void premultiply(Picture& picture);
-
 }  // namespace thumbnails

@@ -90,6 +90,9 @@ std::optional<PngHead> png_head(const std::string& file) {
 }
 
 Picture decode_png(const std::string& file) {
+    // The loader takes the beginning of a picture for all of it.
+    const std::string end("\0\0\0\0IEND", 8);
+    if (file.size() < 12 || file.compare(file.size() - 12, end.size(), end) != 0) return {};
     const std::unique_ptr<GdkPixbufLoader, Unref> loader(
         gdk_pixbuf_loader_new_with_type("png", nullptr));
     if (!loader) return {};

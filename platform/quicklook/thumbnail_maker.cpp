@@ -39,6 +39,14 @@ std::optional<Subject> look_at(const std::string& path, double seconds) {
     return Subject{path, status->st_mtime, status->st_size};
 }
 
+// Other programs' entries of the cache go by this form of a path.
+std::string canonical(const std::string& path) {
+    gchar* text = g_canonicalize_filename(path.c_str(), "/");
+    const std::string canonical = text;
+    g_free(text);
+    return canonical;
+}
+
 const char* mode_of(Route route) {
     switch (route) {
         case Route::pdf:
@@ -58,7 +66,8 @@ ThumbnailMaker::ThumbnailMaker(Settings settings)
     : settings_(std::move(settings)),
       turns_(settings_.at_once, settings_.at_most, std::chrono::milliseconds(1500)) {}
 
-Picture ThumbnailMaker::make(const std::string& path, Box box) {
+Picture ThumbnailMaker::make(const std::string& given_path, Box box) {
+    const std::string path = canonical(given_path);
     Request request = {{}, box, cache_box(box), type_by_name(path), Route::none};
     request.route = route_for(request.type);
     if (request.route == Route::text) return {};

@@ -31,6 +31,8 @@ typedef CFTypeRef CFPropertyListRef;
 typedef const struct __CFString* CFStringRef;
 typedef const struct __CFArray* CFArrayRef;
 typedef const struct __CFNumber* CFNumberRef;
+typedef const struct __CFDictionary* CFDictionaryRef;
+typedef const struct __CFURL* CFURLRef;  // an NSURL
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef struct __CFRunLoop* CFRunLoopRef;
 

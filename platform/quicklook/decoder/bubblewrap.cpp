@@ -53,7 +53,7 @@ void add_system(Words& words, bool is_for_program) {
 
 void add_program(Words& words, const Cage& cage) {
     add(words, {"--proc", "/proc", "--size", largest_output, "--tmpfs", caged_output});
-    add(words, {"--symlink", caged_output, "/tmp", "--setenv", "HOME", caged_output});
+    add(words, {"--size", largest_output, "--tmpfs", "/tmp", "--setenv", "HOME", caged_output});
     if (!cage.program.empty() && !is_of_system(cage.program)) {
         add(words, {"--ro-bind", cage.program, cage.program});
     }

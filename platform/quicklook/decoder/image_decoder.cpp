@@ -129,12 +129,19 @@ void write_unsupported(const std::string& type) {
     write_reply(reply);
 }
 
-std::string type_of(const char* name, const std::vector<char>& start) {
+std::string guess(const char* name, const std::vector<char>& start) {
     gchar* guess = g_content_type_guess(name, reinterpret_cast<const guchar*>(start.data()),
                                         start.size(), nullptr);
     const std::string type = guess ? guess : "";
     g_free(guess);
     return type;
+}
+
+// Names may lie: they count only where the content says nothing.
+std::string type_of(const char* name, const std::vector<char>& start) {
+    const std::string type = guess(nullptr, start);
+    const bool says_nothing = type == "application/octet-stream" || type == "text/plain";
+    return says_nothing ? guess(name, start) : type;
 }
 
 void decode(Size size, const char* name) {

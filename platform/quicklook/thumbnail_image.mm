@@ -1,0 +1,56 @@
+#include <QuickLook/QuickLook.h>
+
+#include <Foundation/Foundation.h>
+#include <math.h>
+
+#include <memory>
+#include <string>
+
+#include "quicklook/thumbnail_maker.h"
+
+using thumbnails::Box;
+using thumbnails::Picture;
+
+static const double largest_side = 2048;
+
+// Empty for what is no file.
+static std::string file_path(NSURL* url) {
+    if (![url isFileURL]) return {};
+    const char* path = [[url path] fileSystemRepresentation];
+    return path && path[0] == '/' ? path : "";
+}
+
+static bool find_box(CGSize size, Box* box) {
+    if (!(size.width >= 1 && size.height >= 1)) return false;
+    box->width = static_cast<int>(fmin(size.width, largest_side));
+    box->height = static_cast<int>(fmin(size.height, largest_side));
+    return true;
+}
+
+static void delete_picture(void* picture, const void*, size_t) {
+    delete static_cast<Picture*>(picture);
+}
+
+static CGImageRef image_of(Picture picture) {
+    auto* kept = new Picture(std::move(picture));
+    const auto width = static_cast<size_t>(kept->width), height = static_cast<size_t>(kept->height);
+    CGDataProviderRef pixels = CGDataProviderCreateWithData(kept, kept->pixels.data(),
+                                                            kept->pixels.size(), delete_picture);
+    CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+    CGImageRef image = CGImageCreate(width, height, 8, 32, width * 4, space, kCGImageAlphaLast,
+                                     pixels, nullptr, true, kCGRenderingIntentDefault);
+    CGColorSpaceRelease(space);
+    CGDataProviderRelease(pixels);
+    return image;
+}
+
+CGImageRef QLThumbnailImageCreate(CFAllocatorRef, CFURLRef url, CGSize maxThumbnailSize,
+                                  CFDictionaryRef) {
+    @autoreleasepool {
+        Box box;
+        const std::string path = file_path((NSURL*)url);
+        if (path.empty() || !find_box(maxThumbnailSize, &box)) return nullptr;
+        Picture picture = thumbnails::shared_thumbnail_maker().make(path, box);
+        return picture ? image_of(std::move(picture)) : nullptr;
+    }
+}
