@@ -20,9 +20,11 @@ add_compile_options(-Wall -Wextra -Werror)
 # CMake knows this flag for C and C++ only; without it programs record a library by its build path.
 set(CMAKE_SHARED_LIBRARY_SONAME_OBJCXX_FLAG "-Wl,-soname,")
 
-# CMake 3.25 knows no run-time search path for programs that are Objective-C++ alone.
-set(CMAKE_EXECUTABLE_RUNTIME_OBJCXX_FLAG "-Wl,-rpath,")
-set(CMAKE_EXECUTABLE_RUNTIME_OBJCXX_FLAG_SEP ":")
+# CMake 3.25 knows no run-time search path for what is Objective-C++ alone.
+foreach(kind EXECUTABLE SHARED_LIBRARY)
+  set(CMAKE_${kind}_RUNTIME_OBJCXX_FLAG "-Wl,-rpath,")
+  set(CMAKE_${kind}_RUNTIME_OBJCXX_FLAG_SEP ":")
+endforeach()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)

@@ -4,9 +4,10 @@
 
 #include <string>
 
-// The bundle's path: $DELVIO_BUNDLE; else beside the running program, in ../lib (as built) or
-// ../lib/delvio (as installed). Empty when there is none; then *problem says where it was sought.
-std::string FindPlugIn(std::string* problem);
+// The bundle's path: $DELVIO_BUNDLE; else in `folder`, or for none beside the running program, in
+// ../lib (as built) or ../lib/delvio (as installed). Empty when there is none; then *problem says
+// where it was sought.
+std::string FindPlugIn(std::string* problem, const std::string& folder = "");
 
 // Declares this process a Finder ("MACS"), loads the bundle and calls its entry function.
 // False when that failed; then *problem says why, in one line.

@@ -1,5 +1,6 @@
 // Files' icons from the desktop's icon theme: GNUstep has one picture for all plain files.
 #include <AppKit/AppKit.h>
+#include <AppKit/FileIcons.h>
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
@@ -17,6 +18,7 @@
 namespace {
 
 IMP stock_icon;
+BOOL uses_stock_icons = NO;
 
 // In points; drawn crisp at these sizes, and at the first two in double resolution.
 const int sizes[] = {16, 32, 48};
@@ -72,24 +74,29 @@ NSArray* bitmaps_for_key(const std::string& key) {
     return (*cache)[key] = load_bitmaps(key);
 }
 
-// GNUstep's file managers draw their own icons, and its bundles carry theirs.
-bool is_stock_icon(const std::string& path) {
-    static const bool in_file_manager = objc_lookUpClass("FSNodeRep") != nil;
-    if (in_file_manager) return true;
+// The caller may resize it: the image is his, the pictures are everybody's.
+NSImage* image_of(NSArray* pictures, NSSize size) {
+    NSImage* image = [[NSImage alloc] initWithSize:size];
+    [image setScalesWhenResized:YES];
+    [image addRepresentations:pictures];
+    return [image autorelease];
+}
+
+// GNUstep's bundles carry their own icons.
+bool has_icon_of_its_own(const std::string& path) {
     return path.ends_with(".app") && access((path + "/Resources").c_str(), F_OK) == 0;
 }
 
 NSImage* icon_for_file(NSWorkspace* self, SEL selector, NSString* path) {
     auto stock = reinterpret_cast<NSImage* (*)(id, SEL, NSString*)>(stock_icon);
+    if (uses_stock_icons) return stock(self, selector, path);
     const std::string bytes = path_bytes(path);
-    if (is_stock_icon(bytes)) return stock(self, selector, path);
-    NSArray* bitmaps = bitmaps_for_key(icon_key(bytes));
-    if ([bitmaps count] == 0) return [[stock(self, selector, path) copy] autorelease];
-    // The caller may resize it: the image is his, the pictures are everybody's.
-    NSImage* image = [[NSImage alloc] initWithSize:NSMakeSize(default_size, default_size)];
-    [image setScalesWhenResized:YES];
-    [image addRepresentations:bitmaps];
-    return [image autorelease];
+    NSArray* bitmaps = has_icon_of_its_own(bytes) ? nil : bitmaps_for_key(icon_key(bytes));
+    if ([bitmaps count] > 0) {
+        return image_of(bitmaps, NSMakeSize(default_size, default_size));
+    }
+    NSImage* shared = stock(self, selector, path);
+    return shared ? image_of([shared representations], [shared size]) : nil;
 }
 
 }  // namespace
@@ -107,3 +114,5 @@ NSImage* icon_for_file(NSWorkspace* self, SEL selector, NSString* path) {
 }
 
 @end
+
+void UseStockFileIcons(BOOL use) { uses_stock_icons = use; }

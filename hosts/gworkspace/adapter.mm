@@ -1,0 +1,54 @@
+#include <AppKit/AppKit.h>
+
+#include <dlfcn.h>
+#include <stdio.h>
+
+#include "finderkit/finder_events.h"
+#include "finderkit/plug_in.h"
+#include "gworkspace/icons.h"
+#include "gworkspace/opening.h"
+#include "gworkspace/presses.h"
+
+// The display server is not connected yet when GNUstep loads bundles; the rest waits for the end
+// of the launch.
+@interface DelvioGWorkspaceLaunch : NSObject
+@end
+
+namespace {
+
+void complain(const std::string& problem) { fprintf(stderr, "delvio: %s\n", problem.c_str()); }
+
+// The bundles stand beside this library.
+std::string own_folder() {
+    Dl_info info;
+    if (!dladdr(reinterpret_cast<void*>(&complain), &info)) return ".";
+    const std::string path = info.dli_fname;
+    return path.substr(0, path.rfind('/'));
+}
+
+}  // namespace
+
+@implementation DelvioGWorkspaceLaunch
+
+- (void)didFinishLaunching:(NSNotification*)notification {
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    std::string problem;
+    const std::string bundle = FindPlugIn(&problem, own_folder());
+    if (bundle.empty()) return complain(problem);
+    if (!AnswerFinderEvents(&problem)) complain(problem);
+    if (!LoadPlugIn(bundle, &problem)) return complain(problem);
+    OpenFilesWithGWorkspace();
+    TakeMenuPresses();
+    (void)notification;
+}
+
+@end
+
+extern "C" __attribute__((visibility("default"))) void DelvioStartInGWorkspace() {
+    KeepGWorkspaceIcons();
+    static DelvioGWorkspaceLaunch* launch = [DelvioGWorkspaceLaunch new];
+    [[NSNotificationCenter defaultCenter] addObserver:launch
+                                             selector:@selector(didFinishLaunching:)
+                                                 name:NSApplicationDidFinishLaunchingNotification
+                                               object:nil];
+}

@@ -1,0 +1,34 @@
+#include "gworkspace/icons.h"
+
+#include <AppKit/AppKit.h>
+#include <AppKit/FileIcons.h>
+#include <objc/runtime.h>
+
+@interface NSObject (DelvioGWorkspaceIcons)
+- (NSImage*)delvioIconOfSize:(int)size forNode:(id)node;
+@end
+
+@implementation NSObject (DelvioGWorkspaceIcons)
+
+- (NSImage*)delvioIconOfSize:(int)size forNode:(id)node {
+    UseStockFileIcons(YES);
+    @try {
+        return [self delvioIconOfSize:size forNode:node];
+    } @finally {
+        UseStockFileIcons(NO);
+    }
+}
+
+@end
+
+void KeepGWorkspaceIcons() {
+    Class source = objc_lookUpClass("FSNodeRep");
+    SEL replacement = @selector(delvioIconOfSize:forNode:);
+    Method ours = class_getInstanceMethod([NSObject class], replacement);
+    Method theirs = class_getInstanceMethod(source, sel_registerName("iconOfSize:forNode:"));
+    if (!theirs) return;
+    // An entry of its own: the exchange must leave all other classes alone.
+    class_addMethod(source, replacement, method_getImplementation(ours),
+                    method_getTypeEncoding(ours));
+    method_exchangeImplementations(theirs, class_getInstanceMethod(source, replacement));
+}

@@ -1,0 +1,53 @@
+// The real GWorkspace, with Delvio inside or without, in the isolated run's home folder.
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace test {
+
+using lines_t = std::vector<std::string>;
+
+struct Area {
+    int left = 0, top = 0, width = 0, height = 0;
+    int x() const { return left + width / 2; }
+    int y() const { return top + height / 2; }
+    explicit operator bool() const { return width > 0; }
+};
+
+class FileManager {
+  public:
+    // Starts it with one viewer, of this folder, and waits until that is there. `words` are further
+    // arguments.
+    explicit FileManager(const std::string& folder, bool with_delvio = true,
+                         const lines_t& words = {});
+    // Ends it and whatever it started.
+    ~FileManager();
+    FileManager(const FileManager&) = delete;
+    FileManager& operator=(const FileManager&) = delete;
+
+    // A question of gworkspace/probe_questions.h or gworkspace/probe_menus.mm.
+    std::string ask(const std::string& question) const;
+    lines_t ask_lines(const std::string& question) const;
+    Area ask_area(const std::string& question) const;
+
+    bool is_running();
+    // What it has written to standard error, without times, process numbers and GNUstep's own
+    // lines about bundles. Of the programs that it starts too.
+    lines_t messages() const;
+
+  private:
+    std::string socket_, errors_;
+    pid_t process_ = 0;
+};
+
+// Waits until it is true, ten seconds at most; false when it never was.
+bool wait_until(const std::function<bool()>& condition);
+
+// Starts openbox if DELVIO_TEST_WINDOW_MANAGER asks for a window manager, and waits for it.
+void start_window_manager();
+
+}  // namespace test

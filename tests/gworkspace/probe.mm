@@ -1,0 +1,104 @@
+// A bundle that tests put into GWorkspace beside Delvio's. It answers questions about what the
+// program shows, over a socket; what is done to the program is done with mouse and keyboard.
+// It links GNUstep alone, so that a GWorkspace without Delvio can be asked too.
+#include <AppKit/AppKit.h>
+
+#include <dlfcn.h>
+#include <stdlib.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <sstream>
+
+#include "gworkspace/probe_questions.h"
+
+@interface GWorkspaceProbe : NSObject <RunLoopEvents> {
+  @private
+    int _listener;
+}
+@end
+
+namespace {
+
+int listen_at(const char* path) {
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    snprintf(address.sun_path, sizeof address.sun_path, "%s", path);
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const auto* bound = reinterpret_cast<sockaddr*>(&address);
+    return bind(listener, bound, sizeof address) || listen(listener, 8) ? -1 : listener;
+}
+
+// The rest stands in a library that needs Delvio's, and is loaded where those are.
+std::string ask_about_menus(const std::string& question) {
+    using Answer = void (*)(const char*, std::string*);
+    if (!dlopen("libdelvio-appkit.so", RTLD_NOW | RTLD_NOLOAD)) return "";
+    static void* menus = dlopen(GWORKSPACE_MENU_PROBE, RTLD_NOW);
+    const auto answer =
+        reinterpret_cast<Answer>(menus ? dlsym(menus, "AnswerAboutMenus") : nullptr);
+    if (!answer) return std::string("error ") + dlerror();
+    std::string text;
+    answer(question.c_str(), &text);
+    return text;
+}
+
+std::string answer_to(const std::string& line) {
+    std::istringstream words(line);
+    std::string question, rest;
+    words >> question >> std::ws;
+    std::getline(words, rest);
+    std::string answer;
+    return AnswerAboutViews(question, rest, &answer) ? answer : ask_about_menus(line);
+}
+
+void serve(int client) {
+    char buffer[4096];
+    const ssize_t length = read(client, buffer, sizeof buffer);
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
+    const std::string answer = answer_to(std::string(buffer, length > 0 ? length : 0));
+    [pool release];
+    size_t sent = 0;
+    while (sent < answer.size()) {
+        const ssize_t step = send(client, answer.data() + sent, answer.size() - sent, MSG_NOSIGNAL);
+        if (step <= 0) break;
+        sent += static_cast<size_t>(step);
+    }
+    close(client);
+}
+
+}  // namespace
+
+@implementation GWorkspaceProbe
+
+- (instancetype)init {
+    if (!(self = [super init])) return nil;
+    const char* path = getenv("DELVIO_TEST_PROBE");
+    _listener = path && objc_lookUpClass("GWorkspace") ? listen_at(path) : -1;
+    if (_listener < 0) return self;
+    NSString* modes[] = {NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, NSModalPanelRunLoopMode};
+    for (NSString* mode : modes) {
+        [[NSRunLoop currentRunLoop]
+            addEvent:reinterpret_cast<void*>(static_cast<intptr_t>(_listener))
+                type:ET_RDESC
+             watcher:self
+             forMode:mode];
+    }
+    return self;
+}
+
+- (void)receivedEvent:(void*)data
+                 type:(RunLoopEventType)type
+                extra:(void*)extra
+              forMode:(NSString*)mode {
+    (void)data, (void)type, (void)extra, (void)mode;
+    const int client = accept4(_listener, nullptr, nullptr, SOCK_CLOEXEC);
+    if (client >= 0) serve(client);
+}
+
+- (NSDate*)timedOutEvent:(void*)data type:(RunLoopEventType)type forMode:(NSString*)mode {
+    (void)data, (void)type, (void)mode;
+    return nil;
+}
+
+@end

@@ -1,0 +1,78 @@
+// The probe's eyes for contextual menus.
+//
+//   menus            how many levels are open
+//   rows LEVEL       the level's rows, from 0: "left top width height enabled submenu title"
+//   highlight LEVEL  the title of the highlighted row
+//   elements         how many of the plug-in's elements have been made, and freed
+#include <AppKit/MenuTracking.h>
+
+#include <sstream>
+
+#include "appkit/menu_run.h"
+#include "gworkspace/local_symbols.h"
+
+namespace {
+
+const menu_level_t* shown_level(size_t level) {
+    menu_run_t* run = menu_run_t::current();
+    if (!run || level >= run->levels().size()) return nullptr;
+    const menu_level_t* shown = run->levels()[level].get();
+    return shown->is_shown() && !shown->layout().rows().empty() ? shown : nullptr;
+}
+
+std::string title_of(NSMenuItem* item) {
+    if (!item) return "";
+    return [item isSeparatorItem] ? "-" : std::string([[item title] UTF8String] ?: "");
+}
+
+std::string rows_of(size_t level) {
+    std::ostringstream text;
+    const menu_level_t* shown = shown_level(level);
+    if (!shown) return "";
+    int index = 0;
+    for (const menu_row_t& row : shown->layout().rows()) {
+        const area_t area = shown->row_area(index++);
+        text << area.left << " " << area.top << " " << area.width << " " << area.height << " "
+             << ([row.item isEnabled] ? 1 : 0) << " " << ([row.item hasSubmenu] ? 1 : 0) << " "
+             << title_of(row.item) << "\n";
+    }
+    return text.str();
+}
+
+std::string highlight_of(size_t level) {
+    const menu_level_t* shown = shown_level(level);
+    if (!shown) return "";
+    return title_of([[MenuSession current] highlightedItemOfMenu:shown->menu()]) + "\n";
+}
+
+std::string element_counts() {
+    std::ostringstream text;
+    for (const char* name : {"alloc_count", "free_count"}) {
+        const void* counter = FindLocalSymbol("Delvio.bundle/Delvio", name);
+        text << (counter ? *static_cast<const uint32_t*>(counter) : 0) << " ";
+    }
+    return text.str();
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) void AnswerAboutMenus(const char* line,
+                                                                        std::string* answer) {
+    std::istringstream words(line);
+    std::string question;
+    size_t level = 0;
+    words >> question >> level;
+    if (question == "menus") {
+        size_t open = 0;
+        while (shown_level(open)) ++open;
+        *answer = std::to_string(open);
+    } else if (question == "rows") {
+        *answer = rows_of(level);
+    } else if (question == "highlight") {
+        *answer = highlight_of(level);
+    } else if (question == "elements") {
+        *answer = element_counts();
+    } else {
+        *answer = "error no such question";
+    }
+}

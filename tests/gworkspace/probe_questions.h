@@ -1,0 +1,22 @@
+// What the probe can be asked about GWorkspace's own views. Answers are lines; a place on the
+// screen is "left top width height". Main thread.
+//
+//   selection             the paths that GWorkspace's commands are for
+//   selected KIND         the paths selected in a view
+//   item KIND PATH        where the icon, cell or row of the path stands; KIND is browser, icons,
+//                         list, path, shelf, desktop, dock
+//   ground KIND           where there is none; of the browser, below the cells of the last column
+//   bounds KIND           the view's visible part
+//   clipboard             the paths on the pasteboard
+//   windows               the titles of the windows that are shown
+//   show KIND             the viewer takes this form (browser, icons, list) and shows its folder
+//   shelve PATH           puts the path on the shelf
+//   open PATH             a viewer of this folder
+//   alert                 the text of the panel that waits for an answer
+//   memory                bytes that are allocated
+#pragma once
+
+#include <string>
+
+// False for another question.
+bool AnswerAboutViews(const std::string& question, const std::string& words, std::string* answer);

@@ -1,0 +1,136 @@
+#include "gworkspace/viewer_desk.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace test {
+
+std::unique_ptr<TempFolder> ViewerDesk::folder_;
+std::unique_ptr<RecordingProgram> ViewerDesk::program_;
+std::unique_ptr<FileManager> ViewerDesk::manager_;
+
+namespace {
+
+void fill(TempFolder& folder) {
+    for (const char* name : {"alpha/one/two/deep.text", "alpha/one/note.text", "alpha/readme.text",
+                             "beta/b.text", "first.text", "second.text", "third.text"}) {
+        folder.file(name, name);
+    }
+}
+
+}  // namespace
+
+void ViewerDesk::SetUpTestSuite() {
+    folder_ = std::make_unique<TempFolder>();
+    fill(*folder_);
+    TempFolder* desktop = nullptr;
+    (void)desktop;
+    program_ = std::make_unique<RecordingProgram>(
+        std::vector<std::string>{"text/plain", "application/x-zerosize"});
+    start_window_manager();
+    manager_ = std::make_unique<FileManager>(folder_->path());
+}
+
+void ViewerDesk::TearDownTestSuite() {
+    manager_.reset();
+    program_.reset();
+    folder_.reset();
+}
+
+ViewerDesk::ViewerDesk() { program_->forget(); }
+
+ViewerDesk::~ViewerDesk() {
+    input_.let_go();
+    if (!is_closed()) close_menu();
+}
+
+void ViewerDesk::show(const std::string& kind) {
+    manager().ask("show " + kind);
+    EXPECT_TRUE(wait_until([&] { return manager().ask_area("bounds " + kind).width > 0; })) << kind;
+}
+
+Area ViewerDesk::item(const std::string& kind, const std::string& path) {
+    Area area;
+    EXPECT_TRUE(wait_until([&] {
+        area = manager().ask_area("item " + kind + " " + path);
+        return static_cast<bool>(area);
+    })) << kind
+        << " shows no " << path;
+    return area;
+}
+
+Area ViewerDesk::ground(const std::string& kind) {
+    const Area area = manager().ask_area("ground " + kind);
+    EXPECT_TRUE(static_cast<bool>(area)) << kind << " has no ground";
+    return area;
+}
+
+void ViewerDesk::left_click(const Area& area) {
+    move_to(area);
+    input_.click(1);
+}
+
+void ViewerDesk::right_click(const Area& area) {
+    move_to(area);
+    input_.click(3);
+    EXPECT_TRUE(wait_until([&] { return is_open(0); })) << "no menu";
+}
+
+void ViewerDesk::close_menu() {
+    input_.key("Escape");
+    EXPECT_TRUE(wait_until([&] { return is_closed(); })) << "the menu stays";
+}
+
+bool ViewerDesk::is_open(size_t level) const {
+    return atoi(manager().ask("menus").c_str()) > static_cast<int>(level);
+}
+
+std::vector<Row> ViewerDesk::rows(size_t level) const {
+    std::vector<Row> rows;
+    for (const std::string& line : manager().ask_lines("rows " + std::to_string(level))) {
+        Row row;
+        std::istringstream words(line);
+        words >> row.area.left >> row.area.top >> row.area.width >> row.area.height >>
+            row.enabled >> row.has_submenu >> std::ws;
+        std::getline(words, row.title);
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+lines_t ViewerDesk::titles(size_t level) const {
+    lines_t titles;
+    for (const Row& row : rows(level)) titles.push_back(row.title);
+    return titles;
+}
+
+Row ViewerDesk::row(size_t level, const std::string& title) const {
+    for (const Row& row : rows(level)) {
+        if (row.title == title) return row;
+    }
+    ADD_FAILURE() << "level " << level << " has no row " << title;
+    return {};
+}
+
+void ViewerDesk::hover_along(const lines_t& titles) {
+    for (size_t level = 0; level < titles.size(); level++) {
+        ASSERT_TRUE(wait_until([&] { return is_open(level); })) << titles[level];
+        move_to(row(level, titles[level]).area);
+    }
+    EXPECT_TRUE(wait_until([&] { return is_open(titles.size()); })) << "nothing opens";
+}
+
+void ViewerDesk::pick(const lines_t& titles) {
+    if (titles.size() > 1) hover_along({titles.begin(), titles.end() - 1});
+    const Area area = row(titles.size() - 1, titles.back()).area;
+    ASSERT_TRUE(static_cast<bool>(area));
+    move_to(area);
+    input_.click(1);
+    EXPECT_TRUE(wait_until([&] { return is_closed(); })) << "the menu stays";
+}
+
+bool contains(const lines_t& lines, const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+}  // namespace test

@@ -1,0 +1,71 @@
+// A user in front of GWorkspace: one viewer of a folder of the test's own, hands on mouse and
+// keyboard. The program is started once for all tests of a suite.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "gworkspace/file_manager.h"
+#include "support/recording_program.h"
+#include "support/temp_folder.h"
+#include "support/x_input.h"
+
+namespace test {
+
+struct Row {
+    Area area;
+    bool enabled = false;
+    bool has_submenu = false;
+    std::string title;
+};
+
+class ViewerDesk : public testing::Test {
+  protected:
+    static void SetUpTestSuite();
+    static void TearDownTestSuite();
+    ViewerDesk();
+    ~ViewerDesk() override;
+
+    static FileManager& manager() { return *manager_; }
+    static RecordingProgram& program() { return *program_; }
+    // In the folder that the viewer shows.
+    static std::string path(const std::string& name) { return folder_->path(name); }
+    static const TempFolder& folder() { return *folder_; }
+    static TempFolder& changing_folder() { return *folder_; }
+
+    // The viewer's form: browser, icons or list.
+    void show(const std::string& kind);
+
+    // The hand.
+    XInput& input() { return input_; }
+    void move_to(const Area& area) { input_.move(area.x(), area.y()); }
+    Area item(const std::string& kind, const std::string& path);
+    Area ground(const std::string& kind);
+    void left_click(const Area& area);
+    // A right-click that opens a menu.
+    void right_click(const Area& area);
+    void close_menu();
+
+    // What is open. Level 0 is GWorkspace's menu.
+    bool is_open(size_t level) const;
+    bool is_closed() const { return !is_open(0); }
+    std::vector<Row> rows(size_t level) const;
+    lines_t titles(size_t level) const;
+    Row row(size_t level, const std::string& title) const;
+    // Hovers over these rows, each in the level that the one before opens.
+    void hover_along(const lines_t& titles);
+    void pick(const lines_t& titles);
+
+    lines_t selection() const { return manager().ask_lines("selection"); }
+
+  private:
+    static std::unique_ptr<TempFolder> folder_;
+    static std::unique_ptr<RecordingProgram> program_;
+    static std::unique_ptr<FileManager> manager_;
+    XInput input_;
+};
+
+bool contains(const lines_t& lines, const std::string& line);
+
+}  // namespace test
