@@ -21,28 +21,6 @@ NSRect rectangle(const area_t& area) {
     return NSMakeRect(area.left, area.top, area.width, area.height);
 }
 
-// The slow way to the window, for a back end whose context cannot be reached.
-void draw_through_bitmap(const menu_scene_t& scene, NSRect dirty) {
-    const int width = static_cast<int>(NSWidth(dirty)), height = static_cast<int>(NSHeight(dirty));
-    NSBitmapImageRep* rep = make_bitmap(width, height);
-    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
-    cairo_t* cairo = cairo_create(surface);
-    cairo_translate(cairo, -NSMinX(dirty), -NSMinY(dirty));
-    paint_menu(cairo, scene);
-    cairo_destroy(cairo);
-    cairo_surface_flush(surface);
-    for (int y = 0; y < height; y++) {
-        const unsigned char* from =
-            cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface);
-        unsigned char* to = [rep bitmapData] + y * [rep bytesPerRow];
-        for (int x = 0; x < width; x++, from += 4, to += 4) {
-            to[0] = from[2], to[1] = from[1], to[2] = from[0], to[3] = from[3];
-        }
-    }
-    cairo_surface_destroy(surface);
-    [rep drawInRect:dirty];
-}
-
 }  // namespace
 
 menu_level_t::menu_level_t(NSMenu* menu, const menu_style_t& style)
@@ -203,7 +181,10 @@ menu_scene_t menu_level_t::scene(bool shadow) const {
 
 void menu_level_t::draw(NSRect dirty) {
     cairo_t* cairo = focused_cairo();
-    if (!cairo) return draw_through_bitmap(scene(style_.composed), dirty);
+    if (!cairo) {
+        const menu_scene_t drawn = scene(style_.composed);
+        return draw_through_bitmap(dirty, [&](cairo_t* bitmap) { paint_menu(bitmap, drawn); });
+    }
     cairo_save(cairo);
     cairo_identity_matrix(cairo);
     cairo_rectangle(cairo, NSMinX(dirty), NSMinY(dirty), NSWidth(dirty), NSHeight(dirty));

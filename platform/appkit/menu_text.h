@@ -1,4 +1,4 @@
-// Titles as laid-out text. Main thread.
+// Titles and paragraphs as laid-out text. Main thread.
 #pragma once
 
 #include <pango/pangocairo.h>
@@ -24,6 +24,10 @@ std::string folded(const std::string& text);
 
 // The item's title; with `plain`, without the colours of its attributes.
 text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain);
+
+// Text in the interface font, `size` in points, in lines of `width` pixels; 0 does not break it.
+text_t paragraph(const menu_look_t& look, const std::string& text, double size, bool bold,
+                 int width);
 
 // Pixels that the text takes.
 int text_width(const text_t& text);

@@ -180,6 +180,19 @@ text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
     return text;
 }
 
+text_t paragraph(const menu_look_t& look, const std::string& text, double size, bool bold,
+                 int width) {
+    text_t layout(pango_layout_new(text_context()));
+    PangoFontDescription* font = description(look.family, size * look.scale, bold, false);
+    pango_layout_set_font_description(layout.get(), font);
+    pango_font_description_free(font);
+    pango_layout_set_text(layout.get(), text.data(), static_cast<int>(text.size()));
+    if (width <= 0) return layout;
+    pango_layout_set_width(layout.get(), width * PANGO_SCALE);
+    pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
+    return layout;
+}
+
 int text_width(const text_t& text) {
     PangoRectangle box;
     pango_layout_get_extents(text.get(), nullptr, &box);

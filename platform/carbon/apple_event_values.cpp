@@ -6,6 +6,9 @@
 #include <limits>
 #include <utility>
 
+#include <glib.h>
+
+#include "carbon/alias_records.h"
 #include "carbon/file_references.h"
 
 namespace events {
@@ -54,6 +57,45 @@ bool coerce_integer(const Value& value, DescType desired, Value* result) {
     return from && to && from->read(value.bytes, &number) && to->make(desired, number, result);
 }
 
+std::string path_of(const Value& value) {
+    if (value.type == typeFSRef) return value.path;
+    if (value.type != typeAlias) return {};
+    return files::path_of_alias(value.bytes.data(), value.bytes.size());
+}
+
+OSErr make_reference(const std::string& path, Value* result) {
+    FSRef ref;
+    const OSErr error = files::make_reference_again(path, &ref);
+    if (error == noErr) *result = make_plain(typeFSRef, ref);
+    return error;
+}
+
+OSErr make_alias(const std::string& path, Value* result) {
+    const std::vector<UInt8> bytes = files::alias_of_path(path);
+    *result = make_value(typeAlias, bytes.data(), static_cast<Size>(bytes.size()));
+    return noErr;
+}
+
+OSErr make_url(const std::string& path, Value* result) {
+    g_autofree char* url = g_filename_to_uri(path.c_str(), nullptr, nullptr);
+    if (!url) return errAECoercionFail;
+    *result = make_value(typeFileURL, url, static_cast<Size>(strlen(url)));
+    return noErr;
+}
+
+const struct {
+    DescType type;
+    OSErr (*make)(const std::string& path, Value* result);
+} file_types[] = {{typeFSRef, make_reference}, {typeAlias, make_alias}, {typeFileURL, make_url}};
+
+OSErr coerce_file(const Value& value, DescType desired, Value* result) {
+    const std::string path = path_of(value);
+    for (const auto& known : file_types) {
+        if (known.type == desired && !path.empty()) return known.make(path, result);
+    }
+    return errAECoercionFail;
+}
+
 }  // namespace
 
 bool is_plain(DescType type, const void* data, Size size) {
@@ -99,8 +141,8 @@ OSErr coerce(const Value& value, DescType desired, Value* result) {
     if (value.type == typeAEList && value.entries.size() == 1) {
         return coerce(value.entries[0].value, desired, result);
     }
-    if (!coerce_integer(value, desired, result)) return errAECoercionFail;
-    return noErr;
+    if (coerce_integer(value, desired, result)) return noErr;
+    return coerce_file(value, desired, result);
 }
 
 Value* find(std::vector<Entry>* entries, AEKeyword keyword) {

@@ -48,6 +48,7 @@ enum {
     typeKeyword = 'keyw',
     typeFSRef = 'fsrf',
     typeAlias = 'alis',
+    typeFileURL = 'furl',  // "file:///..." in UTF-8
     typeApplSignature = 'sign',
     typeAEList = 'list',
     typeAERecord = 'reco',
@@ -57,6 +58,10 @@ enum {
 // Keywords of parameters and attributes.
 enum {
     keyDirectObject = '----',
+    keyAEInsertHere = 'insh',
+    keyAEReplacing = 'alrp',
+    keyAETo = 'to  ',
+    keyAEObjectClass = 'kocl',
     pName = 'pnam',
     keyEventClassAttr = 'evcl',
     keyEventIDAttr = 'evid',
@@ -69,6 +74,13 @@ enum {
 };
 
 enum { kCoreEventClass = 'aevt', kAEOpenDocuments = 'odoc' };
+enum {
+    kAECoreSuite = 'core',
+    kAEMove = 'move',
+    kAEClone = 'clon',
+    kAECreateElement = 'crel',
+    kAEDelete = 'delo'
+};
 
 enum {
     errAECoercionFail = -1700,
@@ -112,8 +124,10 @@ OSErr AEGetNthDesc(const AEDescList* list, long index, DescType desiredType, AEK
 
 // Fields of records and parameters of events. Putting replaces what has the keyword. Getting
 // coerces to the desired type, else answers errAECoercionFail. Narrower than the Mac's: the
-// coercions are those between integers that hold the value, of anything to a list of one, and of a
-// list of one to its item. `actualSize` is the size of the whole, also when less was asked for.
+// coercions are those between integers that hold the value, between aliases and file references, of
+// these to file URLs, of anything to a list of one, and of a list of one to its item. An alias of a
+// file that is gone gives no reference (fnfErr), but its URL. `actualSize` is the size of the
+// whole, also when less was asked for.
 OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                     Size size);
 OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* desc);

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <Carbon/AppleEvents.h>
+#include <Carbon/Dialogs.h>
 #include <Carbon/Files.h>
 #include <Carbon/LaunchServices.h>
+#include <Carbon/MacMemory.h>
 #include <Carbon/Processes.h>
 #include <Carbon/UnicodeUtilities.h>

@@ -76,6 +76,20 @@ OSErr FSResolveAliasFileWithMountFlags(FSRef* ref, Boolean resolveChains, Boolea
                                        Boolean* wasAliased, unsigned long mountFlags);
 enum { kResolveAliasFileNoUI = 1 };
 
+// A record of where a file is, to be kept for as long as one likes and resolved later, also after
+// the file was replaced by another; it holds the path. Its bytes may be copied. The file itself is
+// meant, not what a symbolic link leads to. The handle is the caller's, who disposes of it.
+typedef struct AliasRecord {
+    UInt8 hidden[6];
+} AliasRecord;
+typedef AliasRecord* AliasPtr;
+typedef AliasPtr* AliasHandle;
+// On failure the handle is null.
+OSErr FSNewAliasMinimal(const FSRef* target, AliasHandle* alias);
+// fnfErr when nothing is there any more. `fromFile` is not looked at, paths being absolute;
+// `wasChanged` becomes false. Both but the target may be null.
+OSErr FSResolveAlias(const FSRef* fromFile, AliasHandle alias, FSRef* target, Boolean* wasChanged);
+
 #ifdef __cplusplus
 }
 #endif

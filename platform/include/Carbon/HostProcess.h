@@ -2,6 +2,7 @@
 // signature stands in the program's bundle.
 #pragma once
 
+#include <Carbon/Dialogs.h>
 #include <Carbon/MacTypes.h>
 
 #ifdef __cplusplus
@@ -14,6 +15,12 @@ void DeclareProcessSignature(OSType signature);
 
 // Whether events that this process has sent still wait for its run loop. Main thread.
 Boolean AppleEventsAreWaiting(void);
+
+// For a host without a user to ask: standard alerts are not shown from now on, and this item counts
+// as hit; kAlertAnswerDefault is whatever button is the alert's default. kAlertAnswerAsk: the user
+// is asked again. Main thread.
+enum { kAlertAnswerAsk = 0, kAlertAnswerDefault = -1 };
+void AnswerStandardAlerts(DialogItemIndex item);
 
 #ifdef __cplusplus
 }

@@ -26,6 +26,7 @@ enum {
     permErr = -54,
     dirNFErr = -120,
     memFullErr = -108,
+    userCanceledErr = -128,
     afpAccessDenied = -5000,
     procNotFound = -600,
     errFSBadFSRef = -1401,

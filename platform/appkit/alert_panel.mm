@@ -1,0 +1,201 @@
+#include "appkit/alert_panel.h"
+
+#include <memory>
+
+#include "appkit/bitmaps.h"
+#include "appkit/menu_windows.h"
+
+// The whole content: it draws the alert, and knows which button mouse and keys mean.
+@interface AlertView : NSView {
+  @private
+    const alert_layout_t* _layout;  // outlives the panel's run
+    alert_state_t _state;
+    int _cancelItem;
+    BOOL _isPressing;
+}
+- (instancetype)initWithLayout:(const alert_layout_t*)layout cancelItem:(int)cancelItem;
+- (void)hit:(int)item;
+@end
+
+namespace {
+
+const double screen_share_above = 0.3;  // of the room that the alert leaves
+
+point_t point_of(NSView* view, NSEvent* event) {
+    const NSPoint point = [view convertPoint:[event locationInWindow] fromView:nil];
+    return {static_cast<int>(point.x), static_cast<int>(point.y)};
+}
+
+int item_at(const alert_layout_t& layout, point_t point) {
+    const auto* button = layout.button_at(point);
+    return button ? button->item : 0;
+}
+
+}  // namespace
+
+@implementation AlertView
+
+- (instancetype)initWithLayout:(const alert_layout_t*)layout cancelItem:(int)cancelItem {
+    if (!(self = [super initWithFrame:NSMakeRect(0, 0, layout->width(), layout->height())])) {
+        return nil;
+    }
+    _layout = layout;
+    _cancelItem = cancelItem;
+    return self;
+}
+
+- (BOOL)isFlipped {
+    return YES;
+}
+
+- (BOOL)isOpaque {
+    return YES;
+}
+
+- (BOOL)acceptsFirstResponder {
+    return YES;
+}
+
+- (BOOL)acceptsFirstMouse:(NSEvent*)event {
+    (void)event;
+    return YES;
+}
+
+- (void)drawRect:(NSRect)rect {
+    (void)rect;
+    draw_through_bitmap([self bounds],
+                        [self](cairo_t* cairo) { paint_alert(cairo, *_layout, _state); });
+}
+
+- (void)show:(alert_state_t)state {
+    const alert_state_t& now = _state;
+    if (now.hovered == state.hovered && now.pressed == state.pressed &&
+        now.focused == state.focused) {
+        return;
+    }
+    _state = state;
+    [self setNeedsDisplay:YES];
+}
+
+- (void)mouseMoved:(NSEvent*)event {
+    alert_state_t state = _state;
+    state.hovered = item_at(*_layout, point_of(self, event));
+    [self show:state];
+}
+
+- (void)mouseDown:(NSEvent*)event {
+    alert_state_t state = _state;
+    state.pressed = state.hovered = item_at(*_layout, point_of(self, event));
+    _isPressing = state.pressed != 0;
+    [self show:state];
+}
+
+- (void)mouseDragged:(NSEvent*)event {
+    if (!_isPressing) return;
+    alert_state_t state = _state;
+    const int item = item_at(*_layout, point_of(self, event));
+    // `hovered` keeps the button that the press began on.
+    state.pressed = item == state.hovered ? item : 0;
+    [self show:state];
+}
+
+- (void)mouseUp:(NSEvent*)event {
+    if (!_isPressing) return;
+    _isPressing = NO;
+    const int began = _state.hovered, ended = item_at(*_layout, point_of(self, event));
+    alert_state_t state = _state;
+    state.pressed = 0;
+    state.hovered = ended;
+    [self show:state];
+    if (began == ended) [self hit:ended];
+}
+
+- (void)keyDown:(NSEvent*)event {
+    NSString* characters = [event charactersIgnoringModifiers];
+    switch ([characters length] ? [characters characterAtIndex:0] : 0) {
+        case NSCarriageReturnCharacter:
+        case NSNewlineCharacter:
+        case NSEnterCharacter:
+            return [self hit:_layout->default_item()];
+        case 0x1B:
+            return [self hit:_cancelItem];
+        case ' ':
+            return [self hit:_state.focused];
+        case NSTabCharacter:
+        case NSLeftArrowFunctionKey:
+            return [self moveFocusBy:[event modifierFlags] & NSShiftKeyMask ? -1 : 1];
+        case NSBackTabCharacter:
+        case NSRightArrowFunctionKey:
+            return [self moveFocusBy:-1];
+        default:
+            break;
+    }
+}
+
+// Buttons follow each other from the right.
+- (void)moveFocusBy:(int)step {
+    const auto& buttons = _layout->buttons();
+    const int count = static_cast<int>(buttons.size());
+    alert_state_t state = _state;
+    int index = step > 0 ? -1 : 0;
+    for (int i = 0; i < count; i++) {
+        if (buttons[i].item == state.focused) index = i;
+    }
+    state.focused = buttons[(index + step + count) % count].item;
+    [self show:state];
+}
+
+// 0 is no button.
+- (void)hit:(int)item {
+    if (item) [NSApp stopModalWithCode:item];
+}
+
+@end
+
+@implementation AlertPanel
+
++ (int)runWithWords:(const alert_words_t&)words {
+    const alert_layout_t layout(words, menu_look(nil, server_resources()));
+    AlertView* view = [[[AlertView alloc] initWithLayout:&layout
+                                              cancelItem:words.cancel_item] autorelease];
+    AlertPanel* panel = [[self alloc] initWithView:view];
+    [panel placeOnScreenOfPointer];
+    [NSApp activateIgnoringOtherApps:YES];
+    [panel makeKeyAndOrderFront:nil];
+    const NSInteger item = [NSApp runModalForWindow:panel];
+    [panel orderOut:nil];
+    [panel release];
+    return item > 0 ? static_cast<int>(item) : 0;
+}
+
+- (instancetype)initWithView:(NSView*)view {
+    // Unscaled: what is drawn is scaled here.
+    self = [super initWithContentRect:[view frame]
+                            styleMask:NSTitledWindowMask | NSUnscaledWindowMask
+                              backing:NSBackingStoreBuffered
+                                defer:NO];
+    if (!self) return nil;
+    [self setReleasedWhenClosed:NO];
+    [self setTitle:@""];
+    [self setLevel:NSModalPanelWindowLevel];
+    [self setHidesOnDeactivate:NO];
+    [self setExcludedFromWindowsMenu:YES];
+    [self setContentView:view];
+    [self setAcceptsMouseMovedEvents:YES];
+    [self makeFirstResponder:view];
+    return self;
+}
+
+- (void)placeOnScreenOfPointer {
+    const area_t screen = screen_at(current_pointer().at);
+    const NSSize size = [self frame].size;
+    const double below = (screen.height - size.height) * (1 - screen_share_above);
+    const NSPoint corner = screen_point({screen.left, screen.bottom()});
+    [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
+}
+
+- (BOOL)canBecomeKeyWindow {
+    return YES;
+}
+
+@end

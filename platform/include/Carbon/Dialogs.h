@@ -1,0 +1,50 @@
+// Dialog Manager: standard alerts. Main thread.
+#pragma once
+
+#include <Carbon/MacTypes.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef SInt16 AlertType;
+enum { kAlertStopAlert = 0, kAlertNoteAlert = 1, kAlertCautionAlert = 2, kAlertPlainAlert = 3 };
+
+typedef SInt16 DialogItemIndex;
+enum { kAlertStdAlertOKButton = 1, kAlertStdAlertCancelButton = 2, kAlertStdAlertOtherButton = 3 };
+
+enum { kStdCFStringAlertVersionOne = 1 };
+enum { kWindowDefaultPosition = 0 };
+
+// The buttons: a null text leaves the button out (of the default button: "OK"). `defaultButton` is
+// the item that Return hits, `cancelButton` the one that Escape hits, 0 for none. Narrower than the
+// Mac's: `movable`, `position` and `flags` are not looked at (an alert stands in the middle of the
+// screen, and the window manager lets it be moved); there is no help button.
+typedef struct AlertStdCFStringAlertParamRec {
+    UInt32 version;
+    Boolean movable;
+    Boolean helpButton;
+    CFStringRef defaultText;
+    CFStringRef cancelText;
+    CFStringRef otherText;
+    SInt16 defaultButton;
+    SInt16 cancelButton;
+    UInt16 position;
+    OptionBits flags;
+} AlertStdCFStringAlertParamRec;
+
+typedef struct OpaqueDialogPtr* DialogRef;
+typedef void* ModalFilterUPP;
+
+// An alert that RunStandardAlert shows and disposes of. `explanation` and `parameters` may be null.
+// paramErr for parameters of another version.
+OSStatus CreateStandardAlert(AlertType type, CFStringRef message, CFStringRef explanation,
+                             const AlertStdCFStringAlertParamRec* parameters, DialogRef* alert);
+// Returns when a button has been hit, and which. `filter` is not called. The run loop goes on
+// meanwhile in the mode for modal panels. memFullErr when there is no display to show it on,
+// userCanceledErr when the application ended the modal session.
+OSStatus RunStandardAlert(DialogRef alert, ModalFilterUPP filter, DialogItemIndex* itemHit);
+
+#ifdef __cplusplus
+}
+#endif
