@@ -8,6 +8,8 @@ struct dv_tree_t;
 @interface DVDelvio (MenuItems)
 // Adds items for a chain of elements to a menu, in order.
 - (void)insertItems:(dv_tree_t*)elems forMenu:(NSMenu*)menu;
+// The same below the items of `target`, to move the selection to; null for none.
+- (void)insertItems:(dv_tree_t*)elems forMenu:(NSMenu*)menu withMoveCopyElem:(dv_tree_t*)target;
 - (void)dvAddSeparatorToMenu:(NSMenu*)menu;
 // An autoreleased item that does nothing when picked.
 - (NSMenuItem*)dvPlainItemWithTitle:(NSString*)title enabled:(BOOL)enabled;

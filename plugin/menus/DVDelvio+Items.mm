@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+MoveCopy.h"
 #include "menus/DVDelvio+OpenWith.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenu.h"
@@ -68,6 +69,10 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
 @implementation DVDelvio (MenuItems)
 
 - (void)insertItems:(dv_tree_t*)elems forMenu:(NSMenu*)menu {
+    [self insertItems:elems forMenu:menu withMoveCopyElem:nullptr];
+}
+
+- (void)insertItems:(dv_tree_t*)elems forMenu:(NSMenu*)menu withMoveCopyElem:(dv_tree_t*)target {
     level_t level = {};
     level.menu = menu;
     level.is_root = menu == _proxyMenu;
@@ -82,6 +87,7 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     if (dvEnableDebugOutput) {
         dvdprintf("Delvio: Inserting items %p into menu %p..\n", elems, menu);
     }
+    [self insertMoveCopyElem:target forMenu:menu];
     for (dv_tree_t* elem = elems; elem; elem = elem->next) [self dvInsertElem:elem inLevel:level];
     if (dvEnableDebugOutput) dvdprintf("Delvio: Done updating menu\n");
 }

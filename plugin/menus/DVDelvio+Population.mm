@@ -4,6 +4,7 @@
 
 #include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Items.h"
+#include "menus/DVDelvio+MoveCopy.h"
 #include "menus/DVDelvio+OpenWith.h"
 #include "menus/DVDelvio+Roots.h"
 #include "menus/DVMenu.h"
@@ -87,14 +88,18 @@
     }
     if (dvEnableDebugOutput) dvdprintf("Delvio: Building new level: %p %p\n", menu, elem);
     [self populateSubFolderForElem:elem];
+    dv_tree_t* target = [self dvMoveCopyElemForElem:elem];
     if (elem->children) {
         if (dvEnableDebugOutput) {
             dvdprintf("Delvio: Populating menu with %p; already populated? %d\n", elem->children,
                       [menu dvDidPopulate]);
         }
-        if (![menu dvDidPopulate]) [self insertItems:elem->children forMenu:menu];
+        if (![menu dvDidPopulate]) {
+            [self insertItems:elem->children forMenu:menu withMoveCopyElem:target];
+        }
     } else if (![menu dvDidPopulate]) {
         if (dvEnableDebugOutput) dvdprintf("Delvio: Folder is empty\n");
+        [self insertMoveCopyElem:target forMenu:menu];
         [self addItem:[self createAutoreleasedEmptyFolderItem] toMenu:menu];
     }
     [menu setDvDidPopulate:YES];
@@ -104,7 +109,9 @@
 - (void)populateSubFolderForElem:(dv_tree_t*)elem {
     if (elem->children) return;
     char* path = dv_path_for_elem(elem, 1, 0);
-    dv_tree_t* root = dv_build_tree(path, 0, 1, dv_get_flags(dv), elem->origin);
+    uint32_t flags = dv_get_flags(dv);
+    if (elem->origin & DV_ORIGIN_MOVE_COPY) flags |= DV_SCAN_FOLDERS_ONLY;
+    dv_tree_t* root = dv_build_tree(path, 0, 1, flags, elem->origin);
     free(path);
     if (!root) return;
     elem->children = root->children;

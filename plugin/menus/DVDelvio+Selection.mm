@@ -1,5 +1,6 @@
 #include "menus/DVDelvio+Selection.h"
 
+#include "menus/DVDelvio+MoveCopy.h"
 #include "menus/DVDelvio+OpenWith.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenuItem.h"
@@ -116,6 +117,10 @@ void open_elem(dv_tree_t* elem) {
         dvdprintf("Delvio: Selected item %p\n", sender);
         dvdprintf("Delvio: The selected item has title '%s' and flags %x\n", elem->display_name,
                   elem->origin);
+    }
+    if (elem->origin & DV_ORIGIN_MOVE_COPY) {
+        [self dvFileOperationSelected:static_cast<DVMenuItem*>(sender)];
+        return;
     }
     if (elem->origin & DV_ORIGIN_APP_LIST) {
         [self dvApplicationSelected:static_cast<DVMenuItem*>(sender)

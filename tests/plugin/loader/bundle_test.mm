@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <map>
+#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -44,6 +45,12 @@ std::string address_of(const void* object) {
     return text;
 }
 
+// One line tells the addresses of elements as bare numbers.
+std::string with_prefixes(const std::string& line) {
+    static const std::regex bare("(moveCopyElem|parent): ([0-9a-f]{2,})");
+    return std::regex_replace(line, bare, "$1: 0x$2");
+}
+
 std::string without_addresses(const std::string& line, const names_t& names) {
     std::string result;
     for (size_t i = 0; i < line.size();) {
@@ -64,7 +71,7 @@ lines_t lines_of(const std::string& text, const names_t& names) {
     lines_t lines;
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);) {
-        lines.push_back(without_addresses(line, names));
+        lines.push_back(without_addresses(with_prefixes(line), names));
     }
     return lines;
 }
@@ -162,10 +169,12 @@ lines_t Bundle::other_lines() {
                      [NSURL fileURLWithPath:[NSString stringWithUTF8String:text.c_str()]]};
     const char* files = [[[NSArray arrayWithObjects:urls count:2] description] UTF8String];
     const std::string description = [[menu_ description] UTF8String];
+    const std::string separator_title =
+        [[static_cast<NSMenuItem*>([NSMenuItem separatorItem]) title] UTF8String];
     const std::string separator =
-        std::string("Delvio: Add item '") +
-        [[static_cast<NSMenuItem*>([NSMenuItem separatorItem]) title] UTF8String] +
-        "' to menu MENU [root = MENU]\n";
+        "Delvio: Add item '" + separator_title + "' to menu MENU [root = MENU]\n";
+    const std::string level_separator =
+        "Delvio: Add item '" + separator_title + "' to menu * [root = MENU]\n";
     std::ostringstream expected;
     expected
         << "Delvio: Sep submenu: 0 Delegate: HOST\n"
@@ -218,9 +227,14 @@ lines_t Bundle::other_lines() {
            "Delvio: Forward menu:willHighlightItem: 1\n"
            "Delvio: Forward menuNeedsUpdate: 1\n"
            "Delvio: Building new level: * *\n"
+           "moveCopyElem: * parent: * pparent: 0 name: a\n"
            "Delvio: Populating menu with *; already populated? 0\n"
            "Delvio: Inserting items * into menu *..\n"
-           "Delvio: Add item 'inside' to menu * [root = MENU]\n"
+           "Delvio: Add item 'Move selection here' to menu * [root = MENU]\n"
+           "Delvio: Add item 'Copy selection here' to menu * [root = MENU]\n"
+           "Delvio: Add item 'Alias selection here' to menu * [root = MENU]\n"
+        << level_separator
+        << "Delvio: Add item 'inside' to menu * [root = MENU]\n"
            "Delvio: Add item 'inside' to menu * [root = MENU]\n"
            "Delvio: Done updating menu\n"
            "Delvio: Level built: * *\n"
@@ -232,7 +246,7 @@ lines_t Bundle::other_lines() {
            "Delvio: Selected item with command key down - is drag tap not working?\n"
         << "Delvio: Menu is now [r]: " << description
         << "\n"
-           "Delvio: Free'ing trees; root = *, forest = (nil) open_with = (nil), move_copy = (nil), "
+           "Delvio: Free'ing trees; root = *, forest = (nil) open_with = (nil), move_copy = *, "
            "running_apps = (nil)\n"
            "Delvio: Free'ing menus and removing event handlers\n"
            "Delvio: Class popup no-font out\n";

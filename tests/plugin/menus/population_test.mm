@@ -66,7 +66,8 @@ TEST_F(Population, OpeningTheCollapsedItemAddsNothing) {
     NSMenu* menu = select(paths);
     EXPECT_EQ([open(menu, "11 selected items") numberOfItems], 11);
     EXPECT_EQ(titles_of(open(open(menu, "11 selected items"), "f0")),
-              titles_t({"inside", "inside"}));
+              titles_t({"Move selection here", "Copy selection here", "Alias selection here", "-",
+                        "inside", "inside"}));
 }
 
 TEST_F(Population, TheThresholdIsASetting) {

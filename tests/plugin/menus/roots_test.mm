@@ -102,7 +102,9 @@ TEST_F(Roots, AUserFolderIsALevelThatIsRead) {
     NSMenu* menu = take_over();
     ASSERT_NE(dv_->custom->children, nullptr);
     EXPECT_EQ(dv_->custom->children->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER));
-    EXPECT_EQ(titles_of(open(menu, "A")), titles_t({"inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "A")),
+              titles_t({"Move selection here", "Copy selection here", "Alias selection here", "-",
+                        "inside", "inside"}));
 }
 
 TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
@@ -111,6 +113,7 @@ TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
     folder_.file("target/inside");
     const std::string link = folder_.link("link", target);
     set("folders", array_of({file, link}));
+    set("hideMoveCopyAlias", 1);
     NSMenu* menu = take_over();
     ASSERT_NE(dv_->custom, nullptr);
     EXPECT_EQ(paths_of(dv_->custom).front(), file);
@@ -257,11 +260,13 @@ TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
     DVMenuItem* item = static_cast<DVMenuItem*>(item_titled(menu, "Tool.app"));
     NSMenu* recent = open(item);
     EXPECT_EQ(titles_of(recent), titles_t({"b.txt", "b.txt", "a.txt", "a.txt"}));
+    dv_tree_t* copy = [static_cast<DVMenu*>(recent) tree];
     ASSERT_NE(dv_->copies, nullptr);
-    EXPECT_EQ([static_cast<DVMenu*>(recent) tree], dv_ -> copies);
-    EXPECT_NE(dv_->copies, [item tree]);
-    EXPECT_EQ(dv_->copies->children->origin, [item tree]->origin);
-    EXPECT_EQ(dv_->copies->children->parent, dv_->copies);
+    // In front of it stands what the level would move to, were it a folder's.
+    EXPECT_EQ(copy, dv_->copies->next);
+    EXPECT_NE(copy, [item tree]);
+    EXPECT_EQ(copy->children->origin, [item tree]->origin);
+    EXPECT_EQ(copy->children->parent, copy);
     // The contents stand behind Option, as ever.
     EXPECT_NE([test::alternate_of(menu, "Tool.app") submenu], nil);
 }

@@ -1,0 +1,34 @@
+// Events that ask the Finder to do something with a list of files, in the making. What fails is
+// printed. Main thread.
+#pragma once
+
+#include <Carbon/Carbon.h>
+
+struct dv_tree_t;
+
+// Owns a descriptor.
+class dv_desc_t {
+  public:
+    dv_desc_t() { AEInitializeDesc(&desc_); }
+    ~dv_desc_t() { AEDisposeDesc(&desc_); }
+    dv_desc_t(const dv_desc_t&) = delete;
+    dv_desc_t& operator=(const dv_desc_t&) = delete;
+
+    AEDesc* get() { return &desc_; }
+
+  private:
+    AEDesc desc_;
+};
+
+// An event of the core suite, to the Finder. False on failure.
+bool dv_create_core_event(AEEventID id, AppleEvent* event);
+
+// An alias descriptor of the element's own file.
+enum dv_alias_result_t { DV_ALIAS_OK, DV_ALIAS_NO_HANDLE, DV_ALIAS_NO_DESC };
+dv_alias_result_t dv_make_alias_desc(const FSRef* ref, AEDesc* desc, OSErr* error);
+
+// Appends an alias of the element's own file; an element without one is left out.
+void dv_append_alias(const dv_tree_t* elem, AEDescList* list);
+
+// Gives the event its items and the answer about files of the same names, and sends it.
+void dv_send_items(AppleEvent* event, AEKeyword keyword, const AEDescList* items, Boolean replace);

@@ -1,0 +1,445 @@
+#include "finder/dv_file_ops.h"
+
+#include <Carbon/Carbon.h>
+#include <Carbon/HostProcess.h>
+#include <gtest/gtest.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "finder/dv_conflicts.h"
+#include "plugin/finder/finder_post.h"
+#include "plugin/tree_support.h"
+#include "support/dv_log.h"
+#include "support/heap.h"
+#include "support/temp_folder.h"
+#include "tree/dv_scan.h"
+#include "tree/dv_state.h"
+
+namespace {
+
+using test::Letter;
+using test::output_of;
+using test::Tree;
+using Paths = std::vector<std::string>;
+using Parameters = std::vector<std::pair<FourCharCode, FourCharCode>>;
+
+enum { dont_replace = kAlertStdAlertOKButton, replace = kAlertStdAlertCancelButton };
+
+class FileOp : public testing::Test {
+  protected:
+    FileOp() { AnswerStandardAlerts(kAlertAnswerDefault); }
+    ~FileOp() override {
+        dvEnableDebugOutput = 0;
+        AnswerStandardAlerts(kAlertAnswerAsk);
+    }
+
+    static dv_tree_t* folder_root(const std::string& path, uint32_t origin = 0) {
+        dv_tree_t* root = dv_build_tree(path.c_str(), 0, 1, 0, origin);
+        EXPECT_NE(root, nullptr) << path;
+        return root;
+    }
+    static dv_tree_t* single(const std::string& path, uint32_t origin = DV_ORIGIN_SELECTED_FILE) {
+        return dv_create_elem(dv_create_single_dir(path.c_str()), nullptr, 0, origin);
+    }
+    // Appends to the selection.
+    dv_tree_t* select(dv_tree_t* elem) {
+        dv_tree_t* head = selection_.release();
+        dv_update_ptrs(elem, &last_, &head);
+        selection_.reset(head);
+        return elem;
+    }
+    dv_tree_t* select(const std::string& path) { return select(single(path)); }
+
+    // The folder as a level of the plug-in's menus offers it: a copy below its element.
+    dv_tree_t* target_in(dv_tree_t* parent) {
+        targets_.emplace_back(dv_copy_elem(parent));
+        targets_.back()->parent = parent;
+        targets_.back()->origin |= DV_ORIGIN_MOVE_COPY;
+        return targets_.back().get();
+    }
+    // A folder in a tree of its own.
+    dv_tree_t* target(const std::string& path) {
+        roots_.emplace_back(folder_root(path));
+        return target_in(roots_.back().get());
+    }
+
+    std::vector<Letter> send(dv_tree_t* destination, long operation, uint32_t open_after = 0) {
+        dv_send_file_op_to_finder(&state_, selection_.get(), destination, operation, open_after);
+        return post_.letters();
+    }
+    Letter send_one(dv_tree_t* destination, long operation) {
+        const std::vector<Letter> letters = send(destination, operation);
+        EXPECT_EQ(letters.size(), 1u);
+        return letters.empty() ? Letter() : letters.back();
+    }
+
+    test::TempFolder folder_;
+    test::FinderPost post_;
+    delvio_t state_ = {};
+    std::vector<Tree> targets_, roots_;
+    Tree selection_;
+    dv_tree_t* last_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(FileOp, EachOperationIsAnEventOfItsOwn) {
+    const std::string a = folder_.file("a"), b = folder_.file("b"), to = folder_.folder("to");
+    const struct {
+        long operation;
+        FourCharCode event_id;
+        Parameters parameters;
+    } rows[] = {
+        {0,
+         0x6D6F7665,  // move
+         {{0x696E7368, 0x616C6973}, {0x2D2D2D2D, 0x6C697374}, {0x616C7270, 0x626F6F6C}}},
+        {1,
+         0x636C6F6E,  // clon
+         {{0x696E7368, 0x616C6973}, {0x2D2D2D2D, 0x6C697374}, {0x616C7270, 0x626F6F6C}}},
+        {2,
+         0x6372656C,  // crel: kocl, insh, "to  ", alrp
+         {{0x6B6F636C, 0x74797065},
+          {0x696E7368, 0x616C6973},
+          {0x746F2020, 0x6C697374},
+          {0x616C7270, 0x626F6F6C}}},
+    };
+    select(a);
+    select(b);
+    for (const auto& row : rows) {
+        const Letter letter = send(target(to), row.operation).back();
+        EXPECT_EQ(letter.event_class, 0x636F7265u);  // core
+        EXPECT_EQ(letter.event_id, row.event_id);
+        EXPECT_EQ(letter.address_type, 0x7369676Eu);  // sign
+        EXPECT_EQ(letter.address, 0x4D414353u);       // MACS
+        EXPECT_EQ(letter.parameters, row.parameters);
+        EXPECT_EQ(letter.items, (Paths{a, b}));
+        EXPECT_EQ(letter.item_types, (std::vector<DescType>{0x616C6973, 0x616C6973}));
+        EXPECT_EQ(letter.destination, to);
+        EXPECT_TRUE(letter.keeps());
+        FourCharCode kind = 0;
+        if (row.operation == 2) memcpy(&kind, letter.kind.data(), sizeof kind);
+        EXPECT_EQ(kind, row.operation == 2 ? 0x616C6973u : 0u);  // alis
+        EXPECT_EQ(letter.kind.size(), row.operation == 2 ? 4u : 0u);
+    }
+    EXPECT_EQ(post_.letters().size(), 3u);
+}
+
+TEST_F(FileOp, EventsAreSentWithoutAReplyAndMayInteract) {
+    select(folder_.file("a"));
+    const Letter letter = send_one(target(folder_.folder("to")), 0);
+    EXPECT_FALSE(letter.sending.has_reply);
+    EXPECT_FALSE(letter.sending.has_procedures);
+    EXPECT_EQ(letter.sending.mode, 0x61);
+    EXPECT_EQ(letter.sending.priority, 0);
+    EXPECT_EQ(letter.sending.time_out, -1);
+}
+
+TEST_F(FileOp, AnotherOperationSendsNothing) {
+    select(folder_.file("a"));
+    dv_tree_t* to = target(folder_.folder("to"));
+    EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 3).size(), 0u); }), "");
+    EXPECT_EQ(send(to, -1, 1).size(), 0u);
+}
+
+TEST_F(FileOp, NamesThatDifferInCaseAloneClash) {
+    folder_.file("to/report.TXT");
+    select(folder_.file("Report.txt"));
+    AnswerStandardAlerts(replace);
+    EXPECT_TRUE(send_one(target(folder_.path("to")), 0).replaces());
+}
+
+TEST_F(FileOp, TheAnswerGoesAlongAndNeverCancels) {
+    folder_.file("to/a");
+    const std::string a = select(folder_.file("a"))->dir->path;
+    for (const DialogItemIndex answer : {DialogItemIndex{replace}, DialogItemIndex{dont_replace},
+                                         DialogItemIndex{kAlertAnswerDefault}}) {
+        AnswerStandardAlerts(answer);
+        for (const long operation : {0, 1, 2}) {
+            const Letter letter = send(target(folder_.path("to")), operation).back();
+            EXPECT_EQ(letter.replaces(), answer == replace);
+            EXPECT_EQ(letter.keeps(), answer != replace);
+            EXPECT_EQ(letter.items, Paths{a});
+        }
+    }
+    EXPECT_EQ(post_.letters().size(), 9u);
+}
+
+TEST_F(FileOp, NamesWithoutAClashRaiseNoAlert) {
+    folder_.file("to/b");
+    folder_.file("to/\u00c4");
+    select(folder_.file("a"));
+    // Only the letters of ASCII have no case here.
+    select(folder_.file("\u00e4"));
+    AnswerStandardAlerts(replace);
+    EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
+}
+
+TEST_F(FileOp, FilesHiddenInTheDestinationAreNotCompared) {
+    folder_.file("to/.hidden");
+    folder_.file("to/shown");
+    select(folder_.file(".hidden"));
+    AnswerStandardAlerts(replace);
+    EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
+}
+
+TEST_F(FileOp, UserFoldersAloneMakeAnEmptyListAndNoAlert) {
+    folder_.folder("to/user");
+    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
+    select(folder_root(folder_.folder("other"), DV_ORIGIN_USER_FOLDER));
+    AnswerStandardAlerts(replace);
+    const Letter letter = send_one(target(folder_.path("to")), 0);
+    EXPECT_EQ(letter.items, Paths{});
+    EXPECT_EQ(letter.parameters[1], std::make_pair(FourCharCode{'----'}, FourCharCode{'list'}));
+    EXPECT_TRUE(letter.keeps());
+}
+
+TEST_F(FileOp, UserFoldersAreLeftOutOfTheList) {
+    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
+    const std::string a = folder_.file("a");
+    select(a);
+    EXPECT_EQ(send_one(target(folder_.folder("to")), 1).items, Paths{a});
+}
+
+TEST_F(FileOp, NothingSelectedIsSentAllTheSame) {
+    EXPECT_EQ(send_one(target(folder_.folder("to")), 0).items, Paths{});
+}
+
+TEST_F(FileOp, AFolderIsNotMovedIntoItsOwnSubfolder) {
+    folder_.folder("a/b/c");
+    dv_tree_t* root = select(folder_root(folder_.path("a")));
+    const std::string other = folder_.file("other");
+    select(other);
+    dv_tree_t* below = root->children;
+    below->children = folder_root(folder_.path("a/b"))->children;
+    below->children->parent = below;
+    dv_tree_t* to = target_in(below->children);
+    for (const long operation : {0, 1}) {
+        const Letter letter = send(to, operation).back();
+        EXPECT_EQ(letter.destination, folder_.path("a/b/c"));
+        EXPECT_EQ(letter.items, Paths{other});
+    }
+}
+
+TEST_F(FileOp, AnAliasOfTheTreesRootIsMade) {
+    folder_.folder("a/b");
+    dv_tree_t* root = select(folder_root(folder_.path("a")));
+    const std::string other = folder_.file("other");
+    select(other);
+    dv_tree_t* to = target_in(root->children);
+    EXPECT_EQ(send(to, 2).back().items, (Paths{folder_.path("a"), other}));
+    EXPECT_EQ(send(to, 1).back().items, Paths{other});
+    EXPECT_EQ(send(to, 0).back().items, Paths{other});
+}
+
+TEST_F(FileOp, WhatContainsTheTreesRootIsLeftOutCharacterForCharacter) {
+    folder_.folder("a/bc/to");
+    select(folder_.file("a/b"));
+    select(folder_.file("a/d"));
+    dv_tree_t* to = target(folder_.path("a/bc"));
+    for (const long operation : {0, 1, 2}) {
+        EXPECT_EQ(send(to, operation).back().items, Paths{folder_.path("a/d")});
+    }
+}
+
+TEST_F(FileOp, PathsAreComparedAsCharacters) {
+    const struct {
+        const char *root, *item;
+        bool can;
+    } rows[] = {{"/a/b/", "/a/b/", false}, {"/a/b/", "/a/b", false},  {"/a/bc", "/a/b", false},
+                {"/a/b/", "/", false},     {"/a/b", "/a/b/", true},   {"/a/b", "/a/bc", true},
+                {"/a", "/b", true},        {"/a/b/", "/a/b/c", true}, {"/a", "", false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(dv_can_move_or_copy(row.root, row.item), row.can) << row.root << " " << row.item;
+    }
+}
+
+TEST_F(FileOp, TheDestinationIsOpenedBeforeTheOperation) {
+    select(folder_.file("a"));
+    const std::string to = folder_.folder("to");
+    for (const long operation : {0, 1, 2}) {
+        const size_t before = post_.letters().size();
+        const std::vector<Letter> letters = send(target(to), operation, 1);
+        ASSERT_EQ(letters.size(), before + 2);
+        EXPECT_EQ(letters[before].event_class, 'aevt');
+        EXPECT_EQ(letters[before].event_id, 'odoc');
+        EXPECT_EQ(letters[before].items, Paths{to});
+        EXPECT_EQ(letters[before + 1].event_class, 'core');
+    }
+}
+
+TEST_F(FileOp, TheDestinationIsOpenedAlsoWhenNothingIsLeftToDo) {
+    dv_tree_t* root = select(folder_root(folder_.folder("a")));
+    const std::vector<Letter> letters = send(target_in(root), 0, 1);
+    ASSERT_EQ(letters.size(), 2u);
+    EXPECT_EQ(letters[0].event_id, 'odoc');
+    EXPECT_EQ(letters[1].items, Paths{});
+}
+
+TEST_F(FileOp, ItemsThatAreGoneAreLeftOutAndReported) {
+    select(folder_.file("gone"));
+    const std::string a = folder_.file("a");
+    select(a);
+    unlink(folder_.path("gone").c_str());
+    dv_tree_t* to = target(folder_.folder("to"));
+    EXPECT_EQ(output_of([&] { EXPECT_EQ(send_one(to, 0).items, Paths{a}); }),
+              "Delvio: Failed to create FSRef for element\n");
+}
+
+TEST_F(FileOp, ADestinationThatIsGoneEndsIt) {
+    select(folder_.file("a"));
+    dv_tree_t* to = target(folder_.folder("to"));
+    rmdir(folder_.path("to").c_str());
+    EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0, 1).size(), 0u); }),
+              "Failed to get fsref for destination\n");
+}
+
+TEST_F(FileOp, AnEventThatCannotBeSentIsReported) {
+    select(folder_.file("a"));
+    dv_tree_t* to = target(folder_.folder("to"));
+    DeclareProcessSignature(0);
+    EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0).size(), 0u); }),
+              "Delvio: Got error sending AppleEvent: -600\n");
+}
+
+TEST_F(FileOp, AnAliasFileIsMovedItself) {
+    folder_.file("target");
+    dv_tree_t* alias = select(folder_.link("alias", folder_.path("target")));
+    alias->resolved_path = strdup(folder_.path("target").c_str());
+    EXPECT_EQ(send_one(target(folder_.folder("to")), 0).items, Paths{folder_.path("alias")});
+}
+
+TEST_F(FileOp, OddNamesGoThrough) {
+    const std::string odd[] = {"-rf", "line\nbreak", "not utf8 \xff\xfe", std::string(255, 'n')};
+    Paths paths;
+    for (const std::string& name : odd) paths.push_back(folder_.file(name));
+    for (const std::string& path : paths) select(path);
+    EXPECT_EQ(send_one(target(folder_.folder("to \xff")), 0).items, paths);
+    EXPECT_EQ(post_.letters().back().destination, folder_.path("to \xff"));
+}
+
+TEST_F(FileOp, TheDestinationKeepsItsChildren) {
+    folder_.file("to/b");
+    folder_.file("to/a");
+    folder_.file("to/.hidden");
+    dv_tree_t* to = target(folder_.path("to"));
+    send(to, 0);
+    ASSERT_EQ(test::names_of(to->children), (test::Names{"a", "b"}));
+    EXPECT_EQ(to->children->parent, to);
+    EXPECT_EQ(to->children->origin, static_cast<uint32_t>(DV_ORIGIN_MOVE_COPY));
+    EXPECT_EQ(state_.file_op_in_progress, 0);
+}
+
+TEST_F(FileOp, ManySelectedFilesAreAllSent) {
+    Paths paths;
+    for (int i = 0; i < 6000; i++) paths.push_back(folder_.file("from/" + std::to_string(i)));
+    for (const std::string& path : paths) select(path);
+    EXPECT_EQ(send_one(target(folder_.folder("to")), 0).items, paths);
+}
+
+TEST_F(FileOp, LeavesNothingBehind) {
+    select(folder_.file("a"));
+    folder_.file("to/a");
+    dv_tree_t* to = target(folder_.path("to"));
+    const auto round = [&] {
+        dv_send_file_op_to_finder(&state_, selection_.get(), to, 2, 1);
+        dv_send_file_op_to_finder(&state_, selection_.get(), to, 3, 0);
+        dv_move_to_trash(selection_.get(), false);
+        post_.clear();
+    };
+    // Until the table of file references is full.
+    for (int i = 0; i < 1000; i++) test::in_one_turn(round);
+    const size_t before = test::memory_in_use();
+    for (int i = 0; i < 200; i++) test::in_one_turn(round);
+    EXPECT_LT(test::memory_in_use(), before + 20000);
+}
+
+TEST_F(FileOp, LogsItsWay) {
+    folder_.folder("a/b");
+    dv_tree_t* root = select(folder_root(folder_.path("a")));
+    select(folder_.file("other"));
+    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
+    dv_tree_t* to = target_in(root->children);
+    const unsigned parent = static_cast<unsigned>(reinterpret_cast<uintptr_t>(root->children));
+    const unsigned top = static_cast<unsigned>(reinterpret_cast<uintptr_t>(root));
+    char climbing[200];
+    snprintf(climbing, sizeof climbing,
+             "Delvio: First parent %x\n"
+             "Delvio: Climbing tree, parent now %x\n"
+             "Delvio: Climbing tree, parent now %x\n",
+             parent, parent, top);
+    dvEnableDebugOutput = 1;
+    const std::string expected = std::string(climbing) + "Delvio: Parent is " + folder_.path("a/") +
+                                 "\nDelvio: Process: " + folder_.path("a/") +
+                                 "\n Skipping..\nDelvio: Process: " + folder_.path("other") +
+                                 "\n Continuing..\nDelvio: Process: " + folder_.path("user/") +
+                                 "\n Continuing..\nDelvio: Skip custom folder\n";
+    const std::string output = output_of([&] { send(to, 0); });
+    EXPECT_NE(output.find(expected), std::string::npos) << output;
+}
+
+TEST_F(FileOp, LogsTheComparisonOfNames) {
+    folder_.file("to/A");
+    folder_.file("to/c");
+    select(folder_.file("a"));
+    select(folder_.file("b"));
+    AnswerStandardAlerts(replace);
+    dv_tree_t* to = target(folder_.path("to"));
+    dvEnableDebugOutput = 1;
+    Boolean answer = 0;
+    EXPECT_EQ(output_of([&] { dv_check_for_filename_conflicts(to, selection_.get(), &answer); }),
+              "Delvio: Destination contains:\nDelvio: Item 0: A\nDelvio: Item 1: c\n"
+              "Delvio: Items to move are:\nDelvio: Item 0: a\nDelvio: Item 1: b\n"
+              "Comparing names..\n"
+              "Delvio: Comparing a with the following:\nA\n"
+              "Delvio: File/folder a exists in both sets!\nc\n"
+              "Delvio: Comparing b with the following:\nc\n"
+              "Delvio: Displaying trash-files alert dialog\nDelvio: User hit button Replace files\n"
+              "Delvio: Will replace target files\nDelvio: Releasing memory\n");
+    EXPECT_EQ(answer, 1);
+}
+
+TEST_F(FileOp, TheAlertsAnswerIsZeroForReplacing) {
+    AnswerStandardAlerts(replace);
+    EXPECT_EQ(dv_display_should_trash_files_alert(), 0);
+    AnswerStandardAlerts(dont_replace);
+    EXPECT_NE(dv_display_should_trash_files_alert(), 0);
+    AnswerStandardAlerts(kAlertAnswerDefault);
+    EXPECT_NE(dv_display_should_trash_files_alert(), 0);
+}
+
+TEST_F(FileOp, AnAlertThatCannotBeShownReplacesNothing) {
+    AnswerStandardAlerts(kAlertAnswerAsk);
+    EXPECT_NE(dv_display_should_trash_files_alert(), 0) << "there is no application to show it";
+}
+
+TEST_F(FileOp, TrashingIsAnEventWithAListAlone) {
+    const std::string a = folder_.file("a");
+    select(a);
+    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
+    EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }), "Not trashing: \n");
+    dv_move_to_trash(selection_.get(), true);
+    const std::vector<Letter>& letters = post_.letters();
+    ASSERT_EQ(letters.size(), 2u);
+    EXPECT_EQ(letters[0].event_class, 0x636F7265u);  // core
+    EXPECT_EQ(letters[0].event_id, 0x64656C6Fu);     // delo
+    EXPECT_EQ(letters[0].parameters,
+              (Parameters{{0x2D2D2D2D, 0x6C697374}, {0x616C7270, 0x626F6F6C}}));
+    EXPECT_TRUE(letters[0].keeps());
+    EXPECT_EQ(letters[0].items, Paths{a});
+    EXPECT_EQ(letters[0].item_types, std::vector<DescType>{'alis'});
+    EXPECT_EQ(letters[0].sending.mode, 0x61);
+    EXPECT_EQ(letters[1].items, (Paths{a, folder_.path("user")}));
+}
+
+TEST_F(FileOp, TrashingReportsWhatFails) {
+    select(folder_.file("gone"));
+    unlink(folder_.path("gone").c_str());
+    DeclareProcessSignature(0);
+    EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }),
+              "Delvio: Failed to create FSRef for element\n"
+              "Delvio: Got error sending AppleEvent: -600\n");
+}

@@ -1,0 +1,58 @@
+// What the Finder is sent: every event of a test, as it was sent and as it arrived.
+#pragma once
+
+#include <Carbon/Carbon.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+struct Parameter {
+    AEKeyword keyword;
+    DescType type;
+};
+
+// How AESend was called.
+struct Sending {
+    bool has_reply = true, has_procedures = true;
+    AESendMode mode = 0;
+    AESendPriority priority = 0;
+    SInt32 time_out = 0;
+};
+
+struct Letter {
+    FourCharCode event_class = 0, event_id = 0;
+    DescType address_type = 0;
+    OSType address = 0;
+    std::vector<std::pair<FourCharCode, FourCharCode>> parameters;  // keywords and types, in order
+    std::vector<DescType> item_types;
+    std::vector<std::string> items;  // paths
+    std::string destination;
+    std::vector<UInt8> replacing, kind;  // bytes of "alrp" and "kocl"
+    Sending sending;
+
+    bool replaces() const { return replacing == std::vector<UInt8>{1}; }
+    bool keeps() const { return replacing == std::vector<UInt8>{0}; }
+};
+
+// This process is the Finder as long as the object lives.
+class FinderPost {
+  public:
+    FinderPost();
+    ~FinderPost();
+    FinderPost(const FinderPost&) = delete;
+    FinderPost& operator=(const FinderPost&) = delete;
+
+    // Forgets them.
+    void clear();
+    // Everything that has been sent so far, in order.
+    const std::vector<Letter>& letters();
+};
+
+// Frees at once what the run loop would free after the action.
+void in_one_turn(const std::function<void()>& action);
+
+}  // namespace test
