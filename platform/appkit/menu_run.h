@@ -101,6 +101,7 @@ class menu_run_t {
 
     point_t origin_ = {}, pointer_ = {};
     bool button_down_ = false, armed_ = false, moved_ = false;
+    unsigned buttons_ = 0;  // whose release is ours: see pointer_t
     double opened_ = 0;
     NSMenuItem* hovered_ = nil;  // retained; what the hover timer waits for
     timer_t hover_timer_, scroll_timer_;

@@ -144,7 +144,8 @@ void menu_run_t::open(NSEvent* event) {
         const NSPoint at = [event locationInWindow];
         origin_ = server_point(window ? [window convertBaseToScreen:at] : at);
     }
-    button_down_ = pointer.pressed;
+    buttons_ = pointer.buttons;
+    button_down_ = buttons_ != 0;
     opened_ = now();
     input(button_down_ ? input_open_pressed : input_open_free);
     [session_ open];
@@ -231,7 +232,7 @@ void menu_run_t::finish() {
 // The rest of a click that closed the menu is for nobody else.
 void menu_run_t::wait_for_release() {
     NSDate* limit = [NSDate dateWithTimeIntervalSinceNow:1];
-    while (button_down_ && current_pointer().pressed) {
+    while (button_down_ && current_pointer().buttons) {
         NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
                                             untilDate:limit
                                                inMode:NSEventTrackingRunLoopMode

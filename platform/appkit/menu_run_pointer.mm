@@ -39,6 +39,19 @@ void send_mouse_event(NSView* view, NSEvent* event) {
     }
 }
 
+unsigned button_of(NSEvent* event) {
+    switch ([event type]) {
+        case NSLeftMouseDown:
+        case NSLeftMouseUp:
+            return 1;
+        case NSRightMouseDown:
+        case NSRightMouseUp:
+            return 2;
+        default:
+            return 4;
+    }
+}
+
 }  // namespace
 
 // Events of the grab come as the root level's; others from windows that know their place.
@@ -190,6 +203,7 @@ void menu_run_t::open_submenu(NSMenuItem* item) {
 
 void menu_run_t::pressed(NSEvent* event, point_t point) {
     button_down_ = true;
+    buttons_ |= button_of(event);
     pointer_ = point;
     const int level = level_at(point);
     if (level < 0) return input(input_press_outside);
@@ -211,6 +225,9 @@ tracking_input_t menu_run_t::release_input(point_t point) const {
 }
 
 void menu_run_t::released(NSEvent* event, point_t point) {
+    // An event tap may have kept the press for itself.
+    if (!(buttons_ & button_of(event))) return;
+    buttons_ &= ~button_of(event);
     button_down_ = false;
     pointer_ = point;
     send_to_view(event, point);

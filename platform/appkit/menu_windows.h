@@ -8,7 +8,7 @@
 
 struct pointer_t {
     point_t at;
-    bool pressed;  // any button
+    unsigned buttons;  // that are down: 1 left, 2 right, 4 any other
 };
 
 // The resource string of the server, null for none.

@@ -90,7 +90,9 @@ pointer_t current_pointer() {
     unsigned mask = 0;
     XQueryPointer(display(), DefaultRootWindow(display()), &root, &child, &x, &y, &inner_x,
                   &inner_y, &mask);
-    return {{x, y}, (mask & (Button1Mask | Button2Mask | Button3Mask)) != 0};
+    const unsigned buttons = (mask & Button1Mask ? 1 : 0) | (mask & Button3Mask ? 2 : 0) |
+                             (mask & Button2Mask ? 4 : 0);
+    return {{x, y}, buttons};
 }
 
 point_t server_point(NSPoint point) {

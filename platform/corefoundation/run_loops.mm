@@ -1,6 +1,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "corefoundation/common_modes.h"
+#include "corefoundation/mach_port.h"
 
 const CFStringRef kCFRunLoopDefaultMode = (CFStringRef) @"NSDefaultRunLoopMode";
 const CFStringRef kCFRunLoopCommonModes = (CFStringRef) @"NSRunLoopCommonModes";
@@ -20,6 +21,7 @@ void CFRunLoopAddCommonMode(CFRunLoopRef, CFStringRef mode) {
             [mode_names() addObject:(NSString*)mode];
         }
     }
+    ServeCommonPortsInMode((NSString*)mode);
 }
 
 NSArray* CommonModes(void) {

@@ -1,5 +1,6 @@
 #include "loader/DVDelvio+Proxy.h"
 
+#include "input/DVDelvio+Dragging.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVDelvio+Roots.h"
 #include "menus/DVDelvio+Selection.h"
@@ -41,6 +42,7 @@ void free_trees(delvio_t* dv) {
     // Shift is how the user asks for the host's plain menu.
     if ([NSEvent modifierFlags] & NSShiftKeyMask) return menu;
 
+    [self enableEventTap:nil];
     isInvoked = YES;
     pthread_mutex_lock(&treeLock);
     [self dvHoldMenu:menu ofClass:menuClass];
@@ -107,6 +109,7 @@ void free_trees(delvio_t* dv) {
     [rootItems removeAllObjects];
     [_proxyMenu release];
     [_finderMenu release];
+    [self disableEventTap:nil];
     previousDelegate = nil;
     _finderMenu = nil;
     _proxyMenu = nil;

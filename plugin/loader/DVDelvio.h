@@ -1,13 +1,15 @@
 // The controller: owns the state record, and the state of the contextual menu that is open.
-// What it does for menus stands in categories: population, selection and labels in menus/, the
-// delegate proxy beside this file. Main thread.
+// What it does for menus stands in categories: population, selection and labels in menus/, drags in
+// input/, the delegate proxy beside this file. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
+#include <CoreGraphics/CGEvent.h>
 
 #include <pthread.h>
 #include <stdint.h>
 
+@class DVDragView;
 @class DVMenuItem;
 struct delvio_t;
 
@@ -26,6 +28,12 @@ extern uint32_t dvFontSize;
     id previousDelegate;                    // not retained: the host menu's own delegate
     DVMenuItem* _currentlyHighlightedItem;  // not retained
     pthread_mutex_t treeLock;               // not recursive; held while a menu is taken or released
+    NSWindow* dragWindow;                   // carries the drag view; never shown
+    DVDragView* dragView;                   // owned by the window
+    CGPoint dragStartLocation;              // where a drag's press was
+    CFMachPortRef dragInterceptionTap;      // null without a tap
+    CFRunLoopSourceRef dragInterceptionRLSource;
+    CGEventRef dragMouseEvent;  // carried, unused
     int32_t rootMenuSelectionCount;
     NSMutableArray* rootItems;  // the items put at the top of _proxyMenu, in order
 }

@@ -1,9 +1,12 @@
 #include "loader/DVDelvio.h"
 
 #include <Carbon/Carbon.h>
+#include <CoreGraphics/CGWindowLevel.h>
 
 #include <stdlib.h>
 
+#include "input/DVDelvio+Dragging.h"
+#include "input/DVDragView.h"
 #include "support/ht.h"
 #include "tree/dv_prefs.h"
 #include "tree/dv_state.h"
@@ -24,6 +27,20 @@ delvio_t* create_state() {
     return state;
 }
 
+NSWindow* create_drag_window(DVDragView* view) {
+    NSWindow* window = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 64, 64)
+                                                   styleMask:NSBorderlessWindowMask
+                                                     backing:NSBackingStoreRetained
+                                                       defer:NO];
+    [view setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
+    [[window contentView] addSubview:view];
+    [window setAlphaValue:0.5];
+    [window setOpaque:NO];
+    [window setCanBeVisibleOnAllSpaces:YES];
+    [window setLevel:CGWindowLevelForKey(kCGStatusWindowLevelKey)];
+    return window;
+}
+
 }  // namespace
 
 @implementation DVDelvio
@@ -41,8 +58,11 @@ delvio_t* create_state() {
     pthread_mutex_init(&treeLock, nullptr);
     dv = create_state();
     dvFontSize = dv->font_size;
+    dragView = [[DVDragView alloc] initWithFrame:NSMakeRect(0, 0, 64, 64)];
+    dragWindow = create_drag_window(dragView);
     // Timers and sources of the common modes also fire while a menu is tracking.
     CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), (CFStringRef)NSEventTrackingRunLoopMode);
+    [self createEventTapForDragInterception];
     return self;
 }
 

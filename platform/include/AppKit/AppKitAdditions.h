@@ -3,6 +3,8 @@
 
 #include_next <AppKit/AppKit.h>
 
+typedef struct __CGEvent* CGEventRef;
+
 @interface NSMenu (MacMenu)
 - (void)removeAllItems;
 // Ends the tracking of the contextual menu that this menu belongs to; nothing is picked.
@@ -30,6 +32,18 @@
 - (void)setView:(NSView*)view;
 - (NSView*)view;
 - (BOOL)isHighlighted;
+@end
+
+@interface NSWindow (MacWindow)
+// Whether the window shows on every virtual desktop, from when it is next ordered in. The window
+// must not be deferred.
+- (void)setCanBeVisibleOnAllSpaces:(BOOL)flag;
+@end
+
+@interface NSEvent (MacEvent)
+// An event that says the same as a Core Graphics one (CoreGraphics/CGEvent.h), without a window:
+// its location is on the screen. Nil for a type that is no pointer event.
++ (NSEvent*)eventWithCGEvent:(CGEventRef)event;
 @end
 
 // Messages that the Mac sends to a menu's delegate; the contextual-menu presenter sends them here.

@@ -35,6 +35,8 @@ typedef const struct __CFDictionary* CFDictionaryRef;
 typedef const struct __CFURL* CFURLRef;  // an NSURL
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef struct __CFRunLoop* CFRunLoopRef;
+typedef struct __CFRunLoopSource* CFRunLoopSourceRef;
+typedef struct __CFMachPort* CFMachPortRef;
 
 typedef struct {
     CFIndex location;
@@ -117,6 +119,15 @@ CFRunLoopRef CFRunLoopGetCurrent(void);
 void CFRunLoopAddCommonMode(CFRunLoopRef loop, CFStringRef mode);
 extern const CFStringRef kCFRunLoopDefaultMode;
 extern const CFStringRef kCFRunLoopCommonModes;
+
+// Ports are what event taps are held by (CoreGraphics/CGEvent.h); there are no others here. `order`
+// is not looked at. A source is added on the thread of its loop.
+CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef allocator, CFMachPortRef port,
+                                                 CFIndex order);
+void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFStringRef mode);
+// Ends whatever the port stands for; its sources say nothing any more.
+void CFMachPortInvalidate(CFMachPortRef port);
+Boolean CFMachPortIsValid(CFMachPortRef port);
 
 #ifdef __cplusplus
 }

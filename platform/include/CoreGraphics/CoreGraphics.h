@@ -5,6 +5,7 @@
 #include <CoreGraphics/CGColorSpace.h>
 #include <CoreGraphics/CGContext.h>
 #include <CoreGraphics/CGDataProvider.h>
+#include <CoreGraphics/CGEvent.h>
 #include <CoreGraphics/CGGeometry.h>
 #include <CoreGraphics/CGImage.h>
 #include <CoreGraphics/CGWindowLevel.h>

@@ -1,0 +1,32 @@
+// A tap: a port with a callback that sees events.
+#pragma once
+
+#include <CoreGraphics/CGEvent.h>
+
+#include "corefoundation/mach_port.h"
+
+struct tap_settings_t {
+    CGEventMask mask;
+    CGEventTapCallBack callback;
+    void* user_info;
+    bool listens_only;
+};
+
+@interface EventTap : MachPort {
+  @private
+    tap_settings_t _settings;
+    BOOL _enabled;
+    BOOL _busy;  // in its callback
+}
+- (instancetype)initWithSettings:(const tap_settings_t&)settings
+                      descriptor:(int)descriptor
+                         handler:(mach_port_handler_t)handler
+                            info:(void*)info;
+- (void)setEnabled:(BOOL)enabled;
+- (BOOL)isEnabled;
+// What it would see now, in a loop that runs in `mode`.
+- (CGEventMask)maskInMode:(NSString*)mode;
+// Shows an event to the callback. Returns what goes on, owned by the caller as `event` is, or null;
+// `event` is released when something else goes on.
+- (CGEventRef)pass:(CGEventRef)event;
+@end
