@@ -177,7 +177,9 @@ lines_t Bundle::other_lines() {
         "Delvio: Add item '" + separator_title + "' to menu * [root = MENU]\n";
     std::ostringstream expected;
     expected
-        << "Delvio: Sep submenu: 0 Delegate: HOST\n"
+        << "Delvio: Enabling event tap\n"
+           "Delvio: Event tap status: 1\n"
+           "Delvio: Sep submenu: 0 Delegate: HOST\n"
            "Delvio: Adding user directories: (nil)\n"
            "Delvio: Creating open-with menu..\n"
            "Delvio: Creating running apps list: (nil) 0\n"
@@ -246,6 +248,8 @@ lines_t Bundle::other_lines() {
            "Delvio: Selected item with command key down - is drag tap not working?\n"
         << "Delvio: Menu is now [r]: " << description
         << "\n"
+           "Delvio: Disabling event tap\n"
+           "Delvio: Event tap status: 0\n"
            "Delvio: Free'ing trees; root = *, forest = (nil) open_with = (nil), move_copy = *, "
            "running_apps = (nil)\n"
            "Delvio: Free'ing menus and removing event handlers\n"
@@ -301,6 +305,7 @@ TEST_F(Bundle, LogsItsLoading) {
                               "Delvio: Swizzle * * [* *] 1",
                               "Delvio: Swizzle * * [* *] 1",
                               "Delvio: Successfully swizzled TContextMenu's method.",
+                              "Delvio: Tap: * Source: *",
                               "Delvio-SLSA: The deed is done."};
     EXPECT_EQ(text_of(lines_of(load_log_, names_)), text_of(expected));
 }
