@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <vector>
+#include <memory>
 
 #include "operations/descriptor.h"
 
@@ -19,6 +19,13 @@ namespace {
 constexpr uint64_t small_file = 64 * 1024;
 constexpr uint64_t piece = 8 * 1024 * 1024;
 constexpr size_t buffer_size = 256 * 1024;
+
+// One for each use of a thread, kept: making one takes longer than a small file.
+char* kept_buffer(int use) {
+    thread_local std::unique_ptr<char[]> buffers[2];
+    if (!buffers[use]) buffers[use].reset(new char[buffer_size]);
+    return buffers[use].get();
+}
 
 ssize_t read_at(int file, char* buffer, size_t size, uint64_t at) {
     for (;;) {
@@ -48,14 +55,14 @@ bool is_unsupported(int error) {
 
 // One stretch of data at the same place in both, by way of this process.
 int read_and_write(int source, int target, uint64_t at, uint64_t end, const PieceDone& done) {
-    std::vector<char> buffer(buffer_size);
+    char* buffer = kept_buffer(0);
     while (at < end) {
-        const size_t wanted = std::min<uint64_t>(buffer.size(), end - at);
-        const ssize_t count = read_at(source, buffer.data(), wanted, at);
+        const size_t wanted = std::min<uint64_t>(buffer_size, end - at);
+        const ssize_t count = read_at(source, buffer, wanted, at);
         if (count < 0) return errno;
         if (count == 0) return ESTALE;
         if (lseek(target, static_cast<off_t>(at), SEEK_SET) < 0) return errno;
-        if (!WriteAll(target, buffer.data(), static_cast<size_t>(count))) return errno;
+        if (!WriteAll(target, buffer, static_cast<size_t>(count))) return errno;
         at += static_cast<uint64_t>(count);
         if (!done(static_cast<uint64_t>(count))) return ECANCELED;
     }
@@ -113,20 +120,20 @@ int CopyData(int source, int target, uint64_t size, uint64_t blocks, const Piece
 
 int CompareData(int source, int target, const PieceDone& done) {
     posix_fadvise(target, 0, 0, POSIX_FADV_DONTNEED);
-    std::vector<char> ours(buffer_size), theirs(buffer_size);
+    char *ours = kept_buffer(0), *theirs = kept_buffer(1);
     for (uint64_t at = 0;;) {
-        const ssize_t count = read_at(source, ours.data(), ours.size(), at);
+        const ssize_t count = read_at(source, ours, buffer_size, at);
         if (count < 0) return errno;
         const size_t wanted = count == 0 ? 1 : static_cast<size_t>(count);
         size_t got = 0;
         while (got < wanted) {
-            const ssize_t more = read_at(target, theirs.data() + got, wanted - got, at + got);
+            const ssize_t more = read_at(target, theirs + got, wanted - got, at + got);
             if (more < 0) return errno;
             if (more == 0) break;
             got += static_cast<size_t>(more);
         }
         if (count == 0) return got == 0 ? 0 : EBADMSG;
-        if (got != wanted || memcmp(ours.data(), theirs.data(), wanted) != 0) return EBADMSG;
+        if (got != wanted || memcmp(ours, theirs, wanted) != 0) return EBADMSG;
         at += got;
         if (!done(0)) return ECANCELED;
     }

@@ -58,13 +58,13 @@ Descriptor OpenFolder(int parent, const char* name) {
 }
 
 bool ReadNames(int folder, std::vector<std::string>* names) {
-    std::vector<char> buffer(64 * 1024);
+    alignas(dirent64) thread_local char buffer[32 * 1024];
     if (lseek(folder, 0, SEEK_SET) < 0) return false;
     for (;;) {
-        const ssize_t size = getdents64(folder, buffer.data(), buffer.size());
+        const ssize_t size = getdents64(folder, buffer, sizeof buffer);
         if (size <= 0) return size == 0;
         for (ssize_t at = 0; at < size;) {
-            const auto* entry = reinterpret_cast<const dirent64*>(buffer.data() + at);
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer + at);
             at += entry->d_reclen;
             if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0) {
                 names->emplace_back(entry->d_name);

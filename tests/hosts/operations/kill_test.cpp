@@ -1,0 +1,162 @@
+// The engine is killed at random moments. Whenever that is, each file is whole at its source or its
+// destination, nothing half-written has its final name, and the next start cleans up.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <random>
+
+#include "hosts/operations/scene.h"
+#include "operations/folder.h"
+#include "operations/temporaries.h"
+#include "support/temp_folder.h"
+
+extern char** environ;
+
+namespace {
+
+constexpr int kills = 200, most_runs = 1000, files = 1000;
+
+double now() {
+    timespec time;
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+pid_t start(const std::vector<std::string>& words) {
+    std::vector<char*> arguments;
+    for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    pid_t process = -1;
+    EXPECT_EQ(posix_spawn(&process, OPERATE_PROGRAM, nullptr, nullptr, arguments.data(), environ),
+              0);
+    return process;
+}
+
+class KillTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (volume_.path().empty()) GTEST_SKIP() << "/dev/shm is no file system of its own";
+        test::make_tree(origin_, files);
+        whole_ = test::state_of(origin_, true);
+        takes_ = 1;
+        // Of each thing that is given to the engine, what is in it.
+        for (const auto& entry : whole_) {
+            tops_[entry.first.substr(0, entry.first.find('/'))].insert(entry);
+        }
+    }
+
+    // By cp: what is tested must not make what it is tested with, and waits for the disk.
+    void reset(const std::string& folder, bool full) {
+        std::filesystem::remove_all(folder);
+        const std::string copy = "cp -a '" + origin_ + "' '" + folder + "'";
+        ASSERT_EQ(full ? system(copy.c_str()) : mkdir(folder.c_str(), 0755), 0);
+    }
+
+    // Runs it and kills it after the time. False when it had ended by itself.
+    bool run(const std::string& kind, double seconds) {
+        const double begin = now();
+        const pid_t process = start({"operate", kind, to_, from_ + "/"});
+        timespec wait = {0, static_cast<long>(seconds * 1e9)};
+        nanosleep(&wait, nullptr);
+        kill(process, SIGKILL);
+        int status = 0;
+        waitpid(process, &status, 0);
+        if (WIFSIGNALED(status)) return true;
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+        takes_ = std::min(takes_, now() - begin);
+        return false;
+    }
+
+    // Every name that was asked for stands for all of it.
+    void expect_whole_targets(const test::State& there) {
+        test::State expected;
+        for (const auto& top : tops_) {
+            if (there.count(top.first)) expected.insert(top.second.begin(), top.second.end());
+        }
+        test::State named;
+        for (const auto& entry : there) {
+            if (entry.first[0] != '.') named.insert(entry);
+        }
+        EXPECT_EQ(named, expected);
+    }
+
+    // Nothing is at neither place.
+    void expect_nothing_lost(const test::State& source, const test::State& target) {
+        for (const auto& entry : whole_) {
+            const auto at_source = source.find(entry.first), at_target = target.find(entry.first);
+            // A folder that is being emptied is changed by that.
+            const bool is_at_source =
+                at_source != source.end() && at_source->second == entry.second;
+            const bool is_at_target =
+                at_target != target.end() && at_target->second == entry.second;
+            EXPECT_TRUE(is_at_source || is_at_target) << entry.first;
+        }
+    }
+
+    void expect_clean() {
+        operations::RemoveLeftTemporaries(operations::StateFolder());
+        for (const std::string& name : test::names_in(to_)) EXPECT_NE(name[0], '.') << name;
+        EXPECT_EQ(test::names_in(operations::StateFolder() + "/temporaries"),
+                  std::vector<std::string>({"lock"}));
+    }
+
+    void kill_often(const std::string& kind, const std::string& from, const std::string& to) {
+        from_ = from;
+        to_ = to;
+        std::random_device seed;
+        const unsigned number = seed();
+        SCOPED_TRACE("seed " + std::to_string(number));
+        std::mt19937 random(number);
+        int killed = 0;
+        reset(from_, true);
+        for (int runs = 0; killed < kills && runs < most_runs && !HasFailure(); runs++) {
+            if (kind == "move" && runs > 0) reset(from_, true);
+            reset(to_, false);
+            std::uniform_real_distribution<double> moment(0, std::min(takes_, 0.9));
+            killed += run(kind, runs == 0 ? 0.9 : moment(random));
+            const test::State source = test::state_of(from_, true);
+            const test::State target = test::state_of(to_, true);
+            if (kind == "copy") EXPECT_EQ(source, whole_);
+            expect_whole_targets(target);
+            expect_nothing_lost(source, target);
+            expect_clean();
+        }
+        EXPECT_EQ(killed, kills);
+    }
+
+    test::TempFolder folder_;
+    test::OtherVolume volume_{folder_.path()};
+    const std::string origin_ = folder_.path("origin");
+    std::string from_, to_;
+    test::State whole_;
+    std::map<std::string, test::State> tops_;
+    double takes_ = 1;
+};
+
+TEST_F(KillTest, ACopyLosesNothingAndLeavesNothing) {
+    // In memory, where no kill waits for a disk.
+    kill_often("copy", volume_.path() + "/from", volume_.path() + "/to");
+}
+
+TEST_F(KillTest, AMoveToAnotherVolumeLosesNothingAndLeavesNothing) {
+    const std::string memory = folder_.folder("memory");
+    const auto test = [&](const std::string& from) {
+        kill_often("move", from, volume_.path() + "/to");
+    };
+    // Out of memory too where that can be had, else off the disk, which takes minutes.
+    const bool done = test::in_child([&] {
+        if (!test::mount_small_volume(memory, 64 << 20)) return false;
+        test(memory + "/from");
+        return true;
+    });
+    if (!done) test(folder_.path("from"));
+}
+
+}  // namespace

@@ -1,0 +1,92 @@
+#include "operations/temporaries.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "hosts/operations/scene.h"
+#include "support/temp_folder.h"
+
+using operations::RemoveLeftTemporaries;
+using operations::Temporaries;
+
+namespace {
+
+class TemporariesTest : public testing::Test {
+  protected:
+    // A process takes a prefix, makes a file and a read-only folder under it, and is killed.
+    std::string leave_behind() {
+        int ends[2];
+        EXPECT_EQ(pipe(ends), 0);
+        const pid_t child = fork();
+        if (child == 0) {
+            const Temporaries temporaries(state_, to_);
+            const std::string path = to_ + "/" + temporaries.prefix();
+            folder_.file("to/" + temporaries.prefix() + "0/inner/a", "half");
+            folder_.file("to/" + temporaries.prefix() + "1", "half");
+            chmod((path + "0/inner").c_str(), 0500);
+            if (write(ends[1], path.data(), path.size()) < 0) _exit(1);
+            raise(SIGKILL);
+        }
+        waitpid(child, nullptr, 0);
+        char path[4096];
+        const ssize_t size = read(ends[0], path, sizeof path);
+        close(ends[0]);
+        close(ends[1]);
+        return std::string(path, size < 0 ? 0 : static_cast<size_t>(size));
+    }
+
+    test::TempFolder folder_;
+    const std::string state_ = folder_.path("state"), to_ = folder_.folder("to");
+    using Names = std::vector<std::string>;
+};
+
+TEST_F(TemporariesTest, WhatAKilledProcessLeftIsRemoved) {
+    const std::string path = leave_behind();
+    folder_.file("to/.delvio-of-somebody", "kept");
+    ASSERT_EQ(access((path + "0/inner/a").c_str(), F_OK), 0);
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(to_), Names({".delvio-of-somebody"}));
+    EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names({"lock"}));
+}
+
+TEST_F(TemporariesTest, WhatALivingOperationHasIsKept) {
+    const Temporaries temporaries(state_, to_);
+    ASSERT_EQ(temporaries.problem(), "");
+    folder_.file("to/" + temporaries.prefix() + "0", "half");
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(to_), Names({temporaries.prefix() + "0"}));
+}
+
+TEST_F(TemporariesTest, TheSamePrefixWithoutAJournalIsKept) {
+    const std::string path = leave_behind();
+    const std::string journal =
+        state_ + "/temporaries/" + path.substr(to_.size() + 2, path.size() - to_.size() - 3);
+    ASSERT_EQ(unlink(journal.c_str()), 0);
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(to_).size(), 2u);
+}
+
+TEST_F(TemporariesTest, AJournalWaitsForAVolumeThatIsAway) {
+    leave_behind();
+    const std::string away = folder_.path("away");
+    ASSERT_EQ(rename(to_.c_str(), away.c_str()), 0);
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(away).size(), 2u);
+    ASSERT_EQ(rename(away.c_str(), to_.c_str()), 0);
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(to_), Names());
+}
+
+TEST_F(TemporariesTest, AnEmptyOrForeignJournalRemovesNothing) {
+    folder_.file("state/temporaries/delvio-0123456789abcdef", "");
+    folder_.file("state/temporaries/notes", "0\n" + to_);
+    folder_.file("to/.notes-a", "kept");
+    folder_.file("to/.delvio-0123456789abcdef-a", "kept");
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(to_).size(), 2u);
+}
+
+}  // namespace

@@ -1,0 +1,103 @@
+#include "operations/trash.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "hosts/operations/scene.h"
+#include "support/temp_folder.h"
+
+using operations::PutInTrash;
+using operations::TakeFromTrash;
+using operations::Trashed;
+
+namespace {
+
+class TrashTest : public testing::Test {
+  protected:
+    void SetUp() override { setenv("XDG_DATA_HOME", folder_.folder("data").c_str(), 1); }
+    bool put(const std::string& path) {
+        return PutInTrash(
+            path, [](const Trashed&) { return true; }, &trashed_, &problem_);
+    }
+
+    test::TempFolder folder_;
+    test::OtherVolume volume_{folder_.path()};
+    Trashed trashed_;
+    std::string problem_;
+};
+
+TEST_F(TrashTest, TheInfoNamesThePathAndTheTime) {
+    ASSERT_TRUE(put(folder_.file("in/a b\xff%\n.txt", "text"))) << problem_;
+    EXPECT_EQ(trashed_.file, folder_.path("data/Trash/files/a b\xff%\n.txt"));
+    const std::string info = test::read_file(trashed_.info);
+    EXPECT_EQ(info.find("[Trash Info]\nPath=" + folder_.path("in/a%20b%FF%25%0A.txt") +
+                        "\nDeletionDate="),
+              0u)
+        << info;
+    EXPECT_EQ(test::read_file(trashed_.file), "text");
+}
+
+TEST_F(TrashTest, TakenNamesAreNumberedAlsoWithoutAnInfo) {
+    folder_.file("data/Trash/files/a", "older");
+    folder_.folder("data/Trash/info");
+    ASSERT_TRUE(put(folder_.file("a", "text"))) << problem_;
+    EXPECT_EQ(trashed_.file, folder_.path("data/Trash/files/a.2"));
+    EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")),
+              std::vector<std::string>({"a.2.trashinfo"}));
+    EXPECT_EQ(test::read_file(folder_.path("data/Trash/files/a")), "older");
+}
+
+TEST_F(TrashTest, ALongNameIsShortenedForItsInfo) {
+    const std::string name(255, 'n');
+    ASSERT_TRUE(put(folder_.file(name, "text"))) << problem_;
+    EXPECT_EQ(trashed_.file, folder_.path("data/Trash/files/" + std::string(245, 'n')));
+    EXPECT_NE(test::read_file(trashed_.info).find(name), std::string::npos);
+}
+
+TEST_F(TrashTest, AnotherVolumeHasATrashOfItsOwn) {
+    if (volume_.path().empty()) GTEST_SKIP() << "/dev/shm is no file system of its own";
+    const std::string path = volume_.path() + "/a";
+    ASSERT_EQ(rename(folder_.file("x", "text").c_str(), path.c_str()), -1);
+    ASSERT_EQ(symlink("text", path.c_str()), 0);
+    ASSERT_TRUE(put(path)) << problem_;
+    EXPECT_EQ(trashed_.file.find("/dev/shm/.Trash-" + std::to_string(getuid()) + "/files/a"), 0u);
+    // As the top of the volume sees it.
+    EXPECT_NE(test::read_file(trashed_.info).find("Path=" + path.substr(9) + "\n"),
+              std::string::npos);
+    EXPECT_TRUE(TakeFromTrash(trashed_, path));
+}
+
+TEST_F(TrashTest, WhatComesBackLeavesNoInfo) {
+    const std::string path = folder_.file("in/a", "text");
+    ASSERT_TRUE(put(path));
+    EXPECT_TRUE(TakeFromTrash(trashed_, path));
+    EXPECT_EQ(test::read_file(path), "text");
+    EXPECT_EQ(access(trashed_.info.c_str(), F_OK), -1);
+}
+
+TEST_F(TrashTest, NothingComesBackOverSomethingElse) {
+    const std::string path = folder_.file("in/a", "text");
+    ASSERT_TRUE(put(path));
+    folder_.file("in/a", "newer");
+    EXPECT_FALSE(TakeFromTrash(trashed_, path));
+    EXPECT_EQ(test::read_file(path), "newer");
+    EXPECT_EQ(test::read_file(trashed_.file), "text");
+}
+
+TEST_F(TrashTest, WhoeverIsAskedBeforeCanKeepIt) {
+    const std::string path = folder_.file("in/a", "text");
+    EXPECT_FALSE(PutInTrash(
+        path, [](const Trashed&) { return false; }, &trashed_, &problem_));
+    EXPECT_EQ(test::read_file(path), "text");
+    EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), std::vector<std::string>());
+}
+
+TEST_F(TrashTest, ALinkGoesItselfAndNotWhatItLeadsTo) {
+    const std::string target = folder_.file("target", "text");
+    ASSERT_TRUE(put(folder_.link("link", target)));
+    EXPECT_EQ(test::read_file(target), "text");
+}
+
+}  // namespace

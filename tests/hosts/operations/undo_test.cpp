@@ -1,0 +1,178 @@
+// Undoing the last operation.
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "hosts/operations/scene.h"
+#include "support/temp_folder.h"
+
+using operations::Choice;
+using operations::Kind;
+using operations::Report;
+using operations::State;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class UndoTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        setenv("XDG_DATA_HOME", folder_.folder("data").c_str(), 1);
+        folder_.folder("to");
+    }
+    Report perform(Kind kind, const Names& sources, const std::string& destination,
+                   bool replace = false) {
+        return operations::Perform({kind, sources, destination, replace}, notes_,
+                                   folder_.path("state"));
+    }
+    // Why it was refused; empty when it was undone.
+    Names undo() {
+        Names reasons;
+        for (const auto& outcome : operations::UndoLast(notes_, folder_.path("state")).outcomes) {
+            if (outcome.state != State::Done) reasons.push_back(outcome.reason);
+        }
+        return reasons;
+    }
+    // All files but the trash and the engine's own.
+    test::State world() {
+        test::State state = test::state_of(folder_.path());
+        std::erase_if(state, [](const auto& entry) {
+            return entry.first.find("data") == 0 || entry.first.find("state") == 0;
+        });
+        return state;
+    }
+
+    test::TempFolder folder_;
+    test::OtherVolume volume_{folder_.path()};
+    test::Notes notes_;
+};
+
+TEST_F(UndoTest, WhatWasMovedReplacedOrKeptBesideComesBack) {
+    folder_.file("to/a", "old a");
+    folder_.file("to/b", "old b");
+    const Names sources = {folder_.file("from/a", "new a"), folder_.file("from/b", "new b"),
+                           folder_.folder("from/c")};
+    const test::State before = world();
+    notes_.answers = {{Choice::Replace, false}, {Choice::KeepBoth, false}};
+    perform(Kind::Move, sources, folder_.path("to"));
+    EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a", "b", "b copy", "c"}));
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(world(), before);
+    EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
+}
+
+TEST_F(UndoTest, ACopyGoesToTheTrashAndWhatItReplacedComesBack) {
+    folder_.file("to/tree", "old");
+    const std::string tree = folder_.folder("tree");
+    test::make_tree(tree, 40);
+    ASSERT_EQ(link((tree + "/0.txt").c_str(), (tree + "/again").c_str()), 0);
+    const test::State before = world();
+    perform(Kind::Copy, {tree}, folder_.path("to"), true);
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(world(), before);
+    EXPECT_EQ(test::state_of(folder_.path("data/Trash/files/tree.2")), test::state_of(tree));
+}
+
+TEST_F(UndoTest, AChangedCopyIsKept) {
+    const std::string tree = folder_.folder("tree"), a = folder_.file("a", "a");
+    test::make_tree(tree, 40);
+    perform(Kind::Copy, {a, tree}, folder_.path("to"));
+    usleep(20000);  // more than a tick of the file system's clock
+    folder_.file("to/tree/folder 1/1.txt", "work of the user");
+    const test::State before = world();
+    EXPECT_EQ(undo(), Names({"the copy \"tree\" was changed since"}));
+    EXPECT_EQ(world(), before);
+}
+
+TEST_F(UndoTest, AMoveToAnotherVolumeComesBack) {
+    if (volume_.path().empty()) GTEST_SKIP() << "/dev/shm is no file system of its own";
+    const std::string tree = folder_.folder("tree"), a = folder_.file("a", "a");
+    test::make_tree(tree, 40);
+    const test::State before = test::state_of(folder_.path("tree"), true);
+    perform(Kind::Move, {tree, a}, volume_.path());
+    EXPECT_EQ(test::names_in(volume_.path()), Names({"a", "tree"}));
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(test::state_of(folder_.path("tree"), true), before);
+    EXPECT_EQ(test::read_file(a), "a");
+    EXPECT_EQ(test::names_in(volume_.path()), Names());
+}
+
+TEST_F(UndoTest, AliasesAreRemovedUnlessTheyAreOtherFilesNow) {
+    const std::string a = folder_.file("a", "a");
+    const test::State before = world();
+    perform(Kind::Alias, {a}, folder_.path("to"));
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(world(), before);
+    perform(Kind::Alias, {a}, folder_.path("to"));
+    ASSERT_EQ(unlink(folder_.path("to/a").c_str()), 0);
+    folder_.file("to/a", "a file");
+    EXPECT_EQ(undo(), Names({"\"a\" is another file now"}));
+}
+
+TEST_F(UndoTest, WhatWasTrashedComesBack) {
+    const std::string a = folder_.file("in/a", "a"), b = folder_.folder("in/b");
+    const test::State before = world();
+    perform(Kind::Trash, {a, b}, "");
+    EXPECT_EQ(test::names_in(folder_.path("in")), Names());
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(world(), before);
+}
+
+TEST_F(UndoTest, NothingIsUndoneWhenOneThingCannotBe) {
+    const std::string a = folder_.file("from/a", "a"), b = folder_.file("from/b", "b");
+    perform(Kind::Move, {a, b}, folder_.path("to"));
+    folder_.file("from/b", "another");
+    EXPECT_EQ(undo(), Names({"there is another \"b\" now where it was"}));
+    EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a", "b"}));
+    ASSERT_EQ(unlink(b.c_str()), 0);
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(test::read_file(a) + test::read_file(b), "ab");
+}
+
+TEST_F(UndoTest, AMissingFolderOrFileIsNamed) {
+    const std::string a = folder_.file("from/a", "a"), b = folder_.file("other/b", "b");
+    perform(Kind::Move, {a, b}, folder_.path("to"));
+    ASSERT_EQ(rmdir(folder_.path("from").c_str()), 0);
+    EXPECT_EQ(undo(), Names({"the folder \"from\" is no longer there"}));
+}
+
+TEST_F(UndoTest, ThingsMovedOutOfAFolderThatWasMovedTooComeBackIntoIt) {
+    const std::string inner = folder_.file("from/f/inner", "i"), f = folder_.path("from/f");
+    const test::State before = world();
+    perform(Kind::Move, {inner, f}, folder_.path("to"));
+    EXPECT_EQ(test::names_in(folder_.path("to")), Names({"f", "inner"}));
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(world(), before);
+}
+
+TEST_F(UndoTest, OnlyTheLastOperationIsUndone) {
+    const std::string a = folder_.file("from/a", "a"), b = folder_.file("from/b", "b");
+    perform(Kind::Move, {a}, folder_.path("to"));
+    perform(Kind::Move, {b}, folder_.path("to"));
+    // One that does nothing takes nothing back.
+    perform(Kind::Move, {folder_.path("missing")}, folder_.path("to"));
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a"}));
+    EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
+}
+
+TEST_F(UndoTest, AnOperationUnderWayIsNotUndone) {
+    const std::string a = folder_.file("from/a", "a"), b = folder_.file("from/b", "b");
+    Names reasons;
+    notes_.at_progress = [&](const operations::Progress&) {
+        if (reasons.empty()) reasons = undo();
+    };
+    perform(Kind::Move, {a, b}, folder_.path("to"));
+    EXPECT_EQ(reasons, Names({"the last operation is still under way"}));
+    EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a", "b"}));
+}
+
+TEST_F(UndoTest, ADamagedJournalUndoesNothing) {
+    folder_.file("state/last-operation", std::string("delvio-undo-1\0what\0", 19));
+    EXPECT_EQ(undo(), Names({folder_.path("state/last-operation") + " cannot be read"}));
+    folder_.file("state/last-operation", std::string("delvio-undo-1\0moving\0/a\0/", 25));
+    EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
+}
+
+}  // namespace
