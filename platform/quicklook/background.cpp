@@ -1,25 +1,32 @@
 #include "quicklook/background.h"
 
+#include <errno.h>
+#include <sys/wait.h>
+
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <system_error>
 #include <thread>
-
-#include "quicklook/helper_program.h"
+#include <vector>
 
 namespace thumbnails {
 
 namespace {
 
 const size_t most_waiting = 16;
-const auto between_reaping = std::chrono::milliseconds(500);
+// A killed process is gone in milliseconds, but for one in a call that cannot be interrupted.
+const auto first_pause = std::chrono::milliseconds(2),
+           longest_pause = std::chrono::milliseconds(500);
 
 struct Background {
     std::mutex lock;
     std::condition_variable changed;
     std::deque<std::function<void()>> work;
+    std::vector<pid_t> killed;
+    std::chrono::milliseconds pause = first_pause;
     bool is_running = false, is_busy = false;
 };
 
@@ -29,20 +36,31 @@ Background& background() {
     return background;
 }
 
+bool is_gone(pid_t process) {
+    const pid_t result = waitpid(process, nullptr, WNOHANG);
+    // Where the host has its children reaped by somebody else, ours is unknown in the end.
+    return result == process || (result < 0 && errno != EINTR);
+}
+
+// Until there is work.
+void reap(Background& self, std::unique_lock<std::mutex>& guard) {
+    while (self.work.empty()) {
+        self.killed.erase(std::remove_if(self.killed.begin(), self.killed.end(), is_gone),
+                          self.killed.end());
+        if (self.killed.empty()) {
+            self.changed.wait(guard);
+        } else {
+            self.changed.wait_for(guard, self.pause);
+            self.pause = std::min(self.pause * 2, longest_pause);
+        }
+    }
+}
+
 void keep_house() {
     Background& self = background();
     std::unique_lock guard(self.lock);
     for (;;) {
-        guard.unlock();
-        const bool has_leftovers = reap_leftovers() > 0;
-        guard.lock();
-        const auto has_work = [&self] { return !self.work.empty(); };
-        if (has_leftovers) {
-            self.changed.wait_for(guard, between_reaping, has_work);
-        } else {
-            self.changed.wait(guard, has_work);
-        }
-        if (self.work.empty()) continue;
+        reap(self, guard);
         const std::function<void()> next = std::move(self.work.front());
         self.work.pop_front();
         self.is_busy = true;
@@ -56,6 +74,7 @@ void keep_house() {
 
 // With the lock held.
 bool start(Background& self) {
+    if (self.is_running) return true;
     try {
         std::thread(keep_house).detach();
     } catch (const std::system_error&) {
@@ -71,8 +90,21 @@ void run_in_background(std::function<void()> work) {
     Background& self = background();
     const std::lock_guard guard(self.lock);
     if (self.work.size() >= most_waiting) return;
-    if (!self.is_running && !start(self)) return;
+    if (!start(self)) return;
     self.work.push_back(std::move(work));
+    self.changed.notify_all();
+}
+
+void reap_in_background(pid_t process) {
+    Background& self = background();
+    std::unique_lock guard(self.lock);
+    if (!start(self)) {
+        guard.unlock();
+        waitpid(process, nullptr, 0);
+        return;
+    }
+    self.killed.push_back(process);
+    self.pause = first_pause;
     self.changed.notify_all();
 }
 

@@ -10,29 +10,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <filesystem>
-#include <mutex>
+
+#include "quicklook/background.h"
 
 namespace thumbnails {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// A process that is killed is gone at once, but for one in a call that cannot be interrupted.
-const auto longest_reaping = std::chrono::milliseconds(200);
-
-struct Leftovers {
-    std::mutex lock;
-    std::vector<pid_t> processes;
-};
-
-Leftovers& leftovers() {
-    static Leftovers& leftovers = *new Leftovers;
-    return leftovers;
-}
 
 class SpawnSettings {
   public:
@@ -125,12 +112,6 @@ Answer read_answer(int from, Box box, Clock::time_point deadline) {
     return answer;
 }
 
-bool is_gone(pid_t process) {
-    const pid_t result = waitpid(process, nullptr, WNOHANG);
-    // Where the host has its children reaped by somebody else, ours is unknown in the end.
-    return result == process || (result < 0 && errno != EINTR);
-}
-
 void end_group(pid_t process) {
     // Not yet reaped, so that its number is still its own.
     siginfo_t state = {};
@@ -138,15 +119,7 @@ void end_group(pid_t process) {
         waitid(P_PID, static_cast<id_t>(process), &state, WEXITED | WNOHANG | WNOWAIT) == 0;
     if (!is_ours) return;
     kill(-process, SIGKILL);
-    const Clock::time_point deadline = Clock::now() + longest_reaping;
-    for (useconds_t pause = 50; !is_gone(process); pause = std::min(pause * 2, 5000u)) {
-        if (Clock::now() > deadline) {
-            const std::lock_guard guard(leftovers().lock);
-            leftovers().processes.push_back(process);
-            return;
-        }
-        usleep(pause);
-    }
+    reap_in_background(process);
 }
 
 }  // namespace
@@ -166,13 +139,6 @@ Answer run_helper(const std::string& program, const std::vector<std::string>& ar
     }
     close(ends[0]);
     return answer;
-}
-
-size_t reap_leftovers() {
-    const std::lock_guard guard(leftovers().lock);
-    auto& processes = leftovers().processes;
-    processes.erase(std::remove_if(processes.begin(), processes.end(), is_gone), processes.end());
-    return processes.size();
 }
 
 std::string helper_folder() {

@@ -24,13 +24,10 @@ struct Answer {
 
 // Runs `program` with `arguments` in a process group of its own, with no descriptor of ours but
 // the one for its reply. A picture that is larger than the box counts as nonsense. When this
-// returns the group is killed, and reaped unless the kernel holds it up: then later.
-// The host's handling of SIGCHLD is neither used nor changed.
+// returns the group is killed; it is reaped in the background, since tearing down a cage takes
+// milliseconds. The host's handling of SIGCHLD is neither used nor changed.
 Answer run_helper(const std::string& program, const std::vector<std::string>& arguments, Box box,
                   double seconds);
-
-// Reaps what was held up before. How many are left.
-size_t reap_leftovers();
 
 // The folder of the helper programs, found beside this library; empty when they are not installed.
 std::string helper_folder();

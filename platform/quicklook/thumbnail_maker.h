@@ -34,6 +34,10 @@ class ThumbnailMaker {
     // Any thread, several at once; waits for its turn, the newest call goes first.
     Picture make(const std::string& path, Box box);
 
+    // Whether the helper runs in bubblewrap here, for decoders or for thumbnailer programs. Tried
+    // once.
+    bool bubblewrap_works(bool for_programs);
+
     // How many calls wait for a turn.
     size_t waiting() { return turns_.waiting(); }
 
@@ -45,7 +49,6 @@ class ThumbnailMaker {
     std::vector<std::string> words(Route route, const Request& request);
     void note_failure(const Request& request, const Answer& answer);
     bool timed_out_before(const Subject& subject);
-    bool bubblewrap_works(bool for_programs);
 
     const Settings settings_;
     Turns turns_;

@@ -109,13 +109,15 @@ void write_picture(const GdkPixbuf* pixbuf, const Size& size, const std::string&
     const int channels = gdk_pixbuf_get_n_channels(pixbuf);
     const auto stride = static_cast<size_t>(gdk_pixbuf_get_rowstride(pixbuf));
     const guint8* from = gdk_pixbuf_read_pixels(pixbuf);
-    std::vector<uint8_t> pixels;
-    pixels.reserve(size_t{reply.width} * reply.height * 4);
+    std::vector<uint8_t> pixels(size_t{reply.width} * reply.height * 4);
+    uint8_t* to = pixels.data();
     for (size_t y = 0; y < reply.height; y++) {
         const guint8* pixel = from + y * stride;
-        for (size_t x = 0; x < reply.width; x++, pixel += channels) {
-            pixels.insert(pixels.end(), pixel, pixel + 3);
-            pixels.push_back(channels == 4 ? pixel[3] : 255);
+        for (size_t x = 0; x < reply.width; x++, pixel += channels, to += 4) {
+            to[0] = pixel[0];
+            to[1] = pixel[1];
+            to[2] = pixel[2];
+            to[3] = channels == 4 ? pixel[3] : 255;
         }
     }
     write_reply(reply);

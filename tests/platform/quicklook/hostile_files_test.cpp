@@ -11,7 +11,6 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -19,6 +18,7 @@
 #include <fstream>
 #include <thread>
 
+#include "children.h"
 #include "quicklook/background.h"
 #include "quicklook/thumbnail_maker.h"
 #include "sample_files.h"
@@ -94,13 +94,7 @@ class HostileFiles : public testing::TestWithParam<bool> {
         EXPECT_LT(resident_memory(), memory + 8 * megabyte);
         expect_no_child();
     }
-    void expect_no_child() {
-        for (int i = 0; i < 100 && waitpid(-1, nullptr, WNOHANG | WNOWAIT) != -1; i++)
-            usleep(20000);
-        EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-        EXPECT_EQ(errno, ECHILD);
-    }
-
+    void expect_no_child() { EXPECT_TRUE(test::no_child_is_left()); }
     // Who was killed is gone from the list of processes soon.
     void expect_no_program(const std::string& pattern) {
         const std::string question = "pgrep -f '" + pattern + "' >/dev/null";

@@ -4,13 +4,13 @@
 #include <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "children.h"
 #include "coregraphics/image.h"
 #include "sample_files.h"
 #include "support/temp_folder.h"
@@ -155,7 +155,7 @@ TEST_F(ThumbnailImage, ABoxWithoutRoomHasNone) {
 
 TEST_F(ThumbnailImage, NoChildIsLeft) {
     show(files.file("a.jpg", test::image_bytes(300, 300, "jpeg")), 128);
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_TRUE(test::no_child_is_left());
 }
 
 }  // namespace

@@ -1,0 +1,218 @@
+// Paths and programs that stop answering, or are not there.
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "children.h"
+#include "quicklook/patient_stat.h"
+#include "quicklook/thumbnail_maker.h"
+#include "sample_files.h"
+#include "silent_file_system.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using namespace thumbnails;
+using Clock = std::chrono::steady_clock;
+
+enum {
+    all_well = 0,
+    cannot_mount = 1,
+    had_a_picture = 2,
+    took_too_long = 3,
+    child_left = 4,
+    no_answer_elsewhere = 5
+};
+
+const Box box = {256, 256};
+
+Settings impatient_settings(bool use_bubblewrap) {
+    Settings settings;
+    settings.helper_folder = helper_folder();
+    settings.use_bubblewrap = use_bubblewrap;
+    settings.stat_seconds = 1;
+    settings.decoder_seconds = 1;
+    return settings;
+}
+
+// Whoever waits for it is let go.
+void end_server(pid_t server) {
+    kill(server, SIGKILL);
+    waitpid(server, nullptr, 0);
+}
+
+// In a process that ends afterwards: asks for a thumbnail on a path that does not answer.
+int ask(const std::string& folder, test::Silence silence, bool use_bubblewrap) {
+    const pid_t server = test::mount_silent_file_system(folder, silence);
+    if (!server) return cannot_mount;
+    ThumbnailMaker maker(impatient_settings(use_bubblewrap));
+    const Clock::time_point start = Clock::now();
+    const bool has_picture = static_cast<bool>(maker.make(folder + "/a.png", box));
+    const Clock::duration time = Clock::now() - start;
+    end_server(server);
+    if (has_picture) return had_a_picture;
+    if (time > std::chrono::seconds(15)) return took_too_long;
+    return test::no_child_is_left() ? all_well : child_left;
+}
+
+// The same for the first look at files: one without an answer, one beside it, one elsewhere.
+int look(const std::string& folder, const std::string& other) {
+    const pid_t server = test::mount_silent_file_system(folder, test::Silence::at_lookup);
+    if (!server) return cannot_mount;
+    const bool first = patient_stat(folder + "/a", 0.2).has_value();
+    const Clock::time_point start = Clock::now();
+    const bool second = patient_stat(folder + "/b", 30).has_value();
+    const Clock::duration time = Clock::now() - start;
+    const bool elsewhere = patient_stat(other, 30).has_value();
+    end_server(server);
+    if (first || second) return had_a_picture;
+    if (time > std::chrono::seconds(10)) return took_too_long;
+    return elsewhere ? all_well : no_answer_elsewhere;
+}
+
+class Unanswering : public testing::Test {
+  protected:
+    // Runs `work` in a process that may mount file systems.
+    template <typename Work>
+    void expect_no_harm(const Work& work) {
+        const std::string silent = folder.folder("silent");
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(60);
+            _exit(work(silent));
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status));
+        if (WEXITSTATUS(status) == cannot_mount) {
+            GTEST_SKIP() << "nobody may mount a file system here";
+        }
+        EXPECT_EQ(WEXITSTATUS(status), all_well);
+    }
+    void expect_no_thumbnail(test::Silence silence, bool use_bubblewrap) {
+        expect_no_harm(
+            [=](const std::string& silent) { return ask(silent, silence, use_bubblewrap); });
+    }
+
+    test::TempFolder folder;
+};
+
+TEST_F(Unanswering, AFileThatCannotBeOpenedHasNone) {
+    expect_no_thumbnail(test::Silence::at_open, false);
+    expect_no_thumbnail(test::Silence::at_open, true);
+}
+
+TEST_F(Unanswering, AFileThatCannotBeReadHasNone) {
+    expect_no_thumbnail(test::Silence::at_read, false);
+    expect_no_thumbnail(test::Silence::at_read, true);
+}
+
+TEST_F(Unanswering, AFileThatCannotEvenBeLookedAtHasNone) {
+    expect_no_thumbnail(test::Silence::at_lookup, false);
+}
+
+TEST_F(Unanswering, AFolderThatDoesNotAnswerIsNotAskedTwice) {
+    const std::string other = folder.file("other");
+    expect_no_harm([&](const std::string& silent) { return look(silent, other); });
+}
+
+// A helper program of the test's own.
+class Helper : public testing::Test {
+  protected:
+    Picture make_with(const std::string& script) {
+        const std::string program = folder.file("delvio-thumbnailer", "#!/bin/sh\n" + script);
+        chmod(program.c_str(), 0755);
+        Settings settings = impatient_settings(false);
+        settings.helper_folder = folder.path();
+        return ThumbnailMaker(settings).make(image, box);
+    }
+    void expect_nothing_from(const std::string& script) {
+        EXPECT_FALSE(make_with(script)) << script;
+        EXPECT_TRUE(test::no_child_is_left()) << script;
+        std::filesystem::remove_all(std::string(getenv("XDG_CACHE_HOME")) + "/thumbnails");
+    }
+
+    test::TempFolder folder;
+    const std::string image = folder.file("a.png", test::image_bytes(300, 300, "png"));
+};
+
+TEST_F(Helper, OneThatStopsIsEndedInTime) {
+    const Clock::time_point start = Clock::now();
+    expect_nothing_from("kill -STOP $$\n");
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
+}
+
+TEST_F(Helper, OneThatIgnoresSignalsIsEndedWithItsChildren) {
+    expect_nothing_from("trap '' TERM INT HUP\nsleep 300.125 &\nsleep 300.125\n");
+    EXPECT_NE(system("pgrep -f 'sleep 300[.]125' >/dev/null"), 0);
+}
+
+TEST_F(Helper, OneThatTalksNonsenseHasNoPicture) {
+    expect_nothing_from("head -c 100000 /dev/urandom >&3\n");
+    expect_nothing_from("yes >&3\n");
+    expect_nothing_from("exec 3>&-; sleep 5\n");
+    expect_nothing_from("exit 0\n");
+    expect_nothing_from("kill -SEGV $$\n");
+}
+
+// 31mhT, picture, then width and height: larger than the box, far too large, none at all.
+TEST_F(Helper, APictureLargerThanTheBoxIsNotTaken) {
+    const std::string head = "printf '1mhT\\2\\0\\0\\0";
+    const std::string rest = "' >&3; head -c 200000000 /dev/zero >&3\n";
+    expect_nothing_from(head + "\\1\\1\\0\\0\\1\\0\\0\\0" + rest);
+    expect_nothing_from(head + "\\377\\377\\377\\377\\377\\377\\377\\377" + rest);
+    expect_nothing_from(head + "\\0\\0\\0\\0\\0\\0\\0\\0" + rest);
+    const Picture picture = make_with(head + "\\2\\0\\0\\0\\1\\0\\0\\0" + rest);
+    EXPECT_EQ(picture.width, 2);
+    EXPECT_EQ(picture.height, 1);
+}
+
+TEST_F(Helper, ItInheritsNothingOfOurs) {
+    const int secret = open(image.c_str(), O_RDONLY);  // not closed on exec
+    sigset_t blocked, before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    setenv("LD_TEST_SECRET", "1", 1);
+    const std::string report = folder.path("report");
+    expect_nothing_from("{ ls /proc/$$/fd; env; grep SigBlk /proc/$$/status; } >'" + report +
+                        "'\n");
+    unsetenv("LD_TEST_SECRET");
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    close(secret);
+    const std::string text = test::read_file(report);
+    EXPECT_NE(text.find("PATH="), std::string::npos);
+    EXPECT_EQ(text.find("SECRET"), std::string::npos);
+    EXPECT_EQ(text.find("HOME="), std::string::npos);
+    EXPECT_NE(text.find("SigBlk:\t0000000000000000"), std::string::npos) << text;
+    EXPECT_EQ(text.find("\n" + std::to_string(secret) + "\n"), std::string::npos) << text;
+}
+
+TEST_F(Helper, WithoutAHelperOnlyTheCacheIsLeft) {
+    Settings settings = impatient_settings(true);
+    settings.helper_folder = "";
+    EXPECT_FALSE(ThumbnailMaker(settings).make(image, box));
+    settings.helper_folder = folder.path("missing");
+    EXPECT_FALSE(ThumbnailMaker(settings).make(image, box));
+    // That was no fault of the file.
+    ThumbnailMaker maker(impatient_settings(false));
+    EXPECT_TRUE(maker.make(image, box));
+    EXPECT_TRUE(test::no_child_is_left());
+}
+
+TEST_F(Helper, WhereTheHostHasItsChildrenReapedThePicturesStillCome) {
+    const auto before = signal(SIGCHLD, SIG_IGN);
+    ThumbnailMaker maker(impatient_settings(true));
+    EXPECT_TRUE(maker.make(image, box));
+    EXPECT_EQ(signal(SIGCHLD, before), SIG_IGN);
+    EXPECT_TRUE(test::no_child_is_left());
+}
+
+}  // namespace
