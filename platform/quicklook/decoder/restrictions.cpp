@@ -126,9 +126,10 @@ class Filter {
     void deny(int call, int error = EPERM) {
         seccomp_rule_add(context_, SCMP_ACT_ERRNO(static_cast<uint16_t>(error)), call, 0);
     }
-    void deny_flag(int call, unsigned argument, uint64_t mask, uint64_t value) {
+    void deny_flag(int call, unsigned argument, uint64_t mask, uint64_t value, int error = EPERM) {
         const scmp_arg_cmp condition = {argument, SCMP_CMP_MASKED_EQ, mask, value};
-        seccomp_rule_add_array(context_, SCMP_ACT_ERRNO(EACCES), call, 1, &condition);
+        seccomp_rule_add_array(context_, SCMP_ACT_ERRNO(static_cast<uint16_t>(error)), call, 1,
+                               &condition);
     }
     bool load() { return context_ && seccomp_load(context_) == 0; }
     bool is_made() const { return context_ != nullptr; }
@@ -139,8 +140,8 @@ class Filter {
 
 void deny_writing(Filter& filter) {
     for (const uint64_t flag : {O_WRONLY, O_RDWR, O_CREAT, O_TRUNC}) {
-        filter.deny_flag(SCMP_SYS(open), 1, flag, flag);
-        filter.deny_flag(SCMP_SYS(openat), 2, flag, flag);
+        filter.deny_flag(SCMP_SYS(open), 1, flag, flag, EACCES);
+        filter.deny_flag(SCMP_SYS(openat), 2, flag, flag, EACCES);
     }
     filter.deny(SCMP_SYS(openat2), ENOSYS);
 }

@@ -74,7 +74,10 @@ class HostileFiles : public testing::TestWithParam<bool> {
         EXPECT_TRUE(maker.make(files.file("warm.png", test::image_bytes(300, 300, "png")), box));
         wait_for_background();
     }
-    ~HostileFiles() override { fs::remove_all(programs); }
+    ~HostileFiles() override {
+        wait_for_background();
+        fs::remove_all(programs);
+    }
 
     // A program that stands for the thumbnailer of a type that nothing else takes.
     void install(const std::string& script) {

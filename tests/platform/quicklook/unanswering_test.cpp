@@ -1,4 +1,5 @@
 // Paths and programs that stop answering, or are not there.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <signal.h>
@@ -11,6 +12,7 @@
 #include <fstream>
 
 #include "children.h"
+#include "quicklook/background.h"
 #include "quicklook/patient_stat.h"
 #include "quicklook/thumbnail_maker.h"
 #include "sample_files.h"
@@ -136,6 +138,7 @@ class Helper : public testing::Test {
     void expect_nothing_from(const std::string& script) {
         EXPECT_FALSE(make_with(script)) << script;
         EXPECT_TRUE(test::no_child_is_left()) << script;
+        wait_for_background();
         std::filesystem::remove_all(std::string(getenv("XDG_CACHE_HOME")) + "/thumbnails");
     }
 
@@ -175,18 +178,21 @@ TEST_F(Helper, APictureLargerThanTheBoxIsNotTaken) {
 }
 
 TEST_F(Helper, ItInheritsNothingOfOurs) {
-    const int secret = open(image.c_str(), O_RDONLY);  // not closed on exec
+    const int image_file = open(image.c_str(), O_RDONLY | O_CLOEXEC);
+    const int secret = fcntl(image_file, F_DUPFD, 77);  // not closed on exec
+    ASSERT_GE(secret, 77);
     sigset_t blocked, before;
     sigemptyset(&blocked);
     sigaddset(&blocked, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &blocked, &before);
     setenv("LD_TEST_SECRET", "1", 1);
     const std::string report = folder.path("report");
-    expect_nothing_from("{ ls /proc/$$/fd; env; grep SigBlk /proc/$$/status; } >'" + report +
+    expect_nothing_from("{ ls /proc/$$/fd; env; grep SigBlk /proc/self/status; } >'" + report +
                         "'\n");
     unsetenv("LD_TEST_SECRET");
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
     close(secret);
+    close(image_file);
     const std::string text = test::read_file(report);
     EXPECT_NE(text.find("PATH="), std::string::npos);
     EXPECT_EQ(text.find("SECRET"), std::string::npos);
