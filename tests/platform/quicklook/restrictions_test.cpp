@@ -151,30 +151,29 @@ TEST_F(Restrictions, AProgramWritesToItsFolderOnly) {
 }
 
 TEST_F(Restrictions, ResourcesAreLimited) {
-    const auto restrict_self = [] {
-        limit_resources(100, 1, 2);
-        return true;
+    const auto limited = [](unsigned processor_seconds, unsigned seconds) {
+        return [=] {
+            limit_resources(100, processor_seconds, seconds);
+            return true;
+        };
     };
-    EXPECT_EQ(status_of(restrict_self,
-                        [] {
-                            for (volatile unsigned i = 0;; i = i + 1) {
-                            }
-                            return 0;
-                        }),
-              -SIGKILL);
-    EXPECT_EQ(status_of(restrict_self,
-                        [] {
-                            for (;;) pause();
-                            return 0;
-                        }),
-              -SIGALRM);
-    EXPECT_EQ(status_of(restrict_self,
-                        [] {
-                            rlimit limit;
-                            getrlimit(RLIMIT_AS, &limit);
-                            return limit.rlim_cur == 100 * 1024 * 1024 ? 0 : 1;
-                        }),
-              0);
+    const auto compute = [] {
+        for (volatile unsigned i = 0;; i = i + 1) {
+        }
+        return 0;
+    };
+    const auto wait = [] {
+        for (;;) pause();
+        return 0;
+    };
+    const auto ask = [] {
+        rlimit limit;
+        getrlimit(RLIMIT_AS, &limit);
+        return limit.rlim_cur == 100 * 1024 * 1024 ? 0 : 1;
+    };
+    EXPECT_EQ(status_of(limited(1, 200), compute), -SIGKILL);
+    EXPECT_EQ(status_of(limited(200, 1), wait), -SIGALRM);
+    EXPECT_EQ(status_of(limited(200, 200), ask), 0);
 }
 
 }  // namespace
