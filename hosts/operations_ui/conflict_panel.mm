@@ -1,100 +1,109 @@
 #include "operations_ui/conflict_panel.h"
 
 #include "operations_ui/operation_texts.h"
-#include "operations_ui/window_parts.h"
+#include "operations_ui/parts_panel.h"
 
-using operations::Choice;
-using operations::MakeButton;
-using operations::MakeIcon;
-using operations::MakeLabel;
+namespace operations {
 
 namespace {
 
-constexpr CGFloat width = 480, margin = 20, icon_size = 48, row_height = 56, button_height = 28;
-constexpr CGFloat button_width = 92, gap = 12;
+constexpr double width = 500, margin = 24, icon_side = 44, row_height = 60;
+constexpr double button_width = 96, button_height = 30, gap = 10;
 
-// From the right.
+enum Item { none, skip, keep_both, replace, stop, apply_to_all };
+
+// From the right; Stop keeps its distance.
 const struct {
+    Item item;
     Choice choice;
-    NSString* title;
-    NSString* key;
+    const char* title;
+    unichar key;
 } buttons[] = {
-    {Choice::Skip, @"Skip", @"\r"},
-    {Choice::KeepBoth, @"Keep Both", @"k"},
-    {Choice::Replace, @"Replace", @"r"},
-    {Choice::Stop, @"Stop", @"\e"},
+    {skip, Choice::Skip, "Skip", 's'},
+    {keep_both, Choice::KeepBoth, "Keep Both", 'k'},
+    {replace, Choice::Replace, "Replace", 'r'},
+    {stop, Choice::Stop, "Stop", 0x1b},
 };
 
-void add_file(NSView* view, CGFloat y, NSString* title, const std::string& path) {
-    const CGFloat left = margin + icon_size + gap, rest = width - left - margin;
-    [view addSubview:MakeIcon(NSMakeRect(margin, y, icon_size, icon_size), path)];
-    [view addSubview:MakeLabel(NSMakeRect(left, y + 25, rest, 18), title,
-                               [NSFont boldSystemFontOfSize:12])];
-    [view addSubview:MakeLabel(NSMakeRect(left, y + 5, rest, 18), operations::DescribeFile(path),
-                               [NSFont systemFontOfSize:12])];
+std::string bytes_of(NSString* text) { return [text UTF8String] ?: ""; }
+
+Part text(double left, double top, double height, NSString* what) {
+    return {PartKind::Text, left, top, width - margin - left, height, bytes_of(what)};
+}
+
+void add_file(std::vector<Part>& parts, double top, NSString* title, const std::string& path) {
+    const double left = margin + icon_side + 14;
+    parts.push_back({PartKind::Icon, margin, top, icon_side, icon_side, path});
+    Part name = text(left, top + 2, 20, title);
+    name.bold = true;
+    parts.push_back(name);
+    Part details = text(left, top + 22, 20, DescribeFile(path));
+    details.dim = true;
+    parts.push_back(details);
+}
+
+void add_buttons(std::vector<Part>& parts, double top) {
+    double left = width - margin - button_width;
+    for (const auto& button : buttons) {
+        if (button.item == stop) left = margin;
+        Part part = {PartKind::Button, left, top, button_width, button_height, button.title};
+        part.item = button.item;
+        part.size = 13;
+        part.chief = button.item == skip;
+        part.key = button.key;
+        parts.push_back(part);
+        left -= button_width + gap;
+    }
+}
+
+// Returns the height that they take.
+double add_all(std::vector<Part>& parts, const Conflict& conflict) {
+    Part question = text(margin, margin - 4, 24, QuestionOf(conflict));
+    question.bold = true;
+    question.size = 14;
+    parts.push_back(question);
+    double top = margin + 36;
+    add_file(parts, top, @"There already", conflict.target);
+    top += row_height;
+    add_file(parts, top, conflict.kind == Kind::Move ? @"To be moved" : @"To be copied",
+             conflict.source);
+    top += row_height + 4;
+    if (conflict.sources_left > 0) {
+        Part check = {PartKind::Check, margin, top, 140, 24, "Apply to all"};
+        check.item = apply_to_all;
+        check.size = 13;
+        check.key = 'a';
+        parts.push_back(check);
+        top += 36;
+    }
+    add_buttons(parts, top);
+    return top + button_height + margin;
 }
 
 }  // namespace
 
-@implementation ConflictPanel
-
-- (void)dealloc {
-    [_panel release];
-    [super dealloc];
-}
-
-- (void)addButtonsAbove:(CGFloat)y {
-    CGFloat right = width - margin;
-    for (const auto& button : buttons) {
-        // Stop keeps its distance.
-        if (button.choice == Choice::Stop) right = margin + button_width;
-        const NSRect frame = NSMakeRect(right - button_width, y, button_width, button_height);
-        NSButton* view = MakeButton(frame, button.title, self, @selector(choose:));
-        [view setKeyEquivalent:button.key];
-        [view setTag:static_cast<NSInteger>(button.choice)];
-        [[_panel contentView] addSubview:view];
-        right -= button_width + gap;
-    }
-}
-
-- (void)buildFor:(const operations::Conflict&)conflict {
-    const bool has_more = conflict.sources_left > 0;
-    const CGFloat files = margin + button_height + gap + (has_more ? 34 : 6);
-    const CGFloat height = files + 2 * row_height + 44 + 12;
-    _panel = operations::NewPanel(NSMakeSize(width, height), @"Delvio");
-    NSView* view = [_panel contentView];
-    NSTextField* question =
-        MakeLabel(NSMakeRect(margin, height - 52, width - 2 * margin, 32),
-                  operations::QuestionOf(conflict), [NSFont boldSystemFontOfSize:14]);
-    [view addSubview:question];
-    add_file(view, files + row_height, @"There already", conflict.target);
-    add_file(view, files,
-             conflict.kind == operations::Kind::Move ? @"To be moved" : @"To be copied",
-             conflict.source);
-    if (has_more) {
-        const NSRect frame = NSMakeRect(margin, margin + button_height + 10, 300, 22);
-        _applyToAll = MakeButton(frame, @"Apply to all", nil, nullptr);
-        [_applyToAll setButtonType:NSSwitchButton];
-        [view addSubview:_applyToAll];
-    }
-    [self addButtonsAbove:margin];
-}
-
-- (void)choose:(NSButton*)sender {
-    [NSApp stopModalWithCode:[sender tag]];
-}
-
-- (operations::Answer)answerTo:(const operations::Conflict&)conflict {
-    [self buildFor:conflict];
-    operations::ShowPanel(_panel);
-    const NSInteger code = [NSApp runModalForWindow:_panel];
-    [_panel orderOut:nil];
+Answer AskAbout(const Conflict& conflict) {
+    std::vector<Part> parts;
+    const double height = add_all(parts, conflict);
+    PartsPanel* panel = [PartsPanel alloc];
+    const Hit hit = [panel](int item) {
+        if (item != apply_to_all) return [NSApp stopModalWithCode:item];
+        Part* check = [panel partOfItem:item];
+        check->on = !check->on;
+        [panel partsChanged];
+    };
+    panel = [panel initWithWidth:width height:height parts:parts hit:hit];
+    [panel show];
+    const NSInteger code = [NSApp runModalForWindow:panel];
+    [panel orderOut:nil];
+    const Part* check = [panel partOfItem:apply_to_all];
     // Anything but a button ends it as Stop: nothing more is touched.
-    Choice choice = Choice::Stop;
+    Answer answer = {Choice::Stop, check && check->on};
     for (const auto& button : buttons) {
-        if (static_cast<NSInteger>(button.choice) == code) choice = button.choice;
+        if (button.item == code) answer.choice = button.choice;
     }
-    return {choice, _applyToAll && [_applyToAll state] == NSOnState};
+    [panel release];
+    return answer;
 }
 
-@end
+}  // namespace operations

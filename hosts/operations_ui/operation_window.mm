@@ -1,21 +1,37 @@
 #include "operations_ui/operation_window.h"
 
 #include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
 
 #include "operations_ui/conflict_panel.h"
 #include "operations_ui/operation_texts.h"
+#include "operations_ui/parts_panel.h"
 #include "operations_ui/progress_board.h"
-#include "operations_ui/window_parts.h"
 
-using operations::MakeButton;
-using operations::MakeLabel;
+using operations::Part;
+using operations::PartKind;
 
 namespace {
 
 constexpr NSTimeInterval looks_every = 0.05, shown_after = 0.5;
-constexpr CGFloat width = 440, height = 132, margin = 20;
+constexpr double width = 460, height = 142, margin = 24;
+
+// The parts of the window.
+enum { no_part, title_part, bar_part, name_part, detail_part, cancel_part };
 
 using Ended = std::function<void(const operations::Report&)>;
+
+void show_failures(const operations::Report& report) {
+    NSString* title = operations::FailureTitleOf(report);
+    DialogRef alert = nullptr;
+    if (!title) return;
+    NSString* reasons = operations::FailureReasonsOf(report);
+    if (CreateStandardAlert(kAlertCautionAlert, (CFStringRef)title, (CFStringRef)reasons, nullptr,
+                            &alert) == noErr) {
+        DialogItemIndex item = 0;
+        RunStandardAlert(alert, nullptr, &item);
+    }
+}
 
 // Those whose requests have not ended; each is retained by its timer.
 NSUInteger running = 0;
@@ -29,10 +45,7 @@ NSUInteger running = 0;
     NSString* _title;
     NSTimer* _timer;  // retains this object, and the run loop the timer
     NSDate* _start;
-    NSPanel* _panel;
-    NSTextField *_name, *_detail;
-    NSProgressIndicator* _bar;
-    NSButton* _cancel;
+    PartsPanel* _panel;
     BOOL _isBusy;
 }
 - (instancetype)initWithTitle:(NSString*)title
@@ -81,62 +94,49 @@ NSUInteger running = 0;
 
 - (void)ask:(const operations::Conflict&)conflict {
     _isBusy = YES;
-    ConflictPanel* panel = [[ConflictPanel new] autorelease];
-    (*_board)->answer([panel answerTo:conflict]);
+    (*_board)->answer(operations::AskAbout(conflict));
     _isBusy = NO;
 }
 
 - (void)show {
-    _panel = operations::NewPanel(NSMakeSize(width, height), @"Delvio");
-    NSView* view = [_panel contentView];
-    const CGFloat inner = width - 2 * margin;
-    NSFont* plain = [NSFont systemFontOfSize:12];
-    [view addSubview:MakeLabel(NSMakeRect(margin, 98, inner, 20), _title,
-                               [NSFont boldSystemFontOfSize:13])];
-    _bar =
-        [[[NSProgressIndicator alloc] initWithFrame:NSMakeRect(margin, 74, inner, 14)] autorelease];
-    [_bar setMinValue:0];
-    [_bar setMaxValue:1];
-    [view addSubview:_bar];
-    _name = MakeLabel(NSMakeRect(margin, 46, inner - 100, 18), @"", plain);
-    _detail = MakeLabel(NSMakeRect(margin, 24, inner - 100, 18), @"", plain);
-    [view addSubview:_name];
-    [view addSubview:_detail];
-    _cancel = MakeButton(NSMakeRect(width - margin - 88, 20, 88, 28), @"Cancel", self,
-                         @selector(cancel:));
-    [_cancel setKeyEquivalent:@"\e"];
-    [view addSubview:_cancel];
+    const double inner = width - 2 * margin;
+    std::vector<Part> parts = {
+        {PartKind::Text, margin, 18, inner, 22, [_title UTF8String], title_part, 14, true},
+        {PartKind::Bar, margin, 52, inner, 8, "", bar_part},
+        {PartKind::Text, margin, 74, inner - 110, 20, "", name_part},
+        {PartKind::Text, margin, 96, inner - 110, 20, "", detail_part},
+        {PartKind::Button, width - margin - 92, 88, 92, 30, "Cancel", cancel_part, 13},
+    };
+    parts.back().key = 0x1b;
+    // The panel goes before this object.
+    const auto hit = [self](int) { [self cancel]; };
+    _panel = [[PartsPanel alloc] initWithWidth:width height:height parts:parts hit:hit];
+    [_panel partOfItem:detail_part]->dim = true;
     [self update];
-    operations::ShowPanel(_panel);
+    [_panel show];
 }
 
 - (void)update {
     const operations::Progress progress = (*_board)->progress();
-    const double fraction = operations::FractionOf(progress);
-    [_bar setIndeterminate:fraction < 0];
-    if (fraction >= 0) [_bar setDoubleValue:fraction];
-    [_name setStringValue:operations::TextOfLast(progress.path)];
-    if ([_cancel isEnabled]) [_detail setStringValue:operations::DetailOf(progress)];
+    const bool is_stopping = [_panel partOfItem:cancel_part]->disabled;
+    NSString* detail = is_stopping ? @"Stopping…" : operations::DetailOf(progress);
+    [_panel partOfItem:bar_part]->value = operations::FractionOf(progress);
+    [_panel partOfItem:name_part]->text = [operations::TextOfLast(progress.path) UTF8String];
+    [_panel partOfItem:detail_part]->text = [detail UTF8String];
+    [_panel partsChanged];
 }
 
-- (void)cancel:(id)sender {
-    (void)sender;
+- (void)cancel {
     (*_board)->cancel();
-    [_cancel setEnabled:NO];
-    [_detail setStringValue:@"Stopping…"];
+    [_panel partOfItem:cancel_part]->disabled = true;
+    [self update];
 }
 
 - (void)end:(const operations::Report&)report {
     [[self retain] autorelease];
     [_timer invalidate];
     [_panel orderOut:nil];
-    if (NSString* title = operations::FailureTitleOf(report)) {
-        NSAlert* alert = [[NSAlert new] autorelease];
-        [alert setMessageText:title];
-        [alert setInformativeText:operations::FailureReasonsOf(report)];
-        [NSApp activateIgnoringOtherApps:YES];
-        [alert runModal];
-    }
+    show_failures(report);
     running--;
     if (*_ended) (*_ended)(report);
 }

@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "operations/engine.h"
+#include "operations_ui/parts_panel.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 #include "support/x_input.h"
@@ -18,32 +19,26 @@ using namespace operations;
 namespace {
 
 // The one window that is shown, or nil.
-NSWindow* shown_window() {
+PartsPanel* shown_window() {
     for (NSWindow* window in [NSApp windows]) {
-        if ([window isVisible] && [window isKindOfClass:[NSPanel class]]) return window;
+        if ([window isVisible] && [window isKindOfClass:[PartsPanel class]]) {
+            return (PartsPanel*)window;
+        }
     }
     return nil;
 }
 
-NSButton* button_of(NSView* view, NSString* title) {
-    if ([view isKindOfClass:[NSButton class]] && [[(NSButton*)view title] isEqualToString:title]) {
-        return (NSButton*)view;
+const Part* part_of(PartsPanel* panel, PartKind kind, const std::string& text) {
+    if (!panel) return nullptr;
+    for (const Part& part : [panel parts]) {
+        const bool is_right = (part.kind == PartKind::Text) == (kind == PartKind::Text);
+        if (is_right && part.text.find(text) != std::string::npos) return &part;
     }
-    for (NSView* inner in [view subviews]) {
-        if (NSButton* button = button_of(inner, title)) return button;
-    }
-    return nil;
+    return nullptr;
 }
 
-bool shows_text(NSView* view, NSString* text) {
-    if ([view isKindOfClass:[NSTextField class]] &&
-        [[(NSTextField*)view stringValue] rangeOfString:text].length > 0) {
-        return true;
-    }
-    for (NSView* inner in [view subviews]) {
-        if (shows_text(inner, text)) return true;
-    }
-    return false;
+bool shows_text(const std::string& text) {
+    return part_of(shown_window(), PartKind::Text, text) != nullptr;
 }
 
 // What a user does beside the windows: looked at by a timer, also while a panel is modal.
@@ -89,12 +84,11 @@ class OperationWindowTest : public testing::Test {
     }
 
     // Clicks the button of the shown window as a mouse does.
-    bool click(NSString* title) {
-        NSWindow* window = shown_window();
-        NSButton* button = window ? button_of([window contentView], title) : nil;
+    bool click(const std::string& title) {
+        PartsPanel* window = shown_window();
+        const Part* button = part_of(window, PartKind::Button, title);
         if (!button) return false;
-        const NSRect inside = [button convertRect:[button bounds] toView:nil];
-        const NSRect frame = [window frame];
+        const NSRect inside = [window areaOfPart:*button], frame = [window frame];
         const CGFloat height = NSMaxY([[NSScreen mainScreen] frame]);
         hand_.move((int)(NSMinX(frame) + NSMidX(inside)),
                    (int)(height - NSMinY(frame) - NSMidY(inside)));
@@ -159,12 +153,10 @@ TEST_F(OperationWindowTest, ProgressAppearsAfterHalfASecondAndCancelEndsTheWork)
              return true;
          },
          [&] {
-             NSView* view = [shown_window() contentView];
-             return shows_text(view, @"Copying 3 items to “Documents”") &&
-                    shows_text(view, @"312 of 1,000 items") &&
-                    shows_text(view, @"A long name of a file.txt");
+             return shows_text("Copying 3 items to “Documents”") &&
+                    shows_text("312 of 1,000 items") && shows_text("A long name of a file.txt");
          },
-         [&] { return click(@"Cancel"); }, [&] { return slow.was_cancelled.load(); }});
+         [&] { return click("Cancel"); }, [&] { return slow.was_cancelled.load(); }});
     EXPECT_GE(shown_after, 0.5);
     EXPECT_TRUE(ended);
     EXPECT_EQ(shown_window(), nil);
@@ -180,12 +172,9 @@ TEST_F(OperationWindowTest, WhatIsQuickShowsNoWindow) {
 
 TEST_F(OperationWindowTest, ReturnSkipsAndLeavesWhatIsThere) {
     two_taken_names();
-    const auto is_asked_about = [](NSString* name) {
-        return shown_window() && shows_text([shown_window() contentView], name);
-    };
-    steps_ = {[&] { return is_asked_about(@"“one.txt” is already in “to”."); },
+    steps_ = {[&] { return shows_text("“one.txt” is already in “to”."); },
               [&] { return hand_.key("Return"), true; },
-              [&] { return is_asked_about(@"“two.txt” is already in “to”."); },
+              [&] { return shows_text("“two.txt” is already in “to”."); },
               [&] { return hand_.key("Return"), true; }};
     const Report report = copy();
     ASSERT_EQ(report.outcomes.size(), 2u);
@@ -196,12 +185,9 @@ TEST_F(OperationWindowTest, ReturnSkipsAndLeavesWhatIsThere) {
 
 TEST_F(OperationWindowTest, KeepBothAppliedToAllAsksOnce) {
     two_taken_names();
-    steps_ = {[&] { return click(@"Apply to all"); },
-              [&] {
-                  NSButton* all = button_of([shown_window() contentView], @"Apply to all");
-                  return [all state] == NSOnState;
-              },
-              [&] { return click(@"Keep Both"); }};
+    steps_ = {[&] { return click("Apply to all"); },
+              [&] { return part_of(shown_window(), PartKind::Check, "Apply to all")->on; },
+              [&] { return click("Keep Both"); }};
     copy();
     EXPECT_EQ(test::read_file(folder_.path("to/one.txt")), "old");
     EXPECT_EQ(test::read_file(folder_.path("to/one copy.txt")), "new");
@@ -210,10 +196,8 @@ TEST_F(OperationWindowTest, KeepBothAppliedToAllAsksOnce) {
 
 TEST_F(OperationWindowTest, ReplaceByMouseReplacesOne) {
     two_taken_names();
-    steps_ = {
-        [&] { return click(@"Replace"); },
-        [&] { return shown_window() && shows_text([shown_window() contentView], @"two.txt"); },
-        [&] { return click(@"Stop"); }};
+    steps_ = {[&] { return click("Replace"); }, [&] { return shows_text("two.txt"); },
+              [&] { return click("Stop"); }};
     const Report report = copy();
     // What was copied before the stop, but had not got its name, is not there.
     EXPECT_TRUE(report.stopped);

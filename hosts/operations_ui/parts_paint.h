@@ -1,0 +1,26 @@
+// Draws the parts of a panel. Main thread.
+#pragma once
+
+#include <cairo.h>
+
+#include "appkit/menu_geometry.h"
+#include "appkit/menu_image.h"
+#include "appkit/menu_look.h"
+#include "operations_ui/parts_panel.h"
+
+namespace operations {
+
+struct PartsScene {
+    const std::vector<Part>* parts;
+    menu_look_t look;
+    image_cache_t* images;
+    extent_t size;  // pixels
+    const Part* hovered;
+    const Part* pressed;
+};
+
+int PixelsOf(const menu_look_t& look, double points);
+area_t AreaOf(const menu_look_t& look, const Part& part);
+void PaintParts(cairo_t* cairo, const PartsScene& scene);
+
+}  // namespace operations

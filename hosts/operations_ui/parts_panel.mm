@@ -1,0 +1,194 @@
+#include "operations_ui/parts_panel.h"
+
+#include <memory>
+
+#include "appkit/bitmaps.h"
+#include "appkit/menu_windows.h"
+#include "operations_ui/parts_paint.h"
+
+using operations::Part;
+using operations::PartKind;
+
+namespace {
+
+const double screen_share_above = 0.3;  // of the room that the panel leaves
+
+// What a view keeps that is no object.
+struct Content {
+    std::vector<Part> parts;
+    operations::Hit hit;
+    menu_look_t look;
+    image_cache_t images;
+    const Part *hovered = nullptr, *pressed = nullptr;
+};
+
+bool can_be_hit(const Part& part) {
+    return (part.kind == PartKind::Button || part.kind == PartKind::Check) && !part.disabled;
+}
+
+}  // namespace
+
+@interface PartsView : NSView {
+  @public
+    std::unique_ptr<Content>* _content;
+}
+@end
+
+@implementation PartsView
+
+- (void)dealloc {
+    delete _content;
+    [super dealloc];
+}
+
+- (BOOL)isFlipped {
+    return YES;
+}
+
+- (BOOL)isOpaque {
+    return YES;
+}
+
+- (BOOL)acceptsFirstResponder {
+    return YES;
+}
+
+- (BOOL)acceptsFirstMouse:(NSEvent*)event {
+    (void)event;
+    return YES;
+}
+
+- (void)drawRect:(NSRect)rect {
+    (void)rect;
+    Content& content = **_content;
+    const NSSize size = [self bounds].size;
+    const operations::PartsScene scene = {&content.parts,  content.look,
+                                          &content.images, {(int)size.width, (int)size.height},
+                                          content.hovered, content.pressed};
+    draw_through_bitmap([self bounds],
+                        [&](cairo_t* cairo) { operations::PaintParts(cairo, scene); });
+}
+
+- (const Part*)partAt:(NSEvent*)event {
+    const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
+    const point_t point = {(int)place.x, (int)place.y};
+    for (const Part& part : (*_content)->parts) {
+        if (can_be_hit(part) && operations::AreaOf((*_content)->look, part).contains(point)) {
+            return &part;
+        }
+    }
+    return nullptr;
+}
+
+- (void)setHovered:(const Part*)hovered pressed:(const Part*)pressed {
+    Content& content = **_content;
+    if (content.hovered == hovered && content.pressed == pressed) return;
+    content.hovered = hovered;
+    content.pressed = pressed;
+    [self setNeedsDisplay:YES];
+}
+
+- (void)mouseMoved:(NSEvent*)event {
+    [self setHovered:[self partAt:event] pressed:nullptr];
+}
+
+- (void)mouseDown:(NSEvent*)event {
+    const Part* part = [self partAt:event];
+    [self setHovered:part pressed:part];
+}
+
+- (void)mouseUp:(NSEvent*)event {
+    const Part *part = [self partAt:event], *pressed = (*_content)->pressed;
+    [self setHovered:part pressed:nullptr];
+    if (part && part == pressed) [self hit:*part];
+}
+
+- (void)keyDown:(NSEvent*)event {
+    NSString* characters = [event charactersIgnoringModifiers];
+    unichar key = [characters length] ? [characters characterAtIndex:0] : 0;
+    const bool is_return =
+        key == NSCarriageReturnCharacter || key == NSNewlineCharacter || key == NSEnterCharacter;
+    for (const Part& part : (*_content)->parts) {
+        if (!can_be_hit(part) || key == 0) continue;
+        if ((is_return && part.chief) || part.key == key) return [self hit:part];
+    }
+}
+
+- (void)hit:(const Part&)part {
+    // A copy: what is hit may end the panel.
+    const operations::Hit hit = (*_content)->hit;
+    hit(part.item);
+}
+
+@end
+
+@implementation PartsPanel
+
+- (instancetype)initWithWidth:(double)width
+                       height:(double)height
+                        parts:(const std::vector<Part>&)parts
+                          hit:(const operations::Hit&)hit {
+    auto content = std::make_unique<Content>();
+    content->parts = parts;
+    content->hit = hit;
+    content->look = menu_look(nil, server_resources());
+    const NSRect frame = NSMakeRect(0, 0, operations::PixelsOf(content->look, width),
+                                    operations::PixelsOf(content->look, height));
+    // Unscaled: what is drawn is scaled here.
+    self = [super initWithContentRect:frame
+                            styleMask:NSTitledWindowMask | NSUnscaledWindowMask
+                              backing:NSBackingStoreBuffered
+                                defer:NO];
+    if (!self) return nil;
+    PartsView* view = [[[PartsView alloc] initWithFrame:frame] autorelease];
+    view->_content = new std::unique_ptr<Content>(std::move(content));
+    [self setReleasedWhenClosed:NO];
+    [self setTitle:@"Delvio"];
+    [self setHidesOnDeactivate:NO];
+    [self setExcludedFromWindowsMenu:YES];
+    [self setContentView:view];
+    [self setAcceptsMouseMovedEvents:YES];
+    [self makeFirstResponder:view];
+    return self;
+}
+
+- (Content&)content {
+    return **((PartsView*)[self contentView])->_content;
+}
+
+- (std::vector<Part>&)parts {
+    return [self content].parts;
+}
+
+- (Part*)partOfItem:(int)item {
+    for (Part& part : [self content].parts) {
+        if (part.item == item) return &part;
+    }
+    return nullptr;
+}
+
+- (void)partsChanged {
+    [[self contentView] setNeedsDisplay:YES];
+}
+
+- (void)show {
+    const area_t screen = screen_at(current_pointer().at);
+    const NSSize size = [self frame].size;
+    const NSPoint corner = screen_point({screen.left, screen.bottom()});
+    const double below = (screen.height - size.height) * (1 - screen_share_above);
+    [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
+    [NSApp activateIgnoringOtherApps:YES];
+    [self makeKeyAndOrderFront:nil];
+}
+
+- (NSRect)areaOfPart:(const Part&)part {
+    const area_t area = operations::AreaOf([self content].look, part);
+    return [[self contentView] convertRect:NSMakeRect(area.left, area.top, area.width, area.height)
+                                    toView:nil];
+}
+
+- (BOOL)canBecomeKeyWindow {
+    return YES;
+}
+
+@end
