@@ -108,6 +108,7 @@ bool Operation::find(size_t index, Item& item) {
     bool found = is_plain_path(item.path) || work_.fail("not a file that has a name");
     if (found && (!folder_ || ParentOf(item.path) != folder_path_)) {
         folder_path_ = ParentOf(item.path);
+        folders_opened_++;
         folder_ = std::make_shared<Descriptor>(
             open(folder_path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     }

@@ -100,6 +100,7 @@ class Operation {
     std::vector<Item> pending_;  // copied, but not yet under their names
     std::unordered_set<std::string> pending_names_;
     uint64_t bytes_before_ = 0;
+    size_t folders_opened_ = 0;  // since the last flush; what is pending holds them
 };
 
 }  // namespace operations

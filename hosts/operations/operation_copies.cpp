@@ -10,7 +10,7 @@ namespace operations {
 
 namespace {
 
-constexpr size_t most_pending = 1024;
+constexpr size_t most_pending = 1024, most_folders = 128;
 constexpr uint64_t most_pending_bytes = 1ull << 30;
 
 }  // namespace
@@ -74,7 +74,7 @@ void Operation::copy(Item item) {
     pending_names_.insert(item.name);
     pending_.push_back(std::move(item));
     const bool is_much = work_.bytes_done() - bytes_before_ >= most_pending_bytes;
-    if (pending_.size() >= most_pending || is_much) flush();
+    if (pending_.size() >= most_pending || folders_opened_ >= most_folders || is_much) flush();
 }
 
 void Operation::discard(Item& item) {
@@ -101,6 +101,7 @@ void Operation::flush() {
     pending_.clear();
     pending_names_.clear();
     bytes_before_ = work_.bytes_done();
+    folders_opened_ = 0;
 }
 
 void Operation::check_pending() {

@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -347,6 +348,24 @@ TEST_F(EngineTest, ATreeDeeperThanAnyPathIsCopied) {
     operations::RemoveTree(open(to.c_str(), O_PATH | O_CLOEXEC), "tree");
     EXPECT_EQ(test::names_in(to), Names());
     operations::RemoveTree(open(folder_.path().c_str(), O_PATH | O_CLOEXEC), "tree");
+}
+
+TEST_F(EngineTest, FilesOfMoreFoldersThanCanBeOpenAreCopied) {
+    Names sources;
+    for (int index = 0; index < 400; index++) {
+        const std::string name = std::to_string(index);
+        sources.push_back(folder_.file("from" + name + "/" + name, name));
+    }
+    const std::string to = folder_.folder("to");
+    rlimit limit, before;
+    getrlimit(RLIMIT_NOFILE, &before);
+    limit = before;
+    limit.rlim_cur = 256;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    const Report report = perform(Kind::Copy, sources, to);
+    setrlimit(RLIMIT_NOFILE, &before);
+    for (const Outcome& outcome : report.outcomes) EXPECT_EQ(outcome.reason, "");
+    EXPECT_EQ(test::names_in(to).size(), sources.size());
 }
 
 TEST_F(EngineTest, ProgressCountsEverythingThatThereIs) {

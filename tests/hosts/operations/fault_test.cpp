@@ -51,6 +51,12 @@ class FaultTest : public testing::Test {
     test::Notes notes_;
 };
 
+bool add_filter(sock_filter* program, size_t size) {
+    sock_fprog filter = {static_cast<unsigned short>(size), program};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
 // From now on no write of this process takes more than so many bytes: the disk is full for the
 // rest. Sent in a child; for machines where none can be mounted.
 bool make_disk_seem_full(unsigned most) {
@@ -64,9 +70,7 @@ bool make_disk_seem_full(unsigned most) {
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSPC),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     };
-    sock_fprog filter = {sizeof program / sizeof program[0], program};
-    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+    return add_filter(program, sizeof program / sizeof program[0]);
 }
 
 TEST_F(FaultTest, AFullVolumeKeepsEverySourceAndEveryFinishedCopy) {
@@ -92,6 +96,42 @@ TEST_F(FaultTest, AFullVolumeKeepsEverySourceAndEveryFinishedCopy) {
     });
     if (!mounted) GTEST_SKIP() << "no volume can be mounted; a system call that fails stands in";
     EXPECT_EQ(test::state_of(folder_.path("from")), before);
+}
+
+// As on file systems that know no rename that replaces nothing. Sent in a child.
+bool forbid_rename_flags() {
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(SYS_renameat2), 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[4])),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, 0, 1, 0),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EINVAL),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    return add_filter(program, sizeof program / sizeof program[0]);
+}
+
+TEST_F(FaultTest, WhereEveryRenameReplacesNothingIsReplaced) {
+    const std::string file = folder_.file("from/file", "new"), to = folder_.folder("to");
+    const std::string tree = folder_.file("from/tree/a", "new").substr(0, file.size());
+    folder_.file("to/file", "old");
+    folder_.folder("to/tree");
+    notes_.answers = {{operations::Choice::KeepBoth, false}};
+    const bool done = test::in_child([&] {
+        if (!forbid_rename_flags()) return false;
+        for (const Kind kind : {Kind::Copy, Kind::Move}) {
+            for (const auto& outcome : perform(kind, {file, tree}, to).outcomes) {
+                EXPECT_EQ(outcome.state, State::Done) << outcome.reason;
+            }
+        }
+        return true;
+    });
+    EXPECT_TRUE(done);
+    EXPECT_EQ(test::names_in(to), std::vector<std::string>({"file", "file copy", "file copy 2",
+                                                            "tree", "tree copy", "tree copy 2"}));
+    EXPECT_EQ(test::read_file(to + "/file") + test::read_file(to + "/file copy 2"), "oldnew");
+    EXPECT_EQ(test::names_in(to + "/tree"), std::vector<std::string>());
+    EXPECT_EQ(test::names_in(folder_.path("from")), std::vector<std::string>());
 }
 
 TEST_F(FaultTest, AWriteThatFindsNoSpaceKeepsEverySource) {
