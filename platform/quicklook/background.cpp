@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -65,7 +66,11 @@ void keep_house() {
         self.work.pop_front();
         self.is_busy = true;
         guard.unlock();
-        next();
+        try {
+            next();
+        } catch (const std::exception&) {
+            // Without memory for it: then it is not done.
+        }
         guard.lock();
         self.is_busy = false;
         self.changed.notify_all();

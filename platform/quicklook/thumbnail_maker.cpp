@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <exception>
 #include <thread>
 
 #include "quicklook/background.h"
@@ -66,8 +67,15 @@ ThumbnailMaker::ThumbnailMaker(Settings settings)
     : settings_(std::move(settings)),
       turns_(settings_.at_once, settings_.at_most, std::chrono::milliseconds(1500)) {}
 
-Picture ThumbnailMaker::make(const std::string& given_path, Box box) {
-    const std::string path = canonical(given_path);
+Picture ThumbnailMaker::make(const std::string& path, Box box) {
+    try {
+        return find(canonical(path), box);
+    } catch (const std::exception&) {
+        return {};  // no memory for it
+    }
+}
+
+Picture ThumbnailMaker::find(const std::string& path, Box box) {
     Request request = {{}, box, cache_box(box), type_by_name(path), Route::none};
     request.route = route_for(request.type);
     if (request.route == Route::text) return {};
@@ -134,8 +142,11 @@ std::vector<std::string> ThumbnailMaker::words(Route route, const Request& reque
 Answer ThumbnailMaker::run(Route route, const Request& request) {
     const double seconds = route == Route::program ? settings_.program_seconds + time_to_answer
                                                    : settings_.decoder_seconds;
-    return run_helper(settings_.helper_folder + "/delvio-thumbnailer", words(route, request),
-                      request.made_box, seconds);
+    Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer",
+                               words(route, request), request.made_box, seconds);
+    // That would be the size of the program's picture, not of the file's.
+    if (route == Route::program) answer.reply.original_width = answer.reply.original_height = 0;
+    return answer;
 }
 
 void ThumbnailMaker::note_failure(const Request& request, const Answer& answer) {

@@ -43,6 +43,7 @@ class ThumbnailMaker {
 
   private:
     struct Request;
+    Picture find(const std::string& path, Box box);
     Picture decode(Request& request);
     Answer decode_by_content(Request& request);
     Answer run(Route route, const Request& request);

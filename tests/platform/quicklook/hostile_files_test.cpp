@@ -59,9 +59,7 @@ class HostileFiles : public testing::TestWithParam<bool> {
         Settings settings;
         settings.helper_folder = helper_folder();
         settings.use_bubblewrap = GetParam();
-        settings.decoder_seconds = 4;
         settings.processor_seconds = 1;
-        settings.program_seconds = 2;
         return settings;
     }
 
@@ -90,7 +88,8 @@ class HostileFiles : public testing::TestWithParam<bool> {
     std::string subject() { return files.file("a.blend", "BLENDER-v280"); }
 
     // No picture, no memory, nobody left.
-    void expect_nothing_from(const std::string& path) {
+    void expect_nothing_from(const std::string& path) { expect_nothing_from(path, maker); }
+    void expect_nothing_from(const std::string& path, ThumbnailMaker& maker) {
         const size_t heap = test::memory_in_use(), memory = resident_memory();
         EXPECT_FALSE(maker.make(path, box));
         EXPECT_LT(test::memory_in_use(), heap + megabyte);
@@ -174,6 +173,14 @@ TEST_P(HostileFiles, AThumbnailerMakesThePicture) {
     expect_no_child();
 }
 
+TEST_P(HostileFiles, AThumbnailersSmallPictureDoesNotServeALargeBox) {
+    install(picture_script);
+    const std::string path = subject();
+    EXPECT_EQ(maker.make(path, {100, 100}).width, 100);
+    wait_for_background();
+    EXPECT_EQ(maker.make(path, box).width, 200);
+}
+
 TEST_P(HostileFiles, AThumbnailerIsGivenTheFileAndTheSize) {
     install(
         "[ \"$1\" = 256 ] && [ \"$(cat \"$2\")\" = BLENDER-v280 ] || exit 1\n"
@@ -182,16 +189,30 @@ TEST_P(HostileFiles, AThumbnailerIsGivenTheFileAndTheSize) {
     EXPECT_TRUE(maker.make(subject(), box));
 }
 
+TEST_P(HostileFiles, NamesAreNeverRead) {
+    install(picture_script);
+    for (const std::string start : {"-rf", "--help", "a b", "%s%i%o", "$(touch x)", "a\nb", "'\"",
+                                    "\xff\xfe", "#?&;|", ".hidden"}) {
+        EXPECT_TRUE(maker.make(files.file(start + ".blend", "BLENDER-v280"), box)) << start;
+        const std::string image = test::image_bytes(300, 300, "png");
+        EXPECT_TRUE(maker.make(files.file(start + ".png", image), box)) << start;
+    }
+    expect_no_child();
+}
+
 TEST_P(HostileFiles, AThumbnailerThatHangsIsCutOffWithAllThatItStarted) {
     install("sleep 300.5 & sleep 300.5\n");
     const std::string path = subject();
+    Settings settings = quick_settings();
+    settings.program_seconds = 2;
+    ThumbnailMaker impatient(settings);
     auto start = std::chrono::steady_clock::now();
-    expect_nothing_from(path);
+    expect_nothing_from(path, impatient);
     EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
     expect_no_program("sleep 300[.]5");
     // It is not tried again.
     start = std::chrono::steady_clock::now();
-    expect_nothing_from(path);
+    expect_nothing_from(path, impatient);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 

@@ -78,6 +78,20 @@ TEST_F(ThumbnailImage, TheAlphaOfAPngIsKept) {
     EXPECT_EQ(shown.at(0.5, 0.75), clear);
 }
 
+TEST_F(ThumbnailImage, APhotographIsShownAsTheCameraWasHeld) {
+    std::string bytes = test::image_bytes(400, 200, "jpeg");
+    // After the start of the file: orientation 6, the camera turned a quarter to the left.
+    bytes.insert(2, std::string("\xff\xe1\0\x22"
+                                "Exif\0\0MM\0\x2a\0\0\0\x08\0\x01\x01\x12\0\x03"
+                                "\0\0\0\x01\0\x06\0\0\0\0\0\0",
+                                36));
+    const Shown shown = show(files.file("a.jpg", bytes), 100);
+    EXPECT_EQ(shown.width, 50u);
+    EXPECT_EQ(shown.height, 100u);
+    EXPECT_EQ(shown.at(0.5, 0.25), red);
+    EXPECT_EQ(shown.at(0.5, 0.75), blue);
+}
+
 TEST_F(ThumbnailImage, AnSvgIsDrawn) {
     expect_red_and_blue(show(files.file("a.svg", test::svg_bytes(1000, 500)), 256), 256, 128);
 }

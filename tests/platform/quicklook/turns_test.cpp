@@ -75,9 +75,9 @@ TEST(Turns, SlowTurnsAreNotWithoutLimit) {
         const Turns::Turn turn(turns);
         is_in = true;
     });
-    usleep(150000);
+    wait_until([&] { return turns.waiting() == 1; });
+    usleep(100000);
     EXPECT_FALSE(is_in);
-    EXPECT_EQ(turns.waiting(), 1u);
     first.reset();
     third.join();
     EXPECT_TRUE(is_in);

@@ -2,6 +2,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sched.h>
+#include <seccomp.h>
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/wait.h>
@@ -35,10 +37,15 @@ enum {
 
 const Box box = {256, 256};
 
-Settings impatient_settings(bool use_bubblewrap) {
+Settings usual_settings(bool use_bubblewrap) {
     Settings settings;
     settings.helper_folder = helper_folder();
     settings.use_bubblewrap = use_bubblewrap;
+    return settings;
+}
+
+Settings impatient_settings(bool use_bubblewrap) {
+    Settings settings = usual_settings(use_bubblewrap);
     settings.stat_seconds = 1;
     settings.decoder_seconds = 1;
     return settings;
@@ -128,15 +135,15 @@ TEST_F(Unanswering, AFolderThatDoesNotAnswerIsNotAskedTwice) {
 // A helper program of the test's own.
 class Helper : public testing::Test {
   protected:
-    Picture make_with(const std::string& script) {
+    Picture make_with(const std::string& script, Settings settings = usual_settings(false)) {
         const std::string program = folder.file("delvio-thumbnailer", "#!/bin/sh\n" + script);
         chmod(program.c_str(), 0755);
-        Settings settings = impatient_settings(false);
         settings.helper_folder = folder.path();
         return ThumbnailMaker(settings).make(image, box);
     }
-    void expect_nothing_from(const std::string& script) {
-        EXPECT_FALSE(make_with(script)) << script;
+    void expect_nothing_from(const std::string& script,
+                             const Settings& settings = usual_settings(false)) {
+        EXPECT_FALSE(make_with(script, settings)) << script;
         EXPECT_TRUE(test::no_child_is_left()) << script;
         wait_for_background();
         std::filesystem::remove_all(std::string(getenv("XDG_CACHE_HOME")) + "/thumbnails");
@@ -148,19 +155,20 @@ class Helper : public testing::Test {
 
 TEST_F(Helper, OneThatStopsIsEndedInTime) {
     const Clock::time_point start = Clock::now();
-    expect_nothing_from("kill -STOP $$\n");
+    expect_nothing_from("kill -STOP $$\n", impatient_settings(false));
     EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST_F(Helper, OneThatIgnoresSignalsIsEndedWithItsChildren) {
-    expect_nothing_from("trap '' TERM INT HUP\nsleep 300.125 &\nsleep 300.125\n");
+    expect_nothing_from("trap '' TERM INT HUP\nsleep 300.125 &\nsleep 300.125\n",
+                        impatient_settings(false));
     EXPECT_NE(system("pgrep -f 'sleep 300[.]125' >/dev/null"), 0);
 }
 
 TEST_F(Helper, OneThatTalksNonsenseHasNoPicture) {
     expect_nothing_from("head -c 100000 /dev/urandom >&3\n");
     expect_nothing_from("yes >&3\n");
-    expect_nothing_from("exec 3>&-; sleep 5\n");
+    expect_nothing_from("exec 3>&-; sleep 300.5\n");
     expect_nothing_from("exit 0\n");
     expect_nothing_from("kill -SEGV $$\n");
 }
@@ -202,23 +210,50 @@ TEST_F(Helper, ItInheritsNothingOfOurs) {
 }
 
 TEST_F(Helper, WithoutAHelperOnlyTheCacheIsLeft) {
-    Settings settings = impatient_settings(true);
+    Settings settings = usual_settings(true);
     settings.helper_folder = "";
     EXPECT_FALSE(ThumbnailMaker(settings).make(image, box));
     settings.helper_folder = folder.path("missing");
     EXPECT_FALSE(ThumbnailMaker(settings).make(image, box));
     // That was no fault of the file.
-    ThumbnailMaker maker(impatient_settings(false));
+    ThumbnailMaker maker(usual_settings(false));
     EXPECT_TRUE(maker.make(image, box));
     EXPECT_TRUE(test::no_child_is_left());
 }
 
 TEST_F(Helper, WhereTheHostHasItsChildrenReapedThePicturesStillCome) {
     const auto before = signal(SIGCHLD, SIG_IGN);
-    ThumbnailMaker maker(impatient_settings(true));
+    ThumbnailMaker maker(usual_settings(true));
     EXPECT_TRUE(maker.make(image, box));
     EXPECT_EQ(signal(SIGCHLD, before), SIG_IGN);
     EXPECT_TRUE(test::no_child_is_left());
+}
+
+// As in a container that allows no namespaces.
+bool forbid_namespaces() {
+    const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ALLOW);
+    bool is_well = seccomp_rule_add(filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(unshare), 0) == 0;
+    for (const uint64_t flag : {CLONE_NEWUSER, CLONE_NEWNS}) {
+        const scmp_arg_cmp condition = {0, SCMP_CMP_MASKED_EQ, flag, flag};
+        is_well = is_well && seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(clone),
+                                                    1, &condition) == 0;
+    }
+    is_well = is_well && seccomp_load(filter) == 0;
+    seccomp_release(filter);
+    return is_well;
+}
+
+TEST_F(Helper, WhereBubblewrapIsForbiddenThePicturesStillCome) {
+    const pid_t child = fork();
+    if (child == 0) {
+        if (!forbid_namespaces()) _exit(cannot_mount);
+        ThumbnailMaker maker(usual_settings(true));
+        if (maker.bubblewrap_works(false) || maker.bubblewrap_works(true)) _exit(had_a_picture);
+        _exit(maker.make(image, box) ? all_well : no_answer_elsewhere);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 }  // namespace
