@@ -21,6 +21,16 @@ NSUInteger pressed_mouse_buttons(id, SEL) {
     return buttons;
 }
 
+IMP stock_mouse_location;
+
+// GNUstep asks on the application's connection, which is the main thread's.
+NSPoint mouse_location(id event_class, SEL selector) {
+    const pointer_place_t place = pointer_place();
+    if (place.display_height) return NSMakePoint(place.x, place.display_height - place.y);
+    using location_t = NSPoint (*)(id, SEL);
+    return reinterpret_cast<location_t>(stock_mouse_location)(event_class, selector);
+}
+
 // The back end's own setting for click counts, in milliseconds.
 NSTimeInterval double_click_interval(id, SEL) {
     const double set =
@@ -39,6 +49,8 @@ NSTimeInterval double_click_interval(id, SEL) {
     const method_patch_t patches[] = {
         {"NSEvent", "modifierFlags", reinterpret_cast<IMP>(modifier_flags), nullptr, true},
         {"NSEvent", "pressedMouseButtons", reinterpret_cast<IMP>(pressed_mouse_buttons), nullptr,
+         true},
+        {"NSEvent", "mouseLocation", reinterpret_cast<IMP>(mouse_location), &stock_mouse_location,
          true},
         {"NSEvent", "doubleClickInterval", reinterpret_cast<IMP>(double_click_interval), nullptr,
          true},

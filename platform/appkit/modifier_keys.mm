@@ -39,7 +39,7 @@ bool is_down(Display* display, const char* vector, KeySym symbol) {
 NSUInteger keyboard_flags() {
     Display* display = pointer_connection();
     if (!display) return 0;
-    char vector[32];
+    char vector[32] = {};
     XQueryKeymap(display, vector);
     NSUInteger flags = pointer_state() & LockMask ? NSAlphaShiftKeyMask : 0;
     for (const auto& key : keys) {

@@ -8,15 +8,33 @@
 
 namespace {
 
-Display* open_connection() {
+struct connection_t {
+    Display* display = nullptr;
+    bool broken = false;
+    std::string refused;  // the display that could not be opened, or has gone
+
+    // What is left of a broken one cannot be closed.
+    ~connection_t() {
+        if (display && !broken) XCloseDisplay(display);
+    }
+};
+
+// In place of ending the process: the toolkit decides that by its own connection.
+void note_loss(Display*, void* connection) {
+    static_cast<connection_t*>(connection)->broken = true;
+}
+
+Display* open_connection(connection_t* connection) {
     Display* display = XOpenDisplay(nullptr);
-    if (display) fcntl(ConnectionNumber(display), F_SETFD, FD_CLOEXEC);
+    if (!display) return nullptr;
+    fcntl(ConnectionNumber(display), F_SETFD, FD_CLOEXEC);
+    XSetIOErrorExitHandler(display, note_loss, connection);
     return display;
 }
 
 // A keyboard layout may change while we run.
 void follow_keyboard(Display* display) {
-    while (XPending(display)) {
+    while (XPending(display) > 0) {
         XEvent event;
         XNextEvent(display, &event);
         if (event.type == MappingNotify) XRefreshKeyboardMapping(&event.xmapping);
@@ -26,25 +44,38 @@ void follow_keyboard(Display* display) {
 }  // namespace
 
 Display* pointer_connection() {
-    static Display* display;
-    static std::string refused;
+    static thread_local connection_t connection;
     const char* name = getenv("DISPLAY");
-    if (!display) {
-        if (!name || !*name || refused == name) return nullptr;
-        display = open_connection();
-        if (!display) refused = name;
+    if (connection.broken && connection.display) {
+        connection.display = nullptr;
+        connection.refused = name ? name : "";
     }
-    if (display) follow_keyboard(display);
-    return display;
+    if (!connection.display) {
+        if (!name || !*name || connection.refused == name) return nullptr;
+        connection.broken = false;
+        connection.display = open_connection(&connection);
+        if (!connection.display) connection.refused = name;
+    }
+    if (connection.display) follow_keyboard(connection.display);
+    return connection.broken ? nullptr : connection.display;
 }
 
-unsigned pointer_state() {
+pointer_place_t pointer_place() {
+    pointer_place_t place;
     Display* display = pointer_connection();
-    if (!display) return 0;
+    if (!display) return place;
     Window root, child;
-    int root_x, root_y, x, y;
-    unsigned state = 0;
-    XQueryPointer(display, DefaultRootWindow(display), &root, &child, &root_x, &root_y, &x, &y,
-                  &state);
-    return state;
+    int x, y;
+    unsigned width, height = 0, border, depth;
+    // Asked each time: the screen may have been resized.
+    if (!XQueryPointer(display, DefaultRootWindow(display), &root, &child, &place.x, &place.y, &x,
+                       &y, &place.state) ||
+        !XGetGeometry(display, DefaultRootWindow(display), &root, &x, &y, &width, &height, &border,
+                      &depth)) {
+        return {};
+    }
+    place.display_height = static_cast<int>(height);
+    return place;
 }
+
+unsigned pointer_state() { return pointer_place().state; }

@@ -1,0 +1,223 @@
+// Drags of files that other programs take. GNUstep's own speak an old version of the protocol and
+// never hand the files out; and they miss a release over another program's window when the press
+// was not in a window of this one. What is dragged without files goes GNUstep's way.
+#include <AppKit/AppKit.h>
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <GNUstepGUI/GSDragView.h>
+
+#include <gio/gio.h>
+#include <objc/runtime.h>
+
+#include "appkit/file_offer.h"
+#include "appkit/method_patch.h"
+#include "appkit/pointer_connection.h"
+#include "corefoundation/mach_port.h"
+
+namespace {
+
+constexpr NSTimeInterval looking = 0.02;
+
+bool dragging;  // files, with an offer
+IMP stock_send, stock_drag;
+
+std::string uri_list_of(NSPasteboard* pasteboard) {
+    std::string list;
+    id files = [pasteboard propertyListForType:NSFilenamesPboardType];
+    if (![files isKindOfClass:[NSArray class]]) return list;
+    for (NSString* file in files) {
+        const char* path = [file fileSystemRepresentation];
+        char* uri = path ? g_filename_to_uri(path, nullptr, nullptr) : nullptr;
+        if (uri) list.append(uri).append("\r\n");
+        g_free(uri);
+    }
+    return list;
+}
+
+// Asked for by modifier keys; a copy when the target may choose.
+unsigned action_for(NSDragOperation operation) {
+    if (operation == NSDragOperationLink) {
+        return FileOffer::shared()->action_named(FileOffer::link);
+    }
+    if (operation == NSDragOperationMove) {
+        return FileOffer::shared()->action_named(FileOffer::move_files);
+    }
+    return FileOffer::shared()->action_named(FileOffer::copy);
+}
+
+unsigned image_window(GSDragView* view) {
+    void* device = [GSCurrentServer() windowDevice:[[view window] windowNumber]];
+    return static_cast<unsigned>(reinterpret_cast<uintptr_t>(device));
+}
+
+void send_external(GSDragView* self, SEL selector, GSAppKitSubtype subtype, NSDragOperation action,
+                   NSPoint position, NSTimeInterval time, int target) {
+    FileOffer* offer = dragging ? FileOffer::shared() : nullptr;
+    if (!offer) {
+        using send_t =
+            void (*)(id, SEL, GSAppKitSubtype, NSDragOperation, NSPoint, NSTimeInterval, int);
+        reinterpret_cast<send_t>(stock_send)(self, selector, subtype, action, position, time,
+                                             target);
+        return;
+    }
+    if (!target) return;  // nobody there takes a drop
+    const unsigned window = static_cast<unsigned>(target), source = image_window(self);
+    const int x = static_cast<int>(position.x);
+    const int y = pointer_place().display_height - static_cast<int>(position.y);
+    switch (subtype) {
+        case GSAppKitDraggingEnter:
+            offer->enter(window, source);
+            offer->move(window, source, x, y, action_for(action));
+            break;
+        case GSAppKitDraggingUpdate:
+            offer->move(window, source, x, y, action_for(action));
+            break;
+        case GSAppKitDraggingExit:
+            offer->leave(window, source);
+            break;
+        case GSAppKitDraggingDrop:
+            offer->drop(window, source);
+            break;
+        default:
+            break;
+    }
+}
+
+void answer_requests(void*) {
+    if (FileOffer* offer = FileOffer::shared()) offer->answer();
+}
+
+// Who got the files may ask for them long after the drag.
+bool serve_offer() {
+    static MachPort* port;
+    FileOffer* offer = FileOffer::shared();
+    if (!offer) return false;
+    if (port) return true;
+    port = [[MachPort alloc] initWithDescriptor:offer->descriptor()
+                                        handler:answer_requests
+                                           info:nullptr];
+    for (NSString *mode in
+         [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSEventTrackingRunLoopMode,
+                                   NSModalPanelRunLoopMode, nil]) {
+        [port serveInMode:mode];
+    }
+    return true;
+}
+
+void install_on(GSDragView* view) {
+    static bool done;
+    if (done) return;
+    done = true;
+    const method_patch_t patches[] = {
+        {class_getName([view class]), "sendExternalEvent:action:position:timestamp:toWindow:",
+         reinterpret_cast<IMP>(send_external), &stock_send},
+    };
+    patch_methods(patches);
+}
+
+}  // namespace
+
+// Ends GNUstep's loop when the button is let go where it does not see it.
+@interface ReleaseWatch : NSObject {
+  @private
+    NSTimer* _timer;
+    bool _wasUp;
+}
+- (void)start;
+- (void)stop;
+@end
+
+@implementation ReleaseWatch
+
+- (void)start {
+    _timer = [NSTimer timerWithTimeInterval:looking
+                                     target:self
+                                   selector:@selector(look:)
+                                   userInfo:nil
+                                    repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:_timer forMode:NSEventTrackingRunLoopMode];
+}
+
+- (void)stop {
+    [_timer invalidate];
+    _timer = nil;
+}
+
+// Twice, for the loop's own event comes first where there is one.
+- (void)look:(NSTimer*)timer {
+    (void)timer;
+    FileOffer* offer = FileOffer::shared();
+    const bool up = !offer || offer->released() || !offer->button_is_down();
+    if (!up || !_wasUp) {
+        _wasUp = up;
+        return;
+    }
+    [self stop];
+    NSEvent* release = [NSEvent mouseEventWithType:NSLeftMouseUp
+                                          location:[NSEvent mouseLocation]
+                                     modifierFlags:0
+                                         timestamp:[[NSProcessInfo processInfo] systemUptime]
+                                      windowNumber:0
+                                           context:nil
+                                       eventNumber:0
+                                        clickCount:1
+                                          pressure:0];
+    [NSApp postEvent:release atStart:NO];
+}
+
+@end
+
+namespace {
+
+void end_without_drag(id source, NSImage* image) {
+    if ([source respondsToSelector:@selector(draggedImage:endedAt:operation:)]) {
+        [source draggedImage:image endedAt:[NSEvent mouseLocation] operation:NSDragOperationNone];
+    }
+}
+
+void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize offset,
+                NSEvent* event, NSPasteboard* pasteboard, id source, BOOL slide_back) {
+    using drag_t = void (*)(id, SEL, NSImage*, NSPoint, NSSize, NSEvent*, NSPasteboard*, id, BOOL);
+    const auto stock = [&] {
+        reinterpret_cast<drag_t>(stock_drag)(self, selector, image, at, offset, event, pasteboard,
+                                             source, slide_back);
+    };
+    const std::string files = uri_list_of(pasteboard);
+    if (files.empty() || dragging || !serve_offer()) return stock();
+    FileOffer* offer = FileOffer::shared();
+    const bool held = offer->hold_pointer();
+    if (!offer->button_is_down()) {
+        // Let go before the drag began: a drop on whatever is there was not meant.
+        if (held) offer->let_pointer_go();
+        return end_without_drag(source, image);
+    }
+    install_on((GSDragView*)[GSServerForWindow(self) dragInfo]);
+    offer->begin(files);
+    ReleaseWatch* watch = [[ReleaseWatch new] autorelease];
+    dragging = true;
+    [watch start];
+    @try {
+        stock();
+    } @finally {
+        [watch stop];
+        dragging = false;
+        offer->end(image_window((GSDragView*)[GSServerForWindow(self) dragInfo]));
+        if (held) offer->let_pointer_go();
+    }
+}
+
+}  // namespace
+
+@interface FileDragInstaller : NSObject
+@end
+
+@implementation FileDragInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSWindow", "dragImage:at:offset:event:pasteboard:source:slideBack:",
+         reinterpret_cast<IMP>(drag_image), &stock_drag},
+    };
+    patch_methods(patches);
+}
+
+@end

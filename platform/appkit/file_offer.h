@@ -1,0 +1,56 @@
+// Files offered to other programs while they are dragged: the messages of the XDND protocol
+// (version 5), and the answers to who asks for the data. On a connection of its own. Main thread.
+#pragma once
+
+#include <string>
+
+struct xcb_connection_t;
+
+class FileOffer {
+  public:
+    // Null without a display. Lives as long as the process: who got a drop may ask late.
+    static FileOffer* shared();
+
+    // From now on `uri_list` (lines that end in CR LF) is what is dragged.
+    void begin(const std::string& uri_list);
+
+    // To the window of another program; `source` is the window that its answers go to.
+    void enter(unsigned target, unsigned source);
+    void move(unsigned target, unsigned source, int x, int y, unsigned action);
+    void leave(unsigned target, unsigned source);
+    void drop(unsigned target, unsigned source);
+    // The drag is over: a target without a drop is left.
+    void end(unsigned source);
+
+    enum action_t { copy, move_files, link };
+    unsigned action_named(action_t action) const { return actions_[action]; }
+
+    // Holds the pointer, so that a release over any window comes to released(). False when a button
+    // holds it for this or another program already.
+    bool hold_pointer();
+    void let_pointer_go();
+    // Whether button 1 has been let go since hold_pointer().
+    bool released() const { return released_; }
+    bool button_is_down();
+
+    // Answers all that has come.
+    void answer();
+    int descriptor() const;
+    bool is_broken() const;
+
+  private:
+    FileOffer() = default;
+    bool connect();
+    void send(unsigned target, unsigned type, const unsigned (&data)[5]);
+    unsigned target_version(unsigned target);
+    unsigned server_time();
+    void answer_request(const void* request);
+
+    xcb_connection_t* server_ = nullptr;
+    unsigned root_ = 0, window_ = 0, time_ = 0, owned_since_ = 0;
+    unsigned atoms_[9] = {}, actions_[3] = {};
+    unsigned version_ = 0;  // agreed with the present target
+    unsigned entered_ = 0;  // the target that has been neither left nor dropped on
+    std::string uri_list_;
+    bool released_ = false;
+};
