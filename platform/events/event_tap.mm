@@ -51,7 +51,8 @@ CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
     } @finally {
         _busy = NO;
     }
-    const bool too_late = now() - began >= longest_answer;
+    // Nobody waits for a listener.
+    const bool too_late = !_settings.listens_only && now() - began >= longest_answer;
     if (answer != event && (too_late || _settings.listens_only)) {
         CFRelease(answer);
         answer = event;

@@ -56,11 +56,20 @@ typedef CGEventRef (*CGEventTapCallBack)(CGEventTapProxy proxy, CGEventType type
 // source is in the run loop. Mouse-moved is seen even by loops that did not ask for it. Null for
 // any other process, and while the application has no display.
 //
-// A callback that takes a second or more is too late: the event goes on unchanged, the tap is
-// disabled and the callback is told so by kCGEventTapDisabledByTimeout.
+// An active tap's callback that takes a second or more is too late: the event goes on unchanged,
+// the tap is disabled and the callback is told so by kCGEventTapDisabledByTimeout.
 CFMachPortRef CGEventTapCreateForPSN(void* process_serial_number, CGEventTapPlacement place,
                                      CGEventTapOptions options, CGEventMask mask,
                                      CGEventTapCallBack callback, void* user_info);
+
+// A tap at the session: it sees the buttons pressed and released in every program's windows, in the
+// order in which they were, each with the place of the pointer when it is read. Listen-only, of
+// presses and releases alone, and at kCGSessionEventTap; null for anything else, and where the
+// display does not tell (no X Input extension 2.2). Where the pointer is in a window that is not
+// the X server's, as under Wayland, nothing is seen.
+CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement place,
+                               CGEventTapOptions options, CGEventMask mask,
+                               CGEventTapCallBack callback, void* user_info);
 
 void CGEventTapEnable(CFMachPortRef tap, bool enable);
 bool CGEventTapIsEnabled(CFMachPortRef tap);

@@ -8,4 +8,5 @@
 #include <CoreGraphics/CGEvent.h>
 #include <CoreGraphics/CGGeometry.h>
 #include <CoreGraphics/CGImage.h>
+#include <CoreGraphics/CGRemoteOperation.h>
 #include <CoreGraphics/CGWindowLevel.h>

@@ -1,0 +1,39 @@
+// Presses and releases of the pointer's buttons anywhere on the display, whichever program gets
+// them: the X Input extension's raw events.
+#pragma once
+
+#include <memory>
+
+struct xcb_connection_t;
+
+struct raw_button_t {
+    unsigned button;  // X's number
+    bool down;
+    int x, y;  // the pointer's place when it was asked for, just now
+    int display_height;
+};
+
+class RawButtons {
+  public:
+    // Null without a display, and where the extension (version 2.2) is missing or refused.
+    static std::unique_ptr<RawButtons> open();
+    ~RawButtons();
+    RawButtons(const RawButtons&) = delete;
+    RawButtons& operator=(const RawButtons&) = delete;
+
+    int descriptor() const;
+    // The next one that has come; false when there is none. Until then the descriptor need not
+    // become readable again.
+    bool next(raw_button_t* button);
+    // The display has gone.
+    bool is_broken() const;
+
+  private:
+    explicit RawButtons(xcb_connection_t* server, unsigned root) : server_(server), root_(root) {}
+    bool select();
+    bool locate(raw_button_t* button);
+
+    xcb_connection_t* server_;
+    unsigned root_;
+    unsigned char opcode_ = 0;
+};

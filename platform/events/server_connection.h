@@ -1,0 +1,17 @@
+// A connection to the X server that is not the toolkit's.
+#pragma once
+
+#include <stdlib.h>
+#include <xcb/xcb.h>
+
+#include <memory>
+
+struct free_reply_t {
+    void operator()(void* reply) const { free(reply); }
+};
+template <typename reply>
+using reply_t = std::unique_ptr<reply, free_reply_t>;
+
+// The connection, to be disconnected by the caller, and the root window of its screen. Null without
+// a display.
+xcb_connection_t* connect_to_server(unsigned* root);

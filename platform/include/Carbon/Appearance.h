@@ -1,0 +1,26 @@
+// Appearance Manager: cursors of the desktop's theme. Any thread.
+#pragma once
+
+#include <Carbon/MacTypes.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef UInt32 ThemeCursor;
+enum {
+    kThemeArrowCursor = 0,
+    kThemeCopyArrowCursor = 1,
+    kThemeAliasArrowCursor = 2,
+    kThemeContextualMenuArrowCursor = 3
+};
+
+// Shows the cursor over the window under the pointer, whichever program's. It lasts until the
+// pointer moves, and at most half a second after the last call; then the window has the cursor that
+// its surroundings have (one that its program had set comes back when the program sets it again).
+// paramErr for a cursor that is not above; ioErr without a display.
+OSStatus SetThemeCursor(ThemeCursor cursor);
+
+#ifdef __cplusplus
+}
+#endif
