@@ -4,6 +4,7 @@
 #include <objc/runtime.h>
 
 #include "finder/dv_finder.h"
+#include "input/DVControlFreePopup.h"
 #include "loader/DVDelvio.h"
 #include "loader/method_swizzle.h"
 #include "support/dv_log.h"
@@ -88,6 +89,7 @@ int dv_load_delvio(void) {
     for (const exchange_t& row : toolkit_exchanges) exchange(row);
     exchange_host_methods();
     [DVDelvio sharedDelvio];
+    [DVControlFreePopup sharedControlFreePopup];
     is_loaded = 1;
     if (dvEnableDebugOutput) dvdprintf("Delvio-SLSA: The deed is done.\n");
     return 0;

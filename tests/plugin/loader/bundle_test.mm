@@ -306,6 +306,7 @@ TEST_F(Bundle, LogsItsLoading) {
                               "Delvio: Swizzle * * [* *] 1",
                               "Delvio: Successfully swizzled TContextMenu's method.",
                               "Delvio: Tap: * Source: *",
+                              "Delvio: Created runloop source and mach port ref",
                               "Delvio-SLSA: The deed is done."};
     EXPECT_EQ(text_of(lines_of(load_log_, names_)), text_of(expected));
 }

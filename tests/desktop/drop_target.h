@@ -1,0 +1,31 @@
+// Another program that takes drops, of GTK's making: a window of 200 x 150 pixels. Ended with the
+// test.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace test {
+
+class DropTarget {
+  public:
+    // At a point of the screen; takes what is offered as `type`. Writes into `record`, a new file.
+    DropTarget(const std::string& record, int x, int y, const std::string& type = "text/uri-list");
+    ~DropTarget();
+    DropTarget(const DropTarget&) = delete;
+    DropTarget& operator=(const DropTarget&) = delete;
+
+    // Whether this has happened: "ready", "over", "left", "got ...".
+    bool has(const std::string& line) const;
+    // The addresses of each drop, separated by blanks.
+    std::vector<std::string> drops() const;
+
+  private:
+    std::vector<std::string> lines() const;
+    std::string record_;
+    pid_t process_ = 0;
+};
+
+}  // namespace test
