@@ -100,12 +100,13 @@ id target_of(NSMenuItem* item) {
 
 namespace {
 
-void add_command(NSMenu* menu, NSMenuItem* original, FilePlace* place) {
+void add_command(NSMenu* menu, NSMenuItem* original, FilePlace* place, bool is_enabled) {
     NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:[original title]
                                                   action:@selector(perform:)
                                            keyEquivalent:@""];
     GWorkspaceCommand* command = [[GWorkspaceCommand alloc] initWithOriginal:original place:place];
     [item setTarget:command];
+    [item setEnabled:is_enabled];
     [item setRepresentedObject:command];  // the target is not retained
     [menu addItem:item];
     [command release];
@@ -131,9 +132,11 @@ void AddCommands(NSMenu* menu, FilePlace* place) {
             close_group(menu);
             continue;
         }
-        SEL action = sel_registerName(command.action);
-        NSMenuItem* original = main_menu_item([NSApp mainMenu], action);
-        if (original && (is_pointer || target_of(original))) add_command(menu, original, place);
+        NSMenuItem* original = main_menu_item([NSApp mainMenu], sel_registerName(command.action));
+        if (!original) continue;
+        const bool is_taken = is_pointer || target_of(original);
+        // The dock's icons have but one.
+        if (is_taken || here >= on_dock_trash) add_command(menu, original, place, is_taken);
     }
     NSMenuItem* last = [[menu itemArray] lastObject];
     if ([last isSeparatorItem]) [menu removeItem:last];

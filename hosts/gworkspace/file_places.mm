@@ -17,7 +17,9 @@ NSView* browser_of(NSView* column) {
 - (void)select {
     [super select];
     if (!_rep) {
-        [_container setSelectionMask:single_selection];
+        if ([_container respondsToSelector:@selector(setSelectionMask:)]) {
+            [_container setSelectionMask:single_selection];
+        }
         [_container unselectOtherReps:nil];
         [_container selectionDidChange];
     } else {

@@ -16,7 +16,7 @@ constexpr double drag_distance = 4;
 constexpr double drag_wait = 0.25;  // seconds
 
 bool is_control_press(NSEvent* event) {
-    if ([event type] != NSLeftMouseDown || [event clickCount] != 1) return false;
+    if ([event type] != NSLeftMouseDown) return false;
     const NSUInteger keys = [event modifierFlags] & key_flags & ~NSShiftKeyMask;
     return keys == NSControlKeyMask;
 }

@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -65,10 +66,14 @@ lines_t command_for(const std::string& folder, bool with_delvio, const lines_t& 
     lines_t command = {"GWorkspace",
                        "-GSAppKitUserBundles",
                        quoted_list(bundles),
-                       "-NoWarnOnQuit",
-                       "YES",
                        "-viewersinfo",
-                       "({path = \"" + folder + "\"; key = \"viewer\";})"};
+                       "({path = \"" + folder + "\"; key = viewer;})",
+                       "-NoWarnOnQuit",
+                       "YES"};
+    for (const char* operation : {"move", "copy", "link", "duplicate", "recycle"}) {
+        command.push_back(std::string("-") + operation + "Confirm");
+        command.push_back("YES");
+    }
     command.insert(command.end(), words.begin(), words.end());
     return command;
 }
@@ -94,11 +99,12 @@ FileManager::FileManager(const std::string& folder, bool with_delvio, const line
         setenv("LD_PRELOAD", GWORKSPACE_PRELOADED, 1);
         redirect(errors_);
     });
-    const auto is_ready = [&] { return ask_area("bounds path") && ask_area("bounds dock"); };
+    const auto is_ready = [&] { return ask("launched") == "yes"; };
     for (int turn = 0; turn < 6 && !wait_until(is_ready); ++turn) {
         if (!is_running()) break;
     }
     if (!is_ready()) throw std::runtime_error("GWorkspace did not start: " + read_file(errors_));
+    ask("frame 180 80 900 600");  // clear of main menu and dock
 }
 
 FileManager::~FileManager() {
@@ -110,15 +116,25 @@ FileManager::~FileManager() {
 }
 
 bool FileManager::is_running() {
-    if (process_ > 0 && waitpid(process_, nullptr, WNOHANG) == process_) process_ = 0;
+    int status = 0;
+    if (process_ > 0 && waitpid(process_, &status, WNOHANG) == process_) {
+        process_ = 0;
+        end_ = WIFSIGNALED(status) ? "ended by signal " + std::to_string(WTERMSIG(status))
+                                   : "ended with status " + std::to_string(WEXITSTATUS(status));
+    }
     return process_ > 0;
 }
+
+std::string FileManager::account() { return is_running() ? "" : end_ + ": " + read_file(errors_); }
 
 std::string FileManager::ask(const std::string& question) const {
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     snprintf(address.sun_path, sizeof address.sun_path, "%s", socket_.c_str());
     const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    // It may be busy or be gone.
+    const timeval patience = {5, 0};
+    setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     std::string answer;
     if (connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
         send(connection, question.data(), question.size(), MSG_NOSIGNAL);

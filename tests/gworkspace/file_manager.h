@@ -35,12 +35,14 @@ class FileManager {
     Area ask_area(const std::string& question) const;
 
     bool is_running();
+    // How it ended and what it had to say, once it has.
+    std::string account();
     // What it has written to standard error, without times, process numbers and GNUstep's own
     // lines about bundles. Of the programs that it starts too.
     lines_t messages() const;
 
   private:
-    std::string socket_, errors_;
+    std::string socket_, errors_, end_;
     pid_t process_ = 0;
 };
 

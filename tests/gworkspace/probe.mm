@@ -43,13 +43,20 @@ std::string ask_about_menus(const std::string& question) {
     return text;
 }
 
+bool has_launched;
+
 std::string answer_to(const std::string& line) {
     std::istringstream words(line);
     std::string question, rest;
     words >> question >> std::ws;
+    if (question == "launched") return has_launched ? "yes" : "";
     std::getline(words, rest);
     std::string answer;
-    return AnswerAboutViews(question, rest, &answer) ? answer : ask_about_menus(line);
+    @try {
+        return AnswerAboutViews(question, rest, &answer) ? answer : ask_about_menus(line);
+    } @catch (NSException* exception) {
+        return std::string("error ") + [[exception description] UTF8String];
+    }
 }
 
 void serve(int client) {
@@ -76,6 +83,10 @@ void serve(int client) {
     const char* path = getenv("DELVIO_TEST_PROBE");
     _listener = path && objc_lookUpClass("GWorkspace") ? listen_at(path) : -1;
     if (_listener < 0) return self;
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(didFinishLaunching:)
+                                                 name:NSApplicationDidFinishLaunchingNotification
+                                               object:nil];
     NSString* modes[] = {NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, NSModalPanelRunLoopMode};
     for (NSString* mode : modes) {
         [[NSRunLoop currentRunLoop]
@@ -85,6 +96,11 @@ void serve(int client) {
              forMode:mode];
     }
     return self;
+}
+
+- (void)didFinishLaunching:(NSNotification*)notification {
+    (void)notification;
+    has_launched = true;
 }
 
 - (void)receivedEvent:(void*)data

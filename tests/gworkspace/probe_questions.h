@@ -1,6 +1,7 @@
 // What the probe can be asked about GWorkspace's own views. Answers are lines; a place on the
 // screen is "left top width height". Main thread.
 //
+//   launched              "yes" once it has
 //   selection             the paths that GWorkspace's commands are for
 //   selected KIND         the paths selected in a view
 //   item KIND PATH        where the icon, cell or row of the path stands; KIND is browser, icons,
@@ -9,8 +10,10 @@
 //   bounds KIND           the view's visible part
 //   clipboard             the paths on the pasteboard
 //   windows               the titles of the windows that are shown
+//   close TITLE           closes the windows of this title
 //   show KIND             the viewer takes this form (browser, icons, list) and shows its folder
-//   shelve PATH           puts the path on the shelf
+//   frame X Y W H         where the viewer's window is to stand, from the lower left, in front
+//   shelve x PATH         puts the path on the shelf
 //   open PATH             a viewer of this folder
 //   alert                 the text of the panel that waits for an answer
 //   memory                bytes that are allocated

@@ -20,7 +20,7 @@
 - (NSRect)iconBounds;
 - (NSMatrix*)cmatrix;
 - (id)shelf;
-- (id)addIconForNode:(id)node;
+- (id)addIconForNode:(id)node atIndex:(NSInteger)index;
 - (void)setViewerType:(id)sender;
 - (void)newViewerAtPath:(NSString*)path;
 - (id)lastLoadedColumn;
@@ -168,6 +168,12 @@ std::string window_titles() {
     return text;
 }
 
+void close_window(const std::string& title) {
+    for (NSWindow* window in [NSArray arrayWithArray:[NSApp windows]]) {
+        if ([window isVisible] && text_of([window title]) == title) [window performClose:nil];
+    }
+}
+
 void add_texts(NSView* view, std::string* text) {
     if ([view isKindOfClass:[NSTextField class]]) {
         *text += text_of([(NSTextField*)view stringValue]) + "\n";
@@ -200,9 +206,17 @@ void show_as(const std::string& kind) {
     [view showContentsOfNode:[(id)[window delegate] baseNode]];
 }
 
+void set_frame(const std::string& words) {
+    double left = 0, low = 0, width = 0, height = 0;
+    std::istringstream(words) >> left >> low >> width >> height;
+    [NSApp activateIgnoringOtherApps:YES];
+    [viewer_window() setFrame:NSMakeRect(left, low, width, height) display:YES];
+    [viewer_window() makeKeyAndOrderFront:nil];
+}
+
 void shelve(NSString* path) {
     NSView* shelf = view_of("shelf");
-    [shelf addIconForNode:[NSClassFromString(@"FSNode") nodeWithPath:path]];
+    [shelf addIconForNode:[NSClassFromString(@"FSNode") nodeWithPath:path] atIndex:2];
     [shelf tile];
     [shelf setNeedsDisplay:YES];
 }
@@ -241,8 +255,12 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         *answer = window_titles();
     } else if (question == "show") {
         show_as(kind);
+    } else if (question == "frame") {
+        set_frame(words);
     } else if (question == "shelve") {
         shelve(path);
+    } else if (question == "close") {
+        close_window(words);
     } else if (question == "open") {
         [workspace newViewerAtPath:path];
     } else if (question == "alert") {

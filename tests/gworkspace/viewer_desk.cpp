@@ -1,6 +1,9 @@
 #include "gworkspace/viewer_desk.h"
 
+#include <stdlib.h>
+
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 namespace test {
@@ -12,8 +15,9 @@ std::unique_ptr<FileManager> ViewerDesk::manager_;
 namespace {
 
 void fill(TempFolder& folder) {
-    for (const char* name : {"alpha/one/two/deep.text", "alpha/one/note.text", "alpha/readme.text",
-                             "beta/b.text", "first.text", "second.text", "third.text"}) {
+    std::filesystem::create_directories(std::string(getenv("HOME")) + "/Desktop/pictures/one");
+    for (const char* name : {"alpha/one/two/deep.txt", "alpha/one/note.txt", "alpha/readme.txt",
+                             "beta/b.txt", "first.txt", "second.txt", "third.txt"}) {
         folder.file(name, name);
     }
 }
@@ -23,12 +27,15 @@ void fill(TempFolder& folder) {
 void ViewerDesk::SetUpTestSuite() {
     folder_ = std::make_unique<TempFolder>();
     fill(*folder_);
-    TempFolder* desktop = nullptr;
-    (void)desktop;
     program_ = std::make_unique<RecordingProgram>(
         std::vector<std::string>{"text/plain", "application/x-zerosize"});
     start_window_manager();
     manager_ = std::make_unique<FileManager>(folder_->path());
+    // GNUstep loses the release of the first click that it gets: on the shelf's empty end.
+    const Area shelf = manager_->ask_area("bounds shelf");
+    XInput hand;
+    hand.move(shelf.left + shelf.width - 20, shelf.top + 20);
+    hand.click(1);
 }
 
 void ViewerDesk::TearDownTestSuite() {
@@ -38,6 +45,10 @@ void ViewerDesk::TearDownTestSuite() {
 }
 
 ViewerDesk::ViewerDesk() { program_->forget(); }
+
+void ViewerDesk::SetUp() { ASSERT_TRUE(manager_->is_running()) << manager_->account(); }
+
+void ViewerDesk::TearDown() { EXPECT_TRUE(manager_->is_running()) << manager_->account(); }
 
 ViewerDesk::~ViewerDesk() {
     input_.let_go();
@@ -60,8 +71,12 @@ Area ViewerDesk::item(const std::string& kind, const std::string& path) {
 }
 
 Area ViewerDesk::ground(const std::string& kind) {
-    const Area area = manager().ask_area("ground " + kind);
-    EXPECT_TRUE(static_cast<bool>(area)) << kind << " has no ground";
+    Area area;
+    EXPECT_TRUE(wait_until([&] {
+        area = manager().ask_area("ground " + kind);
+        return static_cast<bool>(area);
+    })) << kind
+        << " has no ground: " << manager().ask("ground " + kind) << manager().ask("bounds " + kind);
     return area;
 }
 

@@ -26,6 +26,9 @@ class ViewerDesk : public testing::Test {
     static void TearDownTestSuite();
     ViewerDesk();
     ~ViewerDesk() override;
+    // GWorkspace is there before and after each test.
+    void SetUp() override;
+    void TearDown() override;
 
     static FileManager& manager() { return *manager_; }
     static RecordingProgram& program() { return *program_; }

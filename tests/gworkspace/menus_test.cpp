@@ -1,0 +1,156 @@
+// What the menu in GWorkspace does.
+#include <stdlib.h>
+
+#include <filesystem>
+
+#include "gworkspace/viewer_desk.h"
+
+using namespace test;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Menus : public ViewerDesk {
+  protected:
+    void SetUp() override {
+        ViewerDesk::SetUp();
+        if (!HasFatalFailure()) show("icons");
+    }
+};
+
+}  // namespace
+
+TEST_F(Menus, AFileOfTheThirdLevelOpens) {
+    right_click(item("icons", path("alpha")));
+    pick({"alpha", "one", "two", "deep.txt"});
+    EXPECT_EQ(program().wait(), lines_t({path("alpha/one/two/deep.txt")}));
+}
+
+TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
+    right_click(item("icons", path("alpha")));
+    pick({"alpha", "one"});
+    EXPECT_TRUE(wait_until([&] { return contains(manager().ask_lines("windows"), "one"); }));
+    EXPECT_EQ(program().opened(), lines_t());
+    manager().ask("close one");
+    EXPECT_TRUE(wait_until([&] { return !contains(manager().ask_lines("windows"), "one"); }));
+}
+
+TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
+    right_click(item("icons", path("second.txt")));
+    EXPECT_EQ(titles(0), lines_t({"second.txt", "-", "Open", "Open With...", "-", "Cut", "Copy",
+                                  "-", "Duplicate", "Move to Recycler", "-", "Attributes"}));
+    pick({"Duplicate"});
+    const std::string copy = path("second_copy.txt");
+    EXPECT_TRUE(wait_until([&] {
+        for (const auto& each : fs::directory_iterator(folder().path())) {
+            const std::string name = each.path().filename();
+            if (name.starts_with("second") && name != "second.txt") return true;
+        }
+        return false;
+    }));
+}
+
+TEST_F(Menus, MoveToRecyclerMovesWhatWasClicked) {
+    changing_folder().file("rubbish.txt", "rubbish");
+    show("icons");
+    left_click(item("icons", path("first.txt")));
+    right_click(item("icons", path("rubbish.txt")));
+    pick({"Move to Recycler"});
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(path("rubbish.txt")); }));
+    EXPECT_TRUE(fs::exists(getenv("HOME") + std::string("/.Trash/rubbish.txt")));
+    EXPECT_TRUE(fs::exists(path("first.txt")));
+}
+
+TEST_F(Menus, NewFolderOnTheGroundIsMadeInTheFolderShown) {
+    right_click(ground("icons"));
+    pick({"New Folder"});
+    EXPECT_TRUE(wait_until([&] { return fs::exists(path("NewFolder")); }));
+    fs::remove(path("NewFolder"));
+}
+
+TEST_F(Menus, CopyPutsTheSelectionOnTheClipboard) {
+    left_click(item("icons", path("first.txt")));
+    input().key_down("Shift_L");
+    left_click(item("icons", path("second.txt")));
+    input().key_up("Shift_L");
+    ASSERT_TRUE(wait_until([&] { return selection().size() == 2; }));
+    const lines_t both = selection();
+    right_click(item("icons", path("first.txt")));
+    pick({"Copy"});
+    EXPECT_TRUE(wait_until([&] { return manager().ask_lines("clipboard") == both; }));
+}
+
+TEST_F(Menus, AttributesShowsGWorkspacesInspector) {
+    right_click(item("icons", path("second.txt")));
+    pick({"Attributes"});
+    EXPECT_TRUE(wait_until([&] {
+        return contains(manager().ask_lines("windows"), "Attributes Inspector");
+    })) << manager().ask("windows");
+    manager().ask("close Attributes Inspector");
+}
+
+TEST_F(Menus, ShiftGivesGWorkspacesMenuAlone) {
+    const Area area = item("icons", path("alpha"));
+    input().key_down("Shift_L");
+    right_click(area);
+    const lines_t plain = titles(0);
+    input().key_up("Shift_L");
+    close_menu();
+    EXPECT_EQ(plain, lines_t({"Open as Folder", "-", "Cut", "Copy", "-", "Duplicate",
+                              "Move to Recycler", "-", "Attributes"}));
+}
+
+TEST_F(Menus, ControlClickOpensTheMenu) {
+    const Area area = item("icons", path("alpha"));
+    move_to(area);
+    input().key_down("Control_L");
+    input().click(1);
+    input().key_up("Control_L");
+    ASSERT_TRUE(wait_until([&] { return is_open(0); }));
+    EXPECT_EQ(selection(), lines_t({path("alpha")}));
+    hover_along({"alpha", "one"});
+    close_menu();
+}
+
+TEST_F(Menus, TwentyInARowAreAllTheSame) {
+    const Area area = item("icons", path("alpha"));
+    right_click(area);
+    const lines_t first = titles(0);
+    close_menu();
+    for (int popup = 0; popup < 20; popup++) {
+        right_click(area);
+        EXPECT_EQ(titles(0), first);
+        input().key("Down");
+        input().key("Right");
+        EXPECT_TRUE(wait_until([&] { return is_open(1); }));
+        input().key("Escape");
+        ASSERT_TRUE(wait_until([&] { return is_closed(); }));
+    }
+}
+
+TEST_F(Menus, AClickOutsideClosesItAndDoesNothingElse) {
+    left_click(item("icons", path("first.txt")));
+    right_click(item("icons", path("alpha")));
+    left_click(item("icons", path("beta")));
+    EXPECT_TRUE(wait_until([&] { return is_closed(); }));
+    EXPECT_EQ(selection(), lines_t({path("alpha")}));
+    EXPECT_TRUE(input().pointer_is_free());
+    EXPECT_TRUE(input().keyboard_is_free());
+}
+
+TEST_F(Menus, AFolderDeletedMeanwhileLeavesMenuAndGWorkspaceUsable) {
+    changing_folder().file("doomed/inner/file.txt");
+    show("icons");
+    right_click(item("icons", path("doomed")));
+    hover_along({"doomed"});
+    fs::remove_all(path("doomed"));
+    move_to(row(1, "inner").area);
+    EXPECT_TRUE(wait_until([&] { return is_open(2); }));
+    EXPECT_EQ(titles(2), lines_t({"Folder is empty"}));
+    close_menu();
+    right_click(item("icons", path("beta")));
+    hover_along({"beta"});
+    EXPECT_EQ(titles(1), lines_t({"b.txt"}));
+    close_menu();
+}
