@@ -6,6 +6,7 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <stddef.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -177,6 +178,23 @@ TEST_F(FaultTest, AReadOnlyDestinationIsRefusedBeforeAnythingIsTouched) {
     EXPECT_EQ(test::read_file(source), "a");
     EXPECT_EQ(test::names_in(to), std::vector<std::string>());
     chmod(to.c_str(), 0755);
+}
+
+TEST_F(FaultTest, AReadOnlyVolumeIsRefusedBeforeAnythingIsTouched) {
+    const std::string source = folder_.file("from/a.txt", "a"), to = folder_.folder("to");
+    const bool mounted = test::in_child([&] {
+        if (!test::mount_small_volume(to, 1 << 20)) return false;
+        const std::string there = folder_.file("to/there", "t");
+        EXPECT_EQ(mount(nullptr, to.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+        EXPECT_EQ(perform_one(Kind::Copy, source, to).reason,
+                  "cannot put anything into \"to\": Read-only file system");
+        EXPECT_EQ(perform_one(Kind::Move, there, folder_.path("from")).reason,
+                  "cannot take anything out of \"to\": Read-only file system");
+        EXPECT_EQ(test::read_file(there), "t");
+        return true;
+    });
+    if (!mounted) GTEST_SKIP() << "no volume can be mounted; permissions stand in";
+    EXPECT_EQ(test::names_in(folder_.path("from")), std::vector<std::string>({"a.txt"}));
 }
 
 TEST_F(FaultTest, AnUnreadableFileFailsAloneAndTheOthersAreCopied) {

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <random>
 
 #include "hosts/operations/scene.h"
@@ -62,7 +63,9 @@ class KillTest : public testing::Test {
     // Runs it and kills it after the time. False when it had ended by itself.
     bool run(const std::string& kind, double seconds) {
         const double begin = now();
-        const pid_t process = start({"operate", kind, to_, from_ + "/"});
+        std::vector<std::string> words = {"operate", kind, to_, from_ + "/"};
+        if (replaces_) words.insert(words.begin() + 3, "--replace");
+        const pid_t process = start(words);
         timespec wait = {0, static_cast<long>(seconds * 1e9)};
         nanosleep(&wait, nullptr);
         kill(process, SIGKILL);
@@ -115,20 +118,46 @@ class KillTest : public testing::Test {
         SCOPED_TRACE("seed " + std::to_string(number));
         std::mt19937 random(number);
         int killed = 0;
-        reset(from_, true);
+        bool is_whole = false;
         for (int runs = 0; killed < kills && runs < most_runs && !HasFailure(); runs++) {
-            if (kind == "move" && runs > 0) reset(from_, true);
+            if (!is_whole) reset(from_, true);
             reset(to_, false);
             std::uniform_real_distribution<double> moment(0, std::min(takes_, 0.9));
             killed += run(kind, runs == 0 ? 0.9 : moment(random));
             const test::State source = test::state_of(from_, true);
             const test::State target = test::state_of(to_, true);
-            if (kind == "copy") EXPECT_EQ(source, whole_);
+            is_whole = source == whole_;
+            EXPECT_TRUE(is_whole || kind == "move");
             expect_whole_targets(target);
             expect_nothing_lost(source, target);
             expect_clean();
         }
         EXPECT_EQ(killed, kills);
+    }
+
+    // Something older under each name at the destination.
+    void put_older_ones() {
+        for (const auto& top : tops_) {
+            std::ofstream(to_ + "/" + top.first) << "older " << top.first;
+        }
+    }
+
+    // What was to be replaced is still there, in the trash, or both it and the new one are.
+    void expect_older_ones(const std::string& trash) {
+        for (const auto& top : tops_) {
+            const std::string older = "older " + top.first, path = to_ + "/" + top.first;
+            const bool is_there = test::read_file(path) == older;
+            const bool is_in_trash = test::read_file(trash + "/" + top.first) == older;
+            EXPECT_NE(is_there, is_in_trash) << top.first;
+            if (is_there || access(path.c_str(), F_OK) != 0) continue;
+            test::State target = test::state_of(path, true), expected;
+            for (const auto& entry : top.second) {
+                if (entry.first.size() > top.first.size()) {
+                    expected[entry.first.substr(top.first.size() + 1)] = entry.second;
+                }
+            }
+            EXPECT_EQ(target, expected) << top.first;
+        }
     }
 
     test::TempFolder folder_;
@@ -138,11 +167,36 @@ class KillTest : public testing::Test {
     test::State whole_;
     std::map<std::string, test::State> tops_;
     double takes_ = 1;
+    bool replaces_ = false;
 };
 
 TEST_F(KillTest, ACopyLosesNothingAndLeavesNothing) {
     // In memory, where no kill waits for a disk.
     kill_often("copy", volume_.path() + "/from", volume_.path() + "/to");
+}
+
+TEST_F(KillTest, WhatIsReplacedIsThereOrInTheTrash) {
+    const std::string data = volume_.path() + "/data";
+    setenv("XDG_DATA_HOME", data.c_str(), 1);
+    from_ = volume_.path() + "/from";
+    to_ = volume_.path() + "/to";
+    replaces_ = true;
+    reset(from_, true);
+    std::random_device seed;
+    const unsigned number = seed();
+    SCOPED_TRACE("seed " + std::to_string(number));
+    std::mt19937 random(number);
+    int killed = 0;
+    for (int runs = 0; killed < 40 && runs < most_runs && !HasFailure(); runs++) {
+        reset(to_, false);
+        std::filesystem::remove_all(data);
+        put_older_ones();
+        std::uniform_real_distribution<double> moment(0, std::min(takes_, 0.9));
+        killed += run("copy", runs == 0 ? 0.9 : moment(random));
+        expect_clean();
+        expect_older_ones(data + "/Trash/files");
+    }
+    EXPECT_EQ(killed, 40);
 }
 
 TEST_F(KillTest, AMoveToAnotherVolumeLosesNothingAndLeavesNothing) {
