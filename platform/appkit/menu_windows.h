@@ -37,6 +37,9 @@ void shape_menu_window(NSWindow* window, int radius);
 void hide_shape_of_menu_window(NSWindow* window);
 void show_menu_window(NSWindow* window);
 
+// Takes a window that is not yet visible out of the window manager's hands.
+void free_from_window_manager(NSWindow* window);
+
 // Draws into the window that has the focus of drawing; null where it cannot be reached.
 struct _cairo;
 _cairo* focused_cairo();

@@ -64,6 +64,15 @@ int corner_cut(int radius, int y) {
     return static_cast<int>(std::lround(radius - std::sqrt(radius * radius - down * down)));
 }
 
+// Windows of a higher level stay in front of one that has come to the front.
+void raise_higher_windows(NSInteger level) {
+    for (NSWindow* window in [NSApp windows]) {
+        if ([window isVisible] && [window level] > level) {
+            XRaiseWindow(display(), x_window(window));
+        }
+    }
+}
+
 }  // namespace
 
 const char* server_resources() { return XResourceManagerString(display()); }
@@ -124,13 +133,17 @@ NSWindow* new_menu_window(const area_t& area) {
     [window setOpaque:NO];
     [window setBackgroundColor:[NSColor clearColor]];
     [window setLevel:NSPopUpMenuWindowLevel];
+    free_from_window_manager(window);
+    set_window_type(x_window(window));
+    return window;
+}
+
+void free_from_window_manager(NSWindow* window) {
     XSetWindowAttributes attributes = {};
     attributes.override_redirect = True;
     attributes.save_under = True;
     XChangeWindowAttributes(display(), x_window(window), CWOverrideRedirect | CWSaveUnder,
                             &attributes);
-    set_window_type(x_window(window));
-    return window;
 }
 
 void move_menu_window(NSWindow* window, const area_t& area) {
@@ -168,6 +181,7 @@ void shape_menu_window(NSWindow* window, int radius) {
 void show_menu_window(NSWindow* window) {
     [window display];  // before it is seen
     [window orderFrontRegardless];
+    raise_higher_windows([window level]);
     [window flushWindow];
     XFlush(display());
 }

@@ -3,6 +3,8 @@
 
 #include_next <AppKit/AppKit.h>
 
+#include <CoreGraphics/CoreGraphics.h>
+
 typedef struct __CGEvent* CGEventRef;
 
 @interface NSMenu (MacMenu)
@@ -52,4 +54,25 @@ typedef struct __CGEvent* CGEventRef;
 - (void)menuWillOpen:(NSMenu*)menu;
 - (void)menuDidClose:(NSMenu*)menu;
 - (void)menu:(NSMenu*)menu willHighlightItem:(NSMenuItem*)item;
+@end
+
+@interface NSImage (CoreGraphics)
+// Copies the image's present pixels. A zero size is the size in pixels. Nil for null.
+- (instancetype)initWithCGImage:(CGImageRef)image size:(NSSize)size;
+@end
+
+@interface NSWindow (MacAnimation)
+// Stands for the window; changes of its alpha value take a quarter of a second. Without a
+// compositor they are immediate, and a window of alpha 0 is one that cannot be seen.
+- (instancetype)animator;
+@end
+
+@interface NSView (MacAnimation)
+// Stands for the view; subviews that are added or replaced through it fade in, when the animations
+// have a CATransition that fades for the key "subviews".
+- (instancetype)animator;
+- (void)setAnimations:(NSDictionary*)animations;
+- (NSDictionary*)animations;
+// Accepted and ignored: there are no layers here.
+- (void)setWantsLayer:(BOOL)wants;
 @end

@@ -1,0 +1,25 @@
+// NSImage from Core Graphics' pictures.
+#include <AppKit/AppKit.h>
+
+#include "appkit/bitmaps.h"
+#include "coregraphics/image.h"
+
+@implementation NSImage (CoreGraphics)
+
+- (instancetype)initWithCGImage:(CGImageRef)image size:(NSSize)size {
+    const int width = static_cast<int>(CGImageGetWidth(image));
+    const int height = static_cast<int>(CGImageGetHeight(image));
+    const bool own_size = NSEqualSizes(size, NSZeroSize);
+    self = [self initWithSize:own_size ? NSMakeSize(width, height) : size];
+    NSBitmapImageRep* bitmap = self && image ? make_bitmap(width, height) : nil;
+    if (!bitmap) {
+        [self release];
+        return nil;
+    }
+    copy_image_pixels(image, [bitmap bitmapData], [bitmap bytesPerRow]);
+    [bitmap setSize:[self size]];
+    [self addRepresentation:bitmap];
+    return self;
+}
+
+@end
