@@ -4,6 +4,7 @@
 
 #include "input/DVDragView.h"
 #include "menus/DVMenuItem.h"
+#include "preview/DVDelvio+HoverPreview.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"
 #include "tree/dv_tree.h"
@@ -87,6 +88,7 @@ CGEventRef dvDragInterceptionCallback(CGEventTapProxy, CGEventType type, CGEvent
     if (type == kCGEventLeftMouseDown && command && [self dvTakesPress:event]) {
         return CGEventCreate(nullptr);  // the menu never sees the press
     }
+    if (type == kCGEventMouseMoved) [self dvPointerMoved];
     return event;
 }
 

@@ -4,6 +4,7 @@
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVDelvio+Roots.h"
 #include "menus/DVDelvio+Selection.h"
+#include "preview/DVPreviewWindowController.h"
 #include "support/dv_log.h"
 #include "tree/dv_prefs.h"
 #include "tree/dv_state.h"
@@ -93,6 +94,9 @@ void free_trees(delvio_t* dv) {
             dvdprintf("Delvio: Free'ing menus and removing event handlers\n");
         }
     }
+    [hoverPreviewTimer invalidate];
+    hoverPreviewTimer = nil;
+    [previewWindowController hidePreviewWindow:self];
     pthread_mutex_unlock(&treeLock);
     isInvoked = NO;
 }

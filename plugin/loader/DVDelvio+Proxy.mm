@@ -1,6 +1,8 @@
 #include "loader/DVDelvio+Proxy.h"
 
 #include "menus/DVMenuItem.h"
+#include "preview/DVDelvio+HoverPreview.h"
+#include "preview/DVPreviewWindowController.h"
 #include "support/dv_log.h"
 
 @implementation DVDelvio (MenuDelegateProxy)
@@ -63,9 +65,11 @@
     if (![item isKindOfClass:[DVMenuItem class]]) {
         if (dvEnableDebugOutput) dvdprintf("Delvio: No item. Hiding preview..\n");
         _currentlyHighlightedItem = nil;
+        [previewWindowController hidePreviewWindow:self];
         return;
     }
     _currentlyHighlightedItem = static_cast<DVMenuItem*>(item);
+    [self updatePreview];
     const BOOL responds = [previousDelegate respondsToSelector:_cmd];
     if (dvEnableDebugOutput) dvdprintf("Delvio: Forward menu:willHighlightItem: %d\n", responds);
     if (responds) [previousDelegate menu:menu willHighlightItem:item];

@@ -1,6 +1,6 @@
 // The controller: owns the state record, and the state of the contextual menu that is open.
-// What it does for menus stands in categories: population, selection and labels in menus/, drags in
-// input/, the delegate proxy beside this file. Main thread.
+// What it does for menus stands in categories: population, selection and labels in menus/, previews
+// in preview/, drags in input/, the delegate proxy beside this file. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -11,6 +11,7 @@
 
 @class DVDragView;
 @class DVMenuItem;
+@class DVPreviewWindowController;
 struct delvio_t;
 
 // The menu font size in points that popups use; 0 keeps the host's font.
@@ -35,6 +36,9 @@ extern uint32_t dvFontSize;
     CFRunLoopSourceRef dragInterceptionRLSource;
     CGEventRef dragMouseEvent;  // carried, unused
     int32_t rootMenuSelectionCount;
+    double lastMouseMovement;                            // in seconds
+    NSTimer* hoverPreviewTimer;                          // the run loop's; nil when none is pending
+    DVPreviewWindowController* previewWindowController;  // owned
     NSMutableArray* rootItems;  // the items put at the top of _proxyMenu, in order
 }
 

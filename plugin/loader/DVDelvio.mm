@@ -7,6 +7,7 @@
 
 #include "input/DVDelvio+Dragging.h"
 #include "input/DVDragView.h"
+#include "preview/DVPreviewWindowController.h"
 #include "support/ht.h"
 #include "tree/dv_prefs.h"
 #include "tree/dv_state.h"
@@ -58,6 +59,7 @@ NSWindow* create_drag_window(DVDragView* view) {
     pthread_mutex_init(&treeLock, nullptr);
     dv = create_state();
     dvFontSize = dv->font_size;
+    previewWindowController = [[DVPreviewWindowController alloc] init];
     dragView = [[DVDragView alloc] initWithFrame:NSMakeRect(0, 0, 64, 64)];
     dragWindow = create_drag_window(dragView);
     // Timers and sources of the common modes also fire while a menu is tracking.

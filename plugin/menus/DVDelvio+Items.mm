@@ -9,6 +9,7 @@
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenu.h"
 #include "menus/DVMenuItem.h"
+#include "preview/DVDelvio+PreviewMenu.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"
 #include "tree/dv_tree.h"
@@ -141,24 +142,32 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     return item;
 }
 
-// A document's open-with submenu is Shift's, or in the root menu its own.
+// A document's open-with submenu is Shift's, or in the root menu its own; its preview is Option's.
 - (DVMenuItem*)dvFurnishDocumentItem:(DVMenuItem*)item
                               ofElem:(dv_tree_t*)elem
                              inLevel:(const level_t&)level {
     if (is_app_listed(elem)) return item;
     if (level.is_root && dv->autoOpenWithMenu) {
         [self createOpenWithSubmenuForItem:item isRootMenu:YES];
-        return item;
+        [self addItem:item toMenu:level.menu];
+    } else {
+        // An application that is no container is a document too.
+        [self dvOfferRecentItemsOfElem:elem onItem:item inLevel:level];
+        [self addItem:item toMenu:level.menu];
+        DVMenuItem* openWith = [self dvAlternateOfElem:elem withModifiers:NSShiftKeyMask];
+        [self createOpenWithSubmenuForItem:openWith isRootMenu:level.is_root];
+        [self addItem:openWith toMenu:level.menu];
     }
-    // An application that is no container is a document too.
-    [self dvOfferRecentItemsOfElem:elem onItem:item inLevel:level];
-    [self addItem:item toMenu:level.menu];
-    DVMenuItem* openWith = [DVMenuItem createAutoreleasedItemForTree:elem
-                                                              target:self
-                                                           withTitle:nil
-                                                        andModifiers:NSShiftKeyMask];
-    [self createOpenWithSubmenuForItem:openWith isRootMenu:level.is_root];
-    return openWith;
+    DVMenuItem* preview = [self dvAlternateOfElem:elem withModifiers:NSAlternateKeyMask];
+    [self createPreviewSubmenuForItem:preview];
+    return preview;
+}
+
+- (DVMenuItem*)dvAlternateOfElem:(dv_tree_t*)elem withModifiers:(NSUInteger)modifiers {
+    return [DVMenuItem createAutoreleasedItemForTree:elem
+                                              target:self
+                                           withTitle:nil
+                                        andModifiers:modifiers];
 }
 
 - (void)dvOfferRecentItemsOfElem:(dv_tree_t*)elem
@@ -188,10 +197,7 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
                            inLevel:(const level_t&)level {
     [self dvOfferRecentItemsOfElem:elem onItem:item inLevel:level];
     [self addItem:item toMenu:level.menu];
-    DVMenuItem* contents = [DVMenuItem createAutoreleasedItemForTree:elem
-                                                              target:self
-                                                           withTitle:nil
-                                                        andModifiers:NSAlternateKeyMask];
+    DVMenuItem* contents = [self dvAlternateOfElem:elem withModifiers:NSAlternateKeyMask];
     [self createSubmenuForTree:elem andItem:contents atLevel:level.number];
     return contents;
 }

@@ -10,7 +10,8 @@ struct dv_tree_t;
 @interface DVDelvio (MenuPopulation)
 // Rebuilds the root level from the roots in the state record.
 - (void)updateProxyMenu;
-// Menu delegate. The host's menu: forwarded. A level of our own: filled, the first time.
+// Menu delegate. The host's menu: forwarded. A level of our own: filled, the first time;
+// a preview menu gets its picture later.
 - (void)menuWillOpen:(NSMenu*)menu;
 
 // Reads the level of the menu's element, once, and makes its items, once.

@@ -9,6 +9,7 @@
 #include "menus/DVDelvio+Roots.h"
 #include "menus/DVMenu.h"
 #include "menus/DVMenuItem.h"
+#include "preview/DVDelvio+PreviewMenu.h"
 #include "support/dv_log.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_state.h"
@@ -34,6 +35,8 @@
 }
 
 - (void)dvEmptyProxyMenu {
+    // It may be among those that go, or have gone with an earlier menu.
+    _currentlyHighlightedItem = nil;
     if (dv->finderInSeparateSubmenu) {
         [_proxyMenu removeAllItems];
         // They are gone from the menu: an index counted from them would lie outside it.
@@ -76,6 +79,7 @@
     }
     if (![menu isKindOfClass:[DVMenu class]]) return;
     DVMenu* level = static_cast<DVMenu*>(menu);
+    if ([level dvIsPreviewMenu]) return [self dvPopulatePreviewMenu:level];
     if ([level dvNeedsOpenWithHead]) [self dvAddOpenWithHeadToMenu:level];
     [self populateMenu:level];
 }

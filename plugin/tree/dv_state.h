@@ -7,11 +7,10 @@
 #include <stdint.h>
 
 #include <Carbon/Carbon.h>
+#include <CoreGraphics/CoreGraphics.h>
 
 struct dv_tree_t;
 struct ht_table_t;
-struct CGContext;
-struct CGImage;
 struct OpaqueEventHandlerRef;
 struct OpaqueMenuRef;
 struct OpaqueWindowPtr;
@@ -20,10 +19,6 @@ enum { DV_PATH_BUFFER_SIZE = 10240 };
 
 struct dv_point_t {
     double x, y;
-};
-
-struct dv_rect_t {
-    double x, y, width, height;
 };
 
 // Fields named "carried" are kept in the record for its layout; nothing reads them. A field under
@@ -70,13 +65,13 @@ struct delvio_t {
     OpaqueMenuRef* carried_menus[3];
     int32_t carried_menu_state[3];
 
-    CGContext* preview_context;
-    CGContext* carried_context;
-    CGImage* preview_image;
-    CGImage* carried_image;
-    dv_rect_t preview_rect;
-    dv_rect_t carried_rects[2];
-    void* preview_bitmap;  // preview_size * preview_size * 4 bytes
+    CGContextRef preview_context;
+    CGContextRef carried_context;
+    CGImageRef preview_image;  // owned
+    CGImageRef carried_image;
+    CGRect preview_rect;
+    CGRect carried_rects[2];
+    void* preview_bitmap;  // owned: preview_context_size squared, 4 bytes a pixel
     void* carried_pointer;
 
     CFArrayRef folders;          // owned: the preference "folders" as read, of whatever type

@@ -1,0 +1,18 @@
+// An item that shows a turning disc whenever it has no image. Main thread.
+#pragma once
+
+#include "menus/DVMenuItem.h"
+#include "menus/disc_parts.h"
+
+@interface DVProgressItem : DVMenuItem <DVProgressUpdating> {
+  @private
+    NSView* view;                      // owned
+    DVCircularProgressView* progress;  // owned
+    NSTimer* theTimer;                 // nil while the disc does not turn
+}
+- (instancetype)initWithTree:(dv_tree_t*)tree target:(id)target;
+- (void)setImage:(NSImage*)image;
+// Neither does anything when it has been done.
+- (void)start;
+- (void)stop;
+@end
