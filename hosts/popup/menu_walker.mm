@@ -13,13 +13,16 @@ bool has_action(NSMenuItem* item) {
     return [item action] && !sel_isEqual([item action], @selector(submenuAction:));
 }
 
-// Reads an open level, and the levels below it as far as `depth` goes.
+// Reads an open level, and the levels below it as far as `depth` goes. What other keys would show
+// is listed, but not opened.
 MenuSnapshot read_level(MenuSession* session, NSMenu* menu, int depth) {
     MenuSnapshot level;
+    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:CurrentModifierFlags()];
+    NSSet* openable = [NSSet setWithArray:shown];
     for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
         ItemSnapshot snapshot = ReadItem(item);
-        if (depth > 0 && [session openSubmenuOfItem:item]) {
+        if (depth > 0 && [openable containsObject:item] && [session openSubmenuOfItem:item]) {
             snapshot.populated = true;
             snapshot.items = read_level(session, [item submenu], depth - 1);
             [session closeLevelsBelowMenu:menu];
