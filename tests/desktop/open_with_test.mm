@@ -165,8 +165,12 @@ TEST_F(OpenWith, TheFirstLineFollowsTheOptionKey) {
     in_root_menu([&](Steps& steps) {
         steps.when("the selection's line", first_is("Open selection with..."), [&] {
             lines.push_back(titles(1).at(0));
-            hold_option();
+            hover("Recorder");
         });
+        // Over the file itself the Option key would bring its preview.
+        steps.when(
+            "the application", [&] { return highlighted(1) == "Recorder"; },
+            [&] { hold_option(); });
         steps.when("the item's line", first_is("Open with..."), [&] {
             lines.push_back(titles(1).at(0));
             input().key_up("Alt_R");

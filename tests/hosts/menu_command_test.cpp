@@ -130,7 +130,8 @@ TEST_F(MenuCommand, PrintsTheMenuAsATree) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out,
-              "top >\n    sub >\n        a.txt\n        a.txt > [shift]\n--------\nOpen\n"
+              "top >\n    sub >\n        a.txt\n        a.txt > [shift]\n        a.txt > "
+              "[option]\n--------\nOpen\n"
               "Show in File Manager\nCopy Path\n--------\nMove to Trash\n");
 }
 

@@ -216,6 +216,7 @@ lines_t Bundle::other_lines() {
            "Delvio: Add item 'a' to menu MENU [root = MENU]\n"
         << separator
         << "Delvio: Add item 'text' to menu MENU [root = MENU]\n"
+           "Delvio: Add item 'text' to menu MENU [root = MENU]\n"
            "Delvio: Done updating menu\n"
         << separator
         << "Delvio: Done updating menu..\n"
@@ -237,6 +238,7 @@ lines_t Bundle::other_lines() {
            "Delvio: Add item 'Alias selection here' to menu * [root = MENU]\n"
         << level_separator
         << "Delvio: Add item 'inside' to menu * [root = MENU]\n"
+           "Delvio: Add item 'inside' to menu * [root = MENU]\n"
            "Delvio: Add item 'inside' to menu * [root = MENU]\n"
            "Delvio: Done updating menu\n"
            "Delvio: Level built: * *\n"

@@ -197,7 +197,7 @@ TEST_F(Popup, LevelsFillAsTheyOpen) {
         deepest = titles_of([[session levels] lastObject]);
     });
     pop_up();
-    EXPECT_EQ(deepest, titles_t({"leaf", "leaf"}));
+    EXPECT_EQ(deepest, titles_t({"leaf", "leaf", "leaf"}));
 }
 
 TEST_F(Popup, TheHostsMenuBecomesASubmenuOfAFreshOne) {

@@ -43,7 +43,7 @@ class Items : public test::MenuTest {
 TEST_F(Items, KindsAreSetApartAndApplicationsHaveAHeading) {
     NSMenu* menu = open_mixed();
     EXPECT_EQ(titles_of(menu), titles_t({"dir", "-", "Applications", "Edit.app", "Edit.app", "-",
-                                         "part.bundle", "part.bundle", "text", "text"}));
+                                         "part.bundle", "part.bundle", "text", "text", "text"}));
     NSMenuItem* heading = item_titled(menu, "Applications");
     EXPECT_FALSE([heading isEnabled]);
     EXPECT_EQ([heading action], static_cast<SEL>(nullptr));
@@ -54,26 +54,27 @@ TEST_F(Items, FilesAreSetApartFromFoldersButNotFromPackages) {
     const std::string path = folder_.folder("a");
     folder_.folder("a/dir");
     folder_.file("a/text");
-    EXPECT_EQ(titles_of(open(select({path}), "a")), titles_t({"dir", "-", "text", "text"}));
+    EXPECT_EQ(titles_of(open(select({path}), "a")), titles_t({"dir", "-", "text", "text", "text"}));
 }
 
 TEST_F(Items, OneListHasNoKindSeparators) {
     set("sort_order", 1);
     EXPECT_EQ(titles_of(open_mixed()), titles_t({"dir", "Edit.app", "Edit.app", "part.bundle",
-                                                 "part.bundle", "text", "text"}));
+                                                 "part.bundle", "text", "text", "text"}));
 }
 
 TEST_F(Items, GroupsWithoutSeparatorsBySortOrderTwo) {
     set("sort_order", 2);
     set("intra_sort_order", 1);
     EXPECT_EQ(titles_of(open_mixed()), titles_t({"Edit.app", "Edit.app", "dir", "part.bundle",
-                                                 "part.bundle", "text", "text"}));
+                                                 "part.bundle", "text", "text", "text"}));
 }
 
 TEST_F(Items, FoldersAfterApplicationsAreSetApart) {
     set("intra_sort_order", 1);
-    EXPECT_EQ(titles_of(open_mixed()), titles_t({"Edit.app", "Edit.app", "-", "dir", "-",
-                                                 "part.bundle", "part.bundle", "text", "text"}));
+    EXPECT_EQ(titles_of(open_mixed()),
+              titles_t({"Edit.app", "Edit.app", "-", "dir", "-", "part.bundle", "part.bundle",
+                        "text", "text", "text"}));
 }
 
 TEST_F(Items, AClosedApplicationShowsItsContentsWithOption) {
@@ -84,21 +85,22 @@ TEST_F(Items, AClosedApplicationShowsItsContentsWithOption) {
     ASSERT_NE(contents, nil);
     EXPECT_EQ([contents keyEquivalentModifierMask], static_cast<NSUInteger>(NSAlternateKeyMask));
     EXPECT_NE([contents image], nil);
-    EXPECT_EQ(titles_of(open(contents)), titles_t({"inside", "inside"}));
+    EXPECT_EQ(titles_of(open(contents)), titles_t({"inside", "inside", "inside"}));
 }
 
 TEST_F(Items, AClosedPackageShowsItsContentsWithOption) {
     NSMenu* menu = open_mixed();
     EXPECT_EQ([item_titled(menu, "part.bundle") submenu], nil);
-    EXPECT_EQ(titles_of(open(alternate_of(menu, "part.bundle"))), titles_t({"inside", "inside"}));
+    EXPECT_EQ(titles_of(open(alternate_of(menu, "part.bundle"))),
+              titles_t({"inside", "inside", "inside"}));
 }
 
 TEST_F(Items, PackagesOpenAsLevelsWhenAsked) {
     set("show_package_contents", 1);
     NSMenu* menu = open_mixed();
     EXPECT_EQ(alternate_of(menu, "Edit.app"), nil);
-    EXPECT_EQ(titles_of(open(menu, "Edit.app")), titles_t({"inside", "inside"}));
-    EXPECT_EQ(titles_of(open(menu, "part.bundle")), titles_t({"inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "Edit.app")), titles_t({"inside", "inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "part.bundle")), titles_t({"inside", "inside", "inside"}));
 }
 
 TEST_F(Items, ADocumentHasItsOpenWithSubmenuWithShift) {
@@ -117,7 +119,7 @@ TEST_F(Items, ADocumentHasItsOpenWithSubmenuWithShift) {
 
 TEST_F(Items, ADocumentOfTheRootMenuHasItsOpenWithSubmenuAtOnce) {
     NSMenu* menu = select({folder_.file("text")});
-    EXPECT_EQ(titles_of(menu), titles_t({"text", "-"}));
+    EXPECT_EQ(titles_of(menu), titles_t({"text", "text", "-"}));
     DVMenu* submenu = static_cast<DVMenu*>([item_titled(menu, "text") submenu]);
     ASSERT_NE(submenu, nil);
     EXPECT_EQ([submenu dvOpenWithIsAttachedToRoot], 1);
@@ -126,7 +128,7 @@ TEST_F(Items, ADocumentOfTheRootMenuHasItsOpenWithSubmenuAtOnce) {
 TEST_F(Items, ADocumentOfTheRootMenuHasItsOpenWithSubmenuWithShiftWhenAsked) {
     set("autoOpenWithMenu", 0);
     NSMenu* menu = select({folder_.file("text")});
-    EXPECT_EQ(titles_of(menu), titles_t({"text", "text", "-"}));
+    EXPECT_EQ(titles_of(menu), titles_t({"text", "text", "text", "-"}));
     EXPECT_EQ([item_titled(menu, "text") submenu], nil);
     DVMenu* submenu = static_cast<DVMenu*>([alternate_of(menu, "text") submenu]);
     EXPECT_EQ([submenu dvOpenWithIsAttachedToRoot], 1);

@@ -104,7 +104,7 @@ TEST_F(Roots, AUserFolderIsALevelThatIsRead) {
     EXPECT_EQ(dv_->custom->children->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER));
     EXPECT_EQ(titles_of(open(menu, "A")),
               titles_t({"Move selection here", "Copy selection here", "Alias selection here", "-",
-                        "inside", "inside"}));
+                        "inside", "inside", "inside"}));
 }
 
 TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
@@ -118,7 +118,7 @@ TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
     ASSERT_NE(dv_->custom, nullptr);
     EXPECT_EQ(paths_of(dv_->custom).front(), file);
     EXPECT_NE(item_titled(menu, "text"), nil);
-    EXPECT_EQ(titles_of(open(menu, "link")), titles_t({"inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "link")), titles_t({"inside", "inside", "inside"}));
 }
 
 TEST_F(Roots, BadEntriesAreSkippedWithTheirMessagesAndTheOthersStay) {
@@ -259,7 +259,7 @@ TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
     NSMenu* menu = select({tool});
     DVMenuItem* item = static_cast<DVMenuItem*>(item_titled(menu, "Tool.app"));
     NSMenu* recent = open(item);
-    EXPECT_EQ(titles_of(recent), titles_t({"b.txt", "b.txt", "a.txt", "a.txt"}));
+    EXPECT_EQ(titles_of(recent), titles_t({"b.txt", "b.txt", "b.txt", "a.txt", "a.txt", "a.txt"}));
     dv_tree_t* copy = [static_cast<DVMenu*>(recent) tree];
     ASSERT_NE(dv_->copies, nullptr);
     // In front of it stands what the level would move to, were it a folder's.

@@ -34,7 +34,7 @@ TEST_F(Selection, FoldersStandBeforeFilesEachInTheHostsOrder) {
     select({folder_.file("3"), folder_.folder("b"), folder_.file("1"), folder_.folder("a"),
             folder_.file("2")});
     EXPECT_EQ(root_names(), titles_t({"b", "a", "3", "1", "2"}));
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"b", "a", "-", "3", "1", "2", "-"}));
+    EXPECT_EQ(titles_of(host_menu_), titles_t({"b", "a", "-", "3", "3", "1", "1", "2", "2", "-"}));
 }
 
 TEST_F(Selection, ASecondListChangesNothing) {
