@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace thumbnails {
@@ -21,6 +22,35 @@ uint32_t number_at(const std::string& file, size_t at) {
     uint32_t number = 0;
     for (size_t i = 0; i < 4; i++) number = number << 8 | static_cast<uint8_t>(file[at + i]);
     return number;
+}
+
+struct Chunk {
+    std::string_view type, content, whole;
+};
+
+// Nothing at the end of the file, also one in the middle of a chunk.
+std::optional<Chunk> chunk_at(const std::string& file, size_t at) {
+    const size_t around = 12;
+    if (at + around > file.size()) return {};
+    const size_t length = number_at(file, at);
+    if (length > file.size() - at - around) return {};
+    const std::string_view whole = std::string_view(file).substr(at, length + around);
+    return Chunk{whole.substr(4, 4), whole.substr(8, length), whole};
+}
+
+// The file without texts, profiles and the like, some of which are compressed and may swell. Empty
+// when it is not whole: the loader takes the beginning of a picture for all of it.
+std::string only_pixels(const std::string& file) {
+    std::string kept = file.substr(0, signature_size);
+    kept.reserve(file.size());
+    for (size_t at = signature_size; const std::optional<Chunk> chunk = chunk_at(file, at);) {
+        for (const char* type : {"IHDR", "PLTE", "tRNS", "IDAT", "IEND"}) {
+            if (chunk->type == type) kept += chunk->whole;
+        }
+        if (chunk->type == "IEND") return kept;
+        at += chunk->whole.size();
+    }
+    return {};
 }
 
 Picture picture_of(GdkPixbuf* pixbuf) {
@@ -74,30 +104,25 @@ std::optional<PngHead> png_head(const std::string& file) {
     const uint32_t width = number_at(file, 16), height = number_at(file, 20);
     if (width == 0 || height == 0 || width > INT32_MAX || height > INT32_MAX) return {};
     PngHead head{static_cast<int>(width), static_cast<int>(height), {}};
-    for (size_t at = header_end; at + 12 <= file.size();) {
-        const size_t length = number_at(file, at);
-        if (length > file.size() - at - 12) break;
-        const std::string type = file.substr(at + 4, 4);
-        if (type == "IDAT") break;
-        if (type == "tEXt") {
-            const std::string text = file.substr(at + 8, length);
+    for (size_t at = header_end; const std::optional<Chunk> chunk = chunk_at(file, at);) {
+        if (chunk->type == "IDAT") break;
+        if (chunk->type == "tEXt") {
+            const std::string text(chunk->content);
             const size_t end = text.find('\0');
             if (end != std::string::npos) head.texts[text.substr(0, end)] = text.substr(end + 1);
         }
-        at += length + 12;
+        at += chunk->whole.size();
     }
     return head;
 }
 
 Picture decode_png(const std::string& file) {
-    // The loader takes the beginning of a picture for all of it.
-    const std::string end("\0\0\0\0IEND", 8);
-    if (file.size() < 12 || file.compare(file.size() - 12, end.size(), end) != 0) return {};
+    const std::string pixels = only_pixels(file);
     const std::unique_ptr<GdkPixbufLoader, Unref> loader(
         gdk_pixbuf_loader_new_with_type("png", nullptr));
-    if (!loader) return {};
+    if (!loader || pixels.empty()) return {};
     const bool read = gdk_pixbuf_loader_write(
-        loader.get(), reinterpret_cast<const guint8*>(file.data()), file.size(), nullptr);
+        loader.get(), reinterpret_cast<const guint8*>(pixels.data()), pixels.size(), nullptr);
     const bool closed = gdk_pixbuf_loader_close(loader.get(), nullptr);
     GdkPixbuf* pixbuf = read && closed ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
     return pixbuf ? picture_of(pixbuf) : Picture{};

@@ -28,6 +28,17 @@ Picture grey(int width, int height, uint8_t shade = 128) {
     return picture;
 }
 
+// The largest that this process has been since it was last asked to forget, in kilobytes.
+size_t most_memory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.compare(0, 6, "VmHWM:") == 0) return std::stoul(line.substr(6));
+    }
+    return 0;
+}
+
+void forget_most_memory() { std::ofstream("/proc/self/clear_refs") << "5"; }
+
 class Cache : public testing::Test {
   protected:
     void SetUp() override {
@@ -129,6 +140,15 @@ TEST_F(Cache, AnEntryLargerThanItsFolderAllowsIsNotEvenDecoded) {
     ASSERT_TRUE(png_head(bomb)->texts.count("Thumb::URI"));
     put("large", bomb);
     EXPECT_FALSE(cached_picture(subject, {256, 256}));
+}
+
+TEST_F(Cache, TextsThatSwellAreNotRead) {
+    // Half a gigabyte in half a megabyte.
+    put("large", test::with_swelling_texts(encode_png(grey(256, 192), texts()), 70, 7'000'000));
+    forget_most_memory();
+    const size_t before = most_memory();
+    EXPECT_EQ(cached_picture(subject, {256, 256}).width, 256);
+    EXPECT_LT(most_memory(), before + 16 * 1024);
 }
 
 TEST_F(Cache, APipeInTheCacheIsNotOpened) {

@@ -156,4 +156,14 @@ std::string white_png_bytes(uint32_t width, uint32_t height) {
            png_chunk("IDAT", compressed(row, height)) + png_chunk("IEND", "");
 }
 
+std::string with_swelling_texts(const std::string& png, int count, uint32_t size) {
+    const uint32_t block = 1000;
+    const std::string text = compressed(std::string(block, 'x'), size / block);
+    const std::string chunk = png_chunk("zTXt", std::string("Comment\0\0", 9) + text);
+    std::string result = png;
+    const size_t header_end = 33;
+    for (int i = 0; i < count; i++) result.insert(header_end, chunk);
+    return result;
+}
+
 }  // namespace test
