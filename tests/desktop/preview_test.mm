@@ -1,0 +1,333 @@
+// Pictures of files in an open menu: the preview submenu behind Option, and the hover window.
+#include <AppKit/AppKit.h>
+#include <AppKit/MenuTracking.h>
+#include <cairo.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "desktop/desk.h"
+
+// Of the plug-in, which is known by name only.
+@interface NSObject (HoverWindow)
++ (id)sharedDelvio;
+- (BOOL)isVisible;
+@end
+
+namespace {
+
+using test::Steps;
+
+class Preview : public test::Desk {
+  protected:
+    void SetUp() override {
+        folder_.file("project/a.txt", "The first text\n");
+        folder_.file("project/b.txt", "The second text\n");
+        folder_.folder("project/inner");
+        select({folder_.path("project")});
+        set_preference("hoverPreviewsInterval", "300");
+    }
+    void TearDown() override {
+        set_preference("hoverPreviewsInterval", "1000");
+        set_preference("preview_size", "256");
+    }
+
+    void picture(const std::string& name, int width, int height) {
+        const std::string path = folder_.file(name);
+        cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+        cairo_t* cairo = cairo_create(surface);
+        cairo_set_source_rgb(cairo, 1, 0, 0);
+        cairo_paint(cairo);
+        cairo_destroy(cairo);
+        cairo_surface_write_to_png(surface, path.c_str());
+        cairo_surface_destroy(surface);
+    }
+
+    // The preview submenu of a file of the folder, as far as `then`. Its level is 2.
+    void in_preview_menu(const std::string& name, const std::function<void(Steps&)>& then) {
+        pop_up([&](Steps& steps) {
+            steps
+                .when(
+                    "the menu", [&] { return is_open(0); }, [&] { hover("project"); })
+                .when(
+                    "the level", [&] { return is_open(1); },
+                    [&] {
+                        input().key_down("Alt_R");
+                        hover(name);
+                    })
+                .when("the preview", [&] { return is_open(2); });
+            then(steps);
+        });
+        input().let_go();
+    }
+    // The one item of the preview submenu.
+    static NSMenuItem* preview_item() {
+        NSArray* levels = [[MenuSession current] levels];
+        NSMenu* menu = [levels count] > 2 ? [levels objectAtIndex:2] : nil;
+        return [menu numberOfItems] == 1 ? static_cast<NSMenuItem*>([menu itemAtIndex:0]) : nil;
+    }
+    static bool has_picture() { return [preview_item() image] && ![preview_item() view]; }
+    // What the submenu of a file comes to show; empty when it is a line of text.
+    NSSize picture_size(const std::string& name) {
+        NSSize size = NSZeroSize;
+        in_preview_menu(name, [&](Steps& steps) {
+            steps.when(
+                "the picture", [] { return has_picture(); },
+                [&] {
+                    size = [[preview_item() image] size];
+                    escape();
+                });
+        });
+        return size;
+    }
+
+    // The hover window and what decides on it.
+    static id controller() { return [NSClassFromString(@"DVDelvio") sharedDelvio]; }
+    static id window_controller() { return [controller() valueForKey:@"previewWindowController"]; }
+    static NSWindow* hover_window() { return [window_controller() valueForKey:@"window"]; }
+    static NSImageView* image_view() { return [window_controller() valueForKey:@"imgView"]; }
+    static bool is_hovering() { return [window_controller() isVisible]; }
+    static bool shows_picture() {
+        return is_hovering() && [image_view() superview] && [image_view() image];
+    }
+    static std::string hovered_path() {
+        return [[[window_controller() valueForKey:@"path"] path] UTF8String] ?: "";
+    }
+    static double last_movement() {
+        return [[controller() valueForKey:@"lastMouseMovement"] doubleValue];
+    }
+    static NSTimer* pending_timer() { return [controller() valueForKey:@"hoverPreviewTimer"]; }
+    static double now() { return [[NSDate date] timeIntervalSince1970]; }
+    // How long after the last movement the pending timer fires.
+    static double pending_delay() {
+        return [[pending_timer() fireDate] timeIntervalSince1970] - last_movement();
+    }
+
+    // The pointer on a row of the folder, as far as `then`.
+    void resting_on(const std::string& name, const std::function<void(Steps&)>& then) {
+        pop_up([&](Steps& steps) {
+            hover_along(steps, {"project", name});
+            steps.when("the row", [this, name] { return highlighted(1) == name; });
+            then(steps);
+        });
+    }
+};
+
+}  // namespace
+
+TEST_F(Preview, OptionShowsThePreviewOfAFileInASubmenu) {
+    picture("project/red.png", 200, 100);
+    bool began_with_a_disc = false;
+    NSSize size = NSZeroSize;
+    in_preview_menu("red.png", [&](Steps& steps) {
+        steps
+            .when(
+                "the item", [] { return preview_item() != nil; },
+                [&] { began_with_a_disc = [preview_item() view] || has_picture(); })
+            .when(
+                "the picture", [] { return has_picture(); },
+                [&] {
+                    size = [[preview_item() image] size];
+                    EXPECT_TRUE(is_open(2));
+                    escape();
+                });
+    });
+    EXPECT_TRUE(began_with_a_disc);
+    EXPECT_TRUE(NSEqualSizes(size, NSMakeSize(200, 100)));
+}
+
+TEST_F(Preview, APictureIsOnTheScreenWhileTheMenuTracks) {
+    picture("project/red.png", 200, 100);
+    unsigned long color = 0;
+    in_preview_menu("red.png", [&](Steps& steps) {
+        steps
+            .when(
+                "the picture", [] { return has_picture(); }, [&] {})
+            .when(
+                "its pixels",
+                [&] {
+                    NSWindow* window = nil;
+                    for (NSWindow* each in [NSApp windows]) {
+                        if ([each isVisible] && [each level] == NSPopUpMenuWindowLevel &&
+                            NSWidth([each frame]) > 200 && NSHeight([each frame]) > 100 &&
+                            (!window || NSMinX([each frame]) > NSMinX([window frame]))) {
+                            window = each;
+                        }
+                    }
+                    const NSRect frame = [window frame];
+                    const NSRect screen = [[NSScreen mainScreen] frame];
+                    color = input().pixel(static_cast<int>(NSMidX(frame)),
+                                          static_cast<int>(NSHeight(screen) - NSMidY(frame)));
+                    return color == 0xff0000;
+                },
+                [&] { escape(); });
+    });
+    EXPECT_EQ(color, 0xff0000u);
+}
+
+TEST_F(Preview, ATextIsShownAsTextOfTheSizeThatIsSet) {
+    EXPECT_TRUE(NSEqualSizes(picture_size("a.txt"), NSMakeSize(256, 256)));
+    set_preference("preview_size", "128");
+    EXPECT_TRUE(NSEqualSizes(picture_size("a.txt"), NSMakeSize(128, 128)));
+}
+
+TEST_F(Preview, AFileThatCannotBeReadHasNoPreview) {
+    ASSERT_EQ(mkfifo(folder_.path("project/pipe").c_str(), 0600), 0);
+    titles_t lines;
+    bool enabled = true;
+    in_preview_menu("pipe", [&](Steps& steps) {
+        steps.when(
+            "the line", [&] { return titles(2) == titles_t({"No preview available"}); },
+            [&] {
+                lines = titles(2);
+                enabled = [preview_item() isEnabled];
+                escape();
+            });
+    });
+    EXPECT_EQ(lines.size(), 1u);
+    EXPECT_FALSE(enabled);
+}
+
+TEST_F(Preview, AMenuThatClosesAtOnceDoesNoHarm) {
+    for (int i = 0; i < 5; i++) {
+        in_preview_menu("a.txt", [&](Steps& steps) {
+            steps.when(
+                "the preview", [] { return preview_item() != nil; }, [&] { escape(); });
+        });
+    }
+    // The results still come.
+    EXPECT_TRUE(NSEqualSizes(picture_size("b.txt"), NSMakeSize(256, 256)));
+}
+
+TEST_F(Preview, RestingOnAFileShowsTheHoverWindowAfterTheSetDelay) {
+    double waited = 0;
+    resting_on("a.txt", [&](Steps& steps) {
+        steps
+            .when(
+                "the window", [] { return is_hovering(); },
+                [&] { waited = now() - last_movement(); })
+            .when(
+                "the picture", [] { return shows_picture(); }, [&] { escape(); });
+    });
+    EXPECT_GT(waited, 0.3);
+    EXPECT_EQ(hovered_path(), folder_.path("project/a.txt"));
+}
+
+TEST_F(Preview, TheNextFileFollowsAfterAThirdOfASecond) {
+    set_preference("hoverPreviewsInterval", "2000");
+    double first_delay = 0, next_delay = 0;
+    resting_on("a.txt", [&](Steps& steps) {
+        steps
+            .when(
+                "the timer", [] { return pending_timer() != nil; },
+                [&] { first_delay = pending_delay(); })
+            .when(
+                "the window", [] { return shows_picture(); }, [&] { hover("b.txt"); })
+            .when(
+                "the next timer", [] { return pending_timer() != nil; },
+                [&] { next_delay = pending_delay(); })
+            .when(
+                "the next picture",
+                [&] { return hovered_path() == folder_.path("project/b.txt") && shows_picture(); },
+                [&] { escape(); });
+    });
+    EXPECT_NEAR(first_delay, 2, 0.1);
+    EXPECT_NEAR(next_delay, 0.35, 0.1);
+}
+
+TEST_F(Preview, AFolderShowsNoHoverWindow) {
+    bool shown = true;
+    resting_on("inner", [&](Steps& steps) {
+        steps.when("the wait", [] { return pending_timer() != nil; })
+            .when(
+                "its end", [] { return pending_timer() == nil; },
+                [&] {
+                    shown = is_hovering();
+                    escape();
+                });
+    });
+    EXPECT_FALSE(shown);
+}
+
+TEST_F(Preview, SwitchedOffThereIsNoHoverWindow) {
+    set_preference("hoverPreviews", "0");
+    bool waits = true;
+    resting_on("a.txt", [&](Steps& steps) {
+        steps.when(
+            "the row", [] { return true; },
+            [&] {
+                waits = pending_timer() != nil;
+                escape();
+            });
+    });
+    set_preference("hoverPreviews", "1");
+    EXPECT_FALSE(waits);
+}
+
+TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
+    NSRect first = NSZeroRect, second = NSZeroRect, third = NSZeroRect;
+    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    resting_on("a.txt", [&](Steps& steps) {
+        const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
+        steps
+            .when(
+                "the window", [] { return shows_picture(); },
+                [&] {
+                    first = [hover_window() frame];
+                    // Into its left half, wherever it stands; then back again.
+                    input().move(40, 700);
+                })
+            .when(
+                "its move to the right", [=] { return stands_at(NSMaxX(screen) - 512); },
+                [&] {
+                    second = [hover_window() frame];
+                    input().move(1200, 700);
+                })
+            .when(
+                "its move to the left", [=] { return stands_at(NSMinX(screen)); },
+                [&] {
+                    third = [hover_window() frame];
+                    escape();
+                });
+    });
+    EXPECT_EQ(NSMinY(second), NSMinY(screen)) << "the pointer is in the lower half";
+    EXPECT_EQ(NSMinY(third), NSMinY(screen));
+    EXPECT_TRUE(NSEqualSizes(third.size, NSMakeSize(512, 512)));
+}
+
+TEST_F(Preview, TheWindowHidesWithTheMenu) {
+    resting_on("a.txt", [&](Steps& steps) {
+        steps.when(
+            "the window", [] { return shows_picture(); }, [&] { escape(); });
+    });
+    EXPECT_FALSE(is_hovering());
+    EXPECT_EQ(pending_timer(), nil);
+    steps() = Steps();
+    steps().when("the window's end", [] { return ![hover_window() isVisible]; });
+    steps().run();
+}
+
+TEST_F(Preview, TheWindowHidesOverTheHostsItems) {
+    bool hidden = false;
+    resting_on("a.txt", [&](Steps& steps) {
+        steps
+            .when(
+                "the window", [] { return shows_picture(); }, [&] { hover("Open"); })
+            .when(
+                "its end", [] { return !is_hovering(); },
+                [&] {
+                    hidden = true;
+                    escape();
+                });
+    });
+    EXPECT_TRUE(hidden);
+}
+
+TEST_F(Preview, TheSameFileAgainShowsItsPictureAtOnce) {
+    for (int i = 0; i < 2; i++) {
+        resting_on("a.txt", [&](Steps& steps) {
+            steps.when(
+                "the picture", [] { return shows_picture(); }, [&] { escape(); });
+        });
+    }
+    EXPECT_EQ(hovered_path(), folder_.path("project/a.txt"));
+}
