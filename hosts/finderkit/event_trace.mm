@@ -96,6 +96,18 @@ std::string write_file(const Bytes& bytes) {
     return quoted(std::string(path));
 }
 
+std::string write_alias(const Bytes& bytes) {
+    AEDesc alias, file;
+    AECreateDesc(typeAlias, bytes.data(), static_cast<Size>(bytes.size()), &alias);
+    const OSErr error = AECoerceDesc(&alias, typeFSRef, &file);
+    AEDisposeDesc(&alias);
+    if (error != noErr) return "(not there)";
+    Bytes ref(sizeof(FSRef));
+    AEGetDescData(&file, ref.data(), sizeof(FSRef));
+    AEDisposeDesc(&file);
+    return write_file(ref);
+}
+
 const struct {
     DescType type;
     std::string (*write)(const Bytes& bytes);
@@ -113,6 +125,8 @@ const struct {
     {typeUTF8Text, write_text},
     {typeUnicodeText, write_utf16},
     {typeFSRef, write_file},
+    {typeAlias, write_alias},
+    {typeFileURL, write_text},
 };
 
 std::string describe_plain(const AEDesc& desc) {

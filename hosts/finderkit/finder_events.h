@@ -8,6 +8,7 @@
 // file cannot be written; then *problem says why, in one line.
 //
 //   open documents ("aevt", "odoc")   opens each file as the workspace does
+//   move, clone, create element, delete   see finderkit/file_operations.h
 bool AnswerFinderEvents(std::string* problem);
 
 // Runs the run loop until every event sent so far has been handled. For a host that is about to

@@ -9,6 +9,7 @@
 
 #include "finderkit/context_menu.h"
 #include "finderkit/event_trace.h"
+#include "finderkit/file_operations.h"
 
 namespace {
 
@@ -52,6 +53,10 @@ const struct {
     AEEventHandlerUPP handler;
 } answers[] = {
     {kCoreEventClass, kAEOpenDocuments, open_documents},
+    {kAECoreSuite, kAEMove, AnswerFileOperation},
+    {kAECoreSuite, kAEClone, AnswerFileOperation},
+    {kAECoreSuite, kAECreateElement, AnswerFileOperation},
+    {kAECoreSuite, kAEDelete, AnswerFileOperation},
 };
 
 }  // namespace

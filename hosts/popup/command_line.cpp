@@ -44,6 +44,8 @@ void add_menu(CLI::App& app, MenuRequest& request, Options& options) {
         ->type_name("TITLE")
         ->allow_extra_args(false)
         ->group(forms_group);
+    menu->add_flag("--replace", request.replace,
+                   "With --pick: replace files of the same names; else they are skipped");
     menu->add_option("--depth", request.depth,
                      "With --print and --json: how many levels of submenus to open (0)")
         ->type_name("N")
@@ -115,6 +117,7 @@ std::string check_menu(MenuRequest& request, const Options& options, bool depth_
     if (forms > 1) return "take one of --print, --json, --png and --pick";
     const bool written = request.form == MenuForm::text || request.form == MenuForm::json;
     if (depth_given && !written) return "--depth needs --print or --json";
+    if (request.replace && request.form != MenuForm::pick) return "--replace needs --pick";
     if (!request.open_titles.empty() && request.form != MenuForm::picture) {
         return "--open needs --png";
     }
@@ -168,7 +171,8 @@ CommandLine::Command command_of(const CLI::App& app) {
 }
 
 std::string check(const CLI::App& app, CommandLine& line, const Options& options) {
-    if (line.command == CommandLine::finished) return "say what to do: delvio menu, undo or settings";
+    if (line.command == CommandLine::finished)
+        return "say what to do: delvio menu, undo or settings";
     if (line.command == CommandLine::undo) return {};
     if (line.command == CommandLine::settings) {
         const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();

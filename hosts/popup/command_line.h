@@ -6,7 +6,7 @@
 #include <vector>
 
 // Exit statuses.
-enum : int { exit_done = 0, exit_failed = 1, exit_misused = 2 };
+enum : int { exit_done = 0, exit_failed = 1, exit_misused = 2, exit_skipped = 3 };
 
 enum class MenuForm { shown, text, json, picture, pick };
 
@@ -19,6 +19,7 @@ struct MenuRequest {
     std::string picture;
     std::vector<std::string> open_titles;
     std::vector<std::string> pick_titles;
+    bool replace = false;         // answers to files of the same names
     unsigned long modifiers = 0;  // AppKit's bits
     std::vector<std::pair<std::string, std::string>> settings;
 };

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "finderkit/session_bus.h"
 #include "popup/clipboard.h"
 #include "popup/close_words.h"
 #include "popup/private_display.h"
@@ -18,14 +19,6 @@ struct Failure {
     ~Failure() { g_clear_error(&error); }
     std::string text() const { return error ? error->message : "unknown reason"; }
 };
-
-// The session bus, if there is one: asking GIO for a missing one would start one. Null otherwise.
-GDBusConnection* session_bus() {
-    const char* address = g_getenv("DBUS_SESSION_BUS_ADDRESS");
-    g_autofree char* socket = g_build_filename(g_get_user_runtime_dir(), "bus", nullptr);
-    if (!(address && *address) && !g_file_test(socket, G_FILE_TEST_EXISTS)) return nullptr;
-    return g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-}
 
 std::string uri_of(const std::string& path) {
     g_autofree char* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
@@ -51,7 +44,7 @@ std::string for_each(const std::vector<std::string>& files, Action action) {
 
 bool ask_file_manager(const std::vector<std::string>& files) {
     Failure failure;
-    g_autoptr(GDBusConnection) bus = session_bus();
+    g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
     if (!bus) return false;
     GVariantBuilder uris;
     g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
@@ -93,6 +86,6 @@ std::string MoveToTrash(const std::vector<std::string>& files) {
 }
 
 void FlushSessionBus() {
-    g_autoptr(GDBusConnection) bus = session_bus();
+    g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
     if (bus) g_dbus_connection_flush_sync(bus, nullptr, nullptr);
 }

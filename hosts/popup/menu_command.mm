@@ -10,6 +10,7 @@
 #include "popup/exit_signals.h"
 #include "popup/file_actions.h"
 #include "popup/file_arguments.h"
+#include "popup/file_operations.h"
 #include "popup/forced_settings.h"
 #include "popup/host_menu.h"
 #include "popup/menu_picture.h"
@@ -51,6 +52,7 @@ bool prepare(MenuRequest& request, std::string* problem) {
     warn_of_other_encodings(request.files);
     StartApplication();
     SetHeldModifierFlags(request.modifiers);
+    OfferFileOperations(request);
     return AnswerFinderEvents(problem) && LoadPlugIn(bundle, problem);
 }
 
@@ -138,6 +140,9 @@ int RunMenuCommand(MenuRequest request) {
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
     const int status = run_form(host, request);
     FinishFinderEvents();
+    const int operations_status = FinishFileOperations();
     FlushSessionBus();
+    if (CaughtSignal()) return 128 + CaughtSignal();
+    if (status == exit_done && [host problem].empty()) return operations_status;
     return status == exit_done && ![host problem].empty() ? failed([host problem]) : status;
 }

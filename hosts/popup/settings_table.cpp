@@ -41,6 +41,8 @@ const std::vector<Setting> settings = {
     {"runningAppsInOpenWithMenu", flag, 1, 0, 1, "list running applications to open a file with"},
     {"hideMoveCopyAlias", flag, 0, 0, 1, "1 offers no moving, copying and linking into folders"},
     {"open_after_file_op", flag, 0, 0, 1, "1 opens the folder after moving or copying into it"},
+    {file_manager_setting, flag, 0, 0, 1,
+     "1 has the desktop's file manager move and copy, where one can be asked"},
     {"hoverPreviews", flag, 1, 0, 1, "show a preview beside the menu"},
     {"hoverPreviewsInterval", integer, 1000, 0, any_most, "how long to rest on an item before it"},
     {"preview_size", integer, 256, 1, 4096, "side of a preview in pixels"},

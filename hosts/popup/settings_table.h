@@ -10,6 +10,9 @@
 // The preferences domain.
 inline constexpr const char* settings_domain = "org.delvio.Delvio";
 
+// The command's own: not the plug-in's.
+inline constexpr const char* file_manager_setting = "operations_by_file_manager";
+
 enum class SettingType {
     flag,     // 0 or 1
     integer,  // signed, 32 bits

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "popup/exit_signals.h"
+#include "popup/file_operations.h"
 
 NSPoint PopupPoint(const MenuRequest& request) {
     if (!request.has_point) return [NSEvent mouseLocation];
@@ -39,6 +40,7 @@ void ShowProblem(const std::string& problem) {
 - (void)endMenu:(NSNotification*)notification {
     (void)notification;
     [[MenuSession current] cancel];
+    EndAlert();
 }
 
 - (void)stop {

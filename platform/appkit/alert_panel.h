@@ -6,8 +6,13 @@
 #include "appkit/alert_layout.h"
 #include "appkit/alert_paint.h"
 
-@interface AlertPanel : NSPanel
+@interface AlertPanel : NSPanel {
+  @private
+    const alert_layout_t* _layout;  // outlives it
+}
 // Shows it and returns when a button has been hit: its item. 0 when the modal session was ended by
 // somebody else.
 + (int)runWithWords:(const alert_words_t&)words;
+// The middle of a button, in pixels of the server; {-1, -1} without such a button.
+- (point_t)middleOfItem:(int)item;
 @end

@@ -159,6 +159,7 @@ int item_at(const alert_layout_t& layout, point_t point) {
     AlertView* view = [[[AlertView alloc] initWithLayout:&layout
                                               cancelItem:words.cancel_item] autorelease];
     AlertPanel* panel = [[self alloc] initWithView:view];
+    panel->_layout = &layout;
     [panel placeOnScreenOfPointer];
     [NSApp activateIgnoringOtherApps:YES];
     [panel makeKeyAndOrderFront:nil];
@@ -192,6 +193,17 @@ int item_at(const alert_layout_t& layout, point_t point) {
     const double below = (screen.height - size.height) * (1 - screen_share_above);
     const NSPoint corner = screen_point({screen.left, screen.bottom()});
     [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
+}
+
+- (point_t)middleOfItem:(int)item {
+    for (const auto& button : _layout->buttons()) {
+        if (button.item != item) continue;
+        const NSPoint middle = NSMakePoint(button.area.left + button.area.width / 2,
+                                           button.area.top + button.area.height / 2);
+        const NSPoint base = [[self contentView] convertPoint:middle toView:nil];
+        return server_point([self convertBaseToScreen:base]);
+    }
+    return {-1, -1};
 }
 
 - (BOOL)canBecomeKeyWindow {

@@ -18,13 +18,14 @@ NSBitmapImageRep* make_bitmap(int width, int height, NSBitmapFormat format) {
 
 namespace {
 
-// Cairo's pixels are words of alpha, red, green and blue.
+// Cairo's pixels are words of alpha, red, green and blue. A flipped view turns a bitmap over: here
+// it is turned over beforehand.
 void copy_pixels(cairo_surface_t* surface, int width, int height, NSBitmapImageRep* rep) {
     cairo_surface_flush(surface);
     for (int y = 0; y < height; y++) {
         const unsigned char* from =
             cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface);
-        unsigned char* to = [rep bitmapData] + y * [rep bytesPerRow];
+        unsigned char* to = [rep bitmapData] + (height - 1 - y) * [rep bytesPerRow];
         for (int x = 0; x < width; x++, from += 4, to += 4) {
             to[0] = from[2], to[1] = from[1], to[2] = from[0], to[3] = from[3];
         }

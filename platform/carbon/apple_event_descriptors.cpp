@@ -22,6 +22,14 @@ OSErr AEDisposeDesc(AEDesc* desc) {
     return noErr;
 }
 
+OSErr AECoerceDesc(const AEDesc* desc, DescType type, AEDesc* result) {
+    if (!desc || !result) return paramErr;
+    const Value* value = events::value_of(desc);
+    AEInitializeDesc(result);
+    if (value) return events::give_desc(*value, type, result);
+    return type == typeNull || type == typeWildCard ? OSErr{noErr} : OSErr{errAECoercionFail};
+}
+
 OSErr AEDuplicateDesc(const AEDesc* desc, AEDesc* result) {
     if (!desc || !result) return paramErr;
     const Value* value = events::value_of(desc);

@@ -11,4 +11,7 @@ NSEvent* right_click(NSPoint at);
 // Sends `action` to `target` while a menu tracks, once or until it is invalidated; it is retained.
 NSTimer* while_tracking(NSTimeInterval interval, id target, SEL action, BOOL repeats);
 
+// Ends a modal session from outside, without an answer; nothing when there is none.
+void end_modal_session();
+
 }  // namespace test

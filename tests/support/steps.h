@@ -1,5 +1,5 @@
 // A script that runs beside an open menu: each step waits for something to become true, then acts.
-// It runs from a timer, also while a menu tracks. Main thread.
+// It runs from a timer, also while a menu tracks or a modal panel is open. Main thread.
 #pragma once
 
 #include <functional>

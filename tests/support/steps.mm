@@ -42,6 +42,7 @@ Steps& Steps::when(const std::string& what, Condition condition, Action action) 
 void Steps::turn() {
     if (failed_) {
         [[MenuSession current] cancel];
+        end_modal_session();
         return;
     }
     if (!is_done() && steps_[next_].condition()) {
@@ -60,6 +61,7 @@ void Steps::run_beside(const Action& tracking) {
     StepsTimer* target = [[[StepsTimer alloc] initWithSteps:this] autorelease];
     NSTimer* timer = while_tracking(0.005, target, @selector(fire:), YES);
     [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSDefaultRunLoopMode];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSModalPanelRunLoopMode];
     @try {
         tracking();
     } @finally {

@@ -101,6 +101,8 @@ void AEInitializeDesc(AEDesc* desc);
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result);
 // Leaves the null descriptor, of which to dispose again is harmless.
 OSErr AEDisposeDesc(AEDesc* desc);
+// A copy of another type, by the coercions that are named below.
+OSErr AECoerceDesc(const AEDesc* desc, DescType type, AEDesc* result);
 OSErr AEDuplicateDesc(const AEDesc* desc, AEDesc* result);
 // 0 for the null descriptor, and for lists, records and events, which have no data of their own.
 Size AEGetDescDataSize(const AEDesc* desc);

@@ -1,0 +1,152 @@
+#include "finderkit/desktop_carrier.h"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/stat.h>
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include "finderkit/desktop_managers.h"
+#include "finderkit/session_bus.h"
+
+namespace {
+
+using operations::Carrier;
+using operations::Kind;
+using operations::Observer;
+using operations::Outcome;
+using operations::Report;
+using operations::Request;
+using operations::State;
+
+class DesktopCarrier : public Carrier {
+  public:
+    explicit DesktopCarrier(std::unique_ptr<Carrier> other) : other_(std::move(other)) {}
+    ~DesktopCarrier() override;
+    void carry_out(Request request, std::shared_ptr<Observer> observer) override;
+
+  private:
+    struct Job {
+        Request request;
+        std::shared_ptr<Observer> observer;
+    };
+    void run();
+    bool next(Job& job);
+    void hand_over(Job job);
+
+    const std::unique_ptr<Carrier> other_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<Job> waiting_;
+    bool ends_ = false;
+    std::thread thread_;
+};
+
+DesktopCarrier::~DesktopCarrier() {
+    {
+        const std::lock_guard guard(mutex_);
+        ends_ = true;
+    }
+    changed_.notify_all();
+    if (thread_.joinable()) thread_.join();
+}
+
+void DesktopCarrier::carry_out(Request request, std::shared_ptr<Observer> observer) {
+    const std::lock_guard guard(mutex_);
+    waiting_.push_back({std::move(request), std::move(observer)});
+    if (!thread_.joinable()) thread_ = std::thread(&DesktopCarrier::run, this);
+    changed_.notify_all();
+}
+
+bool DesktopCarrier::next(Job& job) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return ends_ || !waiting_.empty(); });
+    if (ends_) return false;
+    job = std::move(waiting_.front());
+    waiting_.pop_front();
+    return true;
+}
+
+void DesktopCarrier::run() {
+    for (Job job; next(job);) hand_over(std::move(job));
+}
+
+// An empty string for a source that can be handed over.
+std::string why_not(const std::string& source) {
+    struct stat status;
+    return lstat(source.c_str(), &status) == 0 ? "" : strerror(errno);
+}
+
+// What is left to hand over; the others' outcomes say why not.
+Request without_missing(const Request& request, Report* report) {
+    Request rest = request;
+    rest.sources.clear();
+    for (const std::string& source : request.sources) {
+        const std::string reason = why_not(source);
+        const State state = reason.empty() ? State::Done : State::Failed;
+        report->outcomes.push_back({source, state, "", reason});
+        if (reason.empty()) rest.sources.push_back(source);
+    }
+    return rest;
+}
+
+bool is_folder(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+void refuse(Report* report, const std::string& reason) {
+    for (Outcome& outcome : report->outcomes) {
+        if (outcome.state != State::Done) continue;
+        outcome.state = State::Failed;
+        outcome.reason = reason;
+    }
+}
+
+// Asks each manager until one is there.
+Handover ask(const Request& request, std::string* reason) {
+    g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
+    if (!bus) return Handover::absent;
+    for (const DesktopManager* manager : ManagersOnBus(bus)) {
+        const Handover result = AskManager(bus, *manager, request, reason);
+        if (result != Handover::absent) return result;
+    }
+    return Handover::absent;
+}
+
+bool can_be_asked_for(const Request& request) {
+    if (request.kind == Kind::Trash) return true;
+    return request.kind != Kind::Alias && !request.replace && is_folder(request.destination);
+}
+
+void DesktopCarrier::hand_over(Job job) {
+    Report report;
+    std::string reason;
+    Handover result = Handover::absent;
+    if (job.observer->is_cancelled()) {
+        report.stopped = true;
+        for (const std::string& source : job.request.sources) {
+            report.outcomes.push_back({source, State::Skipped, "", "stopped"});
+        }
+        return job.observer->ended(report);
+    }
+    if (can_be_asked_for(job.request)) {
+        const Request rest = without_missing(job.request, &report);
+        result = rest.sources.empty() ? Handover::taken : ask(rest, &reason);
+    }
+    if (result == Handover::absent) {
+        return other_->carry_out(std::move(job.request), std::move(job.observer));
+    }
+    if (result == Handover::refused) refuse(&report, reason);
+    job.observer->ended(report);
+}
+
+}  // namespace
+
+std::unique_ptr<Carrier> MakeDesktopCarrier(std::unique_ptr<Carrier> other) {
+    return std::make_unique<DesktopCarrier>(std::move(other));
+}

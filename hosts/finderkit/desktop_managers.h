@@ -1,0 +1,32 @@
+// The file managers that carry operations out over D-Bus, and how each is asked. Any thread.
+#pragma once
+
+#include <gio/gio.h>
+
+#include <string>
+#include <vector>
+
+#include "operations/request.h"
+
+struct DesktopManager {
+    const char* service;
+    const char* object;
+    const char* entry;  // its desktop entry
+    struct Method {
+        operations::Kind kind;
+        const char* interface;
+        const char* name;
+    } methods[3];
+    // A floating value. The sources are URIs.
+    GVariant* (*arguments)(operations::Kind kind, GVariant* sources, const char* destination);
+};
+
+// Those that run, then those that the bus can start; in each group the user's own first.
+std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus);
+
+enum class Handover { taken, absent, refused };
+
+// Asks the manager for the operation and waits for its answer. `absent`: it is not there, or has no
+// such method. `refused`: *reason says why, in one line.
+Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
+                    const operations::Request& request, std::string* reason);

@@ -1,0 +1,33 @@
+// The file operations that a Finder is asked for by Apple Event, and who carries them out. Main
+// thread.
+//
+//   move            ("core", "move")   of "----" to "insh"
+//   clone           ("core", "clon")   the same
+//   create element  ("core", "crel")   of class ("kocl") "alis": aliases of "to  " in "insh"
+//   delete          ("core", "delo")   of "----": to the trash
+//
+// "alrp" is the answer to files of the same names: true replaces them.
+#pragma once
+
+#include <Carbon/Carbon.h>
+
+#include <functional>
+#include <memory>
+
+#include "operations/request.h"
+
+struct FileOperationService {
+    std::shared_ptr<operations::Carrier> carrier;
+    // Makes who is told of a request, for each one.
+    std::function<std::shared_ptr<operations::Observer>(const operations::Request&)> observer;
+};
+
+// From the next event on. Without a carrier, events that ask for operations are not handled.
+void SetFileOperationService(const FileOperationService& service);
+
+// What an event asks for: files by their paths, whether or not they are there; a destination that
+// is a link to a folder as that folder. errAEEventNotHandled for an event that is none of these.
+OSErr ReadFileOperation(const AppleEvent* event, operations::Request* request);
+
+// The handler of these events.
+OSErr AnswerFileOperation(const AppleEvent* event, AppleEvent* reply, void* refcon);

@@ -1,0 +1,7 @@
+// The desktop's session bus.
+#pragma once
+
+#include <gio/gio.h>
+
+// A connection, which the caller owns; null where there is no bus. None is started. Any thread.
+GDBusConnection* ConnectToSessionBus();

@@ -1,0 +1,217 @@
+#include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
+#include <Carbon/HostProcess.h>
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+
+#include "appkit/alert_panel.h"
+#include "support/app.h"
+#include "support/right_click.h"
+#include "support/steps.h"
+#include "support/x_input.h"
+
+namespace {
+
+using test::Steps;
+
+class StandardAlert : public testing::Test {
+  protected:
+    StandardAlert() { test::start_application(); }
+    ~StandardAlert() override {
+        input_.let_go();
+        AnswerStandardAlerts(kAlertAnswerAsk);
+        [pool_ release];
+    }
+
+    static AlertPanel* panel() {
+        NSWindow* window = [NSApp modalWindow];
+        return [window isKindOfClass:[AlertPanel class]] ? static_cast<AlertPanel*>(window) : nil;
+    }
+    // Its keys come once the server has given it the focus.
+    static bool is_open() { return [panel() isVisible] && [panel() isKeyWindow]; }
+
+    static AlertStdCFStringAlertParamRec parameters() {
+        AlertStdCFStringAlertParamRec made = {};
+        made.version = kStdCFStringAlertVersionOne;
+        made.defaultText = CFSTR("Keep");
+        made.cancelText = CFSTR("Replace");
+        made.defaultButton = kAlertStdAlertOKButton;
+        return made;
+    }
+    void click(int item) {
+        const point_t at = [panel() middleOfItem:item];
+        ASSERT_GE(at.x, 0);
+        input_.move(at.x, at.y);
+        input_.click(1);
+    }
+    DialogItemIndex run(const AlertStdCFStringAlertParamRec& given,
+                        const std::function<void(Steps&)>& script) {
+        DialogRef alert = nullptr;
+        EXPECT_EQ(CreateStandardAlert(kAlertCautionAlert, CFSTR("A question?"),
+                                      CFSTR("Words that explain the question."), &given, &alert),
+                  noErr);
+        Steps steps;
+        script(steps);
+        DialogItemIndex item = -1;
+        steps.run_beside([&] { error_ = RunStandardAlert(alert, nullptr, &item); });
+        return item;
+    }
+    DialogItemIndex run_with_key(const AlertStdCFStringAlertParamRec& given, const char* key) {
+        return run(given, [&](Steps& steps) {
+            steps.when("the alert", is_open, [this, key] { input_.key(key); });
+        });
+    }
+
+    NSAutoreleasePool* pool_ = [NSAutoreleasePool new];
+    test::XInput input_;
+    OSStatus error_ = noErr;
+};
+
+}  // namespace
+
+TEST_F(StandardAlert, AClickHitsItsButton) {
+    for (const int item : {1, 2}) {
+        EXPECT_EQ(
+            run(parameters(),
+                [&](Steps& steps) { steps.when("the alert", is_open, [&] { click(item); }); }),
+            item);
+        EXPECT_EQ(error_, noErr);
+        EXPECT_EQ(panel(), nil);
+    }
+}
+
+TEST_F(StandardAlert, ReturnHitsTheDefaultButton) {
+    EXPECT_EQ(run_with_key(parameters(), "Return"), 1);
+    EXPECT_EQ(run_with_key(parameters(), "KP_Enter"), 1);
+    AlertStdCFStringAlertParamRec other = parameters();
+    other.defaultButton = kAlertStdAlertCancelButton;
+    EXPECT_EQ(run_with_key(other, "Return"), 2);
+}
+
+TEST_F(StandardAlert, EscapeHitsTheCancelButtonIfThereIsOne) {
+    AlertStdCFStringAlertParamRec given = parameters();
+    given.cancelButton = kAlertStdAlertCancelButton;
+    EXPECT_EQ(run_with_key(given, "Escape"), 2);
+    EXPECT_EQ(run(parameters(),
+                  [&](Steps& steps) {
+                      steps.when("the alert", is_open, [&] { input_.key("Escape"); })
+                          .when("it stays", is_open, [&] { input_.key("Return"); });
+                  }),
+              1);
+}
+
+TEST_F(StandardAlert, TabAndSpaceHitAnyButton) {
+    EXPECT_EQ(run(parameters(),
+                  [&](Steps& steps) {
+                      steps.when("the alert", is_open, [&] {
+                          for (const char* key : {"Tab", "Tab", "space"}) input_.key(key);
+                      });
+                  }),
+              2);
+}
+
+TEST_F(StandardAlert, APressThatIsLetGoElsewhereHitsNothing) {
+    EXPECT_EQ(run(parameters(),
+                  [&](Steps& steps) {
+                      steps.when("the alert", is_open, [&] {
+                          const point_t from = [panel() middleOfItem:2];
+                          input_.move(from.x, from.y);
+                          input_.press(1);
+                          input_.move(from.x, from.y - 60);
+                          input_.release(1);
+                          input_.key("Return");
+                      });
+                  }),
+              1);
+}
+
+TEST_F(StandardAlert, AThirdButtonStandsBesideTheOthers) {
+    AlertStdCFStringAlertParamRec given = parameters();
+    given.otherText = CFSTR("Something else, in many words");
+    EXPECT_EQ(run(given,
+                  [&](Steps& steps) {
+                      steps.when("the alert", is_open, [&] {
+                          EXPECT_LT([panel() middleOfItem:3].x, [panel() middleOfItem:2].x);
+                          EXPECT_LT([panel() middleOfItem:2].x, [panel() middleOfItem:1].x);
+                          click(3);
+                      });
+                  }),
+              3);
+}
+
+TEST_F(StandardAlert, TheRunLoopGoesOnMeanwhile) {
+    bool handled = false;
+    DeclareProcessSignature('MACS');
+    AEInstallEventHandler(
+        'test', 'test',
+        [](const AppleEvent*, AppleEvent*, void* refcon) -> OSErr {
+            *static_cast<bool*>(refcon) = true;
+            return noErr;
+        },
+        &handled, false);
+    run(parameters(), [&](Steps& steps) {
+        steps
+            .when("the alert", is_open,
+                  [] {
+                      const OSType signature = 'MACS';
+                      AEAddressDesc finder;
+                      AECreateDesc(typeApplSignature, &signature, sizeof signature, &finder);
+                      AppleEvent event;
+                      AECreateAppleEvent('test', 'test', &finder, kAutoGenerateReturnID,
+                                         kAnyTransactionID, &event);
+                      AESend(&event, nullptr, kAENoReply, kAENormalPriority, kAEDefaultTimeout,
+                             nullptr, nullptr);
+                      AEDisposeDesc(&event);
+                      AEDisposeDesc(&finder);
+                  })
+            .when(
+                "the event", [&] { return handled; }, [&] { input_.key("Return"); });
+    });
+    AERemoveEventHandler('test', 'test', nullptr, false);
+    DeclareProcessSignature(0);
+}
+
+TEST_F(StandardAlert, AnEndedModalSessionIsNoAnswer) {
+    EXPECT_EQ(run(parameters(),
+                  [&](Steps& steps) {
+                      steps.when("the alert", is_open, [] { test::end_modal_session(); });
+                  }),
+              0);
+    EXPECT_EQ(error_, userCanceledErr);
+}
+
+TEST_F(StandardAlert, AHostMayAnswerInsteadOfTheUser) {
+    const auto nothing = [](Steps&) {};
+    AnswerStandardAlerts(kAlertStdAlertCancelButton);
+    EXPECT_EQ(run(parameters(), nothing), 2);
+    AlertStdCFStringAlertParamRec other = parameters();
+    other.defaultButton = kAlertStdAlertCancelButton;
+    AnswerStandardAlerts(kAlertAnswerDefault);
+    EXPECT_EQ(run(other, nothing), 2);
+    EXPECT_EQ(run(parameters(), nothing), 1);
+}
+
+TEST_F(StandardAlert, BadParametersAreRefused) {
+    DialogRef alert = reinterpret_cast<DialogRef>(1);
+    AlertStdCFStringAlertParamRec given = parameters();
+    given.version = 2;
+    EXPECT_EQ(CreateStandardAlert(kAlertPlainAlert, CFSTR("?"), nullptr, &given, &alert), paramErr);
+    EXPECT_EQ(alert, nullptr);
+    DialogItemIndex item = 0;
+    EXPECT_EQ(RunStandardAlert(nullptr, nullptr, &item), paramErr);
+}
+
+TEST_F(StandardAlert, WithoutParametersThereIsOneButton) {
+    DialogRef alert = nullptr;
+    ASSERT_EQ(CreateStandardAlert(kAlertNoteAlert, CFSTR("Done."), nullptr, nullptr, &alert),
+              noErr);
+    DialogItemIndex item = 0;
+    Steps steps;
+    steps.when("the alert", is_open, [&] {
+        EXPECT_EQ([panel() middleOfItem:2].x, -1);
+        click(1);
+    });
+    steps.run_beside([&] { RunStandardAlert(alert, nullptr, &item); });
+    EXPECT_EQ(item, 1);
+}
