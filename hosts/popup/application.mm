@@ -23,6 +23,20 @@
 #pragma clang diagnostic pop
 @end
 
+// The command shows a menu at once; only a panel needs the rest of what an application is.
+@interface LateLauncher : NSObject
++ (void)panelBecameKey:(NSNotification*)notification;
+@end
+
+@implementation LateLauncher
+// The toolkit notes which window has the keyboard from then on, and which has it now.
++ (void)panelBecameKey:(NSNotification*)notification {
+    if (![[notification object] isKindOfClass:[NSPanel class]]) return;
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [NSApp finishLaunching];
+}
+@end
+
 namespace {
 
 void drop_log(NSString*) {}
@@ -90,6 +104,10 @@ void PrepareToolkit(char* program) {
 
 void StartApplication() {
     [NSApplication sharedApplication];
+    [[NSNotificationCenter defaultCenter] addObserver:[LateLauncher class]
+                                             selector:@selector(panelBecameKey:)
+                                                 name:NSWindowDidBecomeKeyNotification
+                                               object:nil];
     CatchExitSignals();  // the toolkit has put its own handlers there
     NSSetUncaughtExceptionHandler(end_with_exception);
 }

@@ -19,6 +19,7 @@
 
 namespace {
 
+const NSTimeInterval keyboard_watch = 0.1;
 const double screen_share_above = 0.3;  // of the room that the alert leaves
 
 point_t point_of(NSView* view, NSEvent* event) {
@@ -162,8 +163,12 @@ int item_at(const alert_layout_t& layout, point_t point) {
     panel->_layout = &layout;
     [panel placeOnScreenOfPointer];
     [NSApp activateIgnoringOtherApps:YES];
+    make_dialog_window(panel);
     [panel makeKeyAndOrderFront:nil];
+    give_keyboard_to_window(panel);
+    NSTimer* timer = [panel watchKeyboard];
     const NSInteger item = [NSApp runModalForWindow:panel];
+    [timer invalidate];
     [panel orderOut:nil];
     [panel release];
     return item > 0 ? static_cast<int>(item) : 0;
@@ -177,7 +182,7 @@ int item_at(const alert_layout_t& layout, point_t point) {
                                 defer:NO];
     if (!self) return nil;
     [self setReleasedWhenClosed:NO];
-    [self setTitle:@""];
+    [self setTitle:[[NSProcessInfo processInfo] processName]];
     [self setLevel:NSModalPanelWindowLevel];
     [self setHidesOnDeactivate:NO];
     [self setExcludedFromWindowsMenu:YES];
@@ -193,6 +198,25 @@ int item_at(const alert_layout_t& layout, point_t point) {
     const double below = (screen.height - size.height) * (1 - screen_share_above);
     const NSPoint corner = screen_point({screen.left, screen.bottom()});
     [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
+}
+
+// GNUstep hears late that an earlier window has lost the keyboard, and then throws away what is
+// typed into this one.
+- (NSTimer*)watchKeyboard {
+    NSTimer* timer = [NSTimer timerWithTimeInterval:keyboard_watch
+                                             target:self
+                                           selector:@selector(keepKeyboard:)
+                                           userInfo:nil
+                                            repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSModalPanelRunLoopMode];
+    return timer;
+}
+
+- (void)keepKeyboard:(NSTimer*)timer {
+    (void)timer;
+    if ([self isKeyWindow] || !window_has_keyboard(self)) return;
+    [NSApp activateIgnoringOtherApps:YES];
+    [self makeKeyWindow];
 }
 
 - (point_t)middleOfItem:(int)item {

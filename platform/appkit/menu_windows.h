@@ -1,5 +1,6 @@
-// Everything about menus that is the X server's: windows that no window manager touches, grabs,
-// screens, the pointer. Coordinates are the server's: pixels from the upper left. Main thread.
+// Everything about menus and alerts that is the X server's: windows that no window manager touches,
+// grabs, screens, the pointer. Coordinates are the server's: pixels from the upper left. Main
+// thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -39,6 +40,12 @@ void show_menu_window(NSWindow* window);
 
 // Takes a window that is not yet visible out of the window manager's hands.
 void free_from_window_manager(NSWindow* window);
+
+// For windows that the window manager does touch: as a dialog, before it is shown; and with the
+// keyboard once it is, also when the manager would rather leave that elsewhere.
+void make_dialog_window(NSWindow* window);
+void give_keyboard_to_window(NSWindow* window);
+bool window_has_keyboard(NSWindow* window);
 
 // Draws into the window that has the focus of drawing; null where it cannot be reached.
 struct _cairo;

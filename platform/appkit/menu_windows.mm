@@ -51,9 +51,9 @@ std::vector<area_t> screens() {
     return areas;
 }
 
-void set_window_type(::Window window) {
+void set_window_type(::Window window, const char* name) {
     const Atom property = XInternAtom(display(), "_NET_WM_WINDOW_TYPE", False);
-    Atom type = XInternAtom(display(), "_NET_WM_WINDOW_TYPE_POPUP_MENU", False);
+    Atom type = XInternAtom(display(), name, False);
     XChangeProperty(display(), window, property, XA_ATOM, 32, PropModeReplace,
                     reinterpret_cast<unsigned char*>(&type), 1);
 }
@@ -134,7 +134,7 @@ NSWindow* new_menu_window(const area_t& area) {
     [window setBackgroundColor:[NSColor clearColor]];
     [window setLevel:NSPopUpMenuWindowLevel];
     free_from_window_manager(window);
-    set_window_type(x_window(window));
+    set_window_type(x_window(window), "_NET_WM_WINDOW_TYPE_POPUP_MENU");
     return window;
 }
 
@@ -184,6 +184,43 @@ void show_menu_window(NSWindow* window) {
     raise_higher_windows([window level]);
     [window flushWindow];
     XFlush(display());
+}
+
+void make_dialog_window(NSWindow* window) {
+    set_window_type(x_window(window), "_NET_WM_WINDOW_TYPE_DIALOG");
+}
+
+// Where a window manager maps windows, that takes it a moment.
+static bool wait_until_viewable(::Window window) {
+    for (int tries = 0; tries < 100; tries++) {
+        XWindowAttributes attributes;
+        if (!XGetWindowAttributes(display(), window, &attributes)) return false;
+        if (attributes.map_state == IsViewable) return true;
+        usleep(10000);
+    }
+    return false;
+}
+
+void give_keyboard_to_window(NSWindow* window) {
+    const ::Window target = x_window(window);
+    if (!wait_until_viewable(target)) return;
+    XEvent message = {};
+    message.xclient.type = ClientMessage;
+    message.xclient.window = target;
+    message.xclient.message_type = XInternAtom(display(), "_NET_ACTIVE_WINDOW", False);
+    message.xclient.format = 32;
+    message.xclient.data.l[0] = 2;  // asked for by the user
+    XSendEvent(display(), DefaultRootWindow(display()), False,
+               SubstructureRedirectMask | SubstructureNotifyMask, &message);
+    XSetInputFocus(display(), target, RevertToParent, CurrentTime);
+    XSync(display(), False);
+}
+
+bool window_has_keyboard(NSWindow* window) {
+    ::Window focused = None;
+    int revert = 0;
+    XGetInputFocus(display(), &focused, &revert);
+    return focused == x_window(window);
 }
 
 _cairo* focused_cairo() {
