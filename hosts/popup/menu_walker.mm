@@ -42,6 +42,17 @@ std::string why_not_picked(NSMenuItem* item, const std::string& title) {
     return {};
 }
 
+// The one alternate of this very title; nil when there is none or several.
+NSMenuItem* find_alternate(NSMenu* menu, const std::string& title) {
+    NSMenuItem* found = nil;
+    for (NSMenuItem* item in [menu itemArray]) {
+        if (![item isAlternate] || TextOf([item title]) != title) continue;
+        if (found) return nil;
+        found = item;
+    }
+    return found;
+}
+
 }  // namespace
 
 NSMenuItem* FindVisibleItem(NSMenu* menu, const std::string& title, std::string* problem) {
@@ -143,6 +154,10 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
 - (void)pickIn:(NSMenu*)menu session:(MenuSession*)session {
     const std::string& title = _titles->back();
     NSMenuItem* item = FindVisibleItem(menu, title, _problem);
+    if (!item && (item = find_alternate(menu, title))) {
+        // Its keys are pressed for the pick alone.
+        SetHeldModifierFlags([item keyEquivalentModifierMask]);
+    }
     if (!item) return;
     *_problem = why_not_picked(item, title);
     if (!_problem->empty()) return;

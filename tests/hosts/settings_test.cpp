@@ -68,7 +68,8 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "preview_size",
                                             "open_after_file_op",
                                             "open_with_path",
-                                            "folders"};
+                                            "folders",
+                                            "operations_by_file_manager"};
     std::set<std::string> known;
     for (const Setting& setting : AllSettings()) known.insert(setting.key);
     EXPECT_EQ(known, expected);

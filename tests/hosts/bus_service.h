@@ -1,0 +1,60 @@
+// A session bus for a test, and services on it that note what they are asked.
+#pragma once
+
+#include <gio/gio.h>
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace test {
+
+// A bus daemon of the test's own, which is this process's session bus while the object lives. It
+// starts the services of /usr/share/dbus-1 only with `system_services`.
+class SessionBus {
+  public:
+    explicit SessionBus(bool system_services = false);
+    ~SessionBus();
+    SessionBus(const SessionBus&) = delete;
+    SessionBus& operator=(const SessionBus&) = delete;
+
+    const std::string& address() const { return address_; }
+
+  private:
+    std::string address_;
+    pid_t daemon_ = 0;
+};
+
+// Owns a name and answers the methods of one object, each with an empty answer or with an error.
+class BusService {
+  public:
+    // `interfaces` is D-Bus introspection XML.
+    BusService(const SessionBus& bus, const char* name, const char* object, const char* interfaces,
+               const char* error = nullptr);
+    ~BusService();
+    BusService(const BusService&) = delete;
+    BusService& operator=(const BusService&) = delete;
+
+    // Each as "interface.Method(arguments)", the arguments as GVariant text.
+    std::vector<std::string> calls();
+
+  private:
+    static void called(GDBusConnection*, const char*, const char*, const char* interface,
+                       const char* method, GVariant* arguments, GDBusMethodInvocation* invocation,
+                       gpointer self);
+    void serve();
+
+    const std::string address_, name_, object_;
+    const char* error_;
+    GDBusNodeInfo* node_;
+    GMainContext* context_;
+    GMainLoop* loop_;
+    std::atomic<bool> ready_{false};
+    std::mutex mutex_;
+    std::vector<std::string> calls_;
+    std::thread thread_;
+};
+
+}  // namespace test
