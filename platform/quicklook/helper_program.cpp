@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -62,7 +63,9 @@ pid_t start(const std::string& program, const std::vector<std::string>& argument
     for (const std::string& word : arguments) words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
     char path[] = "PATH=/usr/local/bin:/usr/bin:/bin", language[] = "LANG=C.UTF-8";
-    char* environment[] = {path, language, nullptr};
+    const char* folder = getenv("TMPDIR");
+    std::string temporary = "TMPDIR=" + std::string(folder && *folder ? folder : "/tmp");
+    char* environment[] = {path, language, temporary.data(), nullptr};
     const SpawnSettings settings(reply);
     pid_t process = 0;
     const int error = posix_spawn(&process, program.c_str(), settings.actions(),

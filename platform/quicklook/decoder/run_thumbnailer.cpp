@@ -8,6 +8,7 @@
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -87,36 +88,55 @@ std::string expanded(const char* word, const Job& job) {
 
 enum class Run { done, failed, too_slow, not_started };
 
-// SIGCHLD is blocked, so that a wait with a time limit can hear it.
-Run run(const Words& words, const Job& job, time_t limit) {
-    sigset_t child_ended;
-    sigemptyset(&child_ended);
-    sigaddset(&child_ended, SIGCHLD);
-    sigprocmask(SIG_BLOCK, &child_ended, nullptr);
+// Blocked, so that a wait with a time limit can hear them: the program has ended, whoever started
+// us has ended, our time is up.
+sigset_t awaited_signals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGCHLD, SIGTERM, SIGALRM}) sigaddset(&signals, signal);
+    return signals;
+}
+
+time_t now() {
+    timespec time;
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return time.tv_sec;
+}
+
+pid_t start(const Words& words, const Job& job) {
+    const sigset_t signals = awaited_signals();
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     const pid_t child = fork();
-    if (child < 0) return Run::not_started;
     if (child == 0) {
-        sigprocmask(SIG_UNBLOCK, &child_ended, nullptr);
+        signal(SIGPIPE, SIG_DFL);
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        sigprocmask(SIG_UNBLOCK, &signals, nullptr);
         become_program(words, job);
     }
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    const time_t end = now.tv_sec + limit;
+    return child;
+}
+
+Run run(const Words& words, const Job& job, time_t limit) {
+    const pid_t child = start(words, job);
+    if (child < 0) return Run::not_started;
+    const sigset_t signals = awaited_signals();
+    const time_t end = now() + limit;
     int status = 0;
     while (waitpid(child, &status, WNOHANG) == 0) {
         const timespec second = {1, 0};
-        sigtimedwait(&child_ended, nullptr, &second);
-        clock_gettime(CLOCK_MONOTONIC, &now);
-        if (now.tv_sec >= end) return Run::too_slow;
+        const int heard = sigtimedwait(&signals, nullptr, &second);
+        if (heard == SIGTERM || heard == SIGALRM || now() >= end) return Run::too_slow;
     }
-    sigprocmask(SIG_UNBLOCK, &child_ended, nullptr);
     if (WIFEXITED(status) && WEXITSTATUS(status) == 127) return Run::not_started;
     return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? Run::done : Run::failed;
 }
 
 std::string temporary_folder() {
-    char folder[] = "/tmp/delvio-thumbnail.XXXXXX";
-    return mkdtemp(folder) ? folder : "";
+    const char* parent = getenv("TMPDIR");
+    std::string folder = std::string(parent ? parent : "/tmp") + "/delvio-thumbnail.XXXXXX";
+    return mkdtemp(folder.data()) ? folder : "";
 }
 
 void remove_folder(const Job& job) {
@@ -135,6 +155,9 @@ void decode_output(const Job& job, char** words) {
     char name[] = "thumbnail.png";
     char* arguments[] = {const_cast<char*>(decoder.c_str()), words[width], words[height], name,
                          nullptr};
+    const sigset_t signals = awaited_signals();
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    sigprocmask(SIG_UNBLOCK, &signals, nullptr);
     execv(decoder.c_str(), arguments);
     write_reply(Outcome::none);
 }
@@ -150,20 +173,18 @@ void make(int count, char** words) {
     job.output = job.folder + "/thumbnail.png";
     Words command = {words[program]};
     for (int i = program + 1; i < count; i++) command.push_back(expanded(words[i], job));
-    switch (run(command, job, atoi(words[seconds]))) {
-        case Run::done:
-            return decode_output(job, words);
-        case Run::not_started:
-            write_reply(Outcome::none);
-            break;
-        case Run::failed:
-            write_reply(Outcome::broken);
-            break;
-        case Run::too_slow:
-            write_reply(Outcome::too_slow);
-            break;
-    }
+    const Run result = run(command, job, atoi(words[seconds]));
+    if (result == Run::done) return decode_output(job, words);
+    // Before the reply: it ends us.
     remove_folder(job);
+    switch (result) {
+        case Run::too_slow:
+            return write_reply(Outcome::too_slow);
+        case Run::failed:
+            return write_reply(Outcome::broken);
+        default:
+            return write_reply(Outcome::none);
+    }
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -96,7 +97,16 @@ class HostileFiles : public testing::TestWithParam<bool> {
         EXPECT_LT(resident_memory(), memory + 8 * megabyte);
         expect_no_child();
     }
-    void expect_no_child() { EXPECT_TRUE(test::no_child_is_left()); }
+    void expect_no_child() {
+        EXPECT_TRUE(test::no_child_is_left());
+        expect_no_folder();
+    }
+    // Of those that thumbnailers write to.
+    void expect_no_folder() {
+        for (const auto& entry : fs::directory_iterator(getenv("TMPDIR"))) {
+            EXPECT_EQ(entry.path().filename().string().find("delvio-thumbnail"), std::string::npos);
+        }
+    }
     // Who was killed is gone from the list of processes soon.
     void expect_no_program(const std::string& pattern) {
         const std::string question = "pgrep -f '" + pattern + "' >/dev/null";
@@ -215,6 +225,23 @@ TEST_P(HostileFiles, AThumbnailerThatHangsIsCutOffWithAllThatItStarted) {
     start = std::chrono::steady_clock::now();
     expect_nothing_from(path, impatient);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST_P(HostileFiles, AThumbnailerEndsWithItsHost) {
+    install("sleep 300.625 & sleep 300.625\n");
+    const std::string path = subject();
+    const pid_t host = fork();
+    if (host == 0) {
+        maker.make(path, box);
+        _exit(0);
+    }
+    const char question[] = "pgrep -f 'sleep 300[.]625' >/dev/null";
+    for (int i = 0; i < 500 && system(question) != 0; i++) usleep(20000);
+    EXPECT_EQ(system(question), 0);
+    kill(host, SIGKILL);
+    waitpid(host, nullptr, 0);
+    expect_no_program("sleep 300[.]625");
+    expect_no_folder();
 }
 
 TEST_P(HostileFiles, AThumbnailerThatCrashesHasNoPicture) {
