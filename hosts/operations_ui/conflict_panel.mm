@@ -93,9 +93,7 @@ Answer AskAbout(const Conflict& conflict) {
         [panel partsChanged];
     };
     panel = [panel initWithWidth:width height:height parts:parts hit:hit];
-    [panel show];
-    const NSInteger code = [NSApp runModalForWindow:panel];
-    [panel orderOut:nil];
+    const NSInteger code = [panel runModal];
     const Part* check = [panel partOfItem:apply_to_all];
     // Anything but a button ends it as Stop: nothing more is touched.
     Answer answer = {Choice::Stop, check && check->on};

@@ -41,8 +41,10 @@ using Hit = std::function<void(int)>;
 - (std::vector<operations::Part>&)parts;
 - (operations::Part*)partOfItem:(int)item;
 - (void)partsChanged;
-// In the middle of the pointer's screen, before the other windows, with the keyboard.
+// In the middle of the pointer's screen, before the other windows; leaves the keyboard where it is.
 - (void)show;
+// The same with the keyboard, until somebody stops the modal session; returns with what.
+- (NSInteger)runModal;
 // Where the part is in the window, in its base coordinates.
 - (NSRect)areaOfPart:(const operations::Part&)part;
 @end

@@ -11,6 +11,7 @@ using operations::PartKind;
 
 namespace {
 
+const NSTimeInterval keyboard_watch = 0.1;
 const double screen_share_above = 0.3;  // of the room that the panel leaves
 
 // What a view keeps that is no object.
@@ -171,14 +172,44 @@ bool can_be_hit(const Part& part) {
     [[self contentView] setNeedsDisplay:YES];
 }
 
-- (void)show {
+- (void)place {
     const area_t screen = screen_at(current_pointer().at);
     const NSSize size = [self frame].size;
     const NSPoint corner = screen_point({screen.left, screen.bottom()});
     const double below = (screen.height - size.height) * (1 - screen_share_above);
     [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
+    make_dialog_window(self);
+}
+
+- (void)show {
+    [self place];
+    [self orderFrontRegardless];
+}
+
+- (NSInteger)runModal {
+    [self place];
     [NSApp activateIgnoringOtherApps:YES];
     [self makeKeyAndOrderFront:nil];
+    give_keyboard_to_window(self);
+    NSTimer* timer = [NSTimer timerWithTimeInterval:keyboard_watch
+                                             target:self
+                                           selector:@selector(keepKeyboard:)
+                                           userInfo:nil
+                                            repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSModalPanelRunLoopMode];
+    const NSInteger code = [NSApp runModalForWindow:self];
+    [timer invalidate];
+    [self orderOut:nil];
+    return code;
+}
+
+// GNUstep hears late that an earlier window has lost the keyboard, and then throws away what is
+// typed into this one.
+- (void)keepKeyboard:(NSTimer*)timer {
+    (void)timer;
+    if ([self isKeyWindow] || !window_has_keyboard(self)) return;
+    [NSApp activateIgnoringOtherApps:YES];
+    [self makeKeyWindow];
 }
 
 - (NSRect)areaOfPart:(const Part&)part {
