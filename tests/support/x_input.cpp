@@ -3,6 +3,7 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
+#include <X11/extensions/Xfixes.h>
 
 #include <sstream>
 #include <stdexcept>
@@ -87,6 +88,15 @@ bool XInput::pointer_is_free() {
     if (status == GrabSuccess) XUngrabPointer(display_, CurrentTime);
     XSync(display_, False);
     return status == GrabSuccess;
+}
+
+unsigned long XInput::cursor() {
+    XFixesCursorImage* image = XFixesGetCursorImage(display_);
+    if (!image) throw std::runtime_error("no cursor");
+    unsigned long sum = image->width * 31 + image->height;
+    for (int i = 0; i < image->width * image->height; i++) sum = sum * 31 + image->pixels[i];
+    XFree(image);
+    return sum;
 }
 
 unsigned long XInput::pixel(int x, int y) {
