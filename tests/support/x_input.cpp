@@ -90,6 +90,11 @@ bool XInput::pointer_is_free() {
     return status == GrabSuccess;
 }
 
+void XInput::focus(unsigned long window) {
+    XSetInputFocus(display_, window, RevertToPointerRoot, CurrentTime);
+    XSync(display_, False);
+}
+
 unsigned long XInput::cursor() {
     XFixesCursorImage* image = XFixesGetCursorImage(display_);
     if (!image) throw std::runtime_error("no cursor");

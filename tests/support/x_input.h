@@ -30,6 +30,8 @@ class XInput {
     // Whether another program could grab the pointer now: false while a menu holds it.
     bool pointer_is_free();
     bool keyboard_is_free();
+    // Gives a window the keyboard, as a click on it may.
+    void focus(unsigned long window);
     // A number that tells the shown cursor from others.
     unsigned long cursor();
     // The colour of a pixel of the screen, 0xRRGGBB.

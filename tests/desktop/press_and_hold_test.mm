@@ -1,0 +1,132 @@
+// The menu by press and hold, in a file manager's window with the plug-in inside.
+#include <AppKit/AppKit.h>
+#include <Carbon/Processes.h>
+#include <gtest/gtest.h>
+
+#include "desktop/desk.h"
+#include "desktop/window_program.h"
+
+namespace {
+
+using test::Steps;
+using titles_t = std::vector<std::string>;
+
+class PressAndHold : public test::Desk {
+  protected:
+    void SetUp() override {
+        folder_.file("project/readme.txt", "r");
+        select({folder_.path("project")});
+        set_preference("logLevel", "2");
+        set_preference("control_free_delay_usec", "150000");
+        enable(2);
+    }
+    void TearDown() override {
+        enable(0);
+        set_preference("logLevel", "0");
+    }
+    // A setting counts from the next menu on.
+    void enable(int mode) {
+        set_preference("control_free_enabled", std::to_string(mode));
+        walk({});
+        input().move(300, 350);
+    }
+    static size_t activations() { return log_lines("Delvio: Activate control-free popup").size(); }
+    static bool is_front() {
+        ProcessSerialNumber front, current;
+        Boolean same = false;
+        GetCurrentProcess(&current);
+        return GetFrontProcess(&front) == noErr && SameProcess(&front, &current, &same) == noErr &&
+               same;
+    }
+    // Presses, holds until the cursor tells that the menu is armed, and goes on.
+    void hold(Steps& steps, std::function<void()> then) {
+        steps.when(
+            "the pointer", [] { return true; },
+            [this] {
+                before_ = input().cursor();
+                input().press(1);
+            });
+        steps.when(
+            "the armed cursor", [this] { return input().cursor() != before_; }, then);
+    }
+
+    unsigned long before_ = 0;
+};
+
+}  // namespace
+
+TEST_F(PressAndHold, OpensTheMenuWithThePlugInsItems) {
+    titles_t shown;
+    Steps steps;
+    hold(steps, [this] { input().release(1); });
+    steps.when(
+        "the menu", [this] { return is_open(0); },
+        [&] {
+            shown = titles(0);
+            escape();
+        });
+    const int popups = [window() popups];
+    steps.when("its end", [&] { return [window() popups] > popups; });
+    steps.run();
+    EXPECT_EQ(shown, titles_t({"project", "-", "Open", "Get Info", "Duplicate"}));
+}
+
+TEST_F(PressAndHold, AMoveByOnePixelCancels) {
+    const size_t before = activations();
+    Steps steps;
+    hold(steps, [this] { input().move(301, 350); });
+    steps.when(
+        "the cursor as it was", [this] { return input().cursor() == before_; },
+        [this] { input().release(1); });
+    NSDate* later = [NSDate dateWithTimeIntervalSinceNow:1];
+    steps.when("a while", [&] { return [later timeIntervalSinceNow] < 0; });
+    steps.run();
+    EXPECT_EQ(activations(), before);
+    EXPECT_FALSE(is_open(0));
+}
+
+TEST_F(PressAndHold, ThePickedFileOpens) {
+    Steps steps;
+    hold(steps, [this] { input().release(1); });
+    hover_along(steps, {"project"});
+    steps.when(
+        "the level", [this] { return is_open(1); }, [this] { click("readme.txt"); });
+    const int popups = [window() popups];
+    steps.when("its end", [&] { return [window() popups] > popups; });
+    steps.run();
+    EXPECT_EQ(program().wait(), titles_t({folder_.path("project/readme.txt")}));
+}
+
+TEST_F(PressAndHold, OtherProgramsWindowsCountInModeTwoAlone) {
+    test::WindowProgram program({"window", "show", "focus"});
+    const size_t before = activations();
+    Steps steps;
+    steps.when(
+        "the hand", [] { return true; }, [this] { input().move(30, 30); });
+    hold(steps, [this] { input().release(1); });
+    steps.when("the right click", [&] { return activations() > before; });
+    steps.run();
+    EXPECT_EQ(activations(), before + 1);
+
+    enable(1);
+    test::WindowProgram front({"window", "show", "focus"});
+    Steps second;
+    NSDate* later = nil;
+    second.when(
+        "the other program in front", [] { return !is_front(); },
+        [&] {
+            later = [[NSDate dateWithTimeIntervalSinceNow:1] retain];
+            input().move(30, 30);
+            before_ = input().cursor();
+            input().press(1);
+        });
+    second.when(
+        "a while", [&] { return [later timeIntervalSinceNow] < 0; },
+        [this] {
+            EXPECT_EQ(input().cursor(), before_);
+            input().release(1);
+        });
+    second.run();
+    [later release];
+    EXPECT_EQ(activations(), before + 1);
+}
