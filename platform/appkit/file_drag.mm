@@ -82,23 +82,25 @@ void send_external(GSDragView* self, SEL selector, GSAppKitSubtype subtype, NSDr
     }
 }
 
+MachPort* offer_port;
+
+// A connection without a display behind it would be readable for ever.
 void answer_requests(void*) {
-    if (FileOffer* offer = FileOffer::shared()) offer->answer();
+    if (!FileOffer::shared()) [offer_port invalidate];
 }
 
 // Who got the files may ask for them long after the drag.
 bool serve_offer() {
-    static MachPort* port;
     FileOffer* offer = FileOffer::shared();
     if (!offer) return false;
-    if (port) return true;
-    port = [[MachPort alloc] initWithDescriptor:offer->descriptor()
-                                        handler:answer_requests
-                                           info:nullptr];
+    if (offer_port) return true;
+    offer_port = [[MachPort alloc] initWithDescriptor:offer->descriptor()
+                                              handler:answer_requests
+                                                 info:nullptr];
     for (NSString *mode in
          [NSArray arrayWithObjects:NSDefaultRunLoopMode, NSEventTrackingRunLoopMode,
                                    NSModalPanelRunLoopMode, nil]) {
-        [port serveInMode:mode];
+        [offer_port serveInMode:mode];
     }
     return true;
 }

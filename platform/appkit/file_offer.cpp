@@ -37,6 +37,7 @@ FileOffer* FileOffer::shared() {
             offer = nullptr;
         }
     }
+    if (offer) offer->answer();  // which also finds that the display has gone
     return offer && !offer->is_broken() ? offer : nullptr;
 }
 

@@ -8,7 +8,8 @@ struct xcb_connection_t;
 
 class FileOffer {
   public:
-    // Null without a display. Lives as long as the process: who got a drop may ask late.
+    // After answering all that has come. Null without a display, and from when it has gone. Lives
+    // as long as the process: who got a drop may ask late.
     static FileOffer* shared();
 
     // From now on `uri_list` (lines that end in CR LF) is what is dragged.

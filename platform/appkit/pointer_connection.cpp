@@ -1,8 +1,10 @@
 #include "appkit/pointer_connection.h"
 
 #include <X11/Xlib.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/socket.h>
 
 #include <string>
 
@@ -22,6 +24,13 @@ struct connection_t {
 // In place of ending the process: the toolkit decides that by its own connection.
 void note_loss(Display*, void* connection) {
     static_cast<connection_t*>(connection)->broken = true;
+}
+
+// Xlib ends the process where it finds the far end closed, whatever was asked for above.
+bool has_gone(Display* display) {
+    char byte;
+    const ssize_t count = recv(ConnectionNumber(display), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
 }
 
 Display* open_connection(connection_t* connection) {
@@ -46,6 +55,7 @@ void follow_keyboard(Display* display) {
 Display* pointer_connection() {
     static thread_local connection_t connection;
     const char* name = getenv("DISPLAY");
+    if (connection.display && !connection.broken) connection.broken = has_gone(connection.display);
     if (connection.broken && connection.display) {
         connection.display = nullptr;
         connection.refused = name ? name : "";

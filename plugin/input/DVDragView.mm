@@ -1,5 +1,7 @@
 #include "input/DVDragView.h"
 
+#include <CoreGraphics/CoreGraphics.h>
+
 #include "finder/dv_finder.h"
 #include "menus/DVDelvio+Population.h"
 #include "support/dv_log.h"
@@ -62,6 +64,15 @@
 
 - (BOOL)isOpaque {
     return NO;
+}
+
+- (void)drawRect:(NSRect)dirty {
+    (void)dirty;
+    CGContextRef context =
+        static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
+    CGContextSetRGBFillColor(context, 1, 0, 0, 0.5);
+    CGContextFillRect(context, [self bounds]);
+    if (dvEnableDebugOutput) dvdprintf("Delvio: Draw drag view\n");
 }
 
 - (void)dealloc {

@@ -192,6 +192,36 @@ TEST_F(Dragging, TheDragViewOffersEverythingToAll) {
     EXPECT_FALSE([drag_view() isOpaque]);
 }
 
+TEST_F(Dragging, TheDragViewIsDrawnHalfTransparentRed) {
+    NSWindow* window = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 64, 64)
+                                                   styleMask:NSBorderlessWindowMask
+                                                     backing:NSBackingStoreBuffered
+                                                       defer:NO];
+    [window setReleasedWhenClosed:NO];
+    [window setBackgroundColor:[NSColor whiteColor]];
+    DVDragView* view = [[DVDragView alloc] initWithFrame:NSMakeRect(0, 0, 64, 64)];
+    [[window contentView] addSubview:view];
+    dvEnableDebugOutput = 1;
+    const std::string log = test::output_of([&] {
+        [window orderFrontRegardless];
+        [window display];
+    });
+    dvEnableDebugOutput = 0;
+    EXPECT_NE(log.find("Delvio: Draw drag view\n"), std::string::npos);
+    // Over white.
+    test::XInput input;
+    const int bottom = static_cast<int>(NSHeight([[NSScreen mainScreen] frame]));
+    test::Steps steps;
+    steps.when("the colour", [&] {
+        const unsigned long pixel = input.pixel(20, bottom - 20);
+        return pixel == 0xFF8080 || pixel == 0xFF7F7F;
+    });
+    steps.run();
+    [view release];
+    [window close];
+    [window release];
+}
+
 TEST_F(Dragging, ThePointersPlaceCountsFromTheTop) {
     test::XInput input;
     input.move(120, 70);
