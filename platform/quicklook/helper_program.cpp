@@ -22,6 +22,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+const int pipe_size = 1024 * 1024;
+
 class SpawnSettings {
   public:
     explicit SpawnSettings(int reply) {
@@ -133,6 +135,8 @@ Answer run_helper(const std::string& program, const std::vector<std::string>& ar
                                              std::chrono::duration<double>(seconds));
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return {};
+    // Room for a whole picture saves turns of writing and reading; if that is refused, no harm.
+    fcntl(ends[0], F_SETPIPE_SZ, pipe_size);
     const pid_t process = start(program, arguments, ends[1]);
     close(ends[1]);
     Answer answer;

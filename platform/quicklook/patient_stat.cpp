@@ -8,6 +8,8 @@
 #include <system_error>
 #include <thread>
 
+#include "quicklook/local_stat.h"
+
 namespace thumbnails {
 
 namespace {
@@ -59,6 +61,15 @@ bool start_asking(const std::shared_ptr<Question>& question) {
 }  // namespace
 
 std::optional<struct stat> patient_stat(const std::string& path, double seconds) {
+    struct stat status;
+    switch (local_stat(path, &status)) {
+        case Local::found:
+            return status;
+        case Local::missing:
+            return {};
+        case Local::unknown:
+            break;
+    }
     std::unique_lock guard(questions().lock);
     auto& stuck = questions().stuck_folders;
     if (stuck.size() >= most_stuck || stuck.count(folder_of(path))) return {};

@@ -15,6 +15,7 @@
 
 #include "children.h"
 #include "quicklook/background.h"
+#include "quicklook/local_stat.h"
 #include "quicklook/patient_stat.h"
 #include "quicklook/thumbnail_maker.h"
 #include "sample_files.h"
@@ -130,6 +131,30 @@ TEST_F(Unanswering, AFileThatCannotEvenBeLookedAtHasNone) {
 TEST_F(Unanswering, AFolderThatDoesNotAnswerIsNotAskedTwice) {
     const std::string other = folder.file("other");
     expect_no_harm([&](const std::string& silent) { return look(silent, other); });
+}
+
+// The same as stat says, or unknown where the path leaves the local disk.
+TEST(LocalStat, SaysWhatStatSays) {
+    const test::TempFolder folder;
+    auto& files = const_cast<test::TempFolder&>(folder);
+    const std::string file = files.file("a file", "text");
+    const std::string link = files.link("link", file);
+    const std::string away = files.link("away", "/proc/self/status");
+    for (const std::string& path : {file, link, folder.path(), std::string("/")}) {
+        struct stat ours = {}, theirs = {};
+        const Local local = local_stat(path, &ours);
+        ASSERT_EQ(stat(path.c_str(), &theirs), 0);
+        if (local == Local::unknown) continue;  // the link's way, or all of it, is on other disks
+        EXPECT_EQ(local, Local::found) << path;
+        EXPECT_EQ(ours.st_ino, theirs.st_ino) << path;
+        EXPECT_EQ(ours.st_mtime, theirs.st_mtime) << path;
+    }
+    struct stat status;
+    EXPECT_EQ(local_stat("/proc/self/status", &status), Local::unknown);
+    EXPECT_EQ(local_stat(away, &status), Local::unknown);
+    EXPECT_NE(local_stat(folder.path("missing"), &status), Local::found);
+    EXPECT_TRUE(patient_stat(away, 30));
+    EXPECT_FALSE(patient_stat(folder.path("missing"), 30));
 }
 
 // A helper program of the test's own.

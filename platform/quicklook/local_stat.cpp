@@ -1,0 +1,143 @@
+#include "quicklook/local_stat.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <poll.h>
+#include <string.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <mutex>
+#include <sstream>
+#include <vector>
+
+namespace thumbnails {
+
+namespace {
+
+const char* const local_types[] = {"bcachefs", "btrfs",   "erofs", "exfat",    "ext2",
+                                   "ext3",     "ext4",    "f2fs",  "iso9660",  "jfs",
+                                   "ntfs3",    "overlay", "ramfs", "reiserfs", "squashfs",
+                                   "tmpfs",    "udf",     "vfat",  "xfs",      "zfs"};
+
+struct Mount {
+    std::string folder;
+    bool is_local;
+};
+
+bool is_local_type(const std::string& type) {
+    for (const char* local : local_types) {
+        if (type == local) return true;
+    }
+    return false;
+}
+
+// Spaces and the like stand as backslash and three octal digits.
+std::string unescaped(const std::string& text) {
+    std::string plain;
+    for (size_t i = 0; i < text.size(); i++) {
+        if (text[i] == '\\' && i + 3 < text.size()) {
+            plain += static_cast<char>(std::stoi(text.substr(i + 1, 3), nullptr, 8));
+            i += 3;
+        } else {
+            plain += text[i];
+        }
+    }
+    return plain;
+}
+
+// The list of mounts, read again when it has changed.
+class Mounts {
+  public:
+    // The folder of the mount that the path is on; empty unless all mounts on the way are local.
+    std::string local_mount_of(const std::string& path) {
+        const std::lock_guard guard(lock_);
+        if (!is_current()) read_again();
+        std::string best;
+        for (const Mount& mount : mounts_) {
+            const bool is_above = mount.folder == "/" || path == mount.folder ||
+                                  path.compare(0, mount.folder.size() + 1, mount.folder + "/") == 0;
+            if (!is_above) continue;
+            if (!mount.is_local) return {};
+            if (mount.folder.size() > best.size()) best = mount.folder;
+        }
+        return best;
+    }
+
+  private:
+    // A process that was forked may have moved to other mounts.
+    bool is_current() const {
+        if (file_ < 0 || process_ != getpid()) return false;
+        pollfd changed = {file_, POLLPRI, 0};
+        return poll(&changed, 1, 0) == 0;
+    }
+
+    void read_again() {
+        mounts_.clear();
+        if (process_ != getpid() && file_ >= 0) {
+            close(file_);
+            file_ = -1;
+        }
+        if (file_ < 0) file_ = open("/proc/self/mountinfo", O_RDONLY | O_CLOEXEC);
+        process_ = getpid();
+        if (file_ < 0 || lseek(file_, 0, SEEK_SET) != 0) return;
+        std::string text;
+        char buffer[16384];
+        for (ssize_t count; (count = read(file_, buffer, sizeof buffer)) > 0;) {
+            text.append(buffer, static_cast<size_t>(count));
+        }
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) add(line);
+    }
+
+    // 36 35 98:0 /root /folder options - type source options
+    void add(const std::string& line) {
+        std::istringstream words(line);
+        std::string skipped, folder, type;
+        words >> skipped >> skipped >> skipped >> skipped >> folder;
+        while (words >> skipped && skipped != "-") {
+        }
+        words >> type;
+        mounts_.push_back({unescaped(folder), is_local_type(type)});
+    }
+
+    std::mutex lock_;
+    int file_ = -1;
+    pid_t process_ = 0;
+    std::vector<Mount> mounts_;
+};
+
+// Never leaves the mount that `folder` is the root of: with EXDEV when the path would.
+int open_within(const std::string& folder, const std::string& rest) {
+    const int root = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (root < 0) return -1;
+    open_how how = {};
+    how.flags = O_PATH | O_CLOEXEC;
+    how.resolve = RESOLVE_NO_XDEV | RESOLVE_NO_MAGICLINKS;
+    const auto file = static_cast<int>(syscall(SYS_openat2, root, rest.c_str(), &how, sizeof how));
+    const int error = errno;
+    close(root);
+    errno = error;
+    return file;
+}
+
+}  // namespace
+
+Local local_stat(const std::string& path, struct stat* status) {
+    static Mounts& mounts = *new Mounts;
+    const std::string folder = mounts.local_mount_of(path);
+    if (folder.empty()) return Local::unknown;
+    std::string rest = path.substr(folder == "/" ? 1 : folder.size());
+    while (!rest.empty() && rest[0] == '/') rest.erase(0, 1);
+    const int file = open_within(folder, rest.empty() ? "." : rest);
+    if (file < 0) {
+        const bool is_missing = errno == ENOENT || errno == ENOTDIR || errno == EACCES;
+        return is_missing ? Local::missing : Local::unknown;
+    }
+    const bool is_found = fstat(file, status) == 0;
+    close(file);
+    return is_found ? Local::found : Local::missing;
+}
+
+}  // namespace thumbnails

@@ -1,0 +1,19 @@
+// stat for files of this machine's own disks, which always answer. Any thread.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+
+namespace thumbnails {
+
+enum class Local {
+    found,
+    missing,
+    unknown,  // somewhere along the path is another kind of file system: nothing was asked of it
+};
+
+// Fills `status` when it says found. `path` is absolute, without "." and ".." in it.
+Local local_stat(const std::string& path, struct stat* status);
+
+}  // namespace thumbnails
