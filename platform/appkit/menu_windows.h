@@ -5,6 +5,8 @@
 
 #include <AppKit/AppKit.h>
 
+#include <vector>
+
 #include "appkit/menu_geometry.h"
 
 struct pointer_t {
@@ -40,6 +42,8 @@ void show_menu_window(NSWindow* window);
 
 // Takes a window that is not yet visible out of the window manager's hands.
 void free_from_window_manager(NSWindow* window);
+// Cuts the window to these rectangles, which count from its upper left corner.
+void cut_window(NSWindow* window, const std::vector<area_t>& parts);
 
 // For windows that the window manager does touch: as a dialog, before it is shown; and with the
 // keyboard once it is, also when the manager would rather leave that elsewhere.

@@ -99,8 +99,8 @@ pointer_t current_pointer() {
     unsigned mask = 0;
     XQueryPointer(display(), DefaultRootWindow(display()), &root, &child, &x, &y, &inner_x,
                   &inner_y, &mask);
-    const unsigned buttons = (mask & Button1Mask ? 1 : 0) | (mask & Button3Mask ? 2 : 0) |
-                             (mask & Button2Mask ? 4 : 0);
+    const unsigned buttons =
+        (mask & Button1Mask ? 1 : 0) | (mask & Button3Mask ? 2 : 0) | (mask & Button2Mask ? 4 : 0);
     return {{x, y}, buttons};
 }
 
@@ -154,6 +154,17 @@ void hide_shape_of_menu_window(NSWindow* window) {
     XShapeCombineRectangles(display(), x_window(window), ShapeBounding, 0, 0, nullptr, 0, ShapeSet,
                             Unsorted);
     XFlush(display());
+}
+
+void cut_window(NSWindow* window, const std::vector<area_t>& parts) {
+    std::vector<XRectangle> rectangles;
+    for (const area_t& part : parts) {
+        rectangles.push_back({static_cast<short>(part.left), static_cast<short>(part.top),
+                              static_cast<unsigned short>(part.width),
+                              static_cast<unsigned short>(part.height)});
+    }
+    XShapeCombineRectangles(display(), x_window(window), ShapeBounding, 0, 0, rectangles.data(),
+                            static_cast<int>(rectangles.size()), ShapeSet, Unsorted);
 }
 
 void shape_menu_window(NSWindow* window, int radius) {

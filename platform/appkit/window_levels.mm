@@ -3,13 +3,15 @@
 #include <AppKit/AppKit.h>
 
 #include <GNUstepGUI/GSDisplayServer.h>
+#include <cairo.h>
 
 #include "appkit/menu_windows.h"
 #include "appkit/method_patch.h"
+#include "appkit/view_pixels.h"
 
 namespace {
 
-IMP stock_set_level, stock_set_alpha;
+IMP stock_set_level, stock_set_alpha, stock_flush;
 
 bool has_server_window(NSWindow* window) { return GSCurrentServer() && [window windowNumber] > 0; }
 
@@ -20,13 +22,56 @@ void set_level(NSWindow* self, SEL selector, NSInteger level) {
     if ([self styleMask] == NSBorderlessWindowMask) free_from_window_manager(self);
 }
 
+// Whether what the window leaves clear would be black: nothing composes it with what is below.
+bool needs_cutting(NSWindow* window) {
+    return [window level] > NSPopUpMenuWindowLevel && ![window isOpaque] &&
+           [window styleMask] == NSBorderlessWindowMask && !windows_are_composed();
+}
+
+constexpr unsigned least_alpha = 0x40;
+
+// The runs of pixels in a picture of the window that are to be seen.
+std::vector<area_t> drawn_parts(cairo_surface_t* picture) {
+    std::vector<area_t> parts;
+    const int width = cairo_image_surface_get_width(picture);
+    const int stride = cairo_image_surface_get_stride(picture);
+    cairo_surface_flush(picture);
+    for (int y = 0; y < cairo_image_surface_get_height(picture); y++) {
+        const auto* row =
+            reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(picture) + y * stride);
+        for (int x = 0, left = 0; x < width; left = ++x) {
+            while (x < width && row[x] >> 24 >= least_alpha) x++;
+            if (x > left) parts.push_back({left, y, x - left, 1});
+        }
+    }
+    return parts;
+}
+
+void cut_to_drawing(NSWindow* window) {
+    cairo_surface_t* picture = copy_view_pixels([window contentView]);
+    if (!picture) return;
+    cut_window(window, drawn_parts(picture));
+    cairo_surface_destroy(picture);
+}
+
+// Flushed is what has been drawn.
+void flush_window(NSWindow* self, SEL selector) {
+    reinterpret_cast<void (*)(id, SEL)>(stock_flush)(self, selector);
+    static bool is_cutting;  // reading the window's pixels may flush it
+    if (is_cutting || !has_server_window(self) || !needs_cutting(self)) return;
+    if (![self isVisible] || [self alphaValue] <= 0) return;
+    is_cutting = true;
+    cut_to_drawing(self);
+    is_cutting = false;
+}
+
 // Without a compositor a window is either there or not; it stays ordered in, as on the Mac.
 void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
     const bool was_hidden = [self alphaValue] <= 0;
     reinterpret_cast<void (*)(id, SEL, CGFloat)>(stock_set_alpha)(self, selector, alpha);
     if (!has_server_window(self) || was_hidden == (alpha <= 0)) return;
     if (alpha > 0) {
-        shape_menu_window(self, 0);
+        needs_cutting(self) ? cut_to_drawing(self) : shape_menu_window(self, 0);
     } else if (!windows_are_composed()) {
         hide_shape_of_menu_window(self);
     }
@@ -43,6 +88,7 @@ void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
     const method_patch_t patches[] = {
         {"NSWindow", "setLevel:", reinterpret_cast<IMP>(set_level), &stock_set_level},
         {"NSWindow", "setAlphaValue:", reinterpret_cast<IMP>(set_alpha), &stock_set_alpha},
+        {"NSWindow", "flushWindow", reinterpret_cast<IMP>(flush_window), &stock_flush},
     };
     patch_methods(patches);
 }
