@@ -9,6 +9,10 @@
 // where it was sought.
 std::string FindPlugIn(std::string* problem, const std::string& folder = "");
 
+// The path of another of Delvio's bundles, beside the running program. Empty when there is none;
+// then *problem says where it was sought.
+std::string FindBundle(const std::string& name, std::string* problem);
+
 // Declares this process a Finder ("MACS"), loads the bundle and calls its entry function.
 // False when that failed; then *problem says why, in one line.
 bool LoadPlugIn(const std::string& bundle, std::string* problem);

@@ -16,6 +16,17 @@ std::vector<fs::path> folders_beside_program() {
     return {library, library / "delvio"};
 }
 
+// The first that is there; else *sought says where it is not.
+std::string find_in(const std::vector<fs::path>& folders, const std::string& name,
+                    std::string* sought) {
+    std::error_code error;
+    for (const fs::path& folder : folders) {
+        if (fs::is_directory(folder / name, error)) return folder / name;
+        *sought += (sought->empty() ? "" : " or ") + folder.string();
+    }
+    return {};
+}
+
 }  // namespace
 
 std::string FindPlugIn(std::string* problem, const std::string& folder) {
@@ -25,14 +36,19 @@ std::string FindPlugIn(std::string* problem, const std::string& folder) {
         *problem = "DELVIO_BUNDLE names no bundle: " + std::string(chosen);
         return {};
     }
+    const auto folders = folder.empty() ? folders_beside_program() : std::vector<fs::path>{folder};
     std::string sought;
-    for (const fs::path& each :
-         folder.empty() ? folders_beside_program() : std::vector<fs::path>{folder}) {
-        const fs::path bundle = each / "Delvio.bundle";
-        if (fs::is_directory(bundle, error)) return bundle;
-        sought += (sought.empty() ? "" : " or ") + each.string();
+    const std::string found = find_in(folders, "Delvio.bundle", &sought);
+    if (found.empty()) {
+        *problem = "the plug-in is missing: no Delvio.bundle in " + sought +
+                   "; build or install it, or set DELVIO_BUNDLE";
     }
-    *problem = "the plug-in is missing: no Delvio.bundle in " + sought +
-               "; build or install it, or set DELVIO_BUNDLE";
-    return {};
+    return found;
+}
+
+std::string FindBundle(const std::string& name, std::string* problem) {
+    std::string sought;
+    const std::string found = find_in(folders_beside_program(), name, &sought);
+    if (found.empty()) *problem = "there is no " + name + " in " + sought;
+    return found;
 }

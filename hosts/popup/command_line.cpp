@@ -88,6 +88,19 @@ void add_settings(CLI::App& app, SettingsRequest& request) {
     reset->add_flag("--all", request.all, "Every setting");
 }
 
+void add_install(CLI::App& app, InstallRequest& request) {
+    const auto verb = [&](const char* name, const char* meaning, bool remove) {
+        CLI::App* sub = app.add_subcommand(name, meaning);
+        sub->add_option("PROGRAM", "Where: gworkspace")
+            ->required()
+            ->type_name("")
+            ->check(CLI::IsMember({"gworkspace"}));
+        sub->callback([&request, remove] { request.remove = remove; });
+    };
+    verb("install", "Puts Delvio into a file manager's contextual menus.", false);
+    verb("uninstall", "Takes it out again.", true);
+}
+
 int misused(CommandLine& line, const std::string& problem) {
     const bool settings = line.command == CommandLine::settings;
     const bool menu = line.command == CommandLine::menu;
@@ -167,13 +180,17 @@ CommandLine::Command command_of(const CLI::App& app) {
     if (app.got_subcommand("menu")) return CommandLine::menu;
     if (app.got_subcommand("settings")) return CommandLine::settings;
     if (app.got_subcommand("undo")) return CommandLine::undo;
+    if (app.got_subcommand("install") || app.got_subcommand("uninstall")) {
+        return CommandLine::install;
+    }
     return CommandLine::finished;
 }
 
 std::string check(const CLI::App& app, CommandLine& line, const Options& options) {
-    if (line.command == CommandLine::finished)
-        return "say what to do: delvio menu, undo or settings";
-    if (line.command == CommandLine::undo) return {};
+    if (line.command == CommandLine::finished) {
+        return "say what to do: delvio menu, undo, settings, install or uninstall";
+    }
+    if (line.command == CommandLine::undo || line.command == CommandLine::install) return {};
     if (line.command == CommandLine::settings) {
         const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();
         return check_settings(line.settings_request, verb_given);
@@ -191,6 +208,7 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     set_up(app);
     add_menu(app, line.menu_request, options);
     add_settings(app, line.settings_request);
+    add_install(app, line.install_request);
     app.add_subcommand("undo", "Undoes the last move, copy or alias that Delvio made itself.");
     try {
         app.parse(argc, argv);

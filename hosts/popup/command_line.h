@@ -33,11 +33,16 @@ struct SettingsRequest {
     std::vector<std::string> words;  // the key or keys, then the value's words
 };
 
+struct InstallRequest {
+    bool remove = false;
+};
+
 struct CommandLine {
-    enum Command { finished, menu, settings, undo } command = finished;
+    enum Command { finished, menu, settings, undo, install } command = finished;
     int status = exit_done;  // of `finished`: help was printed, or one line about wrong use
     MenuRequest menu_request;
     SettingsRequest settings_request;
+    InstallRequest install_request;
 };
 
 // Prints help, the version, or one line on standard error about what is wrong, where that is due.

@@ -6,6 +6,7 @@
 #include "popup/clipboard.h"
 #include "popup/command_line.h"
 #include "popup/exit_signals.h"
+#include "popup/install_command.h"
 #include "popup/menu_command.h"
 #include "popup/plain_arguments.h"
 #include "popup/settings_command.h"
@@ -14,15 +15,19 @@
 
 namespace {
 
+int run_command(const CommandLine& line) {
+    if (line.command == CommandLine::install) return RunInstallCommand(line.install_request);
+    return line.command == CommandLine::menu ? RunMenuCommand(line.menu_request)
+                                             : RunSettingsCommand(line.settings_request);
+}
+
 int run(const CommandLine& line, char* program) {
     if (line.command == CommandLine::finished) return line.status;
     if (line.command == CommandLine::undo) return RunUndoCommand();
     operations::RemoveLeftTemporaries(operations::StateFolder());
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     PrepareToolkit(program);
-    const int status = line.command == CommandLine::menu
-                           ? RunMenuCommand(line.menu_request)
-                           : RunSettingsCommand(line.settings_request);
+    const int status = run_command(line);
     [pool release];
     return status;
 }
