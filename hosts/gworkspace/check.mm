@@ -3,7 +3,9 @@
 #include <Foundation/Foundation.h>
 
 #include <dlfcn.h>
+#include <limits.h>
 #include <stdio.h>
+#include <string.h>
 
 @interface DelvioGWorkspace : NSObject
 @end
@@ -14,8 +16,19 @@ bool is_gworkspace() {
     return objc_lookUpClass("GWorkspace") && objc_lookUpClass("GWViewersManager");
 }
 
+// It stands beside the bundle.
+void* load_adapter() {
+    Dl_info own;
+    char path[PATH_MAX];
+    if (!dladdr(reinterpret_cast<void*>(&load_adapter), &own)) return nullptr;
+    const char* name = strrchr(own.dli_fname, '/');
+    const int folder = name ? static_cast<int>(name - own.dli_fname) : 0;
+    snprintf(path, sizeof path, "%.*s/../libdelvio-gworkspace.so", folder, own.dli_fname);
+    return dlopen(path, RTLD_NOW);
+}
+
 void start_adapter() {
-    void* adapter = dlopen("libdelvio-gworkspace.so", RTLD_NOW);
+    void* adapter = load_adapter();
     void* start = adapter ? dlsym(adapter, "DelvioStartInGWorkspace") : nullptr;
     if (start) {
         reinterpret_cast<void (*)()>(start)();

@@ -16,6 +16,7 @@
 //   shelve x PATH         puts the path on the shelf
 //   open PATH             a viewer of this folder
 //   alert                 the text of the panel that waits for an answer
+//   quit                  as from the main menu
 //   memory                bytes that are allocated
 #pragma once
 

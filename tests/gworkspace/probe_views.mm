@@ -265,6 +265,8 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         [workspace newViewerAtPath:path];
     } else if (question == "alert") {
         *answer = alert_text();
+    } else if (question == "quit") {
+        [NSApp performSelector:@selector(terminate:) withObject:nil afterDelay:0];
     } else if (question == "memory") {
         *answer = allocated();
     } else {

@@ -1,0 +1,140 @@
+// GWorkspace's own behaviour with Delvio inside, beside that without.
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "gworkspace/viewer_desk.h"
+
+using namespace test;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Behaviour : public testing::Test {
+  protected:
+    static void SetUpTestSuite() { start_window_manager(); }
+
+    Behaviour() {
+        folder_.file("target/inside.txt", "inside");
+        folder_.file("dragged.txt", "dragged");
+        folder_.file("other.txt", "other");
+    }
+    void TearDown() override { hand_.let_go(); }
+
+    // GNUstep loses the release of the first click that it gets.
+    void wake(FileManager& manager) {
+        const Area shelf = manager.ask_area("bounds shelf");
+        hand_.move(shelf.left + shelf.width - 20, shelf.top + 20);
+        hand_.click(1);
+        manager.ask("show icons");
+    }
+
+    Area item(FileManager& manager, const std::string& name) {
+        Area area;
+        EXPECT_TRUE(wait_until([&] {
+            area = manager.ask_area("item icons " + folder_.path(name));
+            return static_cast<bool>(area);
+        })) << name;
+        return area;
+    }
+
+    void drag(const Area& from, const Area& to) {
+        hand_.move(from.x(), from.y());
+        hand_.press(1);
+        for (int step = 1; step <= 20; step++) {
+            hand_.move(from.x() + (to.x() - from.x()) * step / 20,
+                       from.y() + (to.y() - from.y()) * step / 20);
+            usleep(20000);
+        }
+        for (int step = 0; step < 20; step++) {
+            hand_.move(to.x() + step % 2, to.y());
+            usleep(20000);
+        }
+        hand_.release(1);
+    }
+
+    // On a busy machine GNUstep may lose a drag; the hand tries again.
+    bool drag_until(const Area& from, const Area& to, const std::function<bool()>& is_done) {
+        for (int attempt = 0; attempt < 3; attempt++) {
+            drag(from, to);
+            if (wait_until(is_done)) return true;
+        }
+        return false;
+    }
+
+    // The same work in GWorkspace; what it has written about it to standard error.
+    lines_t messages_of_a_session(bool with_delvio) {
+        FileManager manager(folder_.path(), with_delvio);
+        wake(manager);
+        for (const char* form : {"browser", "list", "icons"})
+            manager.ask(std::string("show ") + form);
+        const Area area = item(manager, "other.txt");
+        hand_.move(area.x(), area.y());
+        hand_.click(1);
+        EXPECT_TRUE(wait_until([&] {
+            return manager.ask_lines("selection") == lines_t({folder_.path("other.txt")});
+        }));
+        if (with_delvio) {
+            hand_.click(3);
+            EXPECT_TRUE(wait_until([&] { return manager.ask("menus") == "1"; }));
+            hand_.key("Escape");
+            EXPECT_TRUE(wait_until([&] { return manager.ask("menus") == "0"; }));
+        }
+        manager.ask("quit");
+        EXPECT_TRUE(wait_until([&] { return !manager.is_running(); }));
+        return manager.messages();
+    }
+
+    TempFolder folder_;
+    XInput hand_;
+};
+
+// Each once, without numbers, which differ from run to run.
+std::set<std::string> kinds_of(const lines_t& messages) {
+    std::set<std::string> kinds;
+    for (std::string line : messages) {
+        line.erase(std::remove_if(line.begin(), line.end(), isdigit), line.end());
+        kinds.insert(line);
+    }
+    return kinds;
+}
+
+}  // namespace
+
+TEST_F(Behaviour, AFileDraggedOntoAFolderMoves) {
+    FileManager manager(folder_.path());
+    wake(manager);
+    EXPECT_TRUE(drag_until(item(manager, "dragged.txt"), item(manager, "target"),
+                           [&] { return fs::exists(folder_.path("target/dragged.txt")); }));
+    EXPECT_FALSE(fs::exists(folder_.path("dragged.txt")));
+}
+
+TEST_F(Behaviour, AFileDraggedWithControlMakesALink) {
+    FileManager manager(folder_.path());
+    wake(manager);
+    const Area from = item(manager, "dragged.txt"), to = item(manager, "target");
+    hand_.key_down("Control_L");
+    EXPECT_TRUE(
+        drag_until(from, to, [&] { return fs::is_symlink(folder_.path("target/dragged.txt")); }));
+    hand_.key_up("Control_L");
+    EXPECT_TRUE(fs::exists(folder_.path("dragged.txt")));
+}
+
+TEST_F(Behaviour, QuitFromTheMenuEndsIt) {
+    FileManager manager(folder_.path());
+    wake(manager);
+    hand_.move(30, 252);  // the main menu stands in the corner of the screen
+    hand_.click(1);
+    EXPECT_TRUE(wait_until([&] { return !manager.is_running(); }));
+    EXPECT_NE(manager.account().find("status 0"), std::string::npos) << manager.account();
+}
+
+TEST_F(Behaviour, NothingMoreIsWrittenToStandardError) {
+    const auto without = kinds_of(messages_of_a_session(false));
+    const auto with = kinds_of(messages_of_a_session(true));
+    for (const std::string& line : with) EXPECT_TRUE(without.count(line)) << line;
+}
