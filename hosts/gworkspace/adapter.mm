@@ -7,6 +7,7 @@
 #include "finderkit/plug_in.h"
 #include "gworkspace/icons.h"
 #include "gworkspace/opening.h"
+#include "gworkspace/operations.h"
 #include "gworkspace/presses.h"
 
 // The display server is not connected yet when GNUstep loads bundles; the rest waits for the end
@@ -38,6 +39,7 @@ std::string own_folder() {
     if (!AnswerFinderEvents(&problem)) complain(problem);
     if (!LoadPlugIn(bundle, &problem)) return complain(problem);
     OpenFilesWithGWorkspace();
+    OfferGWorkspaceOperations();
     TakeMenuPresses();
     (void)notification;
 }

@@ -55,6 +55,9 @@
 - (void)selectionChanged:(NSArray*)nodes;
 - (void)newViewerAtPath:(NSString*)path;
 - (BOOL)openFile:(NSString*)path;
+// Of "operation", "source", "destination" and "files", the names in the source folder.
+- (void)performFileOperation:(NSDictionary*)operation;
+- (NSString*)trashPath;
 @end
 
 @interface NSObject (GWorkspaceObject)

@@ -100,9 +100,8 @@ TEST_F(SessionTaps, SeeAClickInOurOwnWindowWhichGetsItToo) {
             script_.input.move(150, 150);
             script_.input.click(1);
         });
-    steps.when("the click", [&] {
-        return seen() >= 2 && [window log].find("up") != std::string::npos;
-    });
+    steps.when("the click",
+               [&] { return seen() >= 2 && [window log].find("up") != std::string::npos; });
     steps.run();
     EXPECT_EQ(log_, "1 at 150 150, 2 at 150 150");
     EXPECT_EQ([window takeLog], "down 150 150, up 150 150");
@@ -154,9 +153,9 @@ TEST_F(SessionTaps, AreListenersOfButtonsAlone) {
     };
     EXPECT_EQ(make(kCGHIDEventTap, kCGEventTapOptionListenOnly, left_button), nullptr);
     EXPECT_EQ(make(kCGSessionEventTap, kCGEventTapOptionDefault, left_button), nullptr);
-    EXPECT_EQ(make(kCGSessionEventTap, kCGEventTapOptionListenOnly,
-                   CGEventMaskBit(kCGEventMouseMoved)),
-              nullptr);
+    EXPECT_EQ(
+        make(kCGSessionEventTap, kCGEventTapOptionListenOnly, CGEventMaskBit(kCGEventMouseMoved)),
+        nullptr);
     EXPECT_EQ(CGEventTapCreate(kCGSessionEventTap, kCGTailAppendEventTap,
                                kCGEventTapOptionListenOnly, left_button, nullptr, nullptr),
               nullptr);

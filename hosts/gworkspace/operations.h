@@ -1,0 +1,6 @@
+// Moving, copying, linking and recycling by GWorkspace itself, with its progress window and its
+// questions. Main thread.
+#pragma once
+
+// From now on GWorkspace carries out the file operations that Apple Events ask for.
+void OfferGWorkspaceOperations();
