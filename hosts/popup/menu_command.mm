@@ -7,6 +7,7 @@
 #include "finderkit/plug_in.h"
 #include "popup/application.h"
 #include "popup/close_words.h"
+#include "popup/drags.h"
 #include "popup/exit_signals.h"
 #include "popup/file_actions.h"
 #include "popup/file_arguments.h"
@@ -105,6 +106,7 @@ int show(HostMenu* host, const MenuRequest& request) {
     MenuEnder* ender = [[MenuEnder new] autorelease];
     [ender watchForSignals];
     pop_up(host, nil, PopupPoint(request));
+    FinishDrags();
     [ender stop];
     if (CaughtSignal()) return 128 + CaughtSignal();
     if ([host problem].empty()) return exit_done;

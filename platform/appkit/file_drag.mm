@@ -2,6 +2,7 @@
 // never hand the files out; and they miss a release over another program's window when the press
 // was not in a window of this one. What is dragged without files goes GNUstep's way.
 #include <AppKit/AppKit.h>
+#include <AppKit/FileDrags.h>
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <GNUstepGUI/GSDragView.h>
 
@@ -18,7 +19,7 @@ namespace {
 constexpr NSTimeInterval looking = 0.02;
 
 bool dragging;  // files, with an offer
-IMP stock_send, stock_drag;
+IMP stock_send, stock_drag, stock_update;
 
 std::string uri_list_of(NSPasteboard* pasteboard) {
     std::string list;
@@ -105,6 +106,21 @@ bool serve_offer() {
     return true;
 }
 
+// To GNUstep, Command alone asks for an operation that other programs do not know and so cannot
+// accept; and without the keyboard it would not see the key let go.
+BOOL update_operations(GSDragView* self, SEL selector, NSEvent* event) {
+    using update_t = BOOL (*)(id, SEL, NSEvent*);
+    const BOOL changed = reinterpret_cast<update_t>(stock_update)(self, selector, event);
+    const Ivar variable = class_getInstanceVariable([self class], "operationMask");
+    if (!dragging || !variable) return changed;
+    auto* operations = reinterpret_cast<NSDragOperation*>(reinterpret_cast<char*>(self) +
+                                                          ivar_getOffset(variable));
+    if (*operations == NSDragOperationGeneric) {
+        *operations = NSDragOperationGeneric | NSDragOperationCopy | NSDragOperationMove;
+    }
+    return changed;
+}
+
 void install_on(GSDragView* view) {
     static bool done;
     if (done) return;
@@ -112,6 +128,8 @@ void install_on(GSDragView* view) {
     const method_patch_t patches[] = {
         {class_getName([view class]), "sendExternalEvent:action:position:timestamp:toWindow:",
          reinterpret_cast<IMP>(send_external), &stock_send},
+        {"GSDragView", "_updateOperationMask:", reinterpret_cast<IMP>(update_operations),
+         &stock_update},
     };
     patch_methods(patches);
 }
@@ -208,6 +226,19 @@ void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize
 }
 
 }  // namespace
+
+void FinishFileDrops(NSTimeInterval limit) {
+    if (!offer_port) return;
+    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:limit];
+    for (;;) {
+        const FileOffer* offer = FileOffer::shared();
+        if (!offer || !offer->is_awaited() || [end timeIntervalSinceNow] <= 0) return;
+        @autoreleasepool {
+            [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
+                                     beforeDate:[NSDate dateWithTimeIntervalSinceNow:looking]];
+        }
+    }
+}
 
 @interface FileDragInstaller : NSObject
 @end

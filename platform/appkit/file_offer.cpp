@@ -77,6 +77,7 @@ bool FileOffer::is_broken() const { return xcb_connection_has_error(server_) != 
 void FileOffer::begin(const std::string& uri_list) {
     owned_since_ = server_time();
     uri_list_ = uri_list;
+    awaited_ = false;
     xcb_set_selection_owner(server_, window_, atoms_[selection], owned_since_);
     xcb_flush(server_);
 }
@@ -137,6 +138,7 @@ void FileOffer::leave(unsigned target, unsigned source) {
 void FileOffer::drop(unsigned target, unsigned source) {
     if (!version_) return;
     entered_ = 0;
+    awaited_ = true;
     send(target, atoms_[dropped], {source, 0, server_time(), 0, 0});
 }
 
@@ -213,6 +215,7 @@ void FileOffer::answer_request(const void* event) {
                             atoms_[uri_list], 8, static_cast<uint32_t>(uri_list_.size()),
                             uri_list_.data());
         notice.property = property;
+        awaited_ = false;
     }
     xcb_send_event(server_, 0, request->requestor, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&notice));

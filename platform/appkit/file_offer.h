@@ -26,6 +26,9 @@ class FileOffer {
     enum action_t { copy, move_files, link };
     unsigned action_named(action_t action) const { return actions_[action]; }
 
+    // Whether there was a drop whose data nobody has asked for yet.
+    bool is_awaited() const { return awaited_; }
+
     // Holds the pointer, so that a release over any window comes to released(). False when a button
     // holds it for this or another program already.
     bool hold_pointer();
@@ -53,5 +56,5 @@ class FileOffer {
     unsigned version_ = 0;  // agreed with the present target
     unsigned entered_ = 0;  // the target that has been neither left nor dropped on
     std::string uri_list_;
-    bool released_ = false;
+    bool released_ = false, awaited_ = false;
 };

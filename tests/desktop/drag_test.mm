@@ -34,7 +34,7 @@ class Drag : public test::Desk {
         return log_lines("Delvio: Intercepting left mouse down event").size();
     }
     // The Command-press on the last row of `path`, which is held.
-    void press(Steps& steps, const titles_t& path) {
+    void press(Steps& steps, const titles_t& path, bool lets_key_go = true) {
         hover_along(steps, path);
         steps.when(
             "highlight", [this, path] { return highlighted(path.size() - 1) == path.back(); },
@@ -43,7 +43,10 @@ class Drag : public test::Desk {
                 input().press(1);
             });
         steps.when(
-            "the drag", [] { return is_dragging(); }, [this] { input().key_up(command_key); });
+            "the drag", [] { return is_dragging(); },
+            [this, lets_key_go] {
+                if (lets_key_go) input().key_up(command_key);
+            });
     }
     void move_over(Steps& steps, DropTarget& target) {
         steps.when(
@@ -80,6 +83,17 @@ TEST_F(Drag, AFileThreeLevelsDownIsDroppedOnAnotherProgram) {
     EXPECT_EQ(target.drops(), titles_t({address("project/docs/chapters/one and \xC3\xA9.txt")}));
     EXPECT_FALSE(is_open(0));
     EXPECT_TRUE(program().opened().empty()) << "the press was no pick";
+}
+
+TEST_F(Drag, CommandMayBeHeldUntilTheDrop) {
+    DropTarget target(folder_.path("drops"), target_x, target_y);
+    pop_up([&](Steps& steps) {
+        press(steps, {"project", "readme.txt"}, false);
+        move_over(steps, target);
+        let_go(steps);
+        steps.when("the drop", [&] { return !target.drops().empty(); });
+    });
+    EXPECT_EQ(target.drops(), titles_t({address("project/readme.txt")}));
 }
 
 TEST_F(Drag, AFolderIsDraggedToo) {

@@ -1,0 +1,106 @@
+// The pointer in GWorkspace: the menu by press and hold, and files dragged out of menus.
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "desktop/drop_target.h"
+#include "gworkspace/viewer_desk.h"
+#include "hosts/command_runner.h"
+
+using namespace test;
+
+namespace {
+
+constexpr char command_key[] = "Alt_L";
+
+class Pointer : public ViewerDesk {
+  protected:
+    static void set_preference(const char* key, const char* value) {
+        const pid_t child = fork();
+        if (child == 0) {
+            execlp("defaults", "defaults", "write", "org.delvio.Delvio", key, value,
+                   static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        ASSERT_EQ(status, 0);
+    }
+    // A setting counts from the next menu on.
+    void read_preferences() {
+        right_click(item("browser", path("first.txt")));
+        close_menu();
+    }
+    // The Command-press on a row of the deepest level, until its drag has begun.
+    void drag(size_t level, const std::string& title) {
+        move_to(row(level, title).area);
+        usleep(100000);
+        input().key_down(command_key);
+        input().press(1);
+        ASSERT_TRUE(wait_until([&] { return is_closed(); }));
+        ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); })) << "no drag";
+        input().key_up(command_key);
+    }
+};
+
+}  // namespace
+
+TEST_F(Pointer, PressAndHoldOpensTheMenuWithThePlugInsItems) {
+    set_preference("control_free_enabled", "2");
+    set_preference("control_free_delay_usec", "200000");
+    show("browser");
+    read_preferences();
+    move_to(item("browser", path("second.txt")));
+    usleep(300000);
+    const unsigned long before = input().cursor();
+    input().press(1);
+    ASSERT_TRUE(wait_until([&] { return input().cursor() != before; })) << "not armed";
+    input().release(1);
+    ASSERT_TRUE(wait_until([&] { return is_open(0); })) << "no menu";
+    EXPECT_TRUE(contains(titles(0), "second.txt"));
+    close_menu();
+    set_preference("control_free_enabled", "0");
+    read_preferences();
+}
+
+TEST_F(Pointer, AFileThreeLevelsDownIsDroppedOnAnotherProgram) {
+    TempFolder own;
+    DropTarget target(own.path("drops"), 1000, 600);
+    show("browser");
+    right_click(item("browser", path("alpha")));
+    hover_along({"alpha", "one", "two"});
+    drag(3, "deep.txt");
+    ASSERT_TRUE(wait_until([&] { return target.has("ready"); }));
+    input().move(1020, 620);
+    ASSERT_TRUE(wait_until([&] { return target.has("over"); }));
+    input().move(1050, 650);
+    input().release(1);
+    EXPECT_TRUE(wait_until([&] { return !target.drops().empty(); }));
+    EXPECT_EQ(target.drops(), lines_t({"file://" + path("alpha/one/two/deep.txt")}));
+}
+
+TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
+    TempFolder own;
+    const std::string file = own.file("brought.txt", "b");
+    show("icons");
+    const Area place = ground("icons");
+    RunningCommand command({"menu", "--at", "700,40", file});
+    ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); }));
+    usleep(300000);
+    input().move(730, 56);
+    usleep(200000);
+    input().key_down("Super_L");
+    input().press(1);
+    ASSERT_TRUE(wait_until([&] { return input().pointer_is_free(); })) << "the menu closes";
+    ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); })) << "the drag begins";
+    input().key_up("Super_L");
+    for (int step = 0; step < 10; step++) {
+        input().move(place.x() - step % 2, place.y());
+        usleep(100000);
+    }
+    input().release(1);
+    EXPECT_TRUE(wait_until([&] { return std::filesystem::exists(path("brought.txt")); }));
+    EXPECT_EQ(command.finish().status, 0);
+}
