@@ -16,6 +16,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "support/temp_folder.h"
 
@@ -105,6 +106,13 @@ FileManager::FileManager(const std::string& folder, bool with_delvio, const line
     }
     if (!is_ready()) throw std::runtime_error("GWorkspace did not start: " + read_file(errors_));
     ask("frame 180 80 900 600");  // clear of main menu and dock
+    // A window manager takes its time.
+    std::string place;
+    wait_until([&] {
+        const std::string before = std::exchange(place, ask("bounds path"));
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        return !place.empty() && place == before;
+    });
 }
 
 FileManager::~FileManager() {
