@@ -1,8 +1,31 @@
 #include "coregraphics/context.h"
 
+#include <algorithm>
+
 #include "coregraphics/bitmap_context.h"
 
-CGContext::~CGContext() { cairo_destroy(cairo); }
+namespace {
+
+extents_t united(const extents_t& one, const extents_t& other) {
+    if (one.is_empty()) return other;
+    if (other.is_empty()) return one;
+    return {std::min(one.left, other.left), std::min(one.top, other.top),
+            std::max(one.right, other.right), std::max(one.bottom, other.bottom)};
+}
+
+// Drawings between a save of the state and its restore are stored together.
+void store_drawings(CGContextRef context) {
+    if (!context->bitmap.data || context->unstored.is_empty()) return;
+    store_bitmap(context, context->unstored);
+    context->unstored = {};
+}
+
+}  // namespace
+
+CGContext::~CGContext() {
+    store_drawings(this);
+    cairo_destroy(cairo);
+}
 
 CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix) {
     auto* context = new CGContext;
@@ -23,7 +46,8 @@ void begin_drawing(CGContextRef context, const drawing_color_t& color) {
 
 void end_drawing(CGContextRef context, const extents_t& extents) {
     cairo_restore(context->cairo);
-    if (context->bitmap.data) store_bitmap(context, extents);
+    context->unstored = united(context->unstored, extents);
+    if (context->saved.empty()) store_drawings(context);
 }
 
 CGContextRef CGContextRetain(CGContextRef context) { return retained(context); }
@@ -38,6 +62,7 @@ void CGContextRestoreGState(CGContextRef context) {
     if (!context || context->saved.empty()) return;
     context->state = context->saved.back();
     context->saved.pop_back();
+    if (context->saved.empty()) store_drawings(context);
 }
 
 void CGContextTranslateCTM(CGContextRef context, CGFloat x, CGFloat y) {

@@ -33,11 +33,19 @@ struct bitmap_target_t {
     size_t bytes_per_row = 0;
 };
 
+// An area of cairo's device space; empty when its right is not right of its left.
+struct extents_t {
+    double left = 0, top = 0, right = 0, bottom = 0;
+
+    bool is_empty() const { return right <= left || bottom <= top; }
+};
+
 struct CGContext : counted_t {
     cairo_t* cairo = nullptr;  // owned
     bitmap_target_t bitmap;
     drawing_state_t state;
     std::vector<drawing_state_t> saved;
+    extents_t unstored;  // drawn, but not yet in the caller's memory
 
     ~CGContext();
 };
@@ -48,7 +56,4 @@ CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix);
 // Around the cairo calls of one drawing call. `extents`, in cairo's device space, is what they may
 // have changed.
 void begin_drawing(CGContextRef context, const drawing_color_t& color);
-struct extents_t {
-    double left, top, right, bottom;
-};
 void end_drawing(CGContextRef context, const extents_t& extents);

@@ -24,10 +24,11 @@ void prepare_font(CGContextRef context) {
     cairo_font_options_destroy(options);
 }
 
-// Where the glyphs of a line may reach: an em around its baseline, two above and below.
+// Where the glyphs of a line may reach, hinted ones, too: an em to each side, a pixel up and down.
 extents_t line_extents(const drawing_state_t& state, double left, double right, double y) {
     const double em = state.font_size;
-    const double xs[] = {left - em, right + em}, ys[] = {y - 2 * em, y + 2 * em};
+    const double xs[] = {left - em, right + em};
+    const double ys[] = {y - state.font->below * em, y + state.font->above * em};
     extents_t extents = {HUGE_VAL, HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
     for (double corner_x : xs) {
         for (double corner_y : ys) {
@@ -37,7 +38,7 @@ extents_t line_extents(const drawing_state_t& state, double left, double right, 
                        std::max(extents.right, x), std::max(extents.bottom, y)};
         }
     }
-    return extents;
+    return {extents.left - 1, extents.top - 1, extents.right + 1, extents.bottom + 1};
 }
 
 }  // namespace

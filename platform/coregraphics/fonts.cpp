@@ -4,6 +4,7 @@
 #include <fontconfig/fontconfig.h>
 #include <string.h>
 
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -80,6 +81,8 @@ void read_glyphs(font_t& font) {
         cairo_text_extents_t extents;
         cairo_scaled_font_glyph_extents(scaled, &glyph, 1, &extents);
         font.advances[byte] = extents.x_advance / 1000;
+        font.above = std::max(font.above, -extents.y_bearing / 1000);
+        font.below = std::max(font.below, (extents.y_bearing + extents.height) / 1000);
     }
     cairo_scaled_font_destroy(scaled);
     cairo_font_options_destroy(options);

@@ -8,6 +8,7 @@ struct font_t {
     cairo_font_face_t* face;
     unsigned long glyphs[256];
     double advances[256];
+    double above, below;  // how far glyphs reach from the baseline, in ems
 };
 
 // The font of that name, or fontconfig's fixed-pitch font in its place; null without any font. Made

@@ -11,8 +11,9 @@ extern "C" {
 
 // `data` must outlive the context. Pixels are bytes in the order alpha, red, green, blue, with
 // colours multiplied by alpha; the first row is the top one. What the context drew is in `data`
-// when each drawing call returns. Null for null data, a size of 0, rows shorter than their pixels,
-// or anything but 8 bits a component and kCGImageAlphaPremultipliedFirst.
+// when the drawing call returns or, between a save of the state and its restore, when that does.
+// Null for null data, a size of 0, rows shorter than their pixels, or anything but 8 bits a
+// component and kCGImageAlphaPremultipliedFirst.
 CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
                                    size_t bytesPerRow, CGColorSpaceRef space,
                                    CGBitmapInfo bitmapInfo);

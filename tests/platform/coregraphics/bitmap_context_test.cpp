@@ -89,6 +89,21 @@ TEST_F(BitmapContext, TheStateIsGivenBack) {
     EXPECT_EQ(drawn_pixels(), 1);
 }
 
+TEST_F(BitmapContext, WhatIsDrawnWithASavedStateIsThereAfterTheRestore) {
+    CGContextSaveGState(context_);
+    CGContextSaveGState(context_);
+    CGContextFillRect(context_, CGRectMake(1, 1, 1, 1));
+    CGContextRestoreGState(context_);
+    CGContextFillRect(context_, CGRectMake(20, 20, 1, 1));
+    CGContextRestoreGState(context_);
+    EXPECT_EQ(drawn_pixels(), 2);
+    CGContextSaveGState(context_);
+    CGContextFillRect(context_, CGRectMake(10, 10, 1, 1));
+    CGContextRelease(context_);
+    context_ = nullptr;
+    EXPECT_EQ(drawn_pixels(), 3);
+}
+
 TEST_F(BitmapContext, PositiveAnglesTurnCounterClockwise) {
     CGContextTranslateCTM(context_, 16, 16);
     CGContextRotateCTM(context_, M_PI / 2);
