@@ -335,7 +335,7 @@ TEST_F(FileOp, TheDestinationKeepsItsChildren) {
 
 TEST_F(FileOp, ManySelectedFilesAreAllSent) {
     Paths paths;
-    for (int i = 0; i < 6000; i++) paths.push_back(folder_.file("from/" + std::to_string(i)));
+    for (int i = 0; i < 4500; i++) paths.push_back(folder_.file("from/" + std::to_string(i)));
     for (const std::string& path : paths) select(path);
     EXPECT_EQ(send_one(target(folder_.folder("to")), 0).items, paths);
 }
@@ -351,7 +351,7 @@ TEST_F(FileOp, LeavesNothingBehind) {
         post_.clear();
     };
     // Until the table of file references is full.
-    for (int i = 0; i < 1000; i++) test::in_one_turn(round);
+    for (int i = 0; i < 400; i++) test::in_one_turn(round);
     const size_t before = test::memory_in_use();
     for (int i = 0; i < 200; i++) test::in_one_turn(round);
     EXPECT_LT(test::memory_in_use(), before + 20000);
