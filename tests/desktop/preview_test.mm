@@ -263,35 +263,44 @@ TEST_F(Preview, SwitchedOffThereIsNoHoverWindow) {
     EXPECT_FALSE(waits);
 }
 
+// Wide levels lead to under the window's right-hand place, rows above them to its lower half.
 TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
+    const std::string outer = "outer with a long name", inner = "inner with a long name";
+    folder_.file("project/" + outer + "/" + inner + "/c.txt", "The third text\n");
+    for (int i = 0; i < 5; i++) folder_.folder("project/folder" + std::to_string(i));
     NSRect first = NSZeroRect, second = NSZeroRect, third = NSZeroRect;
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    const CGFloat left = NSMinX(screen), right = NSMaxX(screen) - 512;
+    const CGFloat bottom = NSMinY(screen), top = NSMaxY(screen) - 512;
+    const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
     resting_on("a.txt", [&](Steps& steps) {
-        const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
         steps
             .when(
                 "the window", [] { return shows_picture(); },
                 [&] {
                     first = [hover_window() frame];
-                    // Into its left half, wherever it stands; then back again.
-                    input().move(40, 700);
+                    hover("project");
                 })
             .when(
-                "its move to the right", [=] { return stands_at(NSMaxX(screen) - 512); },
+                "its move to the right", [=] { return stands_at(right); },
                 [&] {
                     second = [hover_window() frame];
-                    input().move(1200, 700);
+                    hover(outer);
                 })
             .when(
-                "its move to the left", [=] { return stands_at(NSMinX(screen)); },
+                "the next level", [&] { return is_open(2); }, [&] { hover(inner); })
+            .when(
+                "the last level", [&] { return is_open(3); }, [&] { hover("c.txt"); })
+            .when(
+                "its move to the left", [=] { return stands_at(left); },
                 [&] {
                     third = [hover_window() frame];
                     escape();
                 });
     });
-    EXPECT_EQ(NSMinY(second), NSMinY(screen)) << "the pointer is in the lower half";
-    EXPECT_EQ(NSMinY(third), NSMinY(screen));
-    EXPECT_TRUE(NSEqualSizes(third.size, NSMakeSize(512, 512)));
+    EXPECT_TRUE(NSEqualRects(first, NSMakeRect(0, 0, 512, 512)));
+    EXPECT_TRUE(NSEqualRects(second, NSMakeRect(right, top, 512, 512))) << "of the upper half";
+    EXPECT_TRUE(NSEqualRects(third, NSMakeRect(left, bottom, 512, 512))) << "of the lower half";
 }
 
 TEST_F(Preview, TheWindowHidesWithTheMenu) {
