@@ -273,6 +273,7 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
     const CGFloat left = NSMinX(screen), right = NSMaxX(screen) - 512;
     const CGFloat bottom = NSMinY(screen), top = NSMaxY(screen) - 512;
     const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
+    [hover_window() setFrameOrigin:NSZeroPoint];  // whatever other tests have left
     resting_on("a.txt", [&](Steps& steps) {
         steps
             .when(
