@@ -6,9 +6,6 @@ namespace {
 
 using operations::Kind;
 
-// Time enough for it to start.
-constexpr int milliseconds_to_answer = 30000;
-
 const char* display() {
     const char* name = g_getenv("DISPLAY");
     return name ? name : "";
@@ -46,8 +43,7 @@ std::vector<std::string> names_from_bus(GDBusConnection* bus, const char* method
     std::vector<std::string> names;
     g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
         bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
-        nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr,
-        nullptr);
+        nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
     if (!answer) return names;
     g_autoptr(GVariantIter) list = nullptr;
     g_variant_get(answer, "(as)", &list);
@@ -71,31 +67,6 @@ void add_named(const std::vector<std::string>& names, std::vector<const DesktopM
     std::stable_partition(found->begin() + first, found->end(), is_users_own);
 }
 
-std::string uri_of(const std::string& path) {
-    g_autofree char* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    return uri ? uri : "";
-}
-
-GVariant* uris_of(const std::vector<std::string>& paths) {
-    GVariantBuilder uris;
-    g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
-    for (const std::string& path : paths) g_variant_builder_add(&uris, "s", uri_of(path).c_str());
-    return g_variant_builder_end(&uris);
-}
-
-// Nobody has heard the question.
-bool is_absence(const GError* error) {
-    for (const int code :
-         {G_DBUS_ERROR_SERVICE_UNKNOWN, G_DBUS_ERROR_NAME_HAS_NO_OWNER, G_DBUS_ERROR_UNKNOWN_METHOD,
-          G_DBUS_ERROR_UNKNOWN_INTERFACE, G_DBUS_ERROR_UNKNOWN_OBJECT,
-          G_DBUS_ERROR_SPAWN_EXEC_FAILED, G_DBUS_ERROR_SPAWN_FORK_FAILED,
-          G_DBUS_ERROR_SPAWN_CHILD_EXITED, G_DBUS_ERROR_SPAWN_CHILD_SIGNALED,
-          G_DBUS_ERROR_SPAWN_FAILED, G_DBUS_ERROR_SPAWN_SERVICE_NOT_FOUND}) {
-        if (g_error_matches(error, G_DBUS_ERROR, code)) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus) {
@@ -104,23 +75,4 @@ std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus) {
         add_named(names_from_bus(bus, method), &found);
     }
     return found;
-}
-
-Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
-                    const operations::Request& request, std::string* reason) {
-    const auto* method = std::find_if(std::begin(manager.methods), std::end(manager.methods),
-                                      [&](const auto& one) { return one.kind == request.kind; });
-    if (method == std::end(manager.methods)) return Handover::absent;
-    g_autoptr(GError) error = nullptr;
-    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
-        bus, manager.service, manager.object, method->interface, method->name,
-        manager.arguments(request.kind, uris_of(request.sources),
-                          uri_of(request.destination).c_str()),
-        nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, &error);
-    if (answer) return Handover::taken;
-    if (is_absence(error)) return Handover::absent;
-    g_dbus_error_strip_remote_error(error);
-    *reason = std::string("the file manager (") + manager.service +
-              ") did not take it: " + error->message;
-    return Handover::refused;
 }

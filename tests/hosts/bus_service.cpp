@@ -93,7 +93,10 @@ void BusService::called(GDBusConnection*, const char*, const char*, const char* 
         const std::lock_guard guard(service->mutex_);
         service->calls_.push_back(std::string(interface) + "." + method + text);
     }
-    if (service->error_) {
+    if (service->error_ && !*service->error_) {
+        g_main_loop_quit(service->loop_);
+        g_object_unref(invocation);
+    } else if (service->error_) {
         g_dbus_method_invocation_return_dbus_error(invocation, "org.example.Error",
                                                    service->error_);
     } else {

@@ -28,11 +28,14 @@ class SessionBus {
 };
 
 // Owns a name and answers the methods of one object, each with an empty answer or with an error.
+// A second one of the same name waits until the first has gone.
 class BusService {
   public:
     // `interfaces` is D-Bus introspection XML.
     BusService(const SessionBus& bus, const char* name, const char* object, const char* interfaces,
                const char* error = nullptr);
+    // Goes when it is called, without an answer.
+    static constexpr const char* ends = "";
     ~BusService();
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;

@@ -173,6 +173,27 @@ TEST_F(DesktopCarrier, ARefusalIsReportedAndNothingIsTriedAgain) {
     EXPECT_EQ(nautilus.calls().size(), 1u);
 }
 
+TEST_F(DesktopCarrier, OneThatEndsInsteadOfAnsweringIsAskedAgain) {
+    const test::SessionBus bus;
+    test::BusService ending(bus, thunar_name, thunar_object, thunar_interfaces,
+                            test::BusService::ends);
+    test::BusService started(bus, thunar_name, thunar_object, thunar_interfaces);
+    const Report report = carry_out(request(Kind::Move));
+    ASSERT_EQ(report.outcomes.size(), 2u);
+    EXPECT_EQ(report.outcomes[0].state, State::Done) << report.outcomes[0].reason;
+    EXPECT_FALSE(is_from_second(report));
+    EXPECT_EQ(ending.calls().size(), 1u);
+    EXPECT_EQ(started.calls(), ending.calls());
+}
+
+TEST_F(DesktopCarrier, OneThatHasEndedForGoodLeavesTheWorkUndone) {
+    const test::SessionBus bus;
+    test::BusService ending(bus, thunar_name, thunar_object, thunar_interfaces,
+                            test::BusService::ends);
+    EXPECT_TRUE(is_from_second(carry_out(request(Kind::Move))));
+    EXPECT_EQ(ending.calls().size(), 1u);
+}
+
 TEST_F(DesktopCarrier, WhatIsGoneIsReportedAndNotHandedOver) {
     const test::SessionBus bus;
     test::BusService nautilus(bus, nautilus_name, nautilus_object, nautilus_interfaces);
@@ -226,6 +247,14 @@ class RealThunar : public DesktopCarrier {
         }
         bus_ = std::make_unique<test::SessionBus>(true);
     }
+    // Empty when it has taken all over.
+    static std::string said_of(const Report& report) {
+        for (const Outcome& outcome : report.outcomes) {
+            if (outcome.state != State::Done) return outcome.source + ": " + outcome.reason;
+            if (!outcome.target.empty()) return "another did the work";
+        }
+        return report.outcomes.empty() ? "nothing is said" : "";
+    }
     // Its services end with the bus.
     bool is_there(const std::string& path) const {
         struct stat status;
@@ -249,19 +278,19 @@ TEST_F(RealThunar, MovesAndCopiesAndTrashes) {
         }
         return test::read_file(folder + "/folder/inside") == "inside";
     };
-    EXPECT_FALSE(is_from_second(carry_out(wanted)));
+    EXPECT_EQ(said_of(carry_out(wanted)), "");
     EXPECT_TRUE(wait_for([&] { return all_there(wanted.destination); }));
     EXPECT_TRUE(all_there(folder_.path())) << "the originals stay";
 
     wanted.kind = Kind::Move;
     wanted.destination = folder_.folder("moved");
-    EXPECT_FALSE(is_from_second(carry_out(wanted)));
+    EXPECT_EQ(said_of(carry_out(wanted)), "");
     EXPECT_TRUE(wait_for([&] {
         return all_there(wanted.destination) && !is_there(folder_.path("plain")) &&
                !is_there(folder_.path("folder"));
     }));
 
     Request trash = {Kind::Trash, {folder_.path("moved/plain")}, "", false};
-    EXPECT_FALSE(is_from_second(carry_out(trash)));
+    EXPECT_EQ(said_of(carry_out(trash)), "");
     EXPECT_TRUE(wait_for([&] { return !is_there(trash.sources[0]); }));
 }

@@ -393,7 +393,7 @@ TEST_F(MenuCommand, SaysThatThePlugInIsMissing) {
 TEST_F(MenuCommand, SaysWhatIsWrongWithItsUse) {
     const std::string file = folder.path();
     expect_one_line(menu({}), 2, "FILE");
-    expect_one_line(run_delvio({}), 2, "menu, undo or settings");
+    expect_one_line(run_delvio({}), 2, "menu, undo, settings, install or uninstall");
     expect_one_line(menu({"--print", "--json", file}), 2, "one of");
     expect_one_line(menu({"--depth", "2", file}), 2, "--print or --json");
     expect_one_line(menu({"--print", "--depth", "-1", file}), 2, "--depth");

@@ -1,0 +1,120 @@
+#include <algorithm>
+#include <initializer_list>
+
+#include "finderkit/desktop_managers.h"
+
+namespace {
+
+// Time enough for it to start.
+constexpr int milliseconds_to_answer = 30000;
+// One that has nothing left to do ends, and takes what reaches it meanwhile with it.
+constexpr int times_to_ask = 3;
+constexpr int looks_until_gone = 100, microseconds_between_looks = 20000;
+
+std::string uri_of(const std::string& path) {
+    g_autofree char* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
+    return uri ? uri : "";
+}
+
+GVariant* uris_of(const std::vector<std::string>& paths) {
+    GVariantBuilder uris;
+    g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
+    for (const std::string& path : paths) g_variant_builder_add(&uris, "s", uri_of(path).c_str());
+    return g_variant_builder_end(&uris);
+}
+
+GVariant* ask_bus(GDBusConnection* bus, const char* method, GVariant* arguments, GError** error) {
+    return g_dbus_connection_call_sync(
+        bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
+        arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error);
+}
+
+// The connection of its own that a service has.
+std::string connection_of(GDBusConnection* bus, const char* service, GError** error) {
+    g_autoptr(GVariant) owner = ask_bus(bus, "GetNameOwner", g_variant_new("(s)", service), error);
+    const char* name = "";
+    if (owner) g_variant_get(owner, "(&s)", &name);
+    return name;
+}
+
+std::string connect(GDBusConnection* bus, const char* service, GError** error) {
+    const std::string running = connection_of(bus, service, nullptr);
+    if (!running.empty()) return running;
+    g_autoptr(GVariant) started =
+        ask_bus(bus, "StartServiceByName", g_variant_new("(su)", service, 0u), error);
+    return started ? connection_of(bus, service, error) : "";
+}
+
+bool is_connected(GDBusConnection* bus, const std::string& connection) {
+    g_autoptr(GVariant) answer =
+        ask_bus(bus, "NameHasOwner", g_variant_new("(s)", connection.c_str()), nullptr);
+    gboolean is = FALSE;
+    if (answer) g_variant_get(answer, "(b)", &is);
+    return is;
+}
+
+bool ends_soon(GDBusConnection* bus, const std::string& connection) {
+    for (int look = 0; look < looks_until_gone; look++) {
+        if (!is_connected(bus, connection)) return true;
+        g_usleep(microseconds_between_looks);
+    }
+    return false;
+}
+
+bool is_one_of(const GError* error, std::initializer_list<GDBusError> codes) {
+    return std::any_of(codes.begin(), codes.end(), [error](GDBusError code) {
+        return g_error_matches(error, G_DBUS_ERROR, code);
+    });
+}
+
+// Nobody has heard the question.
+bool is_absence(const GError* error) {
+    return is_one_of(error, {G_DBUS_ERROR_SERVICE_UNKNOWN, G_DBUS_ERROR_NAME_HAS_NO_OWNER,
+                             G_DBUS_ERROR_UNKNOWN_METHOD, G_DBUS_ERROR_UNKNOWN_INTERFACE,
+                             G_DBUS_ERROR_UNKNOWN_OBJECT, G_DBUS_ERROR_SPAWN_EXEC_FAILED,
+                             G_DBUS_ERROR_SPAWN_FORK_FAILED, G_DBUS_ERROR_SPAWN_CHILD_EXITED,
+                             G_DBUS_ERROR_SPAWN_CHILD_SIGNALED, G_DBUS_ERROR_SPAWN_FAILED,
+                             G_DBUS_ERROR_SPAWN_SERVICE_NOT_FOUND});
+}
+
+// Whether it was about to end when the question came. One that takes it over answers at once, so
+// that nothing is carried out twice.
+bool was_ending(GDBusConnection* bus, const std::string& connection, const GError* error) {
+    if (connection.empty()) return is_one_of(error, {G_DBUS_ERROR_NAME_HAS_NO_OWNER});
+    const bool is_unheard = is_absence(error) || is_one_of(error, {G_DBUS_ERROR_NO_REPLY});
+    return is_unheard && ends_soon(bus, connection);
+}
+
+bool takes(GDBusConnection* bus, const std::string& connection, const DesktopManager& manager,
+           const DesktopManager::Method& method, const operations::Request& request,
+           GError** error) {
+    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+        bus, connection.c_str(), manager.object, method.interface, method.name,
+        manager.arguments(request.kind, uris_of(request.sources),
+                          uri_of(request.destination).c_str()),
+        nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error);
+    return answer != nullptr;
+}
+
+}  // namespace
+
+Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
+                    const operations::Request& request, std::string* reason) {
+    const auto* method = std::find_if(std::begin(manager.methods), std::end(manager.methods),
+                                      [&](const auto& one) { return one.kind == request.kind; });
+    if (method == std::end(manager.methods)) return Handover::absent;
+    g_autoptr(GError) error = nullptr;
+    for (int time = 0; time < times_to_ask; time++) {
+        g_clear_error(&error);
+        const std::string connection = connect(bus, manager.service, &error);
+        if (!connection.empty() && takes(bus, connection, manager, *method, request, &error)) {
+            return Handover::taken;
+        }
+        if (!was_ending(bus, connection, error)) break;
+    }
+    if (is_absence(error)) return Handover::absent;
+    g_dbus_error_strip_remote_error(error);
+    *reason = std::string("the file manager (") + manager.service +
+              ") did not take it: " + error->message;
+    return Handover::refused;
+}
