@@ -2,6 +2,9 @@
 
 #include <AppKit/AppKit.h>
 #include <AppKit/FileDrags.h>
+#include <GNUstepGUI/GSPasteboardServer.h>
+
+#include <unistd.h>
 
 #include "popup/exit_signals.h"
 
@@ -9,15 +12,37 @@ namespace {
 
 constexpr NSTimeInterval turn = 0.02;
 constexpr NSTimeInterval longest_fetch = 10;
+constexpr NSTimeInterval longest_start = 5;
+
+NSDate* after(NSTimeInterval time) { return [NSDate dateWithTimeIntervalSinceNow:time]; }
+
+bool pasteboards_are_served() {
+    return [NSConnection rootProxyForConnectionWithRegisteredName:PBSNAME host:@""] != nil;
+}
+
+// Left to itself the toolkit starts the server, too, but waits for a notification that does not
+// come to a command without notifications, and then goes on after five seconds.
+void serve_pasteboards() {
+    NSString* server = [NSTask launchPathForTool:@"gpbs"];
+    if (!server || pasteboards_are_served()) return;
+    NSTask* task = [[NSTask new] autorelease];
+    [task setLaunchPath:server];
+    [task setArguments:[NSArray arrayWithObject:@"--auto"]];
+    [task setStandardOutput:[NSFileHandle fileHandleWithNullDevice]];
+    [task setStandardError:[NSFileHandle fileHandleWithNullDevice]];
+    [task launch];
+    NSDate* end = after(longest_start);
+    while (!pasteboards_are_served() && [end timeIntervalSinceNow] > 0) usleep(10000);
+}
 
 }  // namespace
 
 void FinishDrags() {
     if (![NSEvent pressedMouseButtons]) return;
+    serve_pasteboards();
     while ([NSEvent pressedMouseButtons] && !CaughtSignal()) {
         @autoreleasepool {
-            [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
-                                     beforeDate:[NSDate dateWithTimeIntervalSinceNow:turn]];
+            [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:after(turn)];
         }
     }
     FinishFileDrops(longest_fetch);

@@ -225,6 +225,15 @@ void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize
     }
 }
 
+// A target that asked for the files while the drag was still above it says only that it is done.
+bool target_is_done() {
+    NSEvent* event = [NSApp nextEventMatchingMask:NSAppKitDefinedMask
+                                        untilDate:[NSDate dateWithTimeIntervalSinceNow:looking]
+                                           inMode:NSDefaultRunLoopMode
+                                          dequeue:YES];
+    return [event subtype] == GSAppKitDraggingFinished;
+}
+
 }  // namespace
 
 void FinishFileDrops(NSTimeInterval limit) {
@@ -234,8 +243,7 @@ void FinishFileDrops(NSTimeInterval limit) {
         const FileOffer* offer = FileOffer::shared();
         if (!offer || !offer->is_awaited() || [end timeIntervalSinceNow] <= 0) return;
         @autoreleasepool {
-            [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
-                                     beforeDate:[NSDate dateWithTimeIntervalSinceNow:looking]];
+            if (target_is_done()) return;
         }
     }
 }

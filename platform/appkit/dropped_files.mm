@@ -1,0 +1,45 @@
+// Drags that come from other programs. GNUstep drops the drag's pasteboard whenever a drag leaves
+// a window, and asks the pasteboard server for it again when it enters the next one; it handles
+// further events while it waits for the answer, so that a pasteboard which is just going away can
+// be taken up once more, and the program ends. One that is held does not go away.
+#include <AppKit/AppKit.h>
+
+#include "appkit/method_patch.h"
+
+namespace {
+
+IMP stock_setup;
+
+void set_up_drag(id self, SEL selector, void* event) {
+    static NSPasteboard* held;
+    if (!held) held = [[NSPasteboard pasteboardWithName:NSDragPboard] retain];
+    using setup_t = void (*)(id, SEL, void*);
+    reinterpret_cast<setup_t>(stock_setup)(self, selector, event);
+}
+
+}  // namespace
+
+@interface DroppedFilesInstaller : NSObject
+@end
+
+@implementation DroppedFilesInstaller
+
+// The class is the back end's, which may load after this library.
++ (void)load {
+    if (objc_getClass("XGDragView")) return [self install];
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(install)
+                                                 name:NSApplicationWillFinishLaunchingNotification
+                                               object:nil];
+}
+
++ (void)install {
+    if (stock_setup) return;
+    const method_patch_t patches[] = {
+        {"XGDragView", "setupDragInfoFromXEvent:", reinterpret_cast<IMP>(set_up_drag),
+         &stock_setup},
+    };
+    patch_methods(patches);
+}
+
+@end
