@@ -12,6 +12,7 @@
 
 #include "finderkit/desktop_managers.h"
 #include "finderkit/session_bus.h"
+#include "operations/work.h"
 
 namespace {
 
@@ -78,7 +79,9 @@ void DesktopCarrier::run() {
 // An empty string for a source that can be handed over.
 std::string why_not(const std::string& source) {
     struct stat status;
-    return lstat(source.c_str(), &status) == 0 ? "" : strerror(errno);
+    if (lstat(source.c_str(), &status) == 0) return "";
+    const std::string name = operations::QuotedName(source);
+    return errno == ENOENT ? name + " is no longer there" : name + ": " + strerror(errno);
 }
 
 // What is left to hand over; the others' outcomes say why not.

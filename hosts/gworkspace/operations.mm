@@ -11,6 +11,7 @@
 #include "finderkit/file_operations.h"
 #include "gworkspace/gworkspace_classes.h"
 #include "operations/engine.h"
+#include "operations/work.h"
 #include "operations_ui/operation_window.h"
 
 using operations::Kind;
@@ -55,11 +56,23 @@ NSString* string_of(const std::string& path) {
     return [NSString stringWithUTF8String:path.c_str()];
 }
 
+// It takes paths apart at backslashes, too, and would mean another file.
+bool is_understood(NSString* path) {
+    NSString* folder = [path stringByDeletingLastPathComponent];
+    NSString* again = [folder stringByAppendingPathComponent:[path lastPathComponent]];
+    return [again isEqualToString:path] && [path rangeOfString:@"\\"].length == 0;
+}
+
 // Why GWorkspace cannot be given this one; empty if it can. It knows files by names that are text.
 std::string why_not(const std::string& path) {
     struct stat status;
-    if (lstat(path.c_str(), &status) != 0) return strerror(errno);
-    return string_of(path) ? "" : "its name is not UTF-8, and GWorkspace knows files by such names";
+    const std::string name = operations::QuotedName(path);
+    if (lstat(path.c_str(), &status) != 0) {
+        return errno == ENOENT ? name + " is no longer there" : name + ": " + strerror(errno);
+    }
+    NSString* text = string_of(path);
+    if (!text) return "the name " + name + " is not UTF-8, as all names are for GWorkspace";
+    return is_understood(text) ? "" : "GWorkspace does not understand the name " + name;
 }
 
 // One refusal refuses the request, before anything is touched.
@@ -74,7 +87,7 @@ bool refuse(const Request& request, Report* report) {
         report->outcomes.push_back({source, State::Failed, "", reason});
     }
     for (Outcome& outcome : report->outcomes) {
-        if (outcome.reason.empty()) outcome.reason = "another file could not be taken";
+        if (outcome.reason.empty()) outcome.reason = "nothing was done, for another file's sake";
     }
     return is_refused;
 }

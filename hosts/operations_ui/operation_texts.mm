@@ -118,10 +118,12 @@ NSString* FailureReasonsOf(const Report& report) {
     size_t more = 0;
     for (const Outcome& outcome : report.outcomes) {
         if (outcome.state != State::Failed) continue;
+        NSString* reason = TextOfName(outcome.reason);
+        if ([reasons containsObject:reason]) continue;
         if ([reasons count] == most_reasons) {
             more++;
         } else {
-            [reasons addObject:TextOfName(outcome.reason)];
+            [reasons addObject:reason];
         }
     }
     if (more > 0) [reasons addObject:[NSString stringWithFormat:@"and %@ more", grouped(more)]];

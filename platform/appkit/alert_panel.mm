@@ -161,6 +161,7 @@ int item_at(const alert_layout_t& layout, point_t point) {
                                               cancelItem:words.cancel_item] autorelease];
     AlertPanel* panel = [[self alloc] initWithView:view];
     panel->_layout = &layout;
+    panel->_words = &words;
     [panel placeOnScreenOfPointer];
     [NSApp activateIgnoringOtherApps:YES];
     make_dialog_window(panel);
@@ -217,6 +218,11 @@ int item_at(const alert_layout_t& layout, point_t point) {
     if ([self isKeyWindow] || !window_has_keyboard(self)) return;
     [NSApp activateIgnoringOtherApps:YES];
     [self makeKeyWindow];
+}
+
+- (NSString*)text {
+    const std::string text = _words->message + "\n" + _words->explanation;
+    return [NSString stringWithUTF8String:text.c_str()];
 }
 
 - (point_t)middleOfItem:(int)item {

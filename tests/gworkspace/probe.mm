@@ -50,7 +50,7 @@ std::string answer_to(const std::string& line) {
     std::string question, rest;
     words >> question >> std::ws;
     if (question == "launched") return has_launched ? "yes" : "";
-    std::getline(words, rest);
+    std::getline(words, rest, '\0');  // a name may hold a newline
     std::string answer;
     @try {
         return AnswerAboutViews(question, rest, &answer) ? answer : ask_about_menus(line);

@@ -3,6 +3,8 @@
 //   menus            how many levels are open
 //   rows LEVEL       the level's rows, from 0: "left top width height enabled submenu title"
 //   highlight LEVEL  the title of the highlighted row
+//   button ITEM      where the button of the plug-in's alert is: "x y", once it has the keys
+//   told             what the plug-in's alert says
 //   elements         how many of the plug-in's elements have been made, and freed
 #include <AppKit/MenuTracking.h>
 
@@ -10,6 +12,12 @@
 
 #include "appkit/menu_run.h"
 #include "gworkspace/local_symbols.h"
+
+// The plug-in's alert, by name.
+@interface NSWindow (ProbedAlert)
+- (point_t)middleOfItem:(int)item;
+- (NSString*)text;
+@end
 
 namespace {
 
@@ -45,6 +53,18 @@ std::string highlight_of(size_t level) {
     return title_of([[MenuSession current] highlightedItemOfMenu:shown->menu()]) + "\n";
 }
 
+NSWindow* shown_alert() {
+    NSWindow* window = [NSApp modalWindow];
+    const BOOL is_alert = [window respondsToSelector:@selector(middleOfItem:)];
+    return is_alert && [window isKeyWindow] ? window : nil;
+}
+
+std::string button_of(int item) {
+    if (!shown_alert()) return "";
+    const point_t at = [shown_alert() middleOfItem:item];
+    return std::to_string(at.x) + " " + std::to_string(at.y);
+}
+
 std::string element_counts() {
     std::ostringstream text;
     for (const char* name : {"alloc_count", "free_count"}) {
@@ -70,6 +90,10 @@ extern "C" __attribute__((visibility("default"))) void AnswerAboutMenus(const ch
         *answer = rows_of(level);
     } else if (question == "highlight") {
         *answer = highlight_of(level);
+    } else if (question == "button") {
+        *answer = button_of(static_cast<int>(level));
+    } else if (question == "told") {
+        *answer = [[shown_alert() text] UTF8String] ?: "";
     } else if (question == "elements") {
         *answer = element_counts();
     } else {

@@ -202,7 +202,7 @@ TEST_F(DesktopCarrier, WhatIsGoneIsReportedAndNotHandedOver) {
     Report report = carry_out(wanted);
     ASSERT_EQ(report.outcomes.size(), 2u);
     EXPECT_EQ(report.outcomes[0].state, State::Failed);
-    EXPECT_NE(report.outcomes[0].reason, "");
+    EXPECT_EQ(report.outcomes[0].reason, "\"a b\" is no longer there");
     EXPECT_EQ(report.outcomes[1].state, State::Done);
     ASSERT_EQ(nautilus.calls().size(), 1u);
     EXPECT_EQ(nautilus.calls()[0].find("a%20b"), std::string::npos);

@@ -1,5 +1,6 @@
 // delvio menu --pick, into the file operations: what is done, what is said, and the exit status.
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -117,6 +118,28 @@ TEST_F(FileOperationCommand, WhatFailsIsToldAndFails) {
             << outcome.err;
     }
     EXPECT_EQ(read_file(folder.path("a.txt")), "new a");
+}
+
+TEST_F(FileOperationCommand, ASignalLeavesNothingHalfDone) {
+    for (int number = 0; number < 5000; number++) {
+        folder.file("a.d/" + std::to_string(number), "text");
+    }
+    const auto temporaries = [this] {
+        size_t count = 0;
+        for (const auto& entry : fs::directory_iterator(folder.path("to"))) {
+            count += entry.path().filename().string().rfind(".delvio-", 0) == 0;
+        }
+        return count;
+    };
+    test::RunningCommand command({"menu", "--modifiers", "option", "--pick", "to", "--pick",
+                                  "Copy selection here", folder.path("to"), folder.path("a.d")});
+    for (int turn = 0; turn < 20000 && temporaries() == 0; turn++) usleep(500);
+    EXPECT_EQ(temporaries(), 1u) << "the copy has begun";
+    command.send_signal(SIGTERM);
+    EXPECT_EQ(command.finish().status, 128 + SIGTERM);
+    EXPECT_EQ(temporaries(), 0u);
+    EXPECT_FALSE(is_there("to/a.d"));
+    EXPECT_EQ(read_file(folder.path("a.d/4999")), "text");
 }
 
 TEST_F(FileOperationCommand, ReplaceNeedsAPick) {
