@@ -17,6 +17,7 @@ struct PartsScene {
     extent_t size;  // pixels
     const Part* hovered;
     const Part* pressed;
+    const Part* focused;  // the one that Space hits
 };
 
 int PixelsOf(const menu_look_t& look, double points);

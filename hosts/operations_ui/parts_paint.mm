@@ -103,6 +103,14 @@ void paint_check(cairo_t* cairo, const PartsScene& scene, const Part& part, cons
     paint_line(cairo, scene, part, label, palette.text, 1, false);
 }
 
+void paint_focus(cairo_t* cairo, const PartsScene& scene) {
+    const double ring = PixelsOf(scene.look, 3);
+    cairo_set_line_width(cairo, ring);
+    add_outline(cairo, AreaOf(scene.look, *scene.focused), PixelsOf(scene.look, 6), ring / 2);
+    set_color(cairo, scene.look.palette->highlight, 0.38);
+    cairo_stroke(cairo);
+}
+
 const struct {
     PartKind kind;
     void (*paint)(cairo_t*, const PartsScene&, const Part&, const area_t&);
@@ -138,6 +146,7 @@ void PaintParts(cairo_t* cairo, const PartsScene& scene) {
             }
         }
     }
+    if (scene.focused && !scene.focused->disabled) paint_focus(cairo, scene);
 }
 
 }  // namespace operations

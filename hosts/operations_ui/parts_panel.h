@@ -1,5 +1,6 @@
 // A small window of texts, icons, a bar, buttons and a check box, in the look of the menus: light
-// or dark as they are, and sharp at every scale. Main thread.
+// or dark as they are, and sharp at every scale. Tab and the arrows lead a focus along the buttons
+// and check boxes; Space hits the one that has it. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>

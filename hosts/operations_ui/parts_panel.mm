@@ -20,7 +20,7 @@ struct Content {
     operations::Hit hit;
     menu_look_t look;
     image_cache_t images;
-    const Part *hovered = nullptr, *pressed = nullptr;
+    const Part *hovered = nullptr, *pressed = nullptr, *focused = nullptr;
 };
 
 bool can_be_hit(const Part& part) {
@@ -63,9 +63,9 @@ bool can_be_hit(const Part& part) {
     (void)rect;
     Content& content = **_content;
     const NSSize size = [self bounds].size;
-    const operations::PartsScene scene = {&content.parts,  content.look,
-                                          &content.images, {(int)size.width, (int)size.height},
-                                          content.hovered, content.pressed};
+    const operations::PartsScene scene = {
+        &content.parts,  content.look,    &content.images, {(int)size.width, (int)size.height},
+        content.hovered, content.pressed, content.focused};
     draw_through_bitmap([self bounds],
                         [&](cairo_t* cairo) { operations::PaintParts(cairo, scene); });
 }
@@ -104,9 +104,46 @@ bool can_be_hit(const Part& part) {
     if (part && part == pressed) [self hit:*part];
 }
 
+// To the next or, backwards, the one before; round and round.
+- (void)moveFocusBy:(ptrdiff_t)step {
+    Content& content = **_content;
+    const auto count = static_cast<ptrdiff_t>(content.parts.size());
+    ptrdiff_t index = content.focused ? content.focused - content.parts.data() : step > 0 ? -1 : 0;
+    for (ptrdiff_t turn = 0; turn < count; turn++) {
+        index = (index + step + count) % count;
+        if (!can_be_hit(content.parts[static_cast<size_t>(index)])) continue;
+        content.focused = &content.parts[static_cast<size_t>(index)];
+        break;
+    }
+    [self setNeedsDisplay:YES];
+}
+
+// Whether the key is one that leads the focus.
+- (bool)isFocusKey:(unichar)key of:(NSEvent*)event {
+    switch (key) {
+        case NSTabCharacter:
+            [self moveFocusBy:[event modifierFlags] & NSShiftKeyMask ? -1 : 1];
+            return true;
+        case NSLeftArrowFunctionKey:
+        case NSDownArrowFunctionKey:
+            [self moveFocusBy:1];
+            return true;
+        case NSBackTabCharacter:
+        case NSRightArrowFunctionKey:
+        case NSUpArrowFunctionKey:
+            [self moveFocusBy:-1];
+            return true;
+        default:
+            return false;
+    }
+}
+
 - (void)keyDown:(NSEvent*)event {
     NSString* characters = [event charactersIgnoringModifiers];
     unichar key = [characters length] ? [characters characterAtIndex:0] : 0;
+    if ([self isFocusKey:key of:event]) return;
+    const Part* focused = (*_content)->focused;
+    if (key == ' ' && focused && can_be_hit(*focused)) return [self hit:*focused];
     const bool is_return =
         key == NSCarriageReturnCharacter || key == NSNewlineCharacter || key == NSEnterCharacter;
     for (const Part& part : (*_content)->parts) {

@@ -37,6 +37,13 @@ const Part* part_of(PartsPanel* panel, PartKind kind, const std::string& text) {
     return nullptr;
 }
 
+int check_item() {
+    for (const Part& part : [shown_window() parts]) {
+        if (part.kind == PartKind::Check) return part.item;
+    }
+    return 0;
+}
+
 bool shows_text(const std::string& text) {
     return part_of(shown_window(), PartKind::Text, text) != nullptr;
 }
@@ -76,6 +83,13 @@ class OperationWindowTest : public testing::Test {
             if (!condition()) return true;
             if ((*turns)++ % 50 == 0) hand_.key("Return");
             return false;
+        };
+    }
+
+    Hand keys(const std::vector<std::string>& names) {
+        return [this, names] {
+            for (const std::string& name : names) hand_.key(name);
+            return true;
         };
     }
 
@@ -217,6 +231,19 @@ TEST_F(OperationWindowTest, ReplaceByMouseReplacesOne) {
     EXPECT_TRUE(report.stopped);
     EXPECT_EQ(report.outcomes[1].state, State::Skipped);
     EXPECT_EQ(test::read_file(folder_.path("to/two.txt")), "old");
+}
+
+TEST_F(OperationWindowTest, TabLeadsToReplaceAndSpaceHitsIt) {
+    two_taken_names();
+    const auto asks = [](const char* name) {
+        return [name] { return shows_text(name) && [shown_window() isKeyWindow]; };
+    };
+    const Hand is_on = [] { return [shown_window() partOfItem:check_item()]->on; };
+    steps_ = {asks("one.txt"), keys({"Tab", "space"}), is_on,
+              keys({"Tab", "Right", "Tab", "Tab", "Left", "space"})};
+    copy();
+    EXPECT_EQ(test::read_file(folder_.path("to/one.txt")), "new");
+    EXPECT_EQ(test::read_file(folder_.path("to/two.txt")), "new") << "applied to all";
 }
 
 TEST_F(OperationWindowTest, WhatFailedIsShownAtTheEnd) {
