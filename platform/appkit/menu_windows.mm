@@ -165,6 +165,7 @@ void cut_window(NSWindow* window, const std::vector<area_t>& parts) {
     }
     XShapeCombineRectangles(display(), x_window(window), ShapeBounding, 0, 0, rectangles.data(),
                             static_cast<int>(rectangles.size()), ShapeSet, Unsorted);
+    XFlush(display());
 }
 
 void shape_menu_window(NSWindow* window, int radius) {

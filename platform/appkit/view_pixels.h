@@ -13,3 +13,5 @@ _cairo_matrix focus_matrix(_cairo* cairo);
 NSRect focus_device_area(NSRect rect);
 // What the view shows now; null when it cannot be drawn into. The caller destroys it.
 _cairo_surface* copy_view_pixels(NSView* view);
+// Makes the view show such a copy, transparent where the copy is.
+void replace_view_pixels(NSView* view, _cairo_surface* copy);

@@ -46,3 +46,18 @@ cairo_surface_t* copy_view_pixels(NSView* view) {
     [view unlockFocus];
     return copy;
 }
+
+void replace_view_pixels(NSView* view, cairo_surface_t* copy) {
+    [view lockFocus];
+    if (cairo_t* cairo = focused_cairo()) {
+        const NSRect area = focus_device_area([view bounds]);
+        cairo_save(cairo);
+        cairo_identity_matrix(cairo);
+        cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
+        cairo_set_source_surface(cairo, copy, NSMinX(area), NSMinY(area));
+        cairo_rectangle(cairo, NSMinX(area), NSMinY(area), NSWidth(area), NSHeight(area));
+        cairo_fill(cairo);
+        cairo_restore(cairo);
+    }
+    [view unlockFocus];
+}

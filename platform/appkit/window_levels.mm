@@ -47,22 +47,46 @@ std::vector<area_t> drawn_parts(cairo_surface_t* picture) {
     return parts;
 }
 
+// Puts white below what is half seen, and would else be half black. False when nothing is.
+bool put_on_white(cairo_surface_t* picture) {
+    bool changed = false;
+    const int width = cairo_image_surface_get_width(picture);
+    const int stride = cairo_image_surface_get_stride(picture);
+    cairo_surface_flush(picture);
+    for (int y = 0; y < cairo_image_surface_get_height(picture); y++) {
+        auto* row = reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(picture) + y * stride);
+        for (int x = 0; x < width; x++) {
+            const uint32_t alpha = row[x] >> 24;
+            if (alpha < least_alpha || alpha == 0xff) continue;
+            // Colours hold no more than their alpha, so nothing is carried from one to the next.
+            row[x] += (0xff - alpha) * 0x01010101;
+            changed = true;
+        }
+    }
+    cairo_surface_mark_dirty(picture);
+    return changed;
+}
+
 void cut_to_drawing(NSWindow* window) {
-    cairo_surface_t* picture = copy_view_pixels([window contentView]);
-    if (!picture) return;
-    cut_window(window, drawn_parts(picture));
-    cairo_surface_destroy(picture);
+    static bool is_cutting;  // reading and drawing the window's pixels may flush it
+    if (is_cutting) return;
+    is_cutting = true;
+    NSView* content = [window contentView];
+    if (cairo_surface_t* picture = copy_view_pixels(content)) {
+        if (put_on_white(picture)) replace_view_pixels(content, picture);
+        cut_window(window, drawn_parts(picture));
+        cairo_surface_destroy(picture);
+    }
+    is_cutting = false;
 }
 
 // Flushed is what has been drawn.
 void flush_window(NSWindow* self, SEL selector) {
+    if (has_server_window(self) && needs_cutting(self) && [self isVisible] &&
+        [self alphaValue] > 0) {
+        cut_to_drawing(self);
+    }
     reinterpret_cast<void (*)(id, SEL)>(stock_flush)(self, selector);
-    static bool is_cutting;  // reading the window's pixels may flush it
-    if (is_cutting || !has_server_window(self) || !needs_cutting(self)) return;
-    if (![self isVisible] || [self alphaValue] <= 0) return;
-    is_cutting = true;
-    cut_to_drawing(self);
-    is_cutting = false;
 }
 
 // Without a compositor a window is either there or not; it stays ordered in, as on the Mac.
@@ -72,6 +96,7 @@ void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
     if (!has_server_window(self) || was_hidden == (alpha <= 0)) return;
     if (alpha > 0) {
         needs_cutting(self) ? cut_to_drawing(self) : shape_menu_window(self, 0);
+        [self flushWindow];  // what it had drawn went nowhere
     } else if (!windows_are_composed()) {
         hide_shape_of_menu_window(self);
     }
