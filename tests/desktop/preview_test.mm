@@ -5,7 +5,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <stdio.h>
+#include <unistd.h>
+
 #include "desktop/desk.h"
+#include "platform/quicklook/sample_files.h"
 
 // Of the plug-in, which is known by name only.
 @interface NSObject (HoverWindow)
@@ -16,6 +20,22 @@
 namespace {
 
 using test::Steps;
+
+// A few previews, not a picture of ten gigabytes. The sanitizers keep what is freed.
+#if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
+constexpr long most_growth = 400'000'000;
+#else
+constexpr long most_growth = 30'000'000;
+#endif
+
+long resident_bytes() {
+    long total = 0, resident = 0;
+    FILE* file = fopen("/proc/self/statm", "r");
+    if (!file) return 0;
+    if (fscanf(file, "%ld %ld", &total, &resident) != 2) resident = 0;
+    fclose(file);
+    return resident * sysconf(_SC_PAGESIZE);
+}
 
 class Preview : public test::Desk {
   protected:
@@ -185,6 +205,43 @@ TEST_F(Preview, AFileThatCannotBeReadHasNoPreview) {
     });
     EXPECT_EQ(lines.size(), 1u);
     EXPECT_FALSE(enabled);
+}
+
+// All in one menu, which stays open and goes on to the next; what is shown last is a good file.
+TEST_F(Preview, HostileFilesLeaveTheMenuAndTheMemoryAlone) {
+    folder_.file("project/bomb.png", test::white_png_bytes(50000, 50000));
+    folder_.file("project/cut.png", test::image_bytes(300, 300, "png").substr(0, 200));
+    folder_.file("project/hole.jpg");
+    ASSERT_EQ(truncate(folder_.path("project/hole.jpg").c_str(), 10'000'000'000), 0);
+    ASSERT_EQ(mkfifo(folder_.path("project/pipe").c_str(), 0600), 0);
+    const std::string gone = folder_.file("project/gone.png");
+    const long before = resident_bytes();
+    bool is_open_still = false;
+    in_preview_menu("bomb.png", [&](Steps& steps) {
+        const auto has_ended = [this] {
+            return is_open(2) && preview_item() && ![preview_item() view];
+        };
+        std::string shown = "bomb.png";
+        for (const std::string& name : {"cut.png", "hole.jpg", "pipe", "gone.png", "b.txt"}) {
+            steps
+                .when("the end of " + shown, has_ended,
+                      [this, name, gone] {
+                          if (name == "gone.png") unlink(gone.c_str());
+                          hover(name);
+                      })
+                .when("the row of " + name,
+                      [this, name] { return highlighted(1) == name && is_open(2); });
+            shown = name;
+        }
+        steps.when(
+            "the good file's picture", [] { return has_picture(); },
+            [&] {
+                is_open_still = is_open(1);
+                escape();
+            });
+    });
+    EXPECT_TRUE(is_open_still);
+    EXPECT_LT(resident_bytes() - before, most_growth);
 }
 
 TEST_F(Preview, AMenuThatClosesAtOnceDoesNoHarm) {
