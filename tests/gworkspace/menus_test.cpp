@@ -70,11 +70,7 @@ TEST_F(Menus, NewFolderOnTheGroundIsMadeInTheFolderShown) {
 }
 
 TEST_F(Menus, CopyPutsTheSelectionOnTheClipboard) {
-    left_click(item("icons", path("first.txt")));
-    input().key_down("Shift_L");
-    left_click(item("icons", path("second.txt")));
-    input().key_up("Shift_L");
-    ASSERT_TRUE(wait_until([&] { return selection().size() == 2; }));
+    select("icons", {path("first.txt"), path("second.txt")});
     const lines_t both = selection();
     right_click(item("icons", path("first.txt")));
     pick({"Copy"});

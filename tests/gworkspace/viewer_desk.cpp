@@ -85,6 +85,18 @@ void ViewerDesk::left_click(const Area& area) {
     input_.click(1);
 }
 
+void ViewerDesk::select(const std::string& kind, const lines_t& paths) {
+    for (size_t i = 0; i < paths.size(); i++) {
+        const Area area = item(kind, paths[i]);
+        if (i == 1) input_.key_down("Shift_L");
+        left_click(area);
+        EXPECT_TRUE(wait_until([&] { return selection().size() == i + 1; }))
+            << paths[i] << ": " << manager().ask("selection");
+    }
+    if (paths.size() > 1) input_.key_up("Shift_L");
+    EXPECT_TRUE(contains(selection(), paths.front()));
+}
+
 void ViewerDesk::right_click(const Area& area) {
     move_to(area);
     input_.click(3);

@@ -46,6 +46,8 @@ class ViewerDesk : public testing::Test {
     Area item(const std::string& kind, const std::string& path);
     Area ground(const std::string& kind);
     void left_click(const Area& area);
+    // By a click, and by clicks with Shift on the further ones.
+    void select(const std::string& kind, const lines_t& paths);
     // A right-click that opens a menu.
     void right_click(const Area& area);
     void close_menu();

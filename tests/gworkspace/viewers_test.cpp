@@ -46,11 +46,7 @@ TEST_F(Viewers, ASelectedItemKeepsTheWholeSelectionInGWorkspacesOrder) {
     for (const std::string form : forms) {
         SCOPED_TRACE(form);
         show(form);
-        left_click(item(form, path("third.txt")));
-        input().key_down("Shift_L");
-        left_click(item(form, path("second.txt")));
-        input().key_up("Shift_L");
-        ASSERT_TRUE(wait_until([&] { return selection().size() == 2; }));
+        select(form, {path("third.txt"), path("second.txt")});
         const lines_t selected = manager().ask_lines("selected " + form);
         right_click(item(form, path("second.txt")));
         EXPECT_EQ(selection(), selected);
