@@ -17,6 +17,7 @@ class Menus : public ViewerDesk {
         ViewerDesk::SetUp();
         if (!HasFatalFailure()) show("icons");
     }
+    static int stock_menus() { return atoi(manager().ask("stock").c_str()); }
 };
 
 }  // namespace
@@ -133,6 +134,35 @@ TEST_F(Menus, AClickOutsideClosesItAndDoesNothingElse) {
     EXPECT_EQ(selection(), lines_t({path("alpha")}));
     EXPECT_TRUE(input().pointer_is_free());
     EXPECT_TRUE(input().keyboard_is_free());
+}
+
+TEST_F(Menus, TheMainMenuStaysGNUsteps) {
+    const int shown = stock_menus();
+    input().move(30, 52);
+    input().click(1);
+    EXPECT_TRUE(wait_until([&] { return stock_menus() > shown; })) << "no submenu";
+    EXPECT_TRUE(is_closed());
+    input().click(1);
+    EXPECT_TRUE(wait_until([&] { return stock_menus() == shown; })) << "the submenu stays";
+}
+
+TEST_F(Menus, APopUpButtonStaysGNUsteps) {
+    right_click(item("icons", path("second.txt")));
+    pick({"Attributes"});
+    Area button;
+    ASSERT_TRUE(wait_until([&] {
+        button = manager().ask_area("bounds popup");
+        return static_cast<bool>(button);
+    }));
+    const int shown = stock_menus();
+    move_to(button);
+    input().press(1);
+    EXPECT_TRUE(wait_until([&] { return stock_menus() > shown; })) << "no menu";
+    EXPECT_TRUE(is_closed());
+    input().release(1);
+    input().click(1);
+    EXPECT_TRUE(wait_until([&] { return stock_menus() == shown; })) << "the menu stays";
+    manager().ask("close Attributes Inspector");
 }
 
 TEST_F(Menus, AFolderDeletedMeanwhileLeavesMenuAndGWorkspaceUsable) {

@@ -7,7 +7,8 @@
 //   item KIND PATH        where the icon, cell or row of the path stands; KIND is browser, icons,
 //                         list, path, shelf, desktop, dock
 //   ground KIND           where there is none; of the browser, below the cells of the last column
-//   bounds KIND           the view's visible part
+//   bounds KIND           the view's visible part; of a popup, its button's
+//   stock                 how many of GNUstep's own menus are shown
 //   clipboard             the paths on the pasteboard
 //   windows               the titles of the windows that are shown
 //   close TITLE           closes the windows of this title

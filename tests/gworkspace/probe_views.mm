@@ -73,6 +73,7 @@ NSView* view_of(const std::string& kind) {
         {"shelf", "GWViewerShelf"},
         {"desktop", "GWDesktopView"},
         {"dock", "Dock"},
+        {"popup", "NSPopUpButton"},
     };
     const auto found = classes.find(kind);
     return found == classes.end() ? nil : find_shown_view(found->second);
@@ -168,6 +169,14 @@ std::string window_titles() {
     return text;
 }
 
+size_t count_stock_menus() {
+    size_t count = 0;
+    for (NSWindow* window in [NSApp windows]) {
+        if ([window isVisible] && [window isKindOfClass:NSClassFromString(@"NSMenuPanel")]) ++count;
+    }
+    return count;
+}
+
 void close_window(const std::string& title) {
     for (NSWindow* window in [NSArray arrayWithArray:[NSApp windows]]) {
         if ([window isVisible] && text_of([window title]) == title) [window performClose:nil];
@@ -253,6 +262,8 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         *answer = lines_of([board propertyListForType:NSFilenamesPboardType]);
     } else if (question == "windows") {
         *answer = window_titles();
+    } else if (question == "stock") {
+        *answer = std::to_string(count_stock_menus());
     } else if (question == "show") {
         show_as(kind);
     } else if (question == "frame") {
