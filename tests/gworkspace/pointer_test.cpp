@@ -47,22 +47,57 @@ class Pointer : public ViewerDesk {
 
 }  // namespace
 
-TEST_F(Pointer, PressAndHoldOpensTheMenuWithThePlugInsItems) {
-    set_preference("control_free_enabled", "2");
-    set_preference("control_free_delay_usec", "200000");
-    show("browser");
-    read_preferences();
-    move_to(item("browser", path("second.txt")));
-    usleep(300000);
-    const unsigned long before = input().cursor();
-    input().press(1);
-    ASSERT_TRUE(wait_until([&] { return input().cursor() != before; })) << "not armed";
+// Each with a delay of its own; off again afterwards.
+class PressAndHold : public Pointer {
+  protected:
+    void prepare(const char* microseconds) {
+        set_preference("control_free_enabled", "2");
+        set_preference("control_free_delay_usec", microseconds);
+        show("browser");
+        read_preferences();
+        move_to(item("browser", path("second.txt")));
+        usleep(300000);
+        cursor_ = input().cursor();
+        input().press(1);
+    }
+    bool is_armed() { return input().cursor() != cursor_; }
+    void TearDown() override {
+        set_preference("control_free_enabled", "0");
+        read_preferences();
+        Pointer::TearDown();
+    }
+
+  private:
+    unsigned long cursor_ = 0;
+};
+
+TEST_F(PressAndHold, OpensTheMenuWithThePlugInsItems) {
+    prepare("200000");
+    ASSERT_TRUE(wait_until([&] { return is_armed(); }));
     input().release(1);
     ASSERT_TRUE(wait_until([&] { return is_open(0); })) << "no menu";
     EXPECT_TRUE(contains(titles(0), "second.txt"));
     close_menu();
-    set_preference("control_free_enabled", "0");
-    read_preferences();
+}
+
+TEST_F(PressAndHold, AMoveByOnePixelCancels) {
+    prepare("200000");
+    ASSERT_TRUE(wait_until([&] { return is_armed(); }));
+    const Area area = item("browser", path("second.txt"));
+    input().move(area.x() + 1, area.y());
+    EXPECT_TRUE(wait_until([&] { return !is_armed(); }));
+    input().release(1);
+    usleep(500000);
+    EXPECT_TRUE(is_closed());
+    EXPECT_TRUE(wait_until([&] { return selection() == lines_t({path("second.txt")}); }));
+}
+
+TEST_F(PressAndHold, AReleaseBeforeTheDelayIsAClick) {
+    prepare("30000000");
+    input().release(1);
+    EXPECT_TRUE(wait_until([&] { return selection() == lines_t({path("second.txt")}); }));
+    EXPECT_FALSE(is_armed());
+    EXPECT_TRUE(is_closed());
 }
 
 TEST_F(Pointer, AFileThreeLevelsDownIsDroppedOnAnotherProgram) {
