@@ -4,14 +4,11 @@
 #include <string.h>
 #include <sys/stat.h>
 
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
 #include <utility>
 
 #include "finderkit/desktop_managers.h"
 #include "finderkit/session_bus.h"
+#include "operations/request_queue.h"
 #include "operations/work.h"
 
 namespace {
@@ -22,59 +19,23 @@ using operations::Observer;
 using operations::Outcome;
 using operations::Report;
 using operations::Request;
+using operations::RequestQueue;
 using operations::State;
 
 class DesktopCarrier : public Carrier {
   public:
     explicit DesktopCarrier(std::unique_ptr<Carrier> other) : other_(std::move(other)) {}
-    ~DesktopCarrier() override;
-    void carry_out(Request request, std::shared_ptr<Observer> observer) override;
+    void carry_out(Request request, std::shared_ptr<Observer> observer) override {
+        queue_.add({std::move(request), std::move(observer)});
+    }
 
   private:
-    struct Job {
-        Request request;
-        std::shared_ptr<Observer> observer;
-    };
-    void run();
-    bool next(Job& job);
-    void hand_over(Job job);
+    void hand_over(RequestQueue::Job job);
 
     const std::unique_ptr<Carrier> other_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Job> waiting_;
-    bool ends_ = false;
-    std::thread thread_;
+    // Ends before the other does.
+    RequestQueue queue_{[this](RequestQueue::Job job) { hand_over(std::move(job)); }};
 };
-
-DesktopCarrier::~DesktopCarrier() {
-    {
-        const std::lock_guard guard(mutex_);
-        ends_ = true;
-    }
-    changed_.notify_all();
-    if (thread_.joinable()) thread_.join();
-}
-
-void DesktopCarrier::carry_out(Request request, std::shared_ptr<Observer> observer) {
-    const std::lock_guard guard(mutex_);
-    waiting_.push_back({std::move(request), std::move(observer)});
-    if (!thread_.joinable()) thread_ = std::thread(&DesktopCarrier::run, this);
-    changed_.notify_all();
-}
-
-bool DesktopCarrier::next(Job& job) {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return ends_ || !waiting_.empty(); });
-    if (ends_) return false;
-    job = std::move(waiting_.front());
-    waiting_.pop_front();
-    return true;
-}
-
-void DesktopCarrier::run() {
-    for (Job job; next(job);) hand_over(std::move(job));
-}
 
 // An empty string for a source that can be handed over.
 std::string why_not(const std::string& source) {
@@ -126,7 +87,7 @@ bool can_be_asked_for(const Request& request) {
     return request.kind != Kind::Alias && !request.replace && is_folder(request.destination);
 }
 
-void DesktopCarrier::hand_over(Job job) {
+void DesktopCarrier::hand_over(RequestQueue::Job job) {
     Report report;
     std::string reason;
     Handover result = Handover::absent;

@@ -27,6 +27,7 @@ std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus);
 enum class Handover { taken, absent, refused };
 
 // Asks the manager for the operation and waits for its answer; one that is ending just then is
-// started again. `absent`: it is not there, or has no such method. `refused`: *reason says why, in one line.
+// started again. `absent`: it is not there, or has no such method. `refused`: *reason says why, in
+// one line.
 Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
                     const operations::Request& request, std::string* reason);

@@ -1,69 +1,27 @@
 #include "operations/engine.h"
 
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
+#include <utility>
 
 #include "operations/operation.h"
+#include "operations/request_queue.h"
 
 namespace operations {
 
 namespace {
 
-// Requests in a row, carried out by one thread that is there while there are some.
 class Engine : public Carrier {
   public:
-    explicit Engine(const std::string& state_folder) : state_folder_(state_folder) {}
-    ~Engine() override;
-    void carry_out(Request request, std::shared_ptr<Observer> observer) override;
+    explicit Engine(std::string state_folder)
+        : queue_([folder = std::move(state_folder)](RequestQueue::Job job) {
+              job.observer->ended(Perform(job.request, *job.observer, folder));
+          }) {}
+    void carry_out(Request request, std::shared_ptr<Observer> observer) override {
+        queue_.add({std::move(request), std::move(observer)});
+    }
 
   private:
-    struct Job {
-        Request request;
-        std::shared_ptr<Observer> observer;
-    };
-    void run();
-    bool next(Job& job);
-
-    const std::string state_folder_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Job> waiting_;
-    bool ends_ = false;
-    std::thread thread_;
+    RequestQueue queue_;
 };
-
-Engine::~Engine() {
-    {
-        const std::lock_guard guard(mutex_);
-        ends_ = true;
-    }
-    changed_.notify_all();
-    if (thread_.joinable()) thread_.join();
-}
-
-void Engine::carry_out(Request request, std::shared_ptr<Observer> observer) {
-    const std::lock_guard guard(mutex_);
-    waiting_.push_back({std::move(request), std::move(observer)});
-    if (!thread_.joinable()) thread_ = std::thread(&Engine::run, this);
-    changed_.notify_all();
-}
-
-bool Engine::next(Job& job) {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return ends_ || !waiting_.empty(); });
-    if (ends_) return false;
-    job = std::move(waiting_.front());
-    waiting_.pop_front();
-    return true;
-}
-
-void Engine::run() {
-    for (Job job; next(job); job = {}) {
-        job.observer->ended(Perform(job.request, *job.observer, state_folder_));
-    }
-}
 
 }  // namespace
 

@@ -1,13 +1,12 @@
 #include "appkit/file_offer.h"
 
-#include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
 #include <xcb/xcb.h>
 
 #include <algorithm>
 
-#include "appkit/window_questions.h"
+#include "appkit/server_connection.h"
 
 namespace {
 
@@ -42,19 +41,8 @@ FileOffer* FileOffer::shared() {
 }
 
 bool FileOffer::connect() {
-    int number = 0;
-    server_ = xcb_connect(nullptr, &number);
-    xcb_screen_iterator_t screen = {};
-    if (!is_broken()) {
-        screen = xcb_setup_roots_iterator(xcb_get_setup(server_));
-        while (number-- > 0 && screen.rem > 1) xcb_screen_next(&screen);
-    }
-    if (!screen.data) {
-        xcb_disconnect(server_);
-        return false;
-    }
-    fcntl(descriptor(), F_SETFD, FD_CLOEXEC);
-    root_ = screen.data->root;
+    server_ = connect_to_server(&root_);
+    if (!server_) return false;
     for (size_t i = 0; i < std::size(atom_names); i++) atoms_[i] = intern(server_, atom_names[i]);
     for (size_t i = 0; i < std::size(action_names); i++) {
         actions_[i] = intern(server_, action_names[i]);

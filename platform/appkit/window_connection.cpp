@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-#include "appkit/window_questions.h"
+#include "appkit/server_connection.h"
 
 namespace {
 
@@ -50,19 +50,9 @@ bool server_tells_processes(xcb_connection_t* server) {
 }
 
 bool open_connection(WindowConnection* connection) {
-    int number = 0;
-    xcb_connection_t* server = xcb_connect(nullptr, &number);
-    xcb_screen_iterator_t screen = {};
-    if (!xcb_connection_has_error(server)) {
-        screen = xcb_setup_roots_iterator(xcb_get_setup(server));
-        while (number-- > 0 && screen.rem > 1) xcb_screen_next(&screen);
-    }
-    if (!screen.data) {
-        xcb_disconnect(server);
-        return false;
-    }
+    xcb_connection_t* server = connect_to_server(&connection->root);
+    if (!server) return false;
     connection->server = server;
-    connection->root = screen.data->root;
     read_atoms(connection);
     connection->tells_processes = server_tells_processes(server);
     return true;

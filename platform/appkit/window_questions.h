@@ -2,18 +2,10 @@
 // is read, so that many share a trip. Errors, such as of a window that has gone, are empty answers.
 #pragma once
 
-#include <stdlib.h>
-#include <xcb/xcb.h>
-
-#include <memory>
 #include <string>
 #include <vector>
 
-struct ReplyFree {
-    void operator()(void* reply) const { free(reply); }
-};
-template <typename Reply>
-using reply_t = std::unique_ptr<Reply, ReplyFree>;
+#include "appkit/server_connection.h"
 
 struct PropertyQuestion {
     PropertyQuestion(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,

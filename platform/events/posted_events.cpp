@@ -6,7 +6,7 @@
 
 #include <mutex>
 
-#include "events/server_connection.h"
+#include "appkit/server_connection.h"
 #include "events/server_points.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include <mutex>
 #include <thread>
 
-#include "events/server_connection.h"
+#include "appkit/server_connection.h"
 
 namespace {
 

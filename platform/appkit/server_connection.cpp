@@ -1,4 +1,4 @@
-#include "events/server_connection.h"
+#include "appkit/server_connection.h"
 
 #include <fcntl.h>
 
