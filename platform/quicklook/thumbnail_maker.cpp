@@ -7,8 +7,8 @@
 #include <exception>
 #include <thread>
 
+#include "corefoundation/patient_stat.h"
 #include "quicklook/background.h"
-#include "quicklook/patient_stat.h"
 #include "quicklook/thumbnailers.h"
 
 namespace thumbnails {
@@ -35,7 +35,7 @@ bool is_same(const Subject& a, const Subject& b) {
 
 // Nothing for what is not a plain file with something in it.
 std::optional<Subject> look_at(const std::string& path, double seconds) {
-    const std::optional<struct stat> status = patient_stat(path, seconds);
+    const std::optional<struct stat> status = files::patient_stat(path, seconds);
     if (!status || !S_ISREG(status->st_mode) || status->st_size == 0) return {};
     return Subject{path, status->st_mtime, status->st_size};
 }

@@ -15,11 +15,9 @@
 
 #include "children.h"
 #include "quicklook/background.h"
-#include "quicklook/local_stat.h"
-#include "quicklook/patient_stat.h"
 #include "quicklook/thumbnail_maker.h"
 #include "sample_files.h"
-#include "silent_file_system.h"
+#include "support/silent_file_system.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -72,21 +70,6 @@ int ask(const std::string& folder, test::Silence silence, bool use_bubblewrap) {
     return test::no_child_is_left() ? all_well : child_left;
 }
 
-// The same for the first look at files: one without an answer, one beside it, one elsewhere.
-int look(const std::string& folder, const std::string& other) {
-    const pid_t server = test::mount_silent_file_system(folder, test::Silence::at_lookup);
-    if (!server) return cannot_mount;
-    const bool first = patient_stat(folder + "/a", 0.2).has_value();
-    const Clock::time_point start = Clock::now();
-    const bool second = patient_stat(folder + "/b", 30).has_value();
-    const Clock::duration time = Clock::now() - start;
-    const bool elsewhere = patient_stat(other, 30).has_value();
-    end_server(server);
-    if (first || second) return had_a_picture;
-    if (time > std::chrono::seconds(10)) return took_too_long;
-    return elsewhere ? all_well : no_answer_elsewhere;
-}
-
 class Unanswering : public testing::Test {
   protected:
     // Runs `work` in a process that may mount file systems.
@@ -126,35 +109,6 @@ TEST_F(Unanswering, AFileThatCannotBeReadHasNone) {
 
 TEST_F(Unanswering, AFileThatCannotEvenBeLookedAtHasNone) {
     expect_no_thumbnail(test::Silence::at_lookup, false);
-}
-
-TEST_F(Unanswering, AFolderThatDoesNotAnswerIsNotAskedTwice) {
-    const std::string other = folder.file("other");
-    expect_no_harm([&](const std::string& silent) { return look(silent, other); });
-}
-
-// The same as stat says, or unknown where the path leaves the local disk.
-TEST(LocalStat, SaysWhatStatSays) {
-    const test::TempFolder folder;
-    auto& files = const_cast<test::TempFolder&>(folder);
-    const std::string file = files.file("a file", "text");
-    const std::string link = files.link("link", file);
-    const std::string away = files.link("away", "/proc/self/status");
-    for (const std::string& path : {file, link, folder.path(), std::string("/")}) {
-        struct stat ours = {}, theirs = {};
-        const Local local = local_stat(path, &ours);
-        ASSERT_EQ(stat(path.c_str(), &theirs), 0);
-        if (local == Local::unknown) continue;  // the link's way, or all of it, is on other disks
-        EXPECT_EQ(local, Local::found) << path;
-        EXPECT_EQ(ours.st_ino, theirs.st_ino) << path;
-        EXPECT_EQ(ours.st_mtime, theirs.st_mtime) << path;
-    }
-    struct stat status;
-    EXPECT_EQ(local_stat("/proc/self/status", &status), Local::unknown);
-    EXPECT_EQ(local_stat(away, &status), Local::unknown);
-    EXPECT_NE(local_stat(folder.path("missing"), &status), Local::found);
-    EXPECT_TRUE(patient_stat(away, 30));
-    EXPECT_FALSE(patient_stat(folder.path("missing"), 30));
 }
 
 // A helper program of the test's own.

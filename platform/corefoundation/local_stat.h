@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace thumbnails {
+namespace files {
 
 enum class Local {
     found,
@@ -16,4 +16,8 @@ enum class Local {
 // Fills `status` when it says found. `path` is absolute, without "." and ".." in it.
 Local local_stat(const std::string& path, struct stat* status);
 
-}  // namespace thumbnails
+// The folder of the innermost mount above `path` that is no local disk; empty when there is none.
+// The path itself is not touched, so links along it count for nothing.
+std::string foreign_mount_of(const std::string& path);
+
+}  // namespace files

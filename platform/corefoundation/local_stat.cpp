@@ -1,4 +1,4 @@
-#include "quicklook/local_stat.h"
+#include "corefoundation/local_stat.h"
 
 #include <errno.h>
 #include <fcntl.h>
@@ -12,7 +12,7 @@
 #include <sstream>
 #include <vector>
 
-namespace thumbnails {
+namespace files {
 
 namespace {
 
@@ -47,6 +47,10 @@ std::string unescaped(const std::string& text) {
     return plain;
 }
 
+bool is_above(const std::string& folder, const std::string& path) {
+    return folder == "/" || path == folder || path.starts_with(folder + "/");
+}
+
 // The list of mounts, read again when it has changed.
 class Mounts {
   public:
@@ -56,10 +60,19 @@ class Mounts {
         if (!is_current()) read_again();
         std::string best;
         for (const Mount& mount : mounts_) {
-            const bool is_above = mount.folder == "/" || path == mount.folder ||
-                                  path.compare(0, mount.folder.size() + 1, mount.folder + "/") == 0;
-            if (!is_above) continue;
+            if (!is_above(mount.folder, path)) continue;
             if (!mount.is_local) return {};
+            if (mount.folder.size() > best.size()) best = mount.folder;
+        }
+        return best;
+    }
+
+    std::string foreign_mount_of(const std::string& path) {
+        const std::lock_guard guard(lock_);
+        if (!is_current()) read_again();
+        std::string best;
+        for (const Mount& mount : mounts_) {
+            if (mount.is_local || !is_above(mount.folder, path)) continue;
             if (mount.folder.size() > best.size()) best = mount.folder;
         }
         return best;
@@ -108,6 +121,12 @@ class Mounts {
     std::vector<Mount> mounts_;
 };
 
+// Never destroyed: other threads may still ask while the process ends.
+Mounts& mounts() {
+    static Mounts& mounts = *new Mounts;
+    return mounts;
+}
+
 // Never leaves the mount that `folder` is the root of: with EXDEV when the path would.
 int open_within(const std::string& folder, const std::string& rest) {
     const int root = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
@@ -125,8 +144,7 @@ int open_within(const std::string& folder, const std::string& rest) {
 }  // namespace
 
 Local local_stat(const std::string& path, struct stat* status) {
-    static Mounts& mounts = *new Mounts;
-    const std::string folder = mounts.local_mount_of(path);
+    const std::string folder = mounts().local_mount_of(path);
     if (folder.empty()) return Local::unknown;
     std::string rest = path.substr(folder == "/" ? 1 : folder.size());
     while (!rest.empty() && rest[0] == '/') rest.erase(0, 1);
@@ -140,4 +158,6 @@ Local local_stat(const std::string& path, struct stat* status) {
     return is_found ? Local::found : Local::missing;
 }
 
-}  // namespace thumbnails
+std::string foreign_mount_of(const std::string& path) { return mounts().foreign_mount_of(path); }
+
+}  // namespace files

@@ -1,5 +1,6 @@
-#include "silent_file_system.h"
+#include "support/silent_file_system.h"
 
+#include <errno.h>
 #include <fcntl.h>
 #include <linux/fuse.h>
 #include <sched.h>
@@ -19,6 +20,9 @@ namespace {
 
 const uint64_t file_node = 2;
 const uint64_t for_ever = 3600;
+// Of the one that answers: nodes from file_node on.
+const std::string names[] = {"a.txt", "b.txt", "c.txt"};
+const std::string text = "A text from another disk\n";
 
 template <typename Body>
 void answer(int device, uint64_t unique, const Body& body) {
@@ -29,12 +33,19 @@ void answer(int device, uint64_t unique, const Body& body) {
     (void)!write(device, bytes, sizeof bytes);
 }
 
-fuse_attr attributes_of(uint64_t node) {
+void answer_with(int device, uint64_t unique, int error, const std::string& bytes) {
+    const auto length = static_cast<uint32_t>(sizeof(fuse_out_header) + bytes.size());
+    const fuse_out_header header = {length, -error, unique};
+    const std::string all(reinterpret_cast<const char*>(&header), sizeof header);
+    (void)!write(device, (all + bytes).data(), length);
+}
+
+fuse_attr attributes_of(uint64_t node, uint64_t size = 100000) {
     fuse_attr attributes = {};
     attributes.ino = node;
-    attributes.mode = node == file_node ? S_IFREG | 0644 : S_IFDIR | 0755;
+    attributes.mode = node >= file_node ? S_IFREG | 0644 : S_IFDIR | 0755;
     attributes.nlink = 1;
-    attributes.size = node == file_node ? 100000 : 0;
+    attributes.size = node >= file_node ? size : 0;
     attributes.mtime = 1700000000;
     return attributes;
 }
@@ -70,6 +81,69 @@ void answer_one(int device, const fuse_in_header& question, Silence silence) {
     }
 }
 
+uint64_t node_of(const std::string& name) {
+    uint64_t node = file_node;
+    for (const std::string& known : names) {
+        if (name == known) return node;
+        node++;
+    }
+    return 0;
+}
+
+std::string listing() {
+    std::string bytes;
+    uint64_t place = 0;
+    for (const std::string& name : names) {
+        fuse_dirent entry = {};
+        entry.ino = file_node + place;
+        entry.off = ++place;
+        entry.namelen = static_cast<uint32_t>(name.size());
+        entry.type = S_IFREG >> 12;
+        bytes.append(reinterpret_cast<const char*>(&entry), FUSE_NAME_OFFSET).append(name);
+        bytes.resize(FUSE_DIRENT_ALIGN(bytes.size()));
+    }
+    return bytes;
+}
+
+// `body` is what follows the question's head.
+void answer_truly(int device, const fuse_in_header& question, const char* body) {
+    const uint64_t unique = question.unique;
+    fuse_read_in range = {};
+    switch (question.opcode) {
+        case FUSE_INIT:
+            return answer_one(device, question, Silence::when_stopped);
+        case FUSE_FORGET:
+        case FUSE_BATCH_FORGET:
+        case FUSE_INTERRUPT:
+            return;
+        case FUSE_GETATTR: {
+            fuse_attr_out out = {};
+            out.attr = attributes_of(question.nodeid, text.size());
+            return answer(device, unique, out);
+        }
+        case FUSE_LOOKUP: {
+            fuse_entry_out out = {};
+            out.nodeid = node_of(body);
+            out.attr = attributes_of(out.nodeid, text.size());
+            return out.nodeid ? answer(device, unique, out)
+                              : answer_with(device, unique, ENOENT, "");
+        }
+        case FUSE_OPEN:
+        case FUSE_OPENDIR:
+            return answer(device, unique, fuse_open_out{});
+        case FUSE_READ:
+        case FUSE_READDIR:
+            memcpy(&range, body, sizeof range);
+            if (range.offset) return answer_with(device, unique, 0, "");
+            return answer_with(device, unique, 0, question.opcode == FUSE_READ ? text : listing());
+        case FUSE_RELEASE:
+        case FUSE_RELEASEDIR:
+            return answer_with(device, unique, 0, "");
+        default:
+            return answer_with(device, unique, ENOSYS, "");
+    }
+}
+
 [[noreturn]] void serve(int device, Silence silence) {
     std::vector<char> buffer(256 * 1024);
     for (;;) {
@@ -77,7 +151,11 @@ void answer_one(int device, const fuse_in_header& question, Silence silence) {
         if (size < static_cast<ssize_t>(sizeof(fuse_in_header))) _exit(0);
         fuse_in_header question;
         memcpy(&question, buffer.data(), sizeof question);
-        answer_one(device, question, silence);
+        if (silence == Silence::when_stopped) {
+            answer_truly(device, question, buffer.data() + sizeof question);
+        } else {
+            answer_one(device, question, silence);
+        }
     }
 }
 
@@ -107,7 +185,7 @@ pid_t mount_silent_file_system(const std::string& folder, Silence silence) {
         server = fork();
         if (server == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
-            alarm(60);
+            alarm(240);
             serve(device, silence);
         }
     }

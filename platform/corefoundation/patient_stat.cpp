@@ -1,0 +1,114 @@
+#include "corefoundation/patient_stat.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+#include "corefoundation/local_stat.h"
+
+namespace files {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+
+// Shared by who asks and by the thread that waits for the file system.
+struct Question {
+    std::string path, place;
+    look_t look;
+    Clock::time_point since = Clock::now();
+    std::condition_variable answered;
+    bool done = false, found = false;
+    struct stat status = {};
+};
+using question_t = std::shared_ptr<Question>;
+
+const std::ptrdiff_t most_overdue = 4;
+
+struct Questions {
+    std::mutex lock;
+    std::list<question_t> open;
+};
+
+// Never destroyed: a thread may come back while the process ends.
+Questions& questions() {
+    static Questions& questions = *new Questions;
+    return questions;
+}
+
+// What falls silent as one. Behind a link it is unknown which disk that is: then the folder.
+std::string place_of(const std::string& path) {
+    const std::string mount = foreign_mount_of(path);
+    return mount.empty() ? path.substr(0, path.rfind('/')) : mount;
+}
+
+// With the lock held.
+bool is_in_vain(const std::string& place, double seconds) {
+    const Clock::time_point now = Clock::now();
+    const auto is_overdue = [&](const question_t& question) {
+        return now - question->since >= Seconds(seconds);
+    };
+    const auto& open = questions().open;
+    return std::count_if(open.begin(), open.end(), is_overdue) >= most_overdue ||
+           std::any_of(open.begin(), open.end(), [&](const question_t& question) {
+               return question->place == place && is_overdue(question);
+           });
+}
+
+void ask(const question_t& question) {
+    struct stat status;
+    const bool found = question->look(question->path.c_str(), &status) == 0;
+    const std::lock_guard guard(questions().lock);
+    questions().open.remove(question);
+    if (found) question->status = status;
+    question->found = found;
+    question->done = true;
+    question->answered.notify_one();
+}
+
+// With the lock held. False where no thread is to be had.
+bool start_asking(const question_t& question) {
+    questions().open.push_back(question);
+    try {
+        std::thread(ask, question).detach();
+    } catch (const std::system_error&) {
+        questions().open.pop_back();
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+std::optional<struct stat> patient_stat(const std::string& path, double seconds, look_t look) {
+    struct stat status;
+    switch (local_stat(path, &status)) {
+        case Local::found:
+            return status;
+        case Local::missing:
+            return {};
+        case Local::unknown:
+            break;
+    }
+    const auto question = std::make_shared<Question>();
+    question->path = path;
+    question->look = look;
+    question->place = place_of(path);
+    std::unique_lock guard(questions().lock);
+    if (is_in_vain(question->place, seconds) || !start_asking(question)) return {};
+    question->answered.wait_for(guard, Seconds(seconds), [&] { return question->done; });
+    return question->found ? std::optional(question->status) : std::nullopt;
+}
+
+size_t open_questions() {
+    const std::lock_guard guard(questions().lock);
+    return questions().open.size();
+}
+
+}  // namespace files
