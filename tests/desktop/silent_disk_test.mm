@@ -1,0 +1,235 @@
+// A disk that stops answering after an open menu has listed it.
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "corefoundation/patient_stat.h"
+#include "desktop/desk.h"
+#include "support/silent_file_system.h"
+
+// Of the plug-in, which is known by name only.
+@interface NSObject (HoverWindow)
++ (id)sharedDelvio;
+- (BOOL)isVisible;
+@end
+
+namespace {
+
+using test::Steps;
+
+// Lets the disk answer again after so long that a menu which waits for it has failed.
+class Rescue {
+  public:
+    explicit Rescue(pid_t server) : thread_([this, server] { run(server); }) {}
+    ~Rescue() { end(); }
+    // Whether it was needed.
+    bool end() {
+        {
+            const std::lock_guard guard(lock_);
+            over_ = true;
+        }
+        changed_.notify_one();
+        if (thread_.joinable()) thread_.join();
+        return needed_;
+    }
+
+  private:
+    void run(pid_t server) {
+        std::unique_lock guard(lock_);
+        if (changed_.wait_for(guard, std::chrono::seconds(25), [this] { return over_; })) return;
+        needed_ = true;
+        kill(server, SIGCONT);
+    }
+
+    std::mutex lock_;
+    std::condition_variable changed_;
+    bool over_ = false, needed_ = false;
+    std::thread thread_;
+};
+
+class SilentDisk : public test::Desk {
+  protected:
+    // Before the first thread starts.
+    static void SetUpTestSuite() {
+        place = new test::TempFolder;
+        disk = place->folder("disk");
+        server = test::mount_silent_file_system(disk, test::Silence::when_stopped);
+        Desk::SetUpTestSuite();
+    }
+    static void TearDownTestSuite() {
+        if (server) {
+            kill(server, SIGKILL);
+            waitpid(server, nullptr, 0);
+            umount2(disk.c_str(), MNT_DETACH);
+        }
+        delete place;
+    }
+
+    void SetUp() override {
+        if (!server) GTEST_SKIP() << "nobody may mount a file system here";
+        select({disk});
+        set_preference("hoverPreviewsInterval", "300");
+    }
+    void TearDown() override {
+        if (!server) return;
+        go_on();
+        while (files::open_questions()) usleep(1000);
+        set_preference("hoverPreviewsInterval", "1000");
+    }
+
+    static void stop() {
+        kill(server, SIGSTOP);
+        waitpid(server, nullptr, WUNTRACED);
+    }
+    static void go_on() { kill(server, SIGCONT); }
+
+    // A popup in which the disk is listed, then stops, then `then`.
+    void in_silence(const std::function<void(Steps&)>& then) {
+        Rescue rescue(server);
+        pop_up([&](Steps& steps) {
+            hover_along(steps, {"disk"});
+            steps.when(
+                "the level", [this] { return is_open(1); }, [] { stop(); });
+            then(steps);
+        });
+        EXPECT_FALSE(rescue.end()) << "the menu has waited for the disk";
+        input().let_go();
+    }
+    // Rests the pointer on a row until the hover window has been decided on.
+    void rest_on(Steps& steps, const std::string& name) {
+        steps
+            .when(
+                "the rows", [] { return true; }, [this, name] { hover(name); })
+            .when("the wait on " + name,
+                  [this, name] { return highlighted(1) == name && pending_timer(); })
+            .when("its end", [] { return !pending_timer(); });
+    }
+
+    static id controller() { return [NSClassFromString(@"DVDelvio") sharedDelvio]; }
+    static id window_controller() { return [controller() valueForKey:@"previewWindowController"]; }
+    static bool is_hovering() { return [window_controller() isVisible]; }
+    static NSTimer* pending_timer() { return [controller() valueForKey:@"hoverPreviewTimer"]; }
+
+    static test::TempFolder* place;
+    static std::string disk;
+    static pid_t server;
+};
+
+test::TempFolder* SilentDisk::place;
+std::string SilentDisk::disk;
+pid_t SilentDisk::server;
+
+}  // namespace
+
+TEST_F(SilentDisk, WhileItAnswersItsFilesHaveAHoverWindow) {
+    bool shown = false;
+    titles_t rows;
+    pop_up([&](Steps& steps) {
+        hover_along(steps, {"disk"});
+        steps.when(
+            "the level", [this] { return is_open(1); }, [&] { rows = titles(1); });
+        rest_on(steps, "a.txt");
+        steps.when(
+            "the window", [] { return is_hovering(); },
+            [&] {
+                shown = true;
+                escape();
+            });
+    });
+    EXPECT_EQ(rows, titles_t({"a.txt", "b.txt", "c.txt"}));
+    EXPECT_TRUE(shown);
+}
+
+TEST_F(SilentDisk, RestingOnItsFilesLeavesTheMenuUsable) {
+    bool shown = true;
+    size_t questions = 0;
+    std::string last;
+    in_silence([&](Steps& steps) {
+        for (const std::string& name : {"a.txt", "b.txt", "c.txt"}) rest_on(steps, name);
+        steps
+            .when(
+                "the last row", [] { return true; },
+                [&] {
+                    shown = is_hovering();
+                    questions = files::open_questions();
+                    hover("Open");
+                })
+            .when(
+                "a row of another menu", [this] { return highlighted(0) == "Open"; },
+                [&] {
+                    last = highlighted(0);
+                    escape();
+                });
+    });
+    EXPECT_FALSE(shown);
+    EXPECT_EQ(questions, 1u) << "the disk was asked, and once";
+    EXPECT_EQ(last, "Open");
+}
+
+TEST_F(SilentDisk, ItsPreviewSubmenusLeaveTheMenuUsable) {
+    bool opened = false;
+    in_silence([&](Steps& steps) {
+        steps
+            .when(
+                "the rows", [] { return true; },
+                [this] {
+                    input().key_down("Alt_R");
+                    hover("a.txt");
+                })
+            .when(
+                "the preview", [this] { return highlighted(1) == "a.txt" && is_open(2); },
+                [this] { hover("b.txt"); })
+            .when(
+                "the next preview", [this] { return highlighted(1) == "b.txt" && is_open(2); },
+                [&] {
+                    opened = true;
+                    escape();
+                });
+    });
+    EXPECT_TRUE(opened);
+}
+
+TEST_F(SilentDisk, WhenItAnswersAgainItsFilesHaveTheirHoverWindowAgain) {
+    bool shown_in_silence = true, shown = false;
+    in_silence([&](Steps& steps) {
+        rest_on(steps, "a.txt");
+        steps.when(
+            "no window", [] { return true; },
+            [&] {
+                shown_in_silence = is_hovering();
+                go_on();
+            });
+        steps.when("the late answer", [] { return files::open_questions() == 0; });
+        rest_on(steps, "b.txt");
+        steps.when(
+            "the window", [] { return is_hovering(); },
+            [&] {
+                shown = true;
+                escape();
+            });
+    });
+    EXPECT_FALSE(shown_in_silence);
+    EXPECT_TRUE(shown);
+}
+
+// The stock answer, however long it takes.
+TEST_F(SilentDisk, WithoutAMenuTheAnswerIsWaitedFor) {
+    stop();
+    std::thread later([] {
+        usleep(600000);
+        go_on();
+    });
+    BOOL is_folder = YES;
+    NSString* path = [NSString stringWithUTF8String:(disk + "/a.txt").c_str()];
+    EXPECT_TRUE([[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&is_folder]);
+    EXPECT_FALSE(is_folder);
+    later.join();
+}
