@@ -46,8 +46,19 @@ void free_trees(delvio_t* dv) {
     [self enableEventTap:nil];
     isInvoked = YES;
     pthread_mutex_lock(&treeLock);
-    [self dvHoldMenu:menu ofClass:menuClass];
+    @try {
+        [self dvTakeMenu:menu ofClass:menuClass];
+    } @finally {
+        pthread_mutex_unlock(&treeLock);
+    }
+    [self forceFinderMenuUpdate:self];
+    return _proxyMenu;
+}
+
+- (void)dvTakeMenu:(NSMenu*)menu ofClass:(Class)menuClass {
+    // First, so that the release that follows an exception has a count to take back.
     dv->count++;
+    [self dvHoldMenu:menu ofClass:menuClass];
     rootMenuSelectionCount = 0;
     dv->forest = dv_add_to_forest(&dv->root, dv->forest, dv->count);
     dv->forest = dv_add_to_forest(&dv->custom, dv->forest, dv->count);
@@ -58,10 +69,6 @@ void free_trees(delvio_t* dv) {
     if (dvEnableDebugOutput) {
         dvdprintf("Delvio: Created menu %p for main menu %p\n", _proxyMenu, menu);
     }
-    pthread_mutex_unlock(&treeLock);
-
-    [self forceFinderMenuUpdate:self];
-    return _proxyMenu;
 }
 
 - (void)dvHoldMenu:(NSMenu*)menu ofClass:(Class)menuClass {
@@ -69,6 +76,7 @@ void free_trees(delvio_t* dv) {
     [_finderMenu release];
     [_proxyMenu release];
     _finderMenu = menu;
+    _proxyMenu = nil;
     previousDelegate = nil;
     if (dv->finderInSeparateSubmenu) {
         _proxyMenu = [[menuClass alloc] init];
@@ -85,31 +93,42 @@ void free_trees(delvio_t* dv) {
 
 - (void)removeMenuAndDelegate {
     pthread_mutex_lock(&treeLock);
-    [self dvReleaseMenus];
-    dvDidGetURLs = 0;
-    if (--dv->count < 0) dv->count = 0;
-    if (dv->count == 0) {
-        if (!dv->file_op_in_progress) free_trees(dv);
-        if (dvEnableDebugOutput) {
-            dvdprintf("Delvio: Free'ing menus and removing event handlers\n");
+    // What the host's menu raises goes on to the caller, with nothing left behind here.
+    @try {
+        [self dvGiveMenuBack];
+    } @finally {
+        [self dvForgetMenus];
+        dvDidGetURLs = 0;
+        if (--dv->count < 0) dv->count = 0;
+        if (dv->count == 0) {
+            if (!dv->file_op_in_progress) free_trees(dv);
+            if (dvEnableDebugOutput) {
+                dvdprintf("Delvio: Free'ing menus and removing event handlers\n");
+            }
         }
+        [hoverPreviewTimer invalidate];
+        hoverPreviewTimer = nil;
+        [previewWindowController hidePreviewWindow:self];
+        pthread_mutex_unlock(&treeLock);
+        isInvoked = NO;
     }
-    [hoverPreviewTimer invalidate];
-    hoverPreviewTimer = nil;
-    [previewWindowController hidePreviewWindow:self];
-    pthread_mutex_unlock(&treeLock);
-    isInvoked = NO;
 }
 
-- (void)dvReleaseMenus {
+- (void)dvGiveMenuBack {
     id delegate = nil;
-    if (dv->finderInSeparateSubmenu) {
-        [_proxyMenu removeAllItems];
-    } else {
-        [self removeRootItems];
-        delegate = previousDelegate;
+    @try {
+        if (dv->finderInSeparateSubmenu) {
+            [_proxyMenu removeAllItems];
+        } else {
+            [self removeRootItems];
+            delegate = previousDelegate;
+        }
+    } @finally {
+        [_proxyMenu setDelegate:delegate];
     }
-    [_proxyMenu setDelegate:delegate];
+}
+
+- (void)dvForgetMenus {
     [rootItems removeAllObjects];
     [_proxyMenu release];
     [_finderMenu release];

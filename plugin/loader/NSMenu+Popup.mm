@@ -41,6 +41,28 @@ NSMenu* take_over(NSMenu* menu) {
                                          withClass:[menu class]];
 }
 
+// Ends a popup, and the use of the plug-in with it, whatever its release runs into. Exceptions go
+// on to the popup's caller, after those of the host's tracking too.
+void leave_instance_popup(NSMenu* receiver, const char* name) {
+    @try {
+        [[DVDelvio sharedDelvio] removeMenuAndDelegate];
+        if (dvEnableDebugOutput) {
+            dvdprintf("Delvio: Menu is now%s: %s\n", name, description_of(receiver));
+        }
+    } @finally {
+        dvIsActive = 0;
+    }
+}
+
+void leave_class_popup(const char* name) {
+    @try {
+        [[DVDelvio sharedDelvio] removeMenuAndDelegate];
+        if (dvEnableDebugOutput) dvdprintf("Delvio: Class popup%s out\n", name);
+    } @finally {
+        dvIsActive = 0;
+    }
+}
+
 }  // namespace
 
 @implementation NSMenu (DVDelvioAdditions)
@@ -61,18 +83,19 @@ NSMenu* take_over(NSMenu* menu) {
         return;
     }
     dvIsActive = 1;
-    if (dvEnableDebugOutput) {
-        dvdprintf("Delvio: Menu is: %s\n", description_of(self));
-        log_instance_info(self, menu);
+    @try {
+        if (dvEnableDebugOutput) {
+            dvdprintf("Delvio: Menu is: %s\n", description_of(self));
+            log_instance_info(self, menu);
+        }
+        NSMenu* proxy = [controller setCurrentMenu:self withProxyDelegate:[self delegate]];
+        [proxy dvInstancePopUpContextMenu:proxy
+                                withEvent:event
+                                  forView:view
+                                 withFont:preferred_font(font)];
+    } @finally {
+        leave_instance_popup(self, "");
     }
-    NSMenu* proxy = [controller setCurrentMenu:self withProxyDelegate:[self delegate]];
-    [proxy dvInstancePopUpContextMenu:proxy
-                            withEvent:event
-                              forView:view
-                             withFont:preferred_font(font)];
-    [controller removeMenuAndDelegate];
-    if (dvEnableDebugOutput) dvdprintf("Delvio: Menu is now: %s\n", description_of(self));
-    dvIsActive = 0;
 }
 
 - (void)dvInstancePopUpContextMenu:(NSMenu*)menu withEvent:(NSEvent*)event forView:(NSView*)view {
@@ -84,15 +107,16 @@ NSMenu* take_over(NSMenu* menu) {
         return;
     }
     dvIsActive = 1;
-    if (dvEnableDebugOutput) {
-        dvdprintf("Delvio: Menu is [nofont]: %s\n", description_of(self));
-        log_instance_info(self, menu);
+    @try {
+        if (dvEnableDebugOutput) {
+            dvdprintf("Delvio: Menu is [nofont]: %s\n", description_of(self));
+            log_instance_info(self, menu);
+        }
+        NSMenu* proxy = [controller setCurrentMenu:self withProxyDelegate:[self delegate]];
+        [proxy dvInstancePopUpContextMenu:proxy withEvent:event forView:view];
+    } @finally {
+        leave_instance_popup(self, " [nofont]");
     }
-    NSMenu* proxy = [controller setCurrentMenu:self withProxyDelegate:[self delegate]];
-    [proxy dvInstancePopUpContextMenu:proxy withEvent:event forView:view];
-    [controller removeMenuAndDelegate];
-    if (dvEnableDebugOutput) dvdprintf("Delvio: Menu is now [nofont]: %s\n", description_of(self));
-    dvIsActive = 0;
 }
 
 + (void)dvClassPopUpContextMenu:(NSMenu*)menu
@@ -108,12 +132,16 @@ NSMenu* take_over(NSMenu* menu) {
         return;
     }
     dvIsActive = 1;
-    if (dvEnableDebugOutput) log_class_popup(menu, "");
-    NSMenu* proxy = take_over(menu);
-    [self dvClassPopUpContextMenu:proxy withEvent:event forView:view withFont:preferred_font(font)];
-    [[DVDelvio sharedDelvio] removeMenuAndDelegate];
-    if (dvEnableDebugOutput) dvdprintf("Delvio: Class popup out\n");
-    dvIsActive = 0;
+    @try {
+        if (dvEnableDebugOutput) log_class_popup(menu, "");
+        NSMenu* proxy = take_over(menu);
+        [self dvClassPopUpContextMenu:proxy
+                            withEvent:event
+                              forView:view
+                             withFont:preferred_font(font)];
+    } @finally {
+        leave_class_popup("");
+    }
 }
 
 + (void)dvClassPopUpContextMenu:(NSMenu*)menu withEvent:(NSEvent*)event forView:(NSView*)view {
@@ -126,16 +154,17 @@ NSMenu* take_over(NSMenu* menu) {
         return;
     }
     dvIsActive = 1;
-    if (dvEnableDebugOutput) log_class_popup(menu, " no font");
-    NSMenu* proxy = take_over(menu);
-    if (NSFont* font = preferred_font(nil)) {
-        [self dvClassPopUpContextMenu:proxy withEvent:event forView:view withFont:font];
-    } else {
-        [self dvClassPopUpContextMenu:proxy withEvent:event forView:view];
+    @try {
+        if (dvEnableDebugOutput) log_class_popup(menu, " no font");
+        NSMenu* proxy = take_over(menu);
+        if (NSFont* font = preferred_font(nil)) {
+            [self dvClassPopUpContextMenu:proxy withEvent:event forView:view withFont:font];
+        } else {
+            [self dvClassPopUpContextMenu:proxy withEvent:event forView:view];
+        }
+    } @finally {
+        leave_class_popup(" no-font");
     }
-    [[DVDelvio sharedDelvio] removeMenuAndDelegate];
-    if (dvEnableDebugOutput) dvdprintf("Delvio: Class popup no-font out\n");
-    dvIsActive = 0;
 }
 
 - (void)dvSetContextMenuPluginAEDesc:(const AEDesc*)descriptor {

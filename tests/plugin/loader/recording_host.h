@@ -3,6 +3,7 @@
 
 #include <AppKit/AppKit.h>
 
+#include <functional>
 #include <string>
 
 // Answers every message of a menu's delegate.
@@ -10,11 +11,14 @@
   @private
     std::string _log;
     NSString* _itemToAdd;
+    std::function<void()> _update;
 }
 // The messages since the last call, as words: "open update close highlight count item key".
 - (std::string)log;
 // Added at the end of a menu that asks for an update and does not have it.
 - (void)setItemToAdd:(NSString*)title;
+// Called by each menuNeedsUpdate:.
+- (void)setUpdate:(const std::function<void()>&)update;
 @end
 
 // Answers menuDidClose: alone.
@@ -25,9 +29,14 @@
   @private
     NSMutableArray* _changed;
     BOOL _refusesRemoval;
+    BOOL _refusesInsertion;
 }
 // The titles of the items that have changed since the last call.
 - (NSArray*)takeChanged;
 // Then removeItem: raises.
 - (void)setRefusesRemoval:(BOOL)refuses;
+// Then insertItem:atIndex: raises.
+- (void)setRefusesInsertion:(BOOL)refuses;
+// Then removeAllItems of every menu of this class raises.
++ (void)setRefusesClearing:(BOOL)refuses;
 @end

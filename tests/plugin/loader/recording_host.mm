@@ -17,6 +17,10 @@
     _itemToAdd = [title copy];
 }
 
+- (void)setUpdate:(const std::function<void()>&)update {
+    _update = update;
+}
+
 - (void)note:(const char*)word {
     if (!_log.empty()) _log += ' ';
     _log += word;
@@ -29,6 +33,7 @@
 
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     [self note:"update"];
+    if (_update) _update();
     if (!_itemToAdd || [menu indexOfItemWithTitle:_itemToAdd] >= 0) return;
     [menu addItemWithTitle:_itemToAdd action:nullptr keyEquivalent:@""];
 }
@@ -84,6 +89,12 @@
 
 @end
 
+namespace {
+
+BOOL refuses_clearing = NO;
+
+}  // namespace
+
 @implementation RecordingMenu
 
 - (void)dealloc {
@@ -105,6 +116,24 @@
 
 - (void)setRefusesRemoval:(BOOL)refuses {
     _refusesRemoval = refuses;
+}
+
+- (void)setRefusesInsertion:(BOOL)refuses {
+    _refusesInsertion = refuses;
+}
+
++ (void)setRefusesClearing:(BOOL)refuses {
+    refuses_clearing = refuses;
+}
+
+- (void)insertItem:(NSMenuItem*)item atIndex:(NSInteger)index {
+    if (_refusesInsertion) [NSException raise:NSGenericException format:@"refused"];
+    [super insertItem:item atIndex:index];
+}
+
+- (void)removeAllItems {
+    if (refuses_clearing) [NSException raise:NSGenericException format:@"refused"];
+    [super removeAllItems];
 }
 
 - (void)removeItem:(NSMenuItem*)item {
