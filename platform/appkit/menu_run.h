@@ -62,6 +62,7 @@ class menu_run_t {
     point_t location(NSEvent* event) const;
     void input(tracking_input_t input);
     void pointer_moved(point_t point);
+    void point_to(point_t point);
     void pressed(NSEvent* event, point_t point);
     void released(NSEvent* event, point_t point);
     void scrolled(point_t point, double lines);
@@ -80,6 +81,7 @@ class menu_run_t {
     // menu_run_keys.mm
     void key_pressed(NSEvent* event);
     size_t focus_level() const;
+    void take_focus();
     void move_highlight(int step, bool wraps);
     void move_to(int row, int step, bool wraps);
     void enter_submenu();
@@ -110,6 +112,7 @@ class menu_run_t {
     int scroll_level_ = -1, scroll_direction_ = 0;
     double scroll_started_ = 0;
 
+    int key_level_ = -1;  // where keys have led; -1 once the pointer has moved since
     std::string typed_;
     double typed_at_ = 0;
 };

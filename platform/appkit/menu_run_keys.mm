@@ -13,19 +13,28 @@ double now() { return [NSDate timeIntervalSinceReferenceDate]; }
 
 }  // namespace
 
-// Keys act on the deepest level in which something is highlighted.
+// The level that the user is in: where keys have led since the pointer moved, else the level under
+// the pointer, whatever of it the pointer is on, else the deepest one that is shown.
 size_t menu_run_t::focus_level() const {
-    for (size_t i = levels_.size(); i-- > 1;) {
-        if ([session_ highlightedItemOfMenu:levels_[i]->menu()]) return i;
-    }
-    return 0;
+    size_t shown = levels_.size() - 1;
+    while (shown > 0 && !levels_[shown]->is_shown()) shown--;
+    if (key_level_ >= 0) return std::min<size_t>(key_level_, shown);
+    const int under_pointer = level_at(pointer_);
+    return under_pointer >= 0 ? under_pointer : shown;
+}
+
+// From here on it is the keys that lead, and a strip under the pointer scrolls no further.
+void menu_run_t::take_focus() {
+    aiming_ = false;
+    hover_timer_.stop();
+    input(button_down_ ? input_leave_edge_pressed : input_leave_edge_free);
+    key_level_ = static_cast<int>(focus_level());
 }
 
 void menu_run_t::key_pressed(NSEvent* event) {
     NSString* characters = [event characters];
     if (![characters length] || levels_.empty()) return;
-    aiming_ = false;
-    hover_timer_.stop();
+    take_focus();
     const menu_level_t& level = *levels_[focus_level()];
     const int last = static_cast<int>(level.layout().rows().size()) - 1;
     switch ([characters characterAtIndex:0]) {
@@ -99,7 +108,8 @@ void menu_run_t::enter_submenu() {
     if (![item hasSubmenu]) return;
     [session_ openSubmenuOfItem:item];
     synchronize();
-    if (index + 1 >= levels_.size()) return;
+    if (index + 1 >= levels_.size() || !levels_[index + 1]->is_shown()) return;
+    key_level_ = static_cast<int>(index) + 1;
     const std::vector<menu_row_t>& rows = levels_[index + 1]->layout().rows();
     const auto first = std::find_if(rows.begin(), rows.end(),
                                     [](const menu_row_t& row) { return can_highlight(row.item); });
@@ -112,6 +122,7 @@ void menu_run_t::leave_submenu() {
     if (index + 1 < levels_.size()) {
         [session_ closeLevelsBelowMenu:levels_[index]->menu()];
     } else if (index > 0) {
+        key_level_ = static_cast<int>(index) - 1;
         [session_ closeLevelsBelowMenu:levels_[index - 1]->menu()];
     }
 }

@@ -106,9 +106,15 @@ void menu_run_t::input(tracking_input_t input) {
     }
 }
 
+// What the pointer does takes the lead from the keys.
+void menu_run_t::point_to(point_t point) {
+    pointer_ = point;
+    key_level_ = -1;
+}
+
 void menu_run_t::pointer_moved(point_t point) {
     if (point.x == pointer_.x && point.y == pointer_.y) return;
-    pointer_ = point;
+    point_to(point);
     const int far = std::abs(point.x - origin_.x) + std::abs(point.y - origin_.y);
     if (far > drag_distance * style_.look.scale) moved_ = true;
     hover(point);
@@ -204,7 +210,7 @@ void menu_run_t::open_submenu(NSMenuItem* item) {
 void menu_run_t::pressed(NSEvent* event, point_t point) {
     button_down_ = true;
     buttons_ |= button_of(event);
-    pointer_ = point;
+    point_to(point);
     const int level = level_at(point);
     if (level < 0) return input(input_press_outside);
     input(input_press_inside);
@@ -229,7 +235,7 @@ void menu_run_t::released(NSEvent* event, point_t point) {
     if (!(buttons_ & button_of(event))) return;
     buttons_ &= ~button_of(event);
     button_down_ = false;
-    pointer_ = point;
+    point_to(point);
     send_to_view(event, point);
     if ([session_ isEnding]) return;  // by the view
     input(release_input(point));
@@ -241,7 +247,7 @@ void menu_run_t::scrolled(point_t point, double lines) {
     if (level < 0 || lines == 0) return;
     const int pixels = static_cast<int>(-lines * wheel_rows * style_.look.row_height);
     if (!levels_[level]->scroll_by(pixels)) return;
-    pointer_ = point;
+    point_to(point);
     aiming_ = false;
     if (!levels_[level]->edge_at(point)) hover_over(level, point);
 }
