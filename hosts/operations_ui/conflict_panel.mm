@@ -22,7 +22,7 @@ const struct {
     {skip, Choice::Skip, "Skip", 's'},
     {keep_both, Choice::KeepBoth, "Keep Both", 'k'},
     {replace, Choice::Replace, "Replace", 'r'},
-    {stop, Choice::Stop, "Stop", 0x1b},
+    {stop, Choice::Stop, "Stop", cancel_key},
 };
 
 std::string bytes_of(NSString* text) { return [text UTF8String] ?: ""; }
@@ -92,7 +92,11 @@ Answer AskAbout(const Conflict& conflict) {
         check->on = !check->on;
         [panel partsChanged];
     };
-    panel = [panel initWithWidth:width height:height parts:parts hit:hit];
+    panel = [panel initWithTitle:@"Name Already Taken"
+                           width:width
+                          height:height
+                           parts:parts
+                             hit:hit];
     const NSInteger code = [panel runModal];
     const Part* check = [panel partOfItem:apply_to_all];
     // Anything but a button ends it as Stop: nothing more is touched.

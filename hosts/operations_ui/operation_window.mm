@@ -107,10 +107,14 @@ NSUInteger running = 0;
         {PartKind::Text, margin, 96, inner - 110, 20, "", detail_part},
         {PartKind::Button, width - margin - 92, 88, 92, 30, "Cancel", cancel_part, 13},
     };
-    parts.back().key = 0x1b;
+    parts.back().key = operations::cancel_key;
     // The panel goes before this object.
     const auto hit = [self](int) { [self cancel]; };
-    _panel = [[PartsPanel alloc] initWithWidth:width height:height parts:parts hit:hit];
+    _panel = [[PartsPanel alloc] initWithTitle:_title
+                                         width:width
+                                        height:height
+                                         parts:parts
+                                           hit:hit];
     [_panel partOfItem:detail_part]->dim = true;
     [self update];
     [_panel show];

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "appkit/dialog_panel.h"
+
 namespace operations {
 
 enum class PartKind { Text, Icon, Bar, Button, Check };
@@ -28,13 +30,20 @@ struct Part {
     double value = 0;       // of a bar, from 0 to 1; negative while there is no telling
 };
 
+// Escape: the button of this key is also what the window's close button hits.
+constexpr unichar cancel_key = 0x1b;
+
 // Sent with the item of a button or check box.
 using Hit = std::function<void(int)>;
 
 }  // namespace operations
 
-@interface PartsPanel : NSPanel
-- (instancetype)initWithWidth:(double)width
+@interface PartsPanel : DialogPanel {
+  @private
+    BOOL _isModal;
+}
+- (instancetype)initWithTitle:(NSString*)title
+                        width:(double)width
                        height:(double)height
                         parts:(const std::vector<operations::Part>&)parts
                           hit:(const operations::Hit&)hit;
@@ -42,10 +51,6 @@ using Hit = std::function<void(int)>;
 - (std::vector<operations::Part>&)parts;
 - (operations::Part*)partOfItem:(int)item;
 - (void)partsChanged;
-// In the middle of the pointer's screen, before the other windows; leaves the keyboard where it is.
-- (void)show;
-// The same with the keyboard, until somebody stops the modal session; returns with what.
-- (NSInteger)runModal;
 // Where the part is in the window, in its base coordinates.
 - (NSRect)areaOfPart:(const operations::Part&)part;
 @end

@@ -11,9 +11,6 @@ using operations::PartKind;
 
 namespace {
 
-const NSTimeInterval keyboard_watch = 0.1;
-const double screen_share_above = 0.3;  // of the room that the panel leaves
-
 // What a view keeps that is no object.
 struct Content {
     std::vector<Part> parts;
@@ -144,10 +141,14 @@ bool can_be_hit(const Part& part) {
     if ([self isFocusKey:key of:event]) return;
     const Part* focused = (*_content)->focused;
     if (key == ' ' && focused && can_be_hit(*focused)) return [self hit:*focused];
+    if (key != 0) [self hitKey:key];
+}
+
+- (void)hitKey:(unichar)key {
     const bool is_return =
         key == NSCarriageReturnCharacter || key == NSNewlineCharacter || key == NSEnterCharacter;
     for (const Part& part : (*_content)->parts) {
-        if (!can_be_hit(part) || key == 0) continue;
+        if (!can_be_hit(part)) continue;
         if ((is_return && part.chief) || part.key == key) return [self hit:part];
     }
 }
@@ -162,7 +163,8 @@ bool can_be_hit(const Part& part) {
 
 @implementation PartsPanel
 
-- (instancetype)initWithWidth:(double)width
+- (instancetype)initWithTitle:(NSString*)title
+                        width:(double)width
                        height:(double)height
                         parts:(const std::vector<Part>&)parts
                           hit:(const operations::Hit&)hit {
@@ -172,22 +174,9 @@ bool can_be_hit(const Part& part) {
     content->look = menu_look(nil, server_resources());
     const NSRect frame = NSMakeRect(0, 0, operations::PixelsOf(content->look, width),
                                     operations::PixelsOf(content->look, height));
-    // Unscaled: what is drawn is scaled here.
-    self = [super initWithContentRect:frame
-                            styleMask:NSTitledWindowMask | NSUnscaledWindowMask
-                              backing:NSBackingStoreBuffered
-                                defer:NO];
-    if (!self) return nil;
     PartsView* view = [[[PartsView alloc] initWithFrame:frame] autorelease];
     view->_content = new std::unique_ptr<Content>(std::move(content));
-    [self setReleasedWhenClosed:NO];
-    [self setTitle:@"Delvio"];
-    [self setHidesOnDeactivate:NO];
-    [self setExcludedFromWindowsMenu:YES];
-    [self setContentView:view];
-    [self setAcceptsMouseMovedEvents:YES];
-    [self makeFirstResponder:view];
-    return self;
+    return [super initWithView:view title:title];
 }
 
 - (Content&)content {
@@ -209,54 +198,27 @@ bool can_be_hit(const Part& part) {
     [[self contentView] setNeedsDisplay:YES];
 }
 
-- (void)place {
-    const area_t screen = screen_at(current_pointer().at);
-    const NSSize size = [self frame].size;
-    const NSPoint corner = screen_point({screen.left, screen.bottom()});
-    const double below = (screen.height - size.height) * (1 - screen_share_above);
-    [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
-    make_dialog_window(self);
+- (void)cancelDialog {
+    [(PartsView*)[self contentView] hitKey:operations::cancel_key];
 }
 
-- (void)show {
-    [self place];
-    [self orderFrontRegardless];
+// What only tells of progress can be ended while something else asks. A question below another one
+// waits.
+- (BOOL)worksWhenModal {
+    return !_isModal;
 }
 
 - (NSInteger)runModal {
-    [self place];
-    [NSApp activateIgnoringOtherApps:YES];
-    [self makeKeyAndOrderFront:nil];
-    give_keyboard_to_window(self);
-    NSTimer* timer = [NSTimer timerWithTimeInterval:keyboard_watch
-                                             target:self
-                                           selector:@selector(keepKeyboard:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSModalPanelRunLoopMode];
-    const NSInteger code = [NSApp runModalForWindow:self];
-    [timer invalidate];
-    [self orderOut:nil];
+    _isModal = YES;
+    const NSInteger code = [super runModal];
+    _isModal = NO;
     return code;
-}
-
-// GNUstep hears late that an earlier window has lost the keyboard, and then throws away what is
-// typed into this one.
-- (void)keepKeyboard:(NSTimer*)timer {
-    (void)timer;
-    if ([self isKeyWindow] || !window_has_keyboard(self)) return;
-    [NSApp activateIgnoringOtherApps:YES];
-    [self makeKeyWindow];
 }
 
 - (NSRect)areaOfPart:(const Part&)part {
     const area_t area = operations::AreaOf([self content].look, part);
     return [[self contentView] convertRect:NSMakeRect(area.left, area.top, area.width, area.height)
                                     toView:nil];
-}
-
-- (BOOL)canBecomeKeyWindow {
-    return YES;
 }
 
 @end

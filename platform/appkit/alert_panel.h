@@ -5,13 +5,15 @@
 
 #include "appkit/alert_layout.h"
 #include "appkit/alert_paint.h"
+#include "appkit/dialog_panel.h"
 
-@interface AlertPanel : NSPanel {
+@interface AlertPanel : DialogPanel {
   @private
     const alert_layout_t* _layout;  // outlives it
     const alert_words_t* _words;    // as well
 }
-// Shows it and returns when a button has been hit: its item. 0 when the modal session was ended by
+// Shows it and returns when a button has been hit: its item. Escape and the window's close button
+// hit the cancel button, without one the default button. 0 when the modal session was ended by
 // somebody else.
 + (int)runWithWords:(const alert_words_t&)words;
 // Its message and explanation.

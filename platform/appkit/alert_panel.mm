@@ -10,17 +10,13 @@
   @private
     const alert_layout_t* _layout;  // outlives the panel's run
     alert_state_t _state;
-    int _cancelItem;
     BOOL _isPressing;
 }
-- (instancetype)initWithLayout:(const alert_layout_t*)layout cancelItem:(int)cancelItem;
+- (instancetype)initWithLayout:(const alert_layout_t*)layout;
 - (void)hit:(int)item;
 @end
 
 namespace {
-
-const NSTimeInterval keyboard_watch = 0.1;
-const double screen_share_above = 0.3;  // of the room that the alert leaves
 
 point_t point_of(NSView* view, NSEvent* event) {
     const NSPoint point = [view convertPoint:[event locationInWindow] fromView:nil];
@@ -36,12 +32,11 @@ int item_at(const alert_layout_t& layout, point_t point) {
 
 @implementation AlertView
 
-- (instancetype)initWithLayout:(const alert_layout_t*)layout cancelItem:(int)cancelItem {
+- (instancetype)initWithLayout:(const alert_layout_t*)layout {
     if (!(self = [super initWithFrame:NSMakeRect(0, 0, layout->width(), layout->height())])) {
         return nil;
     }
     _layout = layout;
-    _cancelItem = cancelItem;
     return self;
 }
 
@@ -119,7 +114,7 @@ int item_at(const alert_layout_t& layout, point_t point) {
         case NSEnterCharacter:
             return [self hit:_layout->default_item()];
         case 0x1B:
-            return [self hit:_cancelItem];
+            return [(DialogPanel*)[self window] cancelDialog];
         case ' ':
             return [self hit:_state.focused];
         case NSTabCharacter:
@@ -157,67 +152,26 @@ int item_at(const alert_layout_t& layout, point_t point) {
 
 + (int)runWithWords:(const alert_words_t&)words {
     const alert_layout_t layout(words, menu_look(nil, server_resources()));
-    AlertView* view = [[[AlertView alloc] initWithLayout:&layout
-                                              cancelItem:words.cancel_item] autorelease];
-    AlertPanel* panel = [[self alloc] initWithView:view];
-    panel->_layout = &layout;
-    panel->_words = &words;
-    [panel placeOnScreenOfPointer];
-    [NSApp activateIgnoringOtherApps:YES];
-    make_dialog_window(panel);
-    [panel makeKeyAndOrderFront:nil];
-    give_keyboard_to_window(panel);
-    NSTimer* timer = [panel watchKeyboard];
-    const NSInteger item = [NSApp runModalForWindow:panel];
-    [timer invalidate];
-    [panel orderOut:nil];
+    AlertPanel* panel = [[self alloc] initWithLayout:&layout words:&words];
+    const NSInteger item = [panel runModal];
     [panel release];
     return item > 0 ? static_cast<int>(item) : 0;
 }
 
-- (instancetype)initWithView:(NSView*)view {
-    // Unscaled: what is drawn is scaled here.
-    self = [super initWithContentRect:[view frame]
-                            styleMask:NSTitledWindowMask | NSUnscaledWindowMask
-                              backing:NSBackingStoreBuffered
-                                defer:NO];
-    if (!self) return nil;
-    [self setReleasedWhenClosed:NO];
-    [self setTitle:[[NSProcessInfo processInfo] processName]];
+- (instancetype)initWithLayout:(const alert_layout_t*)layout words:(const alert_words_t*)words {
+    AlertView* view = [[[AlertView alloc] initWithLayout:layout] autorelease];
+    NSString* title = [NSString stringWithUTF8String:words->message.c_str()];
+    if (!(self = [super initWithView:view title:title ?: @""])) return nil;
+    _layout = layout;
+    _words = words;
     [self setLevel:NSModalPanelWindowLevel];
-    [self setHidesOnDeactivate:NO];
-    [self setExcludedFromWindowsMenu:YES];
-    [self setContentView:view];
-    [self setAcceptsMouseMovedEvents:YES];
-    [self makeFirstResponder:view];
     return self;
 }
 
-- (void)placeOnScreenOfPointer {
-    const area_t screen = screen_at(current_pointer().at);
-    const NSSize size = [self frame].size;
-    const double below = (screen.height - size.height) * (1 - screen_share_above);
-    const NSPoint corner = screen_point({screen.left, screen.bottom()});
-    [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
-}
-
-// GNUstep hears late that an earlier window has lost the keyboard, and then throws away what is
-// typed into this one.
-- (NSTimer*)watchKeyboard {
-    NSTimer* timer = [NSTimer timerWithTimeInterval:keyboard_watch
-                                             target:self
-                                           selector:@selector(keepKeyboard:)
-                                           userInfo:nil
-                                            repeats:YES];
-    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSModalPanelRunLoopMode];
-    return timer;
-}
-
-- (void)keepKeyboard:(NSTimer*)timer {
-    (void)timer;
-    if ([self isKeyWindow] || !window_has_keyboard(self)) return;
-    [NSApp activateIgnoringOtherApps:YES];
-    [self makeKeyWindow];
+// The default button is the one that may be hit without having read anything.
+- (void)cancelDialog {
+    const int item = _words->cancel_item ? _words->cancel_item : _words->default_item;
+    [(AlertView*)[self contentView] hit:item];
 }
 
 - (NSString*)text {
@@ -234,10 +188,6 @@ int item_at(const alert_layout_t& layout, point_t point) {
         return server_point([self convertBaseToScreen:base]);
     }
     return {-1, -1};
-}
-
-- (BOOL)canBecomeKeyWindow {
-    return YES;
 }
 
 @end

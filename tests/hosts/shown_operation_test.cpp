@@ -4,14 +4,17 @@
 
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <functional>
+#include <memory>
 
 #include "hosts/bus_service.h"
 #include "hosts/command_runner.h"
+#include "support/managed_windows.h"
 #include "support/temp_folder.h"
+#include "support/x_input.h"
 
 namespace {
 
@@ -34,35 +37,13 @@ std::string output_of(const std::string& command) {
 
 void press(const std::string& keys) { output_of("xdotool key --delay 60 " + keys); }
 
-pid_t start_manager(const std::string& ready) {
-    const pid_t manager = fork();
-    if (manager == 0) {
-        execlp("openbox", "openbox", "--startup", ("touch " + ready).c_str(),
-               static_cast<char*>(nullptr));
-        _exit(127);
-    }
-    return manager;
-}
-
-// With a window manager, and without one.
-class ShownOperation : public testing::TestWithParam<bool> {
+class Operation : public testing::Test {
   protected:
     void SetUp() override {
-        if (GetParam()) {
-            const std::string ready = folder_.path("ready");
-            manager_ = start_manager(ready);
-            ASSERT_TRUE(wait_for([&] { return access(ready.c_str(), F_OK) == 0; }));
-        }
         folder_.folder("to/below");
         folder_.file("a.txt", "new a");
         folder_.file("b.txt", "b");
     }
-    void TearDown() override {
-        if (manager_ <= 0) return;
-        kill(manager_, SIGTERM);
-        waitpid(manager_, nullptr, 0);
-    }
-
     // Its menu's first rows are the folder "to", with "Move selection here" as the first below.
     std::vector<std::string> words() const {
         return {"menu",
@@ -72,24 +53,48 @@ class ShownOperation : public testing::TestWithParam<bool> {
                 folder_.path("a.txt"),
                 folder_.path("b.txt")};
     }
-    static bool menu_is_open() {
-        return !output_of("xdotool search --onlyvisible --name '^Window$'").empty();
+    // The menu holds pointer and keyboard from when it takes keys.
+    bool menu_is_open() { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }
+    static int menu_levels() {
+        const std::string levels = output_of("xdotool search --onlyvisible --name '^Window$'");
+        return static_cast<int>(std::count(levels.begin(), levels.end(), '\n'));
     }
-    static bool move_selection() {
-        if (!wait_for(menu_is_open)) return false;
-        usleep(300000);  // until the menu has the keys
+    bool move_selection() {
+        if (!wait_for([&] { return menu_is_open(); })) return false;
         press("Down Right");
-        usleep(200000);
+        if (!wait_for([] { return menu_levels() == 2; })) return false;
         press("Return");
         return true;
     }
-    static bool alert_has_keys() {
-        const std::string alert = output_of("xdotool search --onlyvisible --name '^delvio$'");
-        return !alert.empty() && alert == output_of("xdotool getwindowfocus");
+    static bool has_keys(const std::string& title) {
+        const std::string window =
+            output_of("xdotool search --onlyvisible --name '^" + title + "$'");
+        return !window.empty() && window == output_of("xdotool getwindowfocus");
+    }
+    static bool alert_has_keys() { return has_keys("Replace duplicate files[?]"); }
+    // By its title bar's button.
+    bool close(const std::string& title) {
+        std::optional<test::ManagedWindow> window;
+        if (!wait_for([&] { return (window = windows_.settled(title)).has_value(); })) return false;
+        const test::ScreenPoint button = windows_.close_button(*window);
+        input_.move(button.x, button.y);
+        input_.click(1);
+        return true;
     }
 
     test::TempFolder folder_;
-    pid_t manager_ = 0;
+    test::XInput input_;
+    test::ManagedWindows windows_;
+};
+
+class ManagedOperation : public Operation {
+    test::WindowManager manager_;
+};
+
+// With a window manager, and without one.
+class ShownOperation : public Operation, public testing::WithParamInterface<bool> {
+    const std::unique_ptr<test::WindowManager> manager_{GetParam() ? new test::WindowManager
+                                                                   : nullptr};
 };
 
 INSTANTIATE_TEST_SUITE_P(WithoutAndWithAManager, ShownOperation, testing::Bool());
@@ -112,7 +117,6 @@ TEST_P(ShownOperation, TheAlertHasTheKeys) {
     RunningCommand command(words());
     ASSERT_TRUE(move_selection());
     ASSERT_TRUE(wait_for(alert_has_keys));
-    usleep(300000);
     // The second button: "Replace files".
     press("Tab Tab space");
     EXPECT_EQ(command.finish().status, 0);
@@ -130,6 +134,17 @@ TEST_P(ShownOperation, ASignalEndsTheAlertAndNothingIsDone) {
     EXPECT_EQ(read_file(folder_.path("to/a.txt")), "old a");
     EXPECT_EQ(read_file(folder_.path("a.txt")), "new a");
     EXPECT_EQ(read_file(folder_.path("b.txt")), "b");
+}
+
+TEST_F(ManagedOperation, CloseButtonsReplaceNothingAndKillNothing) {
+    folder_.file("to/a.txt", "old a");
+    RunningCommand command(words());
+    ASSERT_TRUE(move_selection());
+    ASSERT_TRUE(close("Replace duplicate files?"));
+    ASSERT_TRUE(close("Name Already Taken"));
+    EXPECT_EQ(command.finish().status, 0);
+    EXPECT_EQ(read_file(folder_.path("to/a.txt")), "old a");
+    EXPECT_EQ(read_file(folder_.path("a.txt")), "new a");
 }
 
 TEST_P(ShownOperation, TheFileManagerIsAskedWhenSet) {
