@@ -8,6 +8,7 @@
 
 #include "finderkit/desktop_managers.h"
 #include "finderkit/session_bus.h"
+#include "operations/engine.h"
 #include "operations/request_queue.h"
 #include "operations/work.h"
 
@@ -77,6 +78,7 @@ Handover ask(const Request& request, std::string* reason) {
     if (!bus) return Handover::absent;
     for (const DesktopManager* manager : ManagersOnBus(bus)) {
         const Handover result = AskManager(bus, *manager, request, reason);
+        if (result == Handover::taken) operations::NoteDoneElsewhere(request, manager->name);
         if (result != Handover::absent) return result;
     }
     return Handover::absent;

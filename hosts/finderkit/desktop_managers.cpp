@@ -23,14 +23,16 @@ GVariant* nautilus_arguments(Kind kind, GVariant* sources, const char* destinati
 }
 
 const DesktopManager managers[] = {
-    {"org.xfce.FileManager",
+    {"Thunar",
+     "org.xfce.FileManager",
      "/org/xfce/FileManager",
      "thunar.desktop",
      {{Kind::Move, "org.xfce.FileManager", "MoveInto"},
       {Kind::Copy, "org.xfce.FileManager", "CopyInto"},
       {Kind::Trash, "org.xfce.Trash", "MoveToTrash"}},
      thunar_arguments},
-    {"org.gnome.Nautilus",
+    {"Nautilus",
+     "org.gnome.Nautilus",
      "/org/gnome/Nautilus/FileOperations2",
      "org.gnome.Nautilus.desktop",
      {{Kind::Move, "org.gnome.Nautilus.FileOperations2", "MoveURIs"},

@@ -9,6 +9,7 @@
 #include "operations/request.h"
 
 struct DesktopManager {
+    const char* name;  // as its users know it
     const char* service;
     const char* object;
     const char* entry;  // its desktop entry

@@ -4,6 +4,8 @@
 
 #include "operations/operation.h"
 #include "operations/request_queue.h"
+#include "operations/undo_journal.h"
+#include "operations/work.h"
 
 namespace operations {
 
@@ -23,10 +25,34 @@ class Engine : public Carrier {
     RequestQueue queue_;
 };
 
+const char* verb_of(Kind kind) {
+    switch (kind) {
+        case Kind::Move:
+            return "moving";
+        case Kind::Copy:
+            return "copying";
+        case Kind::Alias:
+            return "making an alias of";
+        case Kind::Trash:
+            return "trashing";
+    }
+    return "";
+}
+
 }  // namespace
 
 Report Perform(const Request& request, Observer& observer, const std::string& state_folder) {
     return Operation(request, observer, state_folder, true).run();
+}
+
+void NoteDoneElsewhere(const Request& request, const std::string& who,
+                       const std::string& state_folder) {
+    if (request.sources.empty()) return;
+    const size_t others = request.sources.size() - 1;
+    std::string line = who + " did the last operation (" + verb_of(request.kind) + " " +
+                       QuotedName(request.sources.front());
+    if (others > 0) line += " and " + std::to_string(others) + (others == 1 ? " other" : " others");
+    UndoJournal(state_folder).elsewhere(line + "), which can only be undone there");
 }
 
 std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder) {

@@ -10,7 +10,7 @@
 namespace operations {
 
 // Carries the request out on this thread and returns when it has ended. The observer's ended() is
-// not sent. First removes what killed operations left behind.
+// not sent. Beside it, what killed operations left behind is removed.
 Report Perform(const Request& request, Observer& observer,
                const std::string& state_folder = StateFolder());
 
@@ -18,9 +18,16 @@ Report Perform(const Request& request, Observer& observer,
 // drops those that wait.
 std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder = StateFolder());
 
-// Undoes the last operation of whatever process: moves back, takes what was replaced out of the
-// trash, removes aliases, and puts copies in the trash if nobody changed them. Refuses as a whole,
-// with nothing touched, when something has changed since. One outcome for each step.
+// Undoes the last operation of whatever process: moves back, takes what was replaced or trashed out
+// of the trash, removes aliases, and puts copies in the trash if nobody changed them. Refuses as a
+// whole, with nothing touched, when something has changed since. Can be repeated after it was
+// interrupted. One outcome for each step; the reason of one that is done says, in one line, what
+// was done for it, and is empty when nothing had to be.
 Report UndoLast(Observer& observer, const std::string& state_folder = StateFolder());
+
+// Somebody else, whose name is `who`, carries the request out: until the next operation there is
+// nothing that UndoLast() could undo, and it says so.
+void NoteDoneElsewhere(const Request& request, const std::string& who,
+                       const std::string& state_folder = StateFolder());
 
 }  // namespace operations

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -10,12 +11,9 @@ namespace operations {
 
 namespace {
 
-bool remove_content(int folder, dev_t device) {
-    struct stat what;
+bool remove_content(int folder, uint64_t mount) {
     std::vector<std::string> names;
-    if (fstat(folder, &what) != 0 || what.st_dev != device || !ReadNames(folder, &names)) {
-        return false;
-    }
+    if (MountOf(folder) != mount || !ReadNames(folder, &names)) return false;
     bool removed = true;
     for (const std::string& name : names) removed &= RemoveTree(folder, name.c_str());
     return removed;
@@ -77,6 +75,29 @@ bool Look(int folder, const char* name, struct stat* what) {
     return fstatat(folder, name, what, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
+bool IsMissing(int error) { return error == ENOENT || error == ENOTDIR; }
+
+std::string PathOf(int folder) {
+    char path[PATH_MAX];
+    const std::string link = "/proc/self/fd/" + std::to_string(folder);
+    const ssize_t size = readlink(link.c_str(), path, sizeof path);
+    if (size < 0) return {};
+    const std::string found(path, static_cast<size_t>(size));
+    // One that was removed or is out of reach has a path that leads elsewhere.
+    struct stat here, there;
+    if (fstat(folder, &here) != 0 || stat(found.c_str(), &there) != 0) return {};
+    if (here.st_ino == there.st_ino && here.st_dev == there.st_dev && found[0] == '/') return found;
+    errno = ENOENT;
+    return {};
+}
+
+uint64_t MountOf(int file) {
+    struct statx what;
+    if (statx(file, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_MNT_ID, &what) != 0) return 0;
+    if (what.stx_mask & STATX_MNT_ID) return what.stx_mnt_id + 1;
+    return (uint64_t{what.stx_dev_major} << 32 | what.stx_dev_minor) + 1;
+}
+
 bool MoveFree(int from_folder, const std::string& from, int to_folder, const std::string& to) {
     if (renameat2(from_folder, from.c_str(), to_folder, to.c_str(), RENAME_NOREPLACE) == 0) {
         return true;
@@ -86,10 +107,9 @@ bool MoveFree(int from_folder, const std::string& from, int to_folder, const std
 
 bool RemoveTree(int parent, const char* name) {
     if (unlinkat(parent, name, 0) == 0 || errno == ENOENT) return true;
-    struct stat above;
-    if (fstat(parent, &above) != 0) return false;
-    const Descriptor folder = open_to_empty(parent, name);
-    if (!folder || !remove_content(folder.get(), above.st_dev)) return false;
+    const uint64_t mount = MountOf(parent);
+    const Descriptor folder = mount != 0 ? open_to_empty(parent, name) : Descriptor();
+    if (!folder || !remove_content(folder.get(), mount)) return false;
     return unlinkat(parent, name, AT_REMOVEDIR) == 0;
 }
 

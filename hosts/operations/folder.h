@@ -1,6 +1,7 @@
 // Folders, by descriptor and name, so that no path is too long and no link leads elsewhere.
 #pragma once
 
+#include <stdint.h>
 #include <sys/stat.h>
 
 #include <string>
@@ -10,6 +11,10 @@
 
 namespace operations {
 
+// How many folders that stand in one another are copied: so few that neither the open files nor the
+// stack of a thread run out.
+constexpr int deepest_folder = 300;
+
 // Without following a link at its name.
 Descriptor OpenFolder(int parent, const char* name);
 
@@ -18,6 +23,16 @@ bool ReadNames(int folder, std::vector<std::string>* names);
 
 // The state of what stands at the name, a link itself and not its target. False with errno.
 bool Look(int folder, const char* name, struct stat* what);
+
+// Whether a question that failed so says that nothing is there. Every other error leaves it open:
+// a disk that does not answer may hold what was asked for.
+bool IsMissing(int error);
+
+// The absolute path of an open folder, no link in it; empty with errno once it has been removed.
+std::string PathOf(int folder);
+
+// What tells mounts apart, also several of one disk. 0 with errno.
+uint64_t MountOf(int file);
 
 // Renames what stands at one name to another that must be free, in one step. False with errno:
 // EEXIST when it is not free, EXDEV when it is on another file system.

@@ -42,7 +42,7 @@ Operation::Operation(const Request& request, Observer& observer, const std::stri
 Operation::~Operation() = default;
 
 Report Operation::run() {
-    RemoveLeftTemporaries(state_folder_);
+    BeginToRemoveLeftTemporaries(state_folder_);
     report_.outcomes.resize(request_.sources.size());
     for (size_t index = 0; index < request_.sources.size(); index++) {
         report_.outcomes[index].source = request_.sources[index];
@@ -61,8 +61,6 @@ Report Operation::run() {
     flush();
     copies_.reset();
     temporaries_.reset();
-    struct stat what;
-    if (destination_ && fstat(destination_.get(), &what) == 0) journal_.ended(what.st_ctim);
     report_.stopped = work_.is_stopped();
     return std::move(report_);
 }
@@ -130,9 +128,13 @@ bool Operation::is_refused(Item& item) {
         return true;
     }
     struct stat folder;
-    const bool is_same_folder = fstat(item.folder->get(), &folder) == 0 &&
-                                folder.st_dev == destination_what_.st_dev &&
-                                folder.st_ino == destination_what_.st_ino;
+    if (fstat(item.folder->get(), &folder) != 0) {
+        work_.fail("cannot read", folder_path_, errno);
+        settle_failed(item);
+        return true;
+    }
+    const bool is_same_folder =
+        folder.st_dev == destination_what_.st_dev && folder.st_ino == destination_what_.st_ino;
     if (!is_same_folder || !exact_name_.empty()) return false;
     if (request_.kind == Kind::Copy) {
         item.choice = Choice::KeepBoth;
@@ -163,31 +165,28 @@ void Operation::move(Item item) {
 }
 
 void Operation::make_alias(Item& item) {
-    for (unsigned attempt = 0;; attempt++) {
+    for (unsigned attempt = 0; may_try_again(item); attempt++) {
         const std::string name = AliasName(item.name, attempt);
-        if (symlinkat(item.path.c_str(), destination_.get(), name.c_str()) == 0) {
-            journal_.aliased(item.path, target_path(name));
-            work_.advance(item.path, 1, 0);
-            return settle_done(item, name);
+        struct stat what;
+        int error = Look(destination_.get(), name.c_str(), &what) ? EEXIST : errno;
+        if (IsMissing(error)) {
+            journal_.aliasing(item.path, target_path(name));
+            if (symlinkat(item.path.c_str(), destination_.get(), name.c_str()) == 0) {
+                work_.advance(item.path, 1, 0);
+                return settle_done(item, name);
+            }
+            error = errno;
+            journal_.not_done();
         }
-        if (errno == EEXIST) continue;
-        work_.fail("cannot make an alias of", item.path, errno);
+        if (error == EEXIST) continue;
+        work_.fail("cannot make an alias of", item.path, error);
         return settle_failed(item);
     }
 }
 
 void Operation::trash(Item& item) {
-    std::string problem;
     Trashed trashed;
-    bool recorded = false;
-    const auto before = [&](const Trashed& to) {
-        if (std::exchange(recorded, true)) journal_.not_done();
-        journal_.trashing(item.path, to, item.what.st_ino);
-        return true;
-    };
-    if (!PutInTrash(item.path, before, &trashed, &problem)) {
-        if (recorded) journal_.not_done();
-        work_.fail(problem);
+    if (!put_in_trash({item.folder->get(), NameOf(item.path), item.what}, item.path, &trashed)) {
         return settle_failed(item);
     }
     work_.advance(item.path, 1, 0);

@@ -2,6 +2,7 @@
 // The worker thread.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -27,8 +28,12 @@ class Operation {
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    // Moves the one source to this name and no other.
-    void set_exact_name(const std::string& name) { exact_name_ = name; }
+    // Moves the one source to this name and no other. Of what needs a copy for it, `before` is sent
+    // the inode before it gets the name; false keeps it from getting it.
+    void set_exact_name(const std::string& name, std::function<bool(ino_t)> before) {
+        exact_name_ = name;
+        before_exact_name_ = std::move(before);
+    }
 
     Report run();
 
@@ -42,6 +47,7 @@ class Operation {
         struct stat what = {};
         std::optional<Choice> choice;  // once its name was found taken
         unsigned attempt = 0;          // of a name that keeps both
+        unsigned tries = 0;            // of all names
         std::optional<Trashed> replaced;
         std::string temporary;
         std::string target_name;
@@ -64,15 +70,19 @@ class Operation {
     void check_pending();
     void publish_pending();
     bool publish(Item& item);
+    bool give_name(Item& item);
+    bool announce(const Item& item);
     void empty_sources();
     void discard(Item& item);
 
     Choice decide(const Item& item, const std::string& name);
     bool is_settled_by_choice(const Item& item);
     bool make_room(Item& item);
+    bool may_try_again(Item& item);
     bool trash_target(Item& item);
+    bool put_in_trash(const Thing& thing, const std::string& path, Trashed* trashed);
     void give_back(Item& item);
-    bool holds_source(const Item& item, const struct stat& target);
+    std::optional<bool> holds_source(const Item& item, const struct stat& target);
 
     std::string target_path(const std::string& name) const;
     Outcome& outcome(const Item& item) { return report_.outcomes[item.index]; }
@@ -86,6 +96,7 @@ class Operation {
     UndoJournal journal_;
     Report report_;
     std::string exact_name_;
+    std::function<bool(ino_t)> before_exact_name_;
     Descriptor destination_;
     struct stat destination_what_ = {};
     std::set<Identity> above_;  // the destination and the folders above it

@@ -34,55 +34,80 @@ bool Operation::is_settled_by_choice(const Item& item) {
 // the item is settled.
 bool Operation::make_room(Item& item) {
     if (!item.choice) item.choice = decide(item, item.target_name);
-    if (is_settled_by_choice(item)) return false;
+    if (is_settled_by_choice(item) || !may_try_again(item)) return false;
     if (item.choice == Choice::Replace) return trash_target(item);
     item.target_name = CopyName(item.name, S_ISDIR(item.what.st_mode), ++item.attempt);
     return true;
 }
 
+// One name after the other is tried, but not for ever: a disk may say of each that it is taken.
+// False when the item is settled.
+bool Operation::may_try_again(Item& item) {
+    constexpr unsigned most_tries = 10000;
+    if (item.tries++ < most_tries && work_.is_wanted()) return true;
+    if (!work_.is_stopped()) work_.fail("no name is free for " + QuotedName(item.name));
+    give_back(item);
+    settle_failed(item);
+    return false;
+}
+
 bool Operation::trash_target(Item& item) {
     struct stat target;
-    if (!Look(destination_.get(), item.target_name.c_str(), &target)) return true;
-    if (holds_source(item, target)) {
-        work_.fail(QuotedName(item.target_name) + " cannot be replaced by what is in it");
-        settle_failed(item);
-        return false;
+    const int folder = destination_.get();
+    bool ready = Look(folder, item.target_name.c_str(), &target);
+    if (!ready && IsMissing(errno)) return true;
+    if (!ready) work_.fail("cannot look at", target_path(item.target_name), errno);
+    const std::optional<bool> inside = ready ? holds_source(item, target) : std::nullopt;
+    if (ready && !inside) ready = work_.fail("cannot tell what holds", item.path, errno);
+    if (ready && *inside) {
+        const std::string name = QuotedName(item.target_name);
+        ready = work_.fail(name + " cannot be replaced by what is in it");
     }
-    std::string problem;
     Trashed trashed;
-    bool recorded = false;
-    const auto before = [&](const Trashed& to) {
-        if (std::exchange(recorded, true)) journal_.not_done();
-        journal_.trashing(target_path(item.target_name), to, target.st_ino);
-        return true;
-    };
-    if (PutInTrash(target_path(item.target_name), before, &trashed, &problem)) {
+    const std::string path = target_path(item.target_name);
+    if (ready && put_in_trash({folder, item.target_name, target}, path, &trashed)) {
         item.replaced = trashed;
         return true;
     }
-    if (recorded) journal_.not_done();
-    work_.fail(problem + "; it was not replaced");
+    if (ready && !work_.is_stopped()) work_.fail(work_.take_problem() + "; it was not replaced");
+    give_back(item);
     settle_failed(item);
     return false;
+}
+
+bool Operation::put_in_trash(const Thing& thing, const std::string& path, Trashed* trashed) {
+    std::string problem;
+    bool recorded = false;
+    const auto before = [&](const Trashed& to) {
+        if (std::exchange(recorded, false)) journal_.not_done();
+        if (!work_.is_wanted()) return false;
+        journal_.trashing(path, to, thing.what.st_ino);
+        return recorded = true;
+    };
+    if (PutInTrash(thing, before, trashed, &problem)) return true;
+    if (recorded) journal_.not_done();
+    return work_.fail(problem);
 }
 
 // What was to be replaced comes back, because nothing came in its place.
 void Operation::give_back(Item& item) {
     if (!item.replaced) return;
-    if (TakeFromTrash(*item.replaced, target_path(item.target_name))) journal_.not_done();
+    if (TakeFromTrash(*item.replaced, destination_.get(), item.target_name)) journal_.not_done();
     item.replaced.reset();
 }
 
-bool Operation::holds_source(const Item& item, const struct stat& target) {
+// Nothing, with errno, when it cannot be told.
+std::optional<bool> Operation::holds_source(const Item& item, const struct stat& target) {
     if (!S_ISDIR(target.st_mode)) return false;
     struct stat what;
     Descriptor at(openat(item.folder->get(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
     std::set<Identity> seen;
-    while (at && fstat(at.get(), &what) == 0 && seen.emplace(what.st_dev, what.st_ino).second) {
+    while (at && fstat(at.get(), &what) == 0) {
+        if (!seen.emplace(what.st_dev, what.st_ino).second) return false;
         if (what.st_dev == target.st_dev && what.st_ino == target.st_ino) return true;
         at = Descriptor(openat(at.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
     }
-    return false;
+    return std::nullopt;
 }
 
 }  // namespace operations

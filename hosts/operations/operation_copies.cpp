@@ -2,6 +2,9 @@
 // many at a time, and only then given the names that were asked for.
 #include <errno.h>
 #include <fcntl.h>
+#include <sys/resource.h>
+
+#include <algorithm>
 
 #include "operations/folder.h"
 #include "operations/operation.h"
@@ -10,17 +13,21 @@ namespace operations {
 
 namespace {
 
-constexpr size_t most_pending = 1024, most_folders = 128;
+constexpr size_t most_pending = 1024;
 constexpr uint64_t most_pending_bytes = 1ull << 30;
+
+// What waits for its name holds the folders of the sources: a part of what may be open.
+size_t most_folders() {
+    rlimit limit;
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 1;
+    return std::clamp<size_t>(limit.rlim_cur / 8, 1, 128);
+}
 
 }  // namespace
 
 bool Operation::begin_copies(size_t index) {
     if (copies_) return true;
-    char* folder = realpath(request_.destination.c_str(), nullptr);
-    temporaries_ =
-        std::make_unique<Temporaries>(state_folder_, folder ? folder : request_.destination);
-    free(folder);
+    temporaries_ = std::make_unique<Temporaries>(state_folder_, destination_.get());
     if (!temporaries_->problem().empty()) {
         const std::string problem = temporaries_->problem();
         temporaries_.reset();
@@ -53,7 +60,7 @@ bool Operation::prepare(Item& item) {
     const bool is_taken = Look(destination_.get(), item.name.c_str(), &target);
     if (is_taken && !item.choice) item.choice = decide(item, item.name);
     if (is_taken && is_settled_by_choice(item)) return false;
-    bool ready = is_taken || errno == ENOENT || work_.fail("cannot write", item.path, errno);
+    bool ready = is_taken || IsMissing(errno) || work_.fail("cannot write", item.path, errno);
     if (ready && request_.kind == Kind::Move) ready = may_be_removed(item);
     if (ready) ready = begin_copies(item.index);
     if (!ready) settle_failed(item);
@@ -74,7 +81,7 @@ void Operation::copy(Item item) {
     pending_names_.insert(item.name);
     pending_.push_back(std::move(item));
     const bool is_much = work_.bytes_done() - bytes_before_ >= most_pending_bytes;
-    if (pending_.size() >= most_pending || folders_opened_ >= most_folders || is_much) flush();
+    if (pending_.size() >= most_pending || folders_opened_ >= most_folders() || is_much) flush();
 }
 
 void Operation::discard(Item& item) {
@@ -124,10 +131,8 @@ void Operation::publish_pending() {
 
 // False when the item is settled without.
 bool Operation::publish(Item& item) {
-    const int folder = destination_.get();
     const std::string remark = outcome(item).reason;
-    for (item.target_name = item.name;
-         !MoveFree(folder, item.temporary, folder, item.target_name);) {
+    for (item.target_name = item.name; !give_name(item);) {
         if (errno != EEXIST) {
             work_.fail("cannot write", item.path, errno);
             give_back(item);
@@ -137,22 +142,43 @@ bool Operation::publish(Item& item) {
         if (!make_room(item)) return false;
     }
     struct stat what;
-    if (Look(folder, item.target_name.c_str(), &what)) {
-        journal_.copied(item.path, target_path(item.target_name), what, item.linked);
-    }
+    if (Look(destination_.get(), item.target_name.c_str(), &what)) journal_.copied(what);
     work_.remark(remark);
     settle_done(item, item.target_name);
     return true;
 }
 
+// False with errno.
+bool Operation::give_name(Item& item) {
+    const int folder = destination_.get();
+    if (!announce(item)) return false;
+    if (MoveFree(folder, item.temporary, folder, item.target_name)) return true;
+    const int error = errno;
+    journal_.not_done();
+    errno = error;
+    return false;
+}
+
+// Says what is about to get its name, so that it is known should nothing be said afterwards.
+bool Operation::announce(const Item& item) {
+    struct stat what;
+    if (!Look(destination_.get(), item.temporary.c_str(), &what)) return false;
+    if (before_exact_name_ && !before_exact_name_(what.st_ino)) return false;
+    journal_.copying(item.path, target_path(item.target_name), what, item.linked);
+    return true;
+}
+
 void Operation::empty_sources() {
     // The names must be on the disk before the sources go.
-    const bool synced = pending_.empty() || fsync(destination_.get()) == 0;
+    const int error = pending_.empty() || fsync(destination_.get()) == 0 ? 0 : errno;
     for (Item& item : pending_) {
-        journal_.emptying(item.path, target_path(item.target_name));
         const Place source = {item.folder->get(), NameOf(item.path), item.path};
-        if (synced && copies_->remove(source)) continue;
-        if (!synced) work_.fail("cannot write", request_.destination, EIO);
+        if (error == 0) {
+            journal_.emptying(item.path, target_path(item.target_name), item.what.st_ino);
+            if (copies_->remove(source)) continue;
+        } else {
+            work_.fail("cannot write", request_.destination, error);
+        }
         outcome(item).state = State::Failed;
         outcome(item).reason = "copied, but the original is still there: " + work_.take_problem();
     }

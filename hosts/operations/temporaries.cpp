@@ -2,12 +2,15 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <string.h>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <sys/statvfs.h>
+#include <sys/wait.h>
 #include <time.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "operations/folder.h"
@@ -22,6 +25,9 @@ namespace {
 constexpr const char* journal_start = "delvio-";
 constexpr size_t random_digits = 16;
 constexpr int days_to_wait = 90;
+constexpr size_t most_cleaners = 8;
+constexpr unsigned longest_cleaning = 600;  // seconds
+constexpr const char* new_start = "new-";
 
 std::string journals_in(const std::string& state_folder) { return state_folder + "/temporaries"; }
 
@@ -39,23 +45,15 @@ bool is_journal(const std::string& name) {
            name.find_first_not_of("0123456789abcdef", start) == std::string::npos;
 }
 
+// One whose process was killed before it had its name; nothing was made for it.
+bool is_new(const std::string& name) {
+    const size_t start = strlen(new_start);
+    return name.compare(0, start, new_start) == 0 && is_journal(name.substr(start));
+}
+
 std::string file_system_of(int folder) {
     struct statvfs what;
     return fstatvfs(folder, &what) == 0 ? std::to_string(what.f_fsid) : "";
-}
-
-// Held while a journal is made, so that nobody takes it for one without an owner.
-Descriptor lock_all(const std::string& journals, int how) {
-    Descriptor lock(open((journals + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
-    if (lock && flock(lock.get(), how) != 0) lock.close();
-    return lock;
-}
-
-bool write_journal(int file, const std::string& folder) {
-    const Descriptor open_folder(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!open_folder) return false;
-    const std::string text = file_system_of(open_folder.get()) + "\n" + folder;
-    return WriteAll(file, text.data(), text.size()) && fsync(file) == 0;
 }
 
 // The home may be full, which is what a move may be to help against.
@@ -107,19 +105,40 @@ bool clean_up(int file, const std::string& prefix) {
     return remove_prefixed(folder.get(), prefix);
 }
 
-void clean_up_journals(const std::string& journals) {
-    struct stat what;
-    if (stat(journals.c_str(), &what) != 0) return;
-    const Descriptor all = lock_all(journals, LOCK_EX);
-    const Descriptor folder(open(journals.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::vector<std::string> names;
-    if (!all || !folder || !ReadNames(folder.get(), &names)) return;
-    for (const std::string& name : names) {
-        if (!is_journal(name)) continue;
-        const Descriptor file(openat(folder.get(), name.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
-        if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) continue;
-        if (clean_up(file.get(), "." + name + "-")) unlinkat(folder.get(), name.c_str(), 0);
+// Of one that nobody holds.
+void clean_up_journal(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
+    const std::string name = NameOf(path);
+    if (is_new(name) || clean_up(file.get(), "." + name + "-")) unlink(path.c_str());
+}
+
+std::vector<std::string> all_journals(const std::string& state_folder) {
+    std::vector<std::string> found;
+    for (const std::string& journals : possible_journals(state_folder)) {
+        const Descriptor folder(open(journals.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        std::vector<std::string> names;
+        if (!folder || !ReadNames(folder.get(), &names)) continue;
+        for (const std::string& name : names) {
+            if (is_journal(name) || is_new(name)) found.push_back(journals + "/" + name);
+        }
     }
+    return found;
+}
+
+// Nothing of its parent stays open in it, and none of that one's signal handlers is left: nobody
+// waits for its end without knowing.
+void let_go_of_everything() {
+    setsid();
+    for (int number = 1; number < NSIG; number++) signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (chdir("/") != 0) _exit(1);
+    close_range(0, ~0u, 0);
+    for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
+    // Where a disk can be given up at all.
+    alarm(longest_cleaning);
 }
 
 }  // namespace
@@ -131,21 +150,36 @@ std::string StateFolder() {
     return std::string(home ? home : "") + "/.local/state/delvio";
 }
 
-Temporaries::Temporaries(const std::string& state_folder, const std::string& folder) {
-    const std::string name = random_name();
+// It gets its name once it is locked and whole, so that nobody takes it for one without an owner.
+bool Temporaries::open_journal(const std::string& journals, const std::string& name,
+                               const std::string& text) {
+    if (!MakeFolders(journals)) return false;
+    const std::string unnamed = journals + "/" + new_start + name;
+    journal_ = journals + "/" + name;
+    lock_ = Descriptor(open(unnamed.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!lock_) return false;
+    if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 &&
+        WriteAll(lock_.get(), text.data(), text.size()) && fsync(lock_.get()) == 0 &&
+        rename(unnamed.c_str(), journal_.c_str()) == 0) {
+        return true;
+    }
+    const int error = errno;
+    unlink(unnamed.c_str());
+    errno = error;
+    return false;
+}
+
+Temporaries::Temporaries(const std::string& state_folder, int folder) {
+    const std::string name = random_name(), path = PathOf(folder);
     prefix_ = "." + name + "-";
+    if (path.empty() || name.empty()) {
+        problem_ = std::string("cannot tell where the destination is: ") + strerror(errno);
+        return;
+    }
     int error = EIO;
     for (const std::string& journals : possible_journals(state_folder)) {
-        const Descriptor all = MakeFolders(journals) ? lock_all(journals, LOCK_SH) : Descriptor();
-        journal_ = journals + "/" + name;
-        lock_ = Descriptor(all ? open(journal_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)
-                               : -1);
-        if (lock_ && flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 &&
-            write_journal(lock_.get(), folder)) {
-            return;
-        }
+        if (open_journal(journals, name, file_system_of(folder) + "\n" + path)) return;
         error = errno;
-        if (lock_) unlink(journal_.c_str());
     }
     problem_ = "cannot write " + journals_in(state_folder) + ": " + strerror(error);
 }
@@ -155,8 +189,25 @@ Temporaries::~Temporaries() {
 }
 
 void RemoveLeftTemporaries(const std::string& state_folder) {
-    for (const std::string& journals : possible_journals(state_folder)) {
-        clean_up_journals(journals);
+    for (const std::string& journal : all_journals(state_folder)) clean_up_journal(journal);
+}
+
+void BeginToRemoveLeftTemporaries(const std::string& state_folder) {
+    const std::vector<std::string> journals = all_journals(state_folder);
+    for (size_t first = 0; first < std::min(journals.size(), most_cleaners); first++) {
+        const pid_t parent = fork();
+        if (parent < 0) return;
+        if (parent > 0) {
+            waitpid(parent, nullptr, 0);
+            continue;
+        }
+        // Its child has no parent that would have to wait for it.
+        if (fork() != 0) _exit(0);
+        let_go_of_everything();
+        for (size_t at = first; at < journals.size(); at += most_cleaners) {
+            clean_up_journal(journals[at]);
+        }
+        _exit(0);
     }
 }
 

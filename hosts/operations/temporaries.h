@@ -12,8 +12,8 @@ namespace operations {
 // The right to make things in a folder whose names begin with prefix().
 class Temporaries {
   public:
-    // Journals the folder, an absolute path. Then problem() is empty, or why it cannot be done.
-    Temporaries(const std::string& state_folder, const std::string& folder);
+    // Journals the open folder. Then problem() is empty, or why it cannot be done.
+    Temporaries(const std::string& state_folder, int folder);
     // Takes the entry back. Everything must have been removed by then.
     ~Temporaries();
     Temporaries(const Temporaries&) = delete;
@@ -25,13 +25,20 @@ class Temporaries {
     void leave() { leaves_ = true; }
 
   private:
+    bool open_journal(const std::string& journals, const std::string& name,
+                      const std::string& text);
+
     std::string prefix_, journal_, problem_;
     Descriptor lock_;
     bool leaves_ = false;
 };
 
 // Removes what ended processes left behind, as far as it can be reached. Never what belongs to a
-// process that still lives, or has a name that is in no journal.
+// process that still lives, or has a name that is in no journal. Waits for disks, but for no lock.
 void RemoveLeftTemporaries(const std::string& state_folder);
+
+// The same in processes of their own, which nobody waits for; returns at once. A disk that does not
+// answer holds up one of them, and no later one asks it while that one waits.
+void BeginToRemoveLeftTemporaries(const std::string& state_folder);
 
 }  // namespace operations

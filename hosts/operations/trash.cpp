@@ -4,11 +4,11 @@
 #include <fcntl.h>
 #include <limits.h>
 #include <string.h>
+#include <sys/random.h>
 #include <time.h>
 
-#include <vector>
-
 #include "operations/folder.h"
+#include "operations/trash_folders.h"
 #include "operations/work.h"
 
 namespace operations {
@@ -16,63 +16,7 @@ namespace operations {
 namespace {
 
 constexpr const char* info_suffix = ".trashinfo";
-constexpr int most_names = 100000;
-
-struct TrashFolder {
-    std::string path;
-    std::string top;  // what paths are written relative to; empty for absolute ones
-};
-
-std::string home_trash() {
-    const char* data = getenv("XDG_DATA_HOME");
-    if (data && data[0] == '/') return std::string(data) + "/Trash";
-    const char* home = getenv("HOME");
-    return std::string(home ? home : "") + "/.local/share/Trash";
-}
-
-// The device of the path or of the nearest folder above it that is there.
-dev_t device_of(std::string path) {
-    struct stat what;
-    while (stat(path.c_str(), &what) != 0 && path != "/") path = ParentOf(path);
-    return what.st_dev;
-}
-
-std::string top_of_volume(std::string folder, dev_t device) {
-    while (folder != "/" && device_of(ParentOf(folder)) == device) folder = ParentOf(folder);
-    return folder;
-}
-
-bool is_own_folder(const std::string& path) {
-    struct stat what;
-    return lstat(path.c_str(), &what) == 0 && S_ISDIR(what.st_mode) && what.st_uid == geteuid();
-}
-
-bool is_shared_trash(const std::string& path) {
-    struct stat what;
-    return lstat(path.c_str(), &what) == 0 && S_ISDIR(what.st_mode) && (what.st_mode & S_ISVTX);
-}
-
-// In the order in which they are tried. `path` has no links above its last component.
-std::vector<TrashFolder> trash_folders(const std::string& path) {
-    std::vector<TrashFolder> folders;
-    const std::string parent = ParentOf(path);
-    const dev_t device = device_of(parent);
-    if (device_of(home_trash()) == device) folders.push_back({home_trash(), ""});
-    const std::string top = top_of_volume(parent, device);
-    const std::string start = top == "/" ? "" : top, user = std::to_string(getuid());
-    if (is_shared_trash(start + "/.Trash")) {
-        folders.push_back({start + "/.Trash/" + user, start});
-    }
-    folders.push_back({start + "/.Trash-" + user, start});
-    return folders;
-}
-
-bool make_trash(const std::string& trash) {
-    for (const char* part : {"", "/info", "/files"}) {
-        if (!MakeFolders(trash + part) || !is_own_folder(trash + part)) return false;
-    }
-    return true;
-}
+constexpr int counted_names = 64, most_names = 1000;
 
 // As an address has it; a slash stays.
 std::string escaped(const std::string& path) {
@@ -98,72 +42,150 @@ std::string info_text(const std::string& path, const std::string& top) {
     return "[Trash Info]\nPath=" + escaped(where) + "\nDeletionDate=" + date + "\n";
 }
 
+// Counts first; where many have the name already, a number that nobody has is found at once.
+std::string number_of(int attempt) {
+    if (attempt < 2) return "";
+    uint32_t number = 0;
+    if (attempt > counted_names && getrandom(&number, sizeof number, 0) == sizeof number) {
+        return "." + std::to_string(number);
+    }
+    return "." + std::to_string(attempt);
+}
+
 std::string trash_name(const std::string& name, int attempt) {
-    const std::string number = attempt < 2 ? "" : "." + std::to_string(attempt);
+    const std::string number = number_of(attempt);
     const size_t most = NAME_MAX - strlen(info_suffix) - number.size();
     return name.substr(0, most) + number;
 }
 
-// Takes a free name in the trash by writing its info. False with errno.
-bool take_name(const TrashFolder& trash, const std::string& path, Trashed* trashed) {
-    for (int attempt = 1; attempt < most_names; attempt++) {
-        const std::string name = trash_name(NameOf(path), attempt);
-        *trashed = {trash.path + "/files/" + name, trash.path + "/info/" + name + info_suffix};
-        struct stat what;
-        if (Look(AT_FDCWD, trashed->file.c_str(), &what)) continue;
-        Descriptor info(open(trashed->info.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        if (!info && errno == EEXIST) continue;
-        if (!info) return false;
-        const std::string text = info_text(path, trash.top);
-        if (WriteAll(info.get(), text.data(), text.size()) && info.close()) return true;
-        unlink(trashed->info.c_str());
+// One thing on its way into one trash.
+class Way {
+  public:
+    Way(const Thing& thing, const TrashFolder& trash, const std::string& path)
+        : thing_(thing), trash_(trash), path_(path), open_(OpenTrashFolder(trash)) {}
+
+    const std::string& problem() const { return open_.problem; }
+    // 0 or an error number: EXDEV when the trash is not on the thing's volume, ECANCELED when it is
+    // not wanted, ESTALE when the thing is another one now.
+    int put(const std::function<bool(const Trashed&)>& before, Trashed* trashed);
+
+  private:
+    bool take_name(int attempt);
+    bool is_the_thing(int folder, const std::string& name);
+    int go();
+
+    const Thing& thing_;
+    const TrashFolder& trash_;
+    const std::string& path_;  // of the thing
+    OpenTrash open_;
+    std::string name_, info_name_;
+};
+
+// By writing its info. False with errno: EEXIST where it is taken.
+bool Way::take_name(int attempt) {
+    name_ = trash_name(thing_.name, attempt);
+    info_name_ = name_ + info_suffix;
+    struct stat what;
+    if (Look(open_.files.get(), name_.c_str(), &what)) {
+        errno = EEXIST;
         return false;
     }
-    errno = EEXIST;
+    if (!IsMissing(errno)) return false;
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    Descriptor info(openat(open_.info.get(), info_name_.c_str(), flags, 0600));
+    if (!info) return false;
+    const std::string text = info_text(path_, trash_.top);
+    if (WriteAll(info.get(), text.data(), text.size()) && info.close()) return true;
+    const int error = errno;
+    unlinkat(open_.info.get(), info_name_.c_str(), 0);
+    errno = error;
     return false;
 }
 
-// 0 or an error number.
-int put(const TrashFolder& trash, const std::string& path,
-        const std::function<bool(const Trashed&)>& before, Trashed* trashed) {
-    // Something without an info may take the name meanwhile.
-    for (int attempt = 0; attempt < most_names; attempt++) {
-        if (!take_name(trash, path, trashed)) return errno;
-        if (!before(*trashed)) {
-            unlink(trashed->info.c_str());
-            return ECANCELED;
+bool Way::is_the_thing(int folder, const std::string& name) {
+    struct stat what;
+    return Look(folder, name.c_str(), &what) && what.st_ino == thing_.what.st_ino &&
+           (what.st_mode & S_IFMT) == (thing_.what.st_mode & S_IFMT);
+}
+
+// With a name taken. 0 or an error number.
+int Way::go() {
+    if (!is_the_thing(thing_.folder, thing_.name)) return ESTALE;
+    if (!MoveFree(thing_.folder, thing_.name, open_.files.get(), name_)) return errno;
+    if (is_the_thing(open_.files.get(), name_)) return 0;
+    // It was exchanged in between.
+    MoveFree(open_.files.get(), name_, thing_.folder, thing_.name);
+    return ESTALE;
+}
+
+int Way::put(const std::function<bool(const Trashed&)>& before, Trashed* trashed) {
+    for (int attempt = 1; attempt < most_names; attempt++) {
+        int error = take_name(attempt) ? 0 : errno;
+        if (error == 0) {
+            *trashed = {trash_.path + "/files/" + name_, trash_.path + "/info/" + info_name_};
+            error = before(*trashed) ? go() : ECANCELED;
+            if (error == 0) return 0;
+            unlinkat(open_.info.get(), info_name_.c_str(), 0);
         }
-        if (MoveFree(AT_FDCWD, path, AT_FDCWD, trashed->file)) return 0;
-        const int error = errno;
-        unlink(trashed->info.c_str());
+        // Something without an info may take the name meanwhile.
         if (error != EEXIST) return error;
     }
     return EEXIST;
 }
 
+std::string in_words(int error) {
+    if (error == ESTALE) return "it was changed meanwhile";
+    if (error == EEXIST) return "no name for it is free there";
+    return error == ECANCELED ? "stopped" : strerror(error);
+}
+
+// At the top of a volume one's own trash stands in for a shared one; nothing stands in for the
+// home's.
+bool is_final(const TrashFolder& trash, const std::string& problem) {
+    return !problem.empty() && trash.is_home;
+}
+
+std::string path_in(const std::string& folder, const std::string& name) {
+    return (folder == "/" ? "" : folder) + "/" + name;
+}
+
 }  // namespace
 
-bool PutInTrash(const std::string& path, const std::function<bool(const Trashed&)>& before,
+bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
                 Trashed* trashed, std::string* problem) {
-    char* folder = realpath(ParentOf(path).c_str(), nullptr);
-    int error = errno;
-    if (folder) {
-        const std::string parent = strcmp(folder, "/") == 0 ? "" : folder;
-        free(folder);
-        const std::string plain = parent + "/" + NameOf(path);
-        error = ENOENT;
-        for (const TrashFolder& trash : trash_folders(plain)) {
-            error = make_trash(trash.path) ? put(trash, plain, before, trashed) : errno;
-            if (error == 0) return true;
-            if (error == ECANCELED) break;
-        }
+    const std::string start = "cannot move " + QuotedName(thing.name) + " to the trash: ";
+    const std::string folder = PathOf(thing.folder), path = path_in(folder, thing.name);
+    if (folder.empty()) {
+        *problem = start + strerror(errno);
+        return false;
     }
-    *problem = "cannot move " + QuotedName(path) + " to the trash: " + strerror(error);
+    for (const TrashFolder& trash : TrashFoldersOf(thing.folder, folder)) {
+        Way way(thing, trash, path);
+        *problem = start + way.problem();
+        if (is_final(trash, way.problem())) return false;
+        if (!way.problem().empty()) continue;
+        const int error = way.put(before, trashed);
+        if (error == 0) return true;
+        *problem = start + in_words(error);
+        // Whatever else went wrong may have happened half.
+        if (error != EXDEV) return false;
+    }
     return false;
 }
 
-bool TakeFromTrash(const Trashed& trashed, const std::string& path) {
-    if (!MoveFree(AT_FDCWD, trashed.file, AT_FDCWD, path)) return false;
+std::string WhyNoTrash(int folder) {
+    const std::string path = PathOf(folder);
+    if (path.empty()) return strerror(errno);
+    std::string problem;
+    for (const TrashFolder& trash : TrashFoldersOf(folder, path)) {
+        problem = OpenTrashFolder(trash).problem;
+        if (problem.empty() || is_final(trash, problem)) break;
+    }
+    return problem;
+}
+
+bool TakeFromTrash(const Trashed& trashed, int folder, const std::string& name) {
+    if (!MoveFree(AT_FDCWD, trashed.file, folder, name)) return false;
     unlink(trashed.info.c_str());
     return true;
 }

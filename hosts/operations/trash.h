@@ -3,6 +3,8 @@
 // Nothing is ever copied or deleted: what has no trash stays where it is. Any thread.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <functional>
 #include <string>
 
@@ -14,12 +16,23 @@ struct Trashed {
     std::string info;  // what tells where it came from
 };
 
-// Moves what stands at the absolute path to the trash. `before` is sent once it is known where it
-// goes and before it goes; false keeps it. False with the reason, in one line, in *problem.
-bool PutInTrash(const std::string& path, const std::function<bool(const Trashed&)>& before,
+// Something in an open folder, and what it was when it was looked at.
+struct Thing {
+    int folder;
+    std::string name;
+    struct stat what;
+};
+
+// Moves the thing to the trash, and never another that got its name since. `before` is sent once
+// it is known where it goes and before it goes, again if that name is taken meanwhile; false keeps
+// it. False with the reason, in one line, in *problem.
+bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
                 Trashed* trashed, std::string* problem);
 
-// Moves it back to the path, which must be free. False with errno.
-bool TakeFromTrash(const Trashed& trashed, const std::string& path);
+// Why what is in the folder cannot go to the trash; empty if it can. Makes the trash.
+std::string WhyNoTrash(int folder);
+
+// Moves it back into the folder under the name, which must be free. False with errno.
+bool TakeFromTrash(const Trashed& trashed, int folder, const std::string& name);
 
 }  // namespace operations

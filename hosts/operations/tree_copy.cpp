@@ -41,7 +41,10 @@ TreeCopy::TreeCopy(Work& work, int destination, const std::string& prefix, bool 
       destination_(destination),
       prefix_(prefix),
       for_move_(for_move),
-      inherits_(PassesAccessListOn(destination)) {}
+      inherits_(PassesAccessListOn(destination)) {
+    struct stat what;
+    if (fstat(destination, &what) == 0) destination_identity_ = {what.st_dev, what.st_ino};
+}
 
 TreeCopy::~TreeCopy() {
     for (const auto& link : link_names_) unlinkat(destination_, link.second.c_str(), 0);
@@ -57,7 +60,7 @@ bool TreeCopy::copy(const Place& source, const Place& target) {
 
 bool TreeCopy::copy_by_kind(const Place& source, const Place& target, const struct stat& what) {
     if (what.st_nlink > 1 && !S_ISDIR(what.st_mode) && link_again(target, what)) return true;
-    if (S_ISDIR(what.st_mode)) return copy_folder(source, target, what);
+    if (S_ISDIR(what.st_mode)) return copy_folder(source, target);
     const bool copied = S_ISREG(what.st_mode)   ? copy_file(source, target)
                         : S_ISLNK(what.st_mode) ? copy_link(source, target, what)
                                                 : copy_node(source, target, what);
@@ -123,20 +126,23 @@ bool TreeCopy::copy_bytes(int from, int to, const struct stat& what, const std::
     return !*changed && work_.fail("cannot copy", path, error);
 }
 
-bool TreeCopy::copy_folder(const Place& source, const Place& target, const struct stat& what) {
+bool TreeCopy::copy_folder(const Place& source, const Place& target) {
     const Descriptor from = OpenFolder(source.folder, source.name.c_str());
     struct stat before, after;
     if (!from || fstat(from.get(), &before) != 0) {
         return work_.fail("cannot read", source.path, errno);
     }
-    if (for_move_ && !may_remove_from(from.get(), what, source)) return false;
+    if (!may_enter(from.get(), before, source)) return false;
     if (mkdirat(target.folder, target.name.c_str(), 0700) != 0) {
         return work_.fail("cannot make", source.path, errno);
     }
     const Descriptor to = OpenFolder(target.folder, target.name.c_str());
     if (!to) return work_.fail("cannot write", source.path, errno);
     forget_inherited(to.get(), target);
-    if (!copy_content(from.get(), to.get(), source, target)) return false;
+    depth_++;
+    const bool copied = copy_content(from.get(), to.get(), source, target);
+    depth_--;
+    if (!copied) return false;
     if (!KeepAttributes(from.get(), to.get(), before, source.path, work_)) return false;
     if (for_move_ && (fstat(from.get(), &after) != 0 || !is_same(before, after))) {
         return work_.fail(QuotedName(source.path) + " was changed while it was read");
@@ -159,9 +165,22 @@ bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& 
     return true;
 }
 
-bool TreeCopy::may_remove_from(int folder, const struct stat& what, const Place& source) {
-    struct stat above;
-    if (fstat(source.folder, &above) != 0 || above.st_dev != what.st_dev) {
+// Where a disk is mounted twice, the destination may be in the source without being below it.
+bool TreeCopy::may_enter(int folder, const struct stat& what, const Place& source) {
+    if (Identity(what.st_dev, what.st_ino) == destination_identity_) {
+        return work_.fail(QuotedName(source.path) +
+                          ", where the copy is to be, is in what is copied: it cannot be copied "
+                          "into itself");
+    }
+    if (depth_ >= deepest_folder) {
+        return work_.fail("more than " + std::to_string(deepest_folder) +
+                          " folders stand in one another at " + QuotedName(source.path));
+    }
+    return !for_move_ || may_remove_from(folder, source);
+}
+
+bool TreeCopy::may_remove_from(int folder, const Place& source) {
+    if (MountOf(folder) != MountOf(source.folder)) {
         return work_.fail("another volume is mounted at " + QuotedName(source.path) +
                           ", which cannot be moved");
     }
@@ -203,6 +222,9 @@ void TreeCopy::wrote(int file) {
     written_ = file < 0 ? synced_one_by_one + 1 : written_ + 1;
     if (written_ > synced_one_by_one) return unsynced_.clear();
     unsynced_.emplace_back(fcntl(file, F_DUPFD_CLOEXEC, 0));
+    if (unsynced_.back()) return;
+    written_ = synced_one_by_one + 1;
+    unsynced_.clear();
 }
 
 bool TreeCopy::sync(const std::string& path) {

@@ -60,13 +60,14 @@ class TreeCopy {
     bool copy_once(const Place& source, const Place& target, bool* changed);
     bool copy_bytes(int from, int to, const struct stat& what, const std::string& path,
                     bool* changed);
-    bool copy_folder(const Place& source, const Place& target, const struct stat& what);
+    bool copy_folder(const Place& source, const Place& target);
     bool copy_content(int from, int to, const Place& source, const Place& target);
     bool copy_link(const Place& source, const Place& target, const struct stat& what);
     bool copy_node(const Place& source, const Place& target, const struct stat& what);
     bool link_again(const Place& target, const struct stat& what);
     void keep_link(const Place& target, const struct stat& what);
-    bool may_remove_from(int folder, const struct stat& what, const Place& source);
+    bool may_enter(int folder, const struct stat& what, const Place& source);
+    bool may_remove_from(int folder, const Place& source);
     void forget_inherited(int made, const Place& target);
     void remember(const struct stat& what);
     bool is_as_remembered(const struct stat& what, bool removing) const;
@@ -81,6 +82,8 @@ class TreeCopy {
     const bool for_move_;
     const bool inherits_;  // the destination passes an access list on
     bool linked_ = false;
+    int depth_ = 0;
+    Identity destination_identity_ = {};
     size_t written_ = 0;
     std::vector<Descriptor> unsynced_;
     std::map<Identity, std::string> link_names_;

@@ -22,7 +22,7 @@ class TreeCount {
     uint64_t bytes() const { return bytes_; }
 
   private:
-    void count(int folder, const char* name);
+    void count(int folder, const char* name, int depth);
     void run();
 
     const std::vector<std::string> sources_;

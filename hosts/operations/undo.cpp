@@ -1,137 +1,165 @@
-// Undoing the last operation: every step is looked at before the first is undone.
+// Undoing the last operation: every step is looked at before the first is undone, and what was
+// undone is written down, so that an undo that was interrupted can be repeated.
 #include <errno.h>
 #include <fcntl.h>
-#include <limits.h>
 #include <string.h>
 
 #include "operations/engine.h"
 #include "operations/folder.h"
 #include "operations/operation.h"
+#include "operations/undo_checks.h"
 
 namespace operations {
 
 namespace {
 
-bool is_later(const timespec& one, const timespec& other) {
-    return one.tv_sec != other.tv_sec ? one.tv_sec > other.tv_sec : one.tv_nsec > other.tv_nsec;
-}
-
-bool is_there(const std::string& path, struct stat* what) {
-    return Look(AT_FDCWD, path.c_str(), what);
-}
-
-bool changed_since(int folder, const char* name, const timespec& time) {
-    struct stat what;
-    if (!Look(folder, name, &what) || is_later(what.st_ctim, time)) return true;
-    if (!S_ISDIR(what.st_mode)) return false;
-    const Descriptor inside = OpenFolder(folder, name);
-    std::vector<std::string> names;
-    if (!inside || !ReadNames(inside.get(), &names)) return true;
-    for (const std::string& entry : names) {
-        if (changed_since(inside.get(), entry.c_str(), time)) return true;
+// The folder that something stands in, kept open for its neighbours.
+class Folders {
+  public:
+    int of(const std::string& path) {
+        const std::string folder = ParentOf(path);
+        if (!open_ || folder != path_) {
+            open_ = Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+            path_ = folder;
+        }
+        return open_.get();
     }
-    return false;
-}
 
-std::string text_of_link(const std::string& path) {
-    char text[PATH_MAX];
-    const ssize_t size = readlink(path.c_str(), text, sizeof text);
-    return size < 0 ? "" : std::string(text, static_cast<size_t>(size));
-}
+  private:
+    std::string path_;
+    Descriptor open_;
+};
 
 class Undoing {
   public:
-    Undoing(const std::vector<Step>& steps, Observer& observer, const std::string& state_folder)
-        : steps_(steps), observer_(observer), state_folder_(state_folder) {}
-
-    // Empty when it was undone before, or did not happen; then *problem is empty too.
-    bool is_needed(const Step& step) const;
-    // Why the step cannot be undone, or an empty line.
-    std::string check(const Step& step) const;
-    std::string undo(const Step& step);
+    Undoing(LastOperation& last, Observer& observer, const std::string& state_folder)
+        : last_(last), observer_(observer), state_folder_(state_folder) {}
+    // Why not, or an empty line.
+    std::string undo(size_t index, Need need);
 
   private:
-    std::string check_moved(const Step& step) const;
-    std::string check_free(const std::string& path) const;
-    std::string move_back(const Step& step);
+    std::string move_back(size_t index);
+    std::string put_in_trash(const std::string& path, unsigned long long inode);
+    std::string restore(const Step& step);
+    std::string remove(const std::string& path);
 
-    const std::vector<Step>& steps_;
+    LastOperation& last_;
     Observer& observer_;
     const std::string state_folder_;
+    Folders sources_, targets_;
 };
 
-bool Undoing::is_needed(const Step& step) const {
-    struct stat source, target;
-    const bool has_source = is_there(step.source, &source);
-    if (step.kind == Step::Trashed) return is_there(step.trashed.file, &target) || !has_source;
-    const bool has_target = is_there(step.target, &target);
-    if (step.kind != Step::Moved) return has_target;
-    return has_target ? !has_source || target.st_ino == step.inode : !has_source;
-}
-
-std::string Undoing::check(const Step& step) const {
-    struct stat what;
-    if (step.kind == Step::Moved) return check_moved(step);
-    if (step.kind == Step::Aliased) {
-        const bool same = text_of_link(step.target) == step.source;
-        return same ? "" : QuotedName(step.target) + " is another file now";
-    }
-    if (step.kind == Step::Copied) {
-        const bool same = is_there(step.target, &what) && what.st_ino == step.inode &&
-                          !changed_since(AT_FDCWD, step.target.c_str(), step.unchanged_since);
-        return same ? "" : "the copy " + QuotedName(step.target) + " was changed since";
-    }
-    if (!is_there(step.trashed.file, &what) || what.st_ino != step.inode) {
-        return QuotedName(step.source) + " is no longer in the trash";
-    }
-    return check_free(step.source);
-}
-
-std::string Undoing::check_moved(const Step& step) const {
-    struct stat what;
-    if (!is_there(step.target, &what)) return QuotedName(step.target) + " is no longer there";
-    if (what.st_ino != step.inode) return QuotedName(step.target) + " is another file now";
-    return check_free(step.source);
-}
-
-// Free now, or once another step is undone.
-std::string Undoing::check_free(const std::string& path) const {
-    struct stat what;
-    bool is_taken = is_there(path, &what), has_folder = is_there(ParentOf(path), &what);
-    for (const Step& step : steps_) {
-        if (step.kind != Step::Trashed && step.target == path) is_taken = false;
-        if (path.compare(0, step.source.size() + 1, step.source + "/") == 0) has_folder = true;
-    }
-    if (is_taken) return "there is another " + QuotedName(path) + " now where it was";
-    return has_folder ? "" : "the folder " + QuotedName(ParentOf(path)) + " is no longer there";
-}
-
-std::string Undoing::undo(const Step& step) {
+std::string Undoing::undo(size_t index, Need need) {
+    const Step& step = last_.steps()[index];
     std::string problem;
-    if (step.kind == Step::Moved) return move_back(step);
-    if (step.kind == Step::Copied) {
-        Trashed trashed;
-        PutInTrash(
-            step.target, [](const Trashed&) { return true; }, &trashed, &problem);
-        return problem;
+    if (need == Need::ReplaceRest) problem = put_in_trash(step.source, step.original);
+    if (!problem.empty()) return problem;
+    switch (need) {
+        case Need::Nothing:
+            break;
+        case Need::MoveBack:
+        case Need::ReplaceRest:
+            problem = move_back(index);
+            break;
+        case Need::TrashTarget:
+            problem = put_in_trash(step.target, step.inode);
+            break;
+        case Need::RemoveTarget:
+            problem = remove(step.target);
+            break;
+        case Need::RestoreTrash:
+            problem = restore(step);
+            break;
+        case Need::ForgetTrash:
+            unlink(step.trashed.info.c_str());
+            break;
     }
-    const bool undone = step.kind == Step::Aliased ? unlink(step.target.c_str()) == 0
-                                                   : TakeFromTrash(step.trashed, step.source);
-    return undone ? "" : "cannot bring back " + QuotedName(step.source) + ": " + strerror(errno);
+    if (!problem.empty() || last_.undone(index)) return problem;
+    return std::string("cannot write down what was undone: ") + strerror(errno);
 }
 
-std::string Undoing::move_back(const Step& step) {
-    Request request = {Kind::Move, {step.target}, ParentOf(step.source), false};
+std::string Undoing::move_back(size_t index) {
+    const Step& step = last_.steps()[index];
+    const int source = sources_.of(step.source), target = targets_.of(step.target);
+    struct stat what;
+    if (!Look(target, NameOf(step.target).c_str(), &what) || what.st_ino != step.inode) {
+        return QuotedName(step.target) + " is another file now";
+    }
+    if (MoveFree(target, NameOf(step.target), source, NameOf(step.source))) return "";
+    if (errno == EEXIST) {
+        return "there is another " + QuotedName(step.source) + " now where it was";
+    }
+    if (errno != EXDEV) return "cannot move " + QuotedName(step.target) + ": " + strerror(errno);
+    const Request request = {Kind::Move, {step.target}, ParentOf(step.source), false};
     Operation operation(request, observer_, state_folder_, false);
-    operation.set_exact_name(NameOf(step.source));
+    operation.set_exact_name(NameOf(step.source),
+                             [&](ino_t inode) { return last_.restoring(index, inode); });
     const Outcome outcome = operation.run().outcomes.front();
     return outcome.state == State::Done ? "" : outcome.reason;
+}
+
+std::string Undoing::put_in_trash(const std::string& path, unsigned long long inode) {
+    Thing thing = {targets_.of(path), NameOf(path), {}};
+    if (!Look(thing.folder, thing.name.c_str(), &thing.what) || thing.what.st_ino != inode) {
+        return QuotedName(path) + " is another file now";
+    }
+    std::string problem;
+    Trashed trashed;
+    const auto before = [this](const Trashed&) { return !observer_.is_cancelled(); };
+    return PutInTrash(thing, before, &trashed, &problem) ? "" : problem;
+}
+
+std::string Undoing::restore(const Step& step) {
+    struct stat what;
+    const int folder = sources_.of(step.source);
+    if (!Look(AT_FDCWD, step.trashed.file.c_str(), &what) || what.st_ino != step.inode) {
+        return QuotedName(step.source) + " is no longer in the trash";
+    }
+    if (TakeFromTrash(step.trashed, folder, NameOf(step.source))) return "";
+    return "cannot take " + QuotedName(step.source) + " out of the trash: " + strerror(errno);
+}
+
+std::string Undoing::remove(const std::string& path) {
+    if (unlinkat(targets_.of(path), NameOf(path).c_str(), 0) == 0) return "";
+    return "cannot remove " + QuotedName(path) + ": " + strerror(errno);
+}
+
+std::string words_for(const Step& step, Need need) {
+    const std::string back =
+        QuotedName(step.source) + " is back in " + QuotedPath(ParentOf(step.source));
+    switch (need) {
+        case Need::Nothing:
+        case Need::ForgetTrash:
+            break;
+        case Need::MoveBack:
+        case Need::ReplaceRest:
+            return back;
+        case Need::RestoreTrash:
+            return back + ", out of the trash";
+        case Need::TrashTarget:
+            return "the copy " + QuotedPath(step.target) + " is in the trash";
+        case Need::RemoveTarget:
+            return (step.kind == Step::Aliased ? "the alias " : "") + QuotedPath(step.target) +
+                   " is removed";
+    }
+    return "";
 }
 
 Outcome outcome_of(const Step& step, State state, const std::string& reason) {
     const bool restored = step.kind == Step::Moved || step.kind == Step::Trashed;
     return {step.kind == Step::Trashed ? step.trashed.file : step.target, state,
             restored && state == State::Done ? step.source : "", reason};
+}
+
+// Every problem, if there is any.
+Report problems_of(const std::vector<Step>& steps, const std::vector<Plan>& plans) {
+    Report report;
+    for (size_t index = 0; index < plans.size(); index++) {
+        const std::string& problem = plans[index].problem;
+        if (problem.empty()) continue;
+        report.outcomes.push_back(outcome_of(steps[index], State::Failed, problem));
+    }
+    return report;
 }
 
 }  // namespace
@@ -143,16 +171,19 @@ Report UndoLast(Observer& observer, const std::string& state_folder) {
         report.outcomes.push_back({"", State::Failed, "", last.problem()});
         return report;
     }
-    Undoing undoing(last.steps(), observer, state_folder);
-    for (const Step& step : last.steps()) {
-        const std::string problem = undoing.is_needed(step) ? undoing.check(step) : "";
-        if (!problem.empty()) report.outcomes.push_back(outcome_of(step, State::Failed, problem));
-    }
+    const std::vector<Plan> plans = UndoChecks(last.steps()).plans();
+    report = problems_of(last.steps(), plans);
     if (!report.outcomes.empty()) return report;
-    for (auto step = last.steps().rbegin(); step != last.steps().rend(); ++step) {
-        const std::string problem = undoing.is_needed(*step) ? undoing.undo(*step) : "";
+    Undoing undoing(last, observer, state_folder);
+    for (size_t index = plans.size(); index-- > 0;) {
+        const Step& step = last.steps()[index];
+        if (step.is_undone) continue;
+        report.stopped = observer.is_cancelled();
+        const std::string problem = report.stopped ? "stopped; what is left can still be undone"
+                                                   : undoing.undo(index, plans[index].need);
         const State state = problem.empty() ? State::Done : State::Failed;
-        report.outcomes.push_back(outcome_of(*step, state, problem));
+        const std::string words = words_for(step, plans[index].need);
+        report.outcomes.push_back(outcome_of(step, state, problem.empty() ? words : problem));
         if (!problem.empty()) return report;
     }
     last.forget();

@@ -11,37 +11,7 @@ namespace operations {
 
 namespace {
 
-// A record is a verb and its fields, each ended by a zero byte. Names hold every other byte.
-constexpr const char* verb_begun = "delvio-undo-1";
-constexpr const char* verb_moving = "moving";
-constexpr const char* verb_trashing = "trashing";
-constexpr const char* verb_not_done = "not-done";
-constexpr const char* verb_copied = "copied";
-constexpr const char* verb_emptying = "emptying";
-constexpr const char* verb_aliased = "aliased";
-constexpr const char* verb_ended = "ended";
-
-const struct {
-    const char* verb;
-    size_t fields;
-} verbs[] = {
-    {verb_begun, 0},  {verb_moving, 3},   {verb_trashing, 4}, {verb_not_done, 0},
-    {verb_copied, 5}, {verb_emptying, 2}, {verb_aliased, 2},  {verb_ended, 1},
-};
-
 std::string path_in(const std::string& state_folder) { return state_folder + "/last-operation"; }
-
-std::string text_of(const timespec& time) {
-    return std::to_string(time.tv_sec) + " " + std::to_string(time.tv_nsec);
-}
-
-timespec time_of(const std::string& text) {
-    char* rest = nullptr;
-    timespec time;
-    time.tv_sec = strtoll(text.c_str(), &rest, 10);
-    time.tv_nsec = strtol(rest, nullptr, 10);
-    return time;
-}
 
 bool is_at(const std::string& path, int file) {
     struct stat there, here;
@@ -61,21 +31,6 @@ Descriptor take_journal(const std::string& path) {
     return Descriptor();
 }
 
-std::vector<std::string> split(const std::string& text) {
-    std::vector<std::string> words;
-    for (size_t at = 0, end; (end = text.find('\0', at)) != std::string::npos; at = end + 1) {
-        words.push_back(text.substr(at, end - at));
-    }
-    return words;
-}
-
-size_t fields_of(const std::string& verb) {
-    for (const auto& known : verbs) {
-        if (verb == known.verb) return known.fields;
-    }
-    return std::string::npos;
-}
-
 std::string read_all(int file) {
     std::string text;
     char buffer[64 * 1024];
@@ -84,6 +39,10 @@ std::string read_all(int file) {
         text.append(buffer, static_cast<size_t>(size));
     }
     return text;
+}
+
+CopyState state_of(const struct stat& what, bool linked) {
+    return {what.st_ino, what.st_size, what.st_mtim, what.st_ctim, linked};
 }
 
 }  // namespace
@@ -95,123 +54,77 @@ bool UndoJournal::begin() {
     if (file_) return true;
     if (!MakeFolders(state_folder_)) return false;
     file_ = take_journal(path_in(state_folder_));
+    const std::string start = BegunEntry();
     return file_ && ftruncate(file_.get(), 0) == 0 &&
-           WriteAll(file_.get(), verb_begun, strlen(verb_begun) + 1);
+           WriteAll(file_.get(), start.data(), start.size());
 }
 
 void UndoJournal::give_up() {
     gave_up_ = true;
-    // Half a journal would undo half an operation.
-    if (file_ && ftruncate(file_.get(), 0) != 0) unlink(path_in(state_folder_).c_str());
+    // Half a journal would undo half an operation, and an older one another.
+    if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(path_in(state_folder_).c_str());
 }
 
-void UndoJournal::record(const std::vector<std::string>& fields) {
+void UndoJournal::record(const std::string& entry) {
     if (gave_up_) return;
-    std::string text;
-    for (const std::string& field : fields) text.append(field).push_back('\0');
-    if (!begin() || !WriteAll(file_.get(), text.data(), text.size())) give_up();
+    if (!begin() || !WriteAll(file_.get(), entry.data(), entry.size())) give_up();
 }
 
 void UndoJournal::moving(const std::string& source, const std::string& target, ino_t inode) {
-    record({verb_moving, source, target, std::to_string(inode)});
+    record(MovingEntry(source, target, inode));
 }
 
 void UndoJournal::trashing(const std::string& path, const Trashed& trashed, ino_t inode) {
-    record({verb_trashing, path, trashed.file, trashed.info, std::to_string(inode)});
+    record(TrashingEntry(path, trashed, inode));
 }
 
-void UndoJournal::not_done() { record({verb_not_done}); }
-
-void UndoJournal::copied(const std::string& source, const std::string& target,
-                         const struct stat& what, bool linked) {
-    record({verb_copied, source, target, std::to_string(what.st_ino), text_of(what.st_ctim),
-            linked ? "linked" : ""});
+void UndoJournal::aliasing(const std::string& source, const std::string& target) {
+    record(AliasingEntry(source, target));
 }
 
-void UndoJournal::emptying(const std::string& source, const std::string& target) {
-    record({verb_emptying, source, target});
+void UndoJournal::copying(const std::string& source, const std::string& target,
+                          const struct stat& what, bool linked) {
+    record(CopyingEntry(source, target, state_of(what, linked)));
 }
 
-void UndoJournal::aliased(const std::string& source, const std::string& target) {
-    record({verb_aliased, source, target});
+void UndoJournal::copied(const struct stat& what) { record(CopiedEntry(what.st_ctim)); }
+
+void UndoJournal::not_done() { record(NotDoneEntry()); }
+
+void UndoJournal::emptying(const std::string& source, const std::string& target, ino_t original) {
+    record(EmptyingEntry(source, target, original));
 }
 
-void UndoJournal::ended(const timespec& time) {
-    if (file_) record({verb_ended, text_of(time)});
-}
+void UndoJournal::elsewhere(const std::string& line) { record(ElsewhereEntry(line)); }
 
 LastOperation::LastOperation(const std::string& state_folder) : path_(path_in(state_folder)) {
     file_ = Descriptor(open(path_.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (!file_) {
-        problem_ = errno == ENOENT ? "there is nothing to undo"
-                                   : "cannot read " + path_ + ": " + strerror(errno);
+        recorded_.problem = IsMissing(errno) ? "there is nothing to undo"
+                                             : "cannot read " + path_ + ": " + strerror(errno);
     } else if (flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
-        problem_ = "the last operation is still under way";
+        recorded_.problem = "the last operation is still under way";
     } else {
-        read_steps(read_all(file_.get()));
-        if (steps_.empty() && problem_.empty()) problem_ = "there is nothing to undo";
+        recorded_ = ReadRecord(read_all(file_.get()));
+        const bool is_empty = recorded_.steps.empty() && recorded_.problem.empty();
+        if (is_empty) recorded_.problem = "there is nothing to undo";
     }
 }
 
-void LastOperation::read_steps(const std::string& text) {
-    const std::vector<std::string> words = split(text);
-    for (size_t at = 0; at < words.size();) {
-        const size_t count = fields_of(words[at]);
-        if (count == std::string::npos) {
-            problem_ = path_ + " cannot be read";
-            return steps_.clear();
-        }
-        // The end may have been cut off with its process: that step was not begun.
-        if (at + 1 + count > words.size()) return;
-        const auto first = words.begin() + static_cast<std::ptrdiff_t>(at);
-        read_step({first, first + 1 + static_cast<std::ptrdiff_t>(count)});
-        at += 1 + count;
+// After what is whole.
+bool LastOperation::add(const std::string& entry) {
+    const auto end = static_cast<off_t>(recorded_.length);
+    if (ftruncate(file_.get(), end) != 0 || lseek(file_.get(), end, SEEK_SET) < 0 ||
+        !WriteAll(file_.get(), entry.data(), entry.size())) {
+        return false;
     }
-}
-
-bool LastOperation::read_step(const std::vector<std::string>& fields) {
-    const std::string& verb = fields[0];
-    const auto number = [&](size_t index) { return strtoull(fields[index].c_str(), nullptr, 10); };
-    Step step;
-    if (verb == verb_begun) return true;
-    if (verb == verb_not_done) return steps_.empty() || (steps_.pop_back(), true);
-    if (verb == verb_emptying) return set_moved(fields[1], fields[2]), true;
-    if (verb == verb_ended) return set_ended(time_of(fields[1])), true;
-    step.source = fields[1];
-    if (verb == verb_moving) {
-        step.kind = Step::Moved;
-        step.target = fields[2];
-        step.inode = number(3);
-    } else if (verb == verb_trashing) {
-        step.kind = Step::Trashed;
-        step.trashed = {fields[2], fields[3]};
-        step.inode = number(4);
-    } else if (verb == verb_copied) {
-        step.kind = Step::Copied;
-        step.target = fields[2];
-        step.inode = number(3);
-        step.unchanged_since = time_of(fields[4]);
-        step.linked = !fields[5].empty();
-        copies_[step.target] = steps_.size();
-    } else {
-        step.kind = Step::Aliased;
-        step.target = fields[2];
-    }
-    steps_.push_back(std::move(step));
+    recorded_.length += entry.size();
     return true;
 }
 
-void LastOperation::set_moved(const std::string& source, const std::string& target) {
-    const auto known = copies_.find(target);
-    if (known == copies_.end() || steps_[known->second].source != source) return;
-    steps_[known->second].kind = Step::Moved;
-}
+bool LastOperation::restoring(size_t step, ino_t inode) { return add(RestoringEntry(step, inode)); }
 
-void LastOperation::set_ended(const timespec& time) {
-    for (Step& step : steps_) {
-        if (step.linked) step.unchanged_since = time;
-    }
-}
+bool LastOperation::undone(size_t step) { return add(UndoneEntry(step)); }
 
 void LastOperation::forget() {
     if (is_at(path_, file_.get())) unlink(path_.c_str());

@@ -5,24 +5,12 @@
 #include <sys/stat.h>
 
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "operations/descriptor.h"
-#include "operations/trash.h"
+#include "operations/undo_record.h"
 
 namespace operations {
-
-// Moved: source → target. Copied: the same, with the time since when it must be unchanged.
-// Aliased: target is a link to source. Trashed: source is in the trash.
-struct Step {
-    enum Kind { Moved, Copied, Aliased, Trashed } kind = Moved;
-    std::string source, target;
-    unsigned long long inode = 0;
-    timespec unchanged_since = {};
-    bool linked = false;  // a file of it has another name in the set, which changed it later
-    operations::Trashed trashed;
-};
 
 // Its steps replace those of the operation before it, from the first one on. What cannot be written
 // is not undoable; the operation goes on.
@@ -33,18 +21,21 @@ class UndoJournal {
 
     void moving(const std::string& source, const std::string& target, ino_t inode);
     void trashing(const std::string& path, const Trashed& trashed, ino_t inode);
+    void aliasing(const std::string& source, const std::string& target);
+    // A copy, which `what` describes, is about to get its name.
+    void copying(const std::string& source, const std::string& target, const struct stat& what,
+                 bool linked);
+    // It has it.
+    void copied(const struct stat& what);
     // The step before did not happen.
     void not_done();
-    void copied(const std::string& source, const std::string& target, const struct stat& what,
-                bool linked);
     // What was copied is about to be removed at its source: it was a move.
-    void emptying(const std::string& source, const std::string& target);
-    void aliased(const std::string& source, const std::string& target);
-    // The last step, at the time of the destination's file system.
-    void ended(const timespec& time);
+    void emptying(const std::string& source, const std::string& target, ino_t original);
+    // Somebody else does it, and the line says why it cannot be undone here.
+    void elsewhere(const std::string& line);
 
   private:
-    void record(const std::vector<std::string>& fields);
+    void record(const std::string& entry);
     bool begin();
     void give_up();
 
@@ -59,22 +50,20 @@ class LastOperation {
     // problem() says why there is nothing to undo, or is empty.
     explicit LastOperation(const std::string& state_folder);
 
-    const std::vector<Step>& steps() const { return steps_; }
-    const std::string& problem() const { return problem_; }
+    const std::vector<Step>& steps() const { return recorded_.steps; }
+    const std::string& problem() const { return recorded_.problem; }
+    // Written down so that an undo that is interrupted can be repeated. False with errno.
+    bool restoring(size_t step, ino_t inode);
+    bool undone(size_t step);
     // It is undone.
     void forget();
 
   private:
-    void read_steps(const std::string& text);
-    bool read_step(const std::vector<std::string>& fields);
-    void set_moved(const std::string& source, const std::string& target);
-    void set_ended(const timespec& time);
+    bool add(const std::string& entry);
 
     const std::string path_;
     Descriptor file_;
-    std::string problem_;
-    std::vector<Step> steps_;
-    std::unordered_map<std::string, size_t> copies_;  // by target
+    Recorded recorded_;
 };
 
 }  // namespace operations

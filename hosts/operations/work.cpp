@@ -9,12 +9,16 @@
 namespace operations {
 
 std::string QuotedName(const std::string& path) {
-    std::string name = path.substr(path.rfind('/') + 1);
-    for (char& byte : name) {
+    return QuotedPath(path.substr(path.rfind('/') + 1));
+}
+
+std::string QuotedPath(const std::string& path) {
+    std::string text = path;
+    for (char& byte : text) {
         const auto code = static_cast<unsigned char>(byte);
         if (code < 0x20 || code == 0x7f) byte = '?';
     }
-    return "\"" + name + "\"";
+    return "\"" + text + "\"";
 }
 
 bool Work::fail(const std::string& what, const std::string& path, int error) {
@@ -45,6 +49,10 @@ bool Work::advance(const std::string& path, uint64_t items, uint64_t bytes) {
         count_ = nullptr;
     }
     observer_.progressed(progress_);
+    return is_wanted();
+}
+
+bool Work::is_wanted() {
     if (!stopped_ && !observer_.is_cancelled()) return true;
     stopped_ = true;
     return fail("stopped");

@@ -32,6 +32,8 @@ class Work {
     // Totals from a count that goes on beside the work; it must outlive the work.
     void set_count(const TreeCount* count) { count_ = count; }
     bool is_stopped() const { return stopped_; }
+    // The same question without news of progress, for what is tried again and again.
+    bool is_wanted();
     void stop() { stopped_ = true; }
 
     Observer& observer() { return observer_; }
@@ -44,7 +46,8 @@ class Work {
     bool stopped_ = false;
 };
 
-// The last component in double quotes; control characters become question marks.
+// The last component in double quotes, or the whole path; control characters become question marks.
 std::string QuotedName(const std::string& path);
+std::string QuotedPath(const std::string& path);
 
 }  // namespace operations

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "finderkit/session_bus.h"
+#include "operations/engine.h"
 #include "popup/clipboard.h"
 #include "popup/close_words.h"
 #include "popup/private_display.h"
@@ -56,13 +57,10 @@ bool ask_file_manager(const std::vector<std::string>& files) {
     return answer != nullptr;
 }
 
-std::string trash_one(const std::string& path) {
-    Failure failure;
-    g_autoptr(GFile) file = g_file_new_for_path(path.c_str());
-    if (g_file_trash(file, nullptr, &failure.error)) return {};
-    return "cannot move " + Quoted(path) + " to the trash: " + failure.text() +
-           "; it was left where it is";
-}
+// Nothing to show: it is a rename for each.
+class Unwatched : public operations::Observer {
+    void ended(const operations::Report&) override {}
+};
 
 }  // namespace
 
@@ -82,7 +80,14 @@ std::string CopyPaths(const std::vector<std::string>& files) {
 }
 
 std::string MoveToTrash(const std::vector<std::string>& files) {
-    return for_each(files, trash_one);
+    Unwatched observer;
+    const operations::Request request = {operations::Kind::Trash, files, "", false};
+    const operations::Report report = operations::Perform(request, observer);
+    for (const operations::Outcome& outcome : report.outcomes) {
+        if (outcome.state == operations::State::Done) continue;
+        return outcome.reason + "; " + Quoted(outcome.source) + " was left where it is";
+    }
+    return {};
 }
 
 void FlushSessionBus() {

@@ -23,8 +23,8 @@ int run_command(const CommandLine& line) {
 
 int run(const CommandLine& line, char* program) {
     if (line.command == CommandLine::finished) return line.status;
+    operations::BeginToRemoveLeftTemporaries(operations::StateFolder());
     if (line.command == CommandLine::undo) return RunUndoCommand();
-    operations::RemoveLeftTemporaries(operations::StateFolder());
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     PrepareToolkit(program);
     const int status = run_command(line);

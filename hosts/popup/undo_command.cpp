@@ -1,5 +1,10 @@
 #include "popup/undo_command.h"
 
+#include <stdio.h>
+
+#include <string>
+#include <vector>
+
 #include "operations/engine.h"
 #include "popup/command_line.h"
 
@@ -9,15 +14,30 @@ class Quiet : public operations::Observer {
     void ended(const operations::Report&) override {}
 };
 
+// So many lines that they can be read.
+template <typename Write>
+void tell(const std::vector<std::string>& lines, Write write) {
+    constexpr size_t most_lines = 20;
+    const size_t shown = lines.size() > most_lines ? most_lines - 1 : lines.size();
+    for (size_t index = 0; index < shown; index++) write(lines[index]);
+    if (shown < lines.size()) write("and " + std::to_string(lines.size() - shown) + " more");
+}
+
 }  // namespace
 
 int RunUndoCommand() {
     Quiet observer;
-    int status = exit_done;
-    for (const operations::Outcome& outcome : operations::UndoLast(observer).outcomes) {
-        if (outcome.state == operations::State::Done) continue;
-        Complain("cannot undo: " + outcome.reason);
-        status = exit_failed;
+    const operations::Report report = operations::UndoLast(observer);
+    std::vector<std::string> done, problems;
+    for (const operations::Outcome& outcome : report.outcomes) {
+        const bool is_done = outcome.state == operations::State::Done;
+        if (!outcome.reason.empty()) (is_done ? done : problems).push_back(outcome.reason);
     }
-    return status;
+    if (done.empty() && problems.empty()) done = {"nothing was left to undo"};
+    tell(done, [](const std::string& line) { printf("%s\n", line.c_str()); });
+    tell(problems, [](const std::string& line) { Complain("cannot undo: " + line); });
+    if (!done.empty() && !problems.empty()) {
+        Complain("what is left can be undone by \"delvio undo\" once that is settled");
+    }
+    return problems.empty() ? exit_done : exit_failed;
 }

@@ -126,6 +126,24 @@ TEST_F(DesktopCarrier, ThunarIsAskedByItsOwnMethods) {
                      "org.xfce.Trash.MoveToTrash(" + sources() + ", '" + display + "', '')"}));
 }
 
+TEST_F(DesktopCarrier, WhatAFileManagerDidIsNotUndoneNorWhatWasDoneBefore) {
+    Waiter observer;
+    const std::string before = folder_.file("from/before", "text");
+    folder_.folder("to");
+    operations::Perform({Kind::Move, {before}, folder_.path("to"), false}, observer);
+    const test::SessionBus bus;
+    test::BusService thunar(bus, thunar_name, thunar_object, thunar_interfaces);
+    carry_out(request(Kind::Move));
+    const Report report = operations::UndoLast(observer);
+    ASSERT_EQ(report.outcomes.size(), 1u);
+    EXPECT_EQ(report.outcomes[0].state, State::Failed);
+    EXPECT_EQ(
+        report.outcomes[0].reason,
+        "Thunar did the last operation (moving \"a b\" and 1 other), which can only be undone "
+        "there");
+    EXPECT_EQ(test::read_file(folder_.path("to/before")), "text");
+}
+
 TEST_F(DesktopCarrier, NautilusIsAskedByItsOwnMethods) {
     const test::SessionBus bus;
     test::BusService nautilus(bus, nautilus_name, nautilus_object, nautilus_interfaces);

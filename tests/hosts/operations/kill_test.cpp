@@ -107,7 +107,7 @@ class KillTest : public testing::Test {
         operations::RemoveLeftTemporaries(operations::StateFolder());
         for (const std::string& name : test::names_in(to_)) EXPECT_NE(name[0], '.') << name;
         EXPECT_EQ(test::names_in(operations::StateFolder() + "/temporaries"),
-                  std::vector<std::string>({"lock"}));
+                  std::vector<std::string>());
     }
 
     void kill_often(const std::string& kind, const std::string& from, const std::string& to) {

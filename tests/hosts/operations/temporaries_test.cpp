@@ -1,5 +1,6 @@
 #include "operations/temporaries.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -22,7 +23,7 @@ class TemporariesTest : public testing::Test {
         EXPECT_EQ(pipe(ends), 0);
         const pid_t child = fork();
         if (child == 0) {
-            const Temporaries temporaries(state_, to_);
+            const Temporaries temporaries(state_, destination_.get());
             const std::string path = to_ + "/" + temporaries.prefix();
             folder_.file("to/" + temporaries.prefix() + "0/inner/a", "half");
             folder_.file("to/" + temporaries.prefix() + "1", "half");
@@ -40,6 +41,7 @@ class TemporariesTest : public testing::Test {
 
     test::TempFolder folder_;
     const std::string state_ = folder_.path("state"), to_ = folder_.folder("to");
+    const operations::Descriptor destination_{open(to_.c_str(), O_RDONLY | O_DIRECTORY)};
     using Names = std::vector<std::string>;
 };
 
@@ -49,11 +51,11 @@ TEST_F(TemporariesTest, WhatAKilledProcessLeftIsRemoved) {
     ASSERT_EQ(access((path + "0/inner/a").c_str(), F_OK), 0);
     RemoveLeftTemporaries(state_);
     EXPECT_EQ(test::names_in(to_), Names({".delvio-of-somebody"}));
-    EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names({"lock"}));
+    EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names());
 }
 
 TEST_F(TemporariesTest, WhatALivingOperationHasIsKept) {
-    const Temporaries temporaries(state_, to_);
+    const Temporaries temporaries(state_, destination_.get());
     ASSERT_EQ(temporaries.problem(), "");
     folder_.file("to/" + temporaries.prefix() + "0", "half");
     RemoveLeftTemporaries(state_);

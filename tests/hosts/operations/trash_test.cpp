@@ -1,15 +1,21 @@
 #include "operations/trash.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "hosts/operations/scene.h"
+#include "operations/folder.h"
 #include "support/temp_folder.h"
 
+using operations::Descriptor;
+using operations::NameOf;
+using operations::ParentOf;
 using operations::PutInTrash;
 using operations::TakeFromTrash;
+using operations::Thing;
 using operations::Trashed;
 
 namespace {
@@ -17,13 +23,25 @@ namespace {
 class TrashTest : public testing::Test {
   protected:
     void SetUp() override { setenv("XDG_DATA_HOME", folder_.folder("data").c_str(), 1); }
-    bool put(const std::string& path) {
+    bool put(const std::string& path) { return put(thing_at(path)); }
+    bool put(const Thing& thing, bool wanted = true) {
         return PutInTrash(
-            path, [](const Trashed&) { return true; }, &trashed_, &problem_);
+            thing, [&](const Trashed&) { return wanted; }, &trashed_, &problem_);
+    }
+    Thing thing_at(const std::string& path) {
+        open_ = Descriptor(open(ParentOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        Thing thing = {open_.get(), NameOf(path), {}};
+        EXPECT_TRUE(operations::Look(thing.folder, thing.name.c_str(), &thing.what)) << path;
+        return thing;
+    }
+    bool take(const std::string& path) {
+        const Descriptor folder(open(ParentOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        return TakeFromTrash(trashed_, folder.get(), NameOf(path));
     }
 
     test::TempFolder folder_;
     test::OtherVolume volume_{folder_.path()};
+    Descriptor open_;
     Trashed trashed_;
     std::string problem_;
 };
@@ -66,13 +84,13 @@ TEST_F(TrashTest, AnotherVolumeHasATrashOfItsOwn) {
     // As the top of the volume sees it.
     EXPECT_NE(test::read_file(trashed_.info).find("Path=" + path.substr(9) + "\n"),
               std::string::npos);
-    EXPECT_TRUE(TakeFromTrash(trashed_, path));
+    EXPECT_TRUE(take(path));
 }
 
 TEST_F(TrashTest, WhatComesBackLeavesNoInfo) {
     const std::string path = folder_.file("in/a", "text");
     ASSERT_TRUE(put(path));
-    EXPECT_TRUE(TakeFromTrash(trashed_, path));
+    EXPECT_TRUE(take(path));
     EXPECT_EQ(test::read_file(path), "text");
     EXPECT_EQ(access(trashed_.info.c_str(), F_OK), -1);
 }
@@ -81,15 +99,14 @@ TEST_F(TrashTest, NothingComesBackOverSomethingElse) {
     const std::string path = folder_.file("in/a", "text");
     ASSERT_TRUE(put(path));
     folder_.file("in/a", "newer");
-    EXPECT_FALSE(TakeFromTrash(trashed_, path));
+    EXPECT_FALSE(take(path));
     EXPECT_EQ(test::read_file(path), "newer");
     EXPECT_EQ(test::read_file(trashed_.file), "text");
 }
 
 TEST_F(TrashTest, WhoeverIsAskedBeforeCanKeepIt) {
     const std::string path = folder_.file("in/a", "text");
-    EXPECT_FALSE(PutInTrash(
-        path, [](const Trashed&) { return false; }, &trashed_, &problem_));
+    EXPECT_FALSE(put(thing_at(path), false));
     EXPECT_EQ(test::read_file(path), "text");
     EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), std::vector<std::string>());
 }

@@ -1,0 +1,195 @@
+#include "operations/undo_checks.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <string.h>
+
+#include "operations/folder.h"
+#include "operations/tree_compare.h"
+#include "operations/work.h"
+
+namespace operations {
+
+namespace {
+
+// What stands at a path. Something that cannot be asked for is neither there nor missing.
+struct Seen {
+    explicit Seen(const std::string& path) : path_(path) {
+        is_there = Look(AT_FDCWD, path.c_str(), &what);
+        error_ = is_there ? 0 : errno;
+    }
+    bool is(unsigned long long inode) const { return is_there && what.st_ino == inode; }
+    bool is_missing() const { return !is_there && IsMissing(error_); }
+    bool is_unknown() const { return !is_there && !IsMissing(error_); }
+    std::string problem() const {
+        return "cannot look at " + QuotedName(path_) + ": " + strerror(error_);
+    }
+
+    bool is_there = false;
+    struct stat what = {};
+
+  private:
+    const std::string& path_;
+    int error_ = 0;
+};
+
+Plan problem(const std::string& line) { return {Need::Nothing, line}; }
+
+std::string text_of_link(const std::string& path) {
+    char text[PATH_MAX];
+    const ssize_t size = readlink(path.c_str(), text, sizeof text);
+    return size < 0 ? "" : std::string(text, static_cast<size_t>(size));
+}
+
+bool is_rest_of(const std::string& rest, const std::string& whole) {
+    return IsRestOf(AT_FDCWD, rest.c_str(), AT_FDCWD, whole.c_str());
+}
+
+}  // namespace
+
+std::vector<Plan> UndoChecks::plans() {
+    std::vector<Plan> plans(steps_.size());
+    for (size_t index = steps_.size(); index-- > 0;) {
+        const Step& step = steps_[index];
+        if (step.is_undone) continue;
+        plans[index] = plan(step);
+        pretend(step, plans[index].need);
+    }
+    return plans;
+}
+
+Plan UndoChecks::plan(const Step& step) {
+    const Seen source(step.source);
+    const Seen target(step.kind == Step::Trashed ? step.trashed.file : step.target);
+    if (source.is_unknown() && step.kind != Step::Aliased) return problem(source.problem());
+    if (target.is_unknown()) return problem(target.problem());
+    switch (step.kind) {
+        case Step::Moved:
+            return step.original != 0 ? plan_taken_away(step) : plan_moved(step);
+        case Step::Copied:
+            return plan_copied(step);
+        case Step::Aliased:
+            return plan_aliased(step);
+        case Step::Trashed:
+            return plan_trashed(step);
+    }
+    return {};
+}
+
+// By a rename.
+Plan UndoChecks::plan_moved(const Step& step) {
+    const Seen source(step.source), target(step.target);
+    if (step.restored != 0 && source.is(step.restored) && target.is(step.inode)) {
+        if (!is_rest_of(step.target, step.source)) {
+            return problem(QuotedName(step.target) + " was changed since");
+        }
+        return with_trash(step.target, Need::TrashTarget);
+    }
+    if (source.is(step.inode) || (step.restored != 0 && source.is(step.restored))) {
+        // Some file systems can only give a file its new name before they take the old one.
+        const bool twice = target.is(step.inode) && !S_ISDIR(target.what.st_mode) &&
+                           target.what.st_dev == source.what.st_dev;
+        return {twice ? Need::RemoveTarget : Need::Nothing, ""};
+    }
+    if (target.is_missing()) return problem(QuotedName(step.target) + " is no longer there");
+    if (!target.is(step.inode)) return problem(QuotedName(step.target) + " is another file now");
+    return with_free_source(step, Need::MoveBack);
+}
+
+// By a copy, after which the original was taken away, or a part of it.
+Plan UndoChecks::plan_taken_away(const Step& step) {
+    const Seen source(step.source), target(step.target);
+    if (step.restored != 0 && source.is(step.restored)) {
+        if (!target.is(step.inode)) return {};
+        if (!is_rest_of(step.target, step.source)) {
+            return problem(QuotedName(step.target) + " was changed since");
+        }
+        return with_trash(step.target, Need::TrashTarget);
+    }
+    if (target.is_missing()) {
+        return source.is(step.original) ? Plan{}
+                                        : problem(QuotedName(step.target) + " is no longer there");
+    }
+    if (!target.is(step.inode)) return problem(QuotedName(step.target) + " is another file now");
+    if (!source.is(step.original)) return with_free_source(step, Need::MoveBack);
+    if (!is_rest_of(step.source, step.target)) {
+        return problem(QuotedName(step.source) + " was changed since");
+    }
+    if (is_rest_of(step.target, step.source)) return with_trash(step.target, Need::TrashTarget);
+    return with_trash(step.source, Need::ReplaceRest);
+}
+
+Plan UndoChecks::plan_copied(const Step& step) {
+    const Seen target(step.target);
+    if (target.is_missing()) return {};
+    // It had not got its name yet, which something else has now.
+    if (!target.is(step.inode) && !step.is_confirmed) return {};
+    if (IsChanged(AT_FDCWD, step.target.c_str(), step.copy, step.is_confirmed)) {
+        return problem("the copy " + QuotedName(step.target) + " was changed since");
+    }
+    return with_trash(step.target, Need::TrashTarget);
+}
+
+Plan UndoChecks::plan_aliased(const Step& step) {
+    if (Seen(step.target).is_missing()) return {};
+    if (text_of_link(step.target) == step.source) return {Need::RemoveTarget, ""};
+    return problem(QuotedName(step.target) + " is another file now");
+}
+
+Plan UndoChecks::plan_trashed(const Step& step) {
+    const Seen source(step.source), trashed(step.trashed.file);
+    if (source.is(step.inode)) {
+        return {trashed.is_missing() ? Need::ForgetTrash : Need::Nothing, ""};
+    }
+    if (trashed.is(step.inode)) return with_free_source(step, Need::RestoreTrash);
+    return problem(QuotedName(step.source) + " is no longer in the trash");
+}
+
+Plan UndoChecks::with_free_source(const Step& step, Need need) {
+    const std::string folder = ParentOf(step.source);
+    if (will_be_there(step.source)) {
+        return problem("there is another " + QuotedName(step.source) + " now where it was");
+    }
+    const auto known = is_there_.find(folder);
+    if (known != is_there_.end() && known->second) return {need, ""};
+    const Seen above(folder);
+    if (above.is_unknown()) return problem(above.problem());
+    if (above.is_missing()) {
+        // It may stand in something that comes back before.
+        for (std::string path = folder; path != "/"; path = ParentOf(path)) {
+            const auto restored = is_there_.find(path);
+            if (restored != is_there_.end() && restored->second) return {need, ""};
+        }
+        return problem("the folder " + QuotedName(folder) + " is no longer there");
+    }
+    if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return {need, ""};
+    return problem("cannot put anything into " + QuotedName(folder) + ": " + strerror(errno));
+}
+
+Plan UndoChecks::with_trash(const std::string& path, Need need) {
+    const std::string folder = ParentOf(path);
+    if (folder != folder_) {
+        const Descriptor open_folder(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        folder_ = folder;
+        folder_problem_ = open_folder ? WhyNoTrash(open_folder.get()) : strerror(errno);
+    }
+    if (folder_problem_.empty()) return {need, ""};
+    return problem("cannot move " + QuotedName(path) + " to the trash: " + folder_problem_);
+}
+
+bool UndoChecks::will_be_there(const std::string& path) const {
+    const auto known = is_there_.find(path);
+    return known != is_there_.end() ? known->second : !Seen(path).is_missing();
+}
+
+void UndoChecks::pretend(const Step& step, Need need) {
+    const bool goes = need == Need::MoveBack || need == Need::ReplaceRest ||
+                      need == Need::TrashTarget || need == Need::RemoveTarget;
+    const bool comes =
+        need == Need::MoveBack || need == Need::ReplaceRest || need == Need::RestoreTrash;
+    if (goes) is_there_[step.target] = false;
+    if (comes) is_there_[step.source] = true;
+}
+
+}  // namespace operations

@@ -1,0 +1,51 @@
+// What undoing an operation needs: found out for all steps, before the first one is undone.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "operations/descriptor.h"
+#include "operations/undo_record.h"
+
+namespace operations {
+
+enum class Need {
+    Nothing,       // it was not done, or is undone
+    MoveBack,      // the target goes back to the source
+    ReplaceRest,   // the same, after what is left of the original has gone to the trash
+    TrashTarget,   // the copy goes to the trash
+    RemoveTarget,  // an alias, or a second name of the source
+    RestoreTrash,  // what is in the trash goes back to the source
+    ForgetTrash,   // the trash has a note of something that did not go there
+};
+
+struct Plan {
+    Need need = Need::Nothing;
+    std::string problem;  // why it cannot be done; else empty
+};
+
+class UndoChecks {
+  public:
+    explicit UndoChecks(const std::vector<Step>& steps) : steps_(steps) {}
+    // One for each step. The last step is undone first.
+    std::vector<Plan> plans();
+
+  private:
+    Plan plan(const Step& step);
+    Plan plan_moved(const Step& step);
+    Plan plan_taken_away(const Step& step);
+    Plan plan_copied(const Step& step);
+    Plan plan_aliased(const Step& step);
+    Plan plan_trashed(const Step& step);
+    Plan with_free_source(const Step& step, Need need);
+    Plan with_trash(const std::string& path, Need need);
+    void pretend(const Step& step, Need need);
+    bool will_be_there(const std::string& path) const;
+
+    const std::vector<Step>& steps_;
+    std::unordered_map<std::string, bool> is_there_;  // after the steps that were looked at
+    std::string folder_, folder_problem_;             // the last one whose trash was looked for
+};
+
+}  // namespace operations

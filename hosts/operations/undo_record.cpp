@@ -1,0 +1,190 @@
+#include "operations/undo_record.h"
+
+#include <stdlib.h>
+
+#include <initializer_list>
+#include <unordered_map>
+
+namespace operations {
+
+namespace {
+
+// An entry is a verb and its fields, each ended by a zero byte. Names hold every other byte.
+constexpr const char* begun = "delvio-undo-2";
+constexpr const char* moving = "moving";
+constexpr const char* trashing = "trashing";
+constexpr const char* not_done = "not-done";
+constexpr const char* copying = "copying";
+constexpr const char* copied = "copied";
+constexpr const char* emptying = "emptying";
+constexpr const char* aliasing = "aliasing";
+constexpr const char* elsewhere = "elsewhere";
+constexpr const char* restoring = "restoring";
+constexpr const char* undone = "undone";
+
+std::string entry(std::initializer_list<std::string> fields) {
+    std::string text;
+    for (const std::string& field : fields) text.append(field).push_back('\0');
+    return text;
+}
+
+std::string text_of(const timespec& time) {
+    return std::to_string(time.tv_sec) + " " + std::to_string(time.tv_nsec);
+}
+
+timespec time_of(const std::string& text) {
+    char* rest = nullptr;
+    timespec time;
+    time.tv_sec = strtoll(text.c_str(), &rest, 10);
+    time.tv_nsec = strtol(rest, nullptr, 10);
+    return time;
+}
+
+unsigned long long number_of(const std::string& text) {
+    return strtoull(text.c_str(), nullptr, 10);
+}
+
+// Takes the entries in, one after the other.
+class Reader {
+  public:
+    explicit Reader(Recorded* recorded) : recorded_(*recorded), steps_(recorded->steps) {}
+
+    using Fields = const std::string*;
+    void begin(Fields) {}
+    void move(Fields fields) { add(Step::Moved, fields).inode = number_of(fields[2]); }
+    void put_in_trash(Fields fields) {
+        Step& step = add(Step::Trashed, fields);
+        step.target.clear();
+        step.trashed = {fields[1], fields[2]};
+        step.inode = number_of(fields[3]);
+    }
+    void take_back(Fields) {
+        if (!steps_.empty()) steps_.pop_back();
+    }
+    void copy(Fields fields) {
+        copies_[fields[1]] = steps_.size();
+        Step& step = add(Step::Copied, fields);
+        step.inode = step.copy.inode = number_of(fields[2]);
+        step.copy.size = strtoll(fields[3].c_str(), nullptr, 10);
+        step.copy.modified = time_of(fields[4]);
+        step.copy.changed = time_of(fields[5]);
+        step.copy.linked = !fields[6].empty();
+    }
+    void confirm(Fields fields) {
+        if (steps_.empty() || steps_.back().kind != Step::Copied) return;
+        steps_.back().is_confirmed = true;
+        steps_.back().copy.changed = time_of(fields[0]);
+    }
+    void empty(Fields fields) {
+        const auto known = copies_.find(fields[1]);
+        if (known == copies_.end() || known->second >= steps_.size()) return;
+        Step& step = steps_[known->second];
+        if (step.source != fields[0]) return;
+        step.kind = Step::Moved;
+        step.original = number_of(fields[2]);
+    }
+    void alias(Fields fields) { add(Step::Aliased, fields); }
+    void refuse(Fields fields) { recorded_.problem = fields[0]; }
+    void restore(Fields fields) {
+        if (Step* step = step_of(fields[0])) step->restored = number_of(fields[1]);
+    }
+    void undo(Fields fields) {
+        if (Step* step = step_of(fields[0])) step->is_undone = true;
+    }
+
+  private:
+    Step& add(Step::Kind kind, Fields fields) {
+        steps_.emplace_back();
+        steps_.back().kind = kind;
+        steps_.back().source = fields[0];
+        steps_.back().target = fields[1];
+        return steps_.back();
+    }
+    Step* step_of(const std::string& number) {
+        const auto index = number_of(number);
+        return index < steps_.size() ? &steps_[index] : nullptr;
+    }
+
+    Recorded& recorded_;
+    std::vector<Step>& steps_;
+    std::unordered_map<std::string, size_t> copies_;  // by target
+};
+
+const struct {
+    const char* verb;
+    size_t fields;
+    void (Reader::*take)(Reader::Fields);
+} verbs[] = {
+    {begun, 0, &Reader::begin},           {moving, 3, &Reader::move},
+    {trashing, 4, &Reader::put_in_trash}, {not_done, 0, &Reader::take_back},
+    {copying, 7, &Reader::copy},          {copied, 1, &Reader::confirm},
+    {emptying, 3, &Reader::empty},        {aliasing, 2, &Reader::alias},
+    {elsewhere, 1, &Reader::refuse},      {restoring, 2, &Reader::restore},
+    {undone, 1, &Reader::undo},
+};
+
+std::vector<std::string> split(const std::string& text) {
+    std::vector<std::string> words;
+    for (size_t at = 0, end; (end = text.find('\0', at)) != std::string::npos; at = end + 1) {
+        words.push_back(text.substr(at, end - at));
+    }
+    return words;
+}
+
+const auto* known_verb(const std::string& word) {
+    for (const auto& verb : verbs) {
+        if (word == verb.verb) return &verb;
+    }
+    return static_cast<decltype(&verbs[0])>(nullptr);
+}
+
+}  // namespace
+
+Recorded ReadRecord(const std::string& text) {
+    Recorded recorded;
+    Reader reader(&recorded);
+    const std::vector<std::string> words = split(text);
+    if (text.empty()) recorded.problem = "the last operation could not be written down";
+    for (size_t at = 0; at < words.size();) {
+        const auto* verb = known_verb(words[at]);
+        if (!verb || (at == 0) != (verb->verb == begun)) {
+            recorded.problem = "what was written down of the last operation cannot be read";
+            recorded.steps.clear();
+            return recorded;
+        }
+        const size_t next = at + 1 + verb->fields;
+        // What was cut off was not begun.
+        if (next > words.size()) break;
+        (reader.*verb->take)(words.data() + at + 1);
+        for (; at < next; at++) recorded.length += words[at].size() + 1;
+    }
+    return recorded;
+}
+
+std::string BegunEntry() { return entry({begun}); }
+std::string MovingEntry(const std::string& source, const std::string& target, ino_t inode) {
+    return entry({moving, source, target, std::to_string(inode)});
+}
+std::string TrashingEntry(const std::string& path, const Trashed& trashed, ino_t inode) {
+    return entry({trashing, path, trashed.file, trashed.info, std::to_string(inode)});
+}
+std::string NotDoneEntry() { return entry({not_done}); }
+std::string CopyingEntry(const std::string& source, const std::string& target,
+                         const CopyState& state) {
+    return entry({copying, source, target, std::to_string(state.inode), std::to_string(state.size),
+                  text_of(state.modified), text_of(state.changed), state.linked ? "linked" : ""});
+}
+std::string CopiedEntry(const timespec& changed) { return entry({copied, text_of(changed)}); }
+std::string EmptyingEntry(const std::string& source, const std::string& target, ino_t original) {
+    return entry({emptying, source, target, std::to_string(original)});
+}
+std::string AliasingEntry(const std::string& source, const std::string& target) {
+    return entry({aliasing, source, target});
+}
+std::string ElsewhereEntry(const std::string& line) { return entry({elsewhere, line}); }
+std::string RestoringEntry(size_t step, ino_t inode) {
+    return entry({restoring, std::to_string(step), std::to_string(inode)});
+}
+std::string UndoneEntry(size_t step) { return entry({undone, std::to_string(step)}); }
+
+}  // namespace operations
