@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <fstream>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,6 +24,34 @@ class HashTable : public testing::Test {
         ht_remove(table_, key);
         fflush(stdout);
         return testing::internal::GetCapturedStdout();
+    }
+
+    // Runs the action in a thread while the table is locked, and once the action waits for that,
+    // looks at the table.
+    void expect_to_wait_for_the_lock(const std::function<void()>& action,
+                                     const std::function<void()>& look) {
+        std::atomic<pid_t> id = 0;
+        std::atomic<bool> done = false;
+        pthread_mutex_lock(&table_->lock);
+        std::thread thread([&] {
+            id = gettid();
+            action();
+            done = true;
+        });
+        while (!done && !(id && is_asleep(id))) std::this_thread::yield();
+        EXPECT_FALSE(done);
+        look();
+        pthread_mutex_unlock(&table_->lock);
+        thread.join();
+        EXPECT_EQ(pthread_mutex_trylock(&table_->lock), 0) << "given back";
+        pthread_mutex_unlock(&table_->lock);
+    }
+    static bool is_asleep(pid_t thread) {
+        std::ifstream status("/proc/self/task/" + std::to_string(thread) + "/stat");
+        std::string text;
+        std::getline(status, text);
+        const size_t name_end = text.rfind(") ");
+        return name_end != text.npos && text[name_end + 2] == 'S';
     }
 
     ht_table_t* table_ = ht_create_hash_table(97, 7);
@@ -110,6 +142,46 @@ TEST_F(HashTable, DisposeFreesEachEntrysDataWhenAsked) {
     for (uint32_t key = 0; key < 10; key++) ht_insert(table, key, malloc(8));
     EXPECT_EQ(table->used_bucket_count, 3u);
     ht_dispose_hash_table(table, 1);
+}
+
+TEST_F(HashTable, InsertingWaitsForTheLock) {
+    expect_to_wait_for_the_lock([&] { ht_insert(table_, 5, &one_); },
+                                [&] {
+                                    EXPECT_EQ(table_->buckets[5], nullptr);
+                                    EXPECT_EQ(table_->elem_count, 0u);
+                                    EXPECT_EQ(table_->used_bucket_count, 0u);
+                                });
+    EXPECT_EQ(ht_find(table_, 5), &one_);
+}
+
+TEST_F(HashTable, RemovingWaitsForTheLock) {
+    ht_insert(table_, 5, &one_);
+    expect_to_wait_for_the_lock([&] { ht_remove(table_, 5); },
+                                [&] {
+                                    EXPECT_NE(table_->buckets[5], nullptr);
+                                    EXPECT_EQ(table_->elem_count, 1u);
+                                    EXPECT_EQ(table_->used_bucket_count, 1u);
+                                });
+    EXPECT_EQ(ht_exists(table_, 5), 0);
+}
+
+TEST_F(HashTable, LookingUpWaitsForTheLock) {
+    ht_insert(table_, 5, &one_);
+    const auto nothing = [] {};
+    expect_to_wait_for_the_lock([&] { EXPECT_EQ(ht_find(table_, 5), &one_); }, nothing);
+    expect_to_wait_for_the_lock([&] { EXPECT_EQ(ht_exists(table_, 5), 1); }, nothing);
+}
+
+TEST_F(HashTable, CountingAndDumpingTakeNoLock) {
+    ht_insert(table_, 5, nullptr);
+    pthread_mutex_lock(&table_->lock);
+    EXPECT_EQ(ht_num_elems(table_), 1u);
+    EXPECT_NE(ht_find_root_for_key(table_, 5, nullptr), nullptr);
+    testing::internal::CaptureStdout();
+    ht_dump(table_);
+    fflush(stdout);
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    pthread_mutex_unlock(&table_->lock);
 }
 
 TEST_F(HashTable, ThreadsInsertAndRemoveTogether) {

@@ -86,6 +86,17 @@ TEST_F(Log, AFileThatCannotBeOpenedLowersTheLevelToOne) {
     EXPECT_EQ(print(1, "Delvio: two\n"), "Delvio: two\n");
 }
 
+TEST_F(Log, NothingIsFlushedBeforeTheFileIsClosed) {
+    const std::string path = home_.path("Library/Logs/Delvio.log");
+    // Not captured: that flushes every stream.
+    set_level(2);
+    dvdprintf("Delvio: one\n");
+    dvdprintf("Delvio: two\n");
+    EXPECT_EQ(test::read_file(path), "");
+    print(1, "Delvio: three\n");
+    EXPECT_EQ(test::read_file(path), std::string("Delvio: one\nDelvio: two\n") + closing_line);
+}
+
 TEST_F(Log, ALevelRaisedAgainRetriesTheFile) {
     use_home(home_.path("missing"));
     print(2, "Delvio: one\n");

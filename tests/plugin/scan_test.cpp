@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "plugin/file_manager.h"
 #include "plugin/tree_support.h"
 #include "support/temp_folder.h"
 #include "support/unprivileged.h"
@@ -29,7 +30,10 @@ enum : unsigned { INVISIBLE_FLAG = 0x4000 };
 
 class Scan : public testing::Test {
   protected:
-    ~Scan() override { dv_set_sort_order(0); }
+    ~Scan() override {
+        dv_set_sort_order(0);
+        test::file_manager = {};
+    }
 
     Tree scan(uint32_t flags = 0, uint32_t origin = 0) {
         return Tree(dv_build_tree(folder_.path().c_str(), 0, 1, flags, origin));
@@ -160,6 +164,30 @@ TEST_F(Scan, LabelsComeFromTheFinderFlags) {
     EXPECT_EQ(child_named(root, "plain")->label, 0);
 }
 
+TEST_F(Scan, EveryLabelIsReadAndNothingBesideIt) {
+    for (unsigned label = 0; label <= 7; label++) {
+        // All other flags, but for those that hide the file or make it an alias.
+        for (const unsigned others : {0x0000u, 0x3FF1u}) {
+            folder_.file("labelled");
+            if (!folder_.finder_info("labelled", label << 1 | others)) {
+                GTEST_SKIP() << "no extended attributes";
+            }
+            Tree root = scan();
+            EXPECT_EQ(child_named(root, "labelled")->label, label) << others;
+        }
+    }
+}
+
+TEST_F(Scan, AnItemWithoutFinderInformationIsKeptAndReported) {
+    folder_.file("a");
+    folder_.folder("b");
+    test::file_manager.catalog_error = -36;
+    Tree root;
+    EXPECT_EQ(output_of([&] { root = scan(); }),
+              "GetCatInfo returned -36\nGetCatInfo returned -36\nGetCatInfo returned -36\n");
+    EXPECT_EQ(names_of(root->children), Names({"b", "a"}));
+}
+
 TEST_F(Scan, KindsAreToldApart) {
     make_all_kinds();
     Tree root = scan();
@@ -269,6 +297,52 @@ TEST_F(Scan, AnAliasToAFileStaysAFileWithItsTarget) {
     EXPECT_EQ(alias->kind, DV_KIND_FILE);
     EXPECT_EQ(alias->is_container, 0);
     EXPECT_EQ(path_of(alias, 0, 0), target);
+}
+
+TEST_F(Scan, AnAliasToAnApplicationIsAnApplication) {
+    folder_.file("tool");
+    if (!folder_.finder_info("tool", 0, "APPL")) GTEST_SKIP() << "no extended attributes";
+    folder_.link("alias", "tool");
+    Tree root = scan();
+    const dv_tree_t* alias = child_named(root, "alias");
+    EXPECT_EQ(alias->kind, DV_KIND_APPLICATION);
+    EXPECT_EQ(path_of(alias, 0, 0), folder_.path("tool"));
+    Tree folders = scan(DV_SCAN_FOLDERS_ONLY);
+    EXPECT_EQ(folders->children, nullptr);
+}
+
+TEST_F(Scan, AnAliasToAFolderThatCannotBeReadIsARootWithoutChildren) {
+    const std::string closed = folder_.folder("closed");
+    const std::string alias = folder_.link("alias", "closed");
+    chmod(closed.c_str(), 0);
+    const test::Unprivileged obeying;
+    Tree root(dv_build_tree(alias.c_str(), 0, 1, 0, DV_ORIGIN_USER_FOLDER));
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->children, nullptr);
+    EXPECT_EQ(root->kind, DV_KIND_FOLDER);
+    EXPECT_EQ(root->origin, DV_ORIGIN_USER_FOLDER);
+    EXPECT_EQ(path_of(root.get(), 0, 0), closed);
+    EXPECT_EQ(path_of(root.get(), 0, 1), alias + "/");
+}
+
+TEST_F(Scan, ATargetsPathMayTake10240Bytes) {
+    folder_.file("target");
+    const std::string alias = folder_.link("alias", "target");
+    test::file_manager.path = "/" + std::string(10238, 'x');
+    Tree elem = single(alias);
+    EXPECT_EQ(test::file_manager.path_limit, 10240u);
+    EXPECT_EQ(elem->resolved_path, test::file_manager.path);
+}
+
+TEST_F(Scan, ATargetWithoutAPathLeavesTheAliasAFile) {
+    folder_.folder("target");
+    const std::string alias = folder_.link("alias", "target");
+    test::file_manager.path_error = pathTooLongErr;
+    Tree elem = single(alias);
+    ASSERT_TRUE(elem);
+    EXPECT_EQ(elem->kind, DV_KIND_FILE);
+    EXPECT_EQ(elem->is_container, 0);
+    EXPECT_EQ(elem->resolved_path, nullptr);
 }
 
 TEST_F(Scan, DanglingLinksAndLoopsStayAsFilesWithoutATarget) {

@@ -12,6 +12,7 @@
 
 #include "finder/dv_conflicts.h"
 #include "plugin/finder/finder_post.h"
+#include "plugin/finder/shown_alert.h"
 #include "plugin/tree_support.h"
 #include "support/dv_log.h"
 #include "support/heap.h"
@@ -31,10 +32,14 @@ enum { dont_replace = kAlertStdAlertOKButton, replace = kAlertStdAlertCancelButt
 
 class FileOp : public testing::Test {
   protected:
-    FileOp() { AnswerStandardAlerts(kAlertAnswerDefault); }
+    FileOp() {
+        AnswerStandardAlerts(kAlertAnswerDefault);
+        test::shown_alert = {};
+    }
     ~FileOp() override {
         dvEnableDebugOutput = 0;
         AnswerStandardAlerts(kAlertAnswerAsk);
+        test::shown_alert = {};
     }
 
     static dv_tree_t* folder_root(const std::string& path, uint32_t origin = 0) {
@@ -150,6 +155,58 @@ TEST_F(FileOp, NamesThatDifferInCaseAloneClash) {
     select(folder_.file("Report.txt"));
     AnswerStandardAlerts(replace);
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).replaces());
+    EXPECT_EQ(test::shown_alert.count, 1);
+}
+
+TEST_F(FileOp, SeveralClashesRaiseOneAlert) {
+    for (const char* name : {"a", "b", "c"}) {
+        folder_.file(std::string("to/") + name);
+        select(folder_.file(name));
+    }
+    send(target(folder_.path("to")), 0);
+    EXPECT_EQ(test::shown_alert.count, 1);
+}
+
+TEST_F(FileOp, TheAlertSaysWhatIsAskedAndItsDefaultReplacesNothing) {
+    dv_display_should_trash_files_alert();
+    const test::ShownAlert& alert = test::shown_alert;
+    EXPECT_EQ(alert.count, 1);
+    EXPECT_EQ(alert.type, 2);
+    EXPECT_EQ(alert.message, "Replace duplicate files?");
+    EXPECT_EQ(alert.explanation,
+              "Warning! The destination contains some files or folders with the same names as some "
+              "of the ones you are trying to move/copy. Would you like to replace them with the "
+              "files you are moving/copying?");
+    EXPECT_EQ(alert.default_text, "Don't replace files");
+    EXPECT_EQ(alert.cancel_text, "Replace files");
+    EXPECT_FALSE(alert.has_other_text);
+    EXPECT_FALSE(alert.has_filter);
+    EXPECT_EQ(alert.parameters.version, 1u);
+    EXPECT_TRUE(alert.parameters.movable);
+    EXPECT_FALSE(alert.parameters.helpButton);
+    EXPECT_EQ(alert.parameters.defaultButton, 1);
+    EXPECT_EQ(alert.parameters.cancelButton, 0);
+    EXPECT_EQ(alert.parameters.position, 0);
+    EXPECT_EQ(alert.parameters.flags, 0u);
+}
+
+TEST_F(FileOp, TheTreesAreKeptWhileTheAlertIsShownAndNoLonger) {
+    folder_.file("to/a");
+    select(folder_.file("a"));
+    int32_t meanwhile = 0;
+    test::shown_alert.while_shown = [&] { meanwhile = state_.file_op_in_progress; };
+    send(target(folder_.path("to")), 0);
+    EXPECT_EQ(meanwhile, 1);
+    EXPECT_EQ(state_.file_op_in_progress, 0);
+}
+
+TEST_F(FileOp, AnAlertThatCannotBeMadeReplacesNothing) {
+    folder_.file("to/a");
+    select(folder_.file("a"));
+    AnswerStandardAlerts(replace);
+    test::shown_alert.creation_error = -108;
+    EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
+    EXPECT_EQ(test::shown_alert.count, 0);
 }
 
 TEST_F(FileOp, TheAnswerGoesAlongAndNeverCancels) {
@@ -176,6 +233,7 @@ TEST_F(FileOp, NamesWithoutAClashRaiseNoAlert) {
     select(folder_.file("\u00e4"));
     AnswerStandardAlerts(replace);
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
+    EXPECT_EQ(test::shown_alert.count, 0);
 }
 
 TEST_F(FileOp, FilesHiddenInTheDestinationAreNotCompared) {
