@@ -54,15 +54,28 @@ class Disc : public test::MenuTest {
         [window release];
     }
     // How light the drawing is at an angle and distance from its middle; -1 where the ground shows.
-    double gray_at(double angle, double radius) {
-        const int x = static_cast<int>(32 + radius * cos(angle));
-        const int y = static_cast<int>(32 - radius * sin(angle));
+    double gray_at(double angle, double radius) { return gray_from(32, 32, angle, radius); }
+    // The same about another middle, counted from the lower left.
+    double gray_from(double middle_x, double middle_y, double angle, double radius) {
+        const uint32_t pixel =
+            pixel_at(static_cast<int>(floor(middle_x + radius * cos(angle))),
+                     static_cast<int>(floor(64 - middle_y - radius * sin(angle))));
+        const int red = pixel >> 16 & 0xff, blue = pixel & 0xff;
+        return abs(red - blue) < 12 ? red / 255.0 : -1;
+    }
+    // Of the pixel rows beside the middle line, at a distance to the right.
+    double gray_above_middle(int distance) { return red_at(32 + distance, 31); }
+    double gray_below_middle(int distance) { return red_at(32 + distance, 32); }
+    double red_at(int x, int y) { return (pixel_at(x, y) >> 16 & 0xff) / 255.0; }
+    double shade_at(double angle, double radius) {
+        return red_at(static_cast<int>(floor(32 + radius * cos(angle))),
+                      static_cast<int>(floor(32 - radius * sin(angle))));
+    }
+    uint32_t pixel_at(int x, int y) {
         cairo_surface_flush(picture_);
         const unsigned char* row =
             cairo_image_surface_get_data(picture_) + y * cairo_image_surface_get_stride(picture_);
-        const uint32_t pixel = reinterpret_cast<const uint32_t*>(row)[x];
-        const int red = pixel >> 16 & 0xff, blue = pixel & 0xff;
-        return abs(red - blue) < 12 ? red / 255.0 : -1;
+        return reinterpret_cast<const uint32_t*>(row)[x];
     }
     DVCircularProgressView* large_disc() {
         const NSRect frame = NSMakeRect(0, 0, 64, 64);
@@ -189,6 +202,46 @@ TEST_F(Disc, ThePhaseWrapsOnceItExceedsOne) {
     [view setCurrentProgress:0.96];
     draw(view);
     EXPECT_NEAR([view currentProgress], 0.99, 1e-9);
+}
+
+TEST_F(Disc, ItsRimIsAMiddleGrayAndOnePointWide) {
+    DVCircularProgressView* view = large_disc();
+    [view setLastProgressUpdate:dv_double_time() + 1000];
+    draw(view);
+    // Radius 31, stroked half a point to either side: along the axes, where pixels are whole.
+    for (const double angle : {M_PI / 2, M_PI, -M_PI / 2}) {
+        EXPECT_NEAR(shade_at(angle, 29.5), 0.3, 0.03) << angle;
+        EXPECT_NEAR(shade_at(angle, 30.75), 0.4, 0.06) << angle << ": half disc, half rim";
+        EXPECT_EQ(gray_at(angle, 31.75), -1) << angle << ": half rim, half ground";
+    }
+}
+
+TEST_F(Disc, TheWedgeIsThirtyDegreesWideWithALightGrayEdge) {
+    DVCircularProgressView* view = large_disc();
+    [view setLastProgressUpdate:dv_double_time() + 1000];
+    draw(view);
+    const double degree = M_PI / 180;
+    EXPECT_NEAR(gray_at(4 * degree, 25), 1, 0.02);
+    EXPECT_NEAR(gray_at(26 * degree, 25), 1, 0.02);
+    EXPECT_NEAR(gray_at(34 * degree, 25), 0.3, 0.02);
+    EXPECT_NEAR(gray_at(-4 * degree, 25), 0.3, 0.02);
+    // Its lower edge lies on the middle line between two rows of pixels: half of each is edge.
+    EXPECT_NEAR(gray_below_middle(20), (0.7 + 0.3) / 2, 0.05);
+    EXPECT_NEAR(gray_above_middle(20), (0.7 + 1) / 2, 0.05);
+    // It reaches to the rim.
+    EXPECT_NEAR(gray_at(15 * degree, 29), 1, 0.02);
+}
+
+TEST_F(Disc, ItsRadiusFollowsTheSmallerSide) {
+    const NSRect frame = NSMakeRect(0, 0, 64, 40);
+    DVCircularProgressView* view =
+        [[[DVCircularProgressView alloc] initWithFrame:frame] autorelease];
+    [view setLastProgressUpdate:dv_double_time() + 1000];
+    draw(view);
+    // The view is the window's lower part: its middle stands 12 points below the window's.
+    EXPECT_NEAR(gray_from(32, 20, M_PI, 17), 0.3, 0.03);
+    EXPECT_EQ(gray_from(32, 20, M_PI, 21), -1);
+    EXPECT_NEAR(gray_from(32, 20, M_PI / 2, 17), 0.3, 0.03);
 }
 
 TEST_F(Disc, ItDrawsADarkDiscWithALightWedge) {

@@ -1,5 +1,7 @@
 #include "menus/DVDelvio+Items.h"
 
+#include <string.h>
+
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenu.h"
 #include "menus/DVMenuItem.h"
@@ -27,6 +29,21 @@ class Items : public test::MenuTest {
     }
     NSMenu* open_mixed() { return open(select({mixed_folder()}), "mixed"); }
 
+    // A plain menu with one folder, which need not be there.
+    NSMenu* menu_of_folder(const char* parent, const char* name, const char* shown = nullptr) {
+        take_over();
+        dv_dir_t* dir = dv_create_folder_dir(parent);
+        dv_->root = dv_create_elem(dir, name, static_cast<int32_t>(strlen(name)), 0);
+        dv_->root->kind = DV_KIND_FOLDER;
+        dv_->root->is_container = 1;
+        if (shown) {
+            dv_->root->display_name = strdup(shown);
+            dv_->root->owns_display_name = 1;
+        }
+        NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+        [controller_ insertItems:dv_->root forMenu:menu];
+        return menu;
+    }
     // The level at a path as if it came from `origin`, in a menu of its own.
     NSMenu* level_of(const std::string& path, uint32_t origin) {
         take_over();
@@ -159,6 +176,25 @@ TEST_F(Items, ASkippedElementStillCountsAsThePreviousKind) {
     EXPECT_EQ(titles_of(menu), titles_t({"a", "-", "b", "-"}));
 }
 
+TEST_F(Items, ASkippedElementDoesNotCountAsThePreviousOrigin) {
+    set("only_folders_in_main_menu", 1);
+    set("sort_order", 2);  // no separators by kind
+    take_over();
+    dv_dir_t* dir = dv_create_folder_dir("/");
+    dv_tree_t *head = nullptr, *tail = nullptr;
+    for (const char* name : {"a", "skipped", "b"}) {
+        dv_update_ptrs(dv_create_elem(dir, name, static_cast<int32_t>(strlen(name)), 0), &tail,
+                       &head);
+        tail->kind = DV_KIND_FOLDER;
+    }
+    head->next->kind = DV_KIND_FILE;
+    head->next->origin = DV_ORIGIN_SELECTED_FILE;
+    dv_->root = head;
+    [controller_ removeRootItems];
+    [controller_ insertItems:head forMenu:host_menu_];
+    EXPECT_EQ(titles_of(host_menu_), titles_t({"a", "b"}));
+}
+
 TEST_F(Items, AnApplicationListSkipsDocumentsAndDisablesEmptyFolders) {
     const std::string path = folder_.folder("listed");
     folder_.file("listed/document");
@@ -207,16 +243,22 @@ TEST_F(Items, ASeparatorFollowsAMarkedElement) {
 }
 
 TEST_F(Items, TheNetworkShowsItsContentsWithOption) {
-    take_over();
-    dv_dir_t* dir = dv_create_folder_dir("/");
-    dv_->root = dv_create_elem(dir, "Network", 7, 0);
-    dv_->root->kind = DV_KIND_FOLDER;
-    dv_->root->is_container = 1;
-    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
-    [controller_ insertItems:dv_->root forMenu:menu];
+    NSMenu* menu = menu_of_folder("/", "Network");
     EXPECT_EQ(titles_of(menu), titles_t({"Network", "Network"}));
     EXPECT_EQ([[menu itemAtIndex:0] submenu], nil);
     EXPECT_NE([alternate_of(menu, "Network") submenu], nil);
+}
+
+TEST_F(Items, AFolderThatIsJustCalledNetworkOpensAtOnce) {
+    NSMenu* menu = menu_of_folder("/home/", "Network");
+    EXPECT_EQ(titles_of(menu), titles_t({"Network"}));
+    EXPECT_NE([[menu itemAtIndex:0] submenu], nil);
+}
+
+TEST_F(Items, TheNetworksFolderUnderAnotherNameOpensAtOnce) {
+    NSMenu* menu = menu_of_folder("/", "Network", "Netz");
+    EXPECT_EQ(titles_of(menu), titles_t({"Netz"}));
+    EXPECT_NE([[menu itemAtIndex:0] submenu], nil);
 }
 
 TEST_F(Items, AnEmptyChainAddsNothing) {

@@ -6,6 +6,7 @@
 
 #include "menus/DVMenu.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/replaced_method.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"
 
@@ -114,6 +115,28 @@ TEST_F(MenuItem, IconsFollowTheFontSize) {
     set("font_size", 12);
     apply();
     EXPECT_TRUE(NSEqualSizes([[item(elem) image] size], NSMakeSize(15, 15)));
+}
+
+namespace {
+
+std::string icon_path;
+NSImage* icon_for_file(id, SEL, NSString* path) {
+    icon_path = [path UTF8String];
+    return [[[NSImage alloc] initWithSize:NSMakeSize(48, 32)] autorelease];
+}
+
+}  // namespace
+
+TEST_F(MenuItem, TheIconIsThatOfTheFileAndOfAnAliasThatOfItsTarget) {
+    const test::ReplacedMethod icons([NSWorkspace class], @selector(iconForFile:), icon_for_file);
+    const std::string file = folder_.file("a"), alias = folder_.link("alias", "a");
+    NSImage* icon = [item(single(file)) image];
+    EXPECT_EQ(icon_path, file);
+    EXPECT_TRUE(NSEqualSizes([icon size], NSMakeSize(16, 16))) << "a square";
+    item(child("/some/where/", "else"));
+    EXPECT_EQ(icon_path, "/some/where/else");
+    item(single(alias));
+    EXPECT_EQ(icon_path, file);
 }
 
 TEST_F(MenuItem, WithoutImageNoneIsSet) {

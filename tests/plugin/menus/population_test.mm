@@ -136,8 +136,13 @@ TEST_F(Population, ALinkToAFolderOpensAsALevel) {
     folder_.file("target/inside");
     const std::string path = folder_.folder("a");
     folder_.link("a/link", folder_.path("target"));
-    EXPECT_EQ(titles_of(open(open(select({path}), "a"), "link")),
-              titles_t({"inside", "inside", "inside"}));
+    NSMenu* level = open(open(select({path}), "a"), "link");
+    EXPECT_EQ(titles_of(level), titles_t({"inside", "inside", "inside"}));
+    dv_tree_t* inside = [static_cast<DVMenuItem*>([level itemAtIndex:0]) tree];
+    EXPECT_EQ(std::string([[DVDelvio stringPathForTree:inside] UTF8String]),
+              folder_.path("target/inside"))
+        << "read at its target";
+    EXPECT_EQ(inside->parent, [static_cast<DVMenu*>(level) tree]);
 }
 
 TEST_F(Population, AMenuWithoutAnElementStaysEmpty) {

@@ -8,6 +8,8 @@
 #include "menus/DVMenu.h"
 #include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/menus/scanned_folders.h"
+#include "plugin/replaced_method.h"
 #include "tree/dv_prefs.h"
 #include "tree/dv_roots.h"
 #include "tree/dv_scan.h"
@@ -34,6 +36,42 @@ NSData* bookmark_of(const std::string& path) {
     NSString* address = [[NSURL fileURLWithPath:string_of(path)] absoluteString];
     return [address dataUsingEncoding:NSUTF8StringEncoding];
 }
+
+// As much of a running application as the plug-in looks at.
+NSArray* running = nil;
+NSArray* running_applications(id, SEL) { return running; }
+
+}  // namespace
+
+@interface RunningStub : NSObject {
+  @private
+    NSString* _localizedName;
+    NSURL* _bundleURL;
+    NSURL* _executableURL;
+    NSInteger _activationPolicy;
+}
+@property (retain) NSString* localizedName;
+@property (retain) NSURL* bundleURL;
+@property (retain) NSURL* executableURL;
+@property (assign) NSInteger activationPolicy;
+@end
+
+@implementation RunningStub
+@synthesize localizedName = _localizedName;
+@synthesize bundleURL = _bundleURL;
+@synthesize executableURL = _executableURL;
+@synthesize activationPolicy = _activationPolicy;
+
+- (void)dealloc {
+    [_localizedName release];
+    [_bundleURL release];
+    [_executableURL release];
+    [super dealloc];
+}
+
+@end
+
+namespace {
 
 class Roots : public test::MenuTest {
   protected:
@@ -225,6 +263,31 @@ TEST_F(Roots, AnEmptyOrTooLongOrAbsentOpenWithPathMeansApplications) {
     }
 }
 
+TEST_F(Roots, WithoutAFolderOfItsOwnApplicationsIsRead) {
+    for (id path in @[ @"", @7 ]) {
+        set("open_with_path", path);
+        test::take_scanned_folders();
+        take_over();
+        EXPECT_EQ(test::take_scanned_folders(), titles_t({"/Applications/"}));
+        release();
+    }
+}
+
+TEST_F(Roots, TheOpenWithLevelFollowsTheSettings) {
+    const std::string path = folder_.folder("apps");
+    for (const char* name : {"apps/.Hidden.app", "apps/B.app", "apps/c"}) folder_.folder(name);
+    folder_.file("apps/B.app/inside");
+    set("open_with_path", string_of(path));
+    take_over();
+    EXPECT_EQ(paths_of(dv_->open_with->children), titles_t({path + "/c", path + "/B.app"}));
+    release();
+    set("show_hidden_files", 1);
+    set("sort_order", 1);
+    take_over();
+    EXPECT_EQ(paths_of(dv_->open_with->children),
+              titles_t({path + "/.Hidden.app", path + "/B.app", path + "/c"}));
+}
+
 TEST_F(Roots, AFullOpenWithSlotIsKept) {
     set("open_with_path", string_of(folder_.folder("apps")));
     take_over();
@@ -250,6 +313,84 @@ TEST_F(Roots, RunningApplicationsAreLeftOutWhenAsked) {
     EXPECT_EQ(dv_->running_apps, nullptr);
     EXPECT_NE(lines.find("Delvio: Creating running apps list: (nil) 0\n"), std::string::npos);
     EXPECT_EQ(lines.find("Delvio: Added "), std::string::npos);
+}
+
+namespace {
+
+class RunningRoots : public Roots {
+  protected:
+    RunningRoots() { running = applications_; }
+    ~RunningRoots() override {
+        running = nil;
+        [applications_ release];
+    }
+    void add(const char* name, const std::string& bundle, const std::string& executable,
+             NSInteger policy = NSApplicationActivationPolicyRegular) {
+        RunningStub* stub = [[RunningStub new] autorelease];
+        [stub setLocalizedName:string_of(name)];
+        if (!bundle.empty()) [stub setBundleURL:[NSURL fileURLWithPath:string_of(bundle)]];
+        if (!executable.empty()) {
+            [stub setExecutableURL:[NSURL fileURLWithPath:string_of(executable)]];
+        }
+        [stub setActivationPolicy:policy];
+        [applications_ addObject:stub];
+    }
+
+    NSMutableArray* applications_ = [NSMutableArray new];
+    test::ReplacedMethod workspace_ {
+        [NSWorkspace class], @selector(runningApplications), running_applications
+    };
+};
+
+}  // namespace
+
+TEST_F(RunningRoots, RegularApplicationsAreListedByNameWithTheirBundlesOrPrograms) {
+    const std::string bundle = folder_.folder("Zed.app"), inside = folder_.file("Zed.app/zed");
+    const std::string program = folder_.file("mill");
+    add("zed", bundle, inside);
+    add("mill", "", program);
+    add("agent", folder_.folder("Agent.app"), "", NSApplicationActivationPolicyAccessory);
+    add("daemon", folder_.folder("Daemon.app"), "", NSApplicationActivationPolicyProhibited);
+    add("nowhere", "", "");
+    add("gone", folder_.path("Gone.app"), "");
+    const std::string lines = debug_lines_of_take_over();
+    EXPECT_EQ(paths_of(dv_->running_apps), titles_t({program, bundle}));
+    for (dv_tree_t* elem = dv_->running_apps; elem; elem = elem->next) {
+        EXPECT_EQ(elem->origin, static_cast<uint32_t>(DV_ORIGIN_APP_LIST));
+    }
+    char added[100];
+    snprintf(added, sizeof added, "Delvio: Added 3 items to running apps list [%p]\n",
+             dv_->running_apps);
+    const std::string expected = "Delvio: Creating running apps list: (nil) 1\n"
+                                 "Delvio: Got running app path: " +
+                                 folder_.path("Gone.app") +
+                                 "\nDelvio: Got running app path: " + program +
+                                 "\nDelvio: Got running app path: " + bundle + "\n" + added +
+                                 "Delvio: Done handling user dirs\n";
+    EXPECT_NE(lines.find(expected), std::string::npos) << lines;
+}
+
+TEST_F(RunningRoots, AFilledSlotIsKept) {
+    add("one", folder_.folder("One.app"), "");
+    take_over();
+    dv_tree_t* before = dv_->running_apps;
+    ASSERT_NE(before, nullptr);
+    add("two", folder_.folder("Two.app"), "");
+    [controller_ createRunningAppsList];
+    EXPECT_EQ(dv_->running_apps, before);
+    EXPECT_EQ(before->next, nullptr);
+}
+
+TEST_F(RunningRoots, HiddenProgramsFollowTheSettings) {
+    const std::string hidden = folder_.folder("Hidden.app");
+    if (!folder_.finder_info("Hidden.app", 0x4000)) GTEST_SKIP() << "no extended attributes here";
+    add("hidden", hidden, "");
+    take_over();
+    EXPECT_EQ(dv_->running_apps, nullptr);
+    release();
+    set("show_hidden_files", 2);
+    take_over();
+    EXPECT_EQ(paths_of(dv_->running_apps), titles_t({hidden}));
 }
 
 TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
@@ -307,6 +448,15 @@ TEST_F(Roots, RecentDocumentsAreNotOfferedWhenAskedNotTo) {
     set_recent_bookmarks(@[ bookmark_of(folder_.file("a")) ]);
     set("showRecentItems", 0);
     EXPECT_EQ([item_titled(select({tool}), "Tool.app") submenu], nil);
+}
+
+TEST_F(Roots, APackageHasNoRecentDocumentsAlthoughItIsABundle) {
+    const std::string package = application("Tool.bundle");
+    set_recent_bookmarks(@[ bookmark_of(folder_.file("a")) ]);
+    NSMenu* menu = select({package});
+    ASSERT_EQ(dv_->root->kind, DV_KIND_PACKAGE);
+    EXPECT_EQ([item_titled(menu, "Tool.bundle") submenu], nil);
+    EXPECT_EQ(dv_->copies, nullptr);
 }
 
 TEST_F(Roots, AnElementThatIsNoBundleHasNoRecentDocuments) {

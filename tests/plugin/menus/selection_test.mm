@@ -87,6 +87,18 @@ TEST_F(Selection, MoreThanOneItemIsAMultipleSelection) {
     EXPECT_EQ(dv_->multiple_selection, 0);
 }
 
+TEST_F(Selection, WhatCannotBeMadeDoesNotCount) {
+    select({folder_.file("a"), folder_.path("missing"), folder_.path("gone")});
+    EXPECT_EQ(root_names(), titles_t({"a"}));
+    EXPECT_EQ([[controller_ valueForKey:@"rootMenuSelectionCount"] intValue], 1);
+    EXPECT_EQ(dv_->multiple_selection, 0);
+}
+
+TEST_F(Selection, FoldersAndFilesCountAlike) {
+    select({folder_.file("a"), folder_.folder("b"), folder_.file("c")});
+    EXPECT_EQ([[controller_ valueForKey:@"rootMenuSelectionCount"] intValue], 3);
+}
+
 TEST_F(Selection, FilesOfTheSelectionAreMarked) {
     select({folder_.file("a"), folder_.folder("b")});
     EXPECT_EQ(dv_->root->origin, 0u);

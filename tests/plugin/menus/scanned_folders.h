@@ -1,0 +1,12 @@
+// In front of scandir: the paths of the folders that have been read, with their slashes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace test {
+
+// Since the last time.
+std::vector<std::string> take_scanned_folders();
+
+}  // namespace test
