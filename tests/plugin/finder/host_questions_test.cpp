@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/time.h>
 
+#include "plugin/finder/carbon_trouble.h"
 #include "plugin/tree_support.h"
 #include "support/dv_log.h"
 
@@ -15,6 +16,7 @@ class HostQuestion : public testing::Test {
   protected:
     ~HostQuestion() override {
         DeclareProcessSignature(0);
+        test::carbon_trouble = nullptr;
         dvEnableDebugOutput = 0;
         dvdprintf("no sink any more\n");
     }
@@ -39,6 +41,18 @@ TEST_F(HostQuestion, ItsLinesAreLoggedOnlyWithLoggingOn) {
     DeclareProcessSignature(0x4D414353);
     EXPECT_EQ(output_of([] { dv_is_finder(); }),
               "Delvio: Checking if this is the Finder..\nDelvio: This is the Finder\n");
+}
+
+TEST_F(HostQuestion, AProcessThatIsUnknownIsNotTheFinder) {
+    DeclareProcessSignature(0x4D414353);
+    test::carbon_trouble = test::failing("GetCurrentProcess", -600);
+    EXPECT_FALSE(dv_is_finder());
+    EXPECT_FALSE(dv_finder_is_front());
+    dvEnableDebugOutput = 1;
+    EXPECT_EQ(output_of([] { dv_is_finder(); }),
+              "Delvio: Checking if this is the Finder..\nDelvio: GetCurrentProcess failed!\n");
+    EXPECT_EQ(output_of([] { dv_finder_is_front(); }),
+              "Delvio: Checking if we're in the Finder..\nDelvio: GetCurrentProcess failed..\n");
 }
 
 TEST(DoubleTime, IsTheTimeOfDayInSeconds) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "plugin/finder/carbon_trouble.h"
 #include "plugin/tree_support.h"
 #include "support/heap.h"
 #include "support/temp_folder.h"
@@ -95,6 +96,7 @@ class OpenEvent : public testing::Test {
     ~OpenEvent() override {
         AERemoveEventHandler(kCoreEventClass, kAEOpenDocuments, receive, false);
         DeclareProcessSignature(0);
+        test::carbon_trouble = nullptr;
         [pool_ release];
     }
     static void run_loop() {
@@ -127,6 +129,24 @@ TEST_F(OpenEvent, ThatCannotBeSentIsNotReported) {
     DeclareProcessSignature(0);
     const FSRef ref = reference(folder_.path());
     EXPECT_EQ(test::output_of([&] { EXPECT_EQ(dv_send_open_to_finder(&ref), noErr); }), "");
+    run_loop();
+    EXPECT_EQ(finder_.events, 0);
+}
+
+TEST_F(OpenEvent, ThatCannotBeMadeGivesTheErrorAndNoLine) {
+    const FSRef ref = reference(folder_.path());
+    const struct {
+        const char* function;
+        FourCharCode about;
+    } steps[] = {
+        {"AECreateDesc", 'sign'}, {"AECreateAppleEvent", 'odoc'}, {"AEPutParamDesc", '----'}};
+    OSErr error = -1700;
+    for (const auto& step : steps) {
+        test::carbon_trouble = test::failing(step.function, --error, step.about);
+        const auto send = [&] { EXPECT_EQ(dv_send_open_to_finder(&ref), error) << step.function; };
+        EXPECT_EQ(test::output_of(send), "");
+    }
+    test::carbon_trouble = nullptr;
     run_loop();
     EXPECT_EQ(finder_.events, 0);
 }
