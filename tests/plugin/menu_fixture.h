@@ -5,6 +5,7 @@
 #include <AppKit/AppKit.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,10 @@ NSMenuItem* item_titled(NSMenu* menu, const char* title);
 NSMenuItem* alternate_of(NSMenu* menu, const char* title);
 NSArray* urls_of(const std::vector<std::string>& paths);
 NSString* string_of(const std::string& text);
+// Text as printf makes it.
+std::string formatted(const char* format, ...) __attribute__((format(printf, 1, 2)));
+// Expects the lines in the log, whole and in this order; others may stand between them.
+void expect_lines(const std::string& log, const std::vector<std::string>& lines);
 
 class MenuTest : public testing::Test {
   protected:
@@ -40,6 +45,9 @@ class MenuTest : public testing::Test {
     NSMenu* open(NSMenuItem* item);
     NSMenu* open(NSMenu* menu, const char* title) { return open(item_titled(menu, title)); }
     void release();
+
+    // What is written to standard output meanwhile, with logging to it on or off.
+    std::string log_of(const std::function<void()>& action, int level = 1);
 
     TempFolder folder_;
     DVDelvio* controller_;

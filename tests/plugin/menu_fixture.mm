@@ -1,6 +1,8 @@
 #include "plugin/menu_fixture.h"
 
 #include <CoreFoundation/ForcedPreferences.h>
+#include <stdarg.h>
+#include <stdio.h>
 
 #include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Population.h"
@@ -13,6 +15,25 @@ namespace test {
 
 NSString* string_of(const std::string& text) {
     return [NSString stringWithUTF8String:text.c_str()];
+}
+
+std::string formatted(const char* format, ...) {
+    char text[4096];
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+void expect_lines(const std::string& log, const std::vector<std::string>& lines) {
+    size_t from = 0;
+    for (const std::string& line : lines) {
+        // A line begins the log or follows another.
+        const size_t at = ("\n" + log).find("\n" + line + "\n", from);
+        EXPECT_NE(at, std::string::npos) << "no line \"" << line << "\" at its place in\n" << log;
+        if (at != std::string::npos) from = at + line.size() + 1;
+    }
 }
 
 titles_t titles_of(NSMenu* menu) {
@@ -84,6 +105,19 @@ NSMenu* MenuTest::open(NSMenuItem* item) {
     NSMenu* menu = [item submenu];
     [controller_ menuWillOpen:menu];
     return menu;
+}
+
+std::string MenuTest::log_of(const std::function<void()>& action, int level) {
+    // The setting, too: taking a menu over reads it anew.
+    set("logLevel", level);
+    dvEnableDebugOutput = level;
+    testing::internal::CaptureStdout();
+    action();
+    fflush(stdout);
+    const std::string log = testing::internal::GetCapturedStdout();
+    set("logLevel", 0);
+    dvEnableDebugOutput = 0;
+    return log;
 }
 
 void MenuTest::release() { [controller_ removeMenuAndDelegate]; }

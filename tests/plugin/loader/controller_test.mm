@@ -7,6 +7,8 @@
 #include "menus/DVDelvio+Selection.h"
 #include "plugin/loader/recording_host.h"
 #include "plugin/menu_fixture.h"
+#include "preview/DVDelvio+HoverPreview.h"
+#include "preview/DVPreviewWindowController.h"
 #include "support/ht.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"
@@ -102,6 +104,47 @@ TEST_F(Controller, ReleasingWithoutATakenMenuFreesWhatIsHeldAndKeepsTheCountAtNo
     EXPECT_EQ(dv_->root, nullptr);
     EXPECT_EQ(free_count, freed + 1);
     EXPECT_FALSE(invoked());
+}
+
+TEST_F(Controller, AnEarlyReturnIsReleasedLikeAnyMenu) {
+    select({folder_.file("a")});
+    [controller_ dvPointerMoved];
+    NSTimer* timer = [[[controller_ valueForKey:@"hoverPreviewTimer"] retain] autorelease];
+    DVPreviewWindowController* preview = [controller_ valueForKey:@"previewWindowController"];
+    [preview showPreviewWindow:nil];
+    ASSERT_TRUE([timer isValid]);
+    ASSERT_TRUE([preview isVisible]);
+    SetHeldModifierFlags(NSShiftKeyMask);
+    NSMenu* other = [[[NSMenu alloc] initWithTitle:@"other"] autorelease];
+    EXPECT_EQ([controller_ setCurrentMenu:other withProxyDelegate:nil], other);
+    EXPECT_EQ(dv_->count, 1) << "untouched";
+    release();
+    EXPECT_FALSE([timer isValid]);
+    EXPECT_EQ([controller_ valueForKey:@"hoverPreviewTimer"], nil);
+    EXPECT_FALSE([preview isVisible]);
+    EXPECT_EQ(dvDidGetURLs, 0);
+    EXPECT_FALSE(invoked());
+    EXPECT_EQ(dv_->root, nullptr);
+}
+
+TEST_F(Controller, TheLastReleaseLogsWhatItFrees) {
+    select({folder_.file("a")});
+    const std::string trees = test::formatted(
+        "Delvio: Free'ing trees; root = %p, forest = %p open_with = %p, move_copy = %p, "
+        "running_apps = %p\n",
+        dv_->root, dv_->forest, dv_->open_with, dv_->copies, dv_->running_apps);
+    const std::string before = "Delvio: Disabling event tap\nDelvio: Event tap status: 0\n";
+    const std::string after = "Delvio: Free'ing menus and removing event handlers\n";
+    EXPECT_EQ(log_of([&] { release(); }), before + trees + after);
+    select({folder_.file("b")});
+    dv_->file_op_in_progress = 1;
+    EXPECT_EQ(log_of([&] { release(); }), before + after) << "the trees are kept";
+    dv_->file_op_in_progress = 0;
+    release();
+    take_over();
+    NSMenu* other = [[[NSMenu alloc] initWithTitle:@"other"] autorelease];
+    [controller_ setCurrentMenu:other withProxyDelegate:nil];
+    EXPECT_EQ(log_of([&] { release(); }), before) << "one menu is still open";
 }
 
 TEST_F(Controller, NestedMenusFreeTheTreesAtTheSecondRelease) {
@@ -203,7 +246,8 @@ TEST_F(Controller, AMenuThatRefusesARemovalIsLetGoAnyway) {
     [controller_ setCurrentMenu:menu withProxyDelegate:nil];
     [controller_ setSelectedFiles:urls_of({folder_.folder("a"), folder_.file("b")})];
     [menu setRefusesRemoval:YES];
-    [controller_ removeRootItems];
+    EXPECT_EQ(log_of([&] { [controller_ removeRootItems]; }),
+              "Delvio: Caught exception removing root items.\n");
     [menu setRefusesRemoval:NO];
     EXPECT_EQ([menu numberOfItems], 5);
     EXPECT_EQ([[controller_ valueForKey:@"rootItems"] count], 0u);

@@ -7,6 +7,7 @@
 
 #include "loader/event_hooks.h"
 #include "support/app.h"
+#include "support/dv_log.h"
 
 @interface SwizzleBase : NSObject
 - (int)plain;
@@ -105,4 +106,78 @@ TEST_F(Swizzle, TheEventHooksPrintAndHandOn) {
     const std::string printed = testing::internal::GetCapturedStdout();
     MethodSwizzle([NSApplication class], @selector(sendEvent:), @selector(dvSendEvent:), 1);
     EXPECT_EQ(printed, std::string("Event: ") + [[event description] UTF8String] + "\n");
+}
+
+@interface EventSource : NSWindow
+@end
+
+namespace {
+
+NSEvent* next_event = nil;
+
+NSEvent* event_for_mask(id, SEL, NSUInteger mask) { return mask == 5 ? next_event : nil; }
+
+NSEvent* event_before_date(id, SEL, NSUInteger mask, NSDate* date, NSString* mode, BOOL dequeue) {
+    return mask == 5 && !date && [mode isEqualToString:@"mode"] && dequeue ? next_event : nil;
+}
+
+}  // namespace
+
+@implementation EventSource
+@end
+
+TEST_F(Swizzle, TheWindowsHooksPrintWhatTheyHandOn) {
+    test::start_application();
+    Class source = [EventSource class];
+    const SEL plain = @selector(nextEventMatchingMask:);
+    const SEL full = @selector(nextEventMatchingMask:untilDate:inMode:dequeue:);
+    class_addMethod(source, plain, reinterpret_cast<IMP>(event_for_mask), "@@:Q");
+    class_addMethod(source, full, reinterpret_cast<IMP>(event_before_date), "@@:Q@@c");
+    // Entries of its own for the hooks, which are the superclass's.
+    for (SEL hook : {
+             @selector(dvNextEventMatchingMask:), @selector(dvNextEventMatchingMask:
+                                                                          untilDate:inMode:dequeue:)
+         }) {
+        Method method = class_getInstanceMethod([NSWindow class], hook);
+        class_addMethod(source, hook, method_getImplementation(method),
+                        method_getTypeEncoding(method));
+    }
+    MethodSwizzle(source, plain, @selector(dvNextEventMatchingMask:), 1);
+    MethodSwizzle(source, full, @selector(dvNextEventMatchingMask:untilDate:inMode:dequeue:), 1);
+    next_event = [NSEvent otherEventWithType:NSApplicationDefined
+                                    location:NSZeroPoint
+                               modifierFlags:0
+                                   timestamp:0
+                                windowNumber:0
+                                     context:nil
+                                     subtype:78
+                                       data1:0
+                                       data2:0];
+    EventSource* window = [[EventSource alloc] initWithContentRect:NSMakeRect(0, 0, 10, 10)
+                                                         styleMask:NSBorderlessWindowMask
+                                                           backing:NSBackingStoreBuffered
+                                                             defer:YES];
+    testing::internal::CaptureStdout();
+    EXPECT_EQ([window nextEventMatchingMask:5], next_event);
+    EXPECT_EQ([window nextEventMatchingMask:5 untilDate:nil inMode:@"mode" dequeue:YES],
+              next_event);
+    const std::string description = [[next_event description] UTF8String];
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Win Event: " + description + "\nEvent: " + description + "\n");
+    [window release];
+}
+
+TEST_F(Swizzle, EachExchangeIsLoggedAlsoWhenAMethodIsMissing) {
+    Class child = [SwizzleChild class];
+    Method own = class_getInstanceMethod(child, @selector(own));
+    char line[200];
+    snprintf(line, sizeof line, "Delvio: Swizzle %p (nil) [%p (nil)] 1\n", own,
+             reinterpret_cast<void*>(method_getImplementation(own)));
+    dvEnableDebugOutput = 1;
+    testing::internal::CaptureStdout();
+    MethodSwizzle(child, @selector(own), @selector(dvNoSuchMethod), 1);
+    MethodSwizzle(nullptr, @selector(own), @selector(other), 1);
+    fflush(stdout);
+    dvEnableDebugOutput = 0;
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), line);
 }

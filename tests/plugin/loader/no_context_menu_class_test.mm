@@ -1,5 +1,6 @@
 #include <AppKit/AppKit.h>
 #include <Carbon/HostProcess.h>
+#include <CoreFoundation/ForcedPreferences.h>
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
 
@@ -47,7 +48,13 @@ TEST(Load, AHostWithoutAContextMenuClassGetsTheOtherExchangesOnce) {
     ASSERT_EQ(objc_getClass("TContextMenu"), nullptr);
     DeclareProcessSignature('MACS');
     const implementations_t before = implementations();
+    ForcePreference(CFSTR("logLevel"), (CFPropertyListRef) @1, CFSTR(DV_PREFS_DOMAIN));
+    testing::internal::CaptureStdout();
     EXPECT_EQ(dv_load_delvio(), 0);
+    fflush(stdout);
+    const std::string log = testing::internal::GetCapturedStdout();
+    EXPECT_NE(log.find("\nDelvio: No TContextMenu class found?\n"), std::string::npos) << log;
+    EXPECT_EQ(log.find("Successfully swizzled"), std::string::npos) << log;
     EXPECT_EQ(is_loaded, 1);
     const implementations_t after = implementations();
     for (const method_t& row : exchanged) {

@@ -15,6 +15,8 @@
 
 namespace {
 
+using test::expect_lines;
+using test::formatted;
 using test::set_tracking;
 using test::take_popup_calls;
 using test::titles_of;
@@ -325,4 +327,78 @@ TEST_P(PopupPath, ASeparateMenuThatRefusesToBeEmptiedIsLetGo) {
     expect_idle();
     set("finderInSeparateSubmenu", 0);
     expect_next_popup_to_be_taken_over();
+}
+
+TEST_P(PopupPath, ItsOwnLinesAreLogged) {
+    const char* description = [[menu_ description] UTF8String];
+    std::vector<std::string> lines;
+    const std::string info = formatted(
+        "Delvio: Info: [self = %p, menu = %p, self-delegate = %p, delegate = %p, dvdv = %p]", menu_,
+        menu_, host_, host_, controller_);
+    const std::string class_info =
+        formatted("Delvio: Info: [menu = %p, delegate = %p, dvdv = %p]", menu_, host_, controller_);
+    switch (GetParam()) {
+        case CLASS_WITH_FONT:
+            lines = {formatted("Delvio: Class popup %p : RecordingMenu", host_), class_info,
+                     "Delvio: Class popup out"};
+            break;
+        case CLASS_PLAIN:
+            lines = {formatted("Delvio: Class popup no font %p : RecordingMenu", host_), class_info,
+                     "Delvio: Class popup no-font out"};
+            break;
+        case INSTANCE_WITH_FONT:
+            lines = {formatted("Delvio: Menu is: %s", description), info,
+                     formatted("Delvio: Menu is now: %s", description)};
+            break;
+        case INSTANCE_PLAIN:
+            lines = {formatted("Delvio: Menu is [nofont]: %s", description), info,
+                     formatted("Delvio: Menu is now [nofont]: %s", description)};
+            break;
+    }
+    const std::string log = log_of([&] { pop_up(); });
+    expect_lines(log, lines);
+    // The release comes before the last line.
+    expect_lines(log, {"Delvio: Disabling event tap", lines.back()});
+    EXPECT_EQ(log_of([&] { pop_up(); }, 0), "");
+}
+
+TEST_P(PopupPath, TheLinesOfANestedPopupAreItsOwn) {
+    NSMenu* inner = [[[NSMenu alloc] initWithTitle:@"inner"] autorelease];
+    [inner setDelegate:(id)host_];
+    const char* description = [[inner description] UTF8String];
+    std::vector<std::string> lines;
+    switch (GetParam()) {
+        case CLASS_WITH_FONT:
+            lines = {formatted("Delvio: Re-entrant class [delegate = %p, dvdv = %p]", host_,
+                               controller_)};
+            break;
+        case CLASS_PLAIN:
+            lines = {formatted("Delvio: Re-entrant class no-font [delegate = %p, dvdv = %p]", host_,
+                               controller_)};
+            break;
+        case INSTANCE_WITH_FONT:
+            lines = {formatted("Delvio: Re-entrant [self = %p, menu = %p, self-delegate = %p, "
+                               "delegate = %p, dvdv = %p]",
+                               inner, inner, host_, host_, controller_),
+                     formatted("Delvio: Menu is [r]: %s", description),
+                     formatted("Delvio: Menu is now [r]: %s", description)};
+            break;
+        case INSTANCE_PLAIN:
+            lines = {formatted("Delvio: Re-entrant no-font [self = %p, menu = %p, self-delegate = "
+                               "%p, delegate = %p, dvdv = %p]",
+                               inner, inner, host_, host_, controller_)};
+            break;
+    }
+    std::string log;
+    set_tracking([&] { log = log_of([&] { pop_up(inner, event_, view_, font_); }); });
+    pop_up();
+    if (row_.of_class) {
+        EXPECT_EQ(log, lines.front() + "\n") << "no forced update";
+        return;
+    }
+    const size_t forced = GetParam() == INSTANCE_WITH_FONT ? 2 : 1;
+    lines.insert(lines.begin() + static_cast<long>(forced), "Delvio: Forward menuWillOpen: 1");
+    lines.insert(lines.begin() + static_cast<long>(forced) + 1,
+                 "Delvio: Forward menuNeedsUpdate: 1");
+    expect_lines(log, lines);
 }

@@ -13,6 +13,8 @@
 #include "plugin/loader/recording_host.h"
 #include "plugin/loader/walking_tracker.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/replaced_method.h"
+#include "support/dv_log.h"
 #include "tree/dv_tree.h"
 
 @interface NSPasteboard (HostWriting)
@@ -237,7 +239,10 @@ TEST_F(Popup, RemovingAllItemsWhileOpenBringsOursBack) {
 }
 
 TEST_F(Popup, RemovingAllItemsOfAnyOtherMenuJustClearsIt) {
-    [menu_ removeAllItems];
+    const char* description = [[menu_ description] UTF8String];
+    const std::string line =
+        test::formatted("Delvio: Remove all items from menu %p : %s\n", menu_, description);
+    EXPECT_EQ(log_of([&] { [menu_ removeAllItems]; }), line);
     EXPECT_EQ([menu_ numberOfItems], 0);
     NSMenu* plain = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [plain addItemWithTitle:@"x" action:nullptr keyEquivalent:@""];
@@ -250,6 +255,9 @@ TEST_F(Popup, WritingToAPasteboardTellsTheSelectionAndGivesTheHostsAnswer) {
     id pasteboard = [NSAllocateObject([NSPasteboard class], 0, nullptr) autorelease];
     walk([&](MenuSession*) {
         NSArray* urls = urls_of({path});
+        test::expect_lines(log_of([&] { [pasteboard writeObjects:@[]]; }), {
+            test::formatted("Delvio: Writing objects; %s", [[@[] description] UTF8String])
+        });
         for (BOOL result : {NO, YES}) {
             write_result = result;
             EXPECT_EQ([pasteboard writeObjects:urls], result);
@@ -274,11 +282,22 @@ TEST_F(Popup, TheFirstOfBothWaysWins) {
 
 TEST_F(Popup, NoNodesLeaveTheSelectionAndConfigureTheHost) {
     walk([&](MenuSession*) {
-        [menu_ configureWithNodes:nullptr windowController:host_ container:YES];
+        EXPECT_EQ(
+            log_of(
+                [&] { [menu_ configureWithNodes:nullptr windowController:host_ container:YES]; }),
+            test::formatted("Delvio: TCONTEXTMENU configureWith NODES (nil) windowController %p "
+                            "container 0x1\nDelvio: No TFENodeVectors in dvConfigureWithNodes! "
+                            "[Probably the Trash?]\n",
+                            host_));
         EXPECT_EQ([menu_ windowController], host_);
         EXPECT_TRUE([menu_ isContainer]);
         const TFENodeVector none = {};
-        [menu_ configureWithNodes:&none windowController:nil container:NO];
+        EXPECT_EQ(
+            log_of([&] { [menu_ configureWithNodes:&none windowController:nil container:NO]; }),
+            test::formatted("Delvio: TCONTEXTMENU configureWith NODES %p windowController (nil) "
+                            "container (nil)\nDelvio: Empty selection in dvConfigureWithNodes! "
+                            "[Probably the Trash?]\n",
+                            &none));
         EXPECT_EQ([menu_ windowController], nil);
         EXPECT_FALSE([menu_ isContainer]);
         EXPECT_EQ(dvDidGetURLs, 0);
@@ -295,6 +314,67 @@ NSURL* no_url(id, SEL) { return nil; }
 
 }  // namespace
 
+namespace {
+
+// The host's configuration, recorded.
+struct configuration_t {
+    const TFENodeVector* nodes;
+    id window_controller;
+    BOOL container;
+    uint8_t selection_known;
+};
+std::vector<configuration_t> configurations;
+
+void record_configuration(id, SEL, const TFENodeVector* nodes, id window_controller,
+                          BOOL container) {
+    configurations.push_back({nodes, window_controller, container, dvDidGetURLs});
+}
+
+}  // namespace
+
+TEST_F(Popup, TheSelectionIsKnownBeforeTheHostsConfigurationWhichRunsOnce) {
+    const std::string path = folder_.folder("a");
+    // After the exchange, the host's own code stands under the plug-in's name.
+    const test::ReplacedMethod configuring(
+        [TContextMenu class], @selector(dvConfigureWithNodes:windowController:container:),
+        record_configuration);
+    const TFENodeVector nodes = {{{path}}}, none = {};
+    walk([&](MenuSession*) {
+        configurations.clear();
+        for (const TFENodeVector* vector :
+             {&none, static_cast<const TFENodeVector*>(nullptr), &nodes}) {
+            [menu_ configureWithNodes:vector windowController:host_ container:YES];
+        }
+    });
+    pop_up();
+    ASSERT_EQ(configurations.size(), 3u);
+    const TFENodeVector* vectors[] = {&none, nullptr, &nodes};
+    for (size_t i = 0; i < 3; i++) {
+        EXPECT_EQ(configurations[i].nodes, vectors[i]);
+        EXPECT_EQ(configurations[i].window_controller, host_);
+        EXPECT_EQ(configurations[i].container, YES);
+        EXPECT_EQ(configurations[i].selection_known, vectors[i] == &nodes ? 1 : 0);
+    }
+}
+
+TEST_F(Popup, EveryCallOfTheLoaderReadsTheLogLevelAnew) {
+    for (const int level : {3, 0, 1}) {
+        set("logLevel", level);
+        dvEnableDebugOutput = 7;
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(dv_load_delvio(), 0);
+        fflush(stdout);
+        const std::string log = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(dvEnableDebugOutput, level);
+        if (level != 1) continue;
+        EXPECT_EQ(log, "Delvio: Checking if this is the Finder..\nDelvio: This is the Finder\n"
+                       "Delvio-SLSA! Is loaded: 1 Is Finder: 1 Is 64-bit: 1\n");
+    }
+    set("logLevel", 0);
+    dv_load_delvio();
+    EXPECT_EQ(dvEnableDebugOutput, 0);
+}
+
 TEST_F(Popup, ANodeWithoutAUrlLeavesTheSelectionAndConfiguresTheHost) {
     const std::string path = folder_.folder("a");
     Class node_class = objc_getClass("FINode");
@@ -303,8 +383,12 @@ TEST_F(Popup, ANodeWithoutAUrlLeavesTheSelectionAndConfiguresTheHost) {
     Method other = class_getInstanceMethod(node_class, @selector(noUrl));
     walk([&](MenuSession*) {
         method_exchangeImplementations(url, other);
-        configure({path});
+        const std::string log = log_of([&] { configure({path}); });
         method_exchangeImplementations(url, other);
+        test::expect_lines(log,
+                           {"Delvio: Caught exception while calling FINodesFromFENodeVector."});
+        EXPECT_NE(log.find("\nDelvio: Exception was: "), std::string::npos) << log;
+        EXPECT_EQ(log.find("Delvio: Added"), std::string::npos) << log;
         EXPECT_EQ([[menu_ nodes] count], 1u);
         EXPECT_EQ(dvDidGetURLs, 0);
         EXPECT_EQ(titles_of(menu_), titles_t({"-", "Open"}));
@@ -314,7 +398,10 @@ TEST_F(Popup, ANodeWithoutAUrlLeavesTheSelectionAndConfiguresTheHost) {
 }
 
 TEST_F(Popup, TheHostsDescriptorGoesNowhere) {
-    [menu_ _setContextMenuPluginAEDesc:nullptr];
+    const auto* descriptor = reinterpret_cast<const AEDesc*>(&descriptors_set);
+    const auto set_it = [&] { [menu_ _setContextMenuPluginAEDesc:descriptor]; };
+    EXPECT_EQ(log_of(set_it), test::formatted("Delvio: Setting AEDesc for menu! %p\n", descriptor));
+    EXPECT_EQ(log_of(set_it, 0), "");
     EXPECT_EQ(descriptors_set, 0);
 }
 

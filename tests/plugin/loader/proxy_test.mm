@@ -154,3 +154,53 @@ TEST_F(Proxy, ItemsOfOtherMenusStandAtTheEnd) {
     [controller_ removeRootItems];
     EXPECT_EQ(titles_of(menu), titles_t({"x", "last"}));
 }
+
+TEST_F(Proxy, EachCallIsLoggedWithWhetherTheHostAnswersIt) {
+    const auto calls = [&] {
+        [controller_ numberOfItemsInMenu:nil];
+        [controller_ menuNeedsUpdate:nil];
+        [controller_ menuDidClose:nil];
+        [controller_ menu:nil updateItem:nil atIndex:0 shouldCancel:NO];
+        [controller_ menuHasKeyEquivalent:nil forEvent:nil target:nullptr action:nullptr];
+    };
+    const auto lines = [](int all, int closing) {
+        return test::formatted("Delvio: Forward numberOfItemsInMenu: %d\n"
+                               "Delvio: Forward menuNeedsUpdate: %d\n"
+                               "Delvio: Forward menuDidClose: %d\n"
+                               "Delvio: Forward menu:updateItem:atIndex:shouldCancel: %d\n"
+                               "Delvio: Forward menuHasKeyEquivalent:forEvent:target:action: %d\n",
+                               all, all, closing, all, all);
+    };
+    take_over_from(host_);
+    EXPECT_EQ(log_of(calls), lines(1, 1));
+    EXPECT_EQ([host_ log], "") << "another menu's";
+    release();
+    take_over_from(silent_);
+    EXPECT_EQ(log_of(calls), lines(0, 1));
+    release();
+    take_over_from(nil);
+    EXPECT_EQ(log_of(calls), lines(0, 0));
+    EXPECT_EQ(log_of(calls, 0), "");
+}
+
+TEST_F(Proxy, HighlightsAreLogged) {
+    [host_menu_ setDelegate:(id)silent_];
+    DVMenuItem* ours = our_item();
+    EXPECT_EQ(log_of([&] { [controller_ menu:host_menu_ willHighlightItem:ours]; }),
+              test::formatted("Delvio: Highlight: %p item: %p\n"
+                              "Delvio: Forward menu:willHighlightItem: 0\n",
+                              host_menu_, ours));
+    EXPECT_EQ(log_of([&] { [controller_ menu:host_menu_ willHighlightItem:nil]; }),
+              test::formatted("Delvio: Highlight: %p item: (nil)\n"
+                              "Delvio: No item. Hiding preview..\n",
+                              host_menu_));
+}
+
+TEST_F(Proxy, AddedItemsAreLogged) {
+    take_over();
+    NSMenu* menu = submenu_of(0);
+    NSMenuItem* item = [[[NSMenuItem alloc] initWithTitle:@"new" action:nullptr
+                                            keyEquivalent:@""] autorelease];
+    EXPECT_EQ(log_of([&] { [controller_ addItem:item toMenu:menu]; }),
+              test::formatted("Delvio: Add item 'new' to menu %p [root = %p]\n", menu, host_menu_));
+}
