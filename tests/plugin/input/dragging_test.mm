@@ -3,12 +3,15 @@
 
 #include <AppKit/ModifierKeys.h>
 #include <objc/runtime.h>
+#include <string.h>
 
+#include "finder/dv_finder.h"
 #include "input/DVDragView.h"
 #include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/replaced_method.h"
 #include "plugin/tree_support.h"
 #include "support/dv_log.h"
 #include "support/steps.h"
@@ -76,6 +79,161 @@ TEST_F(Dragging, TheDragWindowIsReadyAndNotShown) {
     EXPECT_EQ([window alphaValue], 0.5f);
     EXPECT_FALSE([window isOpaque]);
     EXPECT_FALSE([window isVisible]);
+    EXPECT_EQ([window level], CGWindowLevelForKey(9));
+    EXPECT_EQ([window backingType], 0u);
+    EXPECT_EQ([drag_view() superview], [window contentView]);
+}
+
+TEST_F(Dragging, TheDragWindowGoesAwayWhenTold) {
+    NSWindow* window = variable<NSWindow*>("dragWindow");
+    [window orderFrontRegardless];
+    ASSERT_TRUE([window isVisible]);
+    [controller_ hideDragWindow:nil];
+    EXPECT_FALSE([window isVisible]);
+}
+
+namespace {
+
+// What was asked of the controller or of its view, in place of its happening.
+struct delay_t {
+    SEL selector;
+    id object;
+    NSTimeInterval seconds;
+};
+std::vector<delay_t> delays;
+
+void note_delay(id, SEL, SEL selector, id object, NSTimeInterval seconds) {
+    delays.push_back({selector, object, seconds});
+}
+
+std::vector<NSEvent*> presses;
+
+void note_press(id, SEL, NSEvent* event) { presses.push_back(event); }
+
+NSPoint pointer_at;
+
+NSPoint pointer_location(id, SEL) { return pointer_at; }
+
+int cancellations = 0;
+
+void note_cancelling(id, SEL) { cancellations++; }
+
+// An image that was dragged.
+struct dragged_t {
+    NSImage* image;
+    NSPoint at;
+    NSSize offset;
+    NSEvent* event;
+    NSPasteboard* pasteboard;
+    id source;
+    BOOL slides_back;
+};
+std::vector<dragged_t> dragged;
+
+void note_dragged(id, SEL, NSImage* image, NSPoint at, NSSize offset, NSEvent* event,
+                  NSPasteboard* pasteboard, id source, BOOL slides_back) {
+    dragged.push_back({image, at, offset, event, pasteboard, source, slides_back});
+}
+
+}  // namespace
+
+TEST_F(Dragging, ADragBeginsATenthOfASecondAfterItsPress) {
+    DVMenuItem* item = highlight();
+    delays.clear();
+    cancellations = 0;
+    const test::ReplacedMethod waiting(
+        [NSObject class], @selector(performSelector:withObject:afterDelay:), note_delay);
+    const test::ReplacedMethod cancelling([NSMenu class], @selector(cancelTracking),
+                                          note_cancelling);
+    const std::string log = log_of([&] { after(kCGEventLeftMouseDown); });
+    ASSERT_EQ(delays.size(), 1u);
+    EXPECT_TRUE(sel_isEqual(delays[0].selector, @selector(beginDelayedDrag:)));
+    EXPECT_EQ(delays[0].object, nil);
+    EXPECT_DOUBLE_EQ(delays[0].seconds, 0.1);
+    EXPECT_EQ(cancellations, 1);
+    EXPECT_EQ(log, test::formatted("Delvio: Intercepting left mouse down event, %p\n"
+                                   "Delvio: Open with elem: 0 Move-copy-elem: 0\n"
+                                   "Delvio: Initiating drag for elem %p\n",
+                                   item, [item tree]));
+    CGPoint start;
+    const Ivar field = class_getInstanceVariable([DVDelvio class], "dragStartLocation");
+    memcpy(&start, reinterpret_cast<char*>(controller_) + ivar_getOffset(field), sizeof start);
+    EXPECT_EQ(start.x, 30);
+    EXPECT_EQ(start.y, 40);
+}
+
+TEST_F(Dragging, ADragsPressIsSixteenPointsLeftOfAndBelowThePointer) {
+    presses.clear();
+    pointer_at = NSMakePoint(300, 500);
+    const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
+                                       pointer_location);
+    const test::ReplacedMethod pressing([DVDragView class], @selector(mouseDown:), note_press);
+    const std::string log = log_of([&] { [controller_ beginDelayedDrag:nil]; });
+    ASSERT_EQ(presses.size(), 1u);
+    EXPECT_EQ([presses[0] type], NSLeftMouseDown);
+    const CGFloat height = NSHeight([[[NSScreen screens] objectAtIndex:0] frame]);
+    EXPECT_EQ([presses[0] locationInWindow].x, 284);
+    // 16 further from the top: the event's own place counts from the bottom.
+    EXPECT_EQ([presses[0] locationInWindow].y, 484);
+    EXPECT_EQ(log, test::formatted("Delvio: Activating delayed drag at %f %f\n", 284.0,
+                                   height - 500 + 16));
+}
+
+TEST_F(Dragging, TheFilesIconIsDraggedByAPressOfTheDragWindow) {
+    dv_tree_t* elem = [highlight() tree];
+    [drag_view() setTheDragTarget:elem];
+    dragged.clear();
+    pointer_at = NSMakePoint(300, 500);
+    SetHeldModifierFlags(NSCommandKeyMask);
+    const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
+                                       pointer_location);
+    const test::ReplacedMethod dragging(
+        [NSWindow class], @selector(dragImage:at:offset:event:pasteboard:source:slideBack:),
+        note_dragged);
+    NSEvent* press = [NSEvent mouseEventWithType:NSLeftMouseDown
+                                        location:NSMakePoint(7, 9)
+                                   modifierFlags:0
+                                       timestamp:1
+                                    windowNumber:0
+                                         context:nil
+                                     eventNumber:77
+                                      clickCount:3
+                                        pressure:0];
+    const double before = dv_double_time();
+    const std::string log = log_of([&] { [drag_view() mouseDown:press]; });
+    ASSERT_EQ(dragged.size(), 1u);
+    const dragged_t& drag = dragged[0];
+    EXPECT_NE(drag.image, nil);
+    EXPECT_TRUE(NSEqualPoints(drag.at, NSMakePoint(7, 9)));
+    EXPECT_TRUE(NSEqualSizes(drag.offset, NSZeroSize));
+    EXPECT_EQ(drag.pasteboard, [NSPasteboard pasteboardWithName:NSDragPboard]);
+    EXPECT_EQ(drag.source, drag_view());
+    EXPECT_TRUE(drag.slides_back);
+    EXPECT_EQ([drag.event type], NSLeftMouseDown);
+    EXPECT_TRUE(NSEqualPoints([drag.event locationInWindow], pointer_at));
+    EXPECT_EQ([drag.event modifierFlags], static_cast<NSUInteger>(NSCommandKeyMask));
+    EXPECT_GE([drag.event timestamp], before);
+    EXPECT_EQ([drag.event windowNumber], [[drag_view() window] windowNumber]);
+    EXPECT_EQ([drag.event eventNumber], 77);
+    EXPECT_EQ([drag.event clickCount], 1);
+    EXPECT_EQ([drag.event pressure], 1.0f);
+    EXPECT_EQ(log, test::formatted("Delvio: Mouse down; dragging %s\n"
+                                   "Delvio: Starting drag.. %f %f : Window: %p\n",
+                                   folder_.path("a file").c_str(), 7.0, 9.0, [drag.event window]));
+    EXPECT_EQ([drag_view() theDragTarget], nullptr);
+}
+
+TEST_F(Dragging, AFileWhosePathIsNoTextIsNotDragged) {
+    dragged.clear();
+    const test::ReplacedMethod dragging(
+        [NSWindow class], @selector(dragImage:at:offset:event:pasteboard:source:slideBack:),
+        note_dragged);
+    dv_tree_t* elem = dv_create_elem(dv_create_folder_dir("/tmp/"), "\xff", 1, 0);
+    [drag_view() setTheDragTarget:elem];
+    [drag_view() mouseDown:nil];
+    EXPECT_EQ(dragged.size(), 0u);
+    EXPECT_EQ([drag_view() theDragTarget], nullptr);
+    dv_free_elem(elem);
 }
 
 TEST_F(Dragging, TheTapIsOnWhileAMenuIsTakenOver) {
@@ -133,8 +291,12 @@ TEST_F(Dragging, ApplicationsAndFolderTargetsAreNoFilesToDrag) {
         dv_tree_t* elem = [item tree];
         const uint32_t before = elem->origin;
         elem->origin |= origin;
-        EXPECT_EQ(after(kCGEventLeftMouseDown), kCGEventLeftMouseDown);
+        const std::string log =
+            log_of([&] { EXPECT_EQ(after(kCGEventLeftMouseDown), kCGEventLeftMouseDown); });
         EXPECT_TRUE(same_);
+        EXPECT_EQ(log, test::formatted("Delvio: Intercepting left mouse down event, %p\n"
+                                       "Delvio: Open with elem: %d Move-copy-elem: %d\n",
+                                       item, origin & 1, origin & 4));
         elem->origin = before;
     }
     EXPECT_EQ([drag_view() theDragTarget], nullptr);

@@ -160,8 +160,14 @@ TEST_F(Items, AFoldersItemKeepsItsOwnAction) {
 
 TEST_F(Items, OnlyFoldersStandInTheRootMenuWhenAsked) {
     set("only_folders_in_main_menu", 1);
-    NSMenu* menu = select({folder_.file("text"), folder_.folder("dir")});
+    NSMenu* menu = nil;
+    const std::string log = log_of([&] {
+        menu = select({folder_.file("text"), folder_.folder("dir")});
+    });
     EXPECT_EQ(titles_of(menu), titles_t({"dir", "-"}));
+    test::expect_lines(
+        log, {test::formatted("Delvio: Inserting items %p into menu %p..", dv_->root, host_menu_),
+              "Delvio: Skiping 'text'", "Delvio: Done updating menu"});
 }
 
 TEST_F(Items, OnlyFoldersIsARuleOfTheRootMenuAlone) {

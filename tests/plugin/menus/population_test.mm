@@ -10,6 +10,8 @@
 
 namespace {
 
+using test::expect_lines;
+using test::formatted;
 using test::item_titled;
 using test::titles_of;
 using test::titles_t;
@@ -89,8 +91,13 @@ TEST_F(Population, ALevelIsFilledWhenItOpensAndOnce) {
     EXPECT_EQ(titles_of(level), titles_t({"one", "one", "one"}));
     EXPECT_TRUE([level dvDidPopulate]);
     folder_.file("a/two");
-    [controller_ menuWillOpen:level];
+    const std::string log = log_of([&] { [controller_ menuWillOpen:level]; });
     EXPECT_EQ(titles_of(level), titles_t({"one", "one", "one"}));
+    expect_lines(log, {formatted("Delvio: Building new level: %p %p", level, dv_->root),
+                       formatted("Delvio: Populating menu with %p; already populated? 1",
+                                 dv_->root->children),
+                       formatted("Delvio: Level built: %p %p", level, dv_->root)});
+    EXPECT_EQ(log.find("Inserting items"), std::string::npos) << log;
 }
 
 TEST_F(Population, LevelsBelowAreReadOnlyWhenTheyOpen) {
@@ -114,7 +121,13 @@ TEST_F(Population, ChildrenKnowTheirParent) {
 }
 
 TEST_F(Population, AnEmptyFolderSaysSo) {
-    NSMenu* level = open(select({folder_.folder("empty")}), "empty");
+    NSMenu* menu = select({folder_.folder("empty")});
+    NSMenu* level = [item_titled(menu, "empty") submenu];
+    dv_tree_t* elem = dv_->root;
+    const std::string log = log_of([&] { [controller_ menuWillOpen:level]; });
+    expect_lines(log,
+                 {formatted("Delvio: Building new level: %p %p", level, elem),
+                  "Delvio: Folder is empty", formatted("Delvio: Level built: %p %p", level, elem)});
     ASSERT_EQ(titles_of(level), titles_t({"Folder is empty"}));
     NSMenuItem* item = [level itemAtIndex:0];
     EXPECT_FALSE([item isEnabled]);
@@ -148,7 +161,8 @@ TEST_F(Population, ALinkToAFolderOpensAsALevel) {
 TEST_F(Population, AMenuWithoutAnElementStaysEmpty) {
     take_over();
     DVMenu* menu = [[[DVMenu alloc] initWithTitle:@"" andTree:nullptr] autorelease];
-    [controller_ menuWillOpen:menu];
+    EXPECT_EQ(log_of([&] { [controller_ menuWillOpen:menu]; }),
+              formatted("Delvio: No tree associated with menu %p\n", menu));
     EXPECT_EQ([menu numberOfItems], 0);
     EXPECT_FALSE([menu dvDidPopulate]);
 }

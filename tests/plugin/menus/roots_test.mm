@@ -119,7 +119,29 @@ class Roots : public test::MenuTest {
 TEST_F(Roots, SeparatorsMarkTheFolderBeforeThem) {
     const std::string a = folder_.folder("A"), b = folder_.folder("B");
     set("folders", array_of({"-", a, "-", "-", b}));
-    NSMenu* menu = take_over();
+    NSMenu* menu = nil;
+    const std::string log = log_of([&] { menu = take_over(); });
+    const void* folders = dv_->folders;
+    std::vector<std::string> lines = {
+        test::formatted("Delvio: Adding user directories: %p", folders),
+        "Delvio: There are 5 paths to consider."};
+    const auto entry = [&](int index) {
+        lines.push_back(test::formatted("Delvio: Item %d: %p", index,
+                                        CFArrayGetValueAtIndex(dv_->folders, index)));
+    };
+    entry(0);
+    lines.push_back("Delvio: Attempting to add user dir '-'");
+    entry(1);
+    lines.push_back("Delvio: Attempting to add user dir '" + a + "'");
+    entry(2);
+    lines.push_back("Delvio: Inserting separator");
+    entry(3);
+    lines.push_back("Delvio: Inserting separator");
+    entry(4);
+    lines.push_back("Delvio: Creating open-with menu..");
+    lines.push_back("Delvio: Done handling user dirs");
+    test::expect_lines(log, lines);
+    EXPECT_LT(log.find("to add user dir '" + a), log.find("Inserting separator"));
     ASSERT_EQ(paths_of(dv_->custom), titles_t({a + "/", b + "/"}));
     EXPECT_EQ(dv_->custom->origin,
               static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER | DV_ORIGIN_SEPARATOR_AFTER));

@@ -10,6 +10,8 @@
 
 namespace {
 
+using test::expect_lines;
+using test::formatted;
 using test::item_titled;
 using test::titles_of;
 using test::titles_t;
@@ -132,6 +134,70 @@ TEST_F(Selection, ACommandClickOpensNothing) {
     // Opened after it, so that the other would have been seen before.
     [controller_ dvItemSelected:item_titled(menu, "second.txt")];
     EXPECT_EQ(opener.wait(), titles_t({second}));
+}
+
+TEST_F(Selection, TakingTheSelectionIsLogged) {
+    const std::string folder = folder_.folder("dir"), file = folder_.file("text");
+    take_over();
+    NSArray* files = [urls_of({folder, file, folder_.path("gone")})
+        arrayByAddingObject:[NSURL URLWithString:@"mailto:somebody"]];
+    const char* description = [[files description] UTF8String];
+    const auto url = [&](NSUInteger index) {
+        return formatted("Delvio: is URL? 1 : %s",
+                         [[[files objectAtIndex:index] description] UTF8String]);
+    };
+    const std::string log = log_of([&] { [controller_ setSelectedFiles:files]; });
+    dv_tree_t *first = dv_->root, *last = dv_->root->next;
+    expect_lines(
+        log, {formatted("Delvio: Set selected files. Have URLS: 0 Is invoked: 1  Files: %s",
+                        description),
+              "Delvio: Handling selected files..", url(0), "Delvio: Add folder '" + folder + "'",
+              url(1), "Delvio: Add   file 'text'", url(2), "Delvio: Add   file 'NONE-1?'", url(3),
+              "Delvio: Did get any URLs? 1", "Delvio: Updating menu..",
+              formatted("Delvio: Order: 1 Ptrs: (nil) | %p %p | %p %p", first, first, last, last),
+              "Delvio: Done updating menu.."});
+    EXPECT_EQ(log_of([&] { [controller_ setSelectedFiles:files]; }),
+              formatted("Delvio: Set selected files. Have URLS: 1 Is invoked: 1  Files: %s\n",
+                        description));
+}
+
+TEST_F(Selection, AUrlWithoutAPathIsSkippedAndLogged) {
+    take_over();
+    // Of a name that is no text: its address has no path.
+    NSURL* url = [NSURL URLWithString:@"file:///tmp/%FF%FE"];
+    ASSERT_EQ([[url path] UTF8String], static_cast<const char*>(nullptr));
+    NSArray* files = @[ url, @"text" ];
+    const std::string log = log_of([&] { [controller_ setSelectedFiles:files]; });
+    expect_lines(log,
+                 {"Delvio: Warning, failed to get path from URL?", "Delvio: Did get any URLs? 0"});
+    EXPECT_EQ(log.find("Updating menu"), std::string::npos) << log;
+    EXPECT_EQ(dvDidGetURLs, 0);
+}
+
+TEST_F(Selection, PickingIsLogged) {
+    const test::RecordingProgram opener({"text/plain"});
+    const std::string path = folder_.file("note.txt", "text\n");
+    NSMenu* menu = select({path});
+    NSMenuItem* item = [menu itemAtIndex:0];
+    const std::string picked =
+        formatted("Delvio: Selected item %p\n"
+                  "Delvio: The selected item has title 'note.txt' and flags 8\n",
+                  item);
+    EXPECT_EQ(log_of([&] { [controller_ dvItemSelected:item]; }),
+              picked + "Delvio: Regular open of selected item at '" + path + "'\n");
+    EXPECT_EQ(opener.wait(), titles_t({path}));
+    SetHeldModifierFlags(NSCommandKeyMask);
+    EXPECT_EQ(log_of([&] { [controller_ dvItemSelected:item]; }),
+              picked + "Delvio: Selected item with command key down - is drag tap not working?\n");
+}
+
+TEST_F(Selection, AnItemWhosePathIsNoTextIsNotOpened) {
+    DVMenuItem* item = static_cast<DVMenuItem*>([select({folder_.file("a")}) itemAtIndex:0]);
+    dv_tree_t* elem = dv_create_elem(dv_create_folder_dir("/tmp/"), "\xff\xfe", 2, 0);
+    [item setTree:elem];
+    test::expect_lines(log_of([&] { [controller_ dvItemSelected:item]; }),
+                       {"Delvio: WARNING: Regular open of selected item, but no path!"});
+    dv_free_elem(elem);
 }
 
 TEST_F(Selection, ItemsOfOthersDoNothingWhenPicked) {
