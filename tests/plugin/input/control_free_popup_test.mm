@@ -15,6 +15,7 @@
 #include "loader/DVDelvio.h"
 #include "platform/events/pointer_window.h"
 #include "support/app.h"
+#include "support/dv_log.h"
 #include "support/steps.h"
 #include "support/x_input.h"
 #include "tree/dv_state.h"
@@ -110,11 +111,16 @@ constexpr double longer_than_the_delay = 0.4;
 }  // namespace
 
 TEST_F(ControlFreePopup, AHeldPressThatIsLetGoIsFollowedByOneRightClickThere) {
+    testing::internal::CaptureStdout();
+    dvEnableDebugOutput = 1;
     press();
     wait_until_armed();
     EXPECT_FALSE(has("right")) << "not before the release";
     input_.release(1);
     until("the right click", [this] { return has("right up"); });
+    dvEnableDebugOutput = 0;
+    fflush(stdout);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Delvio: Activate control-free popup\n");
     let_pass(longer_than_the_delay);
     EXPECT_EQ([window_ takeLog], "down 150 150, up 150 150, right down 150 150, right up 150 150");
 }

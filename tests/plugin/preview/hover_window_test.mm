@@ -2,11 +2,17 @@
 
 #include <QuartzCore/QuartzCore.h>
 #include <gtest/gtest.h>
+#include <stdio.h>
+#include <unistd.h>
 
+#include <algorithm>
+
+#include "finder/dv_finder.h"
 #include "loader/DVDelvio+Proxy.h"
 #include "menus/DVCircularProgressView.h"
 #include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/replaced_method.h"
 #include "preview/DVDelvio+HoverPreview.h"
 #include "preview/NSWindow+Fading.h"
 #include "support/dv_log.h"
@@ -59,6 +65,7 @@ TEST_F(HoverWindow, StandsAboveMenusClearAndWithoutABorder) {
     EXPECT_TRUE(NSEqualRects([image_view() frame], NSMakeRect(0, 0, 512, 512)));
     EXPECT_TRUE(NSEqualRects([progress() frame], NSMakeRect(192, 192, 128, 128)));
     EXPECT_EQ([image_view() imageFrameStyle], NSImageFrameNone);
+    EXPECT_EQ([image_view() imageScaling], 0u) << "in proportion";
     EXPECT_EQ([image_view() imageAlignment], NSImageAlignCenter);
     EXPECT_FALSE([image_view() isEditable]);
     EXPECT_EQ([[content() subviews] count], 0u);
@@ -66,11 +73,18 @@ TEST_F(HoverWindow, StandsAboveMenusClearAndWithoutABorder) {
 }
 
 TEST_F(HoverWindow, AFileGivesADiscAndThenItsPicture) {
-    [window_controller_ setPath:url(folder_.file("text", "A\n"))];
-    EXPECT_EQ([progress() superview], content());
-    EXPECT_TRUE([timer() isValid]);
-    EXPECT_NEAR([timer() timeInterval], 1.0 / 30, 1e-6);
-    finish();
+    NSURL* file = url(folder_.file("text", "A\n"));
+    const std::string log = log_of([&] {
+        [window_controller_ setPath:file];
+        EXPECT_EQ([progress() superview], content());
+        EXPECT_TRUE([timer() isValid]);
+        EXPECT_NEAR([timer() timeInterval], 1.0 / 30, 1e-6);
+        finish();
+    });
+    test::expect_lines(
+        log, {std::string("Delvio: Set preview path: ") + [[file description] UTF8String],
+              "Delvio: Generating new preview..", "Delvio: Generating preview image",
+              "Delvio: Falling back to old-skool text preview", "Delvio: Got preview image"});
     EXPECT_EQ([image_view() superview], content());
     EXPECT_EQ([progress() superview], nil);
     EXPECT_TRUE(NSEqualSizes([[image_view() image] size], NSMakeSize(256, 256)));
@@ -183,12 +197,199 @@ TEST_F(HoverWindow, AMovementOutsideAnyMenuStartsNoTimer) {
     EXPECT_EQ([controller_ valueForKey:@"hoverPreviewTimer"], nil);
 }
 
+namespace {
+
+// Resting on a file of a menu that is taken over.
+class Resting : public HoverWindow {
+  protected:
+    Resting() : preview_([controller_ valueForKey:@"previewWindowController"]) {
+        path_ = folder_.file("text", "A\n");
+    }
+    ~Resting() override {
+        [controller_ removeMenuAndDelegate];
+        run_until(
+            [this] { return number(preview_, @"production") == number(preview_, @"produced"); });
+    }
+    static int number(id object, NSString* key) { return [[object valueForKey:key] intValue]; }
+    void highlight(const std::string& path) {
+        NSMenu* menu = select({path});
+        [controller_ menu:menu willHighlightItem:[menu itemAtIndex:0]];
+    }
+    // The timer fires this long after the last movement.
+    std::string fire_after(double seconds) {
+        const double last = dv_double_time() - seconds;
+        [controller_ setValue:[NSNumber numberWithDouble:last] forKey:@"lastMouseMovement"];
+        return log_of([this] { [controller_ showPreviewWindow:(NSTimer*)nil]; });
+    }
+    // From the movement to its timer: the shortest of several, as a busy machine may pause between.
+    double timers_delay() {
+        double shortest = 1e9;
+        for (int i = 0; i < 50; i++) {
+            [controller_ dvPointerMoved];
+            NSTimer* next = [controller_ valueForKey:@"hoverPreviewTimer"];
+            const double moved = [[controller_ valueForKey:@"lastMouseMovement"] doubleValue];
+            shortest = std::min(shortest, [[next fireDate] timeIntervalSince1970] - moved);
+        }
+        return shortest;
+    }
+    bool is_shown() { return [preview_ isVisible]; }
+
+    DVPreviewWindowController* preview_;
+    std::string path_;
+};
+
+const char showing[] = "Delvio: Showing preview window..";
+
+}  // namespace
+
+TEST_F(Resting, AFileIsShownOnceTheDelayHasPassed) {
+    set("hoverPreviewsInterval", 50000);
+    highlight(path_);
+    EXPECT_EQ(fire_after(20).find(showing), std::string::npos);
+    EXPECT_FALSE(is_shown());
+    test::expect_lines(fire_after(50.1), {showing});
+    EXPECT_TRUE(is_shown());
+    EXPECT_STREQ([[[preview_ path] path] UTF8String], path_.c_str());
+}
+
+TEST_F(Resting, TheDelayIsShortWhileTheWindowIsShown) {
+    set("hoverPreviewsInterval", 100000);
+    highlight(path_);
+    [preview_ showPreviewWindow:nil];
+    test::expect_lines(fire_after(0.36), {showing});
+    // A busy machine may take longer to look than is left of the delay: not each time.
+    int shown = 0, tries = 0;
+    while (shown == tries && tries < 200) {
+        tries++;
+        if (fire_after(0.32).find(showing) != std::string::npos) shown++;
+    }
+    EXPECT_LT(shown, tries);
+}
+
+TEST_F(Resting, TheTimerWaitsForTheSettingOrWhileTheWindowIsShownAThirdOfASecond) {
+    set("hoverPreviewsInterval", 1500);
+    highlight(path_);
+    EXPECT_NEAR(timers_delay(), 1.5, 0.02);
+    [preview_ showPreviewWindow:nil];
+    EXPECT_NEAR(timers_delay(), 0.35, 0.02);
+}
+
+TEST_F(Resting, FoldersMissingFilesAndNoItemAreNotShown) {
+    set("hoverPreviewsInterval", 10);
+    highlight(folder_.folder("dir"));
+    EXPECT_EQ(fire_after(1).rfind("Delvio: Will show preview window? 1 1 && ", 0), 0u);
+    release();
+    highlight(path_);
+    unlink(path_.c_str());
+    EXPECT_EQ(fire_after(1).rfind("Delvio: Will show preview window? 0 0 && ", 0), 0u);
+    [controller_ menu:host_menu_ willHighlightItem:nil];
+    fire_after(1);
+    EXPECT_FALSE(is_shown());
+}
+
+TEST_F(Resting, TheDecisionIsLoggedWithItsTimes) {
+    set("hoverPreviewsInterval", 10);
+    highlight(path_);
+    const std::string log = fire_after(1);
+    int folder = -1, exists = -1, passed = -1;
+    double now = 0, last = 0;
+    ASSERT_EQ(sscanf(log.c_str(), "Delvio: Will show preview window? %d %d && %lf %lf => %d\n",
+                     &folder, &exists, &now, &last, &passed),
+              5)
+        << log;
+    EXPECT_EQ(folder, 0);
+    EXPECT_EQ(exists, 1);
+    EXPECT_EQ(passed, 1);
+    EXPECT_GE(now - last, 1);
+    EXPECT_NEAR(last, [[controller_ valueForKey:@"lastMouseMovement"] doubleValue], 1e-5);
+}
+
+TEST_F(Resting, SwitchedOffNothingIsShownAndNoTimerStarts) {
+    set("hoverPreviews", 0);
+    set("hoverPreviewsInterval", 10);
+    highlight(path_);
+    EXPECT_EQ(fire_after(1), "");
+    [controller_ dvPointerMoved];
+    EXPECT_EQ([controller_ valueForKey:@"hoverPreviewTimer"], nil);
+    EXPECT_FALSE(is_shown());
+}
+
+TEST_F(Resting, WithoutAMenuNothingIsShown) {
+    set("hoverPreviewsInterval", 10);
+    highlight(path_);
+    release();
+    EXPECT_EQ(fire_after(1), "");
+    EXPECT_FALSE(is_shown());
+}
+
+TEST_F(Resting, TheReleaseHidesTheWindow) {
+    highlight(path_);
+    [preview_ showPreviewWindow:nil];
+    ASSERT_TRUE(is_shown());
+    release();
+    EXPECT_FALSE(is_shown());
+}
+
+namespace {
+
+NSPoint pointer_at;
+
+NSPoint pointer_location(id, SEL) { return pointer_at; }
+
+NSRect visible_area(id, SEL) { return NSMakeRect(10, 20, 1200, 700); }
+
+}  // namespace
+
+TEST_F(HoverWindow, ItGoesToThePointersOtherSideAndStaysInItsHalf) {
+    const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
+                                       pointer_location);
+    const test::ReplacedMethod area([NSScreen class], @selector(visibleFrame), visible_area);
+    pointer_at = NSMakePoint(5000, 5000);
+    [window_controller_ showPreviewWindow:nil];
+    const struct {
+        NSPoint pointer, origin;
+    } rows[] = {
+        // The middle is at 610, 370: on it counts as right, and as below.
+        {{609, 371}, {698, 208}},
+        {{610, 371}, {10, 208}},
+        {{609, 370}, {698, 20}},
+        {{610, 370}, {10, 20}},
+    };
+    for (const auto& row : rows) {
+        pointer_at = row.pointer;
+        [window() setFrameOrigin:NSMakePoint(row.pointer.x - 100, row.pointer.y - 100)];
+        [window_controller_ handleMouseMoved];
+        run_until([&] { return NSEqualPoints([window() frame].origin, row.origin); });
+        EXPECT_TRUE(NSEqualSizes([window() frame].size, NSMakeSize(512, 512)));
+    }
+}
+
+TEST_F(HoverWindow, ItStaysWhereThePointerIsNotAndWhileItIsHidden) {
+    const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
+                                       pointer_location);
+    pointer_at = NSMakePoint(5000, 5000);
+    const NSRect before = [window() frame];
+    [window_controller_ showPreviewWindow:nil];
+    [window_controller_ handleMouseMoved];
+    EXPECT_TRUE(NSEqualRects([window() frame], before));
+    [window_controller_ hidePreviewWindow:nil];
+    pointer_at = NSMakePoint(100, 100);
+    [window_controller_ handleMouseMoved];
+    EXPECT_TRUE(NSEqualRects([window() frame], before));
+}
+
+TEST_F(HoverWindow, ShownUnderThePointerItMovesAtOnce) {
+    const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
+                                       pointer_location);
+    pointer_at = NSMakePoint(100, 100);
+    [window_controller_ showPreviewWindow:nil];
+    run_until([&] { return NSMinX([window() frame]) > 100; });
+}
+
 TEST_F(HoverWindow, AMovementStartsTheTimerAnewAndTheReleaseEndsIt) {
     take_over();
     [controller_ dvPointerMoved];
     NSTimer* first = [[[controller_ valueForKey:@"hoverPreviewTimer"] retain] autorelease];
-    const double moved = [[controller_ valueForKey:@"lastMouseMovement"] doubleValue];
-    EXPECT_NEAR([[first fireDate] timeIntervalSince1970] - moved, 1, 0.1);
     [controller_ dvPointerMoved];
     EXPECT_FALSE([first isValid]);
     NSTimer* second = [[[controller_ valueForKey:@"hoverPreviewTimer"] retain] autorelease];

@@ -46,7 +46,18 @@ TEST_F(PreviewMenu, IsTheSubmenuOfAFilesOptionAlternate) {
     EXPECT_EQ([menu numberOfItems], 0);
 }
 
-TEST_F(PreviewMenu, ShowsADiscAtOnceAndThePictureWhileMenusTrack) {
+TEST_F(PreviewMenu, ThePictureComesWhileMenusTrackAndIsLogged) {
+    DVMenu* menu = preview_of(folder_.file("file", "A\n"));
+    const std::string log = log_of([&] {
+        [controller_ menuWillOpen:menu];
+        run_until([&] { return [image_item(menu) image] != nil; });
+    });
+    EXPECT_EQ(log, "Delvio: Populating preview item\n"
+                   "Delvio: Falling back to old-skool text preview\n"
+                   "Delvio: Got preview image\n");
+}
+
+TEST_F(PreviewMenu, ADiscTurnsUntilThePictureIsThere) {
     DVMenu* menu = preview_of(folder_.file("file", "A\n"));
     [controller_ menuWillOpen:menu];
     ASSERT_EQ([menu numberOfItems], 1);
