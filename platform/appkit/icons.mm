@@ -1,9 +1,12 @@
-// Files' icons from the desktop's icon theme: GNUstep has one picture for all plain files.
+// Files' icons from the desktop's icon theme: GNUstep has one picture for all plain files. Pictures
+// that anybody but the system has put there are not decoded here.
 #include <AppKit/AppKit.h>
 #include <AppKit/FileIcons.h>
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
+#include <gio/gio.h>
 
+#include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
@@ -13,7 +16,10 @@
 #include "appkit/icon_names.h"
 #include "appkit/icon_theme.h"
 #include "appkit/method_patch.h"
+#include "appkit/untrusted_icons.h"
 #include "appkit/workspace_paths.h"
+#include "carbon/bundle_names.h"
+#include "carbon/small_files.h"
 
 namespace {
 
@@ -23,7 +29,9 @@ BOOL uses_stock_icons = NO;
 // In points; drawn crisp at these sizes, and at the first two in double resolution.
 const int sizes[] = {16, 32, 48};
 const CGFloat default_size = 48;
-const size_t most_icons = 512;
+const size_t most_icons = 512, largest_picture = 4 << 20;
+// Of a program that has no icon of its own, or none yet.
+const char program_key[] = "application/x-executable";
 
 NSBitmapImageRep* bitmap_of(GdkPixbuf* pixbuf) {
     const int width = gdk_pixbuf_get_width(pixbuf), height = gdk_pixbuf_get_height(pixbuf);
@@ -36,8 +44,20 @@ NSBitmapImageRep* bitmap_of(GdkPixbuf* pixbuf) {
     return bitmap;
 }
 
+// Of a plain file of a bearable size.
+GdkPixbuf* read_picture(const std::string& file, int pixels) {
+    std::string content;
+    if (!files::read_small_file(file.c_str(), largest_picture, &content)) return nullptr;
+    GInputStream* stream = g_memory_input_stream_new_from_data(
+        content.data(), static_cast<gssize>(content.size()), nullptr);
+    GdkPixbuf* picture =
+        gdk_pixbuf_new_from_stream_at_scale(stream, pixels, pixels, TRUE, nullptr, nullptr);
+    g_object_unref(stream);
+    return picture;
+}
+
 NSBitmapImageRep* load_bitmap(const std::string& file, int pixels) {
-    GdkPixbuf* read = gdk_pixbuf_new_from_file_at_size(file.c_str(), pixels, pixels, nullptr);
+    GdkPixbuf* read = read_picture(file, pixels);
     if (!read) return nil;
     GdkPixbuf* opaque_or_not = gdk_pixbuf_add_alpha(read, FALSE, 0, 0, 0);
     NSBitmapImageRep* bitmap = bitmap_of(opaque_or_not);
@@ -46,9 +66,19 @@ NSBitmapImageRep* load_bitmap(const std::string& file, int pixels) {
     return bitmap;
 }
 
-std::string icon_file(const std::vector<std::string>& names, int pixels) {
-    if (!names.empty() && names[0][0] == '/') return names[0];
+std::string icon_file(std::vector<std::string> names, int pixels) {
+    if (!names.empty() && names[0][0] == '/') {
+        if (is_systems_own(names[0])) return names[0];
+        names.erase(names.begin());
+    }
     return find_icon(user_icon_theme(), names, pixels);
+}
+
+// The picture that a file names as its own and that nobody vouches for; empty for most.
+std::string untrusted_file(const std::string& key) {
+    const std::vector<std::string> names = icon_names(key);
+    const bool is_path = !names.empty() && names[0][0] == '/';
+    return is_path && !is_systems_own(names[0]) ? names[0] : "";
 }
 
 // The pictures of a key in all sizes; none if the theme has none. Retained for the cache.
@@ -82,21 +112,52 @@ NSImage* image_of(NSArray* pictures, NSSize size) {
     return [image autorelease];
 }
 
+NSImage* stock_image(NSWorkspace* self, NSString* path) {
+    auto stock = reinterpret_cast<NSImage* (*)(id, SEL, NSString*)>(stock_icon);
+    return stock(self, @selector(iconForFile:), path);
+}
+
+// GNUstep's own way for what the theme has no icon for. It would decode what it finds in a folder.
+NSImage* plain_image(NSWorkspace* self, const std::string& key, NSString* path) {
+    NSImage* shared =
+        key[0] == '@' ? stock_image(self, @"/usr") : [self iconForFileType:[path pathExtension]];
+    return shared ? image_of([shared representations], [shared size]) : nil;
+}
+
+NSImage* image_for_key(NSWorkspace* self, const std::string& key, NSString* path) {
+    NSArray* bitmaps = bitmaps_for_key(key);
+    if ([bitmaps count] == 0) return plain_image(self, key, path);
+    return image_of(bitmaps, NSMakeSize(default_size, default_size));
+}
+
 // GNUstep's bundles carry their own icons.
 bool has_icon_of_its_own(const std::string& path) {
     return path.ends_with(".app") && access((path + "/Resources").c_str(), F_OK) == 0;
 }
 
-NSImage* icon_for_file(NSWorkspace* self, SEL selector, NSString* path) {
-    auto stock = reinterpret_cast<NSImage* (*)(id, SEL, NSString*)>(stock_icon);
-    if (uses_stock_icons) return stock(self, selector, path);
-    const std::string bytes = path_bytes(path);
-    NSArray* bitmaps = has_icon_of_its_own(bytes) ? nil : bitmaps_for_key(icon_key(bytes));
-    if ([bitmaps count] > 0) {
-        return image_of(bitmaps, NSMakeSize(default_size, default_size));
+NSImage* image_of_bundle(NSWorkspace* self, const std::string& bytes, NSString* path) {
+    char* resolved = realpath(bytes.c_str(), nullptr);
+    const std::string place = resolved ? resolved : bytes;
+    free(resolved);
+    if (is_systems_own(place)) {
+        NSImage* shared = stock_image(self, path);
+        if (shared) return image_of([shared representations], [shared size]);
     }
-    NSImage* shared = stock(self, selector, path);
-    return shared ? image_of([shared representations], [shared size]) : nil;
+    NSImage* image = image_for_key(self, program_key, path);
+    const std::string file = files::bundle_icon(place.c_str());
+    if (!file.empty()) show_untrusted_icon(image, file);
+    return image;
+}
+
+NSImage* icon_for_file(NSWorkspace* self, SEL, NSString* path) {
+    if (uses_stock_icons) return stock_image(self, path);
+    const std::string bytes = path_bytes(path);
+    if (has_icon_of_its_own(bytes)) return image_of_bundle(self, bytes, path);
+    const std::string key = icon_key(bytes);
+    NSImage* image = image_for_key(self, key, path);
+    const std::string file = untrusted_file(key);
+    if (!file.empty()) show_untrusted_icon(image, file);
+    return image;
 }
 
 }  // namespace

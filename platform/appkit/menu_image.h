@@ -17,6 +17,8 @@ class image_cache_t {
 
     // Null for an image without pixels. Belongs to the cache, until the next call.
     cairo_surface_t* surface(NSImage* image, int width, int height);
+    // The image has other pixels now.
+    void forget(NSImage* image);
     void clear();
 
   private:

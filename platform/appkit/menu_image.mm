@@ -117,6 +117,14 @@ void image_cache_t::clear() {
     surfaces_.clear();
 }
 
+void image_cache_t::forget(NSImage* image) {
+    const auto found = surfaces_.find(image);
+    if (found == surfaces_.end()) return;
+    cairo_surface_destroy(found->second);
+    surfaces_.erase(found);
+    [image release];
+}
+
 cairo_surface_t* image_cache_t::surface(NSImage* image, int width, int height) {
     if (!image || width <= 0 || height <= 0) return nullptr;
     const auto found = surfaces_.find(image);

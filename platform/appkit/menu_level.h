@@ -61,6 +61,7 @@ class menu_level_t {
     // Rows that a panel shows.
     int rows_per_page() const;
 
+    void redraw();
     // From the view.
     void draw(NSRect dirty);
     // The level as it is shown, its panel's corner at (left, top) of a picture.
@@ -70,7 +71,6 @@ class menu_level_t {
     void put_on_screen();
     void place_views();
     void remove_views();
-    void redraw();
     void redraw_row(NSMenuItem* item);
     int margin() const { return style_.composed ? style_.look.shadow_extent : 0; }
     int most_scroll() const;

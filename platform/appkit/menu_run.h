@@ -27,6 +27,8 @@ class menu_run_t {
     static menu_run_t* current();
     // Run that shows this menu, or null.
     void menu_changed(NSMenu* menu);
+    // The pixels of an item's image are others now, its size is not.
+    void image_changed(NSImage* image);
     // The session changed: by this run, or by somebody while it sleeps.
     void session_changed();
 

@@ -124,6 +124,13 @@ void menu_run_t::menu_changed(NSMenu* menu) {
     if (outer_) outer_->menu_changed(menu);
 }
 
+void menu_run_t::image_changed(NSImage* image) {
+    images_.forget(image);
+    for (const auto& level : levels_) level->redraw();
+    session_changed();
+    if (outer_) outer_->image_changed(image);
+}
+
 void menu_run_t::track(NSEvent* event) {
     open(event);
     if (!levels_.empty() && levels_[0]->is_shown() && grab_.take(levels_[0]->window())) {

@@ -14,4 +14,8 @@ CFStringRef copy_bundle_name(const char* path);
 // The path of its program, symbolic links resolved; empty when it has none.
 std::string bundle_program(const char* path);
 
+// The path of the picture that its information list names as its icon, or of one that has the
+// bundle's name; empty when there is none. Any file can be named there.
+std::string bundle_icon(const char* path);
+
 }  // namespace files

@@ -3,6 +3,7 @@
 #import <Foundation/Foundation.h>
 
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include "carbon/small_files.h"
 #include "corefoundation/property_lists.h"
@@ -30,6 +31,32 @@ NSString* name_in(NSDictionary* information) {
     return nil;
 }
 
+bool is_plain_file(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// The file of this name, with or without an ending of pictures, in one of the bundle's folders.
+std::string picture_in(const std::string& path, const std::string& name) {
+    for (const char* folder : {"/Resources/", "/Contents/Resources/", "/"}) {
+        for (const char* ending : {"", ".png", ".tiff", ".tif", ".icns", ".svg", ".jpg"}) {
+            const std::string file = path + folder + name + ending;
+            if (is_plain_file(file)) return file;
+        }
+    }
+    return {};
+}
+
+std::string icon_name_in(NSDictionary* information) {
+    for (NSString* key in @[ @"NSIcon", @"CFBundleIconFile" ]) {
+        NSString* name = [information objectForKey:key];
+        const bool is_name = [name isKindOfClass:[NSString class]] && [name length] > 0;
+        const char* bytes = is_name ? [name UTF8String] : nullptr;
+        if (bytes) return bytes;
+    }
+    return {};
+}
+
 }  // namespace
 
 CFStringRef copy_bundle_name(const char* path) {
@@ -40,6 +67,22 @@ CFStringRef copy_bundle_name(const char* path) {
         }
     }
     return nullptr;
+}
+
+std::string bundle_icon(const char* path) {
+    const std::string bundle = path;
+    std::string name;
+    @autoreleasepool {
+        for (const char* file : information_files) {
+            if (name.empty()) name = icon_name_in(information_in(bundle + file));
+        }
+    }
+    if (name.starts_with('/')) return name;
+    if (name.empty()) {
+        name = bundle.substr(bundle.rfind('/') + 1);
+        if (name.ends_with(".app")) name.resize(name.size() - 4);
+    }
+    return name.find('/') == std::string::npos ? picture_in(bundle, name) : "";
 }
 
 std::string bundle_program(const char* path) {

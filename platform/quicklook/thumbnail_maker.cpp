@@ -75,6 +75,16 @@ Picture ThumbnailMaker::make(const std::string& path, Box box) {
     }
 }
 
+Picture ThumbnailMaker::decode_image(const std::string& path, Box box) {
+    try {
+        if (settings_.helper_folder.empty()) return {};
+        const Turns::Turn turn(turns_);
+        return fitted(run(Route::image, {{path}, box, box, "", Route::image}).picture, box);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
 Picture ThumbnailMaker::find(const std::string& path, Box box) {
     Request request = {{}, box, cache_box(box), type_by_name(path), Route::none};
     request.route = route_for(request.type);

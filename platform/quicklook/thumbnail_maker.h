@@ -34,6 +34,10 @@ class ThumbnailMaker {
     // Any thread, several at once; waits for its turn, the newest call goes first.
     Picture make(const std::string& path, Box box);
 
+    // The same of an image, and of nothing else; the cache is neither asked nor filled, and nothing
+    // is looked at before.
+    Picture decode_image(const std::string& path, Box box);
+
     // Whether the helper runs in bubblewrap here, for decoders or for thumbnailer programs. Tried
     // once.
     bool bubblewrap_works(bool for_programs);

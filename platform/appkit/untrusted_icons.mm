@@ -1,0 +1,167 @@
+#include "appkit/untrusted_icons.h"
+
+#include <string.h>
+
+#include <algorithm>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "appkit/bitmaps.h"
+#include "appkit/menu_run.h"
+#include "quicklook/icon_decoder.h"
+
+namespace {
+
+using thumbnails::DecodedIcon;
+using thumbnails::IconStamp;
+using thumbnails::Picture;
+
+const int side = 64;
+const size_t most_known = 512;
+// Between two looks at a file whose picture is known.
+const double seconds_between_looks = 2;
+
+struct known_t {
+    IconStamp stamp;
+    NSBitmapImageRep* bitmap = nil;  // retained; nil: it has none
+    bool is_asked = false;
+    double asked_at = 0;
+    std::vector<NSImage*> waiting;  // retained
+};
+
+std::unordered_map<std::string, known_t>& known_icons() {
+    static auto& icons = *new std::unordered_map<std::string, known_t>;
+    return icons;
+}
+
+double now() { return [NSDate timeIntervalSinceReferenceDate]; }
+
+// Menus show icons as squares.
+NSBitmapImageRep* square_bitmap(const Picture& picture) {
+    const int edge = std::max(picture.width, picture.height);
+    NSBitmapImageRep* bitmap = make_bitmap(edge, edge, NSAlphaNonpremultipliedBitmapFormat);
+    unsigned char* to = [bitmap bitmapData];
+    const auto row = static_cast<size_t>([bitmap bytesPerRow]);
+    memset(to, 0, row * static_cast<size_t>(edge));
+    to += static_cast<size_t>((edge - picture.height) / 2) * row +
+          static_cast<size_t>((edge - picture.width) / 2) * 4;
+    const size_t width = static_cast<size_t>(picture.width) * 4;
+    for (size_t y = 0; y < static_cast<size_t>(picture.height); y++) {
+        memcpy(to + y * row, picture.pixels.data() + y * width, width);
+    }
+    return bitmap;
+}
+
+void give(NSImage* image, NSBitmapImageRep* bitmap) {
+    for (NSImageRep* rep in [[[image representations] copy] autorelease]) {
+        [image removeRepresentation:rep];
+    }
+    [image addRepresentation:bitmap];
+    if (menu_run_t* run = menu_run_t::current()) run->image_changed(image);
+}
+
+void take(known_t& known, const DecodedIcon& icon) {
+    if (icon.stamp == known.stamp) return;
+    known.stamp = icon.stamp;
+    [known.bitmap release];
+    known.bitmap = icon.picture ? [square_bitmap(icon.picture) retain] : nil;
+    if (!known.bitmap) return;
+    for (NSImage* image : known.waiting) give(image, known.bitmap);
+}
+
+struct arrival_t {
+    std::string file;
+    std::optional<DecodedIcon> icon;
+};
+
+void take_arrival(const arrival_t& arrival) {
+    known_t& known = known_icons()[arrival.file];
+    known.is_asked = false;
+    known.asked_at = now();
+    if (arrival.icon) take(known, *arrival.icon);
+    for (NSImage* image : known.waiting) [image release];
+    known.waiting.clear();
+}
+
+}  // namespace
+
+// An icon on its way to the main thread.
+@interface IconArrival : NSObject {
+  @private
+    arrival_t* _arrival;  // owned
+}
+- (instancetype)initWithArrival:(arrival_t*)arrival;
+- (void)arrive;
+@end
+
+@implementation IconArrival
+
+- (instancetype)initWithArrival:(arrival_t*)arrival {
+    if ((self = [super init])) _arrival = arrival;
+    return self;
+}
+
+- (void)dealloc {
+    delete _arrival;
+    [super dealloc];
+}
+
+- (void)arrive {
+    take_arrival(*_arrival);
+}
+
+@end
+
+namespace {
+
+// While menus and panels are open, too.
+void send(const std::string& file, const std::optional<DecodedIcon>& icon) {
+    @autoreleasepool {
+        IconArrival* arrival = [[IconArrival alloc] initWithArrival:new arrival_t{file, icon}];
+        [arrival performSelectorOnMainThread:@selector(arrive)
+                                  withObject:nil
+                               waitUntilDone:NO
+                                       modes:@[
+                                           NSDefaultRunLoopMode, NSEventTrackingRunLoopMode,
+                                           NSModalPanelRunLoopMode
+                                       ]];
+        [arrival release];
+    }
+}
+
+void ask(const std::string& file, known_t& known) {
+    known.is_asked = true;
+    thumbnails::decode_icon(file, side, known.stamp,
+                            [file](const std::optional<DecodedIcon>& icon) { send(file, icon); });
+}
+
+void forget_some() {
+    auto& icons = known_icons();
+    if (icons.size() < most_known) return;
+    std::erase_if(icons, [](const auto& entry) {
+        if (entry.second.is_asked) return false;
+        [entry.second.bitmap release];
+        return true;
+    });
+}
+
+}  // namespace
+
+bool is_systems_own(const std::string& path) {
+    return path.starts_with("/usr/") && path.find("/../") == std::string::npos;
+}
+
+void show_untrusted_icon(NSImage* image, const std::string& file) {
+    forget_some();
+    known_t& known = known_icons()[file];
+    if (known.bitmap) give(image, known.bitmap);
+    if (!known.is_asked && now() - known.asked_at > seconds_between_looks) ask(file, known);
+    if (known.is_asked) known.waiting.push_back([image retain]);
+}
+
+size_t awaited_icons() {
+    const auto& icons = known_icons();
+    return static_cast<size_t>(std::count_if(
+        icons.begin(), icons.end(), [](const auto& entry) { return entry.second.is_asked; }));
+}
