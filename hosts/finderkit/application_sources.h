@@ -21,5 +21,6 @@ ApplicationSources FindApplicationSources();
 // language. False for a broken one.
 bool IsOfferedEntry(const std::string& path, std::string* name);
 
-// Whether the bundle is a program that the user sees; *name receives its own name.
+// Whether the bundle is a program that the user sees and that declares files that it opens; *name
+// receives its own name.
 bool IsOfferedBundle(const std::string& path, std::string* name);

@@ -6,6 +6,8 @@
 #include <gio/gdesktopappinfo.h>
 #include <sys/stat.h>
 
+#include <set>
+
 namespace {
 
 const off_t largest_entry = 256 * 1024;
@@ -42,16 +44,25 @@ bool is_folder(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+using Folders = std::set<std::pair<dev_t, ino_t>>;
+
+// Whether it is met for the first time: links may lead round in a circle.
+bool is_new(const std::string& path, Folders* seen) {
+    struct stat status;
+    return stat(path.c_str(), &status) != 0 || seen->emplace(status.st_dev, status.st_ino).second;
+}
+
 // An entry in an inner folder has the folder's name before its own.
-void find_entries(const std::string& path, const std::string& prefix, int depth,
+void find_entries(const std::string& path, const std::string& prefix, int depth, Folders* seen,
                   ApplicationSources* sources) {
+    if (!is_new(path, seen)) return;
     sources->folders.push_back(path);
     for (const std::string& name : names_in(path)) {
         const std::string inner = path + "/" + name;
         if (name.ends_with(".desktop")) {
             sources->entries.try_emplace(prefix + name, inner);
         } else if (depth < deepest_folder && is_folder(inner)) {
-            find_entries(inner, prefix + name + "-", depth + 1, sources);
+            find_entries(inner, prefix + name + "-", depth + 1, seen, sources);
         }
     }
 }
@@ -84,6 +95,15 @@ bool is_in_background(NSDictionary* information) {
     return false;
 }
 
+// GNUstep's servers and panels take none: the speech servers, the recycler.
+bool takes_files(NSDictionary* information) {
+    for (NSString* key in @[ @"NSTypes", @"CFBundleDocumentTypes" ]) {
+        id types = [information objectForKey:key];
+        if ([types isKindOfClass:[NSArray class]] && [types count] > 0) return true;
+    }
+    return false;
+}
+
 std::string name_of(NSDictionary* information, const std::string& path) {
     for (NSString* key in @[ @"CFBundleDisplayName", @"ApplicationName" ]) {
         id name = [information objectForKey:key];
@@ -98,6 +118,8 @@ std::string name_of(NSDictionary* information, const std::string& path) {
 std::string DescribeApplicationSources() {
     const char* desktop = g_getenv("XDG_CURRENT_DESKTOP");
     std::string line = desktop ? desktop : "";
+    // Names are in the user's language, and so is their order.
+    line += std::string(":") + g_get_language_names()[0];
     for (const std::string& folder : data_folders()) line += ":" + folder;
     for (const std::string& folder : bundle_folders()) line += ":" + folder;
     for (char& byte : line) {
@@ -108,8 +130,9 @@ std::string DescribeApplicationSources() {
 
 ApplicationSources FindApplicationSources() {
     ApplicationSources sources;
+    Folders seen;
     for (const std::string& folder : data_folders()) {
-        find_entries(folder + "/applications", "", 0, &sources);
+        find_entries(folder + "/applications", "", 0, &seen, &sources);
     }
     for (const std::string& folder : bundle_folders()) find_bundles(folder, &sources);
     return sources;
@@ -135,7 +158,10 @@ bool IsOfferedBundle(const std::string& path, std::string* name) {
         @try {
             NSBundle* bundle = text ? [NSBundle bundleWithPath:text] : nil;
             NSDictionary* information = [bundle infoDictionary];
-            if (![bundle executablePath] || is_in_background(information)) return false;
+            if (![bundle executablePath] || is_in_background(information) ||
+                !takes_files(information)) {
+                return false;
+            }
             *name = name_of(information, path);
             return true;
         } @catch (NSException*) {

@@ -1,20 +1,19 @@
 #include "finderkit/applications_folder.h"
 
+#include <Carbon/HostProcess.h>
 #include <CoreFoundation/ForcedPreferences.h>
 
-#include <fcntl.h>
 #include <glib.h>
+#include <limits.h>
 #include <sys/stat.h>
 #include <time.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
 
 #include "finderkit/application_sources.h"
+#include "finderkit/link_folder.h"
 
 namespace fs = std::filesystem;
 
@@ -22,17 +21,9 @@ namespace {
 
 // An entry edited in place, or a program that has gone, changes no folder.
 const time_t longest_trust = 60 * 60;
+const size_t longest_name = 255;
 
-// Where the folder and its record stand.
-fs::path own_place() { return fs::path(g_get_user_data_dir()) / "delvio"; }
-fs::path folder_path() { return own_place() / "Applications"; }
-fs::path record_path() { return own_place() / "Applications.state"; }
-
-// A name that is not taken, on the file system of the folder.
-fs::path fresh_path() {
-    static unsigned serial;
-    return own_place() / (".new-" + std::to_string(getpid()) + "-" + std::to_string(serial++));
-}
+std::string own_place() { return std::string(g_get_user_cache_dir()) + "/delvio"; }
 
 std::string stamp_of(const std::string& path) {
     struct stat status;
@@ -40,163 +31,86 @@ std::string stamp_of(const std::string& path) {
     return std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
 }
 
-// A line for where applications are sought, then one for each folder as it was: STAMP PATH.
-using Record = std::map<std::string, std::string>;
+// Whether a folder made from this record is still right.
+bool is_current(const LinkRecord& record, time_t made_at) {
+    const time_t age = time(nullptr) - made_at;
+    return age >= 0 && age <= longest_trust && record.origin == DescribeApplicationSources() &&
+           std::all_of(record.stamps.begin(), record.stamps.end(),
+                       [](const auto& one) { return stamp_of(one.first) == one.second; });
+}
 
-bool is_current() {
-    struct stat status;
-    const fs::path path = record_path();
-    if (stat(path.c_str(), &status) != 0) return false;
-    const time_t age = time(nullptr) - status.st_mtim.tv_sec;
-    if (age < 0 || age > longest_trust) return false;
-    std::ifstream file(path);
-    std::string line;
-    if (!std::getline(file, line) || line != DescribeApplicationSources()) return false;
-    while (std::getline(file, line)) {
-        const size_t blank = line.find(' ');
-        if (blank == line.npos || stamp_of(line.substr(blank + 1)) != line.substr(0, blank)) {
-            return false;
-        }
+// Letters that sort as the names do: a menu is in the order of its files' names. They are the same
+// in each folder made, so that an open menu never finds another program under a name.
+std::string sorting_letters(const std::string& name) {
+    g_autofree char* valid = g_utf8_make_valid(name.c_str(), -1);
+    g_autofree char* folded = g_utf8_casefold(valid, -1);
+    g_autofree char* key = g_utf8_collate_key(folded, -1);
+    std::string letters;
+    for (const char* byte = key; *byte; byte++) {
+        const auto value = static_cast<unsigned char>(*byte);
+        letters += static_cast<char>('a' + value / 16);
+        letters += static_cast<char>('a' + value % 16);
     }
-    return true;
+    return letters;
 }
 
-bool replace_file(const fs::path& path, const std::string& content, const timespec* changed) {
-    const fs::path fresh = fresh_path();
-    std::ofstream file(fresh, std::ios::binary);
-    file << content;
-    file.close();
-    std::error_code error;
-    bool done = file.good();
-    if (done && changed) {
-        const timespec times[] = {*changed, *changed};
-        done = utimensat(AT_FDCWD, fresh.c_str(), times, 0) == 0;
-    }
-    if (done) fs::rename(fresh, path, error);
-    if (done && !error) return true;
-    fs::remove(fresh, error);
-    return false;
+void add_link(const std::string& name, const std::string& file, const std::string& target,
+              LinkRecord* record) {
+    if (file.size() + 1 >= longest_name) return;
+    const std::string letters = sorting_letters(name).substr(0, longest_name - file.size() - 1);
+    record->links[letters + "." + file] = target;
 }
 
-void write_record(const Record& stamps) {
-    std::string content = DescribeApplicationSources() + "\n";
-    for (const auto& [path, stamp] : stamps) {
-        if (path.find('\n') == path.npos) content += stamp + " " + path + "\n";
-    }
-    replace_file(record_path(), content, nullptr);
-}
-
-std::string content_of(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream content;
-    content << file.rdbuf();
-    return content.str();
-}
-
-// The copy has the time of what it is a copy of.
-bool keep_copy(const std::string& source, const fs::path& copy) {
-    struct stat theirs, ours;
-    if (stat(source.c_str(), &theirs) != 0) return false;
-    if (lstat(copy.c_str(), &ours) == 0 && S_ISREG(ours.st_mode) &&
-        ours.st_size == theirs.st_size && ours.st_mtim.tv_sec == theirs.st_mtim.tv_sec &&
-        ours.st_mtim.tv_nsec == theirs.st_mtim.tv_nsec) {
-        return true;
-    }
-    return replace_file(copy, content_of(source), &theirs.st_mtim);
-}
-
-using Links = std::map<std::string, std::string>;
-
-Links links_to(const std::string& bundle) {
-    Links links;
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(bundle, error)) {
-        links[entry.path().filename()] = entry.path();
-    }
-    return links;
-}
-
-Links links_in(const fs::path& folder) {
-    Links links;
-    std::error_code error;
-    if (fs::is_symlink(folder, error)) return links;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder, error)) {
-        links[entry.path().filename()] = fs::read_symlink(entry.path(), error);
-    }
-    return links;
-}
-
-bool keep_links(const std::string& bundle, const fs::path& folder) {
-    const Links links = links_to(bundle);
-    if (links == links_in(folder)) return true;
-    const fs::path fresh = fresh_path();
-    std::error_code error;
-    fs::create_directory(fresh, error);
-    for (const auto& [name, target] : links) fs::create_symlink(target, fresh / name, error);
-    fs::remove_all(folder, error);
-    fs::rename(fresh, folder, error);
-    if (!error) return true;
-    fs::remove_all(fresh, error);
-    return false;
-}
-
-// Whether it is of the kind that this program makes.
-bool is_ours(const fs::directory_entry& entry) {
-    const std::string name = entry.path().filename();
-    if (entry.is_symlink()) return false;
-    if (entry.is_regular_file()) return name.ends_with(".desktop");
-    if (!entry.is_directory() || !name.ends_with(".app")) return false;
-    const Links links = links_in(entry.path());
-    return std::none_of(links.begin(), links.end(),
-                        [](const auto& link) { return link.second.empty(); });
-}
-
-// What was offered once and is no more. Whatever else the user keeps there stays.
-void remove_others(const std::set<std::string>& kept) {
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder_path(), error)) {
-        if (kept.contains(entry.path().filename()) || !is_ours(entry)) continue;
-        fs::remove_all(entry.path(), error);
-    }
-}
-
-bool rebuild() {
-    std::error_code error;
-    fs::create_directories(folder_path(), error);
-    // A link is the user's, and so is what it leads to.
-    if (error || fs::is_symlink(folder_path(), error)) return false;
+LinkRecord offered_applications() {
+    LinkRecord record;
+    record.origin = DescribeApplicationSources();
     const ApplicationSources sources = FindApplicationSources();
-    Record stamps;
-    for (const std::string& folder : sources.folders) stamps[folder] = stamp_of(folder);
-
-    std::set<std::string> kept, names;
+    for (const std::string& folder : sources.folders) record.stamps[folder] = stamp_of(folder);
+    std::set<std::string> names;
     std::string name;
-    bool complete = true;
     for (const auto& [file, path] : sources.entries) {
         if (!IsOfferedEntry(path, &name)) continue;
-        complete = keep_copy(path, folder_path() / file) && complete;
-        kept.insert(file);
+        add_link(name, file, path, &record);
         names.insert(name);
     }
     for (const auto& [file, path] : sources.bundles) {
         // Many bundles have an entry of the desktop too.
         if (!IsOfferedBundle(path, &name) || !names.insert(name).second) continue;
-        complete = keep_links(path, folder_path() / file) && complete;
-        kept.insert(file);
+        add_link(name, file, path, &record);
     }
-    remove_others(kept);
-    stamps[folder_path()] = stamp_of(folder_path());
-    if (complete) write_record(stamps);
-    return complete;
+    return record;
+}
+
+// The plug-in's preferences; null before one is loaded.
+CFStringRef plug_in_domain;
+
+// The setting open_with_path; empty when there is none.
+std::string configured_folder() {
+    if (!plug_in_domain) return {};
+    const CFPropertyListRef value =
+        CFPreferencesCopyAppValue(CFSTR("open_with_path"), plug_in_domain);
+    char path[PATH_MAX] = "";
+    if (value && CFGetTypeID(value) == CFStringGetTypeID()) {
+        CFStringGetCString(static_cast<CFStringRef>(value), path, sizeof path,
+                           kCFStringEncodingUTF8);
+    }
+    CFRelease(value);
+    return path;
 }
 
 }  // namespace
 
-std::string ApplicationsFolder() { return folder_path(); }
+std::string ApplicationsFolder() { return own_place() + "/applications"; }
 
 bool UpdateApplicationsFolder() {
     try {
-        return is_current() || rebuild();
+        LinkRecord record;
+        time_t made_at = 0;
+        const std::string path = ApplicationsFolder();
+        if (ReadLinkFolder(path, &record, &made_at) && is_current(record, made_at)) return true;
+        std::error_code error;
+        fs::create_directories(own_place(), error);
+        return !error && MakeLinkFolder(path, offered_applications());
     } catch (...) {
         return false;
     }
@@ -204,10 +118,20 @@ bool UpdateApplicationsFolder() {
 
 void OfferApplicationsFolder(CFStringRef domain) {
     UpdateApplicationsFolder();
-    std::error_code error;
-    if (!domain || !fs::is_directory(ApplicationsFolder(), error)) return;
+    if (domain) CFRetain(domain);
+    CFRelease(plug_in_domain);
+    plug_in_domain = domain;
+    LinkRecord record;
+    time_t made_at = 0;
+    if (!domain || !ReadLinkFolder(ApplicationsFolder(), &record, &made_at)) return;
     const CFStringRef path =
         CFStringCreateWithCString(nullptr, ApplicationsFolder().c_str(), kCFStringEncodingUTF8);
     if (path) SetFallbackPreference(CFSTR("open_with_path"), path, domain);
     CFRelease(path);
+}
+
+void PrepareApplications() {
+    UpdateApplicationsFolder();
+    const std::string folder = configured_folder();
+    DeclareApplicationsFolder(folder.empty() ? nullptr : folder.c_str());
 }

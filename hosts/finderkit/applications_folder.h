@@ -1,7 +1,7 @@
-// The folder that stands for the Mac's "/Applications": $XDG_DATA_HOME/delvio/Applications, with
-// what the user may open files with. Of the desktop's entries that are shown in menus and take
-// files it holds copies, for a link would count as a plain file; of GNUstep's ".app" bundles
-// folders of links. Main thread.
+// The folder that stands for the Mac's "/Applications": a folder of links, one to each application
+// that the user may open files with, in $XDG_CACHE_HOME/delvio/applications. It is this program's
+// own and made anew as a whole when it is stale; nothing that somebody else has put there is ever
+// removed. Main thread.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,9 +11,13 @@
 // Its path, whether it is there or not.
 std::string ApplicationsFolder();
 
-// Brings the folder up to date: a few stats when nothing has changed since the last time, by
-// whatever program. False when it cannot be written; what it holds then may be old or missing.
+// Brings the folder up to date: some stats when nothing has changed since the last time, by
+// whatever program. False when it cannot be made; what it holds then may be old or missing.
 bool UpdateApplicationsFolder();
 
 // Lets the plug-in with these preferences list this folder unless the user has named another one.
 void OfferApplicationsFolder(CFStringRef domain);
+
+// Before a menu: brings the folder up to date, and believes the applications of the one that the
+// user has named in those preferences.
+void PrepareApplications();

@@ -61,9 +61,9 @@ NSURL* file_url(const std::string& path) {
 
 @implementation TContextMenu
 
-// What is installed may have changed since the last menu.
+// What is installed, and the setting, may have changed since the last menu.
 - (instancetype)initWithTitle:(NSString*)title {
-    if ((self = [super initWithTitle:title])) UpdateApplicationsFolder();
+    if ((self = [super initWithTitle:title])) PrepareApplications();
     return self;
 }
 

@@ -3,6 +3,8 @@
 #include <gio/gio.h>
 #include <sys/stat.h>
 
+#include "carbon/desktop_entries.h"
+
 namespace {
 
 // Keys: a content type, or one of these marks and themed names.
@@ -51,6 +53,14 @@ bool has_ending(const std::string& path, const char* ending) {
     return g_str_has_suffix(path.c_str(), ending);
 }
 
+// Names have no endings, but entries often give one all the same.
+void drop_ending(std::string& name) {
+    if (name.empty() || name[0] == '/') return;
+    for (const char* ending : {".png", ".svg", ".xpm"}) {
+        if (has_ending(name, ending)) return name.resize(name.size() - 4);
+    }
+}
+
 // The icon that a desktop entry names, empty if it is none.
 std::string entry_icon(const std::string& path) {
     GKeyFile* file = g_key_file_new();
@@ -61,6 +71,7 @@ std::string entry_icon(const std::string& path) {
         g_free(value);
     }
     g_key_file_unref(file);
+    drop_ending(icon);
     return icon;
 }
 
@@ -76,8 +87,16 @@ std::string type_key(const std::string& path, mode_t mode) {
 std::string file_key(const std::string& path, const struct stat& entry) {
     const off_t largest_entry = 65536;
     if (has_ending(path, ".desktop") && entry.st_size < largest_entry) {
+        switch (files::desktop_entry_at(path).standing) {
+            case files::Standing::document:
+                return "text/plain";
+            case files::Standing::program:
+                return "application/x-executable";
+            case files::Standing::application:
+                break;
+        }
         const std::string icon = entry_icon(path);
-        if (!icon.empty()) return entry_mark + icon;
+        return icon.empty() ? "application/x-executable" : entry_mark + icon;
     }
     return type_key(path, entry.st_mode);
 }

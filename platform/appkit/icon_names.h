@@ -1,5 +1,6 @@
 // Which icon a file has, by its name and what the file system says of it. Files are not opened, but
-// for small .desktop entries, which name their icons themselves.
+// for small .desktop entries: the desktop's own name their icons themselves, a stranger's looks
+// like a text, or like a program where it is executable.
 #pragma once
 
 #include <string>

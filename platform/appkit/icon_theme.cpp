@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <glib.h>
+#include <limits.h>
 #include <stdlib.h>
 
 #include <algorithm>
@@ -128,6 +129,20 @@ std::vector<std::string> load_theme(one_theme_t& theme, const std::string& name)
     return parents;
 }
 
+// Pictures that belong to no theme and have whatever size they have.
+one_theme_t icons_without_theme() {
+    one_theme_t theme;
+    std::vector<std::string> folders = base_folders();
+    for (const char* const* i = g_get_system_data_dirs(); *i; i++) {
+        folders.push_back(std::string(*i) + "/pixmaps");
+    }
+    for (const std::string& folder : folders) {
+        theme.folders.push_back({folder, 0, INT_MAX});
+        list_icons(theme, theme.folders.size() - 1);
+    }
+    return theme;
+}
+
 std::string theme_name() {
     key_file_t settings;
     settings.load(std::string(g_get_user_config_dir()) + "/gtk-3.0/settings.ini");
@@ -169,6 +184,7 @@ const icon_theme_t& user_icon_theme() {
                 }
             }
         }
+        result->chain.push_back(icons_without_theme());
         return result;
     }();
     return *theme;
@@ -176,8 +192,8 @@ const icon_theme_t& user_icon_theme() {
 
 std::string find_icon(const icon_theme_t& theme, const std::vector<std::string>& names,
                       int pixels) {
-    for (const one_theme_t& link : theme.chain) {
-        for (const std::string& name : names) {
+    for (const std::string& name : names) {
+        for (const one_theme_t& link : theme.chain) {
             const std::string file = best_file(link, name, pixels);
             if (!file.empty()) return file;
         }

@@ -1,5 +1,6 @@
 // Finds icons by name in the desktop's icon theme, by the freedesktop.org rules: the user's theme,
-// the themes that it inherits from, then hicolor. Folders are listed once. Main thread.
+// the themes that it inherits from, then hicolor, then pictures without a theme. Folders are listed
+// once. Main thread.
 #pragma once
 
 #include <memory>
@@ -11,6 +12,7 @@ struct icon_theme_t;
 // The theme of the user's settings, Adwaita if they name none. Made at the first call.
 const icon_theme_t& user_icon_theme();
 
-// The file of the best-fitting icon for `pixels`, a PNG or an SVG: the first theme that has one of
-// the names, the names in their order. Empty if none has.
+// The file of the best-fitting icon for `pixels`, a PNG or an SVG: of the first name that any theme
+// has, from the first theme that has it. So a program's own icon from the last theme comes before a
+// general one from the first. Empty if none has any.
 std::string find_icon(const icon_theme_t& theme, const std::vector<std::string>& names, int pixels);

@@ -80,8 +80,7 @@ Traces traces_of(const DesktopWindow& window, const std::string& executable) {
     Traces traces = {window, executable, base_name(executable), {}};
     traces.environment = strings_of(window.process, "environ");
     const std::string words = strings_of(window.process, "cmdline");
-    const bool is_script = files::program_of_command(traces.program.c_str()).empty() ||
-                           traces.program.starts_with("python");
+    const bool is_script = files::runs_many_applications(traces.program);
     const size_t second = words.find('\0');
     if (is_script && second != words.npos && second + 1 < words.size()) {
         traces.program = base_name(words.c_str() + second + 1);
@@ -162,6 +161,19 @@ RunningProgram program_of(const DesktopWindow& window) {
     return program;
 }
 
+void note_applications(const std::vector<RunningProgram>& programs) {
+    std::vector<std::string> paths;
+    for (const RunningProgram& program : programs) {
+        if (!program.is_regular) continue;
+        if (!program.application.empty()) {
+            paths.push_back(program.application);
+        } else if (!files::runs_many_applications(base_name(program.executable))) {
+            paths.push_back(program.executable);
+        }
+    }
+    files::note_running_applications(paths);
+}
+
 bool is_running(pid_t process) { return access(process_file(process, "").c_str(), F_OK) == 0; }
 
 }  // namespace
@@ -180,5 +192,6 @@ std::vector<RunningProgram> running_programs() {
             programs.push_back(program_of(window));
         }
     }
+    note_applications(programs);
     return programs;
 }

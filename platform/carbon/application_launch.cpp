@@ -39,7 +39,7 @@ OSStatus status_of(Start start) {
 
 // What its program needs, or the entry itself, may be broken: GIO gives no entry then.
 OSStatus open_with_entry(const std::string& path, const Documents& documents) {
-    if (!files::is_application_entry(path)) return kLSNotAnApplicationErr;
+    if (!files::desktop_entry_at(path).may_start) return kLSNotAnApplicationErr;
     const files::ObjectOwner<GDesktopAppInfo> entry(
         g_desktop_app_info_new_from_filename(path.c_str()));
     return entry ? status_of(start_entry(entry.get(), documents)) : kLSNoExecutableErr;

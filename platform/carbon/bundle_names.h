@@ -11,6 +11,10 @@ namespace files {
 // no list or the list has no name. The caller releases it.
 CFStringRef copy_bundle_name(const char* path);
 
+// Whether the bundle, or what a link of this path leads to, stands in one of the applications
+// folders of GNUstep or runs: only then its own name is shown.
+bool is_believed_bundle(const std::string& path);
+
 // The path of its program, symbolic links resolved; empty when it has none.
 std::string bundle_program(const char* path);
 

@@ -5,6 +5,12 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "carbon/glib_owners.h"
+#include "carbon/installed_applications.h"
 #include "carbon/small_files.h"
 #include "corefoundation/property_lists.h"
 
@@ -57,6 +63,23 @@ std::string icon_name_in(NSDictionary* information) {
     return {};
 }
 
+// With a slash at their ends. Links in the way of a folder are no part of a bundle's place.
+const std::vector<std::string>& application_folders() {
+    static const std::vector<std::string>& folders = *[] {
+        auto* found = new std::vector<std::string>;
+        @autoreleasepool {
+            for (NSString* path in NSSearchPathForDirectoriesInDomains(NSAllApplicationsDirectory,
+                                                                       NSAllDomainsMask, YES)) {
+                const char* bytes = [path UTF8String];
+                const TextOwner real(bytes ? realpath(bytes, nullptr) : nullptr);
+                if (real) found->push_back(std::string(real.get()) + "/");
+            }
+        }
+        return found;
+    }();
+    return folders;
+}
+
 }  // namespace
 
 CFStringRef copy_bundle_name(const char* path) {
@@ -83,6 +106,17 @@ std::string bundle_icon(const char* path) {
         if (name.ends_with(".app")) name.resize(name.size() - 4);
     }
     return name.find('/') == std::string::npos ? picture_in(bundle, name) : "";
+}
+
+bool is_believed_bundle(const std::string& path) {
+    const TextOwner real(realpath(path.c_str(), nullptr));
+    if (!real) return false;
+    if (is_running_application(path) || is_running_application(real.get())) return true;
+    if (is_in_declared_folder(real.get())) return true;
+    const std::vector<std::string>& folders = application_folders();
+    return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
+        return std::string_view(real.get()).starts_with(folder);
+    });
 }
 
 std::string bundle_program(const char* path) {

@@ -1,4 +1,4 @@
-// What a `.desktop` file says of itself.
+// What a `.desktop` file says of itself, and how far it is believed. Main thread.
 #pragma once
 
 #include <string>
@@ -7,16 +7,25 @@ namespace files {
 
 struct File;
 
-struct DesktopEntry {
-    bool is_application;  // of type Application
-    std::string name;     // in the user's language; empty when the file gives none
+// Anybody can send a file that says which program it starts under which name and icon. Only the
+// desktop's own entries are believed.
+enum class Standing {
+    document,     // a text: shown by its file name, opened like other texts
+    program,      // the user has made it executable: shown by its file name, and it can be started
+    application,  // one of the desktop's own: shown by its name and icon, and it can be started
 };
 
-// Reads the plain file. Valid until the next call; the entry read last is kept for the next
-// question about the same reference.
+struct DesktopEntry {
+    Standing standing;
+    bool may_start;    // installed or executable, and not hidden; one that is not shown, too
+    std::string name;  // in the user's language; empty when the file gives none
+};
+
+// Reads the plain file, or the one that a symbolic link leads to. Valid until the next call; the
+// entry read last is kept for the next question about the same reference.
 const DesktopEntry& desktop_entry(const File& file);
 
-// Whether the plain file at `path` is an entry of type Application.
-bool is_application_entry(const std::string& path);
+// The same for a path.
+DesktopEntry desktop_entry_at(const std::string& path);
 
 }  // namespace files

@@ -107,6 +107,13 @@ File* known_file(const FSRef& ref) {
 // Questions that usually follow at once when a reference is made.
 const unsigned usual_questions = ITEM_INFO | DISPLAY_NAME | CATALOG_INFO | ALIAS;
 
+// What a slash at the end asks for: a folder, or a link to one.
+OSErr folder_error(const char* path) {
+    struct stat status;
+    if (stat(path, &status) != 0) return error_from_errno(errno);
+    return S_ISDIR(status.st_mode) ? noErr : dirNFErr;
+}
+
 bool needs_tidying(const char* path, size_t length) {
     return path[0] != '/' || (length > 1 && path[length - 1] == '/');
 }
@@ -181,6 +188,7 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
     if (!text || !ref) return paramErr;
     size_t length = strlen(text);
     if (length == 0) return fnfErr;
+    const bool folder_wanted = text[length - 1] == '/';
 
     std::string tidy;
     if (files::needs_tidying(text, length)) {
@@ -192,7 +200,9 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
     if (length >= PATH_MAX) return pathTooLongErr;
 
     mode_t mode;
-    const OSErr error = files::make_reference(text, length, files::usual_questions, ref, &mode);
+    OSErr error = folder_wanted ? files::folder_error(text) : OSErr{noErr};
+    if (error != noErr) return error;
+    error = files::make_reference(text, length, files::usual_questions, ref, &mode);
     if (error == noErr && isDirectory) *isDirectory = S_ISDIR(mode);
     return error;
 }

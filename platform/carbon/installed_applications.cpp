@@ -1,11 +1,15 @@
 #include "carbon/installed_applications.h"
 
+#include <Carbon/HostProcess.h>
+
 #include <dirent.h>
 #include <gio/gdesktopappinfo.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <set>
 #include <unordered_set>
 
 #include "carbon/glib_owners.h"
@@ -19,36 +23,12 @@ namespace {
 const size_t largest_entry = 256 * 1024;
 const int deepest_folder = 4;
 
-const char* const runners[] = {"bash",
-                               "dash",
-                               "dbus-launch",
-                               "electron",
-                               "flatpak",
-                               "gapplication",
-                               "gjs",
-                               "java",
-                               "mono",
-                               "node",
-                               "nohup",
-                               "perl",
-                               "pkexec",
-                               "python",
-                               "python2",
-                               "python3",
-                               "ruby",
-                               "sh",
-                               "snap",
-                               "sudo",
-                               "systemd-run",
-                               "wine",
-                               "x-terminal-emulator",
-                               "xdg-open",
-                               "xterm"};
-
-bool is_runner(const std::string& program) {
-    return std::any_of(std::begin(runners), std::end(runners),
-                       [&](const char* runner) { return program == runner; });
-}
+const char* const runners[] = {"bash",     "dash",         "dbus-launch", "electron",
+                               "flatpak",  "gapplication", "gjs",         "java",
+                               "mono",     "node",         "nohup",       "perl",
+                               "pkexec",   "ruby",         "sh",          "snap",
+                               "sudo",     "systemd-run",  "wine",        "x-terminal-emulator",
+                               "xdg-open", "xterm"};
 
 // A folder that was looked into, and when it had last changed then.
 struct Folder {
@@ -69,15 +49,22 @@ bool is_unchanged(const Folder& folder) {
            now.changed.tv_nsec == folder.changed.tv_nsec;
 }
 
+using Identity = std::pair<dev_t, ino_t>;
+
 struct Index {
     std::string language;
     std::vector<std::string> roots;
     std::vector<Folder> folders;
     std::vector<InstalledApplication> applications;
     std::unordered_set<std::string> ids;
+    std::set<Identity> seen;   // the folders
+    std::set<Identity> files;  // of all entries, also of those that another one stands for
 };
 
 void add_entry(const std::string& path, const std::string& id, Index* index) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return;
+    index->files.emplace(status.st_dev, status.st_ino);
     if (!index->ids.insert(id).second) return;
     InstalledApplication application;
     if (!read_application(path, &application)) return;
@@ -85,7 +72,18 @@ void add_entry(const std::string& path, const std::string& id, Index* index) {
     index->applications.push_back(std::move(application));
 }
 
+bool is_folder(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Each folder once: links may lead round in a circle.
 void add_folder(const std::string& path, const std::string& prefix, int depth, Index* index) {
+    struct stat status;
+    if (stat(path.c_str(), &status) == 0 &&
+        !index->seen.insert({status.st_dev, status.st_ino}).second) {
+        return;
+    }
     index->folders.push_back(look_at(path));
     DIR* folder = opendir(path.c_str());
     if (!folder) return;
@@ -95,7 +93,7 @@ void add_folder(const std::string& path, const std::string& prefix, int depth, I
         if (name[0] == '.') continue;
         if (name.ends_with(".desktop")) {
             add_entry(path + "/" + name, prefix + name.substr(0, name.size() - 8), index);
-        } else if (entry->d_type == DT_DIR && depth < deepest_folder) {
+        } else if (depth < deepest_folder && is_folder(path + "/" + name)) {
             inner.push_back(name);
         }
     }
@@ -138,6 +136,29 @@ bool flag_of(GKeyFile* keys, const char* key) {
 
 std::string base_name(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
+// Looked at again when `age` milliseconds have passed.
+const Index& current_index(int64_t age) {
+    static Index& index = *new Index;
+    static int64_t looked_at = -one_moment;
+    const int64_t now = milliseconds_now();
+    if (now - looked_at < age) return index;
+    looked_at = now;
+    const std::vector<std::string> roots = data_folders();
+    if (!is_current(index, roots)) index = read_index(roots);
+    return index;
+}
+
+// With a slash at its end; empty when there is none.
+std::string& declared_folder() {
+    static std::string& folder = *new std::string;
+    return folder;
+}
+
+std::unordered_set<std::string>& running_paths() {
+    static auto& paths = *new std::unordered_set<std::string>;
+    return paths;
+}
+
 }  // namespace
 
 std::string program_of_command(const char* command) {
@@ -150,7 +171,17 @@ std::string program_of_command(const char* command) {
         program.clear();
     }
     g_strfreev(words);
-    return is_runner(program) ? std::string() : program;
+    return runs_many_applications(program) ? std::string() : program;
+}
+
+bool runs_many_applications(const std::string& program) {
+    const std::string python = "python";  // with a number: python3.11
+    if (program.starts_with(python) &&
+        program.find_first_not_of("0123456789.", python.size()) == program.npos) {
+        return true;
+    }
+    return std::any_of(std::begin(runners), std::end(runners),
+                       [&](const char* runner) { return program == runner; });
 }
 
 bool read_application(const std::string& path, InstalledApplication* application) {
@@ -176,15 +207,28 @@ bool read_application(const std::string& path, InstalledApplication* application
 }
 
 const std::vector<InstalledApplication>& installed_applications() {
-    static Index& index = *new Index;
-    static int64_t looked_at = -one_moment;
-    const int64_t now = milliseconds_now();
-    if (now - looked_at < one_moment) return index.applications;
-    looked_at = now;
-    const std::vector<std::string> roots = data_folders();
-    if (!is_current(index, roots)) index = read_index(roots);
-    return index.applications;
+    return current_index(one_moment).applications;
 }
+
+bool is_installed_entry(const std::string& path, const struct stat& status) {
+    const Identity file = {status.st_dev, status.st_ino};
+    // One that is not known may have come just now.
+    if (current_index(one_moment).files.contains(file) || current_index(0).files.contains(file)) {
+        return true;
+    }
+    const TextOwner real(declared_folder().empty() ? nullptr : realpath(path.c_str(), nullptr));
+    return real && is_in_declared_folder(real.get());
+}
+
+bool is_in_declared_folder(const std::string& path) {
+    return !declared_folder().empty() && path.starts_with(declared_folder());
+}
+
+void note_running_applications(const std::vector<std::string>& paths) {
+    running_paths() = {paths.begin(), paths.end()};
+}
+
+bool is_running_application(const std::string& path) { return running_paths().contains(path); }
 
 const InstalledApplication* application_with_id(const std::string& id) {
     const std::vector<InstalledApplication>& all = installed_applications();
@@ -205,3 +249,12 @@ bool same_text(const std::string& one, const std::string& other) {
 }
 
 }  // namespace files
+
+void DeclareApplicationsFolder(const char* path) {
+    std::string& folder = files::declared_folder();
+    folder.clear();
+    const files::TextOwner real(path ? realpath(path, nullptr) : nullptr);
+    const files::TextOwner home(realpath(g_get_home_dir(), nullptr));
+    if (!real || !strcmp(real.get(), "/")) return;
+    if (!home || strcmp(real.get(), home.get()) != 0) folder = std::string(real.get()) + "/";
+}

@@ -1,6 +1,8 @@
 // The applications that the desktop has installed, as their entries describe them. Main thread.
 #pragma once
 
+#include <sys/stat.h>
+
 #include <string>
 #include <vector>
 
@@ -23,6 +25,19 @@ struct InstalledApplication {
 // next call.
 const std::vector<InstalledApplication>& installed_applications();
 
+// Whether this file is one of the desktop's own entries, under whatever path it was found, or lies
+// in the declared applications folder: these folders are the user's and the system's to fill. A
+// stranger's file lies elsewhere.
+bool is_installed_entry(const std::string& path, const struct stat& status);
+
+// Whether this path, free of links, is in the declared applications folder or below it.
+bool is_in_declared_folder(const std::string& path);
+
+// What the programs belong to that run now: entries, bundles, or the programs themselves. Each
+// call replaces what was noted before.
+void note_running_applications(const std::vector<std::string>& paths);
+bool is_running_application(const std::string& path);
+
 // The entry at `path`, wherever it stands. False when it is no application's.
 bool read_application(const std::string& path, InstalledApplication* application);
 
@@ -31,6 +46,10 @@ const InstalledApplication* application_with_id(const std::string& id);
 
 // The file name of the program of an Exec line, as in InstalledApplication.
 std::string program_of_command(const char* command);
+
+// Whether a program of this file name is a shell, an interpreter or the like: it tells nothing
+// about the application that it runs.
+bool runs_many_applications(const std::string& program);
 
 bool same_text(const std::string& one, const std::string& other);  // but for case
 

@@ -1,7 +1,9 @@
 #include <Carbon/LaunchServices.h>
 
+#include <stdlib.h>
 #include <string.h>
 #include <strings.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <iterator>
@@ -10,6 +12,8 @@
 #include "carbon/bundle_names.h"
 #include "carbon/desktop_entries.h"
 #include "carbon/file_references.h"
+#include "carbon/glib_owners.h"
+#include "carbon/installed_applications.h"
 #include "corefoundation/name_string.h"
 
 namespace {
@@ -38,12 +42,24 @@ bool is_one_of(const char* extension, const char* const (&extensions)[count]) {
                                     [=](auto known) { return !strcasecmp(known, extension); });
 }
 
-bool is_desktop_entry(const File& file) {
-    const std::string_view name(file.name(), file.name_length());
-    return S_ISREG(file.mode) && name.ends_with(".desktop");
+// What is at the end of a symbolic link; of anything else, it itself. 0 where there is nothing.
+mode_t mode_at_end(const File& file) {
+    struct stat status;
+    if (!S_ISLNK(file.mode)) return file.mode;
+    return stat(file.path.c_str(), &status) == 0 ? status.st_mode : 0;
+}
+
+bool is_named_as_entry(const File& file) {
+    return std::string_view(file.name(), file.name_length()).ends_with(".desktop");
+}
+
+bool is_application_entry(const File& file) {
+    return is_named_as_entry(file) &&
+           files::desktop_entry(file).standing != files::Standing::document;
 }
 
 const uint16_t has_bundle_flag = 0x2000;
+const OSType application_type = 0x4150504C;  // 'APPL'
 
 LSItemInfoFlags folder_flags(File& file) {
     const char* extension = extension_of(file);
@@ -58,8 +74,44 @@ LSItemInfoFlags folder_flags(File& file) {
 LSItemInfoFlags kind_flags(File& file) {
     if (S_ISLNK(file.mode)) return kLSItemInfoIsSymlink | kLSItemInfoIsAliasFile;
     if (S_ISDIR(file.mode)) return folder_flags(file);
-    const bool application = is_desktop_entry(file) && files::desktop_entry(file).is_application;
+    const bool application = S_ISREG(file.mode) && (is_application_entry(file) ||
+                                                    files::is_running_application(file.path));
     return kLSItemInfoIsPlainFile | (application ? kLSItemInfoIsApplication : 0);
+}
+
+// Whether the link leads to an application, through however many links.
+bool leads_to_application(const File& file) {
+    const files::TextOwner target(realpath(file.path.c_str(), nullptr));
+    if (!target) return false;
+    File end = {};
+    end.path = target.get();
+    const size_t slash = end.path.rfind('/');
+    end.name_offset = end.path.size() > 1 ? static_cast<uint32_t>(slash) + 1 : 0;
+    struct stat status;
+    if (stat(target.get(), &status) != 0) return false;
+    if (S_ISDIR(status.st_mode)) return is_one_of(extension_of(end), application_extensions);
+    if (!S_ISREG(status.st_mode)) return false;
+    if (files::is_running_application(end.path)) return true;
+    return is_named_as_entry(end) &&
+           files::desktop_entry_at(end.path).standing != files::Standing::document;
+}
+
+bool is_application(File& file) {
+    return S_ISLNK(file.mode) ? leads_to_application(file)
+                              : (kind_flags(file) & kLSItemInfoIsApplication) != 0;
+}
+
+// The name that an application gives itself; null for what is none, or is not believed.
+CFStringRef copy_own_name(const File& file) {
+    if (is_named_as_entry(file) && S_ISREG(mode_at_end(file))) {
+        const files::DesktopEntry& entry = files::desktop_entry(file);
+        const bool believed = entry.standing == files::Standing::application;
+        if (!believed || entry.name.empty()) return nullptr;
+        return CreateNameString(entry.name.data(), entry.name.size());
+    }
+    const bool bundle = is_one_of(extension_of(file), application_extensions) &&
+                        S_ISDIR(mode_at_end(file)) && files::is_believed_bundle(file.path);
+    return bundle ? files::copy_bundle_name(file.path.c_str()) : nullptr;
 }
 
 }  // namespace
@@ -75,6 +127,7 @@ OSStatus LSCopyItemInfoForRef(const FSRef* ref, LSRequestedInfo which, LSItemInf
         const files::FinderInformation& finder = files::finder_information(*file);
         info->filetype = finder.type();
         info->creator = finder.creator();
+        if (is_application(*file)) info->filetype = application_type;
     }
     if (which & (kLSRequestAllFlags | kLSRequestAppTypeFlags)) info->flags = kind_flags(*file);
     if ((which & kLSRequestAllFlags) && files::is_invisible(*file)) {
@@ -90,12 +143,7 @@ OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name) {
     const File* file = files::file_for(ref, files::DISPLAY_NAME, &error);
     if (!file) return error;
 
-    if (is_desktop_entry(*file)) {
-        const std::string& shown = files::desktop_entry(*file).name;
-        if (!shown.empty()) *name = CreateNameString(shown.data(), shown.size());
-    } else if (S_ISDIR(file->mode) && is_one_of(extension_of(*file), application_extensions)) {
-        *name = files::copy_bundle_name(file->path.c_str());
-    }
+    *name = copy_own_name(*file);
     if (!*name) *name = CreateNameString(file->name(), file->name_length());
     if (!*name) return kLSUnknownErr;
     return noErr;

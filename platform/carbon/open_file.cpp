@@ -2,8 +2,10 @@
 
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 
+#include "carbon/desktop_entries.h"
 #include "carbon/glib_owners.h"
 #include "carbon/program_launch.h"
 
@@ -20,9 +22,15 @@ std::string content_type(const std::string& path) {
     return type ? type : "";
 }
 
-bool is_application_entry(const std::string& type) {
+bool is_of_entry_type(const std::string& type) {
     const files::TextOwner entry(g_content_type_from_mime_type("application/x-desktop"));
     return entry && g_content_type_is_a(type.c_str(), entry.get());
+}
+
+// By its type, or by the name of what a link leads to.
+bool is_desktop_entry(const std::string& path, const std::string& type) {
+    const files::TextOwner real(realpath(path.c_str(), nullptr));
+    return is_of_entry_type(type) || (real && g_str_has_suffix(real.get(), ".desktop"));
 }
 
 bool launch(void* program, const std::string& path) {
@@ -41,6 +49,16 @@ bool launch_for_type(const std::string& type, const std::string& path) {
     return started;
 }
 
+// Starts what the entry names, where it is believed. To all others it is a text: what a program
+// for such files would do with it, nobody knows.
+bool open_entry(const std::string& path) {
+    if (files::desktop_entry_at(path).standing == files::Standing::document) {
+        return launch_for_type("text/plain", path);
+    }
+    const ObjectOwner<GDesktopAppInfo> program(g_desktop_app_info_new_from_filename(path.c_str()));
+    return program && start_entry(program.get(), {}) == Start::done;
+}
+
 }  // namespace
 
 bool open_with_default_program(const std::string& path) {
@@ -48,10 +66,6 @@ bool open_with_default_program(const std::string& path) {
     if (stat(path.c_str(), &entry) != 0) return false;
     const std::string type = content_type(path);
     if (type.empty()) return false;
-    if (S_ISREG(entry.st_mode) && is_application_entry(type)) {
-        const ObjectOwner<GDesktopAppInfo> program(
-            g_desktop_app_info_new_from_filename(path.c_str()));
-        if (program) return start_entry(program.get(), {}) == Start::done;
-    }
+    if (S_ISREG(entry.st_mode) && is_desktop_entry(path, type)) return open_entry(path);
     return launch_for_type(type, path);
 }

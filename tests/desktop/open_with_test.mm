@@ -252,7 +252,8 @@ TEST_F(OpenWith, RunningProgramsStandInTheOrderOfTheirNamesAndOpenFiles) {
 
 TEST_F(OpenWith, ARecentDocumentOfAnApplicationOpens) {
     const std::string document = folder_.file("letter.txt", "letter");
-    folder_.file("tools/writer.desktop", entry("Writer", script_ + " %F"));
+    const std::string tool = folder_.file("tools/writer.desktop", entry("Writer", script_ + " %F"));
+    chmod(tool.c_str(), 0755);
     std::ofstream(getenv("XDG_DATA_HOME") + std::string("/recently-used.xbel"))
         << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<xbel version=\"1.0\" "
            "xmlns:bookmark=\"http://www.freedesktop.org/standards/desktop-bookmarks\" "
@@ -269,7 +270,7 @@ TEST_F(OpenWith, ARecentDocumentOfAnApplicationOpens) {
             .when(
                 "the menu", [&] { return is_open(0); }, [&] { hover("tools"); })
             .when(
-                "the level", [&] { return is_open(1); }, [&] { hover("Writer"); })
+                "the level", [&] { return is_open(1); }, [&] { hover("writer.desktop"); })
             .when(
                 "the recent documents", [&] { return is_open(2); }, [&] { click("letter.txt"); });
     });

@@ -54,6 +54,7 @@ class ApplicationsFolderTest : public testing::Test {
     void TearDown() override { clear(); }
 
     static void clear() {
+        fs::remove_all(fs::path(getenv("XDG_CACHE_HOME")) / "delvio");
         fs::remove_all(fs::path(getenv("XDG_DATA_HOME")) / "delvio");
         fs::remove_all(fs::path(getenv("XDG_DATA_HOME")) / "applications");
         for (const char* folder : {"/data/applications", "/bundles"}) {
@@ -63,12 +64,31 @@ class ApplicationsFolderTest : public testing::Test {
         }
     }
     static std::string place() { return getenv("OWN_APPLICATIONS"); }
-    static std::string record() {
-        return std::string(getenv("XDG_DATA_HOME")) + "/delvio/Applications.state";
-    }
+    static std::string record() { return ApplicationsFolder() + "/.record"; }
     static void write(const std::string& path, const std::string& content) {
         fs::create_directories(fs::path(path).parent_path());
         std::ofstream(path, std::ios::binary) << content;
+    }
+    // Makes what has been found stale, as after an hour.
+    static void age(const std::string& path) {
+        const timespec times[2] = {{time(nullptr) - 3700, 0}, {time(nullptr) - 3700, 0}};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0) << path;
+    }
+    // The link to what is installed at `path`.
+    static std::string link_to(const std::string& path) {
+        for (const auto& entry : fs::directory_iterator(ApplicationsFolder())) {
+            if (entry.is_symlink() && fs::read_symlink(entry) == path) return entry.path();
+        }
+        ADD_FAILURE() << "no link to " << path;
+        return "";
+    }
+    static Names names_in(const std::string& path) {
+        Names names;
+        for (const auto& entry : fs::directory_iterator(path)) {
+            names.push_back(entry.path().filename());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
     }
     // An entry of the system's that runs a program which is there.
     static std::string install(const std::string& file, const std::string& lines) {
@@ -76,16 +96,18 @@ class ApplicationsFolderTest : public testing::Test {
         write(path, "[Desktop Entry]\nType=Application\n" + lines);
         return path;
     }
-    static std::string bundle(const std::string& name, const std::string& information) {
+    static std::string bundle(
+        const std::string& name, const std::string& information,
+        const std::string& types = "NSTypes = ({ NSUnixExtensions = (x); });") {
         const std::string path = place() + "/bundles/" + name + ".app";
         write(path + "/" + name, "#!/bin/sh\n");
         chmod((path + "/" + name).c_str(), 0755);
         write(path + "/Resources/Info-gnustep.plist",
-              "{ NSExecutable = " + name + "; " + information + " }\n");
+              "{ NSExecutable = " + name + "; " + information + types + " }\n");
         return path;
     }
-    // What the folder's level looks like in the menu: "name (kind)".
-    static Names level() {
+    // What the folder's level looks like in the menu, in its order: "name (kind)".
+    static Names level_in_order() {
         EXPECT_TRUE(UpdateApplicationsFolder());
         Names names;
         dv_tree_t* root = dv_build_tree(ApplicationsFolder().c_str(), 0, 1, 0, DV_ORIGIN_APP_LIST);
@@ -94,6 +116,10 @@ class ApplicationsFolderTest : public testing::Test {
             names.push_back(child->display_name + std::string(application ? "" : " (no program)"));
         }
         if (root) dv_free_tree(root);
+        return names;
+    }
+    static Names level() {
+        Names names = level_in_order();
         std::sort(names.begin(), names.end());
         return names;
     }
@@ -153,32 +179,50 @@ TEST_F(ApplicationsFolderTest, BrokenEntriesAreSkipped) {
 TEST_F(ApplicationsFolderTest, GNUstepsProgramsStandThereUnderTheirOwnNames) {
     bundle("Mail", "ApplicationName = \"Post Office\";");
     bundle("Daemon", "NSUIElement = YES;");
+    bundle("SpeechServer", "NSPrincipalClass = NSApplication;", "");
+    bundle("Panel", "NSIcon = \"Panel.tiff\"; NSTypes = ();", "");
     write(place() + "/bundles/Empty.app/readme", "");
     EXPECT_EQ(level(), Names{"Post Office"});
-    const std::string information = "/Mail.app/Resources/Info-gnustep.plist";
-    EXPECT_EQ(test::read_file(ApplicationsFolder() + information),
-              test::read_file(place() + "/bundles" + information));
 }
 
 TEST_F(ApplicationsFolderTest, AProgramWithAnEntryAndABundleIsListedOnce) {
     bundle("Mail", "ApplicationName = Mail;");
     install("mail.desktop", "Name=Mail\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Mail"});
-    EXPECT_TRUE(fs::exists(ApplicationsFolder() + "/mail.desktop"));
+    link_to(place() + "/data/applications/mail.desktop");
 }
 
 TEST_F(ApplicationsFolderTest, NothingIsWrittenWhenNothingHasChanged) {
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     bundle("Mail", "ApplicationName = Mail;");
     EXPECT_EQ(level().size(), 2u);
-    const Names before = {inode(record()), inode(ApplicationsFolder()),
-                          inode(ApplicationsFolder() + "/paint.desktop"),
-                          inode(ApplicationsFolder() + "/Mail.app")};
+    const std::string before = inode(record()) + " " + inode(ApplicationsFolder());
     EXPECT_EQ(level().size(), 2u);
-    const Names after = {inode(record()), inode(ApplicationsFolder()),
-                         inode(ApplicationsFolder() + "/paint.desktop"),
-                         inode(ApplicationsFolder() + "/Mail.app")};
-    EXPECT_EQ(after, before);
+    EXPECT_EQ(inode(record()) + " " + inode(ApplicationsFolder()), before);
+}
+
+TEST_F(ApplicationsFolderTest, TheListIsInTheOrderOfTheNamesThatAreShown) {
+    install("z.desktop", "Name=apple\nExec=sh %F\n");
+    install("a.desktop", "Name=Zebra\nExec=sh %F\n");
+    install("m.desktop", "Name=Banana\nExec=sh %F\n");
+    bundle("Aardvark", "ApplicationName = Cherry;");
+    install("b.desktop", "Name=banana 10\nExec=sh %F\n");
+    EXPECT_EQ(level_in_order(), (Names{"apple", "Banana", "banana 10", "Cherry", "Zebra"}));
+}
+
+TEST_F(ApplicationsFolderTest, ALinkKeepsItsNameWhenOthersComeAndGo) {
+    const std::string paint = install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    EXPECT_EQ(level(), Names{"Paint"});
+    const std::string before = link_to(paint);
+    install("before.desktop", "Name=Before\nExec=sh %F\n");
+    EXPECT_EQ(level(), (Names{"Before", "Paint"}));
+    EXPECT_EQ(link_to(paint), before);
+}
+
+TEST_F(ApplicationsFolderTest, FoldersThatAreLinkedInACircleAreLookedIntoOnce) {
+    install("inner/deep.desktop", "Name=Deep\nExec=sh %f\n");
+    fs::create_directory_symlink("..", place() + "/data/applications/inner/again");
+    EXPECT_EQ(level(), Names{"Deep"});
 }
 
 TEST_F(ApplicationsFolderTest, WhatIsInstalledAndRemovedComesAndGoes) {
@@ -196,23 +240,105 @@ TEST_F(ApplicationsFolderTest, AnEntryEditedInPlaceIsSeenWithinAnHour) {
     const std::string paint = install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Paint"});
     std::ofstream(paint) << "[Desktop Entry]\nType=Application\nName=Better\nExec=sh %F\n";
-    timespec times[2] = {{time(nullptr) - 3700, 0}, {time(nullptr) - 3700, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, record().c_str(), times, 0), 0);
+    age(record());
     EXPECT_EQ(level(), Names{"Better"});
 }
 
-TEST_F(ApplicationsFolderTest, WhatTheUserRemovesFromItComesBackAndWhatHeAddsStays) {
-    install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+TEST_F(ApplicationsFolderTest, WhatTheUserRemovesFromItComesBack) {
+    const std::string paint = install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Paint"});
-    fs::remove(ApplicationsFolder() + "/paint.desktop");
-    write(ApplicationsFolder() + "/notes.txt", "mine");
-    fs::create_directory(ApplicationsFolder() + "/Own");
-    EXPECT_EQ(level(), (Names{"Own (no program)", "Paint", "notes.txt (no program)"}));
-    install("text.desktop", "Name=Text\nExec=sh %F\n");
-    EXPECT_EQ(level().size(), 4u);
+    fs::remove(link_to(paint));
+    EXPECT_EQ(level(), Names{"Paint"});
 }
 
-TEST_F(ApplicationsFolderTest, ABundleOfLinksStartsItsProgram) {
+TEST_F(ApplicationsFolderTest, NothingThatSomebodyElsePutsThereIsEverRemoved) {
+    const std::string paint = install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    EXPECT_EQ(level(), Names{"Paint"});
+    const std::string folder = ApplicationsFolder(), taken = link_to(paint);
+    write(folder + "/notes.txt", "mine");
+    write(folder + "/own.desktop", "[Desktop Entry]\nType=Application\nName=Own\nExec=sh\n");
+    fs::create_directories(folder + "/Mail.app");
+    fs::create_symlink("/etc/hostname", folder + "/Mail.app/link");
+    fs::create_symlink(paint, folder + "/linked.desktop");
+    fs::remove(taken);
+    write(taken, "mine too");
+    for (int round = 0; round < 3; round++) {
+        install("text" + std::to_string(round) + ".desktop", "Name=Text\nExec=sh %F\n");
+        level();
+        age(record());
+        EXPECT_EQ(test::read_file(folder + "/notes.txt"), "mine");
+        EXPECT_TRUE(fs::exists(folder + "/own.desktop"));
+        EXPECT_TRUE(fs::is_symlink(folder + "/Mail.app/link"));
+        EXPECT_TRUE(fs::is_symlink(folder + "/linked.desktop"));
+    }
+    // Its name is the program's again, and it stands where its folder was put aside.
+    bool kept = false;
+    for (const auto& entry : fs::recursive_directory_iterator(fs::path(folder).parent_path())) {
+        kept = kept || test::read_file(entry.path()) == "mine too";
+    }
+    EXPECT_TRUE(kept);
+}
+
+TEST_F(ApplicationsFolderTest, TheFormerFolderAmongTheUsersDataIsLeftAlone) {
+    const std::string former = std::string(getenv("XDG_DATA_HOME")) + "/delvio/Applications";
+    write(former + "/mine.desktop", "mine");
+    fs::create_directories(former + "/Mail.app");
+    fs::create_symlink("/etc/hostname", former + "/Mail.app/link");
+    install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    bundle("Mail", "ApplicationName = Mail;");
+    EXPECT_EQ(level(), (Names{"Mail", "Paint"}));
+    EXPECT_EQ(names_in(former), (Names{"Mail.app", "mine.desktop"}));
+    EXPECT_TRUE(fs::is_symlink(former + "/Mail.app/link"));
+    EXPECT_EQ(names_in(std::string(getenv("XDG_DATA_HOME")) + "/delvio"), Names{"Applications"});
+}
+
+TEST_F(ApplicationsFolderTest, AFolderThatThisProgramHasNotMadeIsLeftAlone) {
+    const std::string folder = ApplicationsFolder();
+    write(folder + "/mine.desktop", "mine");
+    install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    EXPECT_FALSE(UpdateApplicationsFolder());
+    EXPECT_EQ(names_in(folder), Names{"mine.desktop"});
+    EXPECT_EQ(names_in(fs::path(folder).parent_path()), Names{"applications"});
+    OfferApplicationsFolder(CFSTR("org.example.taken"));
+    EXPECT_EQ(preference("org.example.taken"), "none");
+}
+
+TEST_F(ApplicationsFolderTest, AnothersRecordIsNotBelieved) {
+    if (geteuid() != 0) GTEST_SKIP() << "only the superuser gives files away";
+    install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    EXPECT_EQ(level(), Names{"Paint"});
+    ASSERT_EQ(chown(record().c_str(), 65534, 65534), 0);
+    EXPECT_FALSE(UpdateApplicationsFolder());
+    EXPECT_EQ(names_in(ApplicationsFolder()).size(), 2u);
+}
+
+TEST_F(ApplicationsFolderTest, WhatAKilledProcessLeftGoesAnHourLater) {
+    install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    EXPECT_EQ(level(), Names{"Paint"});
+    const std::string place = fs::path(ApplicationsFolder()).parent_path();
+    fs::copy(ApplicationsFolder(), place + "/.applications-AAAAAA",
+             fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    fs::copy(ApplicationsFolder(), place + "/.applications-BBBBBB",
+             fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    write(place + "/.applications-CCCCCC/mine", "mine");
+    age(place + "/.applications-AAAAAA");
+    age(place + "/.applications-CCCCCC");
+    age(record());
+    EXPECT_EQ(level(), Names{"Paint"});
+    EXPECT_EQ(names_in(place),
+              (Names{".applications-BBBBBB", ".applications-CCCCCC", "applications"}));
+    EXPECT_EQ(test::read_file(place + "/.applications-CCCCCC/mine"), "mine");
+}
+
+TEST_F(ApplicationsFolderTest, OnlyTheProgramsThatAreInstalledAreBelieved) {
+    install("paint.desktop", "Name=Paint\nExec=sh %F\n");
+    EXPECT_EQ(level(), Names{"Paint"});
+    write(ApplicationsFolder() + "/strange.desktop",
+          "[Desktop Entry]\nType=Application\nName=Strange\nExec=sh %F\n");
+    EXPECT_EQ(level(), (Names{"Paint", "strange.desktop (no program)"}));
+}
+
+TEST_F(ApplicationsFolderTest, ALinkToABundleStartsItsProgram) {
     const std::string mail = bundle("Mail", "ApplicationName = Mail;");
     const std::string note = place() + "/note";
     fs::remove(note);
@@ -220,7 +346,7 @@ TEST_F(ApplicationsFolderTest, ABundleOfLinksStartsItsProgram) {
           "#!/bin/sh\necho \"$0 $2\" >'" + note + ".new'\nmv '" + note + ".new' '" + note + "'\n");
     EXPECT_EQ(level(), Names{"Mail"});
     FSRef application, document;
-    const std::string listed = ApplicationsFolder() + "/Mail.app";
+    const std::string listed = link_to(mail);
     ASSERT_EQ(FSPathMakeRef(reinterpret_cast<const UInt8*>(listed.c_str()), &application, nullptr),
               noErr);
     ASSERT_EQ(FSPathMakeRef(reinterpret_cast<const UInt8*>(mail.c_str()), &document, nullptr),
@@ -246,7 +372,7 @@ TEST_F(ApplicationsFolderTest, ItIsOfferedUnlessTheUserHasNamedAnother) {
 }
 
 TEST_F(ApplicationsFolderTest, WhereItCannotBeMadeNothingIsOffered) {
-    write(std::string(getenv("XDG_DATA_HOME")) + "/delvio", "a file");
+    write(std::string(getenv("XDG_CACHE_HOME")) + "/delvio", "a file");
     EXPECT_FALSE(UpdateApplicationsFolder());
     OfferApplicationsFolder(CFSTR("org.example.refused"));
     EXPECT_EQ(preference("org.example.refused"), "none");

@@ -36,6 +36,14 @@ class Icons : public testing::Test {
         picture(theme + "/any/own-icon.svg", "#000006");
         picture(theme + "/any/inode-fifo.svg", "#000007");
         picture(theme + "/any/image-x-generic.svg", "#000008");
+        const std::string last = data + "/icons/hicolor";
+        ASSERT_EQ(system(("mkdir -p '" + last + "/any'").c_str()), 0);
+        write(last + "/index.theme",
+              "[Icon Theme]\nName=hicolor\nDirectories=any\n"
+              "[any]\nSize=48\nMinSize=8\nMaxSize=256\nContext=Applications\nType=Scalable\n");
+        picture(last + "/any/only-in-hicolor.svg", "#000009");
+        picture(last + "/any/text-x-python.svg", "#00000a");
+        picture(data + "/icons/without-theme.svg", "#00000b");
     }
     void SetUp() override { pool = [NSAutoreleasePool new]; }
     void TearDown() override { [pool release]; }
@@ -47,6 +55,13 @@ class Icons : public testing::Test {
         write(path, "<svg xmlns='http://www.w3.org/2000/svg' width='16' height='16'>"
                     "<rect width='16' height='16' fill='" +
                         colour + "'/></svg>");
+    }
+    // One of the desktop's own entries.
+    static std::string installed(const std::string& name, const std::string& lines) {
+        const std::string applications = std::string(getenv("XDG_DATA_HOME")) + "/applications";
+        mkdir(applications.c_str(), 0755);
+        write(applications + "/" + name, "[Desktop Entry]\nType=Application\n" + lines);
+        return applications + "/" + name;
     }
     static NSImage* icon(const std::string& path) {
         return [[NSWorkspace sharedWorkspace]
@@ -92,11 +107,27 @@ TEST_F(Icons, ALinkLooksLikeItsTarget) {
     EXPECT_EQ(number(icon(folder.link("loop", "loop")), 32), 2);
 }
 
-TEST_F(Icons, AnApplicationEntryNamesItsIcon) {
-    EXPECT_EQ(
-        number(icon(folder.file("x.desktop", "[Desktop Entry]\nType=Application\nIcon=own-icon\n")),
-               32),
-        6);
+TEST_F(Icons, AnEntryOfTheDesktopsOwnNamesItsIcon) {
+    EXPECT_EQ(number(icon(installed("x.desktop", "Icon=own-icon\n")), 32), 6);
+    EXPECT_EQ(number(icon(installed("png.desktop", "Icon=own-icon.png\n")), 32), 6);
+    EXPECT_EQ(number(icon(installed("none.desktop", "")), 32), 5);
+}
+
+TEST_F(Icons, AStrangersEntryLooksLikeATextOrAProgram) {
+    const std::string entry = "[Desktop Entry]\nType=Application\nIcon=image-x-generic\n";
+    const std::string path = folder.file("photo.jpg.desktop", entry);
+    EXPECT_EQ(number(icon(path), 32), 2);
+    chmod(path.c_str(), 0755);
+    EXPECT_EQ(number(icon(path), 32), 5);
+}
+
+TEST_F(Icons, AnIconOfItsOwnFromTheLastThemeComesBeforeAGeneralOneFromTheFirst) {
+    EXPECT_EQ(number(icon(installed("y.desktop", "Icon=only-in-hicolor\n")), 32), 9);
+    EXPECT_EQ(number(icon(folder.file("a.py")), 32), 10);
+}
+
+TEST_F(Icons, AnIconWithoutAThemeIsFound) {
+    EXPECT_EQ(number(icon(installed("z.desktop", "Icon=without-theme\n")), 32), 11);
 }
 
 TEST_F(Icons, AFifoIsNotOpened) {

@@ -45,6 +45,11 @@ class OpenFile : public testing::Test {
         return
             [[NSWorkspace sharedWorkspace] openFile:[NSString stringWithUTF8String:path.c_str()]];
     }
+    static std::string application(const std::string& arguments) {
+        return "[Desktop Entry]\nType=Application\nName=Holiday photo.jpg\nIcon=image-x-generic\n"
+               "Exec=" +
+               program->path() + " " + arguments + "\n";
+    }
     // What the program was given, when it was started.
     static arguments_t record() { return program->wait(); }
 
@@ -109,11 +114,38 @@ TEST_F(OpenFile, AnExecutableScriptIsShownAndNotRun) {
     EXPECT_NE(access((folder.path() + "/was-run").c_str(), F_OK), 0);
 }
 
-TEST_F(OpenFile, AnApplicationEntryStartsTheApplication) {
-    ASSERT_TRUE(open(folder.file(
-        "app.desktop", "[Desktop Entry]\nType=Application\nName=App\nExec=" + program->path() +
-                           " one started\n")));
+TEST_F(OpenFile, AnEntryOfTheDesktopsOwnStartsTheApplication) {
+    const std::string path = std::string(getenv("XDG_DATA_HOME")) + "/applications/app.desktop";
+    std::ofstream(path) << application("one started");
+    ASSERT_TRUE(open(path));
     EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    program->forget();
+    ASSERT_TRUE(open(folder.link("a link", path)));
+    EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    unlink(path.c_str());
+}
+
+TEST_F(OpenFile, AStrangersEntryIsATextAndIsNotRun) {
+    const std::string names[] = {"Holiday photo.jpg.desktop", "without an ending"};
+    for (const std::string& name : names) {
+        program->forget();
+        const std::string path = folder.file(name, application("was run"));
+        ASSERT_TRUE(open(path));
+        EXPECT_EQ(record(), arguments_t({path}));
+    }
+}
+
+TEST_F(OpenFile, AnEntryThatTheUserMayExecuteIsRunUnlessItIsHidden) {
+    const std::string path = folder.file("mine.desktop", application("was run"));
+    chmod(path.c_str(), 0755);
+    ASSERT_TRUE(open(path));
+    EXPECT_EQ(record(), arguments_t({"was", "run"}));
+    for (const char* line : {"Hidden=true\n", "NoDisplay=true\n"}) {
+        program->forget();
+        folder.file("mine.desktop", application("was run") + line);
+        ASSERT_TRUE(open(path));
+        EXPECT_EQ(record(), arguments_t({path})) << line;
+    }
 }
 
 TEST_F(OpenFile, AnApplicationBundleIsStarted) {

@@ -1,4 +1,5 @@
 #include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -154,6 +155,15 @@ class RunningApplications : public testing::Test {
     inline static Child* manager = nullptr;
 };
 
+// As the menus see it.
+bool is_application(const std::string& path) {
+    FSRef ref;
+    LSItemInfoRecord info = {};
+    return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &ref, nullptr) == noErr &&
+           LSCopyItemInfoForRef(&ref, kLSRequestTypeCreator, &info) == noErr &&
+           info.filetype == OSType{0x4150504C};  // 'APPL'
+}
+
 const Words plain = {"window", "class=plain,Plain", "show"};
 
 }  // namespace
@@ -174,6 +184,35 @@ TEST_F(RunningApplications, AProgramWithWindowsIsOneRegularApplication) {
         count += [one processIdentifier] == child.process;
     }
     EXPECT_EQ(count, 1);
+}
+
+TEST_F(RunningApplications, AProgramWithoutABundleIsAnApplicationWhileItRuns) {
+    const std::string program = client_named("bare-program");
+    EXPECT_FALSE(is_application(program));
+    {
+        const Child child(program, plain);
+        ASSERT_NE(running(child), nil);
+        EXPECT_TRUE(is_application(program));
+        EXPECT_TRUE(is_application(folder.link("link", program)));
+        EXPECT_FALSE(is_application(folder.file("other-program", "x")));
+    }
+    EXPECT_TRUE(wait_until([] { return other_programs() == 0; }));
+    EXPECT_FALSE(is_application(program));
+}
+
+TEST_F(RunningApplications, WhatRunsManyProgramsIsNoneItself) {
+    const std::string python = client_named("python3.99");
+    const Child child(python, plain);
+    ASSERT_NE(running(child), nil);
+    EXPECT_FALSE(is_application(python));
+}
+
+TEST_F(RunningApplications, AnEntryThatIsNotShownCountsWhileItsProgramRuns) {
+    const std::string entry = install("quiet", "Name=Quiet\nExec=quiet-program\nNoDisplay=true\n");
+    EXPECT_FALSE(is_application(entry));
+    const Child child(client_named("quiet-program"), plain);
+    ASSERT_NE(running(child), nil);
+    EXPECT_TRUE(is_application(entry));
 }
 
 TEST_F(RunningApplications, PanelsDialogsAndHiddenHelpersAreAccessories) {

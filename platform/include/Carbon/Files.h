@@ -54,7 +54,8 @@ enum { kIsAlias = 0x8000, kIsInvisible = 0x4000, kColor = 0x000E };
 
 // The path must exist (it is not followed when it is a symbolic link, whatever slashes stand at its
 // end). fnfErr when it does not, pathTooLongErr for 4096 bytes and more, which the system cannot
-// open, afpAccessDenied when a folder on the way may not be searched. `isDirectory` may be null.
+// open, afpAccessDenied when a folder on the way may not be searched. With a slash at its end it
+// must be a folder or a link to one, else dirNFErr. `isDirectory` may be null.
 OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory);
 // Writes the path, absolute and without a slash at its end, and its NUL. A path that does not fit
 // `size` bytes answers pathTooLongErr, and nothing is written.

@@ -13,6 +13,12 @@ extern "C" {
 // that answers the Finder's Apple Events. 0 takes it back.
 void DeclareProcessSignature(OSType signature);
 
+// Declares a folder whose applications the user has chosen to trust, beside those that the desktop
+// has installed: desktop entries and bundles in it and below it show the names and icons that they
+// give themselves, and can be started. The root and the home folder are not taken. Null takes it
+// back. Main thread.
+void DeclareApplicationsFolder(const char* path);
+
 // Whether events that this process has sent still wait for its run loop. Main thread.
 Boolean AppleEventsAreWaiting(void);
 

@@ -32,16 +32,20 @@ typedef struct LSItemInfoRecord {
     CFStringRef extension;
 } LSItemInfoRecord;
 
-// A folder is a container. An application is an ".app" bundle (container and package) or a
-// ".desktop" file of type Application (plain file); a package is a folder with a known bundle
+// A folder is a container. An application is an ".app" bundle (container and package), a
+// ".desktop" file of type Application (plain file), or a program that runs now and belongs to
+// neither. A ".desktop" file counts when it is one of the desktop's own and shown in menus, or when
+// the user may execute it; Hidden ones never count. A package is a folder with a known bundle
 // extension or the Finder's bundle flag. A symbolic link is a link and an alias file, never a
-// container, whatever it leads to. The type comes from the Finder information; "APPL" for an ".app"
-// bundle is not invented. `extension` is always null here.
+// container, whatever it leads to. The type is "APPL" for an application and for a link that leads
+// to one, else that of the Finder information. `extension` is always null here.
 OSStatus LSCopyItemInfoForRef(const FSRef* ref, LSRequestedInfo which, LSItemInfoRecord* info);
 
-// A ".desktop" file's localized Name, the name that an ".app" bundle gives itself in its
-// information list, else the file name as UTF-8 (its extension stays). A name that is not UTF-8
-// answers kLSUnknownErr. Only plain files below 256 KiB are read for it. The caller releases *name.
+// The localized Name of a ".desktop" file, and the name that an ".app" bundle gives itself in its
+// information list, where they are believed: one of the desktop's own files, a bundle in one of the
+// applications folders, and what runs now. The same for links with such an ending. Else the file
+// name as UTF-8 (its extension stays). A name that is not UTF-8 answers kLSUnknownErr. Only plain
+// files below 256 KiB are read for it. The caller releases *name.
 OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name);
 
 // What to open with what. Without an application each document's default program opens it.
@@ -60,7 +64,8 @@ typedef struct LSLaunchFSRefSpec {
 } LSLaunchFSRefSpec;
 
 // Starts the application with the documents and does not wait for it. An application is
-//   a ".desktop" file   all documents in one start where its Exec takes several, else one start
+//   a ".desktop" file   that is one of the desktop's own or executable, and not Hidden: all
+//   documents in one start where its Exec takes several, else one start
 //                       each; over the session bus if it says that it is started so
 //   an ".app" bundle    its program with "-GSFilePath DOCUMENT", several documents as arguments
 //   an executable file  with the documents as arguments

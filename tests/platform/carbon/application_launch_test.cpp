@@ -40,9 +40,10 @@ class ApplicationLaunch : public testing::Test {
         chmod(path.c_str(), 0755);
         return path;
     }
+    // One that the user has made executable.
     std::string entry(const std::string& exec, const std::string& more = "") {
-        return folder.file("app.desktop", "[Desktop Entry]\nType=Application\nName=App\nExec=" +
-                                              exec + "\n" + more);
+        return executable("app.desktop", "[Desktop Entry]\nType=Application\nName=App\nExec=" +
+                                             exec + "\n" + more);
     }
     std::string bundle(const std::string& text) {
         executable("Tool.app/Tool", text);
@@ -232,6 +233,17 @@ TEST_F(ApplicationLaunch, WhatIsNoApplicationIsRefused) {
     const std::string fifo = folder.path("fifo.desktop");
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     EXPECT_EQ(open(fifo, {document}), kLSNotAnApplicationErr);
+}
+
+TEST_F(ApplicationLaunch, AStrangersEntryIsNoApplication) {
+    const std::string document = folder.file("one");
+    const std::string strange = entry(program + " %f");
+    chmod(strange.c_str(), 0644);
+    EXPECT_EQ(open(strange, {document}), kLSNotAnApplicationErr);
+    EXPECT_EQ(open(folder.link("link", strange), {document}), kLSNotAnApplicationErr);
+    EXPECT_EQ(open(entry(program + " %f", "Hidden=true\n"), {document}), kLSNotAnApplicationErr);
+    ASSERT_EQ(open(entry(program + " known %f", "NoDisplay=true\n"), {document}), noErr);
+    EXPECT_EQ(only_arguments(), (Names{"known", document}));
 }
 
 TEST_F(ApplicationLaunch, ABrokenApplicationAnswersTheMacsCodes) {

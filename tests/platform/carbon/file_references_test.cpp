@@ -85,6 +85,18 @@ TEST(FileReferences, SlashesAtTheEndAreDroppedAndALinkIsStillNotFollowed) {
     EXPECT_EQ(path_of(reference("//")), "/");
 }
 
+TEST(FileReferences, ASlashAtTheEndAsksForAFolder) {
+    test::TempFolder folder;
+    folder.file("file");
+    folder.link("link", "file");
+    folder.link("dangling", "nowhere");
+    FSRef ref;
+    EXPECT_EQ(make(folder.path("file") + "/", &ref), dirNFErr);
+    EXPECT_EQ(make(folder.path("link") + "//", &ref), dirNFErr);
+    EXPECT_EQ(make(folder.path("dangling") + "/", &ref), fnfErr);
+    EXPECT_EQ(make(folder.path("link"), &ref), noErr);
+}
+
 TEST(FileReferences, ARelativePathBeginsAtTheCurrentFolder) {
     test::TempFolder folder;
     folder.file("here");

@@ -1,10 +1,13 @@
 #include <Carbon/Carbon.h>
+#include <Carbon/HostProcess.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "platform/carbon/file_questions.h"
@@ -41,6 +44,26 @@ class Language {
     }
     std::string locale_;
 };
+
+// One of the desktop's own entries, gone with the test.
+class Installed {
+  public:
+    explicit Installed(const std::string& name, const std::string& content)
+        : path_(std::string(getenv("XDG_DATA_HOME")) + "/applications/" + name) {
+        std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
+        std::ofstream(path_) << content;
+    }
+    ~Installed() { unlink(path_.c_str()); }
+    Installed(const Installed&) = delete;
+    Installed& operator=(const Installed&) = delete;
+    const std::string& path() const { return path_; }
+
+  private:
+    std::string path_;
+};
+
+const OSType application_type = 0x4150504C;  // 'APPL'
+const LSItemInfoFlags application = plain | kLSItemInfoIsApplication;
 
 const char editor[] =
     "[Desktop Entry]\n"
@@ -83,14 +106,77 @@ TEST(ItemInfo, BundlesAreToldByTheirExtension) {
     EXPECT_EQ(flags_of(folder.file("file.app")), plain);
 }
 
-TEST(ItemInfo, DesktopEntriesOfTypeApplicationAreApplications) {
+TEST(ItemInfo, TheDesktopsOwnEntriesOfTypeApplicationAreApplications) {
+    EXPECT_EQ(flags_of(Installed("editor.desktop", editor).path()), application);
+    EXPECT_EQ(flags_of(Installed("inner/editor.desktop", editor).path()), application);
+    EXPECT_EQ(flags_of(Installed("link.desktop", "[Desktop Entry]\nType=Link\n").path()), plain);
+    EXPECT_EQ(flags_of(Installed("none.desktop", "").path()), plain);
+    EXPECT_EQ(flags_of(Installed("bad.desktop", "\xFF\x00 no key file").path()), plain);
+    EXPECT_EQ(flags_of(Installed("editor.desktop.txt", editor).path()), plain);
+}
+
+TEST(ItemInfo, HiddenEntriesAndThoseThatAreNotShownAreNoApplications) {
+    for (const char* line : {"Hidden=true\n", "NoDisplay=true\n"}) {
+        const Installed entry("quiet.desktop", std::string(editor) + line);
+        EXPECT_EQ(flags_of(entry.path()), plain) << line;
+        EXPECT_EQ(display_name(entry.path()), "quiet.desktop") << line;
+    }
+}
+
+TEST(ItemInfo, AStrangersEntryIsAFileUnlessTheUserMayExecuteIt) {
     test::TempFolder folder;
-    EXPECT_EQ(flags_of(folder.file("editor.desktop", editor)), plain | kLSItemInfoIsApplication);
-    EXPECT_EQ(flags_of(folder.file("link.desktop", "[Desktop Entry]\nType=Link\nName=L\n")), plain);
-    EXPECT_EQ(flags_of(folder.file("none.desktop", "")), plain);
-    EXPECT_EQ(flags_of(folder.file("bad.desktop", "\xFF\x00 no key file")), plain);
-    EXPECT_EQ(flags_of(folder.file("editor.desktop.txt", editor)), plain);
+    const std::string entry = folder.file("Holiday photo.jpg.desktop", editor);
+    EXPECT_EQ(flags_of(entry), plain);
+    EXPECT_EQ(item_info(entry).filetype, 0u);
+    EXPECT_EQ(display_name(entry), "Holiday photo.jpg.desktop");
     EXPECT_EQ(flags_of(folder.folder("folder.desktop")), container);
+    chmod(entry.c_str(), 0755);
+    EXPECT_EQ(flags_of(entry), application);
+    EXPECT_EQ(display_name(entry), "Holiday photo.jpg.desktop");
+}
+
+TEST(ItemInfo, EntriesOfADeclaredFolderAreBelieved) {
+    test::TempFolder folder;
+    const std::string entry = folder.file("apps/inner/editor.desktop", editor);
+    const std::string other = folder.file("apps2/editor.desktop", editor);
+    const std::string linked = folder.link("apps/linked.desktop", other);
+    DeclareApplicationsFolder(folder.path("apps").c_str());
+    EXPECT_EQ(flags_of(entry), application);
+    EXPECT_EQ(display_name(entry), "Editor");
+    EXPECT_EQ(flags_of(other), plain);
+    EXPECT_EQ(item_info(linked).filetype, 0u);
+    DeclareApplicationsFolder(nullptr);
+    EXPECT_EQ(flags_of(entry), plain);
+}
+
+TEST(ItemInfo, TheHomeFolderAndTheWholeDiskAreNoApplicationsFolders) {
+    test::TempFolder folder;
+    const std::string entry = folder.file("editor.desktop", editor);
+    const std::string at_home = std::string(getenv("HOME")) + "/editor.desktop";
+    std::ofstream(at_home) << editor;
+    for (const char* wide : {"/", const_cast<const char*>(getenv("HOME"))}) {
+        DeclareApplicationsFolder(wide);
+        EXPECT_EQ(flags_of(entry), plain) << wide;
+        EXPECT_EQ(flags_of(at_home), plain) << wide;
+    }
+    DeclareApplicationsFolder(nullptr);
+    unlink(at_home.c_str());
+}
+
+TEST(ItemInfo, ApplicationsAndWhatLeadsToThemAreOfTheTypeAPPL) {
+    test::TempFolder folder;
+    const Installed entry("editor.desktop", editor);
+    EXPECT_EQ(item_info(entry.path()).filetype, application_type);
+    EXPECT_EQ(item_info(folder.folder("Ink.app")).filetype, application_type);
+    const std::string chain[] = {folder.link("a", entry.path()), folder.link("b", "a"),
+                                 folder.link("c", "Ink.app"), folder.link("d", "c")};
+    for (const std::string& link : chain) EXPECT_EQ(item_info(link).filetype, application_type);
+    folder.file("note.txt");
+    folder.file("strange.desktop", editor);
+    const std::string others[] = {folder.link("e", "note.txt"), folder.link("f", "strange.desktop"),
+                                  folder.link("g", "nowhere"), folder.link("h", "h"),
+                                  folder.link("i", ".")};
+    for (const std::string& link : others) EXPECT_EQ(item_info(link).filetype, 0u) << link;
 }
 
 TEST(ItemInfo, WhatOnlyLooksLikeADesktopEntryIsNotOpened) {
@@ -109,7 +195,6 @@ TEST(ItemInfo, TypeAndCreatorComeFromTheFinderInformation) {
     if (!folder.finder_info("tool", 0, "APPL")) GTEST_SKIP() << "no extended attributes here";
     EXPECT_EQ(item_info(file).filetype, OSType{0x4150504C});
     EXPECT_EQ(item_info(file).flags, plain);
-    EXPECT_EQ(item_info(folder.folder("Ink.app")).filetype, 0u);
 }
 
 TEST(ItemInfo, InvisibleItemsSaySo) {
@@ -153,8 +238,8 @@ TEST(DisplayName, ANameThatIsNotUtf8HasNone) {
 }
 
 TEST(DisplayName, ADesktopEntryShowsItsNameInTheUsersLanguage) {
-    test::TempFolder folder;
-    const std::string entry = folder.file("editor.desktop", editor);
+    const Installed installed("editor.desktop", editor);
+    const std::string& entry = installed.path();
     EXPECT_EQ(display_name(entry), "Editor");
     EXPECT_EQ((Language("de"), display_name(entry)), "Schreiber");
     EXPECT_EQ((Language("fr:de_AT"), display_name(entry)), "Schreiber");
@@ -163,15 +248,24 @@ TEST(DisplayName, ADesktopEntryShowsItsNameInTheUsersLanguage) {
 }
 
 TEST(DisplayName, ADesktopEntryWithoutANameShowsItsFileName) {
-    test::TempFolder folder;
     const char nameless[] = "[Desktop Entry]\nType=Application\nExec=x\n";
-    EXPECT_EQ(display_name(folder.file("a.desktop", nameless)), "a.desktop");
-    EXPECT_EQ(display_name(folder.file("b.desktop", "")), "b.desktop");
-    EXPECT_EQ(display_name(folder.link("c.desktop", "a.desktop")), "c.desktop");
+    EXPECT_EQ(display_name(Installed("a.desktop", nameless).path()), "a.desktop");
+    EXPECT_EQ(display_name(Installed("b.desktop", "").path()), "b.desktop");
 }
 
-TEST(DisplayName, ABundleShowsTheNameItGivesItself) {
+TEST(DisplayName, ALinkThatIsNamedAsAnEntryShowsTheNameOfTheDesktopsOwn) {
     test::TempFolder folder;
+    const Installed entry("editor.desktop", editor);
+    EXPECT_EQ(display_name(folder.link("x.desktop", entry.path())), "Editor");
+    EXPECT_EQ(display_name(folder.link("x", entry.path())), "x");
+    folder.file("strange", editor);
+    EXPECT_EQ(display_name(folder.link("y.desktop", "strange")), "y.desktop");
+    EXPECT_EQ(display_name(folder.link("z.desktop", "nowhere")), "z.desktop");
+}
+
+TEST(DisplayName, ABundleOfAnApplicationsFolderShowsTheNameItGivesItself) {
+    test::TempFolder folder;
+    DeclareApplicationsFolder(folder.path().c_str());
     folder.file("Ink.app/Resources/Info-gnustep.plist", "{ ApplicationName = \"Ink and Paper\"; }");
     folder.file("Pen.app/Contents/Info.plist",
                 "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
@@ -184,4 +278,8 @@ TEST(DisplayName, ABundleShowsTheNameItGivesItself) {
     EXPECT_EQ(display_name(folder.path("Odd.app")), "Odd.app");
     EXPECT_EQ(display_name(folder.path("Bad.app")), "Bad.app");
     EXPECT_EQ(display_name(folder.path("Bare.app")), "Bare.app");
+    EXPECT_EQ(display_name(folder.link("Other.app", "Ink.app")), "Ink and Paper");
+    DeclareApplicationsFolder(nullptr);
+    EXPECT_EQ(display_name(folder.path("Ink.app")), "Ink.app");
+    EXPECT_EQ(display_name(folder.path("Other.app")), "Other.app");
 }

@@ -1,6 +1,7 @@
 #include "menus/DVDelvio+OpenWith.h"
 
 #include <AppKit/ModifierKeys.h>
+#include <Carbon/HostProcess.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -37,10 +38,14 @@ class OpenWith : public test::MenuTest {
         folder_.file("apps/record.desktop", entry);
         folder_.file("apps/more/record.desktop", entry);
         folder_.file("apps/readme", "no application");
+        DeclareApplicationsFolder(folder_.path("apps").c_str());
         set("open_with_path", string_of(folder_.path("apps")));
         set("runningAppsInOpenWithMenu", 0);
     }
-    ~OpenWith() override { SetHeldModifierFlags(0); }
+    ~OpenWith() override {
+        SetHeldModifierFlags(0);
+        DeclareApplicationsFolder(nullptr);
+    }
 
     // The open-with submenu of a document of the root menu, or of a level.
     NSMenu* root_menu(const char* title) { return open(host_menu_, title); }
