@@ -166,6 +166,68 @@ TEST_F(MenuCommand, OpensASelectedFileWithAnApplicationOfTheOpenWithFolder) {
     EXPECT_EQ(program.wait(), Words({file}));
 }
 
+TEST_F(MenuCommand, ASelectedLinkToAFileIsAFile) {
+    const test::RecordingProgram program({"text/plain"});
+    const std::string file = folder.file("real.txt", "text\n");
+    const std::string link = folder.link("a link", "real.txt");
+    const json items = menu_json({"--depth", "1", link});
+    ASSERT_EQ(items[0]["title"], "a link");
+    EXPECT_EQ(items[0]["submenu"]["title"], "Open with...");
+    EXPECT_EQ(titles(level(items, "a link"))[0], "Open selection with...");
+    EXPECT_EQ(menu({"--pick", "a link", link}).status, 0);
+    EXPECT_EQ(program.wait(), Words({file}));
+}
+
+TEST_F(MenuCommand, AConfiguredLinkToAFileIsAFile) {
+    const test::RecordingProgram program({"text/plain"});
+    const std::string file = folder.file("real.txt", "text\n");
+    const std::string link = folder.link("a link", "real.txt");
+    const std::string folders = "folders=" + link;
+    const json items = menu_json({"--setting", folders, "--depth", "1", folder.folder("top")});
+    EXPECT_EQ(item(items, "a link")["submenu"]["title"], "Open with...");
+    EXPECT_EQ(menu({"--setting", folders, "--pick", "a link", folder.path("top")}).status, 0);
+    EXPECT_EQ(program.wait(), Words({file}));
+}
+
+TEST_F(MenuCommand, AStrangersDesktopFileIsShownByItsNameAndOpensAsAText) {
+    const test::RecordingProgram program({"text/plain"});
+    const std::string entry =
+        folder.file("top/photo.jpg.desktop",
+                    "[Desktop Entry]\nType=Application\nName=Holiday photo.jpg\n"
+                    "Icon=image-x-generic\nExec=" +
+                        program.path() + " was run\n");
+    folder.link("top/linked", "photo.jpg.desktop");
+    const json items = menu_json({"--depth", "1", folder.path("top")});
+    EXPECT_EQ(titles(level(items, "top")), Words({"linked", "photo.jpg.desktop"}));
+    for (const char* name : {"linked", "photo.jpg.desktop"}) {
+        EXPECT_EQ(menu({"--pick", "top", "--pick", name, folder.path("top")}).status, 0);
+    }
+    for (int i = 0; i < 1000 && program.opened().size() < 2; i++) usleep(10000);
+    EXPECT_EQ(program.opened(), Words({entry, entry}));
+}
+
+TEST_F(MenuCommand, ALinkToAnApplicationIsAnApplication) {
+    const test::RecordingProgram program({"text/plain"});
+    const std::string data = getenv("XDG_DATA_HOME");
+    folder.link("apps/b link", data + "/applications/record.desktop");
+    folder.folder("real/Tool.app");
+    folder.link("apps/a link", "../real/Tool.app");
+    folder.link("apps/no link", folder.file("note.txt"));
+    const Words settings = {"--setting", "open_with_path=" + folder.path("apps"), "--setting",
+                            "runningAppsInOpenWithMenu=0"};
+    const std::string file = folder.file("note", "text\n");
+    Words words = settings;
+    words.insert(words.end(), {"--depth", "1", file});
+    EXPECT_EQ(titles(level(menu_json(words), "note")),
+              Words({"Open selection with...", "-", "a link", "b link"}));
+    words = settings;
+    words.insert(words.end(), {"--pick", "note", "--pick", "b link", file});
+    EXPECT_EQ(menu(words).status, 0);
+    EXPECT_EQ(program.wait(), Words({file}));
+    EXPECT_EQ(titles(level(menu_json({"--depth", "1", folder.path("apps")}), "apps")),
+              Words({"a link", "b link", "-", "no link"}));
+}
+
 TEST_F(MenuCommand, ListsSelectedFoldersBeforeFilesEachInTheirOrder) {
     const Words words = {folder.file("z.txt"), folder.folder("b"), folder.file("a.txt"),
                          folder.folder("a")};
