@@ -7,6 +7,7 @@
 #include <stdio.h>
 
 #include "finderkit/applications_folder.h"
+#include "finderkit/preview_placement.h"
 
 namespace {
 
@@ -59,6 +60,7 @@ bool load_and_enter(const std::string& path, std::string* problem) {
 
 bool LoadPlugIn(const std::string& path, std::string* problem) {
     DeclareProcessSignature('MACS');
+    PlacePreviewsAsSet();
     std::string reason;
     if (load_and_enter(path, &reason)) return true;
     *problem = "cannot load the plug-in " + path + ": " + reason;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "finderkit/preview_placement.h"
 #include "popup/close_words.h"
 
 namespace {
@@ -45,6 +46,8 @@ const std::vector<Setting> settings = {
      "1 has the desktop's file manager move and copy, where one can be asked"},
     {"hoverPreviews", flag, 1, 0, 1, "show a preview beside the menu"},
     {"hoverPreviewsInterval", integer, 1000, 0, any_most, "how long to rest on an item before it"},
+    {preview_beside_menu_setting, flag, 1, 0, 1,
+     "1 shows the preview right beside the menu, 0 in a corner of the screen"},
     {"preview_size", integer, 256, 1, 4096, "side of a preview in pixels"},
     {"control_free_enabled", integer, 0, 0, 2,
      "1 opens the menu when the button is held down in a window of the file manager, 2 in any"},

@@ -10,7 +10,8 @@
     const int width = static_cast<int>(CGImageGetWidth(image));
     const int height = static_cast<int>(CGImageGetHeight(image));
     const bool own_size = NSEqualSizes(size, NSZeroSize);
-    self = [self initWithSize:own_size ? NSMakeSize(width, height) : size];
+    const double scale = image_scale(image);
+    self = [self initWithSize:own_size ? NSMakeSize(width / scale, height / scale) : size];
     NSBitmapImageRep* bitmap = self && image ? make_bitmap(width, height) : nil;
     if (!bitmap) {
         [self release];

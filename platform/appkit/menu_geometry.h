@@ -14,6 +14,7 @@ struct area_t {
 
     int right() const { return left + width; }
     int bottom() const { return top + height; }
+    bool operator==(const area_t&) const = default;
     bool contains(point_t point) const {
         return point.x >= left && point.x < right() && point.y >= top && point.y < bottom();
     }
@@ -33,6 +34,12 @@ area_t place_beside(extent_t panel, const area_t& row, const area_t& parent, con
 // A panel of a new size where an old one was: its edge on the fixed side and its top stay.
 area_t resize_in_place(extent_t panel, const area_t& before, side_t side, const area_t& screen,
                        int margin);
+
+// A card over none of the open levels, which lie within `levels`: level with `row`, on the side to
+// prefer, else on the other, else below or above. Where it fits nowhere whole it takes the place
+// with the most room, and is smaller in proportion.
+area_t place_clear(extent_t card, const area_t& levels, const area_t& row, const area_t& screen,
+                   int margin, int gap, side_t side);
 
 // Whether a pointer that was at `from` and is at `now` is on its way to an open panel: inside the
 // triangle between `from` and the panel's near edge.

@@ -29,6 +29,7 @@ class menu_level_t {
     const menu_layout_t& layout() const { return layout_; }
     NSWindow* window() const { return window_; }
     const area_t& panel() const { return panel_; }
+    const area_t& screen() const { return screen_; }
     side_t side() const { return side_; }
     bool is_shown() const { return shown_; }
 

@@ -4,9 +4,11 @@
 
 #include <algorithm>
 
+#include "appkit/card_window.h"
 #include "appkit/event_loop.h"
 #include "appkit/menu_changes.h"
 #include "appkit/menu_items.h"
+#include "coregraphics/image.h"
 
 namespace {
 
@@ -91,6 +93,7 @@ menu_run_t::menu_run_t(MenuSession* session, NSFont* font)
       style_{menu_look(font, server_resources()), windows_are_composed(), &images_},
       outer_(current_run) {
     current_run = this;
+    set_display_scale(style_.look.scale);
     set_menu_change_listener(menu_has_changed);
     [session_ setWatcher:watcher_];
 }
@@ -264,6 +267,7 @@ void menu_run_t::synchronize() {
         level->set_highlight([session_ highlightedItemOfMenu:level->menu()]);
     }
     for (const auto& level : levels_) [level->window() displayIfNeeded];
+    update_cards();
 }
 
 void menu_run_t::synchronize_levels() {

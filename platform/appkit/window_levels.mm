@@ -5,13 +5,14 @@
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <cairo.h>
 
+#include "appkit/card_window.h"
 #include "appkit/menu_windows.h"
 #include "appkit/method_patch.h"
 #include "appkit/view_pixels.h"
 
 namespace {
 
-IMP stock_set_level, stock_set_alpha, stock_flush;
+IMP stock_set_level, stock_set_alpha, stock_flush, stock_order_front, stock_set_frame;
 
 bool has_server_window(NSWindow* window) { return GSCurrentServer() && [window windowNumber] > 0; }
 
@@ -20,6 +21,27 @@ void set_level(NSWindow* self, SEL selector, NSInteger level) {
     if (level <= NSPopUpMenuWindowLevel || !has_server_window(self)) return;
     // Menus are no window manager's, so a window above them cannot be one's either.
     if ([self styleMask] == NSBorderlessWindowMask) free_from_window_manager(self);
+}
+
+// Its level puts it above menus.
+bool is_raised(NSWindow* window) {
+    return [window level] > NSPopUpMenuWindowLevel &&
+           [window styleMask] == NSBorderlessWindowMask && has_server_window(window);
+}
+
+// GNUstep leaves the windows of a program that is not active behind those of the one that is.
+void order_front(NSWindow* self, SEL selector, id sender) {
+    if (is_raised(self)) {
+        prepare_raised_window(self);
+        return [self orderFrontRegardless];
+    }
+    reinterpret_cast<void (*)(id, SEL, id)>(stock_order_front)(self, selector, sender);
+}
+
+void set_frame(NSWindow* self, SEL selector, NSRect frame, BOOL display, BOOL animate) {
+    if (is_card(self)) return;
+    using set_t = void (*)(id, SEL, NSRect, BOOL, BOOL);
+    reinterpret_cast<set_t>(stock_set_frame)(self, selector, frame, display, animate);
 }
 
 // Whether what the window leaves clear would be black: nothing composes it with what is below.
@@ -82,9 +104,12 @@ void cut_to_drawing(NSWindow* window) {
 
 // Flushed is what has been drawn.
 void flush_window(NSWindow* self, SEL selector) {
-    if (has_server_window(self) && needs_cutting(self) && [self isVisible] &&
-        [self alphaValue] > 0) {
-        cut_to_drawing(self);
+    if (has_server_window(self) && [self isVisible] && [self alphaValue] > 0) {
+        if (is_card(self)) {
+            update_card(self);
+        } else if (needs_cutting(self)) {
+            cut_to_drawing(self);
+        }
     }
     reinterpret_cast<void (*)(id, SEL)>(stock_flush)(self, selector);
 }
@@ -94,7 +119,11 @@ void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
     const bool was_hidden = [self alphaValue] <= 0;
     reinterpret_cast<void (*)(id, SEL, CGFloat)>(stock_set_alpha)(self, selector, alpha);
     if (!has_server_window(self) || was_hidden == (alpha <= 0)) return;
-    if (alpha > 0) {
+    if (alpha > 0 && is_card(self)) {
+        update_card(self);
+        shape_card(self);
+        [self flushWindow];
+    } else if (alpha > 0) {
         needs_cutting(self) ? cut_to_drawing(self) : shape_menu_window(self, 0);
         [self flushWindow];  // what it had drawn went nowhere
     } else if (!windows_are_composed()) {
@@ -113,6 +142,9 @@ void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
     const method_patch_t patches[] = {
         {"NSWindow", "setLevel:", reinterpret_cast<IMP>(set_level), &stock_set_level},
         {"NSWindow", "setAlphaValue:", reinterpret_cast<IMP>(set_alpha), &stock_set_alpha},
+        {"NSWindow", "orderFront:", reinterpret_cast<IMP>(order_front), &stock_order_front},
+        {"NSWindow", "setFrame:display:animate:", reinterpret_cast<IMP>(set_frame),
+         &stock_set_frame},
         {"NSWindow", "flushWindow", reinterpret_cast<IMP>(flush_window), &stock_flush},
     };
     patch_methods(patches);

@@ -2,6 +2,8 @@
 
 #include <string.h>
 
+#include <atomic>
+
 #include "coregraphics/counted.h"
 #include "coregraphics/data_provider.h"
 
@@ -43,12 +45,15 @@ void copy_pixel(const pixel_format_t& format, const uint8_t* from, uint8_t* to) 
     to[3] = static_cast<uint8_t>(alpha);
 }
 
+std::atomic<double> scale_of_display = 1;
+
 }  // namespace
 
 struct CGImage : counted_t {
     size_t width = 0, height = 0, bytes_per_row = 0;
     const pixel_format_t* format = nullptr;
     CGDataProviderRef provider = nullptr;  // owned
+    double scale = 1;
 
     ~CGImage() { CGDataProviderRelease(provider); }
 };
@@ -93,3 +98,11 @@ void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row) 
         }
     }
 }
+
+void set_display_scale(double scale) { scale_of_display = scale; }
+
+double display_scale() { return scale_of_display; }
+
+void set_image_scale(CGImageRef image, double scale) { image->scale = scale; }
+
+double image_scale(CGImageRef image) { return image ? image->scale : 1; }

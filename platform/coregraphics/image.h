@@ -7,3 +7,11 @@
 // top row first, into rows of `bytes_per_row` bytes. What the provider does not serve is
 // transparent.
 void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row);
+
+// Pixels a point of the screen on which pictures are shown: 1 until it is set. Any thread.
+void set_display_scale(double scale);
+double display_scale();
+
+// Pixels a point of an image, 1 unless it was made for a finer screen. Set before it is shared.
+void set_image_scale(CGImageRef image, double scale);
+double image_scale(CGImageRef image);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "coregraphics/image.h"
 #include "quicklook/thumbnail_maker.h"
 
 using thumbnails::Box;
@@ -20,11 +21,16 @@ static std::string file_path(NSURL* url) {
     return path && path[0] == '/' ? path : "";
 }
 
-static bool find_box(CGSize size, Box* box) {
+static bool find_box(CGSize size, double scale, Box* box) {
     if (!(size.width >= 1 && size.height >= 1)) return false;
-    box->width = static_cast<int>(fmin(size.width, largest_side));
-    box->height = static_cast<int>(fmin(size.height, largest_side));
+    box->width = static_cast<int>(fmin(size.width * scale, largest_side));
+    box->height = static_cast<int>(fmin(size.height * scale, largest_side));
     return true;
+}
+
+// On a finer screen a picture is as large as on any other, of more pixels where the file has them.
+static double scale_within(const Picture& picture, CGSize size) {
+    return fmax(1, fmax(picture.width / size.width, picture.height / size.height));
 }
 
 static void delete_picture(void* picture, const void*, size_t) {
@@ -49,8 +55,13 @@ CGImageRef QLThumbnailImageCreate(CFAllocatorRef, CFURLRef url, CGSize maxThumbn
     @autoreleasepool {
         Box box;
         const std::string path = file_path((NSURL*)url);
-        if (path.empty() || !find_box(maxThumbnailSize, &box)) return nullptr;
+        const double finer = fmax(1, display_scale());
+        if (path.empty() || !find_box(maxThumbnailSize, finer, &box)) return nullptr;
         Picture picture = thumbnails::shared_thumbnail_maker().make(path, box);
-        return picture ? image_of(std::move(picture)) : nullptr;
+        if (!picture) return nullptr;
+        const double scale = scale_within(picture, maxThumbnailSize);
+        CGImageRef image = image_of(std::move(picture));
+        if (image) set_image_scale(image, scale);
+        return image;
     }
 }

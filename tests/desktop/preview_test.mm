@@ -8,6 +8,8 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <cmath>
+
 #include "desktop/desk.h"
 #include "platform/quicklook/sample_files.h"
 
@@ -330,6 +332,7 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
     const CGFloat left = NSMinX(screen), right = NSMaxX(screen) - 512;
     const CGFloat bottom = NSMinY(screen), top = NSMaxY(screen) - 512;
     const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
+    set_preference("preview_beside_menu", "0");
     [hover_window() setFrameOrigin:NSZeroPoint];  // whatever other tests have left
     resting_on("a.txt", [&](Steps& steps) {
         steps
@@ -356,9 +359,133 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
                     escape();
                 });
     });
+    set_preference("preview_beside_menu", "1");
     EXPECT_TRUE(NSEqualRects(first, NSMakeRect(0, 0, 512, 512)));
     EXPECT_TRUE(NSEqualRects(second, NSMakeRect(right, top, 512, 512))) << "of the upper half";
     EXPECT_TRUE(NSEqualRects(third, NSMakeRect(left, bottom, 512, 512))) << "of the lower half";
+}
+
+// The windows of the menu, and what the preview beside it shows.
+class BesideTheMenu : public Preview {
+  protected:
+    void TearDown() override {
+        [[NSUserDefaults standardUserDefaults] removeObjectForKey:@"GSScaleFactor"];
+        Preview::TearDown();
+    }
+    static NSArray* level_frames() {
+        NSMutableArray* frames = [NSMutableArray array];
+        for (NSWindow* window in [NSApp windows]) {
+            if ([window isVisible] && [window level] == NSPopUpMenuWindowLevel) {
+                [frames addObject:[NSValue valueWithRect:[window frame]]];
+            }
+        }
+        return frames;
+    }
+    static bool is_clear_of_levels() {
+        for (NSValue* frame in level_frames()) {
+            if (NSIntersectsRect([frame rectValue], [hover_window() frame])) return false;
+        }
+        return [level_frames() count] > 0;
+    }
+    // What the window shows of the picture, in pixels of the screen.
+    static NSSize shown_size() {
+        NSView* content = [hover_window() contentView];
+        const double scale = NSWidth([hover_window() frame]) / NSWidth([content bounds]);
+        const NSSize size = [[image_view() image] size];
+        return NSMakeSize(std::round(size.width * scale), std::round(size.height * scale));
+    }
+    static NSInteger pixels_wide() {
+        return [[[[image_view() image] representations] objectAtIndex:0] pixelsWide];
+    }
+};
+
+TEST_F(BesideTheMenu, TheWindowHugsItsPictureAndIsClearOfAllLevels) {
+    picture("project/red.png", 1000, 400);
+    NSSize shown = NSZeroSize, frame = NSZeroSize;
+    bool clear = false;
+    unsigned long border = 0, inner = 0;
+    resting_on("red.png", [&](Steps& steps) {
+        steps
+            .when(
+                "the window", [] { return shows_picture(); }, [&] {})
+            .when(
+                "its colour",
+                [&] {
+                    const NSRect at = [hover_window() frame];
+                    const int top =
+                        static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(at));
+                    border = input().pixel(static_cast<int>(NSMinX(at)) + 5, top + 40);
+                    inner = input().pixel(static_cast<int>(NSMinX(at)) + 40, top + 40);
+                    return inner == 0xff0000 && NSWidth(at) < 600;
+                },
+                [&] {
+                    shown = shown_size();
+                    frame = [hover_window() frame].size;
+                    clear = is_clear_of_levels();
+                    escape();
+                });
+    });
+    EXPECT_TRUE(clear);
+    EXPECT_EQ(shown.width, 512);
+    EXPECT_EQ(shown.height, 205);
+    EXPECT_EQ(frame.width, 512 + 16);
+    EXPECT_EQ(frame.height, 205 + 16);
+    EXPECT_NE(border, 0xff0000u);
+}
+
+TEST_F(BesideTheMenu, TheProgramsOwnMovesAreIgnored) {
+    NSRect before = NSZeroRect, after = NSZeroRect;
+    resting_on("a.txt", [&](Steps& steps) {
+        steps.when(
+            "the window", [] { return shows_picture() && is_clear_of_levels(); },
+            [&] {
+                before = [hover_window() frame];
+                [hover_window() setFrame:NSMakeRect(0, 0, 512, 512) display:YES animate:YES];
+                after = [hover_window() frame];
+                escape();
+            });
+    });
+    EXPECT_TRUE(NSEqualRects(before, after));
+}
+
+TEST_F(BesideTheMenu, TheWindowMakesWayForALevelThatOpens) {
+    folder_.file("project/inner/c.txt", "The third text\n");
+    int levels = 0;
+    resting_on("a.txt", [&](Steps& steps) {
+        steps
+            .when(
+                "the window", [] { return shows_picture() && is_clear_of_levels(); },
+                [&] { hover("inner"); })
+            .when(
+                "the next level", [&] { return is_open(2) && is_clear_of_levels(); },
+                [&] {
+                    levels = static_cast<int>([level_frames() count]);
+                    escape();
+                });
+    });
+    EXPECT_EQ(levels, 3);
+}
+
+TEST_F(BesideTheMenu, OnAScreenOfTwiceThePixelsThePictureHasTwiceAsMany) {
+    picture("project/red.png", 3000, 1000);
+    [[NSUserDefaults standardUserDefaults] setDouble:2 forKey:@"GSScaleFactor"];
+    NSInteger pixels = 0;
+    NSSize points = NSZeroSize;
+    bool clear = false, within = false;
+    resting_on("red.png", [&](Steps& steps) {
+        steps.when(
+            "the window", [] { return shows_picture() && pixels_wide() > 512; },
+            [&] {
+                pixels = pixels_wide();
+                points = [[image_view() image] size];
+                clear = is_clear_of_levels();
+                within = NSContainsRect([[NSScreen mainScreen] frame], [hover_window() frame]);
+                escape();
+            });
+    });
+    EXPECT_EQ(pixels, 1024);
+    EXPECT_EQ(points.width, 512);
+    EXPECT_TRUE(clear && within);
 }
 
 TEST_F(Preview, TheWindowHidesWithTheMenu) {

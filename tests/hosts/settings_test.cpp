@@ -66,6 +66,7 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "control_free_enabled",
                                             "use_generic_icons",
                                             "preview_size",
+                                            "preview_beside_menu",
                                             "open_after_file_op",
                                             "open_with_path",
                                             "folders",

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <sstream>
 
 #include "hosts/command_runner.h"
@@ -67,21 +68,47 @@ struct ShownMenu : testing::Test {
 
     Window root() const { return DefaultRootWindow(display); }
 
-    // The topmost window that shows, of those that no window manager is to touch; 0 for none.
-    XWindowAttributes shown_window() const {
+    // The windows that show, of those that no window manager is to touch; the topmost is the last.
+    std::vector<XWindowAttributes> shown_windows() const {
         Window ignored, *windows = nullptr;
         unsigned count = 0;
-        XWindowAttributes found = {};
+        std::vector<XWindowAttributes> found;
         XQueryTree(display, root(), &ignored, &ignored, &windows, &count);
         for (unsigned i = 0; i < count; ++i) {
             XWindowAttributes window;
             if (!XGetWindowAttributes(display, windows[i], &window)) continue;
             const bool popup = window.override_redirect && window.map_state == IsViewable;
-            if (popup && window.width > 20) found = window;
+            if (popup && window.width > 20) found.push_back(window);
         }
         if (windows) XFree(windows);
         return found;
     }
+    // The topmost; 0 for none.
+    XWindowAttributes shown_window() const {
+        const std::vector<XWindowAttributes> all = shown_windows();
+        return all.empty() ? XWindowAttributes{} : all.back();
+    }
+
+    // Leaves a menu open whose pointer rests on the one file of a folder, and a window beside it:
+    // the two levels, and the window. The file is no picture, so its text is shown.
+    std::vector<XWindowAttributes> windows_with_preview(const std::string& setting) {
+        folder.file("top/note.txt", "a note\n");
+        command = std::make_unique<RunningCommand>(paths_t{"menu", "--at", "100,100", "--setting",
+                                                           "hoverPreviewsInterval=100", "--setting",
+                                                           setting, folder.path("top")});
+        if (!wait_until_open()) return {};
+        const XWindowAttributes root_level = shown_window();
+        point(root_level.x + 20, root_level.y + 16);
+        if (!wait_for([&] { return shown_windows().size() == 2; })) return {};
+        const XWindowAttributes level = shown_window();
+        point(level.x + 20, level.y + 16);
+        wait_for([&] { return shown_windows().size() == 3 && shown_window().width > 250; });
+        return shown_windows();
+    }
+    void point(int x, int y) const {
+        output_of("xdotool mousemove " + std::to_string(x) + " " + std::to_string(y));
+    }
+    std::unique_ptr<RunningCommand> command;
 
     // Whether the pointer is someone's, as it is while a menu is open.
     bool is_grabbed() const {
@@ -132,6 +159,36 @@ TEST_F(ShownMenu, StandsAtThePointer) {
     const XWindowAttributes window = shown_window();
     EXPECT_NEAR(window.x, 420, 20);
     EXPECT_NEAR(window.y, 310, 20);
+}
+
+bool overlap(const XWindowAttributes& one, const XWindowAttributes& other) {
+    return one.x < other.x + other.width && other.x < one.x + one.width &&
+           one.y < other.y + other.height && other.y < one.y + one.height;
+}
+
+TEST_F(ShownMenu, ShowsAPreviewRightBesideTheLevels) {
+    const auto windows = windows_with_preview("preview_beside_menu=1");
+    ASSERT_EQ(windows.size(), 3u);
+    const XWindowAttributes &level = windows[1], &preview = windows[2];
+    EXPECT_FALSE(overlap(preview, windows[0]));
+    EXPECT_FALSE(overlap(preview, level));
+    EXPECT_GT(preview.x, level.x + level.width);
+    EXPECT_LT(preview.x, level.x + level.width + 20);
+    EXPECT_LT(preview.y, level.y + level.height);
+    press("Escape");
+    EXPECT_EQ(command->finish().status, 0);
+}
+
+TEST_F(ShownMenu, ShowsAPreviewInTheScreensCornerAndAboveTheLevelsIfItIsSetSo) {
+    const auto windows = windows_with_preview("preview_beside_menu=0");
+    ASSERT_EQ(windows.size(), 3u);
+    const XWindowAttributes& preview = windows[2];
+    EXPECT_EQ(preview.x, 0);
+    EXPECT_EQ(preview.y, DisplayHeight(display, 0) - 512);
+    EXPECT_EQ(preview.width, 512);
+    EXPECT_EQ(preview.height, 512);
+    press("Escape");
+    EXPECT_EQ(command->finish().status, 0);
 }
 
 TEST_F(ShownMenu, ShowsNoOtherWindow) {

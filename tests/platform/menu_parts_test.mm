@@ -98,6 +98,32 @@ TEST(Placement, ASubmenuKeepsToItsSideWhileThereIsRoom) {
     EXPECT_LT(next.left, left.left);
 }
 
+TEST(CardPlacement, ACardStandsLevelWithTheRowOnTheSideToPrefer) {
+    const area_t levels = {300, 100, 200, 300}, row = {300, 150, 200, 20};
+    const area_t right = place_clear({100, 200}, levels, row, screen, 4, 6, on_right);
+    EXPECT_EQ(right, (area_t{506, 150, 100, 200}));
+    const area_t left = place_clear({100, 200}, levels, row, screen, 4, 6, on_left);
+    EXPECT_EQ(left, (area_t{194, 150, 100, 200}));
+}
+
+TEST(CardPlacement, ACardTakesTheOtherSideThenBelowThenAbove) {
+    const area_t at_right = {700, 100, 290, 300}, wide_above = {10, 20, 980, 200},
+                 wide_below = {10, 600, 980, 190};
+    const area_t row = {700, 150, 290, 20};
+    EXPECT_EQ(place_clear({100, 200}, at_right, row, screen, 4, 6, on_right).right(), 694);
+    EXPECT_EQ(place_clear({100, 200}, wide_above, row, screen, 4, 6, on_right).top, 226);
+    EXPECT_EQ(place_clear({100, 200}, wide_below, row, screen, 4, 6, on_right).bottom(), 594);
+}
+
+TEST(CardPlacement, ACardThatFitsNowhereIsSmallerInProportion) {
+    const area_t levels = {300, 100, 300, 600}, row = {300, 680, 300, 20};
+    const area_t area = place_clear({1000, 500}, levels, row, screen, 4, 6, on_right);
+    EXPECT_EQ(area.left, 606);
+    EXPECT_EQ(area.right(), 996);
+    EXPECT_EQ(area.height, 195);
+    EXPECT_EQ(area.top, 601) << "within the screen";
+}
+
 TEST(Aiming, TheWayToASubmenuIsATriangle) {
     const area_t panel = {400, 100, 200, 300};
     EXPECT_TRUE(is_on_the_way({200, 120}, {300, 200}, panel));

@@ -9,10 +9,10 @@
 extern "C" {
 #endif
 
-// A picture of the file in pixels, as large as fits `maxThumbnailSize` but never enlarged; at most
-// 2048 pixels a side. Null for what has none: folders and all that is no plain file, plain text of
-// any kind, what nothing installed can show, what is damaged or takes too long. The caller releases
-// the image.
+// A picture of the file, as large as fits `maxThumbnailSize` points but never enlarged, in pixels
+// of the screen that menus are shown on; at most 2048 pixels a side. Null for what has none:
+// folders and all that is no plain file, plain text of any kind, what nothing installed can show,
+// what is damaged or takes too long. The caller releases the image.
 //
 // Behind it: the desktop's thumbnail cache, then gdk-pixbuf, poppler and the desktop's thumbnailer
 // programs, in processes of their own that have little memory, little time and no network. A new

@@ -1,0 +1,263 @@
+#include "appkit/card_window.h"
+
+#include <AppKit/WindowPlacement.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "appkit/menu_paint.h"
+#include "appkit/menu_run.h"
+#include "appkit/menu_windows.h"
+#include "appkit/view_fade.h"
+#include "appkit/view_pixels.h"
+
+namespace {
+
+constexpr int screen_margin = 4;
+constexpr double padding = 8, gap = 4;  // points
+constexpr double least_width = 64, least_height = 48;
+
+BesideMenusQuestion is_wanted;
+
+// What a card's place follows from.
+struct card_cause_t {
+    NSRect shown;  // in the content's points
+    bool is_blank;
+    area_t levels, deepest;
+
+    bool operator==(const card_cause_t& other) const {
+        return NSEqualRects(shown, other.shown) && is_blank == other.is_blank &&
+               levels == other.levels && deepest == other.deepest;
+    }
+};
+
+struct card_t {
+    menu_look_t look;
+    bool composed;
+    NSSize base;  // of the content before it was a card
+    area_t area = {};
+    card_cause_t cause = {};
+
+    int margin() const { return composed ? look.shadow_extent : 0; }
+    int pixels(double points) const { return static_cast<int>(std::lround(points * look.scale)); }
+};
+
+std::vector<NSWindow*>& cards() {
+    static auto* windows = new std::vector<NSWindow*>;
+    return *windows;
+}
+
+}  // namespace
+
+// Below all that the window shows.
+@interface CardView : NSView {
+  @public
+    card_t* card;
+    NSWindow* owner;  // not retained
+}
+@end
+
+@implementation CardView
+
+- (void)dealloc {
+    std::erase(cards(), owner);
+    delete card;
+    [super dealloc];
+}
+
+- (BOOL)isOpaque {
+    return NO;
+}
+
+- (void)drawRect:(NSRect)rect {
+    cairo_t* cairo = focused_cairo();
+    if (!cairo || card->cause.is_blank) return;
+    const menu_layout_t no_rows(card->look);
+    menu_scene_t scene = {};
+    scene.layout = &no_rows;
+    scene.left = scene.top = card->margin();
+    scene.width = card->area.width;
+    scene.height = card->area.height;
+    scene.shadow = scene.rounded = card->composed;
+    const NSRect dirty = focus_device_area(rect);
+    cairo_save(cairo);
+    cairo_identity_matrix(cairo);
+    cairo_rectangle(cairo, NSMinX(dirty), NSMinY(dirty), NSWidth(dirty), NSHeight(dirty));
+    cairo_clip(cairo);
+    paint_menu(cairo, scene);
+    cairo_restore(cairo);
+}
+
+@end
+
+namespace {
+
+CardView* card_view(NSWindow* window) {
+    for (NSView* view in [[window contentView] subviews]) {
+        if ([view isKindOfClass:[CardView class]]) return static_cast<CardView*>(view);
+    }
+    return nil;
+}
+
+// Where an image view draws its image.
+NSRect image_area(NSImageView* view) {
+    const NSRect frame = [view frame];
+    const NSSize size = [[view image] size];
+    if (size.width <= 0 || size.height <= 0) return NSZeroRect;
+    const double share =
+        std::min({1.0, NSWidth(frame) / size.width, NSHeight(frame) / size.height});
+    const NSSize drawn = NSMakeSize(size.width * share, size.height * share);
+    return NSMakeRect(NSMidX(frame) - drawn.width / 2, NSMidY(frame) - drawn.height / 2,
+                      drawn.width, drawn.height);
+}
+
+NSRect shown_area(NSWindow* window) {
+    NSRect shown = NSZeroRect;
+    for (NSView* view in [[window contentView] subviews]) {
+        if ([view isKindOfClass:[CardView class]] || [view isKindOfClass:[ViewFade class]]) {
+            continue;
+        }
+        const bool is_image = [view isKindOfClass:[NSImageView class]];
+        const NSRect area = is_image ? image_area(static_cast<NSImageView*>(view)) : [view frame];
+        shown = NSUnionRect(shown, area);
+    }
+    return shown;
+}
+
+// Around a small thing, or where one will be.
+NSRect widened(NSRect shown, NSSize base) {
+    if (NSIsEmptyRect(shown)) shown = NSMakeRect(base.width / 2, base.height / 2, 0, 0);
+    return NSInsetRect(shown, -std::max(0.0, least_width - NSWidth(shown)) / 2,
+                       -std::max(0.0, least_height - NSHeight(shown)) / 2);
+}
+
+area_t joined(const area_t& one, const area_t& other) {
+    const int left = std::min(one.left, other.left), top = std::min(one.top, other.top);
+    return {left, top, std::max(one.right(), other.right()) - left,
+            std::max(one.bottom(), other.bottom()) - top};
+}
+
+// Null when no level is shown.
+const menu_level_t* find_levels(area_t* all) {
+    const menu_level_t* deepest = nullptr;
+    const menu_run_t* run = menu_run_t::current();
+    if (!run) return nullptr;
+    for (const auto& level : run->levels()) {
+        if (!level->is_shown()) continue;
+        *all = deepest ? joined(*all, level->panel()) : level->panel();
+        deepest = level.get();
+    }
+    return deepest;
+}
+
+area_t place_card(const card_t& card, const menu_level_t& deepest) {
+    NSMenuItem* item = [[MenuSession current] highlightedItemOfMenu:deepest.menu()];
+    const int row = deepest.layout().row_of(item);
+    const NSSize size = card.cause.shown.size;
+    const extent_t wanted = {card.pixels(size.width + 2 * padding),
+                             card.pixels(size.height + 2 * padding)};
+    return place_clear(wanted, card.cause.levels, row < 0 ? deepest.panel() : deepest.row_area(row),
+                       deepest.screen(), screen_margin, card.pixels(gap), deepest.side());
+}
+
+// The content's points go where the card's inner part is.
+void fit_window(NSWindow* window, CardView* view) {
+    const card_t& card = *view->card;
+    const int room = card.margin(), pad = card.pixels(padding);
+    const area_t whole = {card.area.left - room, card.area.top - room, card.area.width + 2 * room,
+                          card.area.height + 2 * room};
+    const NSRect shown = card.cause.shown;
+    const double scale = std::max(0.01, std::min((card.area.width - 2 * pad) / NSWidth(shown),
+                                                 (card.area.height - 2 * pad) / NSHeight(shown)));
+    const NSSize size = NSMakeSize(whole.width / scale, whole.height / scale);
+    move_menu_window(window, whole);
+    NSView* content = [window contentView];
+    [content setBounds:NSMakeRect(NSMidX(shown) - size.width / 2, NSMidY(shown) - size.height / 2,
+                                  size.width, size.height)];
+    [view setFrame:[content bounds]];
+    [content setNeedsDisplay:YES];
+}
+
+void make_card(NSWindow* window) {
+    NSView* content = [window contentView];
+    CardView* view = card_view(window);
+    if (!view) {
+        view = [[[CardView alloc] initWithFrame:[content bounds]] autorelease];
+        view->owner = window;
+        view->card = new card_t{menu_look(nil, server_resources()), false, [content bounds].size};
+        [content addSubview:view positioned:NSWindowBelow relativeTo:nil];
+        cards().push_back(window);
+    }
+    view->card->look = menu_look(nil, server_resources());
+    view->card->composed = windows_are_composed();
+    view->card->cause = {};
+}
+
+// As large as its program made it, in points.
+void make_plain(NSWindow* window) {
+    NSView* content = [window contentView];
+    CardView* view = card_view(window);
+    const NSSize base = view ? view->card->base : [content bounds].size;
+    NSRect frame = [window frame];
+    if (view) {
+        std::erase(cards(), window);
+        [view removeFromSuperview];
+        frame.origin = NSZeroPoint;
+    }
+    const double scale = menu_look(nil, server_resources()).scale;
+    frame.size = NSMakeSize(std::round(base.width * scale), std::round(base.height * scale));
+    [window setFrame:frame display:NO];
+    [content setBounds:NSMakeRect(0, 0, base.width, base.height)];
+    [content setNeedsDisplay:YES];
+}
+
+}  // namespace
+
+void PlaceWindowsBesideMenus(BesideMenusQuestion wanted) { is_wanted = wanted; }
+
+void prepare_raised_window(NSWindow* window) {
+    if (!menu_run_t::current()) return;
+    if (is_wanted && is_wanted()) {
+        make_card(window);
+        update_card(window);
+    } else {
+        make_plain(window);
+    }
+}
+
+bool is_card(NSWindow* window) {
+    const std::vector<NSWindow*>& all = cards();
+    return std::find(all.begin(), all.end(), window) != all.end();
+}
+
+void update_card(NSWindow* window) {
+    CardView* view = card_view(window);
+    area_t levels = {};
+    const menu_level_t* deepest = view ? find_levels(&levels) : nullptr;
+    if (!deepest) return;  // it stays where it is while the menu goes
+    const NSRect shown = shown_area(window);
+    const card_cause_t cause = {widened(shown, view->card->base), NSIsEmptyRect(shown) != NO,
+                                levels, deepest->panel()};
+    if (cause == view->card->cause) return;
+    view->card->cause = cause;
+    view->card->area = place_card(*view->card, *deepest);
+    fit_window(window, view);
+    if ([window isVisible] && [window alphaValue] > 0) {
+        shape_card(window);
+        [window displayIfNeeded];
+    }
+}
+
+void shape_card(NSWindow* window) {
+    const card_t& card = *card_view(window)->card;
+    if (card.composed) return shape_menu_window(window, 0);
+    if (card.cause.is_blank) return hide_shape_of_menu_window(window);
+    shape_menu_window(window, card.look.radius);
+}
+
+void update_cards() {
+    for (NSWindow* window : std::vector<NSWindow*>(cards())) {
+        if ([window isVisible] && [window alphaValue] > 0) update_card(window);
+    }
+}
