@@ -106,15 +106,21 @@ bool serve_offer() {
     return true;
 }
 
+// One of the drag's own variables; null in a toolkit that has no such.
+template <typename type>
+type* variable(GSDragView* view, const char* name) {
+    const Ivar found = class_getInstanceVariable([view class], name);
+    if (!found) return nullptr;
+    return reinterpret_cast<type*>(reinterpret_cast<char*>(view) + ivar_getOffset(found));
+}
+
 // To GNUstep, Command alone asks for an operation that other programs do not know and so cannot
 // accept; and without the keyboard it would not see the key let go.
 BOOL update_operations(GSDragView* self, SEL selector, NSEvent* event) {
     using update_t = BOOL (*)(id, SEL, NSEvent*);
     const BOOL changed = reinterpret_cast<update_t>(stock_update)(self, selector, event);
-    const Ivar variable = class_getInstanceVariable([self class], "operationMask");
-    if (!dragging || !variable) return changed;
-    auto* operations = reinterpret_cast<NSDragOperation*>(reinterpret_cast<char*>(self) +
-                                                          ivar_getOffset(variable));
+    auto* operations = variable<NSDragOperation>(self, "operationMask");
+    if (!dragging || !operations) return changed;
     if (*operations == NSDragOperationGeneric) {
         *operations = NSDragOperationGeneric | NSDragOperationCopy | NSDragOperationMove;
     }
@@ -136,17 +142,52 @@ void install_on(GSDragView* view) {
 
 }  // namespace
 
-// Ends GNUstep's loop when the button is let go where it does not see it.
+// Of the toolkit's own.
+@interface GSDragView (LocalTargets)
+- (void)_sendLocalEvent:(GSAppKitSubtype)subtype
+                 action:(NSDragOperation)action
+               position:(NSPoint)position
+              timestamp:(NSTimeInterval)time
+               toWindow:(NSWindow*)window;
+@end
+
+// Ends GNUstep's loop when the button is let go where it does not see it, and at Escape.
 @interface ReleaseWatch : NSObject {
   @private
+    GSDragView* _view;  // not retained
     NSTimer* _timer;
     bool _wasUp;
 }
+- (instancetype)initWithView:(GSDragView*)view;
 - (void)start;
 - (void)stop;
 @end
 
+namespace {
+
+// Takes what may be dropped from the drag, so that its end is none; a target is left, a window of
+// this program here, others by the offer.
+void drop_nothing(GSDragView* view) {
+    if (auto* allowed = variable<NSDragOperation>(view, "dragMask")) *allowed = NSDragOperationNone;
+    const BOOL* external = variable<BOOL>(view, "destExternal");
+    NSWindow* target = [view draggingDestinationWindow];
+    if (!target || !external || *external) return;
+    [view _sendLocalEvent:GSAppKitDraggingExit
+                   action:NSDragOperationNone
+                 position:NSZeroPoint
+                timestamp:[[NSProcessInfo processInfo] systemUptime]
+                 toWindow:target];
+}
+
+}  // namespace
+
 @implementation ReleaseWatch
+
+- (instancetype)initWithView:(GSDragView*)view {
+    if (!(self = [super init])) return nil;
+    _view = view;
+    return self;
+}
 
 - (void)start {
     _timer = [NSTimer timerWithTimeInterval:looking
@@ -166,12 +207,14 @@ void install_on(GSDragView* view) {
 - (void)look:(NSTimer*)timer {
     (void)timer;
     FileOffer* offer = FileOffer::shared();
+    const bool cancelled = offer && offer->cancelled();
     const bool up = !offer || offer->released() || !offer->button_is_down();
-    if (!up || !_wasUp) {
+    if (!cancelled && (!up || !_wasUp)) {
         _wasUp = up;
         return;
     }
     [self stop];
+    if (cancelled) drop_nothing(_view);
     NSEvent* release = [NSEvent mouseEventWithType:NSLeftMouseUp
                                           location:[NSEvent mouseLocation]
                                      modifierFlags:0
@@ -181,7 +224,7 @@ void install_on(GSDragView* view) {
                                        eventNumber:0
                                         clickCount:1
                                           pressure:0];
-    [NSApp postEvent:release atStart:NO];
+    [NSApp postEvent:release atStart:cancelled];
 }
 
 @end
@@ -210,17 +253,20 @@ void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize
         if (held) offer->let_pointer_go();
         return end_without_drag(source, image);
     }
-    install_on((GSDragView*)[GSServerForWindow(self) dragInfo]);
+    GSDragView* view = (GSDragView*)[GSServerForWindow(self) dragInfo];
+    install_on(view);
     offer->begin(files);
-    ReleaseWatch* watch = [[ReleaseWatch new] autorelease];
+    offer->watch_for_escape();
+    ReleaseWatch* watch = [[[ReleaseWatch alloc] initWithView:view] autorelease];
     dragging = true;
     [watch start];
     @try {
         stock();
     } @finally {
         [watch stop];
+        offer->leave_escape_alone();
         dragging = false;
-        offer->end(image_window((GSDragView*)[GSServerForWindow(self) dragInfo]));
+        offer->end(image_window(view));
         if (held) offer->let_pointer_go();
     }
 }

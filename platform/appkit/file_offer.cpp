@@ -149,6 +149,39 @@ void FileOffer::let_pointer_go() {
     xcb_flush(server_);
 }
 
+// 0 on a keyboard without it.
+unsigned char FileOffer::escape_key() {
+    constexpr xcb_keysym_t escape = 0xFF1B;
+    const xcb_setup_t* setup = xcb_get_setup(server_);
+    const auto count = static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    const reply_t<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
+        server_, xcb_get_keyboard_mapping(server_, setup->min_keycode, count), nullptr));
+    if (!reply) return 0;
+    const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
+    const int length = xcb_get_keyboard_mapping_keysyms_length(reply.get());
+    const xcb_keysym_t* found = std::find(symbols, symbols + length, escape);
+    if (found == symbols + length || !reply->keysyms_per_keycode) return 0;
+    return static_cast<uint8_t>(setup->min_keycode +
+                                (found - symbols) / reply->keysyms_per_keycode);
+}
+
+// The one key alone: the toolkit goes on seeing the modifiers that choose what a drop does.
+void FileOffer::watch_for_escape() {
+    cancelled_ = false;
+    escape_ = escape_key();
+    if (!escape_) return;
+    xcb_grab_key(server_, 0, root_, XCB_MOD_MASK_ANY, escape_, XCB_GRAB_MODE_ASYNC,
+                 XCB_GRAB_MODE_ASYNC);
+    xcb_flush(server_);
+}
+
+void FileOffer::leave_escape_alone() {
+    if (!escape_) return;
+    xcb_ungrab_key(server_, escape_, root_, XCB_MOD_MASK_ANY);
+    xcb_flush(server_);
+    escape_ = 0;
+}
+
 bool FileOffer::button_is_down() {
     const reply_t<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(server_, xcb_query_pointer(server_, root_), nullptr));
@@ -170,6 +203,11 @@ void FileOffer::answer() {
                 break;
             case XCB_PROPERTY_NOTIFY:
                 time_ = reinterpret_cast<xcb_property_notify_event_t*>(event)->time;
+                break;
+            case XCB_KEY_PRESS:
+                if (reinterpret_cast<xcb_key_press_event_t*>(event)->detail == escape_) {
+                    cancelled_ = true;
+                }
                 break;
             case XCB_BUTTON_RELEASE:
                 if (reinterpret_cast<xcb_button_release_event_t*>(event)->detail == 1) {

@@ -35,6 +35,11 @@ class FileOffer {
     void let_pointer_go();
     // Whether button 1 has been let go since hold_pointer().
     bool released() const { return released_; }
+
+    // Has Escape come here, whoever has the keyboard, and cancelled() say so.
+    void watch_for_escape();
+    void leave_escape_alone();
+    bool cancelled() const { return cancelled_; }
     bool button_is_down();
 
     // Answers all that has come.
@@ -49,6 +54,7 @@ class FileOffer {
     unsigned target_version(unsigned target);
     unsigned server_time();
     void answer_request(const void* request);
+    unsigned char escape_key();
 
     xcb_connection_t* server_ = nullptr;
     unsigned root_ = 0, window_ = 0, time_ = 0, owned_since_ = 0;
@@ -56,5 +62,6 @@ class FileOffer {
     unsigned version_ = 0;  // agreed with the present target
     unsigned entered_ = 0;  // the target that has been neither left nor dropped on
     std::string uri_list_;
-    bool released_ = false, awaited_ = false;
+    bool released_ = false, awaited_ = false, cancelled_ = false;
+    unsigned char escape_ = 0;  // its key code while it is watched for
 };

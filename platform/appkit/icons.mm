@@ -13,6 +13,7 @@
 #include <unordered_map>
 
 #include "appkit/bitmaps.h"
+#include "appkit/hidden_icons.h"
 #include "appkit/icon_names.h"
 #include "appkit/icon_theme.h"
 #include "appkit/method_patch.h"
@@ -149,15 +150,19 @@ NSImage* image_of_bundle(NSWorkspace* self, const std::string& bytes, NSString* 
     return image;
 }
 
-NSImage* icon_for_file(NSWorkspace* self, SEL, NSString* path) {
-    if (uses_stock_icons) return stock_image(self, path);
-    const std::string bytes = path_bytes(path);
+NSImage* unmarked_icon(NSWorkspace* self, NSString* path, const std::string& bytes) {
     if (has_icon_of_its_own(bytes)) return image_of_bundle(self, bytes, path);
     const std::string key = icon_key(bytes);
     NSImage* image = image_for_key(self, key, path);
     const std::string file = untrusted_file(key);
     if (!file.empty()) show_untrusted_icon(image, file);
     return image;
+}
+
+NSImage* icon_for_file(NSWorkspace* self, SEL, NSString* path) {
+    if (uses_stock_icons) return stock_image(self, path);
+    const std::string bytes = path_bytes(path);
+    return marked_if_hidden(unmarked_icon(self, path, bytes), bytes);
 }
 
 }  // namespace

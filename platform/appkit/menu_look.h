@@ -10,8 +10,8 @@ struct color_t {
 };
 
 struct menu_palette_t {
-    color_t panel, border, edge;  // the edge is the hairline inside the border
-    color_t text, dimmed_text, mark;
+    color_t panel, border, edge;                   // the edge is the hairline inside the border
+    color_t text, dimmed_text, hidden_text, mark;  // dimmed: disabled; hidden: of hidden files
     color_t highlight, highlight_text;
     color_t separator;
     double shadow;  // darkest alpha

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "appkit/hidden_icons.h"
 #include "appkit/menu_text.h"
 
 namespace {
@@ -71,10 +72,12 @@ struct row_colors_t {
 row_colors_t row_colors(const menu_scene_t& scene, const menu_row_t& row) {
     const menu_palette_t& palette = *scene.layout->look().palette;
     if (![row.item isEnabled]) return {palette.dimmed_text, palette.dimmed_text, 0.45, true};
+    const bool hidden = is_icon_of_hidden_file([row.item image]);
+    const double image_alpha = hidden ? 0.55 : 1;
     if (row.item == scene.highlighted) {
-        return {palette.highlight_text, palette.highlight_text, 1, true};
+        return {palette.highlight_text, palette.highlight_text, image_alpha, true};
     }
-    return {palette.text, palette.mark, 1, false};
+    return {hidden ? palette.hidden_text : palette.text, palette.mark, image_alpha, false};
 }
 
 void paint_highlight(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
@@ -151,12 +154,17 @@ void paint_state(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& ro
 void paint_row(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
     if (row.kind == separator_row) return paint_separator(cairo, scene, row, y);
     if (row.kind == view_row) return;
+    // Marks that pile up on a letter reach far beyond its line.
+    cairo_save(cairo);
+    cairo_rectangle(cairo, scene.left, y, scene.width, row.height);
+    cairo_clip(cairo);
     const row_colors_t colors = row_colors(scene, row);
     if (row.item == scene.highlighted) paint_highlight(cairo, scene, row, y);
     paint_state(cairo, scene, row, y, colors.text);
     paint_image(cairo, scene, row, y, colors.image_alpha);
     paint_title(cairo, scene, row, y, colors);
     if ([row.item hasSubmenu]) paint_chevron(cairo, scene, row, y, colors.mark);
+    cairo_restore(cairo);
 }
 
 // Only rows that the clip shows.

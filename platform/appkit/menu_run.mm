@@ -266,7 +266,7 @@ void menu_run_t::synchronize() {
     for (const auto& level : levels_) {
         level->set_highlight([session_ highlightedItemOfMenu:level->menu()]);
     }
-    for (const auto& level : levels_) [level->window() displayIfNeeded];
+    for (const auto& level : levels_) display_menu_window(level->window());
     update_cards();
 }
 

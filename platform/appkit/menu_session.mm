@@ -200,8 +200,13 @@ NSMutableArray* open_sessions() {
     NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
     NSDictionary* info = [NSDictionary dictionaryWithObject:_pick forKey:@"MenuItem"];
     [center postNotificationName:NSMenuWillSendActionNotification object:_pickMenu userInfo:info];
-    send_action(_pick);
-    [center postNotificationName:NSMenuDidSendActionNotification object:_pickMenu userInfo:info];
+    @try {
+        send_action(_pick);
+    } @finally {
+        [center postNotificationName:NSMenuDidSendActionNotification
+                              object:_pickMenu
+                            userInfo:info];
+    }
 }
 
 @end

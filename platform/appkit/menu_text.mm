@@ -30,14 +30,20 @@ bool is_surrogate(unichar c) { return c >= 0xD800 && c <= 0xDFFF; }
 
 bool reorders(unichar c) {
     return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x200E ||
-           c == 0x200F;
+           c == 0x200F || c == 0x061C || (c >= 0x206A && c <= 0x206F);
+}
+
+// Nothing is seen of it, so that two names look alike.
+bool hides(unichar c) {
+    return c == 0x00AD || c == 0x180E || c == 0x200B || (c >= 0x2060 && c <= 0x2064) ||
+           c == 0xFEFF || (c >= 0xFFF9 && c <= 0xFFFB);
 }
 
 unichar visible(unichar c) {
     if (c == '\n' || c == '\r') return 0x21B5;  // the return arrow
     if (c == '\t') return 0x21E5;               // the tabulator arrow
     const bool breaks = c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
-    return breaks || reorders(c) ? 0xFFFD : c;
+    return breaks || reorders(c) || hides(c) ? 0xFFFD : c;
 }
 
 // In place; unpaired surrogates are no characters.

@@ -39,6 +39,8 @@ void shape_menu_window(NSWindow* window, int radius);
 // Leaves nothing of the window to be seen, without taking it from the screen: a grab stays.
 void hide_shape_of_menu_window(NSWindow* window);
 void show_menu_window(NSWindow* window);
+// Draws what needs it; nobody else does. What a view raises passes, and takes its focus along.
+void display_menu_window(NSWindow* window);
 
 // Takes a window that is not yet visible out of the window manager's hands.
 void free_from_window_manager(NSWindow* window);

@@ -133,6 +133,7 @@ NSWindow* new_menu_window(const area_t& area) {
     [window setOpaque:NO];
     [window setBackgroundColor:[NSColor clearColor]];
     [window setLevel:NSPopUpMenuWindowLevel];
+    [window setAutodisplay:NO];  // the run loop would swallow what a view raises
     free_from_window_manager(window);
     set_window_type(x_window(window), "_NET_WM_WINDOW_TYPE_POPUP_MENU");
     return window;
@@ -190,8 +191,21 @@ void shape_menu_window(NSWindow* window, int radius) {
                             static_cast<int>(lines.size()), ShapeSet, Unsorted);
 }
 
+void display_menu_window(NSWindow* window) {
+    NSView* focused = [NSView focusView];
+    @try {
+        [window displayIfNeeded];
+    } @catch (id) {
+        while ([NSView focusView] && [NSView focusView] != focused) {
+            [[NSView focusView] unlockFocus];
+        }
+        @throw;
+    }
+}
+
 void show_menu_window(NSWindow* window) {
-    [window display];  // before it is seen
+    [[window contentView] setNeedsDisplay:YES];
+    display_menu_window(window);  // before it is seen
     [window orderFrontRegardless];
     raise_higher_windows([window level]);
     [window flushWindow];

@@ -2,6 +2,8 @@
 
 #include <errno.h>
 #include <string.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/xattr.h>
 
 #include "carbon/file_references.h"
@@ -62,6 +64,24 @@ bool is_invisible(File& file) {
         file.knows_invisible = true;
     }
     return file.invisible;
+}
+
+bool is_hidden(const std::string& path) {
+    const size_t slash = path.find_last_not_of('/') == std::string::npos
+                             ? std::string::npos
+                             : path.rfind('/', path.find_last_not_of('/'));
+    if (slash == std::string::npos) return false;
+    File file = {};
+    file.path = path.substr(0, path.find_last_not_of('/') + 1);
+    file.name_offset = static_cast<uint32_t>(slash) + 1;
+    if (file.name()[0] == '.') return true;
+    struct stat status;
+    if (lstat(file.path.c_str(), &status) != 0) return false;
+    file.mode = status.st_mode;
+    file.device_major = major(status.st_dev);
+    file.device_minor = minor(status.st_dev);
+    file.seen_at = milliseconds_now();
+    return is_invisible(file);
 }
 
 }  // namespace files

@@ -4,6 +4,8 @@
 #include <stdint.h>
 #include <sys/types.h>
 
+#include <string>
+
 namespace files {
 
 struct File;
@@ -28,5 +30,9 @@ const FinderInformation& finder_information(File& file);
 
 // By the Finder's flag, or by the `.hidden` list of its folder.
 bool is_invisible(File& file);
+
+// Whether a file at an absolute path is one that file managers do not show: by its name, which
+// begins with a dot, or as above. Asks the disk.
+bool is_hidden(const std::string& path);
 
 }  // namespace files

@@ -119,6 +119,39 @@ TEST_F(Drag, ATargetThatTakesOtherTypesGetsNothing) {
     EXPECT_TRUE(target.drops().empty());
 }
 
+TEST_F(Drag, EscapeEndsItAndTheTargetIsLeftWithoutADrop) {
+    DropTarget target(folder_.path("drops"), target_x, target_y);
+    pop_up([&](Steps& steps) {
+        press(steps, {"project", "readme.txt"});
+        move_over(steps, target);
+        steps.when(
+            "over", [&] { return target.has("over"); }, [this] { escape(); });
+        steps.when("its end", [] { return !is_dragging(); });
+        steps.when(
+            "left", [&] { return target.has("left"); }, [this] { input().release(1); });
+    });
+    EXPECT_TRUE(target.drops().empty());
+    EXPECT_TRUE(input().pointer_is_free());
+    EXPECT_TRUE(program().opened().empty());
+}
+
+TEST_F(Drag, EscapeEndsItOverNothingAndLeavesTheKeyToOthers) {
+    pop_up([&](Steps& steps) {
+        press(steps, {"project", "readme.txt"});
+        steps.when(
+            "the drag", [] { return is_dragging(); },
+            [this] {
+                input().move(1000, 700);
+                escape();
+            });
+        steps.when(
+            "its end", [] { return !is_dragging(); }, [this] { input().release(1); });
+    });
+    // The next menu's.
+    walk({});
+    EXPECT_FALSE(is_open(0));
+}
+
 TEST_F(Drag, ADropOnNothingEnds) {
     pop_up([&](Steps& steps) {
         press(steps, {"project", "readme.txt"});

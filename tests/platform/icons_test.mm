@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 
+#include "appkit/hidden_icons.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 
@@ -152,4 +153,14 @@ TEST_F(Icons, NoPathAndMissingFilesGetAnIcon) {
     EXPECT_NE([[NSWorkspace sharedWorkspace] iconForFile:nil], nil);
     EXPECT_NE([[NSWorkspace sharedWorkspace] iconForFile:@""], nil);
     EXPECT_EQ(number(icon(folder.path("missing")), 32), 2);
+}
+
+TEST_F(Icons, AHiddenFilesIconIsMarked) {
+    folder.file(".hidden", "listed\n");
+    EXPECT_FALSE(is_icon_of_hidden_file(icon(folder.file("a.txt"))));
+    EXPECT_TRUE(is_icon_of_hidden_file(icon(folder.file(".a.txt"))));
+    EXPECT_TRUE(is_icon_of_hidden_file(icon(folder.file("listed"))));
+    EXPECT_TRUE(is_icon_of_hidden_file(icon(folder.folder(".config") + "/")));
+    EXPECT_FALSE(is_icon_of_hidden_file(icon(folder.file(".config/inner"))));
+    EXPECT_FALSE(is_icon_of_hidden_file(icon("/")));
 }

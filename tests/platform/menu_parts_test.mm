@@ -151,6 +151,20 @@ TEST(Titles, WhatWouldBreakOrHideALineIsVisible) {
     }
 }
 
+TEST(Titles, WhatCannotBeSeenIsMadeVisible) {
+    @autoreleasepool {
+        for (const unichar c : {0x061C, 0x200B, 0x200F, 0x2060, 0x206A, 0xFEFF, 0xFFF9, 0x00AD}) {
+            const unichar title[] = {'a', c, 'b'};
+            EXPECT_EQ(visible_title([NSString stringWithCharacters:title length:3]), "a\ufffd"
+                                                                                     "b")
+                << std::hex << c;
+        }
+        const unichar joined[] = {0x0915, 0x200D, 0x0937};  // a joiner that its script needs
+        NSString* kept = [NSString stringWithCharacters:joined length:3];
+        EXPECT_EQ(visible_title(kept), [kept UTF8String]);
+    }
+}
+
 TEST(Titles, AnEndlessTitleIsCut) {
     @autoreleasepool {
         NSString* endless = [@"" stringByPaddingToLength:100000 withString:@"x" startingAtIndex:0];

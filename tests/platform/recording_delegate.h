@@ -12,6 +12,11 @@
     NSMutableArray* _menus;
     NSMutableArray* _names;
 }
+- (void)menuNeedsUpdate:(NSMenu*)menu;
+- (void)menuWillOpen:(NSMenu*)menu;
+- (void)menuDidClose:(NSMenu*)menu;
+- (void)menu:(NSMenu*)menu willHighlightItem:(NSMenuItem*)item;
+- (void)picked:(id)sender;
 // A menu that does not enable items itself, with the receiver as its delegate.
 - (NSMenu*)menuNamed:(NSString*)name;
 - (void)nameMenu:(NSMenu*)menu as:(NSString*)name;

@@ -1,0 +1,141 @@
+// Rows as they are painted.
+#include <AppKit/AppKit.h>
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "appkit/bitmaps.h"
+#include "appkit/hidden_icons.h"
+#include "appkit/menu_paint.h"
+#include "support/app.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+class MenuPaint : public testing::Test {
+  protected:
+    void SetUp() override {
+        pool_ = [NSAutoreleasePool new];
+        test::start_application();
+        menu_ = [[[NSMenu alloc] initWithTitle:@"menu"] autorelease];
+        [menu_ setAutoenablesItems:NO];
+    }
+    void TearDown() override {
+        if (surface_) cairo_surface_destroy(surface_);
+        [pool_ release];
+    }
+
+    NSMenuItem* add(NSString* title) {
+        return static_cast<NSMenuItem*>([menu_ addItemWithTitle:title
+                                                         action:@selector(picked:)
+                                                  keyEquivalent:@""]);
+    }
+    // A full black square, marked if the file is hidden.
+    NSImage* icon_of(const std::string& file) {
+        NSBitmapImageRep* bitmap = make_bitmap(16, 16);
+        for (int i = 0; i < 16 * 16; i++) [bitmap bitmapData][i * 4 + 3] = 0xff;
+        NSImage* image = [[[NSImage alloc] initWithSize:NSMakeSize(16, 16)] autorelease];
+        [image addRepresentation:bitmap];
+        return marked_if_hidden(image, file);
+    }
+    void paint(NSMenuItem* highlighted = nil) {
+        layout_.update(menu_, 0);
+        surface_ =
+            cairo_image_surface_create(CAIRO_FORMAT_ARGB32, layout_.width(), layout_.height());
+        cairo_t* cairo = cairo_create(surface_);
+        menu_scene_t scene = {};
+        scene.layout = &layout_;
+        scene.images = &images_;
+        scene.highlighted = highlighted;
+        scene.width = layout_.width();
+        scene.height = layout_.height();
+        scene.rounded = true;
+        paint_menu(cairo, scene);
+        cairo_destroy(cairo);
+        cairo_surface_flush(surface_);
+    }
+    unsigned pixel(int x, int y) const {
+        const unsigned char* row =
+            cairo_image_surface_get_data(surface_) + y * cairo_image_surface_get_stride(surface_);
+        return reinterpret_cast<const uint32_t*>(row)[x] & 0xffffff;
+    }
+    // How dark the darkest pixel of a row's title is; 255 is white.
+    unsigned darkest(int row) const {
+        const menu_row_t& found = layout_.rows()[static_cast<size_t>(row)];
+        unsigned least = 255;
+        for (int y = found.top; y < found.top + found.height; y++) {
+            for (int x = layout_.title_left(found); x < layout_.title_right(); x++) {
+                least = std::min(least, pixel(x, y) & 0xff);
+            }
+        }
+        return least;
+    }
+    unsigned icon_pixel(int row) const {
+        const menu_row_t& found = layout_.rows()[static_cast<size_t>(row)];
+        return pixel(layout_.image_left() + 8, found.top + found.height / 2) & 0xff;
+    }
+
+    NSAutoreleasePool* pool_;
+    NSMenu* menu_;
+    menu_layout_t layout_{menu_look(nil, nullptr)};
+    image_cache_t images_;
+    cairo_surface_t* surface_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(MenuPaint, MarksThatPileUpStayInTheirRow) {
+    NSMutableString* piled = [NSMutableString string];
+    for (const char letter : {'Z', 'a', 'l', 'g', 'o'}) {
+        [piled appendFormat:@"%c", letter];
+        for (int i = 0; i < 40; i++)
+            [piled appendFormat:@"%C%C", unichar(0x0300 + i % 16), unichar(0x0316 + i % 14)];
+    }
+    add(@" ");
+    add(piled);
+    add(@" ");
+    paint();
+    EXPECT_GT(darkest(0), 230u);
+    EXPECT_LT(darkest(1), 100u);
+    EXPECT_GT(darkest(2), 230u);
+}
+
+TEST_F(MenuPaint, RowsOfHiddenFilesAreDimButNotDisabled) {
+    test::TempFolder folder;
+    folder.file(".hidden", "listed\n");
+    NSMenuItem* plain = add(@"MMM");
+    NSMenuItem* dotted = add(@"MMM");
+    NSMenuItem* listed = add(@"MMM");
+    NSMenuItem* disabled = add(@"MMM");
+    [plain setImage:icon_of(folder.file("plain"))];
+    [dotted setImage:icon_of(folder.file(".dotted"))];
+    [listed setImage:icon_of(folder.file("listed"))];
+    [disabled setImage:icon_of(folder.file("disabled"))];
+    [disabled setEnabled:NO];
+    paint();
+    EXPECT_LT(icon_pixel(0), 10u);
+    for (const int hidden : {1, 2}) {
+        EXPECT_GT(icon_pixel(hidden), 80u);
+        EXPECT_GT(darkest(hidden), darkest(0) + 30);
+        EXPECT_LT(darkest(hidden), darkest(3) - 20) << "not as one that cannot be used";
+    }
+    EXPECT_TRUE([dotted isEnabled]);
+}
+
+TEST_F(MenuPaint, ADimRowIsLegibleWhileItIsHighlighted) {
+    test::TempFolder folder;
+    NSMenuItem* plain = add(@"MMM");
+    NSMenuItem* dotted = add(@"MMM");
+    [plain setImage:icon_of(folder.file("plain"))];
+    [dotted setImage:icon_of(folder.file(".dotted"))];
+    paint(dotted);
+    unsigned brightest = 0;
+    const menu_row_t& row = layout_.rows()[1];
+    for (int y = row.top; y < row.top + row.height; y++) {
+        for (int x = layout_.title_left(row); x < layout_.title_right(); x++) {
+            brightest = std::max(brightest, pixel(x, y) >> 16);
+        }
+    }
+    EXPECT_GT(brightest, 240u);
+}
