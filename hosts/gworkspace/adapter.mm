@@ -9,6 +9,7 @@
 #include "gworkspace/opening.h"
 #include "gworkspace/operations.h"
 #include "gworkspace/presses.h"
+#include "gworkspace/type_selection.h"
 
 // The display server is not connected yet when GNUstep loads bundles; the rest waits for the end
 // of the launch.
@@ -41,6 +42,7 @@ std::string own_folder() {
     OpenFilesWithGWorkspace();
     OfferGWorkspaceOperations();
     TakeMenuPresses();
+    EndTypeSelections();
     (void)notification;
 }
 

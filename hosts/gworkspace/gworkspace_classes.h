@@ -48,6 +48,7 @@
 - (NSMatrix*)cmatrix;
 - (NSInteger)index;
 - (id)selectCellOfNode:(id)node sendAction:(BOOL)act;
+- (BOOL)selectCellWithPrefix:(NSString*)prefix;
 @end
 
 // The program's own object.

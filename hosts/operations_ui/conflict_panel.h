@@ -5,7 +5,8 @@
 
 namespace operations {
 
-// Shows it and returns the answer; Return skips, Escape stops.
-Answer AskAbout(const Conflict& conflict);
+// Shows it and returns the answer; Return skips, Escape stops. With `for_all` "Apply to all" is on
+// to begin with.
+Answer AskAbout(const Conflict& conflict, bool for_all);
 
 }  // namespace operations

@@ -57,7 +57,7 @@ void add_buttons(std::vector<Part>& parts, double top) {
 }
 
 // Returns the height that they take.
-double add_all(std::vector<Part>& parts, const Conflict& conflict) {
+double add_all(std::vector<Part>& parts, const Conflict& conflict, bool for_all) {
     Part question = text(margin, margin - 4, 24, QuestionOf(conflict));
     question.bold = true;
     question.size = 14;
@@ -73,6 +73,7 @@ double add_all(std::vector<Part>& parts, const Conflict& conflict) {
         check.item = apply_to_all;
         check.size = 13;
         check.key = 'a';
+        check.on = for_all;
         parts.push_back(check);
         top += 36;
     }
@@ -82,9 +83,9 @@ double add_all(std::vector<Part>& parts, const Conflict& conflict) {
 
 }  // namespace
 
-Answer AskAbout(const Conflict& conflict) {
+Answer AskAbout(const Conflict& conflict, bool for_all) {
     std::vector<Part> parts;
-    const double height = add_all(parts, conflict);
+    const double height = add_all(parts, conflict, for_all);
     PartsPanel* panel = [PartsPanel alloc];
     const Hit hit = [panel](int item) {
         if (item != apply_to_all) return [NSApp stopModalWithCode:item];

@@ -9,10 +9,14 @@
 
 namespace operations {
 
+// Whether the first answer is meant for all names that are taken, unless the user says otherwise.
+enum class Asks { Each, Once };
+
 // For one request, which is given to a carrier with it; there must be an application object.
 // `ended` is sent from the run loop, after the windows have closed; it may be empty.
 std::shared_ptr<Observer> MakeWindowObserver(const Request& request,
-                                             std::function<void(const Report&)> ended);
+                                             std::function<void(const Report&)> ended,
+                                             Asks asks = Asks::Each);
 
 // Whether requests with such observers have not ended.
 bool WindowsAreNeeded();

@@ -46,22 +46,26 @@ NSUInteger running = 0;
     NSTimer* _timer;  // retains this object, and the run loop the timer
     NSDate* _start;
     PartsPanel* _panel;
+    operations::Asks _asks;
     BOOL _isBusy;
 }
 - (instancetype)initWithTitle:(NSString*)title
                         board:(const std::shared_ptr<operations::ProgressBoard>&)board
-                        ended:(const Ended&)ended;
+                        ended:(const Ended&)ended
+                         asks:(operations::Asks)asks;
 @end
 
 @implementation OperationWindow
 
 - (instancetype)initWithTitle:(NSString*)title
                         board:(const std::shared_ptr<operations::ProgressBoard>&)board
-                        ended:(const Ended&)ended {
+                        ended:(const Ended&)ended
+                         asks:(operations::Asks)asks {
     if (!(self = [super init])) return nil;
     _board = new std::shared_ptr<operations::ProgressBoard>(board);
     _ended = new Ended(ended);
     _title = [title copy];
+    _asks = asks;
     _start = [NSDate new];
     _timer = [NSTimer timerWithTimeInterval:looks_every
                                      target:self
@@ -88,14 +92,23 @@ NSUInteger running = 0;
     if (_isBusy) return;
     if (const auto report = (*_board)->take_report()) return [self end:*report];
     if (const auto question = (*_board)->take_question()) return [self ask:*question];
-    if (!_panel && -[_start timeIntervalSinceNow] >= shown_after) [self show];
+    // A question of the program's own is not to be covered.
+    const bool may_show = -[_start timeIntervalSinceNow] >= shown_after && ![NSApp modalWindow];
+    if (!_panel && may_show) [self show];
     if (_panel) [self update];
 }
 
 - (void)ask:(const operations::Conflict&)conflict {
     _isBusy = YES;
-    (*_board)->answer(operations::AskAbout(conflict));
+    (*_board)->answer(operations::AskAbout(conflict, _asks == operations::Asks::Once));
     _isBusy = NO;
+    [self restart];
+}
+
+// What is left after an answer may be quick.
+- (void)restart {
+    [_start release];
+    _start = [NSDate new];
 }
 
 - (void)show {
@@ -149,9 +162,10 @@ NSUInteger running = 0;
 
 namespace operations {
 
-std::shared_ptr<Observer> MakeWindowObserver(const Request& request, Ended ended) {
+std::shared_ptr<Observer> MakeWindowObserver(const Request& request, Ended ended, Asks asks) {
     auto board = std::make_shared<ProgressBoard>();
-    [[[OperationWindow alloc] initWithTitle:TitleOf(request) board:board ended:ended] release];
+    [[[OperationWindow alloc] initWithTitle:TitleOf(request) board:board ended:ended
+                                       asks:asks] release];
     return board;
 }
 

@@ -27,18 +27,15 @@ class Behaviour : public testing::Test {
 
     // GNUstep loses the release of the first click that it gets.
     void wake(FileManager& manager) {
-        const Area shelf = manager.ask_area("bounds shelf");
+        const Area shelf = manager.settled_area("bounds shelf");
         hand_.move(shelf.left + shelf.width - 20, shelf.top + 20);
         hand_.click(1);
         manager.ask("show icons");
     }
 
     Area item(FileManager& manager, const std::string& name) {
-        Area area;
-        EXPECT_TRUE(wait_until([&] {
-            area = manager.ask_area("item icons " + folder_.path(name));
-            return static_cast<bool>(area);
-        })) << name;
+        const Area area = manager.settled_area("item icons " + folder_.path(name));
+        EXPECT_TRUE(static_cast<bool>(area)) << name;
         return area;
     }
 
@@ -57,13 +54,15 @@ class Behaviour : public testing::Test {
         hand_.release(1);
     }
 
-    // On a busy machine GNUstep may lose a drag; the hand tries again.
-    bool drag_until(const Area& from, const Area& to, const std::function<bool()>& is_done) {
-        for (int attempt = 0; attempt < 3; attempt++) {
+    // On a busy machine GNUstep may lose a drag; the hand tries again until GWorkspace asks.
+    void drag_until_asked(FileManager& manager, const Area& from, const Area& to,
+                          const std::string& question) {
+        for (int attempt = 0; attempt < 5; attempt++) {
             drag(from, to);
-            if (wait_until(is_done)) return true;
+            if (wait_until([&] { return !manager.ask("alert").empty(); }, 10)) break;
         }
-        return false;
+        hand_.let_go();
+        Answer(manager, hand_, question);
     }
 
     // The same work in GWorkspace; what it has written about it to standard error.
@@ -108,9 +107,10 @@ std::set<std::string> kinds_of(const lines_t& messages) {
 TEST_F(Behaviour, AFileDraggedOntoAFolderMoves) {
     FileManager manager(folder_.path());
     wake(manager);
-    EXPECT_TRUE(drag_until(item(manager, "dragged.txt"), item(manager, "target"),
-                           [&] { return fs::exists(folder_.path("target/dragged.txt")); }));
-    EXPECT_FALSE(fs::exists(folder_.path("dragged.txt")));
+    drag_until_asked(manager, item(manager, "dragged.txt"), item(manager, "target"),
+                     "Move one item from");
+    EXPECT_TRUE(wait_until([&] { return fs::exists(folder_.path("target/dragged.txt")); }));
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(folder_.path("dragged.txt")); }));
 }
 
 TEST_F(Behaviour, AFileDraggedWithControlMakesALink) {
@@ -118,9 +118,8 @@ TEST_F(Behaviour, AFileDraggedWithControlMakesALink) {
     wake(manager);
     const Area from = item(manager, "dragged.txt"), to = item(manager, "target");
     hand_.key_down("Control_L");
-    EXPECT_TRUE(
-        drag_until(from, to, [&] { return fs::is_symlink(folder_.path("target/dragged.txt")); }));
-    hand_.key_up("Control_L");
+    drag_until_asked(manager, from, to, "Link one item from");
+    EXPECT_TRUE(wait_until([&] { return fs::is_symlink(folder_.path("target/dragged.txt")); }));
     EXPECT_TRUE(fs::exists(folder_.path("dragged.txt")));
 }
 

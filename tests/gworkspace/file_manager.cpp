@@ -16,7 +16,6 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
-#include <utility>
 
 #include "support/temp_folder.h"
 
@@ -71,18 +70,14 @@ lines_t command_for(const std::string& folder, bool with_delvio, const lines_t& 
                        "({path = \"" + folder + "\"; key = viewer;})",
                        "-NoWarnOnQuit",
                        "YES"};
-    for (const char* operation : {"move", "copy", "link", "duplicate", "recycle"}) {
-        command.push_back(std::string("-") + operation + "Confirm");
-        command.push_back("YES");
-    }
     command.insert(command.end(), words.begin(), words.end());
     return command;
 }
 
 }  // namespace
 
-bool wait_until(const std::function<bool()>& condition) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+bool wait_until(const std::function<bool()>& condition, int seconds) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > limit) return false;
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -100,19 +95,12 @@ FileManager::FileManager(const std::string& folder, bool with_delvio, const line
         setenv("LD_PRELOAD", GWORKSPACE_PRELOADED, 1);
         redirect(errors_);
     });
-    const auto is_ready = [&] { return ask("launched") == "yes"; };
-    for (int turn = 0; turn < 6 && !wait_until(is_ready); ++turn) {
-        if (!is_running()) break;
+    wait_until([&] { return ask("launched") == "yes" || !is_running(); });
+    if (ask("launched") != "yes") {
+        throw std::runtime_error("GWorkspace did not start: " + read_file(errors_));
     }
-    if (!is_ready()) throw std::runtime_error("GWorkspace did not start: " + read_file(errors_));
     ask("frame 180 80 900 600");  // clear of main menu and dock
-    // A window manager takes its time.
-    std::string place;
-    wait_until([&] {
-        const std::string before = std::exchange(place, ask("bounds path"));
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        return !place.empty() && place == before;
-    });
+    wait_until([&] { return static_cast<bool>(settled_area("bounds path")); });
 }
 
 FileManager::~FileManager() {
@@ -162,6 +150,17 @@ lines_t FileManager::ask_lines(const std::string& question) const {
 Area FileManager::ask_area(const std::string& question) const {
     Area area;
     std::istringstream(ask(question)) >> area.left >> area.top >> area.width >> area.height;
+    return area;
+}
+
+Area FileManager::settled_area(const std::string& question) const {
+    Area area, before;
+    wait_until([&] {
+        before = ask_area(question);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        area = ask_area(question);
+        return area && before == area;
+    });
     return area;
 }
 

@@ -1,4 +1,5 @@
-// The real GWorkspace, with Delvio inside or without, in the isolated run's home folder.
+// The real GWorkspace with its default settings, with Delvio inside or without, in the isolated
+// run's home folder.
 #pragma once
 
 #include <sys/types.h>
@@ -16,6 +17,7 @@ struct Area {
     int x() const { return left + width / 2; }
     int y() const { return top + height / 2; }
     explicit operator bool() const { return width > 0; }
+    bool operator==(const Area&) const = default;
 };
 
 class FileManager {
@@ -33,6 +35,8 @@ class FileManager {
     std::string ask(const std::string& question) const;
     lines_t ask_lines(const std::string& question) const;
     Area ask_area(const std::string& question) const;
+    // Waits until it is there and stays where it is.
+    Area settled_area(const std::string& question) const;
 
     bool is_running();
     // How it ended and what it had to say, once it has.
@@ -46,8 +50,8 @@ class FileManager {
     pid_t process_ = 0;
 };
 
-// Waits until it is true, ten seconds at most; false when it never was.
-bool wait_until(const std::function<bool()>& condition);
+// Waits until it is true, so long at most; false when it never was.
+bool wait_until(const std::function<bool()>& condition, int seconds = 60);
 
 // Starts openbox if DELVIO_TEST_WINDOW_MANAGER asks for a window manager, and waits for it.
 void start_window_manager();

@@ -42,7 +42,7 @@ TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
     EXPECT_EQ(titles(0), lines_t({"second.txt", "-", "Open", "Open With...", "-", "Cut", "Copy",
                                   "-", "Duplicate", "Move to Recycler", "-", "Attributes"}));
     pick({"Duplicate"});
-    const std::string copy = path("second_copy.txt");
+    answer("Duplicate the selected objects?");
     EXPECT_TRUE(wait_until([&] {
         for (const auto& each : fs::directory_iterator(folder().path())) {
             const std::string name = each.path().filename();
@@ -58,6 +58,7 @@ TEST_F(Menus, MoveToRecyclerMovesWhatWasClicked) {
     left_click(item("icons", path("first.txt")));
     right_click(item("icons", path("rubbish.txt")));
     pick({"Move to Recycler"});
+    answer("Move one item from");
     EXPECT_TRUE(wait_until([&] { return !fs::exists(path("rubbish.txt")); }));
     EXPECT_TRUE(fs::exists(getenv("HOME") + std::string("/.Trash/rubbish.txt")));
     EXPECT_TRUE(fs::exists(path("first.txt")));
@@ -123,6 +124,19 @@ TEST_F(Menus, TwentyInARowAreAllTheSame) {
         EXPECT_TRUE(wait_until([&] { return is_open(1); }));
         input().key("Escape");
         ASSERT_TRUE(wait_until([&] { return is_closed(); }));
+    }
+}
+
+TEST_F(Menus, AnEscapeMoreThanTheMenuNeedsLeavesGWorkspaceUsable) {
+    for (const char* form : {"browser", "icons", "list"}) {
+        show(form);
+        // Of a folder: in the browser its column is the last then, and nothing in it is selected.
+        right_click(item(form, path("alpha")));
+        for (int press = 0; press < 3; press++) input().key("Escape");
+        EXPECT_TRUE(wait_until([&] { return is_closed(); }));
+        right_click(item(form, path("alpha")));
+        EXPECT_TRUE(contains(titles(0), "alpha")) << form;
+        close_menu();
     }
 }
 

@@ -1,4 +1,5 @@
-// The plug-in's file operations, carried out by GWorkspace.
+// The plug-in's file operations in GWorkspace: its own where every name is free, the engine's where
+// one is taken. GWorkspace has its default settings, under which it asks before it does anything.
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -7,6 +8,7 @@
 #include <sstream>
 
 #include "gworkspace/viewer_desk.h"
+#include "operations/engine.h"
 
 using namespace test;
 
@@ -43,6 +45,10 @@ class Operations : public ViewerDesk {
         manager().ask("show icons");
         return path;
     }
+    void pick_for(const std::string& path, const lines_t& way) {
+        right_click(item("icons", path));
+        pick(way);
+    }
     // Picks a row that shows while a key is held.
     void pick_with_key(const lines_t& way, const std::string& row, const std::string& key) {
         hover_along(way);
@@ -52,39 +58,61 @@ class Operations : public ViewerDesk {
         EXPECT_TRUE(wait_until([&] { return is_closed(); }));
         input().key_up(key);
     }
-    bool alert_is_open() const { return !manager().ask("button 1").empty(); }
-    void hit(int item) {
-        std::istringstream place(manager().ask("button " + std::to_string(item)));
-        int x = -1, y = -1;
-        place >> x >> y;
-        ASSERT_GE(x, 0);
+
+    // The plug-in's alert.
+    static bool alert_is_open() { return !manager().ask("button 1").empty(); }
+    void click_at(const std::string& question) {
+        std::string place;
+        ASSERT_TRUE(wait_until([&] { return !(place = manager().ask(question)).empty(); }))
+            << question;
+        int x = 0, y = 0;
+        std::istringstream(place) >> x >> y;
         input().move(x, y);
         input().click(1);
+    }
+    void refuse_by_return() {
+        ASSERT_TRUE(wait_until([&] { return alert_is_open(); }));
+        input().key("Return");
         EXPECT_TRUE(wait_until([&] { return !alert_is_open(); }));
     }
-    // The selection is of one file, whose name is taken in the basket.
-    void move_with_clash(const std::string& path) {
-        right_click(item("icons", path));
-        pick({"basket", "Move selection here"});
-        ASSERT_TRUE(wait_until([&] { return alert_is_open(); }));
+    // The question about a taken name, once it can be answered.
+    static bool asks_about(const std::string& name) {
+        return !manager().ask("part Skip").empty() &&
+               manager().ask("panel").find("“" + name + "”") != std::string::npos;
+    }
+    // Nothing waits for an answer, and nobody is about to ask.
+    static bool is_quiet() {
+        return manager().ask("idle") == "yes" && manager().ask("panel").empty();
+    }
+    struct Undone : operations::Observer {
+        void ended(const operations::Report&) override {}
+    };
+    static void undo() {
+        Undone observer;
+        for (const auto& outcome : operations::UndoLast(observer).outcomes) {
+            EXPECT_EQ(outcome.state, operations::State::Done) << outcome.reason;
+        }
     }
 };
 
 const lines_t three_levels = {"basket", "one", "two", "three"};
-enum { ok = 1, replace = 2 };
+const lines_t to_basket = {"basket", "Move selection here"};
+enum { replace = 2 };
 
 }  // namespace
 
 TEST_F(Operations, MoveSelectionHereIsAMoveOfGWorkspaces) {
-    right_click(item("icons", path("third.txt")));
-    pick({"basket", "one", "two", "three", "Move selection here"});
-    EXPECT_TRUE(wait_until([&] { return fs::exists(basket("one/two/three/third.txt")); }));
-    EXPECT_TRUE(wait_until([&] { return !fs::exists(path("third.txt")); }));
+    const std::string source = add("moved.txt", "moved");
+    pick_for(source, {"basket", "one", "two", "three", "Move selection here"});
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return fs::exists(basket("one/two/three/moved.txt")); }));
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
 }
 
 TEST_F(Operations, CopySelectionHereLeavesTheSource) {
     right_click(item("icons", path("second.txt")));
     pick_with_key(three_levels, "Copy selection here", "Alt_R");
+    answer("Copy one item from");
     const std::string copy = basket("one/two/three/second.txt");
     EXPECT_TRUE(wait_until([&] { return read_file(copy) == "second.txt"; }));
     EXPECT_TRUE(fs::exists(path("second.txt")));
@@ -93,6 +121,7 @@ TEST_F(Operations, CopySelectionHereLeavesTheSource) {
 TEST_F(Operations, AliasSelectionHereMakesALink) {
     right_click(item("icons", path("second.txt")));
     pick_with_key(three_levels, "Alias selection here", "Shift_L");
+    answer("Link one item from");
     const std::string alias = basket("one/two/three/second.txt");
     EXPECT_TRUE(wait_until([&] { return fs::is_symlink(alias); }));
     EXPECT_TRUE(fs::equivalent(alias, path("second.txt")));
@@ -100,8 +129,8 @@ TEST_F(Operations, AliasSelectionHereMakesALink) {
 
 TEST_F(Operations, AFolderIsMovedWithAllThatIsInIt) {
     add("moved/deep/inside.txt", "inside");
-    right_click(item("icons", path("moved")));
-    pick({"basket", "Move selection here"});
+    pick_for(path("moved"), to_basket);
+    answer("Move one item from");
     const std::string inside = basket("moved/deep/inside.txt");
     EXPECT_TRUE(wait_until([&] { return read_file(inside) == "inside"; }));
     EXPECT_TRUE(wait_until([&] { return !fs::exists(path("moved")); }));
@@ -112,72 +141,158 @@ TEST_F(Operations, OddNamesArrive) {
          {std::string("-rf"), std::string("line\nbreak"), std::string(255, 'n'),
           std::string("100% #?\""), std::string("\u00e4\u4e2d")}) {
         const std::string source = add(name, "text");
-        right_click(item("icons", source));
-        pick({"basket", "Move selection here"});
+        pick_for(source, to_basket);
+        answer("Move one item from");
         EXPECT_TRUE(wait_until([&] { return read_file(basket(name)) == "text"; })) << name;
         EXPECT_TRUE(wait_until([&] { return !fs::exists(source); })) << name;
     }
 }
 
-TEST_F(Operations, NamesThatGWorkspaceMistakesAreRefusedBeforeAnythingIsTouched) {
+TEST_F(Operations, WhereGWorkspaceWouldMistakeANameTheEngineMovesUnasked) {
     const struct {
-        const char *name, *title, *reason;
-    } rows[] = {
-        {"odd \xff", "Delvio: No name found?",
-         "the name \"odd \u00ff\" is not UTF-8, as all names are for GWorkspace"},
-        {"back\\slash", "back\\slash", "GWorkspace does not understand the name \"back\\slash\""},
-    };
+        const char *name, *title;
+    } rows[] = {{"odd \xff", "Delvio: No name found?"}, {"back\\slash", "back\\slash"}};
     for (const auto& row : rows) {
+        const std::string source = add("into.txt", "text");
         fs::create_directory(basket(row.name));
-        right_click(item("icons", path("first.txt")));
+        right_click(item("icons", source));
         hover_along({"basket"});
         std::string title;
         for (const std::string& each : titles(1)) {
             if (each.rfind(row.title, 0) == 0) title = each;
         }
         pick({"basket", title, "Move selection here"});
-        ASSERT_TRUE(wait_until([&] { return alert_is_open(); })) << row.name;
-        EXPECT_EQ(manager().ask("told"), std::string("One item was not done.\n") + row.reason);
-        hit(ok);
-        EXPECT_TRUE(fs::exists(path("first.txt")));
-        EXPECT_TRUE(fs::is_empty(basket(row.name)));
+        EXPECT_TRUE(wait_until([&] { return !fs::exists(source); })) << row.name;
+        EXPECT_EQ(read_file(basket(row.name) + "/into.txt"), "text");
+        EXPECT_TRUE(is_quiet());
+        fs::remove_all(basket(row.name));
     }
 }
 
-TEST_F(Operations, TheAlertReplacesByMouse) {
+TEST_F(Operations, AfterDontReplaceReturnAtEachQuestionLeavesBothFiles) {
+    const std::string source = add("kept.txt", "new");
+    std::ofstream(basket("kept.txt")) << "old";
+    pick_for(source, to_basket);
+    refuse_by_return();
+    ASSERT_TRUE(wait_until([&] { return asks_about("kept.txt"); })) << manager().ask("alert");
+    input().key("Return");
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); })) << manager().ask("alert");
+    EXPECT_EQ(read_file(basket("kept.txt")), "old");
+    EXPECT_EQ(read_file(source), "new");
+}
+
+TEST_F(Operations, OneQuestionAfterTheAlertIsForAllNamesThatAreTaken) {
+    for (const char* name : {"a1.txt", "a2.txt", "a3.txt"}) {
+        add(name, "new");
+        std::ofstream(basket(name)) << "old";
+    }
+    fs::remove(basket("a2.txt"));  // one is free: it goes along without a question of its own
+    show("icons");
+    select("icons", {path("a1.txt"), path("a2.txt"), path("a3.txt")});
+    right_click(item("icons", path("a1.txt")));
+    pick(to_basket);
+    refuse_by_return();
+    ASSERT_TRUE(wait_until([&] { return asks_about("a1.txt"); })) << manager().ask("alert");
+    input().key("Return");
+    EXPECT_TRUE(wait_until([&] { return read_file(basket("a2.txt")) == "new"; }));
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); })) << manager().ask("panel");
+    EXPECT_EQ(read_file(basket("a1.txt")), "old");
+    EXPECT_EQ(read_file(basket("a3.txt")), "old");
+    EXPECT_TRUE(fs::exists(path("a1.txt")) && fs::exists(path("a3.txt")));
+    for (const char* name : {"a1.txt", "a3.txt"}) fs::remove(path(name));
+}
+
+TEST_F(Operations, WhatTheQuestionReplacesComesBackByUndo) {
+    const std::string source = add("swapped.txt", "new");
+    std::ofstream(basket("swapped.txt")) << "old";
+    pick_for(source, to_basket);
+    refuse_by_return();
+    ASSERT_TRUE(wait_until([&] { return asks_about("swapped.txt"); }));
+    click_at("part Replace");
+    EXPECT_TRUE(wait_until([&] { return read_file(basket("swapped.txt")) == "new"; }));
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); }));
+    undo();
+    EXPECT_EQ(read_file(basket("swapped.txt")), "old");
+    EXPECT_EQ(read_file(source), "new");
+}
+
+TEST_F(Operations, TheAlertReplacesByMouseAndUndoBringsTheOldBack) {
     const std::string source = add("taken.txt", "new");
     std::ofstream(basket("TAKEN.txt")) << "other";
     std::ofstream(basket("taken.txt")) << "old";
-    move_with_clash(source);
-    hit(replace);
+    pick_for(source, to_basket);
+    click_at("button " + std::to_string(replace));
     EXPECT_TRUE(wait_until([&] { return read_file(basket("taken.txt")) == "new"; }));
     EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
     EXPECT_EQ(read_file(basket("TAKEN.txt")), "other");
+    undo();
+    EXPECT_EQ(read_file(basket("taken.txt")), "old");
+    EXPECT_EQ(read_file(source), "new");
+}
+
+TEST_F(Operations, AFileThatTheMenuHidesIsNoMoreReplacedThanOthers) {
+    const std::string source = add(".hidden", "new");
+    std::ofstream(basket(".hidden")) << "old";
+    pick_for(source, to_basket);
+    // The plug-in's alert knows only what it lists.
+    ASSERT_TRUE(wait_until([&] { return asks_about(".hidden"); })) << manager().ask("alert");
+    input().key("Return");
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); }));
+    EXPECT_EQ(read_file(basket(".hidden")), "old");
+    EXPECT_EQ(read_file(source), "new");
+    fs::remove(source);
+}
+
+TEST_F(Operations, AnAliasOfATakenNameGetsAnother) {
+    std::ofstream(basket("second.txt")) << "old";
+    right_click(item("icons", path("second.txt")));
+    pick_with_key({"basket"}, "Alias selection here", "Shift_L");
+    refuse_by_return();
+    EXPECT_TRUE(wait_until([&] {
+        return fs::is_symlink(basket("second alias.txt")) ||
+               fs::is_symlink(basket("second.txt alias"));
+    }));
+    EXPECT_EQ(read_file(basket("second.txt")), "old");
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); }));
+}
+
+TEST_F(Operations, NoWindowOfOursStandsBesideGWorkspacesQuestion) {
+    const std::string source = add("waiting.txt", "text");
+    pick_for(source, to_basket);
+    ASSERT_TRUE(wait_until([&] { return !manager().ask("question").empty(); }));
+    // Twice the half second after which a window of ours would come.
+    EXPECT_FALSE(wait_until([&] { return !manager().ask("panel").empty(); }, 1));
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
+}
+
+TEST_F(Operations, CancelInTheProgressWindowEndsTheWork) {
+    constexpr int count = 60000;
+    const std::string source = path("many");
+    fs::create_directory(source);
+    for (int number = 0; number < count; number++) {
+        fs::create_symlink("nowhere", source + "/" + std::to_string(number));
+    }
+    std::ofstream(basket("many")) << "old";
+    show("icons");
+    right_click(item("icons", source));
+    pick_with_key({"basket"}, "Copy selection here", "Alt_R");
+    click_at("button " + std::to_string(replace));
+    click_at("part Cancel");
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); })) << manager().ask("panel");
+    EXPECT_EQ(read_file(basket("many")), "old")
+        << "what was to be replaced is back, or still there";
+    fs::remove_all(source);
 }
 
 TEST_F(Operations, TheDestinationIsOpenedWhenAsked) {
+    const std::string source = add("opener.txt", "text");
     set_setting("open_after_file_op", "1");
-    right_click(item("icons", path("alpha")));
-    pick({"basket", "one", "Move selection here"});
-    EXPECT_TRUE(wait_until([&] { return fs::exists(basket("one/alpha/readme.txt")); }));
-    EXPECT_TRUE(wait_until([&] { return contains(manager().ask_lines("windows"), "one"); }));
+    pick_for(source, {"basket", "one", "Move selection here"});
     set_setting("open_after_file_op", "0");
-}
-
-TEST_F(Operations, TheAlertKeepsByReturnAndGWorkspaceAsksOnItsOwn) {
-    const std::string source = add("kept.txt", "new");
-    std::ofstream(basket("kept.txt")) << "old";
-    move_with_clash(source);
-    input().key("Return");
-    EXPECT_TRUE(wait_until([&] { return !alert_is_open(); }));
-    // GWorkspace asks on its own then: the operation is not cancelled.
-    const auto asks = [] {
-        return manager().ask("alert").find("do you want to replace them?") != std::string::npos;
-    };
-    ASSERT_TRUE(wait_until(asks)) << manager().ask("alert");
-    EXPECT_EQ(read_file(basket("kept.txt")), "old");
-    EXPECT_EQ(read_file(source), "new");
-    input().key("Return");
-    EXPECT_TRUE(wait_until([&] { return read_file(basket("kept.txt")) == "new"; }));
-    EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return fs::exists(basket("one/opener.txt")); }));
+    EXPECT_TRUE(wait_until([&] { return contains(manager().ask_lines("windows"), "one"); }));
+    manager().ask("close one");
+    EXPECT_TRUE(wait_until([&] { return !contains(manager().ask_lines("windows"), "one"); }));
 }

@@ -136,6 +136,7 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
         usleep(100000);
     }
     input().release(1);
+    answer("Copy one item from");
     EXPECT_TRUE(wait_until([&] { return std::filesystem::exists(path("brought.txt")); }));
     EXPECT_EQ(command.finish().status, 0);
 }

@@ -5,13 +5,19 @@
 //   highlight LEVEL  the title of the highlighted row
 //   button ITEM      where the button of the plug-in's alert is: "x y", once it has the keys
 //   told             what the plug-in's alert says
+//   part TEXT        where the button or check box of the operations' windows is: "x y on"; of the
+//                    conflict question once it has the keys
+//   panel            the texts of the operations' window, a line each
 //   elements         how many of the plug-in's elements have been made, and freed
 #include <AppKit/MenuTracking.h>
 
 #include <sstream>
 
 #include "appkit/menu_run.h"
+#include "appkit/menu_windows.h"
 #include "gworkspace/local_symbols.h"
+#include "gworkspace/settled_windows.h"
+#include "operations_ui/parts_panel.h"
 
 // The plug-in's alert, by name.
 @interface NSWindow (ProbedAlert)
@@ -56,13 +62,47 @@ std::string highlight_of(size_t level) {
 NSWindow* shown_alert() {
     NSWindow* window = [NSApp modalWindow];
     const BOOL is_alert = [window respondsToSelector:@selector(middleOfItem:)];
-    return is_alert && [window isKeyWindow] ? window : nil;
+    return is_alert && IsSettled(window) && HasKeyboard(window) ? window : nil;
 }
 
 std::string button_of(int item) {
     if (!shown_alert()) return "";
     const point_t at = [shown_alert() middleOfItem:item];
     return std::to_string(at.x) + " " + std::to_string(at.y);
+}
+
+// The operations' window in front, or nil.
+PartsPanel* shown_panel() {
+    Class wanted = objc_lookUpClass("PartsPanel");
+    if ([[NSApp modalWindow] isKindOfClass:wanted]) return (PartsPanel*)[NSApp modalWindow];
+    for (NSWindow* window in [NSApp windows]) {
+        if ([window isVisible] && [window isKindOfClass:wanted]) return (PartsPanel*)window;
+    }
+    return nil;
+}
+
+std::string part_of(const std::string& text) {
+    PartsPanel* panel = shown_panel();
+    if (!panel || !IsSettled(panel)) return "";
+    if ([NSApp modalWindow] == panel && !HasKeyboard(panel)) return "";
+    for (const operations::Part& part : [panel parts]) {
+        if (part.kind == operations::PartKind::Text || part.text != text) continue;
+        const NSRect area = [panel areaOfPart:part];
+        const NSPoint middle = NSMakePoint(NSMidX(area), NSMidY(area));
+        const point_t at = server_point([panel convertBaseToScreen:middle]);
+        return std::to_string(at.x) + " " + std::to_string(at.y) + (part.on ? " 1" : " 0");
+    }
+    return "";
+}
+
+std::string panel_texts() {
+    std::string text;
+    PartsPanel* panel = shown_panel();
+    if (!panel) return "";
+    for (const operations::Part& part : [panel parts]) {
+        if (part.kind == operations::PartKind::Text) text += part.text + "\n";
+    }
+    return text;
 }
 
 std::string element_counts() {
@@ -94,6 +134,10 @@ extern "C" __attribute__((visibility("default"))) void AnswerAboutMenus(const ch
         *answer = button_of(static_cast<int>(level));
     } else if (question == "told") {
         *answer = [[shown_alert() text] UTF8String] ?: "";
+    } else if (question == "part") {
+        *answer = part_of(std::string(line).substr(question.size() + 1));
+    } else if (question == "panel") {
+        *answer = panel_texts();
     } else if (question == "elements") {
         *answer = element_counts();
     } else {

@@ -1,5 +1,5 @@
 // What the probe can be asked about GWorkspace's own views. Answers are lines; a place on the
-// screen is "left top width height". Main thread.
+// screen is "left top width height", and nothing while its window is not there yet. Main thread.
 //
 //   launched              "yes" once it has
 //   selection             the paths that GWorkspace's commands are for
@@ -17,6 +17,8 @@
 //   shelve x PATH         puts the path on the shelf
 //   open PATH             a viewer of this folder
 //   alert                 the text of the panel that waits for an answer
+//   question              the same once the panel has the keyboard
+//   idle                  "yes" when no panel waits for an answer
 //   quit                  as from the main menu
 //   memory                bytes that are allocated
 #pragma once

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "gworkspace/probe_questions.h"
+#include "gworkspace/settled_windows.h"
 
 // GWorkspace's own, by name.
 @interface NSObject (ProbedGWorkspace)
@@ -81,7 +82,7 @@ NSView* view_of(const std::string& kind) {
 
 std::string area_of(NSView* view, NSRect rect) {
     const NSRect shown = NSIntersectionRect(rect, [view visibleRect]);
-    if (NSIsEmptyRect(shown)) return "";
+    if (NSIsEmptyRect(shown) || !IsSettled([view window])) return "";
     const NSRect area = [view convertRect:shown toView:nil];
     const NSPoint corner = [[view window] convertBaseToScreen:area.origin];
     const double top = NSHeight([[NSScreen mainScreen] frame]) - corner.y - NSHeight(area);
@@ -276,6 +277,11 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         [workspace newViewerAtPath:path];
     } else if (question == "alert") {
         *answer = alert_text();
+    } else if (question == "question") {
+        NSWindow* panel = [NSApp modalWindow];
+        if (panel && HasKeyboard(panel)) *answer = alert_text();
+    } else if (question == "idle") {
+        *answer = [NSApp modalWindow] ? "" : "yes";
     } else if (question == "quit") {
         [NSApp performSelector:@selector(terminate:) withObject:nil afterDelay:0];
     } else if (question == "memory") {

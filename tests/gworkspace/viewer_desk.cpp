@@ -30,9 +30,12 @@ void ViewerDesk::SetUpTestSuite() {
     program_ = std::make_unique<RecordingProgram>(
         std::vector<std::string>{"text/plain", "application/x-zerosize"});
     start_window_manager();
+}
+
+void ViewerDesk::start_manager() {
     manager_ = std::make_unique<FileManager>(folder_->path());
     // GNUstep loses the release of the first click that it gets: on the shelf's empty end.
-    const Area shelf = manager_->ask_area("bounds shelf");
+    const Area shelf = manager_->settled_area("bounds shelf");
     XInput hand;
     hand.move(shelf.left + shelf.width - 20, shelf.top + 20);
     hand.click(1);
@@ -46,14 +49,20 @@ void ViewerDesk::TearDownTestSuite() {
 
 ViewerDesk::ViewerDesk() { program_->forget(); }
 
-void ViewerDesk::SetUp() { ASSERT_TRUE(manager_->is_running()) << manager_->account(); }
-
-void ViewerDesk::TearDown() { EXPECT_TRUE(manager_->is_running()) << manager_->account(); }
-
-ViewerDesk::~ViewerDesk() {
-    input_.let_go();
-    if (!is_closed()) close_menu();
+void ViewerDesk::SetUp() {
+    if (!manager_) start_manager();
+    ASSERT_TRUE(manager_->is_running()) << manager_->account();
 }
+
+void ViewerDesk::TearDown() {
+    input_.let_go();
+    EXPECT_TRUE(manager_->is_running()) << manager_->account();
+    EXPECT_TRUE(is_closed()) << "a menu is still open";
+    EXPECT_EQ(manager_->ask("idle"), "yes") << manager_->ask("alert");
+    if (HasFailure()) manager_.reset();
+}
+
+ViewerDesk::~ViewerDesk() { input_.let_go(); }
 
 void ViewerDesk::show(const std::string& kind) {
     manager().ask("show " + kind);
@@ -61,22 +70,14 @@ void ViewerDesk::show(const std::string& kind) {
 }
 
 Area ViewerDesk::item(const std::string& kind, const std::string& path) {
-    Area area;
-    EXPECT_TRUE(wait_until([&] {
-        area = manager().ask_area("item " + kind + " " + path);
-        return static_cast<bool>(area);
-    })) << kind
-        << " shows no " << path;
+    const Area area = manager().settled_area("item " + kind + " " + path);
+    EXPECT_TRUE(static_cast<bool>(area)) << kind << " shows no " << path;
     return area;
 }
 
 Area ViewerDesk::ground(const std::string& kind) {
-    Area area;
-    EXPECT_TRUE(wait_until([&] {
-        area = manager().ask_area("ground " + kind);
-        return static_cast<bool>(area);
-    })) << kind
-        << " has no ground: " << manager().ask("ground " + kind) << manager().ask("bounds " + kind);
+    const Area area = manager().settled_area("ground " + kind);
+    EXPECT_TRUE(static_cast<bool>(area)) << kind << " has no ground";
     return area;
 }
 
@@ -154,6 +155,15 @@ void ViewerDesk::pick(const lines_t& titles) {
     move_to(area);
     input_.click(1);
     EXPECT_TRUE(wait_until([&] { return is_closed(); })) << "the menu stays";
+}
+
+void ViewerDesk::answer(const std::string& question) { Answer(manager(), input_, question); }
+
+void Answer(const FileManager& manager, XInput& hand, const std::string& question) {
+    const auto asks = [&] { return manager.ask("question").find(question) != std::string::npos; };
+    ASSERT_TRUE(wait_until(asks)) << question << " is not asked, but " << manager.ask("alert");
+    hand.key("Return");
+    EXPECT_TRUE(wait_until([&] { return !asks(); })) << question << " stays";
 }
 
 bool contains(const lines_t& lines, const std::string& line) {

@@ -1,5 +1,5 @@
 // A user in front of GWorkspace: one viewer of a folder of the test's own, hands on mouse and
-// keyboard. The program is started once for all tests of a suite.
+// keyboard. The program is started once for the tests of a suite, and anew after one that failed.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ class ViewerDesk : public testing::Test {
     static void TearDownTestSuite();
     ViewerDesk();
     ~ViewerDesk() override;
-    // GWorkspace is there before and after each test.
+    // GWorkspace is there before and after each test, and nothing waits for an answer.
     void SetUp() override;
     void TearDown() override;
 
@@ -61,10 +61,12 @@ class ViewerDesk : public testing::Test {
     // Hovers over these rows, each in the level that the one before opens.
     void hover_along(const lines_t& titles);
     void pick(const lines_t& titles);
+    void answer(const std::string& question);
 
     lines_t selection() const { return manager().ask_lines("selection"); }
 
   private:
+    static void start_manager();
     static std::unique_ptr<TempFolder> folder_;
     static std::unique_ptr<RecordingProgram> program_;
     static std::unique_ptr<FileManager> manager_;
@@ -72,5 +74,8 @@ class ViewerDesk : public testing::Test {
 };
 
 bool contains(const lines_t& lines, const std::string& line);
+
+// Return, as soon as GWorkspace asks with these words.
+void Answer(const FileManager& manager, XInput& hand, const std::string& question);
 
 }  // namespace test

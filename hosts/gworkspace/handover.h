@@ -1,0 +1,12 @@
+// Which file operations GWorkspace is trusted with, and giving them to it. Main thread.
+#pragma once
+
+#include "operations/request.h"
+
+// Whether GWorkspace carries it out as asked. It replaces files by deleting them, with Return for
+// yes, so it never gets a name that is taken; nor names that it mistakes, a folder that is to go
+// into itself, or files of several folders, about each of which it would ask anew.
+bool IsForGWorkspace(const operations::Request& request);
+
+// GWorkspace asks, shows and tells whatever there is to ask, show and tell. May wait for a click.
+void HandOver(const operations::Request& request);

@@ -1,0 +1,129 @@
+#include "gworkspace/handover.h"
+
+#include <AppKit/AppKit.h>
+
+#include <dirent.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <set>
+
+#include "gworkspace/gworkspace_classes.h"
+
+using operations::Kind;
+using operations::Request;
+
+namespace {
+
+NSString* operation_of(Kind kind) {
+    switch (kind) {
+        case Kind::Move:
+            return NSWorkspaceMoveOperation;
+        case Kind::Copy:
+            return NSWorkspaceCopyOperation;
+        case Kind::Alias:
+            return NSWorkspaceLinkOperation;
+        case Kind::Trash:
+            break;
+    }
+    return NSWorkspaceRecycleOperation;
+}
+
+NSString* string_of(const std::string& path) {
+    return [NSString stringWithUTF8String:path.c_str()];
+}
+
+std::string folder_of(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+std::string name_of(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+// It knows names that are text, and takes paths apart at backslashes too.
+bool is_understood(const std::string& path) {
+    NSString* text = string_of(path);
+    NSString* folder = [text stringByDeletingLastPathComponent];
+    NSString* again = [folder stringByAppendingPathComponent:[text lastPathComponent]];
+    return text && [again isEqualToString:text] && path.find('\\') == std::string::npos;
+}
+
+bool is_there(const std::string& path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+}
+
+// Where all links lead; the path itself if it leads nowhere.
+std::string real_path(const std::string& path) {
+    char* found = realpath(path.c_str(), nullptr);
+    const std::string real = found ? found : path;
+    free(found);
+    return real;
+}
+
+bool holds(const std::string& folder, const std::string& path) {
+    const std::string outer = real_path(folder) + "/", inner = real_path(path) + "/";
+    return inner.compare(0, outer.size(), outer) == 0;
+}
+
+// As the plug-in compares them: what it has asked about never comes to GWorkspace.
+struct ignoring_case {
+    bool operator()(const std::string& one, const std::string& other) const {
+        return strcasecmp(one.c_str(), other.c_str()) < 0;
+    }
+};
+
+// Whether all the names are free; of a folder that cannot be read nobody knows.
+bool are_free(const std::vector<std::string>& sources, const std::string& destination) {
+    std::set<std::string, ignoring_case> names;
+    for (const std::string& source : sources) {
+        if (!names.insert(name_of(source)).second) return false;
+    }
+    DIR* folder = opendir(destination.c_str());
+    if (!folder) return false;
+    bool free = true;
+    while (const dirent* entry = free ? readdir(folder) : nullptr) {
+        free = names.count(entry->d_name) == 0;
+    }
+    closedir(folder);
+    return free;
+}
+
+bool suits_destination(const Request& request) {
+    const std::string& destination = request.destination;
+    const auto is_above = [&](const auto& source) { return holds(source, destination); };
+    return is_understood(destination) && are_free(request.sources, destination) &&
+           std::none_of(request.sources.begin(), request.sources.end(), is_above);
+}
+
+}  // namespace
+
+bool IsForGWorkspace(const Request& request) {
+    if (request.replace || request.sources.empty()) return false;
+    const std::string folder = folder_of(request.sources.front());
+    for (const std::string& source : request.sources) {
+        if (folder_of(source) != folder || !is_understood(source) || !is_there(source)) {
+            return false;
+        }
+    }
+    return request.kind == Kind::Trash || suits_destination(request);
+}
+
+void HandOver(const Request& request) {
+    id<GWWorkspace> workspace = SharedGWorkspace();
+    NSMutableArray* names = [NSMutableArray array];
+    for (const std::string& source : request.sources) {
+        [names addObject:string_of(name_of(source))];
+    }
+    const bool is_trash = request.kind == Kind::Trash;
+    NSString* destination = is_trash ? [workspace trashPath] : string_of(request.destination);
+    NSString* source = string_of(folder_of(request.sources.front()));
+    [workspace
+        performFileOperation:[NSDictionary dictionaryWithObjectsAndKeys:operation_of(request.kind),
+                                                                        @"operation", source,
+                                                                        @"source", destination,
+                                                                        @"destination", names,
+                                                                        @"files", nil]];
+}

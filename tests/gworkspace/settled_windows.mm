@@ -1,0 +1,57 @@
+#include "gworkspace/settled_windows.h"
+
+#include <GNUstepGUI/GSDisplayServer.h>
+
+// Xlib's names after AppKit's: some are the same.
+#include <X11/Xlib.h>
+
+namespace {
+
+// One of the probe's own, so that nothing of the program's is taken away.
+Display* connection() {
+    static Display* display = XOpenDisplay(nullptr);
+    return display;
+}
+
+Window x_window(NSWindow* window) {
+    void* device = [GSServerForWindow(window) windowDevice:[window windowNumber]];
+    return reinterpret_cast<Window>(device);
+}
+
+// The upper left corner of a rectangle of the screen, as X counts.
+NSPoint corner_of(NSRect rect) {
+    return NSMakePoint(NSMinX(rect), NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(rect));
+}
+
+NSRect content_of(NSWindow* window) {
+    NSView* view = [window contentView];
+    NSRect rect = [view convertRect:[view bounds] toView:nil];
+    rect.origin = [window convertBaseToScreen:rect.origin];
+    return rect;
+}
+
+bool is_at(NSPoint believed, int x, int y) {
+    return static_cast<int>(believed.x) == x && static_cast<int>(believed.y) == y;
+}
+
+}  // namespace
+
+bool IsSettled(NSWindow* window) {
+    XWindowAttributes attributes;
+    const Window shown = [window windowNumber] > 0 ? x_window(window) : 0;
+    if (!shown || !XGetWindowAttributes(connection(), shown, &attributes)) return false;
+    if (attributes.map_state != IsViewable) return false;
+    int x = 0, y = 0;
+    Window child;
+    XTranslateCoordinates(connection(), shown, attributes.root, 0, 0, &x, &y, &child);
+    // With the title bar in the window, or around it.
+    return is_at(corner_of(content_of(window)), x, y) || is_at(corner_of([window frame]), x, y);
+}
+
+bool HasKeyboard(NSWindow* window) {
+    Window focus = 0;
+    int revert = 0;
+    if (![window isKeyWindow]) return false;
+    XGetInputFocus(connection(), &focus, &revert);
+    return focus == x_window(window);
+}
