@@ -5,6 +5,7 @@
 
 #include "finderkit/finder_events.h"
 #include "finderkit/plug_in.h"
+#include "finderkit/settings_file.h"
 #include "gworkspace/icons.h"
 #include "gworkspace/opening.h"
 #include "gworkspace/operations.h"
@@ -37,6 +38,8 @@ std::string own_folder() {
     std::string problem;
     const std::string bundle = FindPlugIn(&problem, own_folder());
     if (bundle.empty()) return complain(problem);
+    const std::string corrupt = SettingsProblem();
+    if (!corrupt.empty()) complain(corrupt + "; the defaults count");
     if (!AnswerFinderEvents(&problem)) complain(problem);
     if (!LoadPlugIn(bundle, &problem)) return complain(problem);
     OpenFilesWithGWorkspace();

@@ -4,6 +4,7 @@
 
 #include <stdio.h>
 
+#include "corefoundation/defaults_file.h"
 #include "finderkit/plug_in.h"
 
 namespace {
@@ -22,15 +23,14 @@ bool is_ours(id entry) {
            [[entry lastPathComponent] isEqualToString:bundle_name];
 }
 
-NSDictionary* content_of(NSString* domain) {
-    NSDictionary* content = [[NSUserDefaults standardUserDefaults] persistentDomainForName:domain];
-    return content ?: [NSDictionary dictionary];
-}
-
-// A list of GWorkspace's own hides the one for all programs.
-NSString* list_domain() {
-    return [content_of(program_domain) objectForKey:list_key] ? program_domain : NSGlobalDomain;
-}
+// The two domains, as they stand on disk.
+struct Domains {
+    DefaultsFile own{program_domain}, global{NSGlobalDomain};
+    // A list of GWorkspace's own hides the one for all programs.
+    bool has_own() const { return [own.values() objectForKey:list_key] != nil; }
+    DefaultsFile& file() { return has_own() ? own : global; }
+    NSString* name() const { return has_own() ? program_domain : NSGlobalDomain; }
+};
 
 // The list with this path in the place of our entries, or at its end; without them for nil.
 NSArray* changed_list(NSArray* list, NSString* path) {
@@ -48,17 +48,13 @@ NSArray* changed_list(NSArray* list, NSString* path) {
     return changed;
 }
 
-bool write_list(NSString* domain, NSArray* list) {
-    NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
-    NSMutableDictionary* content = [[content_of(domain) mutableCopy] autorelease];
-    if ([list count] > 0) {
-        [content setObject:list forKey:list_key];
-    } else {
-        [content removeObjectForKey:list_key];
-    }
-    [defaults removePersistentDomainForName:domain];
-    if ([content count] > 0) [defaults setPersistentDomain:content forName:domain];
-    return [defaults synchronize];
+bool write_list(DefaultsFile& file, NSArray* list) {
+    const id value = [list count] > 0 ? (id)list : (id)[NSNull null];
+    return file.merge([NSDictionary dictionaryWithObject:value forKey:list_key]);
+}
+
+int failed_to_write(const DefaultsFile& file) {
+    return failed("cannot write " + file.path() + "; it was left as it is");
 }
 
 int say(const char* text, NSString* path, NSString* domain) {
@@ -67,19 +63,20 @@ int say(const char* text, NSString* path, NSString* domain) {
     return exit_done;
 }
 
-int install(NSString* domain, NSArray* list) {
+int install(Domains& domains, NSArray* list) {
     std::string problem;
     const std::string found = FindBundle([bundle_name UTF8String], &problem);
     if (found.empty()) return failed(problem);
     NSString* path = [NSString stringWithUTF8String:found.c_str()];
+    NSString* domain = domains.name();
     if (!path) return failed("the path of the bundle is not UTF-8: " + found);
     NSArray* changed = changed_list(list, path);
     if ([changed isEqual:list]) return say("GWorkspace has Delvio already:", path, domain);
-    if (!write_list(domain, changed)) return failed("cannot write your defaults");
+    if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
     return say("GWorkspace has Delvio from its next start on:", path, domain);
 }
 
-int uninstall(NSString* domain, NSArray* list) {
+int uninstall(Domains& domains, NSArray* list) {
     NSArray* changed = changed_list(list, nil);
     if ([changed count] == [list count]) {
         puts("GWorkspace does not have Delvio: nothing to do.");
@@ -89,7 +86,8 @@ int uninstall(NSString* domain, NSArray* list) {
     for (id entry in list) {
         if (is_ours(entry)) path = entry;
     }
-    if (!write_list(domain, changed)) return failed("cannot write your defaults");
+    NSString* domain = domains.name();
+    if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
     return say("GWorkspace does not have Delvio any more from its next start on; taken out:", path,
                domain);
 }
@@ -97,11 +95,17 @@ int uninstall(NSString* domain, NSArray* list) {
 }  // namespace
 
 int RunInstallCommand(const InstallRequest& request) {
-    NSString* domain = list_domain();
-    id list = [content_of(domain) objectForKey:list_key];
+    Domains domains;
+    for (DefaultsFile* file : {&domains.own, &domains.global}) {
+        if (file->refresh()) continue;
+        return failed("the defaults in " + file->path() +
+                      " cannot be read; nothing was changed. Mend or remove that file");
+    }
+    NSString* domain = domains.name();
+    id list = [domains.file().values() objectForKey:list_key];
     if (list && ![list isKindOfClass:[NSArray class]]) {
         return failed(std::string("the default ") + [list_key UTF8String] + " of the domain " +
                       [domain UTF8String] + " is no list; it was left as it is");
     }
-    return request.remove ? uninstall(domain, list) : install(domain, list);
+    return request.remove ? uninstall(domains, list) : install(domains, list);
 }

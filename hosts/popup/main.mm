@@ -1,5 +1,6 @@
 #include <Foundation/Foundation.h>
 
+#include "finderkit/settings_file.h"
 #include "operations/state_folder.h"
 #include "operations/temporaries.h"
 #include "popup/application.h"
@@ -15,8 +16,20 @@
 
 namespace {
 
+bool changes_settings(const CommandLine& line) {
+    const SettingsVerb verb = line.settings_request.verb;
+    return line.command == CommandLine::settings &&
+           (verb == SettingsVerb::set || verb == SettingsVerb::reset);
+}
+
 int run_command(const CommandLine& line) {
     if (line.command == CommandLine::install) return RunInstallCommand(line.install_request);
+    const std::string problem = SettingsProblem();
+    if (!problem.empty() && changes_settings(line)) {
+        Complain(problem + "; nothing was changed. Mend or remove that file");
+        return exit_failed;
+    }
+    if (!problem.empty()) Complain(problem + "; the defaults count");
     return line.command == CommandLine::menu ? RunMenuCommand(line.menu_request)
                                              : RunSettingsCommand(line.settings_request);
 }

@@ -3,37 +3,55 @@
 #include "appkit/pointer_connection.h"
 
 // Xlib's names after AppKit's: some are the same.
+#include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
 
 namespace {
 
-// As in GNUstep's X back end, fallbacks included.
-const struct {
+// The keys, each with the default that names another one for it. GNUstep's own choice, left Alt for
+// Command and right Alt for Option, leaves no Option on a keyboard that has AltGr on the right.
+const struct slot_t {
     NSString* default_name;
-    KeySym fallback;
+    KeySym symbol;
     NSUInteger flag;
-} keys[] = {
+} slots[] = {
     {nil, XK_Shift_L, NSShiftKeyMask},
     {nil, XK_Shift_R, NSShiftKeyMask},
     {@"GSFirstControlKey", XK_Control_L, NSControlKeyMask},
     {@"GSSecondControlKey", XK_Control_R, NSControlKeyMask},
-    {@"GSFirstCommandKey", XK_Alt_L, NSCommandKeyMask},
-    {@"GSSecondCommandKey", NoSymbol, NSCommandKeyMask},
-    {@"GSFirstAlternateKey", XK_Alt_R, NSAlternateKeyMask},
-    {@"GSSecondAlternateKey", NoSymbol, NSAlternateKeyMask},
+    {@"GSFirstCommandKey", XK_Super_L, NSCommandKeyMask},
+    {@"GSSecondCommandKey", XK_Super_R, NSCommandKeyMask},
+    {@"GSFirstAlternateKey", XK_Alt_L, NSAlternateKeyMask},
+    {@"GSSecondAlternateKey", XK_Alt_R, NSAlternateKeyMask},
+    {nil, XK_ISO_Level3_Shift, NSAlternateKeyMask},
+    {nil, XK_Mode_switch, NSAlternateKeyMask},
 };
 
-KeySym symbol_of(NSString* default_name, KeySym fallback) {
-    NSString* name =
-        default_name ? [[NSUserDefaults standardUserDefaults] stringForKey:default_name] : nil;
-    return name ? XStringToKeysym([name UTF8String]) : fallback;
+NSString* chosen_name(const slot_t& slot) {
+    if (!slot.default_name) return nil;
+    return [[NSUserDefaults standardUserDefaults] stringForKey:slot.default_name];
 }
 
-bool is_down(Display* display, const char* vector, KeySym symbol) {
-    KeyCode code = symbol == NoSymbol ? 0 : XKeysymToKeycode(display, symbol);
-    if (!code && symbol == XK_Alt_R) code = XKeysymToKeycode(display, XK_Mode_switch);
-    return code && vector[code / 8] & (1 << (code % 8));
+// What the user has chosen a key for it is not, besides, for something else.
+NSUInteger flags_of(KeySym symbol) {
+    NSUInteger chosen = 0, usual = 0;
+    for (const slot_t& slot : slots) {
+        NSString* name = chosen_name(slot);
+        if (name && XStringToKeysym([name UTF8String]) == symbol) chosen |= slot.flag;
+        if (!name && slot.symbol == symbol) usual |= slot.flag;
+    }
+    return chosen ? chosen : usual;
+}
+
+// In whichever of its layouts the keyboard is.
+NSUInteger flags_of_key(Display* display, KeyCode code) {
+    NSUInteger flags = 0;
+    for (unsigned group = 0; group < XkbNumKbdGroups; group++) {
+        const KeySym symbol = XkbKeycodeToKeysym(display, code, group, 0);
+        if (symbol != NoSymbol) flags |= flags_of(symbol);
+    }
+    return flags;
 }
 
 NSUInteger keyboard_flags() {
@@ -42,8 +60,10 @@ NSUInteger keyboard_flags() {
     char vector[32] = {};
     XQueryKeymap(display, vector);
     NSUInteger flags = pointer_state() & LockMask ? NSAlphaShiftKeyMask : 0;
-    for (const auto& key : keys) {
-        if (is_down(display, vector, symbol_of(key.default_name, key.fallback))) flags |= key.flag;
+    for (int code = 8; code < 256; code++) {
+        if (vector[code / 8] & (1 << (code % 8))) {
+            flags |= flags_of_key(display, static_cast<KeyCode>(code));
+        }
     }
     return flags;
 }

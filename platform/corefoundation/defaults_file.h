@@ -20,12 +20,15 @@ class DefaultsFile {
     // False when it cannot be read or holds no dictionary: the values are then those of before.
     bool refresh();
 
+    const std::string& path() const { return path_; }
+
     // What the file held when it was read last. Never null.
     NSDictionary* values() const { return values_; }
 
     // Merges the changes (null objects remove their key) into the newest content of the file and
-    // replaces it as a whole, under the lock that NSUserDefaults takes. Changes that change nothing
-    // write nothing. False when the file could not be written; it is then as it was.
+    // replaces it as a whole, under the lock that NSUserDefaults takes; a link to it stays, and so
+    // do its permissions. Changes that change nothing write nothing. False when the file could not
+    // be read or written; it is then as it was.
     bool merge(NSDictionary* changes);
 
   private:

@@ -48,6 +48,16 @@ class DefaultsLock {
     bool held_ = false;
 };
 
+// Where links lead; empty when they lead nowhere.
+std::string real_path(const std::string& path) {
+    struct stat status;
+    if (lstat(path.c_str(), &status) != 0) return path;
+    char* found = realpath(path.c_str(), nullptr);
+    const std::string real = found ? found : "";
+    free(found);
+    return real;
+}
+
 // The makers of folders are few: the defaults folder and its parents, on a user's first run.
 void make_folders(const std::string& path) {
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
@@ -145,12 +155,16 @@ bool DefaultsFile::replace(NSDictionary* values) {
                                                                error:nullptr];
     if (!data) return false;
 
-    std::string temporary = path_ + ".XXXXXX";
+    const std::string target = real_path(path_);
+    if (target.empty()) return false;
+    std::string temporary = target + ".XXXXXX";
     const int file = mkostemp(temporary.data(), O_CLOEXEC);
     if (file < 0) return false;
-    bool done = write_all(file, (const char*)[data bytes], [data length]) && fsync(file) == 0;
+    struct stat before;
+    bool done = stat(target.c_str(), &before) != 0 || fchmod(file, before.st_mode & 07777) == 0;
+    done = done && write_all(file, (const char*)[data bytes], [data length]) && fsync(file) == 0;
     done = close(file) == 0 && done;
-    done = done && rename(temporary.c_str(), path_.c_str()) == 0;
+    done = done && rename(temporary.c_str(), target.c_str()) == 0;
     if (!done) unlink(temporary.c_str());
     return done;
 }

@@ -118,6 +118,25 @@ TEST_F(Operations, CopySelectionHereLeavesTheSource) {
     EXPECT_TRUE(fs::exists(path("second.txt")));
 }
 
+// Left Alt, right Alt, and right Alt where it is AltGr.
+TEST_F(Operations, OptionIsEitherAltKeyAndAltGr) {
+    const std::string left = input().place_of("Alt_L"), right = input().place_of("Alt_R");
+    const struct {
+        const char* layout;
+        std::string key;
+    } rows[] = {{"us", left}, {"us", right}, {"de", right}, {"de", left}, {"fr", right}};
+    for (const auto& row : rows) {
+        ASSERT_EQ(system((std::string("setxkbmap ") + row.layout).c_str()), 0);
+        right_click(item("icons", path("second.txt")));
+        pick_with_key(three_levels, "Copy selection here", row.key);
+        answer("Copy one item from");
+        const std::string copy = basket("one/two/three/second.txt");
+        EXPECT_TRUE(wait_until([&] { return read_file(copy) == "second.txt"; })) << row.layout;
+        fs::remove(copy);
+    }
+    ASSERT_EQ(system("setxkbmap us"), 0);
+}
+
 TEST_F(Operations, AliasSelectionHereMakesALink) {
     right_click(item("icons", path("second.txt")));
     pick_with_key(three_levels, "Alias selection here", "Shift_L");

@@ -13,7 +13,7 @@ using namespace test;
 
 namespace {
 
-constexpr char command_key[] = "Alt_L";
+constexpr char command_key[] = "Super_L";
 
 class Pointer : public ViewerDesk {
   protected:
@@ -36,7 +36,8 @@ class Pointer : public ViewerDesk {
     // The Command-press on a row of the deepest level, until its drag has begun.
     void drag(size_t level, const std::string& title) {
         move_to(row(level, title).area);
-        usleep(100000);
+        const std::string question = "highlight " + std::to_string(level);
+        EXPECT_TRUE(wait_until([&] { return manager().ask_lines(question) == lines_t({title}); }));
         input().key_down(command_key);
         input().press(1);
         ASSERT_TRUE(wait_until([&] { return is_closed(); }));

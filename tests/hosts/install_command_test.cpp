@@ -5,11 +5,14 @@
 #include <stdlib.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "hosts/command_runner.h"
 #include "support/temp_folder.h"
 
 using namespace test;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -112,6 +115,49 @@ TEST_F(Install, WhatIsNoListIsLeftAlone) {
     const std::string odd = everything();
     EXPECT_EQ(run("install").status, 1);
     EXPECT_EQ(everything(), odd);
+}
+
+// The file of a domain, for what GNUstep's own command cannot be made to do.
+class InstallFiles : public Install {
+  protected:
+    static std::string file_of(const std::string& domain) {
+        const std::string home = getenv("HOME");
+        return fs::path(home).parent_path().string() + "/defaults/" + domain + ".plist";
+    }
+};
+
+TEST_F(InstallFiles, AnUnreadableDomainIsNamedAndNotReplaced) {
+    for (const char* domain : {"NSGlobalDomain", "GWorkspace"}) {
+        const std::string file = file_of(domain), whole = read_file(file);
+        ASSERT_NE(whole, "") << file;
+        std::ofstream(file) << "<<< no property list";
+        for (const char* verb : {"install", "uninstall"}) {
+            const Outcome outcome = run(verb);
+            EXPECT_EQ(outcome.status, 1) << outcome.out;
+            EXPECT_NE(outcome.err.find(file), std::string::npos) << outcome.err;
+            EXPECT_EQ(read_file(file), "<<< no property list");
+        }
+        std::ofstream(file) << whole;
+    }
+}
+
+TEST_F(InstallFiles, LinksAndPermissionsStay) {
+    TempFolder elsewhere;
+    const std::string link = file_of("NSGlobalDomain"), target = elsewhere.path("mine.plist");
+    fs::copy_file(link, target);
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    fs::remove(link);
+    fs::create_symlink(target, link);
+    const fs::perms before = fs::status(target).permissions();
+    EXPECT_EQ(run("install").status, 0);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_NE(read_file(target).find(bundle()), std::string::npos);
+    EXPECT_EQ(fs::status(target).permissions(), before);
+    EXPECT_EQ(run("uninstall").status, 0);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(fs::status(target).permissions(), before);
+    fs::remove(link);
+    fs::copy_file(target, link);
 }
 
 TEST_F(Install, AnotherProgramIsRefused) {

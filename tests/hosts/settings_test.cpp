@@ -2,6 +2,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "hosts/command_runner.h"
@@ -197,6 +201,30 @@ TEST(SettingsCommand, RefusesWrongUse) {
     expect_refused({"get"}, "KEY");
     expect_refused({"get", "a", "b"}, "");
     expect_refused({"change", "sort_order"}, "");
+}
+
+// Each command has one line about it, which names the file; nothing is written over it.
+TEST(SettingsCommand, CorruptSettingsAreNamedOnceAndLeftAlone) {
+    const std::filesystem::path home = getenv("HOME");
+    const std::string file = home.parent_path().string() + "/defaults/org.delvio.Delvio.plist";
+    std::filesystem::create_directories(home.parent_path() / "defaults");
+    std::ofstream(file) << "<<< no property list";
+    const struct {
+        Words words;
+        int status;
+    } rows[] = {{{"settings", "list"}, 0},
+                {{"settings", "get", "sort_order"}, 0},
+                {{"menu", "--print", home.string()}, 0},
+                {{"settings", "set", "sort_order", "1"}, 1},
+                {{"settings", "reset", "--all"}, 1}};
+    for (const auto& row : rows) {
+        const Outcome outcome = run_delvio(row.words);
+        EXPECT_EQ(outcome.status, row.status) << outcome.err;
+        EXPECT_TRUE(is_one_line(outcome.err)) << outcome.err;
+        EXPECT_NE(outcome.err.find(file), std::string::npos) << outcome.err;
+        EXPECT_EQ(test::read_file(file), "<<< no property list");
+    }
+    std::filesystem::remove(file);
 }
 
 }  // namespace

@@ -54,7 +54,10 @@ TEST_F(EventMethods, EachModifierKeyIsSeenWhileItIsDownOnly) {
     EXPECT_EQ(flags_with(XK_Shift_L), (NSUInteger)NSShiftKeyMask);
     EXPECT_EQ(flags_with(XK_Shift_R), (NSUInteger)NSShiftKeyMask);
     EXPECT_EQ(flags_with(XK_Control_L), (NSUInteger)NSControlKeyMask);
-    EXPECT_EQ(flags_with(XK_Alt_L), (NSUInteger)NSCommandKeyMask);
+    EXPECT_EQ(flags_with(XK_Alt_L), (NSUInteger)NSAlternateKeyMask);
+    EXPECT_EQ(flags_with(XK_Alt_R), (NSUInteger)NSAlternateKeyMask);
+    EXPECT_EQ(flags_with(XK_Super_L), (NSUInteger)NSCommandKeyMask);
+    EXPECT_EQ(flags_with(XK_Super_R), (NSUInteger)NSCommandKeyMask);
     EXPECT_EQ(flags_with(XK_a), 0u);
     EXPECT_EQ([NSEvent modifierFlags], 0u);
 }
@@ -67,6 +70,26 @@ TEST_F(EventMethods, TheMappingIsTheUsersDefault) {
     EXPECT_EQ(flags_with(XK_Super_L), (NSUInteger)NSCommandKeyMask);
     [defaults setObject:@"NoSymbol" forKey:@"GSFirstAlternateKey"];
     EXPECT_EQ(flags_with(XK_Alt_L), 0u);
+    [defaults setObject:@"Alt_R" forKey:@"GSFirstCommandKey"];
+    EXPECT_EQ(flags_with(XK_Alt_R), (NSUInteger)NSCommandKeyMask) << "and no Option besides";
+}
+
+// The key right of the space bar is the third level there, in XKB's own layouts.
+TEST_F(EventMethods, AltGrIsOptionInLayoutsThatHaveIt) {
+    const unsigned right_alt = XKeysymToKeycode(display, XK_Alt_R);
+    ASSERT_NE(right_alt, 0u);
+    EXPECT_EQ([NSEvent modifierFlags], 0u);
+    for (const char* layout : {"de", "fr", "us", "us,de"}) {
+        ASSERT_EQ(system((std::string("setxkbmap ") + layout).c_str()), 0);
+        for (const unsigned code : {right_alt, (unsigned)XKeysymToKeycode(display, XK_Alt_L)}) {
+            XTestFakeKeyEvent(display, code, true, CurrentTime);
+            XSync(display, False);
+            EXPECT_EQ([NSEvent modifierFlags], (NSUInteger)NSAlternateKeyMask) << layout;
+            XTestFakeKeyEvent(display, code, false, CurrentTime);
+            XSync(display, False);
+        }
+    }
+    system("setxkbmap us");
 }
 
 TEST_F(EventMethods, HeldFlagsAddToTheKeyboard) {

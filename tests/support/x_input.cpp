@@ -40,10 +40,13 @@ void XInput::click(int button) {
 }
 
 unsigned XInput::code(const std::string& name) {
+    if (name[0] == '#') return static_cast<unsigned>(std::stoul(name.substr(1)));
     const KeySym symbol = XStringToKeysym(name.c_str());
     if (symbol == NoSymbol) throw std::runtime_error("no key of this name: " + name);
     return XKeysymToKeycode(display_, symbol);
 }
+
+std::string XInput::place_of(const std::string& name) { return "#" + std::to_string(code(name)); }
 
 void XInput::fake_key(const std::string& name, bool down) {
     XTestFakeKeyEvent(display_, code(name), down, CurrentTime);

@@ -20,10 +20,12 @@ class XInput {
     void press(int button);
     void release(int button);
     void click(int button);
-    // Keys by X name: "Shift_L", "Escape", "a".
+    // Keys by X name: "Shift_L", "Escape", "a"; or by their place.
     void key_down(const std::string& name);
     void key_up(const std::string& name);
     void key(const std::string& name);
+    // A name for the key that has this one now, whatever it is in another layout.
+    std::string place_of(const std::string& name);
     // Lets go of every key and button that is still held.
     void let_go();
 

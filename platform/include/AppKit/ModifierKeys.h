@@ -1,8 +1,7 @@
 // Which keys are Shift, Control, Option and Command, and which are held now.
-// Not a Mac interface. The mapping is GNUstep's own (the defaults GSFirstAlternateKey,
-// GSFirstCommandKey, GSFirstControlKey and their seconds, by key-symbol name), so that key
-// equivalents, menu alternates and +[NSEvent modifierFlags] agree. Setting: main thread; asking:
-// any.
+// Not a Mac interface. Option is either Alt key or AltGr, Command either Super key, unless
+// GNUstep's defaults (GSFirstAlternateKey, GSFirstCommandKey, GSFirstControlKey and their seconds,
+// by key-symbol name) name others. Setting: main thread; asking: any.
 #pragma once
 
 #include <AppKit/AppKit.h>

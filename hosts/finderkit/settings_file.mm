@@ -1,0 +1,8 @@
+#include "finderkit/settings_file.h"
+
+#include "corefoundation/defaults_file.h"
+
+std::string SettingsProblem() {
+    DefaultsFile file(@"org.delvio.Delvio");
+    return file.refresh() ? "" : "the settings in " + file.path() + " cannot be read";
+}
