@@ -7,17 +7,11 @@
 #include <limits.h>
 #include <stdlib.h>
 
-#include "finderkit/context_menu.h"
 #include "finderkit/event_trace.h"
 #include "finderkit/file_operations.h"
+#include "finderkit/open_problems.h"
 
 namespace {
-
-// What the workspace takes: the path, or where the name is not UTF-8 a file URL's text.
-NSString* workspace_name(const char* path) {
-    FINode* node = [[[FINode alloc] initWithNode:{path}] autorelease];
-    return [[node url] path] ?: [[node url] absoluteString];
-}
 
 OSErr open_document(const AEDescList* documents, long index) {
     FSRef ref;
@@ -26,8 +20,7 @@ OSErr open_document(const AEDescList* documents, long index) {
     char path[PATH_MAX];
     if (error == noErr) error = FSRefMakePath(&ref, reinterpret_cast<UInt8*>(path), sizeof path);
     if (error != noErr) return static_cast<OSErr>(error);
-    const BOOL opened = [[NSWorkspace sharedWorkspace] openFile:workspace_name(path)];
-    return opened ? OSErr{noErr} : OSErr{errAEEventNotHandled};
+    return OpenFile(path) ? OSErr{noErr} : OSErr{errAEEventNotHandled};
 }
 
 // Goes on after a document that cannot be opened; the first error is the answer.

@@ -1,15 +1,29 @@
 #include "gworkspace/opening.h"
 
 #include <AppKit/AppKit.h>
+#include <Carbon/OpeningFiles.h>
 #include <objc/runtime.h>
+#include <sys/stat.h>
 
+#include <utility>
+#include <vector>
+
+#include "finderkit/open_problems.h"
 #include "gworkspace/gworkspace_classes.h"
 
 namespace {
 
 enum class opener_t { viewer, launcher, gnustep_program, desktop };
 
+// A pipe has a name like a file's, and whoever opens it waits for ever.
+bool is_file_or_folder(NSString* path) {
+    struct stat status;
+    return stat([path fileSystemRepresentation], &status) == 0 &&
+           (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
+}
+
 opener_t opener_of(NSWorkspace* workspace, NSString* path) {
+    if (!is_file_or_folder(path)) return opener_t::desktop;
     NSString* program = nil;
     NSString* type = nil;
     if (![workspace getInfoForFile:path application:&program type:&type]) return opener_t::desktop;
@@ -19,7 +33,45 @@ opener_t opener_of(NSWorkspace* workspace, NSString* path) {
                                                                  : opener_t::desktop;
 }
 
+BOOL opened(BOOL done, NSString* path) {
+    if (!done) TellOpenFailure([path UTF8String], "", "its program does not start");
+    return done;
+}
+
 }  // namespace
+
+// Shows what could not be opened once the menu has gone and its work is done.
+@interface DelvioOpenProblems : NSObject {
+  @private
+    std::vector<OpenProblem>* _problems;
+}
+- (void)add:(const OpenProblem&)problem;
+@end
+
+@implementation DelvioOpenProblems
+
+- (instancetype)init {
+    if ((self = [super init])) _problems = new std::vector<OpenProblem>;
+    return self;
+}
+
+- (void)dealloc {
+    delete _problems;
+    [super dealloc];
+}
+
+- (void)add:(const OpenProblem&)problem {
+    _problems->push_back(problem);
+    if (_problems->size() > 1) return;
+    [self performSelector:@selector(show) withObject:nil afterDelay:0];
+}
+
+- (void)show {
+    const std::vector<OpenProblem> problems = std::exchange(*_problems, {});
+    ShowOpenProblems(problems);
+}
+
+@end
 
 @interface NSWorkspace (DelvioGWorkspace)
 - (BOOL)delvioOpenFile:(NSString*)path;
@@ -33,9 +85,9 @@ opener_t opener_of(NSWorkspace* workspace, NSString* path) {
             [SharedGWorkspace() newViewerAtPath:path];
             return YES;
         case opener_t::launcher:
-            return [self launchApplication:path];
+            return opened([self launchApplication:path], path);
         case opener_t::gnustep_program:
-            return [SharedGWorkspace() openFile:path];
+            return opened([SharedGWorkspace() openFile:path], path);
         case opener_t::desktop:
             break;
     }
@@ -45,6 +97,8 @@ opener_t opener_of(NSWorkspace* workspace, NSString* path) {
 @end
 
 void OpenFilesWithGWorkspace() {
+    DelvioOpenProblems* problems = [DelvioOpenProblems new];  // for as long as the program runs
+    ListenForOpenProblems([problems](const OpenProblem& problem) { [problems add:problem]; });
     Class workspace = [NSWorkspace class];
     method_exchangeImplementations(class_getInstanceMethod(workspace, @selector(openFile:)),
                                    class_getInstanceMethod(workspace, @selector(delvioOpenFile:)));

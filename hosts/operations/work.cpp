@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "operations/tree_count.h"
+#include "operations/visible_text.h"
 
 namespace operations {
 
@@ -13,12 +14,7 @@ std::string QuotedName(const std::string& path) {
 }
 
 std::string QuotedPath(const std::string& path) {
-    std::string text = path;
-    for (char& byte : text) {
-        const auto code = static_cast<unsigned char>(byte);
-        if (code < 0x20 || code == 0x7f) byte = '?';
-    }
-    return "\"" + text + "\"";
+    return "\"" + VisibleText(path) + "\"";
 }
 
 bool Work::fail(const std::string& what, const std::string& path, int error) {

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "operations/visible_text.h"
+
 namespace {
 
 constexpr size_t longest_compared = 300;
@@ -59,11 +61,4 @@ std::vector<std::string> CloseWords(const std::string& word,
     return words;
 }
 
-std::string Quoted(std::string_view word) {
-    std::string result = "\"";
-    for (const char byte : word) {
-        const auto value = static_cast<unsigned char>(byte);
-        result += value < 0x20 || value == 0x7f ? '?' : byte;
-    }
-    return result + '"';
-}
+std::string Quoted(std::string_view word) { return '"' + operations::VisibleText(word) + '"'; }

@@ -10,5 +10,5 @@
 std::vector<std::string> CloseWords(const std::string& word,
                                     const std::vector<std::string>& candidates, size_t most);
 
-// The word in double quotes on one line: control characters become question marks.
+// The word in double quotes on one line, with visible escapes for what is none.
 std::string Quoted(std::string_view word);

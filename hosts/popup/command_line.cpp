@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "operations/visible_text.h"
 #include "popup/modifier_names.h"
 
 namespace {
@@ -160,15 +161,6 @@ std::string check_settings(const SettingsRequest& request, bool verb_given) {
     return {};
 }
 
-// CLI11's own words, on one line.
-std::string reason(const CLI::Error& error) {
-    std::string text = error.what();
-    for (char& byte : text) {
-        if (byte == '\n') byte = ' ';
-    }
-    return text;
-}
-
 void set_up(CLI::App& app) {
     app.name("delvio");
     app.set_version_flag("--version", "delvio " DELVIO_VERSION, "Print the version");
@@ -219,7 +211,7 @@ CommandLine ReadCommandLine(int argc, char** argv) {
         return line;
     } catch (const CLI::Error& error) {
         line.command = command_of(app);
-        misused(line, reason(error));
+        misused(line, error.what());
         return line;
     }
     line.command = command_of(app);
@@ -228,4 +220,6 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     return line;
 }
 
-void Complain(const std::string& text) { fprintf(stderr, "delvio: %s\n", text.c_str()); }
+void Complain(const std::string& text) {
+    fprintf(stderr, "delvio: %s\n", operations::VisibleText(text).c_str());
+}

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "finderkit/open_problems.h"
 #include "finderkit/session_bus.h"
 #include "operations/engine.h"
 #include "popup/clipboard.h"
@@ -26,10 +27,10 @@ std::string uri_of(const std::string& path) {
     return uri ? uri : "";
 }
 
+// The listener hears of a failure.
 std::string open_one(const std::string& path) {
-    Failure failure;
-    if (g_app_info_launch_default_for_uri(uri_of(path).c_str(), nullptr, &failure.error)) return {};
-    return "cannot open " + Quoted(path) + ": " + failure.text();
+    OpenFile(path);
+    return {};
 }
 
 // Does it to every file; the first failure is reported, the others are tried all the same.

@@ -6,7 +6,8 @@
 
 // Each acts on absolute paths, and returns an empty string, or in one line why it failed.
 
-// Each file with the user's default program for it.
+// Each file with the user's default program for it. What cannot be opened is told as an
+// OpenProblem.
 std::string OpenFiles(const std::vector<std::string>& files);
 // Shows the files, selected, in the desktop's file manager; where none answers on the session bus,
 // opens their folder with the default program.

@@ -4,6 +4,7 @@
 #include <AppKit/ModifierKeys.h>
 
 #include "finderkit/finder_events.h"
+#include "finderkit/open_problems.h"
 #include "finderkit/plug_in.h"
 #include "popup/application.h"
 #include "popup/close_words.h"
@@ -111,8 +112,19 @@ int show(HostMenu* host, const MenuRequest& request) {
     if (CaughtSignal()) return 128 + CaughtSignal();
     if ([host problem].empty()) return exit_done;
     Complain([host problem]);
-    ShowProblem([host problem]);
+    ShowProblem("This could not be done.", [host problem]);
     return exit_failed;
+}
+
+std::vector<OpenProblem>& open_problems() {
+    static auto& problems = *new std::vector<OpenProblem>;
+    return problems;
+}
+
+// Nobody looks at the standard error of a command that a key started: there is a panel, too.
+void tell_open_problems(MenuForm form) {
+    for (const OpenProblem& problem : open_problems()) Complain(LineOf(problem));
+    if (form == MenuForm::shown && !CaughtSignal()) ShowOpenProblems(open_problems());
 }
 
 int run_form(HostMenu* host, const MenuRequest& request) {
@@ -139,12 +151,15 @@ int RunMenuCommand(MenuRequest request) {
         return exit_misused;
     }
     if (!prepare(request, &problem)) return failed(problem);
+    ListenForOpenProblems([](const OpenProblem& problem) { open_problems().push_back(problem); });
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
     const int status = run_form(host, request);
     FinishFinderEvents();
     const int operations_status = FinishFileOperations();
     FlushSessionBus();
     if (CaughtSignal()) return 128 + CaughtSignal();
-    if (status == exit_done && [host problem].empty()) return operations_status;
-    return status == exit_done && ![host problem].empty() ? failed([host problem]) : status;
+    tell_open_problems(request.form);
+    if (status != exit_done) return status;
+    if (![host problem].empty()) return failed([host problem]);
+    return open_problems().empty() ? operations_status : exit_failed;
 }

@@ -1,5 +1,6 @@
 #include "popup/private_display.h"
 
+#include <Carbon/OpeningFiles.h>
 #include <X11/Xlib.h>
 
 #include <errno.h>
@@ -136,6 +137,10 @@ bool StartPrivateDisplay(std::string* problem) {
     if (number.empty()) {
         *problem = why_not_started(server);
         return false;
+    }
+    // Programs outlive the display, and nobody looks at it: they get what the user has.
+    for (const char* name : {"DISPLAY", "XAUTHORITY"}) {
+        SetVariableOfStartedPrograms(name, getenv(name));
     }
     setenv("DISPLAY", (":" + number).c_str(), 1);
     setenv("XAUTHORITY", authority.c_str(), 1);

@@ -9,10 +9,6 @@
 // coordinates.
 NSPoint PopupPoint(const MenuRequest& request);
 
-// Shows a panel with the line and waits until it is dismissed: nobody looks at the standard error
-// of a command that a key started.
-void ShowProblem(const std::string& problem);
-
 // Ends the open menu when a signal comes.
 @interface MenuEnder : NSObject {
   @private

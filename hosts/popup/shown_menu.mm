@@ -15,13 +15,6 @@ NSPoint PopupPoint(const MenuRequest& request) {
     return NSMakePoint(request.x, NSMaxY(screen) - request.y);
 }
 
-void ShowProblem(const std::string& problem) {
-    NSAlert* alert = [[NSAlert new] autorelease];
-    [alert setMessageText:@"Delvio"];
-    [alert setInformativeText:[NSString stringWithUTF8String:problem.c_str()] ?: @""];
-    [alert runModal];
-}
-
 @implementation MenuEnder
 
 - (void)watchForSignals {

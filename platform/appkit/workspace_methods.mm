@@ -6,6 +6,7 @@
 
 #include "appkit/method_patch.h"
 #include "appkit/workspace_paths.h"
+#include "carbon/open_failures.h"
 #include "carbon/open_file.h"
 #include "carbon/program_launch.h"
 
@@ -40,17 +41,27 @@ NSString* gnustep_program(NSWorkspace* workspace, NSString* path, bool* is_itsel
     return [workspace locateApplicationBinary:name];
 }
 
-BOOL open_file(NSWorkspace* self, SEL, NSString* path) {
-    const std::string bytes = path_bytes(path);
-    if (bytes.empty() || !g_file_test(bytes.c_str(), G_FILE_TEST_EXISTS)) return NO;
+// Returns why not; empty when it is opened.
+std::string open_path(NSWorkspace* self, NSString* path, const std::string& bytes) {
+    std::string reason = files::why_not_openable(bytes);
+    if (!reason.empty()) return reason;
     bool is_itself = false;
     NSString* program = gnustep_program(self, path, &is_itself);
     if (program) {
         std::vector<std::string> arguments;
         if (!is_itself) arguments = {"-GSFilePath", bytes};
-        if (start_program(path_bytes(program), arguments) == Start::done) return YES;
+        if (start_program(path_bytes(program), arguments, &reason) == Start::done) return "";
     }
-    return open_with_default_program(bytes);
+    return open_with_default_program(bytes, &reason) ? "" : reason;
+}
+
+BOOL open_file(NSWorkspace* self, SEL, NSString* path) {
+    const std::string bytes = path_bytes(path);
+    if (bytes.empty()) return NO;
+    files::count_opening();
+    const std::string reason = open_path(self, path, bytes);
+    if (!reason.empty()) files::tell_open_failure(bytes, "", reason);
+    return reason.empty();
 }
 
 }  // namespace

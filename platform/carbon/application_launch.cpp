@@ -10,6 +10,7 @@
 #include "carbon/desktop_entries.h"
 #include "carbon/file_references.h"
 #include "carbon/glib_owners.h"
+#include "carbon/open_failures.h"
 #include "carbon/open_file.h"
 #include "carbon/program_launch.h"
 
@@ -22,6 +23,12 @@ std::string path_of(const FSRef& ref) {
     const files::File* file = files::file_for(&ref, files::PATH, &error);
     return file ? file->path : std::string();
 }
+
+// How opening went, and if badly why.
+struct Result {
+    OSStatus status = noErr;
+    std::string reason;
+};
 
 OSStatus status_of(Start start) {
     switch (start) {
@@ -37,12 +44,22 @@ OSStatus status_of(Start start) {
     return kLSUnknownErr;
 }
 
+Result result_of(Start start, const std::string& problem) {
+    return {status_of(start), start == Start::done ? "" : "it does not start: " + problem};
+}
+
+const Result not_installed = {kLSNoExecutableErr, "its program is not installed"};
+const Result no_application = {kLSNotAnApplicationErr, "it is not a program"};
+
 // What its program needs, or the entry itself, may be broken: GIO gives no entry then.
-OSStatus open_with_entry(const std::string& path, const Documents& documents) {
-    if (!files::desktop_entry_at(path).may_start) return kLSNotAnApplicationErr;
+Result open_with_entry(const std::string& path, const Documents& documents) {
+    if (!files::desktop_entry_at(path).may_start) return no_application;
     const files::ObjectOwner<GDesktopAppInfo> entry(
         g_desktop_app_info_new_from_filename(path.c_str()));
-    return entry ? status_of(start_entry(entry.get(), documents)) : kLSNoExecutableErr;
+    if (!entry) return not_installed;
+    std::string problem;
+    const Start start = start_entry(entry.get(), documents, &problem);
+    return result_of(start, problem);
 }
 
 // As GNUstep's programs take documents: one by an option that wrappers of other programs know too,
@@ -52,61 +69,90 @@ Documents bundle_arguments(const Documents& documents) {
     return documents;
 }
 
-OSStatus open_with_bundle(const std::string& path, const Documents& documents) {
+Result open_with_bundle(const std::string& path, const Documents& documents) {
     const std::string program = files::bundle_program(path.c_str());
-    if (program.empty()) return kLSNoExecutableErr;
-    return status_of(start_program(program, bundle_arguments(documents)));
+    if (program.empty()) return not_installed;
+    std::string problem;
+    const Start start = start_program(program, bundle_arguments(documents), &problem);
+    return result_of(start, problem);
 }
 
-OSStatus open_with_program(const std::string& path, const Documents& documents) {
-    if (access(path.c_str(), X_OK) != 0) return kLSNotAnApplicationErr;
-    return status_of(start_program(path, documents));
+Result open_with_program(const std::string& path, const Documents& documents) {
+    if (access(path.c_str(), X_OK) != 0) return no_application;
+    std::string problem;
+    const Start start = start_program(path, documents, &problem);
+    return result_of(start, problem);
 }
 
-OSStatus open_with_application(const std::string& path, const Documents& documents) {
+Result open_with_application(const std::string& path, const Documents& documents) {
     const files::TextOwner target(realpath(path.c_str(), nullptr));
     struct stat status;
-    if (!target || stat(target.get(), &status) != 0) return kLSApplicationNotFoundErr;
+    if (!target || stat(target.get(), &status) != 0) {
+        return {kLSApplicationNotFoundErr, "the program is no longer there"};
+    }
     const std::string file = target.get();
     if (S_ISDIR(status.st_mode)) {
-        return file.ends_with(".app") ? open_with_bundle(file, documents) : kLSNotAnApplicationErr;
+        return file.ends_with(".app") ? open_with_bundle(file, documents) : no_application;
     }
-    if (!S_ISREG(status.st_mode)) return kLSNotAnApplicationErr;
+    if (!S_ISREG(status.st_mode)) return no_application;
     if (file.ends_with(".desktop")) return open_with_entry(file, documents);
     return open_with_program(path, documents);
 }
 
 OSStatus open_with_default_programs(const Documents& documents) {
-    bool opened = true;
+    OSStatus status = noErr;
     for (const std::string& document : documents) {
-        opened = open_with_default_program(document) && opened;
+        std::string reason;
+        if (open_with_default_program(document, &reason)) continue;
+        files::tell_open_failure(document, "", reason);
+        status = kLSApplicationNotFoundErr;
     }
-    if (!opened) return kLSApplicationNotFoundErr;
-    return noErr;
+    return status;
 }
 
-// Those that are still there.
-Documents documents_of(const LSLaunchFSRefSpec& spec) {
+// Those that are still there, and files; of the others the user is told.
+Documents documents_of(const LSLaunchFSRefSpec& spec, const std::string& application) {
     Documents documents;
     for (UInt32 i = 0; i < spec.numDocs; i++) {
         std::string path = path_of(spec.itemRefs[i]);
-        if (!path.empty()) documents.push_back(std::move(path));
+        const std::string reason =
+            path.empty() ? "it is no longer there" : files::why_not_openable(path);
+        if (reason.empty()) {
+            documents.push_back(std::move(path));
+        } else {
+            files::tell_open_failure(path, application, reason);
+        }
     }
     return documents;
 }
 
 }  // namespace
 
+// As the user knows it.
+static std::string name_of(const FSRef& application) {
+    CFStringRef name = nullptr;
+    if (LSCopyDisplayNameForRef(&application, &name) != noErr) return "";
+    char text[1024] = "";
+    CFStringGetCString(name, text, sizeof text, kCFStringEncodingUTF8);
+    CFRelease(name);
+    return text;
+}
+
 OSStatus LSOpenFromRefSpec(const LSLaunchFSRefSpec* spec, FSRef* outLaunchedRef) {
     if (!spec || (spec->numDocs > 0 && !spec->itemRefs)) return paramErr;
     if (!spec->appRef && spec->numDocs == 0) return paramErr;
-    const Documents documents = documents_of(*spec);
+    files::count_opening();
+    const std::string application = spec->appRef ? path_of(*spec->appRef) : std::string();
+    const std::string name = spec->appRef ? name_of(*spec->appRef) : std::string();
+    const Documents documents = documents_of(*spec, name);
     if (spec->numDocs > 0 && documents.empty()) return fnfErr;
     if (!spec->appRef) return open_with_default_programs(documents);
 
-    const std::string application = path_of(*spec->appRef);
-    if (application.empty()) return kLSApplicationNotFoundErr;
-    const OSStatus status = open_with_application(application, documents);
-    if (status == noErr && outLaunchedRef) *outLaunchedRef = *spec->appRef;
-    return status;
+    Result result = {kLSApplicationNotFoundErr, "the program is no longer there"};
+    if (!application.empty()) result = open_with_application(application, documents);
+    if (result.status == noErr && outLaunchedRef) *outLaunchedRef = *spec->appRef;
+    if (result.status != noErr) {
+        files::tell_open_failure(documents.empty() ? "" : documents.front(), name, result.reason);
+    }
+    return result.status;
 }

@@ -7,6 +7,7 @@
 
 #include "carbon/desktop_entries.h"
 #include "carbon/glib_owners.h"
+#include "carbon/open_failures.h"
 #include "carbon/program_launch.h"
 
 namespace {
@@ -33,39 +34,60 @@ bool is_desktop_entry(const std::string& path, const std::string& type) {
     return is_of_entry_type(type) || (real && g_str_has_suffix(real.get(), ".desktop"));
 }
 
-bool launch(void* program, const std::string& path) {
-    return program && G_IS_DESKTOP_APP_INFO(program) &&
-           start_entry(G_DESKTOP_APP_INFO(program), {path}) == Start::done;
+// The first reason counts: it is about the program that the user has chosen.
+bool launch(void* program, const std::string& path, std::string* reason) {
+    if (!program || !G_IS_DESKTOP_APP_INFO(program)) return false;
+    std::string problem;
+    if (start_entry(G_DESKTOP_APP_INFO(program), {path}, &problem) == Start::done) return true;
+    if (reason->empty()) {
+        *reason =
+            std::string(g_app_info_get_name(G_APP_INFO(program))) + " does not start: " + problem;
+    }
+    return false;
 }
 
-bool launch_for_type(const std::string& type, const std::string& path) {
+std::string no_program_for(const std::string& type) {
+    const files::TextOwner name(g_content_type_get_mime_type(type.c_str()));
+    return std::string("no installed program is set for files of its type, ") +
+           (name ? name.get() : type);
+}
+
+bool launch_for_type(const std::string& type, const std::string& path, std::string* reason) {
     const ObjectOwner<GAppInfo> chosen(g_app_info_get_default_for_type(type.c_str(), FALSE));
-    if (launch(chosen.get(), path)) return true;
+    if (launch(chosen.get(), path, reason)) return true;
     // The default may need what is not here, a terminal for one: the next that starts will do.
     GList* programs = g_app_info_get_all_for_type(type.c_str());
     bool started = false;
-    for (GList* i = programs; i && !started; i = i->next) started = launch(i->data, path);
+    for (GList* i = programs; i && !started; i = i->next) started = launch(i->data, path, reason);
     g_list_free_full(programs, g_object_unref);
+    if (!started && reason->empty()) *reason = no_program_for(type);
     return started;
 }
 
 // Starts what the entry names, where it is believed. To all others it is a text: what a program
 // for such files would do with it, nobody knows.
-bool open_entry(const std::string& path) {
+bool open_entry(const std::string& path, std::string* reason) {
     if (files::desktop_entry_at(path).standing == files::Standing::document) {
-        return launch_for_type("text/plain", path);
+        return launch_for_type("text/plain", path, reason);
     }
     const ObjectOwner<GDesktopAppInfo> program(g_desktop_app_info_new_from_filename(path.c_str()));
-    return program && start_entry(program.get(), {}) == Start::done;
+    std::string problem;
+    if (program && start_entry(program.get(), {}, &problem) == Start::done) return true;
+    *reason = program ? "it does not start: " + problem : "its program is not installed";
+    return false;
 }
 
 }  // namespace
 
-bool open_with_default_program(const std::string& path) {
-    struct stat entry;
-    if (stat(path.c_str(), &entry) != 0) return false;
+bool open_with_default_program(const std::string& path, std::string* reason) {
+    *reason = files::why_not_openable(path);
+    if (!reason->empty()) return false;
     const std::string type = content_type(path);
-    if (type.empty()) return false;
-    if (S_ISREG(entry.st_mode) && is_desktop_entry(path, type)) return open_entry(path);
-    return launch_for_type(type, path);
+    struct stat entry;
+    if (type.empty() || stat(path.c_str(), &entry) != 0) {
+        *reason = "its type cannot be told";
+        return false;
+    }
+    if (S_ISREG(entry.st_mode) && is_desktop_entry(path, type)) return open_entry(path, reason);
+    return launch_for_type(type, path, reason);
 }

@@ -1,0 +1,160 @@
+#include "finderkit/open_problems.h"
+
+#include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
+#include <Carbon/OpeningFiles.h>
+
+#include <Carbon/HostProcess.h>
+
+#include "finderkit/context_menu.h"
+#include "operations/visible_text.h"
+
+// The plug-in's classes, as far as they are asked for by name.
+@interface NSObject (PlugInQuestions)
+- (void*)tree;
++ (NSString*)stringPathForTree:(void*)tree;
+@end
+
+// A pick that comes to nothing without having tried.
+@interface PickWatch : NSObject {
+  @private
+    BOOL _isNameless;
+    unsigned long _openings;
+}
++ (void)watch;
+@end
+
+namespace {
+
+using operations::VisibleText;
+
+constexpr size_t most_lines = 6;
+
+std::function<void(const OpenProblem&)>& listener() {
+    static auto& listener = *new std::function<void(const OpenProblem&)>;
+    return listener;
+}
+
+void hear(const char* file, const char* program, const char* reason) {
+    if (listener()) listener()({file, program, reason});
+}
+
+// The plug-in knows files by paths that are text, and does nothing with one that has none.
+bool has_path(NSMenuItem* item) {
+    void* tree = [(id)item tree];
+    return !tree || [NSClassFromString(@"DVDelvio") stringPathForTree:tree] != nil;
+}
+
+// As the user knows it.
+std::string quoted_name(const std::string& path) {
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return "“" + VisibleText(name.empty() ? path : name) + "”";
+}
+
+std::string subject_of(const OpenProblem& problem) {
+    return problem.file.empty() ? "The file" : quoted_name(problem.file);
+}
+
+std::string title_of(const OpenProblem& problem) {
+    const std::string title = subject_of(problem) + " cannot be opened";
+    return title + (problem.program.empty() ? "." : " with " + quoted_name(problem.program) + ".");
+}
+
+std::string sentence(std::string clause) {
+    if (!clause.empty()) clause[0] = static_cast<char>(toupper(clause[0]));
+    return clause + ".";
+}
+
+std::string lines_of(const std::vector<OpenProblem>& problems) {
+    std::string lines;
+    for (size_t i = 0; i < problems.size() && i < most_lines; i++) {
+        lines += (lines.empty() ? "" : "\n") + subject_of(problems[i]) + ": " +
+                 VisibleText(problems[i].reason);
+    }
+    if (problems.size() > most_lines) {
+        lines += "\nand " + std::to_string(problems.size() - most_lines) + " more";
+    }
+    return lines;
+}
+
+void show_alert(const std::string& title, const std::string& text) {
+    NSString* message = [NSString stringWithUTF8String:title.c_str()];
+    NSString* explanation = [NSString stringWithUTF8String:text.c_str()];
+    DialogRef alert = nullptr;
+    if (CreateStandardAlert(kAlertCautionAlert, (CFStringRef)message, (CFStringRef)explanation,
+                            nullptr, &alert) != noErr) {
+        return;
+    }
+    DialogItemIndex item = 0;
+    RunStandardAlert(alert, nullptr, &item);
+}
+
+}  // namespace
+
+@implementation PickWatch
+
++ (void)watch {
+    static PickWatch* watch;
+    if (watch) return;
+    watch = [self new];
+    NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
+    [center addObserver:watch
+               selector:@selector(willPick:)
+                   name:NSMenuWillSendActionNotification
+                 object:nil];
+    [center addObserver:watch
+               selector:@selector(didPick:)
+                   name:NSMenuDidSendActionNotification
+                 object:nil];
+}
+
+- (void)willPick:(NSNotification*)notification {
+    NSMenuItem* item = [[notification userInfo] objectForKey:@"MenuItem"];
+    Class item_class = NSClassFromString(@"DVMenuItem");
+    _isNameless = item_class && [item isKindOfClass:item_class] && !has_path(item);
+    _openings = CountOfOpenings();
+}
+
+- (void)didPick:(NSNotification*)notification {
+    (void)notification;
+    // Programs and file operations take any name.
+    const bool did_something = CountOfOpenings() != _openings || AppleEventsAreWaiting();
+    if (_isNameless && !did_something && listener()) {
+        listener()({"", "", "its name is not UTF-8"});
+    }
+    _isNameless = NO;
+}
+
+@end
+
+void ListenForOpenProblems(std::function<void(const OpenProblem&)> wanted) {
+    listener() = std::move(wanted);
+    SetOpenFailureListener(hear);
+    [PickWatch watch];
+}
+
+std::string LineOf(const OpenProblem& problem) {
+    std::string line = "cannot open ";
+    line += problem.file.empty() ? "the file" : "\"" + VisibleText(problem.file) + "\"";
+    if (!problem.program.empty()) line += " with \"" + VisibleText(problem.program) + "\"";
+    return line + ": " + VisibleText(problem.reason);
+}
+
+void ShowOpenProblems(const std::vector<OpenProblem>& problems) {
+    if (problems.empty()) return;
+    if (problems.size() == 1) {
+        return show_alert(title_of(problems[0]), sentence(VisibleText(problems[0].reason)));
+    }
+    show_alert(std::to_string(problems.size()) + " items cannot be opened.", lines_of(problems));
+}
+
+void ShowProblem(const std::string& title, const std::string& reason) {
+    show_alert(VisibleText(title), sentence(VisibleText(reason)));
+}
+
+bool OpenFile(const std::string& path) {
+    // The workspace takes a path, or where the name is not UTF-8 a file URL's text.
+    FINode* node = [[[FINode alloc] initWithNode:{path}] autorelease];
+    NSString* name = [[node url] path] ?: [[node url] absoluteString];
+    return [[NSWorkspace sharedWorkspace] openFile:name];
+}
