@@ -7,7 +7,7 @@
 
 namespace operations {
 
-// A name or path as text; one that is not UTF-8 byte by byte.
+// A name or path as text on one line, with visible escapes for what is none.
 NSString* TextOfName(const std::string& name);
 // The last component.
 NSString* TextOfLast(const std::string& path);

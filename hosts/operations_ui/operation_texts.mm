@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include "operations/visible_text.h"
+
 namespace operations {
 
 namespace {
@@ -49,11 +51,7 @@ NSString* verb_of(Kind kind) {
 }  // namespace
 
 NSString* TextOfName(const std::string& name) {
-    NSString* text = [NSString stringWithUTF8String:name.c_str()];
-    if (text) return text;
-    return [[[NSString alloc] initWithBytes:name.data()
-                                     length:name.size()
-                                   encoding:NSISOLatin1StringEncoding] autorelease];
+    return [NSString stringWithUTF8String:VisibleText(name).c_str()];
 }
 
 NSString* TextOfLast(const std::string& path) { return last(path); }

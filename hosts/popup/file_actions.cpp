@@ -7,6 +7,7 @@
 #include "finderkit/open_problems.h"
 #include "finderkit/session_bus.h"
 #include "operations/engine.h"
+#include "operations/visible_text.h"
 #include "popup/clipboard.h"
 #include "popup/close_words.h"
 #include "popup/private_display.h"
@@ -44,6 +45,21 @@ std::string for_each(const std::vector<std::string>& files, Action action) {
     return problem;
 }
 
+// In the shells' own form, $'...', a path whose characters would break a line, or do something in
+// the terminal that it is put into.
+std::string safe_to_paste(const std::string& path) {
+    if (operations::VisibleText(path) == path) return path;
+    std::string quoted = "$'";
+    for (const char byte : path) {
+        const auto value = static_cast<unsigned char>(byte);
+        char escape[8] = {byte};
+        if (byte == '\'' || byte == '\\') snprintf(escape, sizeof escape, "\\%c", byte);
+        if (value < 0x20 || value >= 0x7f) snprintf(escape, sizeof escape, "\\x%02x", value);
+        quoted += escape;
+    }
+    return quoted + "'";
+}
+
 bool ask_file_manager(const std::vector<std::string>& files) {
     Failure failure;
     g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
@@ -76,7 +92,9 @@ std::string ShowInFileManager(const std::vector<std::string>& files) {
 std::string CopyPaths(const std::vector<std::string>& files) {
     if (HasPrivateDisplay()) return "there is no display whose clipboard could hold the path";
     std::string text;
-    for (const std::string& file : files) text += (text.empty() ? "" : "\n") + file;
+    for (const std::string& file : files) {
+        text += (text.empty() ? "" : "\n") + safe_to_paste(file);
+    }
     return KeepOnClipboard(text);
 }
 

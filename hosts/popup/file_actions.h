@@ -12,7 +12,8 @@ std::string OpenFiles(const std::vector<std::string>& files);
 // Shows the files, selected, in the desktop's file manager; where none answers on the session bus,
 // opens their folder with the default program.
 std::string ShowInFileManager(const std::vector<std::string>& files);
-// Puts the paths, one a line, on the clipboard, where they stay until something else is copied.
+// Puts the paths, one a line, on the clipboard, those with control characters as $'...', where they
+// stay until something else is copied.
 std::string CopyPaths(const std::vector<std::string>& files);
 // Never deletes: what has no trash to go to stays where it is.
 std::string MoveToTrash(const std::vector<std::string>& files);

@@ -26,6 +26,7 @@ std::string folded(const std::string& text);
 text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain);
 
 // Text in the interface font, `size` in points, in lines of `width` pixels; 0 does not break it.
+// Control characters but newlines are shown as signs.
 text_t paragraph(const menu_look_t& look, const std::string& text, double size, bool bold,
                  int width);
 

@@ -186,8 +186,19 @@ text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
     return text;
 }
 
-text_t paragraph(const menu_look_t& look, const std::string& text, double size, bool bold,
+// Lines stay lines.
+static std::string visible_lines(const std::string& text) {
+    std::string shown;
+    NSString* whole = [NSString stringWithUTF8String:text.c_str()] ?: @"";
+    for (NSString* line in [whole componentsSeparatedByString:@"\n"]) {
+        shown += (shown.empty() ? "" : "\n") + visible_title(line);
+    }
+    return shown;
+}
+
+text_t paragraph(const menu_look_t& look, const std::string& given, double size, bool bold,
                  int width) {
+    const std::string text = visible_lines(given);
     text_t layout(pango_layout_new(text_context()));
     PangoFontDescription* font = description(look.family, size * look.scale, bold, false);
     pango_layout_set_font_description(layout.get(), font);

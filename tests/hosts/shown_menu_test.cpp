@@ -264,6 +264,14 @@ TEST_F(ShownMenu, CopiesThePathsForOthersToPaste) {
               std::string::npos);
 }
 
+TEST_F(ShownMenu, CopiesControlCharactersAsEscapesThatAShellReads) {
+    const std::string file = folder.file("it's\na \x1b[31m\\ \xc3\xa4.txt", "found");
+    ASSERT_EQ(run_delvio({"menu", "--pick", "Copy Path", file}).status, 0);
+    const std::string copied = output_of("timeout 10 xclip -o -selection clipboard");
+    EXPECT_EQ(copied.find_first_of("\n\x1b"), std::string::npos) << copied;
+    EXPECT_EQ(output_of("bash " + folder.file("script", "cat " + copied)), "found");
+}
+
 TEST_F(ShownMenu, KeepsTheClipboardUntilSomethingElseIsCopied) {
     const Atom clipboard = XInternAtom(display, "CLIPBOARD", False);
     run_delvio({"menu", "--pick", "Copy Path", folder.path()});

@@ -27,11 +27,12 @@ RecordingProgram::RecordingProgram(const std::vector<std::string>& types,
     record_ = data / "opened";
     folder_record_ = data / "opened-in";
     descriptors_record_ = data / "opened-with";
+    environment_record_ = data / "opened-among";
     fs::create_directories(data / "applications");
     // Arguments last and in one write, so that who sees one of them can read everything.
     std::ofstream(script_) << "#!/bin/sh\npwd >'" << folder_record_ << "'\nls /proc/$$/fd >'"
-                           << descriptors_record_ << "'\nprintf '%s\\036' \"$@\" >>'" << record_
-                           << "'\n";
+                           << descriptors_record_ << "'\nenv >'" << environment_record_
+                           << "'\nprintf '%s\\036' \"$@\" >>'" << record_ << "'\n";
     chmod(script_.c_str(), 0755);
     std::string list, defaults;
     for (const std::string& type : types) {
@@ -72,8 +73,18 @@ std::set<int> RecordingProgram::descriptors() const {
     return numbers;
 }
 
+std::set<std::string> RecordingProgram::environment() const {
+    std::istringstream text(read_file(environment_record_));
+    std::set<std::string> variables;
+    for (std::string line; std::getline(text, line);) variables.insert(line);
+    return variables;
+}
+
 void RecordingProgram::forget() {
-    for (const auto* file : {&record_, &folder_record_, &descriptors_record_}) fs::remove(*file);
+    for (const auto* file :
+         {&record_, &folder_record_, &descriptors_record_, &environment_record_}) {
+        fs::remove(*file);
+    }
 }
 
 }  // namespace test

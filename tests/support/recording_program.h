@@ -26,11 +26,13 @@ class RecordingProgram {
     // Of the last start: the folder it was in and the descriptors it had open.
     std::string working_folder() const;
     std::set<int> descriptors() const;
+    // And its environment, "NAME=VALUE" each.
+    std::set<std::string> environment() const;
     // Forgets what was opened.
     void forget();
 
   private:
-    std::string script_, record_, folder_record_, descriptors_record_;
+    std::string script_, record_, folder_record_, descriptors_record_, environment_record_;
 };
 
 }  // namespace test

@@ -246,6 +246,16 @@ TEST_F(OperationWindowTest, TabLeadsToReplaceAndSpaceHitsIt) {
     EXPECT_EQ(test::read_file(folder_.path("to/two.txt")), "new") << "applied to all";
 }
 
+TEST_F(OperationWindowTest, ControlCharactersOfNamesAreShownAsEscapes) {
+    sources_ = {folder_.file("from/\x1b[31mred\n\xff.txt", "new")};
+    folder_.file("to/\x1b[31mred\n\xff.txt", "old");
+    const Hand asks = [&] { return shows_text("“\\x1b[31mred\\n\\xff.txt” is already in “to”."); };
+    steps_ = {asks, press_return_while(asks)};
+    const Report report = copy();
+    ASSERT_EQ(report.outcomes.size(), 1u);
+    EXPECT_EQ(report.outcomes[0].state, State::Skipped);
+}
+
 TEST_F(OperationWindowTest, WhatFailedIsShownAtTheEnd) {
     sources_ = {folder_.path("missing.txt")};
     folder_.folder("to");

@@ -1,0 +1,214 @@
+// Picks that come to nothing say so: in a line where the command is asked from a terminal, and in a
+// panel where its menu is shown.
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <functional>
+
+#include "hosts/command_runner.h"
+#include "support/recording_program.h"
+#include "support/temp_folder.h"
+#include "support/managed_windows.h"
+#include "support/x_input.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using test::Outcome;
+using test::RunningCommand;
+using Words = std::vector<std::string>;
+
+bool wait_for(const std::function<bool()>& happened) {
+    for (int turn = 0; turn < 3000 && !happened(); ++turn) usleep(10000);
+    return happened();
+}
+
+class FailedPick : public testing::Test {
+  protected:
+    void SetUp() override {
+        folder_.file("top/unknown.qqq", std::string("\0\1\2", 3));
+        folder_.link("top/gone.txt", "/nowhere/there");
+        folder_.link("top/loop.txt", "loop.txt");
+        mkfifo(folder_.path("top/pipe.txt").c_str(), 0600);
+        folder_.file("top/note.txt", "text\n");
+    }
+
+    // One line, nothing else, and status 1.
+    static void expect_line(const Outcome& outcome, const std::string& line) {
+        EXPECT_EQ(outcome.err, "delvio: " + line + "\n");
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.status, 1);
+    }
+    Outcome pick(const std::string& name) {
+        return test::run_delvio({"menu", "--pick", "top", "--pick", name, folder_.path("top")},
+                                {{"DISPLAY", ""}});
+    }
+    std::string cannot_open(const std::string& name) const {
+        return "cannot open \"" + folder_.path("top/" + name) + "\"";
+    }
+    // A program that the kernel cannot start.
+    std::string broken_application() {
+        const std::string program =
+            folder_.file("apps/Broken.app/Broken", "#!/no/such/interpreter\n");
+        chmod(program.c_str(), 0755);
+        folder_.file("apps/Broken.app/Resources/Info-gnustep.plist",
+                     "{ NSExecutable = Broken; }\n");
+        return folder_.path("apps");
+    }
+    Outcome open_with_broken(const std::string& file) {
+        return test::run_delvio({"menu", "--setting", "open_with_path=" + broken_application(),
+                                 "--setting", "autoOpenWithMenu=1", "--pick",
+                                 fs::path(file).filename(), "--pick", "Broken.app", file},
+                                {{"DISPLAY", ""}});
+    }
+
+    test::TempFolder folder_;
+    const test::RecordingProgram program_{{"text/plain"}};
+};
+
+// A menu on the screen, with a window manager that shows its panels' titles.
+class FailedShownPick : public FailedPick {
+  protected:
+    Words words(const std::string& name) const {
+        return {"menu", "--at", "200,150", folder_.path("top/" + name)};
+    }
+    // The first row is the file itself.
+    bool pick_first_row(const std::function<void()>& while_open = [] {}) {
+        if (!wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); })) {
+            return false;
+        }
+        while_open();
+        input_.key("Down");
+        input_.key("Return");
+        return true;
+    }
+    // Closes the panel of this title.
+    bool close(const std::string& title) {
+        std::optional<test::ManagedWindow> window;
+        if (!wait_for([&] { return (window = windows_.settled(title)).has_value(); })) return false;
+        const test::ScreenPoint button = windows_.close_button(*window);
+        input_.move(button.x, button.y);
+        input_.click(1);
+        return true;
+    }
+
+  private:
+    test::WindowManager manager_;
+    test::ManagedWindows windows_;
+
+  protected:
+    test::XInput input_;
+};
+
+}  // namespace
+
+TEST_F(FailedPick, ATypeWithoutAProgramIsNamed) {
+    expect_line(pick("unknown.qqq"), cannot_open("unknown.qqq") +
+                                         ": no installed program is set for files of its type, "
+                                         "application/octet-stream");
+}
+
+TEST_F(FailedPick, ABrokenLinkSaysWhereItLeads) {
+    expect_line(pick("gone.txt"),
+                cannot_open("gone.txt") + ": it is a link to /nowhere/there, which is not there");
+    expect_line(pick("loop.txt"),
+                cannot_open("loop.txt") + ": it is a link that leads back to itself");
+}
+
+TEST_F(FailedPick, APipeIsNotOpened) {
+    expect_line(pick("pipe.txt"),
+                cannot_open("pipe.txt") + ": it is a pipe, which no program opens as a file");
+    EXPECT_TRUE(program_.opened().empty());
+}
+
+TEST_F(FailedPick, TheHostsOwnOpenSaysTheSame) {
+    const Outcome outcome = test::run_delvio(
+        {"menu", "--pick", "Open", folder_.path("top/gone.txt")}, {{"DISPLAY", ""}});
+    expect_line(outcome,
+                cannot_open("gone.txt") + ": it is a link to /nowhere/there, which is not there");
+}
+
+TEST_F(FailedPick, AProgramThatDoesNotStartIsNamedWithItsFile) {
+    const Outcome outcome = open_with_broken(folder_.path("top/note.txt"));
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(
+        outcome.err.rfind(
+            "delvio: " + cannot_open("note.txt") + " with \"Broken.app\": it does not start: ", 0),
+        0u)
+        << outcome.err;
+}
+
+TEST_F(FailedPick, APipeIsGivenToNoChosenProgram) {
+    expect_line(open_with_broken(folder_.path("top/pipe.txt")),
+                cannot_open("pipe.txt") +
+                    " with \"Broken.app\": it is a pipe, which no program opens as a file");
+}
+
+TEST_F(FailedPick, ControlCharactersAreEscaped) {
+    folder_.file("top/\x1b[31mred\n.qqq", std::string("\0\1\2", 3));
+    const Outcome outcome = test::run_delvio(
+        {"menu", "--pick", "Open", folder_.path("top/\x1b[31mred\n.qqq")}, {{"DISPLAY", ""}});
+    EXPECT_NE(outcome.err.find("/\\x1b[31mred\\n.qqq\""), std::string::npos) << outcome.err;
+    EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1);
+    EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
+}
+
+TEST_F(FailedPick, ProgramsGetNothingOfThePrivateDisplay) {
+    test::run_delvio({"menu", "--pick", "top", "--pick", "note.txt", folder_.path("top")},
+                     {{"DISPLAY", ""},
+                      {"XAUTHORITY", "/home/me/.Xauthority"},
+                      {"WAYLAND_DISPLAY", "wayland-7"}});
+    ASSERT_FALSE(program_.wait().empty());
+    const std::set<std::string> variables = program_.environment();
+    EXPECT_TRUE(variables.contains("XAUTHORITY=/home/me/.Xauthority"));
+    EXPECT_TRUE(variables.contains("WAYLAND_DISPLAY=wayland-7"));
+    for (const std::string& variable : variables) {
+        EXPECT_NE(variable.rfind("DISPLAY=", 0), 0u) << variable;
+    }
+}
+
+TEST_F(FailedPick, ProgramsGetTheUsersDisplay) {
+    test::run_delvio({"menu", "--pick", "top", "--pick", "note.txt", folder_.path("top")});
+    ASSERT_FALSE(program_.wait().empty());
+    EXPECT_TRUE(program_.environment().contains(std::string("DISPLAY=") + getenv("DISPLAY")));
+}
+
+TEST_F(FailedShownPick, APanelSaysItToo) {
+    RunningCommand command(words("unknown.qqq"));
+    ASSERT_TRUE(pick_first_row());
+    EXPECT_TRUE(close("“unknown.qqq” cannot be opened."));
+    expect_line(command.finish(), cannot_open("unknown.qqq") +
+                                      ": no installed program is set for files of its type, "
+                                      "application/octet-stream");
+}
+
+TEST_F(FailedShownPick, AFileThatVanishedMeanwhileIsNamed) {
+    RunningCommand command(words("note.txt"));
+    ASSERT_TRUE(pick_first_row([&] { fs::remove(folder_.path("top/note.txt")); }));
+    EXPECT_TRUE(close("“note.txt” cannot be opened."));
+    expect_line(command.finish(), cannot_open("note.txt") + ": it is no longer there");
+}
+
+TEST_F(FailedShownPick, AFileThatBecameAPipeMeanwhileIsNamed) {
+    RunningCommand command(words("note.txt"));
+    ASSERT_TRUE(pick_first_row([&] {
+        fs::remove(folder_.path("top/note.txt"));
+        mkfifo(folder_.path("top/note.txt").c_str(), 0600);
+    }));
+    EXPECT_TRUE(close("“note.txt” cannot be opened."));
+    expect_line(command.finish(),
+                cannot_open("note.txt") + ": it is a pipe, which no program opens as a file");
+}
+
+TEST_F(FailedShownPick, ANameThatIsNotTextIsNotPassedOverInSilence) {
+    folder_.file("other/caf\xe9.txt", "text\n");
+    RunningCommand command({"menu", "--at", "200,150", folder_.path("other")});
+    ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }));
+    for (const char* key : {"Down", "Right", "Return"}) input_.key(key);
+    EXPECT_TRUE(close("The file cannot be opened."));
+    expect_line(command.finish(), "cannot open the file: its name is not UTF-8");
+}
