@@ -188,12 +188,12 @@ text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
 
 // Lines stay lines.
 static std::string visible_lines(const std::string& text) {
-    std::string shown;
     NSString* whole = [NSString stringWithUTF8String:text.c_str()] ?: @"";
+    NSMutableArray* lines = [NSMutableArray array];
     for (NSString* line in [whole componentsSeparatedByString:@"\n"]) {
-        shown += (shown.empty() ? "" : "\n") + visible_title(line);
+        [lines addObject:[NSString stringWithUTF8String:visible_title(line).c_str()]];
     }
-    return shown;
+    return [[lines componentsJoinedByString:@"\n"] UTF8String];
 }
 
 text_t paragraph(const menu_look_t& look, const std::string& given, double size, bool bold,
