@@ -48,12 +48,12 @@ TESTS = {
     "menus": ["*plugin_items_test", "*plugin_population_test", "*plugin_menu_item_test",
               "*plugin_open_with_test", "*plugin_move_copy_test", "*plugin_selection_test",
               "*plugin_roots_test", "*plugin_labels_test", "*plugin_disc_test",
-              "*plugin_log_test"],
-    "input": ["*plugin_dragging_test", "*plugin_control_free_popup_test"],
+              "*plugin_preview_test"],
+    "input": ["*plugin_dragging_test", "*plugin_record_test", "*plugin_control_free_popup_test"],
     "loader": ["*plugin_popup_test", "*plugin_popup_paths_test", "*plugin_controller_test",
                "*plugin_proxy_test", "*plugin_method_swizzle_test", "*plugin_record_test",
                "*plugin_no_context_menu_class_test", "*plugin_not_the_finder_test",
-               "*plugin_bundle_test", "*plugin_log_test"],
+               "*plugin_bundle_test"],
 }
 
 FLIPS = [(r"==", "!="), (r"!=", "=="), (r"(?<![<\-])<=", "<"), (r">=", ">"),

@@ -8,6 +8,8 @@
 #include <string>
 
 #include "support/dv_log.h"
+#include "support/heap.h"
+#include "support/turn.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_state.h"
 
@@ -248,6 +250,17 @@ TEST_F(Preferences, FoldersAreKeptAsTheyAre) {
     EXPECT_EQ(CFGetTypeID(state_.folders), CFStringGetTypeID());
     defaults("delete " DV_PREFS_DOMAIN " folders");
     EXPECT_EQ(read().folders, nullptr);
+}
+
+TEST_F(Preferences, WhatWasReadBeforeIsLetGo) {
+    write("folders", "'(\"/a\", \"/b\")'");
+    write("open_with_path", "/some/where/else/that/has/a/name");
+    const auto round = [&] { test::in_one_turn([&] { read(1); }); };
+    for (int i = 0; i < 20; i++) round();
+    const size_t before = test::memory_in_use();
+    for (int i = 0; i < 200; i++) round();
+    EXPECT_LT(test::memory_in_use(), before + 8000);
+    EXPECT_EQ(text(read().open_with_path), "/some/where/else/that/has/a/name");
 }
 
 TEST_F(Preferences, ANullStateIsIgnored) {

@@ -18,6 +18,7 @@
 #include "support/dv_log.h"
 #include "support/heap.h"
 #include "support/temp_folder.h"
+#include "support/turn.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_state.h"
 

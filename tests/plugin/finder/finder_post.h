@@ -3,7 +3,6 @@
 
 #include <Carbon/Carbon.h>
 
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,8 +50,5 @@ class FinderPost {
     // Everything that has been sent so far, in order.
     const std::vector<Letter>& letters();
 };
-
-// Frees at once what the run loop would free after the action.
-void in_one_turn(const std::function<void()>& action);
 
 }  // namespace test

@@ -114,12 +114,6 @@ void FinderPost::clear() {
     arrived.clear();
 }
 
-void in_one_turn(const std::function<void()>& action) {
-    NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    action();
-    [pool release];
-}
-
 }  // namespace test
 
 // In front of the platform's, which it calls: not all that a sender says reaches the receiver.
