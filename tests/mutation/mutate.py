@@ -299,6 +299,8 @@ def main():
     parser.add_argument("--file")
     parser.add_argument("--copy", default=os.path.join(tempfile.gettempdir(), "delvio-mutation"))
     parser.add_argument("--report")
+    parser.add_argument("--unchecked", action="store_true",
+                        help="do not run the tests on the unchanged tree first")
     parser.add_argument("--list", action="store_true")
     parser.add_argument("--replace", nargs=3, metavar=("FILE", "OLD", "NEW"), action="append")
     parser.add_argument("--nth", type=int, default=1)
@@ -317,7 +319,7 @@ def main():
     copy = Copy(arguments.copy)
     copy.prepare()
     for folder in sorted({change.path.split("/")[1] for change in changes}):
-        for test in TESTS[folder]:
+        for test in () if arguments.unchecked else TESTS[folder]:
             name = test.lstrip("*")
             if copy.has(name) and not (copy.build(name) and copy.passes(test)):
                 sys.exit(f"mutate: {name} fails without any change")

@@ -4,16 +4,13 @@
 #include <Carbon/HostProcess.h>
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <set>
 
 #include "desktop/window_program.h"
+#include "finder/dv_finder.h"
 #include "loader/DVDelvio.h"
 #include "platform/events/pointer_window.h"
+#include "plugin/input/popup_thread.h"
+#include "plugin/replaced_method.h"
 #include "support/app.h"
 #include "support/dv_log.h"
 #include "support/steps.h"
@@ -22,23 +19,16 @@
 
 namespace {
 
-std::set<std::string> threads() {
-    std::set<std::string> names;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        names.insert(task.path().filename());
-    }
-    return names;
-}
+using test::PopupThread;
 
-// How often a thread has gone to sleep or been put there.
-long switches_of(const std::string& thread) {
-    std::ifstream status("/proc/self/task/" + thread + "/status");
-    long count = 0;
-    for (std::string line; std::getline(status, line);) {
-        if (line.find("ctxt_switches:") != line.npos)
-            count += std::stol(line.substr(line.find(':') + 1));
-    }
-    return count;
+// The presses that the tap has told of, accepted or not.
+int told = 0;
+IMP accepting;
+
+void count_press(id popup, SEL method, CGPoint unflipped, CGPoint flipped) {
+    told++;
+    reinterpret_cast<void (*)(id, SEL, CGPoint, CGPoint)>(accepting)(popup, method, unflipped,
+                                                                     flipped);
 }
 
 class ControlFreePopup : public testing::Test {
@@ -48,24 +38,25 @@ class ControlFreePopup : public testing::Test {
         DeclareProcessSignature('MACS');
         CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), (CFStringRef)NSEventTrackingRunLoopMode);
         [DVDelvio sharedDelvio];
-        const std::set<std::string> before = threads();
-        [DVControlFreePopup sharedControlFreePopup];
-        for (const std::string& thread : threads()) {
-            if (!before.count(thread)) thread_ = thread;
-        }
+        PopupThread::find([] { [DVControlFreePopup sharedControlFreePopup]; });
+        static const test::ReplacedMethod counting([DVControlFreePopup class],
+                                                   @selector(mouseDownAt:flipped:), count_press);
+        accepting = counting.before();
     }
     ControlFreePopup() : pool_([NSAutoreleasePool new]), window_([PointerWindow new]) {
         dv_ = [[DVDelvio sharedDelvio] getDV];
         popup_ = [DVControlFreePopup sharedControlFreePopup];
         dv_->control_free_enabled = 2;
         dv_->control_free_delay_usec = 150000;
-        input_.move(150, 150);
-        let_pass(0.05);
+        move(150, 150);
         no_cursor_ = input_.cursor();
     }
     ~ControlFreePopup() override {
+        if (PopupThread::is_in_delay()) PopupThread::let_delay_pass();
         input_.let_go();
+        if (begun_) until_rest();
         until("no cursor", [this] { return input_.cursor() == no_cursor_; });
+        dvEnableDebugOutput = 0;
         [window_ release];
         [pool_ release];
     }
@@ -75,183 +66,206 @@ class ControlFreePopup : public testing::Test {
         steps.when(what, condition);
         steps.run();
     }
-    static void let_pass(double seconds) {
-        NSDate* end = [NSDate dateWithTimeIntervalSinceNow:seconds];
-        until("time", [end] { return [end timeIntervalSinceNow] <= 0; });
+    void move(int x, int y) {
+        input_.move(x, y);
+        const int height = static_cast<int>(NSHeight([[[NSScreen screens] objectAtIndex:0] frame]));
+        until("the pointer", [=] {
+            const NSPoint at = [NSEvent mouseLocation];
+            return at.x == x && at.y == height - y;
+        });
     }
     uint32_t presses() const {
         const Ivar count = class_getInstanceVariable([popup_ class], "mouseDownCount");
         const char* fields = reinterpret_cast<const char*>(popup_);
         return *reinterpret_cast<const uint32_t*>(fields + ivar_getOffset(count));
     }
-    // Runs until the tap has seen the press.
-    void press() {
+    // Runs until the tap has told of it; the answer is whether it was accepted.
+    bool press() {
+        const int told_before = told, rests_before = PopupThread::rests();
         const uint32_t before = presses();
         input_.press(1);
-        until("the press", [&] { return presses() > before; });
+        until("the press", [&] { return told > told_before; });
+        if (presses() == before) return false;
+        begun_ = true;
+        rests_before_ = rests_before;
+        return true;
     }
-    void wait_until_armed() {
+    // Lets go and presses once more, in the same place.
+    bool press_again() {
+        input_.release(1);
+        return press();
+    }
+    // Until the thread has done with the last press that was accepted.
+    void until_rest() {
+        until("the thread's rest", [this] { return PopupThread::rests() > rests_before_; });
+    }
+    void press_and_wait_for_delay() {
+        ASSERT_TRUE(press());
+        until("the delay", [] { return PopupThread::is_in_delay(); });
+        EXPECT_EQ(PopupThread::asked_delay(), dv_->control_free_delay_usec);
+    }
+    void press_until_armed() {
+        press_and_wait_for_delay();
+        EXPECT_EQ(input_.cursor(), no_cursor_) << "not before the delay has passed";
+        PopupThread::let_delay_pass();
         until("the cursor", [this] { return input_.cursor() != no_cursor_; });
     }
-    bool has(const char* word) const { return [window_ log].find(word) != std::string::npos; }
+    int count_of(const std::string& word) const {
+        int count = 0;
+        const std::string log = ", " + [window_ log];
+        for (size_t at = 0; (at = log.find(", " + word + " ", at)) != log.npos; at++) count++;
+        return count;
+    }
+    bool has(const char* word) const { return count_of(word) > 0; }
+    // What the window has got, once everything that was sent so far has come: a click sent after it
+    // has.
+    std::string log_when_all_has_come() {
+        dv_->control_free_enabled = 0;
+        const int ups = count_of("up");
+        input_.click(1);
+        until("a click", [&] { return count_of("up") > ups; });
+        std::string log = [window_ takeLog];
+        const size_t down = log.rfind("down 1", log.rfind("up 1"));
+        return log.substr(0, down >= 2 ? down - 2 : 0);
+    }
 
-    static std::string thread_;
     NSAutoreleasePool* pool_;
     PointerWindow* window_;
     DVControlFreePopup* popup_;
     delvio_t* dv_;
     test::XInput input_;
     unsigned long no_cursor_ = 0;
+    bool begun_ = false;
+    int rests_before_ = 0;
 };
-
-std::string ControlFreePopup::thread_;
-
-constexpr double longer_than_the_delay = 0.4;
 
 }  // namespace
 
 TEST_F(ControlFreePopup, AHeldPressThatIsLetGoIsFollowedByOneRightClickThere) {
-    testing::internal::CaptureStdout();
     dvEnableDebugOutput = 1;
-    press();
-    wait_until_armed();
+    testing::internal::CaptureStdout();
+    press_until_armed();
     EXPECT_FALSE(has("right")) << "not before the release";
     input_.release(1);
     until("the right click", [this] { return has("right up"); });
+    until_rest();
     dvEnableDebugOutput = 0;
     fflush(stdout);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Delvio: Activate control-free popup\n");
-    let_pass(longer_than_the_delay);
-    EXPECT_EQ([window_ takeLog], "down 150 150, up 150 150, right down 150 150, right up 150 150");
+    EXPECT_EQ(log_when_all_has_come(),
+              "down 150 150, up 150 150, right down 150 150, right up 150 150");
 }
 
 TEST_F(ControlFreePopup, APressLetGoBeforeTheDelayIsAnOrdinaryClick) {
     dv_->control_free_delay_usec = 1000000;
-    press();
+    press_and_wait_for_delay();
     input_.release(1);
-    let_pass(1.3);
-    EXPECT_EQ([window_ takeLog], "down 150 150, up 150 150");
+    until("the release", [this] { return has("up"); });
+    PopupThread::let_delay_pass();
+    until_rest();
     EXPECT_EQ(input_.cursor(), no_cursor_);
+    EXPECT_EQ(log_when_all_has_come(), "down 150 150, up 150 150");
 }
 
 TEST_F(ControlFreePopup, AMoveByOnePixelWhileArmedCancelsEvenIfItReturns) {
-    press();
-    wait_until_armed();
+    press_until_armed();
     input_.move(151, 150);
-    until("the cursor as it was", [this] { return input_.cursor() == no_cursor_; });
-    let_pass(0.1);
-    input_.move(150, 150);
+    until_rest();
+    move(150, 150);
     input_.release(1);
-    let_pass(longer_than_the_delay);
-    EXPECT_EQ([window_ takeLog], "down 150 150, up 150 150");
+    EXPECT_EQ(log_when_all_has_come(), "down 150 150, up 150 150");
 }
 
 TEST_F(ControlFreePopup, AMoveByOnePixelBeforeTheDelayCancels) {
-    press();
-    input_.move(150, 151);
-    let_pass(longer_than_the_delay);
-    EXPECT_EQ(input_.cursor(), no_cursor_);
-    input_.release(1);
-    let_pass(0.2);
-    EXPECT_FALSE(has("right"));
+    const int places[][2] = {{150, 151}, {151, 150}};
+    for (const auto& place : places) {
+        dv_->control_free_enabled = 2;
+        move(150, 150);
+        press_and_wait_for_delay();
+        move(place[0], place[1]);
+        PopupThread::let_delay_pass();
+        until_rest();
+        EXPECT_EQ(input_.cursor(), no_cursor_);
+        input_.release(1);
+        EXPECT_EQ(log_when_all_has_come().find("right"), std::string::npos);
+    }
 }
 
 TEST_F(ControlFreePopup, SwitchedOffNoPressBeginsAnything) {
     dv_->control_free_enabled = 0;
-    const uint32_t before = presses();
-    input_.press(1);
-    until("the press", [this] { return has("down"); });
-    let_pass(longer_than_the_delay);
-    EXPECT_EQ(presses(), before);
-    EXPECT_EQ(input_.cursor(), no_cursor_);
+    EXPECT_FALSE(press());
     input_.release(1);
-    until("the release", [this] { return has("up"); });
-    EXPECT_FALSE(has("right"));
+    EXPECT_EQ(log_when_all_has_come(), "down 150 150, up 150 150");
 }
 
 TEST_F(ControlFreePopup, AControlClickBeginsNothing) {
-    const uint32_t before = presses();
     input_.key_down("Control_L");
-    input_.press(1);
-    until("the press", [this] { return has("down"); });
-    let_pass(longer_than_the_delay);
-    EXPECT_EQ(presses(), before);
+    until("the key", [] { return ([NSEvent modifierFlags] & NSControlKeyMask) != 0; });
+    EXPECT_FALSE(press());
     input_.release(1);
     input_.key_up("Control_L");
-    until("the release", [this] { return has("up"); });
-    EXPECT_FALSE(has("right"));
+    until("no key", [] { return ([NSEvent modifierFlags] & NSControlKeyMask) == 0; });
+    EXPECT_EQ(log_when_all_has_come().find("right"), std::string::npos);
 }
 
 TEST_F(ControlFreePopup, InModeOneOtherProgramsWindowsAreLeftAlone) {
     dv_->control_free_enabled = 1;
     test::WindowProgram program({"window", "show", "focus"});
-    const uint32_t before = presses();
-    input_.move(30, 30);
-    // The other program comes to the front in its own time.
-    let_pass(0.5);
-    input_.press(1);
-    let_pass(longer_than_the_delay);
+    until("the other program", [] { return !dv_finder_is_front(); });
+    move(30, 30);
+    EXPECT_FALSE(press());
     input_.release(1);
-    let_pass(0.1);
-    EXPECT_EQ(presses(), before);
     dv_->control_free_enabled = 2;
-    press();
-    wait_until_armed();
+    press_until_armed();
     input_.move(31, 30);
-    EXPECT_EQ(presses(), before + 1);
 }
 
 TEST_F(ControlFreePopup, InModeOneTheFindersOwnWindowsCount) {
     dv_->control_free_enabled = 1;
     input_.focus(reinterpret_cast<uintptr_t>([[window_ window] windowRef]));
-    press();
-    wait_until_armed();
+    until("the Finder", [] { return dv_finder_is_front(); });
+    press_until_armed();
     input_.release(1);
     until("the right click", [this] { return has("right up"); });
 }
 
 TEST_F(ControlFreePopup, ASecondPressBeginsAnew) {
-    dv_->control_free_delay_usec = 500000;
-    press();
-    input_.release(1);
-    press();
-    wait_until_armed();
+    press_and_wait_for_delay();
+    ASSERT_TRUE(press_again());
+    PopupThread::let_delay_pass();
+    until("the second delay", [] { return PopupThread::is_in_delay(); });
+    EXPECT_EQ(input_.cursor(), no_cursor_) << "the first one's is over";
+    PopupThread::let_delay_pass();
+    until("the cursor", [this] { return input_.cursor() != no_cursor_; });
     input_.release(1);
     until("the right click", [this] { return has("right up"); });
-    let_pass(longer_than_the_delay);
-    const std::string log = [window_ takeLog];
-    EXPECT_EQ(log.find("right down"), log.rfind("right down")) << log;
+    until_rest();
+    EXPECT_EQ(log_when_all_has_come(),
+              "down 150 150, up 150 150, down 150 150, up 150 150, right down 150 150, right up "
+              "150 150");
 }
 
 TEST_F(ControlFreePopup, ACancelledPressPostsNothing) {
-    dv_->control_free_delay_usec = 400000;
-    press();
+    press_and_wait_for_delay();
     [popup_ mouseUpAt:CGPointMake(0, 0)];
-    let_pass(0.8);
+    PopupThread::let_delay_pass();
+    until_rest();
     EXPECT_EQ(input_.cursor(), no_cursor_);
     input_.release(1);
-    let_pass(0.1);
-    EXPECT_FALSE(has("right"));
+    EXPECT_EQ(log_when_all_has_come(), "down 150 150, up 150 150");
 }
 
 TEST_F(ControlFreePopup, TheThreadSleepsWithoutWakingWhileThereIsNoPress) {
-    ASSERT_FALSE(thread_.empty());
     for (const uint32_t enabled : {0, 1, 2}) {
         dv_->control_free_enabled = enabled;
-        let_pass(0.3);  // whatever went before has come to rest
-        const long before = switches_of(thread_);
-        EXPECT_GT(before, 0);
-        let_pass(1.5);
-        EXPECT_EQ(switches_of(thread_), before) << "enabled " << enabled;
+        until("sleep", [] { return PopupThread::sleeps_without_limit(); });
     }
 }
 
 TEST_F(ControlFreePopup, SwitchedOffTheThreadSleepsThroughClicks) {
     dv_->control_free_enabled = 0;
-    let_pass(0.3);
-    const long before = switches_of(thread_);
+    const int told_before = told, before = PopupThread::wakings();
     for (int i = 0; i < 10; i++) input_.click(1);
-    until("the clicks", [this] { return has("up"); });
-    let_pass(0.3);
-    EXPECT_EQ(switches_of(thread_), before);
+    until("the clicks", [=] { return told == told_before + 10; });
+    EXPECT_EQ(PopupThread::wakings(), before);
 }
