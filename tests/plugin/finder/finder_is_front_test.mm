@@ -50,10 +50,9 @@ class FinderIsFront : public testing::Test {
     void focus(Window window) {
         XSync(display_, False);
         // Our own window is mapped by the toolkit's connection, a little later.
-        for (int i = 0; i < 500; i++) {
-            XWindowAttributes attributes;
+        XWindowAttributes attributes = {};
+        while (attributes.map_state != IsViewable) {
             XGetWindowAttributes(display_, window, &attributes);
-            if (attributes.map_state == IsViewable) break;
             usleep(10000);
         }
         XSetInputFocus(display_, window, RevertToPointerRoot, CurrentTime);
