@@ -516,7 +516,7 @@ TEST_F(FileOp, LogsItsWay) {
                                  "\n Continuing..\nDelvio: Process: " + folder_.path("user/") +
                                  "\n Continuing..\nDelvio: Skip custom folder\n";
     const std::string output = output_of([&] { send(to, 0); });
-    EXPECT_NE(output.find(expected), std::string::npos) << output;
+    EXPECT_NE(("\n" + output).find("\n" + expected), std::string::npos) << output;
 }
 
 TEST_F(FileOp, LogsTheComparisonOfNames) {

@@ -369,7 +369,7 @@ TEST_F(Dragging, TheDragViewIsDrawnHalfTransparentRed) {
         [window display];
     });
     dvEnableDebugOutput = 0;
-    EXPECT_NE(log.find("Delvio: Draw drag view\n"), std::string::npos);
+    test::expect_lines(log, {"Delvio: Draw drag view"});
     // Over white.
     test::XInput input;
     const int bottom = static_cast<int>(NSHeight([[NSScreen mainScreen] frame]));

@@ -49,6 +49,10 @@ class MoveCopy : public test::MenuTest {
         return titles.size() >= move_rows.size() &&
                titles_t(titles.begin(), titles.begin() + 4) == move_rows;
     }
+    // As the log tells an element.
+    static unsigned number(const dv_tree_t* elem) {
+        return static_cast<unsigned>(reinterpret_cast<uintptr_t>(elem));
+    }
     static dv_tree_t* tree_of(NSMenuItem* item) { return [static_cast<DVMenuItem*>(item) tree]; }
     test::Letter pick(NSMenu* menu, const char* title) {
         [controller_ dvItemSelected:item_titled(menu, title)];
@@ -170,16 +174,16 @@ TEST_F(MoveCopy, TheLevelsOfACopyAreScannedFoldersOnly) {
 
 TEST_F(MoveCopy, ACopyIsLogged) {
     NSMenu* menu = select_two();
-    dvEnableDebugOutput = 1;
-    testing::internal::CaptureStdout();
-    open(menu, "one");
-    fflush(stdout);
-    const std::string output = testing::internal::GetCapturedStdout();
-    char line[200];
-    snprintf(line, sizeof line, "moveCopyElem: %x parent: %x pparent: 0 name: ",
-             static_cast<unsigned>(reinterpret_cast<uintptr_t>(dv_->copies)),
-             static_cast<unsigned>(reinterpret_cast<uintptr_t>(dv_->root)));
-    EXPECT_NE(output.find(line), std::string::npos) << output;
+    const std::string log = log_of([&] { open(menu, "one"); });
+    test::expect_lines(
+        log, {test::formatted("moveCopyElem: %x parent: %x pparent: 0 name: %s",
+                              number(dv_->copies), number(dv_->root), dv_->copies->display_name)});
+    open(open(menu, "one"), "below");
+    dv_tree_t* below = dv_->copies->parent;
+    ASSERT_STREQ(below->name, "below");
+    test::expect_lines(log_of([&] { open(open(menu, "one"), "below"); }),
+                       {test::formatted("moveCopyElem: %x parent: %x pparent: %x name: below",
+                                        number(dv_->copies), number(below), number(dv_->root))});
 }
 
 TEST_F(MoveCopy, PickingARowSendsTheSelectionThere) {
@@ -220,14 +224,11 @@ TEST_F(MoveCopy, TheDestinationIsOpenedWhenAsked) {
 
 TEST_F(MoveCopy, APickIsLogged) {
     NSMenu* level = open(select_two(), "one");
-    dvEnableDebugOutput = 1;
-    testing::internal::CaptureStdout();
-    pick(level, "Alias selection here");
-    fflush(stdout);
-    const std::string output = testing::internal::GetCapturedStdout();
-    EXPECT_NE(output.find("Delvio: Will move [0] /copy [1]/alias [2]: 2 | to this directory: "),
-              std::string::npos)
-        << output;
+    dv_tree_t* target = tree_of(item_titled(level, "Alias selection here"));
+    test::expect_lines(
+        log_of([&] { pick(level, "Alias selection here"); }),
+        {test::formatted("Delvio: Will move [0] /copy [1]/alias [2]: 2 | to this directory: %s ",
+                         target->display_name)});
 }
 
 TEST_F(MoveCopy, ALinkToAFolderIsADestination) {

@@ -212,22 +212,14 @@ TEST_F(OpenWith, AnApplicationThatBelongsToNoItemOpensNothing) {
 TEST_F(OpenWith, PickingAnApplicationIsLogged) {
     select({folder_.file("a")});
     NSMenuItem* application = item_titled(open(root_menu("a"), "more"), "Record");
-    dvEnableDebugOutput = 1;
-    testing::internal::CaptureStdout();
-    [controller_ dvItemSelected:application];
+    test::expect_lines(log_of([&] { [controller_ dvItemSelected:application]; }),
+                       {"Delvio: Option key down: 0 Selected item is in root menu: 1",
+                        "Delvio: Open selection with.. Attached to root? 1"});
     SetHeldModifierFlags(option);
-    [controller_ dvItemSelected:application];
-    fflush(stdout);
-    const std::string lines = testing::internal::GetCapturedStdout();
-    dvEnableDebugOutput = 0;
-    EXPECT_NE(lines.find("Delvio: Option key down: 0 Selected item is in root menu: 1\n"
-                         "Delvio: Open selection with.. Attached to root? 1\n"),
-              std::string::npos)
-        << lines;
-    EXPECT_NE(lines.find("Delvio: Option key down: 1 Selected item is in root menu: 1\n"
-                         "Delvio: Still didn't find the correct elem, scanning parent tree..\n"
-                         "Delvio: Open parent item with.. 0x"),
-              std::string::npos)
-        << lines;
-    EXPECT_NE(lines.find(" a\n"), std::string::npos) << lines;
+    const std::string log = log_of([&] { [controller_ dvItemSelected:application]; });
+    NSMenuItem* owner = item_titled(host_menu_, "a");
+    test::expect_lines(log, {"Delvio: Option key down: 1 Selected item is in root menu: 1",
+                             "Delvio: Still didn't find the correct elem, scanning parent tree..",
+                             test::formatted("Delvio: Open parent item with.. %p %p a", owner,
+                                             [static_cast<DVMenuItem*>(owner) tree])});
 }

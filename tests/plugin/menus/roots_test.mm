@@ -204,7 +204,8 @@ TEST_F(Roots, BadEntriesAreSkippedWithTheirMessagesAndTheOthersStay) {
              "Delvio: Root:  NONE  - " + folder_.path("missing") + " | 0\n",
              "Delvio: Root: A - " + a + " | 0\n",
          }) {
-        EXPECT_NE(lines.find(message), std::string::npos) << message << "not in\n" << lines;
+        EXPECT_NE(("\n" + lines).find("\n" + message), std::string::npos) << message << "not in\n"
+                                                                          << lines;
     }
 }
 
@@ -333,7 +334,7 @@ TEST_F(Roots, RunningApplicationsAreLeftOutWhenAsked) {
     set("runningAppsInOpenWithMenu", 0);
     const std::string lines = debug_lines_of_take_over();
     EXPECT_EQ(dv_->running_apps, nullptr);
-    EXPECT_NE(lines.find("Delvio: Creating running apps list: (nil) 0\n"), std::string::npos);
+    EXPECT_NE(lines.find("\nDelvio: Creating running apps list: (nil) 0\n"), std::string::npos);
     EXPECT_EQ(lines.find("Delvio: Added "), std::string::npos);
 }
 
@@ -389,7 +390,7 @@ TEST_F(RunningRoots, RegularApplicationsAreListedByNameWithTheirBundlesOrProgram
                                  "\nDelvio: Got running app path: " + program +
                                  "\nDelvio: Got running app path: " + bundle + "\n" + added +
                                  "Delvio: Done handling user dirs\n";
-    EXPECT_NE(lines.find(expected), std::string::npos) << lines;
+    EXPECT_NE(lines.find("\n" + expected), std::string::npos) << lines;
 }
 
 TEST_F(RunningRoots, AFilledSlotIsKept) {

@@ -165,6 +165,16 @@ TEST_F(HoverWindow, ShownAgainForTheSameFileItHasItsPicture) {
     EXPECT_EQ([image_view() superview], content());
 }
 
+TEST_F(HoverWindow, ShownAgainWhileItsPictureIsMadeItsDiscTurnsOn) {
+    [window_controller_ showPreviewWindow:nil];  // no file is highlighted
+    [window_controller_ setPath:url(folder_.file("text", "A\n"))];
+    [window_controller_ hidePreviewWindow:nil];
+    EXPECT_EQ(timer(), nil);
+    ASSERT_TRUE(is_busy()) << "its end comes in a turn of the run loop";
+    [window_controller_ showPreviewWindow:nil];
+    EXPECT_TRUE([timer() isValid]);
+}
+
 TEST_F(HoverWindow, TheHoveredFileIsThatOfTheHighlightedItem) {
     EXPECT_EQ([controller_ previewItemURL], nil);
     const std::string path = folder_.file("text");
