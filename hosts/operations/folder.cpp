@@ -49,6 +49,19 @@ bool move_in_steps(int from_folder, const std::string& from, int to_folder, cons
     return errno == ENOENT && renameat(from_folder, from.c_str(), to_folder, to.c_str()) == 0;
 }
 
+// A disk may lose its answer, but not what it was asked to do. Keeps errno.
+bool was_done_all_the_same(int from_folder, const std::string& from, int to_folder,
+                           const std::string& to) {
+    const int error = errno;
+    struct stat what;
+    const bool is_doubtful = error == EIO || error == ETIMEDOUT || error == EINTR ||
+                             error == ESTALE || error == ENOTCONN || error == EREMOTEIO;
+    const bool is_gone = is_doubtful && !Look(from_folder, from.c_str(), &what) && IsMissing(errno);
+    const bool was_done = is_gone && Look(to_folder, to.c_str(), &what);
+    errno = error;
+    return was_done;
+}
+
 }  // namespace
 
 Descriptor OpenFolder(int parent, const char* name) {
@@ -102,7 +115,8 @@ bool MoveFree(int from_folder, const std::string& from, int to_folder, const std
     if (renameat2(from_folder, from.c_str(), to_folder, to.c_str(), RENAME_NOREPLACE) == 0) {
         return true;
     }
-    return errno == EINVAL && move_in_steps(from_folder, from, to_folder, to);
+    if (errno == EINVAL) return move_in_steps(from_folder, from, to_folder, to);
+    return was_done_all_the_same(from_folder, from, to_folder, to);
 }
 
 bool RemoveTree(int parent, const char* name) {

@@ -59,6 +59,7 @@ Report Operation::run() {
         }
     }
     flush();
+    if (copies_ && !copies_->finish()) temporaries_->leave();
     copies_.reset();
     temporaries_.reset();
     report_.stopped = work_.is_stopped();

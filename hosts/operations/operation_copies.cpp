@@ -141,8 +141,7 @@ bool Operation::publish(Item& item) {
         }
         if (!make_room(item)) return false;
     }
-    struct stat what;
-    if (Look(destination_.get(), item.target_name.c_str(), &what)) journal_.copied(what);
+    journal_.copied();
     work_.remark(remark);
     settle_done(item, item.target_name);
     return true;

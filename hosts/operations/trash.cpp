@@ -71,7 +71,7 @@ class Way {
 
   private:
     bool take_name(int attempt);
-    bool is_the_thing(int folder, const std::string& name);
+    int look_for_thing(int folder, const std::string& name);
     int go();
 
     const Thing& thing_;
@@ -102,17 +102,21 @@ bool Way::take_name(int attempt) {
     return false;
 }
 
-bool Way::is_the_thing(int folder, const std::string& name) {
+// 0, ESTALE when it is something else, or another error number when that cannot be told.
+int Way::look_for_thing(int folder, const std::string& name) {
     struct stat what;
-    return Look(folder, name.c_str(), &what) && what.st_ino == thing_.what.st_ino &&
-           (what.st_mode & S_IFMT) == (thing_.what.st_mode & S_IFMT);
+    if (!Look(folder, name.c_str(), &what)) return errno;
+    const bool is_it = what.st_ino == thing_.what.st_ino &&
+                       (what.st_mode & S_IFMT) == (thing_.what.st_mode & S_IFMT);
+    return is_it ? 0 : ESTALE;
 }
 
 // With a name taken. 0 or an error number.
 int Way::go() {
-    if (!is_the_thing(thing_.folder, thing_.name)) return ESTALE;
+    const int error = look_for_thing(thing_.folder, thing_.name);
+    if (error != 0) return error;
     if (!MoveFree(thing_.folder, thing_.name, open_.files.get(), name_)) return errno;
-    if (is_the_thing(open_.files.get(), name_)) return 0;
+    if (look_for_thing(open_.files.get(), name_) != ESTALE) return 0;
     // It was exchanged in between.
     MoveFree(open_.files.get(), name_, thing_.folder, thing_.name);
     return ESTALE;

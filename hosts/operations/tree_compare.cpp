@@ -78,15 +78,13 @@ bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char*
 
 }  // namespace
 
-bool IsChanged(int folder, const char* name, const CopyState& copy, bool is_confirmed) {
+bool IsChanged(int folder, const char* name, const CopyState& copy) {
     struct stat what;
     if (!Look(folder, name, &what) || what.st_ino != copy.inode) return true;
-    if (is_confirmed && is_later(what, copy)) return true;
-    // Getting its name has changed it, at a time that was not noted.
-    const bool is_other = !is_same(what.st_mtim, copy.modified) ||
-                          (!S_ISDIR(what.st_mode) && what.st_size != copy.size);
-    if (!is_confirmed && is_other) return true;
-    return S_ISDIR(what.st_mode) && is_changed_inside(folder, name, copy, 1);
+    // Getting a name has changed it as well, but neither its bytes nor what is in it.
+    if (!is_same(what.st_mtim, copy.modified)) return true;
+    if (!S_ISDIR(what.st_mode)) return what.st_size != copy.size;
+    return is_changed_inside(folder, name, copy, 1);
 }
 
 bool IsRestOf(int rest_folder, const char* rest, int whole_folder, const char* whole) {

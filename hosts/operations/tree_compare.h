@@ -9,7 +9,7 @@ namespace operations {
 
 // Whether the copy at the name is another thing now, or anything in it was changed since it was
 // made. Yes if that cannot be told.
-bool IsChanged(int folder, const char* name, const CopyState& copy, bool is_confirmed);
+bool IsChanged(int folder, const char* name, const CopyState& copy);
 
 // Whether all that stands at `rest` stands at `whole` as well, unchanged: what is left of something
 // that was being taken away after it was copied.

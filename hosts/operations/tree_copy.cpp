@@ -46,8 +46,14 @@ TreeCopy::TreeCopy(Work& work, int destination, const std::string& prefix, bool 
     if (fstat(destination, &what) == 0) destination_identity_ = {what.st_dev, what.st_ino};
 }
 
-TreeCopy::~TreeCopy() {
-    for (const auto& link : link_names_) unlinkat(destination_, link.second.c_str(), 0);
+bool TreeCopy::finish() {
+    bool finished = true;
+    for (const std::string& name : made_) {
+        const bool is_gone = unlinkat(destination_, name.c_str(), 0) == 0 || errno == ENOENT;
+        finished = finished && is_gone;
+    }
+    made_.clear();
+    return finished;
 }
 
 bool TreeCopy::copy(const Place& source, const Place& target) {
@@ -82,7 +88,12 @@ bool TreeCopy::link_again(const Place& target, const struct stat& what) {
 // Where the file system has no links, each name gets a copy of its own.
 void TreeCopy::keep_link(const Place& target, const struct stat& what) {
     const std::string name = prefix_ + "link" + std::to_string(link_names_.size());
-    if (linkat(target.folder, target.name.c_str(), destination_, name.c_str(), 0) != 0) return;
+    const bool linked =
+        linkat(target.folder, target.name.c_str(), destination_, name.c_str(), 0) == 0;
+    if (!linked && (errno == EPERM || errno == EOPNOTSUPP || errno == EMLINK)) return;
+    // A disk that says no may have made it.
+    made_.push_back(name);
+    if (!linked) return;
     link_names_[{what.st_dev, what.st_ino}] = name;
     linked_ = true;
 }

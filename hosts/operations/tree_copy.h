@@ -25,8 +25,6 @@ class TreeCopy {
     // names that begin with `prefix`. With `for_move` what was copied is remembered, and what could
     // not be removed afterwards is refused.
     TreeCopy(Work& work, int destination, const std::string& prefix, bool for_move);
-    // Removes what was made for a while.
-    ~TreeCopy();
     TreeCopy(const TreeCopy&) = delete;
     TreeCopy& operator=(const TreeCopy&) = delete;
 
@@ -41,6 +39,8 @@ class TreeCopy {
     bool check(const Place& source, const Place& target);
     // Removes a source that was copied for a move, but nothing that came or changed since.
     bool remove(const Place& source);
+    // Removes what was made for a while. False when some of it is left.
+    bool finish();
     // Forgets the sources so far.
     void forget() { stamps_.clear(); }
 
@@ -87,6 +87,7 @@ class TreeCopy {
     size_t written_ = 0;
     std::vector<Descriptor> unsynced_;
     std::map<Identity, std::string> link_names_;
+    std::vector<std::string> made_;  // for a while
     std::map<Identity, Stamp> stamps_;
 };
 

@@ -125,7 +125,7 @@ Plan UndoChecks::plan_copied(const Step& step) {
     if (target.is_missing()) return {};
     // It had not got its name yet, which something else has now.
     if (!target.is(step.inode) && !step.is_confirmed) return {};
-    if (IsChanged(AT_FDCWD, step.target.c_str(), step.copy, step.is_confirmed)) {
+    if (IsChanged(AT_FDCWD, step.target.c_str(), step.copy)) {
         return problem("the copy " + QuotedName(step.target) + " was changed since");
     }
     return with_trash(step.target, Need::TrashTarget);

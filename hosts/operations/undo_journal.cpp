@@ -87,7 +87,7 @@ void UndoJournal::copying(const std::string& source, const std::string& target,
     record(CopyingEntry(source, target, state_of(what, linked)));
 }
 
-void UndoJournal::copied(const struct stat& what) { record(CopiedEntry(what.st_ctim)); }
+void UndoJournal::copied() { record(CopiedEntry()); }
 
 void UndoJournal::not_done() { record(NotDoneEntry()); }
 

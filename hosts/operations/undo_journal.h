@@ -26,7 +26,7 @@ class UndoJournal {
     void copying(const std::string& source, const std::string& target, const struct stat& what,
                  bool linked);
     // It has it.
-    void copied(const struct stat& what);
+    void copied();
     // The step before did not happen.
     void not_done();
     // What was copied is about to be removed at its source: it was a move.

@@ -70,10 +70,8 @@ class Reader {
         step.copy.changed = time_of(fields[5]);
         step.copy.linked = !fields[6].empty();
     }
-    void confirm(Fields fields) {
-        if (steps_.empty() || steps_.back().kind != Step::Copied) return;
-        steps_.back().is_confirmed = true;
-        steps_.back().copy.changed = time_of(fields[0]);
+    void confirm(Fields) {
+        if (!steps_.empty()) steps_.back().is_confirmed = true;
     }
     void empty(Fields fields) {
         const auto known = copies_.find(fields[1]);
@@ -117,7 +115,7 @@ const struct {
 } verbs[] = {
     {begun, 0, &Reader::begin},           {moving, 3, &Reader::move},
     {trashing, 4, &Reader::put_in_trash}, {not_done, 0, &Reader::take_back},
-    {copying, 7, &Reader::copy},          {copied, 1, &Reader::confirm},
+    {copying, 7, &Reader::copy},          {copied, 0, &Reader::confirm},
     {emptying, 3, &Reader::empty},        {aliasing, 2, &Reader::alias},
     {elsewhere, 1, &Reader::refuse},      {restoring, 2, &Reader::restore},
     {undone, 1, &Reader::undo},
@@ -144,7 +142,6 @@ Recorded ReadRecord(const std::string& text) {
     Recorded recorded;
     Reader reader(&recorded);
     const std::vector<std::string> words = split(text);
-    if (text.empty()) recorded.problem = "the last operation could not be written down";
     for (size_t at = 0; at < words.size();) {
         const auto* verb = known_verb(words[at]);
         if (!verb || (at == 0) != (verb->verb == begun)) {
@@ -174,7 +171,7 @@ std::string CopyingEntry(const std::string& source, const std::string& target,
     return entry({copying, source, target, std::to_string(state.inode), std::to_string(state.size),
                   text_of(state.modified), text_of(state.changed), state.linked ? "linked" : ""});
 }
-std::string CopiedEntry(const timespec& changed) { return entry({copied, text_of(changed)}); }
+std::string CopiedEntry() { return entry({copied}); }
 std::string EmptyingEntry(const std::string& source, const std::string& target, ino_t original) {
     return entry({emptying, source, target, std::to_string(original)});
 }

@@ -25,7 +25,7 @@ struct Step {
     std::string source, target;
     unsigned long long inode = 0;
     CopyState copy;
-    bool is_confirmed = false;  // of a copy: it has its name since copy.changed
+    bool is_confirmed = false;  // of a copy: it has got its name
     // Of a move by way of a copy: the original that was then taken away, perhaps in part.
     unsigned long long original = 0;
     operations::Trashed trashed;
@@ -50,7 +50,7 @@ std::string TrashingEntry(const std::string& path, const Trashed& trashed, ino_t
 std::string NotDoneEntry();
 std::string CopyingEntry(const std::string& source, const std::string& target,
                          const CopyState& state);
-std::string CopiedEntry(const timespec& changed);
+std::string CopiedEntry();
 std::string EmptyingEntry(const std::string& source, const std::string& target, ino_t original);
 std::string AliasingEntry(const std::string& source, const std::string& target);
 std::string ElsewhereEntry(const std::string& line);

@@ -7,11 +7,11 @@
 #include <linux/seccomp.h>
 #include <stddef.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
 #include "support/temp_folder.h"
 #include "support/unprivileged.h"
@@ -51,11 +51,7 @@ class FaultTest : public testing::Test {
     test::Notes notes_;
 };
 
-bool add_filter(sock_filter* program, size_t size) {
-    sock_fprog filter = {static_cast<unsigned short>(size), program};
-    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
-}
+using test::add_filter;
 
 // From now on no write of this process takes more than so many bytes: the disk is full for the
 // rest. Sent in a child; for machines where none can be mounted.

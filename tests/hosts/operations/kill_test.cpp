@@ -1,44 +1,22 @@
 // The engine is killed at random moments. Whenever that is, each file is whole at its source or its
 // destination, nothing half-written has its final name, and the next start cleans up.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <random>
 
+#include "hosts/operations/killed_program.h"
 #include "hosts/operations/scene.h"
 #include "operations/folder.h"
 #include "operations/temporaries.h"
 #include "support/temp_folder.h"
 
-extern char** environ;
-
 namespace {
 
-constexpr int kills = 200, most_runs = 1000, files = 1000;
-
-double now() {
-    timespec time;
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
-pid_t start(const std::vector<std::string>& words) {
-    std::vector<char*> arguments;
-    for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    pid_t process = -1;
-    EXPECT_EQ(posix_spawn(&process, OPERATE_PROGRAM, nullptr, nullptr, arguments.data(), environ),
-              0);
-    return process;
-}
+constexpr int most_runs = 5000, files = 1000;
 
 class KillTest : public testing::Test {
   protected:
@@ -62,18 +40,12 @@ class KillTest : public testing::Test {
 
     // Runs it and kills it after the time. False when it had ended by itself.
     bool run(const std::string& kind, double seconds) {
-        const double begin = now();
-        std::vector<std::string> words = {"operate", kind, to_, from_ + "/"};
-        if (replaces_) words.insert(words.begin() + 3, "--replace");
-        const pid_t process = start(words);
-        timespec wait = {0, static_cast<long>(seconds * 1e9)};
-        nanosleep(&wait, nullptr);
-        kill(process, SIGKILL);
-        int status = 0;
-        waitpid(process, &status, 0);
-        if (WIFSIGNALED(status)) return true;
-        EXPECT_EQ(WEXITSTATUS(status), 0);
-        takes_ = std::min(takes_, now() - begin);
+        std::vector<std::string> words = {kind, to_, from_ + "/"};
+        if (replaces_) words.insert(words.begin() + 2, "--replace");
+        const test::Run run = test::run_operate(words, seconds);
+        if (run.was_killed) return true;
+        EXPECT_EQ(run.status, 0) << run.complaints;
+        takes_ = std::min(takes_, run.seconds);
         return false;
     }
 
@@ -118,6 +90,7 @@ class KillTest : public testing::Test {
         SCOPED_TRACE("seed " + std::to_string(number));
         std::mt19937 random(number);
         int killed = 0;
+        const int kills = test::kills_to_make(200);
         bool is_whole = false;
         for (int runs = 0; killed < kills && runs < most_runs && !HasFailure(); runs++) {
             if (!is_whole) reset(from_, true);
@@ -187,7 +160,8 @@ TEST_F(KillTest, WhatIsReplacedIsThereOrInTheTrash) {
     SCOPED_TRACE("seed " + std::to_string(number));
     std::mt19937 random(number);
     int killed = 0;
-    for (int runs = 0; killed < 40 && runs < most_runs && !HasFailure(); runs++) {
+    const int kills = test::kills_to_make(40);
+    for (int runs = 0; killed < kills && runs < most_runs && !HasFailure(); runs++) {
         reset(to_, false);
         std::filesystem::remove_all(data);
         put_older_ones();
@@ -196,7 +170,7 @@ TEST_F(KillTest, WhatIsReplacedIsThereOrInTheTrash) {
         expect_clean();
         expect_older_ones(data + "/Trash/files");
     }
-    EXPECT_EQ(killed, 40);
+    EXPECT_EQ(killed, kills);
 }
 
 TEST_F(KillTest, AMoveToAnotherVolumeLosesNothingAndLeavesNothing) {

@@ -59,19 +59,6 @@ bool write_line(const char* path, const std::string& text) {
     return written;
 }
 
-bool enter_own_mounts() {
-    const std::string user = std::to_string(geteuid()), group = std::to_string(getegid());
-    if (unshare(CLONE_NEWNS) != 0) {
-        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-        if (!write_line("/proc/self/setgroups", "deny") ||
-            !write_line("/proc/self/uid_map", user + " " + user + " 1") ||
-            !write_line("/proc/self/gid_map", group + " " + group + " 1")) {
-            return false;
-        }
-    }
-    return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
-
 }  // namespace
 
 State state_of(const std::string& folder, bool times) {
@@ -113,6 +100,19 @@ OtherVolume::OtherVolume(const std::string& folder) {
 
 OtherVolume::~OtherVolume() {
     if (!path_.empty()) std::filesystem::remove_all(path_);
+}
+
+bool enter_own_mounts() {
+    const std::string user = std::to_string(geteuid()), group = std::to_string(getegid());
+    if (unshare(CLONE_NEWNS) != 0) {
+        if (unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+        if (!write_line("/proc/self/setgroups", "deny") ||
+            !write_line("/proc/self/uid_map", user + " " + user + " 1") ||
+            !write_line("/proc/self/gid_map", group + " " + group + " 1")) {
+            return false;
+        }
+    }
+    return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 bool mount_small_volume(const std::string& folder, size_t bytes) {

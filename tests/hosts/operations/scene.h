@@ -38,6 +38,10 @@ class OtherVolume {
     std::string path_;
 };
 
+// What this process mounts from now on it has for itself. False when this machine allows none. For
+// a process with one thread.
+bool enter_own_mounts();
+
 // Mounts an empty file system of so many bytes on the folder, for this process alone. False when
 // this machine allows none. Sent in a child.
 bool mount_small_volume(const std::string& folder, size_t bytes);
