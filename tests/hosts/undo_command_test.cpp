@@ -1,12 +1,20 @@
 // delvio undo, as a process of its own.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <fstream>
 
 #include "hosts/command_runner.h"
+#include "hosts/operations/scene.h"
 #include "operations/engine.h"
+#include "operations/folder.h"
+#include "operations/temporaries.h"
+#include "support/silent_file_system.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -74,6 +82,51 @@ TEST(UndoCommand, TellsOfManyInAFewLines) {
     EXPECT_EQ(undone.status, 0);
     EXPECT_EQ(std::count(undone.out.begin(), undone.out.end(), '\n'), 20);
     EXPECT_NE(undone.out.find("\nand 31 more\n"), std::string::npos) << undone.out;
+}
+
+TEST(UndoCommand, AndEveryOtherCommandStartsWhateverALeftOverWaitsFor) {
+    test::TempFolder folder;
+    const std::string silent = folder.folder("silent"), plain = folder.folder("plain");
+    const bool mounted = test::in_child([&] {
+        const pid_t server = test::mount_silent_file_system(silent, test::Silence::at_lookup);
+        if (server == 0) return false;
+        const std::string journals = operations::StateFolder() + "/temporaries";
+        operations::MakeFolders(journals);
+        const std::string journal = journals + "/delvio-0123456789abcdef";
+        std::ofstream(journal) << "0\n" << silent << "/away";
+        // As a stopped operation of an older version held it.
+        std::ofstream(journals + "/lock") << "";
+        const int lock = open((journals + "/lock").c_str(), O_RDWR | O_CLOEXEC);
+        EXPECT_EQ(flock(lock, LOCK_EX), 0);
+        EXPECT_EQ(test::run_delvio({"undo"}).status, 1);
+        EXPECT_EQ(test::run_delvio({"settings", "list"}).status, 0);
+        EXPECT_EQ(test::run_delvio({"menu", "--print", plain}).status, 0);
+        close(lock);
+        kill(server, SIGKILL);
+        waitpid(server, nullptr, 0);
+        unlink(journal.c_str());
+        return true;
+    });
+    if (!mounted) GTEST_SKIP() << "nobody may mount a file system here";
+}
+
+TEST(UndoCommand, ClearsWhatAKilledOperationLeft) {
+    test::TempFolder folder;
+    const std::string to = folder.folder("to");
+    EXPECT_TRUE(test::in_child([&] {
+        const int open_folder = open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const pid_t child = fork();
+        if (child == 0) {
+            const operations::Temporaries temporaries(operations::StateFolder(), open_folder);
+            std::ofstream(to + "/" + temporaries.prefix() + "0") << "half";
+            raise(SIGKILL);
+        }
+        waitpid(child, nullptr, 0);
+        return true;
+    }));
+    ASSERT_EQ(test::names_in(to).size(), 1u);
+    test::run_delvio({"undo"});
+    while (!test::names_in(to).empty()) usleep(10000);
 }
 
 TEST(UndoCommand, TakesNoArguments) { EXPECT_EQ(test::run_delvio({"undo", "this"}).status, 2); }

@@ -11,5 +11,7 @@ bool add_filter(sock_filter* program, size_t size);
 
 // Whatever the arguments are.
 bool fail_call(long call, int error);
+// Only with these flags as its third argument.
+bool fail_call_with_flags(long call, int flags, int error);
 
 }  // namespace test

@@ -3,11 +3,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "hosts/operations/scene.h"
+#include "support/silent_file_system.h"
 #include "support/temp_folder.h"
 
 using operations::RemoveLeftTemporaries;
@@ -80,6 +82,52 @@ TEST_F(TemporariesTest, AJournalWaitsForAVolumeThatIsAway) {
     ASSERT_EQ(rename(away.c_str(), to_.c_str()), 0);
     RemoveLeftTemporaries(state_);
     EXPECT_EQ(test::names_in(to_), Names());
+}
+
+TEST_F(TemporariesTest, NoLockOfAnotherProcessIsWaitedFor) {
+    const std::string path = leave_behind();
+    const int lock = open(folder_.file("state/temporaries/lock").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(lock, LOCK_SH), 0);
+    RemoveLeftTemporaries(state_);
+    const Temporaries temporaries(state_, destination_.get());
+    EXPECT_EQ(temporaries.problem(), "");
+    EXPECT_EQ(test::names_in(to_), Names());
+    close(lock);
+}
+
+TEST_F(TemporariesTest, AJournalWhoseProcessWasKilledBeforeItsNameIsRemoved) {
+    folder_.file("state/temporaries/new-delvio-0123456789abcdef", "0\n" + to_);
+    folder_.file("to/.new-delvio-0123456789abcdef-0", "kept");
+    RemoveLeftTemporaries(state_);
+    EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names());
+    EXPECT_EQ(test::names_in(to_).size(), 1u);
+}
+
+TEST_F(TemporariesTest, ADiskThatDoesNotAnswerHoldsUpNobody) {
+    const bool mounted = test::in_child([&] {
+        const std::string silent = folder_.folder("silent");
+        const pid_t server = test::mount_silent_file_system(silent, test::Silence::at_lookup);
+        if (server == 0) return false;
+        // First, as folders are read.
+        const std::string journal =
+            folder_.file("state/temporaries/delvio-0000000000000000", "0\n" + silent + "/away");
+        leave_behind();
+        operations::BeginToRemoveLeftTemporaries(state_);
+        // What else was left goes meanwhile.
+        while (!test::names_in(to_).empty()) usleep(10000);
+        const operations::Descriptor file(open(journal.c_str(), O_RDWR | O_CLOEXEC));
+        while (flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+            flock(file.get(), LOCK_UN);
+            usleep(10000);
+        }
+        // Whoever comes later leaves it alone, even if it would wait.
+        RemoveLeftTemporaries(state_);
+        EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names({"delvio-0000000000000000"}));
+        kill(server, SIGKILL);
+        waitpid(server, nullptr, 0);
+        return true;
+    });
+    if (!mounted) GTEST_SKIP() << "nobody may mount a file system here";
 }
 
 TEST_F(TemporariesTest, AnEmptyOrForeignJournalRemovesNothing) {

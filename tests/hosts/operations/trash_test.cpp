@@ -111,6 +111,41 @@ TEST_F(TrashTest, WhoeverIsAskedBeforeCanKeepIt) {
     EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), std::vector<std::string>());
 }
 
+TEST_F(TrashTest, WhatIsNoTrashIsNamedAndNoOtherIsTried) {
+    const std::string path = folder_.file("in/a", "text"), trash = folder_.file("data/Trash", "");
+    EXPECT_FALSE(put(path));
+    EXPECT_EQ(problem_, "cannot move \"a\" to the trash: \"" + trash +
+                            "\", where the trash should be, is not a folder");
+    EXPECT_EQ(test::read_file(path), "text");
+}
+
+TEST_F(TrashTest, ATrashOfSomebodyElseIsNamed) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can give a folder away";
+    const std::string path = folder_.file("in/a", "text"), trash = folder_.folder("data/Trash");
+    ASSERT_EQ(chown(trash.c_str(), 12345, 12345), 0);
+    EXPECT_FALSE(put(path));
+    EXPECT_EQ(problem_, "cannot move \"a\" to the trash: the trash \"" + trash +
+                            "\" belongs to somebody else");
+    EXPECT_EQ(test::names_in(trash), std::vector<std::string>());
+}
+
+TEST_F(TrashTest, OnlyTheVeryThingThatWasLookedAtGoes) {
+    const std::string path = folder_.file("in/a", "text"), other = folder_.file("in/b", "other");
+    const auto exchange = [&](const Trashed&) { return rename(other.c_str(), path.c_str()) == 0; };
+    EXPECT_FALSE(PutInTrash(thing_at(path), exchange, &trashed_, &problem_));
+    EXPECT_EQ(problem_, "cannot move \"a\" to the trash: it was changed meanwhile");
+    EXPECT_EQ(test::read_file(path), "other");
+    EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), std::vector<std::string>());
+}
+
+TEST_F(TrashTest, ManyOfOneNameFindNumbersForThemselves) {
+    for (int count = 0; count < 80; count++) {
+        ASSERT_TRUE(put(folder_.file("in/a", std::to_string(count)))) << problem_;
+        EXPECT_EQ(test::read_file(trashed_.file), std::to_string(count));
+    }
+    EXPECT_EQ(test::names_in(folder_.path("data/Trash/files")).size(), 80u);
+}
+
 TEST_F(TrashTest, ALinkGoesItselfAndNotWhatItLeadsTo) {
     const std::string target = folder_.file("target", "text");
     ASSERT_TRUE(put(folder_.link("link", target)));

@@ -1,8 +1,13 @@
 // Undoing the last operation.
 #include <gtest/gtest.h>
+#include <errno.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
+#include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
 #include "support/temp_folder.h"
 
@@ -155,6 +160,81 @@ TEST_F(UndoTest, OnlyTheLastOperationIsUndone) {
     EXPECT_EQ(undo(), Names());
     EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a"}));
     EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
+}
+
+TEST_F(UndoTest, AnEmptiedTrashIsNoticedBeforeTheFirstStep) {
+    const std::string a = folder_.file("from/a", "new"), b = folder_.file("from/b", "b");
+    folder_.file("to/a", "old");
+    perform(Kind::Move, {a, b}, folder_.path("to"), true);
+    ASSERT_EQ(unlink(folder_.path("data/Trash/files/a").c_str()), 0);
+    const test::State before = world();
+    EXPECT_EQ(undo(), Names({"\"a\" is no longer in the trash"}));
+    EXPECT_EQ(world(), before);
+}
+
+TEST_F(UndoTest, ATrashThatCannotBeUsedIsNoticedBeforeTheFirstStep) {
+    const std::string a = folder_.file("from/a", "a"), b = folder_.file("from/b", "b");
+    perform(Kind::Copy, {a, b}, folder_.path("to"));
+    folder_.file("data/Trash", "a file");
+    EXPECT_EQ(undo().size(), 2u);
+    EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a", "b"}));
+}
+
+TEST_F(UndoTest, WhatIsLeftOfASourceThatWasTakenAwayInPartGivesWayToTheCopy) {
+    if (volume_.path().empty()) GTEST_SKIP() << "/dev/shm is no file system of its own";
+    const std::string tree = folder_.folder("tree");
+    test::make_tree(tree, 40);
+    const test::State before = test::state_of(tree, true);
+    EXPECT_TRUE(test::in_child([&] {
+        // Of the calls that remove, only the first few go through.
+        if (!test::fail_call_with_flags(SYS_unlinkat, AT_REMOVEDIR, EIO)) return false;
+        EXPECT_EQ(perform(Kind::Move, {tree}, volume_.path()).outcomes[0].state, State::Failed);
+        return true;
+    }));
+    const test::State rest = test::state_of(tree, true);
+    EXPECT_LT(rest.size(), before.size());
+    EXPECT_GT(rest.size(), 0u);
+    EXPECT_EQ(undo(), Names());
+    EXPECT_EQ(test::state_of(tree, true), before);
+    EXPECT_EQ(test::names_in(volume_.path()), Names());
+}
+
+TEST_F(UndoTest, ARestThatWasChangedSinceIsKept) {
+    if (volume_.path().empty()) GTEST_SKIP() << "/dev/shm is no file system of its own";
+    const std::string tree = folder_.folder("tree");
+    test::make_tree(tree, 40);
+    EXPECT_TRUE(test::in_child([&] {
+        if (!test::fail_call_with_flags(SYS_unlinkat, AT_REMOVEDIR, EIO)) return false;
+        perform(Kind::Move, {tree}, volume_.path());
+        return true;
+    }));
+    folder_.file("tree/new", "work of the user");
+    const test::State rest = test::state_of(tree, true);
+    EXPECT_EQ(undo(), Names({"\"tree\" was changed since"}));
+    EXPECT_EQ(test::state_of(tree, true), rest);
+}
+
+// Seconds of this process's own.
+double used_time() {
+    timespec time;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
+
+TEST_F(UndoTest, TenTimesAsManyMovesTakeSomeTenTimesAsLongToUndo) {
+    const auto undo_of = [&](int count) {
+        Names sources;
+        for (int index = 0; index < count; index++) {
+            sources.push_back(folder_.file("from/" + std::to_string(index)));
+        }
+        perform(Kind::Move, sources, folder_.path("to"));
+        const double begin = used_time();
+        EXPECT_EQ(undo(), Names());
+        return used_time() - begin;
+    };
+    const double few = undo_of(1000), many = undo_of(10000);
+    // What takes the square of their number would take a hundred times as long.
+    EXPECT_LT(many, few * 40);
 }
 
 TEST_F(UndoTest, AnOperationUnderWayIsNotUndone) {
