@@ -1,8 +1,11 @@
 #include "preview/dv_preview.h"
 
+#include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <mutex>
 
@@ -65,6 +68,18 @@ bool is_safe_to_open(const char* path) {
     return S_ISREG(status.st_mode) || S_ISDIR(status.st_mode);
 }
 
+// Not by a buffered stream, which reads more than it is asked for. Returns how much it read.
+int32_t read_start(int file, char* text) {
+    int32_t length = 0;
+    while (length < DV_PREVIEW_TEXT_CAPACITY) {
+        const ssize_t count = read(file, text + length, DV_PREVIEW_TEXT_CAPACITY - length);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        length += static_cast<int32_t>(count);
+    }
+    return length;
+}
+
 }  // namespace
 
 void dv_create_preview_context(delvio_t* state) {
@@ -116,15 +131,15 @@ CGImageRef dv_render_text_preview(delvio_t* state, char* text, int32_t length) {
 
 CGImageRef dv_create_text_preview_from_path(delvio_t* state, const char* path) {
     if (!path) return nullptr;
-    FILE* file = is_safe_to_open(path) ? fopen(path, "r") : nullptr;
-    if (!file) {
+    const int file = is_safe_to_open(path) ? open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC) : -1;
+    if (file < 0) {
         printf("Delvio: Failed to open file for preview generation: %s\n", path);
         return nullptr;
     }
     char* text = static_cast<char*>(calloc(DV_PREVIEW_TEXT_CAPACITY, 1));
-    const size_t count = fread(text, 1, DV_PREVIEW_TEXT_CAPACITY, file);
-    fclose(file);
-    CGImageRef image = dv_render_text_preview(state, text, static_cast<int32_t>(count));
+    const int32_t length = read_start(file, text);
+    close(file);
+    CGImageRef image = dv_render_text_preview(state, text, length);
     free(text);
     return image;
 }

@@ -1,6 +1,6 @@
 // Decodes the image of file_descriptor with gdk-pixbuf, scaled while loading:
-//   delvio-decode-image WIDTH HEIGHT NAME
-// Without arguments it only says that it has started.
+//   delvio-decode-image CAGE WIDTH HEIGHT NAME
+// CAGE is bubblewrap or plain. Without more arguments it only says that it has started.
 #include <errno.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gio/gio.h>
@@ -164,12 +164,12 @@ void decode(Size size, const char* name) {
 }  // namespace
 
 int main(int count, char** words) {
-    if (!restrict_decoder()) {
+    if (count < 2 || !restrict_decoder(strcmp(words[1], "bubblewrap") == 0)) {
         write_reply(Outcome::none);
-    } else if (count < 4) {
+    } else if (count < 5) {
         write_reply(Outcome::ready);
     } else {
-        decode({{atoi(words[1]), atoi(words[2])}, {}}, words[3]);
+        decode({{atoi(words[2]), atoi(words[3])}, {}}, words[4]);
     }
     // The kernel frees faster than destructors.
     _exit(0);

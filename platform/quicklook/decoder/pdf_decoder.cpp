@@ -1,7 +1,8 @@
 // Draws the first page of the PDF file of file_descriptor with poppler:
-//   delvio-decode-pdf WIDTH HEIGHT NAME
+//   delvio-decode-pdf CAGE WIDTH HEIGHT NAME
 #include <poppler.h>
 #include <stdlib.h>
+#include <string.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -76,10 +77,10 @@ void decode(Box box) {
 }  // namespace
 
 int main(int count, char** words) {
-    if (count < 3 || !restrict_decoder()) {
+    if (count < 4 || !restrict_decoder(strcmp(words[1], "bubblewrap") == 0)) {
         write_reply(Outcome::none);
     } else {
-        decode({atoi(words[1]), atoi(words[2])});
+        decode({atoi(words[2]), atoi(words[3])});
     }
     _exit(0);
 }

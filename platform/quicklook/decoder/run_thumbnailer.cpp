@@ -1,7 +1,7 @@
 // Runs a thumbnailer program and becomes the image decoder for what it made:
 //   delvio-run-thumbnailer WIDTH HEIGHT INPUT OUTPUT-FOLDER SECONDS PROGRAM [ARGUMENT...]
-// Without an output folder it makes one and removes it. Without arguments it only says that it has
-// started.
+// Without an output folder, which a cage has, it makes one and removes it. Without arguments it
+// only says that it has started.
 #include <errno.h>
 #include <fcntl.h>
 #include <glib.h>
@@ -80,7 +80,7 @@ std::string expanded(const char* word, const Job& job) {
     std::vector<char*> arguments;
     for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
-    if (restrict_program({{job.input, words[0], "/proc"}, job.folder})) {
+    if (restrict_program({{job.input, words[0]}, job.folder, !job.owns_folder})) {
         execv(arguments[0], arguments.data());
     }
     _exit(127);
@@ -153,7 +153,12 @@ void decode_output(const Job& job, char** words) {
     const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
     const std::string decoder = self.parent_path() / "delvio-decode-image";
     char name[] = "thumbnail.png";
-    char* arguments[] = {const_cast<char*>(decoder.c_str()), words[width], words[height], name,
+    char cage[] = "bubblewrap", no_cage[] = "plain";
+    char* arguments[] = {const_cast<char*>(decoder.c_str()),
+                         job.owns_folder ? no_cage : cage,
+                         words[width],
+                         words[height],
+                         name,
                          nullptr};
     const sigset_t signals = awaited_signals();
     prctl(PR_SET_PDEATHSIG, SIGKILL);

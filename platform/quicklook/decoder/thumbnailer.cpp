@@ -66,12 +66,13 @@ void become(const Words& words) {
 Words next_words(const Mode& mode, bool is_caged, char** words, int count) {
     const std::string file = words[path];
     const std::string name = file.substr(file.rfind('/') + 1);
-    Words next = {own_folder() + "/" + mode.program, words[width], words[height]};
-    if (!mode.has_file) return {next[0]};
+    const std::string program = own_folder() + "/" + mode.program;
     if (!mode.is_for_program) {
-        next.push_back(name);
-        return next;
+        if (!mode.has_file) return {program, words[cage]};
+        return {program, words[cage], words[width], words[height], name};
     }
+    if (!mode.has_file) return {program};
+    Words next = {program, words[width], words[height]};
     next.push_back(is_caged ? std::string(caged_input) + "/" + name : file);
     next.push_back(is_caged ? caged_output : "");
     for (int i = command; i < count; i++) next.push_back(words[i]);

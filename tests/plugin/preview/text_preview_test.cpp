@@ -1,8 +1,11 @@
 #include "preview/dv_preview.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 #include <thread>
@@ -70,6 +73,25 @@ class TextPreview : public testing::Test {
     delvio_t state_ = {};
     test::TempFolder folder_;
 };
+
+// What this process has read so far, by any call, in bytes.
+long bytes_read() {
+    char text[200] = {};
+    const int file = open("/proc/self/io", O_RDONLY | O_CLOEXEC);
+    EXPECT_GT(read(file, text, sizeof text - 1), 0);
+    close(file);
+    long count = -1;
+    EXPECT_EQ(sscanf(text, "rchar: %ld", &count), 1);
+    return count;
+}
+
+// What is read while this is done; the first look counts itself only when it is over.
+template <typename Deed>
+long bytes_read_by(Deed deed) {
+    const long first = bytes_read(), second = bytes_read();
+    deed();
+    return bytes_read() - second - (second - first);
+}
 
 }  // namespace
 
@@ -298,4 +320,16 @@ TEST_F(TextPreview, SeveralThreadsAtOnceDoNoHarm) {
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_GT(ink(0, 0), 0);
+}
+
+TEST_F(TextPreview, OfALongFileNotAByteMoreIsReadThanAPreviewHolds) {
+    const std::string path = folder_.file("long", std::string(100000, 'a'));
+    CGImageRelease(from_path(path));  // what is read once, as the font
+    // The counts are texts themselves, of a length that differs by some digits.
+    const int digits = 20;
+    EXPECT_NEAR(bytes_read_by([] {}), 0, digits);
+    EXPECT_NEAR(bytes_read_by([&] { CGImageRelease(from_path(path)); }), DV_PREVIEW_TEXT_CAPACITY,
+                digits);
+    const std::string brief = folder_.file("short", "abc");
+    EXPECT_NEAR(bytes_read_by([&] { CGImageRelease(from_path(brief)); }), 3, digits);
 }
