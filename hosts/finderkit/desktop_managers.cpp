@@ -1,5 +1,7 @@
 #include "finderkit/desktop_managers.h"
 
+#include <Carbon/SessionBus.h>
+
 #include <algorithm>
 
 namespace {
@@ -43,9 +45,10 @@ const DesktopManager managers[] = {
 
 std::vector<std::string> names_from_bus(GDBusConnection* bus, const char* method) {
     std::vector<std::string> names;
-    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
-        bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
-        nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+    g_autoptr(GVariant) answer =
+        g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                    "org.freedesktop.DBus", method, nullptr, G_VARIANT_TYPE("(as)"),
+                                    G_DBUS_CALL_FLAGS_NONE, files::bus_patience, nullptr, nullptr);
     if (!answer) return names;
     g_autoptr(GVariantIter) list = nullptr;
     g_variant_get(answer, "(as)", &list);

@@ -3,5 +3,6 @@
 
 #include <gio/gio.h>
 
-// A connection, which the caller owns; null where there is no bus. None is started. Any thread.
+// A connection, which the caller owns; null where there is no bus, or none that
+// answers. None is started. Any thread.
 GDBusConnection* ConnectToSessionBus();

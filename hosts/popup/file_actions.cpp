@@ -1,5 +1,6 @@
 #include "popup/file_actions.h"
 
+#include <Carbon/SessionBus.h>
 #include <gio/gio.h>
 
 #include <filesystem>
@@ -109,7 +110,4 @@ std::string MoveToTrash(const std::vector<std::string>& files) {
     return {};
 }
 
-void FlushSessionBus() {
-    g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
-    if (bus) g_dbus_connection_flush_sync(bus, nullptr, nullptr);
-}
+void FlushSessionBus() { files::flush_session_bus(); }

@@ -1,7 +1,7 @@
 #include "carbon/program_launch.h"
 
 #include <Carbon/OpeningFiles.h>
-
+#include <Carbon/SessionBus.h>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
 #include <unistd.h>
@@ -37,16 +37,6 @@ void leave_us(void* folder) {
     if (folder && chdir(static_cast<const char*>(folder)) != 0) return;
 }
 
-// A message to a program that the session bus starts is still on its way when the call returns, and
-// we may be about to exit.
-void send_bus_messages(GDesktopAppInfo* entry) {
-    if (!g_desktop_app_info_get_boolean(entry, "DBusActivatable")) return;
-    GDBusConnection* bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
-    if (!bus) return;
-    g_dbus_connection_flush_sync(bus, nullptr, nullptr);
-    g_object_unref(bus);
-}
-
 Start result_of(bool started, GError* error, std::string* reason) {
     const files::ErrorOwner owner(error);
     if (started) return Start::done;
@@ -73,6 +63,8 @@ Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& docume
                   std::string* reason) {
     GList* addresses = addresses_of(documents);
     const files::ObjectOwner<GAppLaunchContext> context(new_launch_context());
+    const files::PatientBus bus;
+    bus.pass_on(context.get());
     // An entry may name a folder of its own to start from.
     const files::TextOwner own_folder(
         g_desktop_app_info_get_string(entry, G_KEY_FILE_DESKTOP_KEY_PATH));
@@ -83,7 +75,10 @@ Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& docume
         entry, addresses, context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr, nullptr,
         &error);
     g_list_free_full(addresses, g_free);
-    if (started) send_bus_messages(entry);
+    // A message to a program that the bus starts is still on its way, and we may be about to exit.
+    if (started && g_desktop_app_info_get_boolean(entry, "DBusActivatable")) {
+        files::flush_session_bus();
+    }
     return result_of(started, error, reason);
 }
 
@@ -96,6 +91,8 @@ Start start_program(const std::string& program, const std::vector<std::string>& 
     command.push_back(nullptr);
     GError* error = nullptr;
     const files::ObjectOwner<GAppLaunchContext> context(new_launch_context());
+    const files::PatientBus bus;
+    bus.pass_on(context.get());
     char** environment = g_app_launch_context_get_environment(context.get());
     const bool started =
         g_spawn_async(nullptr, command.data(), environment, G_SPAWN_DEFAULT, leave_us,
