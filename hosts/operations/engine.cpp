@@ -49,10 +49,11 @@ void NoteDoneElsewhere(const Request& request, const std::string& who,
                        const std::string& state_folder) {
     if (request.sources.empty()) return;
     const size_t others = request.sources.size() - 1;
-    std::string line = who + " did the last operation (" + verb_of(request.kind) + " " +
+    std::string line = std::string("the last operation (") + verb_of(request.kind) + " " +
                        QuotedName(request.sources.front());
     if (others > 0) line += " and " + std::to_string(others) + (others == 1 ? " other" : " others");
-    UndoJournal(state_folder).elsewhere(line + "), which can only be undone there");
+    UndoJournal(state_folder)
+        .elsewhere(line + ") was handed to " + who + ", and can only be undone there");
 }
 
 std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder) {

@@ -25,7 +25,7 @@ std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder = StateFolde
 // was done for it, and is empty when nothing had to be.
 Report UndoLast(Observer& observer, const std::string& state_folder = StateFolder());
 
-// Somebody else, whose name is `who`, carries the request out: until the next operation there is
+// The request is handed to somebody else, whose name is `who`: until the next operation there is
 // nothing that UndoLast() could undo, and it says so.
 void NoteDoneElsewhere(const Request& request, const std::string& who,
                        const std::string& state_folder = StateFolder());

@@ -87,6 +87,12 @@ class Operations : public ViewerDesk {
     struct Undone : operations::Observer {
         void ended(const operations::Report&) override {}
     };
+    // Why nothing is undone.
+    static std::string refusal_of_undo() {
+        Undone observer;
+        const operations::Report report = operations::UndoLast(observer);
+        return report.outcomes.empty() ? "" : report.outcomes[0].reason;
+    }
     static void undo() {
         Undone observer;
         for (const auto& outcome : operations::UndoLast(observer).outcomes) {
@@ -107,6 +113,9 @@ TEST_F(Operations, MoveSelectionHereIsAMoveOfGWorkspaces) {
     answer("Move one item from");
     EXPECT_TRUE(wait_until([&] { return fs::exists(basket("one/two/three/moved.txt")); }));
     EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
+    EXPECT_EQ(refusal_of_undo(),
+              "the last operation (moving \"moved.txt\") was handed to GWorkspace, and can only be "
+              "undone there");
 }
 
 TEST_F(Operations, CopySelectionHereLeavesTheSource) {

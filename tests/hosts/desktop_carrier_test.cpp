@@ -139,8 +139,8 @@ TEST_F(DesktopCarrier, WhatAFileManagerDidIsNotUndoneNorWhatWasDoneBefore) {
     EXPECT_EQ(report.outcomes[0].state, State::Failed);
     EXPECT_EQ(
         report.outcomes[0].reason,
-        "Thunar did the last operation (moving \"a b\" and 1 other), which can only be undone "
-        "there");
+        "the last operation (moving \"a b\" and 1 other) was handed to Thunar, and can only be "
+        "undone there");
     EXPECT_EQ(test::read_file(folder_.path("to/before")), "text");
 }
 

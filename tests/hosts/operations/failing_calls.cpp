@@ -12,15 +12,25 @@ bool add_filter(sock_filter* program, size_t size) {
            prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
 }
 
-bool fail_call(long call, int error) {
+namespace {
+
+bool answer_call(long call, unsigned answer) {
     sock_filter program[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
         BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<unsigned>(call), 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<unsigned>(error)),
+        BPF_STMT(BPF_RET | BPF_K, answer),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     };
     return add_filter(program, sizeof program / sizeof program[0]);
 }
+
+}  // namespace
+
+bool fail_call(long call, int error) {
+    return answer_call(call, SECCOMP_RET_ERRNO | static_cast<unsigned>(error));
+}
+
+bool end_at_call(long call) { return answer_call(call, SECCOMP_RET_KILL_PROCESS); }
 
 bool fail_call_with_flags(long call, int flags, int error) {
     sock_filter program[] = {

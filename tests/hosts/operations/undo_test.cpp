@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -246,6 +247,37 @@ TEST_F(UndoTest, AnOperationUnderWayIsNotUndone) {
     perform(Kind::Move, {a, b}, folder_.path("to"));
     EXPECT_EQ(reasons, Names({"the last operation is still under way"}));
     EXPECT_EQ(test::names_in(folder_.path("to")), Names({"a", "b"}));
+}
+
+TEST_F(UndoTest, WhatIsAboutToChangeIsWrittenDownBefore) {
+    const struct {
+        Kind kind;
+        long call;
+        const char* verb;
+    } cases[] = {{Kind::Move, SYS_renameat2, "moving"},
+                 {Kind::Copy, SYS_renameat2, "copying"},
+                 {Kind::Trash, SYS_renameat2, "trashing"},
+                 {Kind::Alias, SYS_symlinkat, "aliasing"}};
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.verb);
+        const std::string source = folder_.file("from/a", "a");
+        EXPECT_TRUE(test::in_child([&] {
+            const pid_t child = fork();
+            if (child == 0) {
+                if (test::end_at_call(one.call)) perform(one.kind, {source}, folder_.path("to"));
+                _exit(0);
+            }
+            int status = 0;
+            waitpid(child, &status, 0);
+            EXPECT_TRUE(WIFSIGNALED(status));
+            return true;
+        }));
+        const std::string journal = test::read_file(folder_.path("state/last-operation"));
+        EXPECT_NE(journal.find(std::string(one.verb) + '\0' + source + '\0'), std::string::npos);
+        EXPECT_EQ(undo(), Names());
+        EXPECT_EQ(test::read_file(source), "a");
+        EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), Names());
+    }
 }
 
 TEST_F(UndoTest, ADamagedJournalUndoesNothing) {
