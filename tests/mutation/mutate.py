@@ -131,7 +131,8 @@ def changes_of_line(line):
     if CALL.match(line):
         yield re.match(r"\s*", line).group() + ";", "call removed"
     for match in PAIR.finditer(line):
-        if in_code(match.start()) and match.group(2) != match.group(3):
+        declares = any(re.search(r"\w [*&]?\w", match.group(group)) for group in (2, 3))
+        if in_code(match.start()) and match.group(2) != match.group(3) and not declares:
             text = f"{match.group(1)}({match.group(3)}, {match.group(2)}"
             yield replaced(match, text), "arguments swapped"
 
@@ -272,12 +273,12 @@ class Copy:
             path.write_text(original)
 
 
-def verdicts_in(report):
-    """The changes that an earlier run with this report has killed: they are not tried again."""
+def changes_in(report, verdict):
+    """The changes on which an earlier run with this report has come to the verdict, as text."""
     if not report or not os.path.exists(report):
         return set()
-    entries = re.findall(r"^killed by \S+: (.*\n    - .*\n    \+ .*)$", open(report).read(), re.M)
-    return set(entries)
+    text = open(report).read()
+    return set(re.findall(rf"^{verdict}: (.*\n    - .*\n    \+ .*)$", text, re.M))
 
 
 def own_change(path, old, new, nth):
@@ -299,6 +300,8 @@ def main():
     parser.add_argument("--file")
     parser.add_argument("--copy", default=os.path.join(tempfile.gettempdir(), "delvio-mutation"))
     parser.add_argument("--report")
+    parser.add_argument("--survivors", action="store_true",
+                        help="only what the report calls survived")
     parser.add_argument("--unchecked", action="store_true",
                         help="do not run the tests on the unchanged tree first")
     parser.add_argument("--list", action="store_true")
@@ -324,7 +327,10 @@ def main():
             if copy.has(name) and not (copy.build(name) and copy.passes(test)):
                 sys.exit(f"mutate: {name} fails without any change")
 
-    known = verdicts_in(arguments.report)
+    known = changes_in(arguments.report, r"killed by \S+")
+    if arguments.survivors:
+        survived = changes_in(arguments.report, "survived")
+        changes = [change for change in changes if str(change) in survived]
     report = open(arguments.report, "a") if arguments.report else None
     survivors, killed = [], 0
     for change in changes:

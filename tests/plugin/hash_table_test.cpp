@@ -11,6 +11,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/heap.h"
+
 namespace {
 
 const char removal_warning[] = "WARNING: Attempt to remove non-existant element from ht\n";
@@ -142,6 +144,18 @@ TEST_F(HashTable, DisposeFreesEachEntrysDataWhenAsked) {
     for (uint32_t key = 0; key < 10; key++) ht_insert(table, key, malloc(8));
     EXPECT_EQ(table->used_bucket_count, 3u);
     ht_dispose_hash_table(table, 1);
+}
+
+TEST_F(HashTable, DisposingGivesItsMemoryBack) {
+    const auto round = [] {
+        ht_table_t* table = ht_create_hash_table(97, 0);
+        for (uint32_t key = 0; key < 10; key++) ht_insert(table, key, malloc(50));
+        ht_dispose_hash_table(table, 1);
+    };
+    for (int i = 0; i < 10; i++) round();
+    const size_t before = test::memory_in_use();
+    for (int i = 0; i < 1000; i++) round();
+    EXPECT_LT(test::memory_in_use(), before + 2000);
 }
 
 TEST_F(HashTable, InsertingWaitsForTheLock) {

@@ -506,6 +506,13 @@ TEST_F(DisplayName, OfFortyCharactersShowsBothEnds) {
               "0123456789abcdef\xe2\x80\xa6OPQRSTUVWXYZghij");
 }
 
+TEST_F(DisplayName, AShortenedOneKeepsCharactersOfEveryLength) {
+    // The first and the last of one, two, three and four bytes.
+    const std::string some = "\x01\x7e\u0080\u07ff\u0800\ufffd\U00010000\U0010fffd";
+    const std::string ends = some + "123456";
+    ASSERT_EQ(shown(ends + std::string(20, 'x') + ends), ends + "\u2026" + ends);
+}
+
 TEST_F(DisplayName, OfThirtyTwoCharactersIsKeptWhole) {
     const std::string name = "0123456789abcdef0123456789abcdef";
     EXPECT_EQ(shown(name), name);

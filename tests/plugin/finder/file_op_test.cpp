@@ -210,6 +210,10 @@ TEST_F(FileOp, AnAlertThatCannotBeMadeReplacesNothing) {
     test::shown_alert.creation_error = -108;
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
     EXPECT_EQ(test::shown_alert.count, 0);
+    dvEnableDebugOutput = 1;
+    EXPECT_EQ(
+        output_of([] { EXPECT_NE(dv_display_should_trash_files_alert(), 0); }),
+        "Delvio: Displaying trash-files alert dialog\nDelvio: User hit button Replace files\n");
 }
 
 TEST_F(FileOp, TheAnswerGoesAlongAndNeverCancels) {

@@ -8,8 +8,10 @@
 #include <vector>
 
 #include "plugin/tree_support.h"
+#include "support/heap.h"
 #include "support/recording_program.h"
 #include "support/temp_folder.h"
+#include "support/turn.h"
 #include "tree/dv_tree.h"
 
 namespace {
@@ -54,6 +56,19 @@ TEST_F(OpenWith, ManyDocumentsGoToTheApplicationInOneStart) {
     for (const char* name : {"b", "a", "c d"}) add(folder_.file(name));
     open(true);
     EXPECT_EQ(program_.wait(), (Paths{folder_.path("b"), folder_.path("a"), folder_.path("c d")}));
+}
+
+TEST_F(OpenWith, LeavesNothingBehind) {
+    const std::string path = folder_.file(std::string(200, 'n'));
+    add(path);
+    // There is no such application, so that nothing is started.
+    application_.reset(element(folder_.path("gone"), DV_ORIGIN_APP_LIST));
+    const auto round = [&] { test::in_one_turn([&] { open(true); }); };
+    // Until the table of file references is full.
+    for (int i = 0; i < 400; i++) round();
+    const size_t before = test::memory_in_use();
+    for (int i = 0; i < 200; i++) round();
+    EXPECT_LT(test::memory_in_use(), before + 60000) << "200 paths would be more";
 }
 
 TEST_F(OpenWith, OneDocumentGoesWithoutItsSiblings) {

@@ -10,6 +10,7 @@
 #include "loader/DVDelvio.h"
 #include "platform/events/pointer_window.h"
 #include "plugin/input/popup_thread.h"
+#include "plugin/input/posted_click.h"
 #include "plugin/replaced_method.h"
 #include "support/app.h"
 #include "support/dv_log.h"
@@ -154,6 +155,19 @@ TEST_F(ControlFreePopup, AHeldPressThatIsLetGoIsFollowedByOneRightClickThere) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Delvio: Activate control-free popup\n");
     EXPECT_EQ(log_when_all_has_come(),
               "down 150 150, up 150 150, right down 150 150, right up 150 150");
+}
+
+TEST_F(ControlFreePopup, TheClickIsPostedInOneWayWhateverKeysAreHeld) {
+    test::take_posting_calls();
+    press_until_armed();
+    until("a look at the pointer", [] { return PopupThread::asked_pause() != 0; });
+    EXPECT_EQ(PopupThread::asked_pause(), 10000u);
+    EXPECT_EQ(test::take_posting_calls(), "");
+    input_.release(1);
+    until_rest();
+    EXPECT_EQ(test::take_posting_calls(),
+              "interval 0, filter 7 0, filter 7 1, combining 0, post 150 150 1 2 0 1, "
+              "post 150 150 1 2 0 0, combining 1");
 }
 
 TEST_F(ControlFreePopup, APressLetGoBeforeTheDelayIsAnOrdinaryClick) {

@@ -223,6 +223,17 @@ TEST_F(Dragging, TheFilesIconIsDraggedByAPressOfTheDragWindow) {
     EXPECT_EQ([drag_view() theDragTarget], nullptr);
 }
 
+TEST_F(Dragging, ATargetGoesWithItsView) {
+    DVDragView* view = [[DVDragView alloc] initWithFrame:NSMakeRect(0, 0, 64, 64)];
+    dv_tree_t* elem = [highlight() tree];
+    [view setTheDragTarget:elem];
+    const uint32_t freed = free_count;
+    [view setTheDragTarget:elem];
+    EXPECT_EQ(free_count, freed + 1) << "the copy before";
+    [view release];
+    EXPECT_EQ(free_count, freed + 2);
+}
+
 TEST_F(Dragging, AFileWhosePathIsNoTextIsNotDragged) {
     dragged.clear();
     const test::ReplacedMethod dragging(

@@ -20,7 +20,7 @@ constexpr useconds_t shortest_delay = 100000;  // what the thread sleeps while i
 std::atomic<pid_t> thread;
 std::atomic<int> rest_count, waking_count;
 std::atomic<bool> in_delay;
-std::atomic<useconds_t> delay;
+std::atomic<useconds_t> delay, pause_asked;
 sem_t delay_passed;
 
 std::set<pid_t> threads() {
@@ -54,6 +54,8 @@ void PopupThread::let_delay_pass() {
     sem_post(&delay_passed);
 }
 
+useconds_t PopupThread::asked_pause() { return pause_asked; }
+
 int PopupThread::rests() { return rest_count; }
 int PopupThread::wakings() { return waking_count; }
 
@@ -76,6 +78,7 @@ extern "C" int usleep(useconds_t microseconds) {
         }
         return 0;
     }
+    if (is_the_thread()) pause_asked = microseconds;
     const timespec time = {microseconds / 1000000, microseconds % 1000000 * 1000L};
     return nanosleep(&time, nullptr);
 }

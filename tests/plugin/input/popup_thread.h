@@ -16,6 +16,9 @@ class PopupThread {
     static useconds_t asked_delay();
     static void let_delay_pass();
 
+    // The last pause that was shorter than a delay.
+    static useconds_t asked_pause();
+
     // How often it has come to wait for a press, and how often it was woken from that.
     static int rests();
     static int wakings();

@@ -239,6 +239,18 @@ TEST_P(PopupPath, TheHostIsAskedOutsideTheLock) {
     EXPECT_TRUE(free_while_asked);
 }
 
+TEST_P(PopupPath, TheMenuIsFilledAndEmptiedUnderTheLock) {
+    int changes = 0, locked = 0;
+    [menu_ setOnChange:[&] {
+        changes++;
+        if (!lock_is_free()) locked++;
+    }];
+    pop_up();
+    [menu_ setOnChange:nullptr];
+    EXPECT_EQ(changes, 2) << "a separator came and went";
+    EXPECT_EQ(locked, 2);
+}
+
 TEST_P(PopupPath, SwitchedOffIsStillReleased) {
     set("delvio_is_on", 0);
     dvDidGetURLs = 1;

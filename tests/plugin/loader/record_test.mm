@@ -234,7 +234,11 @@ TEST_F(Record, AControllerWithoutATapIsMadeAllTheSame) {
     EXPECT_EQ(output_of([] { [controller_ createEventTapForDragInterception]; }),
               "Delvio: Failed to create runloop source for drag event tap\n");
     sources_fail = false;
-    [controller_ createEventTapForDragInterception];
+    const std::string log = output_of([] { [controller_ createEventTapForDragInterception]; });
+    char line[100];
+    snprintf(line, sizeof line, "Delvio: Tap: %p Source: %p\n",
+             variable<void*>("dragInterceptionTap"), variable<void*>("dragInterceptionRLSource"));
+    EXPECT_EQ(log, line);
 }
 
 TEST_F(Record, TheControlFreePopupListensToPressesAndReleases) {

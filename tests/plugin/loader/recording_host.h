@@ -30,6 +30,7 @@
     NSMutableArray* _changed;
     BOOL _refusesRemoval;
     BOOL _refusesInsertion;
+    std::function<void()> _onChange;
 }
 // The titles of the items that have changed since the last call.
 - (NSArray*)takeChanged;
@@ -37,6 +38,8 @@
 - (void)setRefusesRemoval:(BOOL)refuses;
 // Then insertItem:atIndex: raises.
 - (void)setRefusesInsertion:(BOOL)refuses;
+// Called before an item is inserted or removed.
+- (void)setOnChange:(const std::function<void()>&)onChange;
 // Then removeAllItems of every menu of this class raises.
 + (void)setRefusesClearing:(BOOL)refuses;
 @end

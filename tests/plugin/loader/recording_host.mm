@@ -122,11 +122,16 @@ BOOL refuses_clearing = NO;
     _refusesInsertion = refuses;
 }
 
+- (void)setOnChange:(const std::function<void()>&)onChange {
+    _onChange = onChange;
+}
+
 + (void)setRefusesClearing:(BOOL)refuses {
     refuses_clearing = refuses;
 }
 
 - (void)insertItem:(NSMenuItem*)item atIndex:(NSInteger)index {
+    if (_onChange) _onChange();
     if (_refusesInsertion) [NSException raise:NSGenericException format:@"refused"];
     [super insertItem:item atIndex:index];
 }
@@ -137,6 +142,7 @@ BOOL refuses_clearing = NO;
 }
 
 - (void)removeItem:(NSMenuItem*)item {
+    if (_onChange) _onChange();
     if (_refusesRemoval) [NSException raise:NSGenericException format:@"refused"];
     [super removeItem:item];
 }

@@ -199,6 +199,10 @@ TEST_F(Disc, ThePhaseWrapsOnceItExceedsOne) {
     draw(view);
     EXPECT_EQ([view currentProgress], 0) << "1.02 is past the end";
     [view setLastProgressUpdate:0];
+    [view setCurrentProgress:0.97];
+    draw(view);
+    EXPECT_EQ([view currentProgress], 1.0) << "the end itself is not past it";
+    [view setLastProgressUpdate:0];
     [view setCurrentProgress:0.96];
     draw(view);
     EXPECT_NEAR([view currentProgress], 0.99, 1e-9);

@@ -12,6 +12,7 @@
 #include "menus/DVCircularProgressView.h"
 #include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/preview/images_alive.h"
 #include "plugin/replaced_method.h"
 #include "preview/DVDelvio+HoverPreview.h"
 #include "preview/NSWindow+Fading.h"
@@ -89,6 +90,15 @@ TEST_F(HoverWindow, AFileGivesADiscAndThenItsPicture) {
     EXPECT_EQ([progress() superview], nil);
     EXPECT_TRUE(NSEqualSizes([[image_view() image] size], NSMakeSize(256, 256)));
     EXPECT_EQ(timer(), nil);
+}
+
+TEST_F(HoverWindow, APicturesImageIsReleasedAlsoWhenAnotherHasOvertakenIt) {
+    const int before = test::images_alive();
+    for (const char* name : {"one", "two", "three"}) {
+        [window_controller_ setPath:url(folder_.file(name, "A\n"))];
+    }
+    finish();
+    run_until([=] { return test::images_alive() == before; });
 }
 
 TEST_F(HoverWindow, TheSameFileAgainBeginsNoNewPicture) {
@@ -372,6 +382,43 @@ TEST_F(HoverWindow, ItGoesToThePointersOtherSideAndStaysInItsHalf) {
         run_until([&] { return NSEqualPoints([window() frame].origin, row.origin); });
         EXPECT_TRUE(NSEqualSizes([window() frame].size, NSMakeSize(512, 512)));
     }
+}
+
+namespace {
+
+int animated_moves = 0;
+
+void note_move(id, SEL, NSRect, BOOL display, BOOL animate) {
+    if (display && animate) animated_moves++;
+}
+
+}  // namespace
+
+TEST_F(HoverWindow, ItsWayToTheOtherSideIsAnimated) {
+    const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
+                                       pointer_location);
+    pointer_at = NSMakePoint(5000, 5000);
+    [window_controller_ showPreviewWindow:nil];
+    const test::ReplacedMethod moving([NSWindow class], @selector(setFrame:display:animate:),
+                                      note_move);
+    animated_moves = 0;
+    pointer_at = NSMakePoint(NSMidX([window() frame]), NSMidY([window() frame]));
+    [window_controller_ handleMouseMoved];
+    EXPECT_EQ(animated_moves, 1);
+}
+
+TEST_F(HoverWindow, ItFadesIn) {
+    [window_controller_ showPreviewWindow:nil];
+    run_until([this] { return [window() alphaValue] == 1; });
+}
+
+TEST_F(HoverWindow, ItsPartsGoWithIt) {
+    DVPreviewWindowController* other = [[DVPreviewWindowController alloc] init];
+    NSArray* parts = @[ [other valueForKey:@"imgView"], [other valueForKey:@"progress"] ];
+    NSUInteger owners[2];
+    for (int i = 0; i < 2; i++) owners[i] = [[parts objectAtIndex:i] retainCount];
+    [other release];
+    for (int i = 0; i < 2; i++) EXPECT_EQ([[parts objectAtIndex:i] retainCount], owners[i] - 1);
 }
 
 TEST_F(HoverWindow, ItStaysWhereThePointerIsNotAndWhileItIsHidden) {

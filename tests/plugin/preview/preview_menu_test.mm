@@ -7,6 +7,7 @@
 #include "menus/DVImageItem.h"
 #include "menus/DVMenu.h"
 #include "plugin/menu_fixture.h"
+#include "plugin/preview/images_alive.h"
 
 namespace {
 
@@ -67,6 +68,14 @@ TEST_F(PreviewMenu, ADiscTurnsUntilThePictureIsThere) {
     run_until([&] { return [image_item(menu) image] != nil; });
     EXPECT_EQ([image_item(menu) view], nil);
     EXPECT_TRUE(NSEqualSizes([[image_item(menu) image] size], NSMakeSize(256, 256)));
+}
+
+TEST_F(PreviewMenu, ThePicturesImageIsReleased) {
+    const int before = test::images_alive();
+    DVMenu* menu = preview_of(folder_.file("file", "A\n"));
+    [controller_ menuWillOpen:menu];
+    run_until([&] { return [image_item(menu) image] != nil; });
+    EXPECT_EQ(test::images_alive(), before);
 }
 
 TEST_F(PreviewMenu, OpenedAgainItStartsNoNewWork) {

@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -295,6 +297,18 @@ TEST_F(TextPreview, OfALongFileTheFirst10240BytesAreRead) {
     CGImageRelease(image);
     EXPECT_GT(ink(9, 15), 0);
     EXPECT_EQ(ink(10, 15), 0);
+}
+
+TEST_F(TextPreview, TheFileIsClosedAgain) {
+    const std::string path = folder_.file("text", "A\n");
+    const auto open_files = [] {
+        const std::filesystem::directory_iterator files("/proc/self/fd");
+        return std::distance(begin(files), end(files));
+    };
+    CGImageRelease(from_path(path));
+    const auto before = open_files();
+    for (int i = 0; i < 5; i++) CGImageRelease(from_path(path));
+    EXPECT_EQ(open_files(), before);
 }
 
 TEST_F(TextPreview, AnElementIsReadFromItsPath) {

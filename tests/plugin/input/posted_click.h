@@ -1,0 +1,11 @@
+// In front of Core Graphics' remote operation: how a click is posted.
+#pragma once
+
+#include <string>
+
+namespace test {
+
+// The calls since the last time, as words.
+std::string take_posting_calls();
+
+}  // namespace test

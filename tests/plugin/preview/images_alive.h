@@ -1,0 +1,9 @@
+// In front of Core Graphics' images.
+#pragma once
+
+namespace test {
+
+// The images that the plug-in has made and not released.
+int images_alive();
+
+}  // namespace test
