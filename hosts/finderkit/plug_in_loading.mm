@@ -1,13 +1,21 @@
 #include "finderkit/plug_in.h"
 
+#include <AppKit/MenuTracking.h>
 #include <Carbon/HostProcess.h>
 #include <Foundation/Foundation.h>
 
 #include <dlfcn.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "finderkit/applications_folder.h"
 #include "finderkit/preview_placement.h"
+
+// The plug-in's items, as far as they are asked for by name.
+@interface NSObject (PlugInItems)
+- (void*)tree;
++ (const char*)nameForTree:(void*)tree;
+@end
 
 namespace {
 
@@ -37,6 +45,16 @@ void* code_handle(NSBundle* bundle, std::string* problem) {
     return handle;
 }
 
+// "3 selected items" and "Running apps" stand for the first of those that they head, and would open
+// that. Every other item has the name of what it stands for; one that is no text has none to show.
+BOOL only_heads_submenu(NSMenuItem* item) {
+    Class item_class = NSClassFromString(@"DVMenuItem");
+    if (!item_class || ![item isKindOfClass:item_class] || ![(id)item tree]) return NO;
+    const char* name = [item_class nameForTree:[(id)item tree]];
+    return name && [NSString stringWithUTF8String:name] &&
+           strcmp(name, [[item title] UTF8String] ?: "") != 0;
+}
+
 bool load_and_enter(const std::string& path, std::string* problem) {
     NSString* name = [NSString stringWithUTF8String:path.c_str()];
     NSBundle* bundle = name ? [NSBundle bundleWithPath:name] : nil;
@@ -51,6 +69,7 @@ bool load_and_enter(const std::string& path, std::string* problem) {
         *problem = "it has no entry function dv_load_delvio";
         return false;
     }
+    [NSMenu setHeadingQuestion:only_heads_submenu];
     OfferApplicationsFolder(reinterpret_cast<CFStringRef>([bundle bundleIdentifier]));
     enter();
     return true;

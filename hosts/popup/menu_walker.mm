@@ -8,11 +8,6 @@
 
 namespace {
 
-// GNUstep gives an item that only opens a submenu an action of its own.
-bool has_action(NSMenuItem* item) {
-    return [item action] && !sel_isEqual([item action], @selector(submenuAction:));
-}
-
 // Reads an open level, and the levels below it as far as `depth` goes. What other keys would show
 // is listed, but not opened.
 MenuSnapshot read_level(MenuSession* session, NSMenu* menu, int depth) {
@@ -36,7 +31,7 @@ MenuSnapshot read_level(MenuSession* session, NSMenu* menu, int depth) {
 // Of the last title: why the item cannot be picked; empty when it can.
 std::string why_not_picked(NSMenuItem* item, const std::string& title) {
     if (![item isEnabled]) return Quoted(title) + " is disabled";
-    if (!has_action(item)) {
+    if (![MenuSession canPickItem:item]) {
         return Quoted(title) + " only opens a submenu; name one of its items with another --pick";
     }
     return {};

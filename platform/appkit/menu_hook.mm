@@ -4,6 +4,7 @@
 #include <GNUstepGUI/GSTheme.h>
 #include <objc/runtime.h>
 
+#include "appkit/menu_items.h"
 #include "appkit/menu_presenter.h"
 #include "appkit/menu_session.h"
 #include "appkit/method_patch.h"
@@ -49,6 +50,10 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
 
 + (void)setContextMenuTracker:(id<MenuTracker>)tracker {
     chosen_tracker = tracker;
+}
+
++ (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question {
+    set_heading_question(question);
 }
 
 - (void)_popUpContextMenu:(NSMenu*)menu

@@ -13,8 +13,11 @@ void append_visible_items(NSArray* items, NSUInteger modifiers, NSMutableArray* 
 // Whether the pointer and the keys can rest on the item.
 bool can_highlight(NSMenuItem* item);
 
-// Whether picking the item ends the tracking: it is enabled and has an action of its own.
+// Whether picking the item ends the tracking: it is enabled, has an action of its own, and does not
+// only head its submenu.
 bool can_pick(NSMenuItem* item);
+// See +[NSMenu setHeadingQuestion:].
+void set_heading_question(BOOL (*question)(NSMenuItem*));
 
 // Asks the delegate for the menu's items, then enables them by their targets where the menu does
 // that itself. Submenus are left alone: each is asked when it opens.

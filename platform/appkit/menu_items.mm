@@ -2,6 +2,12 @@
 
 namespace {
 
+BOOL (*heading_question)(NSMenuItem*);
+
+bool only_heads_submenu(NSMenuItem* item) {
+    return heading_question && [item hasSubmenu] && heading_question(item);
+}
+
 // GNUstep points an item with a submenu at this method of the menu; it is no action of its own.
 bool is_submenu_action(SEL action) { return sel_isEqual(action, @selector(submenuAction:)); }
 
@@ -89,8 +95,11 @@ void append_visible_items(NSArray* items, NSUInteger modifiers, NSMutableArray* 
 bool can_highlight(NSMenuItem* item) { return item && ![item isSeparatorItem] && [item isEnabled]; }
 
 bool can_pick(NSMenuItem* item) {
-    return can_highlight(item) && [item action] && !is_submenu_action([item action]);
+    return can_highlight(item) && [item action] && !is_submenu_action([item action]) &&
+           !only_heads_submenu(item);
 }
+
+void set_heading_question(BOOL (*question)(NSMenuItem*)) { heading_question = question; }
 
 void update_menu(NSMenu* menu) {
     id delegate = [menu delegate];

@@ -126,6 +126,10 @@ NSMutableArray* open_sessions() {
     [self changed];
 }
 
++ (BOOL)canPickItem:(NSMenuItem*)item {
+    return can_pick(item);
+}
+
 - (BOOL)isEnding {
     return _ending;
 }

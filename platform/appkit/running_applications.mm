@@ -1,5 +1,6 @@
 // The running applications, which GNUstep's workspace does not know: those that have windows.
 #include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
 
 #include "appkit/desktop_windows.h"
 #include "appkit/method_patch.h"
@@ -31,6 +32,20 @@ NSURL* file_url(const std::string& path) {
 
 bool is_bundle(const RunningProgram& program) { return program.application.ends_with(".app"); }
 
+// What Launch Services take for one, so that it can be picked: a program that runs many others,
+// such as a shell, has windows but cannot be given a file.
+bool is_application(const RunningProgram& program) {
+    const std::string& path =
+        program.application.empty() ? program.executable : program.application;
+    FSRef ref;
+    LSItemInfoRecord info = {};
+    if (FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), &ref, nullptr) != noErr) {
+        return false;
+    }
+    LSCopyItemInfoForRef(&ref, kLSRequestAppTypeFlags, &info);
+    return info.flags & kLSItemInfoIsApplication;
+}
+
 NSString* identifier_of(const RunningProgram& program) {
     NSString* path = string_of(program.application);
     if (!is_bundle(program) || !path) return string_of(program.identifier);
@@ -51,8 +66,9 @@ NSString* name_of(const RunningProgram& program) {
 - (instancetype)initWithProgram:(const RunningProgram&)program {
     if (!(self = [super init])) return nil;
     _process = program.process;
-    _policy = program.is_regular ? NSApplicationActivationPolicyRegular
-                                 : NSApplicationActivationPolicyAccessory;
+    _policy = program.is_regular && is_application(program)
+                  ? NSApplicationActivationPolicyRegular
+                  : NSApplicationActivationPolicyAccessory;
     _name = [name_of(program) copy];
     _identifier = [identifier_of(program) copy];
     _bundle = [file_url(program.application) retain];

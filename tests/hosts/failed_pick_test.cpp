@@ -148,6 +148,17 @@ TEST_F(FailedPick, APipeIsGivenToNoChosenProgram) {
                     " with \"Broken.app\": it is a pipe, which no program opens as a file");
 }
 
+TEST_F(FailedPick, ARowThatOnlyHeadsASubmenuIsNotPicked) {
+    const Outcome outcome = test::run_delvio(
+        {"menu", "--setting", "rootMenuCollapseThreshold=1", "--pick", "2 selected items",
+         folder_.file("one.txt", "1\n"), folder_.file("two.txt", "2\n")},
+        {{"DISPLAY", ""}});
+    expect_line(outcome,
+                "\"2 selected items\" only opens a submenu; name one of its items with another "
+                "--pick");
+    EXPECT_TRUE(program_.opened().empty());
+}
+
 TEST_F(FailedPick, ControlCharactersAreEscaped) {
     folder_.file("top/\x1b[31mred\n.qqq", std::string("\0\1\2", 3));
     const Outcome outcome = test::run_delvio(
@@ -211,4 +222,15 @@ TEST_F(FailedShownPick, ANameThatIsNotTextIsNotPassedOverInSilence) {
     for (const char* key : {"Down", "Right", "Return"}) input_.key(key);
     EXPECT_TRUE(close("The file cannot be opened."));
     expect_line(command.finish(), "cannot open the file: its name is not UTF-8");
+}
+
+TEST_F(FailedShownPick, ReturnOpensTheSubmenuOfARowThatOnlyHeadsIt) {
+    const std::string one = folder_.file("one.txt", "1\n"), two = folder_.file("two.txt", "2\n");
+    RunningCommand command(
+        {"menu", "--at", "200,150", "--setting", "rootMenuCollapseThreshold=1", one, two});
+    ASSERT_TRUE(pick_first_row());
+    input_.key("Down");
+    input_.key("Return");
+    EXPECT_EQ(command.finish().status, 0);
+    EXPECT_EQ(program_.wait(), Words({two}));
 }

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -233,6 +234,15 @@ TEST_F(RunningApplications, AnApplicationsDialogDoesNotHideItsWindow) {
                        "window", "type=DOCK", "class=p,P", "show"});
     ASSERT_NE(running(child), nil);
     EXPECT_EQ([running(child) activationPolicy], NSApplicationActivationPolicyRegular);
+}
+
+TEST_F(RunningApplications, AProgramThatCannotBeGivenAFileIsNoRegularOne) {
+    const test::TempFolder folder;
+    const std::string runner = folder.path("python3");
+    std::filesystem::copy_file(WINDOW_CLIENT, runner);
+    const Child child(runner, {"window", "class=odd,Odd", "show"});
+    ASSERT_NE(running(child), nil);
+    EXPECT_EQ([running(child) activationPolicy], NSApplicationActivationPolicyAccessory);
 }
 
 TEST_F(RunningApplications, WindowsThatAreNotShownAreNotListed) {

@@ -52,6 +52,8 @@
 // notices at its next turn; levels close when it does. The first of several counts.
 - (void)cancel;
 - (void)pickItem:(NSMenuItem*)item;
+// Whether it would: not for an item that only opens its submenu.
++ (BOOL)canPickItem:(NSMenuItem*)item;
 - (BOOL)isEnding;
 - (NSMenuItem*)pickedItem;
 // Closes every level, deepest first. Sent once, by the tracker.
@@ -71,4 +73,7 @@
 // The tracker of every contextual menu of this process; nil is the presenter, which shows it on
 // the screen. Not retained.
 + (void)setContextMenuTracker:(id<MenuTracker>)tracker;
+// A host's answer for items that have both an action and a submenu: whether an item only heads its
+// submenu. Such a one is opened where others would be picked. Null: none does.
++ (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question;
 @end

@@ -1,0 +1,105 @@
+// What Delvio tells and asks in GWorkspace, beside a window manager: close buttons give harmless
+// answers, and a pick that fails is named.
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+#include "gworkspace/viewer_desk.h"
+#include "support/managed_windows.h"
+
+using namespace test;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Notices : public ViewerDesk {
+  protected:
+    static void SetUpTestSuite() {
+        setenv("DELVIO_TEST_WINDOW_MANAGER", "openbox", 1);
+        const std::string basket = getenv("HOME") + std::string("/Desktop/basket");
+        fs::create_directories(basket);
+        const std::string command =
+            "defaults write org.delvio.Delvio folders '(\"" + basket + "\")' >/dev/null 2>&1";
+        ASSERT_EQ(system(command.c_str()), 0);
+        ViewerDesk::SetUpTestSuite();
+    }
+    void SetUp() override {
+        ViewerDesk::SetUp();
+        if (!HasFatalFailure()) show("icons");
+    }
+    // Leaves nothing open for the next test.
+    void TearDown() override {
+        for (const char* title : {"Replace duplicate files?", "Name Already Taken"}) {
+            if (is_shown(title)) close_by_title_bar(title);
+        }
+        ViewerDesk::TearDown();
+    }
+
+    bool is_shown(const std::string& title) const {
+        for (const ManagedWindow& window : windows_.shown()) {
+            if (window.title == title) return true;
+        }
+        return false;
+    }
+    // By a click on its button in the title bar.
+    void close_by_title_bar(const std::string& title) {
+        std::optional<ManagedWindow> window;
+        ASSERT_TRUE(wait_until([&] { return (window = windows_.settled(title)).has_value(); }))
+            << title;
+        EXPECT_TRUE(window->can_be_closed);
+        EXPECT_TRUE(window->has_one_size);
+        const ScreenPoint button = windows_.close_button(*window);
+        input().move(button.x, button.y);
+        input().click(1);
+        EXPECT_TRUE(wait_until([&] { return !is_shown(title); })) << title;
+        EXPECT_TRUE(manager().is_running()) << manager().account();
+    }
+    // A new file in the folder that the viewer shows.
+    static std::string add(const std::string& name) {
+        manager().ask("show icons");
+        return path(name);
+    }
+    void expect_notice(const std::string& name, const std::string& reason) {
+        right_click(item("icons", add(name)));
+        pick({name});
+        const std::string title = "“" + name + "” cannot be opened.";
+        ASSERT_TRUE(wait_until([&] { return is_shown(title); })) << name;
+        EXPECT_EQ(manager().ask("told"), title + "\n" + reason);
+        close_by_title_bar(title);
+    }
+
+    ManagedWindows windows_;
+};
+
+}  // namespace
+
+TEST_F(Notices, ATypeWithoutAProgramIsNamed) {
+    changing_folder().file("unknown.qqq", std::string("\0\1\2", 3));
+    expect_notice("unknown.qqq",
+                  "No installed program is set for files of its type, application/octet-stream.");
+}
+
+TEST_F(Notices, ABrokenLinkIsNamed) {
+    changing_folder().link("gone.txt", "/nowhere/there");
+    expect_notice("gone.txt", "It is a link to /nowhere/there, which is not there.");
+}
+
+TEST_F(Notices, APipeIsNamedAndNotWaitedFor) {
+    mkfifo(path("pipe.txt").c_str(), 0600);
+    expect_notice("pipe.txt", "It is a pipe, which no program opens as a file.");
+}
+
+TEST_F(Notices, ClosingTheAlertReplacesNothing) {
+    const std::string old = getenv("HOME") + std::string("/Desktop/basket/kept.txt");
+    std::ofstream(old) << "old";
+    const std::string source = changing_folder().file("kept.txt", "new");
+    right_click(item("icons", add("kept.txt")));
+    pick({"basket", "Move selection here"});
+    close_by_title_bar("Replace duplicate files?");
+    EXPECT_EQ(read_file(old), "old");
+    EXPECT_EQ(read_file(source), "new");
+}
