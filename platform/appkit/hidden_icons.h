@@ -2,10 +2,8 @@
 // Main thread.
 #pragma once
 
-#include <string>
-
 @class NSImage;
 
-// The icon, which is the caller's own, marked if the file at an absolute path is hidden.
-NSImage* marked_if_hidden(NSImage* icon, const std::string& path);
+// The image is the caller's own.
+void mark_as_hidden(NSImage* icon);
 bool is_icon_of_hidden_file(NSImage* icon);

@@ -8,6 +8,7 @@
 
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <unordered_map>
@@ -19,6 +20,7 @@
 #include "appkit/method_patch.h"
 #include "appkit/untrusted_icons.h"
 #include "appkit/workspace_paths.h"
+#include "carbon/finder_information.h"
 #include "carbon/bundle_names.h"
 #include "carbon/small_files.h"
 
@@ -150,11 +152,34 @@ NSImage* image_of_bundle(NSWorkspace* self, const std::string& bytes, NSString* 
     return image;
 }
 
-NSImage* unmarked_icon(NSWorkspace* self, NSString* path, const std::string& bytes) {
-    if (has_icon_of_its_own(bytes)) return image_of_bundle(self, bytes, path);
-    const std::string key = icon_key(bytes);
-    NSImage* image = image_for_key(self, key, path);
-    const std::string file = untrusted_file(key);
+// What a look at a file says about its icon. A menu asks for the icon of a file a few times in
+// turn: the last answer is kept while the file is the same.
+struct look_t {
+    std::string path, key;
+    bool is_hidden = false;
+    struct stat status = {};
+};
+
+bool is_same(const struct stat& one, const struct stat& other) {
+    return one.st_ino == other.st_ino && one.st_dev == other.st_dev &&
+           one.st_mode == other.st_mode && one.st_size == other.st_size &&
+           one.st_ctim.tv_sec == other.st_ctim.tv_sec &&
+           one.st_ctim.tv_nsec == other.st_ctim.tv_nsec;
+}
+
+const look_t& look_at(const std::string& path) {
+    static auto* last = new look_t;
+    struct stat status;
+    const bool is_there = stat(path.c_str(), &status) == 0;
+    if (!is_there || path != last->path || !is_same(status, last->status)) {
+        *last = {is_there ? path : "", icon_key(path), files::is_hidden(path), status};
+    }
+    return *last;
+}
+
+NSImage* image_of_file(NSWorkspace* self, const look_t& look, NSString* path) {
+    NSImage* image = image_for_key(self, look.key, path);
+    const std::string file = untrusted_file(look.key);
     if (!file.empty()) show_untrusted_icon(image, file);
     return image;
 }
@@ -162,7 +187,11 @@ NSImage* unmarked_icon(NSWorkspace* self, NSString* path, const std::string& byt
 NSImage* icon_for_file(NSWorkspace* self, SEL, NSString* path) {
     if (uses_stock_icons) return stock_image(self, path);
     const std::string bytes = path_bytes(path);
-    return marked_if_hidden(unmarked_icon(self, path, bytes), bytes);
+    const look_t& look = look_at(bytes);
+    NSImage* image = has_icon_of_its_own(bytes) ? image_of_bundle(self, bytes, path)
+                                                : image_of_file(self, look, path);
+    if (look.is_hidden) mark_as_hidden(image);
+    return image;
 }
 
 }  // namespace

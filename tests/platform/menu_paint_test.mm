@@ -8,6 +8,7 @@
 #include "appkit/bitmaps.h"
 #include "appkit/hidden_icons.h"
 #include "appkit/menu_paint.h"
+#include "carbon/finder_information.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 
@@ -37,7 +38,8 @@ class MenuPaint : public testing::Test {
         for (int i = 0; i < 16 * 16; i++) [bitmap bitmapData][i * 4 + 3] = 0xff;
         NSImage* image = [[[NSImage alloc] initWithSize:NSMakeSize(16, 16)] autorelease];
         [image addRepresentation:bitmap];
-        return marked_if_hidden(image, file);
+        if (files::is_hidden(file)) mark_as_hidden(image);
+        return image;
     }
     void paint(NSMenuItem* highlighted = nil) {
         layout_.update(menu_, 0);
