@@ -1,6 +1,8 @@
 // Which file operations GWorkspace is trusted with, and giving them to it. Main thread.
 #pragma once
 
+#include <functional>
+
 #include "operations/request.h"
 
 // Whether GWorkspace carries it out as asked. It replaces files by deleting them, with Return for
@@ -9,4 +11,6 @@
 bool IsForGWorkspace(const operations::Request& request);
 
 // GWorkspace asks, shows and tells whatever there is to ask, show and tell. May wait for a click.
-void HandOver(const operations::Request& request);
+// `begins` is called from the run loop if GWorkspace begins, which it does not when the user says
+// no.
+void HandOver(const operations::Request& request, const std::function<void()>& begins);

@@ -15,6 +15,39 @@
 using operations::Kind;
 using operations::Request;
 
+// Hears GWorkspace begin with what it was given last.
+@interface GWorkspaceBeginning : NSObject {
+  @private
+    NSDictionary* _order;
+    std::function<void()>* _begins;
+}
+- (void)expect:(NSDictionary*)order begins:(const std::function<void()>&)begins;
+@end
+
+@implementation GWorkspaceBeginning
+
+- (void)expect:(NSDictionary*)order begins:(const std::function<void()>&)begins {
+    [_order autorelease];
+    _order = [order copy];
+    delete _begins;
+    _begins = new std::function<void()>(begins);
+    NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
+    [center removeObserver:self];
+    [center addObserver:self
+               selector:@selector(willChange:)
+                   name:@"GWFileSystemWillChangeNotification"
+                 object:nil];
+}
+
+// Its object says what is done, in the words of the order.
+- (void)willChange:(NSNotification*)notification {
+    if (![[notification object] isEqual:_order]) return;
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    (*_begins)();
+}
+
+@end
+
 namespace {
 
 NSString* operation_of(Kind kind) {
@@ -111,7 +144,7 @@ bool IsForGWorkspace(const Request& request) {
     return request.kind == Kind::Trash || suits_destination(request);
 }
 
-void HandOver(const Request& request) {
+void HandOver(const Request& request, const std::function<void()>& begins) {
     id<GWWorkspace> workspace = SharedGWorkspace();
     NSMutableArray* names = [NSMutableArray array];
     for (const std::string& source : request.sources) {
@@ -120,10 +153,10 @@ void HandOver(const Request& request) {
     const bool is_trash = request.kind == Kind::Trash;
     NSString* destination = is_trash ? [workspace trashPath] : string_of(request.destination);
     NSString* source = string_of(folder_of(request.sources.front()));
-    [workspace
-        performFileOperation:[NSDictionary dictionaryWithObjectsAndKeys:operation_of(request.kind),
-                                                                        @"operation", source,
-                                                                        @"source", destination,
-                                                                        @"destination", names,
-                                                                        @"files", nil]];
+    NSDictionary* order = [NSDictionary
+        dictionaryWithObjectsAndKeys:operation_of(request.kind), @"operation", source, @"source",
+                                     destination, @"destination", names, @"files", nil];
+    static GWorkspaceBeginning* beginning = [GWorkspaceBeginning new];
+    [beginning expect:order begins:begins];
+    [workspace performFileOperation:order];
 }

@@ -40,12 +40,14 @@ using operations::Request;
 
 // GWorkspace has windows of its own; ours would stand over its questions.
 - (void)start {
-    if (IsForGWorkspace(*_request)) {
-        operations::NoteDoneElsewhere(*_request, "GWorkspace");
-        return HandOver(*_request);
-    }
+    if (IsForGWorkspace(*_request)) return [self handOver];
     const auto windows = operations::MakeWindowObserver(*_request, {}, operations::Asks::Once);
     _engine->carry_out(*_request, windows);
+}
+
+- (void)handOver {
+    HandOver(*_request,
+             [request = *_request] { operations::NoteDoneElsewhere(request, "GWorkspace"); });
 }
 
 @end

@@ -57,8 +57,12 @@ class PressAndHold : public Pointer {
         show("browser");
         read_preferences();
         move_to(item("browser", path("second.txt")));
-        usleep(300000);
-        cursor_ = input().cursor();
+        // The place's own, once the program has set it.
+        EXPECT_TRUE(wait_until([&] {
+            cursor_ = input().cursor();
+            usleep(100000);
+            return cursor_ == input().cursor();
+        }));
         input().press(1);
     }
     bool is_armed() { return input().cursor() != cursor_; }
@@ -88,9 +92,8 @@ TEST_F(PressAndHold, AMoveByOnePixelCancels) {
     input().move(area.x() + 1, area.y());
     EXPECT_TRUE(wait_until([&] { return !is_armed(); }));
     input().release(1);
-    usleep(500000);
-    EXPECT_TRUE(is_closed());
     EXPECT_TRUE(wait_until([&] { return selection() == lines_t({path("second.txt")}); }));
+    EXPECT_TRUE(is_closed());
 }
 
 TEST_F(PressAndHold, AReleaseBeforeTheDelayIsAClick) {
@@ -124,9 +127,15 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
     const Area place = ground("icons");
     RunningCommand command({"menu", "--at", "700,40", file});
     ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); }));
-    usleep(300000);
-    input().move(730, 56);
-    usleep(200000);
+    // Its first row is highlighted when the pointer is on it, and not when it is outside.
+    EXPECT_TRUE(wait_until([&] {
+        input().move(600, 20);
+        usleep(100000);
+        const unsigned long plain = input().pixel(706, 56);
+        input().move(730, 56);
+        usleep(100000);
+        return input().pixel(706, 56) != plain;
+    }));
     input().key_down("Super_L");
     input().press(1);
     ASSERT_TRUE(wait_until([&] { return input().pointer_is_free(); })) << "the menu closes";
