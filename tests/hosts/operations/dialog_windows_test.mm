@@ -73,7 +73,7 @@ class DialogWindows : public testing::Test {
         Steps steps;
         script(steps);
         Answer answer;
-        steps.run_beside([&] { answer = AskAbout(conflict); });
+        steps.run_beside([&] { answer = AskAbout(conflict, false); });
         return answer;
     }
     static AlertStdCFStringAlertParamRec replace_question() {
