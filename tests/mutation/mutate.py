@@ -300,6 +300,8 @@ def main():
     parser.add_argument("--file")
     parser.add_argument("--copy", default=os.path.join(tempfile.gettempdir(), "delvio-mutation"))
     parser.add_argument("--report")
+    parser.add_argument("--keep", action="store_true",
+                        help="take the copy as it is, without what has changed since")
     parser.add_argument("--survivors", action="store_true",
                         help="only what the report calls survived")
     parser.add_argument("--unchecked", action="store_true",
@@ -320,7 +322,8 @@ def main():
             return 0
 
     copy = Copy(arguments.copy)
-    copy.prepare()
+    if not arguments.keep:
+        copy.prepare()
     for folder in sorted({change.path.split("/")[1] for change in changes}):
         for test in () if arguments.unchecked else TESTS[folder]:
             name = test.lstrip("*")
