@@ -333,7 +333,8 @@ def main():
     known = changes_in(arguments.report, r"killed by \S+")
     if arguments.survivors:
         survived = changes_in(arguments.report, "survived")
-        changes = [change for change in changes if str(change) in survived]
+        every = [change for some in all_changes(None, None).values() for change in some]
+        changes = [change for change in every if str(change) in survived]
     report = open(arguments.report, "a") if arguments.report else None
     survivors, killed = [], 0
     for change in changes:
