@@ -6,6 +6,7 @@
 #include "popup/application.h"
 #include "popup/clipboard.h"
 #include "popup/command_line.h"
+#include "popup/descriptor_limit.h"
 #include "popup/exit_signals.h"
 #include "popup/install_command.h"
 #include "popup/menu_command.h"
@@ -50,6 +51,11 @@ int run(const CommandLine& line, char* program) {
 int main(int argc, char** argv) {
     RestoreArguments();
     if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return RunClipboardKeeper();
+    const std::string problem = DescriptorProblem();
+    if (!problem.empty()) {
+        Complain(problem);
+        return exit_failed;
+    }
     KeepStreamsPrivate();
     CatchExitSignals();
     atexit(UndoAtExit);
