@@ -48,7 +48,7 @@ class OpenWith : public test::Desk {
     // What the application was given, in all its starts; waits for the first.
     titles_t opened() const {
         std::string text;
-        for (int turn = 0; turn < 1000 && text.empty(); turn++) {
+        for (int turn = 0; turn < 6000 && text.empty(); turn++) {
             text = test::read_file(folder_.path("opened"));
             if (text.empty()) usleep(10000);
         }
@@ -93,7 +93,7 @@ class OpenWith : public test::Desk {
     }
     // Whether the desktop knows a program of this name; waits for it.
     static bool runs(const char* name) {
-        for (int turn = 0; turn < 1000; turn++) {
+        for (int turn = 0; turn < 6000; turn++) {
             @autoreleasepool {
                 NSArray* running = [[NSWorkspace sharedWorkspace] runningApplications];
                 NSArray* names = [running valueForKey:@"localizedName"];

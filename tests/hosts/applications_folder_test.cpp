@@ -354,7 +354,7 @@ TEST_F(ApplicationsFolderTest, ALinkToABundleStartsItsProgram) {
     const LSLaunchFSRefSpec spec = {&application,      1,      &document, nullptr,
                                     kLSLaunchDefaults, nullptr};
     ASSERT_EQ(LSOpenFromRefSpec(&spec, nullptr), noErr);
-    for (int i = 0; i < 500 && !fs::exists(note); i++) usleep(20000);
+    for (int i = 0; i < 3000 && !fs::exists(note); i++) usleep(20000);
     EXPECT_EQ(test::read_file(note), mail + "/Mail " + mail + "\n");
 }
 

@@ -252,7 +252,7 @@ TEST_F(DesktopCarrier, OneThatRunsComesFirst) {
 namespace {
 
 bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < 1000 && !happened(); turn++) usleep(20000);
+    for (int turn = 0; turn < 3000 && !happened(); turn++) usleep(20000);
     return happened();
 }
 

@@ -133,7 +133,7 @@ TEST_F(FileOperationCommand, ASignalLeavesNothingHalfDone) {
     };
     test::RunningCommand command({"menu", "--modifiers", "option", "--pick", "to", "--pick",
                                   "Copy selection here", folder.path("to"), folder.path("a.d")});
-    for (int turn = 0; turn < 20000 && temporaries() == 0; turn++) usleep(500);
+    for (int turn = 0; turn < 120000 && temporaries() == 0; turn++) usleep(500);
     EXPECT_EQ(temporaries(), 1u) << "the copy has begun";
     command.send_signal(SIGTERM);
     EXPECT_EQ(command.finish().status, 128 + SIGTERM);

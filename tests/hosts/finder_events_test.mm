@@ -59,7 +59,7 @@ class FinderEvents : public testing::Test {
     }
     // What has been opened, when there are as many as that.
     Paths opened(size_t count) {
-        for (int i = 0; i < 500 && program_.opened().size() < count; i++) usleep(20000);
+        for (int i = 0; i < 3000 && program_.opened().size() < count; i++) usleep(20000);
         Paths paths = program_.opened();
         // Each is a start of its own: they come in any order.
         std::sort(paths.begin(), paths.end());

@@ -202,7 +202,7 @@ TEST_F(MenuCommand, AStrangersDesktopFileIsShownByItsNameAndOpensAsAText) {
     for (const char* name : {"linked", "photo.jpg.desktop"}) {
         EXPECT_EQ(menu({"--pick", "top", "--pick", name, folder.path("top")}).status, 0);
     }
-    for (int i = 0; i < 1000 && program.opened().size() < 2; i++) usleep(10000);
+    for (int i = 0; i < 6000 && program.opened().size() < 2; i++) usleep(10000);
     EXPECT_EQ(program.opened(), Words({entry, entry}));
 }
 

@@ -13,7 +13,7 @@
 namespace {
 
 bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < 1500 && !happened(); turn++) usleep(20000);
+    for (int turn = 0; turn < 3000 && !happened(); turn++) usleep(20000);
     return happened();
 }
 

@@ -57,7 +57,7 @@ std::vector<std::string> RecordingProgram::opened() const {
 }
 
 std::vector<std::string> RecordingProgram::wait() const {
-    for (int turn = 0; turn < 1000 && opened().empty(); turn++) usleep(10000);
+    for (int turn = 0; turn < 6000 && opened().empty(); turn++) usleep(10000);
     return opened();
 }
 

@@ -21,7 +21,7 @@ class RecordingProgram {
 
     // The arguments of every start so far, in order; empty while it has not been started.
     std::vector<std::string> opened() const;
-    // The same, but waits for the first start, ten seconds at most.
+    // The same, but waits for the first start, a minute at most.
     std::vector<std::string> wait() const;
     // Of the last start: the folder it was in and the descriptors it had open.
     std::string working_folder() const;

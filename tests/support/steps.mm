@@ -9,7 +9,7 @@
 namespace {
 
 // How long a step may wait before the test is given up: a guard, not a measure of speed.
-const NSTimeInterval patience = 30;
+const NSTimeInterval patience = 60;
 
 }  // namespace
 

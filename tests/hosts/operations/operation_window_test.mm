@@ -73,7 +73,7 @@ class OperationWindowTest : public testing::Test {
   protected:
     void SetUp() override {
         test::start_application();
-        alarm(120);  // a panel that nobody answers would stay
+        alarm(240);  // a panel that nobody answers would stay
     }
 
     // Presses Return until it is no longer true; the keyboard may come to a window late.
