@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "popup/command_line.h"
-#include "popup/exit_signals.h"
 
 // Of Foundation's; the command shares nothing with other programs by notifications, and the first
 // use of the workspace would wait for the notification daemon to start.
@@ -108,6 +107,5 @@ void StartApplication() {
                                              selector:@selector(panelBecameKey:)
                                                  name:NSWindowDidBecomeKeyNotification
                                                object:nil];
-    CatchExitSignals();  // the toolkit has put its own handlers there
     NSSetUncaughtExceptionHandler(end_with_exception);
 }

@@ -123,14 +123,18 @@ MenuForm form_of(const MenuRequest& request, const Options& options) {
     return request.pick_titles.empty() ? MenuForm::shown : MenuForm::pick;
 }
 
+bool given(const CLI::App& app, const char* option) { return app.count(option) > 0; }
+
 // What CLI11 cannot say by itself; the problem, or an empty string.
-std::string check_menu(MenuRequest& request, const Options& options, bool depth_given) {
+std::string check_menu(const CLI::App& app, MenuRequest& request, const Options& options) {
+    if (given(app, "--png") && request.picture.empty()) return "--png takes the name of a file";
+    if (given(app, "--at") && options.at.empty()) return "--at takes X,Y, for example 200,150";
     request.form = form_of(request, options);
     const int forms =
         options.print + options.json + !request.picture.empty() + !request.pick_titles.empty();
     if (forms > 1) return "take one of --print, --json, --png and --pick";
     const bool written = request.form == MenuForm::text || request.form == MenuForm::json;
-    if (depth_given && !written) return "--depth needs --print or --json";
+    if (given(app, "--depth") && !written) return "--depth needs --print or --json";
     if (request.replace && request.form != MenuForm::pick) return "--replace needs --pick";
     if (!request.open_titles.empty() && request.form != MenuForm::picture) {
         return "--open needs --png";
@@ -187,8 +191,7 @@ std::string check(const CLI::App& app, CommandLine& line, const Options& options
         const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();
         return check_settings(line.settings_request, verb_given);
     }
-    const bool depth_given = app.get_subcommand("menu")->count("--depth") > 0;
-    return check_menu(line.menu_request, options, depth_given);
+    return check_menu(*app.get_subcommand("menu"), line.menu_request, options);
 }
 
 }  // namespace

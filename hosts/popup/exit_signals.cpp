@@ -7,7 +7,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
+#include <iterator>
 
 // Everything that a signal handler touches is plain memory and atomics.
 namespace {
@@ -15,6 +17,7 @@ namespace {
 std::atomic<pid_t> child_to_end{0};
 std::atomic<int> signal_descriptor{-1};
 std::atomic<int> caught_signal{0};
+std::atomic<bool> catches{false};
 char file_to_remove[PATH_MAX];
 char folder_to_remove[PATH_MAX];
 
@@ -42,6 +45,20 @@ void handle(int number) {
     if (write(descriptor, "", 1) != 1) end_now(number);
 }
 
+bool is_caught(int number) {
+    return std::find(std::begin(exit_signals), std::end(exit_signals), number) !=
+           std::end(exit_signals);
+}
+
+// As signal() does it, but with all others held back meanwhile for a handler of ours.
+sighandler_t set_handler(int number, sighandler_t handler) {
+    struct sigaction action = {}, before = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    if (handler == handle) sigfillset(&action.sa_mask);
+    return sigaction(number, &action, &before) == 0 ? before.sa_handler : SIG_ERR;
+}
+
 void copy_path(char* to, const std::string& path) {
     if (path.size() >= PATH_MAX) return;
     memcpy(to, path.c_str(), path.size() + 1);
@@ -49,13 +66,18 @@ void copy_path(char* to, const std::string& path) {
 
 }  // namespace
 
+// The toolkit's display backend, which is loaded late, puts handlers there that abort: for as long
+// as it starts, a signal would end the command so. In this program its calls lead here.
+extern "C" __attribute__((visibility("default"))) sighandler_t signal(int number,
+                                                                      sighandler_t wanted) {
+    if (catches && is_caught(number)) return handle;
+    return set_handler(number, wanted);
+}
+
 void CatchExitSignals() {
-    struct sigaction action = {};
-    action.sa_handler = handle;
-    sigfillset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
-    for (const int number : exit_signals) sigaction(number, &action, nullptr);
-    sigaction(SIGALRM, &action, nullptr);
+    for (const int number : exit_signals) set_handler(number, handle);
+    set_handler(SIGALRM, handle);
+    catches = true;
 }
 
 void SetChildToEnd(pid_t child) { child_to_end = child; }

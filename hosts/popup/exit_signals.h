@@ -6,7 +6,8 @@
 #include <string>
 
 // From now on SIGINT, SIGTERM, SIGHUP and SIGPIPE undo what is registered below and end the process
-// with status 128 plus the signal's number. The X server lets go of grabs by itself then.
+// with status 128 plus the signal's number, and nobody's call of signal() changes that. The X
+// server lets go of grabs by itself then.
 void CatchExitSignals();
 
 // A child to end, and a file and then its folder to remove, when the process ends: by a signal, or

@@ -8,6 +8,7 @@
 #include "popup/command_line.h"
 #include "popup/descriptor_limit.h"
 #include "popup/exit_signals.h"
+#include "popup/home_folder.h"
 #include "popup/install_command.h"
 #include "popup/menu_command.h"
 #include "popup/plain_arguments.h"
@@ -37,6 +38,11 @@ int run_command(const CommandLine& line) {
 
 int run(const CommandLine& line, char* program) {
     if (line.command == CommandLine::finished) return line.status;
+    std::string problem;
+    if (!EnsureHomeFolder(&problem)) {
+        Complain(problem);
+        return exit_failed;
+    }
     operations::BeginToRemoveLeftTemporaries(operations::StateFolder());
     if (line.command == CommandLine::undo) return RunUndoCommand();
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
@@ -61,5 +67,5 @@ int main(int argc, char** argv) {
     atexit(UndoAtExit);
     const CommandLine line = ReadCommandLine(argc, argv);
     const int status = run(line, argv[0]);
-    return fflush(stdout) == 0 ? status : exit_failed;
+    return fflush(OutputStream()) == 0 ? status : exit_failed;
 }

@@ -19,6 +19,7 @@
 #include "popup/menu_walker.h"
 #include "popup/private_display.h"
 #include "popup/shown_menu.h"
+#include "popup/standard_streams.h"
 
 namespace {
 
@@ -47,7 +48,10 @@ void warn_of_other_encodings(const std::vector<std::string>& files) {
     }
 }
 
+bool is_written(MenuForm form) { return form == MenuForm::text || form == MenuForm::json; }
+
 bool prepare(MenuRequest& request, std::string* problem) {
+    if (is_written(request.form)) KeepOutputPure();
     if (!ResolveFiles(&request.files, problem)) return false;
     const std::string bundle = FindPlugIn(problem);
     if (bundle.empty() || !have_display(request.form, problem)) return false;
@@ -75,14 +79,16 @@ void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
 }
 
 int write_out(const std::string& text) {
-    const bool written = fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (written && fflush(stdout) == 0) return exit_done;
+    FILE* const output = OutputStream();
+    const bool written = fwrite(text.data(), 1, text.size(), output) == text.size();
+    if (written && fflush(output) == 0) return exit_done;
     return failed("cannot write the menu to standard output");
 }
 
 int write_menu(HostMenu* host, const MenuRequest& request) {
     MenuReader* reader = [[[MenuReader alloc] initWithDepth:request.depth] autorelease];
     pop_up(host, reader, NSZeroPoint);
+    if (![reader problem].empty()) Complain([reader problem]);
     const bool json = request.form == MenuForm::json;
     return write_out(json ? WriteMenuJson([reader snapshot]) : WriteMenuText([reader snapshot]));
 }

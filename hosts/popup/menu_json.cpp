@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "popup/printable.h"
+
 namespace {
 
 using json = nlohmann::ordered_json;
@@ -40,5 +42,6 @@ json menu_json(const MenuSnapshot& menu) {
 }  // namespace
 
 std::string WriteMenuJson(const MenuSnapshot& menu) {
-    return menu_json(menu).dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+    return PrintableJson(menu_json(menu).dump(2, ' ', false, json::error_handler_t::replace)) +
+           "\n";
 }

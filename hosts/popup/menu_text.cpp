@@ -1,18 +1,17 @@
 #include "popup/menu_snapshot.h"
 
+#include "popup/printable.h"
+
 namespace {
 
 constexpr const char* indentation = "    ";
 
-// Control characters would break the tree apart.
-std::string on_one_line(const std::string& title) {
-    std::string result;
-    for (const char byte : title) {
-        const auto value = static_cast<unsigned char>(byte);
-        const bool control = value < 0x20 || value == 0x7f;
-        result += control ? std::string("\xef\xbf\xbd") : std::string(1, byte);
-    }
-    return result;
+constexpr const char* replacement_character = "\xef\xbf\xbd";
+
+// A picture is all that a preview's row has.
+std::string title_of(const ItemSnapshot& item) {
+    if (item.title.empty() && item.image) return "(picture)";
+    return Printable(item.title, replacement_character);
 }
 
 std::string joined(const std::vector<std::string>& words) {
@@ -23,7 +22,7 @@ std::string joined(const std::vector<std::string>& words) {
 
 std::string line_of(const ItemSnapshot& item) {
     if (item.separator) return "--------";
-    std::string line = on_one_line(item.title);
+    std::string line = title_of(item);
     if (item.has_submenu) line += " >";
     if (item.alternate) line += " [" + joined(item.modifiers) + "]";
     if (!item.enabled) line += " (disabled)";

@@ -10,6 +10,12 @@
 #include "popup/menu_snapshot.h"
 
 // Opens the session, walks, closes it.
+// A menu that is read is held as a whole. From so many rows, levels below one another or bytes of
+// the process's memory on no further submenu is opened.
+inline constexpr long most_read_rows = 100000;
+inline constexpr int most_read_levels = 256;
+inline constexpr long most_read_bytes = 1L << 30;
+
 @interface MenuWalker : NSObject <MenuTracker>
 // What the walk does; here nothing.
 - (void)walk:(MenuSession*)session;
@@ -20,10 +26,14 @@
   @private
     int _depth;
     MenuSnapshot* _snapshot;
+    long _rows;
+    long _leftClosed;
 }
 // `depth`: how many levels of submenus to open.
 - (instancetype)initWithDepth:(int)depth;
 - (const MenuSnapshot&)snapshot;
+// In one line, that submenus stay closed for want of bounds; empty when none does.
+- (std::string)problem;
 @end
 
 // Picks an item by the titles that lead to it.

@@ -2,30 +2,41 @@
 
 #include <AppKit/ModifierKeys.h>
 
+#include <stdio.h>
+#include <unistd.h>
+
 #include "popup/close_words.h"
 #include "popup/menu_reading.h"
 #include "popup/title_match.h"
 
 namespace {
 
-// Reads an open level, and the levels below it as far as `depth` goes. What other keys would show
-// is listed, but not opened.
-MenuSnapshot read_level(MenuSession* session, NSMenu* menu, int depth) {
-    MenuSnapshot level;
-    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:CurrentModifierFlags()];
-    NSSet* openable = [NSSet setWithArray:shown];
-    for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
-        NSAutoreleasePool* pool = [NSAutoreleasePool new];
-        ItemSnapshot snapshot = ReadItem(item);
-        if (depth > 0 && [openable containsObject:item] && [session openSubmenuOfItem:item]) {
-            snapshot.populated = true;
-            snapshot.items = read_level(session, [item submenu], depth - 1);
-            [session closeLevelsBelowMenu:menu];
-        }
-        level.push_back(std::move(snapshot));
-        [pool release];
+// A thumbnail takes half a minute at most, once it is its turn.
+constexpr NSTimeInterval seconds_to_make = 60, seconds_a_turn = 0.1;
+
+// A row that shows a view is one whose content is still being made, such as a picture.
+bool is_being_made(NSMenu* menu) {
+    for (NSMenuItem* item in [menu itemArray]) {
+        if ([item view]) return true;
     }
-    return level;
+    return false;
+}
+
+void wait_until_made(NSMenu* menu) {
+    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:seconds_to_make];
+    while (is_being_made(menu) && [end timeIntervalSinceNow] > 0) {
+        NSDate* turn = [NSDate dateWithTimeIntervalSinceNow:seconds_a_turn];
+        [[NSRunLoop currentRunLoop] runMode:NSEventTrackingRunLoopMode beforeDate:turn];
+    }
+}
+
+long resident_bytes() {
+    long pages = 0;
+    FILE* const file = fopen("/proc/self/statm", "re");
+    if (!file) return 0;
+    if (fscanf(file, "%*ld %ld", &pages) != 1) pages = 0;
+    fclose(file);
+    return pages * sysconf(_SC_PAGESIZE);
 }
 
 // Of the last title: why the item cannot be picked; empty when it can.
@@ -115,8 +126,46 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     return *_snapshot;
 }
 
+- (std::string)problem {
+    if (_leftClosed == 0) return {};
+    return "the menu is too large to be written as a whole; left closed: " +
+           std::to_string(_leftClosed) + (_leftClosed == 1 ? " submenu" : " submenus") +
+           "; a smaller --depth opens all that it names";
+}
+
 - (void)walk:(MenuSession*)session {
-    *_snapshot = read_level(session, [session rootMenu], _depth);
+    *_snapshot = [self readMenu:[session rootMenu] ofSession:session level:0];
+}
+
+// Whether another submenu may be opened; counts those that may not.
+- (BOOL)hasRoomAtLevel:(int)level {
+    const bool room =
+        _rows < most_read_rows && level < most_read_levels && resident_bytes() < most_read_bytes;
+    if (!room) _leftClosed++;
+    return room;
+}
+
+// Reads an open level, and the levels below it as far as the depth goes. What other keys would show
+// is listed, but not opened.
+- (MenuSnapshot)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
+    MenuSnapshot result;
+    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:CurrentModifierFlags()];
+    NSSet* openable = [NSSet setWithArray:shown];
+    for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
+        NSAutoreleasePool* pool = [NSAutoreleasePool new];
+        ItemSnapshot snapshot = ReadItem(item);
+        const BOOL wanted = level < _depth && [item hasSubmenu] && [openable containsObject:item];
+        if (wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item]) {
+            wait_until_made([item submenu]);
+            snapshot.populated = true;
+            snapshot.items = [self readMenu:[item submenu] ofSession:session level:level + 1];
+            [session closeLevelsBelowMenu:menu];
+        }
+        result.push_back(std::move(snapshot));
+        _rows++;
+        [pool release];
+    }
+    return result;
 }
 
 @end

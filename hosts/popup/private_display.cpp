@@ -15,9 +15,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <filesystem>
-
 #include "popup/exit_signals.h"
+#include "popup/private_folder.h"
 
 namespace {
 
@@ -50,22 +49,6 @@ std::string authority_entry() {
     entry += '\0';
     entry += static_cast<char>(sizeof cookie);
     return entry.append(cookie, sizeof cookie);
-}
-
-// Writes the file into a folder of its own; empty when it cannot.
-std::string write_authority() {
-    std::error_code error;
-    std::string folder = (std::filesystem::temp_directory_path(error) / "delvio.XXXXXX").string();
-    if (error || !mkdtemp(folder.data())) return {};
-    const std::string file = folder + "/authority";
-    SetFileToRemove(file, folder);
-    const std::string entry = authority_entry();
-    const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    if (descriptor < 0) return {};
-    const bool written = !entry.empty() && write(descriptor, entry.data(), entry.size()) ==
-                                               static_cast<ssize_t>(entry.size());
-    close(descriptor);
-    return written ? file : std::string();
 }
 
 // In the child: becomes the server, which writes its display number to `number_out`.
@@ -121,7 +104,8 @@ bool DisplayAnswers(std::string* problem) {
 }
 
 bool StartPrivateDisplay(std::string* problem) {
-    const std::string authority = write_authority();
+    RemoveLeftPrivateFolders();
+    const std::string authority = WriteIntoPrivateFolder(authority_entry());
     int ends[2];
     if (authority.empty() || pipe2(ends, O_CLOEXEC) != 0) {
         *problem = std::string("cannot prepare an X server: ") + strerror(errno);

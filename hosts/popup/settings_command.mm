@@ -1,7 +1,10 @@
 #include "popup/settings_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 
+#include "finderkit/applications_folder.h"
 #include "popup/forced_settings.h"
 #include "popup/settings_listing.h"
 
@@ -28,7 +31,14 @@ void read_number(SettingState* state) {
     const CFIndex number =
         CFPreferencesGetAppIntegerValue(cf(state->setting->key), cf(settings_domain), &valid);
     state->stored = valid;
-    state->value.number = valid ? static_cast<int32_t>(number) : state->setting->standard;
+    state->value.number = valid ? NumberInEffect(*state->setting, static_cast<int32_t>(number))
+                                : state->setting->standard;
+}
+
+// What the menus offer to open files with where nothing is set.
+std::string installed_applications() {
+    const std::string folder = ApplicationsFolder();
+    return access(folder.c_str(), R_OK) == 0 ? folder : "/Applications";
 }
 
 void read_strings(SettingState* state) {
@@ -37,6 +47,8 @@ void read_strings(SettingState* state) {
     const bool list = state->setting->type == SettingType::paths;
     state->stored = [object isKindOfClass:list ? [NSArray class] : [NSString class]];
     if (state->stored) state->value.strings = strings_in(object);
+    const bool open_with = std::string_view(state->setting->key) == "open_with_path";
+    if (open_with && !state->stored) state->value.strings = {installed_applications()};
 }
 
 SettingState state_of(const Setting& setting) {

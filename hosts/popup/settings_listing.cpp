@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "popup/printable.h"
+
 namespace {
 
 using json = nlohmann::ordered_json;
@@ -12,7 +14,8 @@ const char* type_name(SettingType type) {
 }
 
 std::string default_text(const Setting& setting) {
-    return IsNumeric(setting) ? std::to_string(setting.standard) : "none";
+    if (IsNumeric(setting)) return std::to_string(setting.standard);
+    return setting.type == SettingType::path ? "the installed applications" : "none";
 }
 
 std::string joined(const std::vector<std::string>& strings, const char* between) {
@@ -54,9 +57,9 @@ std::string WriteSettings(const std::vector<SettingState>& states) {
     std::string text;
     for (const SettingState& state : states) {
         const Setting& setting = *state.setting;
-        text += std::string(setting.key) + " = " + one_line_value(state) + "\n    " +
-                setting.meaning + "\n    takes " + DescribeBounds(setting) + "; default " +
-                default_text(setting) + "\n";
+        text += std::string(setting.key) + " = " + Printable(one_line_value(state), "?") +
+                "\n    " + setting.meaning + "\n    takes " + DescribeBounds(setting) +
+                "; default " + default_text(setting) + "\n";
     }
     return text;
 }
@@ -64,5 +67,5 @@ std::string WriteSettings(const std::vector<SettingState>& states) {
 std::string WriteSettingsJson(const std::vector<SettingState>& states) {
     json list = json::array();
     for (const SettingState& state : states) list.push_back(state_json(state));
-    return list.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+    return PrintableJson(list.dump(2, ' ', false, json::error_handler_t::replace)) + "\n";
 }

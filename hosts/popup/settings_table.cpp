@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "finderkit/preview_placement.h"
 #include "popup/close_words.h"
@@ -61,6 +62,13 @@ const std::vector<Setting> settings = {
     {"disable_menu_fade", flag, 0, 0, 1, "kept, but nothing depends on it"},
 };
 
+// What a number that is not within its setting's bounds, as another program may store, acts as.
+constexpr std::pair<std::string_view, int32_t> beyond_bounds[] = {
+    {"rootMenuCollapseThreshold", 1}, {"intra_sort_order", 0},
+    {"show_hidden_files", 0},         {"sort_order", 2},
+    {"custom_folder_order", 2},       {"control_free_enabled", 2},
+};
+
 bool parse_number(const std::string& word, int32_t* number) {
     const char* end = word.data() + word.size();
     const auto result = std::from_chars(word.data(), end, *number);
@@ -113,6 +121,15 @@ std::string UnknownSetting(std::string_view key) {
 }
 
 bool IsNumeric(const Setting& setting) { return setting.type <= SettingType::integer; }
+
+int32_t NumberInEffect(const Setting& setting, int32_t stored) {
+    if (stored >= setting.least && stored <= setting.most) return stored;
+    if (setting.type == SettingType::flag) return 1;
+    for (const auto& [key, number] : beyond_bounds) {
+        if (key == setting.key) return number;
+    }
+    return stored;
+}
 
 std::string DescribeBounds(const Setting& setting) {
     if (setting.type == SettingType::path) return "an absolute path";

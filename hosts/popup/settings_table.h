@@ -42,6 +42,8 @@ const Setting* FindSetting(std::string_view key);
 std::string UnknownSetting(std::string_view key);
 
 bool IsNumeric(const Setting& setting);
+// What a stored number comes to: itself within its bounds, else what the plug-in makes of it.
+int32_t NumberInEffect(const Setting& setting, int32_t stored);
 // "0 to 3", "1 or more", "an absolute path", ...
 std::string DescribeBounds(const Setting& setting);
 // Reads the words of a value. False when they are not one; then *problem says, in one line, what

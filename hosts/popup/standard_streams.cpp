@@ -14,9 +14,17 @@ namespace {
 
 constexpr int first_private_descriptor = 64;
 
+FILE* output;
+
+// High up where there is room, out of the way of what is opened later.
+int private_copy(int descriptor) {
+    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, first_private_descriptor);
+    return copy >= 0 ? copy : fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+}
+
 // A stream on a private copy of the descriptor; `original` when there is none to copy.
 FILE* private_stream(int descriptor, FILE* original, int mode) {
-    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, first_private_descriptor);
+    const int copy = private_copy(descriptor);
     if (copy < 0) return original;
     FILE* stream = fdopen(copy, "w");
     if (!stream) return original;
@@ -34,6 +42,16 @@ void KeepStreamsPrivate() {
     }
     const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
     if (nothing < 0) return;
-    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nothing, standard);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        const bool used = standard == fileno(stdout) || standard == fileno(stderr);
+        if (!used) dup2(nothing, standard);
+    }
     if (nothing > STDERR_FILENO) close(nothing);
 }
+
+void KeepOutputPure() {
+    output = stdout;
+    stdout = stderr;
+}
+
+FILE* OutputStream() { return output ? output : stdout; }

@@ -9,7 +9,7 @@
 #include <pthread.h>
 #include <stdint.h>
 
-struct delvio_t;
+#include "tree/dv_state.h"
 
 // The tap's callback.
 CGEventRef dvCFPEventTapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event,
@@ -18,8 +18,8 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy proxy, CGEventType type, CGEven
 @interface DVControlFreePopup : NSObject {
   @private
     CFMachPortRef evtTap;  // null without a tap
-    CGPoint lastMouse;     // of the last accepted press, from the lower left
-    CGPoint postAtLoc;     // the same from the upper left
+    dv_point_t lastMouse;  // of the last accepted press, from the lower left
+    dv_point_t postAtLoc;  // the same from the upper left
     double lastMouseDown;  // carried
     delvio_t* dv;
     uint32_t mouseDownCount;  // accepted presses

@@ -87,8 +87,8 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
     if (dv->control_free_enabled == only_finder_in_front && !dv_finder_is_front()) return;
     // A control-click opens the menu by itself.
     if ([NSEvent modifierFlags] & NSControlKeyMask) return;
-    lastMouse = unflipped;
-    postAtLoc = flipped;
+    lastMouse = {unflipped.x, unflipped.y};
+    postAtLoc = {flipped.x, flipped.y};
     lastMouseDown = dv_double_time();
     mouseDownCount++;
     cancelledCFP = NO;
@@ -116,7 +116,7 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
             usleep(dv->control_free_delay_usec);
             if ([self dvIsHeldSince:press] && [self dvIsLetGoUnmoved]) {
                 if (dvEnableDebugOutput) dvdprintf("Delvio: Activate control-free popup\n");
-                post_right_click(postAtLoc);
+                post_right_click(CGPointMake(postAtLoc.x, postAtLoc.y));
             }
         }
         seen = press;

@@ -138,7 +138,8 @@ CGEventRef dvDragInterceptionCallback(CGEventTapProxy, CGEventType type, CGEvent
                   elem->origin & DV_ORIGIN_APP_LIST, elem->origin & DV_ORIGIN_MOVE_COPY);
     }
     if (elem->origin & (DV_ORIGIN_APP_LIST | DV_ORIGIN_MOVE_COPY)) return NO;
-    dragStartLocation = CGEventGetLocation(event);
+    const CGPoint location = CGEventGetLocation(event);
+    dragStartLocation = {location.x, location.y};
     [self initiateDragWithElem:elem];
     [_proxyMenu cancelTracking];
     return YES;

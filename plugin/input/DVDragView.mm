@@ -71,7 +71,7 @@
     CGContextRef context =
         static_cast<CGContextRef>([[NSGraphicsContext currentContext] graphicsPort]);
     CGContextSetRGBFillColor(context, 1, 0, 0, 0.5);
-    CGContextFillRect(context, [self bounds]);
+    CGContextFillRect(context, NSRectToCGRect([self bounds]));
     if (dvEnableDebugOutput) dvdprintf("Delvio: Draw drag view\n");
 }
 

@@ -9,15 +9,16 @@
 #include <pthread.h>
 #include <stdint.h>
 
+#include "tree/dv_state.h"
+
 @class DVDragView;
 @class DVMenuItem;
 @class DVPreviewWindowController;
-struct delvio_t;
 
 // The menu font size in points that popups use; 0 keeps the host's font.
 extern uint32_t dvFontSize;
 
-@interface DVDelvio : NSObject {
+@interface DVDelvio : NSObject <NSMenuDelegate> {
   @private
     NSMenu* _proxyMenu;     // retained: the menu that is filled, whose delegate the controller is
     NSMenu* _finderMenu;    // retained: the host's menu; the same, unless it goes into a submenu
@@ -31,7 +32,7 @@ extern uint32_t dvFontSize;
     pthread_mutex_t treeLock;               // not recursive; held while a menu is taken or released
     NSWindow* dragWindow;                   // carries the drag view; never shown
     DVDragView* dragView;                   // owned by the window
-    CGPoint dragStartLocation;              // where a drag's press was
+    dv_point_t dragStartLocation;           // where a drag's press was
     CFMachPortRef dragInterceptionTap;      // null without a tap
     CFRunLoopSourceRef dragInterceptionRLSource;
     CGEventRef dragMouseEvent;  // carried, unused

@@ -1,6 +1,7 @@
 #include "preview/DVPreviewWindowController.h"
 
 #include <QuartzCore/QuartzCore.h>
+#include <dispatch/dispatch.h>
 
 #include "loader/DVDelvio.h"
 #include "menus/DVCircularProgressView.h"
@@ -233,7 +234,7 @@ void make_picture(void* context) {
     if (!visible) return;
     const NSPoint pointer = [NSEvent mouseLocation];
     NSRect frame = [window frame];
-    if (!CGRectContainsPoint(frame, pointer)) return;
+    if (!CGRectContainsPoint(NSRectToCGRect(frame), NSPointToCGPoint(pointer))) return;
     const NSRect area = [[window screen] visibleFrame];
     frame.origin.x = pointer.x < NSMidX(area) ? NSMaxX(area) - NSWidth(frame) : NSMinX(area);
     // To the other side, but within the pointer's own half: above stays above.

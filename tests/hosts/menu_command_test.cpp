@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <nlohmann/json.hpp>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -466,6 +469,8 @@ TEST_F(MenuCommand, SaysWhatIsWrongWithItsUse) {
     expect_one_line(menu({"--print", "--setting", "font_sise=3", file}), 2, "font_size?");
     expect_one_line(menu({"--print", "--setting", "font_size=x", file}), 2, "font_size takes");
     expect_one_line(menu({"--frobnicate", file}), 2, "--frobnicate");
+    expect_one_line(menu({"--png", "", file}), 2, "--png takes");
+    expect_one_line(menu({"--at", "", file}), 2, "--at takes");
 }
 
 TEST_F(MenuCommand, TellsItsVersionAndItsUse) {
@@ -482,11 +487,112 @@ TEST_F(MenuCommand, LeavesNothingBehind) {
     EXPECT_EQ(count(), before);
 }
 
-TEST_F(MenuCommand, WritesDebugLinesWhenAskedTo) {
-    const Outcome outcome = menu({"--print", "--setting", "logLevel=1", folder.path()});
+TEST_F(MenuCommand, WritesDebugLinesToStandardErrorAndTheMenuAloneToStandardOutput) {
+    for (const char* form : {"--print", "--json"}) {
+        const Outcome plain = menu({form, folder.path()});
+        const Outcome logged = menu({form, "--setting", "logLevel=1", folder.path()});
+        EXPECT_EQ(logged.status, 0);
+        EXPECT_EQ(logged.out, plain.out);
+        EXPECT_EQ(plain.err, "");
+        EXPECT_NE(logged.err.find("Delvio-SLSA! Is loaded: 0 Is Finder: "), std::string::npos);
+    }
+}
+
+TEST_F(MenuCommand, WaitsForThePictureOfAPreviewSubmenu) {
+    folder.file("top/note.txt", "text\n");
+    const Words words = {"--modifiers", "option", "--depth", "2", folder.path("top")};
+    for (const json& item : level(menu_json(words), "top")) {
+        if (item["modifiers"] != Words({"option"})) continue;
+        ASSERT_EQ(item["submenu"]["items"].size(), 1u);
+        EXPECT_EQ(item["submenu"]["items"][0]["image"], true);
+    }
+    Words print = words;
+    print.insert(print.begin(), "--print");
+    EXPECT_NE(menu(print).out.find("    note.txt > [option]\n        (picture)\n"),
+              std::string::npos);
+}
+
+TEST_F(MenuCommand, EndsInALoopOfLinksAndSaysWhatItLeftClosed) {
+    folder.folder("top");
+    folder.link("top/again", ".");
+    const Outcome outcome = menu({"--print", "--depth", "1000000", folder.path("top")});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.out.find("Delvio-SLSA! Is loaded: 0 Is Finder: "), std::string::npos);
-    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_NE(outcome.err.find("left closed: 1 submenu;"), std::string::npos) << outcome.err;
+}
+
+TEST_F(MenuCommand, ReadsNoMoreRowsThanItCanHold) {
+    constexpr int links = 48;  // their third level would have 110592 rows, their fourth millions
+    folder.folder("top");
+    for (int i = 0; i < links; ++i) folder.link("top/" + std::to_string(i), ".");
+    const Outcome outcome = menu({"--print", "--depth", "5", folder.path("top")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_NE(outcome.err.find("left closed: "), std::string::npos) << outcome.err;
+    const auto rows = std::count(outcome.out.begin(), outcome.out.end(), '\n');
+    EXPECT_GT(rows, 100000);
+    EXPECT_LT(rows, 100000 + 6 * links);  // what the open levels still hold
+}
+
+// The name as a terminal shows it: no escape sequence, no second line, no turned order.
+const std::string hostile_name = "a\x1b[31m\x07\xc2\x9b\x7f\nb\xe2\x80\xae";
+
+TEST_F(MenuCommand, PassesNoControlCharactersOn) {
+    folder.file("top/" + hostile_name);
+    const std::string mark = "\xef\xbf\xbd";
+    const std::string shown = "a" + mark + "[31m" + mark + mark + mark + mark + "b" + mark;
+    const Outcome printed = menu({"--print", "--depth", "1", folder.path("top")});
+    EXPECT_NE(printed.out.find("    " + shown + "\n"), std::string::npos) << printed.out;
+    const Outcome written = menu({"--json", "--depth", "1", folder.path("top")});
+    for (const char* raw : {"\x1b", "\x07", "\xc2\x9b", "\x7f", "\xe2\x80\xae"}) {
+        EXPECT_EQ(written.out.find(raw), std::string::npos);
+    }
+    EXPECT_EQ(level(json::parse(written.out), "top")[0]["title"], hostile_name);
+    for (const Words& words : {Words{"--" + hostile_name, "f"}, Words{"--print", hostile_name}}) {
+        const Outcome outcome = menu(words);
+        EXPECT_NE(outcome.err.find("a\\x1b[31m"), std::string::npos) << outcome.err;
+        EXPECT_EQ(outcome.err.find('\x1b'), std::string::npos);
+    }
+}
+
+TEST_F(MenuCommand, LeavesNothingOfAKilledRunAtTheNextStart) {
+    const auto left = [&] { return std::distance(fs::directory_iterator(folder.path("tmp")), {}); };
+    folder.folder("tmp");
+    const test::Changes there = {{"TMPDIR", folder.path("tmp")}};
+    const Words words = {"menu", "--print", folder.path()};
+    // One that is so quick that it ends by itself leaves nothing, and is tried again.
+    for (int attempt = 0; attempt < 20 && left() == 0; ++attempt) {
+        test::RunningCommand command(words, there);
+        while (left() == 0 && kill(command.process(), 0) == 0) usleep(1000);
+        command.send_signal(SIGKILL);
+        command.finish();
+    }
+    ASSERT_EQ(left(), 1);
+    EXPECT_EQ(run_delvio(words, there).status, 0);
+    EXPECT_EQ(left(), 0);
+}
+
+TEST_F(MenuCommand, LeavesTheFilesOfARunThatGoesOn) {
+    folder.folder("tmp");
+    const test::Changes there = {{"TMPDIR", folder.path("tmp")}};
+    const std::string first = folder.path("tmp/delvio.abcdef");
+    fs::create_directory(first);
+    chmod(first.c_str(), 0700);
+    const int held = open((first + "/authority").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    EXPECT_EQ(run_delvio({"menu", "--print", folder.path()}, there).status, 0);
+    EXPECT_TRUE(fs::exists(first + "/authority"));
+    close(held);
+    EXPECT_EQ(run_delvio({"menu", "--print", folder.path()}, there).status, 0);
+    EXPECT_FALSE(fs::exists(first));
+}
+
+TEST_F(MenuCommand, WorksWithoutAHomeFolder) {
+    for (const Words& words :
+         {Words{"menu", "--print", folder.path()}, Words{"settings", "list"}}) {
+        const Outcome outcome = run_delvio(words, {{"HOME", ""}});
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_NE(outcome.out, "");
+    }
 }
 
 }  // namespace

@@ -1,11 +1,17 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <pwd.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "popup/close_words.h"
 #include "popup/file_arguments.h"
+#include "popup/home_folder.h"
 #include "popup/menu_snapshot.h"
 #include "popup/modifier_names.h"
+#include "popup/printable.h"
 #include "popup/title_match.h"
 #include "support/temp_folder.h"
 
@@ -60,6 +66,51 @@ TEST(TitleMatch, KeepsItsProblemOnOneLine) {
     std::string problem;
     EXPECT_EQ(MatchTitle("a\nb", {"a\nc"}, &problem), -1);
     EXPECT_EQ(problem.find('\n'), std::string::npos);
+}
+
+TEST(HomeFolder, IsTheSystemsWhereTheEnvironmentNamesNone) {
+    const std::string home = getenv("HOME");
+    std::string problem;
+    EXPECT_TRUE(EnsureHomeFolder(&problem));
+    EXPECT_EQ(getenv("HOME"), home);
+    for (const char* none : {"", "relative"}) {
+        setenv("HOME", none, 1);
+        EXPECT_TRUE(EnsureHomeFolder(&problem));
+        EXPECT_STREQ(getenv("HOME"), getpwuid(geteuid())->pw_dir);
+    }
+    unsetenv("HOME");
+    EXPECT_TRUE(EnsureHomeFolder(&problem));
+    EXPECT_STREQ(getenv("HOME"), getpwuid(geteuid())->pw_dir);
+    setenv("HOME", home.c_str(), 1);
+}
+
+TEST(HomeFolder, ThatNobodyKnowsIsSaid) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can be a user that the system does not know";
+    const pid_t child = fork();
+    if (child == 0) {
+        unsetenv("HOME");
+        std::string problem;
+        const bool stranger = setreuid(4000000, 4000000) == 0;
+        const bool said = !EnsureHomeFolder(&problem) && problem.find("set HOME") != problem.npos;
+        _exit(stranger && said ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
+TEST(Printable, MarksWhatChangesATerminalAndNothingElse) {
+    EXPECT_EQ(Printable("plain \xc3\xa4 \xf0\x9f\x98\x80", "?"), "plain \xc3\xa4 \xf0\x9f\x98\x80");
+    EXPECT_EQ(Printable("\x1b\n\t\x7f\xc2\x80\xc2\x9f\xc2\xa0", "?"), "??????\xc2\xa0");
+    EXPECT_EQ(Printable("\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6\xe2\x80\xaf", "?"),
+              "???\xe2\x80\xaf");
+    EXPECT_EQ(Printable("a\xff\xc3", "?"), "a??");
+    EXPECT_EQ(Printable(std::string("a\0b", 3), "?"), "a?b");
+}
+
+TEST(Printable, EscapesInJsonAndKeepsItsLines) {
+    EXPECT_EQ(PrintableJson("{\n\"a\xc2\x9b\x7f\xe2\x80\xae\"\n}"),
+              "{\n\"a\\u009b\\u007f\\u202e\"\n}");
 }
 
 TEST(CloseWords, ComeNearestFirstAndNoneTwice) {

@@ -180,6 +180,29 @@ TEST(SettingsCommand, ReadsWhatAnotherProgramWrote) {
     settings({"reset", "--all"});
 }
 
+TEST(SettingsCommand, TellsWhatANumberBeyondItsBoundsComesTo) {
+    const std::pair<const char*, const char*> numbers[] = {{"rootMenuCollapseThreshold", "0"},
+                                                           {"intra_sort_order", "9"},
+                                                           {"show_hidden_files", "7"},
+                                                           {"sort_order", "6"},
+                                                           {"showLabels", "5"}};
+    std::string values;
+    for (const auto& [key, stored] : numbers) {
+        const std::string command = std::string("defaults write org.delvio.Delvio ") + key + " ";
+        EXPECT_EQ(system((command + stored + " >/dev/null 2>&1").c_str()), 0);
+        values += get(key);
+    }
+    settings({"reset", "--all"});
+    EXPECT_EQ(values, "1\n0\n0\n2\n1\n");
+}
+
+TEST(SettingsCommand, TellsTheFolderThatApplicationsComeFromUnlessOneIsSet) {
+    EXPECT_EQ(get("open_with_path").substr(0, 1), "/");
+    settings({"set", "open_with_path", "/opt"});
+    EXPECT_EQ(get("open_with_path"), "/opt\n");
+    settings({"reset", "--all"});
+}
+
 TEST(SettingsCommand, RefusesAnUnknownKeyAndNamesTheNearest) {
     expect_refused({"set", "sort_oder", "1"}, "\"sort_oder\"; did you mean sort_order?");
     expect_refused({"get", "SORT_ORDER"}, "did you mean sort_order?");

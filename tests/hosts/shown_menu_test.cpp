@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "hosts/command_runner.h"
+#include "hosts/slow_display.h"
 #include "support/recording_program.h"
 #include "support/temp_folder.h"
 
@@ -252,6 +253,16 @@ TEST_F(ShownMenu, TakesItsOwnDisplayAlongAtASignal) {
     command.send_signal(SIGTERM);
     EXPECT_EQ(command.finish().status, 128 + SIGTERM);
     EXPECT_TRUE(wait_for([&] { return kill(children[0], 0) != 0; }));
+}
+
+TEST_F(ShownMenu, EndsAtASignalWhileTheToolkitConnectsToTheDisplay) {
+    // The command asks first whether the display answers; the toolkit's connection comes second.
+    const test::SlowDisplay slow(2);
+    RunningCommand command({"menu", folder.path()}, {{"DISPLAY", slow.name()}});
+    ASSERT_TRUE(wait_for([&] { return slow.is_waited_for(); }));
+    command.send_signal(SIGTERM);
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.status, 128 + SIGTERM) << outcome.err;
 }
 
 TEST_F(ShownMenu, CopiesThePathsForOthersToPaste) {

@@ -1,0 +1,13 @@
+// Text that goes to a terminal. Names may hold anything: what would change the terminal's state, or
+// the order in which its line is read, is shown by a mark.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// The text with `mark` in place of each control character (C0, DEL, C1), line and paragraph
+// separator and character that sets the direction of text, and of each byte that is not UTF-8.
+std::string Printable(std::string_view text, std::string_view mark);
+
+// The same text as JSON, each of these characters as an escape ("\u009b").
+std::string PrintableJson(std::string_view json);

@@ -1,0 +1,3 @@
+#pragma once
+
+extern "C" int strcasecmp(const char* first, const char* second);
