@@ -310,6 +310,8 @@ def main():
     parser.add_argument("--replace", nargs=3, metavar=("FILE", "OLD", "NEW"), action="append")
     parser.add_argument("--nth", type=int, default=1)
     arguments = parser.parse_args()
+    # So that the line that is changed just then is put back.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
 
     if arguments.replace:
         changes = [own_change(*replace, arguments.nth) for replace in arguments.replace]
