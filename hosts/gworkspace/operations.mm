@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "finderkit/file_operations.h"
+#include "gworkspace/changes.h"
 #include "gworkspace/handover.h"
 #include "operations/engine.h"
 #include "operations_ui/operation_window.h"
@@ -41,7 +42,10 @@ using operations::Request;
 // GWorkspace has windows of its own; ours would stand over its questions.
 - (void)start {
     if (IsForGWorkspace(*_request)) return [self handOver];
-    const auto windows = operations::MakeWindowObserver(*_request, {}, operations::Asks::Once);
+    const auto ended = [request = *_request](const operations::Report& report) {
+        TellGWorkspace(request, report);
+    };
+    const auto windows = operations::MakeWindowObserver(*_request, ended, operations::Asks::Once);
     _engine->carry_out(*_request, windows);
 }
 

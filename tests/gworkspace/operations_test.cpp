@@ -253,6 +253,8 @@ TEST_F(Operations, TheAlertReplacesByMouseAndUndoBringsTheOldBack) {
     EXPECT_TRUE(wait_until([&] { return read_file(basket("taken.txt")) == "new"; }));
     EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
     EXPECT_EQ(read_file(basket("TAKEN.txt")), "other");
+    EXPECT_TRUE(wait_until([&] { return !manager().ask_area("item icons " + source); }))
+        << "the viewer still shows what is gone";
     undo();
     EXPECT_EQ(read_file(basket("taken.txt")), "old");
     EXPECT_EQ(read_file(source), "new");
