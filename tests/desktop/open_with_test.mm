@@ -1,6 +1,7 @@
 // Opening with an application of the user's choice, by hand: which files it is given, what the
 // first line of the menu says, and what is listed there.
 #include <AppKit/AppKit.h>
+#include <Carbon/HostProcess.h>
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
@@ -31,11 +32,14 @@ class OpenWith : public test::Desk {
             "record", "#!/bin/sh\nprintf '%s\\036' \"$@\" >>'" + folder_.path("opened") + "'\n");
         chmod(script_.c_str(), 0755);
         folder_.file("apps/recorder.desktop", entry("Recorder", script_ + " %F"));
+        // As the host does for the folder that is set.
+        DeclareApplicationsFolder(folder_.path("apps").c_str());
         set_preference("open_with_path", folder_.path("apps"));
         set_preference("runningAppsInOpenWithMenu", "0");
         select({folder_.path("dir"), folder_.path("a.txt"), folder_.path("b.txt")});
     }
     void TearDown() override {
+        DeclareApplicationsFolder(nullptr);
         set_preference("runningAppsInOpenWithMenu", "1");
         set_preference("open_with_path", "");
         set_preference("folders", "()");
