@@ -12,7 +12,7 @@ using test::DropTarget;
 using test::Steps;
 using titles_t = std::vector<std::string>;
 
-constexpr char command_key[] = "Alt_L";  // of GNUstep's own mapping
+constexpr char command_key[] = "Super_L";
 constexpr int target_x = 900, target_y = 500;
 
 class Drag : public test::Desk {

@@ -33,7 +33,7 @@ TEST(UndoCommand, BringsBackWhatAnotherProcessMoved) {
     const test::Outcome undone = test::run_delvio({"undo"});
     EXPECT_EQ(undone.status, 0);
     EXPECT_EQ(undone.err, "");
-    EXPECT_EQ(undone.out, "\"-a?b\xff\" is back in \"" + folder.path("from") + "\"\n");
+    EXPECT_EQ(undone.out, "\"-a\\nb\\xff\" is back in \"" + folder.path("from") + "\"\n");
     EXPECT_EQ(test::read_file(source), "text");
 
     const test::Outcome again = test::run_delvio({"undo"});
