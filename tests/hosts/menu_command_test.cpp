@@ -6,6 +6,7 @@
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -556,13 +557,26 @@ TEST_F(MenuCommand, PassesNoControlCharactersOn) {
 
 TEST_F(MenuCommand, LeavesNothingOfAKilledRunAtTheNextStart) {
     const auto left = [&] { return std::distance(fs::directory_iterator(folder.path("tmp")), {}); };
+    const auto has_file = [&] {
+        for (const auto& entry : fs::directory_iterator(folder.path("tmp"))) {
+            if (fs::exists(entry.path() / "authority")) return true;
+        }
+        return false;
+    };
+    const auto runs = [](const test::RunningCommand& command) {
+        siginfo_t ended = {};
+        const int options = WEXITED | WNOHANG | WNOWAIT;
+        const auto process = static_cast<id_t>(command.process());
+        return waitid(P_PID, process, &ended, options) == 0 && ended.si_pid == 0;
+    };
     folder.folder("tmp");
     const test::Changes there = {{"TMPDIR", folder.path("tmp")}};
     const Words words = {"menu", "--print", folder.path()};
     // One that is so quick that it ends by itself leaves nothing, and is tried again.
     for (int attempt = 0; attempt < 20 && left() == 0; ++attempt) {
         test::RunningCommand command(words, there);
-        while (left() == 0 && kill(command.process(), 0) == 0) usleep(1000);
+        // The folder is there a moment before its file is.
+        while (!has_file() && runs(command)) usleep(1000);
         command.send_signal(SIGKILL);
         command.finish();
     }
