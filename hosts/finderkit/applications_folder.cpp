@@ -87,6 +87,7 @@ CFStringRef plug_in_domain;
 // The setting open_with_path; empty when there is none.
 std::string configured_folder() {
     if (!plug_in_domain) return {};
+    CFPreferencesAppSynchronize(plug_in_domain);  // another program may have set it
     const CFPropertyListRef value =
         CFPreferencesCopyAppValue(CFSTR("open_with_path"), plug_in_domain);
     char path[PATH_MAX] = "";
