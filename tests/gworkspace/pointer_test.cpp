@@ -146,6 +146,8 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
         usleep(100000);
     }
     input().release(1);
+    // The keyboard may still be the other program's: a click gives it to the question.
+    left_click(manager().settled_area("alert_ground"));
     answer("Copy one item from");
     EXPECT_TRUE(wait_until([&] { return std::filesystem::exists(path("brought.txt")); }));
     EXPECT_EQ(command.finish().status, 0);

@@ -277,6 +277,11 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         [workspace newViewerAtPath:path];
     } else if (question == "alert") {
         *answer = alert_text();
+    } else if (question == "alert_ground") {
+        NSWindow* panel = [NSApp modalWindow];
+        if (panel && IsSettled(panel)) {
+            *answer = area_of([panel contentView], NSMakeRect(2, 2, 4, 4));
+        }
     } else if (question == "question") {
         NSWindow* panel = [NSApp modalWindow];
         if (panel && HasKeyboard(panel)) *answer = alert_text();
