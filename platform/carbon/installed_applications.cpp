@@ -212,10 +212,8 @@ const std::vector<InstalledApplication>& installed_applications() {
 
 bool is_installed_entry(const std::string& path, const struct stat& status) {
     const Identity file = {status.st_dev, status.st_ino};
-    // One that is not known may have come just now.
-    if (current_index(one_moment).files.contains(file) || current_index(0).files.contains(file)) {
-        return true;
-    }
+    // Looked at now: an entry may have come, or may have gone and left its number to another file.
+    if (current_index(0).files.contains(file)) return true;
     const TextOwner real(declared_folder().empty() ? nullptr : realpath(path.c_str(), nullptr));
     return real && is_in_declared_folder(real.get());
 }

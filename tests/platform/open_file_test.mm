@@ -136,6 +136,24 @@ TEST_F(OpenFile, AStrangersEntryIsATextAndIsNotRun) {
     }
 }
 
+// The number of a removed entry goes to the next file where the disk gives it out again at once; a
+// second name of the entry's own file has it in any case.
+TEST_F(OpenFile, AFileWithTheNumberOfARemovedEntryIsATextAndIsNotRun) {
+    const std::string path = std::string(getenv("XDG_DATA_HOME")) + "/applications/gone.desktop";
+    const std::string other = folder.path("kept.desktop");
+    std::ofstream(path) << application("one started");
+    ASSERT_TRUE(open(path));
+    EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    program->forget();
+    ASSERT_EQ(link(path.c_str(), other.c_str()), 0);
+    ASSERT_TRUE(open(path));  // the list of entries is fresh when the entry goes
+    unlink(path.c_str());
+    EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    program->forget();
+    ASSERT_TRUE(open(other));
+    EXPECT_EQ(record(), arguments_t({other}));
+}
+
 TEST_F(OpenFile, AnEntryThatTheUserMayExecuteIsRunUnlessItIsHidden) {
     const std::string path = folder.file("mine.desktop", application("was run"));
     chmod(path.c_str(), 0755);
