@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 #include <xcb/xcb.h>
 
 #include <algorithm>
@@ -134,14 +135,23 @@ void FileOffer::end(unsigned source) {
     if (entered_) leave(entered_, source);
 }
 
-bool FileOffer::hold_pointer() {
-    released_ = false;
+bool FileOffer::grab_pointer() {
     const reply_t<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(
         server_,
         xcb_grab_pointer(server_, 0, window_, XCB_EVENT_MASK_BUTTON_RELEASE, XCB_GRAB_MODE_ASYNC,
                          XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
         nullptr));
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+// Another client can have the pointer for a moment, for example a window manager.
+bool FileOffer::hold_pointer() {
+    released_ = false;
+    for (int turn = 0; turn < 20; turn++) {
+        if (grab_pointer()) return true;
+        usleep(5000);
+    }
+    return false;
 }
 
 void FileOffer::let_pointer_go() {

@@ -50,6 +50,7 @@ class FileOffer {
   private:
     FileOffer() = default;
     bool connect();
+    bool grab_pointer();
     void send(unsigned target, unsigned type, const unsigned (&data)[5]);
     unsigned target_version(unsigned target);
     unsigned server_time();
