@@ -294,6 +294,7 @@ TEST_F(Preview, TheNextFileFollowsAfterAThirdOfASecond) {
 }
 
 TEST_F(Preview, AFolderShowsNoHoverWindow) {
+    set_preference("hoverPreviewsInterval", "3000");  // long enough to be seen to run
     bool shown = true;
     resting_on("inner", [&](Steps& steps) {
         steps.when("the wait", [] { return pending_timer() != nil; })

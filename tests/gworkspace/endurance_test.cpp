@@ -15,7 +15,9 @@ class Endurance : public ViewerDesk {
 
     long balance() const {
         long made = 0, freed = 0;
-        std::istringstream(manager().ask("elements")) >> made >> freed;
+        std::string counts;
+        EXPECT_TRUE(wait_until([&] { return !(counts = manager().ask("elements")).empty(); }));
+        std::istringstream(counts) >> made >> freed;
         EXPECT_GT(made, 0);
         return made - freed;
     }
