@@ -100,6 +100,8 @@ TEST_F(Notices, ClosingTheAlertReplacesNothing) {
     right_click(item("icons", add("kept.txt")));
     pick({"basket", "Move selection here"});
     close_by_title_bar("Replace duplicate files?");
+    close_by_title_bar("Name Already Taken");  // the question that follows a refusal
+    EXPECT_TRUE(wait_until([&] { return manager().ask("idle") == "yes"; }));
     EXPECT_EQ(read_file(old), "old");
     EXPECT_EQ(read_file(source), "new");
 }

@@ -27,7 +27,6 @@
 #include <atomic>
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "support/temp_folder.h"
@@ -308,18 +307,6 @@ TEST_F(Restrictions, ADecoderStartsNothing) {
         },
         "another process");
 }
-
-#if !__has_feature(address_sanitizer)
-TEST_F(Restrictions, ADecoderUsesTheLibrarysThreads) {
-    EXPECT_EQ(status_of(restrict_plainly,
-                        [] {
-                            int value = 1;
-                            std::thread([&value] { value = 0; }).join();
-                            return value;
-                        }),
-              0);
-}
-#endif
 
 // By the kernel's call itself: a sanitizer's own threads ask for their processors by number, and
 // a decoder may ask only for its own.
