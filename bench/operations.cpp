@@ -68,7 +68,7 @@ void start_anew(const std::string& path) {
 void copy_race(const std::string& what, const std::string& source, int rounds) {
     const std::string to = folder + "/to";
     start_anew(to);
-    bench::Race race;
+    bench::Race race(what, 0);
     race.add(
         "cp -a and sync",
         [&] {
@@ -98,7 +98,7 @@ void move_race() {
         for (const std::string& name : names) start.push_back(place + "/" + name);
         return start;
     };
-    bench::Race race;
+    bench::Race race("moving within a volume", items);
     race.add(
         "mv",
         [&] {
@@ -127,12 +127,9 @@ int main() {
     std::string name = fs::temp_directory_path().string() + "/delvio-bench.XXXXXX";
     if (!mkdtemp(name.data())) return 1;
     folder = name;
-    printf("moving 10,000 files from one folder to another\n");
     move_race();
-    printf("copying a tree of 10,000 small files\n");
     make_small_files(folder + "/tree", true);
     copy_race("copying 10,000 small files", folder + "/tree", 3);
-    printf("copying a file of 1 GiB\n");
     make_long_file(folder + "/long");
     copy_race("copying 1 GiB", folder + "/long", 3);
     fs::remove_all(folder);

@@ -1,7 +1,6 @@
 // The scan of a folder beside the floor of the work that it must do, and its comparator beside
 // strcmp and ICU's collator.
 #include <dirent.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unicode/ucol.h>
@@ -24,7 +23,7 @@ void race_scans(int entries, int rounds) {
     const bench::TestFolder folder(entries);
     const char* path = folder.path().c_str();
     dv_tree_t* root = nullptr;
-    bench::Race race(bench::processor_time);
+    bench::Race race("scan", entries, bench::processor_time);
     race.add("floor: getdents64, statx, lgetxattr, qsort", [&] {
         if (bench::scan_floor(path) != static_cast<size_t>(entries)) {
             throw std::runtime_error("the floor lost entries");
@@ -40,7 +39,6 @@ void race_scans(int entries, int rounds) {
             dv_free_tree(root);
         });
     race.run(rounds);
-    printf("scan of %d entries, medians of %d rounds, processor time\n", entries, rounds);
     race.print();
     const double ratio =
         race.seconds("dv_build_tree") / race.seconds("floor: getdents64, statx, lgetxattr, qsort");
@@ -86,12 +84,11 @@ void race_comparators(int count, int rounds) {
     collator = ucol_open("", &error);
     ucol_setAttribute(collator, UCOL_STRENGTH, UCOL_SECONDARY, &error);
     ucol_setAttribute(collator, UCOL_NUMERIC_COLLATION, UCOL_ON, &error);
-    bench::Race race(bench::processor_time);
+    bench::Race race("order of names", count, bench::processor_time);
     race.add("qsort, strcmp", [&] { sort_entries(entries, by_bytes); });
     race.add("qsort, dv_sort", [&] { sort_entries(entries, dv_sort); });
     race.add("qsort, ICU's collator", [&] { sort_entries(entries, by_collator); });
     race.run(rounds);
-    printf("order of %d names, medians of %d rounds, processor time\n", count, rounds);
     race.print();
     ucol_close(collator);
 }

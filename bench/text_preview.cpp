@@ -1,6 +1,5 @@
 // What a text preview costs beside the bare drawing of its glyphs, in the default square.
 #include <cairo-ft.h>
-#include <stdio.h>
 #include <string.h>
 
 #include <vector>
@@ -71,14 +70,13 @@ int main() {
     state.preview_size = side;
     dv_create_preview_context(&state);
 
-    bench::Race race(bench::processor_time);
+    bench::Race race("text preview", static_cast<int>(lines * columns), bench::processor_time);
     race.add("bare glyphs, cairo", [&] { glyphs.draw(); });
     race.add("text preview", [&] {
         memcpy(buffer.data(), text.data(), text.size());
         CGImageRelease(dv_render_text_preview(&state, buffer.data(), lines * columns));
     });
     race.run(501);
-    printf("%u lines of %u characters, medians of 501 rounds, processor time\n", lines, columns);
     race.print();
     bench::check("text preview / bare glyphs",
                  race.seconds("text preview") / race.seconds("bare glyphs, cairo"), limit);

@@ -1,7 +1,6 @@
 // A thumbnail of a photograph beside gdk-pixbuf's own scaled load of it, and one from the cache
 // beside reading and decoding that PNG file.
 #include <gdk-pixbuf/gdk-pixbuf.h>
-#include <stdio.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -62,7 +61,7 @@ std::string only_entry() {
 void race_fresh(thumbnails::ThumbnailMaker& maker, const thumbnails::Settings& settings,
                 const std::string& photograph, const char* cage) {
     const std::string helper = settings.helper_folder + "/delvio-thumbnailer";
-    bench::Race race;
+    bench::Race race(std::string("thumbnail of a JPEG file, in ") + cage, width * height);
     race.add("gdk-pixbuf, scaled load in this process", [&] {
         load(gdk_pixbuf_new_from_file_at_scale(photograph.c_str(), box.width, box.height, TRUE,
                                                nullptr));
@@ -80,8 +79,6 @@ void race_fresh(thumbnails::ThumbnailMaker& maker, const thumbnails::Settings& s
             fs::remove_all(cache_folder());
         });
     race.run(rounds);
-    printf("thumbnail of a %d x %d JPEG file in %s, medians of %d rounds\n", width, height, cage,
-           rounds);
     race.print();
     const double start = race.seconds("empty start of the helper");
     const double own = race.seconds("a thumbnail, not yet in the cache") - start;
@@ -93,13 +90,12 @@ void race_cached(thumbnails::ThumbnailMaker& maker, const std::string& photograp
     expect(maker.make(photograph, box).width == 256, "no thumbnail");
     thumbnails::wait_for_background();
     const std::string entry = only_entry();
-    bench::Race race;
+    bench::Race race("thumbnail from the cache", 0);
     race.add("read and decode the PNG file",
              [&] { load(gdk_pixbuf_new_from_file(entry.c_str(), nullptr)); });
     race.add("a thumbnail from the cache",
              [&] { expect(maker.make(photograph, box).width == 256, "no thumbnail"); });
     race.run(rounds * 8);
-    printf("thumbnail from the cache, medians of %d rounds\n", rounds * 8);
     race.print();
     bench::check(
         "thumbnail from the cache to decoding its PNG file",
