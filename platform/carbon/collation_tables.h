@@ -1,16 +1,16 @@
-// Sort weights of the characters U+0000 to U+00FF, taken from ICU's root order.
+// Sort weights of the characters U+0000 to U+00FF, taken from ICU's root order when the platform is
+// built.
 #pragma once
 
 #include <stdint.h>
-#include <unicode/ucol.h>
 
 namespace collation {
 
 // One step of a text's sort order. Weights are ranks: only their order means anything.
 // A primary of 0 is a mark on the character before it, such as an accent.
 struct Element {
-    uint16_t primary;
-    uint16_t secondary;
+    uint8_t primary;
+    uint8_t secondary;
 };
 
 enum Kind : uint8_t {
@@ -37,14 +37,9 @@ struct Tables {
     uint8_t contextual_count;
     // The ranks of the characters 0 and 9. Fractions and superscripts stand between them; where
     // a number stands among those depends on its value.
-    uint16_t lowest_digit, highest_digit;
+    uint8_t lowest_digit, highest_digit;
 };
 
-// ICU's comparison in full: case ignored, digits as numbers, accents and punctuation significant.
-// Null when ICU has no data. Any thread.
-const UCollator* root_collator();
-
-// Null when ICU has no data. Any thread.
-const Tables* tables();
+extern const Tables tables;
 
 }  // namespace collation

@@ -6,6 +6,7 @@
 #include <bit>
 
 #include "carbon/collation_tables.h"
+#include "carbon/root_collator.h"
 
 namespace {
 
@@ -121,9 +122,9 @@ bool next_primary(Walker* walker, bool* has_marks) {
 
 int compare_primaries(const Tables& tables, const Walker& a, const Walker& b) {
     if (a.is_number && b.is_number) return compare(a.number, b.number);
-    const uint16_t primary_a = a.element.primary, primary_b = b.element.primary;
+    const uint8_t primary_a = a.element.primary, primary_b = b.element.primary;
     if (a.is_number != b.is_number) {
-        const uint16_t other = a.is_number ? primary_b : primary_a;
+        const uint8_t other = a.is_number ? primary_b : primary_a;
         if (other >= tables.lowest_digit && other <= tables.highest_digit) return undecided;
     }
     return primary_a == primary_b ? 0 : primary_a < primary_b ? -1 : 1;
@@ -146,7 +147,7 @@ int compare_marks(const Tables& tables, const Text& text1, const Text& text2) {
     for (;;) {
         const bool more_a = a.next(), more_b = b.next();
         if (!more_a || !more_b) return more_a - more_b;
-        const uint16_t mark_a = a.element.secondary, mark_b = b.element.secondary;
+        const uint8_t mark_a = a.element.secondary, mark_b = b.element.secondary;
         if (mark_a != mark_b) return mark_a < mark_b ? -1 : 1;
     }
 }
@@ -262,11 +263,9 @@ OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, Un
                               SInt32* order) {
     const bool missing = (!text1 && length1) || (!text2 && length2);
     if (options != served_options || missing) return paramErr;
-    const Tables* tables = collation::tables();
-    if (!tables) return kTECMissingTableErr;
 
     const Text first = {text1, text1 + length1}, second = {text2, text2 + length2};
-    int result = compare_by_tables(*tables, first, second);
+    int result = compare_by_tables(collation::tables, first, second);
     if (result == undecided) {
         const UCollator* collator = collation::root_collator();
         if (!collator) return kTECMissingTableErr;

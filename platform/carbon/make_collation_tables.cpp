@@ -1,17 +1,19 @@
-#include "carbon/collation_tables.h"
-
+// Asks ICU for the sort weights of the characters U+0000 to U+00FF and writes them as C++ source to
+// the file that its argument names, when the platform is built: asking takes some milliseconds.
+#include <stdio.h>
 #include <unicode/ucoleitr.h>
-
-#include <assert.h>
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
+#include <stdexcept>
 #include <vector>
 
-namespace collation {
+#include "carbon/collation_tables.h"
+#include "carbon/root_collator.h"
 
 namespace {
+
+using namespace collation;
 
 // As ICU gives them, before they become ranks.
 struct Weight {
@@ -20,25 +22,9 @@ struct Weight {
 };
 using Weights = std::vector<Weight>;
 
-struct CollatorClose {
-    void operator()(UCollator* collator) const { ucol_close(collator); }
-};
-using Collator = std::unique_ptr<UCollator, CollatorClose>;
-
 struct ElementsClose {
     void operator()(UCollationElements* elements) const { ucol_closeElements(elements); }
 };
-
-Collator open_collator(UColAttributeValue numeric) {
-    UErrorCode error = U_ZERO_ERROR;
-    Collator collator(ucol_open("", &error));
-    if (U_FAILURE(error)) return nullptr;
-    ucol_setAttribute(collator.get(), UCOL_STRENGTH, UCOL_SECONDARY, &error);
-    ucol_setAttribute(collator.get(), UCOL_NUMERIC_COLLATION, numeric, &error);
-    ucol_setAttribute(collator.get(), UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &error);
-    ucol_setAttribute(collator.get(), UCOL_NORMALIZATION_MODE, UCOL_ON, &error);
-    return U_FAILURE(error) ? nullptr : std::move(collator);
-}
 
 // ICU hands out long weights in two halves, the second marked in its lowest byte.
 bool is_second_half(int32_t order) { return (order & 0xC0) == 0xC0; }
@@ -62,9 +48,9 @@ Weights weights_of(const UCollator* collator, const UChar* text, int32_t length)
     return result;
 }
 
-uint16_t rank_in(const std::vector<uint32_t>& sorted, uint32_t weight) {
+uint8_t rank_in(const std::vector<uint32_t>& sorted, uint32_t weight) {
     const auto found = std::lower_bound(sorted.begin(), sorted.end(), weight);
-    return static_cast<uint16_t>(found - sorted.begin());
+    return static_cast<uint8_t>(found - sorted.begin());
 }
 
 class Builder {
@@ -98,6 +84,7 @@ class Builder {
         for (auto* ranks : {&primaries_, &secondaries_}) {
             std::sort(ranks->begin(), ranks->end());
             ranks->erase(std::unique(ranks->begin(), ranks->end()), ranks->end());
+            if (ranks->size() > 256) throw std::length_error("more ranks than a byte has room for");
         }
     }
 
@@ -128,7 +115,9 @@ class Builder {
     }
 
     uint8_t append(const Weights& weights, Tables* tables) {
-        assert(next_ + weights.size() <= std::size(tables->sequences));
+        if (next_ + weights.size() > std::size(tables->sequences)) {
+            throw std::length_error("more elements than the table has room for");
+        }
         for (const Weight& weight : weights) tables->sequences[next_++] = element(weight);
         return static_cast<uint8_t>(weights.size());
     }
@@ -138,25 +127,41 @@ class Builder {
     uint16_t next_ = 0;
 };
 
-const Tables* build() {
-    // With digits as digits: one weight a character.
-    const Collator collator = open_collator(UCOL_OFF);
-    if (!collator) return nullptr;
-    auto* tables = new Tables;
-    Builder(collator.get()).fill(tables);
-    return tables;
+void print(const Element& element) { printf("{%d,%d}", element.primary, element.secondary); }
+
+void print(const Character& character) {
+    printf("{static_cast<Kind>(%d),%d,%d,", character.kind, character.count, character.first);
+    print(character.element);
+    printf("}");
+}
+
+template <size_t count, class Item>
+void print(const Item (&items)[count]) {
+    printf("{");
+    for (const Item& item : items) {
+        print(item);
+        printf(",\n");
+    }
+    printf("},\n");
+}
+
+void print(const Tables& tables) {
+    printf("#include \"carbon/collation_tables.h\"\n\n");
+    printf("const collation::Tables collation::tables = {\n");
+    print(tables.characters);
+    print(tables.sequences);
+    printf("%d, %d, %d, %d};\n", tables.contextual_first, tables.contextual_count,
+           tables.lowest_digit, tables.highest_digit);
 }
 
 }  // namespace
 
-const UCollator* root_collator() {
-    static const UCollator* collator = open_collator(UCOL_ON).release();
-    return collator;
+int main(int, char** arguments) {
+    if (!freopen(arguments[1], "w", stdout)) throw std::runtime_error("cannot write the file");
+    // With digits as digits: one weight a character.
+    const Collator collator = open_root_collator(UCOL_OFF);
+    if (!collator) throw std::runtime_error("ICU has no data");
+    Tables tables = {};
+    Builder(collator.get()).fill(&tables);
+    print(tables);
 }
-
-const Tables* tables() {
-    static const Tables* tables = build();
-    return tables;
-}
-
-}  // namespace collation
