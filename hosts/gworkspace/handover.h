@@ -12,5 +12,6 @@ bool IsForGWorkspace(const operations::Request& request);
 
 // GWorkspace asks, shows and tells whatever there is to ask, show and tell. May wait for a click.
 // `begins` is called from the run loop if GWorkspace begins, which it does not when the user says
-// no.
-void HandOver(const operations::Request& request, const std::function<void()>& begins);
+// no. False if a name was taken while GWorkspace asked: nothing has been done then, and GWorkspace
+// does nothing further.
+bool HandOver(const operations::Request& request, const std::function<void()>& begins);

@@ -11,6 +11,7 @@
 #include <set>
 
 #include "gworkspace/gworkspace_classes.h"
+#include "gworkspace/last_look.h"
 
 using operations::Kind;
 using operations::Request;
@@ -144,7 +145,7 @@ bool IsForGWorkspace(const Request& request) {
     return request.kind == Kind::Trash || suits_destination(request);
 }
 
-void HandOver(const Request& request, const std::function<void()>& begins) {
+bool HandOver(const Request& request, const std::function<void()>& begins) {
     id<GWWorkspace> workspace = SharedGWorkspace();
     NSMutableArray* names = [NSMutableArray array];
     for (const std::string& source : request.sources) {
@@ -158,5 +159,7 @@ void HandOver(const Request& request, const std::function<void()>& begins) {
                                      destination, @"destination", names, @"files", nil];
     static GWorkspaceBeginning* beginning = [GWorkspaceBeginning new];
     [beginning expect:order begins:begins];
-    [workspace performFileOperation:order];
+    return BeginsAfterLook(
+        order, [&] { return IsForGWorkspace(request); },
+        [&] { [workspace performFileOperation:order]; });
 }

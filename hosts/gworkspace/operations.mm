@@ -41,7 +41,7 @@ using operations::Request;
 
 // GWorkspace has windows of its own; ours would stand over its questions.
 - (void)start {
-    if (IsForGWorkspace(*_request)) return [self handOver];
+    if (IsForGWorkspace(*_request) && [self handOver]) return;
     const auto ended = [request = *_request](const operations::Report& report) {
         TellGWorkspace(request, report);
     };
@@ -49,9 +49,9 @@ using operations::Request;
     _engine->carry_out(*_request, windows);
 }
 
-- (void)handOver {
-    HandOver(*_request,
-             [request = *_request] { operations::NoteDoneElsewhere(request, "GWorkspace"); });
+- (bool)handOver {
+    return HandOver(
+        *_request, [request = *_request] { operations::NoteDoneElsewhere(request, "GWorkspace"); });
 }
 
 @end

@@ -260,6 +260,35 @@ TEST_F(Operations, TheAlertReplacesByMouseAndUndoBringsTheOldBack) {
     EXPECT_EQ(read_file(source), "new");
 }
 
+TEST_F(Operations, ANameThatIsTakenWhileGWorkspaceAsksIsAskedAboutOnceMoreAndReplacesNothing) {
+    const std::string source = add("late.txt", "new");
+    pick_for(source, to_basket);
+    ASSERT_TRUE(wait_until([&] { return !manager().ask("question").empty(); }));
+    std::ofstream(basket("late.txt")) << "old";
+    answer("Move one item from");
+    ASSERT_TRUE(wait_until([&] { return asks_about("late.txt"); })) << manager().ask("alert");
+    input().key("Return");
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); })) << manager().ask("alert");
+    EXPECT_EQ(read_file(basket("late.txt")), "old");
+    EXPECT_EQ(read_file(source), "new");
+    fs::remove(source);
+}
+
+TEST_F(Operations, ANameThatIsTakenAsGWorkspaceBeginsIsNotAskedAboutByGWorkspace) {
+    const std::string source = add("last.txt", "new"), other = add("other.txt", "other");
+    manager().ask("take_at_start " + basket("last.txt"));
+    pick_for(source, to_basket);
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return read_file(basket("last.txt")) == "taken"; }));
+    // It has come to an end, without a question, when it moves another.
+    pick_for(other, to_basket);
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(other); })) << manager().ask("alert");
+    EXPECT_EQ(read_file(basket("last.txt")), "taken");
+    EXPECT_EQ(read_file(source), "new");
+    fs::remove(source);
+}
+
 TEST_F(Operations, AFileThatTheMenuHidesIsNoMoreReplacedThanOthers) {
     const std::string source = add(".hidden", "new");
     std::ofstream(basket(".hidden")) << "old";

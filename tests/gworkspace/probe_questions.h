@@ -19,11 +19,14 @@
 //   alert                 the text of the panel that waits for an answer
 //   question              the same once the panel has the keyboard
 //   idle                  "yes" when no panel waits for an answer
+//   take_at_start PATH    a file of this name comes to be when GWorkspace's next operation begins
 //   quit                  as from the main menu
 //   memory                bytes that are allocated
 #pragma once
 
 #include <string>
+
+void TakeNameAtStart(const std::string& path);
 
 // False for another question.
 bool AnswerAboutViews(const std::string& question, const std::string& words, std::string* answer);

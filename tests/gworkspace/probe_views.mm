@@ -287,6 +287,8 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         if (panel && HasKeyboard(panel)) *answer = alert_text();
     } else if (question == "idle") {
         *answer = [NSApp modalWindow] ? "" : "yes";
+    } else if (question == "take_at_start") {
+        TakeNameAtStart(words);
     } else if (question == "quit") {
         [NSApp performSelector:@selector(terminate:) withObject:nil afterDelay:0];
     } else if (question == "memory") {
