@@ -1,7 +1,7 @@
 // The first paint of a folder's level beside the scan of that folder: from the moment at which the
 // submenu is asked to open until its rows are on the screen, scan and items included.
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
 #include <stdio.h>
@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-#include "appkit/menu_run.h"
 #include "bench/harness.h"
 #include "bench/test_folder.h"
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in.h"
+#include "menus/menu_run.h"
 #include "support/right_click.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"

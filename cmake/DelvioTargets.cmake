@@ -1,12 +1,12 @@
 # How Delvio's targets are made. Every target sees headers as <folder/header.h> from the house's
 # top folders, and the Mac's names from platform/include.
 
-# A part of the platform: one shared library a folder, so that host and plug-in share its state.
-function(delvio_platform_library name)
-  add_library(platform_${name} SHARED)
-  set_target_properties(platform_${name} PROPERTIES OUTPUT_NAME delvio-${name})
-  target_include_directories(platform_${name} PUBLIC ${PROJECT_SOURCE_DIR}/platform/include)
-  target_include_directories(platform_${name} PRIVATE ${PROJECT_SOURCE_DIR}/platform)
+# A room of the platform: objects, which become part of the one platform library.
+function(delvio_platform_room name)
+  add_library(platform_${name} OBJECT ${ARGN})
+  target_include_directories(platform_${name} PRIVATE
+    ${PROJECT_SOURCE_DIR}/platform/include ${PROJECT_SOURCE_DIR}/platform/host_include
+    ${PROJECT_SOURCE_DIR}/platform)
   target_link_libraries(platform_${name} PUBLIC gnustep)
 endfunction()
 

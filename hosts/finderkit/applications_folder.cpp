@@ -1,7 +1,7 @@
 #include "finderkit/applications_folder.h"
 
-#include <Carbon/HostProcess.h>
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/process.h>
+#include <host/forced_preferences.h>
 
 #include <glib.h>
 #include <limits.h>

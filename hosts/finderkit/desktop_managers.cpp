@@ -1,6 +1,6 @@
 #include "finderkit/desktop_managers.h"
 
-#include <Carbon/SessionBus.h>
+#include <host/session_bus.h>
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 
 #include <limits.h>
 #include <stdlib.h>

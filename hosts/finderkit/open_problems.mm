@@ -2,9 +2,9 @@
 
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
-#include <Carbon/OpeningFiles.h>
+#include <host/opening_files.h>
 
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 
 #include "finderkit/context_menu.h"
 #include "operations/visible_text.h"

@@ -1,7 +1,7 @@
 #include "finderkit/plug_in.h"
 
-#include <AppKit/MenuTracking.h>
-#include <Carbon/HostProcess.h>
+#include <host/menu_tracking.h>
+#include <host/process.h>
 #include <Foundation/Foundation.h>
 
 #include <dlfcn.h>

@@ -1,6 +1,6 @@
 #include "finderkit/preview_placement.h"
 
-#include <AppKit/WindowPlacement.h>
+#include <host/window_placement.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 namespace {

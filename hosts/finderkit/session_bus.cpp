@@ -1,5 +1,5 @@
 #include "finderkit/session_bus.h"
 
-#include <Carbon/SessionBus.h>
+#include <host/session_bus.h>
 
 GDBusConnection* ConnectToSessionBus() { return files::session_bus(); }

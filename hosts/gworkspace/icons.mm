@@ -1,7 +1,7 @@
 #include "gworkspace/icons.h"
 
 #include <AppKit/AppKit.h>
-#include <AppKit/FileIcons.h>
+#include <host/file_icons.h>
 #include <objc/runtime.h>
 
 @interface NSObject (DelvioGWorkspaceIcons)

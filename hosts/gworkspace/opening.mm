@@ -1,7 +1,7 @@
 #include "gworkspace/opening.h"
 
 #include <AppKit/AppKit.h>
-#include <Carbon/OpeningFiles.h>
+#include <host/opening_files.h>
 #include <objc/runtime.h>
 #include <sys/stat.h>
 

@@ -3,10 +3,10 @@
 
 #include <cairo.h>
 
-#include "appkit/menu_geometry.h"
-#include "appkit/menu_image.h"
-#include "appkit/menu_look.h"
+#include "look/menu_image.h"
+#include "look/menu_look.h"
 #include "operations_ui/parts_panel.h"
+#include "x11/menu_geometry.h"
 
 namespace operations {
 

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "appkit/menu_paint.h"
-#include "appkit/menu_text.h"
+#include "look/menu_text.h"
+#include "menus/menu_paint.h"
 
 namespace operations {
 

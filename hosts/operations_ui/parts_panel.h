@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "appkit/dialog_panel.h"
+#include "panels/dialog_panel.h"
 
 namespace operations {
 

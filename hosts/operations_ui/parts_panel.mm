@@ -2,9 +2,9 @@
 
 #include <memory>
 
-#include "appkit/bitmaps.h"
-#include "appkit/menu_windows.h"
+#include "look/bitmaps.h"
 #include "operations_ui/parts_paint.h"
+#include "x11/menu_windows.h"
 
 using operations::Part;
 using operations::PartKind;

@@ -1,7 +1,7 @@
 #include "popup/drags.h"
 
 #include <AppKit/AppKit.h>
-#include <AppKit/FileDrags.h>
+#include <host/file_drags.h>
 #include <GNUstepGUI/GSPasteboardServer.h>
 
 #include <unistd.h>

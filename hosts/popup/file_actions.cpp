@@ -1,6 +1,6 @@
 #include "popup/file_actions.h"
 
-#include <Carbon/SessionBus.h>
+#include <host/session_bus.h>
 #include <gio/gio.h>
 
 #include <filesystem>

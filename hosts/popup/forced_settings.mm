@@ -1,6 +1,6 @@
 #include "popup/forced_settings.h"
 
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/forced_preferences.h>
 
 #include <map>
 

@@ -1,7 +1,7 @@
 #include "popup/menu_command.h"
 
-#include <AppKit/MenuTracking.h>
-#include <AppKit/ModifierKeys.h>
+#include <host/menu_tracking.h>
+#include <host/modifier_keys.h>
 
 #include "finderkit/finder_events.h"
 #include "finderkit/open_problems.h"

@@ -1,7 +1,7 @@
 // Saves a picture of a menu that the presenter shows. Main thread.
 #pragma once
 
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "popup/menu_picture.h"
 
-#include <AppKit/MenuPicture.h>
+#include <host/menu_picture.h>
 
 #include "popup/close_words.h"
 #include "popup/menu_walker.h"

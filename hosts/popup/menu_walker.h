@@ -2,7 +2,7 @@
 // Main thread.
 #pragma once
 
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 #include "popup/menu_walker.h"
 
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 
 #include <stdio.h>
 #include <unistd.h>

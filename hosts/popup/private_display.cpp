@@ -1,6 +1,6 @@
 #include "popup/private_display.h"
 
-#include <Carbon/OpeningFiles.h>
+#include <host/opening_files.h>
 #include <X11/Xlib.h>
 
 #include <errno.h>

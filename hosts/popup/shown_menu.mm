@@ -1,6 +1,6 @@
 #include "popup/shown_menu.h"
 
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include <fcntl.h>
 #include <unistd.h>

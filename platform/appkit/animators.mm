@@ -3,9 +3,9 @@
 
 #include <unordered_map>
 
-#include "appkit/menu_windows.h"
-#include "appkit/method_patch.h"
 #include "appkit/view_fade.h"
+#include "objc/method_patch.h"
+#include "x11/menu_windows.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // A desktop entry is the bundle of its application as far as it has one.
 #include <AppKit/AppKit.h>
 
-#include "appkit/method_patch.h"
 #include "appkit/workspace_paths.h"
-#include "carbon/installed_applications.h"
+#include "desktop/installed_applications.h"
+#include "objc/method_patch.h"
 
 // Holds no code and no resources.
 @interface ApplicationEntryBundle : NSBundle {

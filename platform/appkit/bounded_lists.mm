@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "appkit/method_patch.h"
 #include "corefoundation/property_lists.h"
+#include "objc/method_patch.h"
 
 namespace {
 

@@ -12,6 +12,3 @@ bool is_card(NSWindow* window);
 void update_card(NSWindow* window);
 // Its outline, where nothing composes windows.
 void shape_card(NSWindow* window);
-
-// All cards, after the levels of the menu may have changed.
-void update_cards();

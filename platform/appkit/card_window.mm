@@ -1,16 +1,17 @@
 #include "appkit/card_window.h"
 
-#include <AppKit/WindowPlacement.h>
+#include <host/window_placement.h>
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "appkit/menu_paint.h"
-#include "appkit/menu_run.h"
-#include "appkit/menu_windows.h"
 #include "appkit/view_fade.h"
 #include "appkit/view_pixels.h"
+#include "menus/menu_paint.h"
+#include "menus/menu_presenter.h"
+#include "menus/menu_run.h"
+#include "x11/menu_windows.h"
 
 namespace {
 
@@ -179,7 +180,14 @@ void fit_window(NSWindow* window, CardView* view) {
     [content setNeedsDisplay:YES];
 }
 
+void update_shown_cards() {
+    for (NSWindow* window : std::vector<NSWindow*>(cards())) {
+        if ([window isVisible] && [window alphaValue] > 0) update_card(window);
+    }
+}
+
 void make_card(NSWindow* window) {
+    set_open_levels_listener(update_shown_cards);
     NSView* content = [window contentView];
     CardView* view = card_view(window);
     if (!view) {
@@ -254,10 +262,4 @@ void shape_card(NSWindow* window) {
     if (card.composed) return shape_menu_window(window, 0);
     if (card.cause.is_blank) return hide_shape_of_menu_window(window);
     shape_menu_window(window, card.look.radius);
-}
-
-void update_cards() {
-    for (NSWindow* window : std::vector<NSWindow*>(cards())) {
-        if ([window isVisible] && [window alphaValue] > 0) update_card(window);
-    }
 }

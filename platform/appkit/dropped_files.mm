@@ -4,7 +4,7 @@
 // be taken up once more, and the program ends. One that is held does not go away.
 #include <AppKit/AppKit.h>
 
-#include "appkit/method_patch.h"
+#include "objc/method_patch.h"
 
 namespace {
 

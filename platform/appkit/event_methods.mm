@@ -1,9 +1,9 @@
 // What NSEvent says of this moment, where GNUstep always says 0.
 #include <AppKit/AppKit.h>
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 
-#include "appkit/method_patch.h"
-#include "appkit/pointer_connection.h"
+#include "objc/method_patch.h"
+#include "x11/pointer_connection.h"
 
 #include <X11/X.h>
 

@@ -2,17 +2,17 @@
 // never hand the files out; and they miss a release over another program's window when the press
 // was not in a window of this one. What is dragged without files goes GNUstep's way.
 #include <AppKit/AppKit.h>
-#include <AppKit/FileDrags.h>
+#include <host/file_drags.h>
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <GNUstepGUI/GSDragView.h>
 
 #include <gio/gio.h>
 #include <objc/runtime.h>
 
-#include "appkit/file_offer.h"
-#include "appkit/method_patch.h"
-#include "appkit/pointer_connection.h"
 #include "corefoundation/mach_port.h"
+#include "objc/method_patch.h"
+#include "x11/file_offer.h"
+#include "x11/pointer_connection.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 // attributes ends it early.
 #include <AppKit/AppKit.h>
 
-#include "appkit/method_patch.h"
+#include "objc/method_patch.h"
 
 namespace {
 

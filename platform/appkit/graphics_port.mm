@@ -2,10 +2,10 @@
 #include <AppKit/AppKit.h>
 #include <cairo.h>
 
-#include "appkit/menu_windows.h"
-#include "appkit/method_patch.h"
 #include "appkit/view_pixels.h"
 #include "coregraphics/context.h"
+#include "objc/method_patch.h"
+#include "x11/menu_windows.h"
 
 // Releases a context with the autorelease pool: callers of -graphicsPort own nothing.
 @interface GraphicsPortOwner : NSObject {

@@ -1,7 +1,7 @@
 // Files' icons from the desktop's icon theme: GNUstep has one picture for all plain files. Pictures
 // that anybody but the system has put there are not decoded here.
 #include <AppKit/AppKit.h>
-#include <AppKit/FileIcons.h>
+#include <host/file_icons.h>
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gio/gio.h>
@@ -13,16 +13,16 @@
 
 #include <unordered_map>
 
-#include "appkit/bitmaps.h"
-#include "appkit/hidden_icons.h"
-#include "appkit/icon_names.h"
-#include "appkit/icon_theme.h"
-#include "appkit/method_patch.h"
 #include "appkit/untrusted_icons.h"
 #include "appkit/workspace_paths.h"
 #include "carbon/finder_information.h"
-#include "carbon/bundle_names.h"
-#include "carbon/small_files.h"
+#include "desktop/bundle_names.h"
+#include "desktop/icon_names.h"
+#include "desktop/icon_theme.h"
+#include "desktop/small_files.h"
+#include "look/bitmaps.h"
+#include "look/hidden_icons.h"
+#include "objc/method_patch.h"
 
 namespace {
 

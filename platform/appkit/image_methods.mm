@@ -1,8 +1,8 @@
 // NSImage from Core Graphics' pictures.
 #include <AppKit/AppKit.h>
 
-#include "appkit/bitmaps.h"
 #include "coregraphics/image.h"
+#include "look/bitmaps.h"
 
 @implementation NSImage (CoreGraphics)
 

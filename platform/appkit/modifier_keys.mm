@@ -1,6 +1,6 @@
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 
-#include "appkit/pointer_connection.h"
+#include "x11/pointer_connection.h"
 
 // Xlib's names after AppKit's: some are the same.
 #include <X11/XKBlib.h>

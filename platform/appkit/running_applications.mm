@@ -2,10 +2,10 @@
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
 
-#include "appkit/desktop_windows.h"
-#include "appkit/method_patch.h"
-#include "appkit/running_programs.h"
-#include "carbon/bundle_names.h"
+#include "desktop/bundle_names.h"
+#include "desktop/running_programs.h"
+#include "objc/method_patch.h"
+#include "x11/desktop_windows.h"
 
 @interface DesktopApplication : NSRunningApplication {
   @private

@@ -7,8 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "appkit/bitmaps.h"
-#include "appkit/menu_run.h"
+#include "look/bitmaps.h"
+#include "menus/menu_run.h"
 #include "quicklook/icon_decoder.h"
 
 namespace {

@@ -5,8 +5,8 @@
 
 #include <cmath>
 
-#include "appkit/menu_windows.h"
 #include "appkit/view_pixels.h"
+#include "x11/menu_windows.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "appkit/menu_windows.h"
+#include "x11/menu_windows.h"
 
 @interface NSGraphicsContext (CurrentTransform)
 - (NSAffineTransform*)GSCurrentCTM;

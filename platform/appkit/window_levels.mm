@@ -6,9 +6,9 @@
 #include <cairo.h>
 
 #include "appkit/card_window.h"
-#include "appkit/menu_windows.h"
-#include "appkit/method_patch.h"
 #include "appkit/view_pixels.h"
+#include "objc/method_patch.h"
+#include "x11/menu_windows.h"
 
 namespace {
 

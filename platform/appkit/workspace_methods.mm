@@ -4,11 +4,11 @@
 
 #include <glib.h>
 
-#include "appkit/method_patch.h"
 #include "appkit/workspace_paths.h"
-#include "carbon/open_failures.h"
-#include "carbon/open_file.h"
-#include "carbon/program_launch.h"
+#include "desktop/open_failures.h"
+#include "desktop/open_file.h"
+#include "desktop/program_launch.h"
+#include "objc/method_patch.h"
 
 @interface NSWorkspace (StockPrograms)
 - (BOOL)_extension:(NSString*)extension role:(NSString*)role app:(NSString**)name;

@@ -1,5 +1,5 @@
 #include <Carbon/AppleEvents.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 
 #import <Foundation/Foundation.h>
 

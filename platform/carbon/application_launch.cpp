@@ -6,13 +6,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "carbon/bundle_names.h"
-#include "carbon/desktop_entries.h"
+#include "carbon/entries_of_files.h"
 #include "carbon/file_references.h"
-#include "carbon/glib_owners.h"
-#include "carbon/open_failures.h"
-#include "carbon/open_file.h"
-#include "carbon/program_launch.h"
+#include "desktop/bundle_names.h"
+#include "desktop/glib_owners.h"
+#include "desktop/open_failures.h"
+#include "desktop/open_file.h"
+#include "desktop/program_launch.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include <array>
 
-#include "carbon/moments.h"
+#include "desktop/moments.h"
 
 namespace files {
 

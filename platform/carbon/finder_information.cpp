@@ -8,7 +8,7 @@
 
 #include "carbon/file_references.h"
 #include "carbon/hidden_lists.h"
-#include "carbon/moments.h"
+#include "desktop/moments.h"
 
 namespace files {
 

@@ -5,8 +5,8 @@
 #include <unordered_set>
 
 #include "carbon/file_references.h"
-#include "carbon/moments.h"
-#include "carbon/small_files.h"
+#include "desktop/moments.h"
+#include "desktop/small_files.h"
 
 namespace files {
 

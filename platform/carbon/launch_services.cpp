@@ -9,12 +9,12 @@
 #include <iterator>
 #include <string_view>
 
-#include "carbon/bundle_names.h"
-#include "carbon/desktop_entries.h"
+#include "carbon/entries_of_files.h"
 #include "carbon/file_references.h"
-#include "carbon/glib_owners.h"
-#include "carbon/installed_applications.h"
 #include "corefoundation/name_string.h"
+#include "desktop/bundle_names.h"
+#include "desktop/glib_owners.h"
+#include "desktop/installed_applications.h"
 
 namespace {
 

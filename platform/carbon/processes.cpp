@@ -1,12 +1,12 @@
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <Carbon/Processes.h>
 
 #include <unistd.h>
 
 #include <atomic>
 
-#include "carbon/front_window.h"
 #include "carbon/process_signature.h"
+#include "x11/front_window.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/forced_preferences.h>
 
 #import <Foundation/Foundation.h>
 

@@ -6,8 +6,8 @@
 
 #include <mutex>
 
-#include "appkit/server_connection.h"
 #include "events/server_points.h"
+#include "x11/server_connection.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 
 #include <vector>
 
-#include "appkit/method_patch.h"
 #include "events/event_record.h"
 #include "events/event_tap.h"
+#include "objc/method_patch.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xinput.h>
 
-#include "appkit/server_connection.h"
+#include "x11/server_connection.h"
 
 std::unique_ptr<RawButtons> RawButtons::open() {
     unsigned root = 0;

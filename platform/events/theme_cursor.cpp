@@ -10,7 +10,7 @@
 #include <mutex>
 #include <thread>
 
-#include "appkit/server_connection.h"
+#include "x11/server_connection.h"
 
 namespace {
 

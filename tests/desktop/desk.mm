@@ -1,6 +1,6 @@
 #include "desktop/desk.h"
 
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include <stdio.h>
 #include <sys/wait.h>
@@ -10,9 +10,9 @@
 #include <filesystem>
 #include <sstream>
 
-#include "appkit/menu_run.h"
 #include "finderkit/finder_events.h"
 #include "finderkit/plug_in.h"
+#include "menus/menu_run.h"
 #include "support/app.h"
 
 namespace test {

@@ -8,12 +8,12 @@
 
 #include <filesystem>
 
-#include "appkit/alert_panel.h"
 #include "desktop/desk.h"
 #include "finderkit/file_operations.h"
 #include "finderkit/finder_events.h"
 #include "operations/engine.h"
 #include "operations_ui/operation_window.h"
+#include "panels/alert_panel.h"
 
 namespace {
 

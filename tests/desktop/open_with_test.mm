@@ -1,7 +1,7 @@
 // Opening with an application of the user's choice, by hand: which files it is given, what the
 // first line of the menu says, and what is listed there.
 #include <AppKit/AppKit.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 
 #include <stdlib.h>

@@ -1,6 +1,6 @@
 // Pictures of files in an open menu: the preview submenu behind Option, and the hover window.
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 #include <cairo.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

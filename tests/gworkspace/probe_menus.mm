@@ -9,15 +9,15 @@
 //                    conflict question once it has the keys
 //   panel            the texts of the operations' window, a line each
 //   elements         how many of the plug-in's elements have been made, and freed
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include <sstream>
 
-#include "appkit/menu_run.h"
-#include "appkit/menu_windows.h"
 #include "gworkspace/local_symbols.h"
 #include "gworkspace/settled_windows.h"
+#include "menus/menu_run.h"
 #include "operations_ui/parts_panel.h"
+#include "x11/menu_windows.h"
 
 // The plug-in's alert, by name.
 @interface NSWindow (ProbedAlert)

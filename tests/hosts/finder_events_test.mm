@@ -1,7 +1,7 @@
 #include "finderkit/finder_events.h"
 
 #include <Carbon/Carbon.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>

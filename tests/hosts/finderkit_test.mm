@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <Carbon/Processes.h>
 #include <objc/runtime.h>
 

@@ -1,5 +1,5 @@
 #include <AppKit/AppKit.h>
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 #include <gtest/gtest.h>
 
 #include <stdlib.h>

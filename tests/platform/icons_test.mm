@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-#include "appkit/hidden_icons.h"
+#include "look/hidden_icons.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 

@@ -5,10 +5,10 @@
 
 #include <algorithm>
 
-#include "appkit/bitmaps.h"
-#include "appkit/hidden_icons.h"
-#include "appkit/menu_paint.h"
 #include "carbon/finder_information.h"
+#include "look/bitmaps.h"
+#include "look/hidden_icons.h"
+#include "menus/menu_paint.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
-#include "appkit/desktop_settings.h"
-#include "appkit/menu_geometry.h"
-#include "appkit/menu_states.h"
-#include "appkit/menu_text.h"
+#include "desktop/desktop_settings.h"
+#include "look/menu_text.h"
+#include "menus/menu_states.h"
 #include "support/temp_folder.h"
+#include "x11/menu_geometry.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuPicture.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_picture.h>
+#include <host/menu_tracking.h>
 #include <gtest/gtest.h>
 
 #include "platform/menu_script.h"

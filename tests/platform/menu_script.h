@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "appkit/menu_run.h"
+#include "menus/menu_run.h"
 #include "support/steps.h"
 #include "support/x_input.h"
 

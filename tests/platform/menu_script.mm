@@ -1,6 +1,6 @@
 #include "platform/menu_script.h"
 
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include "support/right_click.h"
 

@@ -1,5 +1,5 @@
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 #include <gtest/gtest.h>
 
 #include <string>

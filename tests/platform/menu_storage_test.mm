@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "appkit/menu_changes.h"
-#include "appkit/menu_storage.h"
+#include "menus/menu_changes.h"
+#include "menus/menu_storage.h"
 #include "support/app.h"
 
 @interface UpdateCounter : NSObject {

@@ -1,11 +1,11 @@
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
 
-#include "appkit/alert_panel.h"
+#include "panels/alert_panel.h"
 #include "support/app.h"
 #include "support/right_click.h"
 #include "support/steps.h"

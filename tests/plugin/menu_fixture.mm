@@ -1,6 +1,6 @@
 #include "plugin/menu_fixture.h"
 
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/forced_preferences.h>
 #include <stdarg.h>
 #include <stdio.h>
 

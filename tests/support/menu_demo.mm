@@ -3,8 +3,8 @@
 //   [-stay YES]
 // GNUstep's argument defaults work too, for example -MenuAppearance dark -GSScaleFactor 2.
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuPicture.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_picture.h>
+#include <host/menu_tracking.h>
 #include <stdlib.h>
 
 #include "support/right_click.h"

@@ -1,7 +1,7 @@
 #include "support/steps.h"
 
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 #include <gtest/gtest.h>
 
 #include "support/right_click.h"

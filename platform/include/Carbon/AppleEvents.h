@@ -177,7 +177,7 @@ typedef Boolean (*AEFilterUPP)(void* event, SInt32 returnID, SInt32 transactionI
 // Sends a copy; the handler gets it when this process's run loop next runs in its default, event
 // tracking, modal panel or another common mode, and the events in the order in which they were
 // sent. Narrower than the Mac's: the target is a signature; procNotFound for any but the one that
-// the host has declared for this process (Carbon/HostProcess.h); kAENoReply is the only way,
+// the host has declared for this process (host/process.h); kAENoReply is the only way,
 // whatever mode of reply else answers errAEUnknownSendMode. `reply`, which may be null, becomes the
 // null descriptor; priority, idle and filter procedure mean nothing without a reply.
 OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESendPriority priority,

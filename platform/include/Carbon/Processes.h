@@ -26,7 +26,7 @@ typedef struct ProcessInfoRec {
 } ProcessInfoRec;
 
 OSErr GetCurrentProcess(ProcessSerialNumber* psn);
-// For the current process: the signature that the host has declared (Carbon/HostProcess.h), 0 if
+// For the current process: the signature that the host has declared (host/process.h), 0 if
 // none. For any other: procNotFound.
 OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
 

@@ -1,5 +1,5 @@
 #include <Carbon/Carbon.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 

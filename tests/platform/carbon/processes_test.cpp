@@ -1,4 +1,4 @@
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <Carbon/Processes.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>

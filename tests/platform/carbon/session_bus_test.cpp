@@ -1,6 +1,6 @@
 // A session bus that takes connections and never answers. What waited for it would wait for ever,
 // and end this test by its time limit.
-#include <Carbon/SessionBus.h>
+#include <host/session_bus.h>
 
 #include <fcntl.h>
 #include <gio/gdesktopappinfo.h>
@@ -14,7 +14,7 @@
 #include <functional>
 #include <string>
 
-#include "carbon/program_launch.h"
+#include "desktop/program_launch.h"
 #include "support/temp_folder.h"
 
 namespace {

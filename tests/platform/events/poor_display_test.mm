@@ -8,9 +8,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "appkit/file_offer.h"
 #include "support/app.h"
 #include "support/x_filter.h"
+#include "x11/file_offer.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Taps in the event path of this process, with a real pointer.
 #include <AppKit/AppKit.h>
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 #include <CoreGraphics/CGEvent.h>
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "finder/dv_file_ops.h"
 
 #include <Carbon/Carbon.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 #include <string.h>
 #include <unistd.h>

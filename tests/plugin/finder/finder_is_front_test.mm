@@ -1,7 +1,7 @@
 #include "finder/dv_finder.h"
 
 #include <AppKit/AppKit.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 

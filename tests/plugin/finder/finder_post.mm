@@ -1,6 +1,6 @@
 #include "plugin/finder/finder_post.h"
 
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #import <Foundation/Foundation.h>
 #include <dlfcn.h>
 #include <limits.h>

@@ -1,6 +1,6 @@
 #include "finder/dv_finder.h"
 
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 #include <sys/time.h>
 

@@ -1,6 +1,6 @@
 #include "finder/dv_open.h"
 
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 #include <limits.h>

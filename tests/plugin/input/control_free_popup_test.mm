@@ -1,7 +1,7 @@
 // Press and hold with a real pointer: what becomes a right click, and what does not.
 #include "input/DVControlFreePopup.h"
 
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
 

@@ -1,7 +1,7 @@
 // What the drag-interception tap does with each event while a menu is taken over.
 #include "input/DVDelvio+Dragging.h"
 
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 #include <objc/runtime.h>
 #include <string.h>
 

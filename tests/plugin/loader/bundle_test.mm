@@ -1,6 +1,6 @@
 // The built bundle in a Finder-like host, from outside: its information, and every line of its log.
-#include <AppKit/ModifierKeys.h>
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/modifier_keys.h>
+#include <host/forced_preferences.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <objc/runtime.h>

@@ -1,6 +1,6 @@
 #include "loader/DVDelvio.h"
 
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 
 #include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Population.h"

@@ -1,6 +1,6 @@
 #include <AppKit/AppKit.h>
-#include <Carbon/HostProcess.h>
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/process.h>
+#include <host/forced_preferences.h>
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
 

@@ -1,5 +1,5 @@
 #include <AppKit/AppKit.h>
-#include <Carbon/HostProcess.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
 

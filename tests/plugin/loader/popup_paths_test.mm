@@ -1,6 +1,6 @@
 // Each way in which a contextual menu pops up, down to the toolkit's own method.
-#include <AppKit/ModifierKeys.h>
-#include <Carbon/HostProcess.h>
+#include <host/modifier_keys.h>
+#include <host/process.h>
 #include <objc/runtime.h>
 
 #include "input/DVDelvio+Dragging.h"

@@ -1,12 +1,12 @@
 #include "loader/NSMenu+Popup.h"
 
-#include <AppKit/ModifierKeys.h>
-#include <Carbon/HostProcess.h>
+#include <host/modifier_keys.h>
+#include <host/process.h>
 #include <objc/runtime.h>
 
 #include "finderkit/context_menu.h"
-#include "loader/dv_load.h"
 #include "loader/NSPasteboard+Selection.h"
+#include "loader/dv_load.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVDelvio+Selection.h"
 #include "menus/DVMenuItem.h"

@@ -1,7 +1,7 @@
 // The controller and the control-free popup as they are made, first of all and in a bad world.
 #include <AppKit/AppKit.h>
-#include <Carbon/HostProcess.h>
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/process.h>
+#include <host/forced_preferences.h>
 #include <CoreGraphics/CGWindowLevel.h>
 #include <dlfcn.h>
 #include <gtest/gtest.h>

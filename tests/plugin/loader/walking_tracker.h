@@ -1,7 +1,7 @@
 // Walks a popped-up menu without showing it: what happens meanwhile is the test's.
 #pragma once
 
-#include <AppKit/MenuTracking.h>
+#include <host/menu_tracking.h>
 
 #include <functional>
 

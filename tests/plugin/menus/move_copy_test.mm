@@ -1,8 +1,8 @@
 #include "menus/DVDelvio+MoveCopy.h"
 
-#include <AppKit/MenuTracking.h>
-#include <AppKit/ModifierKeys.h>
-#include <Carbon/HostProcess.h>
+#include <host/menu_tracking.h>
+#include <host/modifier_keys.h>
+#include <host/process.h>
 
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVDelvio+Selection.h"

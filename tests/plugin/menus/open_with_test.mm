@@ -1,7 +1,7 @@
 #include "menus/DVDelvio+OpenWith.h"
 
-#include <AppKit/ModifierKeys.h>
-#include <Carbon/HostProcess.h>
+#include <host/modifier_keys.h>
+#include <host/process.h>
 #include <stdio.h>
 #include <stdlib.h>
 

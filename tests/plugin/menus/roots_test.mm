@@ -1,6 +1,6 @@
 #include "menus/DVDelvio+Roots.h"
 
-#include <CoreFoundation/ForcedPreferences.h>
+#include <host/forced_preferences.h>
 #include <stdio.h>
 #include <stdlib.h>
 

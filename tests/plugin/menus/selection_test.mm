@@ -1,6 +1,6 @@
 #include "menus/DVDelvio+Selection.h"
 
-#include <AppKit/ModifierKeys.h>
+#include <host/modifier_keys.h>
 
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVMenuItem.h"

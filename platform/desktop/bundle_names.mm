@@ -1,0 +1,139 @@
+#include "desktop/bundle_names.h"
+
+#import <Foundation/Foundation.h>
+
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "corefoundation/property_lists.h"
+#include "desktop/glib_owners.h"
+#include "desktop/installed_applications.h"
+#include "desktop/small_files.h"
+
+namespace files {
+
+namespace {
+
+const size_t largest_list = 1 << 20;
+
+// Where a bundle keeps its information: GNUstep's wrappers, then the Mac's.
+const char* const information_files[] = {"/Resources/Info-gnustep.plist", "/Contents/Info.plist"};
+
+NSDictionary* information_in(const std::string& path) {
+    std::string content;
+    if (!read_small_file(path.c_str(), largest_list, &content)) return nil;
+    return read_dictionary([NSData dataWithBytes:content.data() length:content.size()]);
+}
+
+NSString* name_in(NSDictionary* information) {
+    for (NSString* key in @[ @"CFBundleDisplayName", @"ApplicationName" ]) {
+        NSString* name = [information objectForKey:key];
+        if ([name isKindOfClass:[NSString class]] && [name length] > 0) return name;
+    }
+    return nil;
+}
+
+bool is_plain_file(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// The file of this name, with or without an ending of pictures, in one of the bundle's folders.
+std::string picture_in(const std::string& path, const std::string& name) {
+    for (const char* folder : {"/Resources/", "/Contents/Resources/", "/"}) {
+        for (const char* ending : {"", ".png", ".tiff", ".tif", ".icns", ".svg", ".jpg"}) {
+            const std::string file = path + folder + name + ending;
+            if (is_plain_file(file)) return file;
+        }
+    }
+    return {};
+}
+
+std::string icon_name_in(NSDictionary* information) {
+    for (NSString* key in @[ @"NSIcon", @"CFBundleIconFile" ]) {
+        NSString* name = [information objectForKey:key];
+        const bool is_name = [name isKindOfClass:[NSString class]] && [name length] > 0;
+        const char* bytes = is_name ? [name UTF8String] : nullptr;
+        if (bytes) return bytes;
+    }
+    return {};
+}
+
+// With a slash at their ends. Links in the way of a folder are no part of a bundle's place.
+const std::vector<std::string>& application_folders() {
+    static const std::vector<std::string>& folders = *[] {
+        auto* found = new std::vector<std::string>;
+        @autoreleasepool {
+            for (NSString* path in NSSearchPathForDirectoriesInDomains(NSAllApplicationsDirectory,
+                                                                       NSAllDomainsMask, YES)) {
+                const char* bytes = [path UTF8String];
+                const TextOwner real(bytes ? realpath(bytes, nullptr) : nullptr);
+                if (real) found->push_back(std::string(real.get()) + "/");
+            }
+        }
+        return found;
+    }();
+    return folders;
+}
+
+}  // namespace
+
+CFStringRef copy_bundle_name(const char* path) {
+    @autoreleasepool {
+        for (const char* file : information_files) {
+            NSString* name = name_in(information_in(std::string(path) + file));
+            if (name) return (CFStringRef)[name copy];
+        }
+    }
+    return nullptr;
+}
+
+std::string bundle_icon(const char* path) {
+    const std::string bundle = path;
+    std::string name;
+    @autoreleasepool {
+        for (const char* file : information_files) {
+            if (name.empty()) name = icon_name_in(information_in(bundle + file));
+        }
+    }
+    if (name.starts_with('/')) return name;
+    if (name.empty()) {
+        name = bundle.substr(bundle.rfind('/') + 1);
+        if (name.ends_with(".app")) name.resize(name.size() - 4);
+    }
+    return name.find('/') == std::string::npos ? picture_in(bundle, name) : "";
+}
+
+bool is_believed_bundle(const std::string& path) {
+    const TextOwner real(realpath(path.c_str(), nullptr));
+    if (!real) return false;
+    if (is_running_application(path) || is_running_application(real.get())) return true;
+    if (is_in_declared_folder(real.get())) return true;
+    const std::vector<std::string>& folders = application_folders();
+    return std::any_of(folders.begin(), folders.end(), [&](const std::string& folder) {
+        return std::string_view(real.get()).starts_with(folder);
+    });
+}
+
+std::string bundle_program(const char* path) {
+    @autoreleasepool {
+        NSString* folder = [NSString stringWithUTF8String:path];
+        NSString* program = nil;
+        @try {
+            program = [[NSBundle bundleWithPath:folder] executablePath];
+        } @catch (NSException*) {
+            return {};
+        }
+        const char* bytes = [program UTF8String];
+        char* resolved = bytes ? realpath(bytes, nullptr) : nullptr;
+        const std::string result = resolved ? resolved : "";
+        free(resolved);
+        return result;
+    }
+}
+
+}  // namespace files

@@ -1,0 +1,202 @@
+#include "desktop/icon_theme.h"
+
+#include <dirent.h>
+#include <glib.h>
+#include <limits.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace {
+
+struct key_file_t {
+    GKeyFile* file = g_key_file_new();
+    key_file_t() = default;
+    key_file_t(const key_file_t&) = delete;
+    key_file_t& operator=(const key_file_t&) = delete;
+    ~key_file_t() { g_key_file_unref(file); }
+
+    bool load(const std::string& path) {
+        return g_key_file_load_from_file(file, path.c_str(), G_KEY_FILE_NONE, nullptr);
+    }
+    std::string text(const std::string& group, const char* key) const {
+        char* value = g_key_file_get_string(file, group.c_str(), key, nullptr);
+        const std::string result = value ? value : "";
+        g_free(value);
+        return result;
+    }
+    int number(const std::string& group, const char* key, int otherwise) const {
+        const std::string value = text(group, key);
+        return value.empty() ? otherwise : atoi(value.c_str());
+    }
+    std::vector<std::string> list(const std::string& group, const char* key) const {
+        char** parts = g_strsplit_set(text(group, key).c_str(), ",;", -1);
+        std::vector<std::string> result;
+        for (char** part = parts; *part; part++) {
+            if (*g_strstrip(*part)) result.push_back(*part);
+        }
+        g_strfreev(parts);
+        return result;
+    }
+};
+
+// A folder of icons of one size, or of a span of sizes. Sizes are in pixels.
+struct folder_t {
+    std::string path;
+    int smallest, largest;
+};
+
+int distance(const folder_t& folder, int pixels) {
+    return std::max({folder.smallest - pixels, pixels - folder.largest, 0});
+}
+
+struct one_theme_t {
+    std::vector<folder_t> folders;
+    // Name of an icon to its files, each with the folder that it lies in.
+    std::unordered_map<std::string, std::vector<std::pair<unsigned, std::string>>> icons;
+};
+
+std::vector<std::string> base_folders() {
+    std::vector<std::string> result{std::string(g_get_home_dir()) + "/.icons",
+                                    std::string(g_get_user_data_dir()) + "/icons"};
+    for (const char* const* i = g_get_system_data_dirs(); *i; i++) {
+        result.push_back(std::string(*i) + "/icons");
+    }
+    return result;
+}
+
+void list_icons(one_theme_t& theme, unsigned folder) {
+    DIR* open = opendir(theme.folders[folder].path.c_str());
+    if (!open) return;
+    while (const dirent* entry = readdir(open)) {
+        const std::string name = entry->d_name;
+        const size_t dot = name.rfind('.');
+        if (dot == std::string::npos) continue;
+        const std::string ending = name.substr(dot);
+        if (ending != ".png" && ending != ".svg") continue;
+        theme.icons[name.substr(0, dot)].emplace_back(folder, name);
+    }
+    closedir(open);
+}
+
+// What a file's icon can be: the other contexts are large and never asked for.
+bool is_wanted(const std::string& context) {
+    static const char* const wanted[] = {"MimeTypes",    "Places", "Devices",
+                                         "Applications", "Legacy", ""};
+    return std::any_of(std::begin(wanted), std::end(wanted),
+                       [&](const char* name) { return context == name; });
+}
+
+void add_folder(one_theme_t& theme, const key_file_t& index, const std::string& root,
+                const std::string& name) {
+    if (!is_wanted(index.text(name, "Context"))) return;
+    const int size = index.number(name, "Size", 0), scale = index.number(name, "Scale", 1);
+    const std::string type = index.text(name, "Type");
+    folder_t folder{root + "/" + name, size * scale, size * scale};
+    if (type == "Scalable") {
+        folder.smallest = index.number(name, "MinSize", size) * scale;
+        folder.largest = index.number(name, "MaxSize", size) * scale;
+    } else if (type != "Fixed") {
+        const int threshold = index.number(name, "Threshold", 2);
+        folder.smallest -= threshold * scale;
+        folder.largest += threshold * scale;
+    }
+    theme.folders.push_back(folder);
+    list_icons(theme, theme.folders.size() - 1);
+}
+
+// Adds the theme, whose parts may lie in several base folders, and returns what it inherits from.
+std::vector<std::string> load_theme(one_theme_t& theme, const std::string& name) {
+    std::vector<std::string> parents;
+    std::unique_ptr<key_file_t> index;
+    for (const std::string& base : base_folders()) {
+        const std::string root = base + "/" + name;
+        auto found = std::make_unique<key_file_t>();
+        if (!index && found->load(root + "/index.theme")) {
+            index = std::move(found);
+            parents = index->list("Icon Theme", "Inherits");
+        }
+    }
+    if (!index) return parents;
+    for (const std::string& base : base_folders()) {
+        for (const char* key : {"Directories", "ScaledDirectories"}) {
+            for (const std::string& folder : index->list("Icon Theme", key)) {
+                add_folder(theme, *index, base + "/" + name, folder);
+            }
+        }
+    }
+    return parents;
+}
+
+// Pictures that belong to no theme and have whatever size they have.
+one_theme_t icons_without_theme() {
+    one_theme_t theme;
+    std::vector<std::string> folders = base_folders();
+    for (const char* const* i = g_get_system_data_dirs(); *i; i++) {
+        folders.push_back(std::string(*i) + "/pixmaps");
+    }
+    for (const std::string& folder : folders) {
+        theme.folders.push_back({folder, 0, INT_MAX});
+        list_icons(theme, theme.folders.size() - 1);
+    }
+    return theme;
+}
+
+std::string theme_name() {
+    key_file_t settings;
+    settings.load(std::string(g_get_user_config_dir()) + "/gtk-3.0/settings.ini");
+    const std::string name = settings.text("Settings", "gtk-icon-theme-name");
+    return name.empty() ? "Adwaita" : name;
+}
+
+std::string best_file(const one_theme_t& theme, const std::string& name, int pixels) {
+    const auto found = theme.icons.find(name);
+    if (found == theme.icons.end()) return "";
+    const auto best = std::min_element(found->second.begin(), found->second.end(),
+                                       [&](const auto& a, const auto& b) {
+                                           return distance(theme.folders[a.first], pixels) <
+                                                  distance(theme.folders[b.first], pixels);
+                                       });
+    return theme.folders[best->first].path + "/" + best->second;
+}
+
+}  // namespace
+
+struct icon_theme_t {
+    std::vector<one_theme_t> chain;
+};
+
+const icon_theme_t& user_icon_theme() {
+    static const icon_theme_t* const theme = [] {
+        auto* result = new icon_theme_t;
+        std::vector<std::string> names{theme_name()};
+        for (size_t i = 0; i < names.size(); i++) {
+            result->chain.emplace_back();
+            for (const std::string& parent : load_theme(result->chain.back(), names[i])) {
+                if (std::find(names.begin(), names.end(), parent) != names.end()) continue;
+                names.push_back(parent);
+            }
+            const bool last = i + 1 == names.size();
+            for (const char* ending : {"Adwaita", "hicolor"}) {
+                if (last && std::find(names.begin(), names.end(), ending) == names.end()) {
+                    names.push_back(ending);
+                }
+            }
+        }
+        result->chain.push_back(icons_without_theme());
+        return result;
+    }();
+    return *theme;
+}
+
+std::string find_icon(const icon_theme_t& theme, const std::vector<std::string>& names,
+                      int pixels) {
+    for (const std::string& name : names) {
+        for (const one_theme_t& link : theme.chain) {
+            const std::string file = best_file(link, name, pixels);
+            if (!file.empty()) return file;
+        }
+    }
+    return "";
+}

@@ -1,0 +1,60 @@
+#include "desktop/open_failures.h"
+
+#include <host/opening_files.h>
+
+#include <errno.h>
+#include <limits.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace files {
+
+namespace {
+
+OpenFailureListener listener;
+unsigned long openings;
+
+std::string target_of(const std::string& link) {
+    char target[PATH_MAX];
+    const ssize_t length = readlink(link.c_str(), target, sizeof target);
+    return length > 0 ? std::string(target, static_cast<size_t>(length)) : std::string();
+}
+
+// Of something that is there, or is a link that leads nowhere.
+std::string why_not_reached(const std::string& path, int error) {
+    struct stat own;
+    const bool is_link = lstat(path.c_str(), &own) == 0 && S_ISLNK(own.st_mode);
+    if (!is_link) return error == ENOENT ? "it is no longer there" : strerror(error);
+    if (error == ELOOP) return "it is a link that leads back to itself";
+    const std::string target = "it is a link to " + target_of(path);
+    return error == ENOENT || error == ENOTDIR ? target + ", which is not there"
+                                               : target + ": " + strerror(error);
+}
+
+}  // namespace
+
+std::string why_not_openable(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) return why_not_reached(path, errno);
+    if (S_ISFIFO(status.st_mode)) return "it is a pipe, which no program opens as a file";
+    if (S_ISSOCK(status.st_mode)) return "it is a socket, which no program opens as a file";
+    return "";
+}
+
+void tell_open_failure(const std::string& file, const std::string& program,
+                       const std::string& reason) {
+    if (listener) listener(file.c_str(), program.c_str(), reason.c_str());
+}
+
+void count_opening() { openings++; }
+
+}  // namespace files
+
+void SetOpenFailureListener(OpenFailureListener wanted) { files::listener = wanted; }
+
+void TellOpenFailure(const char* file, const char* program, const char* reason) {
+    files::tell_open_failure(file, program, reason);
+}
+
+unsigned long CountOfOpenings(void) { return files::openings; }

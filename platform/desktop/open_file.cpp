@@ -1,0 +1,93 @@
+#include "desktop/open_file.h"
+
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include "desktop/desktop_entries.h"
+#include "desktop/glib_owners.h"
+#include "desktop/open_failures.h"
+#include "desktop/program_launch.h"
+
+namespace {
+
+using files::ObjectOwner;
+
+std::string content_type(const std::string& path) {
+    const ObjectOwner<GFile> file(g_file_new_for_path(path.c_str()));
+    const ObjectOwner<GFileInfo> info(g_file_query_info(file.get(),
+                                                        G_FILE_ATTRIBUTE_STANDARD_CONTENT_TYPE,
+                                                        G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
+    const char* type = info ? g_file_info_get_content_type(info.get()) : nullptr;
+    return type ? type : "";
+}
+
+bool is_of_entry_type(const std::string& type) {
+    const files::TextOwner entry(g_content_type_from_mime_type("application/x-desktop"));
+    return entry && g_content_type_is_a(type.c_str(), entry.get());
+}
+
+// By its type, or by the name of what a link leads to.
+bool is_desktop_entry(const std::string& path, const std::string& type) {
+    const files::TextOwner real(realpath(path.c_str(), nullptr));
+    return is_of_entry_type(type) || (real && g_str_has_suffix(real.get(), ".desktop"));
+}
+
+// The first reason counts: it is about the program that the user has chosen.
+bool launch(void* program, const std::string& path, std::string* reason) {
+    if (!program || !G_IS_DESKTOP_APP_INFO(program)) return false;
+    std::string problem;
+    if (start_entry(G_DESKTOP_APP_INFO(program), {path}, &problem) == Start::done) return true;
+    if (reason->empty()) {
+        *reason =
+            std::string(g_app_info_get_name(G_APP_INFO(program))) + " does not start: " + problem;
+    }
+    return false;
+}
+
+std::string no_program_for(const std::string& type) {
+    const files::TextOwner name(g_content_type_get_mime_type(type.c_str()));
+    return std::string("no installed program is set for files of its type, ") +
+           (name ? name.get() : type);
+}
+
+bool launch_for_type(const std::string& type, const std::string& path, std::string* reason) {
+    const ObjectOwner<GAppInfo> chosen(g_app_info_get_default_for_type(type.c_str(), FALSE));
+    if (launch(chosen.get(), path, reason)) return true;
+    // The default may need what is not here, a terminal for one: the next that starts will do.
+    GList* programs = g_app_info_get_all_for_type(type.c_str());
+    bool started = false;
+    for (GList* i = programs; i && !started; i = i->next) started = launch(i->data, path, reason);
+    g_list_free_full(programs, g_object_unref);
+    if (!started && reason->empty()) *reason = no_program_for(type);
+    return started;
+}
+
+// Starts what the entry names, where it is believed. To all others it is a text: what a program
+// for such files would do with it, nobody knows.
+bool open_entry(const std::string& path, std::string* reason) {
+    if (files::desktop_entry_at(path).standing == files::Standing::document) {
+        return launch_for_type("text/plain", path, reason);
+    }
+    const ObjectOwner<GDesktopAppInfo> program(g_desktop_app_info_new_from_filename(path.c_str()));
+    std::string problem;
+    if (program && start_entry(program.get(), {}, &problem) == Start::done) return true;
+    *reason = program ? "it does not start: " + problem : "its program is not installed";
+    return false;
+}
+
+}  // namespace
+
+bool open_with_default_program(const std::string& path, std::string* reason) {
+    *reason = files::why_not_openable(path);
+    if (!reason->empty()) return false;
+    const std::string type = content_type(path);
+    struct stat entry;
+    if (type.empty() || stat(path.c_str(), &entry) != 0) {
+        *reason = "its type cannot be told";
+        return false;
+    }
+    if (S_ISREG(entry.st_mode) && is_desktop_entry(path, type)) return open_entry(path, reason);
+    return launch_for_type(type, path, reason);
+}

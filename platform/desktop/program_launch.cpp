@@ -1,0 +1,106 @@
+#include "desktop/program_launch.h"
+
+#include <host/opening_files.h>
+#include <host/session_bus.h>
+#include <gio/gdesktopappinfo.h>
+#include <gio/gio.h>
+#include <unistd.h>
+
+#include <map>
+#include <optional>
+
+#include "desktop/glib_owners.h"
+
+namespace {
+
+// What started programs find otherwise than this process; without a value they do not find it.
+std::map<std::string, std::optional<std::string>>& changed_variables() {
+    static auto& variables = *new std::map<std::string, std::optional<std::string>>;
+    return variables;
+}
+
+GAppLaunchContext* new_launch_context() {
+    GAppLaunchContext* context = g_app_launch_context_new();
+    for (const auto& [name, value] : changed_variables()) {
+        if (value) {
+            g_app_launch_context_setenv(context, name.c_str(), value->c_str());
+        } else {
+            g_app_launch_context_unsetenv(context, name.c_str());
+        }
+    }
+    return context;
+}
+
+// In the child: only what is safe between fork and exec. `folder` may be null.
+void leave_us(void* folder) {
+    setsid();
+    if (folder && chdir(static_cast<const char*>(folder)) != 0) return;
+}
+
+Start result_of(bool started, GError* error, std::string* reason) {
+    const files::ErrorOwner owner(error);
+    if (started) return Start::done;
+    *reason = error ? error->message : "it does not say why";
+    if (g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT)) return Start::no_program;
+    const bool refused = g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_ACCES) ||
+                         g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_PERM);
+    return refused ? Start::not_permitted : Start::failed;
+}
+
+// Addresses carry any byte.
+GList* addresses_of(const std::vector<std::string>& documents) {
+    GList* addresses = nullptr;
+    for (const std::string& document : documents) {
+        addresses =
+            g_list_prepend(addresses, g_filename_to_uri(document.c_str(), nullptr, nullptr));
+    }
+    return g_list_reverse(addresses);
+}
+
+}  // namespace
+
+Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& documents,
+                  std::string* reason) {
+    GList* addresses = addresses_of(documents);
+    const files::ObjectOwner<GAppLaunchContext> context(new_launch_context());
+    const files::PatientBus bus;
+    bus.pass_on(context.get());
+    // An entry may name a folder of its own to start from.
+    const files::TextOwner own_folder(
+        g_desktop_app_info_get_string(entry, G_KEY_FILE_DESKTOP_KEY_PATH));
+    const bool has_folder = own_folder && *own_folder;
+    void* folder = has_folder ? nullptr : const_cast<char*>(g_get_home_dir());
+    GError* error = nullptr;
+    const bool started = g_desktop_app_info_launch_uris_as_manager(
+        entry, addresses, context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr, nullptr,
+        &error);
+    g_list_free_full(addresses, g_free);
+    // A message to a program that the bus starts is still on its way, and we may be about to exit.
+    if (started && g_desktop_app_info_get_boolean(entry, "DBusActivatable")) {
+        files::flush_session_bus();
+    }
+    return result_of(started, error, reason);
+}
+
+Start start_program(const std::string& program, const std::vector<std::string>& arguments,
+                    std::string* reason) {
+    std::vector<char*> command{const_cast<char*>(program.c_str())};
+    for (const std::string& argument : arguments) {
+        command.push_back(const_cast<char*>(argument.c_str()));
+    }
+    command.push_back(nullptr);
+    GError* error = nullptr;
+    const files::ObjectOwner<GAppLaunchContext> context(new_launch_context());
+    const files::PatientBus bus;
+    bus.pass_on(context.get());
+    char** environment = g_app_launch_context_get_environment(context.get());
+    const bool started =
+        g_spawn_async(nullptr, command.data(), environment, G_SPAWN_DEFAULT, leave_us,
+                      const_cast<char*>(g_get_home_dir()), nullptr, &error);
+    g_strfreev(environment);
+    return result_of(started, error, reason);
+}
+
+void SetVariableOfStartedPrograms(const char* name, const char* value) {
+    changed_variables()[name] = value ? std::optional<std::string>(value) : std::nullopt;
+}

@@ -1,0 +1,153 @@
+#include <host/session_bus.h>
+#include <gio/gio.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace files {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+const char address_name[] = "DBUS_SESSION_BUS_ADDRESS";
+const std::chrono::seconds pause_after_failure{10};
+
+// Cancels what it is given to when time is up.
+class Deadline {
+  public:
+    Deadline() : cancellable_(g_cancellable_new()), thread_([this] { wait(); }) {}
+    ~Deadline() {
+        {
+            const std::lock_guard guard(lock_);
+            is_over_ = true;
+        }
+        changed_.notify_one();
+        thread_.join();
+        g_object_unref(cancellable_);
+    }
+    Deadline(const Deadline&) = delete;
+    Deadline& operator=(const Deadline&) = delete;
+
+    GCancellable* cancellable() const { return cancellable_; }
+
+  private:
+    void wait() {
+        std::unique_lock guard(lock_);
+        const bool in_time = changed_.wait_for(guard, std::chrono::milliseconds(bus_patience),
+                                               [this] { return is_over_; });
+        if (!in_time) g_cancellable_cancel(cancellable_);
+    }
+
+    GCancellable* const cancellable_;
+    std::mutex lock_;
+    std::condition_variable changed_;
+    bool is_over_ = false;
+    std::thread thread_;
+};
+
+struct Bus {
+    std::mutex lock;
+    std::string address;  // whose use or failure this is
+    Clock::time_point failed_at;
+    bool has_failed = false, is_used = false;
+};
+
+Bus& bus() {
+    static Bus& bus = *new Bus;
+    return bus;
+}
+
+// To ask GIO for a bus that is not there would start one.
+bool is_there() {
+    const char* address = g_getenv(address_name);
+    g_autofree char* socket = g_build_filename(g_get_user_runtime_dir(), "bus", nullptr);
+    return (address && *address) || g_file_test(socket, G_FILE_TEST_EXISTS);
+}
+
+GDBusConnection* connect() {
+    const Deadline deadline;
+    GDBusConnection* connection =
+        g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), nullptr);
+    // The end of the session is no reason to end a file manager in the middle of its work.
+    if (connection) g_dbus_connection_set_exit_on_close(connection, FALSE);
+    return connection;
+}
+
+bool answers(GDBusConnection* connection) {
+    if (g_dbus_connection_is_closed(connection)) return false;
+    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+        connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+        "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, bus_patience, nullptr, nullptr);
+    return answer != nullptr;
+}
+
+// Another address is another bus.
+void follow_address(Bus& bus) {
+    const char* address = g_getenv(address_name);
+    if (bus.address == (address ? address : "")) return;
+    bus.address = address ? address : "";
+    bus.has_failed = bus.is_used = false;
+}
+
+bool failed_lately(const Bus& bus) {
+    return bus.has_failed && Clock::now() - bus.failed_at < pause_after_failure;
+}
+
+}  // namespace
+
+// Nothing is kept: GIO hands out one that has been closed for as long as anybody holds it.
+GDBusConnection* session_bus() {
+    const std::lock_guard guard(bus().lock);
+    follow_address(bus());
+    if (failed_lately(bus()) || !is_there()) return nullptr;
+    GDBusConnection* connection = connect();
+    if (connection && !answers(connection)) g_clear_object(&connection);
+    bus().has_failed = !connection;
+    bus().failed_at = Clock::now();
+    bus().is_used = bus().is_used || connection;
+    return connection;
+}
+
+void flush_session_bus() {
+    {
+        const std::lock_guard guard(bus().lock);
+        if (!bus().is_used) return;
+    }
+    g_autoptr(GDBusConnection) connection = session_bus();
+    if (!connection) return;
+    const Deadline deadline;
+    g_dbus_connection_flush_sync(connection, deadline.cancellable(), nullptr);
+}
+
+PatientBus::PatientBus() : connection_(session_bus()) {
+    if (connection_) return;
+    const char* address = g_getenv(address_name);
+    is_hidden_ = true;
+    was_set_ = address != nullptr;
+    address_ = address ? address : "";
+    g_setenv(address_name, "disabled:", TRUE);
+}
+
+PatientBus::~PatientBus() {
+    if (connection_) g_object_unref(connection_);
+    if (!is_hidden_) return;
+    if (was_set_) {
+        g_setenv(address_name, address_.c_str(), TRUE);
+    } else {
+        g_unsetenv(address_name);
+    }
+}
+
+void PatientBus::pass_on(GAppLaunchContext* context) const {
+    if (!is_hidden_) return;
+    if (was_set_) {
+        g_app_launch_context_setenv(context, address_name, address_.c_str());
+    } else {
+        g_app_launch_context_unsetenv(context, address_name);
+    }
+}
+
+}  // namespace files

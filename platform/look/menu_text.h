@@ -1,0 +1,38 @@
+// Titles and paragraphs as laid-out text. Main thread.
+#pragma once
+
+#include <pango/pangocairo.h>
+
+#include <memory>
+#include <string>
+
+#include "look/menu_look.h"
+
+@class NSMenuItem, NSString;
+
+struct unref_layout_t {
+    void operator()(PangoLayout* layout) const { g_object_unref(layout); }
+};
+typedef std::unique_ptr<PangoLayout, unref_layout_t> text_t;
+
+// UTF-8 of a title on one line: what would break the line, hide or reorder the text is replaced by
+// a visible sign, character for character; a title of many thousands is cut in its middle.
+std::string visible_title(NSString* title);
+
+// The text without case and accents, for comparing what is typed.
+std::string folded(const std::string& text);
+
+// The item's title; with `plain`, without the colours of its attributes.
+text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain);
+
+// Text in the interface font, `size` in points, in lines of `width` pixels; 0 does not break it.
+// Control characters but newlines are shown as signs.
+text_t paragraph(const menu_look_t& look, const std::string& text, double size, bool bold,
+                 int width);
+
+// Pixels that the text takes.
+int text_width(const text_t& text);
+int text_height(const text_t& text);
+
+// Narrows the text to `width` pixels; what does not fit is left out of its middle.
+void fit_text(const text_t& text, int width);

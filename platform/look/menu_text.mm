@@ -1,0 +1,228 @@
+#include "look/menu_text.h"
+
+#include <AppKit/AppKit.h>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+const NSUInteger longest_title = 2000;
+
+// One context for all text: it keeps the fonts. Glyphs stand where the type designer put them, not
+// on whole pixels, and are the same on every kind of surface.
+PangoContext* text_context() {
+    static PangoContext* context = [] {
+        PangoContext* made = pango_font_map_create_context(pango_cairo_font_map_get_default());
+        cairo_font_options_t* options = cairo_font_options_create();
+        cairo_font_options_set_antialias(options, CAIRO_ANTIALIAS_GRAY);
+        cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_SLIGHT);
+        cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
+        pango_cairo_context_set_font_options(made, options);
+        cairo_font_options_destroy(options);
+        pango_context_set_round_glyph_positions(made, FALSE);
+        return made;
+    }();
+    return context;
+}
+
+bool is_surrogate(unichar c) { return c >= 0xD800 && c <= 0xDFFF; }
+
+bool reorders(unichar c) {
+    return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x200E ||
+           c == 0x200F || c == 0x061C || (c >= 0x206A && c <= 0x206F);
+}
+
+// Nothing is seen of it, so that two names look alike.
+bool hides(unichar c) {
+    return c == 0x00AD || c == 0x180E || c == 0x200B || (c >= 0x2060 && c <= 0x2064) ||
+           c == 0xFEFF || (c >= 0xFFF9 && c <= 0xFFFB);
+}
+
+unichar visible(unichar c) {
+    if (c == '\n' || c == '\r') return 0x21B5;  // the return arrow
+    if (c == '\t') return 0x21E5;               // the tabulator arrow
+    const bool breaks = c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
+    return breaks || reorders(c) || hides(c) ? 0xFFFD : c;
+}
+
+// In place; unpaired surrogates are no characters.
+void make_visible(std::vector<unichar>* text) {
+    for (size_t i = 0; i < text->size(); i++) {
+        unichar& c = (*text)[i];
+        const bool pair = c >= 0xD800 && c < 0xDC00 && i + 1 < text->size() &&
+                          (*text)[i + 1] >= 0xDC00 && (*text)[i + 1] <= 0xDFFF;
+        if (pair) {
+            i++;
+        } else {
+            c = is_surrogate(c) ? 0xFFFD : visible(c);
+        }
+    }
+}
+
+std::string utf8(const std::vector<unichar>& text) {
+    if (text.empty()) return std::string();
+    glong length = 0;
+    gchar* converted = g_utf16_to_utf8(text.data(), text.size(), nullptr, &length, nullptr);
+    std::string result(converted ? converted : "", converted ? length : 0);
+    g_free(converted);
+    return result;
+}
+
+std::vector<unichar> characters(NSString* title) {
+    const NSUInteger length = std::min([title length], longest_title);
+    std::vector<unichar> text(length);
+    if (length) [title getCharacters:text.data() range:NSMakeRange(0, length)];
+    const NSUInteger tail = 200;
+    if ([title length] > length) {
+        [title getCharacters:text.data() + length - tail
+                       range:NSMakeRange([title length] - tail, tail)];
+        text[length - tail - 1] = 0x2026;
+    }
+    make_visible(&text);
+    return text;
+}
+
+// Bytes of UTF-8 in which the first `count` characters are written.
+guint byte_offset(const std::vector<unichar>& text, NSUInteger count) {
+    const auto end = text.begin() + std::min<size_t>(count, text.size());
+    return utf8(std::vector<unichar>(text.begin(), end)).size();
+}
+
+PangoFontDescription* description(const std::string& family, double size, bool bold, bool italic) {
+    PangoFontDescription* font = pango_font_description_new();
+    pango_font_description_set_family(font, family.c_str());
+    pango_font_description_set_absolute_size(font, size * PANGO_SCALE);
+    if (bold) pango_font_description_set_weight(font, PANGO_WEIGHT_BOLD);
+    if (italic) pango_font_description_set_style(font, PANGO_STYLE_ITALIC);
+    return font;
+}
+
+struct run_t {
+    PangoAttrList* list;
+    guint start, end;
+
+    void add(PangoAttribute* attribute) const {
+        attribute->start_index = start;
+        attribute->end_index = end;
+        pango_attr_list_insert(list, attribute);
+    }
+};
+
+void add_color(const run_t& run, const menu_look_t& look, NSColor* color) {
+    color = [color colorUsingColorSpaceName:NSDeviceRGBColorSpace];
+    if (!color) return;
+    const color_t wanted = {[color redComponent],
+                            [color greenComponent],
+                            [color blueComponent],
+                            [color alphaComponent]};
+    const color_t shown = readable(look, wanted);
+    run.add(pango_attr_foreground_new(shown.red * 65535, shown.green * 65535, shown.blue * 65535));
+}
+
+void add_font(const run_t& run, const menu_look_t& look, NSFont* font) {
+    const NSFontTraitMask traits = [[NSFontManager sharedFontManager] traitsOfFont:font];
+    const double size = std::clamp<double>([font pointSize], 4, 200) * look.scale;
+    PangoFontDescription* shown = description(drawn_family(look, font), size,
+                                              traits & NSBoldFontMask, traits & NSItalicFontMask);
+    run.add(pango_attr_font_desc_new(shown));
+    pango_font_description_free(shown);
+}
+
+PangoAttrList* attributes(const menu_look_t& look, NSAttributedString* title,
+                          const std::vector<unichar>& text, bool plain) {
+    PangoAttrList* list = pango_attr_list_new();
+    NSRange range = NSMakeRange(0, 0);
+    for (NSUInteger at = 0; at < [title length] && at < text.size(); at = NSMaxRange(range)) {
+        NSDictionary* found = [title attributesAtIndex:at effectiveRange:&range];
+        const run_t run = {list, byte_offset(text, at), byte_offset(text, NSMaxRange(range))};
+        NSColor* color = [found objectForKey:NSForegroundColorAttributeName];
+        NSFont* font = [found objectForKey:NSFontAttributeName];
+        if (color && !plain) add_color(run, look, color);
+        if (font) add_font(run, look, font);
+        if ([[found objectForKey:NSUnderlineStyleAttributeName] intValue]) {
+            run.add(pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+        }
+        if ([[found objectForKey:NSStrikethroughStyleAttributeName] intValue]) {
+            run.add(pango_attr_strikethrough_new(TRUE));
+        }
+    }
+    return list;
+}
+
+}  // namespace
+
+std::string visible_title(NSString* title) { return utf8(characters(title)); }
+
+std::string folded(const std::string& text) {
+    gchar* lower = g_utf8_casefold(text.data(), text.size());
+    gchar* apart = g_utf8_normalize(lower, -1, G_NORMALIZE_ALL);
+    std::string result;
+    for (const gchar* at = apart; at && *at; at = g_utf8_next_char(at)) {
+        if (!g_unichar_ismark(g_utf8_get_char(at))) result.append(at, g_utf8_next_char(at) - at);
+    }
+    g_free(apart);
+    g_free(lower);
+    return result;
+}
+
+text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
+    text_t text(pango_layout_new(text_context()));
+    pango_layout_set_single_paragraph_mode(text.get(), TRUE);
+    PangoFontDescription* font =
+        description(look.family, look.font_size * look.scale, look.bold, look.italic);
+    pango_layout_set_font_description(text.get(), font);
+    pango_font_description_free(font);
+
+    NSAttributedString* attributed = [item attributedTitle];
+    const std::vector<unichar> title = characters(attributed ? [attributed string] : [item title]);
+    const std::string bytes = utf8(title);
+    pango_layout_set_text(text.get(), bytes.data(), bytes.size());
+    if (attributed) {
+        PangoAttrList* list = attributes(look, attributed, title, plain);
+        pango_layout_set_attributes(text.get(), list);
+        pango_attr_list_unref(list);
+    }
+    return text;
+}
+
+// Lines stay lines.
+static std::string visible_lines(const std::string& text) {
+    NSString* whole = [NSString stringWithUTF8String:text.c_str()] ?: @"";
+    NSMutableArray* lines = [NSMutableArray array];
+    for (NSString* line in [whole componentsSeparatedByString:@"\n"]) {
+        [lines addObject:[NSString stringWithUTF8String:visible_title(line).c_str()]];
+    }
+    return [[lines componentsJoinedByString:@"\n"] UTF8String];
+}
+
+text_t paragraph(const menu_look_t& look, const std::string& given, double size, bool bold,
+                 int width) {
+    const std::string text = visible_lines(given);
+    text_t layout(pango_layout_new(text_context()));
+    PangoFontDescription* font = description(look.family, size * look.scale, bold, false);
+    pango_layout_set_font_description(layout.get(), font);
+    pango_font_description_free(font);
+    pango_layout_set_text(layout.get(), text.data(), static_cast<int>(text.size()));
+    if (width <= 0) return layout;
+    pango_layout_set_width(layout.get(), width * PANGO_SCALE);
+    pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
+    return layout;
+}
+
+int text_width(const text_t& text) {
+    PangoRectangle box;
+    pango_layout_get_extents(text.get(), nullptr, &box);
+    return PANGO_PIXELS_CEIL(box.width);
+}
+
+int text_height(const text_t& text) {
+    PangoRectangle box;
+    pango_layout_get_extents(text.get(), nullptr, &box);
+    return PANGO_PIXELS_CEIL(box.height);
+}
+
+void fit_text(const text_t& text, int width) {
+    pango_layout_set_ellipsize(text.get(), PANGO_ELLIPSIZE_MIDDLE);
+    pango_layout_set_width(text.get(), width * PANGO_SCALE);
+}

@@ -1,0 +1,85 @@
+// Brings every way in which a contextual menu pops up to one place: the private instance method
+// of the Mac, which runs a session with the process's tracker.
+#include <host/menu_tracking.h>
+#include <GNUstepGUI/GSTheme.h>
+#include <objc/runtime.h>
+
+#include "menus/menu_items.h"
+#include "menus/menu_presenter.h"
+#include "menus/menu_session.h"
+#include "objc/method_patch.h"
+
+namespace {
+
+id<MenuTracker> chosen_tracker;
+
+void run_popup(NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
+    if (!menu) return;
+    MenuSession* session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
+    id<MenuTracker> tracker = chosen_tracker ?: [MenuPresenter sharedPresenter];
+    @try {
+        [tracker trackSession:session event:event view:view font:font ?: [menu font]];
+    } @finally {
+        [session close];
+    }
+    [session performPick];
+}
+
+void class_popup_with_font(id, SEL, NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
+    [menu _popUpContextMenu:menu withEvent:event forView:view withFont:font];
+}
+
+void class_popup(id, SEL, NSMenu* menu, NSEvent* event, NSView* view) {
+    [menu _popUpContextMenu:menu withEvent:event forView:view withFont:nil];
+}
+
+// Themes may show a menu without the class popups.
+void theme_popup(id, SEL, NSMenu* menu, NSEvent* event) {
+    [menu _popUpContextMenu:menu withEvent:event forView:nil withFont:nil];
+}
+
+// A right click that nobody handled: the main menu, which is no file's contextual menu, so that it
+// does not take the ways in which plug-ins look for one.
+void unhandled_right_click(id application, SEL, NSEvent* event) {
+    run_popup([application mainMenu], event, nil, nil);
+}
+
+}  // namespace
+
+@implementation NSMenu (MenuTracking)
+
++ (void)setContextMenuTracker:(id<MenuTracker>)tracker {
+    chosen_tracker = tracker;
+}
+
++ (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question {
+    set_heading_question(question);
+}
+
+- (void)_popUpContextMenu:(NSMenu*)menu
+                withEvent:(NSEvent*)event
+                  forView:(NSView*)view
+                 withFont:(NSFont*)font {
+    run_popup(menu, event, view, font);
+}
+
+@end
+
+@interface MenuHookInstaller : NSObject
+@end
+
+@implementation MenuHookInstaller
+
++ (void)load {
+    static const method_patch_t patches[] = {
+        {"NSMenu", "popUpContextMenu:withEvent:forView:withFont:",
+         reinterpret_cast<IMP>(class_popup_with_font), nullptr, true},
+        {"NSMenu", "popUpContextMenu:withEvent:forView:", reinterpret_cast<IMP>(class_popup),
+         nullptr, true},
+        {"GSTheme", "rightMouseDisplay:forEvent:", reinterpret_cast<IMP>(theme_popup), nullptr},
+        {"NSApplication", "rightMouseDown:", reinterpret_cast<IMP>(unhandled_right_click), nullptr},
+    };
+    patch_methods(patches);
+}
+
+@end

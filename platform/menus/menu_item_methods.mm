@@ -1,0 +1,194 @@
+// What GNUstep's menu items do not keep: attributed titles, views, and the target, action and title
+// that an item had before it got a submenu.
+#include <AppKit/AppKit.h>
+
+#include <unordered_map>
+
+#include "objc/method_patch.h"
+
+namespace {
+
+// What few items have. There are no associated objects in this run time and no room in the item.
+struct extras_t {
+    NSAttributedString* title;
+    NSView* view;
+};
+
+std::unordered_map<NSMenuItem*, extras_t>& all_extras() {
+    static auto* extras = new std::unordered_map<NSMenuItem*, extras_t>;
+    return *extras;
+}
+
+extras_t* find_extras(NSMenuItem* item) {
+    if (all_extras().empty()) return nullptr;
+    const auto found = all_extras().find(item);
+    return found == all_extras().end() ? nullptr : &found->second;
+}
+
+void drop_extras(NSMenuItem* item) {
+    extras_t* extras = find_extras(item);
+    if (!extras) return;
+    const extras_t dropped = *extras;
+    all_extras().erase(item);
+    [dropped.title release];
+    [dropped.view release];
+}
+
+void set_extras(NSMenuItem* item, NSAttributedString* title, NSView* view) {
+    [title retain];
+    [view retain];
+    drop_extras(item);
+    if (title || view) all_extras()[item] = {title, view};
+}
+
+struct {
+    IMP deallocate, copy, update_key_equivalent;
+} stock;
+
+void deallocate(NSMenuItem* self, SEL selector) {
+    drop_extras(self);
+    reinterpret_cast<void (*)(id, SEL)>(stock.deallocate)(self, selector);
+}
+
+id copy_with_zone(NSMenuItem* self, SEL selector, NSZone* zone) {
+    id copy = reinterpret_cast<id (*)(id, SEL, NSZone*)>(stock.copy)(self, selector, zone);
+    const extras_t* extras = find_extras(self);
+    if (extras) set_extras(copy, extras->title, nil);
+    return copy;
+}
+
+NSAttributedString* attributed_title(NSMenuItem* self, SEL) {
+    const extras_t* extras = find_extras(self);
+    return extras ? extras->title : nil;
+}
+
+void set_attributed_title(NSMenuItem* self, SEL, NSAttributedString* title) {
+    NSAttributedString* kept = [title copy];
+    set_extras(self, kept, [self view]);
+    [kept release];
+    if (title) [self setTitle:[title string]];
+    [[self menu] itemChanged:self];
+}
+
+}  // namespace
+
+@interface MenuItemInstaller : NSObject
++ (void)watchDefaults;
+@end
+
+namespace {
+
+// Whether the defaults give any title a key: looked up again after the defaults have changed only.
+bool user_key_equivalents_known, has_user_key_equivalents;
+
+void update_key_equivalent(NSMenuItem* self, SEL selector) {
+    if (!user_key_equivalents_known) {
+        [MenuItemInstaller watchDefaults];
+        NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
+        has_user_key_equivalents = [defaults objectForKey:@"NSUserKeyEquivalents"] != nil;
+        user_key_equivalents_known = true;
+    }
+    if (!has_user_key_equivalents) return;
+    reinterpret_cast<void (*)(id, SEL)>(stock.update_key_equivalent)(self, selector);
+}
+
+}  // namespace
+
+@implementation NSMenuItem (MacMenuItem)
+
+- (NSMenuItem*)parentItem {
+    NSMenu* menu = [self menu];
+    for (NSMenuItem* item in [[menu supermenu] itemArray]) {
+        if ([item submenu] == menu) return item;
+    }
+    return nil;
+}
+
+- (void)setView:(NSView*)view {
+    set_extras(self, [self attributedTitle], view);
+    [[self menu] itemChanged:self];
+}
+
+- (NSView*)view {
+    const extras_t* extras = find_extras(self);
+    return extras ? extras->view : nil;
+}
+
+- (BOOL)isHighlighted {
+    return [[self menu] highlightedItem] == self;
+}
+
+// An item without an action of its own gets the one with which GNUstep enables parent items.
+static void adopt_submenu_action(NSMenuItem* self) {
+    const BOOL borrowed = self->_action && sel_isEqual(self->_action, @selector(submenuAction:));
+    if (!self->_submenu) {
+        if (!borrowed) return;
+        self->_action = NULL;
+        self->_target = nil;
+    } else if (!self->_action || borrowed) {
+        self->_action = @selector(submenuAction:);
+        self->_target = self->_menu;
+    }
+}
+
+static void set_menu(NSMenuItem* self, SEL, NSMenu* menu) {
+    self->_menu = menu;  // it retains us
+    if (!self->_submenu) return;
+    [self->_submenu setSupermenu:menu];
+    adopt_submenu_action(self);
+}
+
+static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
+    NSMenu* previous = self->_submenu;
+    if (submenu == previous) return;
+    if ([submenu supermenu]) {
+        [NSException raise:NSInvalidArgumentException
+                    format:@"submenu (%@) already has supermenu (%@)", [submenu title],
+                           [[submenu supermenu] title]];
+    }
+    [previous setSupermenu:nil];
+    self->_submenu = [submenu retain];
+    [previous release];
+    [submenu setSupermenu:self->_menu];
+    // A menu made by -init carries the program's name: it takes the item's, others keep theirs.
+    if (submenu && [submenu title] == [[NSProcessInfo processInfo] processName]) {
+        [submenu setTitle:self->_title];
+    }
+    adopt_submenu_action(self);
+    [self->_menu itemChanged:self];
+}
+
+@end
+
+@implementation MenuItemInstaller
+
++ (void)watchDefaults {
+    static BOOL watching;
+    if (watching) return;
+    watching = YES;
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(defaultsDidChange:)
+                                                 name:NSUserDefaultsDidChangeNotification
+                                               object:nil];
+}
+
++ (void)defaultsDidChange:(NSNotification*)notification {
+    (void)notification;
+    user_key_equivalents_known = false;
+}
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), &stock.deallocate},
+        {"NSMenuItem", "copyWithZone:", reinterpret_cast<IMP>(copy_with_zone), &stock.copy},
+        {"NSMenuItem", "attributedTitle", reinterpret_cast<IMP>(attributed_title), nullptr},
+        {"NSMenuItem", "setAttributedTitle:", reinterpret_cast<IMP>(set_attributed_title), nullptr},
+        {"NSMenuItem", "setMenu:", reinterpret_cast<IMP>(set_menu), nullptr},
+        {"NSMenuItem", "setSubmenu:", reinterpret_cast<IMP>(set_submenu), nullptr},
+        {"NSMenuItem", "_updateKeyEquivalent", reinterpret_cast<IMP>(update_key_equivalent),
+         &stock.update_key_equivalent},
+    };
+    patch_methods(patches);
+}
+
+@end

@@ -1,0 +1,42 @@
+// What each of GNUstep's menus would observe for itself, done once for those that it can concern:
+// the main menu and what hangs on it.
+#include "menus/menu_storage.h"
+
+@interface NSMenu (StockLaunch)
+- (void)_showOnActivateApp:(NSNotification*)notification;
+- (void)applicationDidFinishLaunching:(NSNotification*)notification;
+@end
+
+@implementation MenuLaunchObserver
+
++ (void)start {
+    static MenuLaunchObserver* observer;
+    if (observer) return;
+    observer = [self new];
+    NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
+    [center addObserver:observer
+               selector:@selector(didFinishLaunching:)
+                   name:NSApplicationDidFinishLaunchingNotification
+                 object:nil];
+    [center addObserver:observer
+               selector:@selector(willBecomeActive:)
+                   name:NSApplicationWillBecomeActiveNotification
+                 object:nil];
+}
+
+- (void)tell:(NSMenu*)menu aboutLaunch:(NSNotification*)notification {
+    [menu applicationDidFinishLaunching:notification];
+    for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
+        if ([item hasSubmenu]) [self tell:[item submenu] aboutLaunch:notification];
+    }
+}
+
+- (void)didFinishLaunching:(NSNotification*)notification {
+    if ([NSApp mainMenu]) [self tell:[NSApp mainMenu] aboutLaunch:notification];
+}
+
+- (void)willBecomeActive:(NSNotification*)notification {
+    [[NSApp mainMenu] _showOnActivateApp:notification];
+}
+
+@end

@@ -1,0 +1,71 @@
+// Where the rows of one level are. Sizes are pixels; rows count from the top of the panel's
+// content, which a scrolled panel shows a part of. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include <vector>
+
+#include "look/menu_look.h"
+
+enum row_kind_t { title_row, separator_row, view_row, image_row };
+
+struct menu_row_t {
+    NSMenuItem* item;  // held by the layout
+    int top, height;
+    row_kind_t kind;
+};
+
+class menu_layout_t {
+  public:
+    // Copies the look. Items are set by update().
+    explicit menu_layout_t(const menu_look_t& look) : look_(look) {}
+    ~menu_layout_t();
+    menu_layout_t(const menu_layout_t&) = delete;
+    menu_layout_t& operator=(const menu_layout_t&) = delete;
+
+    // Lays the menu's items out that show while `modifiers` are held.
+    void update(NSMenu* menu, NSUInteger modifiers);
+    // Whether update() would see other items than it did.
+    bool is_stale(NSMenu* menu, NSUInteger modifiers) const;
+    // Those that the rows were chosen for.
+    NSUInteger modifiers() const { return modifiers_; }
+
+    const menu_look_t& look() const { return look_; }
+    const std::vector<menu_row_t>& rows() const { return rows_; }
+    int width() const { return width_; }
+    int height() const { return height_; }  // of the whole content
+
+    // Left edges within the panel.
+    int mark_left() const;
+    int image_left() const;
+    int title_left(const menu_row_t& row) const;
+    int title_right() const;
+    bool has_images() const { return image_width_ > 0; }
+    int image_width() const { return image_width_; }
+
+    // Index of the row at a height of the content, -1 above, below and beside them.
+    int row_at(int y) const;
+    // First row that reaches below `y`; the number of rows if none does.
+    int first_row_below(int y) const;
+    int row_of(NSMenuItem* item) const;
+
+  private:
+    void take_items(NSMenu* menu, NSUInteger modifiers);
+    void place_rows();
+    void measure_width();
+    menu_row_t make_row(NSMenuItem* item, int top) const;
+    int widest_title() const;
+
+    menu_look_t look_;
+    NSArray* source_ = nil;  // the menu's items, in order, when they were taken
+    NSUInteger modifiers_ = 0;
+    bool has_alternates_ = false;
+    std::vector<menu_row_t> rows_;
+    int width_ = 0, height_ = 0;
+    int image_width_ = 0;  // of the column, 0 for none
+    bool has_marks_ = false, has_submenus_ = false;
+};
+
+// The size at which an item's image is shown.
+NSSize shown_image_size(const menu_look_t& look, NSImage* image);

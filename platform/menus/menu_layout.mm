@@ -1,0 +1,178 @@
+#include "menus/menu_layout.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "look/menu_text.h"
+#include "menus/menu_items.h"
+
+namespace {
+
+// Wider images are pictures to look at, not signs in the column of images.
+const double widest_sign = 48;
+const double largest_picture = 640;
+// Measuring text is the cost of a level: the longest titles by characters hold the widest.
+const size_t measured_titles = 48;
+
+int pixels(const menu_look_t& look, double points) {
+    return static_cast<int>(std::lround(points * look.scale));
+}
+
+bool is_picture(NSImage* image) { return [image size].width > widest_sign; }
+
+}  // namespace
+
+NSSize shown_image_size(const menu_look_t& look, NSImage* image) {
+    const NSSize size = [image size];
+    const double longest = std::max({size.width, size.height, 1.0});
+    const double shrink = std::min(1.0, largest_picture / longest) * look.scale;
+    return NSMakeSize(std::max(1.0, std::round(size.width * shrink)),
+                      std::max(1.0, std::round(size.height * shrink)));
+}
+
+menu_layout_t::~menu_layout_t() { [source_ release]; }
+
+void menu_layout_t::update(NSMenu* menu, NSUInteger modifiers) {
+    take_items(menu, modifiers);
+    place_rows();
+    measure_width();
+}
+
+bool menu_layout_t::is_stale(NSMenu* menu, NSUInteger modifiers) const {
+    if (has_alternates_ && (modifiers & alternate_modifiers) != modifiers_) return true;
+    NSArray* items = [menu itemArray];
+    const NSUInteger count = [items count];
+    if (count != [source_ count]) return true;
+    if (!count) return false;
+    std::vector<id> now(count), then(count);
+    [items getObjects:now.data()];
+    [source_ getObjects:then.data()];
+    return now != then;
+}
+
+void menu_layout_t::take_items(NSMenu* menu, NSUInteger modifiers) {
+    NSArray* source = [[NSArray alloc] initWithArray:[menu itemArray]];
+    [source_ release];
+    source_ = source;
+    modifiers_ = modifiers & alternate_modifiers;
+    NSMutableArray* shown = [NSMutableArray arrayWithCapacity:[source count]];
+    append_visible_items(source, modifiers_, shown);
+    has_alternates_ = [shown count] != [source count];
+    rows_.clear();
+    rows_.reserve([shown count]);
+    for (NSMenuItem* item in shown) rows_.push_back({item, 0, 0, title_row});
+}
+
+menu_row_t menu_layout_t::make_row(NSMenuItem* item, int top) const {
+    if ([item isSeparatorItem]) return {item, top, look_.separator_height, separator_row};
+    if (NSView* view = [item view]) {
+        return {item, top, std::max(1, pixels(look_, NSHeight([view frame]))), view_row};
+    }
+    int height = look_.row_height;
+    row_kind_t kind = title_row;
+    if (NSImage* image = [item image]) {
+        const int image_height = static_cast<int>(shown_image_size(look_, image).height);
+        height = std::max(height, image_height + pixels(look_, is_picture(image) ? 8 : 4));
+        if (is_picture(image)) kind = image_row;
+    }
+    // By the font alone: laying every coloured title out would take as long as all the rest.
+    if (NSAttributedString* title = [item attributedTitle];[title length]) {
+        NSFont* font = [title attribute:NSFontAttributeName atIndex:0 effectiveRange:nullptr];
+        height = std::max(height, pixels(look_, [font pointSize] * 1.35 + 3));
+    }
+    return {item, top, height, kind};
+}
+
+void menu_layout_t::place_rows() {
+    int top = look_.inset;
+    image_width_ = 0;
+    has_marks_ = has_submenus_ = false;
+    for (menu_row_t& row : rows_) {
+        row = make_row(row.item, top);
+        top += row.height;
+        if (row.kind != title_row) continue;
+        has_marks_ = has_marks_ || [row.item state] != NSOffState;
+        has_submenus_ = has_submenus_ || [row.item hasSubmenu];
+        if (NSImage* image = [row.item image]) {
+            const int width = static_cast<int>(shown_image_size(look_, image).width);
+            image_width_ = std::max(image_width_, width);
+        }
+    }
+    height_ = top + look_.inset;
+}
+
+int menu_layout_t::widest_title() const {
+    std::vector<std::pair<NSUInteger, NSMenuItem*>> titles;
+    titles.reserve(rows_.size());
+    for (const menu_row_t& row : rows_) {
+        if (row.kind == title_row) {
+            titles.push_back({[[row.item title] length], row.item});
+        }
+    }
+    const size_t count = std::min(titles.size(), measured_titles);
+    std::partial_sort(titles.begin(), titles.begin() + count, titles.end(),
+                      [](const auto& a, const auto& b) { return a.first > b.first; });
+    int widest = 0;
+    for (size_t i = 0; i < count; i++) {
+        widest = std::max(widest, text_width(item_text(look_, titles[i].second, true)));
+    }
+    return std::min(widest, look_.title_limit);
+}
+
+void menu_layout_t::measure_width() {
+    const int right = has_submenus_ ? look_.gap + look_.mark_width : 0;
+    const int left = image_left() + (has_images() ? image_width_ + look_.gap : 0);
+    width_ = left + widest_title() + right + look_.padding + look_.inset;
+    for (const menu_row_t& row : rows_) {
+        if (row.kind == view_row) {
+            const int view_width = pixels(look_, NSWidth([[row.item view] frame]));
+            width_ = std::max(width_, view_width + 2 * look_.inset);
+        } else if (row.kind == image_row) {
+            int width = static_cast<int>(shown_image_size(look_, [row.item image]).width);
+            const int text = text_width(item_text(look_, row.item, true));
+            if (text) width += look_.gap + std::min(text, look_.title_limit);
+            width_ = std::max(width_, width + 2 * (look_.inset + look_.padding));
+        }
+    }
+    const bool bare = rows_.size() == 1 && rows_[0].kind != title_row;
+    if (!bare) width_ = std::max(width_, look_.least_width);
+}
+
+int menu_layout_t::mark_left() const { return look_.inset + look_.padding; }
+
+int menu_layout_t::image_left() const {
+    return mark_left() + (has_marks_ ? look_.mark_width + look_.gap : 0);
+}
+
+int menu_layout_t::title_left(const menu_row_t& row) const {
+    if (row.kind == image_row) {
+        const NSSize size = shown_image_size(look_, [row.item image]);
+        return image_left() + static_cast<int>(size.width) + look_.gap;
+    }
+    return image_left() + (has_images() ? image_width_ + look_.gap : 0);
+}
+
+int menu_layout_t::title_right() const {
+    const int right = has_submenus_ ? look_.gap + look_.mark_width : 0;
+    return width_ - look_.inset - look_.padding - right;
+}
+
+int menu_layout_t::first_row_below(int y) const {
+    const auto found = std::partition_point(rows_.begin(), rows_.end(), [y](const menu_row_t& row) {
+        return row.top + row.height <= y;
+    });
+    return static_cast<int>(found - rows_.begin());
+}
+
+int menu_layout_t::row_at(int y) const {
+    const int index = first_row_below(y);
+    const bool found = index < static_cast<int>(rows_.size()) && rows_[index].top <= y;
+    return found ? index : -1;
+}
+
+int menu_layout_t::row_of(NSMenuItem* item) const {
+    for (size_t i = 0; item && i < rows_.size(); i++) {
+        if (rows_[i].item == item) return static_cast<int>(i);
+    }
+    return -1;
+}

@@ -1,0 +1,93 @@
+// One open level on the screen: its window, what it shows, how far it is scrolled. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include <unordered_map>
+
+#include "menus/menu_layout.h"
+#include "menus/menu_paint.h"
+#include "x11/menu_geometry.h"
+
+@class MenuLevelView, MenuItemHolder;
+
+// What all levels of one popup share.
+struct menu_style_t {
+    menu_look_t look;
+    bool composed;  // panels have soft corners and a shadow
+    image_cache_t* images;
+};
+
+class menu_level_t {
+  public:
+    menu_level_t(NSMenu* menu, const menu_style_t& style);
+    ~menu_level_t();
+    menu_level_t(const menu_level_t&) = delete;
+    menu_level_t& operator=(const menu_level_t&) = delete;
+
+    NSMenu* menu() const { return menu_; }
+    const menu_layout_t& layout() const { return layout_; }
+    NSWindow* window() const { return window_; }
+    const area_t& panel() const { return panel_; }
+    const area_t& screen() const { return screen_; }
+    side_t side() const { return side_; }
+    bool is_shown() const { return shown_; }
+
+    // The menu's items or what they show may have changed.
+    void mark_changed() { changed_ = true; }
+    // Lays out again if need be; true if it did.
+    bool refresh(NSUInteger modifiers);
+
+    // Puts the panel on the screen; nothing happens while the level has no rows.
+    void show_at_pointer(point_t pointer);
+    void show_beside(const menu_level_t& parent, NSMenuItem* item);
+    // Gives a shown panel its layout's new size.
+    void resize();
+    void hide();
+
+    void set_highlight(NSMenuItem* item);
+
+    bool contains(point_t point) const { return shown_ && panel_.contains(point); }
+    // Index of the row under a point, -1 over none.
+    int row_at(point_t point) const;
+    NSMenuItem* item_at(point_t point) const;
+    area_t row_area(int row) const;
+    // -1 over the strip that scrolls up, 1 over the one that scrolls down.
+    int edge_at(point_t point) const;
+
+    // Scrolls towards the end by pixels; false at the end of the way.
+    bool scroll_by(int pixels);
+    // Scrolls as little as possible to show a row whole.
+    void reveal(int row);
+    // Rows that a panel shows.
+    int rows_per_page() const;
+
+    void redraw();
+    // From the view.
+    void draw(NSRect dirty);
+    // The level as it is shown, its panel's corner at (left, top) of a picture.
+    void draw_picture(cairo_t* cairo, int left, int top, bool shadow) const;
+
+  private:
+    void put_on_screen();
+    void place_views();
+    void remove_views();
+    void redraw_row(NSMenuItem* item);
+    int margin() const { return style_.composed ? style_.look.shadow_extent : 0; }
+    int most_scroll() const;
+    int strip(int direction) const;
+    menu_scene_t scene(bool shadow) const;
+
+    NSMenu* menu_;  // retained
+    const menu_style_t& style_;
+    menu_layout_t layout_;
+    bool changed_ = true;
+    NSWindow* window_ = nil;
+    MenuLevelView* view_ = nil;
+    std::unordered_map<NSView*, MenuItemHolder*> holders_;  // both retained
+    NSMenuItem* highlighted_ = nil;                         // retained
+    area_t panel_ = {}, screen_ = {};
+    side_t side_ = on_right;
+    int scroll_ = 0;
+    bool shown_ = false;
+};

@@ -1,0 +1,274 @@
+#include "menus/menu_level.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "look/bitmaps.h"
+#include "menus/menu_items.h"
+#include "menus/menu_level_view.h"
+#include "x11/menu_windows.h"
+
+namespace {
+
+const int screen_margin = 4;
+
+area_t grown(const area_t& area, int by) {
+    return {area.left - by, area.top - by, area.width + 2 * by, area.height + 2 * by};
+}
+
+NSRect rectangle(const area_t& area) {
+    return NSMakeRect(area.left, area.top, area.width, area.height);
+}
+
+}  // namespace
+
+menu_level_t::menu_level_t(NSMenu* menu, const menu_style_t& style)
+    : menu_([menu retain]), style_(style), layout_(style.look) {}
+
+menu_level_t::~menu_level_t() {
+    remove_views();
+    [view_ forgetLevel];
+    [window_ orderOut:nil];
+    [window_ close];
+    [view_ release];
+    [window_ release];
+    [highlighted_ release];
+    [menu_ release];
+}
+
+bool menu_level_t::refresh(NSUInteger modifiers) {
+    if (!changed_ && !layout_.is_stale(menu_, modifiers)) return false;
+    changed_ = false;
+    layout_.update(menu_, modifiers);
+    return true;
+}
+
+void menu_level_t::show_at_pointer(point_t pointer) {
+    if (layout_.rows().empty()) return;
+    screen_ = screen_at(pointer);
+    panel_ = place_at_pointer({layout_.width(), layout_.height()}, pointer, screen_, screen_margin);
+    put_on_screen();
+}
+
+void menu_level_t::show_beside(const menu_level_t& parent, NSMenuItem* item) {
+    if (layout_.rows().empty()) return;
+    screen_ = parent.screen_;
+    side_ = parent.side_;
+    const int row = parent.layout().row_of(item);
+    const area_t beside = row < 0 ? parent.panel() : parent.row_area(row);
+    panel_ = place_beside({layout_.width(), layout_.height()}, beside, parent.panel(), screen_,
+                          screen_margin, 2 * style_.look.hairline, style_.look.inset, &side_);
+    put_on_screen();
+}
+
+void menu_level_t::put_on_screen() {
+    const area_t area = grown(panel_, margin());
+    scroll_ = 0;
+    window_ = new_menu_window(area);
+    view_ = [[MenuLevelView alloc] initWithFrame:NSMakeRect(0, 0, area.width, area.height)
+                                           level:this];
+    [window_ setContentView:view_];
+    if (!style_.composed) shape_menu_window(window_, style_.look.radius);
+    place_views();
+    shown_ = true;
+    show_menu_window(window_);
+}
+
+void menu_level_t::resize() {
+    if (!shown_) return;
+    const area_t before = panel_;
+    panel_ =
+        resize_in_place({layout_.width(), layout_.height()}, panel_, side_, screen_, screen_margin);
+    scroll_ = std::clamp(scroll_, 0, most_scroll());
+    const bool moved = panel_.left != before.left || panel_.top != before.top ||
+                       panel_.width != before.width || panel_.height != before.height;
+    if (moved) {
+        const area_t area = grown(panel_, margin());
+        move_menu_window(window_, area);
+        [view_ setFrame:NSMakeRect(0, 0, area.width, area.height)];
+        if (!style_.composed) shape_menu_window(window_, style_.look.radius);
+    }
+    place_views();
+    redraw();
+}
+
+void menu_level_t::hide() {
+    if (shown_) hide_shape_of_menu_window(window_);
+}
+
+void menu_level_t::set_highlight(NSMenuItem* item) {
+    if (item == highlighted_) return;
+    redraw_row(highlighted_);
+    [item retain];
+    [highlighted_ release];
+    highlighted_ = item;
+    redraw_row(highlighted_);
+}
+
+int menu_level_t::row_at(point_t point) const {
+    if (!contains(point) || edge_at(point)) return -1;
+    return layout_.row_at(point.y - panel_.top + scroll_);
+}
+
+NSMenuItem* menu_level_t::item_at(point_t point) const {
+    const int row = row_at(point);
+    return row < 0 ? nil : layout_.rows()[row].item;
+}
+
+area_t menu_level_t::row_area(int row) const {
+    const menu_row_t& found = layout_.rows()[row];
+    return {panel_.left, panel_.top + found.top - scroll_, panel_.width, found.height};
+}
+
+int menu_level_t::strip(int direction) const {
+    const bool scrolls = direction < 0 ? scroll_ > 0 : scroll_ < most_scroll();
+    return scrolls ? style_.look.arrow_height : 0;
+}
+
+int menu_level_t::edge_at(point_t point) const {
+    if (!contains(point)) return 0;
+    if (point.y < panel_.top + strip(-1)) return -1;
+    return point.y >= panel_.bottom() - strip(1) ? 1 : 0;
+}
+
+int menu_level_t::most_scroll() const { return std::max(0, layout_.height() - panel_.height); }
+
+bool menu_level_t::scroll_by(int pixels) {
+    const int wanted = std::clamp(scroll_ + pixels, 0, most_scroll());
+    if (!shown_ || wanted == scroll_) return false;
+    scroll_ = wanted;
+    place_views();
+    redraw();
+    return true;
+}
+
+void menu_level_t::reveal(int row) {
+    if (row < 0 || !shown_ || !most_scroll()) return;
+    const menu_row_t& wanted = layout_.rows()[row];
+    const int strip_height = style_.look.arrow_height;
+    const bool first = row == 0, last = row + 1 == static_cast<int>(layout_.rows().size());
+    const int lowest = first ? 0 : wanted.top - strip_height;
+    const int highest =
+        last ? most_scroll() : wanted.top + wanted.height - panel_.height + strip_height;
+    if (scroll_ > lowest) {
+        scroll_by(lowest - scroll_);
+    } else if (scroll_ < highest) {
+        scroll_by(highest - scroll_);
+    }
+}
+
+int menu_level_t::rows_per_page() const {
+    const int shown = panel_.height - 2 * style_.look.arrow_height;
+    return std::max(1, shown / style_.look.row_height);
+}
+
+menu_scene_t menu_level_t::scene(bool shadow) const {
+    menu_scene_t scene = {};
+    scene.layout = &layout_;
+    scene.images = style_.images;
+    scene.highlighted = highlighted_;
+    scene.left = scene.top = margin();
+    scene.width = panel_.width;
+    scene.height = panel_.height;
+    scene.scroll = scroll_;
+    scene.scrolls_up = strip(-1) > 0;
+    scene.scrolls_down = strip(1) > 0;
+    scene.shadow = shadow;
+    scene.rounded = style_.composed;
+    return scene;
+}
+
+void menu_level_t::draw(NSRect dirty) {
+    cairo_t* cairo = focused_cairo();
+    if (!cairo) {
+        const menu_scene_t drawn = scene(style_.composed);
+        return draw_through_bitmap(dirty, [&](cairo_t* bitmap) { paint_menu(bitmap, drawn); });
+    }
+    cairo_save(cairo);
+    cairo_identity_matrix(cairo);
+    cairo_rectangle(cairo, NSMinX(dirty), NSMinY(dirty), NSWidth(dirty), NSHeight(dirty));
+    cairo_clip(cairo);
+    paint_menu(cairo, scene(style_.composed));
+    cairo_restore(cairo);
+}
+
+void menu_level_t::draw_picture(cairo_t* cairo, int left, int top, bool shadow) const {
+    if (!shown_) return;
+    const int room = shadow ? style_.look.shadow_extent : 0;
+    menu_scene_t picture = scene(shadow);
+    picture.rounded = true;
+    picture.left = picture.top = room;
+    const area_t whole = {left - room, top - room, panel_.width + 2 * room,
+                          panel_.height + 2 * room};
+    cairo_save(cairo);
+    cairo_rectangle(cairo, whole.left, whole.top, whole.width, whole.height);
+    cairo_clip(cairo);
+    cairo_translate(cairo, whole.left, whole.top);
+    cairo_push_group(cairo);
+    paint_menu(cairo, picture);
+    for (const auto& [view, holder] : holders_) {
+        const NSRect frame = [holder frame];
+        const area_t part = {int(NSMinX(frame)), int(NSMinY(frame)), int(NSWidth(frame)),
+                             int(NSHeight(frame))};
+        copy_window(window_, part, cairo, part.left - margin() + room, part.top - margin() + room);
+    }
+    cairo_pop_group_to_source(cairo);
+    cairo_paint(cairo);
+    cairo_restore(cairo);
+}
+
+void menu_level_t::redraw() {
+    if (shown_) [view_ setNeedsDisplay:YES];
+}
+
+void menu_level_t::redraw_row(NSMenuItem* item) {
+    const int row = shown_ && item ? layout_.row_of(item) : -1;
+    if (row < 0) return;
+    area_t area = row_area(row);
+    area.left = margin();
+    area.top += margin() - panel_.top;
+    [view_ setNeedsDisplayInRect:rectangle(area)];
+}
+
+// Views of rows that cannot be seen are not in the window.
+void menu_level_t::place_views() {
+    std::vector<std::pair<NSView*, NSRect>> wanted;
+    const std::vector<menu_row_t>& rows = layout_.rows();
+    const int inset = style_.look.inset;
+    for (size_t i = layout_.first_row_below(scroll_);
+         i < rows.size() && rows[i].top < scroll_ + panel_.height; i++) {
+        if (rows[i].kind != view_row) continue;
+        const area_t area = {margin() + inset, margin() + rows[i].top - scroll_,
+                             panel_.width - 2 * inset, rows[i].height};
+        wanted.push_back({[rows[i].item view], rectangle(area)});
+    }
+    std::unordered_map<NSView*, MenuItemHolder*> kept;
+    for (const auto& [view, area] : wanted) {
+        const auto found = holders_.find(view);
+        if (found != holders_.end() && NSEqualSizes([found->second frame].size, area.size)) {
+            [found->second setFrameOrigin:area.origin];
+            kept.insert(*found);
+            holders_.erase(found);
+            continue;
+        }
+        MenuItemHolder* holder = [[MenuItemHolder alloc] initWithArea:area
+                                                                scale:style_.look.scale
+                                                             itemView:view];
+        [view_ addSubview:holder];
+        kept[[view retain]] = holder;
+    }
+    remove_views();
+    holders_ = kept;
+}
+
+void menu_level_t::remove_views() {
+    for (const auto& [view, holder] : holders_) {
+        // It may have been given another place meanwhile.
+        if ([view superview] == holder) [view removeFromSuperview];
+        [holder removeFromSuperview];
+        [holder release];
+        [view release];
+    }
+    holders_.clear();
+}

@@ -1,0 +1,91 @@
+// Methods of the Mac's menus that GNUstep's lack.
+#include <AppKit/AppKit.h>
+#include <host/menu_tracking.h>
+
+#include <unordered_map>
+
+#include "events/event_loop.h"
+#include "menus/menu_storage.h"
+#include "objc/method_patch.h"
+
+namespace {
+
+std::unordered_map<NSMenu*, NSFont*>& fonts() {
+    static auto* fonts = new std::unordered_map<NSMenu*, NSFont*>;
+    return *fonts;
+}
+
+void keep_font(NSMenu* menu, NSFont* font) {
+    if (fonts().empty() && !font) return;
+    NSFont*& slot = fonts()[menu];
+    NSFont* previous = slot;
+    slot = [font retain];
+    if (!font) fonts().erase(menu);
+    [previous release];
+}
+
+IMP stock_deallocate;
+
+void deallocate(NSMenu* self, SEL selector) {
+    keep_font(self, nil);
+    reinterpret_cast<void (*)(id, SEL)>(stock_deallocate)(self, selector);
+}
+
+}  // namespace
+
+@implementation NSMenu (MacMenuMethods)
+
+- (void)removeAllItems {
+    // From the end: nothing moves up, so this is linear.
+    for (NSInteger i = [self numberOfItems]; i-- > 0;) [self removeItemAtIndex:i];
+}
+
+- (void)cancelTracking {
+    MenuSession* session = [MenuSession sessionOfMenu:self];
+    if (!session) return;
+    [session cancel];
+    // The tracker may be asleep in the event queue.
+    wake_event_loop();
+}
+
+- (void)cancelTrackingWithoutAnimation {
+    [self cancelTracking];
+}
+
+- (NSMenuItem*)highlightedItem {
+    MenuSession* session = [MenuSession sessionOfMenu:self];
+    if (session) return [session highlightedItemOfMenu:self];
+    if (![self hasStockRepresentation]) return nil;
+    const NSInteger index = [[self menuRepresentation] highlightedItemIndex];
+    return index < 0 || index >= [self numberOfItems] ? nil : (NSMenuItem*)[self itemAtIndex:index];
+}
+
+- (void)setFont:(NSFont*)font {
+    keep_font(self, font);
+}
+
+- (NSFont*)font {
+    const auto found = fonts().find(self);
+    return found == fonts().end() ? nil : found->second;
+}
+
+// There are no descriptor-based menu plug-ins here.
+- (void)_setContextMenuPluginAEDesc:(const struct AEDesc*)descriptor {
+    (void)descriptor;
+}
+
+@end
+
+@interface MenuMethodsInstaller : NSObject
+@end
+
+@implementation MenuMethodsInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSMenu", "dealloc", reinterpret_cast<IMP>(deallocate), &stock_deallocate},
+    };
+    patch_methods(patches);
+}
+
+@end

@@ -1,0 +1,26 @@
+// Draws one level of a menu. Main thread.
+#pragma once
+
+#include <cairo.h>
+
+#include "look/menu_image.h"
+#include "menus/menu_layout.h"
+
+// What of a level is drawn, in pixels of its window.
+struct menu_scene_t {
+    const menu_layout_t* layout;
+    image_cache_t* images;
+    NSMenuItem* highlighted;
+    int left, top, width, height;  // the panel
+    int scroll;                    // content above the panel's top
+    bool scrolls_up, scrolls_down;
+    bool shadow;   // drawn around the panel
+    bool rounded;  // corners by transparency; else the window's shape cuts them
+};
+
+// Draws what the clip of `cairo` leaves visible, over what was there. Item views are not drawn.
+void paint_menu(cairo_t* cairo, const menu_scene_t& scene);
+
+// The outline of a panel.
+void add_rounded_rectangle(cairo_t* cairo, double left, double top, double width, double height,
+                           double radius);

@@ -1,0 +1,228 @@
+#include "menus/menu_paint.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "look/hidden_icons.h"
+#include "look/menu_text.h"
+
+namespace {
+
+void set_color(cairo_t* cairo, const color_t& color, double share = 1) {
+    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha * share);
+}
+
+void paint_shadow(cairo_t* cairo, const menu_scene_t& scene) {
+    const menu_look_t& look = scene.layout->look();
+    const int reach = look.shadow_extent * 3 / 4, drop = look.shadow_extent / 4;
+    // Rings of growing size and falling darkness add up to a soft edge.
+    const int rings = std::max(6, reach / 2);
+    for (int ring = rings; ring > 0; ring--) {
+        const double spread = double(reach) * ring / rings;
+        const double distance = double(ring) / rings;
+        const double alpha = 2 * look.palette->shadow / rings * (1 - distance) * (1 - distance);
+        cairo_set_source_rgba(cairo, 0, 0, 0, alpha * 1.6);
+        add_rounded_rectangle(cairo, scene.left - spread, scene.top - spread + drop,
+                              scene.width + 2 * spread, scene.height + 2 * spread,
+                              look.radius + spread);
+        cairo_fill(cairo);
+    }
+}
+
+void paint_panel(cairo_t* cairo, const menu_scene_t& scene) {
+    const menu_look_t& look = scene.layout->look();
+    const double line = look.hairline;
+    // A shape's corners have no soft edge: what it leaves of them looks like the border.
+    if (!scene.rounded) {
+        cairo_set_source_rgb(cairo, 0.5, 0.5, 0.5);
+        cairo_rectangle(cairo, scene.left, scene.top, scene.width, scene.height);
+        cairo_fill(cairo);
+    }
+    add_rounded_rectangle(cairo, scene.left, scene.top, scene.width, scene.height, look.radius);
+    set_color(cairo, look.palette->panel);
+    cairo_fill(cairo);
+    cairo_set_line_width(cairo, line);
+    add_rounded_rectangle(cairo, scene.left + line * 1.5, scene.top + line * 1.5,
+                          scene.width - 3 * line, scene.height - 3 * line,
+                          look.radius - line * 1.5);
+    set_color(cairo, look.palette->edge);
+    cairo_stroke(cairo);
+    add_rounded_rectangle(cairo, scene.left + line / 2, scene.top + line / 2, scene.width - line,
+                          scene.height - line, look.radius - line / 2);
+    set_color(cairo, look.palette->border);
+    cairo_stroke(cairo);
+}
+
+void paint_separator(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
+    const menu_look_t& look = scene.layout->look();
+    const int left = scene.left + look.inset + look.padding;
+    const int right = scene.left + scene.width - look.inset - look.padding;
+    set_color(cairo, look.palette->separator);
+    cairo_rectangle(cairo, left, y + (row.height - look.hairline) / 2, right - left, look.hairline);
+    cairo_fill(cairo);
+}
+
+// The row's text and marks are drawn in these.
+struct row_colors_t {
+    color_t text, mark;
+    double image_alpha;
+    bool plain;  // the attributes' own colours give way
+};
+
+row_colors_t row_colors(const menu_scene_t& scene, const menu_row_t& row) {
+    const menu_palette_t& palette = *scene.layout->look().palette;
+    if (![row.item isEnabled]) return {palette.dimmed_text, palette.dimmed_text, 0.45, true};
+    const bool hidden = is_icon_of_hidden_file([row.item image]);
+    const double image_alpha = hidden ? 0.55 : 1;
+    if (row.item == scene.highlighted) {
+        return {palette.highlight_text, palette.highlight_text, image_alpha, true};
+    }
+    return {hidden ? palette.hidden_text : palette.text, palette.mark, image_alpha, false};
+}
+
+void paint_highlight(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
+    const menu_look_t& look = scene.layout->look();
+    set_color(cairo, look.palette->highlight);
+    add_rounded_rectangle(cairo, scene.left + look.inset, y, scene.width - 2 * look.inset,
+                          row.height, look.row_radius);
+    cairo_fill(cairo);
+}
+
+void paint_image(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
+                 double alpha) {
+    NSImage* image = [row.item image];
+    if (!image) return;
+    const NSSize size = shown_image_size(scene.layout->look(), image);
+    cairo_surface_t* surface = scene.images->surface(image, size.width, size.height);
+    if (!surface) return;
+    const int column = row.kind == image_row ? size.width : scene.layout->image_width();
+    const double left = scene.left + scene.layout->image_left() + (column - int(size.width)) / 2;
+    cairo_set_source_surface(cairo, surface, left, y + (row.height - int(size.height)) / 2);
+    cairo_paint_with_alpha(cairo, alpha);
+}
+
+void paint_title(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
+                 const row_colors_t& colors) {
+    const menu_layout_t& layout = *scene.layout;
+    const text_t text = item_text(layout.look(), row.item, colors.plain);
+    const int room = layout.title_right() - layout.title_left(row);
+    if (room <= 0) return;
+    if (text_width(text) > room) fit_text(text, room);
+    set_color(cairo, colors.text);
+    cairo_move_to(cairo, scene.left + layout.title_left(row),
+                  y + std::floor((row.height - text_height(text)) / 2.0));
+    pango_cairo_show_layout(cairo, text.get());
+}
+
+void stroke_mark(cairo_t* cairo, const menu_look_t& look, const color_t& color) {
+    set_color(cairo, color);
+    cairo_set_line_width(cairo, look.mark_width / 9.0 * 1.5);
+    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+    cairo_stroke(cairo);
+}
+
+void paint_chevron(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
+                   const color_t& color) {
+    const menu_look_t& look = scene.layout->look();
+    const double reach = look.mark_width * 0.4;
+    const double right = scene.left + scene.width - look.inset - look.padding - 0.5;
+    const double middle = y + row.height / 2.0;
+    cairo_move_to(cairo, right - reach, middle - reach);
+    cairo_line_to(cairo, right, middle);
+    cairo_line_to(cairo, right - reach, middle + reach);
+    stroke_mark(cairo, look, color);
+}
+
+void paint_state(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
+                 const color_t& color) {
+    const NSInteger state = [row.item state];
+    if (state == NSOffState) return;
+    const menu_look_t& look = scene.layout->look();
+    const double left = scene.left + scene.layout->mark_left(), side = look.mark_width;
+    const double middle = y + row.height / 2.0;
+    cairo_move_to(cairo, left, middle);
+    if (state == NSOnState) {
+        cairo_line_to(cairo, left + side * 0.36, middle + side * 0.36);
+        cairo_line_to(cairo, left + side, middle - side * 0.42);
+    } else {
+        cairo_line_to(cairo, left + side, middle);
+    }
+    stroke_mark(cairo, look, color);
+}
+
+void paint_row(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
+    if (row.kind == separator_row) return paint_separator(cairo, scene, row, y);
+    if (row.kind == view_row) return;
+    // Marks that pile up on a letter reach far beyond its line.
+    cairo_save(cairo);
+    cairo_rectangle(cairo, scene.left, y, scene.width, row.height);
+    cairo_clip(cairo);
+    const row_colors_t colors = row_colors(scene, row);
+    if (row.item == scene.highlighted) paint_highlight(cairo, scene, row, y);
+    paint_state(cairo, scene, row, y, colors.text);
+    paint_image(cairo, scene, row, y, colors.image_alpha);
+    paint_title(cairo, scene, row, y, colors);
+    if ([row.item hasSubmenu]) paint_chevron(cairo, scene, row, y, colors.mark);
+    cairo_restore(cairo);
+}
+
+// Only rows that the clip shows.
+void paint_rows(cairo_t* cairo, const menu_scene_t& scene) {
+    double x1, y1, x2, y2;
+    cairo_clip_extents(cairo, &x1, &y1, &x2, &y2);
+    const int offset = scene.top - scene.scroll;
+    const std::vector<menu_row_t>& rows = scene.layout->rows();
+    size_t index = scene.layout->first_row_below(static_cast<int>(y1) - offset);
+    for (; index < rows.size() && rows[index].top + offset < y2; index++) {
+        paint_row(cairo, scene, rows[index], rows[index].top + offset);
+    }
+}
+
+// A strip at the panel's upper (`direction` -1) or lower edge, above which a chevron points.
+void paint_arrow(cairo_t* cairo, const menu_scene_t& scene, int direction) {
+    const menu_look_t& look = scene.layout->look();
+    const int height = look.arrow_height, line = 2 * look.hairline;
+    const int top = direction < 0 ? scene.top + line : scene.top + scene.height - line - height;
+    set_color(cairo, look.palette->panel);
+    cairo_rectangle(cairo, scene.left + line, top, scene.width - 2 * line, height);
+    cairo_fill(cairo);
+    const double reach = look.mark_width * 0.5, middle = scene.left + scene.width / 2.0;
+    const double tip = top + height / 2.0 + direction * reach / 2;
+    cairo_move_to(cairo, middle - reach, tip - direction * reach);
+    cairo_line_to(cairo, middle, tip);
+    cairo_line_to(cairo, middle + reach, tip - direction * reach);
+    stroke_mark(cairo, look, look.palette->mark);
+}
+
+}  // namespace
+
+void add_rounded_rectangle(cairo_t* cairo, double left, double top, double width, double height,
+                           double radius) {
+    radius = std::max(0.0, std::min({radius, width / 2, height / 2}));
+    const double right = left + width, bottom = top + height;
+    cairo_new_sub_path(cairo);
+    cairo_arc(cairo, right - radius, top + radius, radius, -M_PI_2, 0);
+    cairo_arc(cairo, right - radius, bottom - radius, radius, 0, M_PI_2);
+    cairo_arc(cairo, left + radius, bottom - radius, radius, M_PI_2, M_PI);
+    cairo_arc(cairo, left + radius, top + radius, radius, M_PI, 3 * M_PI_2);
+    cairo_close_path(cairo);
+}
+
+void paint_menu(cairo_t* cairo, const menu_scene_t& scene) {
+    const menu_look_t& look = scene.layout->look();
+    cairo_save(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_rgba(cairo, 0, 0, 0, 0);
+    cairo_paint(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
+    if (scene.shadow) paint_shadow(cairo, scene);
+    paint_panel(cairo, scene);
+    cairo_rectangle(cairo, scene.left, scene.top + 2 * look.hairline, scene.width,
+                    scene.height - 4 * look.hairline);
+    cairo_clip(cairo);
+    paint_rows(cairo, scene);
+    if (scene.scrolls_up) paint_arrow(cairo, scene, -1);
+    if (scene.scrolls_down) paint_arrow(cairo, scene, 1);
+    cairo_restore(cairo);
+}

@@ -1,0 +1,44 @@
+// Whether a file is there, asked while a menu is open: a disk that has stopped answering must not
+// hold the menu, so no answer in time counts as no such file.
+#include <Foundation/Foundation.h>
+
+#include "corefoundation/patient_stat.h"
+#include "menus/menu_run.h"
+#include "objc/method_patch.h"
+
+namespace {
+
+// In seconds: not felt as a halt, and far more than a disk takes that does answer.
+const double patience = 0.2;
+
+IMP stock_exists;
+
+bool holds_a_menu() { return [NSThread isMainThread] && menu_run_t::current(); }
+
+// fileExistsAtPath: asks by this one too.
+BOOL file_exists(NSFileManager* self, SEL selector, NSString* path, BOOL* is_folder) {
+    if (![path hasPrefix:@"/"] || !holds_a_menu()) {
+        auto stock = reinterpret_cast<BOOL (*)(id, SEL, NSString*, BOOL*)>(stock_exists);
+        return stock(self, selector, path, is_folder);
+    }
+    const auto status = files::patient_stat([self fileSystemRepresentationWithPath:path], patience);
+    if (is_folder) *is_folder = status && S_ISDIR(status->st_mode);
+    return status.has_value();
+}
+
+}  // namespace
+
+@interface MenuQuestionsInstaller : NSObject
+@end
+
+@implementation MenuQuestionsInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSFileManager", "fileExistsAtPath:isDirectory:", reinterpret_cast<IMP>(file_exists),
+         &stock_exists},
+    };
+    patch_methods(patches);
+}
+
+@end

@@ -1,0 +1,114 @@
+// Makes menus light. GNUstep gives each menu two panels, a view and four observers as it is made;
+// here they come into being when something first asks for them: the main menu, a popup button, a
+// torn-off menu. A menu that is only ever shown as a contextual menu never has them.
+#include "menus/menu_storage.h"
+
+#include "menus/menu_changes.h"
+#include "objc/method_patch.h"
+
+@interface NSMenu (StockStorage)
+- (void)menuChanged;
+@end
+
+static menu_change_listener_t change_listener;
+
+void set_menu_change_listener(menu_change_listener_t listener) { change_listener = listener; }
+
+@implementation NSMenu (LightMethods)
+
+- (NSMenu*)initAsPlainObject {
+    return [super init];
+}
+
+static struct { IMP insert, remove, changed, key_equivalent, close; } stock;
+
+static void told_of_change(NSMenu* self, NSMenuItem* item) {
+    self->_menu.needsSizing = YES;
+    [self menuChanged];
+    if (change_listener) change_listener(self, item);
+}
+
+static id light_init(NSMenu* self, SEL, NSString* title) {
+    if (!(self = [self initAsPlainObject])) return nil;
+    self->_title = [title copy];
+    self->_items = [NSMutableArray new];
+    self->_notifications = [NSMutableArray new];
+    self->_menu.changedMessagesEnabled = YES;
+    self->_menu.needsSizing = YES;
+    self->_menu.autoenable = YES;
+    [MenuLaunchObserver start];
+    return self;
+}
+
+static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {
+    const BOOL ours = [item isKindOfClass:[NSMenuItem class]] && ![item menu];
+    if (self->_view || !ours) {
+        reinterpret_cast<void (*)(id, SEL, id, NSInteger)>(stock.insert)(self, selector, item,
+                                                                         index);
+        return;
+    }
+    [self->_items insertObject:item atIndex:index];
+    [item setMenu:self];
+    told_of_change(self, nil);
+}
+
+static void light_remove(NSMenu* self, SEL selector, NSInteger index) {
+    if (self->_view) {
+        reinterpret_cast<void (*)(id, SEL, NSInteger)>(stock.remove)(self, selector, index);
+        return;
+    }
+    [(NSMenuItem*)[self->_items objectAtIndex:index] setMenu:nil];
+    [self->_items removeObjectAtIndex:index];
+    told_of_change(self, nil);
+}
+
+// Without a view nothing of the stock menu shows: no search for the item, no update, and with that
+// no message to the delegate.
+static void light_changed(NSMenu* self, SEL selector, NSMenuItem* item) {
+    if (self->_view) {
+        reinterpret_cast<void (*)(id, SEL, id)>(stock.changed)(self, selector, item);
+    } else if ([item menu] == self) {
+        told_of_change(self, item);
+    }
+}
+
+// The stock method performs the item through the view.
+static BOOL light_key_equivalent(NSMenu* self, SEL selector, NSEvent* event) {
+    const NSEventType type = [event type];
+    if (!self->_view && (type == NSKeyDown || type == NSKeyUp)) {
+        NSString* key = [event charactersIgnoringModifiers];
+        for (NSMenuItem* item in self->_items) {
+            if (![[item keyEquivalent] isEqualToString:key] || [key length] == 0) continue;
+            [self needStockRepresentation];
+            break;
+        }
+    }
+    return reinterpret_cast<BOOL (*)(id, SEL, id)>(stock.key_equivalent)(self, selector, event);
+}
+
+// A menu that was never shown has nothing to close, nor does its supermenu point at it.
+static void light_close(NSMenu* self, SEL selector) {
+    if (self->_aWindow) reinterpret_cast<void (*)(id, SEL)>(stock.close)(self, selector);
+}
+
+static BOOL is_same_menu(NSMenu* self, SEL, id other) { return self == other; }
+
+@end
+
+@interface MenuStorageInstaller : NSObject
+@end
+@implementation MenuStorageInstaller
++ (void)load {
+    static const method_patch_t patches[] = {
+        {"NSMenu", "initWithTitle:", reinterpret_cast<IMP>(light_init), nullptr},
+        {"NSMenu", "insertItem:atIndex:", reinterpret_cast<IMP>(light_insert), &stock.insert},
+        {"NSMenu", "removeItemAtIndex:", reinterpret_cast<IMP>(light_remove), &stock.remove},
+        {"NSMenu", "itemChanged:", reinterpret_cast<IMP>(light_changed), &stock.changed},
+        {"NSMenu", "performKeyEquivalent:", reinterpret_cast<IMP>(light_key_equivalent),
+         &stock.key_equivalent},
+        {"NSMenu", "close", reinterpret_cast<IMP>(light_close), &stock.close},
+        {"NSMenu", "isEqual:", reinterpret_cast<IMP>(is_same_menu), nullptr},
+    };
+    patch_methods(patches);
+}
+@end

@@ -1,0 +1,77 @@
+#include "objc/method_patch.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+
+namespace {
+
+void unused_method(id, SEL) {}
+
+// The head of GNU's class record, which its headers keep to themselves.
+struct class_record_t {
+    Class is_a;
+    Class superclass;
+    const char* name;
+    long version;
+    unsigned long info;
+};
+constexpr unsigned long under_construction = 0x10;
+
+// clang sets a flag in each metaclass that this run time reads as "under construction", and to
+// such a class it adds methods without telling the dispatch tables.
+void finish_construction(Class owner) {
+    if (!class_isMetaClass(owner)) return;
+    reinterpret_cast<class_record_t*>(owner)->info &= ~under_construction;
+}
+
+// class_getInstanceMethod would initialize the class.
+Method own_method(Class owner, SEL selector) {
+    unsigned count = 0;
+    Method* list = class_copyMethodList(owner, &count);
+    Method found = nullptr;
+    for (unsigned i = 0; i < count && !found; i++) {
+        if (sel_isEqual(method_getName(list[i]), selector)) found = list[i];
+    }
+    free(list);
+    return found;
+}
+
+Method inherited_method(Class owner, SEL selector) {
+    Method method = nullptr;
+    for (; owner && !method; owner = class_getSuperclass(owner)) {
+        method = own_method(owner, selector);
+    }
+    return method;
+}
+
+void patch_method(const method_patch_t& patch) {
+    Class owner = objc_getClass(patch.class_name);
+    if (owner && patch.on_class) owner = object_getClass(reinterpret_cast<id>(owner));
+    if (!owner) return;
+    SEL selector = sel_registerName(patch.selector);
+    Method method = inherited_method(owner, selector);
+    if (!method) return;
+    IMP original = method_getImplementation(method);
+    // Told first: another thread may enter the new one as soon as it is there.
+    if (patch.original) *patch.original = original;
+    class_replaceMethod(owner, selector, patch.implementation, method_getTypeEncoding(method));
+    refresh_dispatch(owner);
+}
+
+}  // namespace
+
+void patch_methods(const method_patch_t* patches, unsigned count) {
+    for (unsigned i = 0; i < count; i++) patch_method(patches[i]);
+}
+
+void refresh_dispatch(Class owner) {
+    finish_construction(owner);
+    // Only adding a method rebuilds the tables, and only under a name that the class lacks.
+    static unsigned serial;
+    char name[32];
+    do {
+        snprintf(name, sizeof name, "_dispatchRefresh%u",
+                 __atomic_fetch_add(&serial, 1, __ATOMIC_RELAXED));
+    } while (!class_addMethod(owner, sel_registerName(name), reinterpret_cast<IMP>(unused_method),
+                              "v16@0:8"));
+}

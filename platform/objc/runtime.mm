@@ -1,0 +1,44 @@
+#include <objc/runtime.h>
+
+#include <stdlib.h>
+
+#include <vector>
+
+#include "objc/method_patch.h"
+
+#undef method_exchangeImplementations
+
+namespace {
+
+bool owns(Class candidate, Method method) {
+    unsigned count = 0;
+    Method* list = class_copyMethodList(candidate, &count);
+    bool found = false;
+    for (unsigned i = 0; i < count && !found; i++) found = list[i] == method;
+    free(list);
+    return found;
+}
+
+// The class, or metaclass, that defines the method: the record itself does not say.
+Class owner_of(Method method) {
+    const int count = objc_getClassList(nullptr, 0);
+    std::vector<Class> classes(count > 0 ? count : 0);
+    const int listed = objc_getClassList(classes.data(), count);
+    for (int i = 0; i < listed && i < count; i++) {
+        if (owns(classes[i], method)) return classes[i];
+        if (owns(object_getClass(reinterpret_cast<id>(classes[i])), method)) {
+            return object_getClass(reinterpret_cast<id>(classes[i]));
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+extern "C" void MacMethodExchangeImplementations(Method first, Method second) {
+    if (!first || !second) return;
+    method_exchangeImplementations(first, second);
+    Class owner = owner_of(first), other = owner_of(second);
+    if (owner) refresh_dispatch(owner);
+    if (other && other != owner) refresh_dispatch(other);
+}

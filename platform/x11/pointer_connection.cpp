@@ -1,0 +1,91 @@
+#include "x11/pointer_connection.h"
+
+#include <X11/Xlib.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/socket.h>
+
+#include <string>
+
+namespace {
+
+struct connection_t {
+    Display* display = nullptr;
+    bool broken = false;
+    std::string refused;  // the display that could not be opened, or has gone
+
+    // What is left of a broken one cannot be closed.
+    ~connection_t() {
+        if (display && !broken) XCloseDisplay(display);
+    }
+};
+
+// In place of ending the process: the toolkit decides that by its own connection.
+void note_loss(Display*, void* connection) {
+    static_cast<connection_t*>(connection)->broken = true;
+}
+
+// Xlib ends the process where it finds the far end closed, whatever was asked for above.
+bool has_gone(Display* display) {
+    char byte;
+    const ssize_t count = recv(ConnectionNumber(display), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
+}
+
+Display* open_connection(connection_t* connection) {
+    Display* display = XOpenDisplay(nullptr);
+    if (!display) return nullptr;
+    fcntl(ConnectionNumber(display), F_SETFD, FD_CLOEXEC);
+    XSetIOErrorExitHandler(display, note_loss, connection);
+    return display;
+}
+
+// A keyboard layout may change while we run.
+void follow_keyboard(Display* display) {
+    while (XPending(display) > 0) {
+        XEvent event;
+        XNextEvent(display, &event);
+        if (event.type == MappingNotify) XRefreshKeyboardMapping(&event.xmapping);
+    }
+}
+
+}  // namespace
+
+Display* pointer_connection() {
+    static thread_local connection_t connection;
+    const char* name = getenv("DISPLAY");
+    if (connection.display && !connection.broken) connection.broken = has_gone(connection.display);
+    if (connection.broken && connection.display) {
+        connection.display = nullptr;
+        connection.refused = name ? name : "";
+    }
+    if (!connection.display) {
+        if (!name || !*name || connection.refused == name) return nullptr;
+        connection.broken = false;
+        connection.display = open_connection(&connection);
+        if (!connection.display) connection.refused = name;
+    }
+    if (connection.display) follow_keyboard(connection.display);
+    return connection.broken ? nullptr : connection.display;
+}
+
+pointer_place_t pointer_place() {
+    pointer_place_t place;
+    Display* display = pointer_connection();
+    if (!display) return place;
+    Window root, child;
+    int x, y;
+    unsigned width, height = 0, border, depth;
+    // Asked each time: the screen may have been resized.
+    if (!XQueryPointer(display, DefaultRootWindow(display), &root, &child, &place.x, &place.y, &x,
+                       &y, &place.state) ||
+        !XGetGeometry(display, DefaultRootWindow(display), &root, &x, &y, &width, &height, &border,
+                      &depth)) {
+        return {};
+    }
+    place.display_height = static_cast<int>(height);
+    return place;
+}
+
+unsigned pointer_state() { return pointer_place().state; }

@@ -1,0 +1,33 @@
+// Asking the X server about windows: a question is sent when it is made and answered when its reply
+// is read, so that many share a trip. Errors, such as of a window that has gone, are empty answers.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "x11/server_connection.h"
+
+struct PropertyQuestion {
+    PropertyQuestion(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
+                     uint32_t most_words = 64);
+    ~PropertyQuestion();
+    PropertyQuestion(const PropertyQuestion&) = delete;
+    PropertyQuestion& operator=(const PropertyQuestion&) = delete;
+
+    // The value's bytes; empty when the window has no such property.
+    std::string bytes() const;
+    std::vector<uint32_t> numbers() const;
+    bool exists() const;
+
+  private:
+    using Answer = reply_t<xcb_get_property_reply_t>;
+    const Answer& answer() const;
+
+    xcb_connection_t* connection_;
+    xcb_get_property_cookie_t cookie_;
+    mutable Answer answer_;
+    mutable bool is_read_ = false;
+};
+
+// The children of a window, bottom first.
+std::vector<xcb_window_t> children_of(xcb_connection_t* connection, xcb_window_t window);
