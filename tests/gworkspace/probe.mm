@@ -33,7 +33,7 @@ int listen_at(const char* path) {
 // The rest stands in a library that needs Delvio's, and is loaded where those are.
 std::string ask_about_menus(const std::string& question) {
     using Answer = void (*)(const char*, std::string*);
-    if (!dlopen("libdelvio-appkit.so", RTLD_NOW | RTLD_NOLOAD)) return "";
+    if (!dlopen("libdelvio-platform.so", RTLD_NOW | RTLD_NOLOAD)) return "";
     static void* menus = dlopen(GWORKSPACE_MENU_PROBE, RTLD_NOW);
     const auto answer =
         reinterpret_cast<Answer>(menus ? dlsym(menus, "AnswerAboutMenus") : nullptr);
