@@ -63,6 +63,18 @@ void append(void* context) {
 
 }  // namespace
 
+// The first of the cases: the main thread has no run loop before it.
+TEST(Dispatch, MainWorkRunsInItsOrderAndNotAtOnce) {
+    order_t order;
+    for (int i = 0; i < 20; i++) {
+        dispatch_async_f(dispatch_get_main_queue(), new numbered_t{&order, i}, append);
+    }
+    EXPECT_TRUE(order.seen.empty());
+    run_until(NSDefaultRunLoopMode, [&] { return order.seen.size() == 20; });
+    for (int i = 0; i < 20; i++) EXPECT_EQ(order.seen[i], i);
+    EXPECT_TRUE(order.on_main);
+}
+
 TEST(Dispatch, TheQueuesAreTheSameAtEveryCall) {
     EXPECT_EQ(global_queue(), dispatch_get_global_queue(0, 0));
     EXPECT_EQ(dispatch_get_main_queue(), dispatch_get_main_queue());
@@ -115,17 +127,6 @@ TEST(Dispatch, AThousandPiecesAllRun) {
     }
     run_until(NSDefaultRunLoopMode, [] { return count == 1000; });
     EXPECT_EQ(count, 1000);
-}
-
-TEST(Dispatch, MainWorkRunsInItsOrderAndNotAtOnce) {
-    order_t order;
-    for (int i = 0; i < 20; i++) {
-        dispatch_async_f(dispatch_get_main_queue(), new numbered_t{&order, i}, append);
-    }
-    EXPECT_TRUE(order.seen.empty());
-    run_until(NSDefaultRunLoopMode, [&] { return order.seen.size() == 20; });
-    for (int i = 0; i < 20; i++) EXPECT_EQ(order.seen[i], i);
-    EXPECT_TRUE(order.on_main);
 }
 
 TEST(Dispatch, MainWorkFromAnotherThreadWakesTheRunLoop) {
