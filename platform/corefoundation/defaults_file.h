@@ -41,7 +41,10 @@ class DefaultsFile {
     };
 
     bool stamp_of_file(Stamp* stamp) const;
-    bool replace(NSDictionary* values);
+    bool replace(NSData* data);
+    // Again: another program has changed the file meanwhile.
+    enum class Step { Done, Failed, Again };
+    Step try_to_merge(NSDictionary* changes);
 
     std::string folder_;
     std::string path_;

@@ -102,6 +102,13 @@ NSDictionary* merged(NSDictionary* values, NSDictionary* changes) {
     return result;
 }
 
+NSData* serialized(NSDictionary* values) {
+    return [NSPropertyListSerialization dataWithPropertyList:values
+                                                      format:NSPropertyListXMLFormat_v1_0
+                                                     options:0
+                                                       error:nullptr];
+}
+
 }  // namespace
 
 bool DefaultsFile::Stamp::operator==(const Stamp& other) const {
@@ -148,13 +155,7 @@ bool DefaultsFile::refresh() {
     return true;
 }
 
-bool DefaultsFile::replace(NSDictionary* values) {
-    NSData* data = [NSPropertyListSerialization dataWithPropertyList:values
-                                                              format:NSPropertyListXMLFormat_v1_0
-                                                             options:0
-                                                               error:nullptr];
-    if (!data) return false;
-
+bool DefaultsFile::replace(NSData* data) {
     const std::string target = real_path(path_);
     if (target.empty()) return false;
     std::string temporary = target + ".XXXXXX";
@@ -169,17 +170,29 @@ bool DefaultsFile::replace(NSDictionary* values) {
     return done;
 }
 
+DefaultsFile::Step DefaultsFile::try_to_merge(NSDictionary* changes) {
+    if (!refresh()) return Step::Failed;
+    NSDictionary* result = merged(values_, changes);
+    if ([result isEqual:values_]) return Step::Done;
+    NSData* data = serialized(result);
+    if (!data) return Step::Failed;
+
+    make_folders(folder_);
+    const DefaultsLock lock(folder_);
+    Stamp now;
+    if (!lock.held() || !stamp_of_file(&now)) return Step::Failed;
+    if (!(now == stamp_)) return Step::Again;
+    return replace(data) ? Step::Done : Step::Failed;
+}
+
+// Nothing of the toolkit's runs while the lock is held: what uses its own defaults for the first
+// time takes the same lock, and waits 20 seconds for it.
 bool DefaultsFile::merge(NSDictionary* changes) {
-    if (!refresh()) return false;
-    @autoreleasepool {
-        if ([merged(values_, changes) isEqual:values_]) return true;
-
-        make_folders(folder_);
-        const DefaultsLock lock(folder_);
-        if (!lock.held() || !refresh()) return false;
-
-        NSDictionary* result = merged(values_, changes);
-        if (![result isEqual:values_] && !replace(result)) return false;
-        return refresh();
+    Step step = Step::Again;
+    for (int attempt = 0; attempt < 100 && step == Step::Again; attempt++) {
+        @autoreleasepool {
+            step = try_to_merge(changes);
+        }
     }
+    return step == Step::Done && refresh();
 }
