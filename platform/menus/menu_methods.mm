@@ -4,7 +4,6 @@
 
 #include <unordered_map>
 
-#include "events/event_loop.h"
 #include "menus/menu_storage.h"
 #include "objc/method_patch.h"
 
@@ -41,11 +40,7 @@ void deallocate(NSMenu* self, SEL selector) {
 }
 
 - (void)cancelTracking {
-    MenuSession* session = [MenuSession sessionOfMenu:self];
-    if (!session) return;
-    [session cancel];
-    // The tracker may be asleep in the event queue.
-    wake_event_loop();
+    [[MenuSession sessionOfMenu:self] cancel];
 }
 
 - (void)cancelTrackingWithoutAnimation {

@@ -19,10 +19,6 @@ const char* server_resources();
 // Whether windows are composed, so that they may be transparent.
 bool windows_are_composed();
 
-// Hands over events that came with the answer to a question: nothing announces them any more, and
-// the run loop would sleep on them.
-void deliver_queued_events();
-
 pointer_t current_pointer();
 // Between the server's points and GNUstep's, which count from the lower left.
 point_t server_point(NSPoint point);
@@ -70,6 +66,8 @@ class input_grab_t {
 
     // False when another program holds the pointer and does not let go.
     bool take(NSWindow* window);
+    // False while another program holds the keyboard. Does nothing once it is ours.
+    bool take_keyboard();
     void release();
 
   private:

@@ -83,16 +83,6 @@ bool windows_are_composed() {
     return XGetSelectionOwner(display(), XInternAtom(display(), name, False)) != None;
 }
 
-void deliver_queued_events() {
-    if (!XEventsQueued(display(), QueuedAlready)) return;
-    id server = GSCurrentServer();
-    void* connection = reinterpret_cast<void*>(intptr_t{ConnectionNumber(display())});
-    [server receivedEvent:connection
-                     type:ET_RDESC
-                    extra:connection
-                  forMode:NSEventTrackingRunLoopMode];
-}
-
 pointer_t current_pointer() {
     ::Window root, child;
     int x = 0, y = 0, inner_x, inner_y;
@@ -303,14 +293,21 @@ bool input_grab_t::take(NSWindow* window) {
     }
     if (!held) return false;
     window_ = [window retain];
-    keyboard_ = XGrabKeyboard(display(), x_window(window), False, GrabModeAsync, GrabModeAsync,
-                              CurrentTime) == GrabSuccess;
+    take_keyboard();
     // GNUstep throws keys away while the application has no key window.
     if (![NSApp keyWindow]) {
         [window becomeKeyWindow];
         became_key_ = true;
     }
     return true;
+}
+
+bool input_grab_t::take_keyboard() {
+    if (window_ && !keyboard_) {
+        keyboard_ = XGrabKeyboard(display(), x_window(window_), False, GrabModeAsync, GrabModeAsync,
+                                  CurrentTime) == GrabSuccess;
+    }
+    return keyboard_;
 }
 
 void input_grab_t::release() {

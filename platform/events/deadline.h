@@ -1,0 +1,21 @@
+// A moment that a tracker waits for.
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+// Seconds since the reference date.
+inline double seconds_now() { return [NSDate timeIntervalSinceReferenceDate]; }
+
+struct deadline_t {
+    double due = 0;  // 0: none
+
+    void start(double delay) { due = seconds_now() + delay; }
+    void stop() { due = 0; }
+    bool is_running() const { return due > 0; }
+    bool is_due() const { return due > 0 && due <= seconds_now(); }
+    // The earlier of the two, 0 if neither is running.
+    static double earlier(double one, double other) {
+        if (one <= 0 || other <= 0) return one > 0 ? one : other;
+        return one < other ? one : other;
+    }
+};

@@ -1,0 +1,122 @@
+#include "events/event_wait.h"
+
+#include <AppKit/AppKit.h>
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <objc/runtime.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include "events/deadline.h"
+
+namespace {
+
+// The sleeper that the run loop works for now: a timer may start another one within.
+event_wait_t* sleeper;
+
+// GNUstep has no question for this that would not run the run loop.
+bool an_event_is_queued() {
+    GSDisplayServer* server = GSCurrentServer();
+    Ivar variable = server ? class_getInstanceVariable([server class], "event_queue") : nullptr;
+    return variable && [static_cast<NSArray*>(object_getIvar(server, variable)) count] > 0;
+}
+
+}  // namespace
+
+// GNUstep's run loop goes on polling, time and again, until a descriptor has something or the time
+// is over: events that it has read meanwhile, and what its timers have done, are left waiting. It
+// asks each watcher before it polls; this one answers with a descriptor that has something.
+@interface EventBell : NSObject <RunLoopEvents> {
+  @private
+    event_wait_t* _wait;
+    int _descriptor;
+    NSString* _mode;
+}
+- (instancetype)initWithWait:(event_wait_t*)wait mode:(NSString*)mode;
+- (void)ring;
+// To be sent before the last release.
+- (void)stop;
+@end
+
+@implementation EventBell
+
+- (instancetype)initWithWait:(event_wait_t*)wait mode:(NSString*)mode {
+    if (!(self = [super init])) return nil;
+    _wait = wait;
+    _descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    _mode = [mode retain];
+    [[NSRunLoop currentRunLoop] addEvent:reinterpret_cast<void*>(intptr_t{_descriptor})
+                                    type:ET_RDESC
+                                 watcher:self
+                                 forMode:_mode];
+    return self;
+}
+
+- (void)stop {
+    [[NSRunLoop currentRunLoop] removeEvent:reinterpret_cast<void*>(intptr_t{_descriptor})
+                                       type:ET_RDESC
+                                    forMode:_mode
+                                        all:YES];
+    close(_descriptor);
+}
+
+- (void)dealloc {
+    [_mode release];
+    [super dealloc];
+}
+
+- (void)ring {
+    eventfd_write(_descriptor, 1);
+}
+
+- (BOOL)runLoopShouldBlock:(BOOL*)trigger {
+    *trigger = NO;
+    if (sleeper == _wait) _wait->about_to_poll();
+    return YES;
+}
+
+- (void)receivedEvent:(void*)data
+                 type:(RunLoopEventType)type
+                extra:(void*)extra
+              forMode:(NSString*)mode {
+    (void)data, (void)type, (void)extra, (void)mode;
+    eventfd_t count;
+    eventfd_read(_descriptor, &count);
+}
+
+@end
+
+event_wait_t::event_wait_t(NSString* mode)
+    : mode_([mode retain]), bell_([[EventBell alloc] initWithWait:this mode:mode]) {}
+
+event_wait_t::~event_wait_t() {
+    [bell_ stop];
+    [bell_ release];
+    [mode_ release];
+}
+
+void event_wait_t::sleep(double due, const question_t& has_work) {
+    // The run loop cuts its time-outs to whole milliseconds: one more, so that it is not early.
+    NSDate* limit = due > 0 ? [NSDate dateWithTimeIntervalSinceReferenceDate:due + 0.001]
+                            : [NSDate distantFuture];
+    has_work_ = &has_work;
+    polls_ = 0;
+    began_ = seconds_now();
+    outer_ = sleeper;
+    sleeper = this;
+    @try {
+        [[NSRunLoop currentRunLoop] acceptInputForMode:mode_ beforeDate:limit];
+    } @finally {
+        sleeper = outer_;
+    }
+}
+
+// The first time the run loop has just begun, and may sleep when nothing waits. Each further time
+// it has polled in vain: it has read events, or a timer has come or has fired.
+void event_wait_t::about_to_poll() {
+    const bool is_first = polls_++ == 0;
+    const bool is_idle = !an_event_is_queued() && !(*has_work_)();
+    if (is_first && is_idle) return;
+    // It polls without a pause for the last part of the millisecond before a timer.
+    if (is_idle && seconds_now() - began_ < 0.001) usleep(1000);
+    [bell_ ring];
+}

@@ -1,0 +1,44 @@
+// The keyboard of one popup: moves through rows and levels, picks, finds titles by their beginning,
+// and knows which keys are held that choose between alternates. Main thread.
+#pragma once
+
+#include <string>
+
+#include "menus/menu_levels.h"
+#include "menus/pointer_tracker.h"
+
+class keyboard_tracker_t {
+  public:
+    keyboard_tracker_t(menu_levels_t& levels, pointer_tracker_t& pointer)
+        : levels_(levels), pointer_(pointer) {}
+    keyboard_tracker_t(const keyboard_tracker_t&) = delete;
+    keyboard_tracker_t& operator=(const keyboard_tracker_t&) = delete;
+
+    // Events of other kinds than keys do nothing but tell which modifiers are held.
+    void handle(NSEvent* event);
+    // The pointer leads, until a key is pressed.
+    void yield_to_pointer() { level_ = -1; }
+    // Asks the server which modifiers are held: when the events of some have gone elsewhere.
+    void ask_modifiers();
+
+  private:
+    void follow_modifiers(NSEvent* event);
+    void press(NSEvent* event);
+    bool press_command(unichar character);
+    size_t focus_level() const;
+    void take_focus();
+    void move_highlight(int step, bool wraps);
+    void move_to(int row, int step, bool wraps);
+    void enter_submenu();
+    void leave_submenu();
+    void choose();
+    bool is_typing() const;
+    void type(NSString* characters);
+
+    menu_levels_t& levels_;
+    pointer_tracker_t& pointer_;
+    NSUInteger flags_ = 0;  // of the last event
+    int level_ = -1;        // where keys have led; -1 once the pointer has moved since
+    std::string typed_;
+    double typed_at_ = 0;
+};

@@ -1,0 +1,182 @@
+#include "menus/keyboard_tracker.h"
+
+#include <host/modifier_keys.h>
+
+#include <algorithm>
+
+#include "menus/menu_items.h"
+#include "look/menu_text.h"
+
+namespace {
+
+const double typing_pause = 1;  // after which typing starts anew
+
+bool is_key_event(NSEvent* event) {
+    const NSEventType type = [event type];
+    return type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
+}
+
+const std::vector<menu_row_t>& rows_of(const menu_level_t& level) { return level.layout().rows(); }
+
+}  // namespace
+
+void keyboard_tracker_t::handle(NSEvent* event) {
+    follow_modifiers(event);
+    if ([event type] == NSKeyDown) press(event);
+}
+
+void keyboard_tracker_t::ask_modifiers() {
+    levels_.set_modifiers(CurrentModifierFlags() & alternate_modifiers);
+}
+
+// GNUstep's flags do not know all keys that stand for Option and Command: they only say when to
+// ask. Those of a pointer's event tell of keys that were pressed while others had the keyboard.
+void keyboard_tracker_t::follow_modifiers(NSEvent* event) {
+    const NSUInteger flags = [event modifierFlags] & alternate_modifiers;
+    if (is_key_event(event) || flags != flags_) ask_modifiers();
+    flags_ = flags;
+}
+
+// The level that the user is in: where keys have led since the pointer moved, else the level under
+// the pointer, whatever of it the pointer is on, else the deepest one that is shown.
+size_t keyboard_tracker_t::focus_level() const {
+    size_t shown = levels_.size() - 1;
+    while (shown > 0 && !levels_[shown].is_shown()) shown--;
+    if (level_ >= 0) return std::min<size_t>(level_, shown);
+    const int under_pointer = levels_.level_at(pointer_.place());
+    return under_pointer >= 0 ? under_pointer : shown;
+}
+
+// From here on it is the keys that lead, and a strip under the pointer scrolls no further.
+void keyboard_tracker_t::take_focus() {
+    pointer_.yield_to_keys();
+    level_ = static_cast<int>(focus_level());
+}
+
+void keyboard_tracker_t::press(NSEvent* event) {
+    NSString* characters = [event characters];
+    if (![characters length] || levels_.empty()) return;
+    take_focus();
+    if (press_command([characters characterAtIndex:0])) return;
+    if ([characters isEqualToString:@" "] && !is_typing()) return choose();
+    if ([event modifierFlags] & (NSControlKeyMask | NSCommandKeyMask)) return;
+    type(characters);
+}
+
+// False for a key that stands for its character.
+bool keyboard_tracker_t::press_command(unichar character) {
+    const menu_level_t& level = levels_[focus_level()];
+    const int last = static_cast<int>(rows_of(level).size()) - 1;
+    switch (character) {
+        case NSDownArrowFunctionKey:
+            return move_highlight(1, true), true;
+        case NSUpArrowFunctionKey:
+            return move_highlight(-1, true), true;
+        case NSPageDownFunctionKey:
+            return move_highlight(level.rows_per_page(), false), true;
+        case NSPageUpFunctionKey:
+            return move_highlight(-level.rows_per_page(), false), true;
+        case NSHomeFunctionKey:
+            return move_to(0, 1, false), true;
+        case NSEndFunctionKey:
+            return move_to(last, -1, false), true;
+        case NSRightArrowFunctionKey:
+            return enter_submenu(), true;
+        case NSLeftArrowFunctionKey:
+            return leave_submenu(), true;
+        case 0x1B:
+            return pointer_.cancel(), true;
+        case NSCarriageReturnCharacter:
+        case NSNewlineCharacter:
+        case NSEnterCharacter:
+            return choose(), true;
+        default:
+            return false;
+    }
+}
+
+void keyboard_tracker_t::move_highlight(int step, bool wraps) {
+    const size_t index = focus_level();
+    const menu_layout_t& layout = levels_[index].layout();
+    const int row = layout.row_of(levels_.highlighted_item(index));
+    const int count = static_cast<int>(layout.rows().size());
+    const int direction = step > 0 ? 1 : -1;
+    if (row < 0) return move_to(step > 0 ? 0 : count - 1, direction, false);
+    const int target = row + step;
+    const bool beyond = target < 0 || target >= count;
+    if (beyond && !wraps) return move_to(std::clamp(target, 0, count - 1), -direction, false);
+    move_to(target, direction, wraps);
+}
+
+// Highlights the first row from `row` on, in direction `step`, that can be highlighted.
+void keyboard_tracker_t::move_to(int row, int step, bool wraps) {
+    const size_t index = focus_level();
+    menu_level_t& level = levels_[index];
+    const int count = static_cast<int>(rows_of(level).size());
+    for (int tries = 0; tries < count; tries++, row += step) {
+        if (wraps) row = (row + count) % count;
+        if (row < 0 || row >= count) return;
+        NSMenuItem* item = rows_of(level)[row].item;
+        if (!can_highlight(item)) continue;
+        if (index + 1 < levels_.size() && item != levels_.parent_item(index + 1)) {
+            [levels_.session() closeLevelsBelowMenu:level.menu()];
+        }
+        [levels_.session() highlightItem:item inMenu:level.menu()];
+        level.reveal(row);
+        return;
+    }
+}
+
+void keyboard_tracker_t::enter_submenu() {
+    const size_t index = focus_level();
+    NSMenuItem* item = levels_.highlighted_item(index);
+    if (!item) return move_highlight(1, true);
+    if (![item hasSubmenu]) return;
+    [levels_.session() openSubmenuOfItem:item];
+    levels_.synchronize();
+    if (index + 1 >= levels_.size() || !levels_[index + 1].is_shown()) return;
+    level_ = static_cast<int>(index) + 1;
+    const std::vector<menu_row_t>& rows = rows_of(levels_[index + 1]);
+    const auto first = std::find_if(rows.begin(), rows.end(),
+                                    [](const menu_row_t& row) { return can_highlight(row.item); });
+    if (first == rows.end()) return;
+    [levels_.session() highlightItem:first->item inMenu:levels_[index + 1].menu()];
+}
+
+void keyboard_tracker_t::leave_submenu() {
+    const size_t index = focus_level();
+    if (index + 1 < levels_.size()) {
+        [levels_.session() closeLevelsBelowMenu:levels_[index].menu()];
+    } else if (index > 0) {
+        level_ = static_cast<int>(index) - 1;
+        [levels_.session() closeLevelsBelowMenu:levels_[index - 1].menu()];
+    }
+}
+
+void keyboard_tracker_t::choose() {
+    NSMenuItem* item = levels_.highlighted_item(focus_level());
+    if (can_pick(item)) {
+        [levels_.session() pickItem:item];
+    } else if ([item hasSubmenu]) {
+        enter_submenu();
+    }
+}
+
+bool keyboard_tracker_t::is_typing() const {
+    return !typed_.empty() && seconds_now() - typed_at_ <= typing_pause;
+}
+
+void keyboard_tracker_t::type(NSString* characters) {
+    const unichar first = [characters characterAtIndex:0];
+    if (first < 0x20 || first == 0x7F || (first >= 0xF700 && first <= 0xF8FF)) return;
+    if (!is_typing()) typed_.clear();
+    typed_at_ = seconds_now();
+    typed_ += [characters UTF8String] ?: "";
+    const std::string wanted = folded(typed_);
+    const std::vector<menu_row_t>& rows = rows_of(levels_[focus_level()]);
+    for (size_t row = 0; row < rows.size(); row++) {
+        if (!can_highlight(rows[row].item)) continue;
+        if (folded(visible_title([rows[row].item title])).rfind(wanted, 0) != 0) continue;
+        return move_to(static_cast<int>(row), 1, false);
+    }
+}

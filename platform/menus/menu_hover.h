@@ -1,0 +1,42 @@
+// What the pointer of a menu rests on: highlights it, opens its submenu after a moment, and leaves
+// an open submenu alone while the pointer is on its way there. Main thread.
+#pragma once
+
+#include "events/deadline.h"
+#include "menus/menu_levels.h"
+
+class menu_hover_t {
+  public:
+    explicit menu_hover_t(menu_levels_t& levels) : levels_(levels) {}
+    ~menu_hover_t() { [item_ release]; }
+    menu_hover_t(const menu_hover_t&) = delete;
+    menu_hover_t& operator=(const menu_hover_t&) = delete;
+
+    // The pointer came to a place in the rows of a level.
+    void move_to(int level, point_t point);
+    // The same, whatever submenu it may be on the way to.
+    void enter(int level, point_t point);
+    // The pointer left all levels.
+    void leave();
+    // The item that it rests on from now.
+    void rest_on(NSMenuItem* item);
+    // Nothing follows from where the pointer rests until it moves.
+    void stop();
+    void stop_aiming() { is_aiming_ = false; }
+    // Opens the submenu of an item at once.
+    void open_submenu(NSMenuItem* item);
+
+    double due() const { return timer_.due; }
+    // When due(): the pointer has rested at `point`.
+    void rest(point_t point);
+
+  private:
+    bool aims(int level, point_t point);
+    void set_item(NSMenuItem* item);
+
+    menu_levels_t& levels_;
+    NSMenuItem* item_ = nil;  // retained; what the timer waits for
+    deadline_t timer_;
+    point_t aim_from_ = {};
+    bool is_aiming_ = false;
+};

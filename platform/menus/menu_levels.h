@@ -1,0 +1,72 @@
+// The levels of one popup as the screen shows them, kept in step with what its session has open.
+// Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include <memory>
+#include <vector>
+
+#include "menus/menu_level.h"
+#include "menus/menu_session.h"
+
+class menu_levels_t {
+  public:
+    using list_t = std::vector<std::unique_ptr<menu_level_t>>;
+
+    menu_levels_t(MenuSession* session, NSFont* font);
+    ~menu_levels_t();
+    menu_levels_t(const menu_levels_t&) = delete;
+    menu_levels_t& operator=(const menu_levels_t&) = delete;
+
+    MenuSession* session() const { return session_; }
+    const menu_style_t& style() const { return style_; }
+    const list_t& all() const { return levels_; }
+    bool empty() const { return levels_.empty(); }
+    size_t size() const { return levels_.size(); }
+    menu_level_t& operator[](size_t index) const { return *levels_[index]; }
+
+    // Where the first level is to be.
+    void set_origin(point_t origin) { origin_ = origin; }
+    // The keys that choose between alternates.
+    void set_modifiers(NSUInteger modifiers) { modifiers_ = modifiers; }
+
+    // What to bring in step: the session's levels or highlights, a menu's items, the pixels of an
+    // item's image whose size is as before.
+    void session_changed() { changed_ = true; }
+    void menu_changed(NSMenu* menu);
+    void image_changed(NSImage* image);
+
+    // Brings windows and rows in step with the session. Delegates may change it meanwhile.
+    void synchronize();
+    // Whether there is something to bring in step or to draw.
+    bool needs_synchronizing() const;
+    // The item that took the highlight over from one whose row has gone, nil for none. Asked once.
+    NSMenuItem* take_follower();
+
+    // The topmost level at a point, -1 for none.
+    int level_at(point_t point) const;
+    NSMenuItem* item_at(point_t point) const;
+    NSMenuItem* highlighted_item(size_t index) const;
+    // The item whose submenu a level is.
+    NSMenuItem* parent_item(size_t index) const;
+
+    void hide();
+    void clear();
+
+  private:
+    void follow_session();
+    void show(size_t index);
+    NSUInteger modifiers_for(size_t index) const;
+    bool synchronize_rows(size_t index);
+    void follow_rows(size_t index, int row_before);
+
+    MenuSession* session_;  // retained
+    image_cache_t images_;
+    menu_style_t style_;
+    list_t levels_;
+    point_t origin_ = {};
+    NSUInteger modifiers_ = 0;
+    bool changed_ = false;
+    NSMenuItem* follower_ = nil;  // retained
+};

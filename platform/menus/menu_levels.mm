@@ -1,0 +1,171 @@
+#include "menus/menu_levels.h"
+
+#include "menus/menu_presenter.h"
+#include "menus/menu_items.h"
+#include "x11/menu_windows.h"
+#include "coregraphics/image.h"
+
+namespace {
+
+// Whether another item may stand in the row of this one.
+bool has_alternate(NSMenuItem* item, NSArray* items) {
+    if ([item isAlternate]) return true;
+    const NSUInteger next = [items indexOfObjectIdenticalTo:item] + 1;
+    return next < [items count] && [static_cast<NSMenuItem*>([items
+                                       objectAtIndex:next]) isAlternate];
+}
+
+}  // namespace
+
+menu_levels_t::menu_levels_t(MenuSession* session, NSFont* font)
+    : session_([session retain]),
+      style_{menu_look(font, server_resources()), windows_are_composed(), &images_} {
+    set_display_scale(style_.look.scale);
+}
+
+menu_levels_t::~menu_levels_t() {
+    [follower_ release];
+    [session_ release];
+}
+
+void menu_levels_t::menu_changed(NSMenu* menu) {
+    for (const auto& level : levels_) {
+        if (level->menu() != menu) continue;
+        level->mark_changed();
+        changed_ = true;
+    }
+}
+
+void menu_levels_t::image_changed(NSImage* image) {
+    images_.forget(image);
+    for (const auto& level : levels_) level->redraw();
+}
+
+void menu_levels_t::synchronize() {
+    // Following changed rows may change the session again; a delegate may do so for ever.
+    for (int rounds = 0; rounds < 8; rounds++) {
+        changed_ = false;
+        follow_session();
+        bool changed = false;
+        for (size_t i = 0; i < levels_.size(); i++) changed = synchronize_rows(i) || changed;
+        if (!changed && !changed_) break;
+    }
+    for (size_t i = 0; i < levels_.size(); i++) levels_[i]->set_highlight(highlighted_item(i));
+    for (const auto& level : levels_) display_menu_window(level->window());
+    tell_open_levels_changed();
+}
+
+bool menu_levels_t::needs_synchronizing() const {
+    for (const auto& level : levels_) {
+        if ([level->window() viewsNeedDisplay]) return true;
+    }
+    return changed_;
+}
+
+NSMenuItem* menu_levels_t::take_follower() {
+    NSMenuItem* item = [follower_ autorelease];
+    follower_ = nil;
+    return item;
+}
+
+void menu_levels_t::follow_session() {
+    NSArray* open = [session_ levels];
+    size_t same = 0;
+    while (same < levels_.size() && same < [open count] &&
+           levels_[same]->menu() == [open objectAtIndex:same]) {
+        same++;
+    }
+    while (levels_.size() > same) levels_.pop_back();
+    for (size_t i = same; i < [open count]; i++) {
+        levels_.push_back(std::make_unique<menu_level_t>([open objectAtIndex:i], style_));
+        levels_[i]->refresh(modifiers_);
+        show(i);
+    }
+}
+
+void menu_levels_t::show(size_t index) {
+    if (index == 0) {
+        levels_[0]->show_at_pointer(origin_);
+    } else {
+        levels_[index]->show_beside(*levels_[index - 1], parent_item(index));
+    }
+}
+
+// While the user is in a deeper level, the alternate that led there stays, whatever keys are held.
+NSUInteger menu_levels_t::modifiers_for(size_t index) const {
+    const menu_level_t& level = *levels_[index];
+    const NSUInteger shown = level.layout().modifiers();
+    if (shown == modifiers_ || index + 1 >= levels_.size()) return modifiers_;
+    if (!highlighted_item(index + 1)) return modifiers_;
+    const bool stays = has_alternate(parent_item(index + 1), [level.menu() itemArray]);
+    return stays ? shown : modifiers_;
+}
+
+bool menu_levels_t::synchronize_rows(size_t index) {
+    menu_level_t& level = *levels_[index];
+    const int row = level.layout().row_of(highlighted_item(index));
+    const int row_open = level.layout().row_of(parent_item(index + 1));
+    if (!level.refresh(modifiers_for(index))) return false;
+    if (level.is_shown()) {
+        level.resize();
+    } else {
+        show(index);
+    }
+    follow_rows(index, row);
+    if (row_open >= 0 && level.layout().row_of(parent_item(index + 1)) < 0) {
+        [session_ closeLevelsBelowMenu:level.menu()];
+    }
+    return true;
+}
+
+// After a change of the rows: another item may stand where the highlighted one stood.
+void menu_levels_t::follow_rows(size_t index, int row_before) {
+    const menu_level_t& level = *levels_[index];
+    NSMenuItem* highlighted = highlighted_item(index);
+    if (!highlighted || level.layout().row_of(highlighted) >= 0) return;
+    NSMenuItem* item = nil;
+    if (row_before >= 0 && row_before < static_cast<int>(level.layout().rows().size())) {
+        item = level.layout().rows()[row_before].item;
+    }
+    [session_ highlightItem:item inMenu:level.menu()];
+    if (!can_highlight(item)) return;
+    [item retain];
+    [follower_ release];
+    follower_ = item;
+}
+
+int menu_levels_t::level_at(point_t point) const {
+    for (size_t i = levels_.size(); i-- > 0;) {
+        if (levels_[i]->contains(point)) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+NSMenuItem* menu_levels_t::item_at(point_t point) const {
+    const int level = level_at(point);
+    return level < 0 ? nil : levels_[level]->item_at(point);
+}
+
+NSMenuItem* menu_levels_t::highlighted_item(size_t index) const {
+    return [session_ highlightedItemOfMenu:levels_[index]->menu()];
+}
+
+NSMenuItem* menu_levels_t::parent_item(size_t index) const {
+    if (index == 0 || index >= levels_.size()) return nil;
+    NSMenu* submenu = levels_[index]->menu();
+    NSMenuItem* highlighted = highlighted_item(index - 1);
+    if ([highlighted submenu] == submenu) return highlighted;
+    for (const menu_row_t& row : levels_[index - 1]->layout().rows()) {
+        if ([row.item submenu] == submenu) return row.item;
+    }
+    return nil;
+}
+
+void menu_levels_t::hide() {
+    for (const auto& level : levels_) level->hide();
+}
+
+void menu_levels_t::clear() {
+    levels_.clear();
+    images_.clear();
+}

@@ -1,0 +1,224 @@
+#include "menus/pointer_tracker.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "menus/item_view_events.h"
+#include "menus/menu_items.h"
+#include "x11/menu_windows.h"
+
+namespace {
+
+const double hold_limit = 0.5;  // a button held as long means press-drag-release
+const double scroll_interval = 0.02;
+const int drag_distance = 5;
+const int wheel_rows = 3;
+
+unsigned button_of(NSEvent* event) {
+    switch ([event type]) {
+        case NSLeftMouseDown:
+        case NSLeftMouseUp:
+            return 1;
+        case NSRightMouseDown:
+        case NSRightMouseUp:
+            return 2;
+        default:
+            return 4;
+    }
+}
+
+// Events of the grab come as the root level's; others from windows that know their place.
+point_t place_of(NSEvent* event) {
+    const NSPoint at = [event locationInWindow];
+    NSWindow* window = [event window];
+    return window ? server_point([window convertBaseToScreen:at]) : current_pointer().at;
+}
+
+}  // namespace
+
+void pointer_tracker_t::begin(NSEvent* event) {
+    const pointer_t pointer = current_pointer();
+    place_ = origin_ = pointer.at;
+    if (event) {
+        NSWindow* window = [event window];
+        const NSPoint at = [event locationInWindow];
+        origin_ = server_point(window ? [window convertBaseToScreen:at] : at);
+    }
+    buttons_ = pointer.buttons;
+    button_down_ = buttons_ != 0;
+    opened_ = seconds_now();
+    input(button_down_ ? input_open_pressed : input_open_free);
+}
+
+bool pointer_tracker_t::handle(NSEvent* event) {
+    switch ([event type]) {
+        case NSMouseMoved:
+        case NSLeftMouseDragged:
+        case NSRightMouseDragged:
+        case NSOtherMouseDragged:
+            return move(event);
+        case NSLeftMouseDown:
+        case NSRightMouseDown:
+        case NSOtherMouseDown:
+            return press(event);
+        case NSLeftMouseUp:
+        case NSRightMouseUp:
+        case NSOtherMouseUp:
+            return release(event);
+        case NSScrollWheel:
+            return turn_wheel(event);
+        default:
+            return false;
+    }
+}
+
+void pointer_tracker_t::input(tracking_input_t input) {
+    const transition_t step = transition(state_, input);
+    state_ = step.next;
+    apply(step.effect);
+}
+
+void pointer_tracker_t::apply(tracking_effect_t effect) {
+    switch (effect) {
+        case effect_arm:
+            armed_ = true;
+            break;
+        case effect_pick:
+            [levels_.session() pickItem:levels_.item_at(place_)];
+            break;
+        case effect_cancel:
+            [levels_.session() cancel];
+            break;
+        case effect_start_scroll:
+            scroll_.started = seconds_now();
+            scroll_.timer.start(scroll_interval);
+            break;
+        case effect_stop_scroll:
+            scroll_.timer.stop();
+            break;
+        case effect_none:
+            break;
+    }
+}
+
+bool pointer_tracker_t::move(NSEvent* event) {
+    const point_t point = place_of(event);
+    const bool moved = point.x != place_.x || point.y != place_.y;
+    if (moved) {
+        place_ = point;
+        const int far = std::abs(point.x - origin_.x) + std::abs(point.y - origin_.y);
+        if (far > drag_distance * levels_.style().look.scale) moved_ = true;
+        hover();
+    }
+    send_to_item_view(levels_, event, point);
+    return moved;
+}
+
+void pointer_tracker_t::hover() {
+    const int level = levels_.level_at(place_);
+    const int edge = level < 0 ? 0 : levels_[level].edge_at(place_);
+    if (edge) {
+        scroll_.level = level;
+        scroll_.direction = edge;
+        return input(input_enter_edge);
+    }
+    leave_edge();
+    if (level < 0) {
+        hover_.leave();
+    } else {
+        hover_.move_to(level, place_);
+    }
+}
+
+void pointer_tracker_t::leave_edge() {
+    input(button_down_ ? input_leave_edge_pressed : input_leave_edge_free);
+}
+
+void pointer_tracker_t::yield_to_keys() {
+    hover_.stop();
+    leave_edge();
+}
+
+bool pointer_tracker_t::press(NSEvent* event) {
+    button_down_ = true;
+    buttons_ |= button_of(event);
+    place_ = place_of(event);
+    const int level = levels_.level_at(place_);
+    if (level < 0) {
+        input(input_press_outside);
+        return true;
+    }
+    input(input_press_inside);
+    if (send_to_item_view(levels_, event, place_) || levels_[level].edge_at(place_)) return true;
+    hover_.stop_aiming();
+    hover_.enter(level, place_);
+    NSMenuItem* item = levels_[level].item_at(place_);
+    if (can_highlight(item) && [item hasSubmenu]) hover_.open_submenu(item);
+    return true;
+}
+
+tracking_input_t pointer_tracker_t::release_input() const {
+    const bool meant = armed_ || moved_ || seconds_now() - opened_ > hold_limit;
+    if (!meant) return input_release_stay;
+    if (levels_.level_at(place_) < 0) return input_release_outside;
+    NSMenuItem* item = levels_.item_at(place_);
+    return can_pick(item) && ![item view] ? input_release_pick : input_release_stay;
+}
+
+bool pointer_tracker_t::release(NSEvent* event) {
+    // An event tap may have kept the press for itself.
+    if (!(buttons_ & button_of(event))) return false;
+    buttons_ &= ~button_of(event);
+    button_down_ = false;
+    place_ = place_of(event);
+    send_to_item_view(levels_, event, place_);
+    if ([levels_.session() isEnding]) return true;  // by the view
+    input(release_input());
+    armed_ = false;
+    return true;
+}
+
+bool pointer_tracker_t::turn_wheel(NSEvent* event) {
+    const point_t point = place_of(event);
+    const int level = levels_.level_at(point);
+    if (level < 0 || [event deltaY] == 0) return false;
+    const double rows = -[event deltaY] * wheel_rows;
+    if (!levels_[level].scroll_by(static_cast<int>(rows * levels_.style().look.row_height))) {
+        return false;
+    }
+    place_ = point;
+    hover_.stop_aiming();
+    if (!levels_[level].edge_at(point)) hover_.enter(level, point);
+    return true;
+}
+
+void pointer_tracker_t::run_timers() {
+    deadline_t hover_timer = {hover_.due()};
+    if (hover_timer.is_due()) hover_.rest(place_);
+    if (scroll_.timer.is_due()) scroll_on();
+}
+
+// The deeper in the strip and the longer it lasts, the faster.
+int pointer_tracker_t::scroll_step(const menu_level_t& level) const {
+    const menu_look_t& look = levels_.style().look;
+    const area_t& panel = level.panel();
+    const int depth = scroll_.direction > 0 ? place_.y - (panel.bottom() - look.arrow_height)
+                                            : panel.top + look.arrow_height - place_.y;
+    const double slowest = look.row_height * 0.25;
+    const double deeper = 1 + 4.0 * depth / look.arrow_height;
+    const double longer = std::min(20.0, 1 + 2 * (seconds_now() - scroll_.started));
+    return static_cast<int>(slowest * deeper * longer);
+}
+
+void pointer_tracker_t::scroll_on() {
+    scroll_.timer.stop();
+    if (state_ != state_scrolling || scroll_.level >= static_cast<int>(levels_.size())) return;
+    menu_level_t& level = levels_[scroll_.level];
+    const bool goes_on = level.scroll_by(scroll_.direction * scroll_step(level));
+    [levels_.session() highlightItem:nil inMenu:level.menu()];
+    if (goes_on && level.edge_at(place_)) {
+        scroll_.timer.start(scroll_interval);
+    } else {
+        hover();
+    }
+}
