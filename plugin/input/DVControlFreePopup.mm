@@ -5,8 +5,8 @@
 
 #include <unistd.h>
 
+#include "controller/DVDelvio.h"
 #include "finder/dv_finder.h"
-#include "loader/DVDelvio.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"
 

@@ -4,7 +4,7 @@
 
 #include <CoreGraphics/CGEvent.h>
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 struct dv_tree_t;
 

@@ -3,7 +3,7 @@
 #include <Carbon/Carbon.h>
 
 #include "input/DVDragView.h"
-#include "menus/DVMenuItem.h"
+#include "items/DVMenuItem.h"
 #include "preview/DVDelvio+HoverPreview.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"

@@ -1,4 +1,4 @@
-#include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+Proxy.h"
 
 #include "input/DVDelvio+Dragging.h"
 #include "menus/DVDelvio+Population.h"

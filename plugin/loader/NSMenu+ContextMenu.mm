@@ -1,6 +1,6 @@
 #include "loader/NSMenu+ContextMenu.h"
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 #include "menus/DVDelvio+Selection.h"
 #include "support/dv_log.h"
 

@@ -1,6 +1,6 @@
 #include "loader/NSMenu+Popup.h"
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 #include "support/dv_log.h"
 
 uint8_t dvIsActive = 0;

@@ -3,9 +3,9 @@
 #include <Foundation/Foundation.h>
 #include <objc/runtime.h>
 
+#include "controller/DVDelvio.h"
 #include "finder/dv_finder.h"
 #include "input/DVControlFreePopup.h"
-#include "loader/DVDelvio.h"
 #include "loader/method_swizzle.h"
 #include "support/dv_log.h"
 #include "tree/dv_prefs.h"

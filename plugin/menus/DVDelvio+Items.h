@@ -1,7 +1,7 @@
 // The items of one level: which an element gets, and the separators and headings between them.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 struct dv_tree_t;
 

@@ -3,13 +3,13 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include "loader/DVDelvio+Proxy.h"
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+MoveCopy.h"
 #include "menus/DVDelvio+OpenWith.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
-#include "preview/DVDelvio+PreviewMenu.h"
+#include "menus/DVDelvio+PreviewMenu.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"
 #include "tree/dv_tree.h"

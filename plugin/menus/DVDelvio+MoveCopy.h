@@ -1,7 +1,7 @@
 // "Move selection here" and its alternates, at the top of the levels of folders. Main thread.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 @class DVMenu, DVMenuItem;
 struct dv_tree_t;

@@ -1,9 +1,9 @@
 #include "menus/DVDelvio+MoveCopy.h"
 
 #include "finder/dv_file_ops.h"
-#include "loader/DVDelvio+Proxy.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Items.h"
-#include "menus/DVMenuItem.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"
 #include "tree/dv_tree.h"

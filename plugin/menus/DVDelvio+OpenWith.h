@@ -2,7 +2,7 @@
 // thread.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 @class DVMenu;
 

@@ -1,10 +1,10 @@
 #include "menus/DVDelvio+OpenWith.h"
 
 #include "finder/dv_open.h"
-#include "loader/DVDelvio+Proxy.h"
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Items.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"
 #include "tree/dv_tree.h"

@@ -2,7 +2,7 @@
 // Main thread.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 @class DVMenu;
 struct dv_tree_t;

@@ -2,14 +2,14 @@
 
 #include <stdlib.h>
 
-#include "loader/DVDelvio+Proxy.h"
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Items.h"
 #include "menus/DVDelvio+MoveCopy.h"
 #include "menus/DVDelvio+OpenWith.h"
+#include "menus/DVDelvio+PreviewMenu.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Roots.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
-#include "preview/DVDelvio+PreviewMenu.h"
 #include "support/dv_log.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_state.h"

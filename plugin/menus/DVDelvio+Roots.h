@@ -2,7 +2,7 @@
 // and the running applications. Main thread.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 struct dv_tree_t;
 

@@ -1,7 +1,7 @@
 // What is selected in the host, and what is picked in our menus. Main thread.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 // The selection of the open menu has been taken; cleared when the menu is released.
 extern uint8_t dvDidGetURLs;

@@ -1,9 +1,9 @@
 #include "menus/DVDelvio+Selection.h"
 
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+MoveCopy.h"
 #include "menus/DVDelvio+OpenWith.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenuItem.h"
 #include "support/dv_log.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_state.h"

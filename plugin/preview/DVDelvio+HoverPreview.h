@@ -4,7 +4,7 @@
 
 #include <Quartz/Quartz.h>
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 @interface DVDelvio (HoverPreview) <QLPreviewItem, QLPreviewPanelDataSource, QLPreviewPanelDelegate>
 // The pointer has moved while a menu is open: the wait for it to rest begins anew, and a window in

@@ -3,7 +3,7 @@
 #include <stdlib.h>
 
 #include "finder/dv_finder.h"
-#include "menus/DVMenuItem.h"
+#include "items/DVMenuItem.h"
 #include "preview/DVPreviewWindowController.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"

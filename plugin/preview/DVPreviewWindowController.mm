@@ -3,8 +3,8 @@
 #include <QuartzCore/QuartzCore.h>
 #include <dispatch/dispatch.h>
 
-#include "loader/DVDelvio.h"
-#include "menus/DVCircularProgressView.h"
+#include "controller/DVDelvio.h"
+#include "items/DVCircularProgressView.h"
 #include "preview/DVDelvio+HoverPreview.h"
 #include "preview/NSWindow+Fading.h"
 #include "preview/dv_pictures.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 #include "support/temp_folder.h"
 #include "tree/dv_state.h"
 

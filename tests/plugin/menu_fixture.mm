@@ -4,8 +4,8 @@
 #include <stdarg.h>
 #include <stdio.h>
 
-#include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Population.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Selection.h"
 #include "support/app.h"
 #include "support/dv_log.h"

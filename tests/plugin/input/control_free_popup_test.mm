@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
 
+#include "controller/DVDelvio.h"
 #include "desktop/window_program.h"
 #include "finder/dv_finder.h"
-#include "loader/DVDelvio.h"
 #include "platform/events/pointer_window.h"
 #include "plugin/input/popup_thread.h"
 #include "plugin/input/posted_click.h"

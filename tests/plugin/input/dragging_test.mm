@@ -7,9 +7,9 @@
 
 #include "finder/dv_finder.h"
 #include "input/DVDragView.h"
-#include "loader/DVDelvio+Proxy.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenuItem.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "plugin/menu_fixture.h"
 #include "plugin/replaced_method.h"
 #include "plugin/tree_support.h"

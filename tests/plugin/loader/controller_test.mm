@@ -1,9 +1,9 @@
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 #include <host/modifier_keys.h>
 
-#include "loader/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Population.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "menus/DVDelvio+Selection.h"
 #include "plugin/loader/recording_host.h"
 #include "plugin/menu_fixture.h"

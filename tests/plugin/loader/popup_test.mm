@@ -5,11 +5,11 @@
 #include <objc/runtime.h>
 
 #include "finderkit/context_menu.h"
+#include "items/DVMenuItem.h"
 #include "loader/NSPasteboard+Selection.h"
 #include "loader/dv_load.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVDelvio+Selection.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/loader/recording_host.h"
 #include "plugin/loader/walking_tracker.h"
 #include "plugin/menu_fixture.h"

@@ -1,8 +1,8 @@
-#include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+Proxy.h"
 
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/loader/recording_host.h"
 #include "plugin/menu_fixture.h"
 

@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "controller/DVDelvio.h"
 #include "input/DVControlFreePopup.h"
 #include "input/DVDelvio+Dragging.h"
 #include "input/DVDragView.h"
-#include "loader/DVDelvio.h"
 #include "plugin/replaced_method.h"
 #include "preview/DVPreviewWindowController.h"
 #include "support/app.h"

@@ -6,9 +6,9 @@
 
 #include "appkit/view_pixels.h"
 #include "finder/dv_finder.h"
-#include "menus/DVCircularProgressView.h"
-#include "menus/DVImageItem.h"
-#include "menus/DVProgressItem.h"
+#include "items/DVCircularProgressView.h"
+#include "items/DVImageItem.h"
+#include "items/DVProgressItem.h"
 #include "plugin/menu_fixture.h"
 #include "tree/dv_tree.h"
 

@@ -2,9 +2,9 @@
 
 #include <string.h>
 
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"

@@ -1,6 +1,6 @@
-#include "menus/DVDelvio+Labels.h"
+#include "items/DVDelvio+Labels.h"
 
-#include "menus/DVMenuItem.h"
+#include "items/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"

@@ -1,10 +1,10 @@
-#include "menus/DVMenuItem.h"
+#include "items/DVMenuItem.h"
 
 #include <string.h>
 
 #include <string>
 
-#include "menus/DVMenu.h"
+#include "items/DVMenu.h"
 #include "plugin/menu_fixture.h"
 #include "plugin/replaced_method.h"
 #include "tree/dv_scan.h"

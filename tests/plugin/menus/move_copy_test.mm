@@ -4,10 +4,10 @@
 #include <host/modifier_keys.h>
 #include <host/process.h>
 
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Population.h"
 #include "menus/DVDelvio+Selection.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/finder/finder_post.h"
 #include "plugin/menu_fixture.h"
 #include "support/dv_log.h"

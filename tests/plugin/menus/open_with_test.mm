@@ -5,9 +5,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Selection.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
 #include "support/dv_log.h"
 #include "support/recording_program.h"

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"

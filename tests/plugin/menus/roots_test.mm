@@ -4,9 +4,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "items/DVMenu.h"
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenu.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
 #include "plugin/menus/scanned_folders.h"
 #include "plugin/replaced_method.h"

@@ -2,8 +2,8 @@
 
 #include <host/modifier_keys.h>
 
+#include "items/DVMenuItem.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
 #include "support/recording_program.h"
 #include "tree/dv_tree.h"

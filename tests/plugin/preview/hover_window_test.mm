@@ -8,9 +8,9 @@
 #include <algorithm>
 
 #include "finder/dv_finder.h"
-#include "loader/DVDelvio+Proxy.h"
-#include "menus/DVCircularProgressView.h"
-#include "menus/DVMenuItem.h"
+#include "items/DVCircularProgressView.h"
+#include "items/DVMenuItem.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "plugin/menu_fixture.h"
 #include "plugin/preview/images_alive.h"
 #include "plugin/replaced_method.h"

@@ -1,11 +1,11 @@
-#include "preview/DVDelvio+PreviewMenu.h"
+#include "menus/DVDelvio+PreviewMenu.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "items/DVImageItem.h"
+#include "items/DVMenu.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVImageItem.h"
-#include "menus/DVMenu.h"
 #include "plugin/menu_fixture.h"
 #include "plugin/preview/images_alive.h"
 

@@ -1,44 +1,38 @@
-#include "menus/DVProgressItem.h"
+#include "items/DVImageItem.h"
 
-#include "menus/DVCircularProgressView.h"
+#include "items/DVCircularProgressView.h"
 
-@implementation DVProgressItem
+@implementation DVImageItem
 
 - (instancetype)initWithTree:(dv_tree_t*)tree target:(id)target {
     self = [super initWithTree:tree target:target title:@"" useImage:NO];
     if (!self) return nil;
     view = create_disc_view(&progress);
+    hasImage = NO;
     [self setView:view];
-    [self start];
+    theTimer = start_disc_timer(self);
     return self;
 }
 
 - (void)dealloc {
-    [self stop];
+    [theTimer invalidate];
+    theTimer = nil;
+    [progress removeFromSuperview];
+    [view removeFromSuperview];
     [progress release];
     [view release];
-    [self setView:nil];
     [super dealloc];
 }
 
 - (void)setImage:(NSImage*)image {
     if (image) {
         [self setView:nil];
-        [self stop];
+        [theTimer invalidate];
+        theTimer = nil;
     } else {
         [self setView:view];
-        [self start];
     }
     [super setImage:image];
-}
-
-- (void)start {
-    if (!theTimer) theTimer = start_disc_timer(self);
-}
-
-- (void)stop {
-    [theTimer invalidate];
-    theTimer = nil;
 }
 
 - (void)updateProgress:(NSTimer*)timer {

@@ -1,4 +1,4 @@
-#include "menus/DVMenu.h"
+#include "items/DVMenu.h"
 
 @implementation DVMenu
 @synthesize tree = _tree;

@@ -2,7 +2,7 @@
 // at once, with the picture when a background queue has made it. Main thread.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 @class DVMenu;
 @class DVMenuItem;

@@ -1,38 +1,44 @@
-#include "menus/DVImageItem.h"
+#include "items/DVProgressItem.h"
 
-#include "menus/DVCircularProgressView.h"
+#include "items/DVCircularProgressView.h"
 
-@implementation DVImageItem
+@implementation DVProgressItem
 
 - (instancetype)initWithTree:(dv_tree_t*)tree target:(id)target {
     self = [super initWithTree:tree target:target title:@"" useImage:NO];
     if (!self) return nil;
     view = create_disc_view(&progress);
-    hasImage = NO;
     [self setView:view];
-    theTimer = start_disc_timer(self);
+    [self start];
     return self;
 }
 
 - (void)dealloc {
-    [theTimer invalidate];
-    theTimer = nil;
-    [progress removeFromSuperview];
-    [view removeFromSuperview];
+    [self stop];
     [progress release];
     [view release];
+    [self setView:nil];
     [super dealloc];
 }
 
 - (void)setImage:(NSImage*)image {
     if (image) {
         [self setView:nil];
-        [theTimer invalidate];
-        theTimer = nil;
+        [self stop];
     } else {
         [self setView:view];
+        [self start];
     }
     [super setImage:image];
+}
+
+- (void)start {
+    if (!theTimer) theTimer = start_disc_timer(self);
+}
+
+- (void)stop {
+    [theTimer invalidate];
+    theTimer = nil;
 }
 
 - (void)updateProgress:(NSTimer*)timer {

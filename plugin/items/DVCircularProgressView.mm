@@ -1,4 +1,4 @@
-#include "menus/DVCircularProgressView.h"
+#include "items/DVCircularProgressView.h"
 
 #include <CoreGraphics/CoreGraphics.h>
 #include <math.h>

@@ -1,4 +1,4 @@
-#include "menus/DVDelvio+Labels.h"
+#include "items/DVDelvio+Labels.h"
 
 #include "tree/dv_state.h"
 

@@ -1,6 +1,6 @@
-#include "menus/disc_parts.h"
+#include "items/disc_parts.h"
 
-#include "menus/DVCircularProgressView.h"
+#include "items/DVCircularProgressView.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The colours of the Finder's labels.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 @interface DVDelvio (LabelAdditions)
 // The preference "showLabels".

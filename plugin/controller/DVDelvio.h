@@ -1,6 +1,7 @@
 // The controller: owns the state record, and the state of the contextual menu that is open.
-// What it does for menus stands in categories: population, selection and labels in menus/, previews
-// in preview/, drags in input/, the delegate proxy beside this file. Main thread.
+// What it does stands in categories: labels in items/, the hover preview in preview/, population,
+// selection and the delegate proxy in menus/, drags in input/, taking a menu over in loader/. Main
+// thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -51,6 +52,11 @@ extern uint32_t dvFontSize;
 - (void)notificationReceived:(NSNotification*)notification;
 // Sends itemChanged: to the menu for each of its items.
 - (void)delayedChangedItems:(NSMenu*)menu;
+@end
+
+@interface DVDelvio (Parts)
+// The preview's window, the drag's, and the event tap: called once, by init.
+- (void)createParts;
 @end
 
 @interface DVDelvio (MenuLifecycle)

@@ -1,8 +1,8 @@
 // An item that shows a turning disc until it is given an image. Main thread.
 #pragma once
 
-#include "menus/DVMenuItem.h"
-#include "menus/disc_parts.h"
+#include "items/DVMenuItem.h"
+#include "items/disc_parts.h"
 
 @interface DVImageItem : DVMenuItem <DVProgressUpdating> {
   @private

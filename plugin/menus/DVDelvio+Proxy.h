@@ -1,7 +1,7 @@
 // The controller as menu delegate, in front of the host's own delegate.
 #pragma once
 
-#include "loader/DVDelvio.h"
+#include "controller/DVDelvio.h"
 
 // Calls about the host's menu go on to the host's delegate when it answers them; all others get the
 // toolkit's neutral answer. menuWillOpen: is the population's.

@@ -1,12 +1,12 @@
-#include "preview/DVDelvio+PreviewMenu.h"
+#include "menus/DVDelvio+PreviewMenu.h"
 
 #include <dispatch/dispatch.h>
 
-#include "loader/DVDelvio+Proxy.h"
+#include "items/DVImageItem.h"
+#include "items/DVMenu.h"
 #include "menus/DVDelvio+Items.h"
 #include "menus/DVDelvio+Population.h"
-#include "menus/DVImageItem.h"
-#include "menus/DVMenu.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "preview/dv_pictures.h"
 #include "support/dv_log.h"
 #include "tree/dv_state.h"

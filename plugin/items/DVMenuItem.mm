@@ -1,12 +1,12 @@
-#include "menus/DVMenuItem.h"
+#include "items/DVMenuItem.h"
 
 // A null tree ends the process in release builds too.
 #undef NDEBUG
 #include <assert.h>
 #include <stdlib.h>
 
-#include "loader/DVDelvio.h"
-#include "menus/DVDelvio+Labels.h"
+#include "controller/DVDelvio.h"
+#include "items/DVDelvio+Labels.h"
 #include "tree/dv_state.h"
 #include "tree/dv_tree.h"
 

@@ -1,6 +1,6 @@
-#include "loader/DVDelvio+Proxy.h"
+#include "menus/DVDelvio+Proxy.h"
 
-#include "menus/DVMenuItem.h"
+#include "items/DVMenuItem.h"
 #include "preview/DVDelvio+HoverPreview.h"
 #include "preview/DVPreviewWindowController.h"
 #include "support/dv_log.h"

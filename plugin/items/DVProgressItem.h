@@ -1,8 +1,8 @@
 // An item that shows a turning disc whenever it has no image. Main thread.
 #pragma once
 
-#include "menus/DVMenuItem.h"
-#include "menus/disc_parts.h"
+#include "items/DVMenuItem.h"
+#include "items/disc_parts.h"
 
 @interface DVProgressItem : DVMenuItem <DVProgressUpdating> {
   @private
