@@ -6,11 +6,11 @@
 
 #include <utility>
 
+#include "file_steps/work.h"
 #include "finderkit/desktop_managers.h"
 #include "finderkit/session_bus.h"
 #include "operations/engine.h"
 #include "operations/request_queue.h"
-#include "operations/work.h"
 
 namespace {
 

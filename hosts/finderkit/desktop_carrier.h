@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 // A carrier that hands moving, copying and trashing to the file manager: one that runs, else one
 // that the bus can start, the user's own for folders before others. It has its own windows, asks

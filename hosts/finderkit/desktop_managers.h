@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 struct DesktopManager {
     const char* name;  // as its users know it

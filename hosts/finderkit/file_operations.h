@@ -14,7 +14,7 @@
 #include <functional>
 #include <memory>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 struct FileOperationService {
     std::shared_ptr<operations::Carrier> carrier;

@@ -6,8 +6,8 @@
 
 #include <host/process.h>
 
+#include "file_steps/visible_text.h"
 #include "finderkit/context_menu.h"
-#include "operations/visible_text.h"
 
 // The plug-in's classes, as far as they are asked for by name.
 @interface NSObject (PlugInQuestions)

@@ -2,6 +2,6 @@
 // Main thread.
 #pragma once
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 void TellGWorkspace(const operations::Request& request, const operations::Report& report);

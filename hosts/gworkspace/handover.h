@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 // Whether GWorkspace carries it out as asked. It replaces files by deleting them, with Return for
 // yes, so it never gets a name that is taken; nor names that it mistakes, a folder that is to go

@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include "file_steps/work.h"
 #include "operations/operation.h"
 #include "operations/request_queue.h"
 #include "operations/undo_journal.h"
-#include "operations/work.h"
 
 namespace operations {
 

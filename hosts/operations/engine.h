@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
-#include "operations/request.h"
-#include "operations/state_folder.h"
+#include "file_steps/request.h"
+#include "file_steps/state_folder.h"
 
 namespace operations {
 

@@ -4,8 +4,8 @@
 #include <fcntl.h>
 #include <string.h>
 
-#include "operations/folder.h"
-#include "operations/new_names.h"
+#include "file_steps/folder.h"
+#include "file_steps/new_names.h"
 
 namespace operations {
 

@@ -10,12 +10,12 @@
 #include <unordered_set>
 #include <vector>
 
-#include "operations/descriptor.h"
-#include "operations/temporaries.h"
-#include "operations/tree_copy.h"
-#include "operations/tree_count.h"
+#include "file_steps/descriptor.h"
+#include "file_steps/temporaries.h"
+#include "file_steps/tree_copy.h"
+#include "file_steps/tree_count.h"
+#include "file_steps/work.h"
 #include "operations/undo_journal.h"
-#include "operations/work.h"
 
 namespace operations {
 

@@ -2,8 +2,8 @@
 #include <errno.h>
 #include <fcntl.h>
 
-#include "operations/folder.h"
-#include "operations/new_names.h"
+#include "file_steps/folder.h"
+#include "file_steps/new_names.h"
 #include "operations/operation.h"
 
 namespace operations {

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-#include "operations/folder.h"
+#include "file_steps/folder.h"
 #include "operations/operation.h"
 
 namespace operations {

@@ -8,7 +8,7 @@
 #include <mutex>
 #include <thread>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 namespace operations {
 

@@ -3,8 +3,8 @@
 #include <fcntl.h>
 #include <limits.h>
 
-#include "operations/file_data.h"
-#include "operations/folder.h"
+#include "file_steps/file_data.h"
+#include "file_steps/folder.h"
 
 namespace operations {
 

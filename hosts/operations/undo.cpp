@@ -4,8 +4,8 @@
 #include <fcntl.h>
 #include <string.h>
 
+#include "file_steps/folder.h"
 #include "operations/engine.h"
-#include "operations/folder.h"
 #include "operations/operation.h"
 #include "operations/undo_checks.h"
 

@@ -5,9 +5,9 @@
 #include <limits.h>
 #include <string.h>
 
-#include "operations/folder.h"
+#include "file_steps/folder.h"
+#include "file_steps/work.h"
 #include "operations/tree_compare.h"
-#include "operations/work.h"
 
 namespace operations {
 

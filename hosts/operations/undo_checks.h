@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "operations/descriptor.h"
+#include "file_steps/descriptor.h"
 #include "operations/undo_record.h"
 
 namespace operations {

@@ -5,7 +5,7 @@
 #include <string.h>
 #include <sys/file.h>
 
-#include "operations/folder.h"
+#include "file_steps/folder.h"
 
 namespace operations {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "operations/descriptor.h"
+#include "file_steps/descriptor.h"
 #include "operations/undo_record.h"
 
 namespace operations {

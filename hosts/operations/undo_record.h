@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "operations/trash.h"
+#include "file_steps/trash.h"
 
 namespace operations {
 

@@ -1,7 +1,7 @@
 // The panel that asks what to do about a name that is taken. Main thread.
 #pragma once
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 namespace operations {
 

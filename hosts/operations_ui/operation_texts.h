@@ -3,7 +3,7 @@
 
 #include <Foundation/Foundation.h>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 namespace operations {
 

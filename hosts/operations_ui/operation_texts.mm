@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "operations/visible_text.h"
+#include "file_steps/visible_text.h"
 
 namespace operations {
 

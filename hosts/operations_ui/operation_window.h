@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 namespace operations {
 

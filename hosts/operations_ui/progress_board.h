@@ -5,7 +5,7 @@
 #include <mutex>
 #include <optional>
 
-#include "operations/request.h"
+#include "file_steps/request.h"
 
 namespace operations {
 

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "popup/command_line.h"
+#include "command/command_line.h"
 
 // Of Foundation's; the command shares nothing with other programs by notifications, and the first
 // use of the workspace would wait for the notification daemon to start.

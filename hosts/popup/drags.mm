@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-#include "popup/exit_signals.h"
+#include "command/exit_signals.h"
 
 namespace {
 

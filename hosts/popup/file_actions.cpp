@@ -5,13 +5,13 @@
 
 #include <filesystem>
 
+#include "command/private_display.h"
+#include "command/similar_words.h"
+#include "file_steps/visible_text.h"
 #include "finderkit/open_problems.h"
 #include "finderkit/session_bus.h"
 #include "operations/engine.h"
-#include "operations/visible_text.h"
 #include "popup/clipboard.h"
-#include "popup/close_words.h"
-#include "popup/private_display.h"
 
 namespace {
 

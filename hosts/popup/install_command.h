@@ -1,7 +1,7 @@
 // Puts the plug-in into other programs, and takes it out again. Main thread.
 #pragma once
 
-#include "popup/command_line.h"
+#include "command/command_line.h"
 
 // Tells what it did on standard output. Returns the exit status.
 int RunInstallCommand(const InstallRequest& request);

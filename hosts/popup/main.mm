@@ -1,20 +1,20 @@
 #include <Foundation/Foundation.h>
 
+#include "command/command_line.h"
+#include "command/descriptor_limit.h"
+#include "command/exit_signals.h"
+#include "command/home_folder.h"
+#include "command/plain_arguments.h"
+#include "command/standard_streams.h"
+#include "file_steps/state_folder.h"
+#include "file_steps/temporaries.h"
 #include "finderkit/settings_file.h"
-#include "operations/state_folder.h"
-#include "operations/temporaries.h"
 #include "popup/application.h"
 #include "popup/clipboard.h"
-#include "popup/command_line.h"
-#include "popup/descriptor_limit.h"
-#include "popup/exit_signals.h"
-#include "popup/home_folder.h"
 #include "popup/install_command.h"
 #include "popup/menu_command.h"
-#include "popup/plain_arguments.h"
-#include "popup/settings_command.h"
-#include "popup/standard_streams.h"
 #include "popup/undo_command.h"
+#include "settings/settings_command.h"
 
 namespace {
 
@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
     }
     KeepStreamsPrivate();
     CatchExitSignals();
-    atexit(UndoAtExit);
+    atexit(EndChildAndRemoveFile);
     const CommandLine line = ReadCommandLine(argc, argv);
     const int status = run(line, argv[0]);
     return fflush(OutputStream()) == 0 ? status : exit_failed;

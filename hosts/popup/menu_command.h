@@ -1,7 +1,7 @@
 // delvio menu.
 #pragma once
 
-#include "popup/command_line.h"
+#include "command/command_line.h"
 
 // Returns the exit status.
 int RunMenuCommand(MenuRequest request);

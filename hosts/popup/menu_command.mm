@@ -3,23 +3,23 @@
 #include <host/menu_tracking.h>
 #include <host/modifier_keys.h>
 
+#include "command/exit_signals.h"
+#include "command/file_arguments.h"
+#include "command/private_display.h"
+#include "command/similar_words.h"
+#include "command/standard_streams.h"
 #include "finderkit/finder_events.h"
 #include "finderkit/open_problems.h"
 #include "finderkit/plug_in.h"
 #include "popup/application.h"
-#include "popup/close_words.h"
+#include "popup/asked_operations.h"
 #include "popup/drags.h"
-#include "popup/exit_signals.h"
 #include "popup/file_actions.h"
-#include "popup/file_arguments.h"
-#include "popup/file_operations.h"
-#include "popup/forced_settings.h"
 #include "popup/host_menu.h"
-#include "popup/menu_picture.h"
+#include "popup/menu_photographer.h"
 #include "popup/menu_walker.h"
-#include "popup/private_display.h"
 #include "popup/shown_menu.h"
-#include "popup/standard_streams.h"
+#include "settings/forced_settings.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "popup/printable.h"
+#include "command/printable.h"
 
 namespace {
 

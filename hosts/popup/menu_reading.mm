@@ -1,7 +1,7 @@
 #include "popup/menu_reading.h"
 
+#include "command/modifier_names.h"
 #include "popup/host_menu.h"
-#include "popup/modifier_names.h"
 
 // The plug-in's classes, as far as they are asked for by name.
 @interface NSObject (PlugInQuestions)

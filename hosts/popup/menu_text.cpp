@@ -1,6 +1,6 @@
 #include "popup/menu_snapshot.h"
 
-#include "popup/printable.h"
+#include "command/printable.h"
 
 namespace {
 

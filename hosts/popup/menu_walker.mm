@@ -5,9 +5,9 @@
 #include <stdio.h>
 #include <unistd.h>
 
-#include "popup/close_words.h"
+#include "command/similar_words.h"
+#include "command/title_match.h"
 #include "popup/menu_reading.h"
-#include "popup/title_match.h"
 
 namespace {
 

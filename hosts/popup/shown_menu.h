@@ -3,7 +3,7 @@
 
 #include <AppKit/AppKit.h>
 
-#include "popup/command_line.h"
+#include "command/command_line.h"
 
 // Where the menu goes: the point that was asked for, else the pointer; in AppKit's screen
 // coordinates.

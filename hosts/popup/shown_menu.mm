@@ -5,8 +5,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "popup/exit_signals.h"
-#include "popup/file_operations.h"
+#include "command/exit_signals.h"
+#include "popup/asked_operations.h"
 
 NSPoint PopupPoint(const MenuRequest& request) {
     if (!request.has_point) return [NSEvent mouseLocation];

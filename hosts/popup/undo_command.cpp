@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "command/command_line.h"
 #include "operations/engine.h"
-#include "popup/command_line.h"
 
 namespace {
 

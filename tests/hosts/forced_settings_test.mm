@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "popup/forced_settings.h"
+#include "settings/forced_settings.h"
 
 namespace {
 

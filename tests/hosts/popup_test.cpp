@@ -6,13 +6,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "popup/close_words.h"
-#include "popup/file_arguments.h"
-#include "popup/home_folder.h"
+#include "command/file_arguments.h"
+#include "command/home_folder.h"
+#include "command/modifier_names.h"
+#include "command/printable.h"
+#include "command/similar_words.h"
+#include "command/title_match.h"
 #include "popup/menu_snapshot.h"
-#include "popup/modifier_names.h"
-#include "popup/printable.h"
-#include "popup/title_match.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -113,8 +113,9 @@ TEST(Printable, EscapesInJsonAndKeepsItsLines) {
               "{\n\"a\\u009b\\u007f\\u202e\"\n}");
 }
 
-TEST(CloseWords, ComeNearestFirstAndNoneTwice) {
-    EXPECT_EQ(CloseWords("abcd", {"abxx", "abce", "abce", "zzzzzzz"}, 5), Titles({"abce", "abxx"}));
+TEST(SimilarWords, ComeNearestFirstAndNoneTwice) {
+    EXPECT_EQ(SimilarWords("abcd", {"abxx", "abce", "abce", "zzzzzzz"}, 5),
+              Titles({"abce", "abxx"}));
 }
 
 TEST(Modifiers, AreReadAndNamed) {

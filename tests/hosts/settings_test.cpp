@@ -9,7 +9,7 @@
 #include <set>
 
 #include "hosts/command_runner.h"
-#include "popup/settings_table.h"
+#include "settings/settings_table.h"
 #include "support/temp_folder.h"
 
 namespace {

@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <fstream>
 
+#include "file_steps/folder.h"
+#include "file_steps/temporaries.h"
 #include "hosts/command_runner.h"
 #include "hosts/operations/scene.h"
 #include "operations/engine.h"
-#include "operations/folder.h"
-#include "operations/temporaries.h"
 #include "support/silent_file_system.h"
 #include "support/temp_folder.h"
 

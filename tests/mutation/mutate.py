@@ -33,7 +33,7 @@ PRECOMPILED = b"""
 foreach(part dv_tree dv_finder)
   target_precompile_headers(${part} PRIVATE <Carbon/Carbon.h>)
 endforeach()
-foreach(part dv_preview dv_menus dv_input dv_loader)
+foreach(part dv_controller dv_items dv_preview dv_menus dv_input dv_loader)
   target_precompile_headers(${part} PRIVATE
     "$<$<COMPILE_LANGUAGE:OBJCXX>:<AppKit/AppKit.h$<ANGLE-R>>")
 endforeach()
@@ -47,8 +47,10 @@ TESTS = {
     "preview": ["*plugin_preview_text_test", "*plugin_preview_test"],
     "menus": ["*plugin_items_test", "*plugin_population_test", "*plugin_menu_item_test",
               "*plugin_open_with_test", "*plugin_move_copy_test", "*plugin_selection_test",
-              "*plugin_roots_test", "*plugin_labels_test", "*plugin_disc_test",
-              "*plugin_preview_test"],
+              "*plugin_roots_test", "*plugin_proxy_test", "*plugin_preview_test"],
+    "items": ["*plugin_menu_item_test", "*plugin_labels_test", "*plugin_disc_test",
+              "*plugin_items_test"],
+    "controller": ["*plugin_controller_test", "*plugin_record_test", "*plugin_popup_test"],
     "input": ["*plugin_dragging_test", "*plugin_record_test", "*plugin_control_free_popup_test"],
     "loader": ["*plugin_popup_test", "*plugin_popup_paths_test", "*plugin_controller_test",
                "*plugin_proxy_test", "*plugin_method_swizzle_test", "*plugin_record_test",

@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <set>
 
+#include "file_steps/temporaries.h"
 #include "hosts/operations/faulty_file_system.h"
 #include "hosts/operations/scene.h"
-#include "operations/temporaries.h"
 #include "support/temp_folder.h"
 
 using operations::Kind;

@@ -13,8 +13,8 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "file_steps/folder.h"
 #include "hosts/operations/scene.h"
-#include "operations/folder.h"
 #include "support/temp_folder.h"
 
 using operations::Choice;

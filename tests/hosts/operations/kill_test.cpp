@@ -8,10 +8,10 @@
 #include <fstream>
 #include <random>
 
+#include "file_steps/folder.h"
+#include "file_steps/temporaries.h"
 #include "hosts/operations/killed_program.h"
 #include "hosts/operations/scene.h"
-#include "operations/folder.h"
-#include "operations/temporaries.h"
 #include "support/temp_folder.h"
 
 namespace {

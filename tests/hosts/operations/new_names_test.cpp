@@ -1,4 +1,4 @@
-#include "operations/new_names.h"
+#include "file_steps/new_names.h"
 
 #include <gtest/gtest.h>
 

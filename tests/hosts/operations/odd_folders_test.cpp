@@ -9,9 +9,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "file_steps/folder.h"
 #include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
-#include "operations/folder.h"
 #include "support/temp_folder.h"
 
 using operations::Kind;

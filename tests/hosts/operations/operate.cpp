@@ -9,9 +9,9 @@
 #include <algorithm>
 #include <map>
 
+#include "file_steps/folder.h"
+#include "file_steps/temporaries.h"
 #include "operations/engine.h"
-#include "operations/folder.h"
-#include "operations/temporaries.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "operations/folder.h"
+#include "file_steps/folder.h"
 #include "support/temp_folder.h"
 
 namespace test {

@@ -1,4 +1,4 @@
-#include "operations/temporaries.h"
+#include "file_steps/temporaries.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

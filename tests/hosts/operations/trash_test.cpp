@@ -1,4 +1,4 @@
-#include "operations/trash.h"
+#include "file_steps/trash.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "file_steps/folder.h"
 #include "hosts/operations/scene.h"
-#include "operations/folder.h"
 #include "support/temp_folder.h"
 
 using operations::Descriptor;

@@ -8,9 +8,9 @@
 #include <fstream>
 #include <random>
 
+#include "file_steps/temporaries.h"
 #include "hosts/operations/killed_program.h"
 #include "hosts/operations/scene.h"
-#include "operations/temporaries.h"
 #include "support/temp_folder.h"
 
 namespace {

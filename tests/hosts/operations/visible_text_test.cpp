@@ -1,4 +1,4 @@
-#include "operations/visible_text.h"
+#include "file_steps/visible_text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,228 @@
+#include "command/command_line.h"
+
+#include <stdio.h>
+
+#include <CLI/CLI.hpp>
+
+#include "command/modifier_names.h"
+#include "file_steps/visible_text.h"
+
+namespace {
+
+const char* const about = "A contextual menu for files that browses the disk through its submenus.";
+
+const char* const menu_about =
+    "Pops the contextual menu of the files up and waits until it closes. With --print, --json,\n"
+    "--png or --pick nothing is shown, and no display is needed.";
+
+const char* const forms_group = "Instead of showing the menu, one of";
+
+// What the options fill besides the request itself.
+struct Options {
+    std::string at;
+    std::string modifiers;
+    std::vector<std::string> settings;
+    bool print = false;
+    bool json = false;
+};
+
+void add_menu(CLI::App& app, MenuRequest& request, Options& options) {
+    CLI::App* menu = app.add_subcommand("menu", menu_about);
+    menu->add_option("FILE", request.files, "The files and folders that the menu is for")
+        ->type_name("")
+        ->required();
+    menu->add_option("--at", options.at,
+                     "Pop up here and not at the pointer, in pixels from the "
+                     "screen's upper left corner")
+        ->type_name("X,Y");
+    menu->add_flag("--print", options.print, "Write the menu as text")->group(forms_group);
+    menu->add_flag("--json", options.json, "Write the menu as JSON")->group(forms_group);
+    menu->add_option("--png", request.picture, "Save a picture of the open menu")
+        ->type_name("FILE")
+        ->group(forms_group);
+    menu->add_option("--pick", request.pick_titles,
+                     "Pick the item of this title; once for each level")
+        ->type_name("TITLE")
+        ->allow_extra_args(false)
+        ->group(forms_group);
+    menu->add_flag("--replace", request.replace,
+                   "With --pick: replace files of the same names; else they are skipped");
+    menu->add_option("--depth", request.depth,
+                     "With --print and --json: how many levels of submenus to open (0)")
+        ->type_name("N")
+        ->check(CLI::Range(0, 1000000));
+    menu->add_option("--open", request.open_titles,
+                     "With --png: hold the submenu of this title open; once for each level")
+        ->type_name("TITLE")
+        ->allow_extra_args(false);
+    menu->add_option("--modifiers", options.modifiers,
+                     "Keys to hold down: shift, option, command, control")
+        ->type_name("KEY,...");
+    menu->add_option("--setting", options.settings, "Override a setting for this run alone")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
+}
+
+void add_settings(CLI::App& app, SettingsRequest& request) {
+    CLI::App* settings = app.add_subcommand("settings", "Shows and changes Delvio's settings.");
+    settings->require_subcommand(0, 1);
+    const auto verb = [&](const char* name, const char* meaning, SettingsVerb value) {
+        CLI::App* sub = settings->add_subcommand(name, meaning);
+        sub->callback([&request, value, sub] {
+            request.verb = value;
+            if (value == SettingsVerb::set) request.words = sub->remaining();
+        });
+        return sub;
+    };
+    verb("list", "Lists every setting: its value, default and meaning", SettingsVerb::list)
+        ->add_flag("--json", request.json, "Write the list as JSON");
+    verb("get", "Prints the value of a setting that is in effect", SettingsVerb::get)
+        ->add_option("KEY", request.words)
+        ->required()
+        ->expected(1);
+    // Values may begin with a minus sign: nothing after the key is an option.
+    CLI::App* set = verb("set", "Changes a setting: set KEY VALUE...", SettingsVerb::set);
+    set->footer("Several values are for a setting that is a list: set folders /srv - /home");
+    set->prefix_command();
+    CLI::App* reset = verb("reset", "Gives settings their defaults back", SettingsVerb::reset);
+    reset->add_option("KEY", request.words);
+    reset->add_flag("--all", request.all, "Every setting");
+}
+
+void add_install(CLI::App& app, InstallRequest& request) {
+    const auto verb = [&](const char* name, const char* meaning, bool remove) {
+        CLI::App* sub = app.add_subcommand(name, meaning);
+        sub->add_option("PROGRAM", "Where: gworkspace")
+            ->required()
+            ->type_name("")
+            ->check(CLI::IsMember({"gworkspace"}));
+        sub->callback([&request, remove] { request.remove = remove; });
+    };
+    verb("install", "Puts Delvio into a file manager's contextual menus.", false);
+    verb("uninstall", "Takes it out again.", true);
+}
+
+int misused(CommandLine& line, const std::string& problem) {
+    const bool settings = line.command == CommandLine::settings;
+    const bool menu = line.command == CommandLine::menu;
+    Complain(problem + "; see delvio " + (settings ? "settings " : menu ? "menu " : "") + "--help");
+    line.command = CommandLine::finished;
+    return line.status = exit_misused;
+}
+
+bool read_point(const std::string& text, MenuRequest& request) {
+    int used = 0;
+    if (sscanf(text.c_str(), "%d,%d%n", &request.x, &request.y, &used) != 2) return false;
+    return request.has_point = static_cast<size_t>(used) == text.size();
+}
+
+MenuForm form_of(const MenuRequest& request, const Options& options) {
+    if (options.print) return MenuForm::text;
+    if (options.json) return MenuForm::json;
+    if (!request.picture.empty()) return MenuForm::picture;
+    return request.pick_titles.empty() ? MenuForm::shown : MenuForm::pick;
+}
+
+bool given(const CLI::App& app, const char* option) { return app.count(option) > 0; }
+
+// What CLI11 cannot say by itself; the problem, or an empty string.
+std::string check_menu(const CLI::App& app, MenuRequest& request, const Options& options) {
+    if (given(app, "--png") && request.picture.empty()) return "--png takes the name of a file";
+    if (given(app, "--at") && options.at.empty()) return "--at takes X,Y, for example 200,150";
+    request.form = form_of(request, options);
+    const int forms =
+        options.print + options.json + !request.picture.empty() + !request.pick_titles.empty();
+    if (forms > 1) return "take one of --print, --json, --png and --pick";
+    const bool written = request.form == MenuForm::text || request.form == MenuForm::json;
+    if (given(app, "--depth") && !written) return "--depth needs --print or --json";
+    if (request.replace && request.form != MenuForm::pick) return "--replace needs --pick";
+    if (!request.open_titles.empty() && request.form != MenuForm::picture) {
+        return "--open needs --png";
+    }
+    if (!options.at.empty() && !read_point(options.at, request)) {
+        return "--at takes X,Y, for example 200,150";
+    }
+    if (!ParseModifiers(options.modifiers, &request.modifiers)) {
+        return "--modifiers takes shift, option, command or control, joined by commas";
+    }
+    for (const std::string& setting : options.settings) {
+        const size_t equals = setting.find('=');
+        if (equals == std::string::npos) return "--setting takes KEY=VALUE";
+        request.settings.emplace_back(setting.substr(0, equals), setting.substr(equals + 1));
+    }
+    return {};
+}
+
+std::string check_settings(const SettingsRequest& request, bool verb_given) {
+    if (!verb_given) return "say what to do: settings list, get, set or reset";
+    if (request.verb == SettingsVerb::set && request.words.size() < 2) {
+        return "settings set takes a key and a value";
+    }
+    const bool reset = request.verb == SettingsVerb::reset;
+    if (reset && request.words.empty() != request.all) {
+        return "settings reset takes either keys or --all";
+    }
+    return {};
+}
+
+void set_up(CLI::App& app) {
+    app.name("delvio");
+    app.set_version_flag("--version", "delvio " DELVIO_VERSION, "Print the version");
+    app.require_subcommand(0, 1);
+    app.failure_message([](const CLI::App*, const CLI::Error&) { return std::string(); });
+}
+
+CommandLine::Command command_of(const CLI::App& app) {
+    if (app.got_subcommand("menu")) return CommandLine::menu;
+    if (app.got_subcommand("settings")) return CommandLine::settings;
+    if (app.got_subcommand("undo")) return CommandLine::undo;
+    if (app.got_subcommand("install") || app.got_subcommand("uninstall")) {
+        return CommandLine::install;
+    }
+    return CommandLine::finished;
+}
+
+std::string check(const CLI::App& app, CommandLine& line, const Options& options) {
+    if (line.command == CommandLine::finished) {
+        return "say what to do: delvio menu, undo, settings, install or uninstall";
+    }
+    if (line.command == CommandLine::undo || line.command == CommandLine::install) return {};
+    if (line.command == CommandLine::settings) {
+        const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();
+        return check_settings(line.settings_request, verb_given);
+    }
+    return check_menu(*app.get_subcommand("menu"), line.menu_request, options);
+}
+
+}  // namespace
+
+CommandLine ReadCommandLine(int argc, char** argv) {
+    CommandLine line;
+    Options options;
+    CLI::App app(about);
+    set_up(app);
+    add_menu(app, line.menu_request, options);
+    add_settings(app, line.settings_request);
+    add_install(app, line.install_request);
+    app.add_subcommand("undo", "Undoes the last move, copy or alias that Delvio made itself.");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& asked) {
+        std::ostringstream text;
+        app.exit(asked, text, text);
+        fputs(text.str().c_str(), stdout);
+        return line;
+    } catch (const CLI::Error& error) {
+        line.command = command_of(app);
+        misused(line, error.what());
+        return line;
+    }
+    line.command = command_of(app);
+    const std::string problem = check(app, line, options);
+    if (!problem.empty()) misused(line, problem);
+    return line;
+}
+
+void Complain(const std::string& text) {
+    fprintf(stderr, "delvio: %s\n", operations::VisibleText(text).c_str());
+}

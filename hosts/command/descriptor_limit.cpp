@@ -1,0 +1,34 @@
+#include "command/descriptor_limit.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace {
+
+// Libraries end the process where they find none left. More than `most` would only make programs
+// that are started from here slow.
+constexpr rlim_t fewest = 128, most = 1024;
+
+rlim_t raised_limit() {
+    rlimit limit;
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return most;
+    const rlim_t wanted = std::min(limit.rlim_max, most);
+    if (limit.rlim_cur < wanted) {
+        limit.rlim_cur = wanted;
+        setrlimit(RLIMIT_NOFILE, &limit);
+        getrlimit(RLIMIT_NOFILE, &limit);
+    }
+    return limit.rlim_cur;
+}
+
+}  // namespace
+
+std::string DescriptorProblem() {
+    const rlim_t limit = raised_limit();
+    if (limit >= fewest) return {};
+    return "only " + std::to_string(limit) + " files may be open at a time, and " +
+           std::to_string(fewest) + " are needed; see \"ulimit -n\"";
+}

@@ -1,0 +1,98 @@
+#include "command/exit_signals.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <iterator>
+
+// Everything that a signal handler touches is plain memory and atomics.
+namespace {
+
+std::atomic<pid_t> child_to_end{0};
+std::atomic<int> signal_descriptor{-1};
+std::atomic<int> caught_signal{0};
+std::atomic<bool> catches{false};
+char file_to_remove[PATH_MAX];
+char folder_to_remove[PATH_MAX];
+
+constexpr int exit_signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+constexpr unsigned seconds_to_close = 2;
+
+void undo() {
+    const pid_t child = child_to_end.exchange(0);
+    if (child > 0) kill(child, SIGTERM);
+    if (*file_to_remove) unlink(file_to_remove);
+    if (*folder_to_remove) rmdir(folder_to_remove);
+    *file_to_remove = *folder_to_remove = 0;
+}
+
+void end_now(int number) {
+    undo();
+    _exit(128 + number);
+}
+
+void handle(int number) {
+    const int earlier = caught_signal.exchange(number == SIGALRM ? caught_signal.load() : number);
+    const int descriptor = signal_descriptor.load();
+    if (number == SIGALRM || earlier || descriptor < 0) end_now(earlier ? earlier : number);
+    alarm(seconds_to_close);
+    if (write(descriptor, "", 1) != 1) end_now(number);
+}
+
+bool is_caught(int number) {
+    return std::find(std::begin(exit_signals), std::end(exit_signals), number) !=
+           std::end(exit_signals);
+}
+
+// As signal() does it, but with all others held back meanwhile for a handler of ours.
+sighandler_t set_handler(int number, sighandler_t handler) {
+    struct sigaction action = {}, before = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    if (handler == handle) sigfillset(&action.sa_mask);
+    return sigaction(number, &action, &before) == 0 ? before.sa_handler : SIG_ERR;
+}
+
+void copy_path(char* to, const std::string& path) {
+    if (path.size() >= PATH_MAX) return;
+    memcpy(to, path.c_str(), path.size() + 1);
+}
+
+}  // namespace
+
+// The toolkit's display backend, which is loaded late, puts handlers there that abort: for as long
+// as it starts, a signal would end the command so. In this program its calls lead here.
+extern "C" __attribute__((visibility("default"))) sighandler_t signal(int number,
+                                                                      sighandler_t wanted) {
+    if (catches && is_caught(number)) return handle;
+    return set_handler(number, wanted);
+}
+
+void CatchExitSignals() {
+    for (const int number : exit_signals) set_handler(number, handle);
+    set_handler(SIGALRM, handle);
+    catches = true;
+}
+
+void SetChildToEnd(pid_t child) { child_to_end = child; }
+
+void SetFileToRemove(const std::string& file, const std::string& folder) {
+    copy_path(file_to_remove, file);
+    copy_path(folder_to_remove, folder);
+}
+
+void EndChildAndRemoveFile() {
+    const pid_t child = child_to_end.load();
+    undo();
+    if (child > 0) waitpid(child, nullptr, 0);
+}
+
+void SetSignalDescriptor(int descriptor) { signal_descriptor = descriptor; }
+
+int CaughtSignal() { return caught_signal; }

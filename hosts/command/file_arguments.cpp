@@ -1,0 +1,44 @@
+#include "command/file_arguments.h"
+
+#include <errno.h>
+#include <string.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "command/similar_words.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A path through ".." means what the file system makes of it, so links before it are followed.
+fs::path absolute_path(const fs::path& given) {
+    fs::path path = fs::absolute(given);
+    const fs::path last = path.filename();
+    const bool climbs = std::find(path.begin(), path.end(), "..") != path.end();
+    if (climbs && (last == ".." || last == "." || last.empty())) return fs::canonical(path);
+    if (climbs) return fs::canonical(path.parent_path()) / last;
+    path = path.lexically_normal();
+    return path.has_filename() || path == path.root_path() ? path : path.parent_path();
+}
+
+}  // namespace
+
+bool ResolveFiles(std::vector<std::string>* files, std::string* problem) {
+    for (std::string& file : *files) {
+        struct stat ignored;
+        if (lstat(file.c_str(), &ignored) != 0) {
+            *problem = "cannot find " + Quoted(file) + ": " + strerror(errno);
+            return false;
+        }
+        try {
+            file = absolute_path(file).string();
+        } catch (const std::exception& error) {
+            *problem = "cannot find " + Quoted(file) + ": " + error.what();
+            return false;
+        }
+    }
+    return true;
+}

@@ -1,0 +1,18 @@
+#include "command/home_folder.h"
+
+#include <pwd.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+bool EnsureHomeFolder(std::string* problem) {
+    const char* home = getenv("HOME");
+    if (home && home[0] == '/') return true;
+    const struct passwd* user = getpwuid(geteuid());
+    if (user && user->pw_dir && user->pw_dir[0] == '/') {
+        return setenv("HOME", user->pw_dir, 1) == 0;
+    }
+    *problem =
+        "there is no home folder: HOME names none, and the system knows none of this user; "
+        "set HOME";
+    return false;
+}

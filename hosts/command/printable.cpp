@@ -1,0 +1,55 @@
+#include "command/printable.h"
+
+#include <glib.h>
+
+namespace {
+
+bool changes_direction(gunichar character) {
+    return character == 0x061c || character == 0x200e || character == 0x200f ||
+           (character >= 0x202a && character <= 0x202e) ||
+           (character >= 0x2066 && character <= 0x2069);
+}
+
+bool is_unprintable(gunichar character) {
+    const bool control = character < 0x20 || (character >= 0x7f && character < 0xa0);
+    const bool separator = character == 0x2028 || character == 0x2029;
+    return control || separator || changes_direction(character);
+}
+
+// Gives each character, or a byte that is none as the character -1, to `take`.
+template <typename Take>
+void for_each_character(std::string_view text, Take take) {
+    while (!text.empty()) {
+        const auto left = static_cast<gssize>(text.size());
+        const gunichar found = g_utf8_get_char_validated(text.data(), left);
+        const bool valid = found < 0x80000000;
+        const size_t length = valid ? static_cast<size_t>(g_unichar_to_utf8(found, nullptr)) : 1;
+        take(valid ? found : static_cast<gunichar>(-1), text.substr(0, length));
+        text.remove_prefix(length);
+    }
+}
+
+}  // namespace
+
+std::string Printable(std::string_view text, std::string_view mark) {
+    std::string result;
+    for_each_character(text, [&](gunichar character, std::string_view bytes) {
+        const bool invalid = character == static_cast<gunichar>(-1);
+        result += invalid || is_unprintable(character) ? mark : bytes;
+    });
+    return result;
+}
+
+std::string PrintableJson(std::string_view json) {
+    std::string result;
+    for_each_character(json, [&](gunichar character, std::string_view bytes) {
+        if (character == '\n' || !is_unprintable(character)) {
+            result += bytes;
+            return;
+        }
+        char escape[sizeof "\\u0000"];
+        snprintf(escape, sizeof escape, "\\u%04x", character & 0xffff);
+        result += escape;
+    });
+    return result;
+}

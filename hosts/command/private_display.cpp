@@ -1,0 +1,134 @@
+#include "command/private_display.h"
+
+#include <host/opening_files.h>
+#include <X11/Xlib.h>
+
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/prctl.h>
+#include <sys/random.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "command/exit_signals.h"
+#include "command/private_folder.h"
+
+namespace {
+
+constexpr int milliseconds_to_start = 20000;
+constexpr const char* screen = "1920x1200x24";
+
+bool started;
+
+// Xlib prints a line of its own when it is refused; ours says more.
+bool opens_quietly() {
+    FILE* const own = stderr;
+    FILE* const nowhere = fopen("/dev/null", "we");
+    if (nowhere) stderr = nowhere;
+    Display* const display = XOpenDisplay(nullptr);
+    if (display) XCloseDisplay(display);
+    stderr = own;
+    if (nowhere) fclose(nowhere);
+    return display != nullptr;
+}
+
+// An entry of an X authority file that fits every host and display: family, address, number, name
+// and data, each length in two bytes, the higher first.
+std::string authority_entry() {
+    char cookie[16];
+    if (getrandom(cookie, sizeof cookie, 0) != sizeof cookie) return {};
+    const std::string name = "MIT-MAGIC-COOKIE-1";
+    std::string entry("\xff\xff\0\0\0\0\0", 7);
+    entry += static_cast<char>(name.size());
+    entry += name;
+    entry += '\0';
+    entry += static_cast<char>(sizeof cookie);
+    return entry.append(cookie, sizeof cookie);
+}
+
+// In the child: becomes the server, which writes its display number to `number_out`.
+[[noreturn]] void become_server(int number_out, const std::string& authority, pid_t parent) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() != parent) _exit(1);
+    fcntl(number_out, F_SETFD, 0);
+    const std::string number = std::to_string(number_out);
+    execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", screen, "-auth",
+           authority.c_str(), "-nolisten", "tcp", "-noreset", static_cast<char*>(nullptr));
+    _exit(127);
+}
+
+// The line that the server writes once it takes connections; empty if it ended or took too long.
+std::string read_number(int in) {
+    std::string line;
+    struct pollfd waiting = {in, POLLIN, 0};
+    while (line.empty() || line.back() != '\n') {
+        if (poll(&waiting, 1, milliseconds_to_start) <= 0) return {};
+        char byte;
+        if (read(in, &byte, 1) != 1) return {};
+        line += byte;
+    }
+    line.pop_back();
+    return line;
+}
+
+std::string why_not_started(pid_t server) {
+    int status = 0;
+    if (server > 0) {
+        kill(server, SIGTERM);
+        waitpid(server, &status, 0);
+    }
+    SetChildToEnd(0);
+    const bool missing = server > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 127;
+    return missing ? "there is no display, and Xvfb, which would stand in, is not installed "
+                     "(apt-get install xvfb)"
+                   : "there is no display, and Xvfb, which would stand in, did not start";
+}
+
+}  // namespace
+
+bool DisplayAnswers(std::string* problem) {
+    const char* name = getenv("DISPLAY");
+    if (!name || !*name) {
+        problem->clear();
+        return false;
+    }
+    if (opens_quietly()) return true;
+    *problem = std::string("the display ") + name +
+               " refuses the connection; set DISPLAY (and XAUTHORITY) to one that is yours";
+    return false;
+}
+
+bool StartPrivateDisplay(std::string* problem) {
+    RemoveLeftPrivateFolders();
+    const std::string authority = WriteIntoPrivateFolder(authority_entry());
+    int ends[2];
+    if (authority.empty() || pipe2(ends, O_CLOEXEC) != 0) {
+        *problem = std::string("cannot prepare an X server: ") + strerror(errno);
+        return false;
+    }
+    const pid_t parent = getpid();
+    const pid_t server = fork();
+    if (server == 0) become_server(ends[1], authority, parent);
+    close(ends[1]);
+    if (server > 0) SetChildToEnd(server);
+    const std::string number = server > 0 ? read_number(ends[0]) : std::string();
+    close(ends[0]);
+    if (number.empty()) {
+        *problem = why_not_started(server);
+        return false;
+    }
+    // Programs outlive the display, and nobody looks at it: they get what the user has.
+    for (const char* name : {"DISPLAY", "XAUTHORITY"}) {
+        SetVariableOfStartedPrograms(name, getenv(name));
+    }
+    setenv("DISPLAY", (":" + number).c_str(), 1);
+    setenv("XAUTHORITY", authority.c_str(), 1);
+    return started = true;
+}
+
+bool HasPrivateDisplay() { return started; }

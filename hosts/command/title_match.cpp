@@ -1,0 +1,58 @@
+#include "command/title_match.h"
+
+#include <strings.h>
+
+#include <algorithm>
+
+#include "command/similar_words.h"
+
+namespace {
+
+constexpr size_t most_suggestions = 5;
+
+std::vector<int> alike_without_case(const std::string& wanted,
+                                    const std::vector<std::string>& titles) {
+    std::vector<int> found;
+    for (size_t i = 0; i < titles.size(); ++i) {
+        const bool alike = wanted.size() == titles[i].size() &&
+                           strncasecmp(wanted.data(), titles[i].data(), wanted.size()) == 0;
+        if (alike) found.push_back(static_cast<int>(i));
+    }
+    return found;
+}
+
+std::string listed(const std::vector<std::string>& titles) {
+    std::string result;
+    for (const std::string& title : titles) {
+        result += (result.empty() ? "" : ", ") + Quoted(title);
+    }
+    return result;
+}
+
+std::string not_found(const std::string& wanted, const std::vector<std::string>& titles) {
+    const std::string text = "there is no item " + Quoted(wanted);
+    std::vector<std::string> close = SimilarWords(wanted, titles, most_suggestions);
+    if (!close.empty()) return text + "; close to it: " + listed(close);
+    if (titles.empty()) return text + "; the menu is empty there";
+    close.assign(titles.begin(), titles.begin() + std::min(titles.size(), most_suggestions));
+    const bool more = close.size() < titles.size();
+    return text + "; there are: " + listed(close) + (more ? ", ..." : "");
+}
+
+}  // namespace
+
+int MatchTitle(const std::string& wanted, const std::vector<std::string>& titles,
+               std::string* problem) {
+    const auto same = std::find(titles.begin(), titles.end(), wanted);
+    if (same != titles.end()) return static_cast<int>(same - titles.begin());
+    const std::vector<int> alike = alike_without_case(wanted, titles);
+    if (alike.size() == 1) return alike[0];
+    if (alike.empty()) {
+        *problem = not_found(wanted, titles);
+        return -1;
+    }
+    std::vector<std::string> several;
+    for (const int index : alike) several.push_back(titles[index]);
+    *problem = "several items are called " + Quoted(wanted) + "; write one of " + listed(several);
+    return -1;
+}

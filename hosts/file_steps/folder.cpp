@@ -1,0 +1,144 @@
+#include "file_steps/folder.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <stdio.h>
+#include <string.h>
+
+namespace operations {
+
+namespace {
+
+bool remove_content(int folder, uint64_t mount) {
+    std::vector<std::string> names;
+    if (MountOf(folder) != mount || !ReadNames(folder, &names)) return false;
+    bool removed = true;
+    for (const std::string& name : names) removed &= RemoveTree(folder, name.c_str());
+    return removed;
+}
+
+// A folder that may have been made read-only.
+Descriptor open_to_empty(int parent, const char* name) {
+    Descriptor folder = OpenFolder(parent, name);
+    if (!folder && errno == EACCES && fchmodat(parent, name, 0700, 0) == 0) {
+        folder = OpenFolder(parent, name);
+    }
+    if (folder && faccessat(folder.get(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        fchmod(folder.get(), 0700);
+    }
+    return folder;
+}
+
+// Where a file system knows no rename that replaces nothing: a file gets its second name before it
+// loses the first; a folder's new name is looked at, and no full folder is ever replaced.
+bool move_in_steps(int from_folder, const std::string& from, int to_folder, const std::string& to) {
+    struct stat what;
+    if (!Look(from_folder, from.c_str(), &what)) return false;
+    if (!S_ISDIR(what.st_mode)) {
+        if (linkat(from_folder, from.c_str(), to_folder, to.c_str(), 0) == 0) {
+            return unlinkat(from_folder, from.c_str(), 0) == 0;
+        }
+        if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK) return false;
+    }
+    if (Look(to_folder, to.c_str(), &what)) {
+        errno = EEXIST;
+        return false;
+    }
+    return errno == ENOENT && renameat(from_folder, from.c_str(), to_folder, to.c_str()) == 0;
+}
+
+// A disk may lose its answer, but not what it was asked to do. Keeps errno.
+bool was_done_all_the_same(int from_folder, const std::string& from, int to_folder,
+                           const std::string& to) {
+    const int error = errno;
+    struct stat what;
+    const bool is_doubtful = error == EIO || error == ETIMEDOUT || error == EINTR ||
+                             error == ESTALE || error == ENOTCONN || error == EREMOTEIO;
+    const bool is_gone = is_doubtful && !Look(from_folder, from.c_str(), &what) && IsMissing(errno);
+    const bool was_done = is_gone && Look(to_folder, to.c_str(), &what);
+    errno = error;
+    return was_done;
+}
+
+}  // namespace
+
+Descriptor OpenFolder(int parent, const char* name) {
+    return Descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+bool ReadNames(int folder, std::vector<std::string>* names) {
+    alignas(dirent64) thread_local char buffer[32 * 1024];
+    if (lseek(folder, 0, SEEK_SET) < 0) return false;
+    for (;;) {
+        const ssize_t size = getdents64(folder, buffer, sizeof buffer);
+        if (size <= 0) return size == 0;
+        for (ssize_t at = 0; at < size;) {
+            const auto* entry = reinterpret_cast<const dirent64*>(buffer + at);
+            at += entry->d_reclen;
+            if (strcmp(entry->d_name, ".") != 0 && strcmp(entry->d_name, "..") != 0) {
+                names->emplace_back(entry->d_name);
+            }
+        }
+    }
+}
+
+bool Look(int folder, const char* name, struct stat* what) {
+    return fstatat(folder, name, what, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool IsMissing(int error) { return error == ENOENT || error == ENOTDIR; }
+
+std::string PathOf(int folder) {
+    char path[PATH_MAX];
+    const std::string link = "/proc/self/fd/" + std::to_string(folder);
+    const ssize_t size = readlink(link.c_str(), path, sizeof path);
+    if (size < 0) return {};
+    const std::string found(path, static_cast<size_t>(size));
+    // One that was removed or is out of reach has a path that leads elsewhere.
+    struct stat here, there;
+    if (fstat(folder, &here) != 0 || stat(found.c_str(), &there) != 0) return {};
+    if (here.st_ino == there.st_ino && here.st_dev == there.st_dev && found[0] == '/') return found;
+    errno = ENOENT;
+    return {};
+}
+
+uint64_t MountOf(int file) {
+    struct statx what;
+    if (statx(file, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_MNT_ID, &what) != 0) return 0;
+    if (what.stx_mask & STATX_MNT_ID) return what.stx_mnt_id + 1;
+    return (uint64_t{what.stx_dev_major} << 32 | what.stx_dev_minor) + 1;
+}
+
+bool MoveFree(int from_folder, const std::string& from, int to_folder, const std::string& to) {
+    if (renameat2(from_folder, from.c_str(), to_folder, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return true;
+    }
+    if (errno == EINVAL) return move_in_steps(from_folder, from, to_folder, to);
+    return was_done_all_the_same(from_folder, from, to_folder, to);
+}
+
+bool RemoveTree(int parent, const char* name) {
+    if (unlinkat(parent, name, 0) == 0 || errno == ENOENT) return true;
+    const uint64_t mount = MountOf(parent);
+    const Descriptor folder = mount != 0 ? open_to_empty(parent, name) : Descriptor();
+    if (!folder || !remove_content(folder.get(), mount)) return false;
+    return unlinkat(parent, name, AT_REMOVEDIR) == 0;
+}
+
+bool MakeFolders(const std::string& path) {
+    if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return true;
+    const std::string parent = ParentOf(path);
+    if (errno != ENOENT || parent == path || !MakeFolders(parent)) return false;
+    return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST;
+}
+
+std::string ParentOf(const std::string& path) {
+    const size_t slash = path.rfind('/');
+    return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
+}
+
+std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+}  // namespace operations

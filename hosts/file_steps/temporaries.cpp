@@ -1,0 +1,214 @@
+#include "file_steps/temporaries.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/file.h>
+#include <sys/random.h>
+#include <sys/statvfs.h>
+#include <sys/wait.h>
+#include <time.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "file_steps/folder.h"
+#include "file_steps/state_folder.h"
+
+namespace operations {
+
+namespace {
+
+// A journal: its name is the prefix without the dot; it holds the file system's number, a newline
+// and the folder's path to the end. Whoever holds its lock lives.
+constexpr const char* journal_start = "delvio-";
+constexpr size_t random_digits = 16;
+constexpr int days_to_wait = 90;
+constexpr size_t most_cleaners = 8;
+constexpr unsigned longest_cleaning = 600;  // seconds
+constexpr const char* new_start = "new-";
+
+std::string journals_in(const std::string& state_folder) { return state_folder + "/temporaries"; }
+
+std::string random_name() {
+    uint64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number) return {};
+    char text[random_digits + 1];
+    snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(number));
+    return std::string(journal_start) + text;
+}
+
+bool is_journal(const std::string& name) {
+    const size_t start = strlen(journal_start);
+    return name.size() == start + random_digits && name.compare(0, start, journal_start) == 0 &&
+           name.find_first_not_of("0123456789abcdef", start) == std::string::npos;
+}
+
+// One whose process was killed before it had its name; nothing was made for it.
+bool is_new(const std::string& name) {
+    const size_t start = strlen(new_start);
+    return name.compare(0, start, new_start) == 0 && is_journal(name.substr(start));
+}
+
+std::string file_system_of(int folder) {
+    struct statvfs what;
+    return fstatvfs(folder, &what) == 0 ? std::to_string(what.f_fsid) : "";
+}
+
+// The home may be full, which is what a move may be to help against.
+std::vector<std::string> possible_journals(const std::string& state_folder) {
+    std::vector<std::string> folders = {journals_in(state_folder)};
+    const char* run_time = getenv("XDG_RUNTIME_DIR");
+    if (run_time && run_time[0] == '/') {
+        folders.push_back(journals_in(std::string(run_time) + "/delvio"));
+    }
+    return folders;
+}
+
+std::string read_all(int file) {
+    std::string text;
+    char buffer[4096];
+    ssize_t size;
+    while ((size = read(file, buffer, sizeof buffer)) > 0) {
+        text.append(buffer, static_cast<size_t>(size));
+    }
+    return text;
+}
+
+bool remove_prefixed(int folder, const std::string& prefix) {
+    std::vector<std::string> names;
+    bool removed = ReadNames(folder, &names);
+    for (const std::string& name : names) {
+        if (name.compare(0, prefix.size(), prefix) == 0) {
+            removed &= RemoveTree(folder, name.c_str());
+        }
+    }
+    return removed;
+}
+
+bool is_old(int file) {
+    struct stat what;
+    return fstat(file, &what) == 0 && time(nullptr) - what.st_mtime > days_to_wait * 24 * 3600;
+}
+
+// Whether the journal has served.
+bool clean_up(int file, const std::string& prefix) {
+    const std::string text = read_all(file);
+    const size_t newline = text.find('\n');
+    // Nothing is made before the journal is whole.
+    if (newline == std::string::npos || text.compare(newline + 1, 1, "/") != 0) return true;
+    const Descriptor folder(open(text.c_str() + newline + 1, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder) return is_old(file);
+    // Another volume may stand there now, and this one come back.
+    if (file_system_of(folder.get()) != text.substr(0, newline)) return is_old(file);
+    return remove_prefixed(folder.get(), prefix);
+}
+
+// Of one that nobody holds.
+void clean_up_journal(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
+    const std::string name = NameOf(path);
+    if (is_new(name) || clean_up(file.get(), "." + name + "-")) unlink(path.c_str());
+}
+
+std::vector<std::string> all_journals(const std::string& state_folder) {
+    std::vector<std::string> found;
+    for (const std::string& journals : possible_journals(state_folder)) {
+        const Descriptor folder(open(journals.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        std::vector<std::string> names;
+        if (!folder || !ReadNames(folder.get(), &names)) continue;
+        for (const std::string& name : names) {
+            if (is_journal(name) || is_new(name)) found.push_back(journals + "/" + name);
+        }
+    }
+    return found;
+}
+
+// Nothing of its parent stays open in it, and none of that one's signal handlers is left: nobody
+// waits for its end without knowing.
+void let_go_of_everything() {
+    setsid();
+    for (int number = 1; number < NSIG; number++) signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (chdir("/") != 0) _exit(1);
+    close_range(0, ~0u, 0);
+    for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
+    // Where a disk can be given up at all.
+    alarm(longest_cleaning);
+}
+
+}  // namespace
+
+std::string StateFolder() {
+    const char* state = getenv("XDG_STATE_HOME");
+    if (state && state[0] == '/') return std::string(state) + "/delvio";
+    const char* home = getenv("HOME");
+    return std::string(home ? home : "") + "/.local/state/delvio";
+}
+
+// It gets its name once it is locked and whole, so that nobody takes it for one without an owner.
+bool Temporaries::open_journal(const std::string& journals, const std::string& name,
+                               const std::string& text) {
+    if (!MakeFolders(journals)) return false;
+    const std::string unnamed = journals + "/" + new_start + name;
+    journal_ = journals + "/" + name;
+    lock_ = Descriptor(open(unnamed.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!lock_) return false;
+    if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 &&
+        WriteAll(lock_.get(), text.data(), text.size()) && fsync(lock_.get()) == 0 &&
+        rename(unnamed.c_str(), journal_.c_str()) == 0) {
+        return true;
+    }
+    const int error = errno;
+    unlink(unnamed.c_str());
+    errno = error;
+    return false;
+}
+
+Temporaries::Temporaries(const std::string& state_folder, int folder) {
+    const std::string name = random_name(), path = PathOf(folder);
+    prefix_ = "." + name + "-";
+    if (path.empty() || name.empty()) {
+        problem_ = std::string("cannot tell where the destination is: ") + strerror(errno);
+        return;
+    }
+    int error = EIO;
+    for (const std::string& journals : possible_journals(state_folder)) {
+        if (open_journal(journals, name, file_system_of(folder) + "\n" + path)) return;
+        error = errno;
+    }
+    problem_ = "cannot write " + journals_in(state_folder) + ": " + strerror(error);
+}
+
+Temporaries::~Temporaries() {
+    if (problem_.empty() && !leaves_) unlink(journal_.c_str());
+}
+
+void RemoveLeftTemporaries(const std::string& state_folder) {
+    for (const std::string& journal : all_journals(state_folder)) clean_up_journal(journal);
+}
+
+void BeginToRemoveLeftTemporaries(const std::string& state_folder) {
+    const std::vector<std::string> journals = all_journals(state_folder);
+    for (size_t first = 0; first < std::min(journals.size(), most_cleaners); first++) {
+        const pid_t parent = fork();
+        if (parent < 0) return;
+        if (parent > 0) {
+            waitpid(parent, nullptr, 0);
+            continue;
+        }
+        // Its child has no parent that would have to wait for it.
+        if (fork() != 0) _exit(0);
+        let_go_of_everything();
+        for (size_t at = first; at < journals.size(); at += most_cleaners) {
+            clean_up_journal(journals[at]);
+        }
+        _exit(0);
+    }
+}
+
+}  // namespace operations

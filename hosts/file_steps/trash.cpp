@@ -1,0 +1,197 @@
+#include "file_steps/trash.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <string.h>
+#include <sys/random.h>
+#include <time.h>
+
+#include "file_steps/folder.h"
+#include "file_steps/trash_folders.h"
+#include "file_steps/work.h"
+
+namespace operations {
+
+namespace {
+
+constexpr const char* info_suffix = ".trashinfo";
+constexpr int counted_names = 64, most_names = 1000;
+
+// As an address has it; a slash stays.
+std::string escaped(const std::string& path) {
+    std::string text;
+    for (const char byte : path) {
+        if (isalnum(static_cast<unsigned char>(byte)) || strchr("/-_.~", byte)) {
+            text += byte;
+        } else {
+            char code[4];
+            snprintf(code, sizeof code, "%%%02X", static_cast<unsigned char>(byte));
+            text += code;
+        }
+    }
+    return text;
+}
+
+std::string info_text(const std::string& path, const std::string& top) {
+    const time_t now = time(nullptr);
+    struct tm local;
+    char date[32];
+    strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", localtime_r(&now, &local));
+    const std::string where = top.empty() ? path : path.substr(top.size() + 1);
+    return "[Trash Info]\nPath=" + escaped(where) + "\nDeletionDate=" + date + "\n";
+}
+
+// Counts first; where many have the name already, a number that nobody has is found at once.
+std::string number_of(int attempt) {
+    if (attempt < 2) return "";
+    uint32_t number = 0;
+    if (attempt > counted_names && getrandom(&number, sizeof number, 0) == sizeof number) {
+        return "." + std::to_string(number);
+    }
+    return "." + std::to_string(attempt);
+}
+
+std::string trash_name(const std::string& name, int attempt) {
+    const std::string number = number_of(attempt);
+    const size_t most = NAME_MAX - strlen(info_suffix) - number.size();
+    return name.substr(0, most) + number;
+}
+
+// One thing on its way into one trash.
+class Way {
+  public:
+    Way(const Thing& thing, const TrashFolder& trash, const std::string& path)
+        : thing_(thing), trash_(trash), path_(path), open_(OpenTrashFolder(trash)) {}
+
+    const std::string& problem() const { return open_.problem; }
+    // 0 or an error number: EXDEV when the trash is not on the thing's volume, ECANCELED when it is
+    // not wanted, ESTALE when the thing is another one now.
+    int put(const std::function<bool(const Trashed&)>& before, Trashed* trashed);
+
+  private:
+    bool take_name(int attempt);
+    int look_for_thing(int folder, const std::string& name);
+    int go();
+
+    const Thing& thing_;
+    const TrashFolder& trash_;
+    const std::string& path_;  // of the thing
+    OpenTrash open_;
+    std::string name_, info_name_;
+};
+
+// By writing its info. False with errno: EEXIST where it is taken.
+bool Way::take_name(int attempt) {
+    name_ = trash_name(thing_.name, attempt);
+    info_name_ = name_ + info_suffix;
+    struct stat what;
+    if (Look(open_.files.get(), name_.c_str(), &what)) {
+        errno = EEXIST;
+        return false;
+    }
+    if (!IsMissing(errno)) return false;
+    const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    Descriptor info(openat(open_.info.get(), info_name_.c_str(), flags, 0600));
+    if (!info) return false;
+    const std::string text = info_text(path_, trash_.top);
+    if (WriteAll(info.get(), text.data(), text.size()) && info.close()) return true;
+    const int error = errno;
+    unlinkat(open_.info.get(), info_name_.c_str(), 0);
+    errno = error;
+    return false;
+}
+
+// 0, ESTALE when it is something else, or another error number when that cannot be told.
+int Way::look_for_thing(int folder, const std::string& name) {
+    struct stat what;
+    if (!Look(folder, name.c_str(), &what)) return errno;
+    const bool is_it = what.st_ino == thing_.what.st_ino &&
+                       (what.st_mode & S_IFMT) == (thing_.what.st_mode & S_IFMT);
+    return is_it ? 0 : ESTALE;
+}
+
+// With a name taken. 0 or an error number.
+int Way::go() {
+    const int error = look_for_thing(thing_.folder, thing_.name);
+    if (error != 0) return error;
+    if (!MoveFree(thing_.folder, thing_.name, open_.files.get(), name_)) return errno;
+    if (look_for_thing(open_.files.get(), name_) != ESTALE) return 0;
+    // It was exchanged in between.
+    MoveFree(open_.files.get(), name_, thing_.folder, thing_.name);
+    return ESTALE;
+}
+
+int Way::put(const std::function<bool(const Trashed&)>& before, Trashed* trashed) {
+    for (int attempt = 1; attempt < most_names; attempt++) {
+        int error = take_name(attempt) ? 0 : errno;
+        if (error == 0) {
+            *trashed = {trash_.path + "/files/" + name_, trash_.path + "/info/" + info_name_};
+            error = before(*trashed) ? go() : ECANCELED;
+            if (error == 0) return 0;
+            unlinkat(open_.info.get(), info_name_.c_str(), 0);
+        }
+        // Something without an info may take the name meanwhile.
+        if (error != EEXIST) return error;
+    }
+    return EEXIST;
+}
+
+std::string in_words(int error) {
+    if (error == ESTALE) return "it was changed meanwhile";
+    if (error == EEXIST) return "no name for it is free there";
+    return error == ECANCELED ? "stopped" : strerror(error);
+}
+
+// At the top of a volume one's own trash stands in for a shared one; nothing stands in for the
+// home's.
+bool is_final(const TrashFolder& trash, const std::string& problem) {
+    return !problem.empty() && trash.is_home;
+}
+
+std::string path_in(const std::string& folder, const std::string& name) {
+    return (folder == "/" ? "" : folder) + "/" + name;
+}
+
+}  // namespace
+
+bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
+                Trashed* trashed, std::string* problem) {
+    const std::string start = "cannot move " + QuotedName(thing.name) + " to the trash: ";
+    const std::string folder = PathOf(thing.folder), path = path_in(folder, thing.name);
+    if (folder.empty()) {
+        *problem = start + strerror(errno);
+        return false;
+    }
+    for (const TrashFolder& trash : TrashFoldersOf(thing.folder, folder)) {
+        Way way(thing, trash, path);
+        *problem = start + way.problem();
+        if (is_final(trash, way.problem())) return false;
+        if (!way.problem().empty()) continue;
+        const int error = way.put(before, trashed);
+        if (error == 0) return true;
+        *problem = start + in_words(error);
+        // Whatever else went wrong may have happened half.
+        if (error != EXDEV) return false;
+    }
+    return false;
+}
+
+std::string WhyNoTrash(int folder) {
+    const std::string path = PathOf(folder);
+    if (path.empty()) return strerror(errno);
+    std::string problem;
+    for (const TrashFolder& trash : TrashFoldersOf(folder, path)) {
+        problem = OpenTrashFolder(trash).problem;
+        if (problem.empty() || is_final(trash, problem)) break;
+    }
+    return problem;
+}
+
+bool TakeFromTrash(const Trashed& trashed, int folder, const std::string& name) {
+    if (!MoveFree(AT_FDCWD, trashed.file, folder, name)) return false;
+    unlink(trashed.info.c_str());
+    return true;
+}
+
+}  // namespace operations

@@ -1,0 +1,96 @@
+#include "file_steps/trash_folders.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <string.h>
+#include <sys/stat.h>
+
+#include "file_steps/folder.h"
+#include "file_steps/work.h"
+
+namespace operations {
+
+namespace {
+
+std::string home_trash() {
+    const char* data = getenv("XDG_DATA_HOME");
+    if (data && data[0] == '/') return std::string(data) + "/Trash";
+    const char* home = getenv("HOME");
+    return std::string(home ? home : "") + "/.local/share/Trash";
+}
+
+// Whether the path, or the nearest folder above it that is there, is on the device. No if it cannot
+// be asked.
+bool is_on(std::string path, dev_t device) {
+    struct stat what;
+    while (stat(path.c_str(), &what) != 0) {
+        if (!IsMissing(errno) || path == "/") return false;
+        path = ParentOf(path);
+    }
+    return what.st_dev == device;
+}
+
+// The highest folder above that is still on the same mount.
+std::string top_of_volume(std::string path, uint64_t mount) {
+    while (path != "/") {
+        const std::string parent = ParentOf(path);
+        const Descriptor above(open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        if (!above || MountOf(above.get()) != mount) break;
+        path = parent;
+    }
+    return path;
+}
+
+bool is_shared_trash(const std::string& path) {
+    struct stat what;
+    return lstat(path.c_str(), &what) == 0 && S_ISDIR(what.st_mode) && (what.st_mode & S_ISVTX);
+}
+
+// Opens a part of a trash.
+Descriptor open_part(const std::string& path, std::string* problem) {
+    const std::string name = QuotedPath(path);
+    if (!MakeFolders(path)) {
+        *problem = "cannot make " + name + ": " + strerror(errno);
+        return Descriptor();
+    }
+    Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat what;
+    if (!folder) {
+        const bool other = errno == ENOTDIR || errno == ELOOP;
+        *problem = other ? name + ", where the trash should be, is not a folder"
+                         : "cannot open " + name + ": " + strerror(errno);
+    } else if (fstat(folder.get(), &what) != 0) {
+        *problem = "cannot read " + name + ": " + strerror(errno);
+    } else if (what.st_uid != geteuid()) {
+        *problem = "the trash " + name + " belongs to somebody else";
+    }
+    if (!problem->empty()) folder.close();
+    return folder;
+}
+
+}  // namespace
+
+std::vector<TrashFolder> TrashFoldersOf(int folder, const std::string& path) {
+    std::vector<TrashFolder> folders;
+    struct stat what;
+    if (fstat(folder, &what) == 0 && is_on(home_trash(), what.st_dev)) {
+        folders.push_back({home_trash(), "", true});
+    }
+    const std::string top = top_of_volume(path, MountOf(folder));
+    const std::string start = top == "/" ? "" : top, user = std::to_string(getuid());
+    if (is_shared_trash(start + "/.Trash")) {
+        folders.push_back({start + "/.Trash/" + user, start, false});
+    }
+    folders.push_back({start + "/.Trash-" + user, start, false});
+    return folders;
+}
+
+OpenTrash OpenTrashFolder(const TrashFolder& trash) {
+    OpenTrash open;
+    const Descriptor whole = open_part(trash.path, &open.problem);
+    if (open.problem.empty()) open.info = open_part(trash.path + "/info", &open.problem);
+    if (open.problem.empty()) open.files = open_part(trash.path + "/files", &open.problem);
+    return open;
+}
+
+}  // namespace operations

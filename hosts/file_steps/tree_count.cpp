@@ -1,0 +1,43 @@
+#include "file_steps/tree_count.h"
+
+#include <fcntl.h>
+
+#include "file_steps/folder.h"
+
+namespace operations {
+
+TreeCount::TreeCount(const std::vector<std::string>& sources, size_t from, uint64_t items,
+                     uint64_t bytes)
+    : sources_(sources.begin() + static_cast<std::ptrdiff_t>(from), sources.end()),
+      items_(items),
+      bytes_(bytes),
+      thread_(&TreeCount::run, this) {}
+
+TreeCount::~TreeCount() {
+    cancelled_ = true;
+    thread_.join();
+}
+
+void TreeCount::run() {
+    for (const std::string& source : sources_) count(AT_FDCWD, source.c_str(), 0);
+    done_ = !cancelled_;
+}
+
+// What is deeper is not counted: the copying needs the files that may be open.
+constexpr int deepest_counted = 100;
+
+void TreeCount::count(int parent, const char* name, int depth) {
+    struct stat what;
+    if (cancelled_ || !Look(parent, name, &what)) return;
+    items_++;
+    if (S_ISREG(what.st_mode)) bytes_ += static_cast<uint64_t>(what.st_size);
+    if (!S_ISDIR(what.st_mode)) return;
+    if (depth > deepest_counted) cancelled_ = true;
+    if (cancelled_) return;
+    const Descriptor folder = OpenFolder(parent, name);
+    std::vector<std::string> names;
+    if (!folder || !ReadNames(folder.get(), &names)) return;
+    for (const std::string& entry : names) count(folder.get(), entry.c_str(), depth + 1);
+}
+
+}  // namespace operations

@@ -1,0 +1,134 @@
+#include "popup/asked_operations.h"
+
+#include <AppKit/AppKit.h>
+#include <Carbon/Carbon.h>
+#include <host/process.h>
+#include <fcntl.h>
+
+#include <condition_variable>
+#include <mutex>
+
+#include "command/exit_signals.h"
+#include "command/similar_words.h"
+#include "finderkit/desktop_carrier.h"
+#include "finderkit/file_operations.h"
+#include "operations/engine.h"
+#include "operations_ui/operation_window.h"
+#include "settings/settings_table.h"
+
+namespace {
+
+using operations::Observer;
+using operations::Outcome;
+using operations::Report;
+using operations::Request;
+using operations::State;
+
+std::mutex mutex;
+std::condition_variable changed;
+int running = 0;
+std::vector<Outcome> outcomes;
+bool is_attended = false;
+
+void note_end(const Report& report) {
+    const std::lock_guard guard(mutex);
+    outcomes.insert(outcomes.end(), report.outcomes.begin(), report.outcomes.end());
+    running--;
+    changed.notify_all();
+}
+
+// Nobody is there to ask: names that are taken are skipped.
+class Unattended : public Observer {
+    bool is_cancelled() override { return CaughtSignal() != 0; }
+    void ended(const Report& report) override { note_end(report); }
+};
+
+// Somebody is, at the windows; a signal ends it as their button does.
+class Attended : public Observer {
+  public:
+    explicit Attended(std::shared_ptr<Observer> windows) : windows_(std::move(windows)) {}
+
+  private:
+    void progressed(const operations::Progress& progress) override {
+        windows_->progressed(progress);
+    }
+    operations::Answer ask(const operations::Conflict& conflict) override {
+        if (CaughtSignal()) return {operations::Choice::Stop, true};
+        return windows_->ask(conflict);
+    }
+    bool is_cancelled() override { return CaughtSignal() != 0 || windows_->is_cancelled(); }
+    void ended(const Report& report) override { windows_->ended(report); }
+
+    const std::shared_ptr<Observer> windows_;
+};
+
+std::shared_ptr<Observer> observe(const Request& request, bool attended) {
+    {
+        const std::lock_guard guard(mutex);
+        running++;
+    }
+    // A signal waits until what is there is whole.
+    static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    SetSignalDescriptor(nowhere);
+    if (!attended) return std::make_shared<Unattended>();
+    return std::make_shared<Attended>(operations::MakeWindowObserver(request, note_end));
+}
+
+bool is_for_file_manager() {
+    Boolean valid = false;
+    return CFPreferencesGetAppIntegerValue((CFStringRef) @(file_manager_setting),
+                                           (CFStringRef) @(settings_domain), &valid) != 0 &&
+           valid;
+}
+
+const char* verb_of(State state) { return state == State::Skipped ? "skipped " : "failed: "; }
+
+}  // namespace
+
+void OfferFileOperations(const MenuRequest& request) {
+    const bool attended = is_attended = request.form == MenuForm::shown;
+    const DialogItemIndex answer =
+        request.replace ? DialogItemIndex{kAlertStdAlertCancelButton} : kAlertAnswerDefault;
+    AnswerStandardAlerts(attended ? DialogItemIndex{kAlertAnswerAsk} : answer);
+    FileOperationService service;
+    service.carrier = operations::MakeEngine();
+    // It would ask its own questions.
+    if (attended && is_for_file_manager()) {
+        service.carrier = MakeDesktopCarrier(operations::MakeEngine());
+    }
+    service.observer = [attended](const Request& wanted) { return observe(wanted, attended); };
+    SetFileOperationService(service);
+}
+
+void EndAlert() {
+    if (![NSApp modalWindow]) return;
+    [NSApp stopModalWithCode:NSRunAbortedResponse];
+    // The modal loop looks when it gets an event.
+    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
+}
+
+int FinishFileOperations() {
+    operations::RunUntilOperationsEnd();
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [] { return running == 0; });
+    int status = exit_done;
+    for (const Outcome& outcome : outcomes) {
+        // Whoever was asked knows what was skipped.
+        const bool told = is_attended && outcome.state == State::Skipped;
+        if (outcome.state == State::Done || told) continue;
+        Complain(verb_of(outcome.state) + Quoted(outcome.source) +
+                 (outcome.reason.empty() ? "" : ": " + outcome.reason));
+        if (outcome.state == State::Failed) status = exit_failed;
+        if (status == exit_done) status = exit_skipped;
+    }
+    return status;
+}

@@ -1,0 +1,91 @@
+#include "popup/menu_photographer.h"
+
+#include <host/menu_picture.h>
+
+#include "command/similar_words.h"
+#include "popup/menu_walker.h"
+
+namespace {
+
+// A turn of the tracking loop: long enough for the windows of a level to be drawn.
+constexpr NSTimeInterval turn = 0.1;
+
+}  // namespace
+
+@interface MenuPhotographer (Turns)
+- (void)turn:(NSTimer*)timer;
+- (void)openNext:(MenuSession*)session;
+- (std::string)takePicture;
+@end
+
+@implementation MenuPhotographer
+
+- (instancetype)initWithFile:(const std::string&)file
+                  openTitles:(const std::vector<std::string>&)titles {
+    if (!(self = [super init])) return nil;
+    _file = new std::string(file);
+    _titles = new std::vector<std::string>(titles);
+    _problem = new std::string("the menu closed before its picture was taken");
+    return self;
+}
+
+- (void)dealloc {
+    [self stop];
+    delete _file;
+    delete _titles;
+    delete _problem;
+    [super dealloc];
+}
+
+- (void)waitForMenu {
+    _timer = [[NSTimer timerWithTimeInterval:turn
+                                      target:self
+                                    selector:@selector(turn:)
+                                    userInfo:nil
+                                     repeats:YES] retain];
+    [[NSRunLoop currentRunLoop] addTimer:_timer forMode:NSEventTrackingRunLoopMode];
+}
+
+- (void)stop {
+    [_timer invalidate];
+    [_timer release];
+    _timer = nil;
+}
+
+- (const std::string&)problem {
+    return *_problem;
+}
+
+@end
+
+@implementation MenuPhotographer (Turns)
+
+// A submenu a turn, then the picture.
+- (void)turn:(NSTimer*)timer {
+    (void)timer;
+    MenuSession* session = [MenuSession current];
+    if (![[session levels] count] || [session isEnding]) return;
+    if (_opened < _titles->size()) {
+        [self openNext:session];
+        return;
+    }
+    *_problem = [self takePicture];
+    [session cancel];
+}
+
+- (void)openNext:(MenuSession*)session {
+    const std::vector<std::string> way(_titles->begin(), _titles->begin() + ++_opened);
+    NSMenu* menu = nil;
+    std::string problem;
+    if (OpenByTitles(session, way, &menu, &problem)) return;
+    *_problem = problem;
+    [session cancel];
+}
+
+- (std::string)takePicture {
+    NSString* file = [NSString stringWithUTF8String:_file->c_str()];
+    if (file && WritePictureOfOpenMenus(file, YES)) return {};
+    return "cannot save the picture " + Quoted(*_file) + "; is its folder there and writable?";
+}
+
+@end

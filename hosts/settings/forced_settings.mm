@@ -1,0 +1,54 @@
+#include "settings/forced_settings.h"
+
+#include <host/forced_preferences.h>
+
+#include <map>
+
+namespace {
+
+NSString* string_of(const std::string& text) {
+    return [NSString stringWithUTF8String:text.c_str()] ?: @"";
+}
+
+CFStringRef cf(const char* ascii) {
+    return reinterpret_cast<CFStringRef>([NSString stringWithUTF8String:ascii]);
+}
+
+using Words = std::map<const Setting*, std::vector<std::string>>;
+
+bool gather(const std::vector<std::pair<std::string, std::string>>& pairs, Words* words,
+            std::string* problem) {
+    for (const auto& [key, word] : pairs) {
+        const Setting* setting = FindSetting(key);
+        if (!setting) {
+            *problem = UnknownSetting(key);
+            return false;
+        }
+        std::vector<std::string>& known = (*words)[setting];
+        if (setting->type != SettingType::paths) known.clear();
+        known.push_back(word);
+    }
+    return true;
+}
+
+}  // namespace
+
+id ObjectOf(const Setting& setting, const SettingValue& value) {
+    if (IsNumeric(setting)) return [NSNumber numberWithInt:value.number];
+    if (setting.type == SettingType::path) return string_of(value.strings.front());
+    NSMutableArray* array = [NSMutableArray array];
+    for (const std::string& text : value.strings) [array addObject:string_of(text)];
+    return array;
+}
+
+bool ForceSettings(const std::vector<std::pair<std::string, std::string>>& pairs,
+                   std::string* problem) {
+    Words words;
+    if (!gather(pairs, &words, problem)) return false;
+    for (const auto& [setting, known] : words) {
+        SettingValue value;
+        if (!ParseSetting(*setting, known, &value, problem)) return false;
+        ForcePreference(cf(setting->key), ObjectOf(*setting, value), cf(settings_domain));
+    }
+    return true;
+}

@@ -1,0 +1,20 @@
+// How settings and their values are written.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "settings/settings_table.h"
+
+struct SettingState {
+    const Setting* setting;
+    SettingValue value;   // in effect
+    bool stored = false;  // and not the default
+};
+
+// The value alone: a number, or a string a line; empty for no string.
+std::string WriteValue(const SettingState& state);
+// A paragraph a setting: its key and value, then its default and meaning.
+std::string WriteSettings(const std::vector<SettingState>& states);
+// An array of {"key", "type", "value", "default", "bounds", "set", "meaning"}.
+std::string WriteSettingsJson(const std::vector<SettingState>& states);
