@@ -173,6 +173,7 @@ void fit_window(NSWindow* window, CardView* view) {
                                                  (card.area.height - 2 * pad) / NSHeight(shown)));
     const NSSize size = NSMakeSize(whole.width / scale, whole.height / scale);
     move_menu_window(window, whole);
+    tell_drawn_shadow(window, room);
     NSView* content = [window contentView];
     [content setBounds:NSMakeRect(NSMidX(shown) - size.width / 2, NSMidY(shown) - size.height / 2,
                                   size.width, size.height)];
@@ -216,6 +217,7 @@ void make_plain(NSWindow* window) {
     const double scale = menu_look(nil, server_resources()).scale;
     frame.size = NSMakeSize(std::round(base.width * scale), std::round(base.height * scale));
     [window setFrame:frame display:NO];
+    tell_drawn_shadow(window, 0);
     [content setBounds:NSMakeRect(0, 0, base.width, base.height)];
     [content setNeedsDisplay:YES];
 }

@@ -20,7 +20,7 @@ void set_level(NSWindow* self, SEL selector, NSInteger level) {
     reinterpret_cast<void (*)(id, SEL, NSInteger)>(stock_set_level)(self, selector, level);
     if (level <= NSPopUpMenuWindowLevel || !has_server_window(self)) return;
     // Menus are no window manager's, so a window above them cannot be one's either.
-    if ([self styleMask] == NSBorderlessWindowMask) free_from_window_manager(self);
+    if ([self styleMask] == NSBorderlessWindowMask) make_tip_window(self);
 }
 
 // Its level puts it above menus.

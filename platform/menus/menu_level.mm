@@ -70,6 +70,7 @@ void menu_level_t::put_on_screen() {
                                            level:this];
     [window_ setContentView:view_];
     if (!style_.composed) shape_menu_window(window_, style_.look.radius);
+    tell_drawn_shadow(window_, margin());
     place_views();
     shown_ = true;
     show_menu_window(window_);

@@ -40,6 +40,11 @@ void display_menu_window(NSWindow* window);
 
 // Takes a window that is not yet visible out of the window manager's hands.
 void free_from_window_manager(NSWindow* window);
+// The same for one that stands beside or above menus.
+void make_tip_window(NSWindow* window);
+// Says how far a shadow reaches that the window draws itself, as GTK's windows do: compositors
+// put none of their own around it then.
+void tell_drawn_shadow(NSWindow* window, int extent);
 // Cuts the window to these rectangles, which count from its upper left corner.
 void cut_window(NSWindow* window, const std::vector<area_t>& parts);
 

@@ -120,6 +120,7 @@ NSWindow* new_menu_window(const area_t& area) {
                                         defer:NO];
     [window setReleasedWhenClosed:NO];
     [window setExcludedFromWindowsMenu:YES];
+    [window setTitle:@"Menu"];
     [window setOpaque:NO];
     [window setBackgroundColor:[NSColor clearColor]];
     [window setLevel:NSPopUpMenuWindowLevel];
@@ -200,6 +201,18 @@ void show_menu_window(NSWindow* window) {
     raise_higher_windows([window level]);
     [window flushWindow];
     XFlush(display());
+}
+
+void make_tip_window(NSWindow* window) {
+    free_from_window_manager(window);
+    set_window_type(x_window(window), "_NET_WM_WINDOW_TYPE_TOOLTIP");
+}
+
+void tell_drawn_shadow(NSWindow* window, int extent) {
+    const Atom property = XInternAtom(display(), "_GTK_FRAME_EXTENTS", False);
+    const long sides[] = {extent, extent, extent, extent};
+    XChangeProperty(display(), x_window(window), property, XA_CARDINAL, 32, PropModeReplace,
+                    reinterpret_cast<const unsigned char*>(sides), 4);
 }
 
 void make_dialog_window(NSWindow* window) {

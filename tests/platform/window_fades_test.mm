@@ -4,10 +4,9 @@
 #include <QuartzCore/QuartzCore.h>
 #include <gtest/gtest.h>
 
+#include "support/announced_window.h"
 #include "support/app.h"
 #include "support/x_input.h"
-
-#include <X11/Xlib.h>  // after GoogleTest: it defines None and Bool
 
 @interface ColorView : NSView {
   @private
@@ -34,24 +33,6 @@ namespace {
 
 // A guard, not a measure of speed.
 const NSTimeInterval patience = 20;
-
-// What tells programs that a compositor runs.
-class Compositor {
-  public:
-    Compositor() : display_(XOpenDisplay(nullptr)) {
-        const ::Window window =
-            XCreateSimpleWindow(display_, DefaultRootWindow(display_), -1, -1, 1, 1, 0, 0, 0);
-        XSetSelectionOwner(display_, XInternAtom(display_, "_NET_WM_CM_S0", False), window,
-                           CurrentTime);
-        XSync(display_, False);
-    }
-    ~Compositor() { XCloseDisplay(display_); }
-    Compositor(const Compositor&) = delete;
-    Compositor& operator=(const Compositor&) = delete;
-
-  private:
-    Display* display_;
-};
 
 class WindowFades : public testing::Test {
   protected:
@@ -128,7 +109,7 @@ TEST_F(WindowFades, WithoutACompositorAWindowIsThereAndGoneAtOnce) {
 }
 
 TEST_F(WindowFades, WithACompositorAWindowFadesWhileMenusTrack) {
-    const Compositor compositor;
+    const test::Compositor compositor;
     [window_ setAlphaValue:0];
     show();
     [[window_ animator] setAlphaValue:1];
@@ -145,7 +126,7 @@ TEST_F(WindowFades, WithACompositorAWindowFadesWhileMenusTrack) {
 }
 
 TEST_F(WindowFades, TheLastOfTwoFadesHolds) {
-    const Compositor compositor;
+    const test::Compositor compositor;
     [window_ setAlphaValue:0.5];
     show();
     [[window_ animator] setAlphaValue:1];
@@ -154,7 +135,7 @@ TEST_F(WindowFades, TheLastOfTwoFadesHolds) {
 }
 
 TEST_F(WindowFades, AWindowThatGoesEndsItsFade) {
-    const Compositor compositor;
+    const test::Compositor compositor;
     @autoreleasepool {
         NSWindow* other = [[NSWindow alloc] initWithContentRect:NSMakeRect(0, 0, 10, 10)
                                                       styleMask:NSBorderlessWindowMask

@@ -1,0 +1,84 @@
+#include "support/announced_window.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+
+namespace test {
+
+namespace {
+
+std::vector<long> numbers_of(Display* display, Window window, const char* property) {
+    Atom type = None;
+    int format = 0;
+    unsigned long count = 0, left = 0;
+    unsigned char* data = nullptr;
+    XGetWindowProperty(display, window, XInternAtom(display, property, False), 0, 64, False,
+                       AnyPropertyType, &type, &format, &count, &left, &data);
+    std::vector<long> numbers;
+    if (data && format == 32) {
+        const long* first = reinterpret_cast<const long*>(data);
+        numbers.assign(first, first + count);
+    }
+    if (data) XFree(data);
+    return numbers;
+}
+
+std::string title_of(Display* display, Window window) {
+    XTextProperty text = {};
+    if (!XGetTextProperty(display, window, &text, XInternAtom(display, "_NET_WM_NAME", False))) {
+        return "";
+    }
+    const std::string title(reinterpret_cast<char*>(text.value), text.nitems);
+    XFree(text.value);
+    return title;
+}
+
+std::string name_of(Display* display, long atom) {
+    char* name = XGetAtomName(display, static_cast<Atom>(atom));
+    const std::string text = name ? name : "";
+    if (name) XFree(name);
+    return text;
+}
+
+long shadow_of(const std::vector<long>& extents) {
+    if (extents.size() != 4) return -1;
+    for (const long extent : extents) {
+        if (extent != extents[0]) return -1;
+    }
+    return extents[0];
+}
+
+}  // namespace
+
+std::vector<AnnouncedWindow> announced_windows() {
+    std::vector<AnnouncedWindow> announced;
+    Display* display = XOpenDisplay(nullptr);
+    Window root, parent, *windows = nullptr;
+    unsigned count = 0;
+    XQueryTree(display, DefaultRootWindow(display), &root, &parent, &windows, &count);
+    for (unsigned i = 0; i < count; i++) {
+        XWindowAttributes attributes = {};
+        XGetWindowAttributes(display, windows[i], &attributes);
+        const std::vector<long> types = numbers_of(display, windows[i], "_NET_WM_WINDOW_TYPE");
+        if (attributes.map_state != IsViewable || types.empty()) continue;
+        announced.push_back({title_of(display, windows[i]), name_of(display, types[0]),
+                             attributes.override_redirect != False,
+                             shadow_of(numbers_of(display, windows[i], "_GTK_FRAME_EXTENTS"))});
+    }
+    if (windows) XFree(windows);
+    XCloseDisplay(display);
+    return announced;
+}
+
+Compositor::Compositor() : display_(XOpenDisplay(nullptr)) {
+    const Window window =
+        XCreateSimpleWindow(display_, DefaultRootWindow(display_), -1, -1, 1, 1, 0, 0, 0);
+    XSetSelectionOwner(display_, XInternAtom(display_, "_NET_WM_CM_S0", False), window,
+                       CurrentTime);
+    XSync(display_, False);
+}
+
+Compositor::~Compositor() { XCloseDisplay(display_); }
+
+}  // namespace test
