@@ -29,8 +29,14 @@ struct Character {
 
 const uint16_t MIDDLE_DOT = 0xB7;
 
+// The most elements that one character stands for.
+const unsigned longest_sequence = 8;
+
 struct Tables {
     Character characters[256];
+    // The primary of a PLAIN or CONTEXTUAL character whose secondary is the usual one; 0 of others.
+    uint8_t simple[256];
+    uint8_t usual_secondary;
     Element sequences[512];
     // What a CONTEXTUAL character and the MIDDLE_DOT after it stand for.
     uint16_t contextual_first;

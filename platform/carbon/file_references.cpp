@@ -9,6 +9,7 @@
 
 #include <array>
 
+#include "carbon/folder_listing.h"
 #include "desktop/moments.h"
 
 namespace files {
@@ -46,19 +47,56 @@ Table& table() {
     return table;
 }
 
+// What a look has found.
+struct Seen {
+    mode_t mode;  // an entry of a listing has no permission bits
+    uint32_t device_major, device_minor;
+    bool has_information;
+    FinderInformation information;
+};
+
 // Looks at the path. False with errno set when there is nothing.
-bool look(const char* path, struct statx* status) {
-    return statx(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC,
-                 STATX_TYPE | STATX_MODE, status) == 0;
+bool look(const char* path, Seen* seen) {
+    struct statx status;
+    if (statx(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC,
+              STATX_TYPE | STATX_MODE, &status) != 0) {
+        return false;
+    }
+    seen->mode = status.stx_mode;
+    seen->device_major = status.stx_dev_major;
+    seen->device_minor = status.stx_dev_minor;
+    seen->has_information = false;
+    return true;
 }
 
-void remember(const struct statx& status, unsigned questions, File* file) {
-    file->mode = status.stx_mode;
-    file->device_major = status.stx_dev_major;
-    file->device_minor = status.stx_dev_minor;
-    file->seen_at = milliseconds_now();
+// What is known already of an entry of the folder that was just listed. Its Finder information,
+// which is asked for soon in any case, is read here if it was not; that it is not told may mean
+// that another file system begins at the entry.
+bool see_in_listing(const char* path, size_t length, int64_t now, Seen* seen) {
+    ListedEntry entry;
+    if (!take_listed_entry(path, length, now, &entry)) return false;
+    const bool is_link = entry.type == DT_LNK;
+    if (!is_link && entry.attribute == Attributes::UNKNOWN &&
+        (keeps_no_attributes(entry.device_major, entry.device_minor, now) ||
+         !read_finder_information(path, &entry.information))) {
+        return false;
+    }
+    seen->mode = is_link ? S_IFLNK : entry.type == DT_DIR ? S_IFDIR : S_IFREG;
+    seen->device_major = entry.device_major;
+    seen->device_minor = entry.device_minor;
+    seen->has_information = true;
+    seen->information = entry.information;
+    return true;
+}
+
+void remember(const Seen& seen, int64_t now, unsigned questions, File* file) {
+    file->mode = seen.mode;
+    file->device_major = seen.device_major;
+    file->device_minor = seen.device_minor;
+    file->seen_at = now;
     file->unanswered = questions;
-    file->knows_finder_information = false;
+    file->knows_finder_information = seen.has_information;
+    if (seen.has_information) file->finder_information = seen.information;
     file->knows_invisible = false;
 }
 
@@ -138,8 +176,11 @@ OSErr error_from_errno(int code) {
 
 OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef* ref,
                      mode_t* mode) {
-    struct statx status;
-    if (!look(path, &status)) return error_from_errno(errno);
+    Seen seen;
+    const int64_t now = milliseconds_now();
+    if (!see_in_listing(path, length, now, &seen) && !look(path, &seen)) {
+        return error_from_errno(errno);
+    }
 
     Table& all = table();
     const Reference reference = {all.process_key, ++all.last_generation};
@@ -147,8 +188,8 @@ OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef*
     file.generation = reference.generation;
     keep_path(path, length, &file);
     // Reading a link shows whether it is still there; a file that was no link needs another look.
-    if (!S_ISLNK(status.stx_mode)) questions &= ~static_cast<unsigned>(ALIAS);
-    remember(status, questions, &file);
+    if (!S_ISLNK(seen.mode)) questions &= ~static_cast<unsigned>(ALIAS);
+    remember(seen, now, questions, &file);
 
     memcpy(ref->hidden, &reference, sizeof reference);
     memset(ref->hidden + sizeof reference, 0, sizeof ref->hidden - sizeof reference);
@@ -162,10 +203,10 @@ File* file_for(const FSRef* ref, Question question, OSErr* error) {
     if (!known) return *error = fnfErr, nullptr;
     File& file = *known;
     if (!answers_from_last_look(&file, question)) {
-        struct statx status;
-        if (!look(file.path.c_str(), &status)) return *error = error_from_errno(errno), nullptr;
+        Seen seen;
+        if (!look(file.path.c_str(), &seen)) return *error = error_from_errno(errno), nullptr;
         // The other questions still belong to the look before.
-        remember(status, 0, &file);
+        remember(seen, milliseconds_now(), 0, &file);
     }
     *error = noErr;
     return &file;

@@ -22,23 +22,15 @@ struct Incapable {
     int64_t until;
 } incapable = {};
 
-bool is_incapable(const File& file) {
-    return incapable.until > file.seen_at && incapable.major == file.device_major &&
-           incapable.minor == file.device_minor;
-}
-
 // User attributes exist for plain files and folders only.
 bool may_have_attributes(const File& file) {
-    return (S_ISREG(file.mode) || S_ISDIR(file.mode)) && !is_incapable(file);
+    return (S_ISREG(file.mode) || S_ISDIR(file.mode)) &&
+           !keeps_no_attributes(file.device_major, file.device_minor, file.seen_at);
 }
 
 void read_attribute(File& file) {
-    FinderInformation& information = file.finder_information;
-    const ssize_t size =
-        lgetxattr(file.path.c_str(), attribute, information.bytes, sizeof information.bytes);
-    if (size == sizeof information.bytes) return;
-    memset(information.bytes, 0, sizeof information.bytes);
-    if (size < 0 && errno == EOPNOTSUPP) {
+    const bool told = read_finder_information(file.path.c_str(), &file.finder_information);
+    if (!told && errno == EOPNOTSUPP) {
         incapable = {file.device_major, file.device_minor, file.seen_at + 10 * one_moment};
     }
 }
@@ -46,6 +38,18 @@ void read_attribute(File& file) {
 const uint16_t invisible_flag = 0x4000;
 
 }  // namespace
+
+bool keeps_no_attributes(uint32_t device_major, uint32_t device_minor, int64_t now) {
+    return incapable.until > now && incapable.major == device_major &&
+           incapable.minor == device_minor;
+}
+
+bool read_finder_information(const char* path, FinderInformation* information) {
+    const ssize_t size = lgetxattr(path, attribute, information->bytes, sizeof information->bytes);
+    if (size == sizeof information->bytes) return true;
+    memset(information->bytes, 0, sizeof information->bytes);
+    return size >= 0 || errno == ENODATA;
+}
 
 const FinderInformation& finder_information(File& file) {
     if (file.knows_finder_information) return file.finder_information;

@@ -28,6 +28,13 @@ struct FinderInformation {
 // The file's Finder information, read at most once a look.
 const FinderInformation& finder_information(File& file);
 
+// The Finder information of what is at a path, read now. False when it cannot be told whether there
+// is anything.
+bool read_finder_information(const char* path, FinderInformation* information);
+
+// Whether a file system has lately said that it keeps no attributes.
+bool keeps_no_attributes(uint32_t device_major, uint32_t device_minor, int64_t now);
+
 // By the Finder's flag, or by the `.hidden` list of its folder.
 bool is_invisible(File& file);
 

@@ -1,8 +1,6 @@
 #include <Carbon/LaunchServices.h>
 
-#include <stdlib.h>
 #include <string.h>
-#include <strings.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -11,9 +9,9 @@
 
 #include "carbon/entries_of_files.h"
 #include "carbon/file_references.h"
+#include "carbon/link_targets.h"
 #include "corefoundation/name_string.h"
 #include "desktop/bundle_names.h"
-#include "desktop/glib_owners.h"
 #include "desktop/installed_applications.h"
 
 namespace {
@@ -21,26 +19,39 @@ namespace {
 using files::File;
 
 // Folders that are shown as one document or program.
-const char* const package_extensions[] = {
+const std::string_view package_extensions[] = {
     "app",   "appex",    "band",        "bundle",    "component",    "gorm",  "inspector",
     "kext",  "mpkg",     "mdimporter",  "nib",       "palette",      "pkg",   "plugin",
     "prefs", "prefpane", "qlgenerator", "rtfd",      "saver",        "scptd", "service",
     "theme", "wdgt",     "workflow",    "xcodeproj", "sparsebundle", "xpc",
 };
-const char* const application_extensions[] = {"app"};
+const std::string_view application_extensions[] = {"app"};
 
-// What follows the last dot of a name; null without one, and for names that only begin with one.
-const char* extension_of(const File& file) {
-    const char* name = file.name();
-    const char* dot = static_cast<const char*>(memrchr(name, '.', file.name_length()));
-    return dot && dot != name && dot[1] ? dot + 1 : nullptr;
-}
+// What follows the last dot of a name, in small letters; empty without one, for names that only
+// begin with one, and for what is longer than all extensions that mean anything here.
+class Extension {
+  public:
+    explicit Extension(const File& file) {
+        const char* name = file.name();
+        const char* end = name + file.name_length();
+        const auto* dot = static_cast<const char*>(memrchr(name, '.', file.name_length()));
+        if (!dot || dot == name || end - dot - 1 > static_cast<ptrdiff_t>(sizeof text_)) return;
+        for (const char* at = dot + 1; at != end; at++) {
+            text_[length_++] = static_cast<char>(*at >= 'A' && *at <= 'Z' ? *at + 'a' - 'A' : *at);
+        }
+    }
 
-template <size_t count>
-bool is_one_of(const char* extension, const char* const (&extensions)[count]) {
-    return extension && std::any_of(std::begin(extensions), std::end(extensions),
-                                    [=](auto known) { return !strcasecmp(known, extension); });
-}
+    template <size_t count>
+    bool is_one_of(const std::string_view (&extensions)[count]) const {
+        const std::string_view text(text_, length_);
+        return length_ && std::find(std::begin(extensions), std::end(extensions), text) !=
+                              std::end(extensions);
+    }
+
+  private:
+    char text_[16];
+    size_t length_ = 0;
+};
 
 // What is at the end of a symbolic link; of anything else, it itself. 0 where there is nothing.
 mode_t mode_at_end(const File& file) {
@@ -62,11 +73,11 @@ const uint16_t has_bundle_flag = 0x2000;
 const OSType application_type = 0x4150504C;  // 'APPL'
 
 LSItemInfoFlags folder_flags(File& file) {
-    const char* extension = extension_of(file);
-    if (is_one_of(extension, application_extensions)) {
+    const Extension extension(file);
+    if (extension.is_one_of(application_extensions)) {
         return kLSItemInfoIsContainer | kLSItemInfoIsPackage | kLSItemInfoIsApplication;
     }
-    const bool package = is_one_of(extension, package_extensions) ||
+    const bool package = extension.is_one_of(package_extensions) ||
                          (files::finder_information(file).flags() & has_bundle_flag);
     return kLSItemInfoIsContainer | (package ? kLSItemInfoIsPackage : 0);
 }
@@ -79,26 +90,41 @@ LSItemInfoFlags kind_flags(File& file) {
     return kLSItemInfoIsPlainFile | (application ? kLSItemInfoIsApplication : 0);
 }
 
-// Whether the link leads to an application, through however many links.
-bool leads_to_application(const File& file) {
-    const files::TextOwner target(realpath(file.path.c_str(), nullptr));
-    if (!target) return false;
-    File end = {};
-    end.path = target.get();
-    const size_t slash = end.path.rfind('/');
-    end.name_offset = end.path.size() > 1 ? static_cast<uint32_t>(slash) + 1 : 0;
+// As many as the kernel follows.
+const int most_links = 40;
+
+// From a link to what it names. False when there is nothing.
+bool follow_link(File* file) {
+    file->path = files::link_target(*file);
     struct stat status;
-    if (stat(target.get(), &status) != 0) return false;
-    if (S_ISDIR(status.st_mode)) return is_one_of(extension_of(end), application_extensions);
-    if (!S_ISREG(status.st_mode)) return false;
-    if (files::is_running_application(end.path)) return true;
-    return is_named_as_entry(end) &&
-           files::desktop_entry_at(end.path).standing != files::Standing::document;
+    if (file->path.empty() || lstat(file->path.c_str(), &status) != 0) return false;
+    file->name_offset =
+        file->path.size() > 1 ? static_cast<uint32_t>(file->path.rfind('/')) + 1 : 0;
+    file->mode = status.st_mode;
+    return true;
 }
 
-bool is_application(File& file) {
+// Whether the link leads to an application, through however many links.
+bool leads_to_application(const File& file) {
+    File end = {};
+    end.path = file.path;
+    end.name_offset = file.name_offset;
+    end.mode = file.mode;
+    for (int links = 0; S_ISLNK(end.mode); links++) {
+        if (links == most_links || !follow_link(&end)) return false;
+    }
+    if (S_ISDIR(end.mode)) return Extension(end).is_one_of(application_extensions);
+    if (!S_ISREG(end.mode)) return false;
+    const bool entry = is_named_as_entry(end);
+    if (!entry && !files::knows_running_applications()) return false;
+    const std::string path = files::real_path(end.path);
+    if (files::is_running_application(path)) return true;
+    return entry && files::desktop_entry_at(path).standing != files::Standing::document;
+}
+
+bool is_application(const File& file, LSItemInfoFlags flags) {
     return S_ISLNK(file.mode) ? leads_to_application(file)
-                              : (kind_flags(file) & kLSItemInfoIsApplication) != 0;
+                              : (flags & kLSItemInfoIsApplication) != 0;
 }
 
 // The name that an application gives itself; null for what is none, or is not believed.
@@ -109,7 +135,7 @@ CFStringRef copy_own_name(const File& file) {
         if (!believed || entry.name.empty()) return nullptr;
         return CreateNameString(entry.name.data(), entry.name.size());
     }
-    const bool bundle = is_one_of(extension_of(file), application_extensions) &&
+    const bool bundle = Extension(file).is_one_of(application_extensions) &&
                         S_ISDIR(mode_at_end(file)) && files::is_believed_bundle(file.path);
     return bundle ? files::copy_bundle_name(file.path.c_str()) : nullptr;
 }
@@ -123,13 +149,14 @@ OSStatus LSCopyItemInfoForRef(const FSRef* ref, LSRequestedInfo which, LSItemInf
     if (!file) return error;
 
     *info = {};
+    const LSItemInfoFlags flags = kind_flags(*file);
     if (which & kLSRequestTypeCreator) {
         const files::FinderInformation& finder = files::finder_information(*file);
         info->filetype = finder.type();
         info->creator = finder.creator();
-        if (is_application(*file)) info->filetype = application_type;
+        if (is_application(*file, flags)) info->filetype = application_type;
     }
-    if (which & (kLSRequestAllFlags | kLSRequestAppTypeFlags)) info->flags = kind_flags(*file);
+    if (which & (kLSRequestAllFlags | kLSRequestAppTypeFlags)) info->flags = flags;
     if ((which & kLSRequestAllFlags) && files::is_invisible(*file)) {
         info->flags |= kLSItemInfoIsInvisible;
     }
@@ -144,7 +171,7 @@ OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name) {
     if (!file) return error;
 
     *name = copy_own_name(*file);
-    if (!*name) *name = CreateNameString(file->name(), file->name_length());
+    if (!*name) *name = CreatePassingNameString(file->name(), file->name_length());
     if (!*name) return kLSUnknownErr;
     return noErr;
 }

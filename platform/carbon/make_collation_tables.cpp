@@ -64,6 +64,7 @@ class Builder {
 
     void fill(Tables* tables) {
         for (int unit = 0; unit < 256; unit++) fill_character(unit, tables);
+        fill_simple(tables);
         tables->contextual_first = next_;
         tables->contextual_count = append(all_[256], tables);
         tables->lowest_digit = element(all_[int{'0'}][0]).primary;
@@ -105,6 +106,16 @@ class Builder {
         character.count = append(weights, tables);
     }
 
+    void fill_simple(Tables* tables) const {
+        tables->usual_secondary = tables->characters[int{'a'}].element.secondary;
+        for (int unit = 0; unit < 256; unit++) {
+            const Character& character = tables->characters[unit];
+            const bool is_one = character.kind == PLAIN || character.kind == CONTEXTUAL;
+            const bool is_usual = character.element.secondary == tables->usual_secondary;
+            tables->simple[unit] = is_one && is_usual ? character.element.primary : 0;
+        }
+    }
+
     Kind kind_of(int unit, const Weights& weights) const {
         if (weights.size() != 1 || !weights[0].primary) return SEQUENCE;
         if (unit >= '0' && unit <= '9') return DIGIT;
@@ -115,6 +126,9 @@ class Builder {
     }
 
     uint8_t append(const Weights& weights, Tables* tables) {
+        if (weights.size() > longest_sequence) {
+            throw std::length_error("a character stands for more elements than a key has room for");
+        }
         if (next_ + weights.size() > std::size(tables->sequences)) {
             throw std::length_error("more elements than the table has room for");
         }
@@ -128,6 +142,8 @@ class Builder {
 };
 
 void print(const Element& element) { printf("{%d,%d}", element.primary, element.secondary); }
+
+void print(uint8_t number) { printf("%d", number); }
 
 void print(const Character& character) {
     printf("{static_cast<Kind>(%d),%d,%d,", character.kind, character.count, character.first);
@@ -149,6 +165,8 @@ void print(const Tables& tables) {
     printf("#include \"carbon/collation_tables.h\"\n\n");
     printf("const collation::Tables collation::tables = {\n");
     print(tables.characters);
+    print(tables.simple);
+    printf("%d,\n", tables.usual_secondary);
     print(tables.sequences);
     printf("%d, %d, %d, %d};\n", tables.contextual_first, tables.contextual_count,
            tables.lowest_digit, tables.highest_digit);

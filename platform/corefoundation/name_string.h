@@ -14,6 +14,7 @@
     NSUInteger _size;
     unichar* _units;  // in this object; null for ASCII
     char* _bytes;     // in this object
+    BOOL _isPassing;  // has room for any name, and is used again
 }
 // The UTF-8 bytes, with a NUL after the last, and how many there are without it.
 - (const char*)bytes;
@@ -29,3 +30,7 @@ bool IsNameString(NSString* string);
 
 // The string of these UTF-8 bytes, null when they are not UTF-8. The caller releases it.
 CFStringRef CreateNameString(const char* bytes, size_t length);
+
+// The same, for a string that is most likely released before the next one is made: its memory is
+// kept for that.
+CFStringRef CreatePassingNameString(const char* bytes, size_t length);

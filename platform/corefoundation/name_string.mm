@@ -3,8 +3,16 @@
 #include <string.h>
 #include <unicode/ustring.h>
 
+#include <atomic>
+
 // A name of a file has at most 255 bytes; a longer text goes the usual way.
 static const size_t longest_text = 1024;
+
+// Room for a name of 255 bytes and its units.
+static const size_t passing_size = 255 * (1 + sizeof(unichar));
+
+// The string that was released last of those made for a moment.
+static std::atomic<void*> released{nullptr};
 
 @implementation NameString
 
@@ -16,6 +24,7 @@ static const size_t longest_text = 1024;
     _length = length;
     _size = size;
     _bytes = (char*)object_getIndexedIvars(self);
+    _units = nullptr;
     if (units) {
         _units = (unichar*)_bytes;
         _bytes += length * sizeof(unichar);
@@ -24,6 +33,16 @@ static const size_t longest_text = 1024;
     memcpy(_bytes, bytes, size);
     _bytes[size] = 0;
     return self;
+}
+
+- (void)setIsPassing {
+    _isPassing = YES;
+}
+
+- (void)dealloc {
+    void* none = nullptr;
+    if (_isPassing && released.compare_exchange_strong(none, self)) return;
+    [super dealloc];
 }
 
 - (const char*)bytes {
@@ -91,15 +110,24 @@ static NameString* allocate(size_t text_size) {
     return (NameString*)NSAllocateObject(name_class(), text_size + 1, nullptr);
 }
 
+static NameString* allocate_passing(size_t text_size) {
+    if (text_size > passing_size) return allocate(text_size);
+    NameString* name = (NameString*)released.exchange(nullptr);
+    if (name) return name;
+    name = allocate(passing_size);
+    [name setIsPassing];
+    return name;
+}
+
 static bool is_ascii(const char* bytes, size_t size) {
     unsigned char all = 0;
     for (size_t i = 0; i < size; i++) all |= (unsigned char)bytes[i];
     return all < 0x80;
 }
 
-CFStringRef CreateNameString(const char* bytes, size_t size) {
+static CFStringRef create(const char* bytes, size_t size, NameString* (*allocate_for)(size_t)) {
     if (is_ascii(bytes, size)) {
-        NameString* name = allocate(size);
+        NameString* name = allocate_for(size);
         return (CFStringRef)[name initWithBytes:bytes size:size units:nullptr count:size];
     }
     if (size > longest_text) {
@@ -114,9 +142,17 @@ CFStringRef CreateNameString(const char* bytes, size_t size) {
     if (U_FAILURE(error)) return nullptr;
 
     const NSUInteger count = (NSUInteger)length;
-    NameString* name = allocate(count * sizeof(unichar) + size);
+    NameString* name = allocate_for(count * sizeof(unichar) + size);
     return (CFStringRef)[name initWithBytes:bytes
                                        size:size
                                       units:(const unichar*)units
                                       count:count];
+}
+
+CFStringRef CreateNameString(const char* bytes, size_t size) {
+    return create(bytes, size, allocate);
+}
+
+CFStringRef CreatePassingNameString(const char* bytes, size_t size) {
+    return create(bytes, size, allocate_passing);
 }

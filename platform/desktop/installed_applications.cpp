@@ -226,7 +226,11 @@ void note_running_applications(const std::vector<std::string>& paths) {
     running_paths() = {paths.begin(), paths.end()};
 }
 
-bool is_running_application(const std::string& path) { return running_paths().contains(path); }
+bool knows_running_applications() { return !running_paths().empty(); }
+
+bool is_running_application(const std::string& path) {
+    return knows_running_applications() && running_paths().contains(path);
+}
 
 const InstalledApplication* application_with_id(const std::string& id) {
     const std::vector<InstalledApplication>& all = installed_applications();

@@ -36,6 +36,7 @@ bool is_in_declared_folder(const std::string& path);
 // What the programs belong to that run now: entries, bundles, or the programs themselves. Each
 // call replaces what was noted before.
 void note_running_applications(const std::vector<std::string>& paths);
+bool knows_running_applications();
 bool is_running_application(const std::string& path);
 
 // The entry at `path`, wherever it stands. False when it is no application's.

@@ -4,6 +4,7 @@
 
 #include <string.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -169,4 +170,49 @@ TEST(NameStrings, KeepOtherCharactersAndRefuseWhatIsNotUtf8) {
     for (const char* bad : {"\xFF", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF5\x80\x80\x80"}) {
         EXPECT_EQ(name(bad), nullptr);
     }
+}
+
+TEST(PassingNames, AreEachTheirOwnTextAlsoInMemoryUsedAgain) {
+    for (const std::string text :
+         {"a long name that was there before.txt", "b", "d\u00E9j\u00E0 vu"}) {
+        CFStringRef passing = CreatePassingNameString(text.data(), text.size());
+        EXPECT_STREQ([(NSString*)passing UTF8String], text.c_str());
+        CFRelease(passing);
+    }
+}
+
+TEST(PassingNames, OneThatIsKeptStaysWhatItIs) {
+    NSString* kept = (NSString*)CreatePassingNameString("kept", 4);
+    [kept retain];
+    [kept release];
+    CFStringRef next = CreatePassingNameString("next", 4);
+    EXPECT_STREQ([kept UTF8String], "kept");
+    CFRelease(next);
+    [kept release];
+}
+
+TEST(PassingNames, MayBeLongerThanANameOfAFile) {
+    const std::string text(3000, 'x');
+    CFStringRef passing = CreatePassingNameString(text.data(), text.size());
+    EXPECT_EQ(CFStringGetLength(passing), 3000);
+    CFRelease(passing);
+}
+
+TEST(PassingNames, AreMadeAndReleasedByManyThreads) {
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int i = 0; i < 4; i++) {
+        threads.emplace_back([i, &wrong] {
+            const std::string text(static_cast<size_t>(20 + i), static_cast<char>('a' + i));
+            for (int round = 0; round < 5000; round++) {
+                CFStringRef passing = CreatePassingNameString(text.data(), text.size());
+                char bytes[64] = "";
+                CFStringGetCString(passing, bytes, sizeof bytes, kCFStringEncodingUTF8);
+                if (text != bytes) wrong++;
+                CFRelease(passing);
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, 0);
 }

@@ -18,6 +18,6 @@ std::vector<std::string> test::take_scanned_folders() {
 extern "C" int scandir(const char* path, dirent*** list, int (*filter)(const dirent*),
                        int (*compare)(const dirent**, const dirent**)) {
     scanned.push_back(path);
-    static auto* next = reinterpret_cast<decltype(&scandir)>(dlsym(RTLD_NEXT, "scandir"));
+    static auto* next = reinterpret_cast<decltype(&scandir)>(dlsym(RTLD_NEXT, "ScanFolder"));
     return next(path, list, filter, compare);
 }

@@ -1,4 +1,5 @@
-// In front of scandir: the paths of the folders that have been read, with their slashes.
+// In front of the platform's scandir: the paths of the folders that have been read, with their
+// slashes.
 #pragma once
 
 #include <string>

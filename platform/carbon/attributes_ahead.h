@@ -1,0 +1,58 @@
+// The Finder information of a folder's entries, read by a thread of its own while the entries are
+// sorted: by names relative to the folder and in the folder's own order, which the kernel answers
+// sooner than whole paths in the order of names.
+#pragma once
+
+#include <dirent.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "carbon/finder_information.h"
+
+namespace files {
+
+class Attributes {
+  public:
+    enum State { UNKNOWN, NONE, SOME };
+
+    State state(size_t index) const {
+        if (index >= read_.size() || read_[index] < 0) return UNKNOWN;
+        return read_[index] == 0 ? NONE : SOME;
+    }
+    // Where there is SOME.
+    const FinderInformation& information(size_t index) const {
+        return found_[static_cast<size_t>(read_[index] - 1)];
+    }
+
+    void add_unknown() { read_.push_back(-1); }
+    void add(const FinderInformation& information);
+
+  private:
+    std::vector<int32_t> read_;  // -1: unknown, 0: none, otherwise one more than a place in found_
+    std::vector<FinderInformation> found_;
+};
+
+class AttributesAhead {
+  public:
+    // Starts to read, unless the folder is small. The entries stay until finish().
+    AttributesAhead(const char* folder, const dirent* const* entries, size_t count);
+    ~AttributesAhead() { finish(); }
+    AttributesAhead(const AttributesAhead&) = delete;
+    AttributesAhead& operator=(const AttributesAhead&) = delete;
+
+    // Of each entry, in the order in which they stood.
+    Attributes finish();
+
+  private:
+    void read(const std::vector<const dirent*>& entries);
+
+    std::string folder_;
+    Attributes attributes_;
+    std::thread thread_;
+};
+
+}  // namespace files

@@ -1,0 +1,20 @@
+// Sort keys of names: bytes whose order is the order of the names.
+#pragma once
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "carbon/collation_tables.h"
+
+namespace collation {
+
+// In bytes. An element takes two.
+const size_t longest_name = 255;
+const size_t longest_key = longest_name * longest_sequence * 2 + 1;
+
+// Writes the key of a name, each byte of which is a character of that value, and returns its end.
+// Keys compare as UCCompareTextDefault compares the names, but for two things that no key tells: a
+// number beside superscripts or fractions, and the letter l before a middle dot.
+uint8_t* write_key(const char* name, size_t length, uint8_t* key);
+
+}  // namespace collation

@@ -1,0 +1,18 @@
+// The order of a folder's entries.
+#pragma once
+
+#include <dirent.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include <vector>
+
+namespace files {
+
+using EntryComparison = int (*)(const dirent**, const dirent**);
+
+// Sorts as a stable sort with `compare` does, and returns where each entry stood before. Where that
+// compares names as UCCompareTextDefault does, it is called but once an entry.
+std::vector<uint32_t> sort_entries(dirent** entries, size_t count, EntryComparison compare);
+
+}  // namespace files

@@ -1,0 +1,58 @@
+// What the last scandir saw, for the looks at its entries that follow at once.
+//
+// An entry's kind and Finder information are told one time, in the order in which scandir gave the
+// names, and only as long as the folder is seen to be what it was: a folder's change time moves
+// whenever a name in it comes, goes or is given to another file. Nothing is kept open. Main thread.
+#pragma once
+
+#include <dirent.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#include <string>
+#include <vector>
+
+#include "carbon/attributes_ahead.h"
+
+namespace files {
+
+// Which folder stands at a path, and when it changed.
+struct FolderState {
+    uint64_t inode;
+    uint32_t device_major, device_minor;
+    int64_t changed_seconds;
+    uint32_t changed_nanoseconds;
+
+    bool operator==(const FolderState&) const = default;
+};
+
+class FolderListing {
+  public:
+    // Before the folder is read.
+    explicit FolderListing(const char* path);
+
+    // Whether it can be kept: the path is absolute, with a slash at its end, and what changes from
+    // now on will show.
+    bool is_wanted() const { return !folder_.empty(); }
+
+    // After it was read; before[i] is where entries[i] stands among the attributes.
+    void keep(const dirent* const* entries, const std::vector<uint32_t>& before,
+              Attributes attributes);
+
+  private:
+    std::string folder_;
+    FolderState state_ = {};
+};
+
+// What the last listing says about an entry.
+struct ListedEntry {
+    unsigned char type;  // DT_REG, DT_DIR, DT_LNK
+    uint32_t device_major, device_minor;
+    Attributes::State attribute;
+    FinderInformation information;  // where the attribute is known
+};
+
+// The next entry of the last listing, if this is its path.
+bool take_listed_entry(const char* path, size_t length, int64_t now, ListedEntry* entry);
+
+}  // namespace files

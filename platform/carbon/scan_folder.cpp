@@ -1,0 +1,35 @@
+#include <dirent.h>
+
+#include <numeric>
+#include <vector>
+
+#include "carbon/attributes_ahead.h"
+#include "carbon/entry_order.h"
+#include "carbon/folder_listing.h"
+
+namespace {
+
+// The C library's own.
+extern "C" int scan_unsorted(const char* path, dirent*** list, int (*filter)(const dirent*),
+                             files::EntryComparison compare) __asm__("scandir");
+
+std::vector<uint32_t> sort(dirent** entries, size_t count, files::EntryComparison compare) {
+    if (compare) return files::sort_entries(entries, count, compare);
+    std::vector<uint32_t> unchanged(count);
+    std::iota(unchanged.begin(), unchanged.end(), 0U);
+    return unchanged;
+}
+
+}  // namespace
+
+int scandir(const char* path, dirent*** list, int (*filter)(const dirent*),
+            int (*compare)(const dirent**, const dirent**)) {
+    files::FolderListing listing(path);
+    const int found = scan_unsorted(path, list, filter, nullptr);
+    if (found <= 0) return found;
+    const auto count = static_cast<size_t>(found);
+    files::AttributesAhead attributes(path, *list, listing.is_wanted() ? count : 0);
+    const std::vector<uint32_t> before = sort(*list, count, compare);
+    listing.keep(*list, before, attributes.finish());
+    return found;
+}

@@ -1,0 +1,234 @@
+#include <Carbon/Carbon.h>
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "carbon/folder_listing.h"
+#include "desktop/moments.h"
+#include "platform/carbon/file_questions.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using test::reference;
+
+// A folder's change time does not tell two changes within one tick of the clock apart.
+bool has_changed_in_this_tick(const std::string& folder) {
+    struct stat status;
+    timespec now;
+    EXPECT_EQ(stat(folder.c_str(), &status), 0);
+    clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    return std::pair(status.st_ctim.tv_sec, status.st_ctim.tv_nsec) >=
+           std::pair(now.tv_sec, now.tv_nsec);
+}
+
+// The names in order, as the plug-in reads them.
+std::vector<std::string> read(const std::string& folder) {
+    dirent** entries = nullptr;
+    const int count = scandir((folder + "/").c_str(), &entries, nullptr, alphasort);
+    std::vector<std::string> names;
+    for (int i = 0; i < count; i++) {
+        if (entries[i]->d_name[0] != '.') names.push_back(entries[i]->d_name);
+        free(entries[i]);
+    }
+    free(entries);
+    return names;
+}
+
+// The same, and all looks at them that follow have a listing.
+std::vector<std::string> list(const std::string& folder) {
+    while (has_changed_in_this_tick(folder)) usleep(1000);
+    return read(folder);
+}
+
+// A listed folder is looked at again with each tick of the clock.
+void let_the_clock_tick() {
+    const int64_t now = files::milliseconds_now();
+    while (files::milliseconds_now() == now) usleep(1000);
+}
+
+bool take(const std::string& path, files::ListedEntry* entry) {
+    return files::take_listed_entry(path.c_str(), path.size(), files::milliseconds_now(), entry);
+}
+
+OSStatus make(const std::string& path, FSRef* ref, Boolean* is_directory) {
+    return FSPathMakeRef(reinterpret_cast<const UInt8*>(path.c_str()), ref, is_directory);
+}
+
+bool is_directory(const std::string& path) {
+    FSRef ref;
+    Boolean result = false;
+    EXPECT_EQ(make(path, &ref, &result), noErr) << path;
+    return result;
+}
+
+UInt16 finder_flags(const std::string& path) {
+    const FSRef ref = reference(path);
+    FSCatalogInfo info = {};
+    EXPECT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoFinderInfo, &info, nullptr, nullptr, nullptr),
+              noErr);
+    FileInfo finder;
+    memcpy(&finder, info.finderInfo, sizeof finder);
+    return finder.finderFlags;
+}
+
+}  // namespace
+
+TEST(FolderListing, TellsEachEntryOnceInItsOrder) {
+    test::TempFolder folder;
+    folder.file("file");
+    folder.folder("folder");
+    folder.link("link", "nowhere");
+    list(folder.path());
+    files::ListedEntry entry;
+    ASSERT_TRUE(take(folder.path("file"), &entry));
+    EXPECT_EQ(entry.type, DT_REG);
+    EXPECT_FALSE(take(folder.path("file"), &entry));
+    ASSERT_TRUE(take(folder.path("folder"), &entry));
+    EXPECT_EQ(entry.type, DT_DIR);
+    ASSERT_TRUE(take(folder.path("link"), &entry));
+    EXPECT_EQ(entry.type, DT_LNK);
+    EXPECT_FALSE(take(folder.path("link"), &entry));
+}
+
+TEST(FolderListing, HiddenNamesMayBeLeftOut) {
+    test::TempFolder folder;
+    folder.file("!first");
+    folder.file(".hidden one");
+    folder.file(".hidden two");
+    folder.file("last");
+    files::ListedEntry entry;
+    list(folder.path());
+    EXPECT_TRUE(take(folder.path("!first"), &entry));
+    EXPECT_TRUE(take(folder.path("last"), &entry));
+    list(folder.path());
+    EXPECT_TRUE(take(folder.path("!first"), &entry));
+    EXPECT_TRUE(take(folder.path(".hidden one"), &entry));
+    EXPECT_TRUE(take(folder.path(".hidden two"), &entry));
+    EXPECT_TRUE(take(folder.path("last"), &entry));
+}
+
+TEST(FolderListing, AnotherPathBetweenTwoEntriesDoesNotDisturbIt) {
+    test::TempFolder folder;
+    folder.file(".hidden");
+    folder.file("a");
+    folder.file("b");
+    folder.file("c");
+    list(folder.path());
+    files::ListedEntry entry;
+    EXPECT_TRUE(take(folder.path("a"), &entry));
+    EXPECT_FALSE(take(folder.path("c"), &entry));
+    EXPECT_FALSE(take("/usr", &entry));
+    EXPECT_FALSE(take(folder.path("b/below"), &entry));
+    EXPECT_FALSE(take(folder.path(), &entry));
+    EXPECT_TRUE(take(folder.path("b"), &entry));
+}
+
+TEST(FolderListing, AnEntryThatHasBecomeAnotherIsSeenAsWhatItIsNow) {
+    test::TempFolder folder;
+    folder.file("first");
+    folder.file("second");
+    list(folder.path());
+    EXPECT_FALSE(is_directory(folder.path("first")));
+    ASSERT_EQ(unlink(folder.path("second").c_str()), 0);
+    folder.folder("second");
+    let_the_clock_tick();
+    EXPECT_TRUE(is_directory(folder.path("second")));
+}
+
+TEST(FolderListing, AnEntryThatHasGoneHasNoReference) {
+    test::TempFolder folder;
+    folder.file("first");
+    folder.file("second");
+    list(folder.path());
+    ASSERT_EQ(unlink(folder.path("first").c_str()), 0);
+    FSRef ref;
+    Boolean directory;
+    EXPECT_EQ(make(folder.path("first"), &ref, &directory), fnfErr);
+    EXPECT_EQ(make(folder.path("second"), &ref, &directory), noErr);
+}
+
+TEST(FolderListing, AFolderPutInThePlaceOfTheListedOneIsNotTakenForIt) {
+    test::TempFolder folder;
+    folder.file("listed/a");
+    folder.file("listed/b");
+    folder.folder("other/a");
+    folder.folder("other/b");
+    list(folder.path("listed"));
+    EXPECT_FALSE(is_directory(folder.path("listed/a")));
+    fs::rename(folder.path("listed"), folder.path("away"));
+    fs::rename(folder.path("other"), folder.path("listed"));
+    let_the_clock_tick();
+    EXPECT_TRUE(is_directory(folder.path("listed/b")));
+}
+
+TEST(FolderListing, AFolderThatHasJustChangedIsNotKept) {
+    test::TempFolder folder;
+    folder.file("first");
+    bool tried = false;
+    for (int attempt = 0; attempt < 1000 && !tried; attempt++) {
+        ASSERT_EQ(chmod(folder.path().c_str(), 0700), 0);
+        read(folder.path());
+        tried = has_changed_in_this_tick(folder.path());
+        files::ListedEntry entry;
+        if (tried) EXPECT_FALSE(take(folder.path("first"), &entry));
+    }
+    EXPECT_TRUE(tried);
+}
+
+TEST(FolderListing, NothingIsKeptOpen) {
+    test::TempFolder folder;
+    folder.file("file");
+    list(folder.path());
+    for (const auto& open : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        EXPECT_NE(fs::read_symlink(open, gone), folder.path());
+    }
+}
+
+TEST(FolderListing, FinderInformationOfALargeFolderIsThatOfEachEntry) {
+    test::TempFolder folder;
+    folder.file("probe");
+    if (!folder.finder_info("probe", 0)) GTEST_SKIP() << "no extended attributes here";
+    for (unsigned i = 0; i < 1000; i++) {
+        const std::string name = "entry " + std::to_string(i);
+        switch (i % 4) {
+            case 0:
+                folder.link(name, "nowhere");
+                continue;
+            case 1:
+                folder.folder(name);
+                break;
+            default:
+                folder.file(name);
+        }
+        if (i % 3 == 0) ASSERT_TRUE(folder.finder_info(name, i % 8 << 1));
+    }
+    for (const std::string& name : list(folder.path())) {
+        if (name == "probe") continue;
+        const unsigned i = static_cast<unsigned>(std::stoul(name.substr(6)));
+        const unsigned label = i % 4 != 0 && i % 3 == 0 ? i % 8 : 0;
+        EXPECT_EQ((finder_flags(folder.path(name)) & kColor) >> 1, label) << name;
+        EXPECT_EQ((finder_flags(folder.path(name)) & kIsAlias) != 0, i % 4 == 0) << name;
+    }
+}
+
+TEST(FolderListing, ReadingALargeFolderLeavesTheCurrentFolder) {
+    test::TempFolder folder;
+    for (int i = 0; i < 1000; i++) folder.file(std::to_string(i));
+    const fs::path before = fs::current_path();
+    EXPECT_EQ(list(folder.path()).size(), 1000u);
+    EXPECT_EQ(fs::current_path(), before);
+}
