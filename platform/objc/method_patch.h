@@ -23,6 +23,11 @@ void patch_methods(const method_patch_t (&patches)[count]) {
     patch_methods(patches, count);
 }
 
+// Gives a method of the class, or metaclass, another implementation. For a class that nobody has
+// used yet, GNU's run time would write it into the table that all such classes share: the first
+// message of that name to any of them would go there, and the class would never be initialized.
+void set_implementation(Class owner, Method method, IMP implementation);
+
 // Rebuilds the dispatch table of a class, or metaclass, and of all classes that inherit from it:
 // GNU's run time leaves inherited implementations in them when a method's implementation changes.
 void refresh_dispatch(Class owner);

@@ -3,6 +3,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+// libobjc's: the one table of all classes that nobody has used yet.
+extern "C" void* __objc_uninstalled_dtable;
+
 namespace {
 
 void unused_method(id, SEL) {}
@@ -14,14 +17,27 @@ struct class_record_t {
     const char* name;
     long version;
     unsigned long info;
+    long instance_size;
+    void* variables;
+    void* methods;
+    void* dispatch_table;
 };
 constexpr unsigned long under_construction = 0x10;
+
+// A method's record, which is the run time's interface to compilers.
+struct method_record_t {
+    SEL name;
+    const char* types;
+    IMP implementation;
+};
+
+class_record_t* record_of(Class owner) { return reinterpret_cast<class_record_t*>(owner); }
 
 // clang sets a flag in each metaclass that this run time reads as "under construction", and to
 // such a class it adds methods without telling the dispatch tables.
 void finish_construction(Class owner) {
     if (!class_isMetaClass(owner)) return;
-    reinterpret_cast<class_record_t*>(owner)->info &= ~under_construction;
+    record_of(owner)->info &= ~under_construction;
 }
 
 // class_getInstanceMethod would initialize the class.
@@ -54,7 +70,11 @@ void patch_method(const method_patch_t& patch) {
     IMP original = method_getImplementation(method);
     // Told first: another thread may enter the new one as soon as it is there.
     if (patch.original) *patch.original = original;
-    class_replaceMethod(owner, selector, patch.implementation, method_getTypeEncoding(method));
+    if (Method own = own_method(owner, selector)) {
+        set_implementation(owner, own, patch.implementation);
+    } else {
+        class_addMethod(owner, selector, patch.implementation, method_getTypeEncoding(method));
+    }
     refresh_dispatch(owner);
 }
 
@@ -62,6 +82,14 @@ void patch_method(const method_patch_t& patch) {
 
 void patch_methods(const method_patch_t* patches, unsigned count) {
     for (unsigned i = 0; i < count; i++) patch_method(patches[i]);
+}
+
+void set_implementation(Class owner, Method method, IMP implementation) {
+    if (record_of(owner)->dispatch_table == __objc_uninstalled_dtable) {
+        reinterpret_cast<method_record_t*>(method)->implementation = implementation;
+    } else {
+        method_setImplementation(method, implementation);
+    }
 }
 
 void refresh_dispatch(Class owner) {

@@ -37,8 +37,11 @@ Class owner_of(Method method) {
 
 extern "C" void MacMethodExchangeImplementations(Method first, Method second) {
     if (!first || !second) return;
-    method_exchangeImplementations(first, second);
     Class owner = owner_of(first), other = owner_of(second);
-    if (owner) refresh_dispatch(owner);
-    if (other && other != owner) refresh_dispatch(other);
+    if (!owner || !other) return method_exchangeImplementations(first, second);
+    const IMP implementation = method_getImplementation(first);
+    set_implementation(owner, first, method_getImplementation(second));
+    set_implementation(other, second, implementation);
+    refresh_dispatch(owner);
+    if (other != owner) refresh_dispatch(other);
 }

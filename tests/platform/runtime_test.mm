@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "objc/method_patch.h"
 #include "support/app.h"
 
 static std::string trail;
@@ -59,7 +60,34 @@ static std::string trail;
 }
 @end
 
+// Nobody uses these before their methods are replaced.
+static int initialized_classes = 0;
+@interface UnusedClass : NSObject
++ (int)unusedNumber;
+@end
+@implementation UnusedClass
++ (void)initialize {
+    initialized_classes++;
+}
++ (int)unusedNumber {
+    return 1;
+}
+@end
+@interface OtherUnusedClass : NSObject
++ (int)unusedNumber;
+@end
+@implementation OtherUnusedClass
++ (void)initialize {
+    initialized_classes++;
+}
++ (int)unusedNumber {
+    return 2;
+}
+@end
+
 namespace {
+
+int replaced_number(id, SEL) { return 10 + initialized_classes; }
 
 std::string removal_of(Class menu_class) {
     trail.clear();
@@ -125,4 +153,14 @@ TEST(Runtime, ExchangingAMissingMethodDoesNothing) {
     method_exchangeImplementations(nullptr, first);
     RuntimeBase* base = [[RuntimeBase new] autorelease];
     EXPECT_EQ([base first], 1);
+}
+
+TEST(Runtime, AClassMethodThatIsReplacedBeforeItsClassIsUsedRunsInAnInitializedClass) {
+    const method_patch_t patches[] = {
+        {"UnusedClass", "unusedNumber", reinterpret_cast<IMP>(replaced_number), nullptr, true}};
+    patch_methods(patches);
+    EXPECT_EQ(initialized_classes, 0);
+    EXPECT_EQ([OtherUnusedClass unusedNumber], 2);
+    EXPECT_EQ(initialized_classes, 1);
+    EXPECT_EQ([UnusedClass unusedNumber], 12);
 }
