@@ -105,3 +105,21 @@ TEST_F(Notices, ClosingTheAlertReplacesNothing) {
     EXPECT_EQ(read_file(old), "old");
     EXPECT_EQ(read_file(source), "new");
 }
+
+TEST_F(Notices, ClosingTheProgressWindowEndsTheWork) {
+    constexpr int count = 60000;
+    const std::string old = getenv("HOME") + std::string("/Desktop/basket/many");
+    std::ofstream(old) << "old";
+    for (int number = 0; number < count; number++) {
+        changing_folder().link("many/" + std::to_string(number), "nowhere");
+    }
+    right_click(item("icons", add("many")));
+    pick_with_key({"basket"}, "Copy selection here", "Alt_R");
+    click_at("button 2");
+    close_by_title_bar("Copying “many” to “basket”");
+    EXPECT_TRUE(wait_until([&] { return manager().ask("panel").empty(); }));
+    EXPECT_TRUE(wait_until([&] { return manager().ask("idle") == "yes"; }));
+    EXPECT_EQ(read_file(old), "old");
+    fs::remove_all(path("many"));
+    fs::remove(old);
+}

@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "gworkspace/viewer_desk.h"
 #include "operations/engine.h"
@@ -19,6 +18,7 @@ namespace {
 // A folder of the user's choice stands in each menu; its level takes the selection.
 class Operations : public ViewerDesk {
   protected:
+    enum { replace = 2 };
     static void set_setting(const std::string& key, const std::string& value) {
         const std::string command =
             "defaults write org.delvio.Delvio " + key + " '" + value + "' >/dev/null 2>&1";
@@ -49,31 +49,28 @@ class Operations : public ViewerDesk {
         right_click(item("icons", path));
         pick(way);
     }
-    // Picks a row that shows while a key is held.
-    void pick_with_key(const lines_t& way, const std::string& row, const std::string& key) {
-        hover_along(way);
-        input().key_down(key);
-        EXPECT_TRUE(wait_until([&] { return contains(titles(way.size()), row); })) << row;
-        left_click(this->row(way.size(), row).area);
-        EXPECT_TRUE(wait_until([&] { return is_closed(); }));
-        input().key_up(key);
-    }
 
     // The plug-in's alert.
     static bool alert_is_open() { return !manager().ask("button 1").empty(); }
-    void click_at(const std::string& question) {
-        std::string place;
-        ASSERT_TRUE(wait_until([&] { return !(place = manager().ask(question)).empty(); }))
-            << question;
-        int x = 0, y = 0;
-        std::istringstream(place) >> x >> y;
-        input().move(x, y);
-        input().click(1);
-    }
     void refuse_by_return() {
         ASSERT_TRUE(wait_until([&] { return alert_is_open(); }));
         input().key("Return");
         EXPECT_TRUE(wait_until([&] { return !alert_is_open(); }));
+    }
+    // A copy that replaces a file, and takes long enough to be looked at.
+    std::string begin_long_copy() {
+        constexpr int count = 60000;
+        const std::string source = path("many");
+        fs::create_directory(source);
+        for (int number = 0; number < count; number++) {
+            fs::create_symlink("nowhere", source + "/" + std::to_string(number));
+        }
+        std::ofstream(basket("many")) << "old";
+        show("icons");
+        right_click(item("icons", source));
+        pick_with_key({"basket"}, "Copy selection here", "Alt_R");
+        click_at("button " + std::to_string(replace));
+        return source;
     }
     // The question about a taken name, once it can be answered.
     static bool asks_about(const std::string& name) {
@@ -103,8 +100,6 @@ class Operations : public ViewerDesk {
 
 const lines_t three_levels = {"basket", "one", "two", "three"};
 const lines_t to_basket = {"basket", "Move selection here"};
-enum { replace = 2 };
-
 }  // namespace
 
 TEST_F(Operations, MoveSelectionHereIsAMoveOfGWorkspaces) {
@@ -326,21 +321,25 @@ TEST_F(Operations, NoWindowOfOursStandsBesideGWorkspacesQuestion) {
 }
 
 TEST_F(Operations, CancelInTheProgressWindowEndsTheWork) {
-    constexpr int count = 60000;
-    const std::string source = path("many");
-    fs::create_directory(source);
-    for (int number = 0; number < count; number++) {
-        fs::create_symlink("nowhere", source + "/" + std::to_string(number));
-    }
-    std::ofstream(basket("many")) << "old";
-    show("icons");
-    right_click(item("icons", source));
-    pick_with_key({"basket"}, "Copy selection here", "Alt_R");
-    click_at("button " + std::to_string(replace));
+    const std::string source = begin_long_copy();
     click_at("part Cancel");
     EXPECT_TRUE(wait_until([&] { return is_quiet(); })) << manager().ask("panel");
     EXPECT_EQ(read_file(basket("many")), "old")
         << "what was to be replaced is back, or still there";
+    fs::remove_all(source);
+}
+
+TEST_F(Operations, AQuestionOfGWorkspacesStandsInFrontOfOurProgressWindow) {
+    const std::string source = begin_long_copy(), other = add("asked.txt", "asked");
+    ASSERT_TRUE(wait_until([&] { return !manager().ask("part Cancel").empty(); }));
+    pick_for(other, to_basket);
+    ASSERT_TRUE(wait_until([&] { return !manager().ask("question").empty(); }));
+    ASSERT_NE(manager().ask("panel"), "") << "our window has gone already";
+    EXPECT_EQ(manager().ask("covering"), "");
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(other); }));
+    click_at("part Cancel");
+    EXPECT_TRUE(wait_until([&] { return is_quiet(); })) << manager().ask("panel");
     fs::remove_all(source);
 }
 

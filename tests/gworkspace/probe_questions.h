@@ -18,6 +18,7 @@
 //   open PATH             a viewer of this folder
 //   alert                 the text of the panel that waits for an answer
 //   question              the same once the panel has the keyboard
+//   covering              the titles of the windows that stand over it
 //   idle                  "yes" when no panel waits for an answer
 //   take_at_start PATH    a file of this name comes to be when GWorkspace's next operation begins
 //   quit                  as from the main menu

@@ -285,6 +285,10 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
     } else if (question == "question") {
         NSWindow* panel = [NSApp modalWindow];
         if (panel && HasKeyboard(panel)) *answer = alert_text();
+    } else if (question == "covering") {
+        for (NSWindow* window in [NSApp windows]) {
+            if (StandsOver(window, [NSApp modalWindow])) *answer += text_of([window title]) + "\n";
+        }
     } else if (question == "idle") {
         *answer = [NSApp modalWindow] ? "" : "yes";
     } else if (question == "take_at_start") {

@@ -8,3 +8,6 @@ bool IsSettled(NSWindow* window);
 
 // What is typed comes to it.
 bool HasKeyboard(NSWindow* window);
+
+// Whether a shown window covers a part of another, in the order in which the server has them.
+bool StandsOver(NSWindow* window, NSWindow* other);

@@ -34,7 +34,38 @@ bool is_at(NSPoint believed, int x, int y) {
     return static_cast<int>(believed.x) == x && static_cast<int>(believed.y) == y;
 }
 
+// The frame that a window manager has put around it, or the window itself.
+Window outermost(Window window) {
+    Window root = 0, parent = 0, *children = nullptr;
+    unsigned count = 0;
+    while (XQueryTree(connection(), window, &root, &parent, &children, &count)) {
+        if (children) XFree(children);
+        if (parent == root || !parent) break;
+        window = parent;
+    }
+    return window;
+}
+
+// From the back; -1 for none.
+int height_of(Window wanted) {
+    Window root = 0, parent = 0, *children = nullptr;
+    unsigned count = 0;
+    int height = -1;
+    XQueryTree(connection(), DefaultRootWindow(connection()), &root, &parent, &children, &count);
+    for (unsigned i = 0; i < count; i++) {
+        if (children[i] == wanted) height = static_cast<int>(i);
+    }
+    if (children) XFree(children);
+    return height;
+}
+
 }  // namespace
+
+bool StandsOver(NSWindow* window, NSWindow* other) {
+    if (window == other || ![window isVisible] || ![other isVisible]) return false;
+    return NSIntersectsRect([window frame], [other frame]) &&
+           height_of(outermost(x_window(window))) > height_of(outermost(x_window(other)));
+}
 
 bool IsSettled(NSWindow* window) {
     XWindowAttributes attributes;

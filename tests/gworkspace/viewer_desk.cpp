@@ -157,6 +157,24 @@ void ViewerDesk::pick(const lines_t& titles) {
     EXPECT_TRUE(wait_until([&] { return is_closed(); })) << "the menu stays";
 }
 
+void ViewerDesk::pick_with_key(const lines_t& way, const std::string& row, const std::string& key) {
+    hover_along(way);
+    input_.key_down(key);
+    EXPECT_TRUE(wait_until([&] { return contains(titles(way.size()), row); })) << row;
+    left_click(this->row(way.size(), row).area);
+    EXPECT_TRUE(wait_until([&] { return is_closed(); }));
+    input_.key_up(key);
+}
+
+void ViewerDesk::click_at(const std::string& question) {
+    std::string place;
+    ASSERT_TRUE(wait_until([&] { return !(place = manager().ask(question)).empty(); })) << question;
+    int x = 0, y = 0;
+    std::istringstream(place) >> x >> y;
+    input_.move(x, y);
+    input_.click(1);
+}
+
 void ViewerDesk::answer(const std::string& question) { Answer(manager(), input_, question); }
 
 void Answer(const FileManager& manager, XInput& hand, const std::string& question) {

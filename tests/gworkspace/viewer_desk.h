@@ -61,7 +61,11 @@ class ViewerDesk : public testing::Test {
     // Hovers over these rows, each in the level that the one before opens.
     void hover_along(const lines_t& titles);
     void pick(const lines_t& titles);
+    // Picks a row that shows while a key is held.
+    void pick_with_key(const lines_t& way, const std::string& row, const std::string& key);
     void answer(const std::string& question);
+    // Where the probe says that this is: "button 2", "part Cancel".
+    void click_at(const std::string& question);
 
     lines_t selection() const { return manager().ask_lines("selection"); }
 
