@@ -8,20 +8,19 @@
 
 #include <stdlib.h>
 #include <string.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <unordered_map>
 
+#include "appkit/file_icon.h"
+#include "appkit/icon_pictures.h"
 #include "appkit/untrusted_icons.h"
 #include "appkit/workspace_paths.h"
-#include "carbon/finder_information.h"
 #include "desktop/bundle_names.h"
 #include "desktop/icon_names.h"
 #include "desktop/icon_theme.h"
 #include "desktop/small_files.h"
 #include "look/bitmaps.h"
-#include "look/hidden_icons.h"
 #include "objc/method_patch.h"
 
 namespace {
@@ -31,7 +30,6 @@ BOOL uses_stock_icons = NO;
 
 // In points; drawn crisp at these sizes, and at the first two in double resolution.
 const int sizes[] = {16, 32, 48};
-const CGFloat default_size = 48;
 const size_t most_icons = 512, largest_picture = 4 << 20;
 // Of a program that has no icon of its own, or none yet.
 const char program_key[] = "application/x-executable";
@@ -107,94 +105,63 @@ NSArray* bitmaps_for_key(const std::string& key) {
     return (*cache)[key] = load_bitmaps(key);
 }
 
-// The caller may resize it: the image is his, the pictures are everybody's.
-NSImage* image_of(NSArray* pictures, NSSize size) {
-    NSImage* image = [[NSImage alloc] initWithSize:size];
-    [image setScalesWhenResized:YES];
-    [image addRepresentations:pictures];
-    return [image autorelease];
-}
-
-NSImage* stock_image(NSWorkspace* self, NSString* path) {
+NSImage* stock_image(NSWorkspace* workspace, NSString* path) {
     auto stock = reinterpret_cast<NSImage* (*)(id, SEL, NSString*)>(stock_icon);
-    return stock(self, @selector(iconForFile:), path);
+    return stock(workspace, @selector(iconForFile:), path);
 }
 
 // GNUstep's own way for what the theme has no icon for. It would decode what it finds in a folder.
-NSImage* plain_image(NSWorkspace* self, const std::string& key, NSString* path) {
-    NSImage* shared =
-        key[0] == '@' ? stock_image(self, @"/usr") : [self iconForFileType:[path pathExtension]];
-    return shared ? image_of([shared representations], [shared size]) : nil;
+NSArray* plain_pictures(const std::string& key, NSString* path) {
+    NSWorkspace* workspace = [NSWorkspace sharedWorkspace];
+    NSImage* shared = key[0] == '@' ? stock_image(workspace, @"/usr")
+                                    : [workspace iconForFileType:[path pathExtension]];
+    return [shared representations];
 }
 
-NSImage* image_for_key(NSWorkspace* self, const std::string& key, NSString* path) {
+NSArray* pictures_for_key(const std::string& key, NSString* path) {
     NSArray* bitmaps = bitmaps_for_key(key);
-    if ([bitmaps count] == 0) return plain_image(self, key, path);
-    return image_of(bitmaps, NSMakeSize(default_size, default_size));
+    return [bitmaps count] ? bitmaps : plain_pictures(key, path);
 }
+
+bool is_named_as_bundle(const std::string& path) { return path.ends_with(".app"); }
 
 // GNUstep's bundles carry their own icons.
 bool has_icon_of_its_own(const std::string& path) {
-    return path.ends_with(".app") && access((path + "/Resources").c_str(), F_OK) == 0;
+    return is_named_as_bundle(path) && access((path + "/Resources").c_str(), F_OK) == 0;
 }
 
-NSImage* image_of_bundle(NSWorkspace* self, const std::string& bytes, NSString* path) {
+void give_pictures_of_bundle(NSImage* image, const std::string& bytes, NSString* path) {
     char* resolved = realpath(bytes.c_str(), nullptr);
     const std::string place = resolved ? resolved : bytes;
     free(resolved);
     if (is_systems_own(place)) {
-        NSImage* shared = stock_image(self, path);
-        if (shared) return image_of([shared representations], [shared size]);
+        NSArray* shared = [stock_image([NSWorkspace sharedWorkspace], path) representations];
+        if (shared) return [image addRepresentations:shared];
     }
-    NSImage* image = image_for_key(self, program_key, path);
+    [image addRepresentations:pictures_for_key(program_key, path)];
     const std::string file = files::bundle_icon(place.c_str());
     if (!file.empty()) show_untrusted_icon(image, file);
-    return image;
-}
-
-// What a look at a file says about its icon. A menu asks for the icon of a file a few times in
-// turn: the last answer is kept while the file is the same.
-struct look_t {
-    std::string path, key;
-    bool is_hidden = false;
-    struct stat status = {};
-};
-
-bool is_same(const struct stat& one, const struct stat& other) {
-    return one.st_ino == other.st_ino && one.st_dev == other.st_dev &&
-           one.st_mode == other.st_mode && one.st_size == other.st_size &&
-           one.st_ctim.tv_sec == other.st_ctim.tv_sec &&
-           one.st_ctim.tv_nsec == other.st_ctim.tv_nsec;
-}
-
-const look_t& look_at(const std::string& path) {
-    static auto* last = new look_t;
-    struct stat status;
-    const bool is_there = stat(path.c_str(), &status) == 0;
-    if (!is_there || path != last->path || !is_same(status, last->status)) {
-        *last = {is_there ? path : "", icon_key(path), files::is_hidden(path), status};
-    }
-    return *last;
-}
-
-NSImage* image_of_file(NSWorkspace* self, const look_t& look, NSString* path) {
-    NSImage* image = image_for_key(self, look.key, path);
-    const std::string file = untrusted_file(look.key);
-    if (!file.empty()) show_untrusted_icon(image, file);
-    return image;
 }
 
 NSImage* icon_for_file(NSWorkspace* self, SEL, NSString* path) {
     if (uses_stock_icons) return stock_image(self, path);
-    const std::string bytes = path_bytes(path);
-    const look_t& look = look_at(bytes);
-    NSImage* image = has_icon_of_its_own(bytes) ? image_of_bundle(self, bytes, path)
-                                                : image_of_file(self, look, path);
-    if (look.is_hidden) mark_as_hidden(image);
-    return image;
+    return [[[FileIcon alloc] initWithPath:path] autorelease];
 }
 
 }  // namespace
+
+void give_pictures(NSImage* image, NSString* path) {
+    const std::string bytes = path_bytes(path);
+    if (has_icon_of_its_own(bytes)) return give_pictures_of_bundle(image, bytes, path);
+    const std::string key = icon_key(bytes);
+    [image addRepresentations:pictures_for_key(key, path)];
+    const std::string file = untrusted_file(key);
+    if (!file.empty()) show_untrusted_icon(image, file);
+}
+
+bool may_have_untrusted_picture(const std::string& path) {
+    return path.ends_with(".desktop") || is_named_as_bundle(path);
+}
 
 @interface IconsInstaller : NSObject
 @end

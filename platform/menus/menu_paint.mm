@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "look/hidden_icons.h"
+#include "look/image_questions.h"
 #include "look/menu_text.h"
 
 namespace {
@@ -72,7 +72,7 @@ struct row_colors_t {
 row_colors_t row_colors(const menu_scene_t& scene, const menu_row_t& row) {
     const menu_palette_t& palette = *scene.layout->look().palette;
     if (![row.item isEnabled]) return {palette.dimmed_text, palette.dimmed_text, 0.45, true};
-    const bool hidden = is_icon_of_hidden_file([row.item image]);
+    const bool hidden = [[row.item image] isOfHiddenFile];
     const double image_alpha = hidden ? 0.55 : 1;
     if (row.item == scene.highlighted) {
         return {palette.highlight_text, palette.highlight_text, image_alpha, true};

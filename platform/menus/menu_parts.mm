@@ -20,6 +20,7 @@
     // Marked before: a new window asks the main menu, maybe this one, for its window.
     if (_aWindow || _menu.unused) return;
     _menu.unused = 1;
+    [self needArrays];
     _aWindow = [self _createWindow];
     _bWindow = [self _createWindow];
     if (_popUpButtonCell) [_aWindow setLevel:NSPopUpMenuWindowLevel];

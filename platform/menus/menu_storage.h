@@ -3,6 +3,11 @@
 
 #include <AppKit/AppKit.h>
 
+@interface NSMenu (LightArrays)
+// Gives the menu arrays of its own, before anything is added and before a view points at them.
+- (void)needArrays;
+@end
+
 @interface NSMenu (LightStorage)
 // Whether GNUstep's own menu view and windows exist for this menu.
 - (BOOL)hasStockRepresentation;

@@ -10,6 +10,23 @@
 - (void)menuChanged;
 @end
 
+// The items of all menus that have none yet: most submenus are never opened.
+@interface NoMenuItems : NSMutableArray
+@end
+
+@implementation NoMenuItems
+
+- (NSUInteger)count {
+    return 0;
+}
+
+- (id)objectAtIndex:(NSUInteger)index {
+    [NSException raise:NSRangeException format:@"no item %lu", static_cast<unsigned long>(index)];
+    return nil;
+}
+
+@end
+
 static menu_change_listener_t change_listener;
 
 void set_menu_change_listener(menu_change_listener_t listener) { change_listener = listener; }
@@ -22,6 +39,18 @@ void set_menu_change_listener(menu_change_listener_t listener) { change_listener
 
 static struct { IMP insert, remove, changed, key_equivalent, close; } stock;
 
+static NSMutableArray* no_items() {
+    static NSMutableArray* const none = [NoMenuItems new];
+    return none;
+}
+
+- (void)needArrays {
+    if (!_notifications) _notifications = [NSMutableArray new];
+    if (_items != no_items()) return;
+    [_items release];
+    _items = [NSMutableArray new];
+}
+
 static void told_of_change(NSMenu* self, NSMenuItem* item) {
     self->_menu.needsSizing = YES;
     [self menuChanged];
@@ -31,8 +60,7 @@ static void told_of_change(NSMenu* self, NSMenuItem* item) {
 static id light_init(NSMenu* self, SEL, NSString* title) {
     if (!(self = [self initAsPlainObject])) return nil;
     self->_title = [title copy];
-    self->_items = [NSMutableArray new];
-    self->_notifications = [NSMutableArray new];
+    self->_items = [no_items() retain];
     self->_menu.changedMessagesEnabled = YES;
     self->_menu.needsSizing = YES;
     self->_menu.autoenable = YES;
@@ -42,6 +70,7 @@ static id light_init(NSMenu* self, SEL, NSString* title) {
 
 static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {
     const BOOL ours = [item isKindOfClass:[NSMenuItem class]] && ![item menu];
+    [self needArrays];
     if (self->_view || !ours) {
         reinterpret_cast<void (*)(id, SEL, id, NSInteger)>(stock.insert)(self, selector, item,
                                                                          index);

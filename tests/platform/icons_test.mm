@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <string>
 
-#include "look/hidden_icons.h"
+#include "look/image_questions.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 
@@ -67,6 +69,20 @@ class Icons : public testing::Test {
     static NSImage* icon(const std::string& path) {
         return [[NSWorkspace sharedWorkspace]
             iconForFile:[NSString stringWithUTF8String:path.c_str()]];
+    }
+    // Runs the steps and tells whether they read anything in the folder, or of this theme.
+    template <typename steps_t>
+    bool opens_a_file(steps_t steps) {
+        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        const std::string theme = std::string(getenv("XDG_DATA_HOME")) + "/icons/Plain/any";
+        for (const std::string& place : {folder.path(), theme}) {
+            EXPECT_GE(inotify_add_watch(watch, place.c_str(), IN_OPEN), 0);
+        }
+        steps();
+        char events[4096];
+        const bool opened = read(watch, events, sizeof events) > 0;
+        close(watch);
+        return opened;
     }
     static NSBitmapImageRep* bitmap(NSImage* image, NSInteger pixels) {
         for (NSBitmapImageRep* rep in [image representations]) {
@@ -157,10 +173,61 @@ TEST_F(Icons, NoPathAndMissingFilesGetAnIcon) {
 
 TEST_F(Icons, AHiddenFilesIconIsMarked) {
     folder.file(".hidden", "listed\n");
-    EXPECT_FALSE(is_icon_of_hidden_file(icon(folder.file("a.txt"))));
-    EXPECT_TRUE(is_icon_of_hidden_file(icon(folder.file(".a.txt"))));
-    EXPECT_TRUE(is_icon_of_hidden_file(icon(folder.file("listed"))));
-    EXPECT_TRUE(is_icon_of_hidden_file(icon(folder.folder(".config") + "/")));
-    EXPECT_FALSE(is_icon_of_hidden_file(icon(folder.file(".config/inner"))));
-    EXPECT_FALSE(is_icon_of_hidden_file(icon("/")));
+    EXPECT_FALSE([icon(folder.file("a.txt")) isOfHiddenFile]);
+    EXPECT_TRUE([icon(folder.file(".a.txt")) isOfHiddenFile]);
+    EXPECT_TRUE([icon(folder.file("listed")) isOfHiddenFile]);
+    EXPECT_TRUE([icon(folder.folder(".config") + "/") isOfHiddenFile]);
+    EXPECT_FALSE([icon(folder.file(".config/inner")) isOfHiddenFile]);
+    EXPECT_FALSE([icon("/") isOfHiddenFile]);
+}
+
+TEST_F(Icons, AnIconThatIsNeverDrawnReadsNoFile) {
+    // Of a kind whose picture no other test has loaded.
+    const std::string path = folder.file("note.desktop", "[Desktop Entry]\nType=Application\n");
+    folder.file(".hidden", "other\n");
+    NSImage* image = nil;
+    EXPECT_FALSE(opens_a_file([&] {
+        image = icon(path);
+        [image setSize:NSMakeSize(16, 16)];
+        NSMenuItem* item = [[[NSMenuItem alloc] initWithTitle:@"" action:NULL
+                                                keyEquivalent:@""] autorelease];
+        [item setImage:image];
+    }));
+    EXPECT_EQ([image size].width, 16);
+    EXPECT_TRUE(opens_a_file([&] { [image representations]; })) << "the watch sees nothing";
+    EXPECT_TRUE(opens_a_file([&] { [image isOfHiddenFile]; }));
+    EXPECT_FALSE(opens_a_file([&] {
+        [image representations];
+        [image isOfHiddenFile];
+    })) << "once is enough";
+}
+
+TEST_F(Icons, AnIconThatWasLookedAtByNobodyCopiesWithItsPictures) {
+    NSImage* image = icon(folder.file(".a.txt"));
+    [image setSize:NSMakeSize(15, 15)];
+    NSImage* copy = [[image copy] autorelease];
+    EXPECT_EQ([copy size].width, 15);
+    EXPECT_EQ(number(copy, 32), 2);
+    EXPECT_TRUE([copy isOfHiddenFile]);
+    EXPECT_EQ(number(image, 32), 2);
+}
+
+TEST_F(Icons, WhoAddsOrTakesAPictureFindsThoseOfTheFile) {
+    NSImage* added = icon(folder.file("a.txt"));
+    NSImageRep* other = bitmap(icon(folder.folder("sub")), 48);
+    [added addRepresentation:other];
+    EXPECT_EQ([[added representations] count], 4u);
+    EXPECT_EQ([[added representations] lastObject], other);
+    NSImage* taken = icon(folder.file("a.txt"));
+    [taken removeRepresentation:bitmap(added, 16)];
+    EXPECT_EQ([[taken representations] count], 2u);
+}
+
+TEST_F(Icons, AnIconIsWrittenWithItsPictures) {
+    EXPECT_GT([[icon(folder.file("a.txt")) TIFFRepresentation] length], 16u * 16 * 3);
+    EXPECT_TRUE([icon(folder.file("a.txt")) isValid]);
+    NSData* archive = [NSArchiver archivedDataWithRootObject:icon(folder.file("a.txt"))];
+    NSImage* read = [NSUnarchiver unarchiveObjectWithData:archive];
+    EXPECT_EQ([[read representations] count], 3u);
+    EXPECT_EQ([read size].width, 48);
 }

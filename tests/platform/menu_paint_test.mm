@@ -5,9 +5,7 @@
 
 #include <algorithm>
 
-#include "carbon/finder_information.h"
 #include "look/bitmaps.h"
-#include "look/hidden_icons.h"
 #include "menus/menu_paint.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
@@ -32,13 +30,16 @@ class MenuPaint : public testing::Test {
                                                          action:@selector(picked:)
                                                   keyEquivalent:@""]);
     }
-    // A full black square, marked if the file is hidden.
+    // The file's icon, but a full black square.
     NSImage* icon_of(const std::string& file) {
         NSBitmapImageRep* bitmap = make_bitmap(16, 16);
+        memset([bitmap bitmapData], 0, 16 * 16 * 4);
         for (int i = 0; i < 16 * 16; i++) [bitmap bitmapData][i * 4 + 3] = 0xff;
-        NSImage* image = [[[NSImage alloc] initWithSize:NSMakeSize(16, 16)] autorelease];
+        NSImage* image = [[NSWorkspace sharedWorkspace]
+            iconForFile:[NSString stringWithUTF8String:file.c_str()]];
+        for (NSImageRep* rep in [image representations]) [image removeRepresentation:rep];
+        [image setSize:NSMakeSize(16, 16)];
         [image addRepresentation:bitmap];
-        if (files::is_hidden(file)) mark_as_hidden(image);
         return image;
     }
     void paint(NSMenuItem* highlighted = nil) {

@@ -150,6 +150,7 @@ TEST_F(UntrustedIcons, AnIconAnywhereElseArrivesLater) {
 TEST_F(UntrustedIcons, AnImageKeepsItsSizeWhenItsPictureArrives) {
     NSImage* image = icon(entry(folder.file("good.svg", svg(own))));
     [image setSize:NSMakeSize(17, 17)];
+    EXPECT_EQ(number(image), generic);
     wait_for_all();
     EXPECT_EQ(number(image), own);
     EXPECT_EQ([image size].width, 17);

@@ -1,0 +1,13 @@
+#include "look/image_questions.h"
+
+@implementation NSImage (MenuQuestions)
+
+- (BOOL)isOfHiddenFile {
+    return NO;
+}
+
+- (BOOL)mayChangeAfterFirstLook {
+    return NO;
+}
+
+@end

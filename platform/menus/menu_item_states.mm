@@ -1,0 +1,102 @@
+// The images of an item's states, which our menus never show and GNUstep looks up in the file
+// system twice for each item as it is made. They are looked up when somebody asks for them.
+#include <AppKit/AppKit.h>
+
+#include "objc/method_patch.h"
+
+@implementation NSMenuItem (LightStates)
+
+- (instancetype)initAsPlainObject {
+    return [super init];
+}
+
+static struct { IMP encode, decode; } stock;
+
+// Kept by an item that was told to have no image for a state; nil stands for the usual one.
+static NSImage* no_image() {
+    static NSImage* const none = [NSImage new];
+    return none;
+}
+
+static NSImage* shown_image(NSImage* kept, NSString* usual) {
+    if (kept) return kept == no_image() ? nil : kept;
+    return [NSImage imageNamed:usual];
+}
+
+static NSImage* on_image(NSMenuItem* self, SEL) {
+    return shown_image(self->_onStateImage, @"NSMenuCheckmark");
+}
+
+static NSImage* mixed_image(NSMenuItem* self, SEL) {
+    return shown_image(self->_mixedStateImage, @"NSMenuMixedState");
+}
+
+static void keep_image(NSMenuItem* self, NSImage** kept, NSImage* image) {
+    NSImage* previous = *kept;
+    *kept = [image ? image : no_image() retain];
+    if (previous != *kept) [self->_menu itemChanged:self];
+    [previous release];
+}
+
+static void set_on_image(NSMenuItem* self, SEL, NSImage* image) {
+    keep_image(self, &self->_onStateImage, image);
+}
+
+static void set_mixed_image(NSMenuItem* self, SEL, NSImage* image) {
+    keep_image(self, &self->_mixedStateImage, image);
+}
+
+// What GNUstep's own does, but for the images.
+static id light_init(NSMenuItem* self, SEL, NSString* title, SEL action, NSString* key) {
+    if (!(self = [self initAsPlainObject])) return nil;
+    [self setKeyEquivalent:key];
+    self->_keyEquivalentModifierMask = NSCommandKeyMask;
+    [self setTitle:title];
+    self->_mnemonicLocation = 255;  // none
+    self->_state = NSOffState;
+    self->_enabled = YES;
+    self->_action = action;
+    return self;
+}
+
+// An archive holds what the item shows.
+static void encode(NSMenuItem* self, SEL selector, NSCoder* coder) {
+    NSImage *const on = self->_onStateImage, *const mixed = self->_mixedStateImage;
+    self->_onStateImage = [self onStateImage];
+    self->_mixedStateImage = [self mixedStateImage];
+    reinterpret_cast<void (*)(id, SEL, id)>(stock.encode)(self, selector, coder);
+    self->_onStateImage = on;
+    self->_mixedStateImage = mixed;
+}
+
+// An old archive's item has all that it was archived with; the others are made by the initialiser.
+static id decode(NSMenuItem* self, SEL selector, NSCoder* coder) {
+    self = reinterpret_cast<id (*)(id, SEL, id)>(stock.decode)(self, selector, coder);
+    if (!self || [coder allowsKeyedCoding]) return self;
+    if (!self->_onStateImage) self->_onStateImage = [no_image() retain];
+    if (!self->_mixedStateImage) self->_mixedStateImage = [no_image() retain];
+    return self;
+}
+
+@end
+
+@interface MenuItemStatesInstaller : NSObject
+@end
+
+@implementation MenuItemStatesInstaller
+
++ (void)load {
+    const method_patch_t patches[] = {
+        {"NSMenuItem", "initWithTitle:action:keyEquivalent:", reinterpret_cast<IMP>(light_init),
+         nullptr},
+        {"NSMenuItem", "onStateImage", reinterpret_cast<IMP>(on_image), nullptr},
+        {"NSMenuItem", "mixedStateImage", reinterpret_cast<IMP>(mixed_image), nullptr},
+        {"NSMenuItem", "setOnStateImage:", reinterpret_cast<IMP>(set_on_image), nullptr},
+        {"NSMenuItem", "setMixedStateImage:", reinterpret_cast<IMP>(set_mixed_image), nullptr},
+        {"NSMenuItem", "encodeWithCoder:", reinterpret_cast<IMP>(encode), &stock.encode},
+        {"NSMenuItem", "initWithCoder:", reinterpret_cast<IMP>(decode), &stock.decode},
+    };
+    patch_methods(patches);
+}
+
+@end
