@@ -1,11 +1,15 @@
-// The first paint of a folder's level beside the scan of that folder: from the moment at which the
-// submenu is asked to open until its rows are on the screen, scan and items included.
+// A folder's level as a user opens it: a folder within the one that was clicked, which nobody has
+// read before. The first paint counts from the moment at which its submenu is asked to open until
+// its rows are on the screen, scan and items included; the closing until the popup has returned.
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
+#include <malloc.h>
 #include <stdio.h>
 
+#include <algorithm>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,59 +24,118 @@
 
 namespace {
 
-const double paint_limit = 3;
+const double paint_limit = 3, growth_limit = 11;
+const double small_level_milliseconds = 4, closing_milliseconds = 15;
+const double row_bytes_limit = 900, most_kept = 0.1;
+
+struct moment_t {
+    double processor = bench::processor_time(), wall = bench::now();
+};
+
+void add_span(bench::Times& times, const moment_t& begin) {
+    const moment_t end;
+    times.processor.push_back(end.processor - begin.processor);
+    times.wall.push_back(end.wall - begin.wall);
+}
+
+// What the program has allocated.
+double heap_bytes() {
+    const struct mallinfo2 heap = mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd);
+}
+
+// What the program takes from the machine for itself.
+double private_bytes() {
+    FILE* file = fopen("/proc/self/smaps_rollup", "re");
+    if (!file) throw std::runtime_error("cannot read /proc/self/smaps_rollup");
+    char line[256];
+    long kilobytes = 0;
+    while (fgets(line, sizeof line, file)) {
+        if (sscanf(line, "Private_Dirty: %ld", &kilobytes) == 1) break;
+    }
+    fclose(file);
+    return static_cast<double>(kilobytes) * 1024;
+}
+
+struct memory_t {
+    double heap = heap_bytes(), resident = private_bytes();
+};
+
+// The items of the menu, those that other keys bring included.
+struct level_size_t {
+    size_t rows = 0, items = 0;
+};
+
+struct level_times_t {
+    bench::Times open, close;
+    level_size_t size;
+    std::vector<double> row_bytes, kept;
+};
 
 }  // namespace
 
-// One popup for a folder: opens its level, notes how long that took, closes.
+// One popup for the folder that holds the one to measure: opens both levels, closes.
 @interface Popup : NSObject {
   @private
-    std::string* _folder;
+    const bench::TestFolder* _folder;
+    level_times_t* _times;
     TContextMenu* _menu;
-    double _seconds;
-    NSUInteger _rows;
+    moment_t _closing;
+    memory_t _before, _shown;
 }
-- (instancetype)initWithFolder:(const std::string&)folder;
-- (double)run;
-- (NSUInteger)rows;
+- (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(level_times_t*)times;
+- (void)run;
 @end
 
 @implementation Popup
 
-- (instancetype)initWithFolder:(const std::string&)folder {
-    if ((self = [super init])) _folder = new std::string(folder);
+- (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(level_times_t*)times {
+    if ((self = [super init])) _folder = &folder, _times = times;
     return self;
-}
-
-- (void)dealloc {
-    delete _folder;
-    [super dealloc];
-}
-
-- (NSUInteger)rows {
-    return _rows;
 }
 
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     if (menu != _menu || [_menu nodes]) return;
-    const TFENodeVector nodes = {{{*_folder}}};
+    const TFENodeVector nodes = {{{_folder->holder()}}};
     [_menu configureWithNodes:&nodes windowController:nil container:NO];
+}
+
+static void show() {
+    menu_run_t::current()->synchronize();
+    XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
+}
+
+// The one folder in the level of the folder that was clicked.
+- (NSMenuItem*)openHolder:(MenuSession*)session {
+    NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
+    [session openSubmenuOfItem:holder];
+    show();
+    NSMenuItem* item = [[[holder submenu] itemArray] lastObject];
+    if (![[item title] isEqualToString:@"entries"]) throw std::runtime_error("no folder within");
+    return item;
 }
 
 - (void)openLevel:(NSTimer*)timer {
     (void)timer;
     MenuSession* session = [MenuSession current];
-    NSMenuItem* item = [[[session rootMenu] itemArray] objectAtIndex:0];
-    const double begin = bench::now();
-    [session openSubmenuOfItem:item];
-    menu_run_t::current()->synchronize();
-    XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
-    _seconds = bench::now() - begin;
-    _rows = menu_run_t::current()->levels().back()->layout().rows().size();
+    NSMenuItem* item = [self openHolder:session];
+    _before = memory_t();
+    {
+        NSAutoreleasePool* turn = [NSAutoreleasePool new];
+        const moment_t begin;
+        [session openSubmenuOfItem:item];
+        show();
+        add_span(_times->open, begin);
+        [turn release];
+    }
+    _times->size.rows = menu_run_t::current()->levels().back()->layout().rows().size();
+    _times->size.items = [[item submenu] numberOfItems];
+    _shown = memory_t();
+    _closing = moment_t();
     [session cancel];
 }
 
-- (double)run {
+- (void)run {
     @autoreleasepool {
         _menu = [[TContextMenu alloc] initWithTitle:@""];
         [_menu setAutoenablesItems:NO];
@@ -84,41 +147,51 @@ const double paint_limit = 3;
         [(NSMenu*)_menu setDelegate:nil];
         [_menu release];
     }
-    return _seconds;
+    add_span(_times->close, _closing);
+    const memory_t after;
+    _times->row_bytes.push_back((_shown.heap - _before.heap) / _times->size.rows);
+    const double taken = std::max(1.0, _shown.resident - _before.resident);
+    _times->kept.push_back(std::max(0.0, after.resident - _before.resident) / taken);
 }
 
 @end
 
 namespace {
 
-double scan(const std::string& path) {
-    const double begin = bench::now();
+void scan(const std::string& path, bench::Times* times) {
+    const moment_t begin;
     dv_tree_t* root = dv_build_tree(path.c_str(), 0, 1, 0, 0);
-    const double seconds = bench::now() - begin;
+    add_span(*times, begin);
     dv_free_tree(root);
-    return seconds;
 }
 
-void race(int entries, int rounds) {
+// Medians of processor time, in seconds.
+struct level_costs_t {
+    double scan, open, close;
+};
+
+level_costs_t measure(int entries, int rounds) {
     const bench::TestFolder folder(entries);
-    Popup* popup = [[[Popup alloc] initWithFolder:folder.path()] autorelease];
-    std::vector<double> scans, paints;
+    level_times_t times, warm_up;
+    bench::Times scans, first_scan;
     for (int round = 0; round <= rounds; round++) {
-        const double scanned = scan(folder.path()), painted = [popup run];
-        if (round == 0) continue;
-        scans.push_back(scanned);
-        paints.push_back(painted);
+        scan(folder.path(), round ? &scans : &first_scan);
+        Popup* popup = [[Popup alloc] initWithFolder:folder times:round ? &times : &warm_up];
+        [popup run];
+        [popup release];
     }
-    const double scanned = bench::median(scans), painted = bench::median(paints);
-    printf("level of %d entries (%lu rows), medians of %d rounds\n", entries,
-           static_cast<unsigned long>([popup rows]), rounds);
-    printf("  scan alone                            %10.1f us  x 1.00\n", scanned * 1e6);
-    printf("  open: scan, items, layout, paint      %10.1f us  x %.2f\n", painted * 1e6,
-           painted / scanned);
-    if (entries >= 10000) {
-        bench::check("first paint of " + std::to_string(entries) + " entries to the scan",
-                     painted / scanned, paint_limit);
-    }
+    bench::print_times("scan of a folder alone", entries, "dv_build_tree", scans);
+    printf("its level as a submenu: %zu rows, %zu items with alternates\n", times.size.rows,
+           times.size.items);
+    bench::print_times("opening its level", entries, "scan, items, layout, paint", times.open);
+    bench::print_times("closing it", entries, "rows, items, trees", times.close);
+    const bool large = entries >= 10000;
+    bench::note("memory a row", entries, bench::median(times.row_bytes), "bytes",
+                large ? row_bytes_limit : 0);
+    bench::note("part of its memory that is kept after it has closed", entries,
+                bench::median(times.kept), "of 1", large ? most_kept : 0);
+    return {bench::median(scans.processor), bench::median(times.open.processor),
+            bench::median(times.close.processor)};
 }
 
 }  // namespace
@@ -132,9 +205,19 @@ int main() {
             fprintf(stderr, "bench_show: %s\n", problem.c_str());
             return 1;
         }
-        race(10, 25);
-        race(1000, 15);
-        race(10000, 9);
+        measure(10, 25);
+        const level_costs_t small = measure(100, 25);
+        measure(1000, 15);
+        const level_costs_t large = measure(10000, 9);
+        const level_costs_t huge = measure(100000, 3);
+        bench::note("first paint, processor time", 100, small.open * 1e3, "ms",
+                    small_level_milliseconds);
+        bench::check("first paint of 10000 entries to their scan", large.open / large.scan,
+                     paint_limit);
+        bench::check("first paint of 100000 entries to that of 10000", huge.open / large.open,
+                     growth_limit);
+        bench::note("closing, processor time", 10000, large.close * 1e3, "ms",
+                    closing_milliseconds);
     }
     return bench::status();
 }

@@ -73,7 +73,9 @@ void make_entry(Random& random, const std::string& folder, const std::string& na
 TestFolder::TestFolder(int entries) {
     std::string pattern = (std::filesystem::temp_directory_path() / "delvio-bench.XXXXXX").string();
     if (!mkdtemp(pattern.data())) throw std::runtime_error("no temporary folder: " + pattern);
-    path_ = pattern;
+    holder_ = pattern;
+    path_ = holder_ + "/entries";
+    if (mkdir(path_.c_str(), 0755) != 0) throw std::runtime_error("cannot make " + path_);
     Random random(static_cast<unsigned>(entries));
     std::set<std::string> names;
     while (names.size() < static_cast<size_t>(entries)) {
@@ -86,7 +88,7 @@ TestFolder::TestFolder(int entries) {
 
 TestFolder::~TestFolder() {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(holder_, ignored);
 }
 
 }  // namespace bench

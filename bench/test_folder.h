@@ -16,10 +16,12 @@ class TestFolder {
     TestFolder& operator=(const TestFolder&) = delete;
 
     const std::string& path() const { return path_; }
+    // The folder that holds this one and nothing else.
+    const std::string& holder() const { return holder_; }
     const std::vector<std::string>& names() const { return names_; }
 
   private:
-    std::string path_;
+    std::string holder_, path_;
     std::vector<std::string> names_;
 };
 

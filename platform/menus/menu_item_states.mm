@@ -10,7 +10,7 @@
     return [super init];
 }
 
-static struct { IMP encode, decode; } stock;
+static IMP stock_encode;
 
 // Kept by an item that was told to have no image for a state; nil stands for the usual one.
 static NSImage* no_image() {
@@ -64,18 +64,9 @@ static void encode(NSMenuItem* self, SEL selector, NSCoder* coder) {
     NSImage *const on = self->_onStateImage, *const mixed = self->_mixedStateImage;
     self->_onStateImage = [self onStateImage];
     self->_mixedStateImage = [self mixedStateImage];
-    reinterpret_cast<void (*)(id, SEL, id)>(stock.encode)(self, selector, coder);
+    reinterpret_cast<void (*)(id, SEL, id)>(stock_encode)(self, selector, coder);
     self->_onStateImage = on;
     self->_mixedStateImage = mixed;
-}
-
-// An old archive's item has all that it was archived with; the others are made by the initialiser.
-static id decode(NSMenuItem* self, SEL selector, NSCoder* coder) {
-    self = reinterpret_cast<id (*)(id, SEL, id)>(stock.decode)(self, selector, coder);
-    if (!self || [coder allowsKeyedCoding]) return self;
-    if (!self->_onStateImage) self->_onStateImage = [no_image() retain];
-    if (!self->_mixedStateImage) self->_mixedStateImage = [no_image() retain];
-    return self;
 }
 
 @end
@@ -93,8 +84,7 @@ static id decode(NSMenuItem* self, SEL selector, NSCoder* coder) {
         {"NSMenuItem", "mixedStateImage", reinterpret_cast<IMP>(mixed_image), nullptr},
         {"NSMenuItem", "setOnStateImage:", reinterpret_cast<IMP>(set_on_image), nullptr},
         {"NSMenuItem", "setMixedStateImage:", reinterpret_cast<IMP>(set_mixed_image), nullptr},
-        {"NSMenuItem", "encodeWithCoder:", reinterpret_cast<IMP>(encode), &stock.encode},
-        {"NSMenuItem", "initWithCoder:", reinterpret_cast<IMP>(decode), &stock.decode},
+        {"NSMenuItem", "encodeWithCoder:", reinterpret_cast<IMP>(encode), &stock_encode},
     };
     patch_methods(patches);
 }

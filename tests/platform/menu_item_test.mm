@@ -1,6 +1,11 @@
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
 #include <gtest/gtest.h>
+#include <objc/runtime.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
 
 #include "support/app.h"
 
@@ -204,4 +209,61 @@ TEST_F(MenuItem, KeysFromTheUsersDefaultsAreFoundAfterTheyChange) {
                                              keyEquivalent:@""] autorelease];
     EXPECT_STREQ([[after keyEquivalent] UTF8String], "k");
     [defaults removeObjectForKey:@"NSUserKeyEquivalents"];
+}
+
+TEST_F(MenuItem, StateImagesAreTheUsualOnesUnlessOthersAreSet) {
+    EXPECT_EQ([item onStateImage], [NSImage imageNamed:@"NSMenuCheckmark"]);
+    EXPECT_EQ([item mixedStateImage], [NSImage imageNamed:@"NSMenuMixedState"]);
+    EXPECT_NE([item onStateImage], nil);
+    NSImage* other = [[[NSImage alloc] initWithSize:NSMakeSize(9, 9)] autorelease];
+    [item setOnStateImage:other];
+    [item setMixedStateImage:nil];
+    EXPECT_EQ([item onStateImage], other);
+    EXPECT_EQ([item mixedStateImage], nil);
+    NSMenuItem* copy = [[item copy] autorelease];
+    EXPECT_EQ([copy onStateImage], other);
+    EXPECT_EQ([copy mixedStateImage], nil);
+    [item setOnStateImage:nil];
+    EXPECT_EQ([item onStateImage], nil);
+}
+
+TEST_F(MenuItem, AnArchiveHoldsTheStateImages) {
+    [item setAction:NULL];
+    NSData* archive = [NSArchiver archivedDataWithRootObject:item];
+    NSMenuItem* read = [NSUnarchiver unarchiveObjectWithData:archive];
+    EXPECT_STREQ([[read title] UTF8String], "item");
+    EXPECT_EQ([read onStateImage], [item onStateImage]);
+    EXPECT_EQ([read mixedStateImage], [item mixedStateImage]);
+}
+
+static int named_lookups;
+static IMP real_image_named;
+static id count_lookup(id self, SEL selector, NSString* name) {
+    named_lookups++;
+    return reinterpret_cast<id (*)(id, SEL, id)>(real_image_named)(self, selector, name);
+}
+
+TEST_F(MenuItem, AnItemOrASeparatorLoadsNoPicture) {
+    Method method = class_getClassMethod([NSImage class], @selector(imageNamed:));
+    real_image_named = method_setImplementation(method, reinterpret_cast<IMP>(count_lookup));
+    named_lookups = 0;
+    for (int i = 0; i < 10; i++) {
+        [root addItem:static_cast<NSMenuItem*>([NSMenuItem separatorItem])];
+        [root addItemWithTitle:@"a" action:@selector(copy:) keyEquivalent:@""];
+    }
+    EXPECT_EQ(named_lookups, 0);
+    [[root itemAtIndex:0] onStateImage];
+    EXPECT_GT(named_lookups, 0);
+    method_setImplementation(method, real_image_named);
+}
+
+TEST_F(MenuItem, ANamedImageIsFoundWithoutAskingImageMagick) {
+    EXPECT_NE([NSImage imageNamed:@"NSMenuCheckmark"], nil);
+    EXPECT_NE([NSImage imageNamed:@"NSMenuMixedState"], nil);
+    std::ifstream maps("/proc/self/maps");
+    const std::string mapped{std::istreambuf_iterator<char>(maps), {}};
+    EXPECT_NE(mapped.find("libgnustep-gui"), std::string::npos);
+    EXPECT_EQ(mapped.find("/coders/"), std::string::npos) << "a module of ImageMagick is loaded";
+    EXPECT_TRUE([[NSImage imageUnfilteredFileTypes] containsObject:@"webp"])
+        << "asked for, it tells";
 }

@@ -254,3 +254,29 @@ TEST_F(MenuStorage, TheDescriptorOfAMenuPlugInIsIgnored) {
     [root _setContextMenuPluginAEDesc:nullptr];
     EXPECT_EQ([root numberOfItems], 1);
 }
+
+TEST_F(MenuStorage, AViewThatWasMadeBeforeTheItemsShowsThem) {
+    NSMenu* root = menu();
+    NSMenuView* view = [root menuRepresentation];
+    [root addItem:item(@"one")];
+    [root addItem:item(@"two")];
+    [root sizeToFit];
+    EXPECT_STREQ([[[[view menuItemCellForItemAtIndex:1] menuItem] title] UTF8String], "two");
+    [root removeItemAtIndex:0];
+    [root sizeToFit];
+    EXPECT_STREQ([[[[view menuItemCellForItemAtIndex:0] menuItem] title] UTF8String], "two");
+}
+
+TEST_F(MenuStorage, EmptyMenusShareNothingThatCanBeSeen) {
+    NSMenu *one = menu(), *other = menu();
+    EXPECT_EQ([[one itemArray] count], 0u);
+    EXPECT_EQ([one itemAtIndex:0], nil);
+    EXPECT_EQ([one indexOfItemWithTitle:@"a"], -1);
+    [one addItem:item(@"a")];
+    EXPECT_EQ([one numberOfItems], 1);
+    EXPECT_EQ([other numberOfItems], 0);
+    [one removeItemAtIndex:0];
+    [one addItem:item(@"b")];
+    EXPECT_STREQ([[[one itemAtIndex:0] title] UTF8String], "b");
+    EXPECT_EQ([menu() numberOfItems], 0);
+}
