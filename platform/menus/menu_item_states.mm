@@ -4,6 +4,13 @@
 
 #include "objc/method_patch.h"
 
+// Kept by an item that was told to have no image for a state; nil stands for the usual one.
+@interface NoStateImage : NSImage
+@end
+
+@implementation NoStateImage
+@end
+
 @implementation NSMenuItem (LightStates)
 
 - (instancetype)initAsPlainObject {
@@ -12,15 +19,9 @@
 
 static IMP stock_encode;
 
-// Kept by an item that was told to have no image for a state; nil stands for the usual one.
-static NSImage* no_image() {
-    static NSImage* const none = [NSImage new];
-    return none;
-}
-
 static NSImage* shown_image(NSImage* kept, NSString* usual) {
-    if (kept) return kept == no_image() ? nil : kept;
-    return [NSImage imageNamed:usual];
+    if (!kept) return [NSImage imageNamed:usual];
+    return [kept isKindOfClass:[NoStateImage class]] ? nil : kept;
 }
 
 static NSImage* on_image(NSMenuItem* self, SEL) {
@@ -33,9 +34,9 @@ static NSImage* mixed_image(NSMenuItem* self, SEL) {
 
 static void keep_image(NSMenuItem* self, NSImage** kept, NSImage* image) {
     NSImage* previous = *kept;
-    *kept = [image ? image : no_image() retain];
-    if (previous != *kept) [self->_menu itemChanged:self];
+    *kept = image ? [image retain] : [NoStateImage new];
     [previous release];
+    [self->_menu itemChanged:self];
 }
 
 static void set_on_image(NSMenuItem* self, SEL, NSImage* image) {
