@@ -1,5 +1,5 @@
-// Named images without ImageMagick: to find the file of a name, even of one that no file has, GNUstep
-// asks every class of images for its endings, and that one loads all its modules to tell.
+// Named images without ImageMagick: to find the file of a name, even of one that no file has,
+// GNUstep asks every class of images for its endings, and that one loads all its modules to tell.
 #include <AppKit/AppKit.h>
 
 #include "objc/method_patch.h"
