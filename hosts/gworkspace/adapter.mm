@@ -11,6 +11,7 @@
 #include "gworkspace/operations.h"
 #include "gworkspace/presses.h"
 #include "gworkspace/type_selection.h"
+#include "file_steps/visible_text.h"
 
 // The display server is not connected yet when GNUstep loads bundles; the rest waits for the end
 // of the launch.
@@ -19,7 +20,9 @@
 
 namespace {
 
-void complain(const std::string& problem) { fprintf(stderr, "delvio: %s\n", problem.c_str()); }
+void complain(const std::string& problem) {
+    fprintf(stderr, "delvio: %s\n", operations::VisibleText(problem).c_str());
+}
 
 // The bundles stand beside this library.
 std::string own_folder() {

@@ -27,13 +27,25 @@ void* load_adapter() {
     return dlopen(path, RTLD_NOW);
 }
 
+// The reason names a path, which may hold anything; a control character, of C1 as well, is a "?".
+void complain(const char* reason) {
+    fputs("delvio: no contextual menus in GWorkspace: ", stderr);
+    for (const char* byte = reason; *byte; byte++) {
+        const auto value = static_cast<unsigned char>(*byte);
+        const bool is_c1 = value == 0xc2 && static_cast<unsigned char>(byte[1]) < 0xa0;
+        fputc(value < ' ' || value == 0x7f || is_c1 ? '?' : value, stderr);
+        if (is_c1 && byte[1]) byte++;
+    }
+    fputc('\n', stderr);
+}
+
 void start_adapter() {
     void* adapter = load_adapter();
     void* start = adapter ? dlsym(adapter, "DelvioStartInGWorkspace") : nullptr;
     if (start) {
         reinterpret_cast<void (*)()>(start)();
     } else {
-        fprintf(stderr, "delvio: no contextual menus in GWorkspace: %s\n", dlerror());
+        complain(dlerror());
     }
 }
 

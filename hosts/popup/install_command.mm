@@ -6,6 +6,7 @@
 
 #include "corefoundation/defaults_file.h"
 #include "finderkit/plug_in.h"
+#include "file_steps/visible_text.h"
 
 namespace {
 
@@ -58,7 +59,8 @@ int failed_to_write(const DefaultsFile& file) {
 }
 
 int say(const char* text, NSString* path, NSString* domain) {
-    printf("%s\n  %s\n  in the list %s of the defaults domain %s\n", text, [path UTF8String],
+    const std::string shown = operations::VisibleText([path UTF8String]);
+    printf("%s\n  %s\n  in the list %s of the defaults domain %s\n", text, shown.c_str(),
            [list_key UTF8String], [domain UTF8String]);
     return exit_done;
 }

@@ -137,3 +137,18 @@ TEST_F(Behaviour, NothingMoreIsWrittenToStandardError) {
     const auto with = kinds_of(messages_of_a_session(true));
     for (const std::string& line : with) EXPECT_TRUE(without.count(line)) << line;
 }
+
+TEST_F(Behaviour, AComplaintAtTheStartHoldsNoControlCharacter) {
+    setenv("DELVIO_BUNDLE", "/odd\x1b[31m\xc2\x9b", 1);
+    lines_t messages;
+    {
+        FileManager manager(folder_.path());
+        messages = manager.messages();
+    }
+    unsetenv("DELVIO_BUNDLE");
+    std::string all;
+    for (const std::string& line : messages) all += line + "\n";
+    EXPECT_NE(all.find("DELVIO_BUNDLE names no bundle: /odd\\x1b[31m"), std::string::npos) << all;
+    EXPECT_EQ(all.find('\x1b'), std::string::npos) << all;
+    EXPECT_EQ(all.find("\xc2\x9b"), std::string::npos) << all;
+}

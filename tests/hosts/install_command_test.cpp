@@ -71,6 +71,22 @@ TEST_F(Install, OtherBundlesKeepTheirPlaces) {
     EXPECT_EQ(everything(), others);
 }
 
+TEST_F(Install, PathsArePrintedWithoutControlCharacters) {
+    const std::string odd =
+        "/od\x7f"
+        "d\xc2\x9b/line\nbreak/DelvioGWorkspace.bundle";
+    defaults("write NSGlobalDomain" + key + " '(\"" + odd + "\")'");
+    const Outcome removed = run("uninstall");
+    EXPECT_EQ(removed.status, 0) << removed.err;
+    EXPECT_NE(removed.out.find("/od\\x7f"
+                               "d\\u009b/line\\nbreak/"),
+              std::string::npos)
+        << removed.out;
+    for (const char* raw : {"\x7f", "\xc2\x9b"}) {
+        EXPECT_EQ(removed.out.find(raw), std::string::npos) << removed.out;
+    }
+}
+
 TEST_F(Install, AgainSaysThatItIsThereAndAddsNothing) {
     run("install");
     const std::string once = everything();
