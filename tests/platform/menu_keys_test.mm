@@ -1,0 +1,169 @@
+// The keyboard in an open menu.
+#include "platform/presenter.h"
+
+TEST_F(Presenter, ArrowsMoveOverWhatCanBeHighlightedAndReturnPicks) {
+    shown([this] {
+        for (int i = 0; i < 4; i++) key("Down");
+    });
+    highlighted("gamma", 0, [this] { key("Up"); });
+    highlighted("beta", 0, [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("highlight gamma, highlight beta, close root, pick beta"),
+              std::string::npos);
+}
+
+TEST_F(Presenter, RightEntersALevelAndLeftLeavesIt) {
+    shown([this] {
+        key("Down");
+        key("Down");
+        key("Right");
+    });
+    highlighted("inner", 1, [this] { key("Left"); });
+    levels(1, [this] { key("Right"); });
+    highlighted("inner", 1, [this] { key("space"); });
+    run();
+    EXPECT_NE(log().find("pick inner"), std::string::npos);
+}
+
+// A submenu whose first rows are a disabled one and a separator, higher than the screen.
+class KeysInASubmenu : public Presenter {
+  protected:
+    void SetUp() override {
+        Presenter::SetUp();
+        NSMenu* menu = [folder_ submenu];
+        [menu removeAllItems];
+        [[recorder_ addItem:@"empty" toMenu:menu] setEnabled:NO];
+        [menu addItem:[NSMenuItem separatorItem]];
+        for (int i = 0; i < 100; i++) {
+            [recorder_ addItem:[NSString stringWithFormat:@"row %d", i] toMenu:menu];
+        }
+        // The folder itself can be picked, as a key that reached the parent level would show.
+        [folder_ setTarget:recorder_];
+        [folder_ setAction:@selector(picked:)];
+        shown([this] { moveTo(@"folder"); });
+    }
+    // End and Return are sent while the pointer is at a place in the submenu's panel.
+    void pick_the_last_from(int from_top, int from_bottom) {
+        levels(2, [=, this] {
+            const area_t panel = shown_level(1).panel();
+            const int y = from_top ? panel.top + from_top : panel.bottom() - from_bottom;
+            at_ = {panel.left + 30, y};
+            script_.input.move(at_.x, at_.y);
+        });
+        script_.when(
+            "pointer there", [this] { return stands(); }, [this] { key("End"); });
+        highlighted("row 99", 1, [this] { key("Return"); });
+        run();
+        EXPECT_NE(log().find("close folder, close root, pick row 99"), std::string::npos);
+    }
+    // The event has been handled: the highlight of the row that led here has come and gone.
+    bool stands() const {
+        const point_t now = current_pointer().at;
+        return now.x == at_.x && now.y == at_.y && highlighted_title(1).empty();
+    }
+    point_t at_ = {};
+};
+
+TEST_F(KeysInASubmenu, ReachItFromItsDisabledRow) { pick_the_last_from(15, 0); }
+
+TEST_F(KeysInASubmenu, ReachItFromItsSeparator) {
+    const menu_look_t look = menu_look(nil, nullptr);
+    pick_the_last_from(look.inset + look.row_height + look.separator_height / 2, 0);
+}
+
+TEST_F(KeysInASubmenu, ReachItFromItsScrollArrow) { pick_the_last_from(0, 6); }
+
+TEST_F(KeysInASubmenu, ReachItFromOutsideOfAllLevels) {
+    levels(2, [this] { moveTo(@"row 3", 1); });
+    highlighted("row 3", 1, [this] {
+        at_ = {10, 10};
+        script_.input.move(10, 10);
+    });
+    script_.when(
+        "outside", [this] { return stands(); }, [this] { key("End"); });
+    highlighted("row 99", 1, [this] { key("Escape"); });
+    run();
+}
+
+TEST_F(KeysInASubmenu, StopTheScrollingOfTheArrowUnderThePointer) {
+    int first = 0;
+    levels(2, [&] {
+        first = row_point(1, @"row 99").y;
+        const area_t panel = shown_level(1).panel();
+        script_.input.move(panel.left + 30, panel.bottom() - 6);
+    });
+    script_.when(
+        "scrolling", [&] { return row_point(1, @"row 99").y < first; }, [this] { key("Home"); });
+    int turns = 0;
+    script_.when(
+        "the first row stays highlighted",
+        [&] {
+            turns = highlighted_title(1) == "row 0" ? turns + 1 : 0;
+            return turns > 50;
+        },
+        [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("pick row 0"), std::string::npos);
+}
+
+TEST_F(KeysInASubmenu, LeadBackToTheParentAlone) {
+    levels(2, [this] { moveTo(@"row 3", 1); });
+    highlighted("row 3", 1, [this] { key("Left"); });
+    levels(1, [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("close folder, close root, pick folder"), std::string::npos);
+}
+
+TEST_F(KeysInASubmenu, BelongToTheParentWhileThePointerIsThere) {
+    levels(2, [this] { key("Down"); });
+    highlighted("beta", 0, [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("pick beta"), std::string::npos);
+}
+
+TEST_F(KeysInASubmenu, StayThereThoughThePointerRestsInTheParent) {
+    levels(2, [this] { key("Right"); });
+    highlighted("row 0", 1, [this] { key("Down"); });
+    highlighted("row 1", 1, [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("pick row 1"), std::string::npos);
+}
+
+TEST_F(Presenter, HomeAndEndGoToTheEnds) {
+    shown([this] { key("End"); });
+    highlighted("gamma", 0, [this] { key("Home"); });
+    highlighted("alpha", 0, [this] { key("Escape"); });
+    run();
+}
+
+TEST_F(Presenter, TypingFindsATitleByItsBeginning) {
+    [recorder_ addItem:@"Gallery" toMenu:root_];
+    shown([this] { key("g"); });
+    highlighted("gamma", 0, [this] {
+        key("a");
+        key("l");
+    });
+    highlighted("Gallery", 0, [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("pick Gallery"), std::string::npos);
+}
+
+TEST_F(Presenter, AlternatesFollowTheKeysWhileTheMenuIsOpen) {
+    NSMenuItem* alternate = [[[NSMenuItem alloc] initWithTitle:@"alternate"
+                                                        action:@selector(picked:)
+                                                 keyEquivalent:@""] autorelease];
+    [alternate setTarget:recorder_];
+    [alternate setAlternate:YES];
+    [alternate setKeyEquivalentModifierMask:NSShiftKeyMask];
+    [root_ insertItem:alternate atIndex:[root_ indexOfItem:beta_] + 1];
+    shown([this] { moveTo(@"beta"); });
+    highlighted("beta", 0, [this] { script_.input.key_down("Shift_L"); });
+    highlighted("alternate", 0, [this] {
+        EXPECT_EQ(row_point(0, @"beta").x, -1);
+        script_.input.key_up("Shift_L");
+    });
+    highlighted("beta", 0, [this] { script_.input.key_down("Shift_L"); });
+    highlighted("alternate", 0, [this] { key("Return"); });
+    run();
+    EXPECT_NE(log().find("pick alternate"), std::string::npos);
+}
