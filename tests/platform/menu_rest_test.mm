@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <fstream>
 #include <future>
 #include <mutex>
@@ -40,11 +41,12 @@ long sleeps() {
 
 // Waits for what is to happen; false when it has not for so long that it never will.
 bool wait_for(const std::function<bool()>& condition) {
-    for (int tries = 0; tries < 6000; tries++) {
-        if (condition()) return true;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::sleep_for(milliseconds(10));
     }
-    return false;
+    return true;
 }
 
 NSImageRep* pixels(NSColor* color) {
