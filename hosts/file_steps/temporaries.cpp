@@ -2,18 +2,17 @@
 
 #include <errno.h>
 #include <fcntl.h>
-#include <signal.h>
 #include <string.h>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <sys/statvfs.h>
-#include <sys/wait.h>
 #include <time.h>
 
 #include <algorithm>
 #include <vector>
 
 #include "file_steps/folder.h"
+#include "file_steps/lone_process.h"
 #include "file_steps/state_folder.h"
 
 namespace operations {
@@ -26,7 +25,6 @@ constexpr const char* journal_start = "delvio-";
 constexpr size_t random_digits = 16;
 constexpr int days_to_wait = 90;
 constexpr size_t most_cleaners = 8;
-constexpr unsigned longest_cleaning = 600;  // seconds
 constexpr const char* new_start = "new-";
 
 std::string journals_in(const std::string& state_folder) { return state_folder + "/temporaries"; }
@@ -126,21 +124,6 @@ std::vector<std::string> all_journals(const std::string& state_folder) {
     return found;
 }
 
-// Nothing of its parent stays open in it, and none of that one's signal handlers is left: nobody
-// waits for its end without knowing.
-void let_go_of_everything() {
-    setsid();
-    for (int number = 1; number < NSIG; number++) signal(number, SIG_DFL);
-    sigset_t none;
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    if (chdir("/") != 0) _exit(1);
-    close_range(0, ~0u, 0);
-    for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
-    // Where a disk can be given up at all.
-    alarm(longest_cleaning);
-}
-
 }  // namespace
 
 std::string StateFolder() {
@@ -195,19 +178,11 @@ void RemoveLeftTemporaries(const std::string& state_folder) {
 void BeginToRemoveLeftTemporaries(const std::string& state_folder) {
     const std::vector<std::string> journals = all_journals(state_folder);
     for (size_t first = 0; first < std::min(journals.size(), most_cleaners); first++) {
-        const pid_t parent = fork();
-        if (parent < 0) return;
-        if (parent > 0) {
-            waitpid(parent, nullptr, 0);
-            continue;
-        }
-        // Its child has no parent that would have to wait for it.
-        if (fork() != 0) _exit(0);
-        let_go_of_everything();
-        for (size_t at = first; at < journals.size(); at += most_cleaners) {
-            clean_up_journal(journals[at]);
-        }
-        _exit(0);
+        RunAlone([&] {
+            for (size_t at = first; at < journals.size(); at += most_cleaners) {
+                clean_up_journal(journals[at]);
+            }
+        });
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include "file_steps/folder.h"
 #include "file_steps/new_names.h"
+#include "operations/left_trash_info.h"
 
 namespace operations {
 
@@ -43,6 +44,7 @@ Operation::~Operation() = default;
 
 Report Operation::run() {
     BeginToRemoveLeftTemporaries(state_folder_);
+    BeginToRemoveLeftTrashInfo(state_folder_);
     report_.outcomes.resize(request_.sources.size());
     for (size_t index = 0; index < request_.sources.size(); index++) {
         report_.outcomes[index].source = request_.sources[index];

@@ -4,14 +4,13 @@
 #include <fcntl.h>
 #include <string.h>
 #include <sys/file.h>
+#include <unistd.h>
 
 #include "file_steps/folder.h"
 
 namespace operations {
 
 namespace {
-
-std::string path_in(const std::string& state_folder) { return state_folder + "/last-operation"; }
 
 bool is_at(const std::string& path, int file) {
     struct stat there, here;
@@ -31,6 +30,15 @@ Descriptor take_journal(const std::string& path) {
     return Descriptor();
 }
 
+// Another command that starts just now holds it for a moment, while it looks at its end.
+bool lock_soon(int file) {
+    for (int tries = 0; tries < 20; tries++) {
+        if (flock(file, LOCK_EX | LOCK_NB) == 0) return true;
+        usleep(5000);
+    }
+    return false;
+}
+
 std::string read_all(int file) {
     std::string text;
     char buffer[64 * 1024];
@@ -47,13 +55,17 @@ CopyState state_of(const struct stat& what, bool linked) {
 
 }  // namespace
 
+std::string UndoJournalPath(const std::string& state_folder) {
+    return state_folder + "/last-operation";
+}
+
 UndoJournal::UndoJournal(const std::string& state_folder)
     : state_folder_(state_folder), gave_up_(state_folder.empty()) {}
 
 bool UndoJournal::begin() {
     if (file_) return true;
     if (!MakeFolders(state_folder_)) return false;
-    file_ = take_journal(path_in(state_folder_));
+    file_ = take_journal(UndoJournalPath(state_folder_));
     const std::string start = BegunEntry();
     return file_ && ftruncate(file_.get(), 0) == 0 &&
            WriteAll(file_.get(), start.data(), start.size());
@@ -62,7 +74,7 @@ bool UndoJournal::begin() {
 void UndoJournal::give_up() {
     gave_up_ = true;
     // Half a journal would undo half an operation, and an older one another.
-    if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(path_in(state_folder_).c_str());
+    if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(UndoJournalPath(state_folder_).c_str());
 }
 
 void UndoJournal::record(const std::string& entry) {
@@ -97,12 +109,13 @@ void UndoJournal::emptying(const std::string& source, const std::string& target,
 
 void UndoJournal::elsewhere(const std::string& line) { record(ElsewhereEntry(line)); }
 
-LastOperation::LastOperation(const std::string& state_folder) : path_(path_in(state_folder)) {
+LastOperation::LastOperation(const std::string& state_folder)
+    : path_(UndoJournalPath(state_folder)) {
     file_ = Descriptor(open(path_.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (!file_) {
         recorded_.problem = IsMissing(errno) ? "there is nothing to undo"
                                              : "cannot read " + path_ + ": " + strerror(errno);
-    } else if (flock(file_.get(), LOCK_EX | LOCK_NB) != 0) {
+    } else if (!lock_soon(file_.get())) {
         recorded_.problem = "the last operation is still under way";
     } else {
         recorded_ = ReadRecord(read_all(file_.get()));

@@ -12,6 +12,9 @@
 
 namespace operations {
 
+// The file.
+std::string UndoJournalPath(const std::string& state_folder);
+
 // Its steps replace those of the operation before it, from the first one on. What cannot be written
 // is not undoable; the operation goes on.
 class UndoJournal {

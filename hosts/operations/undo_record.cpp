@@ -158,6 +158,15 @@ Recorded ReadRecord(const std::string& text) {
     return recorded;
 }
 
+bool EndsWithTrashing(const std::string& end, Trashed* trashed) {
+    const std::vector<std::string> words = split(end);
+    constexpr size_t length = 5;
+    // No field of another entry reads like the verb: they are whole paths and numbers.
+    if (words.size() < length || words[words.size() - length] != trashing) return false;
+    *trashed = {words[words.size() - 3], words[words.size() - 2]};
+    return true;
+}
+
 std::string BegunEntry() { return entry({begun}); }
 std::string MovingEntry(const std::string& source, const std::string& target, ino_t inode) {
     return entry({moving, source, target, std::to_string(inode)});

@@ -43,6 +43,10 @@ struct Recorded {
 // Reads what the lines below have written. The end may have been cut off with its process.
 Recorded ReadRecord(const std::string& text);
 
+// Whether what has been written last, of which `end` is the end, is that something goes to the
+// trash.
+bool EndsWithTrashing(const std::string& end, Trashed* trashed);
+
 // The bytes of one entry.
 std::string BegunEntry();
 std::string MovingEntry(const std::string& source, const std::string& target, ino_t inode);

@@ -9,6 +9,7 @@
 #include "file_steps/state_folder.h"
 #include "file_steps/temporaries.h"
 #include "finderkit/settings_file.h"
+#include "operations/left_trash_info.h"
 #include "popup/application.h"
 #include "popup/clipboard.h"
 #include "popup/install_command.h"
@@ -44,6 +45,7 @@ int run(const CommandLine& line, char* program) {
         return exit_failed;
     }
     operations::BeginToRemoveLeftTemporaries(operations::StateFolder());
+    operations::BeginToRemoveLeftTrashInfo(operations::StateFolder());
     if (line.command == CommandLine::undo) return RunUndoCommand();
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     PrepareToolkit(program);

@@ -1,0 +1,45 @@
+#include "file_steps/lone_process.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace operations {
+
+namespace {
+
+constexpr unsigned longest_work = 600;  // seconds
+
+// Nothing of its parent stays open in it, and none of that one's signal handlers is left: nobody
+// waits for its end without knowing.
+void let_go_of_everything() {
+    setsid();
+    for (int number = 1; number < NSIG; number++) signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (chdir("/") != 0) _exit(1);
+    close_range(0, ~0u, 0);
+    for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
+    // Where a disk can be given up at all.
+    alarm(longest_work);
+}
+
+}  // namespace
+
+void RunAlone(const std::function<void()>& work) {
+    const pid_t parent = fork();
+    if (parent < 0) return;
+    if (parent > 0) {
+        waitpid(parent, nullptr, 0);
+        return;
+    }
+    // Its child has no parent that would have to wait for it.
+    if (fork() != 0) _exit(0);
+    let_go_of_everything();
+    work();
+    _exit(0);
+}
+
+}  // namespace operations
