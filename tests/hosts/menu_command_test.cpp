@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <nlohmann/json.hpp>
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -13,77 +12,18 @@
 #include <filesystem>
 #include <fstream>
 
-#include "hosts/command_runner.h"
+#include "hosts/menu_command.h"
 #include "support/recording_program.h"
-#include "support/temp_folder.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 using nlohmann::json;
+using test::MenuCommand;
 using test::Outcome;
 using test::run_delvio;
-using Words = std::vector<std::string>;
-
-// These run without a display: the command brings its own.
-struct MenuCommand : testing::Test {
-    test::TempFolder folder;
-
-    static Outcome menu(Words words) {
-        words.insert(words.begin(), "menu");
-        return run_delvio(words);
-    }
-
-    // The menu as JSON, of a run that must succeed and say nothing else.
-    static json menu_json(Words words) {
-        words.insert(words.begin(), "--json");
-        const Outcome outcome = menu(words);
-        EXPECT_EQ(outcome.status, 0) << outcome.err;
-        EXPECT_EQ(outcome.err, "");
-        return json::parse(outcome.out);
-    }
-
-    // What a level shows while no key is held.
-    static json shown(const json& items) {
-        json result = json::array();
-        for (const json& item : items) {
-            if (item["type"] == "separator" || !item["alternate"]) result.push_back(item);
-        }
-        return result;
-    }
-
-    // The titles shown of a level, "-" for a separator.
-    static Words titles(const json& items) {
-        Words result;
-        for (const json& item : shown(items)) {
-            result.push_back(item["type"] == "separator" ? "-" : item["title"].get<std::string>());
-        }
-        return result;
-    }
-
-    // The item of that title; fails the test, and gives null, when there is none.
-    static json item(const json& items, const std::string& title) {
-        for (const json& candidate : items) {
-            if (candidate["title"] == title) return candidate;
-        }
-        ADD_FAILURE() << "no item " << title << " in " << items;
-        return nullptr;
-    }
-
-    static json level(const json& items, const std::string& title) {
-        const json found = item(items, title);
-        return found.is_null() ? json::array() : found["submenu"]["items"];
-    }
-
-    static void expect_one_line(const Outcome& outcome, int status, const std::string& hint) {
-        EXPECT_EQ(outcome.status, status);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.err.rfind("delvio: ", 0), 0u) << outcome.err;
-        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
-        EXPECT_NE(outcome.err.find(hint), std::string::npos) << outcome.err;
-    }
-};
+using test::Words;
 
 const Words host_titles = {"Open", "Show in File Manager", "Copy Path", "-", "Move to Trash"};
 
@@ -511,27 +451,6 @@ TEST_F(MenuCommand, WaitsForThePictureOfAPreviewSubmenu) {
     print.insert(print.begin(), "--print");
     EXPECT_NE(menu(print).out.find("    note.txt > [option]\n        (picture)\n"),
               std::string::npos);
-}
-
-TEST_F(MenuCommand, EndsInALoopOfLinksAndSaysWhatItLeftClosed) {
-    folder.folder("top");
-    folder.link("top/again", ".");
-    const Outcome outcome = menu({"--print", "--depth", "1000000", folder.path("top")});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-    EXPECT_NE(outcome.err.find("left closed: 1 submenu;"), std::string::npos) << outcome.err;
-}
-
-TEST_F(MenuCommand, ReadsNoMoreRowsThanItCanHold) {
-    constexpr int links = 48;  // their third level would have 110592 rows, their fourth millions
-    folder.folder("top");
-    for (int i = 0; i < links; ++i) folder.link("top/" + std::to_string(i), ".");
-    const Outcome outcome = menu({"--print", "--depth", "5", folder.path("top")});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.err.find("left closed: "), std::string::npos) << outcome.err;
-    const auto rows = std::count(outcome.out.begin(), outcome.out.end(), '\n');
-    EXPECT_GT(rows, 100000);
-    EXPECT_LT(rows, 100000 + 6 * links);  // what the open levels still hold
 }
 
 // The name as a terminal shows it: no escape sequence, no second line, no turned order.

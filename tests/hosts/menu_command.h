@@ -1,0 +1,76 @@
+// `delvio menu`, read without a display: the command brings its own.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <string>
+#include <vector>
+
+#include "hosts/command_runner.h"
+#include "support/temp_folder.h"
+
+namespace test {
+
+using nlohmann::json;
+using Words = std::vector<std::string>;
+
+struct MenuCommand : testing::Test {
+    TempFolder folder;
+
+    static Outcome menu(Words words, const Changes& environment = {}) {
+        words.insert(words.begin(), "menu");
+        return run_delvio(words, environment);
+    }
+
+    // The menu as JSON, of a run that must succeed and say nothing else.
+    static json menu_json(Words words) {
+        words.insert(words.begin(), "--json");
+        const Outcome outcome = menu(words);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
+        return json::parse(outcome.out);
+    }
+
+    // What a level shows while no key is held.
+    static json shown(const json& items) {
+        json result = json::array();
+        for (const json& item : items) {
+            if (item["type"] == "separator" || !item["alternate"]) result.push_back(item);
+        }
+        return result;
+    }
+
+    // The titles shown of a level, "-" for a separator.
+    static Words titles(const json& items) {
+        Words result;
+        for (const json& item : shown(items)) {
+            result.push_back(item["type"] == "separator" ? "-" : item["title"].get<std::string>());
+        }
+        return result;
+    }
+
+    // The item of that title; fails the test, and gives null, when there is none.
+    static json item(const json& items, const std::string& title) {
+        for (const json& candidate : items) {
+            if (candidate["title"] == title) return candidate;
+        }
+        ADD_FAILURE() << "no item " << title << " in " << items;
+        return nullptr;
+    }
+
+    static json level(const json& items, const std::string& title) {
+        const json found = item(items, title);
+        return found.is_null() ? json::array() : found["submenu"]["items"];
+    }
+
+    static void expect_one_line(const Outcome& outcome, int status, const std::string& hint) {
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err.rfind("delvio: ", 0), 0u) << outcome.err;
+        EXPECT_EQ(outcome.err.find('\n'), outcome.err.size() - 1) << outcome.err;
+        EXPECT_NE(outcome.err.find(hint), std::string::npos) << outcome.err;
+    }
+};
+
+}  // namespace test
