@@ -115,12 +115,8 @@
     char* path = dv_path_for_elem(elem, 1, 0);
     uint32_t flags = dv_get_flags(dv);
     if (elem->origin & DV_ORIGIN_MOVE_COPY) flags |= DV_SCAN_FOLDERS_ONLY;
-    dv_tree_t* root = dv_build_tree(path, 0, 1, flags, elem->origin);
+    dv_read_children(elem, path, 0, 1, flags, elem->origin);
     free(path);
-    if (!root) return;
-    elem->children = root->children;
-    for (dv_tree_t* child = elem->children; child; child = child->next) child->parent = elem;
-    dv_free_elem(root);
 }
 
 - (DVMenu*)createSubmenuForTree:(dv_tree_t*)tree

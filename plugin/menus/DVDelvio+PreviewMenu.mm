@@ -51,9 +51,8 @@ void make_preview(void* context) {
     auto* work = static_cast<preview_work_t*>(context);
     if (dvEnableDebugOutput) dvdprintf("Delvio: Populating preview item\n");
     delvio_t* dv = [[DVDelvio sharedDelvio] getDV];
-    const CGFloat side = dv->preview_size;
-    work->image = dv_create_thumbnail([DVDelvio urlForTree:work->elem], CGSizeMake(side, side));
-    if (!work->image) work->image = dv_create_text_picture(dv, work->elem);
+    NSURL* url = [DVDelvio urlForTree:work->elem];
+    work->image = dv_create_picture(dv, url, dv->preview_size, work->elem);
     dispatch_async_f(dispatch_get_main_queue(), work, show_preview);
 }
 

@@ -77,13 +77,8 @@ void show_picture(void* context) {
 void make_picture(void* context) {
     auto* work = static_cast<production_t*>(context);
     if (dvEnableDebugOutput) dvdprintf("Delvio: Generating preview image\n");
-    NSURL* url = [work->controller path];
-    const CGSize size = CGSizeMake(window_side, window_side);
-    work->image = dv_create_thumbnail(url, size);
-    if (!work->image) {
-        work->image =
-            dv_create_text_picture([[DVDelvio sharedDelvio] getDV], [[url path] UTF8String]);
-    }
+    delvio_t* dv = [[DVDelvio sharedDelvio] getDV];
+    work->image = dv_create_picture(dv, [work->controller path], window_side, nullptr);
     dispatch_async_f(dispatch_get_main_queue(), work, show_picture);
 }
 

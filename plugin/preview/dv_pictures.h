@@ -1,12 +1,11 @@
-// A picture of a file, by either of the two ways. Any thread; the caller releases the images.
+// A picture of a file, by either of the two ways. Any thread; the caller releases it.
 #pragma once
 
 #include <Foundation/Foundation.h>
 
 #include "preview/dv_preview.h"
 
-// What Quick Look has for the file, within `size`; null when it has none.
-CGImageRef dv_create_thumbnail(NSURL* url, CGSize size);
-// The file's text, in a square of the size now set.
-CGImageRef dv_create_text_picture(delvio_t* state, const char* path);
-CGImageRef dv_create_text_picture(delvio_t* state, dv_tree_t* elem);
+// What Quick Look has for the file, within a square of `side`; else its text, in a square of the
+// size now set. The text is read from the element's own path, or from the URL's without an element.
+// Null when there is neither.
+CGImageRef dv_create_picture(delvio_t* state, NSURL* url, CGFloat side, dv_tree_t* elem);

@@ -13,19 +13,17 @@ void prepare_text_preview(delvio_t* state) {
     dv_create_preview_context(state);
 }
 
+CGImageRef create_text_picture(delvio_t* state, NSURL* url, dv_tree_t* elem) {
+    prepare_text_preview(state);
+    return elem ? dv_create_text_preview(state, elem)
+                : dv_create_text_preview_from_path(state, [[url path] UTF8String]);
+}
+
 }  // namespace
 
-CGImageRef dv_create_thumbnail(NSURL* url, CGSize size) {
-    return url ? QLThumbnailImageCreate(kCFAllocatorDefault, (CFURLRef)url, size, nullptr)
-               : nullptr;
-}
-
-CGImageRef dv_create_text_picture(delvio_t* state, const char* path) {
-    prepare_text_preview(state);
-    return dv_create_text_preview_from_path(state, path);
-}
-
-CGImageRef dv_create_text_picture(delvio_t* state, dv_tree_t* elem) {
-    prepare_text_preview(state);
-    return dv_create_text_preview(state, elem);
+CGImageRef dv_create_picture(delvio_t* state, NSURL* url, CGFloat side, dv_tree_t* elem) {
+    CGImageRef image = url ? QLThumbnailImageCreate(kCFAllocatorDefault, (CFURLRef)url,
+                                                    CGSizeMake(side, side), nullptr)
+                           : nullptr;
+    return image ? image : create_text_picture(state, url, elem);
 }

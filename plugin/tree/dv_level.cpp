@@ -8,12 +8,7 @@ namespace {
 // The element's children, read from the entry's path; none beyond the last level.
 void descend(dv_level_t& level, dv_tree_t* elem) {
     strcat(level.path + level.root->dir->path_len, "/");
-    dv_tree_t* root =
-        dv_build_tree(level.path, level.level + 1, level.max_level, level.flags, level.origin);
-    if (!root) return;
-    elem->children = root->children;
-    for (dv_tree_t* child = elem->children; child; child = child->next) child->parent = elem;
-    dv_free_elem(root);
+    dv_read_children(elem, level.path, level.level + 1, level.max_level, level.flags, level.origin);
 }
 
 bool is_dot_or_dots(const char* name) { return !strcmp(name, ".") || !strcmp(name, ".."); }

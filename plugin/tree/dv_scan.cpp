@@ -69,6 +69,15 @@ dv_tree_t* dv_build_tree(const char* path, int32_t level, int32_t max_level, uin
     return root;
 }
 
+void dv_read_children(dv_tree_t* elem, const char* path, int32_t level, int32_t max_level,
+                      uint32_t flags, uint32_t origin) {
+    dv_tree_t* root = dv_build_tree(path, level, max_level, flags, origin);
+    if (!root) return;
+    elem->children = root->children;
+    for (dv_tree_t* child = elem->children; child; child = child->next) child->parent = elem;
+    dv_free_elem(root);
+}
+
 dv_tree_t* dv_build_single_elem(const char* path, uint32_t flags, uint32_t origin) {
     dv_tree_t* elem = dv_create_elem(dv_create_single_dir(path), "", 0, origin);
     const int verdict = dv_process_finder_info(path, flags, elem);

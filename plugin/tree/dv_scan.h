@@ -38,6 +38,11 @@ uint32_t dv_get_flags(const delvio_t* state);
 dv_tree_t* dv_build_tree(const char* path, int32_t level, int32_t max_level, uint32_t flags,
                          uint32_t origin);
 
+// Reads the level at `path` as the element's children. Its children stay as they are when the path
+// is no readable folder, or is below the last level.
+void dv_read_children(dv_tree_t* elem, const char* path, int32_t level, int32_t max_level,
+                      uint32_t flags, uint32_t origin);
+
 // One classified element for `path`, its whole path in its directory record; null when it is to be
 // hidden or does not exist. Names that begin with "." are not hidden here.
 dv_tree_t* dv_build_single_elem(const char* path, uint32_t flags, uint32_t origin);
