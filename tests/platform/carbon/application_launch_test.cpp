@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "support/heap.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -259,6 +260,24 @@ TEST_F(ApplicationLaunch, ABrokenApplicationAnswersTheMacsCodes) {
     const LSLaunchFSRefSpec spec = {&app, 0, nullptr, nullptr, kLSLaunchDefaults, nullptr};
     EXPECT_EQ(LSOpenFromRefSpec(&spec, nullptr), kLSApplicationNotFoundErr);
     EXPECT_TRUE(starts(0).empty());
+}
+
+// As the plug-in asks: with a reference that leads nowhere.
+TEST_F(ApplicationLaunch, AnApplicationThatHasGoneLeavesNoMemoryBehind) {
+    const std::string document = folder.file(std::string(200, 'n'));
+    const auto open_often = [&](int times) {
+        for (int i = 0; i < times; i++) {
+            FSRef nowhere = {};
+            FSRef opened = reference(document);
+            const LSLaunchFSRefSpec spec = {&nowhere,          1,      &opened, nullptr,
+                                            kLSLaunchDefaults, nullptr};
+            EXPECT_EQ(LSOpenFromRefSpec(&spec, nullptr), kLSApplicationNotFoundErr);
+        }
+        return test::memory_in_use();
+    };
+    // Until the table of references is full.
+    const size_t before = open_often(5000);
+    EXPECT_LT(open_often(1000), before + 1000);
 }
 
 TEST_F(ApplicationLaunch, AProgramThatTheSystemCannotRunIsReported) {
