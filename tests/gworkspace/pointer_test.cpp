@@ -58,9 +58,11 @@ class PressAndHold : public Pointer {
         read_preferences();
         move_to(item("browser", path("second.txt")));
         // The place's own, once the program has set it.
+        // Which has seen the move when it answers the second time.
         EXPECT_TRUE(wait_until([&] {
             cursor_ = input().cursor();
-            usleep(100000);
+            manager().ask("idle");
+            manager().ask("idle");
             return cursor_ == input().cursor();
         }));
         input().press(1);
@@ -127,13 +129,11 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
     const Area place = ground("icons");
     RunningCommand command({"menu", "--at", "700,40", file});
     ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); }));
-    // Its first row is highlighted when the pointer is on it, and not when it is outside.
+    // Its first row is highlighted when the pointer is on it, and not before.
+    const unsigned long plain = input().pixel(706, 56);
+    int turn = 0;
     EXPECT_TRUE(wait_until([&] {
-        input().move(600, 20);
-        usleep(100000);
-        const unsigned long plain = input().pixel(706, 56);
-        input().move(730, 56);
-        usleep(100000);
+        input().move(730 + turn++ % 2, 56);
         return input().pixel(706, 56) != plain;
     }));
     input().key_down("Super_L");
@@ -141,10 +141,10 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
     ASSERT_TRUE(wait_until([&] { return input().pointer_is_free(); })) << "the menu closes";
     ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); })) << "the drag begins";
     input().key_up("Super_L");
-    for (int step = 0; step < 10; step++) {
-        input().move(place.x() - step % 2, place.y());
-        usleep(100000);
-    }
+    EXPECT_TRUE(wait_until([&] {
+        input().move(place.x() - turn++ % 2, place.y());
+        return manager().ask("target icons") == "yes";
+    })) << "GWorkspace does not take the drag";
     input().release(1);
     // The keyboard may still be the other program's: a click gives it to the question.
     left_click(manager().settled_area("alert_ground"));

@@ -1,6 +1,7 @@
 #include <AppKit/AppKit.h>
 
 #include <malloc.h>
+#include <objc/runtime.h>
 
 #include <map>
 #include <sstream>
@@ -162,6 +163,12 @@ std::string ground_area(const std::string& kind) {
     return area_of(view, NSMakeRect(left, low, 8, 8));
 }
 
+bool is_drag_target(NSView* view) {
+    Ivar variable = class_getInstanceVariable([view class], "isDragTarget");
+    if (!variable) return false;
+    return *(reinterpret_cast<const BOOL*>(view) + ivar_getOffset(variable));
+}
+
 std::string window_titles() {
     std::string text;
     for (NSWindow* window in [NSApp windows]) {
@@ -258,6 +265,8 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
     } else if (question == "bounds") {
         NSView* view = view_of(kind);
         *answer = view ? area_of(view, [view visibleRect]) : "";
+    } else if (question == "target") {
+        *answer = is_drag_target(view_of(kind)) ? "yes" : "";
     } else if (question == "clipboard") {
         NSPasteboard* board = [NSPasteboard generalPasteboard];
         *answer = lines_of([board propertyListForType:NSFilenamesPboardType]);

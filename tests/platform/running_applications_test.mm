@@ -17,6 +17,8 @@
 #include <vector>
 
 #include "support/app.h"
+#include "support/announced_window.h"
+#include "support/moment.h"
 #include "support/temp_folder.h"
 
 extern char** environ;
@@ -24,6 +26,18 @@ extern char** environ;
 namespace {
 
 using Words = std::vector<std::string>;
+
+// Ten seconds at most.
+template <typename Condition>
+bool wait_until(Condition condition) {
+    for (int i = 0; i < 500; i++) {
+        @autoreleasepool {
+            if (condition()) return true;
+        }
+        usleep(20000);
+    }
+    return false;
+}
 
 // Another program, ended with the test.
 class Child {
@@ -54,12 +68,12 @@ class Child {
     Child& operator=(const Child&) = delete;
 
     // The next client gets the numbers of this one's windows; a window manager that is late would
-    // take the news of the one for the other's.
+    // take the news of the one for the other's, so that its list is waited for.
     void end() {
         if (process > 0) {
             kill(process, SIGKILL);
             waitpid(process, nullptr, 0);
-            usleep(150000);
+            wait_until([] { return test::listed_windows_are_there(); });
         }
         process = 0;
         close(input_);
@@ -78,18 +92,6 @@ NSRunningApplication* now_running(pid_t process) {
     return nil;
 }
 
-// Ten seconds at most.
-template <typename Condition>
-bool wait_until(Condition condition) {
-    for (int i = 0; i < 500; i++) {
-        @autoreleasepool {
-            if (condition()) return true;
-        }
-        usleep(20000);
-    }
-    return false;
-}
-
 NSRunningApplication* running(const Child& child) {
     wait_until([&] { return now_running(child.process) != nil; });
     return now_running(child.process);
@@ -104,7 +106,6 @@ Child* start_manager() {
     const std::string ready = folder.path("ready");
     auto* manager = new Child("openbox", {"--startup", "touch " + ready});
     if (wait_until([&] { return access(ready.c_str(), F_OK) == 0; })) {
-        usleep(100000);
         return manager;
     }
     delete manager;
@@ -132,7 +133,7 @@ class RunningApplications : public testing::Test {
     }
     void TearDown() override {
         (void)!system(("rm -f '" + applications() + "'/*").c_str());
-        usleep(120000);  // what is installed is looked for ten times a second
+        test::let_a_moment_pass();
         [pool release];
     }
     static std::string applications() {
@@ -142,7 +143,7 @@ class RunningApplications : public testing::Test {
     static std::string install(const std::string& id, const std::string& lines) {
         const std::string path = applications() + "/" + id + ".desktop";
         std::ofstream(path) << "[Desktop Entry]\nType=Application\n" << lines;
-        usleep(120000);
+        test::let_a_moment_pass();
         return path;
     }
     // The client under another name, as another program.
@@ -257,7 +258,6 @@ TEST_F(RunningApplications, AWindowFromAnotherMachineIsNoProcessHere) {
                     {"window", "class=far,Far", "machine=elsewhere", "pid=1", "show"});
     const Child near(WINDOW_CLIENT, plain);
     ASSERT_NE(running(near), nil);
-    usleep(100000);
     EXPECT_EQ(now_running(far.process), nil);
     EXPECT_EQ(now_running(1), nil);
 }

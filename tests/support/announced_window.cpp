@@ -71,6 +71,19 @@ std::vector<AnnouncedWindow> announced_windows() {
     return announced;
 }
 
+bool listed_windows_are_there() {
+    Display* display = XOpenDisplay(nullptr);
+    XErrorHandler before = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
+    bool are_there = true;
+    for (const long window : numbers_of(display, DefaultRootWindow(display), "_NET_CLIENT_LIST")) {
+        XWindowAttributes attributes;
+        are_there &= XGetWindowAttributes(display, static_cast<Window>(window), &attributes) != 0;
+    }
+    XSetErrorHandler(before);
+    XCloseDisplay(display);
+    return are_there;
+}
+
 Compositor::Compositor() : display_(XOpenDisplay(nullptr)) {
     const Window window =
         XCreateSimpleWindow(display_, DefaultRootWindow(display_), -1, -1, 1, 1, 0, 0, 0);

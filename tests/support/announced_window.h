@@ -18,6 +18,9 @@ struct AnnouncedWindow {
 // Those that are shown and have a type.
 std::vector<AnnouncedWindow> announced_windows();
 
+// Whether the windows that the window manager lists are all there; also where none lists any.
+bool listed_windows_are_there();
+
 class Compositor {
   public:
     Compositor();

@@ -49,6 +49,21 @@ class UndoTest : public testing::Test {
         return state;
     }
 
+    // What is changed from now on has another time than what was changed before.
+    void let_the_clock_tick() {
+        const std::string path = folder_.path("state/tick");
+        const auto time_of_new = [&] {
+            unlink(path.c_str());
+            folder_.file("state/tick");
+            struct stat what = {};
+            stat(path.c_str(), &what);
+            return std::pair(what.st_ctim.tv_sec, what.st_ctim.tv_nsec);
+        };
+        const auto before = time_of_new();
+        while (time_of_new() == before) usleep(1000);
+        unlink(path.c_str());
+    }
+
     test::TempFolder folder_;
     test::OtherVolume volume_{folder_.path()};
     test::Notes notes_;
@@ -84,7 +99,7 @@ TEST_F(UndoTest, AChangedCopyIsKept) {
     const std::string tree = folder_.folder("tree"), a = folder_.file("a", "a");
     test::make_tree(tree, 40);
     perform(Kind::Copy, {a, tree}, folder_.path("to"));
-    usleep(20000);  // more than a tick of the file system's clock
+    let_the_clock_tick();
     folder_.file("to/tree/folder 1/1.txt", "work of the user");
     const test::State before = world();
     EXPECT_EQ(undo(), Names({"the copy \"tree\" was changed since"}));

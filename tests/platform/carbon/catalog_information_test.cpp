@@ -10,14 +10,14 @@
 #include <string>
 
 #include "platform/carbon/file_questions.h"
+#include "support/moment.h"
 #include "support/temp_folder.h"
 
 namespace {
 
 using test::finder_info;
 
-// Longer than anything seen on disk is believed.
-void let_a_moment_pass() { usleep(150000); }
+using test::let_a_moment_pass;
 
 bool is_invisible(const std::string& path) {
     return (finder_info(path).finderFlags & kIsInvisible) != 0;

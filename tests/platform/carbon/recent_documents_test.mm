@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "support/moment.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -35,11 +36,10 @@ class RecentDocuments : public testing::Test {
     static void write(const std::string& path, const std::string& content) {
         std::ofstream(path, std::ios::binary) << content;
     }
-    // What is installed is looked for ten times a second.
     static void install(const std::string& id, const std::string& name, const std::string& exec) {
         write(data() + "/applications/" + id + ".desktop",
               "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + exec + "\n");
-        usleep(120000);
+        test::let_a_moment_pass();
     }
     static std::string item(const Use& use) {
         return "<bookmark href='" + use.address + "' added='" + use.day + "' modified='" + use.day +

