@@ -3,6 +3,7 @@
 #include <AppKit/AppKit.h>
 
 #include <glib.h>
+#include <host/input_method.h>
 
 #include <vector>
 
@@ -102,6 +103,7 @@ void PrepareToolkit(char* program) {
 }
 
 void StartApplication() {
+    OpenInputMethodLate();
     [NSApplication sharedApplication];
     [[NSNotificationCenter defaultCenter] addObserver:[LateLauncher class]
                                              selector:@selector(panelBecameKey:)

@@ -1,0 +1,86 @@
+#include <host/input_method.h>
+
+#include <Foundation/Foundation.h>
+#include <X11/Xlib.h>
+
+#include "objc/method_patch.h"
+
+namespace {
+
+// The one that waits to be opened, and on which display. There is one a process, and it stays.
+id waiting;
+Display* its_display;
+
+IMP stock_open, stock_focus, stock_lookup;
+
+BOOL open_later(id self, SEL, Display* display) {
+    waiting = self;
+    its_display = display;
+    return YES;
+}
+
+void focus(id self, SEL selector, void* window) {
+    if (self == waiting) return;  // the first key does it
+    reinterpret_cast<void (*)(id, SEL, void*)>(stock_focus)(self, selector, window);
+}
+
+// The key goes to the input method, too, which would have seen it before the application did. True
+// if it keeps the key, as it does with the first of several that make a character.
+bool open_with_key(id self, XKeyEvent* key, void* window) {
+    waiting = nil;
+    using open_t = BOOL (*)(id, SEL, Display*);
+    if (!reinterpret_cast<open_t>(stock_open)(self, @selector(ximInit:), its_display)) return false;
+    focus(self, @selector(ximFocusICWindow:), window);
+    XEvent event = {};
+    event.xkey = *key;
+    return XFilterEvent(&event, None);
+}
+
+NSString* look_up(id self, SEL selector, XKeyEvent* key, void* window, KeySym* symbol) {
+    if (self == waiting && open_with_key(self, key, window)) {
+        if (symbol) *symbol = NoSymbol;
+        return nil;
+    }
+    using lookup_t = NSString* (*)(id, SEL, XKeyEvent*, void*, KeySym*);
+    return reinterpret_cast<lookup_t>(stock_lookup)(self, selector, key, window, symbol);
+}
+
+// All or none: what is put off must be opened some time.
+void put_off_opening(Class input_server) {
+    const method_patch_t patches[] = {
+        {"XIMInputServer", "ximInit:", reinterpret_cast<IMP>(open_later), &stock_open},
+        {"XIMInputServer", "ximFocusICWindow:", reinterpret_cast<IMP>(focus), &stock_focus},
+        {"XIMInputServer", "lookupStringForEvent:window:keysym:", reinterpret_cast<IMP>(look_up),
+         &stock_lookup},
+    };
+    for (const method_patch_t& patch : patches) {
+        if (!class_getInstanceMethod(input_server, sel_registerName(patch.selector))) return;
+    }
+    patch_methods(patches);
+}
+
+}  // namespace
+
+// The class comes with the bundle of the back end, which the application loads as it starts.
+@interface InputMethodPatcher : NSObject
++ (void)bundleDidLoad:(NSNotification*)notification;
+@end
+
+@implementation InputMethodPatcher
+
++ (void)bundleDidLoad:(NSNotification*)notification {
+    (void)notification;
+    Class input_server = objc_getClass("XIMInputServer");
+    if (!input_server) return;
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    put_off_opening(input_server);
+}
+
+@end
+
+void OpenInputMethodLate(void) {
+    [[NSNotificationCenter defaultCenter] addObserver:[InputMethodPatcher class]
+                                             selector:@selector(bundleDidLoad:)
+                                                 name:NSBundleDidLoadNotification
+                                               object:nil];
+}

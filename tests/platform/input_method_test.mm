@@ -1,0 +1,51 @@
+// Keys in a program whose input method is opened late.
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <gtest/gtest.h>
+#include <host/input_method.h>
+#include <host/menu_tracking.h>
+#include <objc/runtime.h>
+
+#include "platform/menu_script.h"
+#include "platform/recording_delegate.h"
+#include "support/app.h"
+
+namespace {
+
+// The method and its tables, null while it is not open.
+void* input_method() {
+    id server = GSCurrentServer();
+    id input = object_getIvar(server, class_getInstanceVariable([server class], "inputServer"));
+    Ivar method = class_getInstanceVariable([input class], "xim");
+    const char* fields = reinterpret_cast<const char*>(input);
+    return *reinterpret_cast<void* const*>(fields + ivar_getOffset(method));
+}
+
+}  // namespace
+
+TEST(AnInputMethodThatIsOpenedLate, IsOpenedByTheFirstKeyWhichIsNotLost) {
+    @autoreleasepool {
+        OpenInputMethodLate();
+        test::start_application();
+        RecordingDelegate* recorder = [[RecordingDelegate new] autorelease];
+        NSMenu* menu = [recorder menuNamed:@"menu"];
+        [recorder addItem:@"eagle" toMenu:menu];
+        [recorder addItem:@"other" toMenu:menu];
+        MenuScript script;
+        script.input.move(10, 10);
+        script.when(
+            "shown", [] { return level_is_shown(0) && [NSApp keyWindow]; },
+            [&] {
+                EXPECT_EQ(input_method(), nullptr);
+                script.input.key("o");
+            });
+        script.when(
+            "highlight", [] { return !highlighted_title(0).empty(); },
+            [&] {
+                EXPECT_EQ(highlighted_title(0), "other");
+                EXPECT_NE(input_method(), nullptr);
+                script.input.key("Return");
+            });
+        script.run(menu, 300, 200);
+        EXPECT_NE([recorder takeLog].find("pick other"), std::string::npos);
+    }
+}
