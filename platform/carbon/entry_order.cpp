@@ -6,7 +6,7 @@
 #include <bit>
 #include <numeric>
 
-#include "carbon/collation_keys.h"
+#include "collation/keys.h"
 
 namespace files {
 

@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <vector>
 
-#include "carbon/collation_tables.h"
-#include "carbon/root_collator.h"
+#include "collation/tables.h"
+#include "collation/root_collator.h"
 
 namespace {
 
@@ -162,7 +162,7 @@ void print(const Item (&items)[count]) {
 }
 
 void print(const Tables& tables) {
-    printf("#include \"carbon/collation_tables.h\"\n\n");
+    printf("#include \"collation/tables.h\"\n\n");
     printf("const collation::Tables collation::tables = {\n");
     print(tables.characters);
     print(tables.simple);

@@ -4,7 +4,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#include "carbon/collation_tables.h"
+#include "collation/tables.h"
 
 namespace collation {
 

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <bit>
 
-#include "carbon/collation_tables.h"
-#include "carbon/root_collator.h"
+#include "collation/tables.h"
+#include "collation/root_collator.h"
 
 namespace {
 

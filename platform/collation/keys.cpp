@@ -1,4 +1,4 @@
-#include "carbon/collation_keys.h"
+#include "collation/keys.h"
 
 namespace collation {
 

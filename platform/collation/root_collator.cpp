@@ -1,4 +1,4 @@
-#include "carbon/root_collator.h"
+#include "collation/root_collator.h"
 
 #include <utility>
 
