@@ -5,6 +5,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
+
+#include "coregraphics/image.h"
 
 namespace {
 
@@ -51,7 +54,87 @@ int bounded(double value, int limit) {
     return static_cast<int>(std::max(0.0, std::min(value, double(limit))));
 }
 
+// Those with a finer one; images may be made on any thread.
+std::mutex finer_lock;
+std::vector<CGContextRef>& with_finer() {
+    static auto* contexts = new std::vector<CGContextRef>;
+    return *contexts;
+}
+
+CGContextRef new_bitmap_context(size_t width, size_t height, double scale) {
+    cairo_surface_t* surface = cairo_image_surface_create(
+        CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height));
+    cairo_t* cairo = cairo_create(surface);
+    cairo_surface_destroy(surface);
+    CGContextRef context = nullptr;
+    if (cairo_status(cairo) == CAIRO_STATUS_SUCCESS) {
+        cairo_matrix_t matrix;
+        cairo_matrix_init(&matrix, scale, 0, 0, -scale, 0, static_cast<double>(height));
+        context = new_context(cairo, matrix);
+        context->scale = scale;
+    }
+    cairo_destroy(cairo);
+    return context;
+}
+
+// Begins with what the caller's memory holds.
+void add_finer(CGContextRef context, size_t width, size_t height, double scale) {
+    const auto grown = [scale](size_t side) {
+        return static_cast<size_t>(std::lround(static_cast<double>(side) * scale));
+    };
+    if (scale <= 1 || std::max(grown(width), grown(height)) > longest_side) return;
+    context->finer = new_bitmap_context(grown(width), grown(height), scale);
+    if (!context->finer) return;
+    cairo_t* cairo = context->finer->cairo;
+    cairo_save(cairo);
+    cairo_scale(cairo, scale, scale);
+    cairo_set_source_surface(cairo, cairo_get_target(context->cairo), 0, 0);
+    cairo_paint(cairo);
+    cairo_restore(cairo);
+    const std::lock_guard<std::mutex> guard(finer_lock);
+    with_finer().push_back(context);
+}
+
+// From cairo's pixels.
+void copy_bytes(const pixels_t& pixels, uint8_t* to) {
+    for (int y = 0; y < pixels.height; y++) {
+        for (int x = 0; x < pixels.width; x++, to += 4) {
+            uint32_t pixel;
+            memcpy(&pixel, pixels.data + y * pixels.stride + x * 4, 4);
+            to[0] = static_cast<uint8_t>(pixel >> 16);
+            to[1] = static_cast<uint8_t>(pixel >> 8);
+            to[2] = static_cast<uint8_t>(pixel);
+            to[3] = static_cast<uint8_t>(pixel >> 24);
+        }
+    }
+}
+
 }  // namespace
+
+bool copy_finer_pixels(const uint8_t* memory, size_t width, size_t height, finer_pixels_t* pixels) {
+    const std::lock_guard<std::mutex> guard(finer_lock);
+    for (CGContextRef context : with_finer()) {
+        const pixels_t own = pixels_of(context);
+        if (context->bitmap.data != memory || static_cast<size_t>(own.width) != width ||
+            static_cast<size_t>(own.height) != height) {
+            continue;
+        }
+        const pixels_t finer = pixels_of(context->finer);
+        pixels->width = static_cast<size_t>(finer.width);
+        pixels->height = static_cast<size_t>(finer.height);
+        pixels->scale = context->finer->scale;
+        pixels->bytes.resize(pixels->width * pixels->height * 4);
+        copy_bytes(finer, pixels->bytes.data());
+        return true;
+    }
+    return false;
+}
+
+void forget_bitmap(CGContextRef context) {
+    if (!context->finer) return;
+    const std::lock_guard<std::mutex> guard(finer_lock);
+    std::erase(with_finer(), context);
+}
 
 void store_bitmap(CGContextRef context, const extents_t& extents) {
     const pixels_t pixels = pixels_of(context);
@@ -72,18 +155,10 @@ CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size
     if (bitmapInfo != kCGImageAlphaPremultipliedFirst) return nullptr;
     if (width == 0 || height == 0 || width > longest_side || height > longest_side) return nullptr;
     if (bytesPerRow / 4 < width) return nullptr;
-    cairo_surface_t* surface = cairo_image_surface_create(
-        CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height));
-    cairo_t* cairo = cairo_create(surface);
-    cairo_surface_destroy(surface);
-    CGContextRef context = nullptr;
-    if (cairo_status(cairo) == CAIRO_STATUS_SUCCESS) {
-        cairo_matrix_t matrix;
-        cairo_matrix_init(&matrix, 1, 0, 0, -1, 0, static_cast<double>(height));
-        context = new_context(cairo, matrix);
-        context->bitmap = {static_cast<uint8_t*>(data), bytesPerRow};
-        load_bitmap(context);
-    }
-    cairo_destroy(cairo);
+    CGContextRef context = new_bitmap_context(width, height, 1);
+    if (!context) return nullptr;
+    context->bitmap = {static_cast<uint8_t*>(data), bytesPerRow};
+    load_bitmap(context);
+    add_finer(context, width, height, display_scale());
     return context;
 }

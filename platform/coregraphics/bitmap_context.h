@@ -1,7 +1,23 @@
 // Bitmap contexts keep the caller's memory in step with what cairo has drawn.
 #pragma once
 
+#include <vector>
+
 #include "coregraphics/context.h"
 
 // Writes what changed, in device space, to the caller's memory.
 void store_bitmap(CGContextRef context, const extents_t& extents);
+
+// What a finer screen shows of a bitmap context's drawing: bytes red, green, blue, alpha, colours
+// multiplied by alpha, top row first, without gaps.
+struct finer_pixels_t {
+    size_t width = 0, height = 0;
+    double scale = 1;
+    std::vector<uint8_t> bytes;
+};
+
+// False when no bitmap context of this size draws into this memory, or the screen is not finer.
+bool copy_finer_pixels(const uint8_t* memory, size_t width, size_t height, finer_pixels_t* pixels);
+
+// A context ends.
+void forget_bitmap(CGContextRef context);

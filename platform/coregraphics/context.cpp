@@ -24,6 +24,8 @@ void store_drawings(CGContextRef context) {
 
 CGContext::~CGContext() {
     store_drawings(this);
+    forget_bitmap(this);
+    CGContextRelease(finer);
     cairo_destroy(cairo);
 }
 
@@ -55,10 +57,12 @@ CGContextRef CGContextRetain(CGContextRef context) { return retained(context); }
 void CGContextRelease(CGContextRef context) { release(context); }
 
 void CGContextSaveGState(CGContextRef context) {
+    repeat_finer(context, CGContextSaveGState);
     if (context) context->saved.push_back(context->state);
 }
 
 void CGContextRestoreGState(CGContextRef context) {
+    repeat_finer(context, CGContextRestoreGState);
     if (!context || context->saved.empty()) return;
     context->state = context->saved.back();
     context->saved.pop_back();
@@ -66,20 +70,24 @@ void CGContextRestoreGState(CGContextRef context) {
 }
 
 void CGContextTranslateCTM(CGContextRef context, CGFloat x, CGFloat y) {
+    repeat_finer(context, CGContextTranslateCTM, x, y);
     if (context) cairo_matrix_translate(&context->state.matrix, x, y);
 }
 
 void CGContextRotateCTM(CGContextRef context, CGFloat angle) {
+    repeat_finer(context, CGContextRotateCTM, angle);
     if (context) cairo_matrix_rotate(&context->state.matrix, angle);
 }
 
 void CGContextSetRGBFillColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
                               CGFloat alpha) {
+    repeat_finer(context, CGContextSetRGBFillColor, red, green, blue, alpha);
     if (context) context->state.fill = {red, green, blue, alpha};
 }
 
 void CGContextSetRGBStrokeColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
                                 CGFloat alpha) {
+    repeat_finer(context, CGContextSetRGBStrokeColor, red, green, blue, alpha);
     if (context) context->state.stroke = {red, green, blue, alpha};
 }
 
@@ -92,5 +100,6 @@ void CGContextSetGrayStrokeColor(CGContextRef context, CGFloat gray, CGFloat alp
 }
 
 void CGContextSetShouldAntialias(CGContextRef context, bool shouldAntialias) {
+    repeat_finer(context, CGContextSetShouldAntialias, shouldAntialias);
     if (context) context->state.antialias = shouldAntialias;
 }

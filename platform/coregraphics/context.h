@@ -46,12 +46,22 @@ struct CGContext : counted_t {
     drawing_state_t state;
     std::vector<drawing_state_t> saved;
     extents_t unstored;  // drawn, but not yet in the caller's memory
+    // All that is drawn is drawn here as well, in the pixels of a finer screen. Owned; null where
+    // the screen is not finer.
+    CGContext* finer = nullptr;
+    double scale = 1;  // of a finer one: its pixels for one of the caller's
 
     ~CGContext();
 };
 
 // A context that draws with `cairo`, which it shares, from the space that `matrix` leads from.
 CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix);
+
+// Sends a call to the finer context, too.
+template <typename... arguments, typename... given>
+void repeat_finer(CGContext* context, void (*call)(CGContext*, arguments...), given... values) {
+    if (context && context->finer) call(context->finer, values...);
+}
 
 // Around the cairo calls of one drawing call. `extents`, in cairo's device space, is what they may
 // have changed.

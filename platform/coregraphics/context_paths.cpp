@@ -74,39 +74,46 @@ void set_ellipse(CGContextRef context, CGRect rect) {
 }  // namespace
 
 void CGContextFillRect(CGContextRef context, CGRect rect) {
+    repeat_finer(context, CGContextFillRect, rect);
     if (!context) return;
     set_rectangle(context, rect);
     paint_new_path(context, FILL);
 }
 
 void CGContextStrokeRect(CGContextRef context, CGRect rect) {
+    repeat_finer(context, CGContextStrokeRect, rect);
     if (!context) return;
     set_rectangle(context, rect);
     paint_new_path(context, STROKE);
 }
 
 void CGContextFillEllipseInRect(CGContextRef context, CGRect rect) {
+    repeat_finer(context, CGContextFillEllipseInRect, rect);
     if (!context) return;
     set_ellipse(context, rect);
     paint_new_path(context, FILL);
 }
 
 void CGContextStrokeEllipseInRect(CGContextRef context, CGRect rect) {
+    repeat_finer(context, CGContextStrokeEllipseInRect, rect);
     if (!context) return;
     set_ellipse(context, rect);
     paint_new_path(context, STROKE);
 }
 
 void CGContextBeginPath(CGContextRef context) {
+    repeat_finer(context, CGContextBeginPath);
     if (context) cairo_new_path(context->cairo);
 }
 
 void CGContextMoveToPoint(CGContextRef context, CGFloat x, CGFloat y) {
+    repeat_finer(context, CGContextMoveToPoint, x, y);
     if (context) build_path(context, [=](cairo_t* cairo) { cairo_move_to(cairo, x, y); });
 }
 
 void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius, CGFloat start,
                      CGFloat end, int clockwise) {
+    repeat_finer(context, CGContextAddArc, x, y, radius, start, end, clockwise);
     if (!context) return;
     build_path(context, [=](cairo_t* cairo) {
         const auto add = clockwise ? cairo_arc_negative : cairo_arc;
@@ -115,6 +122,7 @@ void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius,
 }
 
 void CGContextDrawPath(CGContextRef context, CGPathDrawingMode mode) {
+    repeat_finer(context, CGContextDrawPath, mode);
     if (!context) return;
     if (mode == kCGPathFill || mode == kCGPathFillStroke) paint_path(context, FILL);
     if (mode == kCGPathEOFill || mode == kCGPathEOFillStroke) paint_path(context, FILL_EVEN_ODD);

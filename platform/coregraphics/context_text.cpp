@@ -43,22 +43,27 @@ extents_t line_extents(const drawing_state_t& state, double left, double right, 
 
 }  // namespace
 
-void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size, CGTextEncoding) {
+void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
+                         CGTextEncoding encoding) {
+    repeat_finer(context, CGContextSelectFont, name, size, encoding);
     if (!context) return;
     context->state.font = find_mac_roman_font(name);
     context->state.font_size = size;
 }
 
 void CGContextSetCharacterSpacing(CGContextRef context, CGFloat spacing) {
+    repeat_finer(context, CGContextSetCharacterSpacing, spacing);
     if (context) context->state.character_spacing = spacing;
 }
 
 void CGContextSetTextDrawingMode(CGContextRef context, CGTextDrawingMode mode) {
+    repeat_finer(context, CGContextSetTextDrawingMode, mode);
     if (context) context->state.text_mode = mode;
 }
 
 void CGContextShowTextAtPoint(CGContextRef context, CGFloat x, CGFloat y, const char* bytes,
                               size_t length) {
+    repeat_finer(context, CGContextShowTextAtPoint, x, y, bytes, length);
     if (!context || !context->state.font || context->state.text_mode != kCGTextFill) return;
     const drawing_state_t& state = context->state;
     begin_drawing(context, state.fill);

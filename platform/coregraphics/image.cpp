@@ -4,6 +4,7 @@
 
 #include <atomic>
 
+#include "coregraphics/bitmap_context.h"
 #include "coregraphics/counted.h"
 #include "coregraphics/data_provider.h"
 
@@ -54,9 +55,23 @@ struct CGImage : counted_t {
     const pixel_format_t* format = nullptr;
     CGDataProviderRef provider = nullptr;  // owned
     double scale = 1;
+    // In the place of what the provider serves: a bitmap context's drawing for a finer screen.
+    std::vector<uint8_t> finer;
 
     ~CGImage() { CGDataProviderRelease(provider); }
 };
+
+// An image of a bitmap context's memory has the pixels of the screen that shows it.
+static void take_finer_pixels(CGImageRef image) {
+    if (display_scale() <= 1) return;
+    finer_pixels_t pixels;
+    const provided_bytes_t bytes(image->provider, image->bytes_per_row * image->height);
+    if (!copy_finer_pixels(bytes.data(), image->width, image->height, &pixels)) return;
+    image->width = pixels.width;
+    image->height = pixels.height;
+    image->scale = pixels.scale;
+    image->finer = std::move(pixels.bytes);
+}
 
 CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
                          size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
@@ -71,6 +86,7 @@ CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, s
     image->bytes_per_row = bytesPerRow;
     image->format = format;
     image->provider = CGDataProviderRetain(provider);
+    take_finer_pixels(image);
     return image;
 }
 
@@ -83,6 +99,10 @@ size_t CGImageGetWidth(CGImageRef image) { return image ? image->width : 0; }
 size_t CGImageGetHeight(CGImageRef image) { return image ? image->height : 0; }
 
 void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row) {
+    for (size_t y = 0; y < image->height && !image->finer.empty(); y++) {
+        memcpy(pixels + y * bytes_per_row, &image->finer[y * image->width * 4], image->width * 4);
+    }
+    if (!image->finer.empty()) return;
     const provided_bytes_t bytes(image->provider, image->bytes_per_row * image->height);
     const size_t row_size = image->width * image->format->bytes;
     for (size_t y = 0; y < image->height; y++) {

@@ -5,6 +5,8 @@
 
 #include <vector>
 
+#include "coregraphics/image.h"
+
 namespace {
 
 constexpr size_t side = 32;
@@ -230,4 +232,82 @@ TEST(Rectangles, TheUpperAndRightEdgesLieOutside) {
     EXPECT_FALSE(CGRectContainsPoint(rect, CGPointMake(40, 30)));
     EXPECT_FALSE(CGRectContainsPoint(rect, CGPointMake(20, 60)));
     EXPECT_FALSE(CGRectContainsPoint(rect, CGPointMake(9, 30)));
+}
+
+// On a screen of 200 %.
+class FinerBitmapContext : public BitmapContext {
+  protected:
+    void SetUp() override {
+        set_display_scale(2);
+        BitmapContext::SetUp();
+    }
+    void TearDown() override {
+        BitmapContext::TearDown();
+        set_display_scale(1);
+    }
+    CGImageRef image() {
+        CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
+        CGDataProviderRef provider =
+            CGDataProviderCreateWithData(nullptr, bytes_.data(), bytes_.size(), nullptr);
+        CGImageRef image =
+            CGImageCreate(side, side, 8, 32, side * 4, space, kCGImageAlphaPremultipliedFirst,
+                          provider, nullptr, false, kCGRenderingIntentDefault);
+        CGDataProviderRelease(provider);
+        CGColorSpaceRelease(space);
+        return image;
+    }
+    // Red, green, blue, alpha of the image's pixels.
+    std::vector<uint8_t> pixels_of(CGImageRef image) {
+        std::vector<uint8_t> pixels(CGImageGetWidth(image) * CGImageGetHeight(image) * 4);
+        copy_image_pixels(image, pixels.data(), CGImageGetWidth(image) * 4);
+        return pixels;
+    }
+};
+
+TEST_F(FinerBitmapContext, AnImageOfItHasThePixelsOfTheScreen) {
+    CGContextSetRGBFillColor(context_, 1, 0, 0, 1);
+    CGContextFillRect(context_, CGRectMake(0.5, 0, 1, side));
+    CGImageRef shown = image();
+    ASSERT_EQ(CGImageGetWidth(shown), 2 * side);
+    ASSERT_EQ(CGImageGetHeight(shown), 2 * side);
+    EXPECT_EQ(image_scale(shown), 2);
+    const std::vector<uint8_t> pixels = pixels_of(shown);
+    const int alphas[] = {0, 255, 255, 0};
+    for (int x = 0; x < 4; x++) EXPECT_EQ(pixels[x * 4 + 3], alphas[x]) << x;
+    EXPECT_EQ(pixels[4], 255);
+    EXPECT_EQ(pixel(0, 5) >> 24, 128u) << "the caller's memory has its own pixels";
+    CGImageRelease(shown);
+}
+
+TEST_F(FinerBitmapContext, TextIsDrawnInTwiceAsManyPixelsNotInDoubledOnes) {
+    CGContextSetShouldAntialias(context_, false);
+    CGContextSaveGState(context_);
+    CGContextSetRGBFillColor(context_, 0, 0, 0, 1);
+    CGContextSelectFont(context_, "Monaco", 9, kCGEncodingMacRoman);
+    CGContextSetCharacterSpacing(context_, 0.6);
+    CGContextSetTextDrawingMode(context_, kCGTextFill);
+    CGContextShowTextAtPoint(context_, 2, 10, "S8&", 3);
+    CGContextRestoreGState(context_);
+    CGImageRef shown = image();
+    const std::vector<uint8_t> pixels = pixels_of(shown);
+    int drawn = 0, odd = 0;
+    for (size_t y = 0; y < 2 * side; y++) {
+        for (size_t x = 0; x < 2 * side; x += 2) {
+            const size_t left = (y * 2 * side + x) * 4 + 3;
+            drawn += pixels[left] != 0 || pixels[left + 4] != 0;
+            odd += pixels[left] != pixels[left + 4];
+        }
+    }
+    EXPECT_GT(drawn, 30);
+    EXPECT_GT(odd, 5) << "each pixel is there twice";
+    CGImageRelease(shown);
+}
+
+TEST_F(FinerBitmapContext, AnImageOfAContextThatHasGoneHasTheMemorysPixels) {
+    CGContextRelease(context_);
+    context_ = nullptr;
+    CGImageRef shown = image();
+    EXPECT_EQ(CGImageGetWidth(shown), side);
+    EXPECT_EQ(image_scale(shown), 1);
+    CGImageRelease(shown);
 }
