@@ -4,7 +4,7 @@
 
 #include "look/bitmaps.h"
 #include "operations_ui/parts_paint.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
 
 using operations::Part;
 using operations::PartKind;

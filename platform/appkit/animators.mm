@@ -5,7 +5,7 @@
 
 #include "appkit/view_fade.h"
 #include "objc/method_patch.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
 
 namespace {
 

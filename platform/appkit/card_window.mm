@@ -12,6 +12,9 @@
 #include "menus/menu_presenter.h"
 #include "menus/menu_run.h"
 #include "x11/menu_windows.h"
+#include "x11/screens.h"
+#include "x11/server_windows.h"
+#include "x11/window_pixels.h"
 
 namespace {
 

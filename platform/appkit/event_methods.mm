@@ -3,7 +3,7 @@
 #include <host/modifier_keys.h>
 
 #include "objc/method_patch.h"
-#include "x11/pointer_connection.h"
+#include "x11/pointer_place.h"
 
 #include <X11/X.h>
 

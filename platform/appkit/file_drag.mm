@@ -12,7 +12,7 @@
 #include "corefoundation/mach_port.h"
 #include "objc/method_patch.h"
 #include "x11/file_offer.h"
-#include "x11/pointer_connection.h"
+#include "x11/pointer_place.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "appkit/view_pixels.h"
 #include "coregraphics/context.h"
 #include "objc/method_patch.h"
-#include "x11/menu_windows.h"
+#include "x11/window_pixels.h"
 
 // Releases a context with the autorelease pool: callers of -graphicsPort own nothing.
 @interface GraphicsPortOwner : NSObject {

@@ -1,6 +1,7 @@
 #include <host/modifier_keys.h>
 
-#include "x11/pointer_connection.h"
+#include "x11/pointer_place.h"
+#include "x11/question_connection.h"
 
 // Xlib's names after AppKit's: some are the same.
 #include <X11/XKBlib.h>
@@ -55,7 +56,7 @@ NSUInteger flags_of_key(Display* display, KeyCode code) {
 }
 
 NSUInteger keyboard_flags() {
-    Display* display = pointer_connection();
+    Display* display = question_connection();
     if (!display) return 0;
     char vector[32] = {};
     XQueryKeymap(display, vector);

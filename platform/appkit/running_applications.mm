@@ -5,7 +5,7 @@
 #include "desktop/bundle_names.h"
 #include "desktop/running_programs.h"
 #include "objc/method_patch.h"
-#include "x11/desktop_windows.h"
+#include "x11/window_process.h"
 
 @interface DesktopApplication : NSRunningApplication {
   @private

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "appkit/view_pixels.h"
-#include "x11/menu_windows.h"
+#include "x11/window_pixels.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "x11/menu_windows.h"
+#include "x11/window_pixels.h"
 
 @interface NSGraphicsContext (CurrentTransform)
 - (NSAffineTransform*)GSCurrentCTM;

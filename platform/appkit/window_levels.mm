@@ -9,6 +9,8 @@
 #include "appkit/view_pixels.h"
 #include "objc/method_patch.h"
 #include "x11/menu_windows.h"
+#include "x11/screens.h"
+#include "x11/server_windows.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <atomic>
 
 #include "carbon/process_signature.h"
-#include "x11/front_window.h"
+#include "x11/window_process.h"
 
 namespace {
 
@@ -40,7 +40,7 @@ OSErr GetCurrentProcess(ProcessSerialNumber* psn) {
 
 OSErr GetFrontProcess(ProcessSerialNumber* psn) {
     if (!psn) return paramErr;
-    const pid_t id = front_window_process();
+    const pid_t id = active_process();
     if (id <= 0) return procNotFound;
     *psn = number_of(id);
     return noErr;

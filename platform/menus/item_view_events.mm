@@ -1,7 +1,7 @@
 #include "menus/item_view_events.h"
 
 #include "menus/menu_level_view.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
 
 namespace {
 

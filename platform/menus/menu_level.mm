@@ -8,6 +8,9 @@
 #include "menus/menu_items.h"
 #include "menus/menu_level_view.h"
 #include "x11/menu_windows.h"
+#include "x11/screens.h"
+#include "x11/server_windows.h"
+#include "x11/window_pixels.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include "menus/menu_presenter.h"
 #include "menus/menu_items.h"
 #include "x11/menu_windows.h"
+#include "x11/screens.h"
 #include "coregraphics/image.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include "events/event_wait.h"
 #include "menus/keyboard_tracker.h"
 #include "menus/menu_levels.h"
-#include "x11/menu_windows.h"
+#include "x11/input_grab.h"
 #include "menus/pointer_tracker.h"
 
 @class MenuRunWatcher;

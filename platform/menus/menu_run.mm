@@ -1,6 +1,7 @@
 #include "menus/menu_run.h"
 
 #include "menus/menu_changes.h"
+#include "x11/screens.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "menus/item_view_events.h"
 #include "menus/menu_items.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
 
 namespace {
 

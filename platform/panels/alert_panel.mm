@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "look/bitmaps.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
 
 // The whole content: it draws the alert, and knows which button mouse and keys mean.
 @interface AlertView : NSView {

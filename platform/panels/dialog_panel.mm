@@ -1,7 +1,8 @@
 #include "panels/dialog_panel.h"
 
 #include "look/menu_text.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
+#include "x11/server_windows.h"
 
 namespace {
 

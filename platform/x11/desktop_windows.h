@@ -11,7 +11,7 @@
 
 struct DesktopWindow {
     uint32_t window;
-    pid_t process;         // 0 when it is not known, or runs on another machine
+    pid_t process;         // as window_process.h says
     std::string instance;  // the two parts of WM_CLASS
     std::string class_name;
     bool is_normal;  // an application's own: no panel, menu, dialog or the like
@@ -19,7 +19,3 @@ struct DesktopWindow {
 
 // At most 512. Empty without a display.
 std::vector<DesktopWindow> desktop_windows();
-
-// The process whose window is active: the window manager's active window, or without one the
-// window with the keyboard. 0 when there is none.
-pid_t active_process();

@@ -1,12 +1,13 @@
 #include "x11/window_connection.h"
 
-#include <stdlib.h>
+#include <X11/Xlib-xcb.h>
+#include <X11/Xlib.h>
 #include <string.h>
 #include <xcb/res.h>
 
 #include <iterator>
-#include <string>
 
+#include "x11/question_connection.h"
 #include "x11/server_connection.h"
 
 namespace {
@@ -49,28 +50,20 @@ bool server_tells_processes(xcb_connection_t* server) {
     return version && (version->server_major > 1 || version->server_minor >= 2);
 }
 
-bool open_connection(WindowConnection* connection) {
-    xcb_connection_t* server = connect_to_server(&connection->root);
-    if (!server) return false;
-    connection->server = server;
+void open_connection(WindowConnection* connection, Display* display) {
+    *connection = {};
+    connection->display = display;
+    connection->server = XGetXCBConnection(display);
+    connection->root = static_cast<xcb_window_t>(DefaultRootWindow(display));
     read_atoms(connection);
-    connection->tells_processes = server_tells_processes(server);
-    return true;
+    connection->tells_processes = server_tells_processes(connection->server);
 }
 
 }  // namespace
 
 const WindowConnection* window_connection() {
     static WindowConnection connection;
-    static std::string refused;
-    if (connection.server && xcb_connection_has_error(connection.server)) {
-        xcb_disconnect(connection.server);
-        connection = {};
-    }
-    if (connection.server) return &connection;
-    const char* name = getenv("DISPLAY");
-    if (!name || !*name || refused == name) return nullptr;
-    if (open_connection(&connection)) return &connection;
-    refused = name;
-    return nullptr;
+    Display* display = question_connection();
+    if (display && display != connection.display) open_connection(&connection, display);
+    return display ? &connection : nullptr;
 }

@@ -1,9 +1,11 @@
-// A connection to the display for questions about other programs' windows. Main thread.
+// Questions about other programs' windows, over the main thread's connection for questions: through
+// XCB, where a window that has just gone is an answer and no fatal error. Main thread.
 #pragma once
 
 #include <xcb/xcb.h>
 
 struct WindowConnection {
+    struct _XDisplay* display = nullptr;
     xcb_connection_t* server = nullptr;
     xcb_window_t root = XCB_WINDOW_NONE;
     bool tells_processes = false;  // the server says which process a client is
@@ -12,5 +14,5 @@ struct WindowConnection {
         window_type, type_normal, state, skip_taskbar;
 };
 
-// Opened at first use, and again when it has broken. Null without a display.
+// Null without a display, and from when it has gone.
 const WindowConnection* window_connection();

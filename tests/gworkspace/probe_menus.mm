@@ -17,7 +17,7 @@
 #include "gworkspace/settled_windows.h"
 #include "menus/menu_run.h"
 #include "operations_ui/parts_panel.h"
-#include "x11/menu_windows.h"
+#include "x11/screens.h"
 
 // The plug-in's alert, by name.
 @interface NSWindow (ProbedAlert)

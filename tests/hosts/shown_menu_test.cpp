@@ -15,6 +15,7 @@
 #include "hosts/slow_display.h"
 #include "support/recording_program.h"
 #include "support/temp_folder.h"
+#include "support/x_clients.h"
 
 namespace fs = std::filesystem;
 
@@ -142,6 +143,14 @@ TEST_F(ShownMenu, WaitsUntilItIsClosed) {
     const Outcome outcome = command.finish();
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out + outcome.err, "");
+}
+
+// The toolkit's, the one for questions and the one for raw presses: docs/architecture.md says why.
+TEST_F(ShownMenu, HasThreeConnectionsToTheServer) {
+    ASSERT_EQ(windows_with_preview("preview_beside_menu=1").size(), 3u);
+    EXPECT_EQ(test::connections_of(command->process()), 3);
+    press("Escape Escape");
+    EXPECT_EQ(command->finish().status, 0);
 }
 
 TEST_F(ShownMenu, StandsWhereItIsAsked) {

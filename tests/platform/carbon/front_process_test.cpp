@@ -14,7 +14,7 @@
 namespace {
 
 // No process has this identifier; a window may claim it.
-const unsigned long other_process = 4194305;
+const unsigned long claimed_process = 4194305;
 
 bool is_this_process(const ProcessSerialNumber& psn) {
     ProcessSerialNumber current;
@@ -22,14 +22,6 @@ bool is_this_process(const ProcessSerialNumber& psn) {
     EXPECT_EQ(GetCurrentProcess(&current), noErr);
     EXPECT_EQ(SameProcess(&psn, &current, &same), noErr);
     return same;
-}
-
-// "this", "other", or the error's number.
-std::string front_process() {
-    ProcessSerialNumber psn;
-    const OSErr error = GetFrontProcess(&psn);
-    if (error != noErr) return std::to_string(error);
-    return is_this_process(psn) ? "this" : "other";
 }
 
 const std::string nobody = std::to_string(procNotFound);
@@ -47,11 +39,28 @@ class FrontProcess : public testing::Test {
         }
     }
 
+    // "this", "other", "claimed", "stranger", or the error's number.
+    std::string front_process() const {
+        ProcessSerialNumber psn;
+        const OSErr error = GetFrontProcess(&psn);
+        if (error != noErr) return std::to_string(error);
+        if (is_this_process(psn)) return "this";
+        if (psn.lowLongOfPSN == claimed_process) return "claimed";
+        return psn.lowLongOfPSN == static_cast<UInt32>(other_) ? "other" : "stranger";
+    }
+
     Atom atom(const char* name) const { return XInternAtom(display_, name, False); }
 
     void set_number(Window window, const char* name, unsigned long number, Atom type = XA_WINDOW) {
         XChangeProperty(display_, window, atom(name), type, 32, PropModeReplace,
                         reinterpret_cast<unsigned char*>(&number), 1);
+        XSync(display_, False);
+    }
+
+    void set_text(Window window, Atom property, const std::string& text) {
+        XChangeProperty(display_, window, property, XA_STRING, 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(text.data()),
+                        static_cast<int>(text.size()));
         XSync(display_, False);
     }
 
@@ -136,7 +145,7 @@ const unsigned long this_process = static_cast<unsigned long>(getpid());
 
 TEST_F(FrontProcess, IsTheOneWithTheKeyboardWhereNoWindowManagerRuns) {
     const Window own = make_window(this_process);
-    const Window other = make_window(other_process);
+    const Window other = window_of_another_process();
     focus(own);
     EXPECT_EQ(front_process(), "this");
     focus(other);
@@ -156,14 +165,32 @@ TEST_F(FrontProcess, IsTheMakersWhereTheWindowDoesNotSay) {
     focus(make_window(0));
     EXPECT_EQ(front_process(), "this");
     focus(window_of_another_process());
-    ProcessSerialNumber psn;
-    ASSERT_EQ(GetFrontProcess(&psn), noErr);
-    EXPECT_EQ(psn.lowLongOfPSN, static_cast<UInt32>(other_));
+    EXPECT_EQ(front_process(), "other");
+}
+
+TEST_F(FrontProcess, IsTheMakersAlsoWhereTheWindowClaimsToBeAnothers) {
+    focus(make_window(claimed_process));
+    EXPECT_EQ(front_process(), "this");
+    const Window other = window_of_another_process();
+    set_number(other, "_NET_WM_PID", this_process, XA_CARDINAL);
+    focus(other);
+    EXPECT_EQ(front_process(), "other");
+}
+
+TEST_F(FrontProcess, IsNobodysWhereTheWindowIsAnotherMachines) {
+    const Window window = make_window(this_process);
+    focus(window);
+    set_text(window, XA_WM_CLIENT_MACHINE, "somewhere-else");
+    EXPECT_EQ(front_process(), nobody);
+    char name[256] = "";
+    gethostname(name, sizeof name - 1);
+    set_text(window, XA_WM_CLIENT_MACHINE, name);
+    EXPECT_EQ(front_process(), "this");
 }
 
 TEST_F(FrontProcess, IsTheActiveWindowsWhereAWindowManagerTells) {
     const Window own = make_window(this_process);
-    const Window other = make_window(other_process);
+    const Window other = window_of_another_process();
     const Window manager = make_window(0);
     set_number(root_, "_NET_SUPPORTING_WM_CHECK", manager);
     set_number(manager, "_NET_SUPPORTING_WM_CHECK", manager);
@@ -181,7 +208,7 @@ TEST_F(FrontProcess, IsNotWhatAWindowManagerThatHasGoneSaid) {
     const Window own = make_window(this_process);
     const Window manager = make_window(0);
     set_number(root_, "_NET_SUPPORTING_WM_CHECK", manager);
-    set_number(root_, "_NET_ACTIVE_WINDOW", make_window(other_process));
+    set_number(root_, "_NET_ACTIVE_WINDOW", window_of_another_process());
     XDestroyWindow(display_, manager);
     focus(own);
     EXPECT_EQ(front_process(), "this");
@@ -194,13 +221,13 @@ TEST_F(FrontProcess, IsNobodysWhenTheActiveWindowWentWithItsProcess) {
     set_number(root_, "_NET_ACTIVE_WINDOW", window_of_another_process());
     EXPECT_EQ(front_process(), "other");
     kill(other_, SIGTERM);
-    EXPECT_TRUE(becomes([] { return front_process() == nobody; }));
+    EXPECT_TRUE(becomes([this] { return front_process() == nobody; }));
 }
 
 TEST_F(FrontProcess, FollowsARealWindowManager) {
     start_window_manager();
     const Window own = make_window(this_process);
-    const Window other = make_window(other_process);
+    const Window other = window_of_another_process();
     EXPECT_TRUE(becomes([&] { return activate(own), front_process() == "this"; }));
     EXPECT_TRUE(becomes([&] { return activate(other), front_process() == "other"; }));
 }

@@ -12,6 +12,10 @@
 #include "support/x_filter.h"
 #include "x11/file_offer.h"
 
+// Last: its macros are in the way of others.
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+
 namespace {
 
 CGEventRef pass(CGEventTapProxy, CGEventType, CGEventRef event, void*) { return event; }
@@ -42,6 +46,25 @@ int in_own_process(int (*act)()) {
 }
 
 constexpr int as_expected = 7;
+
+// No process has this identifier; a window may claim it.
+constexpr unsigned long claimed_process = 4194305;
+
+// The process in front while a window has the keyboard that claims to be another process's.
+UInt32 process_in_front_of_a_lie() {
+    Display* display = XOpenDisplay(nullptr);
+    const Window window =
+        XCreateSimpleWindow(display, DefaultRootWindow(display), 10, 10, 100, 100, 0, 0, 0);
+    XChangeProperty(display, window, XInternAtom(display, "_NET_WM_PID", False), XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<const unsigned char*>(&claimed_process), 1);
+    XMapWindow(display, window);
+    XSetInputFocus(display, window, RevertToPointerRoot, CurrentTime);
+    XSync(display, False);
+    ProcessSerialNumber front = {};
+    const bool found = GetFrontProcess(&front) == noErr;
+    XCloseDisplay(display);
+    return found ? front.lowLongOfPSN : 0;
+}
 
 }  // namespace
 
@@ -75,6 +98,20 @@ TEST(PoorDisplay, WithoutXTestNothingIsPostedAndTheRestWorks) {
     });
     ASSERT_TRUE(WIFEXITED(status));
     EXPECT_EQ(WEXITSTATUS(status), as_expected);
+}
+
+TEST(PoorDisplay, WhereTheServerCannotTellProcessesAWindowIsTakenAtItsWord) {
+    const int status = in_own_process([] {
+        const test::XFilter filter({"X-Resource"});
+        return process_in_front_of_a_lie() == claimed_process ? as_expected : 1;
+    });
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), as_expected);
+    const int status_elsewhere = in_own_process([] {
+        return process_in_front_of_a_lie() == static_cast<UInt32>(getpid()) ? as_expected : 1;
+    });
+    ASSERT_TRUE(WIFEXITED(status_elsewhere));
+    EXPECT_EQ(WEXITSTATUS(status_elsewhere), as_expected);
 }
 
 // The loss of the toolkit's own connection would end the process: it stays.

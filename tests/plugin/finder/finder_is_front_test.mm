@@ -31,21 +31,16 @@ class FinderIsFront : public testing::Test {
     }
     ~FinderIsFront() override {
         [window_ close];
+        if (other_) pclose(other_);
         DeclareProcessSignature(0);
         dvEnableDebugOutput = 0;
         dvdprintf("no sink any more\n");
         XCloseDisplay(display_);
     }
-    // As another program's window comes to the front.
+    // A window of another program comes to the front.
     void show_other_application() {
-        const Window window =
-            XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 50, 50, 0, 0, 0);
-        const long other_process = 4194305;
-        XChangeProperty(display_, window, XInternAtom(display_, "_NET_WM_PID", False), XA_CARDINAL,
-                        32, PropModeReplace, reinterpret_cast<const unsigned char*>(&other_process),
-                        1);
-        XMapWindow(display_, window);
-        focus(window);
+        other_ = popen(WINDOW_CLIENT " window show focus", "w");
+        for (int i = 0; i < 3000 && dv_finder_is_front(); i++) usleep(10000);
     }
     void focus(Window window) {
         XSync(display_, False);
@@ -64,6 +59,7 @@ class FinderIsFront : public testing::Test {
     }
     Display* display_;
     NSWindow* window_;
+    FILE* other_ = nullptr;
 };
 
 TEST_F(FinderIsFront, WhenItsWindowHasTheKeyboard) {

@@ -1,4 +1,4 @@
-#include "x11/pointer_connection.h"
+#include "x11/question_connection.h"
 
 #include <X11/Xlib.h>
 #include <errno.h>
@@ -52,7 +52,7 @@ void follow_keyboard(Display* display) {
 
 }  // namespace
 
-Display* pointer_connection() {
+Display* question_connection() {
     static thread_local connection_t connection;
     const char* name = getenv("DISPLAY");
     if (connection.display && !connection.broken) connection.broken = has_gone(connection.display);
@@ -69,23 +69,3 @@ Display* pointer_connection() {
     if (connection.display) follow_keyboard(connection.display);
     return connection.broken ? nullptr : connection.display;
 }
-
-pointer_place_t pointer_place() {
-    pointer_place_t place;
-    Display* display = pointer_connection();
-    if (!display) return place;
-    Window root, child;
-    int x, y;
-    unsigned width, height = 0, border, depth;
-    // Asked each time: the screen may have been resized.
-    if (!XQueryPointer(display, DefaultRootWindow(display), &root, &child, &place.x, &place.y, &x,
-                       &y, &place.state) ||
-        !XGetGeometry(display, DefaultRootWindow(display), &root, &x, &y, &width, &height, &border,
-                      &depth)) {
-        return {};
-    }
-    place.display_height = static_cast<int>(height);
-    return place;
-}
-
-unsigned pointer_state() { return pointer_place().state; }

@@ -1,0 +1,14 @@
+// Drawing by cairo in the toolkit's windows, and copying what stands in them. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include "x11/menu_geometry.h"
+
+struct _cairo;
+
+// Draws into the window that has the focus of drawing; null where it cannot be reached.
+_cairo* focused_cairo();
+
+// Draws the window's present pixels at (x, y) of `cairo`.
+void copy_window(NSWindow* window, const area_t& part, _cairo* cairo, int x, int y);

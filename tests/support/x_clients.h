@@ -1,0 +1,11 @@
+// The X server's own list of who is connected to it.
+#pragma once
+
+#include <sys/types.h>
+
+namespace test {
+
+// How many connections a process has to the display; -1 where the server cannot tell.
+int connections_of(pid_t process);
+
+}  // namespace test
