@@ -1,5 +1,6 @@
 // The keyboard in an open menu.
 #include "platform/presenter.h"
+#include "x11/screens.h"
 
 TEST_F(Presenter, ArrowsMoveOverWhatCanBeHighlightedAndReturnPicks) {
     shown([this] {

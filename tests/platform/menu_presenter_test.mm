@@ -3,6 +3,7 @@
 #include "platform/presenter.h"
 #include "support/right_click.h"
 #include "support/temp_folder.h"
+#include "x11/screens.h"
 
 TEST_F(Presenter, AClickPicksAfterEverythingHasClosed) {
     shown([this] { click(@"alpha"); });

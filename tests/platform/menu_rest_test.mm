@@ -18,6 +18,7 @@
 #include "support/app.h"
 #include "support/right_click.h"
 #include "support/x_input.h"
+#include "x11/screens.h"
 
 namespace {
 

@@ -3,6 +3,7 @@
 #include <host/menu_tracking.h>
 
 #include "support/right_click.h"
+#include "x11/screens.h"
 
 void MenuScript::when(const std::string& what, Condition condition, Action action) {
     const auto holds = [condition] {
