@@ -7,6 +7,7 @@
 #include <X11/Xlib.h>
 #include <malloc.h>
 #include <stdio.h>
+#include <stdlib.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -196,6 +197,8 @@ level_costs_t measure(int entries, int rounds) {
 
 }  // namespace
 
+// With DELVIO_BENCH_LEVEL set to a size only a few rounds of that: for profiles. An argument would be a
+// file to open.
 int main() {
     @autoreleasepool {
         [NSApplication sharedApplication];
@@ -204,6 +207,10 @@ int main() {
         if (!LoadPlugIn(DELVIO_BUNDLE, &problem)) {
             fprintf(stderr, "bench_show: %s\n", problem.c_str());
             return 1;
+        }
+        if (const char* size = getenv("DELVIO_BENCH_LEVEL")) {
+            measure(atoi(size), 3);
+            return bench::status();
         }
         measure(10, 25);
         const level_costs_t small = measure(100, 25);
