@@ -197,8 +197,8 @@ level_costs_t measure(int entries, int rounds) {
 
 }  // namespace
 
-// With DELVIO_BENCH_LEVEL set to a size only a few rounds of that: for profiles. An argument would be a
-// file to open.
+// With DELVIO_BENCH_LEVEL set to a size only a few rounds of that: for profiles. An argument would
+// be a file to open.
 int main() {
     @autoreleasepool {
         [NSApplication sharedApplication];

@@ -8,6 +8,7 @@
 // first asks for the representations, as drawing, copying and archiving do.
 @interface FileIcon : NSImage {
   @private
+    NSString* _leaf;      // the path's end; its beginning, with the slash, is the file name's
     signed char _hidden;  // below 0: nobody has asked
 }
 - (instancetype)initWithPath:(NSString*)path;

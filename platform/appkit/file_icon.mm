@@ -4,17 +4,25 @@
 #include "appkit/workspace_paths.h"
 #include "carbon/finder_information.h"
 #include "look/image_questions.h"
+#include "look/shared_strings.h"
 
 namespace {
 
 const CGFloat default_size = 48;
 
-// Items of one file ask in turn: they share one string.
-NSString* shared_path(NSString* path) {
-    static NSString* last;
-    if (!path || [path isEqualToString:last]) return path ? last : nil;
-    [last release];
-    return last = [path copy];
+// A path in two: thousands of icons have the folder in common. Together they are the path again.
+struct split_path_t {
+    NSString *folder, *leaf;
+};
+
+split_path_t split(NSString* path) {
+    const NSUInteger length = [path length], most_characters = 4096;
+    if (length > most_characters) return {path, @""};
+    unichar characters[most_characters];
+    [path getCharacters:characters range:NSMakeRange(0, length)];
+    NSUInteger end = length;
+    while (end > 0 && characters[end - 1] != '/') end--;
+    return {shared_string(characters, end), shared_string(characters + end, length - end)};
 }
 
 NSColor* clear_color() {
@@ -51,17 +59,48 @@ NSColor* clear_color() {
     _flags.multipleResolutionMatching = YES;
     _flags.syncLoad = YES;
     _color = [clear_color() retain];
-    _fileName = [shared_path(path) retain];
     _hidden = -1;
+    if (!path) return self;
+    const split_path_t parts = split(path);
+    _fileName = [parts.folder copy];
+    _leaf = [parts.leaf copy];
     return self;
 }
 
+- (void)dealloc {
+    [_leaf release];
+    [super dealloc];
+}
+
+- (id)copyWithZone:(NSZone*)zone {
+    FileIcon* copy = [super copyWithZone:zone];
+    [copy->_leaf retain];  // the fields were copied as they are
+    return copy;
+}
+
+- (NSString*)path {
+    return _leaf ? [_fileName stringByAppendingString:_leaf] : nil;
+}
+
+// A file's alternates are given one after the other, and what nobody has looked at is not yet one
+// image or another.
+- (NSImage*)imageForMenuItem {
+    static FileIcon* last;
+    if (self == last || !_flags.syncLoad || _name) return self;
+    const bool is_equal = last && last->_leaf == _leaf && last->_fileName == _fileName &&
+                          last->_flags.syncLoad && NSEqualSizes(last->_size, _size);
+    if (is_equal) return last;
+    [last release];
+    return last = [self retain];
+}
+
 - (BOOL)_loadFromFile:(NSString*)fileName {
+    (void)fileName;
     if (!_flags.syncLoad) return YES;
     _flags.syncLoad = NO;  // before: what gives pictures adds them
     [_reps release];
     _reps = [NSMutableArray new];
-    give_pictures(self, fileName);
+    give_pictures(self, [self path]);
     return [_reps count] > 0;
 }
 
@@ -91,11 +130,11 @@ NSColor* clear_color() {
 }
 
 - (BOOL)mayChangeAfterFirstLook {
-    return _flags.syncLoad && may_have_untrusted_picture(path_bytes(_fileName));
+    return _flags.syncLoad && may_have_untrusted_picture(path_bytes([self path]));
 }
 
 - (BOOL)isOfHiddenFile {
-    if (_hidden < 0) _hidden = files::is_hidden(path_bytes(_fileName));
+    if (_hidden < 0) _hidden = files::is_hidden(path_bytes([self path]));
     return _hidden;
 }
 

@@ -11,4 +11,6 @@
 // Whether other pictures may arrive after those that are there at the first look: who shows it soon
 // looks beforehand.
 - (BOOL)mayChangeAfterFirstLook;
+// What an item keeps that is given this image: itself, or one that nobody can tell from it.
+- (NSImage*)imageForMenuItem;
 @end

@@ -10,4 +10,8 @@
     return NO;
 }
 
+- (NSImage*)imageForMenuItem {
+    return self;
+}
+
 @end

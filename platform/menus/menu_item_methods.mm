@@ -4,6 +4,8 @@
 
 #include <unordered_map>
 
+#include "look/image_questions.h"
+#include "look/shared_strings.h"
 #include "objc/method_patch.h"
 
 namespace {
@@ -42,8 +44,17 @@ void set_extras(NSMenuItem* item, NSAttributedString* title, NSView* view) {
 }
 
 struct {
-    IMP deallocate, copy, update_key_equivalent;
+    IMP deallocate, copy, update_key_equivalent, set_title, set_image;
 } stock;
+
+void set_title(NSMenuItem* self, SEL selector, NSString* title) {
+    reinterpret_cast<void (*)(id, SEL, id)>(stock.set_title)(self, selector, shared_string(title));
+}
+
+void set_image(NSMenuItem* self, SEL selector, NSImage* image) {
+    NSImage* kept = [image imageForMenuItem];
+    reinterpret_cast<void (*)(id, SEL, id)>(stock.set_image)(self, selector, kept);
+}
 
 void deallocate(NSMenuItem* self, SEL selector) {
     drop_extras(self);
@@ -150,8 +161,9 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
     self->_submenu = [submenu retain];
     [previous release];
     [submenu setSupermenu:self->_menu];
+    static NSProcessInfo* const process = [NSProcessInfo processInfo];
     // A menu made by -init carries the program's name: it takes the item's, others keep theirs.
-    if (submenu && [submenu title] == [[NSProcessInfo processInfo] processName]) {
+    if (submenu && [submenu title] == [process processName]) {
         [submenu setTitle:self->_title];
     }
     adopt_submenu_action(self);
@@ -180,6 +192,8 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
 + (void)load {
     const method_patch_t patches[] = {
         {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), &stock.deallocate},
+        {"NSMenuItem", "setTitle:", reinterpret_cast<IMP>(set_title), &stock.set_title},
+        {"NSMenuItem", "setImage:", reinterpret_cast<IMP>(set_image), &stock.set_image},
         {"NSMenuItem", "copyWithZone:", reinterpret_cast<IMP>(copy_with_zone), &stock.copy},
         {"NSMenuItem", "attributedTitle", reinterpret_cast<IMP>(attributed_title), nullptr},
         {"NSMenuItem", "setAttributedTitle:", reinterpret_cast<IMP>(set_attributed_title), nullptr},

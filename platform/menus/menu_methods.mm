@@ -5,7 +5,6 @@
 #include <unordered_map>
 
 #include "menus/menu_storage.h"
-#include "objc/method_patch.h"
 
 namespace {
 
@@ -23,14 +22,9 @@ void keep_font(NSMenu* menu, NSFont* font) {
     [previous release];
 }
 
-IMP stock_deallocate;
-
-void deallocate(NSMenu* self, SEL selector) {
-    keep_font(self, nil);
-    reinterpret_cast<void (*)(id, SEL)>(stock_deallocate)(self, selector);
-}
-
 }  // namespace
+
+void forget_menu_font(NSMenu* menu) { keep_font(menu, nil); }
 
 @implementation NSMenu (MacMenuMethods)
 
@@ -67,20 +61,6 @@ void deallocate(NSMenu* self, SEL selector) {
 // There are no descriptor-based menu plug-ins here.
 - (void)_setContextMenuPluginAEDesc:(const struct AEDesc*)descriptor {
     (void)descriptor;
-}
-
-@end
-
-@interface MenuMethodsInstaller : NSObject
-@end
-
-@implementation MenuMethodsInstaller
-
-+ (void)load {
-    const method_patch_t patches[] = {
-        {"NSMenu", "dealloc", reinterpret_cast<IMP>(deallocate), &stock_deallocate},
-    };
-    patch_methods(patches);
 }
 
 @end

@@ -14,6 +14,9 @@
 - (void)needStockRepresentation;
 @end
 
+// Of a menu that goes.
+void forget_menu_font(NSMenu* menu);
+
 // Tells the main menu and its submenus when the application has launched or becomes active.
 @interface MenuLaunchObserver : NSObject
 // Once a process; again does nothing.

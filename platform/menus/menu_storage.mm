@@ -6,10 +6,6 @@
 #include "menus/menu_changes.h"
 #include "objc/method_patch.h"
 
-@interface NSMenu (StockStorage)
-- (void)menuChanged;
-@end
-
 // The items of all menus that have none yet: most submenus are never opened.
 @interface NoMenuItems : NSMutableArray
 @end
@@ -37,7 +33,11 @@ void set_menu_change_listener(menu_change_listener_t listener) { change_listener
     return [super init];
 }
 
-static struct { IMP insert, remove, changed, key_equivalent, close; } stock;
+- (void)deallocAsPlainObject {
+    [super dealloc];
+}
+
+static struct { IMP insert, remove, changed, key_equivalent, close, deallocate; } stock;
 
 static NSMutableArray* no_items() {
     static NSMutableArray* const none = [NoMenuItems new];
@@ -51,9 +51,17 @@ static NSMutableArray* no_items() {
     _items = [NSMutableArray new];
 }
 
+// The main menu is drawn anew when anything on it has changed.
+static void tell_main_menu(NSMenu* self) {
+    NSMenu* const main = [NSApp mainMenu];
+    if (!main) return;
+    while (self && self != main) self = self->_superMenu;
+    if (self) self->_menu.mainMenuChanged = YES;
+}
+
 static void told_of_change(NSMenu* self, NSMenuItem* item) {
     self->_menu.needsSizing = YES;
-    [self menuChanged];
+    tell_main_menu(self);
     if (change_listener) change_listener(self, item);
 }
 
@@ -69,7 +77,8 @@ static id light_init(NSMenu* self, SEL, NSString* title) {
 }
 
 static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {
-    const BOOL ours = [item isKindOfClass:[NSMenuItem class]] && ![item menu];
+    static const Class item_class = [NSMenuItem class];
+    const BOOL ours = [item isKindOfClass:item_class] && ![item menu];
     [self needArrays];
     if (self->_view || !ours) {
         reinterpret_cast<void (*)(id, SEL, id, NSInteger)>(stock.insert)(self, selector, item,
@@ -120,6 +129,23 @@ static void light_close(NSMenu* self, SEL selector) {
     if (self->_aWindow) reinterpret_cast<void (*)(id, SEL)>(stock.close)(self, selector);
 }
 
+// A menu that never had a view observes nothing and has nothing of the stock menu to give back.
+static void light_deallocate(NSMenu* self, SEL selector) {
+    forget_menu_font(self);
+    if (self->_view || self->_aWindow) {
+        reinterpret_cast<void (*)(id, SEL)>(stock.deallocate)(self, selector);
+        return;
+    }
+    if (self->_items != no_items()) {
+        [self->_items makeObjectsPerformSelector:@selector(setMenu:) withObject:nil];
+    }
+    [self->_items release];
+    [self->_notifications release];
+    [self->_title release];
+    [self->_name release];
+    [self deallocAsPlainObject];
+}
+
 static BOOL is_same_menu(NSMenu* self, SEL, id other) { return self == other; }
 
 @end
@@ -135,6 +161,7 @@ static BOOL is_same_menu(NSMenu* self, SEL, id other) { return self == other; }
         {"NSMenu", "itemChanged:", reinterpret_cast<IMP>(light_changed), &stock.changed},
         {"NSMenu", "performKeyEquivalent:", reinterpret_cast<IMP>(light_key_equivalent),
          &stock.key_equivalent},
+        {"NSMenu", "dealloc", reinterpret_cast<IMP>(light_deallocate), &stock.deallocate},
         {"NSMenu", "close", reinterpret_cast<IMP>(light_close), &stock.close},
         {"NSMenu", "isEqual:", reinterpret_cast<IMP>(is_same_menu), nullptr},
     };

@@ -231,3 +231,24 @@ TEST_F(Icons, AnIconIsWrittenWithItsPictures) {
     EXPECT_EQ([[read representations] count], 3u);
     EXPECT_EQ([read size].width, 48);
 }
+
+TEST_F(Icons, ItemsOfOneFileKeepOneImageUntilSomebodyLooksAtIt) {
+    const auto item_of = [&](const std::string& path, CGFloat side) {
+        NSMenuItem* item = [[[NSMenuItem alloc] initWithTitle:@"a" action:NULL
+                                                keyEquivalent:@""] autorelease];
+        NSImage* image = icon(path);
+        [image setSize:NSMakeSize(side, side)];
+        [item setImage:image];
+        return item;
+    };
+    const std::string text = folder.file("a.txt"), other = folder.folder("b");
+    NSMenuItem *one = item_of(text, 16), *two = item_of(text, 16), *large = item_of(text, 32);
+    EXPECT_EQ([one image], [two image]);
+    EXPECT_NE([one image], [large image]);
+    EXPECT_EQ([[large image] size].width, 32);
+    EXPECT_EQ([[one image] size].width, 16);
+    NSMenuItem* looked_at = item_of(other, 16);
+    EXPECT_EQ(number([looked_at image], 32), 3);
+    EXPECT_NE([item_of(other, 16) image], [looked_at image]);
+    EXPECT_EQ(number([two image], 32), 2);
+}

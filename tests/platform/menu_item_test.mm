@@ -267,3 +267,21 @@ TEST_F(MenuItem, ANamedImageIsFoundWithoutAskingImageMagick) {
     EXPECT_TRUE([[NSImage imageUnfilteredFileTypes] containsObject:@"webp"])
         << "asked for, it tells";
 }
+
+TEST_F(MenuItem, ItemsOfOneTitleKeepOneString) {
+    NSMutableString* title = [NSMutableString stringWithString:@"a title of some length"];
+    [item setTitle:title];
+    NSMenuItem* other = [[NSMenuItem alloc] initWithTitle:title action:NULL keyEquivalent:@""];
+    EXPECT_EQ([other title], [item title]);
+    [title appendString:@", changed"];
+    EXPECT_STREQ([[item title] UTF8String], "a title of some length");
+    [other setTitle:title];
+    EXPECT_STREQ([[other title] UTF8String], "a title of some length, changed");
+    EXPECT_STREQ([[item title] UTF8String], "a title of some length");
+    [other setTitle:nil];
+    EXPECT_STREQ([[other title] UTF8String], "");
+    NSString* longer = [@"" stringByPaddingToLength:5000 withString:@"ab" startingAtIndex:0];
+    [other setTitle:longer];
+    EXPECT_TRUE([[other title] isEqualToString:longer]);
+    [other release];
+}

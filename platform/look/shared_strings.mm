@@ -1,0 +1,57 @@
+#include "look/shared_strings.h"
+
+#include <string.h>
+
+namespace {
+
+// GNUstep compares two strings by composed characters, which takes thousands of instructions.
+const NSUInteger most_characters = 256;
+
+struct text_t {
+    NSString* string;  // retained
+    NSUInteger length;
+    unichar characters[most_characters];
+};
+
+text_t last[3];
+unsigned oldest;
+
+const text_t* find(const unichar* characters, NSUInteger length) {
+    for (const text_t& text : last) {
+        const bool is_equal = text.string && text.length == length &&
+                              memcmp(text.characters, characters, length * sizeof(unichar)) == 0;
+        if (is_equal) return &text;
+    }
+    return nullptr;
+}
+
+// Takes the string over.
+NSString* remember(NSString* string, const unichar* characters, NSUInteger length) {
+    text_t& text = last[oldest];
+    oldest = (oldest + 1) % 3;
+    [text.string autorelease];
+    text.string = string;
+    text.length = length;
+    memcpy(text.characters, characters, length * sizeof(unichar));
+    return string;
+}
+
+}  // namespace
+
+NSString* shared_string(const unichar* characters, NSUInteger length) {
+    if (length > most_characters) {
+        return [NSString stringWithCharacters:characters length:length];
+    }
+    if (const text_t* known = find(characters, length)) return known->string;
+    NSString* made = [[NSString alloc] initWithCharacters:characters length:length];
+    return remember(made, characters, length);
+}
+
+NSString* shared_string(NSString* string) {
+    const NSUInteger length = [string length];
+    if (!string || length > most_characters) return string;
+    unichar characters[most_characters];
+    [string getCharacters:characters range:NSMakeRange(0, length)];
+    if (const text_t* known = find(characters, length)) return known->string;
+    return remember([string copy], characters, length);
+}
