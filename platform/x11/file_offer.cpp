@@ -147,9 +147,9 @@ bool FileOffer::grab_pointer() {
 // Another client can have the pointer for a moment, for example a window manager.
 bool FileOffer::hold_pointer() {
     released_ = false;
-    for (int turn = 0; turn < 20; turn++) {
+    for (int turn = 0; turn < 100; turn++) {
         if (grab_pointer()) return true;
-        usleep(5000);
+        usleep(10000);
     }
     return false;
 }
