@@ -76,6 +76,10 @@ bool is_in_folder(const Kept& all, const char* path, size_t length) {
            !memchr(path + folder, '/', length - folder);
 }
 
+bool is_dot_or_dots(const char* name) {
+    return name[0] == '.' && (!name[1] || (name[1] == '.' && !name[2]));
+}
+
 // Where the next entry stands that may be asked for; hidden ones may be left out.
 size_t next_wanted(const Kept& all) {
     size_t next = all.next;
@@ -119,7 +123,7 @@ void FolderListing::keep(const dirent* const* entries, const std::vector<uint32_
     all.entries.reserve(before.size());
     for (size_t i = 0; i < before.size(); i++) {
         const char* name = entries[i]->d_name;
-        if (!strcmp(name, ".") || !strcmp(name, "..")) continue;
+        if (is_dot_or_dots(name)) continue;
         all.entries.push_back(
             {static_cast<uint32_t>(all.names.size()), before[i], entries[i]->d_type});
         all.names.append(name, strlen(name) + 1);

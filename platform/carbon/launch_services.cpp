@@ -101,6 +101,7 @@ bool follow_link(File* file) {
     file->name_offset =
         file->path.size() > 1 ? static_cast<uint32_t>(file->path.rfind('/')) + 1 : 0;
     file->mode = status.st_mode;
+    file->generation = 0;
     return true;
 }
 
@@ -110,6 +111,8 @@ bool leads_to_application(const File& file) {
     end.path = file.path;
     end.name_offset = file.name_offset;
     end.mode = file.mode;
+    end.generation = file.generation;
+    end.seen_at = file.seen_at;
     for (int links = 0; S_ISLNK(end.mode); links++) {
         if (links == most_links || !follow_link(&end)) return false;
     }
@@ -135,7 +138,7 @@ CFStringRef copy_own_name(const File& file) {
         if (!believed || entry.name.empty()) return nullptr;
         return CreateNameString(entry.name.data(), entry.name.size());
     }
-    const bool bundle = Extension(file).is_one_of(application_extensions) &&
+    const bool bundle = !S_ISREG(file.mode) && Extension(file).is_one_of(application_extensions) &&
                         S_ISDIR(mode_at_end(file)) && files::is_believed_bundle(file.path);
     return bundle ? files::copy_bundle_name(file.path.c_str()) : nullptr;
 }

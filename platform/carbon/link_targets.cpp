@@ -50,10 +50,19 @@ std::string real_path(const std::string& path) {
 }
 
 std::string link_target(const File& file) {
+    // What an entry is and where it leads is asked one after the other.
+    static uint64_t generation = 0;
+    static int64_t seen_at = 0;
+    static std::string& last = *new std::string;
+    if (file.generation && file.generation == generation && file.seen_at == seen_at) return last;
+
     char text[PATH_MAX];
     const ssize_t length = readlink(file.path.c_str(), text, sizeof text);
     if (length <= 0) return {};
-    return target_path(file, std::string(text, static_cast<size_t>(length)));
+    last = target_path(file, std::string(text, static_cast<size_t>(length)));
+    generation = file.generation;
+    seen_at = file.seen_at;
+    return last;
 }
 
 }  // namespace files
