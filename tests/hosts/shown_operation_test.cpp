@@ -70,7 +70,7 @@ class Operation : public testing::Test {
     // The menu holds pointer and keyboard from when it takes keys.
     bool menu_is_open() { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }
     static int menu_levels() {
-        const std::string levels = output_of("xdotool search --onlyvisible --name '^Window$'");
+        const std::string levels = output_of("xdotool search --onlyvisible --name '^Menu$'");
         return static_cast<int>(std::count(levels.begin(), levels.end(), '\n'));
     }
     bool move_selection() {
