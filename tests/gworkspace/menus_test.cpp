@@ -1,5 +1,6 @@
 // What the menu in GWorkspace does.
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -26,6 +27,30 @@ TEST_F(Menus, AFileOfTheThirdLevelOpens) {
     right_click(item("icons", path("alpha")));
     pick({"alpha", "one", "two", "deep.txt"});
     EXPECT_EQ(program().wait(), lines_t({path("alpha/one/two/deep.txt")}));
+}
+
+// A desktop file that poses as a photo, an icon that would never be read to its end, and a property
+// list that no parser survives.
+TEST_F(Menus, AFolderOfAStrangersIsListedAndNothingInItRuns) {
+    const std::string mark = path("was-run"), pipe = path("beta/pipe.png");
+    mkfifo(pipe.c_str(), 0600);
+    const std::string entry = changing_folder().file(
+        "beta/photo.desktop", "[Desktop Entry]\nType=Application\nName=Holiday photo.jpg\nIcon=" +
+                                  pipe + "\nExec=/bin/sh -c 'touch " + mark + "'\n");
+    changing_folder().file("beta/Deep.app/Resources/Info-gnustep.plist", std::string(120000, '('));
+    right_click(item("icons", path("beta")));
+    hover_along({"beta"});
+    const lines_t shown = titles(1);
+    EXPECT_TRUE(contains(shown, "photo.desktop"));
+    EXPECT_FALSE(contains(shown, "Holiday photo.jpg"));
+    EXPECT_TRUE(contains(shown, "Deep") || contains(shown, "Deep.app")) << shown.size();
+    EXPECT_TRUE(contains(shown, "pipe.png"));
+    pick({"beta", "photo.desktop"});
+    EXPECT_EQ(program().wait(), lines_t({entry})) << "it is opened as the text that it is";
+    EXPECT_FALSE(fs::exists(mark));
+    for (const char* name : {"beta/pipe.png", "beta/photo.desktop", "beta/Deep.app"}) {
+        fs::remove_all(path(name));
+    }
 }
 
 TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
