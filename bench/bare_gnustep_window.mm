@@ -1,0 +1,17 @@
+// The least that a program of the toolkit does to show something: one empty window.
+#include <AppKit/AppKit.h>
+
+int main() {
+    @autoreleasepool {
+        [NSApplication sharedApplication];
+        const CGFloat height = NSHeight([[[NSScreen screens] objectAtIndex:0] frame]);
+        NSWindow* window =
+            [[NSWindow alloc] initWithContentRect:NSMakeRect(100, height - 300, 200, 200)
+                                        styleMask:NSBorderlessWindowMask
+                                          backing:NSBackingStoreBuffered
+                                            defer:NO];
+        [window setBackgroundColor:[NSColor whiteColor]];
+        [window orderFrontRegardless];
+        [NSApp run];
+    }
+}

@@ -1,0 +1,85 @@
+// `delvio menu` from its start until its menu is on the screen, beside programs that show a window
+// and do nothing else; and what the open menu takes while nobody touches it.
+#include <X11/Xlib.h>
+#include <stdio.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "bench/harness.h"
+#include "bench/started_program.h"
+#include "bench/test_folder.h"
+
+namespace {
+
+const int rounds = 15;
+const double milliseconds_limit = 90;
+const double idle_seconds = 10;
+const int x = 180, y = 110;  // in the windows of all
+
+// In seconds of each clock, from before the start to the first pixel.
+void start(Display* display, const std::vector<std::string>& command, bench::Times* times) {
+    const unsigned long empty = bench::pixel(display, x, y);
+    const double begin = bench::now();
+    {
+        bench::StartedProgram program(command);
+        program.wait_for_pixel(display, x, y, empty);
+        times->wall.push_back(bench::now() - begin);
+        times->processor.push_back(program.usage().processor);
+    }
+    while (bench::pixel(display, x, y) != empty) usleep(1000);
+}
+
+void measure_idle(Display* display, const std::vector<std::string>& command) {
+    const unsigned long empty = bench::pixel(display, x, y);
+    bench::StartedProgram program(command);
+    program.wait_for_pixel(display, x, y, empty);
+    program.wait_for_rest();
+    const bench::Usage before = program.usage();
+    usleep(static_cast<useconds_t>(idle_seconds * 1e6));
+    const bench::Usage after = program.usage();
+    bench::note("wake-ups of an open menu in ten seconds", 0,
+                static_cast<double>(after.wake_ups - before.wake_ups), "wake-ups", 5);
+    bench::note("processor time of an open menu in ten seconds", 0,
+                (after.processor - before.processor) * 1e3, "ms", idle_seconds);
+}
+
+void race(Display* display, const std::vector<std::string>& menu) {
+    const std::pair<std::string, std::vector<std::string>> programs[] = {
+        {"bare X window", {BARE_X_WINDOW}},
+        {"bare GNUstep window", {BARE_GNUSTEP_WINDOW}},
+        {"delvio menu", menu},
+    };
+    bench::Times times[std::size(programs)];
+    for (int round = 0; round <= rounds; round++) {
+        for (size_t i = 0; i < std::size(programs); i++) {
+            bench::Times warm_up;
+            start(display, programs[i].second, round ? &times[i] : &warm_up);
+        }
+    }
+    for (size_t i = 0; i < std::size(programs); i++) {
+        bench::print_times("start to the first pixel", 0, programs[i].first, times[i]);
+    }
+    bench::note("processor time of delvio menu to its first pixel", 0,
+                bench::median(times[2].processor) * 1e3, "ms", milliseconds_limit);
+    bench::check("start of delvio menu to that of a bare GNUstep window, processor time",
+                 bench::median(times[2].processor) / bench::median(times[1].processor), 1);
+}
+
+}  // namespace
+
+int main() {
+    Display* display = XOpenDisplay(nullptr);
+    if (!display) return 1;
+    const bench::TestFolder folder(10);
+    const std::vector<std::string> menu = {DELVIO, "menu", "--at", "100,100", folder.path()};
+    try {
+        race(display, menu);
+        measure_idle(display, menu);
+    } catch (const std::exception& problem) {
+        fprintf(stderr, "bench_start: %s\n", problem.what());
+        return 1;
+    }
+    XCloseDisplay(display);
+    return bench::status();
+}

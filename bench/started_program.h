@@ -1,0 +1,39 @@
+// A program that shows a window, started for a measurement and ended again.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+struct _XDisplay;
+
+namespace bench {
+
+// What a process has taken so far, all its threads together.
+struct Usage {
+    double processor = 0;  // seconds
+    long wake_ups = 0;
+};
+
+class StartedProgram {
+  public:
+    explicit StartedProgram(const std::vector<std::string>& command);
+    ~StartedProgram();
+    StartedProgram(const StartedProgram&) = delete;
+    StartedProgram& operator=(const StartedProgram&) = delete;
+
+    // Waits until a pixel of the screen is another than `before`. Throws when the program ends or
+    // nothing shows.
+    void wait_for_pixel(_XDisplay* display, int x, int y, unsigned long before);
+    // Waits until it computes nothing any more.
+    void wait_for_rest();
+    Usage usage() const;
+
+  private:
+    pid_t process_ = 0;
+};
+
+unsigned long pixel(_XDisplay* display, int x, int y);
+
+}  // namespace bench
