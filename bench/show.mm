@@ -149,6 +149,8 @@ static void show() {
         [_menu release];
     }
     add_span(_times->close, _closing);
+    // A turn of the run loop, in which a program that goes on gives memory back.
+    [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
     const memory_t after;
     _times->row_bytes.push_back((_shown.heap - _before.heap) / _times->size.rows);
     const double taken = std::max(1.0, _shown.resident - _before.resident);

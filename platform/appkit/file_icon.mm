@@ -130,7 +130,7 @@ NSColor* clear_color() {
 }
 
 - (BOOL)mayChangeAfterFirstLook {
-    return _flags.syncLoad && may_have_untrusted_picture(path_bytes([self path]));
+    return _flags.syncLoad && may_have_untrusted_picture(_leaf);
 }
 
 - (BOOL)isOfHiddenFile {

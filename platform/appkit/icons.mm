@@ -159,8 +159,8 @@ void give_pictures(NSImage* image, NSString* path) {
     if (!file.empty()) show_untrusted_icon(image, file);
 }
 
-bool may_have_untrusted_picture(const std::string& path) {
-    return path.ends_with(".desktop") || is_named_as_bundle(path);
+bool may_have_untrusted_picture(NSString* name) {
+    return [name hasSuffix:@".desktop"] || [name hasSuffix:@".app"];
 }
 
 @interface IconsInstaller : NSObject

@@ -5,6 +5,7 @@
 #include <objc/runtime.h>
 
 #include "menus/menu_items.h"
+#include "menus/menu_memory.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_session.h"
 #include "objc/method_patch.h"
@@ -21,6 +22,7 @@ void run_popup(NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
         [tracker trackSession:session event:event view:view font:font ?: [menu font]];
     } @finally {
         [session close];
+        give_memory_back_soon();
     }
     [session performPick];
 }

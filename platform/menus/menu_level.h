@@ -65,6 +65,8 @@ class menu_level_t {
     void redraw();
     // From the view.
     void draw(NSRect dirty);
+    // Images whose pictures may come late are asked for before their rows are scrolled into sight.
+    void look_ahead() const;
     // The level as it is shown, its panel's corner at (left, top) of a picture.
     void draw_picture(cairo_t* cairo, int left, int top, bool shadow) const;
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "look/bitmaps.h"
+#include "look/image_questions.h"
 #include "menus/menu_items.h"
 #include "menus/menu_level_view.h"
 #include "x11/menu_windows.h"
@@ -195,6 +196,17 @@ void menu_level_t::draw(NSRect dirty) {
     cairo_clip(cairo);
     paint_menu(cairo, scene(style_.composed));
     cairo_restore(cairo);
+    look_ahead();
+}
+
+void menu_level_t::look_ahead() const {
+    const std::vector<menu_row_t>& rows = layout_.rows();
+    const int end = scroll_ + 2 * panel_.height;
+    for (size_t i = layout_.first_row_below(scroll_ - panel_.height);
+         i < rows.size() && rows[i].top < end; i++) {
+        NSImage* image = [rows[i].item image];
+        if ([image mayChangeAfterFirstLook]) [image representations];
+    }
 }
 
 void menu_level_t::draw_picture(cairo_t* cairo, int left, int top, bool shadow) const {

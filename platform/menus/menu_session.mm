@@ -1,4 +1,5 @@
 #include "menus/menu_items.h"
+#include "menus/menu_memory.h"
 #include "menus/menu_session.h"
 
 namespace {
@@ -168,6 +169,7 @@ NSMutableArray* open_sessions() {
         [delegate menuWillOpen:menu];
         validate_items(menu);
     }
+    note_opened_items([menu numberOfItems]);
     [self changed];
 }
 

@@ -1,5 +1,8 @@
 #include <AppKit/AppKit.h>
 #include <gtest/gtest.h>
+#include <host/menu_tracking.h>
+
+#include <fstream>
 
 #include <string>
 
@@ -278,4 +281,54 @@ TEST_F(MenuStorage, EmptyMenusShareNothingThatCanBeSeen) {
     [one addItem:item(@"b")];
     EXPECT_STREQ([[[one itemAtIndex:0] title] UTF8String], "b");
     EXPECT_EQ([menu() numberOfItems], 0);
+}
+
+// Opens the popup's first level and closes it.
+@interface LevelOpener : NSObject <MenuTracker>
+@end
+@implementation LevelOpener
+- (void)trackSession:(MenuSession*)session
+               event:(NSEvent*)event
+                view:(NSView*)view
+                font:(NSFont*)font {
+    (void)event, (void)view, (void)font;
+    [session open];
+    [session close];
+}
+@end
+
+static long private_kilobytes() {
+    std::ifstream file("/proc/self/smaps_rollup");
+    std::string line;
+    while (std::getline(file, line)) {
+        long kilobytes = 0;
+        if (sscanf(line.c_str(), "Private_Dirty: %ld", &kilobytes) == 1) return kilobytes;
+    }
+    return -1;
+}
+
+TEST_F(MenuStorage, TheMemoryOfALargeLevelGoesBackOnceItsPopupIsOver) {
+    LevelOpener* opener = [[LevelOpener new] autorelease];
+    long taken = 0;
+    const auto popup_leaves = [&](int items) {
+        const long before = private_kilobytes();
+        void* after_the_items;  // stays, so that the allocator cannot cut its end off
+        @autoreleasepool {
+            NSMenu* root = menu();
+            for (int i = 0; i < items; i++) [root addItem:item(@"child")];
+            after_the_items = malloc(2000);
+            [NSMenu setContextMenuTracker:opener];
+            [NSMenu popUpContextMenu:root withEvent:command_key(@"a") forView:nil];
+            [NSMenu setContextMenuTracker:nil];
+            taken = private_kilobytes() - before;
+        }
+        [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
+        const long left = private_kilobytes() - before;
+        free(after_the_items);
+        return left;
+    };
+    popup_leaves(100);
+    const long left = popup_leaves(100000);
+    EXPECT_GT(taken, 15000);
+    EXPECT_LT(left, taken / 10);
 }

@@ -15,6 +15,7 @@
 #include <fstream>
 #include <string>
 
+#include "look/image_questions.h"
 #include "platform/menu_script.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
@@ -226,4 +227,24 @@ TEST_F(UntrustedIcons, AnOpenMenuShowsAPictureThatArrives) {
         },
         [&] { script.input.key("Escape"); });
     script.run(menu, 300, 200);
+}
+
+TEST_F(UntrustedIcons, APictureIsReadBeforeItsRowIsScrolledIntoSight) {
+    const std::string path = entry(folder.file("good.svg", svg(own)));
+    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    for (int i = 0; i < 200; i++) {
+        [menu addItemWithTitle:@"row" action:@selector(description) keyEquivalent:@""];
+    }
+    NSImage *next = icon(path), *far = icon(path);
+    [next setSize:NSMakeSize(16, 16)];
+    [[menu itemAtIndex:45] setImage:next];
+    [[menu itemAtIndex:199] setImage:far];
+    MenuScript script;
+    script.when(
+        "a look at the next page", [&] { return ![next mayChangeAfterFirstLook]; },
+        [&] { script.input.key("Escape"); });
+    script.run(menu, 300, 200);
+    EXPECT_TRUE([far mayChangeAfterFirstLook]) << "of pages that are far away nothing is read";
+    wait_for_all();
+    EXPECT_EQ(number(next), own);
 }
