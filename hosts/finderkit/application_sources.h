@@ -17,10 +17,6 @@ std::string DescribeApplicationSources();
 // All entries and bundles; of several with one name the first, as the desktop finds them.
 ApplicationSources FindApplicationSources();
 
-// Whether the entry is shown in menus and takes files; *name receives its name in the user's
-// language. False for a broken one.
-bool IsOfferedEntry(const std::string& path, std::string* name);
-
 // Whether the bundle is a program that the user sees and that declares files that it opens; *name
 // receives its own name.
 bool IsOfferedBundle(const std::string& path, std::string* name);

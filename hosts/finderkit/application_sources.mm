@@ -3,14 +3,13 @@
 #include <Foundation/Foundation.h>
 
 #include <dirent.h>
-#include <gio/gdesktopappinfo.h>
+#include <glib.h>
 #include <sys/stat.h>
 
 #include <set>
 
 namespace {
 
-const off_t largest_entry = 256 * 1024;
 const int deepest_folder = 4;
 
 std::vector<std::string> data_folders() {
@@ -77,12 +76,6 @@ void find_bundles(const std::string& path, ApplicationSources* sources) {
     }
 }
 
-bool is_small_file(const std::string& path) {
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-           status.st_size <= largest_entry;
-}
-
 bool is_set(NSDictionary* information, NSString* key) {
     id value = [information objectForKey:key];
     return [value respondsToSelector:@selector(boolValue)] && [value boolValue];
@@ -136,20 +129,6 @@ ApplicationSources FindApplicationSources() {
     }
     for (const std::string& folder : bundle_folders()) find_bundles(folder, &sources);
     return sources;
-}
-
-bool IsOfferedEntry(const std::string& path, std::string* name) {
-    if (!is_small_file(path)) return false;
-    GDesktopAppInfo* entry = g_desktop_app_info_new_from_filename(path.c_str());
-    if (!entry) return false;
-    GAppInfo* application = G_APP_INFO(entry);
-    const bool offered =
-        !g_desktop_app_info_get_is_hidden(entry) && g_app_info_should_show(application) &&
-        (g_app_info_supports_files(application) || g_app_info_supports_uris(application));
-    const char* text = g_app_info_get_name(application);
-    *name = text ? text : "";
-    g_object_unref(entry);
-    return offered;
 }
 
 bool IsOfferedBundle(const std::string& path, std::string* name) {

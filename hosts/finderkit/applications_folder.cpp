@@ -2,6 +2,7 @@
 
 #include <host/process.h>
 #include <host/forced_preferences.h>
+#include <host/offered_entries.h>
 
 #include <glib.h>
 #include <limits.h>

@@ -1,7 +1,6 @@
 // LSOpenFromRefSpec: opening documents with a chosen application.
 #include <Carbon/LaunchServices.h>
 
-#include <gio/gdesktopappinfo.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -34,6 +33,7 @@ OSStatus status_of(Start start) {
     switch (start) {
         case Start::done:
             return noErr;
+        case Start::not_installed:
         case Start::no_program:
             return kLSNoExecutableErr;
         case Start::not_permitted:
@@ -51,15 +51,11 @@ Result result_of(Start start, const std::string& problem) {
 const Result not_installed = {kLSNoExecutableErr, "its program is not installed"};
 const Result no_application = {kLSNotAnApplicationErr, "it is not a program"};
 
-// What its program needs, or the entry itself, may be broken: GIO gives no entry then.
 Result open_with_entry(const std::string& path, const Documents& documents) {
     if (!files::desktop_entry_at(path).may_start) return no_application;
-    const files::ObjectOwner<GDesktopAppInfo> entry(
-        g_desktop_app_info_new_from_filename(path.c_str()));
-    if (!entry) return not_installed;
     std::string problem;
-    const Start start = start_entry(entry.get(), documents, &problem);
-    return result_of(start, problem);
+    const Start start = start_entry_file(path, documents, &problem);
+    return start == Start::not_installed ? not_installed : result_of(start, problem);
 }
 
 // As GNUstep's programs take documents: one by an option that wrappers of other programs know too,

@@ -17,6 +17,7 @@ struct DesktopEntry {
     Standing standing;
     bool may_start;    // installed or executable, and not hidden; one that is not shown, too
     std::string name;  // in the user's language; empty when the file gives none
+    std::string icon;  // a name, or an absolute path; empty when the file gives none
 };
 
 // Reads the plain file, or the one that a symbolic link leads to.

@@ -16,6 +16,7 @@ struct Release {
 };
 
 using TextOwner = std::unique_ptr<char, Release<g_free>>;
+using TextsOwner = std::unique_ptr<char*, Release<g_strfreev>>;
 using ErrorOwner = std::unique_ptr<GError, Release<g_error_free>>;
 using KeyFileOwner = std::unique_ptr<GKeyFile, Release<g_key_file_free>>;
 template <typename Object>

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "desktop/desktop_entries.h"
+#include "desktop/glib_owners.h"
 
 namespace {
 
@@ -49,55 +50,28 @@ std::string folder_key(const std::string& path) {
     return "@folder";
 }
 
-bool has_ending(const std::string& path, const char* ending) {
-    return g_str_has_suffix(path.c_str(), ending);
-}
-
-// Names have no endings, but entries often give one all the same.
-void drop_ending(std::string& name) {
-    if (name.empty() || name[0] == '/') return;
-    for (const char* ending : {".png", ".svg", ".xpm"}) {
-        if (has_ending(name, ending)) return name.resize(name.size() - 4);
-    }
-}
-
-// The icon that a desktop entry names, empty if it is none.
-std::string entry_icon(const std::string& path) {
-    GKeyFile* file = g_key_file_new();
-    std::string icon;
-    if (g_key_file_load_from_file(file, path.c_str(), G_KEY_FILE_NONE, nullptr)) {
-        char* value = g_key_file_get_string(file, "Desktop Entry", "Icon", nullptr);
-        if (value) icon = value;
-        g_free(value);
-    }
-    g_key_file_unref(file);
-    drop_ending(icon);
-    return icon;
-}
-
 std::string type_key(const std::string& path, mode_t mode) {
     gboolean uncertain = FALSE;
-    char* type = g_content_type_guess(path.c_str(), nullptr, 0, &uncertain);
-    const std::string key = type ? type : "application/octet-stream";
-    g_free(type);
+    const files::TextOwner type(g_content_type_guess(path.c_str(), nullptr, 0, &uncertain));
+    const std::string key = type ? type.get() : "application/octet-stream";
     if (!uncertain || key != "application/octet-stream") return key;
     return mode & S_IXUSR ? "application/x-executable" : "text/plain";
 }
 
-std::string file_key(const std::string& path, const struct stat& entry) {
-    const off_t largest_entry = 65536;
-    if (has_ending(path, ".desktop") && entry.st_size < largest_entry) {
-        switch (files::desktop_entry_at(path).standing) {
-            case files::Standing::document:
-                return "text/plain";
-            case files::Standing::program:
-                return "application/x-executable";
-            case files::Standing::application:
-                break;
-        }
-        const std::string icon = entry_icon(path);
-        return icon.empty() ? "application/x-executable" : entry_mark + icon;
+std::string entry_key(const files::DesktopEntry& entry) {
+    switch (entry.standing) {
+        case files::Standing::document:
+            return "text/plain";
+        case files::Standing::program:
+            return "application/x-executable";
+        case files::Standing::application:
+            break;
     }
+    return entry.icon.empty() ? "application/x-executable" : entry_mark + entry.icon;
+}
+
+std::string file_key(const std::string& path, const struct stat& entry) {
+    if (path.ends_with(".desktop")) return entry_key(files::desktop_entry_at(path));
     return type_key(path, entry.st_mode);
 }
 
@@ -119,12 +93,11 @@ std::vector<std::string> icon_names(const std::string& key) {
     if (key[0] == entry_mark) return {key.substr(1), "application-x-executable"};
     if (key[0] == place_mark) return {key.substr(1), "folder", "inode-directory"};
     std::vector<std::string> names;
-    GIcon* icon = g_content_type_get_icon(key.c_str());
-    if (G_IS_THEMED_ICON(icon)) {
-        const char* const* i = g_themed_icon_get_names(G_THEMED_ICON(icon));
+    const files::ObjectOwner<GIcon> icon(g_content_type_get_icon(key.c_str()));
+    if (G_IS_THEMED_ICON(icon.get())) {
+        const char* const* i = g_themed_icon_get_names(G_THEMED_ICON(icon.get()));
         for (; i && *i; i++) append(names, *i);
     }
-    if (icon) g_object_unref(icon);
     names.push_back("text-x-generic");
     return names;
 }

@@ -3,7 +3,7 @@
 #include <host/process.h>
 
 #include <dirent.h>
-#include <gio/gdesktopappinfo.h>
+#include <glib.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -12,15 +12,14 @@
 #include <set>
 #include <unordered_set>
 
+#include "desktop/entry_file.h"
 #include "desktop/glib_owners.h"
 #include "desktop/moments.h"
-#include "desktop/small_files.h"
 
 namespace files {
 
 namespace {
 
-const size_t largest_entry = 256 * 1024;
 const int deepest_folder = 4;
 
 const char* const runners[] = {"bash",     "dash",         "dbus-launch", "electron",
@@ -122,18 +121,6 @@ Index read_index(const std::vector<std::string>& roots) {
     return index;
 }
 
-std::string text_of(GKeyFile* keys, const char* key, bool localized = false) {
-    const char* group = G_KEY_FILE_DESKTOP_GROUP;
-    const TextOwner text(localized
-                             ? g_key_file_get_locale_string(keys, group, key, nullptr, nullptr)
-                             : g_key_file_get_string(keys, group, key, nullptr));
-    return text ? text.get() : "";
-}
-
-bool flag_of(GKeyFile* keys, const char* key) {
-    return g_key_file_get_boolean(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr);
-}
-
 std::string base_name(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 // Looked at again when `age` milliseconds have passed.
@@ -162,15 +149,15 @@ std::unordered_set<std::string>& running_paths() {
 }  // namespace
 
 std::string program_of_command(const char* command) {
-    char** words = nullptr;
-    if (!g_shell_parse_argv(command, nullptr, &words, nullptr)) return {};
+    char** parsed = nullptr;
+    if (!g_shell_parse_argv(command, nullptr, &parsed, nullptr)) return {};
+    const TextsOwner words(parsed);
     std::string program;
-    for (char** word = words; *word; word++) {
+    for (char** word = words.get(); *word; word++) {
         program = base_name(*word);
         if (program != "env" && !strchr(*word, '=')) break;
         program.clear();
     }
-    g_strfreev(words);
     return runs_many_applications(program) ? std::string() : program;
 }
 
@@ -185,24 +172,16 @@ bool runs_many_applications(const std::string& program) {
 }
 
 bool read_application(const std::string& path, InstalledApplication* application) {
-    std::string content;
-    if (!read_small_file(path.c_str(), largest_entry, &content)) return false;
-    const KeyFileOwner keys(g_key_file_new());
-    if (!g_key_file_load_from_data(keys.get(), content.data(), content.size(), G_KEY_FILE_NONE,
-                                   nullptr) ||
-        text_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_TYPE) != G_KEY_FILE_DESKTOP_TYPE_APPLICATION) {
-        return false;
-    }
+    const EntryFile* entry = read_entry_file(path);
+    if (!entry) return false;
     const std::string name = base_name(path);
     application->id = name.substr(0, name.rfind('.'));
     application->path = path;
-    application->name = text_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_NAME, true);
-    application->plain_name = text_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_NAME);
-    application->window_class = text_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_STARTUP_WM_CLASS);
-    application->program =
-        program_of_command(text_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_EXEC).c_str());
-    application->is_shown = !flag_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_NO_DISPLAY) &&
-                            !flag_of(keys.get(), G_KEY_FILE_DESKTOP_KEY_HIDDEN);
+    application->name = entry->name;
+    application->plain_name = entry->plain_name;
+    application->window_class = entry->window_class;
+    application->program = program_of_command(entry->command.c_str());
+    application->is_shown = entry->is_displayed && !entry->is_hidden;
     return true;
 }
 

@@ -52,14 +52,18 @@ std::string no_program_for(const std::string& type) {
            (name ? name.get() : type);
 }
 
+void release_programs(GList* programs) { g_list_free_full(programs, g_object_unref); }
+using ProgramsOwner = std::unique_ptr<GList, files::Release<release_programs>>;
+
 bool launch_for_type(const std::string& type, const std::string& path, std::string* reason) {
     const ObjectOwner<GAppInfo> chosen(g_app_info_get_default_for_type(type.c_str(), FALSE));
     if (launch(chosen.get(), path, reason)) return true;
     // The default may need what is not here, a terminal for one: the next that starts will do.
-    GList* programs = g_app_info_get_all_for_type(type.c_str());
+    const ProgramsOwner programs(g_app_info_get_all_for_type(type.c_str()));
     bool started = false;
-    for (GList* i = programs; i && !started; i = i->next) started = launch(i->data, path, reason);
-    g_list_free_full(programs, g_object_unref);
+    for (GList* i = programs.get(); i && !started; i = i->next) {
+        started = launch(i->data, path, reason);
+    }
     if (!started && reason->empty()) *reason = no_program_for(type);
     return started;
 }
@@ -70,11 +74,11 @@ bool open_entry(const std::string& path, std::string* reason) {
     if (files::desktop_entry_at(path).standing == files::Standing::document) {
         return launch_for_type("text/plain", path, reason);
     }
-    const ObjectOwner<GDesktopAppInfo> program(g_desktop_app_info_new_from_filename(path.c_str()));
-    std::string problem;
-    if (program && start_entry(program.get(), {}, &problem) == Start::done) return true;
-    *reason = program ? "it does not start: " + problem : "its program is not installed";
-    return false;
+    const Start start = start_entry_file(path, {}, reason);
+    if (start != Start::done && start != Start::not_installed) {
+        *reason = "it does not start: " + *reason;
+    }
+    return start == Start::done;
 }
 
 }  // namespace

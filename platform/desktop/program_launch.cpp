@@ -19,13 +19,13 @@ std::map<std::string, std::optional<std::string>>& changed_variables() {
     return variables;
 }
 
-GAppLaunchContext* new_launch_context() {
-    GAppLaunchContext* context = g_app_launch_context_new();
+files::ObjectOwner<GAppLaunchContext> launch_context() {
+    files::ObjectOwner<GAppLaunchContext> context(g_app_launch_context_new());
     for (const auto& [name, value] : changed_variables()) {
         if (value) {
-            g_app_launch_context_setenv(context, name.c_str(), value->c_str());
+            g_app_launch_context_setenv(context.get(), name.c_str(), value->c_str());
         } else {
-            g_app_launch_context_unsetenv(context, name.c_str());
+            g_app_launch_context_unsetenv(context.get(), name.c_str());
         }
     }
     return context;
@@ -47,22 +47,25 @@ Start result_of(bool started, GError* error, std::string* reason) {
     return refused ? Start::not_permitted : Start::failed;
 }
 
+void release_texts(GList* texts) { g_list_free_full(texts, g_free); }
+using AddressesOwner = std::unique_ptr<GList, files::Release<release_texts>>;
+
 // Addresses carry any byte.
-GList* addresses_of(const std::vector<std::string>& documents) {
+AddressesOwner addresses_of(const std::vector<std::string>& documents) {
     GList* addresses = nullptr;
     for (const std::string& document : documents) {
         addresses =
             g_list_prepend(addresses, g_filename_to_uri(document.c_str(), nullptr, nullptr));
     }
-    return g_list_reverse(addresses);
+    return AddressesOwner(g_list_reverse(addresses));
 }
 
 }  // namespace
 
 Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& documents,
                   std::string* reason) {
-    GList* addresses = addresses_of(documents);
-    const files::ObjectOwner<GAppLaunchContext> context(new_launch_context());
+    const AddressesOwner addresses = addresses_of(documents);
+    const files::ObjectOwner<GAppLaunchContext> context = launch_context();
     const files::PatientBus bus;
     bus.pass_on(context.get());
     // An entry may name a folder of its own to start from.
@@ -72,14 +75,22 @@ Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& docume
     void* folder = has_folder ? nullptr : const_cast<char*>(g_get_home_dir());
     GError* error = nullptr;
     const bool started = g_desktop_app_info_launch_uris_as_manager(
-        entry, addresses, context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr, nullptr,
-        &error);
-    g_list_free_full(addresses, g_free);
+        entry, addresses.get(), context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr,
+        nullptr, &error);
     // A message to a program that the bus starts is still on its way, and we may be about to exit.
     if (started && g_desktop_app_info_get_boolean(entry, "DBusActivatable")) {
         files::flush_session_bus();
     }
     return result_of(started, error, reason);
+}
+
+Start start_entry_file(const std::string& path, const std::vector<std::string>& documents,
+                       std::string* reason) {
+    const files::ObjectOwner<GDesktopAppInfo> entry(
+        g_desktop_app_info_new_from_filename(path.c_str()));
+    if (entry) return start_entry(entry.get(), documents, reason);
+    *reason = "its program is not installed";
+    return Start::not_installed;
 }
 
 Start start_program(const std::string& program, const std::vector<std::string>& arguments,
@@ -90,14 +101,13 @@ Start start_program(const std::string& program, const std::vector<std::string>& 
     }
     command.push_back(nullptr);
     GError* error = nullptr;
-    const files::ObjectOwner<GAppLaunchContext> context(new_launch_context());
+    const files::ObjectOwner<GAppLaunchContext> context = launch_context();
     const files::PatientBus bus;
     bus.pass_on(context.get());
-    char** environment = g_app_launch_context_get_environment(context.get());
+    const files::TextsOwner environment(g_app_launch_context_get_environment(context.get()));
     const bool started =
-        g_spawn_async(nullptr, command.data(), environment, G_SPAWN_DEFAULT, leave_us,
+        g_spawn_async(nullptr, command.data(), environment.get(), G_SPAWN_DEFAULT, leave_us,
                       const_cast<char*>(g_get_home_dir()), nullptr, &error);
-    g_strfreev(environment);
     return result_of(started, error, reason);
 }
 
