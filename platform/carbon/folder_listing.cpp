@@ -13,6 +13,9 @@ namespace files {
 
 namespace {
 
+// Between two questions, in milliseconds: a scan on a busy machine may have to wait its turn.
+const int64_t longest_pause = 10 * one_moment;
+
 struct Entry {
     uint32_t name;   // in Kept::names
     uint32_t index;  // in Kept::attributes
@@ -62,7 +65,7 @@ void forget(Kept* all) { *all = {}; }
 bool is_as_it_was(Kept* all, int64_t now) {
     if (now == all->seen_at) return true;
     FolderState state;
-    if (now - all->seen_at >= one_moment || !see(all->folder.c_str(), &state) ||
+    if (now - all->seen_at >= longest_pause || !see(all->folder.c_str(), &state) ||
         state != all->state) {
         return false;
     }
