@@ -1,0 +1,159 @@
+// Scrolling of a level of 100,000 entries: by the wheel from its top, by End, and by the wheel from
+// its end. Each step is one frame, painted before the next step.
+#include <AppKit/AppKit.h>
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xlib.h>
+#include <host/menu_tracking.h>
+#include <objc/runtime.h>
+#include <stdio.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "bench/harness.h"
+#include "bench/test_folder.h"
+#include "finderkit/context_menu.h"
+#include "finderkit/plug_in.h"
+#include "menus/menu_level_view.h"
+#include "menus/menu_run.h"
+#include "support/right_click.h"
+
+namespace {
+
+constexpr int entries = 100000, steps = 600;
+// 60 frames a second.
+constexpr double longest_frame = 1000.0 / 60;
+
+int frames = 0;
+
+}  // namespace
+
+@interface MenuLevelView (Counted)
+- (void)drawCountedRect:(NSRect)rect;
+@end
+
+@implementation MenuLevelView (Counted)
+
+- (void)drawCountedRect:(NSRect)rect {
+    frames++;
+    [self drawCountedRect:rect];
+}
+
+@end
+
+// One popup for the folder that holds the large one.
+@interface Popup : NSObject {
+  @private
+    std::string* _folder;
+    TContextMenu* _menu;
+}
+- (instancetype)initWithFolder:(const std::string&)folder;
+- (void)run;
+@end
+
+@implementation Popup
+
+- (instancetype)initWithFolder:(const std::string&)folder {
+    if ((self = [super init])) _folder = new std::string(folder);
+    return self;
+}
+
+- (void)dealloc {
+    delete _folder;
+    [super dealloc];
+}
+
+- (void)menuNeedsUpdate:(NSMenu*)menu {
+    if (menu != _menu || [_menu nodes]) return;
+    const TFENodeVector nodes = {{{*_folder}}};
+    [_menu configureWithNodes:&nodes windowController:nil container:NO];
+}
+
+static menu_level_t& deepest_level() { return *menu_run_t::current()->levels().back(); }
+
+static void paint(const menu_level_t& level) {
+    [level.window() displayIfNeeded];
+    [level.window() flushWindow];
+    XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
+}
+
+// Scrolls by `pixels` as often as asked for and paints each time.
+static void scroll(menu_level_t& level, int pixels, int times, bench::Times* result) {
+    for (int step = 0; step < times; step++) {
+        @autoreleasepool {
+            const double processor = bench::processor_time(), wall = bench::now();
+            if (!level.scroll_by(pixels)) throw std::runtime_error("nothing to scroll");
+            paint(level);
+            result->wall.push_back(bench::now() - wall);
+            result->processor.push_back(bench::processor_time() - processor);
+        }
+    }
+}
+
+static void report(const char* what, const bench::Times& times) {
+    bench::print_times(what, entries, "scroll, paint", times);
+    const double median = bench::median(times.processor) * 1e3;
+    bench::note(std::string(what) + ", processor time of a frame", entries, median, "ms",
+                longest_frame);
+}
+
+- (void)measure:(NSTimer*)timer {
+    (void)timer;
+    MenuSession* session = [MenuSession current];
+    NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
+    [session openSubmenuOfItem:holder];
+    menu_run_t::current()->synchronize();
+    [session openSubmenuOfItem:[[[holder submenu] itemArray] lastObject]];
+    menu_run_t::current()->synchronize();
+
+    menu_level_t& level = deepest_level();
+    paint(level);
+    const int rows = static_cast<int>(level.layout().rows().size());
+    const int notch = 3 * menu_run_t::current()->style().look.row_height;
+    frames = 0;
+    bench::Times down, end, up;
+    scroll(level, notch, steps, &down);
+    scroll(level, rows * notch, 1, &end);
+    scroll(level, -notch, steps, &up);
+    printf("a level of %d rows\n", rows);
+    report("scrolling down by the wheel", down);
+    report("scrolling to the end at once", end);
+    report("scrolling up by the wheel", up);
+    bench::note("frames painted for each step", entries, double(frames) / (2 * steps + 1), "", 1);
+    [session cancel];
+}
+
+- (void)run {
+    @autoreleasepool {
+        _menu = [[TContextMenu alloc] initWithTitle:@""];
+        [_menu setAutoenablesItems:NO];
+        [(NSMenu*)_menu setDelegate:(id)self];
+        test::while_tracking(0.05, self, @selector(measure:), NO);
+        [NSMenu popUpContextMenu:_menu
+                       withEvent:test::right_click(NSMakePoint(100, 400))
+                         forView:nil];
+        [(NSMenu*)_menu setDelegate:nil];
+        [_menu release];
+    }
+}
+
+@end
+
+int main() {
+    @autoreleasepool {
+        [NSApplication sharedApplication];
+        [NSApp finishLaunching];
+        std::string problem;
+        if (!LoadPlugIn(DELVIO_BUNDLE, &problem)) {
+            fprintf(stderr, "bench_scroll: %s\n", problem.c_str());
+            return 1;
+        }
+        const Class view = [MenuLevelView class];
+        method_exchangeImplementations(class_getInstanceMethod(view, @selector(drawRect:)),
+                                       class_getInstanceMethod(view, @selector(drawCountedRect:)));
+        const bench::TestFolder folder(entries);
+        Popup* popup = [[[Popup alloc] initWithFolder:folder.holder()] autorelease];
+        [popup run];
+    }
+    return bench::status();
+}
