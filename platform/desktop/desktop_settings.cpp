@@ -1,15 +1,26 @@
 #include "desktop/desktop_settings.h"
 
+#include <glib.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <sstream>
+
+#include "desktop/glib_owners.h"
+#include "desktop/settings_database.h"
+#include "desktop/small_files.h"
+#include "x11/shared_settings.h"
 
 namespace {
 
+const size_t largest_file = 1 << 20;
+
+const char gtk3_file[] = "gtk-3.0/settings.ini", gtk4_file[] = "gtk-4.0/settings.ini";
+const char kde_file[] = "kdeglobals";
+
+// Asked each time: GLib's own answer is that of the first time.
 std::string config_file(const char* name) {
     const char* folder = getenv("XDG_CONFIG_HOME");
     if (folder && *folder) return std::string(folder) + "/" + name;
@@ -17,29 +28,50 @@ std::string config_file(const char* name) {
     return home ? std::string(home) + "/.config/" + name : std::string();
 }
 
-std::string content(const char* name) {
-    std::ifstream in(config_file(name), std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
-
-std::string trimmed(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t\"");
-    if (first == std::string::npos) return std::string();
-    return text.substr(first, text.find_last_not_of(" \t\"\r") - first + 1);
-}
-
-// The value of `key=value` in a file of such lines; sections are not looked at.
-std::string value_of(const char* file, const std::string& key) {
-    std::istringstream lines(content(file));
+// KDE's files have keys with marks and groups in groups, which GLib takes for damage.
+std::string without_marks(const std::string& content) {
+    std::istringstream lines(content);
+    std::string kept;
     for (std::string line; std::getline(lines, line);) {
-        const size_t equals = line.find('=');
-        if (equals != std::string::npos && trimmed(line.substr(0, equals)) == key) {
-            return trimmed(line.substr(equals + 1));
-        }
+        const bool is_group = line.starts_with('[');
+        if (is_group && line.find("][") != line.npos) line = "[other]";
+        if (!is_group && line.find("[$") < line.find('=')) continue;
+        kept += line + "\n";
     }
-    return std::string();
+    return kept;
+}
+
+// The value of a key in a file of settings; empty without one.
+std::string value_in(const char* file, const char* group, const char* key) {
+    std::string content;
+    if (!files::read_small_file(config_file(file).c_str(), largest_file, &content)) return {};
+    if (file == kde_file) content = without_marks(content);
+    const files::KeyFileOwner keys(g_key_file_new());
+    g_key_file_load_from_data(keys.get(), content.data(), content.size(), G_KEY_FILE_NONE, nullptr);
+    const files::TextOwner text(g_key_file_get_string(keys.get(), group, key, nullptr));
+    return text ? text.get() : "";
+}
+
+std::string in_database(const char* key) {
+    return files::text_in_settings_database(config_file("dconf/user"),
+                                            std::string("/org/gnome/desktop/interface/") + key);
+}
+
+// Where one thing is said.
+struct Places {
+    const char *shared, *gtk_key, *kde_group, *kde_key, *database_key;
+};
+const Places font = {"Gtk/FontName", "gtk-font-name", "General", "font", "font-name"};
+const Places icons = {"Net/IconThemeName", "gtk-icon-theme-name", "Icons", "Theme", "icon-theme"};
+
+std::string first_answer(const Places& places) {
+    std::string answer = shared_setting(places.shared);
+    for (const char* file : {gtk3_file, gtk4_file}) {
+        if (answer.empty()) answer = value_in(file, "Settings", places.gtk_key);
+    }
+    if (answer.empty()) answer = value_in(kde_file, places.kde_group, places.kde_key);
+    if (answer.empty()) answer = in_database(places.database_key);
+    return answer;
 }
 
 bool names_dark(std::string text) {
@@ -47,17 +79,22 @@ bool names_dark(std::string text) {
     return text.find("dark") != std::string::npos;
 }
 
-// The settings database is rewritten as a whole at each change, so it holds no stale values.
-bool database_prefers_dark() {
-    const std::string database = content("dconf/user");
-    return database.find("color-scheme") != std::string::npos &&
-           database.find("prefer-dark") != std::string::npos;
+bool programs_are_to_be_dark(const char* file) {
+    const std::string prefer = value_in(file, "Settings", "gtk-application-prefer-dark-theme");
+    return prefer == "1" || prefer == "true";
 }
 
-bool gtk_prefers_dark(const char* file) {
-    const std::string prefer = value_of(file, "gtk-application-prefer-dark-theme");
-    if (prefer == "1" || prefer == "true") return true;
-    return names_dark(value_of(file, "gtk-theme-name"));
+bool theme_is_dark() {
+    const std::string shared = shared_setting("Net/ThemeName");
+    if (!shared.empty()) return names_dark(shared);
+    return names_dark(value_in(gtk3_file, "Settings", "gtk-theme-name")) ||
+           names_dark(value_in(gtk4_file, "Settings", "gtk-theme-name"));
+}
+
+std::string trimmed(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t\"");
+    if (first == std::string::npos) return std::string();
+    return text.substr(first, text.find_last_not_of(" \t\"\r") - first + 1);
 }
 
 // "Noto Sans, Bold 10" names a family, styles and a size.
@@ -73,17 +110,18 @@ std::string family_of(std::string font) {
 
 bool desktop_prefers_dark() {
     if (const char* theme = getenv("GTK_THEME"); theme && *theme) return names_dark(theme);
-    return gtk_prefers_dark("gtk-3.0/settings.ini") || gtk_prefers_dark("gtk-4.0/settings.ini") ||
-           names_dark(value_of("kdeglobals", "ColorScheme")) || database_prefers_dark();
+    return theme_is_dark() || programs_are_to_be_dark(gtk3_file) ||
+           programs_are_to_be_dark(gtk4_file) ||
+           names_dark(value_in(kde_file, "General", "ColorScheme")) ||
+           in_database("color-scheme") == "prefer-dark";
 }
 
 std::string desktop_font_family() {
-    for (const char* file : {"gtk-3.0/settings.ini", "gtk-4.0/settings.ini"}) {
-        const std::string family = family_of(value_of(file, "gtk-font-name"));
-        if (!family.empty()) return family;
-    }
-    return "system-ui, sans-serif";
+    const std::string family = family_of(first_answer(font));
+    return family.empty() ? "system-ui, sans-serif" : family;
 }
+
+std::string desktop_icon_theme() { return first_answer(icons); }
 
 double desktop_scale(const char* server_resources) {
     const char* found = server_resources ? strstr(server_resources, "Xft.dpi:") : nullptr;

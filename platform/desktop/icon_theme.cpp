@@ -8,37 +8,48 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "desktop/desktop_settings.h"
+#include "desktop/glib_owners.h"
+#include "desktop/small_files.h"
+
 namespace {
 
-struct key_file_t {
-    GKeyFile* file = g_key_file_new();
-    key_file_t() = default;
-    key_file_t(const key_file_t&) = delete;
-    key_file_t& operator=(const key_file_t&) = delete;
-    ~key_file_t() { g_key_file_unref(file); }
+const size_t largest_index = 1 << 20;
 
-    bool load(const std::string& path) {
-        return g_key_file_load_from_file(file, path.c_str(), G_KEY_FILE_NONE, nullptr);
+// The description of a theme.
+class Index {
+  public:
+    explicit Index(const std::string& path) {
+        std::string content;
+        if (!files::read_small_file(path.c_str(), largest_index, &content)) return;
+        keys_.reset(g_key_file_new());
+        if (!g_key_file_load_from_data(keys_.get(), content.data(), content.size(), G_KEY_FILE_NONE,
+                                       nullptr)) {
+            keys_.reset();
+        }
     }
+    explicit operator bool() const { return keys_ != nullptr; }
+
     std::string text(const std::string& group, const char* key) const {
-        char* value = g_key_file_get_string(file, group.c_str(), key, nullptr);
-        const std::string result = value ? value : "";
-        g_free(value);
-        return result;
+        const files::TextOwner value(
+            g_key_file_get_string(keys_.get(), group.c_str(), key, nullptr));
+        return value ? value.get() : "";
     }
     int number(const std::string& group, const char* key, int otherwise) const {
         const std::string value = text(group, key);
         return value.empty() ? otherwise : atoi(value.c_str());
     }
     std::vector<std::string> list(const std::string& group, const char* key) const {
-        char** parts = g_strsplit_set(text(group, key).c_str(), ",;", -1);
+        const files::TextsOwner parts(g_strsplit_set(text(group, key).c_str(), ",;", -1));
         std::vector<std::string> result;
-        for (char** part = parts; *part; part++) {
+        for (char** part = parts.get(); *part; part++) {
             if (*g_strstrip(*part)) result.push_back(*part);
         }
-        g_strfreev(parts);
         return result;
     }
+
+  private:
+    files::KeyFileOwner keys_;
 };
 
 // A folder of icons of one size, or of a span of sizes. Sizes are in pixels.
@@ -88,7 +99,7 @@ bool is_wanted(const std::string& context) {
                        [&](const char* name) { return context == name; });
 }
 
-void add_folder(one_theme_t& theme, const key_file_t& index, const std::string& root,
+void add_folder(one_theme_t& theme, const Index& index, const std::string& root,
                 const std::string& name) {
     if (!is_wanted(index.text(name, "Context"))) return;
     const int size = index.number(name, "Size", 0), scale = index.number(name, "Scale", 1);
@@ -109,14 +120,13 @@ void add_folder(one_theme_t& theme, const key_file_t& index, const std::string& 
 // Adds the theme, whose parts may lie in several base folders, and returns what it inherits from.
 std::vector<std::string> load_theme(one_theme_t& theme, const std::string& name) {
     std::vector<std::string> parents;
-    std::unique_ptr<key_file_t> index;
+    std::unique_ptr<Index> index;
     for (const std::string& base : base_folders()) {
-        const std::string root = base + "/" + name;
-        auto found = std::make_unique<key_file_t>();
-        if (!index && found->load(root + "/index.theme")) {
-            index = std::move(found);
-            parents = index->list("Icon Theme", "Inherits");
-        }
+        auto found = std::make_unique<Index>(base + "/" + name + "/index.theme");
+        if (!*found) continue;
+        index = std::move(found);
+        parents = index->list("Icon Theme", "Inherits");
+        break;
     }
     if (!index) return parents;
     for (const std::string& base : base_folders()) {
@@ -144,9 +154,7 @@ one_theme_t icons_without_theme() {
 }
 
 std::string theme_name() {
-    key_file_t settings;
-    settings.load(std::string(g_get_user_config_dir()) + "/gtk-3.0/settings.ini");
-    const std::string name = settings.text("Settings", "gtk-icon-theme-name");
+    const std::string name = desktop_icon_theme();
     return name.empty() ? "Adwaita" : name;
 }
 

@@ -1,0 +1,194 @@
+#include "desktop/desktop_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+#include <string.h>
+
+#include "desktop/settings_database.h"
+#include "support/temp_folder.h"
+
+// Last: its macros are in the way of others.
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+
+namespace {
+
+using files::text_in_settings_database;
+
+const char color_scheme[] = "/org/gnome/desktop/interface/color-scheme";
+
+std::string bytes_of(uint32_t number, size_t size = 4) {
+    std::string bytes(size, '\0');
+    memcpy(bytes.data(), &number, size);
+    return bytes;
+}
+
+// A database of keys, each below the one before it: the first is whole, the others are what comes
+// after it. The last has a value.
+struct Key {
+    std::string name;
+    uint32_t parent;
+    std::string value;  // empty: a folder of keys
+};
+std::string database(const std::vector<Key>& keys) {
+    const uint32_t items_at = 24 + 8 + 4, data_at = items_at + 24 * keys.size();
+    std::string items, data;
+    for (const Key& key : keys) {
+        const uint32_t name_at = data_at + data.size();
+        data += key.name;
+        while ((data_at + data.size()) % 8) data += '\0';
+        const uint32_t value_at = data_at + data.size();
+        // A text in a box that may hold anything: the text, its end, a mark, its type.
+        if (!key.value.empty()) data += key.value + std::string("\0\0s", 3);
+        items += bytes_of(0) + bytes_of(key.parent) + bytes_of(name_at) +
+                 bytes_of(key.name.size(), 2) + (key.value.empty() ? "L" : "v") +
+                 std::string(1, '\0') + bytes_of(value_at) + bytes_of(data_at + data.size());
+    }
+    return "GVariant" + bytes_of(0) + bytes_of(0) + bytes_of(24) + bytes_of(data_at) + bytes_of(0) +
+           bytes_of(1) + bytes_of(0) + items + data;
+}
+
+std::string database_with(const std::string& last_key, const std::string& value) {
+    return database({{"/", UINT32_MAX, ""},
+                     {"org/gnome/desktop/", 0, ""},
+                     {"interface/", 1, ""},
+                     {"other/", 1, ""},
+                     {"color-scheme", 3, "prefer-dark"},
+                     {last_key, 2, value}});
+}
+
+// As the desktop's session shares settings with all programs.
+class Session {
+  public:
+    Session() : display_(XOpenDisplay(nullptr)) {
+        window_ = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 1, 1, 0, 0, 0);
+        XSetSelectionOwner(display_, atom("_XSETTINGS_S0"), window_, CurrentTime);
+        XSync(display_, False);
+    }
+    ~Session() { XCloseDisplay(display_); }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    void share(const std::vector<std::pair<std::string, std::string>>& texts) {
+        // A number and a colour come first: they are passed over.
+        std::string bytes = std::string(8, '\0') + bytes_of(texts.size() + 2) +
+                            header(0, "Xft/Hinting") + bytes_of(1) + header(2, "Some/Color") +
+                            std::string(8, 'c');
+        for (const auto& [name, text] : texts) {
+            bytes += header(1, name) + bytes_of(text.size()) + filled(text);
+        }
+        put(bytes);
+    }
+    void put(const std::string& bytes) {
+        XChangeProperty(display_, window_, atom("_XSETTINGS_SETTINGS"), atom("_XSETTINGS_SETTINGS"),
+                        8, PropModeReplace, reinterpret_cast<const unsigned char*>(bytes.data()),
+                        static_cast<int>(bytes.size()));
+        XSync(display_, False);
+    }
+
+  private:
+    Atom atom(const char* name) const { return XInternAtom(display_, name, False); }
+    static std::string filled(std::string text) {
+        text.resize((text.size() + 3) / 4 * 4);
+        return text;
+    }
+    static std::string header(char type, const std::string& name) {
+        return std::string(1, type) + '\0' + bytes_of(name.size(), 2) + filled(name) + bytes_of(0);
+    }
+    Display* display_;
+    Window window_;
+};
+
+class DesktopSettings : public testing::Test {
+  protected:
+    DesktopSettings() {
+        setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
+        unsetenv("GTK_THEME");
+    }
+    test::TempFolder config;
+};
+
+TEST_F(DesktopSettings, ADesktopThatSaysNothingHasNone) {
+    EXPECT_FALSE(desktop_prefers_dark());
+    EXPECT_EQ(desktop_font_family(), "system-ui, sans-serif");
+    EXPECT_EQ(desktop_icon_theme(), "");
+}
+
+TEST_F(DesktopSettings, WhatTheSessionSharesCountsMoreThanFiles) {
+    config.file("gtk-3.0/settings.ini",
+                "[Settings]\ngtk-icon-theme-name=File\n"
+                "gtk-theme-name=Adwaita-dark\ngtk-font-name=Lato 9\n");
+    EXPECT_EQ(desktop_icon_theme(), "File");
+    EXPECT_EQ(desktop_font_family(), "Lato");
+    EXPECT_TRUE(desktop_prefers_dark());
+    Session session;
+    session.share({{"Net/ThemeName", "Adwaita"},
+                   {"Net/IconThemeName", "Shared"},
+                   {"Gtk/FontName", "Cantarell 11"}});
+    EXPECT_EQ(desktop_icon_theme(), "Shared");
+    EXPECT_EQ(desktop_font_family(), "Cantarell");
+    EXPECT_FALSE(desktop_prefers_dark());
+    session.share({{"Net/ThemeName", "Yaru-dark"}});
+    EXPECT_TRUE(desktop_prefers_dark()) << "a change is seen";
+    EXPECT_EQ(desktop_icon_theme(), "File");
+}
+
+TEST_F(DesktopSettings, WhatASessionSharesDamagedIsPassedOver) {
+    Session session;
+    const std::string start = std::string(8, '\0') + bytes_of(UINT32_MAX);
+    for (const std::string& bytes :
+         {std::string(), std::string("x"), start, start + std::string("\1\0\xff\xff", 4) + "name",
+          start + std::string("\1\0\4\0name", 8) + bytes_of(0) + bytes_of(UINT32_MAX)}) {
+        session.put(bytes);
+        EXPECT_EQ(desktop_icon_theme(), "");
+    }
+}
+
+TEST_F(DesktopSettings, KdesFileIsUnderstoodWithItsMarksAndInnerGroups) {
+    config.file("kdeglobals",
+                "[$Version]\nupdate_info=a.upd:b\n[Colors:View][Inactive]\nx=1\n"
+                "[KFileDialog Settings]\nRecent URLs[$e]=$HOME\n"
+                "[General]\nColorScheme=BreezeDark\nfont=Noto Sans,10,-1,5,50\n"
+                "[Icons]\nTheme=breeze\n");
+    EXPECT_TRUE(desktop_prefers_dark());
+    EXPECT_EQ(desktop_font_family(), "Noto Sans");
+    EXPECT_EQ(desktop_icon_theme(), "breeze");
+}
+
+TEST_F(DesktopSettings, TheDatabaseTellsWhetherAllIsToBeDark) {
+    config.file("dconf/user", database_with("color-scheme", "default"));
+    EXPECT_FALSE(desktop_prefers_dark()) << "that it is dark stands there for something else";
+    config.file("dconf/user", database_with("color-scheme", "prefer-dark"));
+    EXPECT_TRUE(desktop_prefers_dark());
+    config.file("dconf/user", database_with("icon-theme", "Papirus"));
+    EXPECT_FALSE(desktop_prefers_dark());
+    EXPECT_EQ(desktop_icon_theme(), "Papirus");
+}
+
+TEST_F(DesktopSettings, ADamagedDatabaseHasNoTexts) {
+    const std::string whole = database_with("color-scheme", "prefer-dark");
+    const std::string path = config.file("dconf/user", whole);
+    ASSERT_EQ(text_in_settings_database(path, color_scheme), "prefer-dark");
+    for (size_t size = 0; size < whole.size(); size++) {
+        config.file("dconf/user", whole.substr(0, size));
+        EXPECT_EQ(text_in_settings_database(path, color_scheme), "") << size;
+    }
+    // Whatever a byte is, nothing is read beyond the end.
+    for (size_t at = 0; at < whole.size(); at++) {
+        for (const char byte : {'\0', '\1', '\x7f', '\xff'}) {
+            std::string damaged = whole;
+            damaged[at] = byte;
+            config.file("dconf/user", damaged);
+            text_in_settings_database(path, color_scheme);
+        }
+    }
+    const std::string circle = database({{"a", 0, "x"}});
+    EXPECT_EQ(text_in_settings_database(config.file("circle", circle), "aaaa"), "");
+    EXPECT_EQ(text_in_settings_database(config.file("huge", whole + std::string(4 << 20, '\0')),
+                                        color_scheme),
+              "");
+    EXPECT_EQ(text_in_settings_database(config.path("missing"), color_scheme), "");
+}
+
+}  // namespace
