@@ -60,6 +60,7 @@ def draw_grid(across, up):
         yield line(across.begin, up(time), across.end, up(time), "#d0d7de")
         yield text(across.begin - 8, up(time) + 4, f"{time:g} ms", "end")
     yield text((across.begin + across.end) / 2, up.begin + 40, "entries of the folder")
+    yield text(across.begin + 8, up.end + 16, "processor time", "start")
 
 
 def draw_points(points, across, up, colour):
