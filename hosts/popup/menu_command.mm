@@ -86,10 +86,11 @@ int write_out(const std::string& text) {
 }
 
 int write_menu(HostMenu* host, const MenuRequest& request) {
-    MenuReader* reader = [[[MenuReader alloc] initWithDepth:request.depth] autorelease];
+    const bool json = request.form == MenuForm::json;
+    MenuReader* reader = [[[MenuReader alloc] initWithDepth:request.depth
+                                                    details:json] autorelease];
     pop_up(host, reader, NSZeroPoint);
     if (![reader problem].empty()) Complain([reader problem]);
-    const bool json = request.form == MenuForm::json;
     return write_out(json ? WriteMenuJson([reader snapshot]) : WriteMenuText([reader snapshot]));
 }
 

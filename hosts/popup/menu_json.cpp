@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "command/modifier_names.h"
 #include "command/printable.h"
 
 namespace {
@@ -14,7 +15,7 @@ json text_or_null(const std::string& text) { return text.empty() ? json(nullptr)
 
 json submenu_json(const ItemSnapshot& item) {
     if (!item.has_submenu) return nullptr;
-    return {{"title", item.submenu_title},
+    return {{"title", item.details->submenu_title},
             {"populated", item.populated},
             {"items", menu_json(item.items)}};
 }
@@ -24,12 +25,12 @@ json item_json(const ItemSnapshot& item) {
             {"title", item.title},
             {"enabled", item.enabled},
             {"alternate", item.alternate},
-            {"modifiers", item.modifiers},
+            {"modifiers", ModifierNames(item.modifiers)},
             {"image", item.image},
-            {"color", text_or_null(item.color)},
-            {"tag", item.tag},
-            {"plugin", item.plugin},
-            {"path", text_or_null(item.path)},
+            {"color", text_or_null(item.details->color)},
+            {"tag", item.details->tag},
+            {"plugin", item.details->plugin},
+            {"path", text_or_null(item.details->path)},
             {"submenu", submenu_json(item)}};
 }
 

@@ -8,5 +8,6 @@
 // The text in UTF-8; halves of characters that have no UTF-8 become replacement characters.
 std::string TextOf(NSString* string);
 
-// The item itself. Of its submenu only the title: the one who opens it adds the items.
-ItemSnapshot ReadItem(NSMenuItem* item);
+// The item itself, with details if they are wanted. Of its submenu only the title: the one who
+// opens it adds the items.
+ItemSnapshot ReadItem(NSMenuItem* item, bool details);

@@ -1,6 +1,5 @@
 #include "popup/menu_reading.h"
 
-#include "command/modifier_names.h"
 #include "popup/host_menu.h"
 
 // The plug-in's classes, as far as they are asked for by name.
@@ -42,6 +41,16 @@ std::string color_of(NSMenuItem* item) {
     return text;
 }
 
+std::unique_ptr<ItemDetails> read_details(NSMenuItem* item) {
+    auto details = std::make_unique<ItemDetails>();
+    details->color = color_of(item);
+    details->tag = [item tag];
+    details->plugin = ![HostMenu madeItem:item];
+    details->path = path_of(item);
+    if ([item hasSubmenu]) details->submenu_title = TextOf([[item submenu] title]);
+    return details;
+}
+
 }  // namespace
 
 std::string TextOf(NSString* string) {
@@ -50,19 +59,15 @@ std::string TextOf(NSString* string) {
     return {static_cast<const char*>([data bytes]), [data length]};
 }
 
-ItemSnapshot ReadItem(NSMenuItem* item) {
+ItemSnapshot ReadItem(NSMenuItem* item, bool details) {
     ItemSnapshot snapshot;
     snapshot.separator = [item isSeparatorItem];
     snapshot.title = snapshot.separator ? std::string() : TextOf([item title]);
     snapshot.enabled = !snapshot.separator && [item isEnabled];
     snapshot.alternate = [item isAlternate];
-    if (snapshot.alternate) snapshot.modifiers = ModifierNames([item keyEquivalentModifierMask]);
+    if (snapshot.alternate) snapshot.modifiers = [item keyEquivalentModifierMask];
     snapshot.image = [item image] != nil;
-    snapshot.color = color_of(item);
-    snapshot.tag = [item tag];
-    snapshot.plugin = ![HostMenu madeItem:item];
-    snapshot.path = path_of(item);
     snapshot.has_submenu = [item hasSubmenu];
-    if (snapshot.has_submenu) snapshot.submenu_title = TextOf([[item submenu] title]);
+    if (details) snapshot.details = read_details(item);
     return snapshot;
 }

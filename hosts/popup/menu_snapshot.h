@@ -1,23 +1,30 @@
 // What a menu holds, as plain records: taken while it is open, written after it has closed.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
-struct ItemSnapshot {
-    bool separator = false;
-    std::string title;  // UTF-8
-    bool enabled = false;
-    bool alternate = false;
-    std::vector<std::string> modifiers;
-    bool image = false;
+// What only the JSON tells.
+struct ItemDetails {
     std::string color;  // "#rrggbb", or empty
     long tag = 0;
     bool plugin = false;
     std::string path;  // empty: stands for no file
-    bool has_submenu = false;
     std::string submenu_title;
-    bool populated = false;  // the submenu was opened
+};
+
+// A menu may have hundreds of thousands of these.
+struct ItemSnapshot {
+    std::string title;  // UTF-8
+    bool separator = false;
+    bool enabled = false;
+    bool alternate = false;
+    bool image = false;
+    bool has_submenu = false;
+    bool populated = false;       // the submenu was opened
+    unsigned long modifiers = 0;  // of an alternate: see ModifierNames()
+    std::unique_ptr<ItemDetails> details;
     std::vector<ItemSnapshot> items;
 };
 
@@ -25,5 +32,6 @@ using MenuSnapshot = std::vector<ItemSnapshot>;
 
 // The menu as an indented tree, a line an item.
 std::string WriteMenuText(const MenuSnapshot& menu);
-// The menu as a JSON array. Bytes that are not UTF-8 become replacement characters.
+// The menu as a JSON array; all items have details. Bytes that are not UTF-8 become replacement
+// characters.
 std::string WriteMenuJson(const MenuSnapshot& menu);

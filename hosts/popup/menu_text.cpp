@@ -1,5 +1,6 @@
 #include "popup/menu_snapshot.h"
 
+#include "command/modifier_names.h"
 #include "command/printable.h"
 
 namespace {
@@ -24,7 +25,7 @@ std::string line_of(const ItemSnapshot& item) {
     if (item.separator) return "--------";
     std::string line = title_of(item);
     if (item.has_submenu) line += " >";
-    if (item.alternate) line += " [" + joined(item.modifiers) + "]";
+    if (item.alternate) line += " [" + joined(ModifierNames(item.modifiers)) + "]";
     if (!item.enabled) line += " (disabled)";
     return line;
 }

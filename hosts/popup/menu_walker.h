@@ -25,12 +25,13 @@ inline constexpr long most_read_bytes = 1L << 30;
 @interface MenuReader : MenuWalker {
   @private
     int _depth;
+    BOOL _details;
     MenuSnapshot* _snapshot;
     long _rows;
     long _leftClosed;
 }
-// `depth`: how many levels of submenus to open.
-- (instancetype)initWithDepth:(int)depth;
+// `depth`: how many levels of submenus to open; `details`: whether items have theirs.
+- (instancetype)initWithDepth:(int)depth details:(BOOL)details;
 - (const MenuSnapshot&)snapshot;
 // In one line, that submenus stay closed for want of bounds; empty when none does.
 - (std::string)problem;

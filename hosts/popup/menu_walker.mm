@@ -110,9 +110,10 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
 
 @implementation MenuReader
 
-- (instancetype)initWithDepth:(int)depth {
+- (instancetype)initWithDepth:(int)depth details:(BOOL)details {
     if (!(self = [super init])) return nil;
     _depth = depth;
+    _details = details;
     _snapshot = new MenuSnapshot;
     return self;
 }
@@ -149,11 +150,12 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
 // is listed, but not opened.
 - (MenuSnapshot)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
     MenuSnapshot result;
+    result.reserve(static_cast<size_t>([menu numberOfItems]));
     NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:CurrentModifierFlags()];
     NSSet* openable = [NSSet setWithArray:shown];
     for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
-        ItemSnapshot snapshot = ReadItem(item);
+        ItemSnapshot snapshot = ReadItem(item, _details);
         const BOOL wanted = level < _depth && [item hasSubmenu] && [openable containsObject:item];
         if (wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item]) {
             wait_until_made([item submenu]);

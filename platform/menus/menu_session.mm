@@ -163,12 +163,16 @@ NSMutableArray* open_sessions() {
 - (void)openLevel:(NSMenu*)menu {
     [_levels addObject:menu];
     [_highlights addObject:[NSNull null]];
+    // What a delegate leaves over from thousands of items goes at once, not when the popup ends. An
+    // exception leaves it to the pool around this one.
+    NSAutoreleasePool* pool = [NSAutoreleasePool new];
     update_menu(menu);
     id delegate = [menu delegate];
     if ([delegate respondsToSelector:@selector(menuWillOpen:)]) {
         [delegate menuWillOpen:menu];
         validate_items(menu);
     }
+    [pool drain];
     note_opened_items([menu numberOfItems]);
     [self changed];
 }

@@ -89,7 +89,11 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
         dvdprintf("Delvio: Inserting items %p into menu %p..\n", elems, menu);
     }
     [self insertMoveCopyElem:target forMenu:menu];
-    for (dv_tree_t* elem = elems; elem; elem = elem->next) [self dvInsertElem:elem inLevel:level];
+    for (dv_tree_t* elem = elems; elem; elem = elem->next) {
+        @autoreleasepool {  // a level may have hundreds of thousands
+            [self dvInsertElem:elem inLevel:level];
+        }
+    }
     if (dvEnableDebugOutput) dvdprintf("Delvio: Done updating menu\n");
 }
 
