@@ -92,17 +92,27 @@ NSUInteger running = 0;
     if (_isBusy) return;
     if (const auto report = (*_board)->take_report()) return [self end:*report];
     if (const auto question = (*_board)->take_question()) return [self ask:*question];
-    // A question of the program's own is not to be covered.
     const bool may_show = -[_start timeIntervalSinceNow] >= shown_after && ![NSApp modalWindow];
     if (!_panel && may_show) [self show];
+    if (_panel) [self giveWay];
     if (_panel) [self update];
 }
 
 - (void)ask:(const operations::Conflict&)conflict {
     _isBusy = YES;
+    [_panel orderOut:nil];
     (*_board)->answer(operations::AskAbout(conflict, _asks == operations::Asks::Once));
     _isBusy = NO;
     [self restart];
+}
+
+// A question of the program's own is not to be covered, and window managers keep a dialog above all
+// other windows of its program.
+- (void)giveWay {
+    const bool is_asked = [NSApp modalWindow] != nil;
+    if (is_asked != ([_panel isVisible] != NO)) return;
+    if (is_asked) return [_panel orderOut:nil];
+    [_panel orderFrontRegardless];
 }
 
 // What is left after an answer may be quick.

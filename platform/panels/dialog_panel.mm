@@ -37,10 +37,9 @@ const double screen_share_above = 0.3;  // of the room that the panel leaves
     const NSPoint corner = screen_point({screen.left, screen.bottom()});
     const double below = (screen.height - size.height) * (1 - screen_share_above);
     [self setFrameOrigin:NSMakePoint(corner.x + (screen.width - size.width) / 2, corner.y + below)];
+    make_dialog_window(self);
 }
 
-// Not as a dialog, which some window managers keep above all other windows of the program, also
-// above a question that it asks meanwhile.
 - (void)show {
     [self place];
     [self orderFrontRegardless];
@@ -48,7 +47,6 @@ const double screen_share_above = 0.3;  // of the room that the panel leaves
 
 - (NSInteger)runModal {
     [self place];
-    make_dialog_window(self);
     [NSApp activateIgnoringOtherApps:YES];
     [self makeKeyAndOrderFront:nil];
     give_keyboard_to_window(self);
