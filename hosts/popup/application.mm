@@ -3,7 +3,7 @@
 #include <AppKit/AppKit.h>
 
 #include <glib.h>
-#include <host/input_method.h>
+#include <host/light_start.h>
 
 #include <vector>
 
@@ -103,7 +103,7 @@ void PrepareToolkit(char* program) {
 }
 
 void StartApplication() {
-    OpenInputMethodLate();
+    StartLightly();
     [NSApplication sharedApplication];
     [[NSNotificationCenter defaultCenter] addObserver:[LateLauncher class]
                                              selector:@selector(panelBecameKey:)

@@ -1,4 +1,4 @@
-#include <host/input_method.h>
+#include "appkit/light_start.h"
 
 #include <Foundation/Foundation.h>
 #include <X11/Xlib.h>
@@ -45,42 +45,19 @@ NSString* look_up(id self, SEL selector, XKeyEvent* key, void* window, KeySym* s
     return reinterpret_cast<lookup_t>(stock_lookup)(self, selector, key, window, symbol);
 }
 
+}  // namespace
+
 // All or none: what is put off must be opened some time.
-void put_off_opening(Class input_server) {
+void put_off_input_method() {
     const method_patch_t patches[] = {
         {"XIMInputServer", "ximInit:", reinterpret_cast<IMP>(open_later), &stock_open},
         {"XIMInputServer", "ximFocusICWindow:", reinterpret_cast<IMP>(focus), &stock_focus},
         {"XIMInputServer", "lookupStringForEvent:window:keysym:", reinterpret_cast<IMP>(look_up),
          &stock_lookup},
     };
+    Class input_server = objc_getClass("XIMInputServer");
     for (const method_patch_t& patch : patches) {
         if (!class_getInstanceMethod(input_server, sel_registerName(patch.selector))) return;
     }
     patch_methods(patches);
-}
-
-}  // namespace
-
-// The class comes with the bundle of the back end, which the application loads as it starts.
-@interface InputMethodPatcher : NSObject
-+ (void)bundleDidLoad:(NSNotification*)notification;
-@end
-
-@implementation InputMethodPatcher
-
-+ (void)bundleDidLoad:(NSNotification*)notification {
-    (void)notification;
-    Class input_server = objc_getClass("XIMInputServer");
-    if (!input_server) return;
-    [[NSNotificationCenter defaultCenter] removeObserver:self];
-    put_off_opening(input_server);
-}
-
-@end
-
-void OpenInputMethodLate(void) {
-    [[NSNotificationCenter defaultCenter] addObserver:[InputMethodPatcher class]
-                                             selector:@selector(bundleDidLoad:)
-                                                 name:NSBundleDidLoadNotification
-                                               object:nil];
 }

@@ -4,8 +4,10 @@
 #include <glib.h>
 #include <limits.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <deque>
 #include <unordered_map>
 
 #include "desktop/desktop_settings.h"
@@ -130,6 +132,7 @@ std::vector<std::string> load_theme(one_theme_t& theme, const std::string& name)
     }
     if (!index) return parents;
     for (const std::string& base : base_folders()) {
+        if (access((base + "/" + name).c_str(), X_OK) != 0) continue;
         for (const char* key : {"Directories", "ScaledDirectories"}) {
             for (const std::string& folder : index->list("Icon Theme", key)) {
                 add_folder(theme, *index, base + "/" + name, folder);
@@ -171,38 +174,46 @@ std::string best_file(const one_theme_t& theme, const std::string& name, int pix
 
 }  // namespace
 
+// Themes are read when an icon is looked for that the ones before do not have.
 struct icon_theme_t {
-    std::vector<one_theme_t> chain;
+    std::vector<std::string> names{theme_name()};
+    std::deque<one_theme_t> chain;  // of the first names; the last has no name
+    bool is_whole = false;
 };
 
-const icon_theme_t& user_icon_theme() {
-    static const icon_theme_t* const theme = [] {
-        auto* result = new icon_theme_t;
-        std::vector<std::string> names{theme_name()};
-        for (size_t i = 0; i < names.size(); i++) {
-            result->chain.emplace_back();
-            for (const std::string& parent : load_theme(result->chain.back(), names[i])) {
-                if (std::find(names.begin(), names.end(), parent) != names.end()) continue;
-                names.push_back(parent);
-            }
-            const bool last = i + 1 == names.size();
-            for (const char* ending : {"Adwaita", "hicolor"}) {
-                if (last && std::find(names.begin(), names.end(), ending) == names.end()) {
-                    names.push_back(ending);
-                }
-            }
-        }
-        result->chain.push_back(icons_without_theme());
-        return result;
-    }();
-    return *theme;
+namespace {
+
+// Reads the next theme. Those that it inherits from follow, the ones for all follow last.
+void read_next(icon_theme_t& theme) {
+    const size_t index = theme.chain.size();
+    std::vector<std::string>& names = theme.names;
+    if (index == names.size()) {
+        theme.is_whole = true;
+        theme.chain.push_back(icons_without_theme());
+        return;
+    }
+    const auto add = [&names](const std::string& name) {
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+    };
+    theme.chain.emplace_back();
+    for (const std::string& parent : load_theme(theme.chain.back(), names[index])) add(parent);
+    if (index + 1 < names.size()) return;
+    add("Adwaita");
+    add("hicolor");
 }
 
-std::string find_icon(const icon_theme_t& theme, const std::vector<std::string>& names,
-                      int pixels) {
+}  // namespace
+
+icon_theme_t& user_icon_theme() {
+    static auto& theme = *new icon_theme_t;
+    return theme;
+}
+
+std::string find_icon(icon_theme_t& theme, const std::vector<std::string>& names, int pixels) {
     for (const std::string& name : names) {
-        for (const one_theme_t& link : theme.chain) {
-            const std::string file = best_file(link, name, pixels);
+        for (size_t i = 0; i < theme.chain.size() || !theme.is_whole; i++) {
+            if (i == theme.chain.size()) read_next(theme);
+            const std::string file = best_file(theme.chain[i], name, pixels);
             if (!file.empty()) return file;
         }
     }
