@@ -5,6 +5,7 @@
 #include "items/DVMenu.h"
 #include "items/DVMenuItem.h"
 #include "plugin/menu_fixture.h"
+#include "support/heap.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"
 
@@ -98,6 +99,21 @@ TEST_F(Population, ALevelIsFilledWhenItOpensAndOnce) {
                                  dv_->root->children),
                        formatted("Delvio: Level built: %p %p", level, dv_->root)});
     EXPECT_EQ(log.find("Inserting items"), std::string::npos) << log;
+}
+
+TEST_F(Population, TheItemsOfAFileShareWhatTheyHaveInCommon) {
+    const std::string path = folder_.folder("a");
+    const int files = 2000;
+    for (int i = 0; i < files; i++) folder_.file("a/a document " + std::to_string(i) + ".txt");
+    NSMenu* menu = select({path});
+    const long before = test::heap_bytes();
+    @autoreleasepool {
+        EXPECT_EQ([open(menu, "a") numberOfItems], 3 * files);
+    }
+    // Three items, two submenus, and of each one only: element, title, icon.
+    const long a_file = (test::heap_bytes() - before) / files;
+    EXPECT_GT(a_file, 800);
+    EXPECT_LT(a_file, 1200);
 }
 
 TEST_F(Population, LevelsBelowAreReadOnlyWhenTheyOpen) {
