@@ -14,6 +14,7 @@
 #include <set>
 
 #include "finderkit/application_sources.h"
+#include "finderkit/applications_watch.h"
 #include "finderkit/link_folder.h"
 
 namespace fs = std::filesystem;
@@ -133,7 +134,7 @@ void OfferApplicationsFolder(CFStringRef domain) {
 }
 
 void PrepareApplications() {
-    UpdateApplicationsFolder();
+    if (!ApplicationsAreWatched()) UpdateApplicationsFolder();
     const std::string folder = configured_folder();
     DeclareApplicationsFolder(folder.empty() ? nullptr : folder.c_str());
 }

@@ -18,6 +18,6 @@ bool UpdateApplicationsFolder();
 // Lets the plug-in with these preferences list this folder unless the user has named another one.
 void OfferApplicationsFolder(CFStringRef domain);
 
-// Before a menu: brings the folder up to date, and believes the applications of the one that the
-// user has named in those preferences.
+// Before a menu: brings the folder up to date where it is not watched anyway, and believes the
+// applications of the one that the user has named in those preferences.
 void PrepareApplications();

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <stdio.h>
 
+#include "finderkit/applications_watch.h"
 #include "finderkit/finder_events.h"
 #include "finderkit/plug_in.h"
 #include "finderkit/settings_file.h"
@@ -45,6 +46,7 @@ std::string own_folder() {
     if (!corrupt.empty()) complain(corrupt + "; the defaults count");
     if (!AnswerFinderEvents(&problem)) complain(problem);
     if (!LoadPlugIn(bundle, &problem)) return complain(problem);
+    WatchApplications();
     OpenFilesWithGWorkspace();
     OfferGWorkspaceOperations();
     TakeMenuPresses();

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "gworkspace/viewer_desk.h"
 
@@ -51,6 +52,25 @@ TEST_F(Menus, AFolderOfAStrangersIsListedAndNothingInItRuns) {
     for (const char* name : {"beta/pipe.png", "beta/photo.desktop", "beta/Deep.app"}) {
         fs::remove_all(path(name));
     }
+}
+
+TEST_F(Menus, AProgramThatIsInstalledIsListedBeforeAMenuIsMadeAndGoesWhenItIsRemoved) {
+    const std::string entries = getenv("XDG_DATA_HOME") + std::string("/applications");
+    const fs::path listed = getenv("XDG_CACHE_HOME") + std::string("/delvio/applications");
+    const auto is_listed = [&] {
+        std::error_code error;
+        for (const auto& each : fs::directory_iterator(listed, error)) {
+            if (each.path().string().ends_with("newcomer.desktop")) return true;
+        }
+        return false;
+    };
+    fs::create_directories(entries);
+    ASSERT_FALSE(is_listed());
+    std::ofstream(entries + "/newcomer.desktop")
+        << "[Desktop Entry]\nType=Application\nName=Newcomer\nExec=true %f\n";
+    EXPECT_TRUE(wait_until([&] { return is_listed(); }));
+    fs::remove(entries + "/newcomer.desktop");
+    EXPECT_TRUE(wait_until([&] { return !is_listed(); }));
 }
 
 TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
