@@ -1,7 +1,7 @@
 #include "operations_ui/conflict_panel.h"
 
 #include "operations_ui/operation_texts.h"
-#include "operations_ui/parts_panel.h"
+#include "panels/widget_panel.h"
 
 namespace operations {
 
@@ -22,84 +22,93 @@ const struct {
     {skip, Choice::Skip, "Skip", 's'},
     {keep_both, Choice::KeepBoth, "Keep Both", 'k'},
     {replace, Choice::Replace, "Replace", 'r'},
-    {stop, Choice::Stop, "Stop", cancel_key},
+    {stop, Choice::Stop, "Stop", 0},
 };
 
 std::string bytes_of(NSString* text) { return [text UTF8String] ?: ""; }
 
-Part text(double left, double top, double height, NSString* what) {
-    return {PartKind::Text, left, top, width - margin - left, height, bytes_of(what)};
+void add_text(panel_content_t* content, double left, double top, double height, NSString* what,
+              const widget_t& like) {
+    widget_t text = like;
+    text.area = content->area(left, top, width - margin - left, height);
+    text.text = bytes_of(what);
+    content->widgets.push_back(text);
 }
 
-void add_file(std::vector<Part>& parts, double top, NSString* title, const std::string& path) {
+widget_t bold_text() {
+    widget_t text = {widget_kind_t::text, {}};
+    text.bold = true;
+    return text;
+}
+
+void add_file(panel_content_t* content, double top, NSString* title, const std::string& path) {
     const double left = margin + icon_side + 14;
-    parts.push_back({PartKind::Icon, margin, top, icon_side, icon_side, path});
-    Part name = text(left, top + 2, 20, title);
-    name.bold = true;
-    parts.push_back(name);
-    Part details = text(left, top + 22, 20, DescribeFile(path));
-    details.dim = true;
-    parts.push_back(details);
+    const area_t icon = content->area(margin, top, icon_side, icon_side);
+    content->widgets.push_back({widget_kind_t::icon, icon, path});
+    add_text(content, left, top + 2, 20, title, bold_text());
+    widget_t details = {widget_kind_t::text, {}};
+    details.alpha = dimmed_text_alpha;
+    add_text(content, left, top + 22, 20, DescribeFile(path), details);
 }
 
-void add_buttons(std::vector<Part>& parts, double top) {
+void add_check(panel_content_t* content, double top, bool on) {
+    widget_t check = {widget_kind_t::check, content->area(margin, top, 140, 24), "Apply to all",
+                      apply_to_all, 13};
+    check.key = 'a';
+    check.on = on;
+    content->widgets.push_back(check);
+}
+
+void add_buttons(panel_content_t* content, double top) {
     double left = width - margin - button_width;
     for (const auto& button : buttons) {
         if (button.item == stop) left = margin;
-        Part part = {PartKind::Button, left, top, button_width, button_height, button.title};
-        part.item = button.item;
-        part.size = 13;
-        part.chief = button.item == skip;
-        part.key = button.key;
-        parts.push_back(part);
+        widget_t made = {widget_kind_t::button,
+                         content->area(left, top, button_width, button_height), button.title,
+                         button.item, 13};
+        made.key = button.key;
+        content->widgets.push_back(made);
         left -= button_width + gap;
     }
 }
 
-// Returns the height that they take.
-double add_all(std::vector<Part>& parts, const Conflict& conflict, bool for_all) {
-    Part question = text(margin, margin - 4, 24, QuestionOf(conflict));
-    question.bold = true;
+panel_content_t content_of(const Conflict& conflict, bool for_all) {
+    panel_content_t content;
+    content.default_item = skip;
+    content.cancel_item = stop;
+    widget_t question = bold_text();
     question.size = 14;
-    parts.push_back(question);
+    add_text(&content, margin, margin - 4, 24, QuestionOf(conflict), question);
     double top = margin + 36;
-    add_file(parts, top, @"There already", conflict.target);
+    add_file(&content, top, @"There already", conflict.target);
     top += row_height;
-    add_file(parts, top, conflict.kind == Kind::Move ? @"To be moved" : @"To be copied",
+    add_file(&content, top, conflict.kind == Kind::Move ? @"To be moved" : @"To be copied",
              conflict.source);
     top += row_height + 4;
     if (conflict.sources_left > 0) {
-        Part check = {PartKind::Check, margin, top, 140, 24, "Apply to all"};
-        check.item = apply_to_all;
-        check.size = 13;
-        check.key = 'a';
-        check.on = for_all;
-        parts.push_back(check);
+        add_check(&content, top, for_all);
         top += 36;
     }
-    add_buttons(parts, top);
-    return top + button_height + margin;
+    add_buttons(&content, top);
+    content.size = {content.pixels(width), content.pixels(top + button_height + margin)};
+    return content;
 }
 
 }  // namespace
 
 Answer AskAbout(const Conflict& conflict, bool for_all) {
-    std::vector<Part> parts;
-    const double height = add_all(parts, conflict, for_all);
-    PartsPanel* panel = [PartsPanel alloc];
-    const Hit hit = [panel](int item) {
+    WidgetPanel* panel = [WidgetPanel alloc];
+    const auto hit = [panel](int item) {
         if (item != apply_to_all) return [NSApp stopModalWithCode:item];
-        Part* check = [panel partOfItem:item];
+        widget_t* check = [panel content].widget(apply_to_all);
         check->on = !check->on;
-        [panel partsChanged];
+        [panel widgetsChanged];
     };
     panel = [panel initWithTitle:@"Name Already Taken"
-                           width:width
-                          height:height
-                           parts:parts
+                         content:content_of(conflict, for_all)
                              hit:hit];
     const NSInteger code = [panel runModal];
-    const Part* check = [panel partOfItem:apply_to_all];
+    const widget_t* check = [panel content].widget(apply_to_all);
     // Anything but a button ends it as Stop: nothing more is touched.
     Answer answer = {Choice::Stop, check && check->on};
     for (const auto& button : buttons) {

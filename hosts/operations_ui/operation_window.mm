@@ -5,19 +5,16 @@
 
 #include "operations_ui/conflict_panel.h"
 #include "operations_ui/operation_texts.h"
-#include "operations_ui/parts_panel.h"
 #include "operations_ui/progress_board.h"
-
-using operations::Part;
-using operations::PartKind;
+#include "panels/widget_panel.h"
 
 namespace {
 
 constexpr NSTimeInterval looks_every = 0.05, shown_after = 0.5;
 constexpr double width = 460, height = 142, margin = 24;
 
-// The parts of the window.
-enum { no_part, title_part, bar_part, name_part, detail_part, cancel_part };
+// The items of the window.
+enum { no_item, title_item, bar_item, name_item, detail_item, cancel_item };
 
 using Ended = std::function<void(const operations::Report&)>;
 
@@ -33,6 +30,26 @@ void show_failures(const operations::Report& report) {
     }
 }
 
+panel_content_t content_of(NSString* title) {
+    panel_content_t content;
+    content.size = {content.pixels(width), content.pixels(height)};
+    content.cancel_item = cancel_item;
+    const double inner = width - 2 * margin, beside_button = inner - 110;
+    const auto area = [&](double left, double top, double wide, double high) {
+        return content.area(left, top, wide, high);
+    };
+    content.widgets = {
+        {widget_kind_t::text, area(margin, 18, inner, 22), [title UTF8String], title_item, 14,
+         true},
+        {widget_kind_t::bar, area(margin, 52, inner, 8), "", bar_item},
+        {widget_kind_t::text, area(margin, 74, beside_button, 20), "", name_item},
+        {widget_kind_t::text, area(margin, 96, beside_button, 20), "", detail_item},
+        {widget_kind_t::button, area(width - margin - 92, 88, 92, 30), "Cancel", cancel_item, 13},
+    };
+    content.widget(detail_item)->alpha = dimmed_text_alpha;
+    return content;
+}
+
 // Those whose requests have not ended; each is retained by its timer.
 NSUInteger running = 0;
 
@@ -45,7 +62,7 @@ NSUInteger running = 0;
     NSString* _title;
     NSTimer* _timer;  // retains this object, and the run loop the timer
     NSDate* _start;
-    PartsPanel* _panel;
+    WidgetPanel* _panel;
     operations::Asks _asks;
     BOOL _isBusy;
 }
@@ -122,40 +139,26 @@ NSUInteger running = 0;
 }
 
 - (void)show {
-    const double inner = width - 2 * margin;
-    std::vector<Part> parts = {
-        {PartKind::Text, margin, 18, inner, 22, [_title UTF8String], title_part, 14, true},
-        {PartKind::Bar, margin, 52, inner, 8, "", bar_part},
-        {PartKind::Text, margin, 74, inner - 110, 20, "", name_part},
-        {PartKind::Text, margin, 96, inner - 110, 20, "", detail_part},
-        {PartKind::Button, width - margin - 92, 88, 92, 30, "Cancel", cancel_part, 13},
-    };
-    parts.back().key = operations::cancel_key;
     // The panel goes before this object.
     const auto hit = [self](int) { [self cancel]; };
-    _panel = [[PartsPanel alloc] initWithTitle:_title
-                                         width:width
-                                        height:height
-                                         parts:parts
-                                           hit:hit];
-    [_panel partOfItem:detail_part]->dim = true;
+    _panel = [[WidgetPanel alloc] initWithTitle:_title content:content_of(_title) hit:hit];
     [self update];
     [_panel show];
 }
 
 - (void)update {
     const operations::Progress progress = (*_board)->progress();
-    const bool is_stopping = [_panel partOfItem:cancel_part]->disabled;
+    const bool is_stopping = [_panel content].widget(cancel_item)->disabled;
     NSString* detail = is_stopping ? @"Stopping…" : operations::DetailOf(progress);
-    [_panel partOfItem:bar_part]->value = operations::FractionOf(progress);
-    [_panel partOfItem:name_part]->text = [operations::TextOfLast(progress.path) UTF8String];
-    [_panel partOfItem:detail_part]->text = [detail UTF8String];
-    [_panel partsChanged];
+    [_panel content].widget(bar_item)->value = operations::FractionOf(progress);
+    [_panel content].widget(name_item)->text = [operations::TextOfLast(progress.path) UTF8String];
+    [_panel content].widget(detail_item)->text = [detail UTF8String];
+    [_panel widgetsChanged];
 }
 
 - (void)cancel {
     (*_board)->cancel();
-    [_panel partOfItem:cancel_part]->disabled = true;
+    [_panel content].widget(cancel_item)->disabled = true;
     [self update];
 }
 

@@ -17,18 +17,18 @@ DialogItemIndex host_answer = kAlertAnswerAsk;
 
 const struct {
     AlertType type;
-    alert_sign_t sign;
+    sign_t sign;
 } signs[] = {
-    {kAlertStopAlert, alert_sign_t::stop},
-    {kAlertNoteAlert, alert_sign_t::note},
-    {kAlertCautionAlert, alert_sign_t::caution},
+    {kAlertStopAlert, sign_t::stop},
+    {kAlertNoteAlert, sign_t::note},
+    {kAlertCautionAlert, sign_t::caution},
 };
 
-alert_sign_t sign_of(AlertType type) {
+sign_t sign_of(AlertType type) {
     for (const auto& known : signs) {
         if (known.type == type) return known.sign;
     }
-    return alert_sign_t::none;
+    return sign_t::none;
 }
 
 std::string text_of(CFStringRef string) { return [(NSString*)string UTF8String] ?: ""; }

@@ -16,14 +16,7 @@
 #include "gworkspace/local_symbols.h"
 #include "gworkspace/settled_windows.h"
 #include "menus/menu_run.h"
-#include "operations_ui/parts_panel.h"
-#include "x11/screens.h"
-
-// The plug-in's alert, by name.
-@interface NSWindow (ProbedAlert)
-- (point_t)middleOfItem:(int)item;
-- (NSString*)text;
-@end
+#include "panels/alert_panel.h"
 
 namespace {
 
@@ -59,10 +52,10 @@ std::string highlight_of(size_t level) {
     return title_of([[MenuSession current] highlightedItemOfMenu:shown->menu()]) + "\n";
 }
 
-NSWindow* shown_alert() {
+AlertPanel* shown_alert() {
     NSWindow* window = [NSApp modalWindow];
-    const BOOL is_alert = [window respondsToSelector:@selector(middleOfItem:)];
-    return is_alert && IsSettled(window) && HasKeyboard(window) ? window : nil;
+    const BOOL is_alert = [window isKindOfClass:objc_lookUpClass("AlertPanel")];
+    return is_alert && IsSettled(window) && HasKeyboard(window) ? (AlertPanel*)window : nil;
 }
 
 std::string button_of(int item) {
@@ -72,35 +65,33 @@ std::string button_of(int item) {
 }
 
 // The operations' window in front, or nil.
-PartsPanel* shown_panel() {
-    Class wanted = objc_lookUpClass("PartsPanel");
-    if ([[NSApp modalWindow] isKindOfClass:wanted]) return (PartsPanel*)[NSApp modalWindow];
+WidgetPanel* shown_panel() {
+    Class wanted = objc_lookUpClass("WidgetPanel");
+    if ([[NSApp modalWindow] isMemberOfClass:wanted]) return (WidgetPanel*)[NSApp modalWindow];
     for (NSWindow* window in [NSApp windows]) {
-        if ([window isVisible] && [window isKindOfClass:wanted]) return (PartsPanel*)window;
+        if ([window isVisible] && [window isMemberOfClass:wanted]) return (WidgetPanel*)window;
     }
     return nil;
 }
 
 std::string part_of(const std::string& text) {
-    PartsPanel* panel = shown_panel();
+    WidgetPanel* panel = shown_panel();
     if (!panel || !IsSettled(panel)) return "";
     if ([NSApp modalWindow] == panel && !HasKeyboard(panel)) return "";
-    for (const operations::Part& part : [panel parts]) {
-        if (part.kind == operations::PartKind::Text || part.text != text) continue;
-        const NSRect area = [panel areaOfPart:part];
-        const NSPoint middle = NSMakePoint(NSMidX(area), NSMidY(area));
-        const point_t at = server_point([panel convertBaseToScreen:middle]);
-        return std::to_string(at.x) + " " + std::to_string(at.y) + (part.on ? " 1" : " 0");
+    for (const widget_t& widget : [panel content].widgets) {
+        if (widget.kind == widget_kind_t::text || widget.text != text) continue;
+        const point_t at = [panel middleOfItem:widget.item];
+        return std::to_string(at.x) + " " + std::to_string(at.y) + (widget.on ? " 1" : " 0");
     }
     return "";
 }
 
 std::string panel_texts() {
     std::string text;
-    PartsPanel* panel = shown_panel();
+    WidgetPanel* panel = shown_panel();
     if (!panel) return "";
-    for (const operations::Part& part : [panel parts]) {
-        if (part.kind == operations::PartKind::Text) text += part.text + "\n";
+    for (const widget_t& widget : [panel content].widgets) {
+        if (widget.kind == widget_kind_t::text) text += widget.text + "\n";
     }
     return text;
 }

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "operations/engine.h"
-#include "operations_ui/parts_panel.h"
+#include "panels/widget_panel.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
 #include "support/x_input.h"
@@ -19,33 +19,33 @@ using namespace operations;
 namespace {
 
 // The one window that is shown, or nil.
-PartsPanel* shown_window() {
+WidgetPanel* shown_window() {
     for (NSWindow* window in [NSApp windows]) {
-        if ([window isVisible] && [window isKindOfClass:[PartsPanel class]]) {
-            return (PartsPanel*)window;
+        if ([window isVisible] && [window isMemberOfClass:[WidgetPanel class]]) {
+            return (WidgetPanel*)window;
         }
     }
     return nil;
 }
 
-const Part* part_of(PartsPanel* panel, PartKind kind, const std::string& text) {
+const widget_t* widget_of(WidgetPanel* panel, widget_kind_t kind, const std::string& text) {
     if (!panel) return nullptr;
-    for (const Part& part : [panel parts]) {
-        const bool is_right = (part.kind == PartKind::Text) == (kind == PartKind::Text);
-        if (is_right && part.text.find(text) != std::string::npos) return &part;
+    for (const widget_t& widget : [panel content].widgets) {
+        const bool is_right = (widget.kind == widget_kind_t::text) == (kind == widget_kind_t::text);
+        if (is_right && widget.text.find(text) != std::string::npos) return &widget;
     }
     return nullptr;
 }
 
 int check_item() {
-    for (const Part& part : [shown_window() parts]) {
-        if (part.kind == PartKind::Check) return part.item;
+    for (const widget_t& widget : [shown_window() content].widgets) {
+        if (widget.kind == widget_kind_t::check) return widget.item;
     }
     return 0;
 }
 
 bool shows_text(const std::string& text) {
-    return part_of(shown_window(), PartKind::Text, text) != nullptr;
+    return widget_of(shown_window(), widget_kind_t::text, text) != nullptr;
 }
 
 // What a user does beside the windows: looked at by a timer, also while a panel is modal.
@@ -114,13 +114,11 @@ class OperationWindowTest : public testing::Test {
 
     // Clicks the button of the shown window as a mouse does.
     bool click(const std::string& title) {
-        PartsPanel* window = shown_window();
-        const Part* button = part_of(window, PartKind::Button, title);
+        WidgetPanel* window = shown_window();
+        const widget_t* button = widget_of(window, widget_kind_t::button, title);
         if (!button) return false;
-        const NSRect inside = [window areaOfPart:*button], frame = [window frame];
-        const CGFloat height = NSMaxY([[NSScreen mainScreen] frame]);
-        hand_.move((int)(NSMinX(frame) + NSMidX(inside)),
-                   (int)(height - NSMinY(frame) - NSMidY(inside)));
+        const point_t at = [window middleOfItem:button->item];
+        hand_.move(at.x, at.y);
         hand_.click(1);
         return true;
     }
@@ -214,7 +212,7 @@ TEST_F(OperationWindowTest, ReturnSkipsAndLeavesWhatIsThere) {
 TEST_F(OperationWindowTest, KeepBothAppliedToAllAsksOnce) {
     two_taken_names();
     steps_ = {[&] { return click("Apply to all"); },
-              [&] { return part_of(shown_window(), PartKind::Check, "Apply to all")->on; },
+              [&] { return widget_of(shown_window(), widget_kind_t::check, "Apply to all")->on; },
               [&] { return click("Keep Both"); }};
     copy();
     EXPECT_EQ(test::read_file(folder_.path("to/one.txt")), "old");
@@ -238,7 +236,7 @@ TEST_F(OperationWindowTest, TabLeadsToReplaceAndSpaceHitsIt) {
     const auto asks = [](const char* name) {
         return [name] { return shows_text(name) && [shown_window() isKeyWindow]; };
     };
-    const Hand is_on = [] { return [shown_window() partOfItem:check_item()]->on; };
+    const Hand is_on = [] { return [shown_window() content].widget(check_item())->on; };
     steps_ = {asks("one.txt"), keys({"Tab", "space"}), is_on,
               keys({"Tab", "Right", "Tab", "Tab", "Left", "space"})};
     copy();

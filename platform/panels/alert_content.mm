@@ -1,0 +1,91 @@
+#include "panels/alert_content.h"
+
+#include <algorithm>
+
+#include "look/menu_text.h"
+
+namespace {
+
+// In points.
+const double margin = 24, sign_side = 52, sign_gap = 20, text_width_wanted = 340;
+const double message_size = 14, explanation_size = 12, message_gap = 8;
+const double explanation_alpha = 0.78;
+const double button_height = 30, button_gap = 10, button_padding = 18, button_least_width = 92;
+const double buttons_gap = 24, button_text_size = 13;
+
+// As wide as its title needs.
+widget_t button_of(const panel_content_t& content, const alert_button_t& button) {
+    const text_t title = paragraph(content.look, button.title, button_text_size, false, 0);
+    const int width = std::max(text_width(title) + 2 * content.pixels(button_padding),
+                               content.pixels(button_least_width));
+    widget_t made = {widget_kind_t::button, {0, 0, width, content.pixels(button_height)}};
+    made.text = button.title;
+    made.item = button.item;
+    made.size = button_text_size;
+    return made;
+}
+
+// Wraps at the width of `area`, and is as high as that makes it.
+widget_t text_of(const panel_content_t& content, area_t area, const std::string& words, double size,
+                 bool bold) {
+    area.height = text_height(paragraph(content.look, words, size, bold, area.width));
+    widget_t made = {widget_kind_t::paragraph, area};
+    made.text = words;
+    made.size = size;
+    made.bold = bold;
+    return made;
+}
+
+// Returns where the texts and the sign end.
+int add_texts(panel_content_t* content, const alert_words_t& words, int left, int column) {
+    const int top = content->pixels(margin);
+    const widget_t message =
+        text_of(*content, {left, top, column, 0}, words.message, message_size, true);
+    const int below = message.area.bottom() + content->pixels(message_gap);
+    widget_t explanation =
+        text_of(*content, {left, below, column, 0}, words.explanation, explanation_size, false);
+    explanation.alpha = explanation_alpha;
+    content->widgets.insert(content->widgets.end(), {message, explanation});
+    const int bottom =
+        words.explanation.empty() ? message.area.bottom() : explanation.area.bottom();
+    return words.sign == sign_t::none ? bottom : std::max(bottom, top + content->pixels(sign_side));
+}
+
+void add_sign(panel_content_t* content, sign_t sign) {
+    widget_t made = {widget_kind_t::sign, content->area(margin, margin, sign_side, sign_side)};
+    made.sign = sign;
+    content->widgets.push_back(made);
+}
+
+void add_buttons(panel_content_t* content, std::vector<widget_t> buttons, int top) {
+    int right = content->size.width - content->pixels(margin);
+    for (widget_t& button : buttons) {
+        button.area.left = right - button.area.width;
+        button.area.top = top;
+        right = button.area.left - content->pixels(button_gap);
+        content->widgets.push_back(button);
+    }
+}
+
+}  // namespace
+
+panel_content_t alert_content(const alert_words_t& words) {
+    panel_content_t content;
+    content.default_item = words.default_item;
+    content.cancel_item = words.cancel_item ? words.cancel_item : words.default_item;
+    const int gap = content.pixels(button_gap), border = content.pixels(margin);
+    std::vector<widget_t> buttons;
+    int buttons_width = -gap;
+    for (const alert_button_t& button : words.buttons) {
+        buttons.push_back(button_of(content, button));
+        buttons_width += buttons.back().area.width + gap;
+    }
+    const bool has_sign = words.sign != sign_t::none;
+    const int left = border + (has_sign ? content.pixels(sign_side + sign_gap) : 0);
+    const int column = std::max(content.pixels(text_width_wanted), buttons_width);
+    if (has_sign) add_sign(&content, words.sign);
+    const int top = add_texts(&content, words, left, column) + content.pixels(buttons_gap);
+    content.size = {left + column + border, top + content.pixels(button_height) + border};
+    add_buttons(&content, std::move(buttons), top);
+    return content;
+}

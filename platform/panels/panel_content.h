@@ -1,0 +1,60 @@
+// What a panel shows, and where: widgets, in pixels from the upper left of its content. Main
+// thread.
+#pragma once
+
+#include <Foundation/Foundation.h>
+
+#include <string>
+#include <vector>
+
+#include "look/menu_look.h"
+#include "panels/sign.h"
+#include "x11/menu_geometry.h"
+
+// Of a text that says less than the one before it.
+constexpr double dimmed_text_alpha = 0.7;
+
+// A text is one line, shortened in its middle; a paragraph wraps.
+enum class widget_kind_t { text, paragraph, sign, icon, bar, button, check };
+
+struct widget_t {
+    widget_kind_t kind = widget_kind_t::text;
+    area_t area = {};
+    std::string text = "";  // UTF-8; of an icon the path of its file
+    int item = 0;           // what is hit: above 0 for buttons and check boxes
+    double size = 12;       // of the text, in points
+    bool bold = false;
+    double alpha = 1;            // of the text
+    unichar key = 0;             // hits a button or check box
+    bool disabled = false;       // cannot be hit
+    bool on = false;             // of a check box
+    double value = 0;            // of a bar, from 0 to 1; negative while there is no telling
+    sign_t sign = sign_t::none;  // of a sign
+
+    // By mouse or keys.
+    bool can_be_hit() const;
+};
+
+struct panel_content_t {
+    menu_look_t look;
+    extent_t size = {};
+    std::vector<widget_t> widgets;
+    int default_item = 0;  // Return hits it; 0: none
+    int cancel_item = 0;   // Escape and the window's close button hit it; 0: none
+
+    // In the look that menus have now, light or dark and at the screen's scale.
+    panel_content_t();
+
+    // Of measures in points.
+    int pixels(double points) const;
+    area_t area(double left, double top, double width, double height) const;
+
+    // The first widget of this item, or null.
+    widget_t* widget(int item);
+    const widget_t* widget(int item) const;
+    // The item that a click there would hit, or 0.
+    int item_at(point_t point) const;
+    // The item that can be hit after this one or, with step -1, before it, round and round. From 0
+    // it is the first or the last one. Without such an item it is `item` itself.
+    int item_beside(int item, int step) const;
+};

@@ -1,0 +1,25 @@
+// A small window of widgets, in the look of the menus: light or dark as they are, and sharp at
+// every scale. The alert and the windows of file operations are made of it. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+#include <functional>
+
+#include "panels/dialog_panel.h"
+#include "panels/panel_content.h"
+
+@interface WidgetPanel : DialogPanel {
+  @private
+    BOOL _isModal;
+}
+// `hit` is sent the item of a button or check box.
+- (instancetype)initWithTitle:(NSString*)title
+                      content:(const panel_content_t&)content
+                          hit:(const std::function<void(int)>&)hit;
+// Its widgets may be changed, but none added or removed; then send `widgetsChanged`.
+- (panel_content_t&)content;
+- (void)widgetsChanged;
+// The middle of a widget, in pixels of the server; {-1, -1} without such a widget.
+- (point_t)middleOfItem:(int)item;
+@end

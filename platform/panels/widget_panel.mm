@@ -1,0 +1,53 @@
+#include "panels/widget_panel.h"
+
+#include "panels/widget_view.h"
+#include "x11/screens.h"
+
+@implementation WidgetPanel
+
+- (instancetype)initWithTitle:(NSString*)title
+                      content:(const panel_content_t&)content
+                          hit:(const std::function<void(int)>&)hit {
+    WidgetView* view = [[[WidgetView alloc] initWithContent:content hit:hit] autorelease];
+    return [super initWithView:view title:title];
+}
+
+- (WidgetView*)widgetView {
+    return (WidgetView*)[self contentView];
+}
+
+- (panel_content_t&)content {
+    return [[self widgetView] content];
+}
+
+- (void)widgetsChanged {
+    [[self widgetView] setNeedsDisplay:YES];
+}
+
+- (void)cancelDialog {
+    [[self widgetView] hit:[self content].cancel_item];
+}
+
+// What only tells of progress can be ended while something else asks. A question below another one
+// waits.
+- (BOOL)worksWhenModal {
+    return !_isModal;
+}
+
+- (NSInteger)runModal {
+    _isModal = YES;
+    const NSInteger code = [super runModal];
+    _isModal = NO;
+    return code;
+}
+
+- (point_t)middleOfItem:(int)item {
+    const widget_t* widget = [self content].widget(item);
+    if (!widget) return {-1, -1};
+    const area_t& area = widget->area;
+    const NSPoint middle = NSMakePoint(area.left + area.width / 2, area.top + area.height / 2);
+    const NSPoint base = [[self contentView] convertPoint:middle toView:nil];
+    return server_point([self convertBaseToScreen:base]);
+}
+
+@end
