@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "appkit/view_fade.h"
+#include "events/deadline.h"
 #include "objc/method_patch.h"
 #include "x11/screens.h"
 
@@ -70,7 +71,7 @@ void deallocate_window(NSWindow* self, SEL selector) {
     _window = window;
     _from = [window alphaValue];
     _to = alpha;
-    _begun = [NSDate timeIntervalSinceReferenceDate];
+    _begun = seconds_now();
     _timer = [NSTimer timerWithTimeInterval:step_interval
                                      target:self
                                    selector:@selector(step:)
@@ -84,9 +85,8 @@ void deallocate_window(NSWindow* self, SEL selector) {
 
 - (void)step:(NSTimer*)timer {
     (void)timer;
-    const double passed = ([NSDate timeIntervalSinceReferenceDate] - _begun) / window_fade_duration;
-    // A clock set back must not hold it.
-    const bool over = passed >= 1 || passed < 0;
+    const double passed = (seconds_now() - _begun) / window_fade_duration;
+    const bool over = passed >= 1;
     [_window setAlphaValue:over ? _to : _from + (_to - _from) * passed];
     if (over) end_fade(_window);
 }

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "events/deadline.h"
 #include "look/bitmaps.h"
 #include "menus/menu_run.h"
 #include "quicklook/icon_decoder.h"
@@ -34,8 +35,6 @@ std::unordered_map<std::string, known_t>& known_icons() {
     static auto& icons = *new std::unordered_map<std::string, known_t>;
     return icons;
 }
-
-double now() { return [NSDate timeIntervalSinceReferenceDate]; }
 
 // Menus show icons as squares.
 NSBitmapImageRep* square_bitmap(const Picture& picture) {
@@ -78,7 +77,7 @@ struct arrival_t {
 void take_arrival(const arrival_t& arrival) {
     known_t& known = known_icons()[arrival.file];
     known.is_asked = false;
-    known.asked_at = now();
+    known.asked_at = seconds_now();
     if (arrival.icon) take(known, *arrival.icon);
     for (NSImage* image : known.waiting) [image release];
     known.waiting.clear();
@@ -156,7 +155,7 @@ void show_untrusted_icon(NSImage* image, const std::string& file) {
     forget_some();
     known_t& known = known_icons()[file];
     if (known.bitmap) give(image, known.bitmap);
-    if (!known.is_asked && now() - known.asked_at > seconds_between_looks) ask(file, known);
+    if (!known.is_asked && seconds_now() - known.asked_at > seconds_between_looks) ask(file, known);
     if (known.is_asked) known.waiting.push_back([image retain]);
 }
 

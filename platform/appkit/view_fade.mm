@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "appkit/view_pixels.h"
+#include "events/deadline.h"
 #include "x11/window_pixels.h"
 
 namespace {
@@ -52,7 +53,7 @@ ViewFade* running_fade(NSView* view) {
     [[self retain] autorelease];
     [self removeFromSuperview];
     [view addSubview:self];
-    _begun = [NSDate timeIntervalSinceReferenceDate];
+    _begun = seconds_now();
     _timer = [NSTimer timerWithTimeInterval:step_interval
                                      target:self
                                    selector:@selector(step:)
@@ -74,9 +75,7 @@ ViewFade* running_fade(NSView* view) {
 }
 
 - (double)share {
-    const double passed = ([NSDate timeIntervalSinceReferenceDate] - _begun) / _duration;
-    // A clock set back must not hold it.
-    return passed < 0 ? 1 : std::min(passed, 1.0);
+    return std::min((seconds_now() - _begun) / _duration, 1.0);
 }
 
 - (void)step:(NSTimer*)timer {

@@ -1,10 +1,14 @@
-// A moment that a tracker waits for.
+// A moment that somebody waits for.
 #pragma once
 
-#include <Foundation/Foundation.h>
+#include <time.h>
 
-// Seconds since the reference date.
-inline double seconds_now() { return [NSDate timeIntervalSinceReferenceDate]; }
+// For measuring how long something takes: setting the machine's clock does not move it.
+inline double seconds_now() {
+    timespec time;
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+}
 
 struct deadline_t {
     double due = 0;  // 0: none

@@ -1,17 +1,11 @@
 #include "events/event_tap.h"
 
-#include <time.h>
+#include "events/deadline.h"
 
 namespace {
 
 // As long as the Mac waits for an active tap.
 constexpr double longest_answer = 1;
-
-double now() {
-    timespec time;
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
 
 CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
 
@@ -43,7 +37,7 @@ CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
 
 - (CGEventRef)pass:(CGEventRef)event {
     _busy = YES;
-    const double began = now();
+    const double began = seconds_now();
     CGEventRef answer = nullptr;
     @try {
         answer =
@@ -52,7 +46,7 @@ CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
         _busy = NO;
     }
     // Nobody waits for a listener.
-    const bool too_late = !_settings.listens_only && now() - began >= longest_answer;
+    const bool too_late = !_settings.listens_only && seconds_now() - began >= longest_answer;
     if (answer != event && (too_late || _settings.listens_only)) {
         CFRelease(answer);
         answer = event;

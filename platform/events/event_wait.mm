@@ -96,7 +96,7 @@ event_wait_t::~event_wait_t() {
 
 void event_wait_t::sleep(double due, const question_t& has_work) {
     // The run loop cuts its time-outs to whole milliseconds: one more, so that it is not early.
-    NSDate* limit = due > 0 ? [NSDate dateWithTimeIntervalSinceReferenceDate:due + 0.001]
+    NSDate* limit = due > 0 ? [NSDate dateWithTimeIntervalSinceNow:due - seconds_now() + 0.001]
                             : [NSDate distantFuture];
     has_work_ = &has_work;
     polls_ = 0;
