@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "command/similar_words.h"
+#include "file_steps/visible_text.h"
+
+using operations::Quoted;
 
 namespace fs = std::filesystem;
 

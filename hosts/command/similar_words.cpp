@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "file_steps/visible_text.h"
-
 namespace {
 
 constexpr size_t longest_compared = 300;
@@ -60,5 +58,3 @@ std::vector<std::string> SimilarWords(const std::string& word,
     }
     return words;
 }
-
-std::string Quoted(std::string_view word) { return '"' + operations::VisibleText(word) + '"'; }

@@ -2,13 +2,9 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 // At most `most` of the candidates that resemble the word, the nearest first, none twice: few edits
 // away without regard to case, or holding the word, or held in it.
 std::vector<std::string> SimilarWords(const std::string& word,
                                       const std::vector<std::string>& candidates, size_t most);
-
-// The word in double quotes on one line, with visible escapes for what is none.
-std::string Quoted(std::string_view word);

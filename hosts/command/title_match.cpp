@@ -5,6 +5,9 @@
 #include <algorithm>
 
 #include "command/similar_words.h"
+#include "file_steps/visible_text.h"
+
+using operations::Quoted;
 
 namespace {
 

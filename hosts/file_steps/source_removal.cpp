@@ -5,6 +5,7 @@
 #include "file_steps/file_data.h"
 #include "file_steps/folder.h"
 #include "file_steps/tree_copy.h"
+#include "file_steps/visible_text.h"
 
 namespace operations {
 

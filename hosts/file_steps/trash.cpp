@@ -9,6 +9,7 @@
 
 #include "file_steps/folder.h"
 #include "file_steps/trash_folders.h"
+#include "file_steps/visible_text.h"
 #include "file_steps/work.h"
 
 namespace operations {

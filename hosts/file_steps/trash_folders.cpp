@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 
 #include "file_steps/folder.h"
+#include "file_steps/visible_text.h"
 #include "file_steps/work.h"
 
 namespace operations {
@@ -48,7 +49,7 @@ bool is_shared_trash(const std::string& path) {
 
 // Opens a part of a trash.
 Descriptor open_part(const std::string& path, std::string* problem) {
-    const std::string name = QuotedPath(path);
+    const std::string name = Quoted(path);
     if (!MakeFolders(path)) {
         *problem = "cannot make " + name + ": " + strerror(errno);
         return Descriptor();

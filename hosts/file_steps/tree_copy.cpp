@@ -7,6 +7,7 @@
 #include "file_steps/attributes.h"
 #include "file_steps/file_data.h"
 #include "file_steps/folder.h"
+#include "file_steps/visible_text.h"
 
 namespace operations {
 

@@ -86,4 +86,17 @@ std::string VisibleText(std::string_view text) {
     return shown;
 }
 
+std::string Quoted(std::string_view text) { return '"' + VisibleText(text) + '"'; }
+
+std::string_view LastComponent(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    return name.empty() ? path : name;
+}
+
+std::string QuotedName(std::string_view path) { return Quoted(LastComponent(path)); }
+
+std::string WindowName(std::string_view path) {
+    return "“" + VisibleText(LastComponent(path)) + "”";
+}
+
 }  // namespace operations

@@ -9,12 +9,6 @@
 
 namespace operations {
 
-std::string QuotedName(const std::string& path) {
-    return QuotedPath(path.substr(path.rfind('/') + 1));
-}
-
-std::string QuotedPath(const std::string& path) { return "\"" + VisibleText(path) + "\""; }
-
 bool Work::fail(const std::string& what, const std::string& path, int error) {
     char buffer[128];
     const char* text = strerror_r(error, buffer, sizeof buffer);

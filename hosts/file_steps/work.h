@@ -46,8 +46,4 @@ class Work {
     bool stopped_ = false;
 };
 
-// The last component in double quotes, or the whole path; control characters become question marks.
-std::string QuotedName(const std::string& path);
-std::string QuotedPath(const std::string& path);
-
 }  // namespace operations

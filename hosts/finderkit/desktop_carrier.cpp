@@ -6,6 +6,7 @@
 
 #include <utility>
 
+#include "file_steps/visible_text.h"
 #include "file_steps/work.h"
 #include "finderkit/desktop_managers.h"
 #include "finderkit/session_bus.h"

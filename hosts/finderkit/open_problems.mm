@@ -26,7 +26,9 @@
 
 namespace {
 
+using operations::Quoted;
 using operations::VisibleText;
+using operations::WindowName;
 
 constexpr size_t most_lines = 6;
 
@@ -45,19 +47,13 @@ bool has_path(NSMenuItem* item) {
     return !tree || [NSClassFromString(@"DVDelvio") stringPathForTree:tree] != nil;
 }
 
-// As the user knows it.
-std::string quoted_name(const std::string& path) {
-    const std::string name = path.substr(path.rfind('/') + 1);
-    return "“" + VisibleText(name.empty() ? path : name) + "”";
-}
-
 std::string subject_of(const OpenProblem& problem) {
-    return problem.file.empty() ? "The file" : quoted_name(problem.file);
+    return problem.file.empty() ? "The file" : WindowName(problem.file);
 }
 
 std::string title_of(const OpenProblem& problem) {
     const std::string title = subject_of(problem) + " cannot be opened";
-    return title + (problem.program.empty() ? "." : " with " + quoted_name(problem.program) + ".");
+    return title + (problem.program.empty() ? "." : " with " + WindowName(problem.program) + ".");
 }
 
 std::string sentence(std::string clause) {
@@ -135,8 +131,8 @@ void ListenForOpenProblems(std::function<void(const OpenProblem&)> wanted) {
 
 std::string LineOf(const OpenProblem& problem) {
     std::string line = "cannot open ";
-    line += problem.file.empty() ? "the file" : "\"" + VisibleText(problem.file) + "\"";
-    if (!problem.program.empty()) line += " with \"" + VisibleText(problem.program) + "\"";
+    line += problem.file.empty() ? "the file" : Quoted(problem.file);
+    if (!problem.program.empty()) line += " with " + Quoted(problem.program);
     return line + ": " + VisibleText(problem.reason);
 }
 

@@ -3,12 +3,14 @@
 #include <host/window_placement.h>
 #include <CoreFoundation/CoreFoundation.h>
 
+#include "finderkit/settings_file.h"
+
 namespace {
 
 BOOL is_wanted() {
     Boolean valid = false;
     const CFIndex value = CFPreferencesGetAppIntegerValue(
-        (CFStringRef) @(preview_beside_menu_setting), CFSTR("org.delvio.Delvio"), &valid);
+        (CFStringRef) @(preview_beside_menu_setting), (CFStringRef) @(settings_domain), &valid);
     return !valid || value != 0;
 }
 

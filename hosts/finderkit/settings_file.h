@@ -3,5 +3,8 @@
 
 #include <string>
 
+// The domain of the user's settings, which is the plug-in's.
+inline constexpr const char* settings_domain = "org.delvio.Delvio";
+
 // "the settings in FILE cannot be read" when they cannot; else empty, also when there are none.
 std::string SettingsProblem();

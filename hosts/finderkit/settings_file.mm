@@ -3,6 +3,6 @@
 #include "corefoundation/defaults_file.h"
 
 std::string SettingsProblem() {
-    DefaultsFile file(@"org.delvio.Delvio");
+    DefaultsFile file(@(settings_domain));
     return file.refresh() ? "" : "the settings in " + file.path() + " cannot be read";
 }

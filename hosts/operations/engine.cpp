@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "file_steps/visible_text.h"
 #include "file_steps/work.h"
 #include "operations/operation.h"
 #include "operations/request_queue.h"

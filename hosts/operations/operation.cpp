@@ -6,6 +6,7 @@
 
 #include "file_steps/folder.h"
 #include "file_steps/new_names.h"
+#include "file_steps/visible_text.h"
 #include "operations/left_trash_info.h"
 
 namespace operations {

@@ -4,6 +4,7 @@
 
 #include "file_steps/folder.h"
 #include "file_steps/new_names.h"
+#include "file_steps/visible_text.h"
 #include "operations/operation.h"
 
 namespace operations {

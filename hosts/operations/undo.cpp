@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include "file_steps/folder.h"
+#include "file_steps/visible_text.h"
 #include "operations/engine.h"
 #include "operations/operation.h"
 #include "operations/undo_checks.h"
@@ -126,7 +127,7 @@ std::string Undoing::remove(const std::string& path) {
 
 std::string words_for(const Step& step, Need need) {
     const std::string back =
-        QuotedName(step.source) + " is back in " + QuotedPath(ParentOf(step.source));
+        QuotedName(step.source) + " is back in " + Quoted(ParentOf(step.source));
     switch (need) {
         case Need::Nothing:
         case Need::ForgetTrash:
@@ -137,9 +138,9 @@ std::string words_for(const Step& step, Need need) {
         case Need::RestoreTrash:
             return back + ", out of the trash";
         case Need::TrashTarget:
-            return "the copy " + QuotedPath(step.target) + " is in the trash";
+            return "the copy " + Quoted(step.target) + " is in the trash";
         case Need::RemoveTarget:
-            return (step.kind == Step::Aliased ? "the alias " : "") + QuotedPath(step.target) +
+            return (step.kind == Step::Aliased ? "the alias " : "") + Quoted(step.target) +
                    " is removed";
     }
     return "";

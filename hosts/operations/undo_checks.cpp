@@ -6,6 +6,7 @@
 #include <string.h>
 
 #include "file_steps/folder.h"
+#include "file_steps/visible_text.h"
 #include "file_steps/work.h"
 #include "operations/tree_compare.h"
 

@@ -12,9 +12,8 @@ constexpr size_t most_reasons = 6;
 // Making a file takes about as long as writing this many bytes of it.
 constexpr double bytes_of_an_item = 16 * 1024;
 
-NSString* last(const std::string& path) {
-    const std::string name = path.substr(path.rfind('/') + 1);
-    return TextOfName(name.empty() ? path : name);
+NSString* quoted(const std::string& path) {
+    return [NSString stringWithUTF8String:WindowName(path).c_str()];
 }
 
 NSString* grouped(uint64_t number) {
@@ -54,15 +53,17 @@ NSString* TextOfName(const std::string& name) {
     return [NSString stringWithUTF8String:VisibleText(name).c_str()];
 }
 
-NSString* TextOfLast(const std::string& path) { return last(path); }
+NSString* TextOfLast(const std::string& path) {
+    return TextOfName(std::string(LastComponent(path)));
+}
 
 NSString* TitleOf(const Request& request) {
     const size_t count = request.sources.size();
-    NSString* what = count == 1 ? [NSString stringWithFormat:@"“%@”", last(request.sources.front())]
+    NSString* what = count == 1 ? quoted(request.sources.front())
                                 : [NSString stringWithFormat:@"%@ items", grouped(count)];
     NSString* title = [NSString stringWithFormat:@"%@ %@", verb_of(request.kind), what];
     if (request.kind == Kind::Trash) return title;
-    return [title stringByAppendingFormat:@" to “%@”", last(request.destination)];
+    return [title stringByAppendingFormat:@" to %@", quoted(request.destination)];
 }
 
 NSString* DetailOf(const Progress& progress) {
@@ -86,8 +87,8 @@ double FractionOf(const Progress& progress) {
 
 NSString* QuestionOf(const Conflict& conflict) {
     const std::string folder = conflict.target.substr(0, conflict.target.rfind('/'));
-    return [NSString stringWithFormat:@"“%@” is already in “%@”.", last(conflict.target),
-                                      last(folder.empty() ? "/" : folder)];
+    return [NSString stringWithFormat:@"%@ is already in %@.", quoted(conflict.target),
+                                      quoted(folder.empty() ? "/" : folder)];
 }
 
 NSString* DescribeFile(const std::string& path) {

@@ -9,9 +9,10 @@
 #include <mutex>
 
 #include "command/exit_signals.h"
-#include "command/similar_words.h"
+#include "file_steps/visible_text.h"
 #include "finderkit/desktop_carrier.h"
 #include "finderkit/file_operations.h"
+#include "finderkit/settings_file.h"
 #include "operations/engine.h"
 #include "operations_ui/operation_window.h"
 #include "settings/settings_table.h"
@@ -20,6 +21,7 @@ namespace {
 
 using operations::Observer;
 using operations::Outcome;
+using operations::Quoted;
 using operations::Report;
 using operations::Request;
 using operations::State;

@@ -6,12 +6,13 @@
 #include <filesystem>
 
 #include "command/private_display.h"
-#include "command/similar_words.h"
 #include "file_steps/visible_text.h"
 #include "finderkit/open_problems.h"
 #include "finderkit/session_bus.h"
 #include "operations/engine.h"
 #include "popup/clipboard.h"
+
+using operations::Quoted;
 
 namespace {
 

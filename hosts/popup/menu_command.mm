@@ -6,8 +6,8 @@
 #include "command/exit_signals.h"
 #include "command/file_arguments.h"
 #include "command/private_display.h"
-#include "command/similar_words.h"
 #include "command/standard_streams.h"
+#include "file_steps/visible_text.h"
 #include "finderkit/finder_events.h"
 #include "finderkit/open_problems.h"
 #include "finderkit/plug_in.h"
@@ -20,6 +20,8 @@
 #include "popup/menu_walker.h"
 #include "popup/shown_menu.h"
 #include "settings/forced_settings.h"
+
+using operations::Quoted;
 
 namespace {
 

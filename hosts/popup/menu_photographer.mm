@@ -2,8 +2,10 @@
 
 #include <host/menu_picture.h>
 
-#include "command/similar_words.h"
+#include "file_steps/visible_text.h"
 #include "popup/menu_walker.h"
+
+using operations::Quoted;
 
 namespace {
 

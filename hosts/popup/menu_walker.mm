@@ -5,9 +5,11 @@
 #include <stdio.h>
 #include <unistd.h>
 
-#include "command/similar_words.h"
 #include "command/title_match.h"
+#include "file_steps/visible_text.h"
 #include "popup/menu_reading.h"
+
+using operations::Quoted;
 
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include <map>
 
+#include "finderkit/settings_file.h"
+
 namespace {
 
 NSString* string_of(const std::string& text) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "finderkit/applications_folder.h"
+#include "finderkit/settings_file.h"
 #include "settings/forced_settings.h"
 #include "settings/settings_listing.h"
 

@@ -9,7 +9,10 @@
 #include <utility>
 
 #include "command/similar_words.h"
+#include "file_steps/visible_text.h"
 #include "finderkit/preview_placement.h"
+
+using operations::Quoted;
 
 namespace {
 

@@ -7,9 +7,6 @@
 #include <string_view>
 #include <vector>
 
-// The preferences domain.
-inline constexpr const char* settings_domain = "org.delvio.Delvio";
-
 // The command's own: not the plug-in's.
 inline constexpr const char* file_manager_setting = "operations_by_file_manager";
 
