@@ -12,6 +12,7 @@
 
 #include "gworkspace/gworkspace_classes.h"
 #include "gworkspace/last_look.h"
+#include "gworkspace/question_keyboard.h"
 
 using operations::Kind;
 using operations::Request;
@@ -159,6 +160,7 @@ bool HandOver(const Request& request, const std::function<void()>& begins) {
                                      destination, @"destination", names, @"files", nil];
     static GWorkspaceBeginning* beginning = [GWorkspaceBeginning new];
     [beginning expect:order begins:begins];
+    GiveQuestionsTheKeyboard();
     return BeginsAfterLook(
         order, [&] { return IsForGWorkspace(request); },
         [&] { [workspace performFileOperation:order]; });

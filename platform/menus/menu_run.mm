@@ -1,6 +1,6 @@
 #include "menus/menu_run.h"
 
-#include "menus/menu_changes.h"
+#include "menu_classes/menu_changes.h"
 #include "x11/screens.h"
 
 namespace {

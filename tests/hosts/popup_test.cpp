@@ -23,7 +23,16 @@ ItemSnapshot item(const std::string& title) {
     ItemSnapshot snapshot;
     snapshot.title = title;
     snapshot.enabled = true;
+    snapshot.details = std::make_unique<ItemDetails>();
     return snapshot;
+}
+
+// A list in braces can only be copied from.
+template <typename... Items>
+MenuSnapshot menu_of(Items... items) {
+    MenuSnapshot menu;
+    (menu.push_back(std::move(items)), ...);
+    return menu;
 }
 
 ItemSnapshot folder(const std::string& title, MenuSnapshot items) {
@@ -133,23 +142,24 @@ TEST(Modifiers, AreReadAndNamed) {
 TEST(MenuText, IndentsAndMarks) {
     ItemSnapshot alternate = item("Inside");
     alternate.alternate = true;
-    alternate.modifiers = {"shift", "option"};
+    alternate.modifiers = 0x20000 | 0x80000;  // Shift, Option
     ItemSnapshot separator;
     separator.separator = true;
     ItemSnapshot disabled = item("Gone");
     disabled.enabled = false;
-    EXPECT_EQ(WriteMenuText({folder("Top", {item("a\nb"), alternate}), separator, disabled}),
+    ItemSnapshot top = folder("Top", menu_of(item("a\nb"), std::move(alternate)));
+    EXPECT_EQ(WriteMenuText(menu_of(std::move(top), std::move(separator), std::move(disabled))),
               "Top >\n    a\xef\xbf\xbd"
               "b\n    Inside [shift-option]\n--------\nGone (disabled)\n");
 }
 
 TEST(MenuJson, HasEveryKeyOfAnItem) {
     ItemSnapshot colored = item("Red");
-    colored.color = "#ff0000";
-    colored.path = "/tmp/Red";
-    colored.tag = 7;
-    colored.image = colored.plugin = true;
-    const auto json = nlohmann::json::parse(WriteMenuJson({colored}));
+    colored.details->color = "#ff0000";
+    colored.details->path = "/tmp/Red";
+    colored.details->tag = 7;
+    colored.image = colored.details->plugin = true;
+    const auto json = nlohmann::json::parse(WriteMenuJson(menu_of(std::move(colored))));
     EXPECT_EQ(json, nlohmann::json::parse(R"([{"type": "item", "title": "Red", "enabled": true,
         "alternate": false, "modifiers": [], "image": true, "color": "#ff0000", "tag": 7,
         "plugin": true, "path": "/tmp/Red", "submenu": null}])"));
@@ -158,7 +168,8 @@ TEST(MenuJson, HasEveryKeyOfAnItem) {
 TEST(MenuJson, TellsOpenedLevelsFromOthers) {
     ItemSnapshot closed = item("closed");
     closed.has_submenu = true;
-    const auto json = nlohmann::json::parse(WriteMenuJson({folder("open", {item("a")}), closed}));
+    const auto json = nlohmann::json::parse(
+        WriteMenuJson(menu_of(folder("open", menu_of(item("a"))), std::move(closed))));
     EXPECT_TRUE(json[0]["submenu"]["populated"]);
     EXPECT_EQ(json[0]["submenu"]["items"][0]["title"], "a");
     EXPECT_FALSE(json[1]["submenu"]["populated"]);
@@ -169,8 +180,8 @@ TEST(MenuJson, TellsOpenedLevelsFromOthers) {
 
 TEST(MenuJson, ReplacesBytesThatAreNotUtf8) {
     const auto json =
-        nlohmann::json::parse(WriteMenuJson({item("a\xff"
-                                                  "b")}));
+        nlohmann::json::parse(WriteMenuJson(menu_of(item("a\xff"
+                                                         "b"))));
     EXPECT_EQ(json[0]["title"],
               "a\xef\xbf\xbd"
               "b");

@@ -7,8 +7,8 @@
 
 #include <string>
 
-#include "menus/menu_changes.h"
-#include "menus/menu_storage.h"
+#include "menu_classes/menu_changes.h"
+#include "menu_classes/menu_storage.h"
 #include "support/app.h"
 #include "support/heap.h"
 

@@ -4,7 +4,7 @@
 
 #include <unordered_map>
 
-#include "menus/menu_storage.h"
+#include "menu_classes/menu_storage.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // What each of GNUstep's menus would observe for itself, done once for those that it can concern:
 // the main menu and what hangs on it.
-#include "menus/menu_storage.h"
+#include "menu_classes/menu_storage.h"
 
 @interface NSMenu (StockLaunch)
 - (void)_showOnActivateApp:(NSNotification*)notification;

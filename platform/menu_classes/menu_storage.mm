@@ -1,9 +1,9 @@
 // Makes menus light. GNUstep gives each menu two panels, a view and four observers as it is made;
 // here they come into being when something first asks for them: the main menu, a popup button, a
 // torn-off menu. A menu that is only ever shown as a contextual menu never has them.
-#include "menus/menu_storage.h"
+#include "menu_classes/menu_storage.h"
 
-#include "menus/menu_changes.h"
+#include "menu_classes/menu_changes.h"
 #include "objc/method_patch.h"
 
 // The items of all menus that have none yet: most submenus are never opened.

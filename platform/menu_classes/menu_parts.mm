@@ -1,6 +1,6 @@
 // The windows and the view of GNUstep's own menus, made on first need, and the methods that need
 // them.
-#include "menus/menu_storage.h"
+#include "menu_classes/menu_storage.h"
 
 #include "objc/method_patch.h"
 
