@@ -1,5 +1,6 @@
 #include "finderkit/applications_folder.h"
 
+#include <host/glib_owners.h>
 #include <host/process.h>
 #include <host/forced_preferences.h>
 #include <host/offered_entries.h>
@@ -44,11 +45,11 @@ bool is_current(const LinkRecord& record, time_t made_at) {
 // Letters that sort as the names do: a menu is in the order of its files' names. They are the same
 // in each folder made, so that an open menu never finds another program under a name.
 std::string sorting_letters(const std::string& name) {
-    g_autofree char* valid = g_utf8_make_valid(name.c_str(), -1);
-    g_autofree char* folded = g_utf8_casefold(valid, -1);
-    g_autofree char* key = g_utf8_collate_key(folded, -1);
+    const files::TextOwner valid(g_utf8_make_valid(name.c_str(), -1));
+    const files::TextOwner folded(g_utf8_casefold(valid.get(), -1));
+    const files::TextOwner key(g_utf8_collate_key(folded.get(), -1));
     std::string letters;
-    for (const char* byte = key; *byte; byte++) {
+    for (const char* byte = key.get(); *byte; byte++) {
         const auto value = static_cast<unsigned char>(*byte);
         letters += static_cast<char>('a' + value / 16);
         letters += static_cast<char>('a' + value % 16);

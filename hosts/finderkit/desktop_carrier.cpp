@@ -1,5 +1,6 @@
 #include "finderkit/desktop_carrier.h"
 
+#include <host/glib_owners.h>
 #include <errno.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -75,10 +76,10 @@ void refuse(Report* report, const std::string& reason) {
 
 // Asks each manager until one is there.
 Handover ask(const Request& request, std::string* reason) {
-    g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
+    const files::ObjectOwner<GDBusConnection> bus = ConnectToSessionBus();
     if (!bus) return Handover::absent;
-    for (const DesktopManager* manager : ManagersOnBus(bus)) {
-        const Handover result = AskManager(bus, *manager, request, reason);
+    for (const DesktopManager* manager : ManagersOnBus(bus.get())) {
+        const Handover result = AskManager(bus.get(), *manager, request, reason);
         if (result == Handover::taken) operations::NoteDoneElsewhere(request, manager->name);
         if (result != Handover::absent) return result;
     }

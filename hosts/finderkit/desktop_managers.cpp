@@ -1,5 +1,6 @@
 #include "finderkit/desktop_managers.h"
 
+#include <host/glib_owners.h>
 #include <host/session_bus.h>
 
 #include <algorithm>
@@ -45,21 +46,23 @@ const DesktopManager managers[] = {
 
 std::vector<std::string> names_from_bus(GDBusConnection* bus, const char* method) {
     std::vector<std::string> names;
-    g_autoptr(GVariant) answer =
+    const files::VariantOwner answer(
         g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                     "org.freedesktop.DBus", method, nullptr, G_VARIANT_TYPE("(as)"),
-                                    G_DBUS_CALL_FLAGS_NONE, files::bus_patience, nullptr, nullptr);
+                                    G_DBUS_CALL_FLAGS_NONE, files::bus_patience, nullptr, nullptr));
     if (!answer) return names;
-    g_autoptr(GVariantIter) list = nullptr;
-    g_variant_get(answer, "(as)", &list);
+    GVariantIter* found = nullptr;
+    g_variant_get(answer.get(), "(as)", &found);
+    const std::unique_ptr<GVariantIter, files::Release<g_variant_iter_free>> list(found);
     const char* name;
-    while (g_variant_iter_next(list, "&s", &name)) names.push_back(name);
+    while (g_variant_iter_next(list.get(), "&s", &name)) names.push_back(name);
     return names;
 }
 
 bool is_users_own(const DesktopManager* manager) {
-    g_autoptr(GAppInfo) own = g_app_info_get_default_for_type("inode/directory", FALSE);
-    return own && g_strcmp0(g_app_info_get_id(own), manager->entry) == 0;
+    const files::ObjectOwner<GAppInfo> own(
+        g_app_info_get_default_for_type("inode/directory", FALSE));
+    return own && g_strcmp0(g_app_info_get_id(own.get()), manager->entry) == 0;
 }
 
 void add_named(const std::vector<std::string>& names, std::vector<const DesktopManager*>* found) {

@@ -1,5 +1,6 @@
 #include "finderkit/file_operations.h"
 
+#include <host/glib_owners.h>
 #include <glib.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -51,10 +52,8 @@ OSErr read_path(const AEDesc& desc, std::string* path) {
     std::string text(static_cast<size_t>(AEGetDescDataSize(&url)), '\0');
     AEGetDescData(&url, text.data(), static_cast<Size>(text.size()));
     AEDisposeDesc(&url);
-    g_autofree char* name = g_filename_from_uri(text.c_str(), nullptr, nullptr);
-    if (!name) return errAECoercionFail;
-    *path = name;
-    return noErr;
+    *path = files::taken_text(g_filename_from_uri(text.c_str(), nullptr, nullptr));
+    return path->empty() ? static_cast<OSErr>(errAECoercionFail) : static_cast<OSErr>(noErr);
 }
 
 OSErr read_items(const AppleEvent* event, AEKeyword keyword, std::vector<std::string>* paths) {

@@ -1,3 +1,5 @@
+#include <host/glib_owners.h>
+
 #include <algorithm>
 #include <initializer_list>
 
@@ -12,8 +14,7 @@ constexpr int times_to_ask = 3;
 constexpr int looks_until_gone = 100, microseconds_between_looks = 20000;
 
 std::string uri_of(const std::string& path) {
-    g_autofree char* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    return uri ? uri : "";
+    return files::taken_text(g_filename_to_uri(path.c_str(), nullptr, nullptr));
 }
 
 GVariant* uris_of(const std::vector<std::string>& paths) {
@@ -23,33 +24,35 @@ GVariant* uris_of(const std::vector<std::string>& paths) {
     return g_variant_builder_end(&uris);
 }
 
-GVariant* ask_bus(GDBusConnection* bus, const char* method, GVariant* arguments, GError** error) {
-    return g_dbus_connection_call_sync(
+files::VariantOwner ask_bus(GDBusConnection* bus, const char* method, GVariant* arguments,
+                            GError** error) {
+    return files::VariantOwner(g_dbus_connection_call_sync(
         bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
-        arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error);
+        arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error));
 }
 
 // The connection of its own that a service has.
 std::string connection_of(GDBusConnection* bus, const char* service, GError** error) {
-    g_autoptr(GVariant) owner = ask_bus(bus, "GetNameOwner", g_variant_new("(s)", service), error);
+    const files::VariantOwner owner =
+        ask_bus(bus, "GetNameOwner", g_variant_new("(s)", service), error);
     const char* name = "";
-    if (owner) g_variant_get(owner, "(&s)", &name);
+    if (owner) g_variant_get(owner.get(), "(&s)", &name);
     return name;
 }
 
 std::string connect(GDBusConnection* bus, const char* service, GError** error) {
     const std::string running = connection_of(bus, service, nullptr);
     if (!running.empty()) return running;
-    g_autoptr(GVariant) started =
+    const files::VariantOwner started =
         ask_bus(bus, "StartServiceByName", g_variant_new("(su)", service, 0u), error);
     return started ? connection_of(bus, service, error) : "";
 }
 
 bool is_connected(GDBusConnection* bus, const std::string& connection) {
-    g_autoptr(GVariant) answer =
+    const files::VariantOwner answer =
         ask_bus(bus, "NameHasOwner", g_variant_new("(s)", connection.c_str()), nullptr);
     gboolean is = FALSE;
-    if (answer) g_variant_get(answer, "(b)", &is);
+    if (answer) g_variant_get(answer.get(), "(b)", &is);
     return is;
 }
 
@@ -88,11 +91,11 @@ bool was_ending(GDBusConnection* bus, const std::string& connection, const GErro
 bool takes(GDBusConnection* bus, const std::string& connection, const DesktopManager& manager,
            const DesktopManager::Method& method, const operations::Request& request,
            GError** error) {
-    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+    const files::VariantOwner answer(g_dbus_connection_call_sync(
         bus, connection.c_str(), manager.object, method.interface, method.name,
         manager.arguments(request.kind, uris_of(request.sources),
                           uri_of(request.destination).c_str()),
-        nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error);
+        nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error));
     return answer != nullptr;
 }
 
@@ -103,18 +106,18 @@ Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
     const auto* method = std::find_if(std::begin(manager.methods), std::end(manager.methods),
                                       [&](const auto& one) { return one.kind == request.kind; });
     if (method == std::end(manager.methods)) return Handover::absent;
-    g_autoptr(GError) error = nullptr;
+    files::ErrorPlace error;
     for (int time = 0; time < times_to_ask; time++) {
-        g_clear_error(&error);
-        const std::string connection = connect(bus, manager.service, &error);
-        if (!connection.empty() && takes(bus, connection, manager, *method, request, &error)) {
+        const std::string connection = connect(bus, manager.service, error.place());
+        if (!connection.empty() &&
+            takes(bus, connection, manager, *method, request, error.place())) {
             return Handover::taken;
         }
-        if (!was_ending(bus, connection, error)) break;
+        if (!was_ending(bus, connection, error.get())) break;
     }
-    if (is_absence(error)) return Handover::absent;
-    g_dbus_error_strip_remote_error(error);
+    if (is_absence(error.get())) return Handover::absent;
+    g_dbus_error_strip_remote_error(error.get());
     *reason = std::string("the file manager (") + manager.service +
-              ") did not take it: " + error->message;
+              ") did not take it: " + error.get()->message;
     return Handover::refused;
 }

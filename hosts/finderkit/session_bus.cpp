@@ -1,5 +1,6 @@
 #include "finderkit/session_bus.h"
 
+#include <host/glib_owners.h>
 #include <host/session_bus.h>
 
-GDBusConnection* ConnectToSessionBus() { return files::session_bus(); }
+files::ObjectOwner<GDBusConnection> ConnectToSessionBus() { return files::session_bus(); }

@@ -1,8 +1,8 @@
 // The desktop's session bus.
 #pragma once
 
+#include <host/glib_owners.h>
 #include <gio/gio.h>
 
-// A connection, which the caller owns; null where there is no bus, or none that
-// answers. None is started. Any thread.
-GDBusConnection* ConnectToSessionBus();
+// A connection; null where there is no bus, or none that answers. None is started. Any thread.
+files::ObjectOwner<GDBusConnection> ConnectToSessionBus();

@@ -1,5 +1,6 @@
 #include "popup/file_actions.h"
 
+#include <host/glib_owners.h>
 #include <host/session_bus.h>
 #include <gio/gio.h>
 
@@ -18,16 +19,8 @@ namespace {
 
 constexpr int milliseconds_to_show = 15000;
 
-// A GError that is cleared when it goes.
-struct Failure {
-    GError* error = nullptr;
-    ~Failure() { g_clear_error(&error); }
-    std::string text() const { return error ? error->message : "unknown reason"; }
-};
-
 std::string uri_of(const std::string& path) {
-    g_autofree char* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    return uri ? uri : "";
+    return files::taken_text(g_filename_to_uri(path.c_str(), nullptr, nullptr));
 }
 
 // The listener hears of a failure.
@@ -63,16 +56,15 @@ std::string safe_to_paste(const std::string& path) {
 }
 
 bool ask_file_manager(const std::vector<std::string>& files) {
-    Failure failure;
-    g_autoptr(GDBusConnection) bus = ConnectToSessionBus();
+    const ::files::ObjectOwner<GDBusConnection> bus = ConnectToSessionBus();
     if (!bus) return false;
     GVariantBuilder uris;
     g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
     for (const std::string& file : files) g_variant_builder_add(&uris, "s", uri_of(file).c_str());
-    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
-        bus, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+    const ::files::VariantOwner answer(g_dbus_connection_call_sync(
+        bus.get(), "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
         "org.freedesktop.FileManager1", "ShowItems", g_variant_new("(ass)", &uris, ""), nullptr,
-        G_DBUS_CALL_FLAGS_NONE, milliseconds_to_show, nullptr, &failure.error);
+        G_DBUS_CALL_FLAGS_NONE, milliseconds_to_show, nullptr, nullptr));
     return answer != nullptr;
 }
 

@@ -1,6 +1,7 @@
 // Drags of files that other programs take. GNUstep's own speak an old version of the protocol and
 // never hand the files out; and they miss a release over another program's window when the press
 // was not in a window of this one. What is dragged without files goes GNUstep's way.
+#include <host/glib_owners.h>
 #include <AppKit/AppKit.h>
 #include <host/file_drags.h>
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -27,9 +28,8 @@ std::string uri_list_of(NSPasteboard* pasteboard) {
     if (![files isKindOfClass:[NSArray class]]) return list;
     for (NSString* file in files) {
         const char* path = [file fileSystemRepresentation];
-        char* uri = path ? g_filename_to_uri(path, nullptr, nullptr) : nullptr;
-        if (uri) list.append(uri).append("\r\n");
-        g_free(uri);
+        const files::TextOwner uri(path ? g_filename_to_uri(path, nullptr, nullptr) : nullptr);
+        if (uri) list.append(uri.get()).append("\r\n");
     }
     return list;
 }

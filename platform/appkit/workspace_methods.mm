@@ -1,5 +1,6 @@
 // Opening files without GNUstep's workspace program, which may be started for it and keeps the
 // caller waiting.
+#include <host/glib_owners.h>
 #include <AppKit/AppKit.h>
 
 #include <glib.h>
@@ -19,10 +20,7 @@ std::string path_bytes(NSString* path) {
     const char* text = [path UTF8String];
     if (!text) return "";
     if (!g_str_has_prefix(text, "file:")) return text;
-    char* name = g_filename_from_uri(text, nullptr, nullptr);
-    const std::string bytes = name ? name : "";
-    g_free(name);
-    return bytes;
+    return files::taken_text(g_filename_from_uri(text, nullptr, nullptr));
 }
 
 namespace {

@@ -1,5 +1,6 @@
 #include "carbon/apple_event_values.h"
 
+#include <host/glib_owners.h>
 #include <string.h>
 
 #include <algorithm>
@@ -77,9 +78,9 @@ OSErr make_alias(const std::string& path, Value* result) {
 }
 
 OSErr make_url(const std::string& path, Value* result) {
-    g_autofree char* url = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    if (!url) return errAECoercionFail;
-    *result = make_value(typeFileURL, url, static_cast<Size>(strlen(url)));
+    const std::string url = files::taken_text(g_filename_to_uri(path.c_str(), nullptr, nullptr));
+    if (url.empty()) return errAECoercionFail;
+    *result = make_value(typeFileURL, url.data(), static_cast<Size>(url.size()));
     return noErr;
 }
 

@@ -1,4 +1,5 @@
 // LSOpenFromRefSpec: opening documents with a chosen application.
+#include <host/glib_owners.h>
 #include <Carbon/LaunchServices.h>
 
 #include <stdlib.h>
@@ -8,7 +9,6 @@
 #include "carbon/entries_of_files.h"
 #include "carbon/file_references.h"
 #include "desktop/bundle_names.h"
-#include "desktop/glib_owners.h"
 #include "desktop/open_failures.h"
 #include "desktop/open_file.h"
 #include "desktop/program_launch.h"

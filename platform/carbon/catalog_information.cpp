@@ -1,3 +1,4 @@
+#include <host/glib_owners.h>
 #include <Carbon/Files.h>
 
 #include <glib.h>
@@ -38,15 +39,14 @@ void fill_finder_info(File& file, FSCatalogInfo* info) {
 
 OSErr fill_name(const File& file, HFSUniStr255* name) {
     glong units;
-    gunichar2* text = g_utf8_to_utf16(file.name(), static_cast<glong>(file.name_length()), nullptr,
-                                      &units, nullptr);
+    const std::unique_ptr<gunichar2, files::Release<g_free>> text(g_utf8_to_utf16(
+        file.name(), static_cast<glong>(file.name_length()), nullptr, &units, nullptr));
     if (!text) return bdNamErr;
     const bool fits = units <= 255;
     if (fits) {
         name->length = static_cast<UInt16>(units);
-        memcpy(name->unicode, text, static_cast<size_t>(units) * sizeof *text);
+        memcpy(name->unicode, text.get(), static_cast<size_t>(units) * sizeof *text);
     }
-    g_free(text);
     return fits ? noErr : bdNamErr;
 }
 

@@ -1,11 +1,11 @@
 #include "carbon/link_targets.h"
 
+#include <host/glib_owners.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include "carbon/file_references.h"
-#include "desktop/glib_owners.h"
 
 namespace files {
 

@@ -2,6 +2,7 @@
 
 #import <Foundation/Foundation.h>
 
+#include <host/glib_owners.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -10,7 +11,6 @@
 #include <vector>
 
 #include "corefoundation/property_lists.h"
-#include "desktop/glib_owners.h"
 #include "desktop/installed_applications.h"
 #include "desktop/small_files.h"
 

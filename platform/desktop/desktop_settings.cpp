@@ -1,5 +1,6 @@
 #include "desktop/desktop_settings.h"
 
+#include <host/glib_owners.h>
 #include <glib.h>
 #include <stdlib.h>
 #include <string.h>
@@ -8,7 +9,6 @@
 #include <cmath>
 #include <sstream>
 
-#include "desktop/glib_owners.h"
 #include "desktop/settings_database.h"
 #include "desktop/small_files.h"
 #include "x11/shared_settings.h"
@@ -48,8 +48,7 @@ std::string value_in(const char* file, const char* group, const char* key) {
     if (file == kde_file) content = without_marks(content);
     const files::KeyFileOwner keys(g_key_file_new());
     g_key_file_load_from_data(keys.get(), content.data(), content.size(), G_KEY_FILE_NONE, nullptr);
-    const files::TextOwner text(g_key_file_get_string(keys.get(), group, key, nullptr));
-    return text ? text.get() : "";
+    return files::taken_text(g_key_file_get_string(keys.get(), group, key, nullptr));
 }
 
 std::string in_database(const char* key) {

@@ -1,5 +1,6 @@
 #include "desktop/entry_file.h"
 
+#include <host/glib_owners.h>
 #include <host/offered_entries.h>
 #include <gio/gdesktopappinfo.h>
 #include <sys/stat.h>
@@ -8,7 +9,6 @@
 #include <optional>
 #include <unordered_map>
 
-#include "desktop/glib_owners.h"
 #include "desktop/small_files.h"
 
 namespace files {
@@ -18,15 +18,13 @@ namespace {
 const size_t largest_entry = 256 * 1024, most_kept = 1024;
 
 std::string text_of(GKeyFile* keys, const char* key) {
-    const TextOwner text(g_key_file_get_string(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr));
-    return text ? text.get() : "";
+    return taken_text(g_key_file_get_string(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr));
 }
 
 // In the user's language.
 std::string own_text_of(GKeyFile* keys, const char* key) {
-    const TextOwner text(
+    return taken_text(
         g_key_file_get_locale_string(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr, nullptr));
-    return text ? text.get() : "";
 }
 
 bool flag_of(GKeyFile* keys, const char* key) {

@@ -1,10 +1,10 @@
 #include "desktop/icon_names.h"
 
+#include <host/glib_owners.h>
 #include <gio/gio.h>
 #include <sys/stat.h>
 
 #include "desktop/desktop_entries.h"
-#include "desktop/glib_owners.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "desktop/icon_theme.h"
 
+#include <host/glib_owners.h>
 #include <dirent.h>
 #include <glib.h>
 #include <limits.h>
@@ -11,7 +12,6 @@
 #include <unordered_map>
 
 #include "desktop/desktop_settings.h"
-#include "desktop/glib_owners.h"
 #include "desktop/small_files.h"
 
 namespace {
@@ -33,9 +33,7 @@ class Index {
     explicit operator bool() const { return keys_ != nullptr; }
 
     std::string text(const std::string& group, const char* key) const {
-        const files::TextOwner value(
-            g_key_file_get_string(keys_.get(), group.c_str(), key, nullptr));
-        return value ? value.get() : "";
+        return files::taken_text(g_key_file_get_string(keys_.get(), group.c_str(), key, nullptr));
     }
     int number(const std::string& group, const char* key, int otherwise) const {
         const std::string value = text(group, key);

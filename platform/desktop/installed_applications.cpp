@@ -1,5 +1,6 @@
 #include "desktop/installed_applications.h"
 
+#include <host/glib_owners.h>
 #include <host/process.h>
 
 #include <dirent.h>
@@ -13,7 +14,6 @@
 #include <unordered_set>
 
 #include "desktop/entry_file.h"
-#include "desktop/glib_owners.h"
 #include "desktop/moments.h"
 
 namespace files {

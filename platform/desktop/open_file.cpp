@@ -1,12 +1,12 @@
 #include "desktop/open_file.h"
 
+#include <host/glib_owners.h>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 
 #include "desktop/desktop_entries.h"
-#include "desktop/glib_owners.h"
 #include "desktop/open_failures.h"
 #include "desktop/program_launch.h"
 

@@ -1,5 +1,6 @@
 #include "desktop/program_launch.h"
 
+#include <host/glib_owners.h>
 #include <host/opening_files.h>
 #include <host/session_bus.h>
 #include <gio/gdesktopappinfo.h>
@@ -8,8 +9,6 @@
 
 #include <map>
 #include <optional>
-
-#include "desktop/glib_owners.h"
 
 namespace {
 

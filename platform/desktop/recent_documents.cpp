@@ -1,12 +1,12 @@
 #include "desktop/recent_documents.h"
 
+#include <host/glib_owners.h>
 #include <glib.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <unordered_set>
 
-#include "desktop/glib_owners.h"
 #include "desktop/installed_applications.h"
 #include "desktop/small_files.h"
 
@@ -60,16 +60,15 @@ void add_use(GBookmarkFile* bookmarks, const char* address, const char* name,
 
 std::vector<Use> uses_in(GBookmarkFile* bookmarks) {
     std::vector<Use> uses;
-    char** addresses = g_bookmark_file_get_uris(bookmarks, nullptr);
-    for (char** address = addresses; *address; address++) {
+    const TextsOwner addresses(g_bookmark_file_get_uris(bookmarks, nullptr));
+    for (char** address = addresses.get(); *address; address++) {
         if (!g_str_has_prefix(*address, "file:")) continue;
-        char** names = g_bookmark_file_get_applications(bookmarks, *address, nullptr, nullptr);
-        for (char** name = names; name && *name; name++) {
+        const TextsOwner names(
+            g_bookmark_file_get_applications(bookmarks, *address, nullptr, nullptr));
+        for (char** name = names.get(); name && *name; name++) {
             add_use(bookmarks, *address, *name, &uses);
         }
-        g_strfreev(names);
     }
-    g_strfreev(addresses);
     std::stable_sort(uses.begin(), uses.end(),
                      [](const Use& one, const Use& other) { return one.used_at > other.used_at; });
     return uses;

@@ -1,3 +1,4 @@
+#include <host/glib_owners.h>
 #include <host/session_bus.h>
 #include <gio/gio.h>
 
@@ -18,7 +19,7 @@ const std::chrono::seconds pause_after_failure{10};
 // Cancels what it is given to when time is up.
 class Deadline {
   public:
-    Deadline() : cancellable_(g_cancellable_new()), thread_([this] { wait(); }) {}
+    Deadline() : thread_([this] { wait(); }) {}
     ~Deadline() {
         {
             const std::lock_guard guard(lock_);
@@ -26,22 +27,21 @@ class Deadline {
         }
         changed_.notify_one();
         thread_.join();
-        g_object_unref(cancellable_);
     }
     Deadline(const Deadline&) = delete;
     Deadline& operator=(const Deadline&) = delete;
 
-    GCancellable* cancellable() const { return cancellable_; }
+    GCancellable* cancellable() const { return cancellable_.get(); }
 
   private:
     void wait() {
         std::unique_lock guard(lock_);
         const bool in_time = changed_.wait_for(guard, std::chrono::milliseconds(bus_patience),
                                                [this] { return is_over_; });
-        if (!in_time) g_cancellable_cancel(cancellable_);
+        if (!in_time) g_cancellable_cancel(cancellable_.get());
     }
 
-    GCancellable* const cancellable_;
+    const ObjectOwner<GCancellable> cancellable_{g_cancellable_new()};
     std::mutex lock_;
     std::condition_variable changed_;
     bool is_over_ = false;
@@ -63,24 +63,24 @@ Bus& bus() {
 // To ask GIO for a bus that is not there would start one.
 bool is_there() {
     const char* address = g_getenv(address_name);
-    g_autofree char* socket = g_build_filename(g_get_user_runtime_dir(), "bus", nullptr);
-    return (address && *address) || g_file_test(socket, G_FILE_TEST_EXISTS);
+    const TextOwner socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
+    return (address && *address) || g_file_test(socket.get(), G_FILE_TEST_EXISTS);
 }
 
-GDBusConnection* connect() {
+ObjectOwner<GDBusConnection> connect() {
     const Deadline deadline;
-    GDBusConnection* connection =
-        g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), nullptr);
+    ObjectOwner<GDBusConnection> connection(
+        g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), nullptr));
     // The end of the session is no reason to end a file manager in the middle of its work.
-    if (connection) g_dbus_connection_set_exit_on_close(connection, FALSE);
+    if (connection) g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
     return connection;
 }
 
 bool answers(GDBusConnection* connection) {
     if (g_dbus_connection_is_closed(connection)) return false;
-    g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
+    const VariantOwner answer(g_dbus_connection_call_sync(
         connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-        "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, bus_patience, nullptr, nullptr);
+        "GetId", nullptr, nullptr, G_DBUS_CALL_FLAGS_NONE, bus_patience, nullptr, nullptr));
     return answer != nullptr;
 }
 
@@ -99,12 +99,12 @@ bool failed_lately(const Bus& bus) {
 }  // namespace
 
 // Nothing is kept: GIO hands out one that has been closed for as long as anybody holds it.
-GDBusConnection* session_bus() {
+ObjectOwner<GDBusConnection> session_bus() {
     const std::lock_guard guard(bus().lock);
     follow_address(bus());
     if (failed_lately(bus()) || !is_there()) return nullptr;
-    GDBusConnection* connection = connect();
-    if (connection && !answers(connection)) g_clear_object(&connection);
+    ObjectOwner<GDBusConnection> connection = connect();
+    if (connection && !answers(connection.get())) connection.reset();
     bus().has_failed = !connection;
     bus().failed_at = Clock::now();
     bus().is_used = bus().is_used || connection;
@@ -116,10 +116,10 @@ void flush_session_bus() {
         const std::lock_guard guard(bus().lock);
         if (!bus().is_used) return;
     }
-    g_autoptr(GDBusConnection) connection = session_bus();
+    const ObjectOwner<GDBusConnection> connection = session_bus();
     if (!connection) return;
     const Deadline deadline;
-    g_dbus_connection_flush_sync(connection, deadline.cancellable(), nullptr);
+    g_dbus_connection_flush_sync(connection.get(), deadline.cancellable(), nullptr);
 }
 
 PatientBus::PatientBus() : connection_(session_bus()) {
@@ -132,7 +132,6 @@ PatientBus::PatientBus() : connection_(session_bus()) {
 }
 
 PatientBus::~PatientBus() {
-    if (connection_) g_object_unref(connection_);
     if (!is_hidden_) return;
     if (was_set_) {
         g_setenv(address_name, address_.c_str(), TRUE);

@@ -1,12 +1,12 @@
 #include "desktop/settings_database.h"
 
+#include <host/glib_owners.h>
 #include <glib.h>
 #include <stdint.h>
 #include <string.h>
 
 #include <string_view>
 
-#include "desktop/glib_owners.h"
 #include "desktop/small_files.h"
 
 namespace files {
@@ -101,8 +101,6 @@ class Database {
     const std::string& content_;
     uint64_t items_at_ = 0, items_ = 0;
 };
-
-using VariantOwner = std::unique_ptr<GVariant, Release<g_variant_unref>>;
 
 // GLib checks what it is not told to trust.
 std::string text_of(std::string_view value) {

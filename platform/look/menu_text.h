@@ -1,19 +1,16 @@
 // Titles and paragraphs as laid-out text. Main thread.
 #pragma once
 
+#include <host/glib_owners.h>
 #include <pango/pangocairo.h>
 
-#include <memory>
 #include <string>
 
 #include "look/menu_look.h"
 
 @class NSMenuItem, NSString;
 
-struct unref_layout_t {
-    void operator()(PangoLayout* layout) const { g_object_unref(layout); }
-};
-typedef std::unique_ptr<PangoLayout, unref_layout_t> text_t;
+typedef files::ObjectOwner<PangoLayout> text_t;
 
 // UTF-8 of a title on one line: what would break the line, hide or reorder the text is replaced by
 // a visible sign, character for character; a title of many thousands is cut in its middle.

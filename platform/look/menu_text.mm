@@ -63,10 +63,9 @@ void make_visible(std::vector<unichar>* text) {
 std::string utf8(const std::vector<unichar>& text) {
     if (text.empty()) return std::string();
     glong length = 0;
-    gchar* converted = g_utf16_to_utf8(text.data(), text.size(), nullptr, &length, nullptr);
-    std::string result(converted ? converted : "", converted ? length : 0);
-    g_free(converted);
-    return result;
+    const files::TextOwner converted(
+        g_utf16_to_utf8(text.data(), text.size(), nullptr, &length, nullptr));
+    return converted ? std::string(converted.get(), length) : std::string();
 }
 
 std::vector<unichar> characters(NSString* title) {
@@ -155,14 +154,12 @@ PangoAttrList* attributes(const menu_look_t& look, NSAttributedString* title,
 std::string visible_title(NSString* title) { return utf8(characters(title)); }
 
 std::string folded(const std::string& text) {
-    gchar* lower = g_utf8_casefold(text.data(), text.size());
-    gchar* apart = g_utf8_normalize(lower, -1, G_NORMALIZE_ALL);
+    const files::TextOwner lower(g_utf8_casefold(text.data(), text.size()));
+    const files::TextOwner apart(g_utf8_normalize(lower.get(), -1, G_NORMALIZE_ALL));
     std::string result;
-    for (const gchar* at = apart; at && *at; at = g_utf8_next_char(at)) {
+    for (const gchar* at = apart.get(); at && *at; at = g_utf8_next_char(at)) {
         if (!g_unichar_ismark(g_utf8_get_char(at))) result.append(at, g_utf8_next_char(at) - at);
     }
-    g_free(apart);
-    g_free(lower);
     return result;
 }
 

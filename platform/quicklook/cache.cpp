@@ -1,5 +1,6 @@
 #include "quicklook/cache.h"
 
+#include <host/glib_owners.h>
 #include <fcntl.h>
 #include <glib.h>
 #include <stdlib.h>
@@ -31,17 +32,12 @@ const int64_t settled_after = 3;
 std::string cache_folder() { return std::string(g_get_user_cache_dir()) + "/thumbnails"; }
 
 std::string uri_of(const std::string& path) {
-    gchar* text = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    const std::string uri = text ? text : "";
-    g_free(text);
-    return uri;
+    return files::taken_text(g_filename_to_uri(path.c_str(), nullptr, nullptr));
 }
 
 std::string entry_name(const std::string& uri) {
-    gchar* sum = g_compute_checksum_for_string(G_CHECKSUM_MD5, uri.c_str(), -1);
-    const std::string name = std::string(sum) + ".png";
-    g_free(sum);
-    return name;
+    return files::taken_text(g_compute_checksum_for_string(G_CHECKSUM_MD5, uri.c_str(), -1)) +
+           ".png";
 }
 
 bool says(const PngTexts& texts, const char* key, int64_t value) {

@@ -1,5 +1,6 @@
 #include "quicklook/file_kind.h"
 
+#include <host/glib_owners.h>
 #include <gio/gio.h>
 
 #include "quicklook/thumbnailers.h"
@@ -9,9 +10,9 @@ namespace thumbnails {
 std::string type_by_name(const std::string& path) {
     gboolean uncertain = FALSE;
     const std::string name = path.substr(path.rfind('/') + 1);
-    gchar* guess = g_content_type_guess(name.c_str(), nullptr, 0, &uncertain);
-    const std::string type = guess && !uncertain ? guess : "";
-    g_free(guess);
+    const std::string guess =
+        files::taken_text(g_content_type_guess(name.c_str(), nullptr, 0, &uncertain));
+    const std::string type = uncertain ? "" : guess;
     return type == "application/octet-stream" ? "" : type;
 }
 

@@ -1,5 +1,6 @@
 #include "quicklook/png_file.h"
 
+#include <host/glib_owners.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <string.h>
 
@@ -10,10 +11,6 @@
 namespace thumbnails {
 
 namespace {
-
-struct Unref {
-    void operator()(void* object) const { g_object_unref(object); }
-};
 
 const char signature[] = "\x89PNG\r\n\x1a\n";
 const size_t signature_size = 8;
@@ -118,7 +115,7 @@ std::optional<PngHead> png_head(const std::string& file) {
 
 Picture decode_png(const std::string& file) {
     const std::string pixels = only_pixels(file);
-    const std::unique_ptr<GdkPixbufLoader, Unref> loader(
+    const files::ObjectOwner<GdkPixbufLoader> loader(
         gdk_pixbuf_loader_new_with_type("png", nullptr));
     if (!loader || pixels.empty()) return {};
     const bool read = gdk_pixbuf_loader_write(
@@ -131,7 +128,7 @@ Picture decode_png(const std::string& file) {
 std::string encode_png(const Picture& picture, const PngTexts& texts) {
     const bool opaque = is_opaque(picture);
     const std::vector<uint8_t> pixels = opaque ? without_alpha(picture) : picture.pixels;
-    const std::unique_ptr<GdkPixbuf, Unref> pixbuf(gdk_pixbuf_new_from_data(
+    const files::ObjectOwner<GdkPixbuf> pixbuf(gdk_pixbuf_new_from_data(
         pixels.data(), GDK_COLORSPACE_RGB, !opaque, 8, picture.width, picture.height,
         picture.width * (opaque ? 3 : 4), nullptr, nullptr));
     std::vector<std::string> names;
@@ -143,13 +140,10 @@ std::string encode_png(const Picture& picture, const PngTexts& texts) {
     values.push_back(nullptr);
     gchar* bytes = nullptr;
     gsize size = 0;
-    std::string file;
-    if (gdk_pixbuf_save_to_bufferv(pixbuf.get(), &bytes, &size, "png", keys.data(), values.data(),
-                                   nullptr)) {
-        file.assign(bytes, size);
-    }
-    g_free(bytes);
-    return file;
+    const bool saved = gdk_pixbuf_save_to_bufferv(pixbuf.get(), &bytes, &size, "png", keys.data(),
+                                                  values.data(), nullptr);
+    const files::TextOwner owner(bytes);
+    return saved ? std::string(bytes, size) : std::string();
 }
 
 }  // namespace thumbnails

@@ -1,5 +1,6 @@
 #include "quicklook/thumbnail_maker.h"
 
+#include <host/glib_owners.h>
 #include <glib.h>
 #include <sys/stat.h>
 
@@ -42,10 +43,7 @@ std::optional<Subject> look_at(const std::string& path, double seconds) {
 
 // Other programs' entries of the cache go by this form of a path.
 std::string canonical(const std::string& path) {
-    gchar* text = g_canonicalize_filename(path.c_str(), "/");
-    const std::string canonical = text;
-    g_free(text);
-    return canonical;
+    return files::taken_text(g_canonicalize_filename(path.c_str(), "/"));
 }
 
 const char* mode_of(Route route) {

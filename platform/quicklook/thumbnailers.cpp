@@ -1,5 +1,6 @@
 #include "quicklook/thumbnailers.h"
 
+#include <host/glib_owners.h>
 #include <dirent.h>
 #include <glib.h>
 #include <string.h>
@@ -42,28 +43,22 @@ std::vector<std::string> folders() {
 }
 
 std::string text_of(GKeyFile* keys, const char* key) {
-    gchar* value = g_key_file_get_string(keys, "Thumbnailer Entry", key, nullptr);
-    const std::string text = value ? value : "";
-    g_free(value);
-    return text;
+    return files::taken_text(g_key_file_get_string(keys, "Thumbnailer Entry", key, nullptr));
 }
 
 // Empty when there is no such program.
 std::string program_path(const std::string& name) {
-    gchar* found = name.empty() ? nullptr : g_find_program_in_path(name.c_str());
-    const std::string path = found ? found : "";
-    g_free(found);
-    return path;
+    return name.empty() ? name : files::taken_text(g_find_program_in_path(name.c_str()));
 }
 
 Command command_of(GKeyFile* keys) {
     const std::string needed = text_of(keys, "TryExec");
     if (!needed.empty() && program_path(needed).empty()) return {};
-    gchar** words = nullptr;
+    gchar** parsed = nullptr;
+    if (!g_shell_parse_argv(text_of(keys, "Exec").c_str(), nullptr, &parsed, nullptr)) return {};
+    const files::TextsOwner words(parsed);
     Command command;
-    if (!g_shell_parse_argv(text_of(keys, "Exec").c_str(), nullptr, &words, nullptr)) return {};
-    for (gchar** word = words; *word; word++) command.push_back(*word);
-    g_strfreev(words);
+    for (gchar** word = words.get(); *word; word++) command.push_back(*word);
     command.front() = program_path(command.front());
     return command.front().empty() ? Command{} : command;
 }
@@ -71,18 +66,17 @@ Command command_of(GKeyFile* keys) {
 void add_entry(Registry& registry, const std::string& path) {
     const std::optional<std::string> content = read_plain_file(path, largest_entry);
     if (!content) return;
-    GKeyFile* keys = g_key_file_new();
-    if (g_key_file_load_from_data(keys, content->data(), content->size(), G_KEY_FILE_NONE,
-                                  nullptr)) {
-        const Command command = command_of(keys);
-        gchar** types =
-            g_key_file_get_string_list(keys, "Thumbnailer Entry", "MimeType", nullptr, nullptr);
-        for (gchar** type = command.empty() ? nullptr : types; type && *type; type++) {
-            registry.commands.emplace(*type, command);  // the first one stays
-        }
-        g_strfreev(types);
+    const files::KeyFileOwner keys(g_key_file_new());
+    if (!g_key_file_load_from_data(keys.get(), content->data(), content->size(), G_KEY_FILE_NONE,
+                                   nullptr)) {
+        return;
     }
-    g_key_file_free(keys);
+    const Command command = command_of(keys.get());
+    const files::TextsOwner types(
+        g_key_file_get_string_list(keys.get(), "Thumbnailer Entry", "MimeType", nullptr, nullptr));
+    for (gchar** type = command.empty() ? nullptr : types.get(); type && *type; type++) {
+        registry.commands.emplace(*type, command);  // the first one stays
+    }
 }
 
 // A file's name stands for it: one in the user's folder hides the system's of the same name.

@@ -243,8 +243,8 @@ TEST_F(DesktopCarrier, OneThatRunsComesFirst) {
     const test::SessionBus bus;
     test::BusService thunar(bus, thunar_name, thunar_object, thunar_interfaces);
     test::BusService nautilus(bus, nautilus_name, nautilus_object, nautilus_interfaces);
-    g_autoptr(GDBusConnection) connection = ConnectToSessionBus();
-    const auto managers = ManagersOnBus(connection);
+    const files::ObjectOwner<GDBusConnection> connection = ConnectToSessionBus();
+    const auto managers = ManagersOnBus(connection.get());
     ASSERT_EQ(managers.size(), 2u);
     EXPECT_STREQ(managers[0]->service, thunar_name);
 }

@@ -2,6 +2,8 @@
 // answers must hold nobody. Not a Mac interface. Any thread.
 #pragma once
 
+#include <host/glib_owners.h>
+
 #include <string>
 
 // GIO's.
@@ -13,10 +15,10 @@ namespace files {
 // How long the bus itself may take to answer, in milliseconds. What its services take is theirs.
 inline constexpr int bus_patience = 500;
 
-// The connection of this process, which the caller owns; null where there is no bus (none is
+// The connection of this process; null where there is no bus (none is
 // started), and where it does not answer. It is asked each time; one that has failed is left alone
 // for a while.
-GDBusConnection* session_bus();
+ObjectOwner<GDBusConnection> session_bus();
 
 // Sends what is still on its way, if anything has asked for the bus at all.
 void flush_session_bus();
@@ -34,7 +36,7 @@ class PatientBus {
     void pass_on(GAppLaunchContext* context) const;
 
   private:
-    GDBusConnection* const connection_;  // GIO finds it, too
+    const ObjectOwner<GDBusConnection> connection_;  // GIO finds it, too
     bool is_hidden_ = false, was_set_ = false;
     std::string address_;
 };

@@ -1,6 +1,7 @@
 // Decodes the image of file_descriptor with gdk-pixbuf, scaled while loading:
 //   delvio-decode-image CAGE WIDTH HEIGHT NAME
 // CAGE is bubblewrap or plain. Without more arguments it only says that it has started.
+#include <host/glib_owners.h>
 #include <errno.h>
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gio/gio.h>
@@ -31,10 +32,9 @@ struct Size {
 
 bool holds_all_pixels(GdkPixbufLoader* loader) {
     GdkPixbufFormat* format = gdk_pixbuf_loader_get_format(loader);
-    gchar* name = format ? gdk_pixbuf_format_get_name(format) : nullptr;
-    const bool reduces = g_strcmp0(name, "jpeg") == 0 || g_strcmp0(name, "svg") == 0;
-    g_free(name);
-    return !reduces;
+    const std::string name =
+        files::taken_text(format ? gdk_pixbuf_format_get_name(format) : nullptr);
+    return name != "jpeg" && name != "svg";
 }
 
 void size_known(GdkPixbufLoader* loader, int width, int height, gpointer data) {
@@ -132,11 +132,8 @@ void write_unsupported(const std::string& type) {
 }
 
 std::string guess(const char* name, const std::vector<char>& start) {
-    gchar* guess = g_content_type_guess(name, reinterpret_cast<const guchar*>(start.data()),
-                                        start.size(), nullptr);
-    const std::string type = guess ? guess : "";
-    g_free(guess);
-    return type;
+    return files::taken_text(g_content_type_guess(
+        name, reinterpret_cast<const guchar*>(start.data()), start.size(), nullptr));
 }
 
 // Names may lie: they count only where the content says nothing.

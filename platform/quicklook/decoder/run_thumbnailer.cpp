@@ -2,6 +2,7 @@
 //   delvio-run-thumbnailer WIDTH HEIGHT INPUT OUTPUT-FOLDER SECONDS PROGRAM [ARGUMENT...]
 // Without an output folder, which a cage has, it makes one and removes it. Without arguments it
 // only says that it has started.
+#include <host/glib_owners.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <glib.h>
@@ -36,10 +37,7 @@ struct Job {
 };
 
 std::string uri_of(const std::string& path) {
-    gchar* uri = g_filename_to_uri(path.c_str(), nullptr, nullptr);
-    const std::string text = uri ? uri : "";
-    g_free(uri);
-    return text;
+    return files::taken_text(g_filename_to_uri(path.c_str(), nullptr, nullptr));
 }
 
 std::string expanded(const char* word, const Job& job) {
