@@ -289,13 +289,13 @@ TEST_F(MenuStorage, AMenuThatHasNoItemsIsOneAllocation) {
     const int count = 1000;
     NSMutableArray* menus = [NSMutableArray arrayWithCapacity:count];
     [menus addObject:menu()];
-    const long before = test::heap_bytes();
+    const size_t before = test::memory_in_use();
     for (int i = 1; i < count; i++) {
         NSMenu* made = [[NSMenu alloc] initWithTitle:@"title"];
         [menus addObject:made];
         [made release];
     }
-    const long of_each = (test::heap_bytes() - before) / count;
+    const size_t of_each = (test::memory_in_use() - before) / count;
     EXPECT_LE(of_each, static_cast<long>(class_getInstanceSize([NSMenu class])) + 48);
     EXPECT_GE(of_each, static_cast<long>(class_getInstanceSize([NSMenu class])) - 8);
 }
@@ -316,7 +316,7 @@ TEST_F(MenuStorage, AMenuThatHasNoItemsIsOneAllocation) {
 
 // The sanitizer's allocator keeps what was freed for a while.
 static long private_kilobytes() {
-    if (test::has_sanitizers_heap()) return test::heap_bytes() / 1024;
+    if (test::has_sanitizers_heap()) return test::memory_in_use() / 1024;
     std::ifstream file("/proc/self/smaps_rollup");
     std::string line;
     while (std::getline(file, line)) {

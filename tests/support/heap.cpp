@@ -7,8 +7,10 @@ extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak)
 
 namespace test {
 
+bool has_sanitizers_heap() { return __sanitizer_get_current_allocated_bytes != nullptr; }
+
 size_t memory_in_use() {
-    if (__sanitizer_get_current_allocated_bytes) return __sanitizer_get_current_allocated_bytes();
+    if (has_sanitizers_heap()) return __sanitizer_get_current_allocated_bytes();
     const struct mallinfo2 heap = mallinfo2();
     return heap.uordblks + heap.hblkhd;
 }

@@ -106,12 +106,12 @@ TEST_F(Population, TheItemsOfAFileShareWhatTheyHaveInCommon) {
     const int files = 2000;
     for (int i = 0; i < files; i++) folder_.file("a/a document " + std::to_string(i) + ".txt");
     NSMenu* menu = select({path});
-    const long before = test::heap_bytes();
+    const size_t before = test::memory_in_use();
     @autoreleasepool {
         EXPECT_EQ([open(menu, "a") numberOfItems], 3 * files);
     }
     // Three items, two submenus, and of each one only: element, title, icon.
-    const long a_file = (test::heap_bytes() - before) / files;
+    const size_t a_file = (test::memory_in_use() - before) / files;
     EXPECT_GT(a_file, 800);
     EXPECT_LT(a_file, 1200);
 }
