@@ -23,7 +23,7 @@ class menu_run_t {
 
     // The innermost run, or null.
     static menu_run_t* current();
-    // Run that shows this menu, or null.
+    // A menu's items, or what they show, are others now.
     void menu_changed(NSMenu* menu);
     // The pixels of an item's image are others now, its size is not.
     void image_changed(NSImage* image);
