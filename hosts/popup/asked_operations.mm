@@ -28,21 +28,31 @@ using operations::State;
 
 std::mutex mutex;
 std::condition_variable changed;
-int running = 0;
+int unattended = 0;  // requests that have not ended; those with windows are counted there
 std::vector<Outcome> outcomes;
 bool is_attended = false;
 
-void note_end(const Report& report) {
+void note_outcomes(const Report& report) {
     const std::lock_guard guard(mutex);
     outcomes.insert(outcomes.end(), report.outcomes.begin(), report.outcomes.end());
-    running--;
-    changed.notify_all();
 }
 
 // Nobody is there to ask: names that are taken are skipped.
 class Unattended : public Observer {
+  public:
+    Unattended() {
+        const std::lock_guard guard(mutex);
+        unattended++;
+    }
+
+  private:
     bool is_cancelled() override { return CaughtSignal() != 0; }
-    void ended(const Report& report) override { note_end(report); }
+    void ended(const Report& report) override {
+        note_outcomes(report);
+        const std::lock_guard guard(mutex);
+        unattended--;
+        changed.notify_all();
+    }
 };
 
 // Somebody is, at the windows; a signal ends it as their button does.
@@ -65,15 +75,11 @@ class Attended : public Observer {
 };
 
 std::shared_ptr<Observer> observe(const Request& request, bool attended) {
-    {
-        const std::lock_guard guard(mutex);
-        running++;
-    }
     // A signal waits until what is there is whole.
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     SetSignalDescriptor(nowhere);
     if (!attended) return std::make_shared<Unattended>();
-    return std::make_shared<Attended>(operations::MakeWindowObserver(request, note_end));
+    return std::make_shared<Attended>(operations::MakeWindowObserver(request, note_outcomes));
 }
 
 bool is_for_file_manager() {
@@ -121,7 +127,7 @@ void EndAlert() {
 int FinishFileOperations() {
     operations::RunUntilOperationsEnd();
     std::unique_lock lock(mutex);
-    changed.wait(lock, [] { return running == 0; });
+    changed.wait(lock, [] { return unattended == 0; });
     int status = exit_done;
     for (const Outcome& outcome : outcomes) {
         // Whoever was asked knows what was skipped.

@@ -231,6 +231,24 @@ TEST_F(OperationWindowTest, ReplaceByMouseReplacesOne) {
     EXPECT_EQ(test::read_file(folder_.path("to/two.txt")), "old");
 }
 
+TEST_F(OperationWindowTest, APressThatIsLetGoElsewhereHitsNothing) {
+    two_taken_names();
+    const Hand press_and_leave = [this] {
+        WidgetPanel* window = shown_window();
+        const widget_t* button = widget_of(window, widget_kind_t::button, "Replace");
+        if (!button) return false;
+        const point_t at = [window middleOfItem:button->item];
+        hand_.move(at.x, at.y);
+        hand_.press(1);
+        hand_.move(at.x, at.y - 60);
+        hand_.release(1);
+        return true;
+    };
+    steps_ = {press_and_leave, [&] { return click("Stop"); }};
+    EXPECT_TRUE(copy().stopped);
+    EXPECT_EQ(test::read_file(folder_.path("to/one.txt")), "old");
+}
+
 TEST_F(OperationWindowTest, TabLeadsToReplaceAndSpaceHitsIt) {
     two_taken_names();
     const auto asks = [](const char* name) {

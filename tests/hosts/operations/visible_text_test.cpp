@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+using operations::Quoted;
+using operations::QuotedName;
 using operations::VisibleText;
+using operations::WindowName;
 
 TEST(VisibleText, ShowsOrdinaryTextAsItIs) {
     for (const char* text : {"", "notes.txt", "back\\slash \"quoted\"", "ä中😀",
@@ -42,4 +45,16 @@ TEST(VisibleText, EscapesBytesThatAreNotUtf8) {
         {"\xe2\x82z", "\\xe2\\x82z"},
     };
     for (const auto& row : rows) EXPECT_EQ(VisibleText(row.text), row.shown);
+}
+
+TEST(VisibleText, IsQuotedForTerminalsAndForWindows) {
+    EXPECT_EQ(Quoted("two\nlines"), "\"two\\nlines\"");
+    EXPECT_EQ(Quoted("/home/me"), "\"/home/me\"");
+    EXPECT_EQ(QuotedName("/home/me/notes.txt"), "\"notes.txt\"");
+    EXPECT_EQ(WindowName("/home/me/no\ttes.txt"), "“no\\ttes.txt”");
+}
+
+TEST(VisibleText, OfTheRootIsItself) {
+    EXPECT_EQ(QuotedName("/"), "\"/\"");
+    EXPECT_EQ(WindowName("/"), "“/”");
 }
