@@ -232,7 +232,8 @@ TEST_F(OperationWindowTest, ReplaceByMouseReplacesOne) {
 }
 
 TEST_F(OperationWindowTest, APressThatIsLetGoElsewhereHitsNothing) {
-    two_taken_names();
+    sources_ = {folder_.file("from/one.txt", "new")};
+    folder_.file("to/one.txt", "old");
     const Hand press_and_leave = [this] {
         WidgetPanel* window = shown_window();
         const widget_t* button = widget_of(window, widget_kind_t::button, "Replace");
