@@ -144,12 +144,14 @@ bool FileOffer::grab_pointer() {
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-// Another client can have the pointer for a moment, for example a window manager.
+// Another client can have the pointer for a moment, for example a window manager. A tenth of a
+// second and no longer: a drag that begins in a window of the toolkit's is held by its own press,
+// for as long as it lasts, and nothing else happens while this waits.
 bool FileOffer::hold_pointer() {
     released_ = false;
-    for (int turn = 0; turn < 100; turn++) {
+    for (int turn = 0; turn < 20; turn++) {
         if (grab_pointer()) return true;
-        usleep(10000);
+        usleep(5000);
     }
     return false;
 }

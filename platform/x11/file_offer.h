@@ -30,7 +30,7 @@ class FileOffer {
     bool is_awaited() const { return awaited_; }
 
     // Holds the pointer, so that a release over any window comes to released(). False when a button
-    // holds it for this or another program, and has done so for a second.
+    // holds it for this or another program, and has done so for a tenth of a second.
     bool hold_pointer();
     void let_pointer_go();
     // Whether button 1 has been let go since hold_pointer().

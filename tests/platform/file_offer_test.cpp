@@ -39,7 +39,7 @@ TEST(FileOffer, APointerThatAnotherClientHasForAMomentIsWaitedFor) {
     std::atomic<bool> begins = false;
     std::thread soon([&] {
         while (!begins) usleep(1000);
-        usleep(50000);  // some tries
+        usleep(20000);  // some tries
         holder.let_go();
     });
     begins = true;
