@@ -60,13 +60,13 @@ Detach original_detach;
 Register original_register;
 
 // The order that is being given.
-struct order_t {
+struct AwaitedOrder {
     NSDictionary* words;
     const std::function<bool()>& look;
     bool was_refused;
 };
 
-order_t* given;
+AwaitedOrder* given;
 
 // Those that were looked at, until their executors come. Only compared.
 std::set<id>& looked_at() {
@@ -119,8 +119,8 @@ void stand_between() {
 bool BeginsAfterLook(NSDictionary* order, const std::function<bool()>& look,
                      const std::function<void()>& start) {
     stand_between();
-    order_t giving = {order, look, false};
-    order_t* before = given;
+    AwaitedOrder giving = {order, look, false};
+    AwaitedOrder* before = given;
     given = &giving;
     @try {
         start();

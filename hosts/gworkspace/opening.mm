@@ -13,7 +13,7 @@
 
 namespace {
 
-enum class opener_t { viewer, launcher, gnustep_program, desktop };
+enum class Opener { viewer, launcher, gnustep_program, desktop };
 
 // A pipe has a name like a file's, and whoever opens it waits for ever.
 bool is_file_or_folder(NSString* path) {
@@ -22,15 +22,15 @@ bool is_file_or_folder(NSString* path) {
            (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode));
 }
 
-opener_t opener_of(NSWorkspace* workspace, NSString* path) {
-    if (!is_file_or_folder(path)) return opener_t::desktop;
+Opener opener_of(NSWorkspace* workspace, NSString* path) {
+    if (!is_file_or_folder(path)) return Opener::desktop;
     NSString* program = nil;
     NSString* type = nil;
-    if (![workspace getInfoForFile:path application:&program type:&type]) return opener_t::desktop;
-    if (type == NSDirectoryFileType || type == NSFilesystemFileType) return opener_t::viewer;
-    if (type == NSApplicationFileType) return opener_t::launcher;
-    return program && [workspace fullPathForApplication:program] ? opener_t::gnustep_program
-                                                                 : opener_t::desktop;
+    if (![workspace getInfoForFile:path application:&program type:&type]) return Opener::desktop;
+    if (type == NSDirectoryFileType || type == NSFilesystemFileType) return Opener::viewer;
+    if (type == NSApplicationFileType) return Opener::launcher;
+    return program && [workspace fullPathForApplication:program] ? Opener::gnustep_program
+                                                                 : Opener::desktop;
 }
 
 BOOL opened(BOOL done, NSString* path) {
@@ -81,14 +81,14 @@ BOOL opened(BOOL done, NSString* path) {
 
 - (BOOL)delvioOpenFile:(NSString*)path {
     switch (opener_of(self, path)) {
-        case opener_t::viewer:
+        case Opener::viewer:
             [SharedGWorkspace() newViewerAtPath:path];
             return YES;
-        case opener_t::launcher:
+        case Opener::launcher:
             return opened([self launchApplication:path], path);
-        case opener_t::gnustep_program:
+        case Opener::gnustep_program:
             return opened([SharedGWorkspace() openFile:path], path);
-        case opener_t::desktop:
+        case Opener::desktop:
             break;
     }
     return [self delvioOpenFile:path];

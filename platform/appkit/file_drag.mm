@@ -37,12 +37,12 @@ std::string uri_list_of(NSPasteboard* pasteboard) {
 // Asked for by modifier keys; a copy when the target may choose.
 unsigned action_for(NSDragOperation operation) {
     if (operation == NSDragOperationLink) {
-        return FileOffer::shared()->action_named(FileOffer::link);
+        return file_offer_t::shared()->action_named(file_offer_t::link);
     }
     if (operation == NSDragOperationMove) {
-        return FileOffer::shared()->action_named(FileOffer::move_files);
+        return file_offer_t::shared()->action_named(file_offer_t::move_files);
     }
-    return FileOffer::shared()->action_named(FileOffer::copy);
+    return file_offer_t::shared()->action_named(file_offer_t::copy);
 }
 
 unsigned image_window(GSDragView* view) {
@@ -52,7 +52,7 @@ unsigned image_window(GSDragView* view) {
 
 void send_external(GSDragView* self, SEL selector, GSAppKitSubtype subtype, NSDragOperation action,
                    NSPoint position, NSTimeInterval time, int target) {
-    FileOffer* offer = dragging ? FileOffer::shared() : nullptr;
+    file_offer_t* offer = dragging ? file_offer_t::shared() : nullptr;
     if (!offer) {
         using send_t =
             void (*)(id, SEL, GSAppKitSubtype, NSDragOperation, NSPoint, NSTimeInterval, int);
@@ -87,12 +87,12 @@ MachPort* offer_port;
 
 // A connection without a display behind it would be readable for ever.
 void answer_requests(void*) {
-    if (!FileOffer::shared()) [offer_port invalidate];
+    if (!file_offer_t::shared()) [offer_port invalidate];
 }
 
 // Who got the files may ask for them long after the drag.
 bool serve_offer() {
-    FileOffer* offer = FileOffer::shared();
+    file_offer_t* offer = file_offer_t::shared();
     if (!offer) return false;
     if (offer_port) return true;
     offer_port = [[MachPort alloc] initWithDescriptor:offer->descriptor()
@@ -206,7 +206,7 @@ void drop_nothing(GSDragView* view) {
 // Twice, for the loop's own event comes first where there is one.
 - (void)look:(NSTimer*)timer {
     (void)timer;
-    FileOffer* offer = FileOffer::shared();
+    file_offer_t* offer = file_offer_t::shared();
     const bool cancelled = offer && offer->cancelled();
     const bool up = !offer || offer->released() || !offer->button_is_down();
     if (!cancelled && (!up || !_wasUp)) {
@@ -246,7 +246,7 @@ void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize
     };
     const std::string files = uri_list_of(pasteboard);
     if (files.empty() || dragging || !serve_offer()) return stock();
-    FileOffer* offer = FileOffer::shared();
+    file_offer_t* offer = file_offer_t::shared();
     const bool held = offer->hold_pointer();
     if (!offer->button_is_down()) {
         // Let go before the drag began: a drop on whatever is there was not meant.
@@ -286,7 +286,7 @@ void FinishFileDrops(NSTimeInterval limit) {
     if (!offer_port) return;
     NSDate* end = [NSDate dateWithTimeIntervalSinceNow:limit];
     for (;;) {
-        const FileOffer* offer = FileOffer::shared();
+        const file_offer_t* offer = file_offer_t::shared();
         if (!offer || !offer->is_awaited() || [end timeIntervalSinceNow] <= 0) return;
         @autoreleasepool {
             if (target_is_done()) return;

@@ -25,7 +25,7 @@ static std::deque<Value>& waiting() {
 // The Mac hands events to an application in whatever mode it waits for input. The names are
 // AppKit's, which this library does without.
 static NSArray* delivery_modes() {
-    NSMutableArray* modes = [NSMutableArray arrayWithArray:CommonModes()];
+    NSMutableArray* modes = [NSMutableArray arrayWithArray:common_modes()];
     for (NSString* mode in @[ @"NSEventTrackingRunLoopMode", @"NSModalPanelRunLoopMode" ]) {
         if (![modes containsObject:mode]) [modes addObject:mode];
     }
@@ -60,7 +60,7 @@ static OSErr check_address(Value* event) {
     if (!address || address->type != typeApplSignature) return errAEUnknownAddressType;
     if (address->bytes.size() != sizeof signature) return errAEUnknownAddressType;
     memcpy(&signature, address->bytes.data(), sizeof signature);
-    return signature != 0 && signature == DeclaredSignature() ? noErr : procNotFound;
+    return signature != 0 && signature == declared_signature() ? noErr : procNotFound;
 }
 
 static void note_sending(Value* event, AESendMode mode, SInt32 time_out) {

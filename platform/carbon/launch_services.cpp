@@ -136,7 +136,7 @@ CFStringRef copy_own_name(const File& file) {
         const files::DesktopEntry& entry = files::desktop_entry(file);
         const bool believed = entry.standing == files::Standing::application;
         if (!believed || entry.name.empty()) return nullptr;
-        return CreateNameString(entry.name.data(), entry.name.size());
+        return create_name_string(entry.name.data(), entry.name.size());
     }
     const bool bundle = !S_ISREG(file.mode) && Extension(file).is_one_of(application_extensions) &&
                         S_ISDIR(mode_at_end(file)) && files::is_believed_bundle(file.path);
@@ -174,7 +174,7 @@ OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name) {
     if (!file) return error;
 
     *name = copy_own_name(*file);
-    if (!*name) *name = CreatePassingNameString(file->name(), file->name_length());
+    if (!*name) *name = create_passing_name_string(file->name(), file->name_length());
     if (!*name) return kLSUnknownErr;
     return noErr;
 }

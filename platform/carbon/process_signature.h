@@ -4,4 +4,4 @@
 #include <Carbon/MacTypes.h>
 
 // 0 if none. Any thread.
-OSType DeclaredSignature();
+OSType declared_signature();

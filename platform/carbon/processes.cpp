@@ -13,7 +13,7 @@ namespace {
 // Apart from the numbers with a meaning of their own, which have 0 here.
 const UInt32 process_id_follows = 1;
 
-std::atomic<OSType> declared_signature{0};
+std::atomic<OSType> own_signature{0};
 
 ProcessSerialNumber number_of(pid_t id) { return {process_id_follows, static_cast<UInt32>(id)}; }
 
@@ -28,9 +28,9 @@ ProcessSerialNumber plain(const ProcessSerialNumber& psn) {
 
 }  // namespace
 
-void DeclareProcessSignature(OSType signature) { declared_signature = signature; }
+void DeclareProcessSignature(OSType signature) { own_signature = signature; }
 
-OSType DeclaredSignature() { return declared_signature; }
+OSType declared_signature() { return own_signature; }
 
 OSErr GetCurrentProcess(ProcessSerialNumber* psn) {
     if (!psn) return paramErr;
@@ -59,6 +59,6 @@ OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info
     if (!are_equal(plain(*psn), current)) return procNotFound;
     info->processNumber = current;
     info->processType = 0;
-    info->processSignature = declared_signature;
+    info->processSignature = own_signature;
     return noErr;
 }

@@ -5,4 +5,4 @@
 #import <Foundation/Foundation.h>
 
 // The names of the common modes so far, the default mode first. One list a process. Any thread.
-NSArray* CommonModes(void);
+NSArray* common_modes(void);

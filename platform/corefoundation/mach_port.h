@@ -30,4 +30,4 @@ typedef void (*mach_port_handler_t)(void* info);
 
 // A mode has become a common one: the ports of this thread that were added for the common modes are
 // served there too.
-void ServeCommonPortsInMode(NSString* mode);
+void serve_common_ports_in_mode(NSString* mode);

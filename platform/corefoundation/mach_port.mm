@@ -109,7 +109,7 @@ static NSMutableArray* common_ports() {
     return ports;
 }
 
-void ServeCommonPortsInMode(NSString* mode) {
+void serve_common_ports_in_mode(NSString* mode) {
     for (MachPort* port in common_ports()) [port serveInMode:mode];
 }
 
@@ -128,7 +128,7 @@ void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFStringRef mod
     if ([common_ports() indexOfObjectIdenticalTo:port] == NSNotFound) {
         [common_ports() addObject:port];
     }
-    for (NSString* name in CommonModes()) [port serveInMode:name];
+    for (NSString* name in common_modes()) [port serveInMode:name];
 }
 
 void CFMachPortInvalidate(CFMachPortRef port) {

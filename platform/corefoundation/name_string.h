@@ -25,12 +25,12 @@
 @end
 
 // Whether it is a NameString, at the cost of one comparison.
-bool IsNameString(NSString* string);
+bool is_name_string(NSString* string);
 #endif
 
 // The string of these UTF-8 bytes, null when they are not UTF-8. The caller releases it.
-CFStringRef CreateNameString(const char* bytes, size_t length);
+CFStringRef create_name_string(const char* bytes, size_t length);
 
 // The same, for a string that is most likely released before the next one is made: its memory is
 // kept for that.
-CFStringRef CreatePassingNameString(const char* bytes, size_t length);
+CFStringRef create_passing_name_string(const char* bytes, size_t length);

@@ -104,7 +104,7 @@ static Class name_class() {
     return found;
 }
 
-bool IsNameString(NSString* string) { return object_getClass(string) == name_class(); }
+bool is_name_string(NSString* string) { return object_getClass(string) == name_class(); }
 
 static NameString* allocate(size_t text_size) {
     return (NameString*)NSAllocateObject(name_class(), text_size + 1, nullptr);
@@ -149,10 +149,10 @@ static CFStringRef create(const char* bytes, size_t size, NameString* (*allocate
                                       count:count];
 }
 
-CFStringRef CreateNameString(const char* bytes, size_t size) {
+CFStringRef create_name_string(const char* bytes, size_t size) {
     return create(bytes, size, allocate);
 }
 
-CFStringRef CreatePassingNameString(const char* bytes, size_t size) {
+CFStringRef create_passing_name_string(const char* bytes, size_t size) {
     return create(bytes, size, allocate_passing);
 }

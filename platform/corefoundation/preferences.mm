@@ -106,7 +106,7 @@ CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applica
         const std::lock_guard<std::mutex> guard(preferences_lock);
         if (id value = value_of(key, applicationID)) return [value retain];
     }
-    return CopyValueFromSources(key, applicationID);
+    return copy_value_from_sources(key, applicationID);
 }
 
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {

@@ -9,7 +9,7 @@ using PreferencesSource = CFPropertyListRef (*)(CFStringRef key, CFStringRef dom
 
 // From now on `source` answers for what the user's defaults have no value of, in all domains whose
 // names end in `suffix` (kept). Any thread; the source runs on the one that asks.
-void AddPreferencesSource(const char* suffix, PreferencesSource source);
+void add_preferences_source(const char* suffix, PreferencesSource source);
 
 // What the sources have to say; retained.
-CFPropertyListRef CopyValueFromSources(CFStringRef key, CFStringRef domain);
+CFPropertyListRef copy_value_from_sources(CFStringRef key, CFStringRef domain);

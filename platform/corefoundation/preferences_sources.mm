@@ -33,12 +33,12 @@ PreferencesSource source_of(const std::string& domain) {
 
 }  // namespace
 
-void AddPreferencesSource(const char* suffix, PreferencesSource source) {
+void add_preferences_source(const char* suffix, PreferencesSource source) {
     const std::lock_guard<std::mutex> guard(sources().lock);
     sources().list.push_back({suffix, source});
 }
 
-CFPropertyListRef CopyValueFromSources(CFStringRef key, CFStringRef domain) {
+CFPropertyListRef copy_value_from_sources(CFStringRef key, CFStringRef domain) {
     const char* name = [(NSString*)domain UTF8String];
     const PreferencesSource source = key && name ? source_of(name) : nullptr;
     return source ? source(key, domain) : nullptr;

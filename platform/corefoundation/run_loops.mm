@@ -21,10 +21,10 @@ void CFRunLoopAddCommonMode(CFRunLoopRef, CFStringRef mode) {
             [mode_names() addObject:(NSString*)mode];
         }
     }
-    ServeCommonPortsInMode((NSString*)mode);
+    serve_common_ports_in_mode((NSString*)mode);
 }
 
-NSArray* CommonModes(void) {
+NSArray* common_modes(void) {
     @synchronized(mode_names()) {
         return [[mode_names() copy] autorelease];
     }

@@ -76,7 +76,7 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
     NSStringEncoding code;
     if (!source || !foundation_encoding(encoding, &code)) return false;
     if (encoding == kCFStringEncodingUnicode) return copy_units(source, buffer, size);
-    if (IsNameString(source) && (code == NSUTF8StringEncoding || [(NameString*)source isASCII])) {
+    if (is_name_string(source) && (code == NSUTF8StringEncoding || [(NameString*)source isASCII])) {
         NameString* name = (NameString*)source;
         return copy_bytes([name bytes], [name size], buffer, size);
     }
@@ -93,12 +93,12 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
 
 const UniChar* CFStringGetCharactersPtr(CFStringRef string) {
     NSString* source = (NSString*)string;
-    return IsNameString(source) ? [(NameString*)source units] : nullptr;
+    return is_name_string(source) ? [(NameString*)source units] : nullptr;
 }
 
 CFStringEncoding CFStringGetFastestEncoding(CFStringRef string) {
     NSString* source = (NSString*)string;
-    const bool ascii = IsNameString(source)
+    const bool ascii = is_name_string(source)
                            ? [(NameString*)source isASCII]
                            : [source canBeConvertedToEncoding:NSASCIIStringEncoding];
     return ascii ? kCFStringEncodingASCII : kCFStringEncodingUnicode;

@@ -53,17 +53,17 @@ class Index {
 };
 
 // A folder of icons of one size, or of a span of sizes. Sizes are in pixels.
-struct folder_t {
+struct ThemeFolder {
     std::string path;
     int smallest, largest;
 };
 
-int distance(const folder_t& folder, int pixels) {
+int distance(const ThemeFolder& folder, int pixels) {
     return std::max({folder.smallest - pixels, pixels - folder.largest, 0});
 }
 
-struct one_theme_t {
-    std::vector<folder_t> folders;
+struct OneTheme {
+    std::vector<ThemeFolder> folders;
     // Name of an icon to its files, each with the folder that it lies in.
     std::unordered_map<std::string, std::vector<std::pair<unsigned, std::string>>> icons;
 };
@@ -77,7 +77,7 @@ std::vector<std::string> base_folders() {
     return result;
 }
 
-void list_icons(one_theme_t& theme, unsigned folder) {
+void list_icons(OneTheme& theme, unsigned folder) {
     DIR* open = opendir(theme.folders[folder].path.c_str());
     if (!open) return;
     while (const dirent* entry = readdir(open)) {
@@ -99,12 +99,12 @@ bool is_wanted(const std::string& context) {
                        [&](const char* name) { return context == name; });
 }
 
-void add_folder(one_theme_t& theme, const Index& index, const std::string& root,
+void add_folder(OneTheme& theme, const Index& index, const std::string& root,
                 const std::string& name) {
     if (!is_wanted(index.text(name, "Context"))) return;
     const int size = index.number(name, "Size", 0), scale = index.number(name, "Scale", 1);
     const std::string type = index.text(name, "Type");
-    folder_t folder{root + "/" + name, size * scale, size * scale};
+    ThemeFolder folder{root + "/" + name, size * scale, size * scale};
     if (type == "Scalable") {
         folder.smallest = index.number(name, "MinSize", size) * scale;
         folder.largest = index.number(name, "MaxSize", size) * scale;
@@ -118,7 +118,7 @@ void add_folder(one_theme_t& theme, const Index& index, const std::string& root,
 }
 
 // Adds the theme, whose parts may lie in several base folders, and returns what it inherits from.
-std::vector<std::string> load_theme(one_theme_t& theme, const std::string& name) {
+std::vector<std::string> load_theme(OneTheme& theme, const std::string& name) {
     std::vector<std::string> parents;
     std::unique_ptr<Index> index;
     for (const std::string& base : base_folders()) {
@@ -141,8 +141,8 @@ std::vector<std::string> load_theme(one_theme_t& theme, const std::string& name)
 }
 
 // Pictures that belong to no theme and have whatever size they have.
-one_theme_t icons_without_theme() {
-    one_theme_t theme;
+OneTheme icons_without_theme() {
+    OneTheme theme;
     std::vector<std::string> folders = base_folders();
     for (const char* const* i = g_get_system_data_dirs(); *i; i++) {
         folders.push_back(std::string(*i) + "/pixmaps");
@@ -159,7 +159,7 @@ std::string theme_name() {
     return name.empty() ? "Adwaita" : name;
 }
 
-std::string best_file(const one_theme_t& theme, const std::string& name, int pixels) {
+std::string best_file(const OneTheme& theme, const std::string& name, int pixels) {
     const auto found = theme.icons.find(name);
     if (found == theme.icons.end()) return "";
     const auto best = std::min_element(found->second.begin(), found->second.end(),
@@ -173,16 +173,16 @@ std::string best_file(const one_theme_t& theme, const std::string& name, int pix
 }  // namespace
 
 // Themes are read when an icon is looked for that the ones before do not have.
-struct icon_theme_t {
+struct IconTheme {
     std::vector<std::string> names{theme_name()};
-    std::deque<one_theme_t> chain;  // of the first names; the last has no name
+    std::deque<OneTheme> chain;  // of the first names; the last has no name
     bool is_whole = false;
 };
 
 namespace {
 
 // Reads the next theme. Those that it inherits from follow, the ones for all follow last.
-void read_next(icon_theme_t& theme) {
+void read_next(IconTheme& theme) {
     const size_t index = theme.chain.size();
     std::vector<std::string>& names = theme.names;
     if (index == names.size()) {
@@ -202,12 +202,12 @@ void read_next(icon_theme_t& theme) {
 
 }  // namespace
 
-icon_theme_t& user_icon_theme() {
-    static auto& theme = *new icon_theme_t;
+IconTheme& user_icon_theme() {
+    static auto& theme = *new IconTheme;
     return theme;
 }
 
-std::string find_icon(icon_theme_t& theme, const std::vector<std::string>& names, int pixels) {
+std::string find_icon(IconTheme& theme, const std::vector<std::string>& names, int pixels) {
     for (const std::string& name : names) {
         for (size_t i = 0; i < theme.chain.size() || !theme.is_whole; i++) {
             if (i == theme.chain.size()) read_next(theme);

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-struct icon_theme_t;
+struct IconTheme;
 
 // The theme of the user's settings, Adwaita if they name none. The same each time.
-icon_theme_t& user_icon_theme();
+IconTheme& user_icon_theme();
 
 // The file of the best-fitting icon for `pixels`, a PNG or an SVG: of the first name that any theme
 // has, from the first theme that has it. So a program's own icon from the last theme comes before a
 // general one from the first. Empty if none has any.
-std::string find_icon(icon_theme_t& theme, const std::vector<std::string>& names, int pixels);
+std::string find_icon(IconTheme& theme, const std::vector<std::string>& names, int pixels);

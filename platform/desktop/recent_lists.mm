@@ -40,7 +40,7 @@ CFPropertyListRef copy_recent_documents(CFStringRef key, CFStringRef domain) {
 @implementation RecentLists
 
 + (void)load {
-    AddPreferencesSource(".LSSharedFileList", copy_recent_documents);
+    add_preferences_source(".LSSharedFileList", copy_recent_documents);
 }
 
 @end

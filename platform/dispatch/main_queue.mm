@@ -39,7 +39,7 @@ void run_on_main_thread(void* context, dispatch_function_t work) {
         [piece performSelectorOnMainThread:@selector(run)
                                 withObject:nil
                              waitUntilDone:NO
-                                     modes:CommonModes()];
+                                     modes:common_modes()];
         [piece release];
     }
 }

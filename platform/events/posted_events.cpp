@@ -12,7 +12,7 @@
 namespace {
 
 // Opened for the first post; what is held down is held by whoever posts.
-class Poster {
+class poster_t {
   public:
     bool connect() {
         if (server_ && !xcb_connection_has_error(server_)) return true;
@@ -85,7 +85,7 @@ CGError CGPostMouseEvent(CGPoint position, boolean_t update_position, CGButtonCo
     }
     va_end(others);
 
-    static Poster poster;
+    static poster_t poster;
     const std::lock_guard<std::mutex> lock(posting);
     if (!poster.connect()) return kCGErrorCannotComplete;
     if (update_position && !poster.move(position)) return kCGErrorCannotComplete;

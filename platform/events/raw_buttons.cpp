@@ -5,17 +5,17 @@
 
 #include "x11/server_connection.h"
 
-std::unique_ptr<RawButtons> RawButtons::open() {
+std::unique_ptr<raw_buttons_t> raw_buttons_t::open() {
     unsigned root = 0;
     xcb_connection_t* server = connect_to_server(&root);
     if (!server) return nullptr;
-    std::unique_ptr<RawButtons> buttons(new RawButtons(server, root));
+    std::unique_ptr<raw_buttons_t> buttons(new raw_buttons_t(server, root));
     return buttons->select() ? std::move(buttons) : nullptr;
 }
 
-RawButtons::~RawButtons() { xcb_disconnect(server_); }
+raw_buttons_t::~raw_buttons_t() { xcb_disconnect(server_); }
 
-bool RawButtons::select() {
+bool raw_buttons_t::select() {
     const xcb_query_extension_reply_t* extension = xcb_get_extension_data(server_, &xcb_input_id);
     if (!extension || !extension->present) return false;
     opcode_ = extension->major_opcode;
@@ -37,11 +37,11 @@ bool RawButtons::select() {
     return !refusal && !is_broken();
 }
 
-int RawButtons::descriptor() const { return xcb_get_file_descriptor(server_); }
+int raw_buttons_t::descriptor() const { return xcb_get_file_descriptor(server_); }
 
-bool RawButtons::is_broken() const { return xcb_connection_has_error(server_) != 0; }
+bool raw_buttons_t::is_broken() const { return xcb_connection_has_error(server_) != 0; }
 
-bool RawButtons::next(raw_button_t* button) {
+bool raw_buttons_t::next(raw_button_t* button) {
     while (xcb_generic_event_t* event = xcb_poll_for_event(server_)) {
         const reply_t<xcb_generic_event_t> owner(event);
         if ((event->response_type & 0x7F) != XCB_GE_GENERIC) continue;
@@ -55,7 +55,7 @@ bool RawButtons::next(raw_button_t* button) {
 }
 
 // Raw events carry no place.
-bool RawButtons::locate(raw_button_t* button) {
+bool raw_buttons_t::locate(raw_button_t* button) {
     const auto pointer = xcb_query_pointer(server_, root_);
     const auto geometry = xcb_get_geometry(server_, root_);
     const reply_t<xcb_query_pointer_reply_t> at(xcb_query_pointer_reply(server_, pointer, nullptr));

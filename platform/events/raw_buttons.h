@@ -13,13 +13,13 @@ struct raw_button_t {
     int display_height;
 };
 
-class RawButtons {
+class raw_buttons_t {
   public:
     // Null without a display, and where the extension (version 2.2) is missing or refused.
-    static std::unique_ptr<RawButtons> open();
-    ~RawButtons();
-    RawButtons(const RawButtons&) = delete;
-    RawButtons& operator=(const RawButtons&) = delete;
+    static std::unique_ptr<raw_buttons_t> open();
+    ~raw_buttons_t();
+    raw_buttons_t(const raw_buttons_t&) = delete;
+    raw_buttons_t& operator=(const raw_buttons_t&) = delete;
 
     int descriptor() const;
     // The next one that has come; false when there is none. Until then the descriptor need not
@@ -29,7 +29,8 @@ class RawButtons {
     bool is_broken() const;
 
   private:
-    explicit RawButtons(xcb_connection_t* server, unsigned root) : server_(server), root_(root) {}
+    explicit raw_buttons_t(xcb_connection_t* server, unsigned root)
+        : server_(server), root_(root) {}
     bool select();
     bool locate(raw_button_t* button);
 

@@ -38,11 +38,11 @@ constexpr CGEventMask seen_types =
 
 @interface SessionTap : EventTap {
   @private
-    RawButtons* _buttons;  // owned
+    raw_buttons_t* _buttons;  // owned
     CGEventMask _mask;
 }
 - (instancetype)initWithSettings:(const tap_settings_t&)settings
-                         buttons:(std::unique_ptr<RawButtons>)buttons;
+                         buttons:(std::unique_ptr<raw_buttons_t>)buttons;
 - (void)readButtons;
 @end
 
@@ -51,7 +51,7 @@ static void read_buttons(void* tap) { [static_cast<SessionTap*>(tap) readButtons
 @implementation SessionTap
 
 - (instancetype)initWithSettings:(const tap_settings_t&)settings
-                         buttons:(std::unique_ptr<RawButtons>)buttons {
+                         buttons:(std::unique_ptr<raw_buttons_t>)buttons {
     self = [super initWithSettings:settings
                         descriptor:buttons->descriptor()
                            handler:read_buttons
@@ -92,7 +92,7 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement,
                                CGEventTapCallBack callback, void* user_info) {
     if (location != kCGSessionEventTap || options != kCGEventTapOptionListenOnly) return nullptr;
     if (!callback || !(mask & seen_types)) return nullptr;
-    std::unique_ptr<RawButtons> buttons = RawButtons::open();
+    std::unique_ptr<raw_buttons_t> buttons = raw_buttons_t::open();
     if (!buttons) return nullptr;
     const tap_settings_t settings = {mask, callback, user_info, true};
     SessionTap* tap = [[SessionTap alloc] initWithSettings:settings buttons:std::move(buttons)];

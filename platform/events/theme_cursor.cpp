@@ -31,9 +31,9 @@ struct place_t {
     bool operator==(const place_t&) const = default;
 };
 
-class ShownCursor {
+class shown_cursor_t {
   public:
-    ShownCursor() : keeper_(&ShownCursor::keep, this) { keeper_.detach(); }
+    shown_cursor_t() : keeper_(&shown_cursor_t::keep, this) { keeper_.detach(); }
 
     bool show(ThemeCursor cursor) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -131,6 +131,6 @@ class ShownCursor {
 OSStatus SetThemeCursor(ThemeCursor cursor) {
     if (cursor >= std::size(names)) return paramErr;
     // Never destroyed: its thread lives as long as the process.
-    static auto* shown = new ShownCursor;
+    static auto* shown = new shown_cursor_t;
     return shown->show(cursor) ? static_cast<OSStatus>(noErr) : static_cast<OSStatus>(ioErr);
 }

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-struct DesktopWindow {
+struct desktop_window_t {
     uint32_t window;
     pid_t process;         // as window_process.h says
     std::string instance;  // the two parts of WM_CLASS
@@ -18,4 +18,4 @@ struct DesktopWindow {
 };
 
 // At most 512. Empty without a display.
-std::vector<DesktopWindow> desktop_windows();
+std::vector<desktop_window_t> desktop_windows();

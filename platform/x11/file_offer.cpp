@@ -28,10 +28,10 @@ unsigned intern(xcb_connection_t* server, const char* name) {
 
 }  // namespace
 
-FileOffer* FileOffer::shared() {
-    static FileOffer* offer;
+file_offer_t* file_offer_t::shared() {
+    static file_offer_t* offer;
     if (!offer) {
-        offer = new FileOffer;
+        offer = new file_offer_t;
         if (!offer->connect()) {
             delete offer;
             offer = nullptr;
@@ -41,7 +41,7 @@ FileOffer* FileOffer::shared() {
     return offer && !offer->is_broken() ? offer : nullptr;
 }
 
-bool FileOffer::connect() {
+bool file_offer_t::connect() {
     server_ = connect_to_server(&root_);
     if (!server_) return false;
     for (size_t i = 0; i < std::size(atom_names); i++) atoms_[i] = intern(server_, atom_names[i]);
@@ -59,11 +59,11 @@ bool FileOffer::connect() {
     return true;
 }
 
-int FileOffer::descriptor() const { return xcb_get_file_descriptor(server_); }
+int file_offer_t::descriptor() const { return xcb_get_file_descriptor(server_); }
 
-bool FileOffer::is_broken() const { return xcb_connection_has_error(server_) != 0; }
+bool file_offer_t::is_broken() const { return xcb_connection_has_error(server_) != 0; }
 
-void FileOffer::begin(const std::string& uri_list) {
+void file_offer_t::begin(const std::string& uri_list) {
     owned_since_ = server_time();
     uri_list_ = uri_list;
     awaited_ = false;
@@ -72,7 +72,7 @@ void FileOffer::begin(const std::string& uri_list) {
 }
 
 // A change of a property comes back with the server's time.
-unsigned FileOffer::server_time() {
+unsigned file_offer_t::server_time() {
     xcb_change_property(server_, XCB_PROP_MODE_APPEND, window_, atoms_[clock_word],
                         XCB_ATOM_INTEGER, 8, 0, nullptr);
     // With the answer to a later question the event is there.
@@ -83,7 +83,7 @@ unsigned FileOffer::server_time() {
 }
 
 // The version in which both speak; 0 for a window that takes no drops.
-unsigned FileOffer::target_version(unsigned target) {
+unsigned file_offer_t::target_version(unsigned target) {
     const reply_t<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         server_,
         xcb_get_property(server_, 0, target, atoms_[aware], XCB_GET_PROPERTY_TYPE_ANY, 0, 1),
@@ -93,7 +93,7 @@ unsigned FileOffer::target_version(unsigned target) {
     return std::min(*version, own_version);
 }
 
-void FileOffer::send(unsigned target, unsigned type, const unsigned (&data)[5]) {
+void file_offer_t::send(unsigned target, unsigned type, const unsigned (&data)[5]) {
     xcb_client_message_event_t event = {};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
@@ -105,37 +105,37 @@ void FileOffer::send(unsigned target, unsigned type, const unsigned (&data)[5]) 
     xcb_flush(server_);
 }
 
-void FileOffer::enter(unsigned target, unsigned source) {
+void file_offer_t::enter(unsigned target, unsigned source) {
     version_ = target_version(target);
     if (!version_) return;
     entered_ = target;
     send(target, atoms_[entered], {source, version_ << 24, atoms_[uri_list], 0, 0});
 }
 
-void FileOffer::move(unsigned target, unsigned source, int x, int y, unsigned action) {
+void file_offer_t::move(unsigned target, unsigned source, int x, int y, unsigned action) {
     if (!version_) return;
     const unsigned at = static_cast<unsigned>(x) << 16 | (static_cast<unsigned>(y) & 0xFFFF);
     send(target, atoms_[position], {source, 0, at, server_time(), action});
 }
 
-void FileOffer::leave(unsigned target, unsigned source) {
+void file_offer_t::leave(unsigned target, unsigned source) {
     if (!version_) return;
     entered_ = 0;
     send(target, atoms_[left], {source, 0, 0, 0, 0});
 }
 
-void FileOffer::drop(unsigned target, unsigned source) {
+void file_offer_t::drop(unsigned target, unsigned source) {
     if (!version_) return;
     entered_ = 0;
     awaited_ = true;
     send(target, atoms_[dropped], {source, 0, server_time(), 0, 0});
 }
 
-void FileOffer::end(unsigned source) {
+void file_offer_t::end(unsigned source) {
     if (entered_) leave(entered_, source);
 }
 
-bool FileOffer::grab_pointer() {
+bool file_offer_t::grab_pointer() {
     const reply_t<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(
         server_,
         xcb_grab_pointer(server_, 0, window_, XCB_EVENT_MASK_BUTTON_RELEASE, XCB_GRAB_MODE_ASYNC,
@@ -147,7 +147,7 @@ bool FileOffer::grab_pointer() {
 // Another client can have the pointer for a moment, for example a window manager. A tenth of a
 // second and no longer: a drag that begins in a window of the toolkit's is held by its own press,
 // for as long as it lasts, and nothing else happens while this waits.
-bool FileOffer::hold_pointer() {
+bool file_offer_t::hold_pointer() {
     released_ = false;
     for (int turn = 0; turn < 20; turn++) {
         if (grab_pointer()) return true;
@@ -156,13 +156,13 @@ bool FileOffer::hold_pointer() {
     return false;
 }
 
-void FileOffer::let_pointer_go() {
+void file_offer_t::let_pointer_go() {
     xcb_ungrab_pointer(server_, XCB_CURRENT_TIME);
     xcb_flush(server_);
 }
 
 // 0 on a keyboard without it.
-unsigned char FileOffer::escape_key() {
+unsigned char file_offer_t::escape_key() {
     constexpr xcb_keysym_t escape = 0xFF1B;
     const xcb_setup_t* setup = xcb_get_setup(server_);
     const auto count = static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1);
@@ -178,7 +178,7 @@ unsigned char FileOffer::escape_key() {
 }
 
 // The one key alone: the toolkit goes on seeing the modifiers that choose what a drop does.
-void FileOffer::watch_for_escape() {
+void file_offer_t::watch_for_escape() {
     cancelled_ = false;
     escape_ = escape_key();
     if (!escape_) return;
@@ -187,20 +187,20 @@ void FileOffer::watch_for_escape() {
     xcb_flush(server_);
 }
 
-void FileOffer::leave_escape_alone() {
+void file_offer_t::leave_escape_alone() {
     if (!escape_) return;
     xcb_ungrab_key(server_, escape_, root_, XCB_MOD_MASK_ANY);
     xcb_flush(server_);
     escape_ = 0;
 }
 
-bool FileOffer::button_is_down() {
+bool file_offer_t::button_is_down() {
     const reply_t<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(server_, xcb_query_pointer(server_, root_), nullptr));
     return reply && reply->mask & XCB_BUTTON_MASK_1;
 }
 
-void FileOffer::answer() {
+void file_offer_t::answer() {
     while (xcb_generic_event_t* event = xcb_poll_for_event(server_)) {
         const reply_t<xcb_generic_event_t> owner(event);
         switch (event->response_type & 0x7F) {
@@ -233,7 +233,7 @@ void FileOffer::answer() {
 }
 
 // What is not offered is refused, so that nobody waits for it.
-void FileOffer::answer_request(const void* event) {
+void file_offer_t::answer_request(const void* event) {
     const auto* request = static_cast<const xcb_selection_request_event_t*>(event);
     const unsigned property = request->property ? request->property : request->target;
     xcb_selection_notify_event_t notice = {};

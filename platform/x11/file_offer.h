@@ -6,11 +6,11 @@
 
 struct xcb_connection_t;
 
-class FileOffer {
+class file_offer_t {
   public:
     // After answering all that has come. Null without a display, and from when it has gone. Lives
     // as long as the process: who got a drop may ask late.
-    static FileOffer* shared();
+    static file_offer_t* shared();
 
     // From now on `uri_list` (lines that end in CR LF) is what is dragged.
     void begin(const std::string& uri_list);
@@ -48,7 +48,7 @@ class FileOffer {
     bool is_broken() const;
 
   private:
-    FileOffer() = default;
+    file_offer_t() = default;
     bool connect();
     bool grab_pointer();
     void send(unsigned target, unsigned type, const unsigned (&data)[5]);

@@ -20,7 +20,7 @@ xcb_atom_t atom_of(xcb_connection_t* server, xcb_intern_atom_cookie_t cookie) {
 }
 
 // The settings as their manager has them; empty where there is none.
-std::string all_settings(const WindowConnection& to) {
+std::string all_settings(const window_connection_t& to) {
     const std::string screen = std::to_string(DefaultScreen(to.display));
     const auto selection_cookie = ask_atom(to.server, "_XSETTINGS_S" + screen);
     const auto property_cookie = ask_atom(to.server, "_XSETTINGS_SETTINGS");
@@ -30,13 +30,13 @@ std::string all_settings(const WindowConnection& to) {
     const reply_t<xcb_get_selection_owner_reply_t> manager(xcb_get_selection_owner_reply(
         to.server, xcb_get_selection_owner(to.server, selection), nullptr));
     if (!manager || manager->owner == XCB_WINDOW_NONE) return {};
-    return PropertyQuestion(to.server, manager->owner, property, most_words).bytes();
+    return property_question_t(to.server, manager->owner, property, most_words).bytes();
 }
 
 // Numbers and texts one after the other. Behind the end all are 0 and empty.
-class Reader {
+class reader_t {
   public:
-    explicit Reader(const std::string& bytes)
+    explicit reader_t(const std::string& bytes)
         : bytes_(bytes), big_endian_(!bytes.empty() && bytes[0] == 1) {}
 
     bool is_at_end() const { return place_ >= bytes_.size(); }
@@ -72,9 +72,9 @@ enum { number_type, text_type, color_type };
 }  // namespace
 
 std::string shared_setting(const std::string& name) {
-    const WindowConnection* to = window_connection();
+    const window_connection_t* to = window_connection();
     const std::string bytes = to ? all_settings(*to) : "";
-    Reader reader(bytes);
+    reader_t reader(bytes);
     reader.skip(8);  // the order of bytes, the serial number
     for (uint32_t count = reader.number(4); count > 0 && !reader.is_at_end(); count--) {
         const uint32_t type = reader.number(1);

@@ -4,7 +4,7 @@
 
 #include <xcb/xcb.h>
 
-struct WindowConnection {
+struct window_connection_t {
     struct _XDisplay* display = nullptr;
     xcb_connection_t* server = nullptr;
     xcb_window_t root = XCB_WINDOW_NONE;
@@ -15,4 +15,4 @@ struct WindowConnection {
 };
 
 // Null without a display, and from when it has gone.
-const WindowConnection* window_connection();
+const window_connection_t* window_connection();

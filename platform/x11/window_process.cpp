@@ -38,7 +38,7 @@ pid_t process_in(const xcb_res_query_client_ids_reply_t* reply) {
 
 }  // namespace
 
-ProcessQuestion::ProcessQuestion(const WindowConnection& to, xcb_window_t window)
+process_question_t::process_question_t(const window_connection_t& to, xcb_window_t window)
     : to_(to),
       machine_(to.server, window, to.client_machine),
       named_(to.server, window, to.pid, 1) {
@@ -46,11 +46,11 @@ ProcessQuestion::ProcessQuestion(const WindowConnection& to, xcb_window_t window
     if (to.tells_processes) seen_ = xcb_res_query_client_ids(to.server, 1, &spec);
 }
 
-ProcessQuestion::~ProcessQuestion() {
+process_question_t::~process_question_t() {
     if (seen_.sequence) xcb_discard_reply(to_.server, seen_.sequence);
 }
 
-pid_t ProcessQuestion::seen_by_server() const {
+pid_t process_question_t::seen_by_server() const {
     if (!seen_.sequence) return 0;
     xcb_generic_error_t* error = nullptr;
     const reply_t<xcb_res_query_client_ids_reply_t> reply(
@@ -60,7 +60,7 @@ pid_t ProcessQuestion::seen_by_server() const {
     return reply ? process_in(reply.get()) : 0;
 }
 
-pid_t ProcessQuestion::answer() const {
+pid_t process_question_t::answer() const {
     const std::string machine = machine_.bytes();
     if (!is_this_machine(machine.substr(0, machine.find('\0')))) return 0;
     const pid_t seen = seen_by_server();
@@ -70,9 +70,9 @@ pid_t ProcessQuestion::answer() const {
 }
 
 pid_t active_process() {
-    const WindowConnection* to = window_connection();
+    const window_connection_t* to = window_connection();
     const xcb_window_t window = to ? active_window(*to) : XCB_WINDOW_NONE;
     if (window == XCB_WINDOW_NONE || window == to->root) return 0;
     // The window with the keyboard may be a part of the application's: the server knows whose.
-    return ProcessQuestion(*to, window).answer();
+    return process_question_t(*to, window).answer();
 }

@@ -16,12 +16,12 @@
 #include "x11/window_questions.h"
 
 // Sent when it is made, answered when the answer is read.
-class ProcessQuestion {
+class process_question_t {
   public:
-    ProcessQuestion(const WindowConnection& to, xcb_window_t window);
-    ~ProcessQuestion();
-    ProcessQuestion(const ProcessQuestion&) = delete;
-    ProcessQuestion& operator=(const ProcessQuestion&) = delete;
+    process_question_t(const window_connection_t& to, xcb_window_t window);
+    ~process_question_t();
+    process_question_t(const process_question_t&) = delete;
+    process_question_t& operator=(const process_question_t&) = delete;
 
     // 0 when it is not known, or runs on another machine. To be read once.
     pid_t answer() const;
@@ -29,8 +29,8 @@ class ProcessQuestion {
   private:
     pid_t seen_by_server() const;
 
-    const WindowConnection& to_;
-    PropertyQuestion machine_, named_;
+    const window_connection_t& to_;
+    property_question_t machine_, named_;
     mutable xcb_res_query_client_ids_cookie_t seen_ = {};
 };
 

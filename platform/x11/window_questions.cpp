@@ -2,18 +2,18 @@
 
 #include <string.h>
 
-PropertyQuestion::PropertyQuestion(xcb_connection_t* connection, xcb_window_t window,
-                                   xcb_atom_t property, uint32_t most_words)
+property_question_t::property_question_t(xcb_connection_t* connection, xcb_window_t window,
+                                         xcb_atom_t property, uint32_t most_words)
     : connection_(connection),
       cookie_(xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
                                most_words)) {}
 
 // Nobody else would take the reply.
-PropertyQuestion::~PropertyQuestion() {
+property_question_t::~property_question_t() {
     if (!is_read_) xcb_discard_reply(connection_, cookie_.sequence);
 }
 
-const PropertyQuestion::Answer& PropertyQuestion::answer() const {
+const property_question_t::Answer& property_question_t::answer() const {
     if (is_read_) return answer_;
     is_read_ = true;
     xcb_generic_error_t* error = nullptr;
@@ -22,14 +22,14 @@ const PropertyQuestion::Answer& PropertyQuestion::answer() const {
     return answer_;
 }
 
-std::string PropertyQuestion::bytes() const {
+std::string property_question_t::bytes() const {
     const Answer& reply = answer();
     if (!reply || reply->format != 8) return {};
     const auto length = static_cast<size_t>(xcb_get_property_value_length(reply.get()));
     return std::string(static_cast<const char*>(xcb_get_property_value(reply.get())), length);
 }
 
-std::vector<uint32_t> PropertyQuestion::numbers() const {
+std::vector<uint32_t> property_question_t::numbers() const {
     const Answer& reply = answer();
     if (!reply || reply->format != 32) return {};
     const auto length = static_cast<size_t>(xcb_get_property_value_length(reply.get()));
@@ -41,7 +41,7 @@ std::vector<uint32_t> PropertyQuestion::numbers() const {
     return numbers;
 }
 
-bool PropertyQuestion::exists() const { return answer() && answer()->type != XCB_ATOM_NONE; }
+bool property_question_t::exists() const { return answer() && answer()->type != XCB_ATOM_NONE; }
 
 std::vector<xcb_window_t> children_of(xcb_connection_t* connection, xcb_window_t window) {
     xcb_generic_error_t* error = nullptr;

@@ -7,12 +7,12 @@
 
 #include "x11/server_connection.h"
 
-struct PropertyQuestion {
-    PropertyQuestion(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
-                     uint32_t most_words = 64);
-    ~PropertyQuestion();
-    PropertyQuestion(const PropertyQuestion&) = delete;
-    PropertyQuestion& operator=(const PropertyQuestion&) = delete;
+struct property_question_t {
+    property_question_t(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
+                        uint32_t most_words = 64);
+    ~property_question_t();
+    property_question_t(const property_question_t&) = delete;
+    property_question_t& operator=(const property_question_t&) = delete;
 
     // The value's bytes; empty when the window has no such property.
     std::string bytes() const;

@@ -303,7 +303,7 @@ CFPropertyListRef copy_domain_and_key(CFStringRef key, CFStringRef domain) {
 }  // namespace
 
 TEST_F(Preferences, ASourceAnswersForDomainsOfItsSuffixWithoutAValueOfTheirOwn) {
-    AddPreferencesSource(".WithoutAValueOfTheirOwn", copy_domain_and_key);
+    add_preferences_source(".WithoutAValueOfTheirOwn", copy_domain_and_key);
     const auto text = [](CFStringRef key, CFStringRef of) {
         NSString* value = [(id)CFPreferencesCopyAppValue(key, of) autorelease];
         return std::string([value UTF8String] ?: "none");

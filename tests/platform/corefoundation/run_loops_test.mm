@@ -4,16 +4,16 @@
 #include "corefoundation/common_modes.h"
 
 TEST(RunLoops, TheDefaultModeIsCommonFromTheStart) {
-    EXPECT_TRUE([[CommonModes() objectAtIndex:0] isEqual:NSDefaultRunLoopMode]);
+    EXPECT_TRUE([[common_modes() objectAtIndex:0] isEqual:NSDefaultRunLoopMode]);
 }
 
 TEST(RunLoops, AnAddedModeIsCommonOnce) {
-    const NSUInteger before = [CommonModes() count];
+    const NSUInteger before = [common_modes() count];
     CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), CFSTR("TestMode"));
     CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), CFSTR("TestMode"));
     CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), nullptr);
-    EXPECT_EQ([CommonModes() count], before + 1);
-    EXPECT_TRUE([CommonModes() containsObject:@"TestMode"]);
+    EXPECT_EQ([common_modes() count], before + 1);
+    EXPECT_TRUE([common_modes() containsObject:@"TestMode"]);
 }
 
 TEST(RunLoops, TheModesHaveFoundationsNames) {

@@ -27,7 +27,9 @@ class String {
     CFStringRef string_;
 };
 
-CFStringRef name(const std::string& bytes) { return CreateNameString(bytes.data(), bytes.size()); }
+CFStringRef name(const std::string& bytes) {
+    return create_name_string(bytes.data(), bytes.size());
+}
 
 CFStringRef utf8(const char* text) {
     return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
@@ -175,17 +177,17 @@ TEST(NameStrings, KeepOtherCharactersAndRefuseWhatIsNotUtf8) {
 TEST(PassingNames, AreEachTheirOwnTextAlsoInMemoryUsedAgain) {
     for (const std::string text :
          {"a long name that was there before.txt", "b", "d\u00E9j\u00E0 vu"}) {
-        CFStringRef passing = CreatePassingNameString(text.data(), text.size());
+        CFStringRef passing = create_passing_name_string(text.data(), text.size());
         EXPECT_STREQ([(NSString*)passing UTF8String], text.c_str());
         CFRelease(passing);
     }
 }
 
 TEST(PassingNames, OneThatIsKeptStaysWhatItIs) {
-    NSString* kept = (NSString*)CreatePassingNameString("kept", 4);
+    NSString* kept = (NSString*)create_passing_name_string("kept", 4);
     [kept retain];
     [kept release];
-    CFStringRef next = CreatePassingNameString("next", 4);
+    CFStringRef next = create_passing_name_string("next", 4);
     EXPECT_STREQ([kept UTF8String], "kept");
     CFRelease(next);
     [kept release];
@@ -193,7 +195,7 @@ TEST(PassingNames, OneThatIsKeptStaysWhatItIs) {
 
 TEST(PassingNames, MayBeLongerThanANameOfAFile) {
     const std::string text(3000, 'x');
-    CFStringRef passing = CreatePassingNameString(text.data(), text.size());
+    CFStringRef passing = create_passing_name_string(text.data(), text.size());
     EXPECT_EQ(CFStringGetLength(passing), 3000);
     CFRelease(passing);
 }
@@ -205,7 +207,7 @@ TEST(PassingNames, AreMadeAndReleasedByManyThreads) {
         threads.emplace_back([i, &wrong] {
             const std::string text(static_cast<size_t>(20 + i), static_cast<char>('a' + i));
             for (int round = 0; round < 5000; round++) {
-                CFStringRef passing = CreatePassingNameString(text.data(), text.size());
+                CFStringRef passing = create_passing_name_string(text.data(), text.size());
                 char bytes[64] = "";
                 CFStringGetCString(passing, bytes, sizeof bytes, kCFStringEncodingUTF8);
                 if (text != bytes) wrong++;
