@@ -8,12 +8,7 @@
 
 #include "file_steps/visible_text.h"
 #include "finderkit/context_menu.h"
-
-// The plug-in's classes, as far as they are asked for by name.
-@interface NSObject (PlugInQuestions)
-- (void*)tree;
-+ (NSString*)stringPathForTree:(void*)tree;
-@end
+#include "finderkit/plug_in_items.h"
 
 // A pick that comes to nothing without having tried.
 @interface PickWatch : NSObject {
@@ -39,12 +34,6 @@ std::function<void(const OpenProblem&)>& listener() {
 
 void hear(const char* file, const char* program, const char* reason) {
     if (listener()) listener()({file, program, reason});
-}
-
-// The plug-in knows files by paths that are text, and does nothing with one that has none.
-bool has_path(NSMenuItem* item) {
-    void* tree = [(id)item tree];
-    return !tree || [NSClassFromString(@"DVDelvio") stringPathForTree:tree] != nil;
 }
 
 std::string subject_of(const OpenProblem& problem) {
@@ -106,8 +95,8 @@ void show_alert(const std::string& title, const std::string& text) {
 
 - (void)willPick:(NSNotification*)notification {
     NSMenuItem* item = [[notification userInfo] objectForKey:@"MenuItem"];
-    Class item_class = NSClassFromString(@"DVMenuItem");
-    _isNameless = item_class && [item isKindOfClass:item_class] && !has_path(item);
+    // The plug-in does nothing with a file whose path is no text.
+    _isNameless = StandsForFile(item) && !PathOfItem(item);
     _openings = CountOfOpenings();
 }
 

@@ -9,13 +9,8 @@
 #include <string.h>
 
 #include "finderkit/applications_folder.h"
+#include "finderkit/plug_in_items.h"
 #include "finderkit/preview_placement.h"
-
-// The plug-in's items, as far as they are asked for by name.
-@interface NSObject (PlugInItems)
-- (void*)tree;
-+ (const char*)nameForTree:(void*)tree;
-@end
 
 namespace {
 
@@ -48,9 +43,7 @@ void* code_handle(NSBundle* bundle, std::string* problem) {
 // "3 selected items" and "Running apps" stand for the first of those that they head, and would open
 // that. Every other item has the name of what it stands for; one that is no text has none to show.
 BOOL only_heads_submenu(NSMenuItem* item) {
-    Class item_class = NSClassFromString(@"DVMenuItem");
-    if (!item_class || ![item isKindOfClass:item_class] || ![(id)item tree]) return NO;
-    const char* name = [item_class nameForTree:[(id)item tree]];
+    const char* name = NameOfItem(item);
     return name && [NSString stringWithUTF8String:name] &&
            strcmp(name, [[item title] UTF8String] ?: "") != 0;
 }

@@ -1,12 +1,7 @@
 #include "popup/menu_reading.h"
 
+#include "finderkit/plug_in_items.h"
 #include "popup/host_menu.h"
-
-// The plug-in's classes, as far as they are asked for by name.
-@interface NSObject (PlugInQuestions)
-- (void*)tree;
-+ (NSString*)stringPathForTree:(void*)tree;
-@end
 
 namespace {
 
@@ -16,15 +11,6 @@ constexpr double highest_component = 255;
 std::string without_slash(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path;
-}
-
-std::string path_of(NSMenuItem* item) {
-    Class item_class = NSClassFromString(@"DVMenuItem");
-    Class controller = NSClassFromString(@"DVDelvio");
-    if (!item_class || ![item isKindOfClass:item_class]) return {};
-    void* tree = [(id)item tree];
-    if (!tree || ![controller respondsToSelector:@selector(stringPathForTree:)]) return {};
-    return without_slash(TextOf([controller stringPathForTree:tree]));
 }
 
 int byte_of(double component) { return static_cast<int>(component * highest_component + 0.5); }
@@ -46,7 +32,7 @@ std::unique_ptr<ItemDetails> read_details(NSMenuItem* item) {
     details->color = color_of(item);
     details->tag = [item tag];
     details->plugin = ![HostMenu madeItem:item];
-    details->path = path_of(item);
+    details->path = without_slash(TextOf(PathOfItem(item)));
     if ([item hasSubmenu]) details->submenu_title = TextOf([[item submenu] title]);
     return details;
 }

@@ -15,6 +15,7 @@
 
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in.h"
+#include "finderkit/plug_in_items.h"
 #include "plugin/loader/recording_host.h"
 #include "plugin/loader/walking_tracker.h"
 #include "support/app.h"
@@ -272,6 +273,8 @@ std::string text_of(const lines_t& lines) {
 }
 
 }  // namespace
+
+TEST_F(Bundle, AnswersAllThatHostsAskAboutItsItems) { EXPECT_STREQ(MissingAnswer(), nullptr); }
 
 TEST_F(Bundle, IsKnownByItsInformation) {
     NSBundle* bundle = [NSBundle bundleForClass:objc_getClass("DVDelvio")];

@@ -1,0 +1,17 @@
+// What a host may ask about the items that the plug-in puts into menus. No other file names the
+// plug-in's classes. Main thread.
+#pragma once
+
+#include <AppKit/AppKit.h>
+
+// Whether the item is the plug-in's and stands for a file.
+bool StandsForFile(NSMenuItem* item);
+
+// The path of that file; nil for other items, and for a path that is no text.
+NSString* PathOfItem(NSMenuItem* item);
+
+// The file's name as the plug-in shows it; null for other items. It lives as long as the menu.
+const char* NameOfItem(NSMenuItem* item);
+
+// The name of a question that the loaded plug-in cannot be asked, or null when it answers all.
+const char* MissingAnswer();

@@ -1,0 +1,41 @@
+#include "finderkit/plug_in_items.h"
+
+@interface NSObject (PlugInQuestions)
+- (void*)tree;
++ (const char*)nameForTree:(void*)tree;
++ (NSString*)stringPathForTree:(void*)tree;
+@end
+
+namespace {
+
+// Null before the plug-in is loaded.
+Class item_class() { return NSClassFromString(@"DVMenuItem"); }
+Class controller() { return NSClassFromString(@"DVDelvio"); }
+
+void* tree_of(NSMenuItem* item) {
+    const bool is_plug_ins = item_class() && [item isKindOfClass:item_class()];
+    return is_plug_ins ? [(id)item tree] : nullptr;
+}
+
+}  // namespace
+
+bool StandsForFile(NSMenuItem* item) { return tree_of(item) != nullptr; }
+
+NSString* PathOfItem(NSMenuItem* item) {
+    void* tree = tree_of(item);
+    return tree ? [controller() stringPathForTree:tree] : nil;
+}
+
+const char* NameOfItem(NSMenuItem* item) {
+    void* tree = tree_of(item);
+    return tree ? [item_class() nameForTree:tree] : nullptr;
+}
+
+const char* MissingAnswer() {
+    if (![item_class() instancesRespondToSelector:@selector(tree)]) return "tree";
+    if (![item_class() respondsToSelector:@selector(nameForTree:)]) return "nameForTree:";
+    if (![controller() respondsToSelector:@selector(stringPathForTree:)]) {
+        return "stringPathForTree:";
+    }
+    return nullptr;
+}
