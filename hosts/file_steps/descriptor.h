@@ -1,4 +1,4 @@
-// A file descriptor that is closed with its owner.
+// A file descriptor that its owner closes when it is destroyed.
 #pragma once
 
 #include <unistd.h>
@@ -20,14 +20,14 @@ class Descriptor {
 
     int get() const { return number_; }
     explicit operator bool() const { return number_ >= 0; }
-    // False when what was written could not be kept (some file systems say so only now).
+    // False when the written bytes could not be kept (some file systems report that only now).
     bool close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
 
   private:
     int number_;
 };
 
-// All of it, whatever a single write takes. False with errno when it does not go.
+// Writes all bytes, in several writes if one is not enough. False with errno on failure.
 bool WriteAll(int file, const void* bytes, size_t size);
 
 }  // namespace operations

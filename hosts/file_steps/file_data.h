@@ -7,16 +7,16 @@
 
 namespace operations {
 
-// Sent after each piece with its size; false ends the copying with ECANCELED.
+// Called after each piece with its size; false ends the copying with ECANCELED.
 using PieceDone = std::function<bool(uint64_t)>;
 
-// Copies all of `source` to the new, empty `target`; `size` and `blocks` (of 512 bytes) are what
-// the source is known to hold. Shares the blocks where the file system can, keeps holes. Returns
-// 0 or an error number; ESTALE when the source turned out to have another size.
+// Copies all of `source` to the new, empty `target`; `size` and `blocks` (of 512 bytes) are the
+// expected size of the source. Shares the blocks where the file system can, and keeps holes.
+// Returns 0 or an error number; ESTALE when the source turned out to have another size.
 int CopyData(int source, int target, uint64_t size, uint64_t blocks, const PieceDone& done);
 
-// Compares what both hold, the target as its disk has it. 0 when they are the same, EBADMSG when
-// not, else what went wrong.
+// Compares the bytes of both files; the target is read as its disk has it. Returns 0 when they are
+// the same, EBADMSG when they differ, else the error number.
 int CompareData(int source, int target, const PieceDone& done);
 
 }  // namespace operations

@@ -1,4 +1,4 @@
-// Folders, by descriptor and name, so that no path is too long and no link leads elsewhere.
+// Folders, used by descriptor and name, so that no path is too long and no link leads elsewhere.
 #pragma once
 
 #include <stdint.h>
@@ -11,41 +11,42 @@
 
 namespace operations {
 
-// How many folders that stand in one another are copied: so few that neither the open files nor the
+// How many levels of nested folders are copied: few enough that neither the open files nor the
 // stack of a thread run out.
 constexpr int deepest_folder = 300;
 
-// Without following a link at its name.
+// Opens the folder; does not follow a link at its name.
 Descriptor OpenFolder(int parent, const char* name);
 
 // All names but "." and "..", in the folder's order. False with errno.
 bool ReadNames(int folder, std::vector<std::string>* names);
 
-// The state of what stands at the name, a link itself and not its target. False with errno.
+// Reads the state of the entry with this name; of a link itself and not of its target. False with
+// errno.
 bool Look(int folder, const char* name, struct stat* what);
 
-// Whether a question that failed so says that nothing is there. Every other error leaves it open:
-// a disk that does not answer may hold what was asked for.
+// Whether this error number means that nothing is there. Every other error leaves that open: a disk
+// that does not answer may hold the file.
 bool IsMissing(int error);
 
-// The absolute path of an open folder, no link in it; empty with errno once it has been removed.
+// The absolute path of an open folder, without links; empty with errno once it has been removed.
 std::string PathOf(int folder);
 
-// What tells mounts apart, also several of one disk. 0 with errno.
+// A number that differs from mount to mount, even for mounts of one disk. 0 with errno.
 uint64_t MountOf(int file);
 
-// Renames what stands at one name to another that must be free, in one step. False with errno:
-// EEXIST when it is not free, EXDEV when it is on another file system.
+// Renames an entry to a name that must be free, in one step. False with errno: EEXIST when the name
+// is taken, EXDEV when it is on another file system.
 bool MoveFree(int from_folder, const std::string& from, int to_folder, const std::string& to);
 
-// Removes whatever stands at the name, folders with all that is in them, also read-only ones of
-// our own; never what is mounted there. Goes on after a failure. False when something is left.
+// Removes the entry, a folder with everything in it, even read-only folders of this user; never
+// another mount. Goes on after a failure. False when something is left.
 bool RemoveTree(int folder, const char* name);
 
-// Makes the folder and those above it, private to the user. False with errno.
+// Makes the folder and its missing parents, private to the user. False with errno.
 bool MakeFolders(const std::string& path);
 
-// "/a/b/c" is "/a/b" and "c".
+// For "/a/b/c": "/a/b" and "c".
 std::string ParentOf(const std::string& path);
 std::string NameOf(const std::string& path);
 

@@ -1,12 +1,12 @@
-// Work in a process of its own, which nobody waits for. Any thread.
+// Work in a process of its own, which nobody waits for. Callable from any thread.
 #pragma once
 
 #include <functional>
 
 namespace operations {
 
-// Returns at once. The work ends with its process after ten minutes: a disk may never answer. It
-// must not rely on anything that other threads of this process may hold.
+// Returns at once. The process is ended after ten minutes, because a disk may never answer. The
+// work must not use anything that other threads of this process may hold, such as locks.
 void RunAlone(const std::function<void()>& work);
 
 }  // namespace operations

@@ -1,13 +1,14 @@
-// Names for what keeps both, and for aliases whose name is taken. In bytes; never longer than
-// NAME_MAX: what is too long loses the end of its stem, by whole characters of UTF-8.
+// Names for copies that are kept beside the original name, and for aliases whose name is taken. A
+// name is never longer than NAME_MAX bytes: a long one loses the end of its stem, by whole UTF-8
+// characters.
 #pragma once
 
 #include <string>
 
 namespace operations {
 
-// "notes.txt" becomes "notes copy.txt" at the first try, then "notes copy 2.txt"; the name of a
-// folder has no extension. `attempt` counts from 1.
+// "notes.txt" becomes "notes copy.txt" at the first attempt, then "notes copy 2.txt". A folder's
+// name has no extension. `attempt` counts from 1.
 std::string CopyName(const std::string& name, bool is_folder, unsigned attempt);
 
 // "notes.txt" at attempt 0, then "notes.txt alias", "notes.txt alias 2".

@@ -1,11 +1,11 @@
-// Where the engine keeps what it must know after its process has ended.
+// Where the engine keeps the files that must outlive its process.
 #pragma once
 
 #include <string>
 
 namespace operations {
 
-// $XDG_STATE_HOME/delvio, by default ~/.local/state/delvio. Not made here.
+// $XDG_STATE_HOME/delvio, by default ~/.local/state/delvio. This function does not make it.
 std::string StateFolder();
 
 }  // namespace operations

@@ -1,6 +1,6 @@
-// Everything that the engine makes for a while has a name of its own, and stands in a journal as
-// long as it may be there: what a killed process leaves behind is found and removed at the next
-// start. Any thread.
+// Every temporary file of the engine has a name with a known prefix, and a journal lists its folder
+// while it may exist. The files that a killed process leaves behind are therefore found and removed
+// at the next start. Any thread.
 #pragma once
 
 #include <string>
@@ -9,19 +9,19 @@
 
 namespace operations {
 
-// The right to make things in a folder whose names begin with prefix().
+// The right to make temporary files, whose names begin with prefix(), in a folder.
 class Temporaries {
   public:
-    // Journals the open folder. Then problem() is empty, or why it cannot be done.
+    // Writes the journal of the open folder. problem() then says why that failed, or is empty.
     Temporaries(const std::string& state_folder, int folder);
-    // Takes the entry back. Everything must have been removed by then.
+    // Removes the journal. The temporary files must have been removed before.
     ~Temporaries();
     Temporaries(const Temporaries&) = delete;
     Temporaries& operator=(const Temporaries&) = delete;
 
     const std::string& prefix() const { return prefix_; }
     const std::string& problem() const { return problem_; }
-    // Something could not be removed: leaves it to the next start.
+    // Keeps the journal, because a file could not be removed: the next start removes it.
     void leave() { leaves_ = true; }
 
   private:
@@ -33,12 +33,13 @@ class Temporaries {
     bool leaves_ = false;
 };
 
-// Removes what ended processes left behind, as far as it can be reached. Never what belongs to a
-// process that still lives, or has a name that is in no journal. Waits for disks, but for no lock.
+// Removes the files that ended processes left behind, where they can be reached. Never removes
+// files of a running process, or files that no journal names. Waits for disks, but for no lock.
 void RemoveLeftTemporaries(const std::string& state_folder);
 
-// The same in processes of their own, which nobody waits for; returns at once. A disk that does not
-// answer holds up one of them, and no later one asks it while that one waits.
+// Does the same in processes of their own, which nobody waits for; returns at once. A disk that
+// does not answer holds up one of these processes; later ones skip its journal while that one
+// waits.
 void BeginToRemoveLeftTemporaries(const std::string& state_folder);
 
 }  // namespace operations

@@ -1,4 +1,4 @@
-// Which folders are the trash of what stands in a folder, and what keeps one from being used.
+// Which trash folders serve the files of a folder, and why one cannot be used.
 #pragma once
 
 #include <string>
@@ -14,16 +14,17 @@ struct TrashFolder {
     bool is_home = false;
 };
 
-// In the order in which they are tried, for what is in the open folder. `path` is the folder's.
+// The trash folders for the entries of the open folder, the first choice first. `path` is the
+// folder's path.
 std::vector<TrashFolder> TrashFoldersOf(int folder, const std::string& path);
 
 // An open trash.
 struct OpenTrash {
     Descriptor files, info;
-    std::string problem;  // in words, why it cannot be used; else empty
+    std::string problem;  // a sentence: why it cannot be used; else empty
 };
 
-// Makes what is missing of it. Only folders of this user are used, and no links.
+// Opens the trash and makes its missing parts. Uses only this user's folders, and follows no links.
 OpenTrash OpenTrashFolder(const TrashFolder& trash);
 
 }  // namespace operations

@@ -1,4 +1,4 @@
-// Copies trees entry by entry, and takes away those that were moved so. The worker thread.
+// Copies trees entry by entry, and removes the sources of moves. For the worker thread.
 #pragma once
 
 #include <sys/stat.h>
@@ -12,7 +12,7 @@
 
 namespace operations {
 
-// Where something stands: in an open folder, under a name; the path is for messages.
+// Where an entry is: its open folder and its name; the path is for messages.
 struct Place {
     int folder;
     std::string name;
@@ -21,30 +21,30 @@ struct Place {
 
 class TreeCopy {
   public:
-    // `destination` is the open folder of every target; what else is made there for a while gets
-    // names that begin with `prefix`. With `for_move` what was copied is remembered, and what could
-    // not be removed afterwards is refused.
+    // `destination` is the open folder of every target; temporary files in it get names that begin
+    // with `prefix`. With `for_move`, TreeCopy remembers what it copied, and refuses a source that
+    // it could not remove afterwards.
     TreeCopy(Work& work, int destination, const std::string& prefix, bool for_move);
     TreeCopy(const TreeCopy&) = delete;
     TreeCopy& operator=(const TreeCopy&) = delete;
 
-    // The target must not be there. On failure it may be there in part.
+    // The target must not exist. After a failure a part of it may exist.
     bool copy(const Place& source, const Place& target);
 
-    // Has the disk take everything that was copied since the last time. `path` is for messages.
+    // Writes everything copied since the last call to the disk. `path` is for messages.
     bool sync(const std::string& path);
 
-    // Of a source copied for a move: whether it is still as it was copied, and the copy, read
-    // again, has the same bytes.
+    // For a source that was copied for a move: whether it is still as it was copied, and whether
+    // the copy, read again, has the same bytes.
     bool check(const Place& source, const Place& target);
-    // Removes a source that was copied for a move, but nothing that came or changed since.
+    // Removes a source that was copied for a move, but nothing that was added or changed since.
     bool remove(const Place& source);
-    // Removes what was made for a while. False when some of it is left.
+    // Removes the temporary files. False when some are left.
     bool finish();
-    // Forgets the sources so far.
+    // Forgets the sources copied so far.
     void forget() { stamps_.clear(); }
 
-    // Whether a file got several names since the last call.
+    // Whether a file got a second name (a hard link) since the last call.
     bool take_linked() { return std::exchange(linked_, false); }
 
   private:
@@ -87,7 +87,7 @@ class TreeCopy {
     size_t written_ = 0;
     std::vector<Descriptor> unsynced_;
     std::map<Identity, std::string> link_names_;
-    std::vector<std::string> made_;  // for a while
+    std::vector<std::string> made_;  // temporary names
     std::map<Identity, Stamp> stamps_;
 };
 

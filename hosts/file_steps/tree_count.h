@@ -1,4 +1,4 @@
-// Counts what there is to copy, beside the copying, on a thread of its own.
+// Counts the files to copy on a thread of its own, while the copying goes on.
 #pragma once
 
 #include <stdint.h>
@@ -12,9 +12,9 @@ namespace operations {
 
 class TreeCount {
   public:
-    // Begins to count the sources from the index on; `items` and `bytes` are done already.
+    // Begins to count the sources from index `from` on; `items` and `bytes` are already done.
     TreeCount(const std::vector<std::string>& sources, size_t from, uint64_t items, uint64_t bytes);
-    // Ends the count where it is.
+    // Stops the count, finished or not.
     ~TreeCount();
 
     bool is_done() const { return done_; }

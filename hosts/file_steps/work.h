@@ -1,4 +1,4 @@
-// What the steps of one request share: whom to tell, and what went wrong. The worker thread.
+// Shared by the steps of one request: its observer, and its first problem. For the worker thread.
 #pragma once
 
 #include <string>
@@ -13,26 +13,28 @@ class Work {
   public:
     explicit Work(Observer& observer) : observer_(observer) {}
 
-    // Keeps the first problem, as a line: what, the name in quotes, the error. Always false.
+    // Keeps the first problem, as one line: `what`, the name in quotes, the error. Always returns
+    // false.
     bool fail(const std::string& what, const std::string& path, int error);
-    // The same of a whole line.
+    // The same with the whole line given.
     bool fail(const std::string& line);
-    // What could not be kept of something that went well otherwise. Kept once.
+    // Keeps the first remark: what could not be kept of an otherwise successful operation.
     void remark(const std::string& line);
-    // The problem or remark so far; none afterwards.
+    // Returns the problem or remark so far, and clears it.
     std::string take_problem();
     std::string take_remark();
     bool has_failed() const { return !problem_.empty(); }
 
-    // Tells of progress. False when the user wants no more; then that is the problem.
+    // Reports progress. False when the user has cancelled; that then is the problem.
     bool advance(const std::string& path, uint64_t items, uint64_t bytes);
     uint64_t bytes_done() const { return progress_.bytes_done; }
-    // Totals of so many things, none of which is looked into.
+    // Sets the total when no folder is looked into: each counts as one item.
     void set_items(uint64_t items) { progress_.items_total = items; }
-    // Totals from a count that goes on beside the work; it must outlive the work.
+    // Takes the totals from a count that runs during the work; the count must outlive the work.
     void set_count(const TreeCount* count) { count_ = count; }
     bool is_stopped() const { return stopped_; }
-    // The same question without news of progress, for what is tried again and again.
+    // Asks whether the user still wants the work, without reporting progress; for loops of
+    // attempts.
     bool is_wanted();
     void stop() { stopped_ = true; }
 
