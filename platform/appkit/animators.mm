@@ -14,7 +14,7 @@ constexpr NSTimeInterval window_fade_duration = 0.25, step_interval = 1.0 / 60;
 
 }  // namespace
 
-// Steps a window's alpha from a timer, while menus track, too.
+// Steps a window's alpha from a timer, also while menus track.
 @interface WindowFade : NSObject {
   @private
     NSWindow* _window;  // not retained: its fade ends with it
@@ -98,7 +98,7 @@ void deallocate_window(NSWindow* self, SEL selector) {
 
 @end
 
-// Hands what it does not know on to its owner, which does it at once.
+// Forwards every message that it does not know to its owner, which carries it out at once.
 @interface OwnerAnimator : NSProxy {
   @protected
     id _owner;  // retained
@@ -177,7 +177,7 @@ void deallocate_window(NSWindow* self, SEL selector) {
     return (id)[[[ViewAnimator alloc] initWithOwner:self] autorelease];
 }
 
-// Animations belong to few views; they are looked up by the view, which is not retained.
+// Few views have animations, so a table keeps them by view. It does not retain the view.
 - (void)setAnimations:(NSDictionary*)animations {
     NSDictionary* kept = [animations copy];
     [all_animations()[self] release];
@@ -189,7 +189,7 @@ void deallocate_window(NSWindow* self, SEL selector) {
     return found == all_animations().end() ? [NSDictionary dictionary] : found->second;
 }
 
-// There are no layers; what needs one on the Mac does without here.
+// There are no layers; everything that needs one on the Mac works without it here.
 - (void)setWantsLayer:(BOOL)wants {
     (void)wants;
 }

@@ -1,11 +1,12 @@
-// A desktop entry is the bundle of its application as far as it has one.
+// Bundles of applications that are installed by a desktop entry: the entry stands in for the
+// bundle.
 #include <AppKit/AppKit.h>
 
 #include "appkit/workspace_paths.h"
 #include "desktop/installed_applications.h"
 #include "objc/method_patch.h"
 
-// Holds no code and no resources.
+// A bundle without code and resources.
 @interface ApplicationEntryBundle : NSBundle {
   @private
     NSString* _entry;
@@ -16,7 +17,7 @@
 
 @implementation ApplicationEntryBundle
 
-// NSBundle's own would look for a folder.
+// NSBundle's own initializer would look for a folder.
 - (instancetype)initWithApplication:(const files::InstalledApplication&)application {
     NSString* identifier = [NSString stringWithUTF8String:application.id.c_str()];
     NSString* name = [NSString stringWithUTF8String:application.name.c_str()];

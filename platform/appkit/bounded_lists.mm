@@ -1,6 +1,6 @@
-// GNUstep reads property lists of folders that are only looked at: the information of a bundle, the
-// user's defaults. Here its parser is kept from those that would end the process, and its reading
-// from what is no plain file.
+// GNUstep reads property lists, such as a bundle's information or the user's defaults, even in a
+// folder that somebody only looks at. Here its parser gets no list that would end the process, and
+// it reads plain files only.
 #include <Foundation/Foundation.h>
 
 #include <fcntl.h>
@@ -33,7 +33,8 @@ id parse(Class self, SEL selector, NSData* data, NSPropertyListReadOptions optio
     return reinterpret_cast<parse_t>(stock_parse)(self, selector, data, options, format, error);
 }
 
-// -1 for what is no plain file of a bearable size. Opening a pipe must not wait for its writer.
+// -1 unless the path leads to a plain file of at most `largest_file` bytes. Opening a pipe must not
+// wait for its writer.
 int open_list(NSString* path) {
     const char* name = [path length] > 0 ? [path fileSystemRepresentation] : nullptr;
     struct stat status;
@@ -47,7 +48,7 @@ int open_list(NSString* path) {
     return -1;
 }
 
-// Reads the very file that was looked at, whatever its path leads to by now.
+// Reads the very file that was checked, even if the path leads to another one now.
 id read_list(id self, SEL selector, NSString* path, IMP stock) {
     const int file = open_list(path);
     if (file < 0) {
@@ -55,7 +56,7 @@ id read_list(id self, SEL selector, NSString* path, IMP stock) {
         return nil;
     }
     NSString* opened = [NSString stringWithFormat:@"/proc/self/fd/%d", file];
-    // GNUstep would log what it cannot read, each time that somebody looks at the folder.
+    // GNUstep would log an unreadable list each time that somebody looks at the folder.
     if (is_bounded_data([NSData dataWithContentsOfFile:opened])) {
         self = reinterpret_cast<id (*)(id, SEL, NSString*)>(stock)(self, selector, opened);
     } else {

@@ -24,7 +24,7 @@ constexpr double least_width = 64, least_height = 48;
 
 BesideMenusQuestion is_wanted;
 
-// What a card's place follows from.
+// Everything that decides a card's place.
 struct card_cause_t {
     NSRect shown;  // in the content's points
     bool is_blank;
@@ -39,7 +39,7 @@ struct card_cause_t {
 struct card_t {
     menu_look_t look;
     bool composed;
-    NSSize base;  // of the content before it was a card
+    NSSize base;  // the content's, before it was a card
     area_t area = {};
     card_cause_t cause = {};
 
@@ -54,7 +54,7 @@ std::vector<NSWindow*>& cards() {
 
 }  // namespace
 
-// Below all that the window shows.
+// The card's ground, below everything that the window shows.
 @interface CardView : NSView {
   @public
     card_t* card;
@@ -129,7 +129,7 @@ NSRect shown_area(NSWindow* window) {
     return shown;
 }
 
-// Around a small thing, or where one will be.
+// The shown area, or the middle of an empty content, widened to the least size of a card.
 NSRect widened(NSRect shown, NSSize base) {
     if (NSIsEmptyRect(shown)) shown = NSMakeRect(base.width / 2, base.height / 2, 0, 0);
     return NSInsetRect(shown, -std::max(0.0, least_width - NSWidth(shown)) / 2,
@@ -165,7 +165,7 @@ area_t place_card(const card_t& card, const menu_level_t& deepest) {
                        deepest.screen(), screen_margin, card.pixels(gap), deepest.side());
 }
 
-// The content's points go where the card's inner part is.
+// Places the window and scales its content so that the shown part fits into the card.
 void fit_window(NSWindow* window, CardView* view) {
     const card_t& card = *view->card;
     const int room = card.margin(), pad = card.pixels(padding);
@@ -206,7 +206,7 @@ void make_card(NSWindow* window) {
     view->card->cause = {};
 }
 
-// As large as its program made it, in points.
+// Gives the window the size that its program gave it, in points.
 void make_plain(NSWindow* window) {
     NSView* content = [window contentView];
     CardView* view = card_view(window);
@@ -248,7 +248,7 @@ void update_card(NSWindow* window) {
     CardView* view = card_view(window);
     area_t levels = {};
     const menu_level_t* deepest = view ? find_levels(&levels) : nullptr;
-    if (!deepest) return;  // it stays where it is while the menu goes
+    if (!deepest) return;  // the card stays where it is while the menu closes
     const NSRect shown = shown_area(window);
     const card_cause_t cause = {widened(shown, view->card->base), NSIsEmptyRect(shown) != NO,
                                 levels, deepest->panel()};

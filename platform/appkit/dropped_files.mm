@@ -1,7 +1,7 @@
-// Drags that come from other programs. GNUstep drops the drag's pasteboard whenever a drag leaves
-// a window, and asks the pasteboard server for it again when it enters the next one; it handles
-// further events while it waits for the answer, so that a pasteboard which is just going away can
-// be taken up once more, and the program ends. One that is held does not go away.
+// Drags that come from other programs. GNUstep drops the drag's pasteboard whenever a drag leaves a
+// window, and asks the pasteboard server for it again when the drag enters the next one. While
+// GNUstep waits for the answer it handles further events, so it can take up a pasteboard that is
+// just going away, which ends the program. A pasteboard that is held here does not go away.
 #include <AppKit/AppKit.h>
 
 #include "objc/method_patch.h"
@@ -24,7 +24,7 @@ void set_up_drag(id self, SEL selector, void* event) {
 
 @implementation DroppedFilesInstaller
 
-// The class is the back end's, which may load after this library.
+// The class belongs to the back end, which may load after this library.
 + (void)load {
     if (objc_getClass("XGDragView")) return [self install];
     [[NSNotificationCenter defaultCenter] addObserver:self

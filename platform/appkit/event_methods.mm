@@ -1,4 +1,4 @@
-// What NSEvent says of this moment, where GNUstep always says 0.
+// What NSEvent answers about the present moment, where GNUstep always answers 0.
 #include <AppKit/AppKit.h>
 #include <host/modifier_keys.h>
 
@@ -23,7 +23,7 @@ NSUInteger pressed_mouse_buttons(id, SEL) {
 
 IMP stock_mouse_location;
 
-// GNUstep asks on the application's connection, which is the main thread's.
+// GNUstep asks over the application's connection, which belongs to the main thread.
 NSPoint mouse_location(id event_class, SEL selector) {
     const pointer_place_t place = pointer_place();
     if (place.display_height) return NSMakePoint(place.x, place.display_height - place.y);

@@ -1,6 +1,6 @@
-// Drags of files that other programs take. GNUstep's own speak an old version of the protocol and
-// never hand the files out; and they miss a release over another program's window when the press
-// was not in a window of this one. What is dragged without files goes GNUstep's way.
+// Drags of files to other programs. GNUstep's own drags speak an old version of the protocol, never
+// hand the files out, and miss a release over another program's window when the press was not in a
+// window of this program. A drag without files goes GNUstep's way.
 #include <host/glib_owners.h>
 #include <AppKit/AppKit.h>
 #include <host/file_drags.h>
@@ -34,7 +34,7 @@ std::string uri_list_of(NSPasteboard* pasteboard) {
     return list;
 }
 
-// Asked for by modifier keys; a copy when the target may choose.
+// The action that the modifier keys ask for; a copy when the target may choose.
 unsigned action_for(NSDragOperation operation) {
     if (operation == NSDragOperationLink) {
         return file_offer_t::shared()->action_named(file_offer_t::link);
@@ -85,12 +85,12 @@ void send_external(GSDragView* self, SEL selector, GSAppKitSubtype subtype, NSDr
 
 MachPort* offer_port;
 
-// A connection without a display behind it would be readable for ever.
+// A connection whose display has gone would stay readable for ever, so it is served no more.
 void answer_requests(void*) {
     if (!file_offer_t::shared()) [offer_port invalidate];
 }
 
-// Who got the files may ask for them long after the drag.
+// Answers requests from now on: a program may ask for dropped files long after the drag.
 bool serve_offer() {
     file_offer_t* offer = file_offer_t::shared();
     if (!offer) return false;
@@ -106,7 +106,7 @@ bool serve_offer() {
     return true;
 }
 
-// One of the drag's own variables; null in a toolkit that has no such.
+// One of the drag view's own variables; null in a toolkit that does not have it.
 template <typename type>
 type* variable(GSDragView* view, const char* name) {
     const Ivar found = class_getInstanceVariable([view class], name);
@@ -114,8 +114,8 @@ type* variable(GSDragView* view, const char* name) {
     return reinterpret_cast<type*>(reinterpret_cast<char*>(view) + ivar_getOffset(found));
 }
 
-// To GNUstep, Command alone asks for an operation that other programs do not know and so cannot
-// accept; and without the keyboard it would not see the key let go.
+// With Command alone GNUstep asks for an operation that other programs do not know and so cannot
+// accept. Without the keyboard, GNUstep also does not see that the key is let go.
 BOOL update_operations(GSDragView* self, SEL selector, NSEvent* event) {
     using update_t = BOOL (*)(id, SEL, NSEvent*);
     const BOOL changed = reinterpret_cast<update_t>(stock_update)(self, selector, event);
@@ -142,7 +142,7 @@ void install_on(GSDragView* view) {
 
 }  // namespace
 
-// Of the toolkit's own.
+// A private method of the toolkit.
 @interface GSDragView (LocalTargets)
 - (void)_sendLocalEvent:(GSAppKitSubtype)subtype
                  action:(NSDragOperation)action
@@ -151,7 +151,7 @@ void install_on(GSDragView* view) {
                toWindow:(NSWindow*)window;
 @end
 
-// Ends GNUstep's loop when the button is let go where it does not see it, and at Escape.
+// Ends GNUstep's drag loop at Escape, and when the button is let go where the loop does not see it.
 @interface ReleaseWatch : NSObject {
   @private
     GSDragView* _view;  // not retained
@@ -165,8 +165,8 @@ void install_on(GSDragView* view) {
 
 namespace {
 
-// Takes what may be dropped from the drag, so that its end is none; a target is left, a window of
-// this program here, others by the offer.
+// Makes the drag allow no operation, so that it ends without a drop. The drag leaves a target in
+// this program here; the offer leaves a target in another program.
 void drop_nothing(GSDragView* view) {
     if (auto* allowed = variable<NSDragOperation>(view, "dragMask")) *allowed = NSDragOperationNone;
     const BOOL* external = variable<BOOL>(view, "destExternal");
@@ -203,7 +203,7 @@ void drop_nothing(GSDragView* view) {
     _timer = nil;
 }
 
-// Twice, for the loop's own event comes first where there is one.
+// Acts at the second look that finds the button up: the loop's own event, if any, comes first.
 - (void)look:(NSTimer*)timer {
     (void)timer;
     file_offer_t* offer = file_offer_t::shared();
@@ -249,7 +249,7 @@ void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize
     file_offer_t* offer = file_offer_t::shared();
     const bool held = offer->hold_pointer();
     if (!offer->button_is_down()) {
-        // Let go before the drag began: a drop on whatever is there was not meant.
+        // The button was let go before the drag began, so the user did not mean to drop anything.
         if (held) offer->let_pointer_go();
         return end_without_drag(source, image);
     }
@@ -271,7 +271,7 @@ void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize
     }
 }
 
-// A target that asked for the files while the drag was still above it says only that it is done.
+// A target that has asked for the files while the drag was above it only says that it is done.
 bool target_is_done() {
     NSEvent* event = [NSApp nextEventMatchingMask:NSAppKitDefinedMask
                                         untilDate:[NSDate dateWithTimeIntervalSinceNow:looking]

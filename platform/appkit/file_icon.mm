@@ -10,7 +10,8 @@ namespace {
 
 const CGFloat default_size = 48;
 
-// A path in two: thousands of icons have the folder in common. Together they are the path again.
+// A path in two parts, as thousands of icons share the folder. Joined, the parts are the path
+// again.
 struct split_path_t {
     NSString *folder, *leaf;
 };
@@ -32,8 +33,8 @@ NSColor* clear_color() {
 
 }  // namespace
 
-// What GNUstep does with images that only name their file: the first look at the representations
-// loads them.
+// GNUstep's method for images that only name their file: it loads them at the first look at the
+// representations.
 @interface NSImage (FileReference)
 - (BOOL)_loadFromFile:(NSString*)fileName;
 @end
@@ -50,7 +51,7 @@ NSColor* clear_color() {
 
 @implementation FileIcon
 
-// Not by the stock method, which makes an array for the representations.
+// Avoids the stock initializer, which makes an array for the representations.
 - (instancetype)initWithPath:(NSString*)path {
     if (!(self = [self initAsPlainObject])) return nil;
     _size = NSMakeSize(default_size, default_size);
@@ -82,8 +83,8 @@ NSColor* clear_color() {
     return _leaf ? [_fileName stringByAppendingString:_leaf] : nil;
 }
 
-// A file's alternates are given one after the other, and what nobody has looked at is not yet one
-// image or another.
+// Items that are alternates of one file get their icons one after the other. Nobody can tell apart
+// two icons of the same path that have not been looked at, so such items share one.
 - (NSImage*)imageForMenuItem {
     static FileIcon* last;
     if (self == last || !_flags.syncLoad || _name) return self;
@@ -97,7 +98,7 @@ NSColor* clear_color() {
 - (BOOL)_loadFromFile:(NSString*)fileName {
     (void)fileName;
     if (!_flags.syncLoad) return YES;
-    _flags.syncLoad = NO;  // before: what gives pictures adds them
+    _flags.syncLoad = NO;  // first, as give_pictures() adds representations
     [_reps release];
     _reps = [NSMutableArray new];
     give_pictures(self, [self path]);

@@ -1,5 +1,5 @@
-// The Mac's own font names: programs take them for granted, and a nil font in a dictionary of
-// attributes ends it early.
+// Fonts under the Mac's own names. Programs take these names for granted, and a nil font would end
+// a dictionary of attributes early.
 #include <AppKit/AppKit.h>
 
 #include "objc/method_patch.h"
@@ -20,7 +20,7 @@ const struct {
     {@"Monaco", fixed_font},
 };
 
-// An installed font of the name comes first. Size 0 is the default size.
+// An installed font with the name comes first. Size 0 is the default size.
 NSFont* font_with_name(id self, SEL selector, NSString* name, CGFloat size) {
     auto stock = reinterpret_cast<NSFont* (*)(id, SEL, NSString*, CGFloat)>(stock_font);
     NSFont* font = stock(self, selector, name, size);

@@ -12,7 +12,7 @@ namespace {
 IMP stock_trial;
 bool first_failed;
 
-// As all do that tell what frames they draw.
+// Every window manager that tells what frames it draws names itself on the root window.
 bool a_window_manager_is_named(Display* display) {
     const Atom name = XInternAtom(display, "_NET_SUPPORTING_WM_CHECK", True);
     if (name == None) return false;
@@ -26,7 +26,8 @@ bool a_window_manager_is_named(Display* display) {
     return count > 0;
 }
 
-// One that is not named shows by the frame of the first style, which has a title.
+// A window manager that does not name itself shows by its frame for the first style, which has a
+// title. Without that frame, no other style is tried.
 BOOL try_frame(id self, SEL selector, unsigned style) {
     if (first_failed) return NO;
     const BOOL is_known =

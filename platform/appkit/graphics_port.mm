@@ -7,7 +7,7 @@
 #include "objc/method_patch.h"
 #include "x11/window_pixels.h"
 
-// Releases a context with the autorelease pool: callers of -graphicsPort own nothing.
+// Releases a context with the autorelease pool, as callers of -graphicsPort do not own it.
 @interface GraphicsPortOwner : NSObject {
   @private
     CGContextRef _context;

@@ -3,9 +3,9 @@
 
 #include <AppKit/AppKit.h>
 
-// Adds what the file at `path` shows as its icon: at least one picture, but where even GNUstep's
-// own are missing. One that nobody vouches for may replace it later. Asks the disk.
+// Adds the pictures of the icon of the file at `path`: at least one, unless even GNUstep's own are
+// missing. A picture that nobody vouches for may replace them later. Asks the disk.
 void give_pictures(NSImage* image, NSString* path);
 
-// Whether that can happen, by the name alone.
+// Whether such a picture may replace them, judged by the name alone.
 bool may_have_untrusted_picture(NSString* name);

@@ -28,10 +28,10 @@ namespace {
 IMP stock_icon;
 BOOL uses_stock_icons = NO;
 
-// In points; drawn crisp at these sizes, and at the first two in double resolution.
+// In points. Icons are crisp at these sizes, and at the first two also in double resolution.
 const int sizes[] = {16, 32, 48};
 const size_t most_icons = 512, largest_picture = 4 << 20;
-// Of a program that has no icon of its own, or none yet.
+// The key of a program that has no icon of its own, or none yet.
 const char program_key[] = "application/x-executable";
 
 NSBitmapImageRep* bitmap_of(GdkPixbuf* pixbuf) {
@@ -45,7 +45,7 @@ NSBitmapImageRep* bitmap_of(GdkPixbuf* pixbuf) {
     return bitmap;
 }
 
-// Of a plain file of a bearable size.
+// Reads only a plain file of at most `largest_picture` bytes.
 GdkPixbuf* read_picture(const std::string& file, int pixels) {
     std::string content;
     if (!files::read_small_file(file.c_str(), largest_picture, &content)) return nullptr;
@@ -75,7 +75,8 @@ std::string icon_file(std::vector<std::string> names, int pixels) {
     return find_icon(user_icon_theme(), names, pixels);
 }
 
-// The picture that a file names as its own and that nobody vouches for; empty for most.
+// The file of the picture that a key names by path and that nobody vouches for; empty for most
+// keys.
 std::string untrusted_file(const std::string& key) {
     const std::vector<std::string> names = icon_names(key);
     const bool is_path = !names.empty() && names[0][0] == '/';
@@ -110,7 +111,8 @@ NSImage* stock_image(NSWorkspace* workspace, NSString* path) {
     return stock(workspace, @selector(iconForFile:), path);
 }
 
-// GNUstep's own way for what the theme has no icon for. It would decode what it finds in a folder.
+// GNUstep's own pictures, for a key without an icon in the theme. GNUstep is not asked about the
+// folder itself: it would decode the picture that it finds in there.
 NSArray* plain_pictures(const std::string& key, NSString* path) {
     NSWorkspace* workspace = [NSWorkspace sharedWorkspace];
     NSImage* shared = key[0] == '@' ? stock_image(workspace, @"/usr")

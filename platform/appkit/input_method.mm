@@ -7,7 +7,7 @@
 
 namespace {
 
-// The one that waits to be opened, and on which display. There is one a process, and it stays.
+// The input method that waits to be opened, and its display. A process has one and keeps it.
 id waiting;
 Display* its_display;
 
@@ -20,12 +20,13 @@ BOOL open_later(id self, SEL, Display* display) {
 }
 
 void focus(id self, SEL selector, void* window) {
-    if (self == waiting) return;  // the first key does it
+    if (self == waiting) return;  // the first key sets the focus
     reinterpret_cast<void (*)(id, SEL, void*)>(stock_focus)(self, selector, window);
 }
 
-// The key goes to the input method, too, which would have seen it before the application did. True
-// if it keeps the key, as it does with the first of several that make a character.
+// Opens the input method and gives it the key, which it would otherwise have seen before the
+// application did. True if it keeps the key, as it does with the first of several that make a
+// character.
 bool open_with_key(id self, XKeyEvent* key, void* window) {
     waiting = nil;
     using open_t = BOOL (*)(id, SEL, Display*);
@@ -47,7 +48,7 @@ NSString* look_up(id self, SEL selector, XKeyEvent* key, void* window, KeySym* s
 
 }  // namespace
 
-// All or none: what is put off must be opened some time.
+// Replaces all three methods or none: an input method that is put off must be opened later.
 void put_off_input_method() {
     const method_patch_t patches[] = {
         {"XIMInputServer", "ximInit:", reinterpret_cast<IMP>(open_later), &stock_open},

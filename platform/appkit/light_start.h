@@ -1,7 +1,7 @@
-// Parts of a light start, each for the back end's classes when they have been loaded. Main thread.
+// Parts of a light start. Each is called once the back end's classes have been loaded. Main thread.
 #pragma once
 
-// The input method is opened by the first key.
+// Leaves the input method to be opened by the first key.
 void put_off_input_method();
-// Frames of windows are tried out only where a window manager may draw some.
+// Has GNUstep try out window frames only where a window manager may draw them.
 void leave_out_frame_trials();

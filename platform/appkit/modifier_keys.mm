@@ -3,15 +3,16 @@
 #include "x11/pointer_place.h"
 #include "x11/question_connection.h"
 
-// Xlib's names after AppKit's: some are the same.
+// Xlib's headers come after AppKit's, as some of their names are the same.
 #include <X11/XKBlib.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
 
 namespace {
 
-// The keys, each with the default that names another one for it. GNUstep's own choice, left Alt for
-// Command and right Alt for Option, leaves no Option on a keyboard that has AltGr on the right.
+// The keys, each with the user default that names another key in its place. GNUstep's own choice,
+// left Alt for Command and right Alt for Option, leaves no Option on a keyboard that has AltGr on
+// the right.
 const struct slot_t {
     NSString* default_name;
     KeySym symbol;
@@ -34,7 +35,7 @@ NSString* chosen_name(const slot_t& slot) {
     return [[NSUserDefaults standardUserDefaults] stringForKey:slot.default_name];
 }
 
-// What the user has chosen a key for it is not, besides, for something else.
+// A key that the user has chosen for a modifier loses its usual meaning.
 NSUInteger flags_of(KeySym symbol) {
     NSUInteger chosen = 0, usual = 0;
     for (const slot_t& slot : slots) {
@@ -45,7 +46,7 @@ NSUInteger flags_of(KeySym symbol) {
     return chosen ? chosen : usual;
 }
 
-// In whichever of its layouts the keyboard is.
+// The flags of the key in any of the keyboard's layouts.
 NSUInteger flags_of_key(Display* display, KeyCode code) {
     NSUInteger flags = 0;
     for (unsigned group = 0; group < XkbNumKbdGroups; group++) {

@@ -1,5 +1,6 @@
-// Named images without ImageMagick: to find the file of a name, even of one that no file has,
-// GNUstep asks every class of images for its endings, and that one loads all its modules to tell.
+// Named images without ImageMagick. To find the file of a name, GNUstep asks every image class for
+// its file endings, even when no such file exists, and ImageMagick's class loads all its modules to
+// answer.
 #include <AppKit/AppKit.h>
 
 #include "objc/method_patch.h"
@@ -7,7 +8,7 @@
 namespace {
 
 IMP stock_named, stock_types, stock_filtered_types, stock_tiles;
-thread_local bool is_looking;  // for the file of a name
+thread_local bool is_looking;  // the thread is looking for the file of a name
 
 class look_t {
   public:
@@ -27,17 +28,18 @@ id image_of_usual_type(id self, SEL selector, NSString* name) {
     return stock_image_named(self, selector, name);
 }
 
-// A name with an ending can be of any type.
+// Looks for files of the usual types, then, for a name with an ending, for files of any type.
 id image_named(id self, SEL selector, NSString* name) {
-    // GNU's run time finds a replaced class method even before +initialize: another one brings
-    // that.
+    // GNU's run time calls a replaced class method without +initialize before it. Any other message
+    // brings +initialize.
     [self self];
     id image = is_looking ? nil : image_of_usual_type(self, selector, name);
     const bool is_done = image || (!is_looking && [[name pathExtension] length] == 0);
     return is_done ? image : stock_image_named(self, selector, name);
 }
 
-// Those that GNUstep reads itself, which all images of the system are of, and what programs bring.
+// The types that GNUstep reads itself, which include all images of the system, and the types of
+// images that programs bring.
 NSArray* usual_types() {
     static NSArray* const types =
         [[[NSBitmapImageRep imageUnfilteredFileTypes] arrayByAddingObjectsFromArray:@[
@@ -51,13 +53,13 @@ NSArray* file_types(id self, SEL selector) {
     return reinterpret_cast<NSArray* (*)(id, SEL)>(stock_types)(self, selector);
 }
 
-// Asked for the ending of the file that was found.
+// GNUstep asks this about the ending of a file that it has found.
 NSArray* filtered_file_types(id self, SEL selector) {
     if (is_looking) return usual_types();
     return reinterpret_cast<NSArray* (*)(id, SEL)>(stock_filtered_types)(self, selector);
 }
 
-// The pictures that a theme makes its surfaces of are looked for like that, too.
+// GNUstep looks for the pictures of a theme's surfaces in the same way.
 id tiles_named(id self, SEL selector, NSString* name, NSInteger state) {
     const look_t look;
     return reinterpret_cast<id (*)(id, SEL, id, NSInteger)>(stock_tiles)(self, selector, name,

@@ -32,8 +32,8 @@ NSURL* file_url(const std::string& path) {
 
 bool is_bundle(const RunningProgram& program) { return program.application.ends_with(".app"); }
 
-// What Launch Services take for one, so that it can be picked: a program that runs many others,
-// such as a shell, has windows but cannot be given a file.
+// Whether Launch Services take the program for an application, so that the user can pick it. A
+// program that runs many others, such as a shell, has windows but cannot be given a file.
 bool is_application(const RunningProgram& program) {
     const std::string& path =
         program.application.empty() ? program.executable : program.application;

@@ -5,13 +5,13 @@
 
 #include <string>
 
-// Whether the system brings this file along, so that its pictures can be read here and at once.
-// Only looks at the name.
+// Whether the file comes with the system, so that its pictures can be read at once and in this
+// process. Looks only at the name.
 bool is_systems_own(const std::string& path);
 
-// Gives the image the picture that is in `file`, at once if it is known by now, else when it has
-// been decoded elsewhere; menus that show the image show that. Keeps the image as it is where there
-// is no such picture. Reads nothing and waits for nothing.
+// Gives the image the picture in `file`: at once if the picture is known already, else when it has
+// been decoded elsewhere. Menus that show the image then show the picture. An image without such a
+// picture stays as it is. The call reads nothing and waits for nothing.
 void show_untrusted_icon(NSImage* image, const std::string& file);
 
 // How many pictures are still to come.

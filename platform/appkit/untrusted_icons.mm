@@ -20,7 +20,7 @@ using thumbnails::Picture;
 
 const int side = 64;
 const size_t most_known = 512;
-// Between two looks at a file whose picture is known.
+// The time between two looks at a file whose picture is known.
 const double seconds_between_looks = 2;
 
 struct known_t {
@@ -114,7 +114,7 @@ void take_arrival(const arrival_t& arrival) {
 
 namespace {
 
-// While menus and panels are open, too.
+// Delivers also while menus and panels are open.
 void send(const std::string& file, const std::optional<DecodedIcon>& icon) {
     @autoreleasepool {
         IconArrival* arrival = [[IconArrival alloc] initWithArrival:new arrival_t{file, icon}];

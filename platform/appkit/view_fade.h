@@ -3,16 +3,16 @@
 
 #include <AppKit/AppKit.h>
 
-// Lies over the view while it fades, and lets everything through.
+// Lies over the view while it fades, and lets clicks through to it.
 @interface ViewFade : NSView {
   @private
     struct _cairo_surface* _before;  // owned
     NSTimeInterval _begun, _duration;
     NSTimer* _timer;
 }
-// A picture of the view as it is now, for a change that its animations ("subviews") want faded; nil
-// when they do not, or the view cannot be seen. Autoreleased.
+// Takes a picture of the view, before a change that the view's animations ("subviews") want faded.
+// Nil when they do not, or when the view cannot be seen. Autoreleased.
 + (instancetype)fadeOfView:(NSView*)view;
-// Fades from the picture; sent after the change.
+// Starts the fade from the picture. Sent after the change.
 - (void)start;
 @end

@@ -48,7 +48,7 @@ ViewFade* running_fade(NSView* view) {
 }
 
 - (void)start {
-    // On top of what has come.
+    // Puts itself above the subviews that the change has added.
     NSView* view = [[self superview] retain];
     [[self retain] autorelease];
     [self removeFromSuperview];
@@ -93,8 +93,8 @@ ViewFade* running_fade(NSView* view) {
     return nil;
 }
 
-// What is below has been drawn already: of it the share of the time passed is kept, and the rest
-// is what was there before.
+// The view below has drawn its new content already. That content is kept in the share of the time
+// that has passed; the old picture makes up the rest.
 - (void)drawRect:(NSRect)rect {
     (void)rect;
     cairo_t* cairo = focused_cairo();

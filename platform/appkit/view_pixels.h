@@ -7,9 +7,9 @@ struct _cairo;
 struct _cairo_matrix;
 struct _cairo_surface;
 
-// From the space of the view that has the focus of drawing to cairo's.
+// Maps the coordinates of the view that has the drawing focus to cairo's.
 _cairo_matrix focus_matrix(_cairo* cairo);
-// Whole pixels, top left first, that a rectangle of that view covers.
+// The whole pixels that a rectangle of that view covers, counted from the top left.
 NSRect focus_device_area(NSRect rect);
 // What the view shows now; null when it cannot be drawn into. The caller destroys it.
 _cairo_surface* copy_view_pixels(NSView* view);

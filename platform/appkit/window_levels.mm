@@ -1,5 +1,5 @@
-// Windows above menus, and windows that cannot be seen: what the Mac's window server does with
-// levels and alpha, a window manager does not.
+// Windows above menus, and windows with an alpha of 0. The Mac's window server acts on levels and
+// alpha; a window manager does not.
 #include <AppKit/AppKit.h>
 
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -21,11 +21,11 @@ bool has_server_window(NSWindow* window) { return GSCurrentServer() && [window w
 void set_level(NSWindow* self, SEL selector, NSInteger level) {
     reinterpret_cast<void (*)(id, SEL, NSInteger)>(stock_set_level)(self, selector, level);
     if (level <= NSPopUpMenuWindowLevel || !has_server_window(self)) return;
-    // Menus are no window manager's, so a window above them cannot be one's either.
+    // The window manager does not manage menus, so it must not manage a window above them either.
     if ([self styleMask] == NSBorderlessWindowMask) make_tip_window(self);
 }
 
-// Its level puts it above menus.
+// Whether the window's level puts it above menus.
 bool is_raised(NSWindow* window) {
     return [window level] > NSPopUpMenuWindowLevel &&
            [window styleMask] == NSBorderlessWindowMask && has_server_window(window);
@@ -46,7 +46,7 @@ void set_frame(NSWindow* self, SEL selector, NSRect frame, BOOL display, BOOL an
     reinterpret_cast<set_t>(stock_set_frame)(self, selector, frame, display, animate);
 }
 
-// Whether what the window leaves clear would be black: nothing composes it with what is below.
+// Whether clear parts of the window would be black, as nothing composes it with the windows below.
 bool needs_cutting(NSWindow* window) {
     return [window level] > NSPopUpMenuWindowLevel && ![window isOpaque] &&
            [window styleMask] == NSBorderlessWindowMask && !windows_are_composed();
@@ -54,7 +54,7 @@ bool needs_cutting(NSWindow* window) {
 
 constexpr unsigned least_alpha = 0x40;
 
-// The runs of pixels in a picture of the window that are to be seen.
+// The runs of visible pixels in a picture of the window.
 std::vector<area_t> drawn_parts(cairo_surface_t* picture) {
     std::vector<area_t> parts;
     const int width = cairo_image_surface_get_width(picture);
@@ -71,7 +71,8 @@ std::vector<area_t> drawn_parts(cairo_surface_t* picture) {
     return parts;
 }
 
-// Puts white below what is half seen, and would else be half black. False when nothing is.
+// Puts white below half-transparent pixels, which would otherwise be mixed with black. False when
+// there are none.
 bool put_on_white(cairo_surface_t* picture) {
     bool changed = false;
     const int width = cairo_image_surface_get_width(picture);
@@ -82,7 +83,8 @@ bool put_on_white(cairo_surface_t* picture) {
         for (int x = 0; x < width; x++) {
             const uint32_t alpha = row[x] >> 24;
             if (alpha < least_alpha || alpha == 0xff) continue;
-            // Colours hold no more than their alpha, so nothing is carried from one to the next.
+            // No colour exceeds its alpha, so the addition carries nothing from one byte to the
+            // next.
             row[x] += (0xff - alpha) * 0x01010101;
             changed = true;
         }
@@ -104,7 +106,7 @@ void cut_to_drawing(NSWindow* window) {
     is_cutting = false;
 }
 
-// Flushed is what has been drawn.
+// A flush comes after drawing, so the window's outline follows the new drawing here.
 void flush_window(NSWindow* self, SEL selector) {
     if (has_server_window(self) && [self isVisible] && [self alphaValue] > 0) {
         if (is_card(self)) {
@@ -116,7 +118,8 @@ void flush_window(NSWindow* self, SEL selector) {
     reinterpret_cast<void (*)(id, SEL)>(stock_flush)(self, selector);
 }
 
-// Without a compositor a window is either there or not; it stays ordered in, as on the Mac.
+// Without a compositor a window is either visible or not. A hidden one stays ordered in, as on the
+// Mac.
 void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
     const bool was_hidden = [self alphaValue] <= 0;
     reinterpret_cast<void (*)(id, SEL, CGFloat)>(stock_set_alpha)(self, selector, alpha);
@@ -127,7 +130,7 @@ void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
         [self flushWindow];
     } else if (alpha > 0) {
         needs_cutting(self) ? cut_to_drawing(self) : shape_menu_window(self, 0);
-        [self flushWindow];  // what it had drawn went nowhere
+        [self flushWindow];  // what it drew while hidden is lost
     } else if (!windows_are_composed()) {
         hide_shape_of_menu_window(self);
     }

@@ -13,7 +13,7 @@ constexpr unsigned long all_desktops = 0xFFFFFFFF;
 
 @implementation NSWindow (MacWindow)
 
-// A window manager looks when the window is shown.
+// Window managers read this property when the window is shown.
 - (void)setCanBeVisibleOnAllSpaces:(BOOL)flag {
     id server = GSServerForWindow(self);
     auto* display = static_cast<Display*>([server serverDevice]);

@@ -1,5 +1,5 @@
-// Opening files without GNUstep's workspace program, which may be started for it and keeps the
-// caller waiting.
+// Opens files without GNUstep's workspace program, which GNUstep may start first while the caller
+// waits.
 #include <host/glib_owners.h>
 #include <AppKit/AppKit.h>
 
@@ -39,7 +39,7 @@ NSString* gnustep_program(NSWorkspace* workspace, NSString* path, bool* is_itsel
     return [workspace locateApplicationBinary:name];
 }
 
-// Returns why not; empty when it is opened.
+// Returns why the file cannot be opened; empty when it is opened.
 std::string open_path(NSWorkspace* self, NSString* path, const std::string& bytes) {
     std::string reason = files::why_not_openable(bytes);
     if (!reason.empty()) return reason;

@@ -6,5 +6,5 @@
 #include <string>
 
 // The bytes of a path, or of a "file:" URL, whose escapes can name what no string can. Empty for
-// nil and for what is neither.
+// nil and for anything else.
 std::string path_bytes(NSString* path);
