@@ -1,5 +1,5 @@
-// Folders: scandir as the Mac's C library has it, with its order kept, but quicker where names are
-// sorted as people sort them, and with what it saw kept for the questions that follow at once.
+// Folders: scandir as the Mac's C library has it, with the same order. It is quicker where names
+// are sorted as people sort them, and it keeps what it saw, for the questions that follow at once.
 // Main thread.
 #pragma once
 

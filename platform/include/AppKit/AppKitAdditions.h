@@ -9,7 +9,7 @@ typedef struct __CGEvent* CGEventRef;
 
 @interface NSMenu (MacMenu)
 - (void)removeAllItems;
-// Ends the tracking of the contextual menu that this menu belongs to; nothing is picked.
+// Ends the tracking of the contextual menu that this menu belongs to, with nothing picked.
 - (void)cancelTracking;
 - (void)cancelTrackingWithoutAnimation;
 // The highlighted item of this menu while it is open, else nil.
@@ -17,7 +17,7 @@ typedef struct __CGEvent* CGEventRef;
 // The font that this menu's items are shown in; nil is the look's own.
 - (void)setFont:(NSFont*)font;
 - (NSFont*)font;
-// The private popup through which the Mac's class methods go. Shows `menu` (the receiver) at
+// The private method that the Mac's class methods for popups call. Shows `menu` (the receiver) at
 // `event` and returns when it has closed. `font` may be nil.
 - (void)_popUpContextMenu:(NSMenu*)menu
                 withEvent:(NSEvent*)event
@@ -37,8 +37,8 @@ typedef struct __CGEvent* CGEventRef;
 @end
 
 @interface NSWindow (MacWindow)
-// Whether the window shows on every virtual desktop, from when it is next ordered in. The window
-// must not be deferred.
+// Whether the window shows on every virtual desktop. It takes effect when the window is next
+// ordered in. The window must not be deferred.
 - (void)setCanBeVisibleOnAllSpaces:(BOOL)flag;
 @end
 
@@ -62,14 +62,14 @@ typedef struct __CGEvent* CGEventRef;
 @end
 
 @interface NSWindow (MacAnimation)
-// Stands for the window; changes of its alpha value take a quarter of a second. Without a
-// compositor they are immediate, and a window of alpha 0 is one that cannot be seen.
+// A stand-in for the window: changes of its alpha value take a quarter of a second. Without a
+// compositor they are immediate, and a window with alpha 0 cannot be seen.
 - (instancetype)animator;
 @end
 
 @interface NSView (MacAnimation)
-// Stands for the view; subviews that are added or replaced through it fade in, when the animations
-// have a CATransition that fades for the key "subviews".
+// A stand-in for the view: subviews that are added or replaced through it fade in, when the view's
+// animations have a CATransition that fades for the key "subviews".
 - (instancetype)animator;
 - (void)setAnimations:(NSDictionary*)animations;
 - (NSDictionary*)animations;

@@ -6,7 +6,7 @@
 @class NSEvent;
 
 // What a menu asks and tells its delegate; the contextual-menu presenter sends it here. GNUstep's
-// protocol of this name demands that all of it is there.
+// protocol of this name requires every method.
 @protocol MacMenuDelegate <NSObject>
 @optional
 - (void)menuNeedsUpdate:(NSMenu*)menu;

@@ -1,12 +1,13 @@
 // Apple Event Manager: descriptors, lists, records and events, sending and receiving.
 //
-// A descriptor owns its data: what makes one copies what it is given, what puts one into another
-// copies it, and who has got one disposes of it with AEDisposeDesc. A result descriptor is written
-// over, never disposed of; after a failure it is the null descriptor. Main thread only.
+// A descriptor owns its data: a function that makes a descriptor, or puts one into another, copies
+// the data that it is given. The caller disposes of each descriptor that it receives, with
+// AEDisposeDesc. A result descriptor is overwritten, never disposed of; after a failure it is the
+// null descriptor. Main thread only.
 //
-// An FSRef in a descriptor lasts as long as the descriptor: whoever reads it gets a reference that
-// is not stale, whatever number of others were made meanwhile (the bytes may then differ from those
-// put in). The file may be gone, or another may stand at its path, all the same.
+// An FSRef in a descriptor lasts as long as the descriptor: reading it gives a reference that is
+// not stale, however many others were made since. The bytes may then differ from those put in. The
+// file may still be gone, or another file may stand at its path.
 #pragma once
 
 #include <Carbon/MacTypes.h>
@@ -34,7 +35,7 @@ typedef AERecord AppleEvent;
 // Types of data.
 enum {
     typeNull = 'null',
-    typeWildCard = '****',  // as a desired type: whatever it is
+    typeWildCard = '****',  // as a desired type: any type
     typeBoolean = 'bool',
     typeSInt16 = 'shor',
     typeSInt32 = 'long',
@@ -99,9 +100,9 @@ enum {
 // Descriptors.
 void AEInitializeDesc(AEDesc* desc);
 OSErr AECreateDesc(DescType type, const void* data, Size size, AEDesc* result);
-// Leaves the null descriptor, of which to dispose again is harmless.
+// Leaves the null descriptor. Disposing of that again is harmless.
 OSErr AEDisposeDesc(AEDesc* desc);
-// A copy of another type, by the coercions that are named below.
+// Makes a copy of another type, by the coercions listed below.
 OSErr AECoerceDesc(const AEDesc* desc, DescType type, AEDesc* result);
 OSErr AEDuplicateDesc(const AEDesc* desc, AEDesc* result);
 // 0 for the null descriptor, and for lists, records and events, which have no data of their own.
@@ -109,27 +110,27 @@ Size AEGetDescDataSize(const AEDesc* desc);
 // The first `maximumSize` bytes. errAEWrongDataType for lists, records and events.
 OSErr AEGetDescData(const AEDesc* desc, void* data, Size maximumSize);
 
-// Lists and records. Narrower than the Mac's: no common prefix is factored out; what is said of one
-// is ignored.
+// Lists and records. Narrower than the Mac's: items share no common prefix, and one that the caller
+// describes is ignored.
 OSErr AECreateList(const void* factoring, Size factoredSize, Boolean isRecord, AEDescList* result);
-// The items of a list, the fields of a record, or the parameters of an event.
+// Counts the items of a list, the fields of a record, or the parameters of an event.
 OSErr AECountItems(const AEDescList* list, long* count);
-// To a list alone: index 0, or one more than there are, adds at the end; another index replaces.
+// For lists only. Index 0, or the count plus one, appends; any other index replaces that item.
 OSErr AEPutPtr(AEDescList* list, long index, DescType type, const void* data, Size size);
 OSErr AEPutDesc(AEDescList* list, long index, const AEDesc* desc);
-// The item at the index, counted from 1, of a list, record or event. `keyword`, `actualType` and
-// `actualSize` may be null; of a list's item the keyword is typeWildCard. Coercions as below.
+// Gets one item of a list, record or event; the index counts from 1. `keyword`, `actualType` and
+// `actualSize` may be null. The keyword of a list's item is typeWildCard. Coercions as below.
 OSErr AEGetNthPtr(const AEDescList* list, long index, DescType desiredType, AEKeyword* keyword,
                   DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 OSErr AEGetNthDesc(const AEDescList* list, long index, DescType desiredType, AEKeyword* keyword,
                    AEDesc* result);
 
-// Fields of records and parameters of events. Putting replaces what has the keyword. Getting
-// coerces to the desired type, else answers errAECoercionFail. Narrower than the Mac's: the
-// coercions are those between integers that hold the value, between aliases and file references, of
-// these to file URLs, of anything to a list of one, and of a list of one to its item. An alias of a
-// file that is gone gives no reference (fnfErr), but its URL. `actualSize` is the size of the
-// whole, also when less was asked for.
+// Fields of records and parameters of events. Putting replaces the value of the same keyword.
+// Getting coerces to the desired type, else answers errAECoercionFail. Narrower than the Mac's: the
+// only coercions are between integers (when the type holds the value), between aliases and file
+// references, from either of these to file URLs, from anything to a list of one item, and from such
+// a list to its item. An alias of a file that is gone gives its URL but no reference (fnfErr).
+// `actualSize` is the whole size, even when fewer bytes were asked for.
 OSErr AEPutParamPtr(AppleEvent* event, AEKeyword keyword, DescType type, const void* data,
                     Size size);
 OSErr AEPutParamDesc(AppleEvent* event, AEKeyword keyword, const AEDesc* desc);
@@ -151,8 +152,8 @@ typedef SInt32 AETransactionID;
 enum { kAutoGenerateReturnID = -1, kAnyTransactionID = 0 };
 OSErr AECreateAppleEvent(AEEventClass eventClass, AEEventID eventID, const AEAddressDesc* target,
                          AEReturnID returnID, AETransactionID transactionID, AppleEvent* result);
-// Every event has its class, ID, address, return and transaction ID; one that was sent also whether
-// a reply is awaited, the interaction allowed (of the send mode) and the time-out.
+// Every event has a class, ID, address, return ID and transaction ID. An event that was sent also
+// tells whether a reply is awaited, which interaction the send mode allows, and its time-out.
 OSErr AEGetAttributePtr(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
                         DescType* actualType, void* data, Size maximumSize, Size* actualSize);
 OSErr AEGetAttributeDesc(const AppleEvent* event, AEKeyword keyword, DescType desiredType,
@@ -174,27 +175,27 @@ typedef Boolean (*AEIdleUPP)(void* event, SInt32* sleepTime, void** mouseRegion)
 typedef Boolean (*AEFilterUPP)(void* event, SInt32 returnID, SInt32 transactionID,
                                const AEAddressDesc* sender);
 
-// Sends a copy; the handler gets it when this process's run loop next runs in its default, event
-// tracking, modal panel or another common mode, and the events in the order in which they were
-// sent. Narrower than the Mac's: the target is a signature; procNotFound for any but the one that
-// the host has declared for this process (host/process.h); kAENoReply is the only way,
-// whatever mode of reply else answers errAEUnknownSendMode. `reply`, which may be null, becomes the
-// null descriptor; priority, idle and filter procedure mean nothing without a reply.
+// Sends a copy. The handler gets it when this process's run loop next runs in its default, event
+// tracking, modal panel or another common mode. Events arrive in the order in which they were sent.
+// Narrower than the Mac's: the target is a signature, and any but the one that the host has
+// declared for this process (host/process.h) answers procNotFound. The only reply mode is
+// kAENoReply; any other answers errAEUnknownSendMode. `reply`, which may be null, becomes the null
+// descriptor. Without a reply, `priority`, `idle` and `filter` mean nothing.
 OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESendPriority priority,
              SInt32 timeOutInTicks, AEIdleUPP idle, AEFilterUPP filter);
 
 // Receiving. The event stays the sender's; `reply` is the null descriptor when none is awaited.
 typedef OSErr (*AEEventHandlerProcPtr)(const AppleEvent* event, AppleEvent* reply, void* refcon);
 typedef AEEventHandlerProcPtr AEEventHandlerUPP;
-// The last handler installed for a class and ID is the one that is called. Narrower than the Mac's:
-// no wild cards, and no table of the system's own: `isSystemHandler` is ignored.
+// Only the last handler installed for a class and ID is called. Narrower than the Mac's: there are
+// no wild cards and no table of the system's own, so `isSystemHandler` is ignored.
 OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                             void* refcon, Boolean isSystemHandler);
 // A handler that is not null must be the one installed, else errAEHandlerNotFound.
 OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                            Boolean isSystemHandler);
-// With keyPreDispatch: sees every event first; what it answers with errAEEventNotHandled goes on to
-// its handler. Any other keyword: paramErr.
+// A keyPreDispatch handler sees every event first. When it answers errAEEventNotHandled, the event
+// goes on to the handler of its class and ID. Any other keyword answers paramErr.
 enum { keyPreDispatch = 'phac' };
 OSErr AEInstallSpecialHandler(AEKeyword function, AEEventHandlerUPP handler,
                               Boolean isSystemHandler);

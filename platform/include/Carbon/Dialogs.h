@@ -16,10 +16,10 @@ enum { kAlertStdAlertOKButton = 1, kAlertStdAlertCancelButton = 2, kAlertStdAler
 enum { kStdCFStringAlertVersionOne = 1 };
 enum { kWindowDefaultPosition = 0 };
 
-// The buttons: a null text leaves the button out (of the default button: "OK"). `defaultButton` is
-// the item that Return hits, `cancelButton` the one that Escape hits, 0 for none. Narrower than the
-// Mac's: `movable`, `position` and `flags` are not looked at (an alert stands in the middle of the
-// screen, and the window manager lets it be moved); there is no help button.
+// The buttons. A null text leaves a button out, except that the default button then says "OK".
+// `defaultButton` is the item that Return hits, `cancelButton` the one that Escape hits; 0 is none.
+// Narrower than the Mac's: `movable`, `position` and `flags` are ignored (an alert stands in the
+// middle of the screen, and the window manager lets it be moved), and there is no help button.
 typedef struct AlertStdCFStringAlertParamRec {
     UInt32 version;
     Boolean movable;
@@ -40,9 +40,10 @@ typedef void* ModalFilterUPP;
 // paramErr for parameters of another version.
 OSStatus CreateStandardAlert(AlertType type, CFStringRef message, CFStringRef explanation,
                              const AlertStdCFStringAlertParamRec* parameters, DialogRef* alert);
-// Returns when a button has been hit, and which. `filter` is not called. The run loop goes on
-// meanwhile in the mode for modal panels. memFullErr when there is no display to show it on,
-// userCanceledErr when the application ended the modal session.
+// Shows the alert and returns when a button has been hit; `itemHit` tells which. `filter` is not
+// called. The run loop runs in the mode for modal panels until then. Answers memFullErr when there
+// is no display to show the alert on, and userCanceledErr when the application ended the modal
+// session.
 OSStatus RunStandardAlert(DialogRef alert, ModalFilterUPP filter, DialogItemIndex* itemHit);
 
 #ifdef __cplusplus

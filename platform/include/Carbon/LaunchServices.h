@@ -41,16 +41,17 @@ typedef struct LSItemInfoRecord {
 // to one, else that of the Finder information. `extension` is always null here.
 OSStatus LSCopyItemInfoForRef(const FSRef* ref, LSRequestedInfo which, LSItemInfoRecord* info);
 
-// The localized Name of a ".desktop" file, and the name that an ".app" bundle gives itself in its
-// information list, where they are believed: one of the desktop's own files, a bundle in one of the
-// applications folders, and what runs now. The same for links with such an ending. Else the file
-// name as UTF-8 (its extension stays). A name that is not UTF-8 answers kLSUnknownErr. Only plain
-// files below 256 KiB are read for it. The caller releases *name.
+// An application is shown by the name that it gives itself: the localized Name of a ".desktop"
+// file, or the name in an ".app" bundle's information list. That name is believed of the desktop's
+// own files, of bundles in one of the applications folders, and of what runs now. Symbolic links
+// with such an ending follow the same rule. Any other file is shown by its file name as UTF-8, with
+// its extension. A name that is not UTF-8 answers kLSUnknownErr. Only plain files below 256 KiB are
+// read. The caller releases *name.
 OSStatus LSCopyDisplayNameForRef(const FSRef* ref, CFStringRef* name);
 
-// What to open with what. Without an application each document's default program opens it.
-// `passThruParams` and `asyncRefCon` are not used here; of the flags only the default has a
-// meaning.
+// What to open, and with which application. Without an application, each document's default program
+// opens it. `passThruParams` and `asyncRefCon` are ignored; the only flag with a meaning is the
+// default.
 typedef OptionBits LSLaunchFlags;
 enum { kLSLaunchDefaults = 0x00000001 };
 
@@ -74,7 +75,7 @@ typedef struct LSLaunchFSRefSpec {
 // References that are stale or whose files are gone are left out.
 //
 // paramErr: no application and no document. fnfErr: documents given, none of them there.
-// kLSApplicationNotFoundErr: the application is gone; or there is no default program.
+// kLSApplicationNotFoundErr: the application is gone, or there is no default program.
 // kLSNotAnApplicationErr: it is none of the above. kLSNoExecutableErr: its program is missing or
 // its entry is broken. kLSNoLaunchPermissionErr: its program may not be run. kLSUnknownErr: it
 // could not be started. `outLaunchedRef`, which may be null, receives the application.

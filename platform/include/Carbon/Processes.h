@@ -30,10 +30,10 @@ OSErr GetCurrentProcess(ProcessSerialNumber* psn);
 // none. For any other: procNotFound.
 OSErr GetProcessInformation(const ProcessSerialNumber* psn, ProcessInfoRec* info);
 
-// The process of the window that the window manager calls active; without a window manager that
-// tells, of the window that has the keyboard. It is the process that the window itself names, else
-// the one that the X server knows as its maker. procNotFound when no window is active, when its
-// process is not known here, and without a display.
+// The process of the window that the window manager calls active; when no window manager tells, of
+// the window that has the keyboard. A window names its own process; when it does not, the X server
+// tells which process made it. Answers procNotFound when no window is active, when its process is
+// not known here, and without a display.
 OSErr GetFrontProcess(ProcessSerialNumber* psn);
 OSErr SameProcess(const ProcessSerialNumber* first, const ProcessSerialNumber* second,
                   Boolean* result);

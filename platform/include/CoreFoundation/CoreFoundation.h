@@ -1,9 +1,9 @@
 // Core Foundation, as far as Delvio uses it.
 //
 // Every Core Foundation object here is the Foundation object of the same role: a CFStringRef is an
-// NSString *, a CFArrayRef an NSArray *, so a cast crosses at no cost. Ownership follows the Mac's
-// rule: what a function with Create or Copy in its name returns, the caller releases with
-// CFRelease.
+// NSString *, a CFArrayRef an NSArray *, so a cast converts one to the other at no cost. Ownership
+// follows the Mac's rule: the caller releases, with CFRelease, what a function with Create or Copy
+// in its name returns.
 #pragma once
 
 #include <stddef.h>
@@ -69,11 +69,11 @@ CFIndex CFStringGetLength(CFStringRef string);
 // Null when the bytes are not valid in the encoding.
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding);
-// Writes the string and its terminating NUL; false when it does not fit `size` bytes or cannot be
-// converted, `buffer` then holds nothing of use.
+// Writes the string and a terminating NUL. False when it does not fit `size` bytes or cannot be
+// converted; `buffer` then holds nothing of use.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding);
-// The string's own units, valid as long as the string; null when it does not hold them at hand.
+// The string's own units, valid as long as the string; null when the string does not store them.
 const UniChar* CFStringGetCharactersPtr(CFStringRef string);
 CFStringEncoding CFStringGetFastestEncoding(CFStringRef string);
 void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* buffer);
@@ -95,9 +95,9 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 // `defaults write IDENTIFIER KEY VALUE` and these calls see the same values. Only that domain is
 // read, not the global one. Any thread.
 //
-// Re-reads the domain from disk when another program has changed it (one stat when none has) and
-// writes our own changes out, merged into what is there; values that are there already write
-// nothing. False when the file cannot be read or written: what was set is then kept, and tried
+// Re-reads the domain from disk when another program has changed it (an unchanged file costs one
+// stat). Writes our own changes, merged into what is there; values that are there already are not
+// written. False when the file cannot be read or written: our changes are then kept, and tried
 // again at the next call.
 Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
 // *valid, which may be null, is set when the key exists and holds a whole number. `defaults write`
@@ -106,8 +106,8 @@ Boolean CFPreferencesAppSynchronize(CFStringRef applicationID);
 CFIndex CFPreferencesGetAppIntegerValue(CFStringRef key, CFStringRef applicationID, Boolean* valid);
 // "RecentDocuments" in "IDENTIFIER.LSSharedFileList" is the desktop's list of recent documents
 // (recently-used.xbel): a dictionary whose "CustomListItems" are dictionaries with "Bookmark" data
-// of the ten files that the application opened last, newest first; main thread. IDENTIFIER is a
-// bundle's, for a desktop entry its name without ".desktop".
+// of the ten files that the application opened last, newest first. Main thread only. IDENTIFIER is
+// a bundle's identifier, or the name of a desktop entry without ".desktop".
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID);
 // A null value removes the key. A key whose value is forced is left alone.
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
@@ -120,12 +120,12 @@ void CFRunLoopAddCommonMode(CFRunLoopRef loop, CFStringRef mode);
 extern const CFStringRef kCFRunLoopDefaultMode;
 extern const CFStringRef kCFRunLoopCommonModes;
 
-// Ports are what event taps are held by (CoreGraphics/CGEvent.h); there are no others here. `order`
-// is not looked at. A source is added on the thread of its loop.
+// A port here always holds an event tap (CoreGraphics/CGEvent.h). `order` is ignored. A source is
+// added on the thread of its loop.
 CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef allocator, CFMachPortRef port,
                                                  CFIndex order);
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFStringRef mode);
-// Ends whatever the port stands for; its sources say nothing any more.
+// Ends the event tap; the port's sources report nothing any more.
 void CFMachPortInvalidate(CFMachPortRef port);
 Boolean CFMachPortIsValid(CFMachPortRef port);
 

@@ -1,4 +1,5 @@
-// Drawing into a context: y goes up from the lower left corner. One thread at a time a context.
+// Drawing into a context: y goes up from the lower left corner. Only one thread at a time may use a
+// context.
 #pragma once
 
 #include <CoreGraphics/CGGeometry.h>
@@ -30,7 +31,7 @@ CGContextRef CGContextRetain(CGContextRef context);
 // All functions ignore a null context.
 void CGContextRelease(CGContextRef context);
 
-// Everything below is kept and given back by these two, the current path excepted.
+// These two save and restore all state below, except the current path.
 void CGContextSaveGState(CGContextRef context);
 void CGContextRestoreGState(CGContextRef context);
 void CGContextTranslateCTM(CGContextRef context, CGFloat x, CGFloat y);
@@ -57,18 +58,18 @@ void CGContextMoveToPoint(CGContextRef context, CGFloat x, CGFloat y);
 // increasing angles unless `clockwise` is 1.
 void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius, CGFloat start,
                      CGFloat end, int clockwise);
-// Uses the current path up.
+// Draws the current path, which is empty afterwards.
 void CGContextDrawPath(CGContextRef context, CGPathDrawingMode mode);
 
-// The font is fontconfig's answer to the name: a fixed-pitch one for a name that is not installed.
-// Bytes are MacRoman characters, each of them one glyph.
+// The font is fontconfig's answer to the name; for a name that is not installed, a fixed-pitch
+// font. Each byte of a text is a MacRoman character and gives one glyph.
 void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
                          CGTextEncoding encoding);
 // Added to each glyph's advance.
 void CGContextSetCharacterSpacing(CGContextRef context, CGFloat spacing);
 void CGContextSetTextDrawingMode(CGContextRef context, CGTextDrawingMode mode);
-// The baseline starts at the point. A byte without a glyph (a control byte) takes its place and
-// shows nothing. Without a selected font nothing is drawn.
+// The baseline starts at the point. A byte without a glyph (a control byte) leaves a blank. Without
+// a selected font nothing is drawn.
 void CGContextShowTextAtPoint(CGContextRef context, CGFloat x, CGFloat y, const char* bytes,
                               size_t length);
 

@@ -26,7 +26,7 @@ typedef void (*CGDataProviderReleaseBytePointerCallback)(void* info, const void*
 typedef size_t (*CGDataProviderGetBytesAtOffsetCallback)(void* info, void* buffer, size_t offset,
                                                          size_t count);
 
-// Either the two byte-pointer callbacks or getBytes is there.
+// A provider has either the two byte-pointer callbacks or getBytes.
 typedef struct CGDataProviderDirectAccessCallbacks {
     CGDataProviderGetBytePointerCallback getBytePointer;
     CGDataProviderReleaseBytePointerCallback releaseBytePointer;
@@ -36,13 +36,13 @@ typedef struct CGDataProviderDirectAccessCallbacks {
 
 typedef void (*CGDataProviderReleaseDataCallback)(void* info, const void* data, size_t size);
 
-// Reads in sequence: each reading of the whole rewinds first. The callbacks are copied; null where
-// there is none.
+// Reads in sequence; each reading of the whole rewinds first. The callbacks are copied. Null when
+// `callbacks` is null.
 CGDataProviderRef CGDataProviderCreate(void* info, const CGDataProviderCallbacks* callbacks);
-// Reads `size` bytes in place; the bytes are asked for anew at every use.
+// Reads `size` bytes in place. Each use asks the callbacks for the bytes again.
 CGDataProviderRef CGDataProviderCreateDirectAccess(
     void* info, size_t size, const CGDataProviderDirectAccessCallbacks* callbacks);
-// Reads memory that stays until `releaseData`, which may be null, is called with it.
+// Reads memory that must stay until `releaseData`, which may be null, is called with it.
 CGDataProviderRef CGDataProviderCreateWithData(void* info, const void* data, size_t size,
                                                CGDataProviderReleaseDataCallback releaseData);
 CGDataProviderRef CGDataProviderRetain(CGDataProviderRef provider);

@@ -1,8 +1,8 @@
-// Pointer events on their way to a program, and taps that watch or change them. Main thread, but
-// for what says otherwise.
+// Pointer events on their way to a program, and taps that watch or change them. Main thread, except
+// where a function says otherwise.
 //
-// Event locations count from the upper left of the first screen; "unflipped" ones from the lower
-// left, as AppKit's.
+// Event locations count from the upper left of the first screen; "unflipped" ones count from the
+// lower left, as AppKit's do.
 #pragma once
 
 #include <Carbon/Processes.h>
@@ -47,26 +47,27 @@ enum { kCGEventTapOptionDefault = 0, kCGEventTapOptionListenOnly = 1 };
 #define CGEventMaskBit(type) ((CGEventMask)1 << (type))
 
 // Returns the event that goes on: the one it was given, another one (which it gives away), or null
-// to swallow it. A listen-only tap's answer is not looked at.
+// to swallow the event. The answer of a listen-only tap is ignored.
 typedef CGEventRef (*CGEventTapCallBack)(CGEventTapProxy proxy, CGEventType type, CGEventRef event,
                                          void* user_info);
 
-// A tap on the events of this process, in the path from the display to the application's event
-// queue readers, menus that track included. Owned by the caller, enabled, and silent until its
-// source is in the run loop. Mouse-moved is seen even by loops that did not ask for it. Null for
-// any other process, and while the application has no display.
+// A tap on the events of this process. It stands between the display and whatever reads the
+// application's event queue, menus that track included. The caller owns it. It is enabled from the
+// start, but silent until its source is in the run loop. It sees mouse-moved events even when the
+// loop that reads did not ask for them. Null for any other process, and while the application has
+// no display.
 //
-// An active tap's callback that takes a second or more is too late: the event goes on unchanged,
-// the tap is disabled and the callback is told so by kCGEventTapDisabledByTimeout.
+// When an active tap's callback takes a second or more, the event goes on unchanged, the tap is
+// disabled, and the callback is told so by kCGEventTapDisabledByTimeout.
 CFMachPortRef CGEventTapCreateForPSN(void* process_serial_number, CGEventTapPlacement place,
                                      CGEventTapOptions options, CGEventMask mask,
                                      CGEventTapCallBack callback, void* user_info);
 
-// A tap at the session: it sees the buttons pressed and released in every program's windows, in the
-// order in which they were, each with the place of the pointer when it is read. Listen-only, of
-// presses and releases alone, and at kCGSessionEventTap; null for anything else, and where the
-// display does not tell (no X Input extension 2.2). Where the pointer is in a window that is not
-// the X server's, as under Wayland, nothing is seen.
+// A tap at the session. It sees the buttons pressed and released in every program's windows, in
+// order; each event has the place that the pointer has when the event is read. The tap must be
+// listen-only, for presses and releases alone, and at kCGSessionEventTap, else the result is null.
+// It is null too where the display does not tell of these events (no X Input extension 2.2). While
+// the pointer is in a window that is not the X server's, as under Wayland, the tap sees nothing.
 CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement place,
                                CGEventTapOptions options, CGEventMask mask,
                                CGEventTapCallBack callback, void* user_info);
@@ -74,9 +75,9 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement 
 void CGEventTapEnable(CFMachPortRef tap, bool enable);
 bool CGEventTapIsEnabled(CFMachPortRef tap);
 
-// Events are released with CFRelease. An event without a type is one that says nothing.
+// Events are released with CFRelease. The type of a new event is kCGEventNull.
 CGEventRef CGEventCreate(CGEventSourceRef source);
-// `button` counts for the events of other buttons than left and right.
+// `button` matters only for events of buttons other than left and right.
 CGEventRef CGEventCreateMouseEvent(CGEventSourceRef source, CGEventType type, CGPoint location,
                                    CGMouseButton button);
 CGEventType CGEventGetType(CGEventRef event);

@@ -1,5 +1,5 @@
-// Pictures whose pixels a data provider holds. An image does not copy them: what the provider
-// serves when the image is used is what shows. Any thread.
+// Pictures whose pixels a data provider holds. An image does not copy them: each use of the image
+// shows what the provider serves at that time. Any thread.
 #pragma once
 
 #include <CoreGraphics/CGColorSpace.h>
@@ -15,7 +15,7 @@ extern "C" {
 
 typedef struct CGImage* CGImageRef;
 
-// The place of alpha in a pixel; the order of bytes in memory as named, whatever the processor.
+// Where alpha stands in a pixel. The names give the order of bytes in memory, on any processor.
 enum CGImageAlphaInfo {
     kCGImageAlphaNone = 0,
     kCGImageAlphaPremultipliedLast = 1,
@@ -30,9 +30,9 @@ typedef uint32_t CGBitmapInfo;
 enum CGColorRenderingIntent { kCGRenderingIntentDefault = 0 };
 typedef enum CGColorRenderingIntent CGColorRenderingIntent;
 
-// Pixels of 8 bits a component: 32 bits with any of the alpha places above but none, 24 bits with
-// kCGImageAlphaNone. The image keeps the provider. Null for anything else, for a size of 0, rows
-// shorter than their pixels, or a decode array.
+// A component has 8 bits. A pixel has 32 bits with any of the alpha places above except
+// kCGImageAlphaNone, and 24 bits with kCGImageAlphaNone. The image keeps the provider. Null for
+// anything else, for a size of 0, rows shorter than their pixels, or a decode array.
 CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, size_t bitsPerPixel,
                          size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
                          CGDataProviderRef provider, const CGFloat* decode, bool shouldInterpolate,

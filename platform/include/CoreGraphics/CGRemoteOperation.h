@@ -28,19 +28,21 @@ enum {
     kCGNumberOfEventSuppressionStates = 2
 };
 
-// Moves the pointer to a point from the upper left of the first screen, then presses and releases
-// what differs from the last post: left, right, then the middle button. `update_position` false
-// leaves the pointer where it is. With XTest; kCGErrorCannotComplete without.
+// Moves the pointer to a point, counted from the upper left of the first screen. Then presses and
+// releases the buttons that differ from the last post: left, right, then the middle one. With
+// `update_position` false the pointer stays where it is. Needs XTest; without it,
+// kCGErrorCannotComplete.
 CGError CGPostMouseEvent(CGPoint position, boolean_t update_position, CGButtonCount button_count,
                          boolean_t left_down, ... /* boolean_t each */);
 
-// How long and which of the user's own events wait after a posted one. An X server never holds them
-// back: an interval of 0 and the whole filter is how it is, anything else is refused.
+// How long, and which of, the user's own events are held back after a posted one. An X server never
+// holds them back, so only an interval of 0 and the whole filter are accepted; anything else is
+// refused.
 CGError CGSetLocalEventsSuppressionInterval(double seconds);
 CGError CGSetLocalEventsFilterDuringSuppressionState(CGEventFilterMask filter,
                                                      CGEventSuppressionState state);
-// Whether the user's modifier keys go with posted events. They do, whatever is asked: there is one
-// keyboard state.
+// Whether posted events carry the user's modifier keys. They always do, since there is one keyboard
+// state: `combine` changes nothing.
 CGError CGEnableEventStateCombining(boolean_t combine);
 
 #ifdef __cplusplus

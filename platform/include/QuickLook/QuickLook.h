@@ -10,17 +10,17 @@ extern "C" {
 #endif
 
 // A picture of the file, as large as fits `maxThumbnailSize` points but never enlarged, in pixels
-// of the screen that menus are shown on; at most 2048 pixels a side. Null for what has none:
-// folders and all that is no plain file, plain text of any kind, what nothing installed can show,
-// what is damaged or takes too long. The caller releases the image.
+// of the screen that menus are shown on; at most 2048 pixels a side. Null for folders and anything
+// else that is no plain file, for plain text of any kind, for types that nothing installed can
+// show, and for files that are damaged or take too long. The caller releases the image.
 //
-// Behind it: the desktop's thumbnail cache, then gdk-pixbuf, poppler and the desktop's thumbnailer
-// programs, in processes of their own that have little memory, little time and no network. A new
-// picture is put into the cache.
+// The picture comes from the desktop's thumbnail cache; else from gdk-pixbuf, poppler or the
+// desktop's thumbnailer programs, each in a process of its own that has little memory, little time
+// and no network. A new picture is put into the cache.
 //
-// Any thread but the main one, several at once. A call holds its thread until it has its answer,
-// half a minute at most once it is its turn; few files are decoded at the same time, and the newest
-// call has the next turn. So a pool of threads that callers run on should have many, or
+// Any thread but the main one, several at once. A call holds its thread until it has its answer:
+// half a minute at most once it has its turn. Few files are decoded at the same time, and the
+// newest call has the next turn. So a pool of threads that make these calls should be large, or
 // should start its newest work first. `options` is ignored.
 CGImageRef QLThumbnailImageCreate(CFAllocatorRef allocator, CFURLRef url, CGSize maxThumbnailSize,
                                   CFDictionaryRef options);
