@@ -20,7 +20,7 @@ struct name_t {
 };
 using names_t = std::vector<name_t>;
 
-// Of the element's own path.
+// The name from the element's own path.
 name_t name_of(const dv_tree_t* elem) {
     char* path = dv_path_for_elem(elem, 0, 1);
     name_t name = {elem, 0, basename(path)};
@@ -39,7 +39,7 @@ void read_level(dv_tree_t* elem) {
     dv_free_elem(root);
 }
 
-// Of a chain, without the elements of these origins.
+// The names of a chain; elements with any of these origins are left out.
 names_t names_of(const dv_tree_t* chain, uint32_t without) {
     names_t names;
     for (const dv_tree_t* elem = chain; elem; elem = elem->next) {

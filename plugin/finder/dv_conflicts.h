@@ -1,4 +1,4 @@
-// Whether files of the same names stand in a folder already, and what the user says to that. Main
+// Checks whether a folder already has files with the same names, and asks the user what to do. Main
 // thread.
 #pragma once
 
@@ -6,11 +6,11 @@
 
 struct dv_tree_t;
 
-// Sets *replace to 1 when names of the selection (a chain) clash with those in the destination and
-// the user wants those files replaced; else leaves it as it is. Reads the destination's level
-// unless it is there, and leaves it there.
+// Sets *replace to 1 when names in the selection (a chain) clash with names in the destination and
+// the user wants those files replaced; otherwise leaves it as it is. Reads the destination's level
+// if it has not been read, and keeps it.
 void dv_check_for_filename_conflicts(dv_tree_t* destination, const dv_tree_t* selection,
                                      Boolean* replace);
 
-// Asks the user. 0: the files are to be replaced. Runs the event loop meanwhile.
+// Asks the user. Returns 0 when the files are to be replaced. Runs the event loop until the answer.
 int dv_display_should_trash_files_alert();

@@ -1,5 +1,5 @@
-// Events that ask the Finder to do something with a list of files, in the making. What fails is
-// printed. Main thread.
+// Building events that ask the Finder to do something with a list of files. Failures are printed.
+// Main thread.
 #pragma once
 
 #include <Carbon/Carbon.h>
@@ -20,15 +20,15 @@ class dv_desc_t {
     AEDesc desc_;
 };
 
-// An event of the core suite, to the Finder. False on failure.
+// Makes an event of the core suite, addressed to the Finder. False on failure.
 bool dv_create_core_event(AEEventID id, AppleEvent* event);
 
-// An alias descriptor of the element's own file.
+// Makes an alias descriptor for the element's own file.
 enum dv_alias_result_t { DV_ALIAS_OK, DV_ALIAS_NO_HANDLE, DV_ALIAS_NO_DESC };
 dv_alias_result_t dv_make_alias_desc(const FSRef* ref, AEDesc* desc, OSErr* error);
 
-// Appends an alias of the element's own file; an element without one is left out.
+// Appends an alias for the element's own file. An element without an alias is left out.
 void dv_append_alias(const dv_tree_t* elem, AEDescList* list);
 
-// Gives the event its items and the answer about files of the same names, and sends it.
+// Adds the items and the answer about files with the same names to the event, and sends it.
 void dv_send_items(AppleEvent* event, AEKeyword keyword, const AEDescList* items, Boolean replace);

@@ -49,8 +49,8 @@ Boolean ask_about_conflicts(delvio_t* state, dv_tree_t* destination, dv_tree_t* 
     return replace;
 }
 
-// False ends the operation. Without an alias the event goes on without a place: the Finder has its
-// own idea then.
+// False ends the operation. When no alias can be made, the event goes out without a destination,
+// and the Finder chooses one.
 bool put_destination(const FSRef* ref, AppleEvent* event) {
     dv_desc_t alias;
     OSErr error = noErr;
@@ -81,7 +81,7 @@ const dv_tree_t* root_of(const dv_tree_t* elem) {
     return root;
 }
 
-// The tree in which the destination stands.
+// The tree that contains the destination.
 struct tree_root_t {
     const dv_tree_t* elem;
     chars_t path;
@@ -89,7 +89,7 @@ struct tree_root_t {
 
 bool is_left_out(const dv_tree_t* item, const char* path, const tree_root_t& root, long operation) {
     const bool alias = operation == DV_FILE_OP_ALIAS;
-    // A link to the root does no harm within it.
+    // A link to the root may be made inside the root.
     const bool linked_root = alias && strcmp(path, root.path.get()) == 0;
     if (!linked_root && !dv_can_move_or_copy(root.path.get(), path)) {
         if (dvEnableDebugOutput) dvdprintf(" Skipping..\n");
@@ -142,7 +142,7 @@ void dv_send_file_op_to_finder(delvio_t* state, dv_tree_t* selection, dv_tree_t*
         return;
     }
     if (!put_destination(&ref, event.get())) return;
-    // Before the operation, so that the folder's window is there when the items arrive.
+    // The folder is opened before the operation, so that its window is there when the items arrive.
     if (open_after) dv_send_open_to_finder(&ref);
 
     AECreateList(nullptr, 0, false, list.get());

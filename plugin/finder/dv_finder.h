@@ -4,7 +4,7 @@
 // Whether this process is the Finder: its signature is 'MACS'. Main thread.
 bool dv_is_finder();
 
-// Whether this process is the Finder and the one that the user works with. Main thread.
+// Whether this process is the Finder and is in front. Main thread.
 bool dv_finder_is_front();
 
 // The time of day in seconds. Any thread.

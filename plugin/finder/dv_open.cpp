@@ -26,8 +26,8 @@ void add_reference(const FSRef* ref, AEDescList* list) {
     AEDisposeDesc(&document);
 }
 
-// Appends a reference to the element's own file. An element without a path has none; one whose
-// file is gone has one that leads nowhere.
+// Appends a reference to the element's own file. An element without a path gets none; an element
+// whose file is gone gets one that leads nowhere.
 void append_reference(const dv_tree_t* elem, std::vector<FSRef>& refs) {
     char* path = dv_path_for_elem(elem, 0, 1);
     if (!path) return;
@@ -61,7 +61,7 @@ OSErr dv_send_open_to_finder(const FSRef* ref) {
     add_reference(ref, &list);
     error = AEPutParamDesc(&event, keyDirectObject, &list);
     AEDisposeDesc(&list);
-    // The event stays behind then, as it always has.
+    // On this path the event is not disposed of.
     if (error != noErr) return error;
     AESend(&event, nullptr, kAENoReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
     AEDisposeDesc(&event);

@@ -1,4 +1,4 @@
-// Whom the plug-in's Apple Events go to.
+// The address that the plug-in's Apple Events go to.
 #pragma once
 
 #include <Carbon/Carbon.h>

@@ -1,6 +1,6 @@
-// The contextual menu without Control and without a second button: the left button held still for a
-// while and let go where it was pressed posts a right click there. One thread of its own does the
-// timing.
+// The contextual menu without Control or a second button. When the user holds the left button still
+// for a while and releases it where it was pressed, a right click is posted there. A separate
+// thread does the timing.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -18,21 +18,21 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy proxy, CGEventType type, CGEven
 @interface DVControlFreePopup : NSObject {
   @private
     CFMachPortRef evtTap;  // null without a tap
-    dv_point_t lastMouse;  // of the last accepted press, from the lower left
-    dv_point_t postAtLoc;  // the same from the upper left
+    dv_point_t lastMouse;  // the last accepted press, from the lower left
+    dv_point_t postAtLoc;  // the same point from the upper left
     double lastMouseDown;  // carried
     delvio_t* dv;
     uint32_t mouseDownCount;  // accepted presses
     BOOL cancelledCFP;
-    pthread_mutex_t mouseLock;  // for the wait alone
+    pthread_mutex_t mouseLock;  // only for the wait
     pthread_cond_t waitMouseDown;
 }
-// The one instance, made on the first call and never destroyed. Main thread.
+// The one instance. The first call makes it; it is never destroyed. Main thread.
 + (DVControlFreePopup*)sharedControlFreePopup;
-// A press, at the same point in both coordinates. Main thread.
+// Reports a press; both arguments are the same point. Main thread.
 - (void)mouseDownAt:(CGPoint)unflipped flipped:(CGPoint)flipped;
-// Cancels what the last press began.
+// Cancels the wait that the last press began.
 - (void)mouseUpAt:(CGPoint)point;
-// The thread. It ends when the record's popup_wake is set.
+// The thread's main method. It ends when the record's popup_wake is set.
 - (void)controlFreePopupThread:(id)unused;
 @end

@@ -85,7 +85,7 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
 - (void)mouseDownAt:(CGPoint)unflipped flipped:(CGPoint)flipped {
     if (!dv->control_free_enabled) return;
     if (dv->control_free_enabled == only_finder_in_front && !dv_finder_is_front()) return;
-    // A control-click opens the menu by itself.
+    // A control-click already opens the menu.
     if ([NSEvent modifierFlags] & NSControlKeyMask) return;
     lastMouse = {unflipped.x, unflipped.y};
     postAtLoc = {flipped.x, flipped.y};
@@ -138,7 +138,7 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
     return press;
 }
 
-// To the pixel: any movement cancels.
+// Compares exact positions: any movement cancels.
 - (BOOL)dvPointerIsStill {
     const NSPoint pointer = [NSEvent mouseLocation];
     return pointer.x == lastMouse.x && pointer.y == lastMouse.y;
@@ -149,7 +149,7 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
            [self dvPointerIsStill];
 }
 
-// The menu is armed, and the cursor says so, until the button is let go or the pointer moves.
+// Shows the contextual-menu cursor until the button is released or the pointer moves.
 - (BOOL)dvIsLetGoUnmoved {
     SetThemeCursor(kThemeContextualMenuArrowCursor);
     while ([NSEvent pressedMouseButtons]) {

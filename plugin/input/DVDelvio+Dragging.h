@@ -1,5 +1,5 @@
-// Files dragged out of an open menu with Command held, and the pointer's movement over menus: what
-// the event tap of this process brings. Main thread.
+// Dragging files out of an open menu with Command held, and pointer movement over menus. Both come
+// from this process's event tap. Main thread.
 #pragma once
 
 #include <CoreGraphics/CGEvent.h>
@@ -13,13 +13,13 @@ CGEventRef dvDragInterceptionCallback(CGEventTapProxy proxy, CGEventType type, C
                                       void* user_info);
 
 @interface DVDelvio (DraggingAdditions)
-// Once. Without a tap there are no drags and no hover previews.
+// Called once. Without a tap there are no drags and no hover previews.
 - (void)createEventTapForDragInterception;
 - (void)enableEventTap:(id)sender;
 - (void)disableEventTap:(id)sender;
 // Returns the event that goes on to the menu.
 - (CGEventRef)handleEventForDragInterception:(CGEventRef)event;
-// Starts a drag of the element in a moment, when the menu has closed.
+// Starts a drag of the element a moment later, when the menu has closed.
 - (void)initiateDragWithElem:(dv_tree_t*)elem;
 - (void)beginDelayedDrag:(id)sender;
 - (void)hideDragWindow:(id)sender;

@@ -1,4 +1,4 @@
-// The source of file drags out of menus: a view in a window of its own, which is never shown. Main
+// The source of file drags out of menus: a view in its own window, which is never shown. Main
 // thread.
 #pragma once
 
@@ -10,7 +10,7 @@ struct dv_tree_t;
   @private
     dv_tree_t* theDragTarget;  // owned
 }
-// A copy of the element that the next mouseDown: drags, or null; mouseDown: clears it.
+// A copy of the element that the next mouseDown: drags, or null. mouseDown: clears it.
 - (dv_tree_t*)theDragTarget;
 // Copies the element.
 - (void)setTheDragTarget:(dv_tree_t*)target;

@@ -1,5 +1,5 @@
-// A dark disc with a white wedge that turns while something is being made. Each drawing moves it
-// on, at most 30 times a second; whoever shows it redraws it from a timer. Main thread.
+// A dark disc with a white wedge that turns while a picture is being made. Each drawing advances
+// the wedge, at most 30 times a second; the owner redraws the view from a timer. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>

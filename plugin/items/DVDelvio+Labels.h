@@ -6,6 +6,6 @@
 @interface DVDelvio (LabelAdditions)
 // The preference "showLabels".
 - (int32_t)showLabels;
-// The colour of a label, 1 to 7; clearColor for any other. Only the low 8 bits count.
+// The colour of label 1 to 7; clearColor for any other number. Only the low 8 bits count.
 + (NSColor*)colorForLabel:(NSInteger)label;
 @end

@@ -12,6 +12,6 @@
     BOOL hasImage;                     // carried, unused
 }
 - (instancetype)initWithTree:(dv_tree_t*)tree target:(id)target;
-// With an image the disc is gone for good; with nil it is back, but stands still.
+// An image removes the disc for good. With nil the disc is back, but does not turn.
 - (void)setImage:(NSImage*)image;
 @end

@@ -17,19 +17,19 @@ struct dv_tree_t;
     int32_t _dvOpenWithIsAttachedToRoot;
     BOOL _dvNeedsOpenWithHead;
 }
-// Not owned: not to be followed after the menu has closed.
+// Not owned: do not use it after the menu has closed.
 @property (assign, nonatomic) dv_tree_t* tree;
 // The menu has been filled.
 @property (assign, nonatomic) BOOL dvDidPopulate;
-// Filling has been started on another queue.
+// Another queue has been asked to fill the menu.
 @property (assign, nonatomic) BOOL dvBeganAsyncPopulate;
-// A preview submenu rather than a folder's level.
+// This is a preview submenu, not a folder's level.
 @property (assign, nonatomic) BOOL dvIsPreviewMenu;
-// How many folders stand above; 0 when none was given.
+// The number of folders above this menu; 0 when none was given.
 @property (assign, nonatomic) int32_t dvFolderLevel;
-// Non-zero: the open-with submenu that this menu belongs to is the root menu's.
+// Non-zero when this menu belongs to the root menu's open-with submenu.
 @property (assign, nonatomic) int32_t dvOpenWithIsAttachedToRoot;
-// An open-with submenu whose first lines are still to be made.
+// This is an open-with submenu whose first lines have not been made yet.
 @property (assign, nonatomic) BOOL dvNeedsOpenWithHead;
 
 - (instancetype)initWithTitle:(NSString*)title tree:(dv_tree_t*)tree andLevel:(int32_t)level;

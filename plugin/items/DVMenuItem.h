@@ -1,5 +1,5 @@
-// A menu item that stands for one element of a tree and looks like it: its name, its icon, its
-// label's colour. Its action is dvItemSelected:. Main thread.
+// A menu item for one element of a tree. It shows the element's name, icon and label colour. Its
+// action is dvItemSelected:. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -8,11 +8,11 @@ struct dv_tree_t;
 
 @interface DVMenuItem : NSMenuItem {
   @private
-    dv_tree_t* _tree;  // not owned: not to be followed after the menu has closed
+    dv_tree_t* _tree;  // not owned: do not use it after the menu has closed
 }
 @property (assign, nonatomic) dv_tree_t* tree;
 
-// The name under which an element is listed; a fixed text for null. Lives as long as the element.
+// The name to list an element under; a fixed text for null. The name lives as long as the element.
 + (const char*)nameForTree:(dv_tree_t*)tree;
 
 // The designated initialiser. A null tree aborts. A nil title is the element's name.

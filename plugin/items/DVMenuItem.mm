@@ -21,7 +21,8 @@ NSString* title_for_tree(dv_tree_t* tree) {
 }
 
 NSImage* icon_for_path(const char* path) {
-    // A path that is not valid UTF-8 is no string: it gets the icon of an unknown file.
+    // A path that is not valid UTF-8 cannot become an NSString, so it gets the icon of an unknown
+    // file.
     NSString* string = [NSString stringWithUTF8String:path];
     NSImage* icon = [[NSWorkspace sharedWorkspace] iconForFile:string ? string : @""];
     const int32_t size = static_cast<int32_t>(dvFontSize);
@@ -50,7 +51,7 @@ NSAttributedString* labelled_title(NSString* title, uint8_t label) {
                       target:(id)target
                        title:(NSString*)title
                     useImage:(BOOL)useImage {
-    // An item of nothing is a programming error: it ends here, in release builds
+    // An item without an element is a programming error: it ends the process, in release builds
     // too.
     assert(theTree != 0);
     if (!title) title = title_for_tree(theTree);

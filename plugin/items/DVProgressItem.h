@@ -1,4 +1,4 @@
-// An item that shows a turning disc whenever it has no image. Main thread.
+// An item that shows a turning disc while it has no image. Main thread.
 #pragma once
 
 #include "items/DVMenuItem.h"
@@ -12,7 +12,7 @@
 }
 - (instancetype)initWithTree:(dv_tree_t*)tree target:(id)target;
 - (void)setImage:(NSImage*)image;
-// Neither does anything when it has been done.
+// Calling either one a second time does nothing.
 - (void)start;
 - (void)stop;
 @end

@@ -1,4 +1,4 @@
-// What the items with a disc are made of. Main thread.
+// The parts of the items that show a disc. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -12,6 +12,7 @@ NSView* create_disc_view(DVCircularProgressView** disc);
 - (void)updateProgress:(NSTimer*)timer;
 @end
 
-// A repeating timer that sends updateProgress: 30 times a second while menus track: the only time
-// at which an item can be seen. The target is not retained: it invalidates the timer as it dies.
+// A repeating timer that sends updateProgress: 30 times a second while menus track, which is the
+// only time when an item is visible. The target is not retained: it invalidates the timer when it
+// dies.
 NSTimer* start_disc_timer(id<DVProgressUpdating> target);

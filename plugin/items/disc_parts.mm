@@ -9,7 +9,7 @@ constexpr NSTimeInterval redraw_interval = 1.0 / 30;
 
 }  // namespace
 
-// A timer retains its target, and an item with a turning disc would never die.
+// A timer retains its target, so an item with a turning disc would never be freed.
 @interface DVDiscTurner : NSObject {
   @private
     id<DVProgressUpdating> _target;  // not retained

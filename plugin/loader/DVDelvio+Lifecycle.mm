@@ -12,7 +12,7 @@
 
 namespace {
 
-// Every chain of the record, in the order in which they are freed.
+// Every chain in the record, in the order in which they are freed.
 void free_trees(delvio_t* dv) {
     if (dvEnableDebugOutput) {
         dvdprintf("Delvio: Free'ing trees; root = %p, forest = %p open_with = %p, move_copy = %p, "
@@ -40,7 +40,7 @@ void free_trees(delvio_t* dv) {
     (void)delegate;
     dv_read_prefs(dv, 0);
     if (!dv->delvio_is_on) return menu;
-    // Shift is how the user asks for the host's plain menu.
+    // Shift asks for the host's plain menu.
     if ([NSEvent modifierFlags] & NSShiftKeyMask) return menu;
 
     [self enableEventTap:nil];
@@ -56,7 +56,7 @@ void free_trees(delvio_t* dv) {
 }
 
 - (void)dvTakeMenu:(NSMenu*)menu ofClass:(Class)menuClass {
-    // First, so that the release that follows an exception has a count to take back.
+    // The count goes up first: the release after an exception takes it down again.
     dv->count++;
     [self dvHoldMenu:menu ofClass:menuClass];
     rootMenuSelectionCount = 0;
@@ -93,7 +93,7 @@ void free_trees(delvio_t* dv) {
 
 - (void)removeMenuAndDelegate {
     pthread_mutex_lock(&treeLock);
-    // What the host's menu raises goes on to the caller, with nothing left behind here.
+    // An exception from the host's menu reaches the caller, but only after the cleanup below.
     @try {
         [self dvGiveMenuBack];
     } @finally {

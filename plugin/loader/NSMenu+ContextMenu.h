@@ -1,5 +1,5 @@
-// What runs in place of the methods of the host's own contextual-menu class. Harmless for any menu.
-// Main thread.
+// Replacements for methods of the host's contextual-menu class. They are safe for any menu. Main
+// thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -7,10 +7,10 @@
 struct TFENodeVector;
 
 @interface NSMenu (DVDelvioAdditionsToTContextMenu)
-// Learns the selection from the host's nodes.
+// Reads the selection from the host's nodes.
 - (void)dvConfigureWithNodes:(const TFENodeVector*)nodes
             windowController:(id)window_controller
                    container:(BOOL)container;
-// Takes the plug-in's items out before the host clears its menu and puts them back after.
+// Removes the plug-in's items before the host clears its menu, and puts them back afterwards.
 - (void)dvRemoveAllItems;
 @end

@@ -4,7 +4,7 @@
 #include "menus/DVDelvio+Selection.h"
 #include "support/dv_log.h"
 
-// HOST: its own methods, told here by name.
+// HOST: the host's own methods, declared here for the compiler.
 @interface NSArray (FinderNodes)
 + (NSArray*)FINodesFromFENodeVector:(const TFENodeVector*)nodes;
 @end

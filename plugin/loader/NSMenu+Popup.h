@@ -1,5 +1,5 @@
-// What runs in place of the toolkit's popup methods: each takes the menu over, hands on to the
-// toolkit by its own selector, and releases the menu when it has closed. Main thread.
+// Replacements for the toolkit's popup methods. Each takes over the menu, calls the toolkit's
+// method through the replacement's selector, and releases the menu when it has closed. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -8,7 +8,7 @@
 
 struct AEDesc;
 
-// A menu that has been taken over is being tracked: a popup within it is shown as it is.
+// Non-zero while a menu that was taken over is tracking. A popup inside it is shown unchanged.
 extern uint8_t dvIsActive;
 
 @interface NSMenu (DVDelvioAdditions)
@@ -16,13 +16,13 @@ extern uint8_t dvIsActive;
                          withEvent:(NSEvent*)event
                            forView:(NSView*)view
                           withFont:(NSFont*)font;
-// Present, not installed.
+// Present, but not installed.
 - (void)dvInstancePopUpContextMenu:(NSMenu*)menu withEvent:(NSEvent*)event forView:(NSView*)view;
 + (void)dvClassPopUpContextMenu:(NSMenu*)menu
                       withEvent:(NSEvent*)event
                         forView:(NSView*)view
                        withFont:(NSFont*)font;
 + (void)dvClassPopUpContextMenu:(NSMenu*)menu withEvent:(NSEvent*)event forView:(NSView*)view;
-// Does not hand on: the host's descriptor-based menu plug-ins get none.
+// Does not call the original: the host's descriptor-based menu plug-ins get no descriptor.
 - (void)dvSetContextMenuPluginAEDesc:(const AEDesc*)descriptor;
 @end

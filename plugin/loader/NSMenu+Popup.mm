@@ -14,7 +14,7 @@ NSFont* preferred_font(NSFont* font) {
     return size ? [NSFont systemFontOfSize:size] : font;
 }
 
-// `name` is the log's word for the kind of popup, empty or " no-font".
+// `name` is the kind of popup in the log: empty or " no-font".
 void log_reentrance(NSMenu* receiver, NSMenu* menu, const char* name) {
     dvdprintf(
         "Delvio: Re-entrant%s [self = %p, menu = %p, self-delegate = %p, delegate = %p, dvdv = "
@@ -41,8 +41,8 @@ NSMenu* take_over(NSMenu* menu) {
                                          withClass:[menu class]];
 }
 
-// Ends a popup, and the use of the plug-in with it, whatever its release runs into. Exceptions go
-// on to the popup's caller, after those of the host's tracking too.
+// Ends a popup and clears dvIsActive, even when the release raises. The popup's caller gets the
+// exception.
 void leave_instance_popup(NSMenu* receiver, const char* name) {
     @try {
         [[DVDelvio sharedDelvio] removeMenuAndDelegate];

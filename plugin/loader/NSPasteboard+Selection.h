@@ -1,9 +1,9 @@
-// What runs in place of the pasteboard's writing. Main thread.
+// The replacement for the pasteboard's writing method. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
 
 @interface NSPasteboard (DVDelvioAdditions)
-// Learns the selection from what the host writes.
+// Reads the selection from the objects that the host writes.
 - (BOOL)dvWriteObjects:(NSArray*)objects;
 @end

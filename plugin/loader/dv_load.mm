@@ -50,8 +50,9 @@ void exchange(const exchange_t& row) {
                   sel_registerName(row.replacement), row.kind);
 }
 
-// HOST: its contextual menu's class is private, and ours are methods of its superclass. With an
-// entry of its own for the replacement, the exchange leaves all other menus alone.
+// HOST: the host's contextual-menu class is private, and our replacements are methods of its
+// superclass. The class gets its own copy of the replacement, so the exchange does not change other
+// menus.
 void exchange_host_methods() {
     Class menu_class = objc_getClass(context_menu_class);
     if (!menu_class) {

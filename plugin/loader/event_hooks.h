@@ -1,4 +1,4 @@
-// Hooks that print every event, for debugging. Present, not installed.
+// Hooks that print every event, for debugging. Present, but not installed.
 #pragma once
 
 #include <AppKit/AppKit.h>

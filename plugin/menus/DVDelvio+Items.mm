@@ -53,13 +53,13 @@ bool is_network(dv_tree_t* elem) {
     return found;
 }
 
-// Shown without its contents, which the Option key brings.
+// The item shows no contents; with the Option key it does.
 bool is_closed(dv_tree_t* elem, const delvio_t* dv) {
     if (is_network(elem)) return true;
     return is_bundle(elem) && !dv->show_package_contents;
 }
 
-// A new kind begins with a separator; files after packages go on, as both are documents.
+// A new kind begins with a separator. Files after packages get none, because both are documents.
 bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     if (elem->kind != DV_KIND_FILE) return true;
     return level.previous_kind != DV_KIND_PACKAGE;
@@ -119,7 +119,7 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     [self addItem:[self dvFurnishItem:item ofElem:elem inLevel:level] toMenu:level.menu];
     [item release];
     level.previous_kind = elem->kind;
-    // With its separator bit, so that the next element differs.
+    // The separator bit is kept, so that the next element's origin differs.
     level.previous_origin = elem->origin;
 }
 
@@ -134,8 +134,8 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     [self addItem:[self dvPlainItemWithTitle:@"Applications" enabled:NO] toMenu:level.menu];
 }
 
-// Gives the element's own item what belongs to it, adds it when others follow it, and returns the
-// last item, which is not in the menu yet.
+// Adds submenus and alternates to the element's item. When alternates follow the item, it is added
+// to the menu here. Returns the last item, which is not in the menu yet.
 - (DVMenuItem*)dvFurnishItem:(DVMenuItem*)item
                       ofElem:(dv_tree_t*)elem
                      inLevel:(const level_t&)level {
@@ -146,7 +146,8 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     return item;
 }
 
-// A document's open-with submenu is Shift's, or in the root menu its own; its preview is Option's.
+// Shift shows a document's open-with submenu and Option its preview. In the root menu the open-with
+// submenu can be the item's own submenu, without Shift.
 - (DVMenuItem*)dvFurnishDocumentItem:(DVMenuItem*)item
                               ofElem:(dv_tree_t*)elem
                              inLevel:(const level_t&)level {
@@ -155,7 +156,7 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
         [self createOpenWithSubmenuForItem:item isRootMenu:YES];
         [self addItem:item toMenu:level.menu];
     } else {
-        // An application that is no container is a document too.
+        // An application that is not a container counts as a document.
         [self dvOfferRecentItemsOfElem:elem onItem:item inLevel:level];
         [self addItem:item toMenu:level.menu];
         DVMenuItem* openWith = [self dvAlternateOfElem:elem withModifiers:NSShiftKeyMask];
@@ -181,7 +182,8 @@ bool begins_kind_group(const dv_tree_t* elem, const level_t& level) {
     [self createRecentSubmenuForTree:elem andItem:item atLevel:level.number];
 }
 
-// An application of a list is an end; a folder of one is read at once, so that none leads nowhere.
+// A listed application has no submenu. A listed folder is read at once, so that an empty one gets
+// no submenu.
 - (DVMenuItem*)dvFurnishListedItem:(DVMenuItem*)item
                             ofElem:(dv_tree_t*)elem
                            inLevel:(const level_t&)level {

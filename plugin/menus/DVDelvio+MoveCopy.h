@@ -7,12 +7,12 @@
 struct dv_tree_t;
 
 @interface DVDelvio (MoveCopy)
-// What a folder's level offers to move into: an element of the copies chain that stands for the
-// folder; null for a level that offers nothing.
+// The target that a folder's level offers for moves: an element in the copies chain for that
+// folder; null for a level that offers none.
 - (dv_tree_t*)dvMoveCopyElemForElem:(dv_tree_t*)elem;
-// The items to move, copy and link the selection into a folder, and a separator. None for a null
-// element, in the root menu, and where the selection is the one thing that the menu browses.
+// Adds items to move, copy and link the selection into a folder, and a separator. Adds none for a
+// null element, in the root menu, and when the selection is the only thing that the menu browses.
 - (void)insertMoveCopyElem:(dv_tree_t*)elem forMenu:(NSMenu*)menu;
-// One of these items has been picked.
+// The user has picked one of these items.
 - (void)dvFileOperationSelected:(DVMenuItem*)item;
 @end

@@ -10,7 +10,7 @@
 
 namespace {
 
-// The first shows, unless the others' keys are held.
+// The first row is shown unless the modifier keys of another row are held.
 const struct {
     NSString* title;
     dv_file_op_t operation;
@@ -49,7 +49,7 @@ void log_move_copy_elem(const dv_tree_t* copy) {
 
 - (void)insertMoveCopyElem:(dv_tree_t*)elem forMenu:(NSMenu*)menu {
     if (!elem || menu == _proxyMenu || elem->kind != DV_KIND_FOLDER) return;
-    // One selected folder has nothing to be moved into within itself.
+    // A single selected folder cannot be moved into its own levels.
     if (!(elem->origin & DV_ORIGIN_USER_FOLDER) && !dv->multiple_selection) return;
     for (const auto& row : rows) {
         DVMenuItem* item = [DVMenuItem createAutoreleasedItemForTree:elem

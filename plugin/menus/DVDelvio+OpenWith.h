@@ -1,5 +1,5 @@
-// "Open with...": the submenu of a document, and what picking an application in it does. Main
-// thread.
+// "Open with...": a document's submenu of applications, and what happens when the user picks one.
+// Main thread.
 #pragma once
 
 #include "controller/DVDelvio.h"
@@ -7,13 +7,13 @@
 @class DVMenu;
 
 @interface DVDelvio (OpenWith)
-// An item's open-with submenu, which the item owns; `isRoot`: the item stands in the root menu. It
-// is empty until it opens.
+// Makes an item's open-with submenu, which the item owns. `isRoot` means that the item is in the
+// root menu. The submenu is empty until it opens.
 - (DVMenu*)createOpenWithSubmenuForItem:(NSMenuItem*)item isRootMenu:(BOOL)isRoot;
-// For an item of a deeper level.
+// The same for an item of a deeper level.
 - (DVMenu*)createOpenWithSubmenuForItem:(NSMenuItem*)item;
-// The lines that stand above the applications: what a pick will do, and the running applications.
+// Adds the lines above the applications: what a pick will do, and the running applications.
 - (void)dvAddOpenWithHeadToMenu:(DVMenu*)menu;
-// An application has been picked, in an open-with submenu or a level below one.
+// The user has picked an application, in an open-with submenu or in a level below one.
 - (void)dvApplicationSelected:(DVMenuItem*)item withOption:(BOOL)optionDown;
 @end

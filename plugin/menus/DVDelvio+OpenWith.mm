@@ -24,8 +24,8 @@ BOOL is_attached_to_root(NSMenu* menu) {
     return [static_cast<DVMenu*>(menu) dvOpenWithIsAttachedToRoot] != 0;
 }
 
-// The item whose open-with submenu an application stands in, at whatever depth; nil when there is
-// none of ours.
+// The item whose open-with submenu contains the application, at any depth; nil when no DVMenuItem
+// is found.
 DVMenuItem* owner_of_application(DVMenuItem* application) {
     NSMenuItem* item = [application parentItem];
     for (; [item isKindOfClass:[DVMenuItem class]]; item = [item parentItem]) {
@@ -43,8 +43,8 @@ DVMenuItem* owner_of_application(DVMenuItem* application) {
 
 @implementation DVDelvio (OpenWith)
 
-// A level may hold thousands of documents, each with this submenu, of which the user opens
-// one. So its lines are made when it opens.
+// A level may have thousands of documents, each with this submenu, and the user opens one of them.
+// So the submenu's lines are made when it opens.
 - (DVMenu*)createOpenWithSubmenuForItem:(NSMenuItem*)item isRootMenu:(BOOL)isRoot {
     DVMenu* menu = [[DVMenu alloc] initWithTitle:one_title andTree:dv->open_with];
     [menu setDelegate:self];
@@ -73,7 +73,7 @@ DVMenuItem* owner_of_application(DVMenuItem* application) {
     [self dvAddSeparatorToMenu:menu];
 }
 
-// Its submenu has no delegate: it is no element's level, and complete from the start.
+// The submenu has no delegate, because it is not an element's level and is complete from the start.
 - (DVMenuItem*)dvRunningAppsItemForMenu:(DVMenu*)openWith {
     DVMenuItem* item = [DVMenuItem createAutoreleasedItemForTree:dv->running_apps
                                                           target:self

@@ -1,4 +1,4 @@
-// Filling menus: the root level when a menu is taken over, every other level when it first opens.
+// Fills menus: the root level when a menu is taken over, and every other level when it first opens.
 // Main thread.
 #pragma once
 
@@ -10,27 +10,28 @@ struct dv_tree_t;
 @interface DVDelvio (MenuPopulation)
 // Rebuilds the root level from the roots in the state record.
 - (void)updateProxyMenu;
-// Menu delegate. The host's menu: forwarded. A level of our own: filled, the first time;
-// a preview menu gets its picture later.
+// Menu delegate method. For the host's menu, the call is forwarded. One of our own levels is filled
+// the first time; a preview menu gets its picture later.
 - (void)menuWillOpen:(NSMenu*)menu;
 
-// Reads the level of the menu's element, once, and makes its items, once.
+// Reads the level of the menu's element and makes its items. Does each only once.
 - (void)populateMenu:(DVMenu*)menu;
-// Reads the level below an element, unless it is there already.
+// Reads the level below an element, unless it has been read.
 - (void)populateSubFolderForElem:(dv_tree_t*)elem;
-// A submenu for the element's level, to be filled when it opens. The item owns it.
+// Makes a submenu for the element's level; it is filled when it opens. The item owns it.
 - (DVMenu*)createSubmenuForTree:(dv_tree_t*)tree
                         andItem:(NSMenuItem*)item
                         atLevel:(int32_t)level
                      parentMenu:(NSMenu*)parentMenu;
 - (DVMenu*)createSubmenuForTree:(dv_tree_t*)tree andItem:(NSMenuItem*)item atLevel:(int32_t)level;
-// A submenu of an application's recent documents; nil, and none on the item, when it has none.
+// Makes a submenu of an application's recent documents. Without recent documents it returns nil and
+// the item gets no submenu.
 - (DVMenu*)createRecentSubmenuForTree:(dv_tree_t*)tree
                               andItem:(NSMenuItem*)item
                               atLevel:(int32_t)level;
 - (NSMenuItem*)createAutoreleasedEmptyFolderItem;
 
-// The path of an element, an alias's target; nil without one.
+// The path of an element; for an alias, the path of its target; nil without a path.
 + (NSString*)stringPathForTree:(dv_tree_t*)tree;
 + (NSURL*)urlForTree:(dv_tree_t*)tree;
 @end

@@ -35,18 +35,18 @@
 }
 
 - (void)dvEmptyProxyMenu {
-    // It may be among those that go, or have gone with an earlier menu.
+    // The highlighted item may be removed here, or may have gone with an earlier menu.
     _currentlyHighlightedItem = nil;
     if (dv->finderInSeparateSubmenu) {
         [_proxyMenu removeAllItems];
-        // They are gone from the menu: an index counted from them would lie outside it.
+        // These items are no longer in the menu, so an index based on them would be out of range.
         [rootItems removeAllObjects];
     } else {
         [self removeRootItems];
     }
 }
 
-// The selection's roots, or one item that holds them all when there are many.
+// Inserts the selection's roots, or one item that holds them all when there are many.
 - (void)dvInsertSelectionRoots {
     if (!dv->root || rootMenuSelectionCount <= dv->rootMenuCollapseThreshold) {
         [self insertItems:dv->root forMenu:_proxyMenu];
@@ -59,7 +59,7 @@
                                                     andModifiers:0
                                                         useImage:NO];
     DVMenu* menu = [self createSubmenuForTree:dv->root andItem:item atLevel:0];
-    // It lists the roots themselves, not the first one's level.
+    // The submenu lists the roots themselves, not the level of the first root.
     [menu setDvDidPopulate:YES];
     [self addItem:item toMenu:_proxyMenu];
     [self insertItems:dv->root forMenu:menu];

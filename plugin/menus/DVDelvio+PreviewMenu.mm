@@ -14,8 +14,8 @@
 
 namespace {
 
-// A picture on its way from a background queue to its menu. The menu may close before it is there,
-// and its trees die then: the element is a copy.
+// A picture that a background queue makes for a menu. The menu may close before the picture is
+// ready, and its trees are then freed, so the element is a copy.
 struct preview_work_t {
     DVMenu* menu;       // retained
     DVImageItem* item;  // retained
@@ -92,7 +92,7 @@ void make_preview(void* context) {
                                                   action:nullptr
                                            keyEquivalent:@""];
     [line setEnabled:NO];
-    // It is gone with the menu's last hold on it.
+    // Removing the item from the menu may free it.
     if (_currentlyHighlightedItem == item) _currentlyHighlightedItem = nil;
     [menu removeItem:item];
     [menu addItem:line];

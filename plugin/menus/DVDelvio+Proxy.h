@@ -3,8 +3,8 @@
 
 #include "controller/DVDelvio.h"
 
-// Calls about the host's menu go on to the host's delegate when it answers them; all others get the
-// toolkit's neutral answer. menuWillOpen: is the population's.
+// Calls about the host's menu are forwarded to the host's delegate if it implements them; all
+// others get the toolkit's neutral answer. menuWillOpen: is in the population category.
 @interface DVDelvio (MenuDelegateProxy)
 - (NSInteger)numberOfItemsInMenu:(NSMenu*)menu;
 - (void)menuNeedsUpdate:(NSMenu*)menu;
@@ -17,10 +17,10 @@
                     forEvent:(NSEvent*)event
                       target:(id*)target
                       action:(SEL*)action;
-// The host's delegate hears of the plug-in's items only.
+// The host's delegate is told about the plug-in's items only.
 - (void)menu:(NSMenu*)menu willHighlightItem:(NSMenuItem*)item;
 
-// The one door for items: at the top of the proxy menu, after those already put there, or at the
-// end of any other menu.
+// All items are added through this method. It adds to the top of the proxy menu, below the items
+// already added there, or to the end of any other menu.
 - (void)addItem:(NSMenuItem*)item toMenu:(NSMenu*)menu;
 @end

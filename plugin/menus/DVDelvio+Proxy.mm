@@ -7,7 +7,8 @@
 
 @implementation DVDelvio (MenuDelegateProxy)
 
-// Not the proxy menu: while the host's items are in a submenu, that menu keeps its own delegate.
+// This excludes the proxy menu: while the host's items are in a submenu, that submenu keeps its own
+// delegate.
 - (BOOL)dvForwards:(SEL)selector forMenu:(NSMenu*)menu {
     return menu == _finderMenu && [previousDelegate respondsToSelector:selector];
 }

@@ -7,10 +7,10 @@
 struct dv_tree_t;
 
 @interface DVDelvio (RootTrees)
-// Fills the slots that are empty. Needs the settings to have been read.
+// Fills the empty slots. The settings must have been read.
 - (void)createUserTrees;
-// The running applications that have a place in the Dock, by name.
+// The running applications that appear in the Dock, by name.
 - (void)createRunningAppsList;
-// A new chain of an application's recent documents, which the caller owns; null without any.
+// A new chain of an application's recent documents, owned by the caller; null when there are none.
 - (dv_tree_t*)getRecentItemsForElem:(dv_tree_t*)elem;
 @end

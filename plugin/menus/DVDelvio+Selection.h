@@ -1,14 +1,14 @@
-// What is selected in the host, and what is picked in our menus. Main thread.
+// The selection in the host, and picks in our menus. Main thread.
 #pragma once
 
 #include "controller/DVDelvio.h"
 
-// The selection of the open menu has been taken; cleared when the menu is released.
+// The open menu has its selection. Cleared when the menu is released.
 extern uint8_t dvDidGetURLs;
 
 @interface DVDelvio (SelectionActions)
-// The host's selected files: NSURLs, other objects are ignored. The first list of a menu that holds
-// any wins.
+// Takes the host's selected files: NSURLs; other objects are ignored. For each menu, the first list
+// with any NSURL wins.
 - (void)setSelectedFiles:(NSArray*)files;
 // The action of every DVMenuItem.
 - (void)dvItemSelected:(id)sender;

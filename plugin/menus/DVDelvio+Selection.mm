@@ -20,7 +20,7 @@ struct chain_t {
     void append(dv_tree_t* elem) { dv_update_ptrs(elem, &tail, &head); }
 };
 
-// The selection in the making: folders stand before files, each in the host's order.
+// A selection while it is being built: folders before files, each in the host's order.
 struct selection_t {
     chain_t folders, files;
     int32_t count;
@@ -127,7 +127,7 @@ void open_elem(dv_tree_t* elem) {
                          withOption:(modifiers & NSAlternateKeyMask) != 0];
         return;
     }
-    // A command-click begins a drag, elsewhere.
+    // A command-click starts a drag, which the event tap handles.
     if (modifiers & NSCommandKeyMask) {
         if (dvEnableDebugOutput) {
             dvdprintf("Delvio: Selected item with command key down - is drag tap not working?\n");

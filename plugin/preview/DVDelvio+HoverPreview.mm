@@ -11,7 +11,7 @@
 
 namespace {
 
-// Between two files while the window is shown already, in seconds.
+// The delay between two files while the window is already shown, in seconds.
 constexpr double delay_between_files = 0.35;
 
 double hover_delay(const delvio_t* dv) {
@@ -37,13 +37,13 @@ double hover_delay(const delvio_t* dv) {
                                                        selector:@selector(showPreviewWindow:)
                                                        userInfo:nil
                                                         repeats:NO];
-    // Menus track in a mode of their own.
+    // Menus track in their own run loop mode.
     [[NSRunLoop currentRunLoop] addTimer:hoverPreviewTimer forMode:NSEventTrackingRunLoopMode];
     [self handleMouseMovedForPreviewWindow];
 }
 
 - (void)showPreviewWindow:(NSTimer*)timer {
-    // It has fired and is gone.
+    // The timer has fired and is no longer valid.
     if (timer == hoverPreviewTimer) hoverPreviewTimer = nil;
     if (![self dvOffersHoverPreviews]) return;
     double threshold = hover_delay(dv);

@@ -1,5 +1,5 @@
 // The hover window: a large picture of a file above the menus, with a turning disc until the
-// picture is there. Main thread, but for `path`.
+// picture is ready. Main thread, except `path`.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -16,18 +16,19 @@
     NSTimer* progressTimer;
     DVCircularProgressView* progress;  // owned
     BOOL visible;
-    uint32_t production;  // counts the pictures begun; only the last one's result is shown
-    uint32_t produced;    // the last production that has ended
+    uint32_t production;  // counts the pictures started; only the last one is shown
+    uint32_t produced;    // the last production that has finished
 }
-// The file shown. A new one that is there and no folder begins a new picture. Reads on any thread.
+// The file shown. Setting a new file that exists and is not a folder starts a new picture. Any
+// thread may read it.
 @property (retain) NSURL* path;
 
-// Whether the window is shown; it may still be fading out when it is not.
+// Whether the window is shown. A window that is fading out counts as hidden.
 - (BOOL)isVisible;
-// Shows the window, if it is not shown yet, with the file under the pointer.
+// Shows the window, if it is hidden, with the file under the pointer.
 - (void)showPreviewWindow:(id)sender;
 - (void)hidePreviewWindow:(id)sender;
-// Moves the window, while it is shown, out of the pointer's way to the other side of the screen.
+// If the window is shown and under the pointer, moves it to the other side of the screen.
 - (void)handleMouseMoved;
 - (void)generatePreview;
 - (void)prepareProgressIndicator;

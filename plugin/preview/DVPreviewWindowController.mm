@@ -51,7 +51,7 @@ bool is_plain_file(NSURL* url) {
            !is_folder;
 }
 
-// A picture on its way from a background queue to the window.
+// A picture that a background queue makes for the window.
 struct production_t {
     DVPreviewWindowController* controller;  // retained
     uint32_t number;
@@ -163,7 +163,7 @@ void make_picture(void* context) {
     [self dvShowPictureAtHand];
 }
 
-// The file is the one of the last time: no picture is begun for it, so the disc must not stay.
+// When the file is the same as last time, no new picture is started, so the disc must not stay.
 - (void)dvShowPictureAtHand {
     if (produced != production) {
         [self dvStartProgressTimer];
@@ -209,7 +209,7 @@ void make_picture(void* context) {
                      make_picture);
 }
 
-// A picture that another has overtaken is of a file that is shown no more.
+// A picture that is not the newest belongs to a file that is no longer shown.
 - (void)dvEndProduction:(uint32_t)number withImage:(CGImageRef)image {
     if (number != production) return;
     produced = number;
@@ -232,7 +232,7 @@ void make_picture(void* context) {
     if (!CGRectContainsPoint(NSRectToCGRect(frame), NSPointToCGPoint(pointer))) return;
     const NSRect area = [[window screen] visibleFrame];
     frame.origin.x = pointer.x < NSMidX(area) ? NSMaxX(area) - NSWidth(frame) : NSMinX(area);
-    // To the other side, but within the pointer's own half: above stays above.
+    // The window changes sides but stays in the pointer's half: above stays above.
     frame.origin.y = pointer.y > NSMidY(area) ? NSMaxY(area) - NSHeight(frame) : NSMinY(area);
     [window setFrame:frame display:YES animate:YES];
 }

@@ -1,4 +1,4 @@
-// Windows that come and go softly. Main thread.
+// Windows that fade in and out. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -6,6 +6,6 @@
 @interface NSWindow (DVWindowAdditions)
 // Orders the window in and fades it in.
 - (void)dvOrderFront:(id)sender;
-// Fades the window out; it is ordered out one second later, whatever happens meanwhile.
+// Fades the window out. It is ordered out one second later, even if it is shown again before that.
 - (void)dvOrderOut:(id)sender;
 @end

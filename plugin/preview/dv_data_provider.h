@@ -1,4 +1,4 @@
-// A data provider that serves memory. Any thread, one at a time a provider.
+// A data provider that serves memory. Any thread, but only one at a time per provider.
 #pragma once
 
 #include <CoreGraphics/CoreGraphics.h>
@@ -10,10 +10,10 @@ struct dv_provider_t {
     void* data;
     uint32_t size;
     uint32_t position;   // where a sequential provider reads next
-    uint32_t free_data;  // the release frees the data
-    uint32_t verbose;    // the release prints a line; never set by create_data_provider
+    uint32_t free_data;  // release_info also frees the data
+    uint32_t verbose;    // release_info prints a line; create_data_provider never sets it
     uint32_t direct_access;
-    uint32_t released;  // no byte pointer is outstanding
+    uint32_t released;  // no byte pointer is in use
 };
 
 extern const CGDataProviderCallbacks dp_provider_callbacks;
@@ -24,10 +24,10 @@ CGDataProviderRef create_data_provider(void* data, uint32_t size, uint32_t free_
                                        int32_t direct_access);
 
 size_t get_bytes(void* block, void* buffer, size_t count);
-// Not bounded: what lies past the end reads as no bytes.
+// The position may pass the end; reads there return no bytes.
 void skip_bytes(void* block, size_t count);
 void provider_rewind(void* block);
 const void* get_byte_pointer(void* block);
 void release_byte_pointer(void* block, const void* pointer);
-// Frees the block, and its data when that is the provider's.
+// Frees the block, and the data if the provider owns it.
 void release_info(void* block);

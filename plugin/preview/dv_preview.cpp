@@ -22,8 +22,8 @@ constexpr uint32_t pixel_bytes = 4;
 constexpr double font_size = 9, character_spacing = 0.6, left_margin = 2;
 constexpr int32_t first_baseline = 14, line_height = 12;
 
-// Guards the context and its bitmap: two previews that are made at once must not draw over each
-// other, nor one draw into a context that the other replaces.
+// Guards the context and its bitmap. Two previews made at the same time must not draw over each
+// other, and neither may draw into a context that the other replaces.
 std::mutex drawing;
 
 uint32_t bitmap_size(uint32_t side) { return side * side * pixel_bytes; }
@@ -49,7 +49,7 @@ void draw_lines(CGContextRef context, dv_text_layout_t layout, int32_t baseline)
     }
 }
 
-// An image over the bitmap as it stands, without a copy.
+// An image of the bitmap's current pixels, without a copy.
 CGImageRef create_image(void* bitmap, uint32_t side) {
     CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
     CGDataProviderRef provider = create_data_provider(bitmap, bitmap_size(side), 0, 1);
@@ -61,14 +61,14 @@ CGImageRef create_image(void* bitmap, uint32_t side) {
     return image;
 }
 
-// Opening a pipe waits for its other end, and opening a device may do things.
+// Opening a pipe waits for its other end, and opening a device may have effects.
 bool is_safe_to_open(const char* path) {
     struct stat status;
     if (stat(path, &status) != 0) return false;
     return S_ISREG(status.st_mode) || S_ISDIR(status.st_mode);
 }
 
-// Not by a buffered stream, which reads more than it is asked for. Returns how much it read.
+// Uses read(), because a buffered stream reads more than it is asked for. Returns the bytes read.
 int32_t read_start(int file, char* text) {
     int32_t length = 0;
     while (length < DV_PREVIEW_TEXT_CAPACITY) {
@@ -86,7 +86,7 @@ void dv_create_preview_context(delvio_t* state) {
     const std::lock_guard<std::mutex> lock(drawing);
     const uint32_t side = state->preview_size;
     if (state->preview_context && side == state->preview_context_size) return;
-    // The bitmap before is left allocated: images that read it may still be shown.
+    // The previous bitmap is not freed: images that read it may still be shown.
     CGContextRelease(state->preview_context);
     state->preview_context = nullptr;
     state->preview_context_size = side;

@@ -10,8 +10,8 @@
 struct delvio_t;
 struct dv_tree_t;
 
-// Makes the context, or makes it anew when `preview_size` has changed since. A size that no square
-// can have (0, or more than 8192) leaves none.
+// Makes the context, or makes it again when `preview_size` has changed. With an impossible size (0,
+// or more than 8192) there is no context.
 void dv_create_preview_context(delvio_t* state);
 void dv_dispose_preview_context(delvio_t* state);
 
@@ -22,7 +22,7 @@ CGImageRef dv_create_preview();
 // `text` is a buffer of DV_PREVIEW_TEXT_CAPACITY bytes, zero beyond `length`; its tabs are
 // expanded.
 CGImageRef dv_render_text_preview(delvio_t* state, char* text, int32_t length);
-// Null for a null path, and for a file that cannot be opened or is none to read from: a pipe or a
-// device is never opened.
+// Null for a null path, for a file that cannot be opened, and for a pipe or a device, which is
+// never opened.
 CGImageRef dv_create_text_preview_from_path(delvio_t* state, const char* path);
 CGImageRef dv_create_text_preview(delvio_t* state, dv_tree_t* elem);

@@ -8,12 +8,12 @@ namespace {
 
 constexpr uint32_t margin = 4, character_width = 6, line_height = 12;
 constexpr int32_t tab_width = 4;
-// The last place at which a tab can still become more than one space.
+// The last position where a tab can become more than one space.
 constexpr int32_t last_expanded_tab = DV_PREVIEW_TEXT_CAPACITY - 6;
 
 uint32_t cells(uint32_t side, uint32_t cell) { return side < margin ? 0 : (side - margin) / cell; }
 
-// Puts spaces in the place of the tab at `i`, up to the next tab stop.
+// Replaces the tab at `i` with spaces up to the next tab stop.
 void expand_tab(dv_text_layout_t* layout, int32_t i, int32_t column) {
     char* tab = layout->text + i;
     *tab = ' ';
@@ -24,7 +24,7 @@ void expand_tab(dv_text_layout_t* layout, int32_t i, int32_t column) {
     layout->length = std::min<int32_t>(layout->length + spaces - 1, DV_PREVIEW_TEXT_CAPACITY);
 }
 
-// The bytes that break the line at `i`: 0 where there is no break.
+// The number of bytes that form the line break at `i`; 0 when there is no break.
 int32_t break_length(const dv_text_layout_t* layout, int32_t i) {
     const char byte = layout->text[i];
     const char next = i + 1 < layout->length ? layout->text[i + 1] : 0;

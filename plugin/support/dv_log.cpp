@@ -52,7 +52,7 @@ void update_sink() {
 
 int dvdprintf(const char* format, ...) {
     update_sink();
-    // An unknown level may come before any sink is set.
+    // An unknown level may be set before there is any sink.
     if (!dvLogFile) return 0;
     va_list arguments;
     va_start(arguments, format);

@@ -16,6 +16,6 @@ extern int32_t dvEnableDebugOutput;
 // The current sink: null, standard output, or the log file.
 extern FILE* dvLogFile;
 
-// Brings the sink in line with the level, then writes the message as it is: no prefix, no newline.
-// Returns the count of characters written; 0 when the message was dropped.
+// Sets the sink for the current level, then writes the message as it is: no prefix, no newline.
+// Returns the number of characters written; 0 when the message was dropped.
 int dvdprintf(const char* format, ...) __attribute__((format(printf, 1, 2)));

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The table's own mutex as a lock with a scope.
+// The table's own mutex as a scoped lock.
 class table_lock_t {
   public:
     explicit table_lock_t(ht_table_t* table) : lock_(table->lock) { pthread_mutex_lock(&lock_); }
@@ -23,7 +23,7 @@ ht_entry_t* find_entry(ht_table_t* table, uint32_t key) {
     return entry;
 }
 
-// Takes the first entry with the key out of its chain; null if there is none.
+// Removes the first entry with the key from its chain and returns it; null if there is none.
 ht_entry_t* unlink_entry(ht_table_t* table, uint32_t key) {
     ht_entry_t** head = &table->buckets[ht_hash(table->bucket_count, key)];
     ht_entry_t** link = head;

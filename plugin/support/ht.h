@@ -1,5 +1,5 @@
 // A thread-safe hash table from unsigned 32-bit keys to untyped pointers, with chains and one mutex
-// per table. It never grows: meant for small sets. A bucket count of 0 is a fault.
+// per table. It never grows: use it for small sets. A bucket count of 0 is an error.
 #pragma once
 
 #include <pthread.h>
@@ -15,7 +15,7 @@ struct ht_table_t {
     uint32_t bucket_count;
     uint32_t elem_count;
     uint32_t used_bucket_count;  // buckets whose chain is not empty
-    uint32_t user_flags;         // kept for the creator
+    uint32_t user_flags;         // for the creator's use
     ht_entry_t** buckets;
     pthread_mutex_t lock;
 };
@@ -44,8 +44,8 @@ ht_entry_t* ht_find_root_for_key(ht_table_t* table, uint32_t key, uint32_t* buck
 // Prints the contents to standard output. No lock.
 void ht_dump(const ht_table_t* table);
 
-// Releases the table and, with `free_data`, each entry's data by free(). No lock: no other thread
-// may use the table any more.
+// Releases the table and, with `free_data`, frees each entry's data with free(). No lock: no other
+// thread may still use the table.
 void ht_dispose_hash_table(ht_table_t* table, int free_data);
 
 // Does nothing: the table never grows.

@@ -1,4 +1,4 @@
-// What an element is: kind, display name, label, visibility, alias target.
+// Classifies an element: kind, display name, label, visibility, alias target.
 #include "tree/dv_scan.h"
 
 #include <stdio.h>
@@ -36,7 +36,7 @@ void classify_kind(const FSRef& ref, dv_tree_t* elem) {
 bool is_high_surrogate(UniChar unit) { return (unit & 0xFC00) == 0xD800; }
 bool is_low_surrogate(UniChar unit) { return (unit & 0xFC00) == 0xDC00; }
 
-// Writes the units as UTF-8 and returns the end. Half a character at a cut is left out.
+// Writes the units as UTF-8 and returns the end. Half of a surrogate pair is left out.
 char* append_utf8(char* out, const UniChar* units, size_t count) {
     for (size_t i = 0; i < count; i++) {
         uint32_t code = units[i];
@@ -59,7 +59,8 @@ char* append_utf8(char* out, const UniChar* units, size_t count) {
     return out;
 }
 
-// Both ends of a long name around an ellipsis, into a buffer that held the whole name.
+// Writes both ends of a long name with an ellipsis between them, into a buffer that held the whole
+// name.
 void shorten(CFStringRef name, CFIndex length, char* buffer) {
     static const UniChar ellipsis = 0x2026;
     UniChar units[KEPT_AT_EACH_END];
@@ -75,7 +76,7 @@ void set_display_name(const FSRef& ref, dv_tree_t* elem) {
     if (LSCopyDisplayNameForRef(&ref, &name) != noErr) return;
     const CFIndex length = CFStringGetLength(name);
     auto* buffer = static_cast<char*>(malloc(3 * length + 4));
-    // At most three bytes a unit, and the end.
+    // At most three bytes per unit, and the terminator.
     if (CFStringGetCString(name, buffer, 3 * length + 1, kCFStringEncodingUTF8)) {
         if (elem->owns_display_name) free(elem->display_name);
         elem->display_name = buffer;
@@ -87,7 +88,7 @@ void set_display_name(const FSRef& ref, dv_tree_t* elem) {
     CFRelease(name);
 }
 
-// Follows the alias at `ref`. False when it leads nowhere, or was no alias.
+// Follows the alias at `ref`. False when the alias leads nowhere, or `ref` is not an alias.
 bool resolve_alias(FSRef ref, dv_tree_t* elem) {
     Boolean target_is_folder = false;
     Boolean was_alias = false;

@@ -5,7 +5,7 @@
 
 namespace {
 
-// The element's children, read from the entry's path; none beyond the last level.
+// Reads the element's children from the entry's path; reads none beyond the last level.
 void descend(dv_level_t& level, dv_tree_t* elem) {
     strcat(level.path + level.root->dir->path_len, "/");
     dv_read_children(elem, level.path, level.level + 1, level.max_level, level.flags, level.origin);

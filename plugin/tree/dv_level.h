@@ -1,4 +1,4 @@
-// A level while it is being read: what becomes of each name of a folder. Part of the scan.
+// A level while it is being read: how each name in a folder is handled. Part of the scan.
 #pragma once
 
 #include <stdint.h>
@@ -9,7 +9,7 @@ enum { DV_LONGEST_NAME = 256 };  // bytes
 
 struct dv_level_t {
     dv_tree_t* root;
-    char* path;  // the folder's path, and room for a name, "/" and the end
+    char* path;  // the folder's path, with room for a name, "/" and the terminator
     int32_t level;
     int32_t max_level;
     uint32_t flags;
@@ -18,11 +18,12 @@ struct dv_level_t {
     dv_tree_t* tails[DV_KIND_COUNT];
 };
 
-// An element for a name of the folder, not classified yet. Null for names that are hidden, and for
-// those too long, which give a warning.
+// Makes an element for a name in the folder, not classified yet. Null for a hidden name, and for a
+// name that is too long, which prints a warning.
 dv_tree_t* dv_elem_for_name(const dv_level_t& level, const char* name);
 
-// Whether the element stays in the level; classifies it and reads its own level if that is due.
+// Whether the element stays in the level. Classifies the element, and reads its own level if
+// needed.
 bool dv_classify_in_level(dv_level_t& level, dv_tree_t* elem);
 
 // Appends the element to its group.

@@ -4,7 +4,7 @@
 
 #include "tree/dv_state.h"
 
-// Rows 2 and 3 put documents first, and packages count as documents.
+// Rows 2 and 3 put documents first; packages count as documents.
 const dv_kind_t sort_orders[DV_SORT_ORDER_COUNT][DV_KIND_COUNT] = {
     {DV_KIND_FOLDER, DV_KIND_APPLICATION, DV_KIND_PACKAGE, DV_KIND_FILE},
     {DV_KIND_APPLICATION, DV_KIND_FOLDER, DV_KIND_PACKAGE, DV_KIND_FILE},
@@ -30,12 +30,13 @@ void widen_block(const char* bytes, UniChar* text) {
     for (int i = 0; i < BLOCK; i++) text[i] = static_cast<UInt8>(bytes[i]);
 }
 
-// A name's bytes as characters of the same values: not decoded, on purpose.
+// A name's bytes as characters with the same values. They are deliberately not decoded.
 struct wide_name_t {
     UniChar text[sizeof(dirent::d_name)];
     UniCharCount length;
 
-    // Twice a comparison, so in blocks of a fixed size, the last one overlapping the one before it.
+    // This runs twice per comparison, so it works in blocks of a fixed size. The last block
+    // overlaps the one before it.
     explicit wide_name_t(const char* name) : length(strlen(name)) {
         if (length < BLOCK) {
             for (UniCharCount i = 0; i < length; i++) text[i] = static_cast<UInt8>(name[i]);

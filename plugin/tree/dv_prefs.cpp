@@ -23,7 +23,7 @@ int32_t* field(delvio_t* state, const setting_t& setting) {
     return reinterpret_cast<int32_t*>(reinterpret_cast<char*>(state) + setting.offset);
 }
 
-// Every integer setting that has a field, in the order of reading and writing.
+// Every integer setting with a field, in the order of reading and writing.
 #define KEPT(name, fallback) \
     { CFSTR(#name), offsetof(delvio_t, name), fallback, false }
 #define WRITTEN_BACK(name, fallback) \

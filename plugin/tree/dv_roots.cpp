@@ -13,7 +13,7 @@ namespace {
 const char separator_entry[] = "-";
 const char default_open_with_path[] = "/Applications";
 
-// The entry's text in the state's path buffer; false when the entry is to be skipped.
+// Puts the entry's text in the state's path buffer; false when the entry is to be skipped.
 bool read_entry(delvio_t* state, CFTypeRef entry) {
     if (CFGetTypeID(entry) != CFStringGetTypeID()) {
         if (dvEnableDebugOutput) dvdprintf("Delvio: Error, user path is not a CFString?\n");
@@ -56,13 +56,13 @@ dv_tree_t* build_root(const delvio_t* state, uint32_t scan_flags, uint32_t origi
     return root;
 }
 
-// Writes the setting's path into the state's path buffer; false when it holds none.
+// Writes the setting's path into the state's path buffer; false when the setting holds none.
 bool read_open_with_path(delvio_t* state) {
     CFStringRef path = state->open_with_path;
     if (!path) return false;
     char* buffer = state->path_buffer;
     const CFStringEncoding fastest = CFStringGetFastestEncoding(path);
-    // UTF-16 units hold zero bytes: as a C string they are another path.
+    // UTF-16 text contains zero bytes, so as a C string it would be a different path.
     const bool converted = fastest != kCFStringEncodingUnicode &&
                            CFStringGetCString(path, buffer, DV_PATH_BUFFER_SIZE, fastest);
     if (converted && *buffer) return true;

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The entries of a folder in the order in which scandir gives them.
+// The entries of a folder in scandir's order.
 class entries_t {
   public:
     explicit entries_t(const char* path) : count_(scandir(path, &list_, nullptr, dv_sort)) {}

@@ -1,6 +1,6 @@
-// The one state record of the plug-in: settings, root trees, scratch buffers, preview and popup
-// state. Allocated zero-filled by the controller, never freed. Main thread, but for the text
-// preview and the control-free popup, which say so themselves.
+// The plug-in's one state record: settings, root trees, scratch buffers, preview and popup state.
+// The controller allocates it zero-filled and never frees it. Main thread, except for the text
+// preview and the control-free popup, whose headers say so.
 #pragma once
 
 #include <pthread.h>
@@ -21,14 +21,14 @@ struct dv_point_t {
     double x, y;
 };
 
-// Fields named "carried" are kept in the record for its layout; nothing reads them. A field under
-// the name of a preference holds that preference's value.
+// A field marked "carried" only keeps the record's layout; nothing reads it. A field named after a
+// preference holds that preference's value.
 struct delvio_t {
     void* interface;   // carried
     void* factory_id;  // carried
     int32_t count;     // open menus; the trees are freed at 0
     int32_t carried_int;
-    uint32_t started;  // 1 from the controller's creation on
+    uint32_t started;  // 1 once the controller has been created
 
     uint32_t sort_order;
     uint32_t show_hidden_files;
@@ -41,10 +41,10 @@ struct delvio_t {
     uint32_t preview_context_size;  // the preview_size that preview_context was made for
     uint32_t carried_unsigned[2];
 
-    // Root slots: each an owned chain, freed together when the last menu closes.
+    // Root slots. Each is an owned chain; all are freed together when the last menu closes.
     dv_tree_t* root;       // made from the selection
     dv_tree_t* custom;     // the second root: user-configured folders
-    dv_tree_t* forest;     // the roots of the menus around the one now open
+    dv_tree_t* forest;     // the roots of the menus around the open one
     dv_tree_t* open_with;  // the open-with folder's level
     dv_tree_t* carried_trees[4];
     dv_tree_t*

@@ -11,7 +11,7 @@ uint32_t free_count;
 
 namespace {
 
-// `scan_from`: the index at which the search backwards for the "/" before the name starts.
+// `scan_from`: where the backward search for the "/" before the name starts.
 dv_dir_t* create_dir(const char* path, size_t path_len, ptrdiff_t scan_from) {
     auto* dir = static_cast<dv_dir_t*>(calloc(1, sizeof(dv_dir_t) + path_len + 1));
     dir->path_len = static_cast<uint32_t>(path_len);
