@@ -11,8 +11,8 @@ namespace files {
 
 namespace {
 
-// What stands before the path: the creator's own word, which nobody sets, and the size of the
-// whole.
+// The header before the path: the creator's own word, which nobody sets, and the size of the whole
+// record.
 struct Header {
     UInt8 user_type[4];
     UInt8 size[2];  // big-endian

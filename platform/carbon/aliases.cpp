@@ -18,7 +18,7 @@ bool end_of_chain(const std::string& path, mode_t* mode) {
     return true;
 }
 
-// A reference to the target that still answers all questions from the look that made it.
+// Makes a reference to the target. The look that makes it still answers all questions.
 OSErr refer_to(const std::string& target, FSRef* ref, mode_t* mode) {
     if (target.empty()) return files::error_from_errno(errno);
     const unsigned all = files::ITEM_INFO | files::DISPLAY_NAME | files::CATALOG_INFO | files::PATH;

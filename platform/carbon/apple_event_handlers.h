@@ -1,4 +1,4 @@
-// Who answers Apple Events in this process. Main thread.
+// The handlers of Apple Events in this process. Main thread.
 #pragma once
 
 #include "carbon/apple_event_values.h"

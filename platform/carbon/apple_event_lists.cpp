@@ -7,7 +7,7 @@ using events::Value;
 
 namespace {
 
-// A copy of what a descriptor holds; of the null descriptor the null value.
+// A copy of what a descriptor holds. The null descriptor holds the null value.
 Value copy_of(const AEDesc* desc) {
     const Value* value = events::value_of(desc);
     return value ? *value : Value();

@@ -12,7 +12,7 @@
 
 using events::Value;
 
-// While events wait, the run loop has one call of this to make.
+// While events wait, the run loop has one call of this object's method to make.
 @interface AppleEventCourier : NSObject
 + (void)deliverNext;
 @end

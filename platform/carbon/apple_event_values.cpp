@@ -121,7 +121,7 @@ const std::vector<UInt8>& fresh_bytes(Value* value) {
     if (value->path.empty()) return value->bytes;
     FSRef ref;
     memcpy(&ref, value->bytes.data(), sizeof ref);
-    // Of a file that is gone the old reference stays, and answers so.
+    // When the file is gone, the old reference stays and answers that.
     if (!files::kept_path(ref) && files::make_reference_again(value->path, &ref) == noErr) {
         memcpy(value->bytes.data(), &ref, sizeof ref);
     }

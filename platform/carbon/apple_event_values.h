@@ -1,4 +1,4 @@
-// What Apple Event descriptors hold. Main thread, for the sake of file references.
+// What Apple Event descriptors hold. Main thread, because they may hold file references.
 #pragma once
 
 #include <Carbon/AppleEvents.h>
@@ -12,8 +12,8 @@ struct Entry;
 
 struct Value {
     DescType type = typeNull;
-    std::vector<UInt8> bytes;       // of plain types
-    std::string path;               // of a file reference: what it led to when it was put in
+    std::vector<UInt8> bytes;       // the data of a plain type
+    std::string path;               // where a file reference led when it was put in
     std::vector<Entry> entries;     // items, fields or parameters
     std::vector<Entry> attributes;  // of events
 
@@ -28,7 +28,7 @@ struct Entry {
 
 // Whether these arguments make a plain value. Types that hold others have functions of their own.
 bool is_plain(DescType type, const void* data, Size size);
-// A plain value. A file reference takes its path along.
+// Makes a plain value. The value of a file reference also keeps the path.
 Value make_value(DescType type, const void* data, Size size);
 
 template <typename Plain>
@@ -36,13 +36,13 @@ Value make_plain(DescType type, Plain plain) {
     return make_value(type, &plain, sizeof plain);
 }
 
-// The bytes to read. Those of a file reference that has become stale are made anew.
+// The bytes to read. A file reference that has become stale is made anew first.
 const std::vector<UInt8>& fresh_bytes(Value* value);
 
-// Answers errAECoercionFail when the value cannot be of the type. `desired` may be typeWildCard.
+// Answers errAECoercionFail when the value cannot become `desired`, which may be typeWildCard.
 OSErr coerce(const Value& value, DescType desired, Value* result);
 
-// Null when there is none of the keyword.
+// Null when no entry has the keyword.
 Value* find(std::vector<Entry>* entries, AEKeyword keyword);
 void put(std::vector<Entry>* entries, AEKeyword keyword, const Value& value);
 

@@ -23,7 +23,7 @@ std::string path_of(const FSRef& ref) {
     return file ? file->path : std::string();
 }
 
-// How opening went, and if badly why.
+// How opening went and, if it failed, why.
 struct Result {
     OSStatus status = noErr;
     std::string reason;
@@ -58,8 +58,8 @@ Result open_with_entry(const std::string& path, const Documents& documents) {
     return start == Start::not_installed ? not_installed : result_of(start, problem);
 }
 
-// As GNUstep's programs take documents: one by an option that wrappers of other programs know too,
-// several as the first arguments.
+// The arguments with which GNUstep's programs take documents: one document by an option that
+// wrappers of other programs know too, several as the first arguments.
 Documents bundle_arguments(const Documents& documents) {
     if (documents.size() == 1) return {"-GSFilePath", documents.front()};
     return documents;
@@ -106,7 +106,7 @@ OSStatus open_with_default_programs(const Documents& documents) {
     return status;
 }
 
-// Those that are still there, and files; of the others the user is told.
+// The documents that are still there and are files. The user is told about the others.
 Documents documents_of(const LSLaunchFSRefSpec& spec, const std::string& application) {
     Documents documents;
     for (UInt32 i = 0; i < spec.numDocs; i++) {
@@ -124,7 +124,7 @@ Documents documents_of(const LSLaunchFSRefSpec& spec, const std::string& applica
 
 }  // namespace
 
-// As the user knows it.
+// The application's name as the user knows it.
 static std::string name_of(const FSRef& application) {
     CFStringRef name = nullptr;
     if (LSCopyDisplayNameForRef(&application, &name) != noErr) return "";

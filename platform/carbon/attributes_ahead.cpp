@@ -14,7 +14,7 @@ namespace files {
 
 namespace {
 
-// A thread pays from here on.
+// From this many entries on, a thread of its own pays off.
 const size_t large_folder = 500;
 
 // Makes the folder the current one of this thread alone.
@@ -27,7 +27,7 @@ bool may_have_attributes(const dirent& entry) {
     return entry.d_type == DT_REG || entry.d_type == DT_DIR;
 }
 
-// Signals are for the program's own threads.
+// Holds signals back from this thread: they are for the program's own threads.
 class SignalsHeld {
   public:
     SignalsHeld() {

@@ -1,6 +1,6 @@
 // The Finder information of a folder's entries, read by a thread of its own while the entries are
-// sorted: by names relative to the folder and in the folder's own order, which the kernel answers
-// sooner than whole paths in the order of names.
+// sorted. The thread asks by names relative to the folder and in the folder's own order: the kernel
+// answers that faster than whole paths in the order of names.
 #pragma once
 
 #include <dirent.h>
@@ -23,7 +23,7 @@ class Attributes {
         if (index >= read_.size() || read_[index] < 0) return UNKNOWN;
         return read_[index] == 0 ? NONE : SOME;
     }
-    // Where there is SOME.
+    // Only for an entry whose state is SOME.
     const FinderInformation& information(size_t index) const {
         return found_[static_cast<size_t>(read_[index] - 1)];
     }
@@ -38,13 +38,13 @@ class Attributes {
 
 class AttributesAhead {
   public:
-    // Starts to read, unless the folder is small. The entries stay until finish().
+    // Starts to read, unless the folder is small. The entries must stay until finish().
     AttributesAhead(const char* folder, const dirent* const* entries, size_t count);
     ~AttributesAhead() { finish(); }
     AttributesAhead(const AttributesAhead&) = delete;
     AttributesAhead& operator=(const AttributesAhead&) = delete;
 
-    // Of each entry, in the order in which they stood.
+    // The attributes of each entry, in the order in which the entries were given.
     Attributes finish();
 
   private:

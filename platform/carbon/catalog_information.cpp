@@ -10,9 +10,8 @@ namespace {
 
 using files::File;
 
-// A FileInfo or FolderInfo in native byte order. Both hold their flags at the same place; what
-// stands before them is two OSTypes in the one and a rectangle, which nobody asks for, in the
-// other.
+// A FileInfo or FolderInfo in native byte order. Both hold their flags at the same place. Before
+// the flags, a FileInfo has two OSTypes and a FolderInfo a rectangle, which nobody asks for.
 FileInfo native_finder_info(File& file) {
     const files::FinderInformation& stored = files::finder_information(file);
     FileInfo info = {};
@@ -50,7 +49,7 @@ OSErr fill_name(const File& file, HFSUniStr255* name) {
     return fits ? noErr : bdNamErr;
 }
 
-// Makes a new reference, so `file` is not to be used after it.
+// Makes a new reference: do not use `file` after this.
 OSErr make_parent(const File& file, FSRef* parent) {
     const size_t length = file.folder_length() > 1 ? file.folder_length() - 1 : 1;
     const std::string folder = file.path.substr(0, length);

@@ -7,7 +7,7 @@ namespace files {
 
 struct File;
 
-// Valid until the next call; the entry read last is kept for the next question about the same
+// Valid until the next call. The entry read last is kept, for the next question about the same
 // reference.
 const DesktopEntry& desktop_entry(const File& file);
 

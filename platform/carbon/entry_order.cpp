@@ -102,8 +102,8 @@ bool is_sorted(const std::vector<uint32_t>& order, const Comparison& compare) {
 std::vector<uint32_t> sort_entries(dirent** entries, size_t count, EntryComparison compare) {
     const std::vector<dirent*> given(entries, entries + count);
     const Comparison comparison(given.data(), compare);
-    // The keys are a guess at what `compare` says. It is asked about all neighbours, and sorts if
-    // it says otherwise anywhere.
+    // The keys only guess what `compare` says. So `compare` checks all neighbours; if it
+    // contradicts the keys anywhere, it sorts instead.
     std::vector<uint32_t> order = ByKey(entries, count).order();
     if (!is_sorted(order, comparison)) {
         std::iota(order.begin(), order.end(), 0U);

@@ -11,8 +11,8 @@ namespace files {
 
 using EntryComparison = int (*)(const dirent**, const dirent**);
 
-// Sorts as a stable sort with `compare` does, and returns where each entry stood before. Where that
-// compares names as UCCompareTextDefault does, it is called but once an entry.
+// Sorts as a stable sort with `compare` does, and returns where each entry stood before. When
+// `compare` orders names as UCCompareTextDefault does, it is called only once for each entry.
 std::vector<uint32_t> sort_entries(dirent** entries, size_t count, EntryComparison compare);
 
 }  // namespace files

@@ -17,7 +17,7 @@ namespace files {
 namespace {
 
 const size_t table_size = 4096;
-// Longer path storage is given back when an entry is used anew.
+// A reused entry gives back path storage that is longer than this.
 const size_t kept_capacity = 512;
 
 // What the 80 bytes of an FSRef hold. Every reference made has a generation of its own.
@@ -55,7 +55,7 @@ struct Seen {
     FinderInformation information;
 };
 
-// Looks at the path. False with errno set when there is nothing.
+// Looks at the path. False, with errno set, when nothing is there.
 bool look(const char* path, Seen* seen) {
     struct statx status;
     if (statx(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC,
@@ -69,9 +69,9 @@ bool look(const char* path, Seen* seen) {
     return true;
 }
 
-// What is known already of an entry of the folder that was just listed. Its Finder information,
-// which is asked for soon in any case, is read here if it was not; that it is not told may mean
-// that another file system begins at the entry.
+// Takes what the last listing of a folder knows about this entry. Finder information that is not
+// known yet is read here, since it is asked for soon in any case. When it cannot be read, another
+// file system may begin at the entry: then the listing is not used.
 bool see_in_listing(const char* path, size_t length, int64_t now, Seen* seen) {
     ListedEntry entry;
     if (!take_listed_entry(path, length, now, &entry)) return false;
@@ -145,7 +145,7 @@ File* known_file(const FSRef& ref) {
 // Questions that usually follow at once when a reference is made.
 const unsigned usual_questions = ITEM_INFO | DISPLAY_NAME | CATALOG_INFO | ALIAS;
 
-// What a slash at the end asks for: a folder, or a link to one.
+// A path with a slash at its end must lead to a folder or to a link to one.
 OSErr folder_error(const char* path) {
     struct stat status;
     if (stat(path, &status) != 0) return error_from_errno(errno);
@@ -187,7 +187,8 @@ OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef*
     File& file = all.file(reference.generation);
     file.generation = reference.generation;
     keep_path(path, length, &file);
-    // Reading a link shows whether it is still there; a file that was no link needs another look.
+    // ALIAS needs no second look at a link: reading the link shows whether it is still there. Any
+    // other file needs another look.
     if (!S_ISLNK(seen.mode)) questions &= ~static_cast<unsigned>(ALIAS);
     remember(seen, now, questions, &file);
 
@@ -205,7 +206,7 @@ File* file_for(const FSRef* ref, Question question, OSErr* error) {
     if (!answers_from_last_look(&file, question)) {
         Seen seen;
         if (!look(file.path.c_str(), &seen)) return *error = error_from_errno(errno), nullptr;
-        // The other questions still belong to the look before.
+        // The other questions still belonged to the look before.
         remember(seen, milliseconds_now(), 0, &file);
     }
     *error = noErr;

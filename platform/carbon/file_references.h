@@ -1,8 +1,8 @@
 // The table behind FSRef: which path a reference names, and what was seen there when it was made.
 //
-// Making a reference looks at the file once. The usual questions that follow at once (what is it,
-// what is its name, what is its Finder information) are answered from that look, each of them one
-// time; whoever asks again, or later than a moment, gets a new look. Main thread.
+// Making a reference looks at the file once. That look answers the questions that usually follow at
+// once (what the file is, its name, its Finder information), each question one time. Asking the
+// same question again, or after more than a moment, looks anew. Main thread.
 #pragma once
 
 #include <Carbon/Files.h>
@@ -15,7 +15,7 @@
 
 namespace files {
 
-// What a look at a file may still answer.
+// The questions that a look at a file may still answer.
 enum Question : unsigned {
     ITEM_INFO = 1,
     DISPLAY_NAME = 2,
@@ -33,7 +33,7 @@ struct File {
     int64_t seen_at;      // milliseconds
     unsigned unanswered;  // questions that the last look may still answer
 
-    // What the answers so far have found out; dropped by a new look.
+    // What the answers so far have found out. A new look drops it.
     bool knows_finder_information;
     bool knows_invisible, invisible;
     FinderInformation finder_information;
@@ -45,18 +45,18 @@ struct File {
     size_t folder_length() const { return name_offset; }
 };
 
-// The file that `ref` names, fit to answer `question`: null with *error when the reference is stale
-// or foreign, or the file is gone. Valid until the next reference is made.
+// The file that `ref` names, ready to answer `question`. Null, with *error, when the reference is
+// stale or foreign, or the file is gone. Valid until the next reference is made.
 File* file_for(const FSRef* ref, Question question, OSErr* error);
 
-// Makes a reference to an absolute path, with these questions answered by one look.
+// Makes a reference to an absolute path. One look serves `questions`.
 OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef* ref, mode_t* mode);
 
-// The path that `ref` names, without a look at the file: null when the reference is stale or
+// The path that `ref` names; the file is not looked at. Null when the reference is stale or
 // foreign. Valid until the next reference is made.
 const std::string* kept_path(const FSRef& ref);
 
-// A new reference to a path that had one.
+// Makes a new reference to a path that had one before.
 OSErr make_reference_again(const std::string& path, FSRef* ref);
 
 // The Mac's result code for what errno says about a path.

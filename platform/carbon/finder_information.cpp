@@ -16,7 +16,7 @@ namespace {
 
 const char attribute[] = "user.com.apple.FinderInfo";
 
-// The last file system that said it keeps no attributes; not asked again for a while.
+// The last file system that said that it keeps no attributes. It is not asked again for a while.
 struct Incapable {
     uint32_t major, minor;
     int64_t until;

@@ -10,7 +10,8 @@ namespace files {
 
 struct File;
 
-// Big-endian, as stored: a FileInfo (or FolderInfo) and its extension. All zero when there is none.
+// Big-endian, as stored: a FileInfo (or FolderInfo) and its extension. All zero when the file has
+// no Finder information.
 struct FinderInformation {
     uint8_t bytes[32];
 
@@ -25,21 +26,21 @@ struct FinderInformation {
     }
 };
 
-// The file's Finder information, read at most once a look.
+// The file's Finder information. Each look reads it at most once.
 const FinderInformation& finder_information(File& file);
 
-// The Finder information of what is at a path, read now. False when it cannot be told whether there
-// is anything.
+// Reads the Finder information of the file at a path. False when it is unknown whether the file has
+// any.
 bool read_finder_information(const char* path, FinderInformation* information);
 
 // Whether a file system has lately said that it keeps no attributes.
 bool keeps_no_attributes(uint32_t device_major, uint32_t device_minor, int64_t now);
 
-// By the Finder's flag, or by the `.hidden` list of its folder.
+// Whether the Finder's flag or the `.hidden` list of its folder makes the file invisible.
 bool is_invisible(File& file);
 
-// Whether a file at an absolute path is one that file managers do not show: by its name, which
-// begins with a dot, or as above. Asks the disk.
+// Whether file managers do not show the file at this absolute path: its name begins with a dot, or
+// is_invisible() applies. Asks the disk.
 bool is_hidden(const std::string& path);
 
 }  // namespace files

@@ -13,7 +13,8 @@ namespace files {
 
 namespace {
 
-// Between two questions, in milliseconds: a scan on a busy machine may have to wait its turn.
+// The longest time between two questions, in milliseconds. A scan on a busy machine may have to
+// wait for its turn.
 const int64_t longest_pause = 10 * one_moment;
 
 struct Entry {
@@ -51,8 +52,8 @@ bool see(const char* folder, FolderState* state) {
     return true;
 }
 
-// Whether a change from now on shows: change times are as coarse as this clock, so a change within
-// its present tick might not.
+// Whether a change from now on shows. Change times are as coarse as this clock, so a change within
+// its present tick might not show.
 bool changes_show(const FolderState& state) {
     timespec now;
     clock_gettime(CLOCK_REALTIME_COARSE, &now);
@@ -83,7 +84,8 @@ bool is_dot_or_dots(const char* name) {
     return name[0] == '.' && (!name[1] || (name[1] == '.' && !name[2]));
 }
 
-// Where the next entry stands that may be asked for; hidden ones may be left out.
+// The index of the next entry that may be asked for. Hidden entries are passed over until one is
+// asked for.
 size_t next_wanted(const Kept& all) {
     size_t next = all.next;
     while (!all.hidden_wanted && next != all.entries.size() &&

@@ -1,8 +1,9 @@
-// What the last scandir saw, for the looks at its entries that follow at once.
+// What the last scandir saw, kept for the questions about its entries that follow at once.
 //
-// An entry's kind and Finder information are told one time, in the order in which scandir gave the
-// names, and only as long as the folder is seen to be what it was: a folder's change time moves
-// whenever a name in it comes, goes or is given to another file. Nothing is kept open. Main thread.
+// The listing tells the kind and Finder information of each entry one time, in the order in which
+// scandir gave the names. It does so only while the folder is seen to be unchanged: a folder's
+// change time moves whenever a name in it appears, disappears or is given to another file. Nothing
+// is kept open. Main thread.
 #pragma once
 
 #include <dirent.h>
@@ -28,14 +29,15 @@ struct FolderState {
 
 class FolderListing {
   public:
-    // Before the folder is read.
+    // Make this before the folder is read.
     explicit FolderListing(const char* path);
 
-    // Whether it can be kept: the path is absolute, with a slash at its end, and what changes from
-    // now on will show.
+    // Whether the listing can be kept: the path is absolute, has a slash at its end, and changes to
+    // the folder from now on will show.
     bool is_wanted() const { return !folder_.empty(); }
 
-    // After it was read; before[i] is where entries[i] stands among the attributes.
+    // Call this after the folder was read; before[i] is where entries[i] stands among the
+    // attributes.
     void keep(const dirent* const* entries, const std::vector<uint32_t>& before,
               Attributes attributes);
 
@@ -52,7 +54,7 @@ struct ListedEntry {
     FinderInformation information;  // where the attribute is known
 };
 
-// The next entry of the last listing, if this is its path.
+// Takes the next entry of the last listing, if this is its path.
 bool take_listed_entry(const char* path, size_t length, int64_t now, ListedEntry* entry);
 
 }  // namespace files

@@ -5,8 +5,8 @@ namespace files {
 
 struct File;
 
-// Whether the file's folder lists its name. The list of one folder is kept while the questions stay
-// in that folder, but no longer than a moment. Only a plain file of reasonable size is read.
+// Whether the file's folder lists its name. The list of one folder is kept while all questions are
+// about that folder, but no longer than a moment. Only a plain file of reasonable size is read.
 bool is_listed_hidden(const File& file);
 
 }  // namespace files

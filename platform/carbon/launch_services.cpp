@@ -27,8 +27,9 @@ const std::string_view package_extensions[] = {
 };
 const std::string_view application_extensions[] = {"app"};
 
-// What follows the last dot of a name, in small letters; empty without one, for names that only
-// begin with one, and for what is longer than all extensions that mean anything here.
+// The extension of a name: what follows the last dot, in small letters. It is empty without a dot,
+// for names whose only dot is the first character, and when it is longer than all extensions that
+// mean anything here.
 class Extension {
   public:
     explicit Extension(const File& file) {
@@ -53,7 +54,8 @@ class Extension {
     size_t length_ = 0;
 };
 
-// What is at the end of a symbolic link; of anything else, it itself. 0 where there is nothing.
+// The mode of a symbolic link's target, or of the file itself when it is no link. 0 where there is
+// nothing.
 mode_t mode_at_end(const File& file) {
     struct stat status;
     if (!S_ISLNK(file.mode)) return file.mode;
@@ -93,7 +95,7 @@ LSItemInfoFlags kind_flags(File& file) {
 // As many as the kernel follows.
 const int most_links = 40;
 
-// From a link to what it names. False when there is nothing.
+// Moves from a link to what it names. False when there is nothing.
 bool follow_link(File* file) {
     file->path = files::link_target(*file);
     struct stat status;
@@ -130,7 +132,8 @@ bool is_application(const File& file, LSItemInfoFlags flags) {
                               : (flags & kLSItemInfoIsApplication) != 0;
 }
 
-// The name that an application gives itself; null for what is none, or is not believed.
+// The name that an application gives itself. Null when the file is no application, or is not
+// believed.
 CFStringRef copy_own_name(const File& file) {
     if (is_named_as_entry(file) && S_ISREG(mode_at_end(file))) {
         const files::DesktopEntry& entry = files::desktop_entry(file);

@@ -24,8 +24,8 @@ bool is_plain(const std::string& path) {
     return true;
 }
 
-// The path that the text of a link in `file`'s folder stands for. The last component, when it is a
-// name, is not followed.
+// The path that a link in `file`'s folder means by `text`. The last component is not followed when
+// it is a name.
 std::string target_path(const File& file, const std::string& text) {
     const bool absolute = text[0] == '/';
     const std::string joined =
@@ -50,7 +50,8 @@ std::string real_path(const std::string& path) {
 }
 
 std::string link_target(const File& file) {
-    // What an entry is and where it leads is asked one after the other.
+    // Callers ask two questions in a row, what an entry is and where it leads: the last target is
+    // kept.
     static uint64_t generation = 0;
     static int64_t seen_at = 0;
     static std::string& last = *new std::string;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Apart from the numbers with a meaning of their own, which have 0 here.
+// Marks a number as holding a process id. The numbers with a meaning of their own have 0 here.
 const UInt32 process_id_follows = 1;
 
 std::atomic<OSType> own_signature{0};
@@ -21,7 +21,7 @@ bool are_equal(const ProcessSerialNumber& first, const ProcessSerialNumber& seco
     return first.highLongOfPSN == second.highLongOfPSN && first.lowLongOfPSN == second.lowLongOfPSN;
 }
 
-// The current process goes by two numbers.
+// The current process has two numbers; this returns one of them for both.
 ProcessSerialNumber plain(const ProcessSerialNumber& psn) {
     return are_equal(psn, {0, kCurrentProcess}) ? number_of(getpid()) : psn;
 }

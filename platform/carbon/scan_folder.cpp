@@ -9,7 +9,7 @@
 
 namespace {
 
-// The C library's own.
+// The C library's own scandir.
 extern "C" int scan_unsorted(const char* path, dirent*** list, int (*filter)(const dirent*),
                              files::EntryComparison compare) __asm__("scandir");
 
