@@ -1,8 +1,22 @@
 #include "operations/request_queue.h"
 
+#include <system_error>
 #include <utility>
 
 namespace operations {
+
+namespace {
+
+Report refusal_of(const Request& request) {
+    Report report;
+    for (const std::string& source : request.sources) {
+        report.outcomes.push_back(
+            {source, State::Failed, "", "the system has no thread left to do it with"});
+    }
+    return report;
+}
+
+}  // namespace
 
 RequestQueue::RequestQueue(std::function<void(Job)> carry_out) : carry_out_(std::move(carry_out)) {}
 
@@ -16,10 +30,20 @@ RequestQueue::~RequestQueue() {
 }
 
 void RequestQueue::add(Job job) {
+    if (!take(job)) job.observer->ended(refusal_of(job.request));
+}
+
+// False, and the job is as it was, where no thread is to be had.
+bool RequestQueue::take(Job& job) {
     const std::lock_guard guard(mutex_);
+    try {
+        if (!thread_.joinable()) thread_ = std::thread(&RequestQueue::run, this);
+    } catch (const std::system_error&) {
+        return false;
+    }
     waiting_.push_back(std::move(job));
-    if (!thread_.joinable()) thread_ = std::thread(&RequestQueue::run, this);
     changed_.notify_all();
+    return true;
 }
 
 bool RequestQueue::next(Job& job) {

@@ -25,12 +25,14 @@ class RequestQueue {
     RequestQueue(const RequestQueue&) = delete;
     RequestQueue& operator=(const RequestQueue&) = delete;
 
-    // Any thread.
+    // Any thread. Where the system has no thread for the queue, the request ends at once, refused,
+    // on the caller's.
     void add(Job job);
 
   private:
     void run();
     bool next(Job& job);
+    bool take(Job& job);
 
     const std::function<void(Job)> carry_out_;
     std::mutex mutex_;

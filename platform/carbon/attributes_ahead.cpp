@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace files {
@@ -58,8 +59,12 @@ AttributesAhead::AttributesAhead(const char* folder, const dirent* const* entrie
     : folder_(folder) {
     if (count < large_folder) return;
     const SignalsHeld held;
-    thread_ = std::thread(
-        [this, all = std::vector<const dirent*>(entries, entries + count)] { read(all); });
+    try {
+        thread_ = std::thread(
+            [this, all = std::vector<const dirent*>(entries, entries + count)] { read(all); });
+    } catch (const std::system_error&) {
+        // Without a thread, each entry is asked when its turn comes.
+    }
 }
 
 void AttributesAhead::read(const std::vector<const dirent*>& entries) {

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace files {
@@ -67,13 +68,21 @@ bool is_there() {
     return (address && *address) || g_file_test(socket.get(), G_FILE_TEST_EXISTS);
 }
 
-ObjectOwner<GDBusConnection> connect() {
+ObjectOwner<GDBusConnection> connect_in_time() {
     const Deadline deadline;
     ObjectOwner<GDBusConnection> connection(
         g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), nullptr));
     // The end of the session is no reason to end a file manager in the middle of its work.
     if (connection) g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
     return connection;
+}
+
+ObjectOwner<GDBusConnection> connect() {
+    try {
+        return connect_in_time();
+    } catch (const std::system_error&) {
+        return {};  // without a thread for the deadline it might wait for ever
+    }
 }
 
 bool answers(GDBusConnection* connection) {

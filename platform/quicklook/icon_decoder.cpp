@@ -7,6 +7,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "corefoundation/patient_stat.h"
@@ -57,6 +58,7 @@ class Decoder {
 
   private:
     void work();
+    bool start_thread();
     Request next();
     std::optional<DecodedIcon> decode(const Request& request);
     bool is_worth_it(const std::string& folder);
@@ -79,13 +81,24 @@ void Decoder::add(Request request) {
             dropped = std::move(waiting_.back());
             waiting_.pop_back();
         }
-        if (started_ < threads) {
-            started_++;
-            std::thread([this] { work(); }).detach();
+        if (started_ < threads && start_thread()) started_++;
+        if (started_ == 0) {
+            dropped = std::move(waiting_.front());
+            waiting_.pop_front();
         }
         has_work_.notify_one();
     }
     if (dropped) dropped->done({});
+}
+
+// False where no thread is to be had.
+bool Decoder::start_thread() {
+    try {
+        std::thread([this] { work(); }).detach();
+    } catch (const std::system_error&) {
+        return false;
+    }
+    return true;
 }
 
 Request Decoder::next() {

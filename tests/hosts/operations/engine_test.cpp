@@ -6,6 +6,7 @@
 #include <limits.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -14,6 +15,7 @@
 #include <mutex>
 
 #include "file_steps/folder.h"
+#include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
 #include "support/temp_folder.h"
 
@@ -276,6 +278,26 @@ TEST_F(EngineTest, WhatCannotGoToTheTrashIsNotReplaced) {
     });
     EXPECT_TRUE(done);
     EXPECT_EQ(test::read_file(to + "/a"), "old");
+}
+
+TEST_F(EngineTest, WithoutAThreadARequestIsRefusedAndNothingIsTouched) {
+    const std::string source = folder_.file("from/a", "a");
+    const std::string destination = folder_.folder("to");
+    const bool done = test::in_child([&] {
+        const auto engine = operations::MakeEngine(folder_.path("state"));
+        if (!test::fail_call(SYS_clone3, EAGAIN) || !test::fail_call(SYS_clone, EAGAIN)) {
+            return false;
+        }
+        const auto notes = std::make_shared<test::Notes>();
+        engine->carry_out({operations::Kind::Move, {source}, destination, false}, notes);
+        EXPECT_EQ(notes->report.outcomes.size(), 1u);
+        if (notes->report.outcomes.size() == 1) {
+            EXPECT_EQ(notes->report.outcomes[0].state, operations::State::Failed);
+        }
+        return true;
+    });
+    EXPECT_TRUE(done);
+    EXPECT_TRUE(std::filesystem::exists(source));
 }
 
 TEST_F(EngineTest, AFolderIsNotReplacedByWhatIsInIt) {

@@ -1,10 +1,13 @@
 #include <Carbon/Carbon.h>
 #include <dirent.h>
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -15,6 +18,7 @@
 
 #include "carbon/folder_listing.h"
 #include "desktop/moments.h"
+#include "hosts/operations/failing_calls.h"
 #include "platform/carbon/file_questions.h"
 #include "support/temp_folder.h"
 
@@ -223,6 +227,23 @@ TEST(FolderListing, FinderInformationOfALargeFolderIsThatOfEachEntry) {
         EXPECT_EQ((finder_flags(folder.path(name)) & kColor) >> 1, label) << name;
         EXPECT_EQ((finder_flags(folder.path(name)) & kIsAlias) != 0, i % 4 == 0) << name;
     }
+}
+
+TEST(FolderListing, ALargeFolderIsReadAlsoWhereNoThreadIsToBeHad) {
+    test::TempFolder folder;
+    const size_t count = 600;
+    for (size_t i = 0; i < count; i++) folder.file("a " + std::to_string(i));
+    fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool filtered =
+            test::fail_call(SYS_clone3, EAGAIN) && test::fail_call(SYS_clone, EAGAIN);
+        _exit(!filtered ? 2 : list(folder.path()).size() == count ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 TEST(FolderListing, ReadingALargeFolderLeavesTheCurrentFolder) {
