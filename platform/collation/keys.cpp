@@ -6,7 +6,7 @@ namespace {
 
 bool is_digit(char byte) { return byte >= '0' && byte <= '9'; }
 
-// Of two numbers the longer one is the larger one. Two digits take a byte.
+// The longer one of two numbers is the larger one. A byte holds two digits.
 uint8_t* write_number(const char* first, const char* last, uint8_t* key) {
     while (last - first > 1 && *first == '0') first++;
     *key++ = tables.characters[int{'0'}].element.primary;
@@ -18,7 +18,7 @@ uint8_t* write_number(const char* first, const char* last, uint8_t* key) {
     return key;
 }
 
-// What a character that is not simple stands for, mostly a letter with an accent.
+// Writes the primaries of a character that is not simple, mostly a letter with an accent.
 uint8_t* write_primaries(const Character& character, uint8_t* key) {
     if (character.kind != SEQUENCE) return *key = character.element.primary, key + 1;
     for (int i = 0; i < character.count; i++) {
@@ -54,7 +54,8 @@ uint8_t* write_all_secondaries(const char* name, const char* end, uint8_t* key) 
 
 }  // namespace
 
-// First all primaries, then 0, then all secondaries, unless they are all the usual one.
+// A key holds all primaries, then 0, then all secondaries, unless all secondaries are the usual
+// one.
 uint8_t* write_key(const char* name, size_t length, uint8_t* key) {
     const char* const end = name + length;
     const char* at = name;

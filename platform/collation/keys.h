@@ -8,13 +8,13 @@
 
 namespace collation {
 
-// In bytes. An element takes two.
+// The longest name that has a key, in bytes; an element takes two.
 const size_t longest_name = 255;
 const size_t longest_key = longest_name * longest_sequence * 2 + 1;
 
-// Writes the key of a name, each byte of which is a character of that value, and returns its end.
-// Keys compare as UCCompareTextDefault compares the names, but for two things that no key tells: a
-// number beside superscripts or fractions, and the letter l before a middle dot.
+// Writes the key of a name and returns the key's end. Each byte of the name is a character of that
+// value. Keys compare as UCCompareTextDefault compares the names, except in two cases that no key
+// tells: a number beside superscripts or fractions, and the letter l before a middle dot.
 uint8_t* write_key(const char* name, size_t length, uint8_t* key);
 
 }  // namespace collation

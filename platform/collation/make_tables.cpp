@@ -15,7 +15,7 @@ namespace {
 
 using namespace collation;
 
-// As ICU gives them, before they become ranks.
+// Weights as ICU gives them, before they become ranks.
 struct Weight {
     uint32_t primary;
     uint32_t secondary;
@@ -176,7 +176,7 @@ void print(const Tables& tables) {
 
 int main(int, char** arguments) {
     if (!freopen(arguments[1], "w", stdout)) throw std::runtime_error("cannot write the file");
-    // With digits as digits: one weight a character.
+    // Digits are compared as digits here, so that each character has one weight.
     const Collator collator = open_root_collator(UCOL_OFF);
     if (!collator) throw std::runtime_error("ICU has no data");
     Tables tables = {};

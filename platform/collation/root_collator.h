@@ -15,8 +15,8 @@ using Collator = std::unique_ptr<UCollator, CollatorClose>;
 // Null when ICU has no data. `numeric` says whether digits compare as numbers.
 Collator open_root_collator(UColAttributeValue numeric);
 
-// Digits as numbers. Opened when first asked for, which takes some milliseconds. Null when ICU has
-// no data. Any thread.
+// The collator that compares digits as numbers. The first call opens it, which takes some
+// milliseconds. Null when ICU has no data. Any thread.
 const UCollator* root_collator();
 
 }  // namespace collation

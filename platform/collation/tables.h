@@ -34,15 +34,16 @@ const unsigned longest_sequence = 8;
 
 struct Tables {
     Character characters[256];
-    // The primary of a PLAIN or CONTEXTUAL character whose secondary is the usual one; 0 of others.
+    // The primary of a PLAIN or CONTEXTUAL character whose secondary is the usual one; 0 for all
+    // others.
     uint8_t simple[256];
     uint8_t usual_secondary;
     Element sequences[512];
     // What a CONTEXTUAL character and the MIDDLE_DOT after it stand for.
     uint16_t contextual_first;
     uint8_t contextual_count;
-    // The ranks of the characters 0 and 9. Fractions and superscripts stand between them; where
-    // a number stands among those depends on its value.
+    // The ranks of the characters 0 and 9. Fractions and superscripts stand between them. Whether a
+    // number comes before or after one of those depends on its value.
     uint8_t lowest_digit, highest_digit;
 };
 

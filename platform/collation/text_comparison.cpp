@@ -22,7 +22,7 @@ const UCCollateOptions served_options =
 // ICU cuts longer numbers into pieces.
 const ptrdiff_t longest_number = 254;
 
-// A result that the tables cannot tell.
+// The result when the tables cannot tell.
 const int undecided = 2;
 
 bool is_digit(UniChar unit) { return unit >= '0' && unit <= '9'; }
@@ -175,7 +175,7 @@ ptrdiff_t common_length(const Text& text1, const Text& text2) {
     return at;
 }
 
-// Drops what both texts begin with, but nothing whose meaning hangs on what follows it.
+// Drops the start that both texts share, except characters whose meaning depends on what follows.
 void drop_common_start(Text* text1, Text* text2) {
     const UniChar* const start = text1->units;
     const UniChar* at = start + common_length(*text1, *text2);
@@ -185,7 +185,7 @@ void drop_common_start(Text* text1, Text* text2) {
     text1->units = at;
 }
 
-// The character or number that a text begins with, when it stands for one element whatever follows.
+// The character or number at the start of a text, if it stands for one element whatever follows.
 struct First {
     const Character* character;
     Number number;  // of a DIGIT
@@ -208,7 +208,7 @@ bool take_first(const Tables& tables, const Text& text, First* first) {
     return *next < 0x100 && !(kind == collation::CONTEXTUAL && *next == collation::MIDDLE_DOT);
 }
 
-// The answer where the texts' first characters tell it, as they mostly do.
+// The answer when the texts' first characters already give it, as they mostly do.
 int compare_first(const Tables& tables, const Text& text1, const Text& text2) {
     First a, b;
     if (!take_first(tables, text1, &a) || !take_first(tables, text2, &b)) return undecided;
@@ -249,7 +249,7 @@ int compare_by_icu(const UCollator* collator, const Text& text1, const Text& tex
 int compare_by_tables(const Tables& tables, const Text& text1, const Text& text2) {
     Text rest1 = text1, rest2 = text2;
     drop_common_start(&rest1, &rest2);
-    // A wide unit may hang together with what follows it.
+    // What a wide unit means may depend on what follows it.
     const bool after_wide = rest1.units != text1.units && rest1.units[-1] >= 0x100;
     const int order = after_wide ? undecided : compare_first(tables, rest1, rest2);
     if (order != undecided) return order;
