@@ -42,7 +42,7 @@ bool is_plain_file(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
-// The file of this name, with or without an ending of pictures, in one of the bundle's folders.
+// The picture of this name, with or without a picture's ending, in one of the bundle's folders.
 std::string picture_in(const std::string& path, const std::string& name) {
     for (const char* folder : {"/Resources/", "/Contents/Resources/", "/"}) {
         for (const char* ending : {"", ".png", ".tiff", ".tif", ".icns", ".svg", ".jpg"}) {
@@ -63,7 +63,8 @@ std::string icon_name_in(NSDictionary* information) {
     return {};
 }
 
-// With a slash at their ends. Links in the way of a folder are no part of a bundle's place.
+// The folders have a slash at their ends. Symbolic links on the way to a folder are resolved: they
+// are no part of a bundle's place.
 const std::vector<std::string>& application_folders() {
     static const std::vector<std::string>& folders = *[] {
         auto* found = new std::vector<std::string>;

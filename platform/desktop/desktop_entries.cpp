@@ -15,7 +15,7 @@ DesktopEntry desktop_entry_at(const std::string& path) {
     if (!file || file->is_hidden || stat(path.c_str(), &status) != 0) return entry;
     entry.name = file->name;
     entry.icon = file->icon;
-    // What is not shown in menus still stands for the program while that runs.
+    // An entry that menus do not show still stands for its program while the program runs.
     const bool is_shown = file->is_displayed || is_running_application(path);
 
     const bool installed = is_installed_entry(path, status);

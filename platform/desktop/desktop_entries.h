@@ -1,12 +1,12 @@
-// What a `.desktop` file says of itself, and how far it is believed. Main thread.
+// What a `.desktop` file says about itself, and how far it is believed. Main thread.
 #pragma once
 
 #include <string>
 
 namespace files {
 
-// Anybody can send a file that says which program it starts under which name and icon. Only the
-// desktop's own entries are believed.
+// Anybody can send the user a file that says which program it starts, under which name and icon.
+// Only the desktop's own entries are believed.
 enum class Standing {
     document,     // a text: shown by its file name, opened like other texts
     program,      // the user has made it executable: shown by its file name, and it can be started

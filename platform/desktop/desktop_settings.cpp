@@ -20,7 +20,7 @@ const size_t largest_file = 1 << 20;
 const char gtk3_file[] = "gtk-3.0/settings.ini", gtk4_file[] = "gtk-4.0/settings.ini";
 const char kde_file[] = "kdeglobals";
 
-// Asked each time: GLib's own answer is that of the first time.
+// Asked each time, because GLib's own function always repeats its first answer.
 std::string config_file(const char* name) {
     const char* folder = getenv("XDG_CONFIG_HOME");
     if (folder && *folder) return std::string(folder) + "/" + name;
@@ -28,7 +28,7 @@ std::string config_file(const char* name) {
     return home ? std::string(home) + "/.config/" + name : std::string();
 }
 
-// KDE's files have keys with marks and groups in groups, which GLib takes for damage.
+// KDE's files have keys with marks and groups within groups; GLib takes both for damage.
 std::string without_marks(const std::string& content) {
     std::istringstream lines(content);
     std::string kept;
@@ -41,7 +41,7 @@ std::string without_marks(const std::string& content) {
     return kept;
 }
 
-// The value of a key in a file of settings; empty without one.
+// The value of a key in a file of settings; empty when the file has none.
 std::string value_in(const char* file, const char* group, const char* key) {
     std::string content;
     if (!files::read_small_file(config_file(file).c_str(), largest_file, &content)) return {};
@@ -56,7 +56,7 @@ std::string in_database(const char* key) {
                                             std::string("/org/gnome/desktop/interface/") + key);
 }
 
-// Where one thing is said.
+// The places that may hold one setting.
 struct Places {
     const char *shared, *gtk_key, *kde_group, *kde_key, *database_key;
 };

@@ -21,7 +21,7 @@ std::string text_of(GKeyFile* keys, const char* key) {
     return taken_text(g_key_file_get_string(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr));
 }
 
-// In the user's language.
+// The text of a key, in the user's language.
 std::string own_text_of(GKeyFile* keys, const char* key) {
     return taken_text(
         g_key_file_get_locale_string(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr, nullptr));
@@ -40,7 +40,7 @@ std::string without_ending(std::string icon) {
     return icon;
 }
 
-// Null for what is no entry of an application.
+// Null when the file is no entry of an application.
 KeyFileOwner read_keys(const std::string& path) {
     std::string content;
     if (!read_small_file(path.c_str(), largest_entry, &content)) return nullptr;
@@ -93,7 +93,7 @@ struct Kept {
     std::optional<EntryFile> entry;
 };
 
-// Of the present language.
+// The entries of the present language.
 std::unordered_map<std::string, Kept>& kept_entries() {
     static auto& entries = *new std::unordered_map<std::string, Kept>;
     static std::string& language = *new std::string;

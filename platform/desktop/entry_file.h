@@ -1,5 +1,6 @@
-// What the `.desktop` file of an application says: the one reader of such files, each as a plain
-// file of at most 256 KiB. Whom to believe is another question: see desktop_entries.h. Main thread.
+// What the `.desktop` file of an application says. This is the only reader of such files; it reads
+// plain files of at most 256 KiB. Whether to believe a file is another question: see
+// desktop_entries.h. Main thread.
 #pragma once
 
 #include <string>
@@ -8,7 +9,7 @@ namespace files {
 
 struct EntryFile {
     std::string name;          // in the user's language; empty when the file gives none
-    std::string plain_name;    // as it is without a language
+    std::string plain_name;    // Name without a language
     std::string icon;          // a name, or an absolute path
     std::string command;       // Exec
     std::string window_class;  // StartupWMClass
@@ -16,8 +17,8 @@ struct EntryFile {
     bool is_displayed;         // without NoDisplay
 };
 
-// Null for what is no entry of an application. A file that stays as it is, is parsed once for those
-// who ask in turn. Valid until the next call.
+// Null when the file is no entry of an application. A file that has not changed is parsed only once
+// for callers that ask in turn. Valid until the next call.
 const EntryFile* read_entry_file(const std::string& path);
 
 }  // namespace files

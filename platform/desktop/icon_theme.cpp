@@ -91,7 +91,8 @@ void list_icons(OneTheme& theme, unsigned folder) {
     closedir(open);
 }
 
-// What a file's icon can be: the other contexts are large and never asked for.
+// Whether a file's icon can come from this context. The other contexts are large and never asked
+// for.
 bool is_wanted(const std::string& context) {
     static const char* const wanted[] = {"MimeTypes",    "Places", "Devices",
                                          "Applications", "Legacy", ""};
@@ -140,7 +141,7 @@ std::vector<std::string> load_theme(OneTheme& theme, const std::string& name) {
     return parents;
 }
 
-// Pictures that belong to no theme and have whatever size they have.
+// Pictures that belong to no theme. Each has whatever size it has.
 OneTheme icons_without_theme() {
     OneTheme theme;
     std::vector<std::string> folders = base_folders();
@@ -172,7 +173,7 @@ std::string best_file(const OneTheme& theme, const std::string& name, int pixels
 
 }  // namespace
 
-// Themes are read when an icon is looked for that the ones before do not have.
+// A theme is read when an icon is looked for that the themes before it do not have.
 struct IconTheme {
     std::vector<std::string> names{theme_name()};
     std::deque<OneTheme> chain;  // of the first names; the last has no name
@@ -181,7 +182,8 @@ struct IconTheme {
 
 namespace {
 
-// Reads the next theme. Those that it inherits from follow, the ones for all follow last.
+// Reads the next theme. The themes that it inherits from come next; those that hold for all come
+// last.
 void read_next(IconTheme& theme) {
     const size_t index = theme.chain.size();
     std::vector<std::string>& names = theme.names;

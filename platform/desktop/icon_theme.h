@@ -1,6 +1,7 @@
-// Finds icons by name in the desktop's icon theme, by the freedesktop.org rules: the user's theme,
-// the themes that it inherits from, then hicolor, then pictures without a theme. Folders are listed
-// once, each theme's when an icon is looked for that those before do not have. Main thread.
+// Finds icons by name in the desktop's icon theme, by the freedesktop.org rules: first the user's
+// theme, then the themes that it inherits from, then hicolor, then pictures without a theme. Each
+// folder is listed once. A theme's folders are listed when the themes before it lack an icon that
+// is looked for. Main thread.
 #pragma once
 
 #include <memory>
@@ -9,10 +10,10 @@
 
 struct IconTheme;
 
-// The theme of the user's settings, Adwaita if they name none. The same each time.
+// The theme of the user's settings, or Adwaita if they name none. Always the same object.
 IconTheme& user_icon_theme();
 
-// The file of the best-fitting icon for `pixels`, a PNG or an SVG: of the first name that any theme
-// has, from the first theme that has it. So a program's own icon from the last theme comes before a
-// general one from the first. Empty if none has any.
+// The file of the best-fitting icon for `pixels`, a PNG or an SVG. The first name that any theme
+// has wins, from the first theme that has it: a program's own icon from the last theme comes before
+// a general icon from the first. Empty when no theme has any of the names.
 std::string find_icon(IconTheme& theme, const std::vector<std::string>& names, int pixels);

@@ -29,7 +29,7 @@ const char* const runners[] = {"bash",     "dash",         "dbus-launch", "elect
                                "sudo",     "systemd-run",  "wine",        "x-terminal-emulator",
                                "xdg-open", "xterm"};
 
-// A folder that was looked into, and when it had last changed then.
+// A folder that was read, and when it had last changed at that time.
 struct Folder {
     std::string path;
     struct timespec changed;
@@ -76,7 +76,7 @@ bool is_folder(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-// Each folder once: links may lead round in a circle.
+// Adds each folder once, since links may lead in a circle.
 void add_folder(const std::string& path, const std::string& prefix, int depth, Index* index) {
     struct stat status;
     if (stat(path.c_str(), &status) == 0 &&
@@ -123,7 +123,7 @@ Index read_index(const std::vector<std::string>& roots) {
 
 std::string base_name(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-// Looked at again when `age` milliseconds have passed.
+// Looks at the folders again when `age` milliseconds have passed.
 const Index& current_index(int64_t age) {
     static Index& index = *new Index;
     static int64_t looked_at = -one_moment;
@@ -191,7 +191,8 @@ const std::vector<InstalledApplication>& installed_applications() {
 
 bool is_installed_entry(const std::string& path, const struct stat& status) {
     const Identity file = {status.st_dev, status.st_ino};
-    // Looked at now: an entry may have come, or may have gone and left its number to another file.
+    // Looks at the folders now: an entry may be new, or may be gone and its inode number given to
+    // another file.
     if (current_index(0).files.contains(file)) return true;
     const TextOwner real(declared_folder().empty() ? nullptr : realpath(path.c_str(), nullptr));
     return real && is_in_declared_folder(real.get());

@@ -1,4 +1,4 @@
-// How long something seen on disk is believed.
+// How long something that was seen on disk is believed.
 #pragma once
 
 #include <stdint.h>
@@ -6,7 +6,7 @@
 
 namespace files {
 
-// Some milliseconds coarse, and cheap enough for every file.
+// Accurate to some milliseconds, and cheap enough to call for every file.
 inline int64_t milliseconds_now() {
     timespec now;
     clock_gettime(CLOCK_MONOTONIC_COARSE, &now);

@@ -21,7 +21,7 @@ std::string target_of(const std::string& link) {
     return length > 0 ? std::string(target, static_cast<size_t>(length)) : std::string();
 }
 
-// Of something that is there, or is a link that leads nowhere.
+// Why a path is not reached that exists, or that is a link leading nowhere.
 std::string why_not_reached(const std::string& path, int error) {
     struct stat own;
     const bool is_link = lstat(path.c_str(), &own) == 0 && S_ISLNK(own.st_mode);

@@ -28,13 +28,13 @@ bool is_of_entry_type(const std::string& type) {
     return entry && g_content_type_is_a(type.c_str(), entry.get());
 }
 
-// By its type, or by the name of what a link leads to.
+// Told by the file's type, or by the name of a link's target.
 bool is_desktop_entry(const std::string& path, const std::string& type) {
     const files::TextOwner real(realpath(path.c_str(), nullptr));
     return is_of_entry_type(type) || (real && g_str_has_suffix(real.get(), ".desktop"));
 }
 
-// The first reason counts: it is about the program that the user has chosen.
+// Keeps the first reason: it is about the program that the user has chosen.
 bool launch(void* program, const std::string& path, std::string* reason) {
     if (!program || !G_IS_DESKTOP_APP_INFO(program)) return false;
     std::string problem;
@@ -58,7 +58,8 @@ using ProgramsOwner = std::unique_ptr<GList, files::Release<release_programs>>;
 bool launch_for_type(const std::string& type, const std::string& path, std::string* reason) {
     const ObjectOwner<GAppInfo> chosen(g_app_info_get_default_for_type(type.c_str(), FALSE));
     if (launch(chosen.get(), path, reason)) return true;
-    // The default may need what is not here, a terminal for one: the next that starts will do.
+    // The default may need something that is missing here, such as a terminal. The next program
+    // that starts will do.
     const ProgramsOwner programs(g_app_info_get_all_for_type(type.c_str()));
     bool started = false;
     for (GList* i = programs.get(); i && !started; i = i->next) {
@@ -68,8 +69,8 @@ bool launch_for_type(const std::string& type, const std::string& path, std::stri
     return started;
 }
 
-// Starts what the entry names, where it is believed. To all others it is a text: what a program
-// for such files would do with it, nobody knows.
+// Starts what the entry names, if the entry is believed. Any other entry is opened as a text,
+// because nobody knows what a program for such files would do with it.
 bool open_entry(const std::string& path, std::string* reason) {
     if (files::desktop_entry_at(path).standing == files::Standing::document) {
         return launch_for_type("text/plain", path, reason);

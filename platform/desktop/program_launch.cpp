@@ -12,7 +12,7 @@
 
 namespace {
 
-// What started programs find otherwise than this process; without a value they do not find it.
+// The environment variables that started programs find changed; those without a value are removed.
 std::map<std::string, std::optional<std::string>>& changed_variables() {
     static auto& variables = *new std::map<std::string, std::optional<std::string>>;
     return variables;
@@ -30,7 +30,7 @@ files::ObjectOwner<GAppLaunchContext> launch_context() {
     return context;
 }
 
-// In the child: only what is safe between fork and exec. `folder` may be null.
+// Runs in the child: only calls that are safe between fork and exec. `folder` may be null.
 void leave_us(void* folder) {
     setsid();
     if (folder && chdir(static_cast<const char*>(folder)) != 0) return;
@@ -49,7 +49,7 @@ Start result_of(bool started, GError* error, std::string* reason) {
 void release_texts(GList* texts) { g_list_free_full(texts, g_free); }
 using AddressesOwner = std::unique_ptr<GList, files::Release<release_texts>>;
 
-// Addresses carry any byte.
+// Addresses can carry any byte.
 AddressesOwner addresses_of(const std::vector<std::string>& documents) {
     GList* addresses = nullptr;
     for (const std::string& document : documents) {
@@ -76,7 +76,7 @@ Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& docume
     const bool started = g_desktop_app_info_launch_uris_as_manager(
         entry, addresses.get(), context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr,
         nullptr, &error);
-    // A message to a program that the bus starts is still on its way, and we may be about to exit.
+    // The message to a program that the bus starts may still be on its way when we exit.
     if (started && g_desktop_app_info_get_boolean(entry, "DBusActivatable")) {
         files::flush_session_bus();
     }

@@ -21,8 +21,8 @@ using BookmarksOwner = std::unique_ptr<GBookmarkFile, Release<g_bookmark_file_fr
 // One application's use of one document.
 struct Use {
     std::string address;
-    std::string name;     // that the application has registered with
-    std::string program;  // of its command
+    std::string name;     // the name that the application registered with
+    std::string program;  // the program of its command
     int64_t used_at;      // microseconds
 };
 
@@ -84,7 +84,7 @@ std::vector<Use> read_list(const std::string& path) {
     return uses_in(bookmarks.get());
 }
 
-// Newest first.
+// All uses, newest first.
 const std::vector<Use>& all_uses() {
     static std::vector<Use>& uses = *new std::vector<Use>;
     static Stamp read_at = {};
@@ -96,7 +96,7 @@ const std::vector<Use>& all_uses() {
     return uses;
 }
 
-// "gedit" of "org.gnome.gedit".
+// Example: "gedit" for "org.gnome.gedit".
 std::string short_id(const std::string& id) { return id.substr(id.rfind('.') + 1); }
 
 bool is_name_of(const std::string& name, const InstalledApplication& application) {

@@ -6,10 +6,10 @@
 
 namespace files {
 
-// The newest of the files that an application has opened, newest first, as "file:" addresses.
-// `identifier` is the application's: the name of its desktop entry, or the identifier of a bundle.
-// An application is known in the list by the name and command that it has registered with.
-// A list that is damaged, or larger than 8 MiB, has no documents.
+// The newest files that an application has opened, newest first, as "file:" addresses. `identifier`
+// is the name of the application's desktop entry, or the identifier of its bundle. The list knows
+// an application by the name and command that it has registered with. A list that is damaged, or
+// larger than 8 MiB, has no documents.
 std::vector<std::string> recent_documents(const std::string& identifier, size_t most);
 
 }  // namespace files

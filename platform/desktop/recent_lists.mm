@@ -7,7 +7,7 @@
 
 namespace {
 
-// As long as the Mac's lists are, unless the user asks for more.
+// As many as the Mac's lists hold, unless the user asks for more.
 const size_t documents_in_list = 10;
 
 NSString* const suffix = @".LSSharedFileList";

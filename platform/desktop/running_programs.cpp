@@ -23,13 +23,13 @@ std::string executable_of(pid_t process) {
     const ssize_t length = readlink(process_file(process, "exe").c_str(), path, sizeof path);
     if (length <= 0) return {};
     std::string result(path, static_cast<size_t>(length));
-    // Replaced by a newer one while it runs.
+    // The program file was replaced by a newer one while the program runs.
     const std::string gone = " (deleted)";
     if (result.ends_with(gone)) result.resize(result.size() - gone.size());
     return result;
 }
 
-// Strings that end in NULs; at most 64 KiB, and empty for what we may not read.
+// Reads strings that end in NULs; at most 64 KiB, and empty when we may not read them.
 std::string strings_of(pid_t process, const char* name) {
     const int file = open(process_file(process, name).c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) return {};
@@ -62,7 +62,7 @@ std::string id_of(const std::string& entry) {
     return name.ends_with(".desktop") ? name.substr(0, name.size() - 8) : std::string();
 }
 
-// The ".app" bundle that a program stands in, or empty.
+// The ".app" bundle that a program stands in; empty when there is none.
 std::string bundle_around(const std::string& executable) {
     const size_t end = executable.rfind(".app/");
     return end == executable.npos ? std::string() : executable.substr(0, end + 4);
@@ -97,7 +97,8 @@ bool by_window_class(const InstalledApplication& application, const Traces& trac
     return names_window(application.window_class, traces.window);
 }
 
-// The desktop notes what it has started, for the process itself and not for the children.
+// The desktop notes which application it has started, for the process itself and not for its
+// children.
 bool by_launcher(const InstalledApplication& application, const Traces& traces) {
     const std::string process = variable_in(traces.environment, "GIO_LAUNCHED_DESKTOP_FILE_PID");
     if (process != std::to_string(traces.window.process)) return false;
@@ -122,7 +123,7 @@ bool by_hint(const InstalledApplication& application, const Traces& traces) {
 
 using Match = bool (*)(const InstalledApplication&, const Traces&);
 
-// The surest first. Children inherit the hint from whatever started them, so it comes last.
+// The surest match comes first. The hint comes last because children inherit it.
 const Match matches[] = {by_window_class, by_launcher, by_id, by_program, by_hint};
 
 const InstalledApplication* application_of(const Traces& traces) {
@@ -180,7 +181,7 @@ bool is_running(pid_t process) { return access(process_file(process, "").c_str()
 
 std::vector<RunningProgram> running_programs() {
     std::vector<desktop_window_t> windows = desktop_windows();
-    // The application of a process is told by its normal windows, if it has one.
+    // A process's application is told by its normal windows, if it has any.
     std::stable_partition(windows.begin(), windows.end(),
                           [](const desktop_window_t& window) { return window.is_normal; });
     std::vector<RunningProgram> programs;

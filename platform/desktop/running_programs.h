@@ -16,5 +16,5 @@ struct RunningProgram {
     bool is_regular;          // it has a normal window
 };
 
-// One for each process, in the order of their first windows.
+// One program for each process, in the order of the processes' first windows.
 std::vector<RunningProgram> running_programs();

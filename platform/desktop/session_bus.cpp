@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 const char address_name[] = "DBUS_SESSION_BUS_ADDRESS";
 const std::chrono::seconds pause_after_failure{10};
 
-// Cancels what it is given to when time is up.
+// Cancels the calls that it is given to, when time is up.
 class Deadline {
   public:
     Deadline() : thread_([this] { wait(); }) {}
@@ -61,7 +61,7 @@ Bus& bus() {
     return bus;
 }
 
-// To ask GIO for a bus that is not there would start one.
+// Asking GIO for a bus that is not there would start one.
 bool is_there() {
     const char* address = g_getenv(address_name);
     const TextOwner socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
@@ -72,7 +72,7 @@ ObjectOwner<GDBusConnection> connect_in_time() {
     const Deadline deadline;
     ObjectOwner<GDBusConnection> connection(
         g_bus_get_sync(G_BUS_TYPE_SESSION, deadline.cancellable(), nullptr));
-    // The end of the session is no reason to end a file manager in the middle of its work.
+    // A file manager must not end in the middle of its work because the session ends.
     if (connection) g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
     return connection;
 }
@@ -93,7 +93,7 @@ bool answers(GDBusConnection* connection) {
     return answer != nullptr;
 }
 
-// Another address is another bus.
+// Another address means another bus.
 void follow_address(Bus& bus) {
     const char* address = g_getenv(address_name);
     if (bus.address == (address ? address : "")) return;
@@ -107,7 +107,7 @@ bool failed_lately(const Bus& bus) {
 
 }  // namespace
 
-// Nothing is kept: GIO hands out one that has been closed for as long as anybody holds it.
+// No connection is kept here: GIO hands out a closed one as long as anybody holds it.
 ObjectOwner<GDBusConnection> session_bus() {
     const std::lock_guard guard(bus().lock);
     follow_address(bus());

@@ -17,7 +17,7 @@ const size_t largest_database = 4 << 20;
 const int deepest_key = 64;
 const uint32_t no_item = UINT32_MAX;
 
-// The layout of the file, in this machine's order of bytes: a header leads to a table, which has a
+// The layout of the file, in this machine's byte order: a header points to a table, which has a
 // filter and buckets before its items.
 struct Span {
     uint32_t start, end;
@@ -61,7 +61,7 @@ class Database {
         items_ = (size - before_items) / sizeof(Item);
     }
 
-    // Keys hold what comes after the name of their parent.
+    // A key holds only the part of its name that follows its parent's name.
     std::string_view value(const std::string& key) const {
         for (uint64_t i = 0; i < items_; i++) {
             Item item;
@@ -86,7 +86,7 @@ class Database {
         if (start > content_.size() || size > content_.size() - start) return {};
         return std::string_view(content_).substr(start, size);
     }
-    // From the end of the name to its beginning.
+    // Compares from the end of the name to its beginning.
     bool is_named(Item item, std::string_view name) const {
         for (int depth = 0; depth < deepest_key; depth++) {
             const std::string_view last = part(item.name_start, item.name_size);
@@ -102,7 +102,7 @@ class Database {
     uint64_t items_at_ = 0, items_ = 0;
 };
 
-// GLib checks what it is not told to trust.
+// GLib checks data that it is not told to trust.
 std::string text_of(std::string_view value) {
     const TextOwner copy(static_cast<char*>(g_memdup2(value.data(), value.size())));
     const VariantOwner boxed(g_variant_ref_sink(g_variant_new_from_data(

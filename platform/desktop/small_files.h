@@ -1,4 +1,4 @@
-// Reading small files of the desktop's bookkeeping, never anything that could block.
+// Reads small files of the desktop's bookkeeping, and never anything that could block.
 #pragma once
 
 #include <fcntl.h>
@@ -9,8 +9,8 @@
 
 namespace files {
 
-// The whole content of a plain file of at most `limit` bytes. False for anything else. The file is
-// looked at before it is opened: opening a device can have effects.
+// Reads the whole content of a plain file of at most `limit` bytes. False for anything else. The
+// file is looked at before it is opened, because opening a device can have effects.
 inline bool read_small_file(const char* path, size_t limit, std::string* content) {
     content->clear();
     struct stat status;
