@@ -1,4 +1,4 @@
-// The least that a program of the toolkit does to show something: one empty window.
+// The smallest program of the toolkit that shows something: one empty window.
 #include <AppKit/AppKit.h>
 
 int main() {

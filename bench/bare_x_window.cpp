@@ -1,4 +1,4 @@
-// The least that a program does to show something: one window by Xlib.
+// The smallest Xlib program that shows something: one window.
 #include <X11/Xlib.h>
 
 int main() {

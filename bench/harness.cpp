@@ -25,7 +25,7 @@ double read_clock(clockid_t clock) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-// The value below which `part` of the others are.
+// The value that the fraction `part` of the values lie below.
 double quantile(std::vector<double> values, double part) {
     if (values.empty()) return 0;
     const auto index = static_cast<std::ptrdiff_t>(part * static_cast<double>(values.size()));

@@ -1,11 +1,11 @@
-// Measurements: variants run in turn within one process (A B C A B C ...), so that noise of the
-// machine falls on all of them alike; medians and quartiles, of processor time and of wall time;
-// ratios beside their limits.
+// Measurements. Variants run in turn within one process (A B C A B C ...), so that noise of the
+// machine affects all of them alike. The results are medians and quartiles of processor time and of
+// wall time, and ratios with their limits.
 //
-// What is measured is printed as a table, and written as JSON by status() to the file that the
+// The results are printed as a table. status() also writes them as JSON to the file that the
 // environment names in DELVIO_BENCH_JSON: a list of records, each with the figure's name ("what"),
-// the size of what was measured ("size"), and either "variant" with times, "value" with its "unit",
-// or "ratio" with its "limit".
+// the size of the input ("size"), and either "variant" with times, "value" with its "unit", or
+// "ratio" with its "limit".
 #pragma once
 
 #include <functional>
@@ -14,35 +14,35 @@
 
 namespace bench {
 
-// Seconds from a clock that never goes back.
+// Seconds on a clock that never goes back.
 double now();
 
-// Seconds that this process has computed: for work that waits for nothing, on a machine that others
-// use too.
+// Processor time of this process in seconds. Use it for work that waits for nothing, when other
+// programs use the machine too.
 double processor_time();
 
 double median(std::vector<double> values);
 
-// Of one variant in all its rounds, in seconds.
+// The times of one variant in all its rounds, in seconds.
 struct Times {
     std::vector<double> wall, processor;
 };
 
 class Race {
   public:
-    // `what` and `size` name the race in the output; ratios are those of `clock`.
+    // `what` and `size` name the race in the output; ratios use the times of `clock`.
     Race(std::string what, int size, double (*clock)() = now);
 
     // `run` is timed; `after`, if given, follows each run untimed.
     void add(std::string name, std::function<void()> run, std::function<void()> after = {});
 
-    // One round to warm up, then `rounds` that count.
+    // Runs one round to warm up, then `rounds` that count.
     void run(int rounds);
 
     // The median of a variant, in seconds of the race's clock.
     double seconds(const std::string& name) const;
 
-    // A table, one line a variant, and the JSON of it.
+    // Prints a table with one line per variant, and records its JSON.
     void print() const;
 
   private:
@@ -59,17 +59,17 @@ class Race {
     std::vector<Variant> variants_;
 };
 
-// The same for times that were taken elsewhere, of one variant.
+// The same for times of one variant that were measured elsewhere.
 void print_times(const std::string& what, int size, const std::string& variant, const Times& times);
 
-// Prints a ratio beside its limit. Remembers a limit that is passed.
+// Prints a ratio and its limit. Remembers when the limit is exceeded.
 void check(const std::string& what, double ratio, double limit);
 
-// The same for one figure of any unit; with a limit of 0 it has none.
+// The same for one figure of any unit; a limit of 0 means no limit.
 void note(const std::string& what, int size, double value, const std::string& unit,
           double limit = 0);
 
-// Writes the JSON. Returns the exit status: 1 when a limit was passed.
+// Writes the JSON. Returns the exit status: 1 when a limit was exceeded.
 int status();
 
 }  // namespace bench

@@ -1,5 +1,6 @@
-// Copying and moving by the engine beside cp and mv, each as a process of its own. cp is followed
-// by sync, for the engine has everything on the disk before it gives a copy its name.
+// Copying and moving by the engine, compared with cp and mv, each started as a process. cp is
+// followed by sync, because the engine writes everything to the disk before it gives a copy its
+// name.
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdio.h>
@@ -58,7 +59,7 @@ void make_long_file(const std::string& path) {
     }
 }
 
-// Nothing of one variant is left for the disk to write during the other.
+// Leaves nothing of one variant for the disk to write during the other.
 void start_anew(const std::string& path) {
     fs::remove_all(path);
     fs::create_directory(path);

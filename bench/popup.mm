@@ -1,4 +1,4 @@
-// A popup in a program that runs: from the call that pops the menu up until it is on the screen
+// A popup in a running program: from the call that opens the menu until the menu is on the screen
 // and answers to the pointer.
 #include <AppKit/AppKit.h>
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -19,7 +19,7 @@ const double milliseconds_limit = 3;
 
 }  // namespace
 
-// Pops the contextual menu of a folder up, with the plug-in's items, and ends it as soon as it
+// Opens the contextual menu of a folder, with the plug-in's items, and ends it as soon as it
 // tracks.
 @interface Popup : NSObject {
   @private
@@ -52,7 +52,7 @@ const double milliseconds_limit = 3;
     [_menu configureWithNodes:&nodes windowController:nil container:NO];
 }
 
-// The first timer of the tracking: the menu is shown and has the pointer.
+// Called by the first timer of the tracking: the menu is shown and has the pointer.
 - (void)isShown:(NSTimer*)timer {
     (void)timer;
     XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);

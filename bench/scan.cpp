@@ -1,5 +1,5 @@
-// The scan of a folder beside the floor of the work that it must do, and its comparator beside
-// strcmp and ICU's collator.
+// The scan of a folder compared with the least work that it must do, and its comparator compared
+// with strcmp and ICU's collator.
 #include <dirent.h>
 #include <stdlib.h>
 #include <string.h>

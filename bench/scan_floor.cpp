@@ -15,7 +15,7 @@ namespace bench {
 
 namespace {
 
-// The name's offset in `names`; names are kept one after the other.
+// The name's offset in `names`, where the names are stored one after the other.
 std::vector<size_t> read_names(int folder, std::vector<char>& names) {
     std::vector<size_t> offsets;
     std::vector<char> buffer(256 * 1024);

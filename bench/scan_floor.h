@@ -1,13 +1,13 @@
-// The least work that a scan can be: the entries' names, what each is, its Finder information, and
-// names in order.
+// The least work of a scan: read the entries' names, what each one is and its Finder information,
+// and sort the names.
 #pragma once
 
 #include <stddef.h>
 
 namespace bench {
 
-// Reads the folder with getdents64, keeps the names, asks statx and lgetxattr for each, sorts the
-// names with qsort and strcmp. Returns the count of names.
+// Reads the folder with getdents64, keeps the names, calls statx and lgetxattr for each, and sorts
+// the names with qsort and strcmp. Returns the number of names.
 size_t scan_floor(const char* path);
 
 }  // namespace bench

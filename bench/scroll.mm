@@ -1,5 +1,5 @@
-// Scrolling of a level of 100,000 entries: by the wheel from its top, by End, and by the wheel from
-// its end. Each step is one frame, painted before the next step.
+// Scrolling a level of 100,000 entries: with the wheel from its top, with End, and with the wheel
+// from its end. Each step is one frame, painted before the next step.
 #include <AppKit/AppKit.h>
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
@@ -41,7 +41,7 @@ int frames = 0;
 
 @end
 
-// One popup for the folder that holds the large one.
+// One popup for the folder that contains the large one.
 @interface Popup : NSObject {
   @private
     std::string* _folder;
@@ -77,7 +77,7 @@ static void paint(const menu_level_t& level) {
     XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
 }
 
-// Scrolls by `pixels` as often as asked for and paints each time.
+// Scrolls by `pixels` and paints, as often as `times` says.
 static void scroll(menu_level_t& level, int pixels, int times, bench::Times* result) {
     for (int step = 0; step < times; step++) {
         @autoreleasepool {

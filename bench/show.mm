@@ -1,6 +1,6 @@
-// A folder's level as a user opens it: a folder within the one that was clicked, which nobody has
-// read before. The first paint counts from the moment at which its submenu is asked to open until
-// its rows are on the screen, scan and items included; the closing until the popup has returned.
+// A folder's level as a user opens it: a folder inside the clicked one, not read before. The first
+// paint is measured from the request to open its submenu until its rows are on the screen, scan and
+// items included. The closing is measured until the popup has returned.
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -39,13 +39,13 @@ void add_span(bench::Times& times, const moment_t& begin) {
     times.wall.push_back(end.wall - begin.wall);
 }
 
-// What the program has allocated.
+// The memory that the program has allocated.
 double heap_bytes() {
     const struct mallinfo2 heap = mallinfo2();
     return static_cast<double>(heap.uordblks + heap.hblkhd);
 }
 
-// What the program takes from the machine for itself.
+// The memory that the program takes from the machine for itself.
 double private_bytes() {
     FILE* file = fopen("/proc/self/smaps_rollup", "re");
     if (!file) throw std::runtime_error("cannot read /proc/self/smaps_rollup");
@@ -62,7 +62,7 @@ struct memory_t {
     double heap = heap_bytes(), resident = private_bytes();
 };
 
-// The items of the menu, those that other keys bring included.
+// All items of the menu, including those that modifier keys bring.
 struct level_size_t {
     size_t rows = 0, items = 0;
 };
@@ -75,7 +75,7 @@ struct level_times_t {
 
 }  // namespace
 
-// One popup for the folder that holds the one to measure: opens both levels, closes.
+// One popup for the folder that contains the measured one: opens both levels, then closes.
 @interface Popup : NSObject {
   @private
     const bench::TestFolder* _folder;
@@ -106,7 +106,7 @@ static void show() {
     XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
 }
 
-// The one folder in the level of the folder that was clicked.
+// The only folder in the level of the clicked folder.
 - (NSMenuItem*)openHolder:(MenuSession*)session {
     NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
     [session openSubmenuOfItem:holder];
@@ -149,7 +149,7 @@ static void show() {
         [_menu release];
     }
     add_span(_times->close, _closing);
-    // A turn of the run loop, in which a program that goes on gives memory back.
+    // One turn of the run loop, in which a running program gives memory back.
     [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
     const memory_t after;
     _times->row_bytes.push_back((_shown.heap - _before.heap) / _times->size.rows);
@@ -199,8 +199,8 @@ level_costs_t measure(int entries, int rounds) {
 
 }  // namespace
 
-// With DELVIO_BENCH_LEVEL set to a size only a few rounds of that: for profiles. An argument would
-// be a file to open.
+// With DELVIO_BENCH_LEVEL set to a size, runs only a few rounds of that size, for profiles. An
+// argument would be taken as a file to open.
 int main() {
     @autoreleasepool {
         [NSApplication sharedApplication];

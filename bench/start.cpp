@@ -1,5 +1,5 @@
-// `delvio menu` from its start until its menu is on the screen, beside programs that show a window
-// and do nothing else; and what the open menu takes while nobody touches it.
+// `delvio menu` from its start until its menu is on the screen, compared with programs that only
+// show a window; and what the open menu uses while nobody touches it.
 #include <X11/Xlib.h>
 #include <stdio.h>
 #include <unistd.h>
@@ -15,9 +15,9 @@ namespace {
 const int rounds = 15;
 const double milliseconds_limit = 90;
 const double idle_seconds = 10;
-const int x = 180, y = 110;  // in the windows of all
+const int x = 180, y = 110;  // a point inside every program's window
 
-// In seconds of each clock, from before the start to the first pixel.
+// Seconds on each clock, from just before the start to the first pixel.
 void start(Display* display, const std::vector<std::string>& command, bench::Times* times) {
     const unsigned long empty = bench::pixel(display, x, y);
     const double begin = bench::now();

@@ -26,7 +26,7 @@ std::vector<char*> arguments(const std::vector<std::string>& command) {
     return words;
 }
 
-// Times that a thread has gone to sleep by itself.
+// How often a thread has gone to sleep voluntarily.
 long sleeps(const std::filesystem::path& thread) {
     std::ifstream status(thread / "status");
     for (std::string word; status >> word;) {
@@ -43,13 +43,13 @@ StartedProgram::StartedProgram(const std::vector<std::string>& command) {
     process_ = fork();
     if (process_ < 0) throw std::runtime_error("cannot start " + command[0]);
     if (process_ > 0) return;
-    dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);  // the toolkit talks
+    dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);  // the toolkit prints messages
     execv(words[0], words.data());
     _exit(127);
 }
 
 StartedProgram::~StartedProgram() {
-    kill(process_, SIGKILL);  // the toolkit catches what asks
+    kill(process_, SIGKILL);  // the toolkit catches the signals that only ask
     waitpid(process_, nullptr, 0);
 }
 

@@ -1,4 +1,4 @@
-// A program that shows a window, started for a measurement and ended again.
+// A program that shows a window. A measurement starts it and ends it again.
 #pragma once
 
 #include <sys/types.h>
@@ -10,7 +10,7 @@ struct _XDisplay;
 
 namespace bench {
 
-// What a process has taken so far, all its threads together.
+// What a process has used so far, in all its threads together.
 struct Usage {
     double processor = 0;  // seconds
     long wake_ups = 0;
@@ -23,10 +23,10 @@ class StartedProgram {
     StartedProgram(const StartedProgram&) = delete;
     StartedProgram& operator=(const StartedProgram&) = delete;
 
-    // Waits until a pixel of the screen is another than `before`. Throws when the program ends or
-    // nothing shows.
+    // Waits until a pixel of the screen differs from `before`. Throws when the program ends or
+    // nothing appears.
     void wait_for_pixel(_XDisplay* display, int x, int y, unsigned long before);
-    // Waits until it computes nothing any more.
+    // Waits until the program is idle.
     void wait_for_rest();
     Usage usage() const;
 

@@ -1,6 +1,6 @@
-// A folder of many entries, the same for every run: 78 % files, 15 % folders, 7 % symbolic links
-// (to a folder, to a file, dangling); 5 % dot names; numbers, mixed case, blanks and non-Latin
-// names.
+// A folder with many entries, the same in every run: 78 % files, 15 % folders, 7 % symbolic links
+// (to a folder, to a file, dangling). 5 % have dot names. The names include numbers, mixed case,
+// blanks and non-Latin letters.
 #pragma once
 
 #include <string>
@@ -16,7 +16,7 @@ class TestFolder {
     TestFolder& operator=(const TestFolder&) = delete;
 
     const std::string& path() const { return path_; }
-    // The folder that holds this one and nothing else.
+    // The folder that contains only this one.
     const std::string& holder() const { return holder_; }
     const std::vector<std::string>& names() const { return names_; }
 

@@ -1,4 +1,4 @@
-// What a text preview costs beside the bare drawing of its glyphs, in the default square.
+// The cost of a text preview compared with only drawing its glyphs, in the default square.
 #include <cairo-ft.h>
 #include <string.h>
 
@@ -21,7 +21,7 @@ std::vector<char> page() {
     return text;
 }
 
-// The glyphs where the preview has them, ready to be drawn.
+// The glyphs at their places in the preview, ready to be drawn.
 class bare_glyphs_t {
   public:
     explicit bare_glyphs_t(const std::vector<char>& text)

@@ -1,5 +1,5 @@
-// A thumbnail of a photograph beside gdk-pixbuf's own scaled load of it, and one from the cache
-// beside reading and decoding that PNG file.
+// A thumbnail of a photograph compared with gdk-pixbuf's own scaled load of it, and a thumbnail
+// from the cache compared with reading and decoding that PNG file.
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <stdlib.h>
 
