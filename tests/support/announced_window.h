@@ -1,5 +1,5 @@
-// What the windows of this program tell window managers and compositors, and a compositor that does
-// no more than to be there.
+// What this program's windows tell window managers and compositors, and a compositor that is merely
+// present.
 #pragma once
 
 #include <string>
@@ -12,13 +12,13 @@ namespace test {
 struct AnnouncedWindow {
     std::string title, type;
     bool is_unmanaged = false;
-    long shadow = -1;  // how far one reaches that it draws itself, alike on all sides; -1: not told
+    long shadow = -1;  // width of its own shadow, the same on all sides; -1: not announced
 };
 
-// Those that are shown and have a type.
+// The windows that are shown and have a type.
 std::vector<AnnouncedWindow> announced_windows();
 
-// Whether the windows that the window manager lists are all there; also where none lists any.
+// Whether all windows in the window manager's list exist; true when there is no list.
 bool listed_windows_are_there();
 
 class Compositor {

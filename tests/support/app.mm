@@ -2,8 +2,9 @@
 
 #include <AppKit/AppKit.h>
 
-// Of Foundation's. Test programs run beside one another and end at any time: none waits for, or
-// loses, the notification daemon of another.
+// Replaces a method of Foundation's, so that nothing connects to a notification daemon. Test
+// programs run beside one another and end at any time: none of them may wait for, or lose, another
+// one's daemon.
 @interface NSDistributedNotificationCenter (Alone)
 - (void)_connect;
 @end

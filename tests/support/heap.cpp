@@ -2,7 +2,7 @@
 
 #include <malloc.h>
 
-// There with the address sanitizer, whose heap mallinfo2 does not know.
+// Defined only with the address sanitizer, whose heap mallinfo2 does not see.
 extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
 
 namespace test {

@@ -16,7 +16,7 @@ namespace test {
 
 namespace {
 
-// In the title bar of Openbox's own theme: squares at the right, minimise, maximise, close.
+// The title bar of Openbox's own theme has squares at the right: minimise, maximise, close.
 constexpr int from_minimise_to_close = 36;
 constexpr long motif_resize = 2, motif_minimise = 8, motif_maximise = 16, motif_all = 1;
 
@@ -116,7 +116,7 @@ ManagedWindows::ManagedWindows() : display_(XOpenDisplay(nullptr)) {
 ManagedWindows::~ManagedWindows() { XCloseDisplay(display_); }
 
 std::vector<ManagedWindow> ManagedWindows::shown() const {
-    // A window may go while it is asked about.
+    // A window may disappear while it is queried.
     const auto handler = XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     std::vector<ManagedWindow> windows;
     for (const long each : numbers_of(display_, DefaultRootWindow(display_), "_NET_CLIENT_LIST")) {

@@ -1,5 +1,5 @@
-// A window manager beside a test, and what it makes of windows. Questions go through a connection
-// of their own, so that they can be asked in the program whose windows they are about.
+// A window manager beside a test, and how it treats windows. Queries use their own connection, so
+// that the program that owns the windows can make them.
 #pragma once
 
 #include <sys/types.h>
@@ -43,17 +43,18 @@ class ManagedWindows {
     ManagedWindows(const ManagedWindows&) = delete;
     ManagedWindows& operator=(const ManagedWindows&) = delete;
 
-    // Those that the window manager shows, each in a frame.
+    // The windows that the window manager shows, each in a frame.
     std::vector<ManagedWindow> shown() const;
-    // The shown window of this title, once it stands still: two calls must find it at one place.
+    // The shown window with this title, once it stands still: two calls must find it at the same
+    // place.
     std::optional<ManagedWindow> settled(const std::string& title);
-    // The buttons at the right end of its title bar.
+    // The buttons at the right end of the window's title bar.
     ScreenPoint close_button(const ManagedWindow& window) const;
     ScreenPoint minimise_button(const ManagedWindow& window) const;
     bool has_keyboard(const ManagedWindow& window) const;
-    // As a task bar does.
+    // Asks the window to close, as a task bar does.
     void ask_to_close(const ManagedWindow& window);
-    // Whether the window has been hidden, if only for a moment, since it is watched.
+    // Whether the window has been hidden, even for a moment, since watch() was called.
     void watch(const ManagedWindow& window);
     bool was_hidden();
 

@@ -1,4 +1,4 @@
-// Shows a contextual menu of every kind of row and writes pictures of it. Not a test: for looking.
+// Shows a contextual menu with every kind of row and saves pictures of it. Not a test: for looking.
 //   menu_demo -picture FILE [-rows N] [-font SIZE] [-shadow YES] [-open TITLE] [-at "{X, Y}"]
 //   [-stay YES]
 // GNUstep's argument defaults work too, for example -MenuAppearance dark -GSScaleFactor 2.

@@ -1,4 +1,4 @@
-// Waiting until what the platform has seen on disk is no longer believed.
+// Waits until the platform no longer trusts what it has seen on disk.
 #pragma once
 
 #include <unistd.h>
@@ -7,7 +7,7 @@
 
 namespace test {
 
-// By the platform's own clock.
+// Measured by the platform's own clock.
 inline void let_a_moment_pass() {
     const int64_t start = files::milliseconds_now();
     while (files::milliseconds_now() - start <= files::one_moment) usleep(1000);

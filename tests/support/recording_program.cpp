@@ -16,7 +16,7 @@ namespace test {
 
 namespace {
 
-const char separator = '\036';  // stands in no name of a test
+const char separator = '\036';  // occurs in no name of a test
 
 }  // namespace
 
@@ -29,7 +29,8 @@ RecordingProgram::RecordingProgram(const std::vector<std::string>& types,
     descriptors_record_ = data / "opened-with";
     environment_record_ = data / "opened-among";
     fs::create_directories(data / "applications");
-    // Arguments last and in one write, so that who sees one of them can read everything.
+    // The arguments come last and in one write, so that a reader who sees one of them can read
+    // everything.
     std::ofstream(script_) << "#!/bin/sh\npwd >'" << folder_record_ << "'\nls /proc/$$/fd >'"
                            << descriptors_record_ << "'\nenv >'" << environment_record_
                            << "'\nprintf '%s\\036' \"$@\" >>'" << record_ << "'\n";

@@ -1,6 +1,6 @@
-// A program of the test's own, made the user's default program for some types of file. It writes
-// down what it is given to open. Lives in the isolated run's XDG folders; make it before GIO looks.
-// Its desktop entry is record.desktop.
+// A program of the test's own, made the user's default program for some types of file. It records
+// what it is asked to open. It lives in the isolated run's XDG folders; create it before GIO reads
+// them. Its desktop entry is record.desktop.
 #pragma once
 
 #include <set>
@@ -11,22 +11,22 @@ namespace test {
 
 class RecordingProgram {
   public:
-    // For these content types, for example "text/plain". `field` is how it takes its arguments:
-    // %f a path, %u an address, %F and %U several of them.
+    // Registers for these content types, for example "text/plain". `field` is how the program takes
+    // its arguments: %f a path, %u an address, %F and %U several of them.
     explicit RecordingProgram(const std::vector<std::string>& types,
                               const std::string& field = "%f");
 
-    // The program's own file, for a start that is not by its type.
+    // The program's own file, for starting it other than by type.
     std::string path() const { return script_; }
 
-    // The arguments of every start so far, in order; empty while it has not been started.
+    // The arguments of every start so far, in order; empty before the first start.
     std::vector<std::string> opened() const;
-    // The same, but waits for the first start, a minute at most.
+    // The same, but waits for the first start, at most a minute.
     std::vector<std::string> wait() const;
-    // Of the last start: the folder it was in and the descriptors it had open.
+    // For the last start: the folder it was in and the descriptors it had open.
     std::string working_folder() const;
     std::set<int> descriptors() const;
-    // And its environment, "NAME=VALUE" each.
+    // Also for the last start: the environment, each entry "NAME=VALUE".
     std::set<std::string> environment() const;
     // Forgets what was opened.
     void forget();

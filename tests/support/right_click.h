@@ -1,4 +1,4 @@
-// What it takes to pop a menu up without a mouse, for tests and measurements. Main thread.
+// Opening a menu without a mouse, for tests and measurements. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -8,10 +8,11 @@ namespace test {
 // The event of a right-click without a window, at a point of the screen from the lower left.
 NSEvent* right_click(NSPoint at);
 
-// Sends `action` to `target` while a menu tracks, once or until it is invalidated; it is retained.
+// Sends `action` to `target` while a menu tracks, once or until the timer is invalidated. The
+// target is retained.
 NSTimer* while_tracking(NSTimeInterval interval, id target, SEL action, BOOL repeats);
 
-// Ends a modal session from outside, without an answer; nothing when there is none.
+// Ends a modal session from outside, without an answer. Does nothing when there is none.
 void end_modal_session();
 
 }  // namespace test

@@ -27,7 +27,7 @@ NSTimer* while_tracking(NSTimeInterval interval, id target, SEL action, BOOL rep
 void end_modal_session() {
     if (![NSApp modalWindow]) return;
     [NSApp stopModalWithCode:NSRunAbortedResponse];
-    // Its loop looks when it gets an event.
+    // The session's loop checks when it gets an event.
     [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
                                         location:NSZeroPoint
                                    modifierFlags:0

@@ -20,7 +20,7 @@ namespace {
 
 const uint64_t file_node = 2;
 const uint64_t for_ever = 3600;
-// Of the one that answers: nodes from file_node on.
+// The files in the file system that answers. Their nodes count from file_node.
 const std::string names[] = {"a.txt", "b.txt", "c.txt"};
 const std::string text = "A text from another disk\n";
 
@@ -105,7 +105,7 @@ std::string listing() {
     return bytes;
 }
 
-// `body` is what follows the question's head.
+// `body` is the part of the request after its header.
 void answer_truly(int device, const fuse_in_header& question, const char* body) {
     const uint64_t unique = question.unique;
     fuse_read_in range = {};
@@ -159,7 +159,7 @@ void answer_truly(int device, const fuse_in_header& question, const char* body) 
     }
 }
 
-// As root of a user namespace, or as root that may mount.
+// Works as root of a user namespace, or as root with the right to mount.
 bool enter_namespace() {
     const std::string user = std::to_string(getuid()), group = std::to_string(getgid());
     if (unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) {
@@ -189,7 +189,7 @@ pid_t mount_silent_file_system(const std::string& folder, Silence silence) {
             serve(device, silence);
         }
     }
-    // The connection lasts as long as somebody holds this.
+    // The connection lasts as long as some process holds this descriptor.
     close(device);
     return server;
 }

@@ -1,5 +1,5 @@
-// A script that runs beside an open menu: each step waits for something to become true, then acts.
-// It runs from a timer, also while a menu tracks or a modal panel is open. Main thread.
+// A script that runs beside an open menu: each step waits until a condition is true, then acts. It
+// runs from a timer, also while a menu tracks or a modal panel is open. Main thread.
 #pragma once
 
 #include <functional>
@@ -13,17 +13,19 @@ class Steps {
     using Condition = std::function<bool()>;
     using Action = std::function<void()>;
 
-    // Waits until `condition` holds, then runs `action` once. `what` says what was waited for.
+    // Waits until `condition` holds, then runs `action` once. `what` describes the condition in
+    // failures.
     Steps& when(
         const std::string& what, Condition condition, Action action = [] {});
 
     // Runs the application until the last step is done. A step that waits longer than
     // the limit fails the test and ends every open menu.
     void run();
-    // The same beside `tracking`, which shows a menu and returns when that has closed. Then every
-    // step must be done; a menu that stays open after the last one fails too. Exceptions pass.
+    // The same beside `tracking`, which shows a menu and returns when the menu has closed. By then
+    // every step must be done. A menu that stays open after the last step also fails. Exceptions
+    // pass through.
     void run_beside(const Action& tracking);
-    // From the timer.
+    // Called by the timer.
     void turn();
 
   private:

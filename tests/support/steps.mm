@@ -8,7 +8,7 @@
 
 namespace {
 
-// How long a step may wait before the test is given up: a guard, not a measure of speed.
+// How long a step may wait before the test fails. This is a guard, not a measure of speed.
 const NSTimeInterval patience = 60;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// A folder for one test, removed with all that is in it when the object goes.
+// A folder for one test. The destructor removes it with everything in it.
 #pragma once
 
 #include <string>
@@ -16,13 +16,14 @@ class TempFolder {
     const std::string& path() const { return path_; }
     std::string path(const std::string& name) const { return path_ + "/" + name; }
 
-    // Each makes an entry (names may contain slashes: parents are made) and returns its path.
+    // Each of these makes an entry and returns its path. Names may contain slashes; parents are
+    // made.
     std::string file(const std::string& name, const std::string& content = "");
     std::string folder(const std::string& name);
     std::string link(const std::string& name, const std::string& target);
 
-    // The 32 bytes of Finder information with these Finder flags and file type.
-    // False where the file system keeps no extended attributes.
+    // Sets the 32 bytes of Finder information with these Finder flags and this file type. False
+    // where the file system stores no extended attributes.
     bool finder_info(const std::string& name, unsigned flags, const char* type = "\0\0\0\0");
 
   private:

@@ -1,11 +1,11 @@
-// One turn of a run loop, for what has none.
+// Runs one turn of a run loop, for code without one.
 #pragma once
 
 #include <functional>
 
 namespace test {
 
-// Frees at once what the run loop would free after the action.
+// Frees at once the objects that the run loop would free after the action.
 void in_one_turn(const std::function<void()>& action);
 
 }  // namespace test

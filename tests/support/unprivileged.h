@@ -1,4 +1,5 @@
-// While it lives, this thread obeys file permissions even when root runs the tests.
+// While an object of this class lives, this thread obeys file permissions even when root runs the
+// tests.
 #pragma once
 
 #include <stdint.h>

@@ -1,7 +1,7 @@
-// A small X client with the windows that a test asks for. Arguments, in order, act on the window
-// made last: "window" makes one, "class=INSTANCE,CLASS", "type=NAME" (of _NET_WM_WINDOW_TYPE_),
-// "state=NAME" (of _NET_WM_STATE_), "machine=NAME", "pid=NUMBER", "transient", "show", "focus".
-// Lives until it is killed or standard input ends.
+// A small X client with the windows that a test asks for. Arguments are read in order and act on
+// the latest window: "window" makes one, "class=INSTANCE,CLASS", "type=NAME" (of
+// _NET_WM_WINDOW_TYPE_), "state=NAME" (of _NET_WM_STATE_), "machine=NAME", "pid=NUMBER",
+// "transient", "show", "focus". It runs until it is killed or standard input ends.
 #include <unistd.h>
 #include <xcb/xcb.h>
 
@@ -41,7 +41,7 @@ void make_window() {
     if (!first) first = window;
 }
 
-// The X server focuses only what is seen.
+// The X server gives the focus only to visible windows.
 void focus() {
     for (int i = 0; i < 200; i++) {
         xcb_get_window_attributes_reply_t* reply = xcb_get_window_attributes_reply(

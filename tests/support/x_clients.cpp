@@ -16,7 +16,7 @@ struct Free {
 template <typename Reply>
 using Owner = std::unique_ptr<Reply, Free>;
 
-// The client that owns the resources from this number on.
+// The client whose resource numbers start here.
 bool is_of(xcb_connection_t* server, uint32_t resources, pid_t process) {
     const xcb_res_client_id_spec_t spec = {resources, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
     const Owner<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(

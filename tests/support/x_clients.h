@@ -1,4 +1,4 @@
-// The X server's own list of who is connected to it.
+// The X server's own list of its clients.
 #pragma once
 
 #include <sys/types.h>

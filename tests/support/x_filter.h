@@ -1,5 +1,5 @@
-// A display that lacks some extensions, or goes away: the test's own behind a filter. DISPLAY names
-// it for as long as this lives.
+// The test's own display behind a filter, which hides some extensions or makes the display go away.
+// DISPLAY names it while the object lives.
 #pragma once
 
 #include <sys/types.h>
@@ -18,7 +18,7 @@ class XFilter {
     XFilter(const XFilter&) = delete;
     XFilter& operator=(const XFilter&) = delete;
 
-    // Every connection through it breaks.
+    // Breaks every connection through the filter.
     void take_display_away();
 
   private:

@@ -1,5 +1,6 @@
-# Stands between X clients and the display in $DISPLAY: hides extensions from them (shared memory
-# always, for the way to it is a network's), and takes the display away when it is ended.
+# Stands between X clients and the display in $DISPLAY. It hides extensions from them (shared memory
+# always, because the connection works like one over a network), and takes the display away when it
+# is ended.
 #   x_filter.py FILE EXTENSION...
 # Writes the name of the display to be used instead into FILE.
 import os

@@ -1,5 +1,5 @@
-// A hand on mouse and keyboard: real X events through XTest, on a connection of its own, so that
-// they come to the program under test as a user's do. Coordinates are pixels from the upper left.
+// Controls mouse and keyboard with real X events through XTest, on its own connection, so that the
+// program under test gets them as from a user. Coordinates are pixels from the upper left.
 #pragma once
 
 #include <string>
@@ -20,21 +20,21 @@ class XInput {
     void press(int button);
     void release(int button);
     void click(int button);
-    // Keys by X name: "Shift_L", "Escape", "a"; or by their place.
+    // Keys by X name, for example "Shift_L", "Escape", "a"; or by their position.
     void key_down(const std::string& name);
     void key_up(const std::string& name);
     void key(const std::string& name);
-    // A name for the key that has this one now, whatever it is in another layout.
+    // A name for the key that has this name now, valid in any other layout.
     std::string place_of(const std::string& name);
-    // Lets go of every key and button that is still held.
+    // Releases every key and button that is still held.
     void let_go();
 
-    // Whether another program could grab the pointer now: false while a menu holds it.
+    // Whether another program could grab the pointer now; false while a menu holds it.
     bool pointer_is_free();
     bool keyboard_is_free();
-    // Gives a window the keyboard, as a click on it may.
+    // Gives a window the keyboard, as a click on it can.
     void focus(unsigned long window);
-    // A number that tells the shown cursor from others.
+    // A number that identifies the cursor that is shown.
     unsigned long cursor();
     // The colour of a pixel of the screen, 0xRRGGBB.
     unsigned long pixel(int x, int y);
