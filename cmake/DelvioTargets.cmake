@@ -1,5 +1,5 @@
-# How Delvio's targets are made. Every target sees headers as <folder/header.h> from the house's
-# top folders, and the Mac's names from platform/include.
+# Functions that make Delvio's targets. Every target sees headers as <folder/header.h> from the
+# project's top folders, and the Mac's names from platform/include.
 
 # A room of the platform: objects, which become part of the one platform library.
 function(delvio_platform_room name)
@@ -10,7 +10,7 @@ function(delvio_platform_room name)
   target_link_libraries(platform_${name} PUBLIC gnustep)
 endfunction()
 
-# A part of the plug-in: objects, so that categories and classes named at run time are kept.
+# A part of the plug-in: objects, so that the linker keeps categories and classes named at run time.
 function(delvio_plugin_library name)
   add_library(dv_${name} OBJECT)
   target_include_directories(dv_${name} PUBLIC ${PROJECT_SOURCE_DIR}/plugin
@@ -20,10 +20,10 @@ endfunction()
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# A test program of GoogleTest cases: delvio_test(NAME x SOURCES ... LIBRARIES ... [DISPLAY] [LEAKS]).
-# With DISPLAY its cases run in an X server of their own, with a home folder of their own.
-# With LEAKS a sanitized program fails when memory is left that nothing points to; for what uses the
-# toolkit little, as its objects live until a pool is drained.
+# A program of GoogleTest cases: delvio_test(NAME x SOURCES ... LIBRARIES ... [DISPLAY] [LEAKS]).
+# With DISPLAY its cases run in their own X server, with their own home folder.
+# With LEAKS a sanitized program fails when it leaves memory that nothing points to. Use LEAKS for
+# programs that use the toolkit little, because the toolkit's objects live until a pool is drained.
 function(delvio_test)
   cmake_parse_arguments(arg "DISPLAY;LEAKS" "NAME" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${arg_NAME} ${arg_SOURCES})

@@ -12,7 +12,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_OBJCXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-# A program is not linked again when a shared library that it uses changes inside.
+# A program is not linked again when only the inside of a shared library that it uses changes.
 set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
@@ -22,7 +22,7 @@ add_compile_options(-Wall -Wextra -Werror)
 # CMake knows this flag for C and C++ only; without it programs record a library by its build path.
 set(CMAKE_SHARED_LIBRARY_SONAME_OBJCXX_FLAG "-Wl,-soname,")
 
-# CMake 3.25 knows no run-time search path for what is Objective-C++ alone.
+# CMake 3.25 sets no run-time search path for targets that are only Objective-C++.
 foreach(kind EXECUTABLE SHARED_LIBRARY)
   set(CMAKE_${kind}_RUNTIME_OBJCXX_FLAG "-Wl,-rpath,")
   set(CMAKE_${kind}_RUNTIME_OBJCXX_FLAG_SEP ":")
@@ -36,7 +36,7 @@ file(GLOB objc_include_dirs /usr/lib/gcc/*/*/include)
 find_path(OBJC_INCLUDE_DIR objc/objc.h PATHS ${objc_include_dirs} NO_DEFAULT_PATH REQUIRED)
 find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATHS /usr/include/GNUstep REQUIRED)
 
-# GNUstep with the run time of Debian: include paths, definitions, libraries.
+# GNUstep with Debian's run time: include paths, definitions, libraries.
 # gcc's own include folder must come last: clang's built-in headers take precedence.
 add_library(gnustep INTERFACE)
 target_compile_options(gnustep INTERFACE
@@ -50,7 +50,8 @@ target_link_libraries(gnustep INTERFACE gnustep-gui gnustep-base objc Threads::T
 
 if(DELVIO_SANITIZE)
   add_compile_options(-fsanitize=${DELVIO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
-  # Shared, so that libraries loaded later share it; it stands in the compiler's own folder.
+  # The sanitizer library is shared, so that libraries loaded later share it. It is in the
+  # compiler's own folder.
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} --print-runtime-dir
                   OUTPUT_VARIABLE sanitizer_dir OUTPUT_STRIP_TRAILING_WHITESPACE)
   add_link_options(-fsanitize=${DELVIO_SANITIZE} -shared-libsan -Wl,-rpath,${sanitizer_dir})
