@@ -19,7 +19,7 @@ struct MenuRequest {
     std::string picture;
     std::vector<std::string> open_titles;
     std::vector<std::string> pick_titles;
-    bool replace = false;         // answers to files of the same names
+    bool replace = false;         // replace files of the same names
     unsigned long modifiers = 0;  // AppKit's bits
     std::vector<std::pair<std::string, std::string>> settings;
 };
@@ -39,14 +39,15 @@ struct InstallRequest {
 
 struct CommandLine {
     enum Command { finished, menu, settings, undo, install } command = finished;
-    int status = exit_done;  // of `finished`: help was printed, or one line about wrong use
+    int status = exit_done;  // for `finished`: after help, or after a line about wrong use
     MenuRequest menu_request;
     SettingsRequest settings_request;
     InstallRequest install_request;
 };
 
-// Prints help, the version, or one line on standard error about what is wrong, where that is due.
+// Reads the arguments. Where due, prints help, the version, or one line about the mistake on
+// standard error.
 CommandLine ReadCommandLine(int argc, char** argv);
 
-// One line on standard error: "delvio: " and the text.
+// Prints one line on standard error: "delvio: " and the text.
 void Complain(const std::string& text);

@@ -3,5 +3,6 @@
 
 #include <string>
 
-// Uses what the system allows; a sentence when that is too little to work with, else empty.
+// Raises the limit where the system allows it. Returns a sentence when it is too low to work with,
+// else an empty string.
 std::string DescriptorProblem();

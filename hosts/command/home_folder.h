@@ -1,8 +1,8 @@
-// The user's home folder, where everything that lasts is kept.
+// The user's home folder, where all lasting files are kept.
 #pragma once
 
 #include <string>
 
-// Sets HOME to what the system knows where it names no folder. False when the system knows none
-// either; then *problem says so in one line.
+// If HOME names no folder, sets it to the system's home folder for the user. False when the system
+// knows none either; then *problem says so in one line.
 bool EnsureHomeFolder(std::string* problem);

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// Reads "shift,option,command,control" (any of them, each once or more; empty for none).
+// Reads names such as "shift,option,command,control": any of them, in any number; empty for none.
 // False when a name is unknown.
 bool ParseModifiers(const std::string& names, unsigned long* flags);
 

@@ -1,7 +1,7 @@
-// Arguments and environment in any bytes.
+// Arguments and environment that may hold any bytes.
 #pragma once
 
-// Foundation reads the arguments and the environment as it is loaded, before main, and gives up on
-// text that is not in its encoding. Until this is called it therefore sees question marks in place
-// of everything that is not ASCII. Sent first of all.
+// Foundation reads the arguments and the environment while it loads, before main, and gives up on
+// text that is not in its encoding. It therefore sees a question mark for each byte that is not
+// ASCII, until this function restores the bytes. main() calls it first.
 void RestoreArguments();

@@ -1,5 +1,5 @@
-// Text that goes to a terminal. Names may hold anything: what would change the terminal's state, or
-// the order in which its line is read, is shown by a mark.
+// Text for a terminal. File names may hold any characters; a mark replaces those that would change
+// the terminal's state or the reading order of a line.
 #pragma once
 
 #include <string>
@@ -9,5 +9,5 @@
 // separator and character that sets the direction of text, and of each byte that is not UTF-8.
 std::string Printable(std::string_view text, std::string_view mark);
 
-// The same text as JSON, each of these characters as an escape ("\u009b").
+// The JSON text with each of these characters as an escape ("\u009b").
 std::string PrintableJson(std::string_view json);

@@ -1,16 +1,16 @@
-// An X server of the command's own, for when there is no display.
+// The command's own X server, for when there is no display.
 #pragma once
 
 #include <string>
 
-// Whether the display that the environment names can be opened. When not, *problem says so in one
-// line that begins with what is wrong; it is empty when the environment names none.
+// Whether the display that the environment names can be opened. If not, *problem is one line that
+// begins with the cause; it is empty when the environment names no display.
 bool DisplayAnswers(std::string* problem);
 
-// Starts an Xvfb that only this process and its children may use, and points the environment
-// (DISPLAY, XAUTHORITY) at it. It ends with this process, however that ends.
-// False when it could not be started; then *problem says why.
+// Starts an Xvfb that only this process and its children may use, and sets DISPLAY and XAUTHORITY
+// in the environment for it. The server ends with this process, however this process ends. False
+// when it could not be started; then *problem says why.
 bool StartPrivateDisplay(std::string* problem);
 
-// Whether the display is such a server, which goes with this process.
+// Whether the display is such a server, which ends with this process.
 bool HasPrivateDisplay();

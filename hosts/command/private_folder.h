@@ -1,12 +1,12 @@
-// A folder in the temporary folder that is this process's alone, for one file of it.
+// A private folder in the temporary folder, for one file of this process.
 #pragma once
 
 #include <string>
 
-// Writes the bytes into a file that only the user may read; both go when the process ends in order.
-// The path, or empty when it cannot be.
+// Writes the bytes into a file that only the user may read; the file and its folder are removed
+// when the process ends, unless it is killed. Returns the path, or an empty string on failure.
 std::string WriteIntoPrivateFolder(const std::string& bytes);
 
-// Removes what runs left that were killed. It waits for nothing, and leaves alone what a run still
-// uses and what is not ours.
+// Removes the folders that killed runs left behind. Does not wait, and leaves alone folders that a
+// run still uses or that are not private folders of this user.
 void RemoveLeftPrivateFolders();

@@ -9,24 +9,24 @@
 
 namespace operations {
 
-// Carries the request out on this thread and returns when it has ended. The observer's ended() is
-// not sent. Beside it, what killed operations left behind is removed.
+// Carries the request out on this thread and returns when it has ended. Does not call the
+// observer's ended(). Also removes the files that killed operations left behind.
 Report Perform(const Request& request, Observer& observer,
                const std::string& state_folder = StateFolder());
 
-// The engine as a carrier, with a thread of its own; its end waits for the request at work and
-// drops those that wait.
+// The engine as a carrier with a thread of its own. Its destructor waits for the request at work
+// and drops the waiting ones.
 std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder = StateFolder());
 
-// Undoes the last operation of whatever process: moves back, takes what was replaced or trashed out
-// of the trash, removes aliases, and puts copies in the trash if nobody changed them. Refuses as a
-// whole, with nothing touched, when something has changed since. Can be repeated after it was
-// interrupted. One outcome for each step; the reason of one that is done says, in one line, what
-// was done for it, and is empty when nothing had to be.
+// Undoes the last operation, of whichever process: moves files back, takes replaced or trashed
+// files out of the trash, removes aliases, and puts copies that nobody has changed into the trash.
+// Refuses the whole undo, with nothing touched, when something has changed since. An interrupted
+// undo can be repeated. The report has one outcome for each step; the reason of a done step says,
+// in one line, what was done, and is empty when nothing had to be done.
 Report UndoLast(Observer& observer, const std::string& state_folder = StateFolder());
 
-// The request is handed to somebody else, whose name is `who`: until the next operation there is
-// nothing that UndoLast() could undo, and it says so.
+// Notes that the request was handed to another program, whose name is `who`. Until the next
+// operation UndoLast() has nothing to undo, and says so.
 void NoteDoneElsewhere(const Request& request, const std::string& who,
                        const std::string& state_folder = StateFolder());
 

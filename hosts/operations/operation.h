@@ -1,5 +1,5 @@
-// One request on its way: each source is found, conflicts are settled, things are moved or copied.
-// The worker thread.
+// One request at work: each source is found, conflicts are settled, files are moved or copied. For
+// the worker thread.
 #pragma once
 
 #include <functional>
@@ -21,15 +21,15 @@ namespace operations {
 
 class Operation {
   public:
-    // With `record` the steps replace those of the last operation.
+    // With `record` the undo steps of this operation replace those of the last operation.
     Operation(const Request& request, Observer& observer, const std::string& state_folder,
               bool record);
     ~Operation();
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    // Moves the one source to this name and no other. Of what needs a copy for it, `before` is sent
-    // the inode before it gets the name; false keeps it from getting it.
+    // Moves the one source to this name and no other. If the move needs a copy, `before` is called
+    // with the inode of the copy before it gets the name; false cancels that.
     void set_exact_name(const std::string& name, std::function<bool(ino_t)> before) {
         exact_name_ = name;
         before_exact_name_ = std::move(before);
@@ -42,12 +42,12 @@ class Operation {
 
     struct Item {
         size_t index = 0;
-        std::string path, name;              // as the request has it; the name that is wanted
-        std::shared_ptr<Descriptor> folder;  // that it is in
+        std::string path, name;              // as in the request; the wanted name
+        std::shared_ptr<Descriptor> folder;  // the folder of the source
         struct stat what = {};
-        std::optional<Choice> choice;  // once its name was found taken
-        unsigned attempt = 0;          // of a name that keeps both
-        unsigned tries = 0;            // of all names
+        std::optional<Choice> choice;  // set once its name was found taken
+        unsigned attempt = 0;          // number of the attempt at a name that keeps both
+        unsigned tries = 0;            // attempts at all names
         std::optional<Trashed> replaced;
         std::string temporary;
         std::string target_name;
@@ -111,7 +111,7 @@ class Operation {
     std::vector<Item> pending_;  // copied, but not yet under their names
     std::unordered_set<std::string> pending_names_;
     uint64_t bytes_before_ = 0;
-    size_t folders_opened_ = 0;  // since the last flush; what is pending holds them
+    size_t folders_opened_ = 0;  // since the last flush; pending items keep them open
 };
 
 }  // namespace operations

@@ -1,4 +1,4 @@
-// Requests in a row, carried out one after the other by a thread of their own.
+// A queue of requests, which a thread of its own carries out one after the other.
 #pragma once
 
 #include <condition_variable>
@@ -20,7 +20,7 @@ class RequestQueue {
     };
     // `carry_out` is called on the queue's thread, which starts with the first request.
     explicit RequestQueue(std::function<void(Job)> carry_out);
-    // Waits for the request that is being carried out; those that wait are dropped.
+    // Waits for the request that is being carried out; drops the waiting ones.
     ~RequestQueue();
     RequestQueue(const RequestQueue&) = delete;
     RequestQueue& operator=(const RequestQueue&) = delete;

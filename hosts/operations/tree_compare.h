@@ -1,4 +1,4 @@
-// What has become of something that was copied. Any thread.
+// Compares a copy with its state when it was made, or with its source. Any thread.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 
 namespace operations {
 
-// Whether the copy at the name is another thing now, or anything in it was changed since it was
-// made. Yes if that cannot be told.
+// Whether the name now belongs to another file, or anything in the copy was changed since it was
+// made. True if that cannot be told.
 bool IsChanged(int folder, const char* name, const CopyState& copy);
 
-// Whether all that stands at `rest` stands at `whole` as well, unchanged: what is left of something
-// that was being taken away after it was copied.
+// Whether everything in `rest` is also in `whole`, unchanged. `rest` is the remainder of a source
+// that was being removed after it was copied.
 bool IsRestOf(int rest_folder, const char* rest, int whole_folder, const char* whole);
 
 }  // namespace operations

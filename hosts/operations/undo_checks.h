@@ -1,4 +1,4 @@
-// What undoing an operation needs: found out for all steps, before the first one is undone.
+// What each step of an undo has to do: found out for all steps before the first one is undone.
 #pragma once
 
 #include <string>
@@ -11,13 +11,13 @@
 namespace operations {
 
 enum class Need {
-    Nothing,       // it was not done, or is undone
+    Nothing,       // the step was not done, or is already undone
     MoveBack,      // the target goes back to the source
     ReplaceRest,   // the same, after what is left of the original has gone to the trash
     TrashTarget,   // the copy goes to the trash
     RemoveTarget,  // an alias, or a second name of the source
-    RestoreTrash,  // what is in the trash goes back to the source
-    ForgetTrash,   // the trash has a note of something that did not go there
+    RestoreTrash,  // the file in the trash goes back to the source
+    ForgetTrash,   // the trash has a note about a file that did not get there
 };
 
 struct Plan {
@@ -28,7 +28,7 @@ struct Plan {
 class UndoChecks {
   public:
     explicit UndoChecks(const std::vector<Step>& steps) : steps_(steps) {}
-    // One for each step. The last step is undone first.
+    // One plan for each step. The last step is undone first.
     std::vector<Plan> plans();
 
   private:
@@ -44,8 +44,8 @@ class UndoChecks {
     bool will_be_there(const std::string& path) const;
 
     const std::vector<Step>& steps_;
-    std::unordered_map<std::string, bool> is_there_;  // after the steps that were looked at
-    std::string folder_, folder_problem_;             // the last one whose trash was looked for
+    std::unordered_map<std::string, bool> is_there_;  // after the steps planned so far
+    std::string folder_, folder_problem_;             // the last folder whose trash was checked
 };
 
 }  // namespace operations

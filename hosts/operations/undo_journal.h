@@ -1,5 +1,5 @@
-// What the last operation did, step by step, on disk, so that it can be undone later and by another
-// process. A step that changes something stands there before it is done. Worker thread.
+// A journal on disk of what the last operation did, step by step, so that it can be undone later
+// and by another process. Each step is written before it is done. For the worker thread.
 #pragma once
 
 #include <sys/stat.h>
@@ -12,14 +12,14 @@
 
 namespace operations {
 
-// The file.
+// The journal's path.
 std::string UndoJournalPath(const std::string& state_folder);
 
-// Its steps replace those of the operation before it, from the first one on. What cannot be written
-// is not undoable; the operation goes on.
+// The first step replaces the journal of the operation before. A journal that cannot be written
+// makes the operation not undoable; the operation goes on.
 class UndoJournal {
   public:
-    // With an empty folder nothing is written.
+    // With an empty state folder nothing is written.
     explicit UndoJournal(const std::string& state_folder);
 
     void moving(const std::string& source, const std::string& target, ino_t inode);
@@ -28,13 +28,13 @@ class UndoJournal {
     // A copy, which `what` describes, is about to get its name.
     void copying(const std::string& source, const std::string& target, const struct stat& what,
                  bool linked);
-    // It has it.
+    // The copy has its name.
     void copied();
-    // The step before did not happen.
+    // The last noted step did not happen.
     void not_done();
-    // What was copied is about to be removed at its source: it was a move.
+    // The source of a copy is about to be removed: the step was a move.
     void emptying(const std::string& source, const std::string& target, ino_t original);
-    // Somebody else does it, and the line says why it cannot be undone here.
+    // Another program carries the request out; `line` says why it cannot be undone here.
     void elsewhere(const std::string& line);
 
   private:
@@ -47,7 +47,8 @@ class UndoJournal {
     bool gave_up_;
 };
 
-// The steps of the last operation, for undoing. While it lives no other process undoes them.
+// The steps of the last operation, for undoing. While this object lives, no other process undoes
+// them.
 class LastOperation {
   public:
     // problem() says why there is nothing to undo, or is empty.
@@ -55,10 +56,10 @@ class LastOperation {
 
     const std::vector<Step>& steps() const { return recorded_.steps; }
     const std::string& problem() const { return recorded_.problem; }
-    // Written down so that an undo that is interrupted can be repeated. False with errno.
+    // Both write an entry, so that an interrupted undo can be repeated. False with errno.
     bool restoring(size_t step, ino_t inode);
     bool undone(size_t step);
-    // It is undone.
+    // Removes the journal, because the operation is undone.
     void forget();
 
   private:

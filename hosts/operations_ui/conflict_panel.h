@@ -5,8 +5,8 @@
 
 namespace operations {
 
-// Shows it and returns the answer; Return skips, Escape stops. With `for_all` "Apply to all" is on
-// to begin with.
+// Shows the panel and returns the answer; Return skips, Escape stops. With `for_all`, "Apply to
+// all" is on at first.
 Answer AskAbout(const Conflict& conflict, bool for_all);
 
 }  // namespace operations

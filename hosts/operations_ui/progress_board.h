@@ -1,4 +1,4 @@
-// What the worker's thread and the main thread tell each other about one operation.
+// The data that the worker thread and the main thread exchange about one operation.
 #pragma once
 
 #include <condition_variable>
@@ -17,7 +17,7 @@ class ProgressBoard : public Observer {
     bool is_cancelled() override;
     void ended(const Report& report) override;
 
-    // The main thread's side; none of these waits.
+    // The main thread's side; none of these calls waits.
     Progress progress();
     std::optional<Conflict> take_question();
     void answer(const Answer& answer);
