@@ -1,4 +1,4 @@
-// Where applications are installed, and what is there.
+// Where applications are installed, and which are there.
 #pragma once
 
 #include <map>
@@ -6,17 +6,18 @@
 #include <vector>
 
 struct ApplicationSources {
-    std::map<std::string, std::string> entries;  // of the desktop, by identifier: where it stands
-    std::map<std::string, std::string> bundles;  // ".app" folders, by name
-    std::vector<std::string> folders;            // all that were looked into
+    std::map<std::string, std::string> entries;  // paths of desktop entries, by identifier
+    std::map<std::string, std::string> bundles;  // paths of ".app" folders, by name
+    std::vector<std::string> folders;            // all folders that were searched
 };
 
-// One line that says where applications are sought. A change of it changes everything.
+// One line that names the places where applications are searched. When it changes, the search must
+// be repeated.
 std::string DescribeApplicationSources();
 
-// All entries and bundles; of several with one name the first, as the desktop finds them.
+// Finds all entries and bundles; if several have one name, the first, in the order of the desktop.
 ApplicationSources FindApplicationSources();
 
-// Whether the bundle is a program that the user sees and that declares files that it opens; *name
-// receives its own name.
+// Whether the bundle is a visible program that declares the files it opens. *name receives the
+// program's own name.
 bool IsOfferedBundle(const std::string& path, std::string* name);

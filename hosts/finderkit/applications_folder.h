@@ -1,23 +1,23 @@
-// The folder that stands for the Mac's "/Applications": a folder of links, one to each application
-// that the user may open files with, in $XDG_CACHE_HOME/delvio/applications. It is this program's
-// own and made anew as a whole when it is stale; nothing that somebody else has put there is ever
-// removed. Main thread.
+// The folder that stands for the Mac's "/Applications": a folder of links in
+// $XDG_CACHE_HOME/delvio/applications, one to each application that the user may open files with.
+// This program owns it and makes it anew as a whole when it is out of date; files that others put
+// there are never removed. Main thread.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <string>
 
-// Its path, whether it is there or not.
+// The folder's path, whether or not the folder exists.
 std::string ApplicationsFolder();
 
-// Brings the folder up to date: some stats when nothing has changed since the last time, by
-// whatever program. False when it cannot be made; what it holds then may be old or missing.
+// Brings the folder up to date. This costs a few stat calls when nothing has changed since any
+// program last did it. False when the folder cannot be made; it may then be out of date or missing.
 bool UpdateApplicationsFolder();
 
-// Lets the plug-in with these preferences list this folder unless the user has named another one.
+// Makes the plug-in with these preferences list this folder, unless the user has named another one.
 void OfferApplicationsFolder(CFStringRef domain);
 
-// Before a menu: brings the folder up to date where it is not watched anyway, and believes the
-// applications of the one that the user has named in those preferences.
+// Called before a menu: brings the folder up to date unless it is watched, and trusts the
+// applications of the folder that the user has named in those preferences.
 void PrepareApplications();

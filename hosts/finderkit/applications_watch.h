@@ -1,10 +1,11 @@
-// Keeps the folder of applications up to date while a program lives that shows many menus, so that
-// none of them has to. Main thread.
+// Keeps the folder of applications up to date in a program that shows many menus, so that no menu
+// has to. Main thread.
 #pragma once
 
-// From now on: soon after something was installed or removed, and once an hour, between two events
-// and never while a menu is open. False where the system does not tell of changes.
+// From now on the folder is updated soon after a program was installed or removed, and once an
+// hour. Updates run between two events, never while a menu is open. False where the system does not
+// report changes.
 bool WatchApplications();
 
-// Whether it has been sent, with success.
+// Whether WatchApplications() has been called and succeeded.
 bool ApplicationsAreWatched();

@@ -21,7 +21,7 @@ struct TFENodeVector {
     NSURL* _url;
 }
 - (instancetype)initWithNode:(const TFENode&)node;
-// A file URL; of a name that is not valid UTF-8 one that has no `path`.
+// A file URL. If the name is not valid UTF-8, the URL has no `path`.
 - (NSURL*)url;
 @end
 
@@ -36,14 +36,14 @@ struct TFENodeVector {
     id _windowController;  // not retained
     BOOL _isContainer;
 }
-// Says what the menu is about. `controller` may be nil; `isContainer` when the one node is the
-// folder in whose background the user clicked.
+// Sets what the menu is for. `controller` may be nil; `isContainer` is true when the one node is
+// the folder whose background the user clicked.
 - (void)configureWithNodes:(const TFENodeVector*)nodes
           windowController:(id)controller
                  container:(BOOL)isContainer;
 - (NSArray*)nodes;
 - (id)windowController;
 - (BOOL)isContainer;
-// Of this class itself and not only inherited: a plug-in may exchange it.
+// Implemented by this class and not only inherited, because a plug-in may exchange the method.
 - (void)removeAllItems;
 @end

@@ -1,4 +1,4 @@
-// The file managers that carry operations out over D-Bus, and how each is asked. Any thread.
+// The file managers that carry out operations over D-Bus, and the call for each. Any thread.
 #pragma once
 
 #include <gio/gio.h>
@@ -22,13 +22,13 @@ struct DesktopManager {
     GVariant* (*arguments)(operations::Kind kind, GVariant* sources, const char* destination);
 };
 
-// Those that run, then those that the bus can start; in each group the user's own first.
+// The running file managers, then those that the bus can start; in each group the user's own first.
 std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus);
 
 enum class Handover { taken, absent, refused };
 
-// Asks the manager for the operation and waits for its answer; one that is ending just then is
-// started again. `absent`: it is not there, or has no such method. `refused`: *reason says why, in
-// one line.
+// Asks the manager for the operation and waits for its answer; a manager that exits at that moment
+// is started again. `absent`: the manager is not there, or has no such method. `refused`: *reason
+// says why, in one line.
 Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
                     const operations::Request& request, std::string* reason);

@@ -1,16 +1,16 @@
-// Apple Events written down as they arrive, for whoever wants to know what goes on. Main thread.
+// Writes down Apple Events as they arrive, for debugging. Main thread.
 #pragma once
 
 #include <Carbon/Carbon.h>
 
 #include <string>
 
-// Each event that arrives from now on goes to the end of the file, or for "-" to standard error.
+// Appends each event that arrives from now on to the file, or writes it to standard error for "-".
 // False when the file cannot be written; then *problem says why, in one line.
 bool TraceEvents(const std::string& file, std::string* problem);
 
-// A line with the event's class, ID and target, then one for each parameter; what a list or record
-// holds is indented below it. With its last newline.
+// A line with the event's class, ID and target, then one line for each parameter; the items of a
+// list or record are indented below it. Ends with a newline.
 //
 //   aevt/odoc to "MACS"
 //     ----: list of 1

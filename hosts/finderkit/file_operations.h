@@ -18,15 +18,16 @@
 
 struct FileOperationService {
     std::shared_ptr<operations::Carrier> carrier;
-    // Makes who is told of a request, for each one.
+    // Makes an observer for each request.
     std::function<std::shared_ptr<operations::Observer>(const operations::Request&)> observer;
 };
 
-// From the next event on. Without a carrier, events that ask for operations are not handled.
+// Takes effect with the next event. Without a carrier, events that ask for operations are not
+// handled.
 void SetFileOperationService(const FileOperationService& service);
 
-// What an event asks for: files by their paths, whether or not they are there; a destination that
-// is a link to a folder as that folder. errAEEventNotHandled for an event that is none of these.
+// Reads what an event asks for: files by their paths, whether or not they exist; if the destination
+// is a link to a folder, that folder. errAEEventNotHandled for an event that is none of these.
 OSErr ReadFileOperation(const AppleEvent* event, operations::Request* request);
 
 // The handler of these events.

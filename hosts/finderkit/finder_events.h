@@ -12,5 +12,5 @@
 bool AnswerFinderEvents(std::string* problem);
 
 // Runs the run loop until every event sent so far has been handled. For a host that is about to
-// end.
+// exit.
 void FinishFinderEvents();

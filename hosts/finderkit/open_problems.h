@@ -1,4 +1,5 @@
-// What the user picked and could not be opened, in words. Main thread.
+// Files that the user picked and that could not be opened, and the messages about them. Main
+// thread.
 #pragma once
 
 #include <functional>
@@ -6,22 +7,23 @@
 #include <vector>
 
 struct OpenProblem {
-    std::string file, program;  // a path and a name; empty where it is not known
-    std::string reason;         // a clause, "it is no longer there"
+    std::string file, program;  // a path and a name; empty when unknown
+    std::string reason;         // a clause, such as "it is no longer there"
 };
 
-// From now on each is given to `listener`, at once. There is one listener.
+// From now on `listener` gets each problem at once. There is only one listener.
 void ListenForOpenProblems(std::function<void(const OpenProblem&)> listener);
 
 // For a terminal: `cannot open "/home/me/a.qqq" with "GIMP": it is no longer there`.
 std::string LineOf(const OpenProblem& problem);
 
-// Shows them in one panel, and returns when that has been closed; none shows nothing.
+// Shows the problems in one panel, and returns when the panel has been closed; an empty list shows
+// nothing.
 void ShowOpenProblems(const std::vector<OpenProblem>& problems);
 
-// Shows what failed otherwise: a title, and a reason that is made a sentence.
+// Shows another failure: a title, and a reason, which is turned into a sentence.
 void ShowProblem(const std::string& title, const std::string& reason);
 
-// Opens a file or folder as the workspace does, whatever bytes its name has. False when it could
-// not; the listener knows why.
+// Opens a file or folder as the workspace does; its name may hold any bytes. False when it could
+// not be opened; the listener gets the reason.
 bool OpenFile(const std::string& path);

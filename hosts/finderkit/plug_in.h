@@ -1,16 +1,16 @@
-// Brings the plug-in's bundle into a Finder-like host. A host knows of the plug-in no more than the
-// bundle and its entry function. Main thread.
+// Loads the plug-in's bundle into a Finder-like host. The host knows only the bundle and its entry
+// function. Main thread.
 #pragma once
 
 #include <string>
 
-// The bundle's path: $DELVIO_BUNDLE; else in `folder`, or for none beside the running program, in
-// ../lib (as built) or ../lib/delvio (as installed). Empty when there is none; then *problem says
-// where it was sought.
+// The bundle's path: $DELVIO_BUNDLE; else in `folder`. If `folder` is empty: beside the running
+// program, in ../lib (as built) or ../lib/delvio (as installed). Empty when there is no bundle;
+// then *problem says where it was searched.
 std::string FindPlugIn(std::string* problem, const std::string& folder = "");
 
 // The path of another of Delvio's bundles, beside the running program. Empty when there is none;
-// then *problem says where it was sought.
+// then *problem says where it was searched.
 std::string FindBundle(const std::string& name, std::string* problem);
 
 // Declares this process a Finder ("MACS"), loads the bundle and calls its entry function.

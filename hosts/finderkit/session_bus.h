@@ -4,5 +4,5 @@
 #include <host/glib_owners.h>
 #include <gio/gio.h>
 
-// A connection; null where there is no bus, or none that answers. None is started. Any thread.
+// A connection; null when there is no bus, or the bus does not answer. Starts no bus. Any thread.
 files::ObjectOwner<GDBusConnection> ConnectToSessionBus();

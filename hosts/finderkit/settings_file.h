@@ -6,5 +6,5 @@
 // The domain of the user's settings, which is the plug-in's.
 inline constexpr const char* settings_domain = "org.delvio.Delvio";
 
-// "the settings in FILE cannot be read" when they cannot; else empty, also when there are none.
+// "the settings in FILE cannot be read" when that is so; else empty, even when there is no file.
 std::string SettingsProblem();

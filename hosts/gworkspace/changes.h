@@ -1,5 +1,5 @@
-// What others than GWorkspace have done, told to its windows: they do not look by themselves.
-// Main thread.
+// Tells GWorkspace's windows about changes that GWorkspace did not make itself: the windows do not
+// look by themselves. Main thread.
 #pragma once
 
 #include "file_steps/request.h"

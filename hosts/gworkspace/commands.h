@@ -1,10 +1,10 @@
-// GWorkspace's usual commands in a contextual menu: those of its main menu, by their own titles,
-// done by its own actions. Main thread.
+// GWorkspace's usual commands in a contextual menu: the titles and actions of its main menu. Main
+// thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
 
 #include "gworkspace/file_place.h"
 
-// Adds the commands that GWorkspace would take at this place now.
+// Adds the commands that GWorkspace would accept at this place now.
 void AddCommands(NSMenu* menu, FilePlace* place);

@@ -5,5 +5,5 @@
 
 #include "gworkspace/file_place.h"
 
-// Selects what was clicked, pops its menu up and returns when that has closed.
+// Selects the clicked files, pops up their menu and returns when the menu has closed.
 void PopUpFileMenu(FilePlace* place, NSEvent* event);

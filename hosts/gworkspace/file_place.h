@@ -1,4 +1,4 @@
-// What a press in one of GWorkspace's views of files is about. Main thread.
+// The target of a press in one of GWorkspace's views of files. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -18,12 +18,12 @@ enum FilePlaceKind {
 @interface FilePlace : NSObject {
   @protected
     NSView<GWContainer>* _container;
-    NSView* _view;     // that was pressed
+    NSView* _view;     // the pressed view
     id<GWRep> _rep;    // the item that was pressed; nil for ground
     id<GWNode> _node;  // its node, or the folder that is shown
-    NSArray* _nodes;   // what the menu is for
+    NSArray* _nodes;   // the files that the menu is for
 }
-// Nil where no files are shown.
+// Nil where the window shows no files.
 + (FilePlace*)placeOfEvent:(NSEvent*)event inWindow:(NSWindow*)window;
 
 - (FilePlaceKind)kind;
@@ -32,12 +32,12 @@ enum FilePlaceKind {
 // The files that the menu is for, in GWorkspace's order, once -select has been sent.
 - (NSArray*)nodes;
 
-// Makes the window the one that commands are for, and selects what was pressed unless it is
-// selected already.
+// Makes the window the target of commands, and selects the pressed item unless it is selected
+// already.
 - (void)select;
-// Where the selection is only shown in the menu's time: does what GWorkspace does on a click.
+// Used where the selection only shows while the menu is open: does what GWorkspace does on a click.
 - (void)selectForCommand;
-// The menu has closed.
+// Called when the menu has closed.
 - (void)end;
 
 // The contextual menu that GWorkspace itself would show, or nil.
@@ -46,13 +46,13 @@ enum FilePlaceKind {
 - (BOOL)listsPrograms;
 @end
 
-// For the places themselves.
+// For the subclasses.
 @interface FilePlace (Making)
 - (instancetype)initWithContainer:(NSView<GWContainer>*)container
                              view:(NSView*)view
                               rep:(id<GWRep>)rep
                              node:(id<GWNode>)node;
 - (void)setNodes:(NSArray*)nodes;
-// GWorkspace's commands and inspectors are for these nodes.
+// Makes these nodes the target of GWorkspace's commands and inspectors.
 - (void)tellSelection;
 @end

@@ -1,4 +1,4 @@
-// The places of the several kinds of views.
+// The places in the different kinds of views.
 #pragma once
 
 #include "gworkspace/file_place.h"

@@ -1,5 +1,5 @@
-// What GWorkspace's own classes answer to, as far as it is asked for here. The classes stand in the
-// program and are found by name.
+// The methods of GWorkspace's classes that are used here. The classes are part of that program and
+// are found by name.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -11,10 +11,10 @@
 - (BOOL)isPackage;
 @end
 
-// What stands for a node in a view: an icon, a cell of the browser, a row of the list.
+// The representation of a node in a view: an icon, a cell of the browser, a row of the list.
 @protocol GWRep <NSObject>
 - (id<GWNode>)node;
-// All nodes, where it stands for several; else nil.
+// All nodes, if it represents several; else nil.
 - (NSArray*)selection;
 - (void)select;
 - (void)unselect;
@@ -56,7 +56,7 @@
 - (void)selectionChanged:(NSArray*)nodes;
 - (void)newViewerAtPath:(NSString*)path;
 - (BOOL)openFile:(NSString*)path;
-// Of "operation", "source", "destination" and "files", the names in the source folder.
+// The keys are "operation", "source", "destination" and "files", the names in the source folder.
 - (void)performFileOperation:(NSDictionary*)operation;
 - (NSString*)trashPath;
 @end

@@ -1,17 +1,18 @@
-// Which file operations GWorkspace is trusted with, and giving them to it. Main thread.
+// Which file operations GWorkspace may carry out, and handing them to it. Main thread.
 #pragma once
 
 #include <functional>
 
 #include "file_steps/request.h"
 
-// Whether GWorkspace carries it out as asked. It replaces files by deleting them, with Return for
-// yes, so it never gets a name that is taken; nor names that it mistakes, a folder that is to go
-// into itself, or files of several folders, about each of which it would ask anew.
+// Whether GWorkspace carries the request out correctly. GWorkspace replaces a file by deleting it,
+// and Return means yes in its question, so it never gets a taken name. It also never gets a name
+// that it misreads, a folder that is to go into itself, or files from several folders, since it
+// would ask once for each folder.
 bool IsForGWorkspace(const operations::Request& request);
 
-// GWorkspace asks, shows and tells whatever there is to ask, show and tell. May wait for a click.
-// `begins` is called from the run loop if GWorkspace begins, which it does not when the user says
-// no. False if a name was taken while GWorkspace asked: nothing has been done then, and GWorkspace
-// does nothing further.
+// GWorkspace asks its own questions and shows its own windows. May wait for a click. `begins` is
+// called from the run loop when GWorkspace begins; it does not begin when the user says no. False
+// if a name was taken while GWorkspace asked: GWorkspace has done nothing then, and does nothing
+// further.
 bool HandOver(const operations::Request& request, const std::function<void()>& begins);

@@ -1,5 +1,5 @@
 // Icons in GWorkspace's process. Main thread.
 #pragma once
 
-// From now on GWorkspace's windows go on with GNUstep's icons, whatever menus show.
+// From now on GWorkspace's windows keep GNUstep's icons, even if menus show other icons.
 void KeepGWorkspaceIcons();

@@ -1,6 +1,7 @@
 // Opening a file or folder from GWorkspace's process. Main thread.
 #pragma once
 
-// From now on the workspace opens folders in GWorkspace's windows and starts what GNUstep has a
-// program for as GWorkspace does; all else goes to the desktop's default program as before.
+// From now on the workspace opens folders in GWorkspace's windows, and starts GNUstep's programs,
+// also for their files, as GWorkspace does. All other files still go to the desktop's default
+// program.
 void OpenFilesWithGWorkspace();

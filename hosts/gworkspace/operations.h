@@ -1,4 +1,4 @@
-// Moving, copying, linking and recycling by GWorkspace itself, with its progress window and its
+// Moves, copies, links and recycling by GWorkspace itself, with its progress window and its
 // questions. Main thread.
 #pragma once
 

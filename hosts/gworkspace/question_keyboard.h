@@ -1,6 +1,7 @@
-// GWorkspace's own questions about what it was handed. Main thread.
+// GWorkspace's own questions about the operations that it was given. Main thread.
 #pragma once
 
-// From now on each question that GWorkspace asks gets the keyboard when it comes up: on a busy
-// machine the window manager leaves it where the menu was, and Return answers nothing.
+// From now on each question of GWorkspace gets the keyboard focus when it appears. Without this, on
+// a busy machine, the window manager leaves the focus where the menu was, and Return answers
+// nothing.
 void GiveQuestionsTheKeyboard();

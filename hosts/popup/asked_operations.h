@@ -1,15 +1,15 @@
-// The file operations that the plug-in asks the command for. Main thread.
+// The file operations that the plug-in asks this command for. Main thread.
 #pragma once
 
 #include "command/command_line.h"
 
-// From now on file operations are carried out: for a shown menu with windows, by the desktop's file
-// manager if the user has set so; for a pick without asking anybody.
+// From now on the command carries out file operations. For a shown menu it shows windows, or asks
+// the desktop's file manager if the user has set that; for a pick it asks nobody.
 void OfferFileOperations(const MenuRequest& request);
 
-// A signal that the command catches ends an alert and a file operation, too.
+// Ends the open alert, if there is one; called when a signal was caught.
 void EndAlert();
 
-// Waits until all have ended. The exit status: done, failed, or skipped. What was not done is told
-// on standard error, a line each.
+// Waits until all operations have ended. Returns the exit status: done, failed, or skipped. Prints
+// what was not done on standard error, one line for each file.
 int FinishFileOperations();

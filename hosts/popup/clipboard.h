@@ -1,4 +1,5 @@
-// The X clipboard, kept by a process of its own, since its content goes with the one that owns it.
+// The X clipboard. Its content is lost when the owning process exits, so a process of its own keeps
+// it.
 #pragma once
 
 #include <string>
@@ -6,8 +7,9 @@
 // The one argument with which this program is started as the keeper.
 inline constexpr const char* clipboard_keeper_argument = "--keep-clipboard";
 
-// Starts a keeper with the text (UTF-8) and returns when the clipboard is its own. It ends when
-// something else is copied, or with the X server. Returns an empty string, or why it failed.
+// Starts a keeper with the text (UTF-8) and returns when the keeper owns the clipboard. The keeper
+// exits when something else is copied, or with the X server. Returns an empty string, or why it
+// failed.
 std::string KeepOnClipboard(const std::string& text);
 
 // The keeper itself: reads the text from standard input, writes a byte to standard output once it

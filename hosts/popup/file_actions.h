@@ -1,22 +1,24 @@
-// What the host's own items do with the files. Main thread.
+// The actions of the host's own items on the files. Main thread.
 #pragma once
 
 #include <string>
 #include <vector>
 
-// Each acts on absolute paths, and returns an empty string, or in one line why it failed.
+// Each action takes absolute paths, and returns an empty string, or one line that says why it
+// failed.
 
-// Each file with the user's default program for it. What cannot be opened is told as an
-// OpenProblem.
+// Opens each file with the user's default program for it. Reports a file that cannot be opened as
+// an OpenProblem.
 std::string OpenFiles(const std::vector<std::string>& files);
-// Shows the files, selected, in the desktop's file manager; where none answers on the session bus,
-// opens their folder with the default program.
+// Shows the files, selected, in the desktop's file manager. If none answers on the session bus,
+// opens the files' folder with the default program.
 std::string ShowInFileManager(const std::vector<std::string>& files);
-// Puts the paths, one a line, on the clipboard, those with control characters as $'...', where they
-// stay until something else is copied.
+// Puts the paths on the clipboard, one per line; a path with control characters is written as
+// $'...'. They stay there until something else is copied.
 std::string CopyPaths(const std::vector<std::string>& files);
-// Never deletes: what has no trash to go to stays where it is.
+// Never deletes: a file that has no trash to go to stays where it is.
 std::string MoveToTrash(const std::vector<std::string>& files);
 
-// Waits until requests to start programs by the session bus have left. Sent before the end.
+// Waits until requests to start programs by the session bus have been sent. Called before the
+// command exits.
 void FlushSessionBus();

@@ -1,4 +1,5 @@
-// The contextual menu that this host makes for its files, and what its items do. Main thread.
+// The contextual menu that this host makes for its files, and the actions of its items. Main
+// thread.
 #pragma once
 
 #include <string>
@@ -17,8 +18,8 @@
 // Absolute paths, at least one.
 - (instancetype)initWithFiles:(const std::vector<std::string>&)files;
 - (NSMenu*)menu;
-// In one line, why the picked item could not do its work; empty if it could, or none was picked.
+// Why the picked item failed, in one line; empty if it succeeded, or none was picked.
 - (const std::string&)problem;
-// Whether the item is one of a host's own.
+// Whether the item is one of the host's own.
 + (BOOL)madeItem:(NSMenuItem*)item;
 @end

@@ -3,5 +3,5 @@
 
 #include "command/command_line.h"
 
-// Tells what it did on standard output. Returns the exit status.
+// Prints what it did on standard output. Returns the exit status.
 int RunInstallCommand(const InstallRequest& request);

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-// Waits, while the menu is tracked, until it is open; opens submenus by their titles, lets the
-// presenter draw them, saves the picture and closes the menu.
+// Waits during tracking until the menu is open; opens submenus by their titles, lets the presenter
+// draw them, saves the picture and closes the menu.
 @interface MenuPhotographer : NSObject {
   @private
     std::string* _file;
@@ -18,9 +18,9 @@
 }
 - (instancetype)initWithFile:(const std::string&)file
                   openTitles:(const std::vector<std::string>&)titles;
-// Begins to wait; sent right before the popup. Its opposite is sent right after.
+// Begins to wait; called right before the popup. -stop is called right after it.
 - (void)waitForMenu;
 - (void)stop;
-// In one line, why there is no picture; empty when it was saved.
+// Why there is no picture, in one line; empty when it was saved.
 - (const std::string&)problem;
 @end

@@ -5,9 +5,9 @@
 
 #include "popup/menu_snapshot.h"
 
-// The text in UTF-8; halves of characters that have no UTF-8 become replacement characters.
+// The text in UTF-8; lone surrogates, which have no UTF-8, become replacement characters.
 std::string TextOf(NSString* string);
 
-// The item itself, with details if they are wanted. Of its submenu only the title: the one who
-// opens it adds the items.
+// The item itself, with details if they are wanted. Of its submenu only the title: the caller that
+// opens the submenu adds its items.
 ItemSnapshot ReadItem(NSMenuItem* item, bool details);

@@ -1,16 +1,16 @@
-// What a menu holds, as plain records: taken while it is open, written after it has closed.
+// The content of a menu as plain records: read while the menu is open, written after it has closed.
 #pragma once
 
 #include <memory>
 #include <string>
 #include <vector>
 
-// What only the JSON tells.
+// Properties that only the JSON shows.
 struct ItemDetails {
     std::string color;  // "#rrggbb", or empty
     long tag = 0;
     bool plugin = false;
-    std::string path;  // empty: stands for no file
+    std::string path;  // empty: the item is for no file
     std::string submenu_title;
 };
 
@@ -30,7 +30,7 @@ struct ItemSnapshot {
 
 using MenuSnapshot = std::vector<ItemSnapshot>;
 
-// The menu as an indented tree, a line an item.
+// The menu as an indented tree, one line for each item.
 std::string WriteMenuText(const MenuSnapshot& menu);
 // The menu as a JSON array; all items have details. Bytes that are not UTF-8 become replacement
 // characters.

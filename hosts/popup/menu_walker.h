@@ -9,13 +9,13 @@
 
 #include "popup/menu_snapshot.h"
 
-// Opens the session, walks, closes it.
-// A menu that is read is held as a whole. From so many rows, levels below one another or bytes of
-// the process's memory on no further submenu is opened.
+// Limits of a read menu, which is held in memory as a whole. No further submenu is opened after so
+// many rows, below so many levels, or when the process holds so many bytes of memory.
 inline constexpr long most_read_rows = 100000;
 inline constexpr int most_read_levels = 256;
 inline constexpr long most_read_bytes = 1L << 30;
 
+// Opens the session, walks it, and closes it.
 @interface MenuWalker : NSObject <MenuTracker>
 // What the walk does; here nothing.
 - (void)walk:(MenuSession*)session;
@@ -30,10 +30,10 @@ inline constexpr long most_read_bytes = 1L << 30;
     long _rows;
     long _leftClosed;
 }
-// `depth`: how many levels of submenus to open; `details`: whether items have theirs.
+// `depth`: how many levels of submenus to open; `details`: whether items get their details.
 - (instancetype)initWithDepth:(int)depth details:(BOOL)details;
 - (const MenuSnapshot&)snapshot;
-// In one line, that submenus stay closed for want of bounds; empty when none does.
+// One line that says that submenus stay closed because of the limits; empty when none does.
 - (std::string)problem;
 @end
 
@@ -48,11 +48,11 @@ inline constexpr long most_read_bytes = 1L << 30;
 - (const std::string&)problem;
 @end
 
-// The item of that title that an open level shows while the held modifier keys are down; nil with
+// The item with this title that an open level shows while the held modifier keys are down; nil with
 // *problem when there is none.
 NSMenuItem* FindVisibleItem(NSMenu* menu, const std::string& title, std::string* problem);
 
-// Opens the submenus that the titles name, one in the other, from the root. False with *problem
-// when one of them cannot be opened. *last is the menu that the last one opened, or the root.
+// Opens the submenus that the titles name, each inside the one before, from the root. False with
+// *problem when one of them cannot be opened. *last is the menu that was opened last, or the root.
 bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, NSMenu** last,
                   std::string* problem);

@@ -1,15 +1,14 @@
-// What the command does around a menu that is shown on the screen. Main thread.
+// The work of the command around a menu that is shown on the screen. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
 
 #include "command/command_line.h"
 
-// Where the menu goes: the point that was asked for, else the pointer; in AppKit's screen
-// coordinates.
+// The place for the menu: the requested point, else the pointer; in AppKit's screen coordinates.
 NSPoint PopupPoint(const MenuRequest& request);
 
-// Ends the open menu when a signal comes.
+// Closes the open menu when a signal arrives.
 @interface MenuEnder : NSObject {
   @private
     NSFileHandle* _signals;

@@ -1,6 +1,6 @@
 // delvio undo.
 #pragma once
 
-// Undoes the last operation of the engine. Returns the exit status; what stands in the way is
-// written to standard error, a line each.
+// Undoes the last operation of the engine. Returns the exit status; prints what prevents the undo
+// on standard error, one line each.
 int RunUndoCommand();

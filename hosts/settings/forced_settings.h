@@ -1,4 +1,4 @@
-// Settings in the preferences domain, as Foundation's objects. Main thread.
+// Settings in the preferences domain, as Foundation objects. Main thread.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -13,7 +13,7 @@
 // The value as the object that is stored: a number, a string or an array of strings. Autoreleased.
 id ObjectOf(const Setting& setting, const SettingValue& value);
 
-// Lets each KEY=VALUE pair hold for this run alone; the same key again replaces a value, but adds
-// to a list. False when one is refused; then *problem says why, in one line.
+// Makes each KEY=VALUE pair hold for this run alone. A repeated key replaces the value, or adds to
+// it if it is a list. False when a pair is refused; then *problem says why, in one line.
 bool ForceSettings(const std::vector<std::pair<std::string, std::string>>& pairs,
                    std::string* problem);

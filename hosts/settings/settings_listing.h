@@ -1,4 +1,4 @@
-// How settings and their values are written.
+// How settings and their values are printed.
 #pragma once
 
 #include <string>
@@ -12,9 +12,9 @@ struct SettingState {
     bool stored = false;  // and not the default
 };
 
-// The value alone: a number, or a string a line; empty for no string.
+// The value alone: a number, or the strings, one per line; empty for no string.
 std::string WriteValue(const SettingState& state);
-// A paragraph a setting: its key and value, then its default and meaning.
+// One paragraph for each setting: its key and value, then its default and meaning.
 std::string WriteSettings(const std::vector<SettingState>& states);
 // An array of {"key", "type", "value", "default", "bounds", "set", "meaning"}.
 std::string WriteSettingsJson(const std::vector<SettingState>& states);

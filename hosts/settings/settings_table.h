@@ -1,4 +1,4 @@
-// Every setting of Delvio: its name, type, default, bounds and meaning; and the reading of values.
+// All settings of Delvio: name, type, default, bounds and meaning; and the parsing of values.
 #pragma once
 
 #include <stdint.h>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-// The command's own: not the plug-in's.
+// A setting of the command, not of the plug-in.
 inline constexpr const char* file_manager_setting = "operations_by_file_manager";
 
 enum class SettingType {
@@ -20,13 +20,13 @@ enum class SettingType {
 struct Setting {
     const char* key;
     SettingType type;
-    int32_t standard;  // the default, of flags and integers; the others have none
-    int32_t least;     // bounds, of flags and integers
+    int32_t standard;  // the default of flags and integers; other types have none
+    int32_t least;     // bounds of flags and integers
     int32_t most;
     const char* meaning;
 };
 
-// A value of a setting: the number, or the strings (one, of a path).
+// A value of a setting: the number, or the strings (a single one for a path).
 struct SettingValue {
     int32_t number = 0;
     std::vector<std::string> strings;
@@ -35,15 +35,16 @@ struct SettingValue {
 const std::vector<Setting>& AllSettings();
 // Null for an unknown key.
 const Setting* FindSetting(std::string_view key);
-// One line that refuses an unknown key and names the nearest known one.
+// One line that says that the key is unknown and names the nearest known one.
 std::string UnknownSetting(std::string_view key);
 
 bool IsNumeric(const Setting& setting);
-// What a stored number comes to: itself within its bounds, else what the plug-in makes of it.
+// The number that takes effect for a stored one: the same within its bounds, else what the plug-in
+// uses in its place.
 int32_t NumberInEffect(const Setting& setting, int32_t stored);
 // "0 to 3", "1 or more", "an absolute path", ...
 std::string DescribeBounds(const Setting& setting);
-// Reads the words of a value. False when they are not one; then *problem says, in one line, what
-// the setting takes.
+// Parses the words of a value. False when they are not a valid value; then *problem says, in one
+// line, what the setting takes.
 bool ParseSetting(const Setting& setting, const std::vector<std::string>& words,
                   SettingValue* value, std::string* problem);
