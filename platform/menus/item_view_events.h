@@ -3,6 +3,6 @@
 
 #include "menus/menu_levels.h"
 
-// Sends the view that stands in the row at `point` a mouse event, as its window would. False when
-// no item with a view is there.
+// Sends a mouse event to the item view in the row at `point`, as the view's window would. False
+// when there is no item view.
 bool send_to_item_view(const menu_levels_t& levels, NSEvent* event, point_t point);

@@ -14,11 +14,11 @@ class keyboard_tracker_t {
     keyboard_tracker_t(const keyboard_tracker_t&) = delete;
     keyboard_tracker_t& operator=(const keyboard_tracker_t&) = delete;
 
-    // Events of other kinds than keys do nothing but tell which modifiers are held.
+    // Events other than keys only tell which modifiers are held.
     void handle(NSEvent* event);
     // The pointer leads, until a key is pressed.
     void yield_to_pointer() { level_ = -1; }
-    // Asks the server which modifiers are held: when the events of some have gone elsewhere.
+    // Asks the server which modifiers are held, for when some of their events have gone elsewhere.
     void ask_modifiers();
 
   private:
@@ -38,7 +38,7 @@ class keyboard_tracker_t {
     menu_levels_t& levels_;
     pointer_tracker_t& pointer_;
     NSUInteger flags_ = 0;  // of the last event
-    int level_ = -1;        // where keys have led; -1 once the pointer has moved since
+    int level_ = -1;        // the level that keys have led to; -1 once the pointer has moved
     std::string typed_;
     double typed_at_ = 0;
 };

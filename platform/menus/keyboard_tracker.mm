@@ -29,16 +29,17 @@ void keyboard_tracker_t::ask_modifiers() {
     levels_.set_modifiers(CurrentModifierFlags() & alternate_modifiers);
 }
 
-// GNUstep's flags do not know all keys that stand for Option and Command: they only say when to
-// ask. Those of a pointer's event tell of keys that were pressed while others had the keyboard.
+// GNUstep's flags miss some keys that stand for Option and Command, so they only say when to ask
+// the server. The flags of pointer events show keys that were pressed while another program had the
+// keyboard.
 void keyboard_tracker_t::follow_modifiers(NSEvent* event) {
     const NSUInteger flags = [event modifierFlags] & alternate_modifiers;
     if (is_key_event(event) || flags != flags_) ask_modifiers();
     flags_ = flags;
 }
 
-// The level that the user is in: where keys have led since the pointer moved, else the level under
-// the pointer, whatever of it the pointer is on, else the deepest one that is shown.
+// The level that the user is in: the one that keys have led to since the pointer moved; else the
+// level under any part of which the pointer is; else the deepest level that is shown.
 size_t keyboard_tracker_t::focus_level() const {
     size_t shown = levels_.size() - 1;
     while (shown > 0 && !levels_[shown].is_shown()) shown--;
@@ -47,7 +48,7 @@ size_t keyboard_tracker_t::focus_level() const {
     return under_pointer >= 0 ? under_pointer : shown;
 }
 
-// From here on it is the keys that lead, and a strip under the pointer scrolls no further.
+// The keys lead from here on, and a strip under the pointer stops scrolling.
 void keyboard_tracker_t::take_focus() {
     pointer_.yield_to_keys();
     level_ = static_cast<int>(focus_level());
@@ -63,7 +64,7 @@ void keyboard_tracker_t::press(NSEvent* event) {
     type(characters);
 }
 
-// False for a key that stands for its character.
+// False for a key that types its character.
 bool keyboard_tracker_t::press_command(unichar character) {
     const menu_level_t& level = levels_[focus_level()];
     const int last = static_cast<int>(rows_of(level).size()) - 1;

@@ -1,5 +1,5 @@
-// Brings every way in which a contextual menu pops up to one place: the private instance method
-// of the Mac, which runs a session with the process's tracker.
+// Leads every call that pops up a contextual menu to one place: the Mac's private instance method,
+// which runs a session with the process's tracker.
 #include <host/menu_tracking.h>
 #include <GNUstepGUI/GSTheme.h>
 #include <objc/runtime.h>
@@ -40,8 +40,8 @@ void theme_popup(id, SEL, NSMenu* menu, NSEvent* event) {
     [menu _popUpContextMenu:menu withEvent:event forView:nil withFont:nil];
 }
 
-// A right click that nobody handled: the main menu, which is no file's contextual menu, so that it
-// does not take the ways in which plug-ins look for one.
+// Pops up the main menu after a right click that nobody handled. It is no file's contextual menu,
+// so it bypasses the methods where plug-ins look for one.
 void unhandled_right_click(id application, SEL, NSEvent* event) {
     run_popup([application mainMenu], event, nil, nil);
 }

@@ -1,5 +1,6 @@
-// What the pointer of a menu rests on: highlights it, opens its submenu after a moment, and leaves
-// an open submenu alone while the pointer is on its way there. Main thread.
+// Follows the pointer of a menu: highlights the item that it rests on, opens the item's submenu
+// after a moment, and leaves an open submenu alone while the pointer is on its way there. Main
+// thread.
 #pragma once
 
 #include "events/deadline.h"
@@ -14,20 +15,20 @@ class menu_hover_t {
 
     // The pointer came to a place in the rows of a level.
     void move_to(int level, point_t point);
-    // The same, whatever submenu it may be on the way to.
+    // The same, even if the pointer may be on its way to an open submenu.
     void enter(int level, point_t point);
     // The pointer left all levels.
     void leave();
-    // The item that it rests on from now.
+    // The pointer rests on this item from now on.
     void rest_on(NSMenuItem* item);
-    // Nothing follows from where the pointer rests until it moves.
+    // The pointer's place has no effect until the pointer moves.
     void stop();
     void stop_aiming() { is_aiming_ = false; }
     // Opens the submenu of an item at once.
     void open_submenu(NSMenuItem* item);
 
     double due() const { return timer_.due; }
-    // When due(): the pointer has rested at `point`.
+    // Called when due() has come: the pointer has rested at `point`.
     void rest(point_t point);
 
   private:
@@ -35,7 +36,7 @@ class menu_hover_t {
     void set_item(NSMenuItem* item);
 
     menu_levels_t& levels_;
-    NSMenuItem* item_ = nil;  // retained; what the timer waits for
+    NSMenuItem* item_ = nil;  // retained; the item that the timer is for
     deadline_t timer_;
     point_t aim_from_ = {};
     bool is_aiming_ = false;

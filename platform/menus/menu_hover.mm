@@ -59,7 +59,7 @@ void menu_hover_t::enter(int level, point_t point) {
     }
     NSMenuItem* item = levels_[level].item_at(point);
     const int deepest = static_cast<int>(levels_.size()) - 1;
-    // Beside the rows the way to an open submenu stays shown.
+    // Where no row can be highlighted, the item of an open submenu stays highlighted.
     if (can_highlight(item) || level == deepest) {
         [session highlightItem:item inMenu:levels_[level].menu()];
     }
@@ -73,7 +73,7 @@ void menu_hover_t::enter(int level, point_t point) {
     }
 }
 
-// The submenu of the row opens, that of another one closes.
+// Opens the submenu of the row, or closes the submenu of another row.
 void menu_hover_t::rest(point_t point) {
     MenuSession* session = levels_.session();
     timer_.stop();

@@ -8,7 +8,7 @@ bool only_heads_submenu(NSMenuItem* item) {
     return heading_question && [item hasSubmenu] && heading_question(item);
 }
 
-// GNUstep points an item with a submenu at this method of the menu; it is no action of its own.
+// GNUstep gives an item with a submenu this method of the menu; it is no action of the item's own.
 bool is_submenu_action(SEL action) { return sel_isEqual(action, @selector(submenuAction:)); }
 
 NSUInteger group_end(NSArray* items, NSUInteger first) {

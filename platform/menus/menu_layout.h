@@ -1,5 +1,5 @@
-// Where the rows of one level are. Sizes are pixels; rows count from the top of the panel's
-// content, which a scrolled panel shows a part of. Main thread.
+// Where the rows of one level are. Sizes are pixels. Rows are measured from the top of the panel's
+// content; a scrolled panel shows a part of it. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -24,11 +24,11 @@ class menu_layout_t {
     menu_layout_t(const menu_layout_t&) = delete;
     menu_layout_t& operator=(const menu_layout_t&) = delete;
 
-    // Lays the menu's items out that show while `modifiers` are held.
+    // Lays out the menu's items that show while `modifiers` are held.
     void update(NSMenu* menu, NSUInteger modifiers);
-    // Whether update() would see other items than it did.
+    // Whether update() would see other items than at its last call.
     bool is_stale(NSMenu* menu, NSUInteger modifiers) const;
-    // Those that the rows were chosen for.
+    // The modifiers that the rows were chosen for.
     NSUInteger modifiers() const { return modifiers_; }
 
     const menu_look_t& look() const { return look_; }
@@ -44,7 +44,7 @@ class menu_layout_t {
     bool has_images() const { return image_width_ > 0; }
     int image_width() const { return image_width_; }
 
-    // Index of the row at a height of the content, -1 above, below and beside them.
+    // Index of the row at height `y` of the content, -1 where there is none.
     int row_at(int y) const;
     // First row that reaches below `y`; the number of rows if none does.
     int first_row_below(int y) const;

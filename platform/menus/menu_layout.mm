@@ -11,7 +11,8 @@ namespace {
 // Wider images are pictures to look at, not signs in the column of images.
 const double widest_sign = 48;
 const double largest_picture = 640;
-// Measuring text is the cost of a level: the longest titles by characters hold the widest.
+// Measuring text is most of a level's cost, so only the titles with the most characters are
+// measured: the widest title is among them.
 const size_t measured_titles = 48;
 
 int pixels(const menu_look_t& look, double points) {
@@ -75,7 +76,7 @@ menu_row_t menu_layout_t::make_row(NSMenuItem* item, int top) const {
         height = std::max(height, image_height + pixels(look_, is_picture(image) ? 8 : 4));
         if (is_picture(image)) kind = image_row;
     }
-    // By the font alone: laying every coloured title out would take as long as all the rest.
+    // The font alone decides: laying out every coloured title would double the time.
     if (NSAttributedString* title = [item attributedTitle];[title length]) {
         NSFont* font = [title attribute:NSFontAttributeName atIndex:0 effectiveRange:nullptr];
         height = std::max(height, pixels(look_, [font pointSize] * 1.35 + 3));

@@ -35,7 +35,7 @@ class menu_level_t {
 
     // The menu's items or what they show may have changed.
     void mark_changed() { changed_ = true; }
-    // Lays out again if need be; true if it did.
+    // Lays the level out again if needed; true if it did.
     bool refresh(NSUInteger modifiers);
 
     // Puts the panel on the screen; nothing happens while the level has no rows.
@@ -59,15 +59,15 @@ class menu_level_t {
     bool scroll_by(int pixels);
     // Scrolls as little as possible to show a row whole.
     void reveal(int row);
-    // Rows that a panel shows.
+    // The number of rows that the panel shows at once.
     int rows_per_page() const;
 
     void redraw();
-    // From the view.
+    // Called by the view.
     void draw(NSRect dirty);
-    // Images whose pictures may come late are asked for before their rows are scrolled into sight.
+    // Asks for images whose pictures may come late, before their rows are scrolled into sight.
     void look_ahead() const;
-    // The level as it is shown, its panel's corner at (left, top) of a picture.
+    // Draws the level as it is shown, with its panel's corner at (left, top) of a picture.
     void draw_picture(cairo_t* cairo, int left, int top, bool shadow) const;
 
   private:

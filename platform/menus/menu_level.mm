@@ -280,7 +280,7 @@ void menu_level_t::place_views() {
 
 void menu_level_t::remove_views() {
     for (const auto& [view, holder] : holders_) {
-        // It may have been given another place meanwhile.
+        // The program may have put the view elsewhere.
         if ([view superview] == holder) [view removeFromSuperview];
         [holder removeFromSuperview];
         [holder release];

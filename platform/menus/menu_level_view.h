@@ -10,7 +10,7 @@ class menu_level_t;
     menu_level_t* _level;  // not owned
 }
 - (instancetype)initWithFrame:(NSRect)frame level:(menu_level_t*)level;
-// The level is gone: draws nothing any more.
+// The level is gone: the view draws nothing any more.
 - (void)forgetLevel;
 @end
 

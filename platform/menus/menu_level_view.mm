@@ -14,7 +14,7 @@
     _level = nullptr;
 }
 
-// As the server counts.
+// The server counts from the top.
 - (BOOL)isFlipped {
     return YES;
 }

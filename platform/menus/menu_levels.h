@@ -31,17 +31,19 @@ class menu_levels_t {
     // The keys that choose between alternates.
     void set_modifiers(NSUInteger modifiers) { modifiers_ = modifiers; }
 
-    // What to bring in step: the session's levels or highlights, a menu's items, the pixels of an
-    // item's image whose size is as before.
+    // These note a change to bring in step: of the session's levels or highlights, of a menu's
+    // items, or of the pixels of an item's image that keeps its size.
     void session_changed() { changed_ = true; }
     void menu_changed(NSMenu* menu);
     void image_changed(NSImage* image);
 
-    // Brings windows and rows in step with the session. Delegates may change it meanwhile.
+    // Brings windows and rows in step with the session. Delegates may change the session during the
+    // call.
     void synchronize();
     // Whether there is something to bring in step or to draw.
     bool needs_synchronizing() const;
-    // The item that took the highlight over from one whose row has gone, nil for none. Asked once.
+    // The item that took over the highlight from an item whose row has gone, nil for none. Answers
+    // once.
     NSMenuItem* take_follower();
 
     // The topmost level at a point, -1 for none.

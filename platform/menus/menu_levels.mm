@@ -43,7 +43,7 @@ void menu_levels_t::image_changed(NSImage* image) {
 }
 
 void menu_levels_t::synchronize() {
-    // Following changed rows may change the session again; a delegate may do so for ever.
+    // Following changed rows may change the session again, and a delegate may change it for ever.
     for (int rounds = 0; rounds < 8; rounds++) {
         changed_ = false;
         follow_session();
@@ -119,7 +119,7 @@ bool menu_levels_t::synchronize_rows(size_t index) {
     return true;
 }
 
-// After a change of the rows: another item may stand where the highlighted one stood.
+// Moves the highlight of an item whose row has gone to the item that stands there now, if any.
 void menu_levels_t::follow_rows(size_t index, int row_before) {
     const menu_level_t& level = *levels_[index];
     NSMenuItem* highlighted = highlighted_item(index);

@@ -6,7 +6,7 @@
 #include "look/menu_image.h"
 #include "menus/menu_layout.h"
 
-// What of a level is drawn, in pixels of its window.
+// The parts of a level that are drawn, in pixels of its window.
 struct menu_scene_t {
     const menu_layout_t* layout;
     image_cache_t* images;
@@ -18,7 +18,8 @@ struct menu_scene_t {
     bool rounded;  // corners by transparency; else the window's shape cuts them
 };
 
-// Draws what the clip of `cairo` leaves visible, over what was there. Item views are not drawn.
+// Draws the part of the level inside the clip of `cairo`, over the old pixels. Item views are not
+// drawn.
 void paint_menu(cairo_t* cairo, const menu_scene_t& scene);
 
 // The outline of a panel.

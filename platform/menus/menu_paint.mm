@@ -66,7 +66,7 @@ void paint_separator(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t
 struct row_colors_t {
     color_t text, mark;
     double image_alpha;
-    bool plain;  // the attributes' own colours give way
+    bool plain;  // the attributes' own colours are not used
 };
 
 row_colors_t row_colors(const menu_scene_t& scene, const menu_row_t& row) {
@@ -167,7 +167,7 @@ void paint_row(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row,
     cairo_restore(cairo);
 }
 
-// Only rows that the clip shows.
+// Draws only the rows that the clip shows.
 void paint_rows(cairo_t* cairo, const menu_scene_t& scene) {
     double x1, y1, x2, y2;
     cairo_clip_extents(cairo, &x1, &y1, &x2, &y2);

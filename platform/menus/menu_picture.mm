@@ -28,7 +28,7 @@ BOOL WritePictureOfOpenMenus(NSString* path, BOOL shadow) {
     menu_run_t* run = menu_run_t::current();
     area_t whole = {};
     if (!run) return NO;
-    run->synchronize();  // what changed since the last turn
+    run->synchronize();  // shows what has changed since the last turn
     if (!bounds(*run, &whole)) return NO;
     const int room = shadow ? run->style().look.shadow_extent : 0;
     cairo_surface_t* surface = cairo_image_surface_create(

@@ -3,7 +3,8 @@
 
 #include <host/menu_tracking.h>
 
-// Is called after open levels may have changed. One listener a process; null ends it.
+// `listener` is called after open levels may have changed. A process has one listener; null removes
+// it.
 void set_open_levels_listener(void (*listener)());
 void tell_open_levels_changed();
 

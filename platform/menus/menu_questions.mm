@@ -1,5 +1,5 @@
-// Whether a file is there, asked while a menu is open: a disk that has stopped answering must not
-// hold the menu, so no answer in time counts as no such file.
+// Answers whether a file exists while a menu is open. A disk that has stopped answering must not
+// hold up the menu, so a file that is not found in time counts as missing.
 #include <Foundation/Foundation.h>
 
 #include "corefoundation/patient_stat.h"
@@ -8,14 +8,14 @@
 
 namespace {
 
-// In seconds: not felt as a halt, and far more than a disk takes that does answer.
+// In seconds: too short to be felt, and far longer than a disk that works takes to answer.
 const double patience = 0.2;
 
 IMP stock_exists;
 
 bool holds_a_menu() { return [NSThread isMainThread] && menu_run_t::current(); }
 
-// fileExistsAtPath: asks by this one too.
+// fileExistsAtPath: calls this method too.
 BOOL file_exists(NSFileManager* self, SEL selector, NSString* path, BOOL* is_folder) {
     if (![path hasPrefix:@"/"] || !holds_a_menu()) {
         auto stock = reinterpret_cast<BOOL (*)(id, SEL, NSString*, BOOL*)>(stock_exists);

@@ -1,5 +1,6 @@
 // One popup on the screen: a loop that hands events to the trackers of pointer and keyboard and
-// brings the levels in step with what these do. It sleeps while nothing happens. Main thread.
+// brings the levels in step with what the trackers do. It sleeps while nothing happens. Main
+// thread.
 #pragma once
 
 #include "events/deadline.h"
@@ -18,14 +19,14 @@ class menu_run_t {
     menu_run_t(const menu_run_t&) = delete;
     menu_run_t& operator=(const menu_run_t&) = delete;
 
-    // From opening the session to closing it. Exceptions of delegates pass through.
+    // Runs from opening the session to closing it. Exceptions of delegates pass through.
     void track(NSEvent* event);
 
     // The innermost run, or null.
     static menu_run_t* current();
-    // A menu's items, or what they show, are others now.
+    // A menu's items, or what they show, have changed.
     void menu_changed(NSMenu* menu);
-    // The pixels of an item's image are others now, its size is not.
+    // An item's image has new pixels and the same size.
     void image_changed(NSImage* image);
     // The session changed: by this run, or by somebody while it sleeps.
     void session_changed() { levels_.session_changed(); }
@@ -59,5 +60,5 @@ class menu_run_t {
     menu_run_t* outer_;
     bool nested_ = false;        // a popup within has taken the input
     deadline_t keyboard_timer_;  // until the keyboard is asked for again
-    deadline_t restless_timer_;  // until changes without an end are looked at again
+    deadline_t restless_timer_;  // until endless changes are looked at again
 };

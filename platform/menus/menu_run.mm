@@ -5,9 +5,9 @@
 
 namespace {
 
-// Between two attempts to get the keyboard from another program.
+// The time between two attempts to get the keyboard from another program.
 const double keyboard_interval = 0.05;
-// Between two looks at a menu that somebody changes whenever it is looked at.
+// The time between two looks at a menu that changes at every look.
 const double restless_interval = 0.02;
 
 menu_run_t* current_run;
@@ -16,7 +16,7 @@ void menu_has_changed(NSMenu* menu, NSMenuItem*) {
     if (current_run) current_run->menu_changed(menu);
 }
 
-// The next event, nil for none: it waits for nothing. Serves the run loop once if none is queued.
+// The next event, nil for none. Does not wait. Serves the run loop once if no event is queued.
 NSEvent* next_event() {
     return [NSApp nextEventMatchingMask:NSAnyEventMask
                               untilDate:[NSDate distantPast]
@@ -44,7 +44,7 @@ bool is_release(NSEvent* event) {
 - (instancetype)initWithRun:(menu_run_t*)run {
     if (!(self = [super init])) return nil;
     _run = run;
-    // Menus that GNUstep shows too tell by notification only.
+    // A menu that GNUstep shows too announces its changes by notification only.
     [[NSNotificationCenter defaultCenter] addObserver:self
                                              selector:@selector(itemDidChange:)
                                                  name:NSMenuDidChangeItemNotification
@@ -167,7 +167,8 @@ void menu_run_t::synchronize() {
     if (NSMenuItem* item = levels_.take_follower()) pointer_.rest_on(item);
 }
 
-// What changes at each look would keep the process from ever sleeping.
+// A menu that changes at every look would keep the process from sleeping, so a timer spaces the
+// looks.
 void menu_run_t::settle() {
     synchronize();
     restless_timer_.stop();
@@ -193,7 +194,7 @@ void menu_run_t::finish() {
     [session_ close];
 }
 
-// The rest of a click that closed the menu is for nobody else.
+// Takes the rest of a click that closed the menu, so that nobody else gets it.
 void menu_run_t::wait_for_release() {
     deadline_t limit;
     limit.start(1);

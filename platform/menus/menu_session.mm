@@ -163,8 +163,8 @@ NSMutableArray* open_sessions() {
 - (void)openLevel:(NSMenu*)menu {
     [_levels addObject:menu];
     [_highlights addObject:[NSNull null]];
-    // What a delegate leaves over from thousands of items goes at once, not when the popup ends. An
-    // exception leaves it to the pool around this one.
+    // Objects that a delegate autoreleases for thousands of items are freed at once, not when the
+    // popup ends. After an exception the pool around this one frees them.
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     update_menu(menu);
     id delegate = [menu delegate];
@@ -188,7 +188,7 @@ NSMutableArray* open_sessions() {
             if ([delegate respondsToSelector:@selector(menuDidClose:)])
                 [delegate menuDidClose:menu];
         } @finally {
-            [self closeLevelsFrom:depth];  // the others close whatever this delegate raised
+            [self closeLevelsFrom:depth];  // the others close even if this delegate raised
         }
     }
 }

@@ -6,7 +6,7 @@ enum tracking_state_t {
     state_pressed,    // a button is down: the one of the popup, or one pressed in the menu
     state_sticky,     // no button is down, the menu stays
     state_scrolling,  // the pointer rests on a strip that scrolls
-    state_closing,    // it is over; buttons still down are waited for
+    state_closing,    // it is over, but buttons may still be down
 };
 
 enum tracking_input_t {
@@ -40,5 +40,5 @@ struct transition_t {
     tracking_effect_t effect;
 };
 
-// What an input does in a state. An input that means nothing there changes nothing.
+// What an input does in a state. An input without a meaning in that state changes nothing.
 transition_t transition(tracking_state_t state, tracking_input_t input);

@@ -12,16 +12,17 @@ class pointer_tracker_t {
     pointer_tracker_t(const pointer_tracker_t&) = delete;
     pointer_tracker_t& operator=(const pointer_tracker_t&) = delete;
 
-    // The popup begins: at the place of `event`, or of the pointer for nil.
+    // Begins the popup at the place of `event`, or at the pointer for nil.
     void begin(NSEvent* event);
-    // True when the pointer has taken the lead from the keys; events of other kinds do nothing.
+    // True when the pointer has taken the lead from the keys. Events that are not of the pointer do
+    // nothing.
     bool handle(NSEvent* event);
-    // The keys lead: nothing follows from where the pointer is until it moves.
+    // The keys lead: the pointer's place has no effect until the pointer moves.
     void yield_to_keys();
     void cancel() { input(input_cancel); }
-    // All is over, and the buttons that closed the menu are up.
+    // The popup is over, and the buttons that closed the menu are up.
     void end() { input(input_closed); }
-    // The item that the pointer rests on from now, as rows have moved below it.
+    // The pointer rests on this item from now on, as rows have moved below it.
     void rest_on(NSMenuItem* item) { hover_.rest_on(item); }
 
     double due() const { return deadline_t::earlier(hover_.due(), scroll_.timer.due); }

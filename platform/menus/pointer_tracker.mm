@@ -27,7 +27,8 @@ unsigned button_of(NSEvent* event) {
     }
 }
 
-// Events of the grab come as the root level's; others from windows that know their place.
+// Events of the grab come with the root level's window, other events with a window that knows its
+// place.
 point_t place_of(NSEvent* event) {
     const NSPoint at = [event locationInWindow];
     NSWindow* window = [event window];
@@ -172,7 +173,7 @@ bool pointer_tracker_t::release(NSEvent* event) {
     button_down_ = false;
     place_ = place_of(event);
     send_to_item_view(levels_, event, place_);
-    if ([levels_.session() isEnding]) return true;  // by the view
+    if ([levels_.session() isEnding]) return true;  // the view ended it
     input(release_input());
     armed_ = false;
     return true;
@@ -198,7 +199,7 @@ void pointer_tracker_t::run_timers() {
     if (scroll_.timer.is_due()) scroll_on();
 }
 
-// The deeper in the strip and the longer it lasts, the faster.
+// Scrolling is faster the deeper the pointer is in the strip and the longer it stays.
 int pointer_tracker_t::scroll_step(const menu_level_t& level) const {
     const menu_look_t& look = levels_.style().look;
     const area_t& panel = level.panel();
