@@ -10,7 +10,8 @@
 
 namespace {
 
-// What few items have. There are no associated objects in this run time and no room in the item.
+// Values that few items have. This run time has no associated objects, and an item has no room for
+// them.
 struct extras_t {
     NSAttributedString* title;
     NSView* view;
@@ -89,7 +90,8 @@ void set_attributed_title(NSMenuItem* self, SEL, NSAttributedString* title) {
 
 namespace {
 
-// Whether the defaults give any title a key: looked up again after the defaults have changed only.
+// Whether the user defaults give any title a key. Looked up again only after the defaults have
+// changed.
 bool user_key_equivalents_known, has_user_key_equivalents;
 
 void update_key_equivalent(NSMenuItem* self, SEL selector) {
@@ -129,7 +131,8 @@ void update_key_equivalent(NSMenuItem* self, SEL selector) {
     return [[self menu] highlightedItem] == self;
 }
 
-// An item without an action of its own gets the one with which GNUstep enables parent items.
+// Gives an item with a submenu and no action of its own the action by which GNUstep enables such
+// items.
 static void adopt_submenu_action(NSMenuItem* self) {
     const BOOL borrowed = self->_action && sel_isEqual(self->_action, @selector(submenuAction:));
     if (!self->_submenu) {
@@ -162,7 +165,8 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
     [previous release];
     [submenu setSupermenu:self->_menu];
     static NSProcessInfo* const process = [NSProcessInfo processInfo];
-    // A menu made by -init carries the program's name: it takes the item's, others keep theirs.
+    // A menu made by -init has the program's name as its title, and takes the item's title here.
+    // Other menus keep their titles.
     if (submenu && [submenu title] == [process processName]) {
         [submenu setTitle:self->_title];
     }

@@ -1,10 +1,11 @@
-// The images of an item's states, which our menus never show and GNUstep looks up in the file
-// system twice for each item as it is made. They are looked up when somebody asks for them.
+// Looks up the images of an item's states when somebody asks for them. Our menus never show these
+// images, and GNUstep looks in the file system twice for every new item.
 #include <AppKit/AppKit.h>
 
 #include "objc/method_patch.h"
 
-// Kept by an item that was told to have no image for a state; nil stands for the usual one.
+// An item that was told to have no image for a state keeps one of these; nil stands for the usual
+// image.
 @interface NoStateImage : NSImage
 @end
 
@@ -47,7 +48,7 @@ static void set_mixed_image(NSMenuItem* self, SEL, NSImage* image) {
     keep_image(self, &self->_mixedStateImage, image);
 }
 
-// What GNUstep's own does, but for the images.
+// Does what GNUstep's own initializer does, except for the images.
 static id light_init(NSMenuItem* self, SEL, NSString* title, SEL action, NSString* key) {
     if (!(self = [self initAsPlainObject])) return nil;
     [self setKeyEquivalent:key];

@@ -1,5 +1,5 @@
-// What each of GNUstep's menus would observe for itself, done once for those that it can concern:
-// the main menu and what hangs on it.
+// Observes once what each of GNUstep's menus would observe for itself, and tells the menus that it
+// can concern: the main menu and its submenus.
 #include "menu_classes/menu_storage.h"
 
 @interface NSMenu (StockLaunch)

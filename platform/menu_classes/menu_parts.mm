@@ -17,7 +17,7 @@
 }
 
 - (void)needStockRepresentation {
-    // Marked before: a new window asks the main menu, maybe this one, for its window.
+    // The mark comes first: a new window asks the main menu, which may be this one, for its window.
     if (_aWindow || _menu.unused) return;
     _menu.unused = 1;
     [self needArrays];
@@ -59,7 +59,7 @@ const struct {
     {"_setGeometry", &stock_set_geometry},
 };
 
-// For methods that return nothing, too: nobody reads the result.
+// Serves methods that return nothing, too: nobody reads their result.
 id with_parts(NSMenu* self, SEL selector) {
     [self needStockRepresentation];
     for (const auto& method : plain_methods) {

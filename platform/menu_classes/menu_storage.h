@@ -14,11 +14,11 @@
 - (void)needStockRepresentation;
 @end
 
-// Of a menu that goes.
+// Called when a menu is deallocated.
 void forget_menu_font(NSMenu* menu);
 
 // Tells the main menu and its submenus when the application has launched or becomes active.
 @interface MenuLaunchObserver : NSObject
-// Once a process; again does nothing.
+// Starts once a process; further calls do nothing.
 + (void)start;
 @end

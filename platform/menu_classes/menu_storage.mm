@@ -6,7 +6,7 @@
 #include "menu_classes/menu_changes.h"
 #include "objc/method_patch.h"
 
-// The items of all menus that have none yet: most submenus are never opened.
+// The item array that all menus without items share, as most submenus are never opened.
 @interface NoMenuItems : NSMutableArray
 @end
 
@@ -100,8 +100,8 @@ static void light_remove(NSMenu* self, SEL selector, NSInteger index) {
     told_of_change(self, nil);
 }
 
-// Without a view nothing of the stock menu shows: no search for the item, no update, and with that
-// no message to the delegate.
+// Without a view the stock menu shows nothing, so the item is not searched for and the menu is not
+// updated, and the delegate gets no message.
 static void light_changed(NSMenu* self, SEL selector, NSMenuItem* item) {
     if (self->_view) {
         reinterpret_cast<void (*)(id, SEL, id)>(stock.changed)(self, selector, item);
@@ -110,7 +110,8 @@ static void light_changed(NSMenu* self, SEL selector, NSMenuItem* item) {
     }
 }
 
-// The stock method performs the item through the view.
+// The stock method performs the item through the view, so a menu with such a key gets its view
+// first.
 static BOOL light_key_equivalent(NSMenu* self, SEL selector, NSEvent* event) {
     const NSEventType type = [event type];
     if (!self->_view && (type == NSKeyDown || type == NSKeyUp)) {
@@ -129,7 +130,7 @@ static void light_close(NSMenu* self, SEL selector) {
     if (self->_aWindow) reinterpret_cast<void (*)(id, SEL)>(stock.close)(self, selector);
 }
 
-// A menu that never had a view observes nothing and has nothing of the stock menu to give back.
+// A menu that never had a view observes nothing and has no parts of the stock menu to release.
 static void light_deallocate(NSMenu* self, SEL selector) {
     forget_menu_font(self);
     if (self->_view || self->_aWindow) {
