@@ -40,7 +40,7 @@ static bool is_real(NSNumber* number) {
     return kind == *@encode(double) || kind == *@encode(float);
 }
 
-// The number as an integer, with the limits of a signed type of `bits`; false when it was changed.
+// The number as an integer, limited to a signed type of `bits`; false when that changed the number.
 static bool integer_value(NSNumber* number, int bits, SInt64* value) {
     const SInt64 highest = bits == 64 ? INT64_MAX : INT32_MAX;
     const SInt64 lowest = -highest - 1;

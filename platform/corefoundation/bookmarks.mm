@@ -1,4 +1,4 @@
-// Bookmark data. Here it is the bytes of a file's address.
+// Bookmark data, which here is the bytes of a file's address.
 #import <Foundation/Foundation.h>
 
 #include <errno.h>
@@ -15,7 +15,7 @@ int hex_digit(char digit) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// False for a broken escape, and for one of what no name can hold.
+// False for a broken escape, and for an escape of a byte that no name can hold.
 bool unescape(const std::string& text, std::string* bytes) {
     for (size_t i = 0; i < text.size(); i++) {
         if (text[i] != '%') {
@@ -47,7 +47,7 @@ std::string path_in(const std::string& address) {
 NSURL* url_of(const std::string& path, const std::string& address) {
     NSString* name = [NSString stringWithUTF8String:path.c_str()];
     if (name) return [NSURL fileURLWithPath:name];
-    // The escapes carry what no string can.
+    // The escapes can carry bytes that no string can.
     NSString* text = [NSString stringWithUTF8String:address.c_str()];
     return text ? [NSURL URLWithString:text] : nil;
 }

@@ -12,13 +12,14 @@ namespace {
 
 const off_t largest_file = 16 << 20;
 
-// The lock of the defaults folder, as NSUserDefaults takes it: a folder that only one can make.
+// The lock of the defaults folder, as NSUserDefaults takes it: a folder that only one program can
+// make.
 class DefaultsLock {
   public:
     explicit DefaultsLock(const std::string& folder)
         : parent_(folder + "/.lck"), path_(parent_ + "/.GNUstepDefaults.lck") {
         mkdir(parent_.c_str(), 0755);
-        // Others hold it for a few milliseconds.
+        // Other programs hold the lock for a few milliseconds.
         for (int attempt = 0; attempt < 50; attempt++) {
             held_ = mkdir(path_.c_str(), 0777) == 0;
             if (held_ || errno != EEXIST) return;
@@ -35,7 +36,7 @@ class DefaultsLock {
     bool held() const { return held_; }
 
   private:
-    // A program that died while it held the lock leaves it behind.
+    // A program that died while it held the lock has left it behind.
     void break_abandoned() const {
         struct stat status;
         if (stat(path_.c_str(), &status) == 0 && time(nullptr) - status.st_mtime > 5) {
@@ -48,7 +49,7 @@ class DefaultsLock {
     bool held_ = false;
 };
 
-// Where links lead; empty when they lead nowhere.
+// The path with its links resolved; empty when a link leads nowhere.
 std::string real_path(const std::string& path) {
     struct stat status;
     if (lstat(path.c_str(), &status) != 0) return path;
@@ -58,7 +59,7 @@ std::string real_path(const std::string& path) {
     return real;
 }
 
-// The makers of folders are few: the defaults folder and its parents, on a user's first run.
+// Makes the defaults folder and its parents, which are missing only on a user's first run.
 void make_folders(const std::string& path) {
     for (size_t slash = path.find('/', 1); slash != std::string::npos;
          slash = path.find('/', slash + 1)) {
@@ -83,7 +84,7 @@ NSDictionary* dictionary_from(NSData* data) {
     return [data length] ? read_dictionary(data) : [NSDictionary dictionary];
 }
 
-// A number that `defaults write` stored counts as that number: it stands there as a string.
+// A number equals the same number stored by `defaults write`, which stores it as a string.
 bool is_same(id stored, id value) {
     if ([stored isEqual:value]) return true;
     return [stored isKindOfClass:[NSString class]] && [value isKindOfClass:[NSNumber class]] &&
@@ -185,8 +186,8 @@ DefaultsFile::Step DefaultsFile::try_to_merge(NSDictionary* changes) {
     return replace(data) ? Step::Done : Step::Failed;
 }
 
-// Nothing of the toolkit's runs while the lock is held: what uses its own defaults for the first
-// time takes the same lock, and waits 20 seconds for it.
+// No code of the toolkit runs while the lock is held: code that uses the toolkit's defaults for the
+// first time takes the same lock, and waits 20 seconds for it.
 bool DefaultsFile::merge(NSDictionary* changes) {
     Step step = Step::Again;
     for (int attempt = 0; attempt < 100 && step == Step::Again; attempt++) {

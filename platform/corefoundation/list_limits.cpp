@@ -7,9 +7,9 @@
 namespace {
 
 const char white[] = "\b\t\n\v\f\r ";
-// They end a word that stands without quotes. So do all bytes of control and above ASCII.
+// These end a word that stands without quotes, as do all control bytes and all bytes above ASCII.
 const char word_ends[] = " \"'(),;<=>[\\]`{}";
-// A number or a date; GNUstep copies it to its stack.
+// The longest number or date; GNUstep copies it to its stack.
 const size_t longest_value = 200;
 
 bool is_white(unsigned char byte) { return byte && strchr(white, byte); }
@@ -18,13 +18,13 @@ bool ends_word(unsigned char byte) { return byte < 32 || byte >= 127 || strchr(w
 
 bool is_hexadecimal(unsigned char byte) { return byte && strchr("0123456789abcdefABCDEF", byte); }
 
-// Reads a list as GNUstep's parser does, step by step and without its objects. Where that one gives
-// up, this one does too: what follows is never read.
+// Reads a list step by step as GNUstep's parser does, but makes no objects. It gives up where that
+// parser gives up, since what follows is never read.
 class TextWalk {
   public:
     explicit TextWalk(std::string_view bytes) : bytes_(bytes) {}
 
-    // False when the list ends here, or a limit.
+    // False when the list ends here or goes beyond a limit.
     bool item(int depth);
     bool is_bounded() const { return is_bounded_; }
 
@@ -142,7 +142,7 @@ bool is_bounded_text_list(std::string_view bytes) {
 bool is_bounded_list(std::string_view bytes) {
     if (bytes.size() > largest_list) return false;
     if (bytes.starts_with("bplist00")) return is_bounded_binary_list(bytes);
-    // GNUstep's own archives, which nobody exchanges as files.
+    // These are GNUstep's own archives, which nobody exchanges as files.
     if (!bytes.empty() && (bytes[0] == 0 || bytes[0] == 1)) return false;
     const size_t start = bytes.find_first_not_of(white);
     const bool is_xml = start != std::string_view::npos && bytes.substr(start, 2) == "<?";

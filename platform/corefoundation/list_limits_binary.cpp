@@ -6,8 +6,8 @@ namespace {
 
 const size_t trailer_size = 32, head_size = 8;
 
-// Follows all references as often as a parser does that keeps nothing: a few bytes can stand for
-// any number of objects.
+// Follows every reference each time it occurs, like a parser that keeps nothing: a few bytes can
+// stand for any number of objects.
 class BinaryWalk {
   public:
     explicit BinaryWalk(std::string_view bytes) : bytes_(bytes) {}
@@ -51,7 +51,7 @@ bool BinaryWalk::read_trailer() {
     return table_ <= trailer && objects_ <= (trailer - table_) / offset_size_;
 }
 
-// Of what a marker's low half says, or a number behind it.
+// Reads a count from a marker's low half, or from the number behind the marker.
 bool BinaryWalk::count(uint64_t* at, unsigned low, uint64_t* value) const {
     *value = low;
     if (low != 15) return true;
@@ -64,7 +64,7 @@ bool BinaryWalk::count(uint64_t* at, unsigned low, uint64_t* value) const {
 }
 
 bool BinaryWalk::objects(uint64_t at, uint64_t count, int depth) {
-    // More cannot be in the bytes, nor be multiplied beyond what fits.
+    // The bytes cannot hold more, and this keeps the multiplication from overflowing.
     if (count > bytes_.size() || !holds(at, count * index_size_)) return false;
     for (uint64_t i = 0; i < count; i++) {
         uint64_t index = 0;

@@ -7,7 +7,7 @@ namespace {
 
 const char letters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
 
-// So that no '>' of it can stand within quotes, for any parser.
+// Quotes must be whole, so that no parser sees a '>' of the tag within quotes.
 bool has_whole_quotes(std::string_view tag) {
     const auto doubles = std::count(tag.begin(), tag.end(), '"');
     const auto singles = std::count(tag.begin(), tag.end(), '\'');
@@ -32,14 +32,14 @@ class XmlWalk {
     std::vector<std::string_view> open_;
 };
 
-// To the end where the mark is missing.
+// Goes to the end of the bytes when the mark is missing.
 bool XmlWalk::go_past(std::string_view mark) {
     const size_t found = bytes_.find(mark, at_);
     at_ = found == std::string_view::npos ? bytes_.size() : found + mark.size();
     return true;
 }
 
-// Entities would be declared between brackets.
+// Refuses brackets, between which entities would be declared.
 bool XmlWalk::declaration() {
     const std::string_view tag = bytes_.substr(at_, bytes_.find('>', at_) - at_);
     at_ += tag.size();

@@ -33,7 +33,7 @@ bool is_local_type(const std::string& type) {
     return false;
 }
 
-// Spaces and the like stand as backslash and three octal digits.
+// Spaces and similar characters are written as a backslash and three octal digits.
 std::string unescaped(const std::string& text) {
     std::string plain;
     for (size_t i = 0; i < text.size(); i++) {
@@ -79,7 +79,7 @@ class Mounts {
     }
 
   private:
-    // A process that was forked may have moved to other mounts.
+    // A forked process may have moved to other mounts.
     bool is_current() const {
         if (file_ < 0 || process_ != getpid()) return false;
         pollfd changed = {file_, POLLPRI, 0};
@@ -127,7 +127,8 @@ Mounts& mounts() {
     return mounts;
 }
 
-// Never leaves the mount that `folder` is the root of: with EXDEV when the path would.
+// Opens a path without leaving the mount whose root is `folder`; fails with EXDEV when the path
+// would leave it.
 int open_within(const std::string& folder, const std::string& rest) {
     const int root = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
     if (root < 0) return -1;

@@ -13,11 +13,11 @@ enum class Local {
     unknown,  // somewhere along the path is another kind of file system: nothing was asked of it
 };
 
-// Fills `status` when it says found. `path` is absolute, without "." and ".." in it.
+// Fills `status` when it answers found. `path` is absolute, without "." and "..".
 Local local_stat(const std::string& path, struct stat* status);
 
 // The folder of the innermost mount above `path` that is no local disk; empty when there is none.
-// The path itself is not touched, so links along it count for nothing.
+// The path itself is not touched, so links along it are not followed.
 std::string foreign_mount_of(const std::string& path);
 
 }  // namespace files

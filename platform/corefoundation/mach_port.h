@@ -1,4 +1,4 @@
-// What stands behind a CFMachPortRef: a place from which the thread's run loop hears of something.
+// The object behind a CFMachPortRef: something that the thread's run loop listens to.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -15,19 +15,19 @@ typedef void (*mach_port_handler_t)(void* info);
     NSRunLoop* _loop;  // retained from the first mode on
     BOOL _invalid;
 }
-// `descriptor` belongs to the maker; -1 for a port whose maker brings what it has by itself.
+// `descriptor` belongs to the maker. It is -1 for a port whose maker delivers its news itself.
 - (instancetype)initWithDescriptor:(int)descriptor
                            handler:(mach_port_handler_t)handler
                               info:(void*)info;
-// From now on the current run loop looks at the port while it runs in `mode`.
+// From now on the current run loop watches the port while it runs in `mode`.
 - (void)serveInMode:(NSString*)mode;
-// Whether a run loop looks at the port in `mode`.
+// Whether a run loop watches the port in `mode`.
 - (BOOL)isServedInMode:(NSString*)mode;
-// The port is silent from now on. On the thread of its run loop.
+// Silences the port from now on. Call this on the thread of its run loop.
 - (void)invalidate;
 - (BOOL)isValid;
 @end
 
-// A mode has become a common one: the ports of this thread that were added for the common modes are
-// served there too.
+// Call this when a mode has become a common one: the ports that this thread added for the common
+// modes are then served in it too.
 void serve_common_ports_in_mode(NSString* mode);

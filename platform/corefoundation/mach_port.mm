@@ -4,7 +4,7 @@
 
 #include "corefoundation/common_modes.h"
 
-// What stands behind a CFRunLoopSourceRef.
+// The object behind a CFRunLoopSourceRef.
 @interface PortSource : NSObject {
   @private
     MachPort* _port;

@@ -5,13 +5,13 @@
 
 #include <atomic>
 
-// A name of a file has at most 255 bytes; a longer text goes the usual way.
+// A file's name has at most 255 bytes. A text longer than this becomes an ordinary string.
 static const size_t longest_text = 1024;
 
 // Room for a name of 255 bytes and its units.
 static const size_t passing_size = 255 * (1 + sizeof(unichar));
 
-// The string that was released last of those made for a moment.
+// The string for short use that was released last.
 static std::atomic<void*> released{nullptr};
 
 @implementation NameString
@@ -82,7 +82,7 @@ static std::atomic<void*> released{nullptr};
     for (NSUInteger i = 0; i < range.length; i++) buffer[i] = (unsigned char)text[i];
 }
 
-// Never changes, so a copy is the object itself.
+// The string never changes, so a copy is the object itself.
 - (id)copyWithZone:(NSZone*)zone {
     (void)zone;
     return [self retain];
@@ -98,7 +98,7 @@ static std::atomic<void*> released{nullptr};
 
 @end
 
-// Looked up once: the run time finds a class by its name.
+// Looked up once, because the run time finds a class by its name.
 static Class name_class() {
     static const Class found = [NameString class];
     return found;

@@ -18,7 +18,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// Shared by who asks and by the thread that waits for the file system.
+// Shared by the caller and the thread that waits for the file system.
 struct Question {
     std::string path, place;
     look_t look;
@@ -42,7 +42,8 @@ Questions& questions() {
     return questions;
 }
 
-// What falls silent as one. Behind a link it is unknown which disk that is: then the folder.
+// The place whose files stop answering together: the mount. Behind a link the mount is unknown, so
+// then it is the folder.
 std::string place_of(const std::string& path) {
     const std::string mount = foreign_mount_of(path);
     return mount.empty() ? path.substr(0, path.rfind('/')) : mount;
@@ -72,7 +73,7 @@ void ask(const question_t& question) {
     question->answered.notify_one();
 }
 
-// With the lock held. False where no thread is to be had.
+// With the lock held. False when no thread can be started.
 bool start_asking(const question_t& question) {
     questions().open.push_back(question);
     try {

@@ -9,13 +9,14 @@
 
 namespace files {
 
-// How a file is looked at: as stat does.
+// A function that looks at a file as stat does.
 using look_t = int (*)(const char* path, struct stat* status);
 
-// Nothing when the file is missing, or when no answer comes in `seconds`. Local disks are asked
-// directly, others in a thread of their own. Where a question to the same file system has had no
-// answer for that long already, or too many have had none anywhere, the answer is nothing at once:
-// so few threads wait, and who asks again and again waits once. `look` is how others are asked.
+// Looks at a file. The result is empty when the file is missing, or when no answer comes within
+// `seconds`. Local disks are asked directly, other file systems on a thread of their own, by
+// `look`. The result is empty at once when a question to the same file system has waited that long
+// already, or when too many questions anywhere have. So few threads wait, and a caller that asks
+// repeatedly waits only once.
 std::optional<struct stat> patient_stat(const std::string& path, double seconds,
                                         look_t look = ::stat);
 

@@ -12,8 +12,8 @@
 
 namespace {
 
-// One application's preferences: the file, the changes not yet written, what is forced, and what
-// holds where there is nothing else.
+// One application's preferences: the file, the changes that are not yet written, the forced values,
+// and the values for keys that have no other.
 struct Preferences {
     explicit Preferences(NSString* identifier) : file(identifier) { file.refresh(); }
 
@@ -25,7 +25,7 @@ struct Preferences {
 
 std::mutex preferences_lock;
 
-// The identifier becomes a file's name.
+// The identifier becomes a file's name, so it must not hold a slash.
 bool is_usable(NSString* identifier) {
     return [identifier length] > 0 && [identifier rangeOfString:@"/"].length == 0;
 }

@@ -1,5 +1,5 @@
-// Preferences that are not the user's defaults but something of the desktop's, shown in the place
-// where the Mac keeps the like.
+// Preferences that come from the desktop instead of the user's defaults, shown where the Mac keeps
+// such values.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -7,9 +7,10 @@
 // Gives a value for a key of a domain, retained; null when it has none.
 using PreferencesSource = CFPropertyListRef (*)(CFStringRef key, CFStringRef domain);
 
-// From now on `source` answers for what the user's defaults have no value of, in all domains whose
-// names end in `suffix` (kept). Any thread; the source runs on the one that asks.
+// From now on `source` answers for keys that have no value in the user's defaults, in all domains
+// whose names end in `suffix` (which is kept, not copied). Any thread; the source runs on the
+// thread that asks.
 void add_preferences_source(const char* suffix, PreferencesSource source);
 
-// What the sources have to say; retained.
+// The value that the sources have for a key; retained.
 CFPropertyListRef copy_value_from_sources(CFStringRef key, CFStringRef domain);

@@ -6,6 +6,6 @@
 // See is_bounded_list().
 bool is_bounded_data(NSData* data);
 
-// The dictionary in these bytes of any property list format, autoreleased; nil if there is none, or
-// if it goes beyond the limits.
+// The dictionary in these bytes, in any property list format, autoreleased; nil when there is none
+// or it goes beyond the limits.
 NSDictionary* read_dictionary(NSData* data);
