@@ -14,7 +14,8 @@ namespace {
 // cairo's limit.
 constexpr size_t longest_side = 32767;
 
-// Between the Mac's bytes alpha, red, green, blue and cairo's pixels, which are whole words.
+// Converts between the Mac's bytes alpha, red, green, blue and cairo's pixels, which are whole
+// words.
 uint32_t swapped(uint32_t pixel) {
     if constexpr (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__) return pixel;
     return pixel << 24 | (pixel & 0xff00) << 8 | (pixel >> 8 & 0xff00) | pixel >> 24;
@@ -54,7 +55,7 @@ int bounded(double value, int limit) {
     return static_cast<int>(std::max(0.0, std::min(value, double(limit))));
 }
 
-// Those with a finer one; images may be made on any thread.
+// Guards the contexts that have a finer one; images may be made on any thread.
 std::mutex finer_lock;
 std::vector<CGContextRef>& with_finer() {
     static auto* contexts = new std::vector<CGContextRef>;
@@ -77,7 +78,7 @@ CGContextRef new_bitmap_context(size_t width, size_t height, double scale) {
     return context;
 }
 
-// Begins with what the caller's memory holds.
+// The finer context starts with what the caller's memory holds.
 void add_finer(CGContextRef context, size_t width, size_t height, double scale) {
     const auto grown = [scale](size_t side) {
         return static_cast<size_t>(std::lround(static_cast<double>(side) * scale));

@@ -5,11 +5,11 @@
 
 #include "coregraphics/context.h"
 
-// Writes what changed, in device space, to the caller's memory.
+// Writes the changed area, given in device space, to the caller's memory.
 void store_bitmap(CGContextRef context, const extents_t& extents);
 
-// What a finer screen shows of a bitmap context's drawing: bytes red, green, blue, alpha, colours
-// multiplied by alpha, top row first, without gaps.
+// A bitmap context's drawing in the pixels of a finer screen: bytes red, green, blue, alpha,
+// colours multiplied by alpha, top row first, without gaps.
 struct finer_pixels_t {
     size_t width = 0, height = 0;
     double scale = 1;
@@ -19,5 +19,5 @@ struct finer_pixels_t {
 // False when no bitmap context of this size draws into this memory, or the screen is not finer.
 bool copy_finer_pixels(const uint8_t* memory, size_t width, size_t height, finer_pixels_t* pixels);
 
-// A context ends.
+// Call this when a context ends.
 void forget_bitmap(CGContextRef context);

@@ -1,6 +1,6 @@
 #include <CoreGraphics/CGColorSpace.h>
 
-// Nothing in it differs, so all share one, and owning it costs nothing.
+// All colour spaces are the same, so all callers share one, and owning it costs nothing.
 struct CGColorSpace {};
 
 CGColorSpaceRef CGColorSpaceCreateDeviceRGB(void) {

@@ -1,5 +1,5 @@
-// A drawing context over cairo. Its state is its own: cairo's is set for each drawing call and
-// given back after it, so that a context may share a cairo context with others.
+// A drawing context over cairo. It keeps its own state: each drawing call sets cairo's state and
+// restores it afterwards, so a context may share a cairo context with others.
 #pragma once
 
 #include <CoreGraphics/CGContext.h>
@@ -46,24 +46,25 @@ struct CGContext : counted_t {
     drawing_state_t state;
     std::vector<drawing_state_t> saved;
     extents_t unstored;  // drawn, but not yet in the caller's memory
-    // All that is drawn is drawn here as well, in the pixels of a finer screen. Owned; null where
-    // the screen is not finer.
+    // Everything that is drawn is also drawn here, in the pixels of a finer screen. Owned; null
+    // when the screen is not finer.
     CGContext* finer = nullptr;
     double scale = 1;  // of a finer one: its pixels for one of the caller's
 
     ~CGContext();
 };
 
-// A context that draws with `cairo`, which it shares, from the space that `matrix` leads from.
+// Makes a context that draws with `cairo`, which it shares. `matrix` leads from the context's space
+// to cairo's.
 CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix);
 
-// Sends a call to the finer context, too.
+// Repeats a call on the finer context, if there is one.
 template <typename... arguments, typename... given>
 void repeat_finer(CGContext* context, void (*call)(CGContext*, arguments...), given... values) {
     if (context && context->finer) call(context->finer, values...);
 }
 
-// Around the cairo calls of one drawing call. `extents`, in cairo's device space, is what they may
-// have changed.
+// Call these around the cairo calls of one drawing call. `extents`, in cairo's device space, is the
+// area that these calls may have changed.
 void begin_drawing(CGContextRef context, const drawing_color_t& color);
 void end_drawing(CGContextRef context, const extents_t& extents);

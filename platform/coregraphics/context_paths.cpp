@@ -6,7 +6,7 @@ namespace {
 
 enum painting_t { FILL, FILL_EVEN_ODD, STROKE };
 
-// What the path covers when painted, in device space; under a rotation as well.
+// The area that the path covers when it is painted, in device space; under a rotation as well.
 extents_t painted_extents(CGContextRef context, painting_t painting) {
     cairo_t* cairo = context->cairo;
     double x1, y1, x2, y2;
@@ -44,7 +44,7 @@ void paint_new_path(CGContextRef context, painting_t painting) {
     cairo_new_path(context->cairo);
 }
 
-// Runs path calls in the user's space. Paths, unlike the rest, are not part of what cairo saves.
+// Runs path calls in the user's space. cairo's save does not include paths, unlike the rest.
 template <typename function>
 void build_path(CGContextRef context, function build) {
     cairo_save(context->cairo);

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Glyphs go to cairo in runs of at most so many.
+// The most glyphs that go to cairo in one run.
 constexpr size_t longest_run = 512;
 
 void prepare_font(CGContextRef context) {
@@ -24,7 +24,8 @@ void prepare_font(CGContextRef context) {
     cairo_font_options_destroy(options);
 }
 
-// Where the glyphs of a line may reach, hinted ones, too: an em to each side, a pixel up and down.
+// The area that the glyphs of a line may reach, hinted ones too: an em to each side, a pixel up and
+// down.
 extents_t line_extents(const drawing_state_t& state, double left, double right, double y) {
     const double em = state.font_size;
     const double xs[] = {left - em, right + em};

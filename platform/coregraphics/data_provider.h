@@ -7,8 +7,8 @@
 
 #include <vector>
 
-// The first `size` bytes that a provider serves, from construction to destruction. Fewer are
-// there when it has fewer.
+// The first `size` bytes that a provider serves, from construction to destruction; fewer when the
+// provider has fewer.
 class provided_bytes_t {
   public:
     provided_bytes_t(CGDataProviderRef provider, size_t size);

@@ -17,8 +17,8 @@ struct pattern_deleter_t {
 };
 using pattern_t = std::unique_ptr<FcPattern, pattern_deleter_t>;
 
-// Advances that programs count on although the font is another's: Monaco's is 0.6 em, and the
-// lines of text laid out for it must fit.
+// Advances that programs rely on even when another font stands in: Monaco's is 0.6 em, and lines of
+// text that were laid out for it must fit.
 const struct {
     const char* name;
     double advance;

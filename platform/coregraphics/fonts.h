@@ -11,6 +11,6 @@ struct font_t {
     double above, below;  // how far glyphs reach from the baseline, in ems
 };
 
-// The font of that name, or fontconfig's fixed-pitch font in its place; null without any font. Made
-// once for each name and kept. Any thread.
+// The font of that name, or fontconfig's fixed-pitch font when that name is not installed; null
+// when there is no font at all. Made once for each name and kept. Any thread.
 const font_t* find_mac_roman_font(const char* name);

@@ -55,13 +55,13 @@ struct CGImage : counted_t {
     const pixel_format_t* format = nullptr;
     CGDataProviderRef provider = nullptr;  // owned
     double scale = 1;
-    // In the place of what the provider serves: a bitmap context's drawing for a finer screen.
+    // Used instead of what the provider serves: a bitmap context's drawing for a finer screen.
     std::vector<uint8_t> finer;
 
     ~CGImage() { CGDataProviderRelease(provider); }
 };
 
-// An image of a bitmap context's memory has the pixels of the screen that shows it.
+// An image of a bitmap context's memory takes the pixels for the screen that shows it.
 static void take_finer_pixels(CGImageRef image) {
     if (display_scale() <= 1) return;
     finer_pixels_t pixels;

@@ -4,14 +4,16 @@
 #include <CoreGraphics/CGImage.h>
 
 // Writes the image's present pixels as bytes red, green, blue, alpha, colours multiplied by alpha,
-// top row first, into rows of `bytes_per_row` bytes. What the provider does not serve is
+// top row first, into rows of `bytes_per_row` bytes. Pixels that the provider does not serve are
 // transparent.
 void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row);
 
-// Pixels a point of the screen on which pictures are shown: 1 until it is set. Any thread.
+// The pixels for each point of the screen on which pictures are shown: 1 until it is set. Any
+// thread.
 void set_display_scale(double scale);
 double display_scale();
 
-// Pixels a point of an image, 1 unless it was made for a finer screen. Set before it is shared.
+// The pixels for each point of an image: 1 unless it was made for a finer screen. Set this before
+// the image is shared.
 void set_image_scale(CGImageRef image, double scale);
 double image_scale(CGImageRef image);

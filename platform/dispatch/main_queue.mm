@@ -33,7 +33,7 @@
 
 void run_on_main_thread(void* context, dispatch_function_t work) {
     @autoreleasepool {
-        // GNUstep performs at once, and not later, on a thread that has no run loop yet.
+        // On a thread that has no run loop yet, GNUstep performs the work at once instead of later.
         if ([NSThread isMainThread]) [NSRunLoop currentRunLoop];
         MainQueueWork* piece = [[MainQueueWork alloc] initWithContext:context work:work];
         [piece performSelectorOnMainThread:@selector(run)

@@ -1,4 +1,4 @@
-// Where the queues' work goes.
+// Where the queues send their work.
 #pragma once
 
 #include <dispatch/dispatch.h>

@@ -14,8 +14,8 @@ struct piece_t {
     dispatch_function_t work;
 };
 
-// More than processors: work waits for disks and other programs rather than for the processor, and
-// a piece that never ends must not hold up the others.
+// More workers than processors: work waits for disks and other programs rather than for the
+// processor, and a piece that never ends must not hold up the others.
 constexpr int most_workers = 16;
 
 class worker_pool_t {
@@ -77,7 +77,7 @@ class worker_pool_t {
 }  // namespace
 
 void run_on_worker(void* context, dispatch_function_t work) {
-    // Never destroyed: workers may still be at work when the process ends.
+    // Never destroyed: workers may still run when the process ends.
     static worker_pool_t& pool = *new worker_pool_t;
     pool.add({context, work});
 }
