@@ -18,7 +18,7 @@ namespace thumbnails {
 namespace {
 
 const size_t most_waiting = 16;
-// A killed process is gone in milliseconds, but for one in a call that cannot be interrupted.
+// A killed process is gone in milliseconds, unless it is in a call that cannot be interrupted.
 const auto first_pause = std::chrono::milliseconds(2),
            longest_pause = std::chrono::milliseconds(500);
 
@@ -39,11 +39,12 @@ Background& background() {
 
 bool is_gone(pid_t process) {
     const pid_t result = waitpid(process, nullptr, WNOHANG);
-    // Where the host has its children reaped by somebody else, ours is unknown in the end.
+    // When the host reaps its children by other means, the kernel no longer knows our child in the
+    // end.
     return result == process || (result < 0 && errno != EINTR);
 }
 
-// Until there is work.
+// Reaps processes until there is work.
 void reap(Background& self, std::unique_lock<std::mutex>& guard) {
     while (self.work.empty()) {
         self.killed.erase(std::remove_if(self.killed.begin(), self.killed.end(), is_gone),
@@ -69,7 +70,7 @@ void keep_house() {
         try {
             next();
         } catch (const std::exception&) {
-            // Without memory for it: then it is not done.
+            // When memory is short, the work is not done.
         }
         guard.lock();
         self.is_busy = false;

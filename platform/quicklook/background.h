@@ -1,4 +1,4 @@
-// One thread for what nobody waits for: writing thumbnails back, reaping processes.
+// One thread for work that nobody waits for: writing thumbnails to the cache, reaping processes.
 #pragma once
 
 #include <sys/types.h>
@@ -7,13 +7,14 @@
 
 namespace thumbnails {
 
-// Dropped when too much waits already, or when the process ends first.
+// Runs the work later. It is dropped when too much work waits already, or when the process ends
+// first.
 void run_in_background(std::function<void()> work);
 
-// For a child that was killed, also one that the kernel holds up. Asks for no other child.
+// Reaps a child that was killed, even one that the kernel holds up. Waits for no other child.
 void reap_in_background(pid_t process);
 
-// Waits until all work so far is done; for processes it does not wait.
+// Waits until all work given so far is done, but not for processes.
 void wait_for_background();
 
 }  // namespace thumbnails

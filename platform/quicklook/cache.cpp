@@ -52,7 +52,7 @@ bool is_about(const PngTexts& texts, const Subject& subject, const std::string& 
     return !texts.count("Thumb::Size") || says(texts, "Thumb::Size", subject.size);
 }
 
-// Whether the file's own picture is no larger than this.
+// Whether the file's own picture is no larger than the thumbnail.
 bool is_whole(const PngHead& head, int side) {
     const auto width = head.texts.find("Thumb::Image::Width");
     const auto height = head.texts.find("Thumb::Image::Height");
@@ -63,7 +63,8 @@ bool is_whole(const PngHead& head, int side) {
     return head.width < side && head.height < side;
 }
 
-// Nothing when the entry is missing, of another state of the file, or too small for the box.
+// Empty when the entry is missing, belongs to another state of the file, or is too small for the
+// box.
 Picture picture_in(const Flavour& flavour, const std::string& name, const std::string& uri,
                    const Subject& subject, Box box) {
     const std::string path = cache_folder() + "/" + flavour.name + "/" + name;
@@ -79,7 +80,7 @@ Picture picture_in(const Flavour& flavour, const std::string& name, const std::s
 
 bool make_folder(const std::string& path) { return g_mkdir_with_parents(path.c_str(), 0700) == 0; }
 
-// Readers see the old file or the whole new one.
+// Replaces a file such that readers see either the old file or the whole new one.
 void replace_file(const std::string& folder, const std::string& name, const std::string& bytes) {
     if (bytes.empty() || !make_folder(folder)) return;
     std::string temporary = folder + "/" + name + ".XXXXXX";

@@ -17,7 +17,7 @@ enum class Route {
 // The content type that the name alone tells, as GIO knows it; empty when it does not tell.
 std::string type_by_name(const std::string& path);
 
-// Never Route::unknown but for an empty type.
+// The way for a content type. It is Route::unknown only for an empty type.
 Route route_for(const std::string& type);
 
 }  // namespace thumbnails

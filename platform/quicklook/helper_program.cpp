@@ -59,7 +59,7 @@ class SpawnSettings {
     posix_spawnattr_t attributes_;
 };
 
-// 0 when the program does not start. `reply` is the end that it writes to.
+// Starts the program; 0 when that fails. `reply` is the end of the pipe that the program writes to.
 pid_t start(const std::string& program, const std::vector<std::string>& arguments, int reply) {
     std::vector<char*> words = {const_cast<char*>(program.c_str())};
     for (const std::string& word : arguments) words.push_back(const_cast<char*>(word.c_str()));
@@ -118,7 +118,7 @@ Answer read_answer(int from, Box box, Clock::time_point deadline) {
 }
 
 void end_group(pid_t process) {
-    // Not yet reaped, so that its number is still its own.
+    // The child is not yet reaped, so its number is still its own.
     siginfo_t state = {};
     const bool is_ours =
         waitid(P_PID, static_cast<id_t>(process), &state, WEXITED | WNOHANG | WNOWAIT) == 0;
@@ -135,7 +135,8 @@ Answer run_helper(const std::string& program, const std::vector<std::string>& ar
                                              std::chrono::duration<double>(seconds));
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0) return {};
-    // Room for a whole picture saves turns of writing and reading; if that is refused, no harm.
+    // Room for a whole picture saves turns of writing and reading. If the kernel refuses it, no
+    // harm is done.
     fcntl(ends[0], F_SETPIPE_SZ, pipe_size);
     const pid_t process = start(program, arguments, ends[1]);
     close(ends[1]);

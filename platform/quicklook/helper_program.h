@@ -1,4 +1,4 @@
-// Starting the helper program and hearing its answer. Any thread.
+// Starts the helper program and reads its answer. Any thread.
 #pragma once
 
 #include <string>
@@ -22,10 +22,10 @@ struct Answer {
     Picture picture;  // when the reply's outcome says so
 };
 
-// Runs `program` with `arguments` in a process group of its own, with no descriptor of ours but
-// the one for its reply. A picture that is larger than the box counts as nonsense. When this
-// returns the group is killed; it is reaped in the background, since tearing down a cage takes
-// milliseconds. The host's handling of SIGCHLD is neither used nor changed.
+// Runs `program` with `arguments` in a process group of its own. The only descriptor of ours that
+// it gets is the one for its reply. A picture that is larger than the box counts as nonsense. When
+// this returns, the group is killed; the background thread reaps it, since tearing down a cage
+// takes milliseconds. The host's handling of SIGCHLD is neither used nor changed.
 Answer run_helper(const std::string& program, const std::vector<std::string>& arguments, Box box,
                   double seconds);
 

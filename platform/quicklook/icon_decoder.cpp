@@ -22,7 +22,8 @@ using Seconds = std::chrono::duration<double>;
 
 const size_t threads = 2, most_waiting = 256;
 const int64_t largest_file = 4 << 20;
-// A folder full of icons that take as long as they may would keep the processors busy for hours.
+// The time for the icons of one folder. Without it, a folder full of slow icons would keep the
+// processors busy for hours.
 const Seconds patience_with_folder{10};
 
 struct Request {
@@ -32,7 +33,7 @@ struct Request {
     IconDone done;
 };
 
-// Icons are small: what needs more than this is none.
+// Icons are small: a file that needs more than this is no icon.
 Settings tight_settings() {
     Settings settings;
     settings.helper_folder = helper_folder();
@@ -130,7 +131,7 @@ std::optional<DecodedIcon> Decoder::decode(const Request& request) {
     if (icon.stamp != IconStamp{} && icon.stamp != request.known) {
         icon.picture = maker_.decode_image(request.path, {request.side, request.side});
     }
-    // What takes no time may come as often as it likes.
+    // Icons that are quick to look at may come as often as they like.
     const Seconds taken = Clock::now() - start;
     if (!icon.picture && taken > Seconds{0.5}) {
         const std::lock_guard guard(lock_);

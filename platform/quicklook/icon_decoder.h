@@ -1,5 +1,6 @@
-// Pictures of icons that files name and that nobody vouches for: decoded one by one where
-// thumbnails are, and by threads of their own, so that nobody waits for them. Any thread.
+// Decodes the pictures of icons that files name and that nobody vouches for: one by one, in the
+// processes that decode thumbnails, and on threads of its own, so that nobody waits for them. Any
+// thread.
 #pragma once
 
 #include <stdint.h>
@@ -12,7 +13,7 @@
 
 namespace thumbnails {
 
-// Which state of a file was looked at; all zero: none.
+// The state of a file that was looked at; all zero means none.
 struct IconStamp {
     uint64_t device = 0, inode = 0;
     int64_t modified = 0, size = 0;  // in nanoseconds, in bytes
@@ -26,9 +27,9 @@ struct DecodedIcon {
 
 using IconDone = std::function<void(const std::optional<DecodedIcon>& icon)>;
 
-// Calls `done` once, on a thread of its own: with nothing when too many waited, or when the icons
-// of the file's folder have taken too long already. A file that still has the stamp `known` is not
-// decoded again. The newest request is next.
+// Calls `done` once, on a thread of its own. It gets nothing when too many requests waited, or when
+// the icons of the file's folder have taken too long already. A file that still has the stamp
+// `known` is not decoded again. The newest request is served next.
 void decode_icon(const std::string& path, int side, const IconStamp& known, IconDone done);
 
 }  // namespace thumbnails

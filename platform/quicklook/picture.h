@@ -8,7 +8,8 @@
 
 namespace thumbnails {
 
-// Four bytes a pixel: red, green, blue, alpha, colours not multiplied by alpha. No bytes: none.
+// Four bytes a pixel: red, green, blue, alpha, colours not multiplied by alpha. A picture without
+// bytes is no picture.
 struct Picture {
     int width = 0, height = 0;
     std::vector<uint8_t> pixels;
@@ -20,10 +21,11 @@ struct Box {
     int width = 0, height = 0;
 };
 
-// The size of `original` when it is made to fit the box; it is never enlarged, and no side is 0.
+// The size that `original` has when it is made to fit the box. It is never enlarged, and no side is
+// 0.
 Box fit(Box original, Box box);
 
-// The picture itself if it fits already.
+// Scales the picture to fit the box; returns the picture itself when it fits already.
 Picture fitted(Picture picture, Box box);
 
 }  // namespace thumbnails

@@ -8,8 +8,8 @@
 
 namespace thumbnails {
 
-// The whole content of a plain file of at most `limit` bytes; nothing for anything else, and
-// nothing is opened that is not a plain file.
+// The whole content of a plain file of at most `limit` bytes; no value for anything else. Only
+// plain files are ever opened.
 std::optional<std::string> read_plain_file(const std::string& path, size_t limit);
 
 }  // namespace thumbnails

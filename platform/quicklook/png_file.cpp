@@ -25,7 +25,7 @@ struct Chunk {
     std::string_view type, content, whole;
 };
 
-// Nothing at the end of the file, also one in the middle of a chunk.
+// No value at the end of the file, even in the middle of a chunk.
 std::optional<Chunk> chunk_at(const std::string& file, size_t at) {
     const size_t around = 12;
     if (at + around > file.size()) return {};
@@ -36,7 +36,7 @@ std::optional<Chunk> chunk_at(const std::string& file, size_t at) {
 }
 
 // The file without texts, profiles and the like, some of which are compressed and may swell. Empty
-// when it is not whole: the loader takes the beginning of a picture for all of it.
+// when the file is not whole, because the loader takes the beginning of a picture for all of it.
 std::string only_pixels(const std::string& file) {
     std::string kept = file.substr(0, signature_size);
     kept.reserve(file.size());

@@ -16,11 +16,11 @@ struct PngHead {
     PngTexts texts;  // tEXt chunks before the pixels
 };
 
-// Size and texts, without decoding. Nothing for what is no PNG file.
+// Reads size and texts without decoding. No value for anything but a PNG file.
 std::optional<PngHead> png_head(const std::string& file);
 
-// Decodes in this process; only for files whose head says that the picture is small. An empty
-// picture when the file is damaged.
+// Decodes in this process. Use it only for files whose head says that the picture is small. The
+// picture is empty when the file is damaged.
 Picture decode_png(const std::string& file);
 
 // The bytes of a PNG file; empty on failure.

@@ -6,7 +6,7 @@
 
 namespace thumbnails {
 
-// The descriptors with which a decoder starts.
+// The descriptors that a decoder starts with.
 inline constexpr int reply_descriptor = 3;
 inline constexpr int file_descriptor = 4;
 

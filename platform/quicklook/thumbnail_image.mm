@@ -14,7 +14,7 @@ using thumbnails::Picture;
 
 static const double largest_side = 2048;
 
-// Empty for what is no file.
+// The path of a file's address; empty for any other address.
 static std::string file_path(NSURL* url) {
     if (![url isFileURL]) return {};
     const char* path = [[url path] fileSystemRepresentation];
@@ -28,7 +28,8 @@ static bool find_box(CGSize size, double scale, Box* box) {
     return true;
 }
 
-// On a finer screen a picture is as large as on any other, of more pixels where the file has them.
+// On a finer screen a picture has the same size as on any other, but more pixels if the file has
+// them.
 static double scale_within(const Picture& picture, CGSize size) {
     return fmax(1, fmax(picture.width / size.width, picture.height / size.height));
 }

@@ -24,9 +24,9 @@ struct ThumbnailMaker::Request {
 namespace {
 
 const double probe_seconds = 5;
-// The helper program ends itself a little later than we end it: it must not outlive us.
+// The helper program ends itself a little after we would end it, so that it does not outlive us.
 const double own_end = 2;
-// A thumbnailer program is timed out by the helper, which then has an answer for us.
+// The helper limits the time of a thumbnailer program; then it needs this long to answer us.
 const double time_to_answer = 3;
 const size_t most_timed_out = 64;
 
@@ -34,14 +34,14 @@ bool is_same(const Subject& a, const Subject& b) {
     return a.modified == b.modified && a.size == b.size;
 }
 
-// Nothing for what is not a plain file with something in it.
+// No value for anything but a plain file with something in it.
 std::optional<Subject> look_at(const std::string& path, double seconds) {
     const std::optional<struct stat> status = files::patient_stat(path, seconds);
     if (!status || !S_ISREG(status->st_mode) || status->st_size == 0) return {};
     return Subject{path, status->st_mtime, status->st_size};
 }
 
-// Other programs' entries of the cache go by this form of a path.
+// The form of a path that other programs use for their entries in the cache.
 std::string canonical(const std::string& path) {
     return files::taken_text(g_canonicalize_filename(path.c_str(), "/"));
 }
@@ -113,7 +113,8 @@ Picture ThumbnailMaker::decode(Request& request) {
     return fitted(std::move(answer.picture), request.box);
 }
 
-// Names may lie, and a decoder may not know an image type that a thumbnailer program knows.
+// A name may lie, and a decoder may not know an image type that a thumbnailer program knows: the
+// content then tells what to try next.
 Answer ThumbnailMaker::decode_by_content(Request& request) {
     Answer answer = run(request.route, request);
     if (answer.reply.outcome != Outcome::unsupported) return answer;
@@ -152,7 +153,7 @@ Answer ThumbnailMaker::run(Route route, const Request& request) {
                                                    : settings_.decoder_seconds;
     Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer",
                                words(route, request), request.made_box, seconds);
-    // That would be the size of the program's picture, not of the file's.
+    // The reply has the size of the program's picture, not of the file's.
     if (route == Route::program) answer.reply.original_width = answer.reply.original_height = 0;
     return answer;
 }
@@ -166,7 +167,7 @@ void ThumbnailMaker::note_failure(const Request& request, const Answer& answer) 
         answer.ending == Ending::timed_out ||
         (answer.ending == Ending::answered && answer.reply.outcome == Outcome::too_slow);
     if (!is_slow) return;
-    // That may be the disk's fault, so it is remembered only here.
+    // The disk may be at fault, so the failure is remembered only in this process.
     const std::lock_guard guard(lock_);
     if (timed_out_.size() >= most_timed_out) timed_out_.clear();
     timed_out_[request.subject.path] = request.subject;
@@ -178,7 +179,7 @@ bool ThumbnailMaker::timed_out_before(const Subject& subject) {
     return found != timed_out_.end() && is_same(found->second, subject);
 }
 
-// Containers may forbid what it needs: one try tells.
+// Containers may forbid what bubblewrap needs, so one try finds out.
 bool ThumbnailMaker::bubblewrap_works(bool for_programs) {
     if (!settings_.use_bubblewrap) return false;
     std::call_once(bubblewrap_tried_[for_programs], [this, for_programs] {

@@ -1,4 +1,5 @@
-// Thumbnails of files, from the cache or made anew in the helper program. Knows nothing of menus.
+// Thumbnails of files, from the cache or newly made by the helper program. Knows nothing about
+// menus.
 #pragma once
 
 #include <map>
@@ -29,17 +30,18 @@ class ThumbnailMaker {
   public:
     explicit ThumbnailMaker(Settings settings);
 
-    // A picture that fits the box and is not enlarged; empty when the file has none: folders, plain
-    // text, what nothing installed can show, what is damaged or takes too long. `path` is absolute.
-    // Any thread, several at once; waits for its turn, the newest call goes first.
+    // A picture that fits the box and is not enlarged. Empty when the file has none: folders, plain
+    // text, files that nothing installed can show, and files that are damaged or take too long.
+    // `path` is absolute. Any thread, several at once. A call waits for its turn; the newest call
+    // goes first.
     Picture make(const std::string& path, Box box);
 
-    // The same of an image, and of nothing else; the cache is neither asked nor filled, and nothing
-    // is looked at before.
+    // Decodes an image, and nothing else. The cache is neither read nor filled, and the file is not
+    // looked at before.
     Picture decode_image(const std::string& path, Box box);
 
-    // Whether the helper runs in bubblewrap here, for decoders or for thumbnailer programs. Tried
-    // once.
+    // Whether the helper runs in bubblewrap here, for decoders or for thumbnailer programs. Each is
+    // tried once.
     bool bubblewrap_works(bool for_programs);
 
     // How many calls wait for a turn.
@@ -63,7 +65,7 @@ class ThumbnailMaker {
     std::map<std::string, Subject> timed_out_;  // by path
 };
 
-// With the settings for everyday use; never destroyed.
+// The maker with the settings for everyday use; never destroyed.
 ThumbnailMaker& shared_thumbnail_maker();
 
 }  // namespace thumbnails

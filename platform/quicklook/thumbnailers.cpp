@@ -79,7 +79,7 @@ void add_entry(Registry& registry, const std::string& path) {
     }
 }
 
-// A file's name stands for it: one in the user's folder hides the system's of the same name.
+// Files are known by name: a file in the user's folder hides the system's file of the same name.
 void add_folder(Registry& registry, const std::string& folder, std::set<std::string>& seen) {
     DIR* entries = opendir(folder.c_str());
     if (!entries) return;

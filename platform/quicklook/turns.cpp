@@ -21,7 +21,7 @@ Turns::Turn::Turn(Turns& turns) : turns_(turns) {
     std::unique_lock guard(turns_.lock_);
     Waiter self;
     turns_.waiters_.push_front(&self);
-    // Looks again now and then: running turns become slow without telling.
+    // Looks again now and then, because nothing tells when a running turn becomes slow.
     while (turns_.waiters_.front() != &self || !turns_.has_room()) {
         self.wait_for(guard, turns_.patience_ / 4);
     }

@@ -1,4 +1,4 @@
-// Who may use the helper program next. Any thread.
+// Decides who may use the helper program next. Any thread.
 #pragma once
 
 #include <chrono>
@@ -8,9 +8,9 @@
 
 namespace thumbnails {
 
-// At most `at_once` turns run together, and whoever asked last is let in first: the row that the
-// user looks at now. A turn that takes longer than `patience` no longer counts, so that slow files
-// do not hold up the others, but never more than `at_most` run.
+// At most `at_once` turns run together. The newest caller is let in first, because it asks for the
+// row that the user looks at now. A turn that takes longer than `patience` no longer counts, so
+// that slow files do not hold up the others; but never more than `at_most` run.
 class Turns {
   public:
     using Clock = std::chrono::steady_clock;
@@ -18,7 +18,7 @@ class Turns {
     Turns(size_t at_once, size_t at_most, Clock::duration patience)
         : at_once_(at_once), at_most_(at_most), patience_(patience) {}
 
-    // Waits for its turn when it is made, and ends it.
+    // One turn: its constructor waits for the turn, its destructor ends it.
     class Turn {
       public:
         explicit Turn(Turns& turns);
@@ -31,7 +31,7 @@ class Turns {
         std::list<Clock::time_point>::iterator place_;
     };
 
-    // How many wait now.
+    // How many callers wait now.
     size_t waiting();
 
   private:

@@ -24,7 +24,7 @@ bool is_of_system(const std::string& path) {
     return false;
 }
 
-// These are links into /usr on a system of today, folders on an older one.
+// These folders are links into /usr on a modern system and real folders on an older one.
 void add_system_folder(Words& words, const char* folder) {
     std::error_code error;
     const std::string target = std::filesystem::read_symlink(folder, error);
@@ -58,7 +58,7 @@ void add_program(Words& words, const Cage& cage) {
         add(words, {"--ro-bind", cage.program, cage.program});
     }
     if (!cage.input_name.empty()) {
-        // The open file itself, whatever its path leads to by now.
+        // Binds the open file itself, wherever its path leads now.
         add(words, {"--ro-bind", "/proc/self/fd/" + std::to_string(file_descriptor),
                     std::string(caged_input) + "/" + cage.input_name});
     }

@@ -13,8 +13,8 @@ struct Cage {
     std::string input_name;       // with this name, the file of file_descriptor is in /input
 };
 
-// What to put before the command that is to run in the cage: the system's folders read-only, no
-// network, its own processes, nothing of the user's files.
+// The words to put before a command that is to run in the cage. The cage has the system's folders
+// read-only, its own processes, no network, and none of the user's files.
 std::vector<std::string> bubblewrap_words(const Cage& cage);
 
 inline const char caged_input[] = "/input";

@@ -90,7 +90,7 @@ const int for_all[] = {
     SCMP_SYS(writev),
 };
 
-// Starting others and waiting for them; files, where the rules for files let it.
+// Starting other programs and waiting for them; files, as far as the rules for files allow.
 const int for_programs[] = {
     SCMP_SYS(alarm),
     SCMP_SYS(capget),
@@ -170,7 +170,8 @@ const int for_programs[] = {
     SCMP_SYS(waitid),
 };
 
-// No rule for files covers these, and signals go to whoever has the number.
+// The rules for files do not cover these calls, and a signal goes to any process that has the
+// number.
 const int for_caged_programs[] = {
     SCMP_SYS(chmod),     SCMP_SYS(fchmod),   SCMP_SYS(fchmodat), SCMP_SYS(chown),
     SCMP_SYS(fchown),    SCMP_SYS(fchownat), SCMP_SYS(lchown),   SCMP_SYS(flock),
@@ -193,14 +194,14 @@ class Filter {
         const scmp_arg_cmp condition = {argument, SCMP_CMP_MASKED_EQ, mask, value};
         add(SCMP_ACT_ALLOW, call, &condition);
     }
-    // Libraries then take another way.
+    // Makes a call look missing, so that libraries take another way.
     void lack(int call, int error) {
         add(SCMP_ACT_ERRNO(static_cast<uint16_t>(error)), call, nullptr);
     }
     bool load() { return is_whole_ && seccomp_load(context_) == 0; }
 
   private:
-    // A rule that cannot be made only forbids more, but an empty filter is none.
+    // A rule that cannot be added only forbids more, but a filter without rules is no filter.
     void add(uint32_t action, int call, const scmp_arg_cmp* condition) {
         if (!context_) return;
         is_whole_ = true;
@@ -211,22 +212,24 @@ class Filter {
     bool is_whole_ = false;
 };
 
-// Of 32 bits, as the kernel reads them; the upper half may be anything.
+// The mask of 32-bit arguments: the kernel reads only these bits, and the upper half may be
+// anything.
 const uint64_t word = 0xffffffff;
 
 void allow_common(Filter& filter) {
     for (const int call : for_all) filter.allow(call);
-    // Of this process alone, and asking only.
+    // About this process alone, and for asking only.
     filter.allow_if(SCMP_SYS(sched_getaffinity), 0, 0, word);
     filter.allow_if(SCMP_SYS(prlimit64), 0, 0, word);
     for (const uint64_t name : {PR_SET_NAME, PR_GET_NAME, PR_GET_DUMPABLE, PR_CAPBSET_READ}) {
         filter.allow_if(SCMP_SYS(prctl), 0, name, word);
     }
-    // Not who is signalled when something can be read, nor locks, leases and watches of files.
+    // These leave out who is signalled when something can be read, and locks, leases and watches of
+    // files.
     for (const uint64_t command : {F_DUPFD, F_DUPFD_CLOEXEC, F_GETFD, F_SETFD, F_GETFL}) {
         filter.allow_if(SCMP_SYS(fcntl), 1, command, word);
     }
-    // They hide their arguments from us.
+    // These calls hide their arguments from the filter.
     filter.lack(SCMP_SYS(clone3), ENOSYS);
     filter.lack(SCMP_SYS(openat2), ENOSYS);
 }
@@ -252,7 +255,7 @@ bool allow_decoder_calls() {
     allow_common(filter);
     allow_reading(filter);
     filter.allow_if(SCMP_SYS(clone), 0, CLONE_THREAD, CLONE_THREAD);
-    // To end itself.
+    // The process may signal itself, to end.
     filter.allow_if(SCMP_SYS(tgkill), 0, static_cast<uint64_t>(getpid()), word);
     filter.lack(SCMP_SYS(ioctl), ENOTTY);
     return filter.load();
@@ -271,7 +274,7 @@ bool allow_program_calls(bool caged) {
                     CLONE_NEWUSER | CLONE_NEWNS | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWIPC |
                         CLONE_NEWUTS | CLONE_NEWCGROUP);
     filter.allow_if(SCMP_SYS(fcntl), 1, F_SETFL, word);
-    // Pipes, but no devices.
+    // It may make pipes, but no devices.
     filter.allow_if(SCMP_SYS(mknod), 1, S_IFIFO, S_IFMT);
     filter.allow_if(SCMP_SYS(mknodat), 2, S_IFIFO, S_IFMT);
     for (const uint64_t request : {TCGETS, TIOCGWINSZ, FIONREAD, FIONBIO, FIOCLEX, FIONCLEX}) {

@@ -1,16 +1,17 @@
-// Which calls of the kernel a helper process may still make: a list of what is needed, all else is
-// refused. One thread; there is no way back.
+// The kernel calls that a helper process may still make: a list of what it needs; all others are
+// refused. One thread; the filter cannot be removed.
 #pragma once
 
 namespace thumbnails {
 
-// Threads, memory, reading files and writing to what is open. No other process and nothing shared
-// with one; no file is changed, locked or watched. False when the kernel refuses.
+// For a decoder: threads, memory, reading files and writing to what is open. It can reach no other
+// process and share nothing with one; it can change, lock or watch no file. False when the kernel
+// refuses the filter.
 bool allow_decoder_calls();
 
-// For a thumbnailer program: it may start others, and write where that is allowed. Only where it is
-// `caged`, with processes and files of its own, may it signal, and change modes, times and owners:
-// no other means keeps those from other processes and the user's files.
+// For a thumbnailer program: it may start others, and write where that is allowed. Only when
+// `caged`, with processes and files of its own, may it send signals and change modes, times and
+// owners: nothing else would protect other processes and the user's files from those calls.
 bool allow_program_calls(bool caged);
 
 }  // namespace thumbnails

@@ -20,8 +20,8 @@ namespace {
 
 using namespace thumbnails;
 
-// Larger ones need more memory than a picture of this size is worth; JPEG and SVG never hold all
-// their pixels at once.
+// Larger images need more memory than a picture of this size is worth. JPEG and SVG are exempt:
+// their loaders never hold all pixels at once.
 const int64_t most_pixels = 128 * 1024 * 1024;
 
 struct Size {
@@ -84,7 +84,8 @@ Loaded load(const std::vector<char>& start, Size& size) {
     return loaded;
 }
 
-// As the camera was held, and not above the box: some loaders only come near it.
+// The picture upright, as the camera was held, and no larger than the box: some loaders only come
+// near the box.
 GdkPixbuf* finished(GdkPixbuf* pixbuf, Size& size) {
     GdkPixbuf* upright = gdk_pixbuf_apply_embedded_orientation(pixbuf);
     if (!upright) return nullptr;
@@ -136,7 +137,7 @@ std::string guess(const char* name, const std::vector<char>& start) {
         name, reinterpret_cast<const guchar*>(start.data()), start.size(), nullptr));
 }
 
-// Names may lie: they count only where the content says nothing.
+// A name may lie, so it counts only when the content tells nothing.
 std::string type_of(const char* name, const std::vector<char>& start) {
     const std::string type = guess(nullptr, start);
     const bool says_nothing = type == "application/octet-stream" || type == "text/plain";
@@ -149,7 +150,7 @@ void decode(Size size, const char* name) {
     if (count <= 0) return write_reply(Outcome::none);
     start.resize(static_cast<size_t>(count));
     const std::string type = type_of(name, start);
-    // Some loaders take any text for theirs.
+    // Some loaders accept any text as theirs.
     if (type.compare(0, 6, "image/") != 0) return write_unsupported(type);
     const Loaded loaded = load(start, size);
     if (loaded.is_unknown) return write_unsupported(type);

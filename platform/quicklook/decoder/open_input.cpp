@@ -23,7 +23,7 @@ int open_plain_file(const std::string& path) {
     int file = -1;
     if (is_plain(place)) {
         const int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-        // The very file that was looked at, whatever its path leads to now.
+        // The very file that was looked at, wherever its path leads now.
         file = open(("/proc/self/fd/" + std::to_string(place)).c_str(), flags);
         if (file < 0 && access("/proc/self/fd", F_OK) != 0) file = open(path.c_str(), flags);
     }

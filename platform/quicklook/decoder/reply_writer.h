@@ -15,7 +15,7 @@ inline void write_reply(Outcome outcome) {
     write_reply(reply);
 }
 
-// False when nobody reads any more.
+// False when nobody reads any longer.
 bool write_bytes(const void* bytes, size_t size);
 
 }  // namespace thumbnails

@@ -26,7 +26,7 @@ void limit(__rlimit_resource_t what, rlim_t most) {
     setrlimit(what, &wanted);
 }
 
-// What this system's headers may not know yet.
+// Rights that this system's headers may not know yet.
 const uint64_t truncating = 1u << 14, device_control = 1u << 15;
 const uint64_t binding_and_connecting = 3, sockets_and_signals = 3;
 
@@ -45,7 +45,7 @@ long landlock_version() {
     return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION);
 }
 
-// As much as the kernel can rule.
+// As many rules as the kernel supports.
 struct Rules {
     uint64_t files, network, reach;
 };

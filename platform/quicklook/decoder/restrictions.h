@@ -1,4 +1,4 @@
-// What a helper process takes away from itself. One thread.
+// The rights that a helper process gives up. One thread.
 #pragma once
 
 #include <stddef.h>
@@ -8,13 +8,13 @@
 
 namespace thumbnails {
 
-// Address space, processor time, no core file; kills itself after `seconds`, and when its parent
-// ends. Inherited by what is started later.
+// Limits address space and processor time, and forbids core files. The process kills itself after
+// `seconds` and when its parent ends. Programs that it starts later inherit all this.
 void limit_resources(size_t megabytes, unsigned processor_seconds, unsigned seconds);
 
-// For a decoder: only the calls that it needs, and of files only the system's own. What runs in no
-// cage (bubblewrap) takes a kernel that can keep files away (Landlock). False when the kernel
-// cannot, or refuses: do not go on then.
+// For a decoder: it keeps only the kernel calls that it needs, and only the system's own files.
+// Without a cage (bubblewrap) this takes a kernel that can keep files away (Landlock). False when
+// the kernel cannot do so, or refuses: do not go on then.
 bool restrict_decoder(bool caged);
 
 struct Reach {
@@ -23,8 +23,9 @@ struct Reach {
     bool caged = false;
 };
 
-// For a thumbnailer program, in the process that is about to become it: only the calls that such
-// programs need, no process group of its own; files as Reach says. False as above.
+// For a thumbnailer program, called in the process that is about to become it. It keeps only the
+// kernel calls that such programs need, cannot make a process group of its own, and reaches files
+// as Reach says. False as above.
 bool restrict_program(const Reach& reach);
 
 }  // namespace thumbnails

@@ -86,8 +86,8 @@ std::string expanded(const char* word, const Job& job) {
 
 enum class Run { done, failed, too_slow, not_started };
 
-// Blocked, so that a wait with a time limit can hear them: the program has ended, whoever started
-// us has ended, our time is up.
+// These signals are blocked, so that a wait with a time limit can receive them: the program has
+// ended, our parent has ended, or our time is up.
 sigset_t awaited_signals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -178,7 +178,7 @@ void make(int count, char** words) {
     for (int i = program + 1; i < count; i++) command.push_back(expanded(words[i], job));
     const Run result = run(command, job, atoi(words[seconds]));
     if (result == Run::done) return decode_output(job, words);
-    // Before the reply: it ends us.
+    // The folder goes before the reply, because the reply ends us.
     remove_folder(job);
     switch (result) {
         case Run::too_slow:
@@ -198,7 +198,7 @@ int main(int count, char** words) {
         return 0;
     }
     make(count, words);
-    // What the program left running ends with us: all of us are one process group.
+    // Processes that the program left running end with us: all of us are one process group.
     kill(0, SIGKILL);
     return 0;
 }

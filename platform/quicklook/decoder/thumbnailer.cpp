@@ -1,5 +1,5 @@
-// The helper program that the thumbnails of untrusted files are made with. It opens the file, sets
-// limits, and becomes the decoder for it, in bubblewrap where that works.
+// The helper program that makes the thumbnails of untrusted files. It opens the file, sets limits,
+// and becomes the decoder for the file, in bubblewrap where that works.
 //
 //   delvio-thumbnailer MODE CAGE MEGABYTES PROCESSOR-SECONDS SECONDS WIDTH HEIGHT PATH
 //                      [SECONDS COMMAND...]
@@ -54,7 +54,7 @@ std::string own_folder() {
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
 }
 
-// Returns only when that fails.
+// Returns only when it fails.
 void become(const Words& words) {
     std::vector<char*> arguments;
     for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
@@ -62,7 +62,7 @@ void become(const Words& words) {
     execvp(arguments[0], arguments.data());
 }
 
-// What the next program is told: the box, the file, and with a thumbnailer its command.
+// The arguments of the next program: the box, the file and, for a thumbnailer, its command.
 Words next_words(const Mode& mode, bool is_caged, char** words, int count) {
     const std::string file = words[path];
     const std::string name = file.substr(file.rfind('/') + 1);
