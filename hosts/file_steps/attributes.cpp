@@ -19,7 +19,7 @@ bool starts_with(std::string_view name, std::string_view prefix) {
 
 bool is_access_list(std::string_view name) { return starts_with(name, "system.posix_acl_"); }
 
-// The names, each with its zero byte; empty where there are none or none can be had.
+// The attribute names, each with its zero byte; empty when there are none or they cannot be read.
 std::vector<char> list_attributes(int file) {
     char buffer[1024];
     const ssize_t size = flistxattr(file, buffer, sizeof buffer);
@@ -31,7 +31,7 @@ std::vector<char> list_attributes(int file) {
     return names;
 }
 
-// 0 or an error number.
+// Returns 0 or an error number.
 int copy_attribute(int source, int target, const char* name) {
     const ssize_t size = fgetxattr(source, name, nullptr, 0);
     if (size < 0) return errno == ENODATA ? 0 : errno;
@@ -44,7 +44,7 @@ int copy_attribute(int source, int target, const char* name) {
 bool keep_attribute(int source, int target, const char* name, const std::string& path, Work& work) {
     const int error = copy_attribute(source, target, name);
     if (error == 0) return true;
-    // Labels of the system's own are its business.
+    // A failure to copy one of the system's own labels does not matter.
     if (!starts_with(name, "user.") && !is_access_list(name)) return true;
     if (error == ENOSPC || error == EDQUOT || error == E2BIG) {
         return work.fail("no room for the extended attributes of", path, error);
@@ -63,7 +63,7 @@ bool keep_listed(const std::vector<char>& names, bool access_lists, int source, 
     return true;
 }
 
-// A file that belongs to somebody else now must not lend that one's rights.
+// If the owner could not be kept, the copy must not keep the set-user and set-group bits.
 mode_t mode_for(bool owner_kept, mode_t mode) { return mode & (owner_kept ? 07777 : 01777); }
 
 }  // namespace

@@ -20,7 +20,7 @@ constexpr uint64_t small_file = 64 * 1024;
 constexpr uint64_t piece = 8 * 1024 * 1024;
 constexpr size_t buffer_size = 256 * 1024;
 
-// One for each use of a thread, kept: making one takes longer than a small file.
+// One buffer for each use in each thread, kept: making one takes longer than copying a small file.
 char* kept_buffer(int use) {
     thread_local std::unique_ptr<char[]> buffers[2];
     if (!buffers[use]) buffers[use].reset(new char[buffer_size]);
@@ -34,7 +34,7 @@ ssize_t read_at(int file, char* buffer, size_t size, uint64_t at) {
     }
 }
 
-// A file that one read takes in. Reads on to the end: it may be longer than it was.
+// Copies a file that fits into one read. Reads on to the end, since the file may have grown.
 int copy_small(int source, int target, uint64_t size) {
     char buffer[small_file + 1];
     uint64_t total = 0;
@@ -53,7 +53,7 @@ bool is_unsupported(int error) {
            error == EBADF || error == EPERM || error == ETXTBSY;
 }
 
-// One stretch of data at the same place in both, by way of this process.
+// Copies one stretch to the same place in the target, through this process.
 int read_and_write(int source, int target, uint64_t at, uint64_t end, const PieceDone& done) {
     char* buffer = kept_buffer(0);
     while (at < end) {
@@ -69,7 +69,7 @@ int read_and_write(int source, int target, uint64_t at, uint64_t end, const Piec
     return 0;
 }
 
-// The same within the kernel.
+// Copies one stretch within the kernel.
 int copy_stretch(int source, int target, uint64_t at, uint64_t end, const PieceDone& done) {
     while (at < end) {
         loff_t from = static_cast<loff_t>(at), to = from;
@@ -79,7 +79,7 @@ int copy_stretch(int source, int target, uint64_t at, uint64_t end, const PieceD
         if (count < 0 && !is_unsupported(errno)) return errno;
         // Some file systems say "end of file" where reading works.
         if (count <= 0) return read_and_write(source, target, at, end, done);
-        // Lets the disk begin while the next piece is read.
+        // Lets the disk begin to write while the next piece is read.
         sync_file_range(target, static_cast<off_t>(at), count, SYNC_FILE_RANGE_WRITE);
         at += static_cast<uint64_t>(count);
         if (!done(static_cast<uint64_t>(count))) return ECANCELED;
@@ -87,7 +87,7 @@ int copy_stretch(int source, int target, uint64_t at, uint64_t end, const PieceD
     return 0;
 }
 
-// Only where the source has data; the rest stays a hole.
+// Copies only the data of the source; the rest stays a hole.
 int copy_sparse(int source, int target, uint64_t size, const PieceDone& done) {
     uint64_t at = 0;
     while (at < size) {

@@ -19,7 +19,7 @@ bool remove_content(int folder, uint64_t mount) {
     return removed;
 }
 
-// A folder that may have been made read-only.
+// Opens a folder that is to be emptied, even if it was made read-only.
 Descriptor open_to_empty(int parent, const char* name) {
     Descriptor folder = OpenFolder(parent, name);
     if (!folder && errno == EACCES && fchmodat(parent, name, 0700, 0) == 0) {
@@ -31,8 +31,9 @@ Descriptor open_to_empty(int parent, const char* name) {
     return folder;
 }
 
-// Where a file system knows no rename that replaces nothing: a file gets its second name before it
-// loses the first; a folder's new name is looked at, and no full folder is ever replaced.
+// For file systems without a rename that refuses taken names. A file gets its second name before it
+// loses the first; for a folder the new name is looked up first, and a full folder is never
+// replaced.
 bool move_in_steps(int from_folder, const std::string& from, int to_folder, const std::string& to) {
     struct stat what;
     if (!Look(from_folder, from.c_str(), &what)) return false;
@@ -49,7 +50,7 @@ bool move_in_steps(int from_folder, const std::string& from, int to_folder, cons
     return errno == ENOENT && renameat(from_folder, from.c_str(), to_folder, to.c_str()) == 0;
 }
 
-// A disk may lose its answer, but not what it was asked to do. Keeps errno.
+// A network disk may do what it was asked to do and lose its answer. Keeps errno.
 bool was_done_all_the_same(int from_folder, const std::string& from, int to_folder,
                            const std::string& to) {
     const int error = errno;
@@ -96,7 +97,7 @@ std::string PathOf(int folder) {
     const ssize_t size = readlink(link.c_str(), path, sizeof path);
     if (size < 0) return {};
     const std::string found(path, static_cast<size_t>(size));
-    // One that was removed or is out of reach has a path that leads elsewhere.
+    // The path of a removed or unreachable folder leads elsewhere.
     struct stat here, there;
     if (fstat(folder, &here) != 0 || stat(found.c_str(), &there) != 0) return {};
     if (here.st_ino == there.st_ino && here.st_dev == there.st_dev && found[0] == '/') return found;

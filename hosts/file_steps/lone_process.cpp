@@ -11,8 +11,8 @@ namespace {
 
 constexpr unsigned longest_work = 600;  // seconds
 
-// Nothing of its parent stays open in it, and none of that one's signal handlers is left: nobody
-// waits for its end without knowing.
+// Closes the parent's files and resets its signal handlers, so that nobody waits for this process
+// without knowing.
 void let_go_of_everything() {
     setsid();
     for (int number = 1; number < NSIG; number++) signal(number, SIG_DFL);
@@ -22,7 +22,7 @@ void let_go_of_everything() {
     if (chdir("/") != 0) _exit(1);
     close_range(0, ~0u, 0);
     for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
-    // Where a disk can be given up at all.
+    // This works only where a process can give up waiting for the disk.
     alarm(longest_work);
 }
 
@@ -35,7 +35,7 @@ void RunAlone(const std::function<void()>& work) {
         waitpid(parent, nullptr, 0);
         return;
     }
-    // Its child has no parent that would have to wait for it.
+    // The second child has no parent that would have to wait for it.
     if (fork() != 0) _exit(0);
     let_go_of_everything();
     work();

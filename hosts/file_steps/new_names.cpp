@@ -18,7 +18,7 @@ std::string shortened(std::string stem, size_t most) {
     if (stem.size() <= most) return stem;
     size_t size = most;
     while (size > 0 && continues_character(stem[size])) size--;
-    // Bytes that are no UTF-8 at all are cut where they must be.
+    // Bytes that are not UTF-8 are cut at the limit.
     stem.resize(size > 0 && most - size < 4 ? size : most);
     return stem;
 }

@@ -34,7 +34,7 @@ bool TreeCopy::check_file(const Place& source, const Place& target) {
     const int flags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC;
     const Descriptor ours(openat(source.folder, source.name.c_str(), flags));
     if (!ours) return work_.fail("cannot read", source.path, errno);
-    // The copy may have permissions that keep its own owner out.
+    // The copy's permissions may keep its own owner out.
     Descriptor copied(openat(target.folder, target.name.c_str(), flags));
     if (!copied) return work_.fail("cannot read the copy of", source.path, errno);
     const auto piece = [&](uint64_t) { return work_.advance(source.path, 0, 0); };

@@ -19,8 +19,8 @@ namespace operations {
 
 namespace {
 
-// A journal: its name is the prefix without the dot; it holds the file system's number, a newline
-// and the folder's path to the end. Whoever holds its lock lives.
+// A journal's name is the prefix without the dot. It holds the file system's number, a newline and
+// the folder's path up to the end. The process that holds its lock is alive.
 constexpr const char* journal_start = "delvio-";
 constexpr size_t random_digits = 16;
 constexpr int days_to_wait = 90;
@@ -43,7 +43,7 @@ bool is_journal(const std::string& name) {
            name.find_first_not_of("0123456789abcdef", start) == std::string::npos;
 }
 
-// One whose process was killed before it had its name; nothing was made for it.
+// A journal whose process was killed before it renamed the journal; it made no files.
 bool is_new(const std::string& name) {
     const size_t start = strlen(new_start);
     return name.compare(0, start, new_start) == 0 && is_journal(name.substr(start));
@@ -54,7 +54,7 @@ std::string file_system_of(int folder) {
     return fstatvfs(folder, &what) == 0 ? std::to_string(what.f_fsid) : "";
 }
 
-// The home may be full, which is what a move may be to help against.
+// A second folder serves when the home is full; the user may be moving files to make room there.
 std::vector<std::string> possible_journals(const std::string& state_folder) {
     std::vector<std::string> folders = {journals_in(state_folder)};
     const char* run_time = getenv("XDG_RUNTIME_DIR");
@@ -90,20 +90,20 @@ bool is_old(int file) {
     return fstat(file, &what) == 0 && time(nullptr) - what.st_mtime > days_to_wait * 24 * 3600;
 }
 
-// Whether the journal has served.
+// Whether the journal is no longer needed.
 bool clean_up(int file, const std::string& prefix) {
     const std::string text = read_all(file);
     const size_t newline = text.find('\n');
-    // Nothing is made before the journal is whole.
+    // Without a complete journal no file was made.
     if (newline == std::string::npos || text.compare(newline + 1, 1, "/") != 0) return true;
     const Descriptor folder(open(text.c_str() + newline + 1, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!folder) return is_old(file);
-    // Another volume may stand there now, and this one come back.
+    // Another volume may be mounted there now, and the right one may come back.
     if (file_system_of(folder.get()) != text.substr(0, newline)) return is_old(file);
     return remove_prefixed(folder.get(), prefix);
 }
 
-// Of one that nobody holds.
+// Does nothing while a process holds the journal.
 void clean_up_journal(const std::string& path) {
     const Descriptor file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
@@ -133,7 +133,7 @@ std::string StateFolder() {
     return std::string(home ? home : "") + "/.local/state/delvio";
 }
 
-// It gets its name once it is locked and whole, so that nobody takes it for one without an owner.
+// The journal gets its name once it is locked and complete, so that nobody takes it for abandoned.
 bool Temporaries::open_journal(const std::string& journals, const std::string& name,
                                const std::string& text) {
     if (!MakeFolders(journals)) return false;

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* info_suffix = ".trashinfo";
 constexpr int counted_names = 64, most_names = 1000;
 
-// As an address has it; a slash stays.
+// Escapes a path as in a URL; slashes stay.
 std::string escaped(const std::string& path) {
     std::string text;
     for (const char byte : path) {
@@ -43,7 +43,7 @@ std::string info_text(const std::string& path, const std::string& top) {
     return "[Trash Info]\nPath=" + escaped(where) + "\nDeletionDate=" + date + "\n";
 }
 
-// Counts first; where many have the name already, a number that nobody has is found at once.
+// Counts at first; if many of the names are taken, a random number finds a free one at once.
 std::string number_of(int attempt) {
     if (attempt < 2) return "";
     uint32_t number = 0;
@@ -59,15 +59,15 @@ std::string trash_name(const std::string& name, int attempt) {
     return name.substr(0, most) + number;
 }
 
-// One thing on its way into one trash.
+// The way of one thing into one trash.
 class Way {
   public:
     Way(const Thing& thing, const TrashFolder& trash, const std::string& path)
         : thing_(thing), trash_(trash), path_(path), open_(OpenTrashFolder(trash)) {}
 
     const std::string& problem() const { return open_.problem; }
-    // 0 or an error number: EXDEV when the trash is not on the thing's volume, ECANCELED when it is
-    // not wanted, ESTALE when the thing is another one now.
+    // Returns 0 or an error number: EXDEV when the trash is not on the volume of the thing,
+    // ECANCELED when `before` cancels, ESTALE when the name now belongs to another file.
     int put(const std::function<bool(const Trashed&)>& before, Trashed* trashed);
 
   private:
@@ -82,7 +82,7 @@ class Way {
     std::string name_, info_name_;
 };
 
-// By writing its info. False with errno: EEXIST where it is taken.
+// Takes the name by writing its info file. False with errno: EEXIST when the name is taken.
 bool Way::take_name(int attempt) {
     name_ = trash_name(thing_.name, attempt);
     info_name_ = name_ + info_suffix;
@@ -103,7 +103,8 @@ bool Way::take_name(int attempt) {
     return false;
 }
 
-// 0, ESTALE when it is something else, or another error number when that cannot be told.
+// Returns 0, ESTALE when the name belongs to another file, or the error number when that is
+// unknown.
 int Way::look_for_thing(int folder, const std::string& name) {
     struct stat what;
     if (!Look(folder, name.c_str(), &what)) return errno;
@@ -112,13 +113,13 @@ int Way::look_for_thing(int folder, const std::string& name) {
     return is_it ? 0 : ESTALE;
 }
 
-// With a name taken. 0 or an error number.
+// Moves the thing to the name that was taken. Returns 0 or an error number.
 int Way::go() {
     const int error = look_for_thing(thing_.folder, thing_.name);
     if (error != 0) return error;
     if (!MoveFree(thing_.folder, thing_.name, open_.files.get(), name_)) return errno;
     if (look_for_thing(open_.files.get(), name_) != ESTALE) return 0;
-    // It was exchanged in between.
+    // The file was exchanged for another just before the move.
     MoveFree(open_.files.get(), name_, thing_.folder, thing_.name);
     return ESTALE;
 }
@@ -132,7 +133,7 @@ int Way::put(const std::function<bool(const Trashed&)>& before, Trashed* trashed
             if (error == 0) return 0;
             unlinkat(open_.info.get(), info_name_.c_str(), 0);
         }
-        // Something without an info may take the name meanwhile.
+        // A file without an info file may have taken the name since.
         if (error != EEXIST) return error;
     }
     return EEXIST;
@@ -144,8 +145,8 @@ std::string in_words(int error) {
     return error == ECANCELED ? "stopped" : strerror(error);
 }
 
-// At the top of a volume one's own trash stands in for a shared one; nothing stands in for the
-// home's.
+// If the shared trash of a volume fails, the user's own trash there takes its place; no other trash
+// takes the place of the home's.
 bool is_final(const TrashFolder& trash, const std::string& problem) {
     return !problem.empty() && trash.is_home;
 }
@@ -172,7 +173,7 @@ bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& b
         const int error = way.put(before, trashed);
         if (error == 0) return true;
         *problem = start + in_words(error);
-        // Whatever else went wrong may have happened half.
+        // After any other error the move may be half done.
         if (error != EXDEV) return false;
     }
     return false;

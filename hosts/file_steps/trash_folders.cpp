@@ -20,8 +20,7 @@ std::string home_trash() {
     return std::string(home ? home : "") + "/.local/share/Trash";
 }
 
-// Whether the path, or the nearest folder above it that is there, is on the device. No if it cannot
-// be asked.
+// Whether the path, or its nearest existing parent, is on the device. False if that cannot be told.
 bool is_on(std::string path, dev_t device) {
     struct stat what;
     while (stat(path.c_str(), &what) != 0) {
@@ -31,7 +30,7 @@ bool is_on(std::string path, dev_t device) {
     return what.st_dev == device;
 }
 
-// The highest folder above that is still on the same mount.
+// The highest parent folder that is still on the same mount.
 std::string top_of_volume(std::string path, uint64_t mount) {
     while (path != "/") {
         const std::string parent = ParentOf(path);

@@ -30,7 +30,7 @@ Place inside(int folder, const Place& place, const std::string& name) {
 }
 
 Descriptor open_file(const Place& place) {
-    // Without waiting for the other end, should a FIFO have taken the name.
+    // If a FIFO has taken the name, opening does not wait for its other end.
     const int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     return Descriptor(openat(place.folder, place.name.c_str(), flags));
 }
@@ -75,7 +75,7 @@ bool TreeCopy::copy_by_kind(const Place& source, const Place& target, const stru
     return copied;
 }
 
-// Another name of a file that was copied before.
+// Makes another name (a hard link) of a file that was copied before.
 bool TreeCopy::link_again(const Place& target, const struct stat& what) {
     const auto known = link_names_.find({what.st_dev, what.st_ino});
     if (known == link_names_.end()) return false;
@@ -86,13 +86,13 @@ bool TreeCopy::link_again(const Place& target, const struct stat& what) {
     return linked_ = true;
 }
 
-// Where the file system has no links, each name gets a copy of its own.
+// Where the file system has no hard links, each name gets its own copy.
 void TreeCopy::keep_link(const Place& target, const struct stat& what) {
     const std::string name = prefix_ + "link" + std::to_string(link_names_.size());
     const bool linked =
         linkat(target.folder, target.name.c_str(), destination_, name.c_str(), 0) == 0;
     if (!linked && (errno == EPERM || errno == EOPNOTSUPP || errno == EMLINK)) return;
-    // A disk that says no may have made it.
+    // A disk that reports an error may still have made the link.
     made_.push_back(name);
     if (!linked) return;
     link_names_[{what.st_dev, what.st_ino}] = name;
@@ -170,14 +170,14 @@ bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& 
     for (const std::string& name : names) {
         const Place entry = inside(from, source, name);
         struct stat what;
-        // What has gone since was not there; a move sees that the folder changed.
+        // An entry that is gone since is skipped; a move notices that the folder changed.
         if (!Look(from, name.c_str(), &what) && errno == ENOENT) continue;
         if (!copy(entry, inside(to, target, name))) return false;
     }
     return true;
 }
 
-// Where a disk is mounted twice, the destination may be in the source without being below it.
+// If a disk is mounted twice, the destination may be in the source without being below its path.
 bool TreeCopy::may_enter(int folder, const struct stat& what, const Place& source) {
     if (Identity(what.st_dev, what.st_ino) == destination_identity_) {
         return work_.fail(QuotedName(source.path) +
@@ -229,7 +229,8 @@ void TreeCopy::forget_inherited(int made, const Place& target) {
     if (inherits_ && target.folder == destination_) ForgetAccessLists(made);
 }
 
-// A few things are synced by themselves; of many, or what cannot be opened, the whole file system.
+// Up to a few files are synced one by one; for many, or files that cannot be opened, the whole file
+// system is synced.
 void TreeCopy::wrote(int file) {
     written_ = file < 0 ? synced_one_by_one + 1 : written_ + 1;
     if (written_ > synced_one_by_one) return unsynced_.clear();
@@ -258,7 +259,7 @@ bool TreeCopy::is_as_remembered(const struct stat& what, bool removing) const {
     const auto known = stamps_.find({what.st_dev, what.st_ino});
     if (known == stamps_.end()) return false;
     const Stamp& stamp = known->second;
-    // Removing one of a file's names changes the file for the others.
+    // Removing one of a file's names changes the state of its other names.
     const bool changes_itself = removing && stamp.has_several_names;
     return stamp.size == what.st_size && is_same(stamp.modified, what.st_mtim) &&
            (changes_itself || is_same(stamp.changed, what.st_ctim));

@@ -23,7 +23,7 @@ void TreeCount::run() {
     done_ = !cancelled_;
 }
 
-// What is deeper is not counted: the copying needs the files that may be open.
+// Deeper folders are not counted: the copying needs the open files.
 constexpr int deepest_counted = 100;
 
 void TreeCount::count(int parent, const char* name, int depth) {

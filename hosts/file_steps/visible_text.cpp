@@ -7,8 +7,8 @@ namespace operations {
 
 namespace {
 
-// What controls a terminal, breaks a line, reorders what stands around it or cannot be seen. The
-// joiners U+200C and U+200D belong to the writing of some languages.
+// Characters that control a terminal, break a line, reorder the text around them or are invisible.
+// The joiners U+200C and U+200D are not listed: some languages need them.
 constexpr struct {
     uint32_t first, last;
 } unseen[] = {
@@ -29,7 +29,7 @@ bool is_unseen(uint32_t character) {
     return false;
 }
 
-// Bytes of a sequence that begins so; 0 for a byte that begins none.
+// The length of a sequence that begins with this byte; 0 for a byte that begins none.
 size_t length_after(unsigned char first) {
     if (first < 0x80) return 1;
     if (first >= 0xC2 && first < 0xE0) return 2;
@@ -37,7 +37,7 @@ size_t length_after(unsigned char first) {
     return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
-// How many bytes the character at the beginning takes; 0 when there is none.
+// The length in bytes of the character at the beginning; 0 when there is none.
 size_t read_character(std::string_view text, uint32_t* character) {
     static constexpr uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
     const auto first = static_cast<unsigned char>(text[0]);

@@ -26,8 +26,8 @@ struct Left {
     bool is_any = false;
 };
 
-// The last step of an operation that has ended, if it was on the way to the trash. The lock is not
-// kept: an undo would take it for an operation under way.
+// The last step of the last operation, if that operation has ended and the step was a move to the
+// trash. The lock is released, because an undo would take it for a running operation.
 Left left_in(const std::string& state_folder) {
     Left left;
     const std::string path = UndoJournalPath(state_folder);
@@ -55,7 +55,8 @@ void remove_if_alone(const Left& left) {
     struct stat file, info;
     if (lstat(left.trashed.file.c_str(), &file) == 0 || !IsMissing(errno)) return;
     if (lstat(left.trashed.info.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return;
-    // A later one is another program's, which has taken the name since and is about to use it.
+    // A later note belongs to another program, which has taken the name since and is about to use
+    // it.
     if (!is_later(info.st_mtim, left.noted)) unlink(left.trashed.info.c_str());
 }
 

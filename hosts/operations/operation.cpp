@@ -13,7 +13,7 @@ namespace operations {
 
 namespace {
 
-// The folder and all above it.
+// The identities of the folder and of all folders above it.
 std::set<std::pair<dev_t, ino_t>> folders_above(int folder) {
     std::set<std::pair<dev_t, ino_t>> found;
     Descriptor at(openat(folder, ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
@@ -103,7 +103,7 @@ void Operation::carry(size_t index) {
     }
 }
 
-// Opens the folder that the source is in and looks at the source.
+// Opens the folder of the source and looks at the source.
 bool Operation::find(size_t index, Item& item) {
     item.path = request_.sources[index];
     item.name = exact_name_.empty() ? NameOf(item.path) : exact_name_;
@@ -123,7 +123,7 @@ bool Operation::find(size_t index, Item& item) {
     return found;
 }
 
-// What makes no sense, before anything is touched.
+// Refuses requests that make no sense, before anything is touched.
 bool Operation::is_refused(Item& item) {
     if (request_.kind == Kind::Alias || request_.kind == Kind::Trash) return false;
     if (S_ISDIR(item.what.st_mode) && above_.count({item.what.st_dev, item.what.st_ino})) {

@@ -1,4 +1,4 @@
-// Of an operation: what is done when a name is taken.
+// What an operation does when a name is taken.
 #include <errno.h>
 #include <fcntl.h>
 
@@ -31,8 +31,8 @@ bool Operation::is_settled_by_choice(const Item& item) {
     return true;
 }
 
-// After item.target_name was found taken: takes another name or makes this one free. False when
-// the item is settled.
+// Called after item.target_name was found taken: chooses another name or makes this one free. False
+// when the item is settled.
 bool Operation::make_room(Item& item) {
     if (!item.choice) item.choice = decide(item, item.target_name);
     if (is_settled_by_choice(item) || !may_try_again(item)) return false;
@@ -41,8 +41,8 @@ bool Operation::make_room(Item& item) {
     return true;
 }
 
-// One name after the other is tried, but not for ever: a disk may say of each that it is taken.
-// False when the item is settled.
+// Limits the names that are tried: a disk may say of every name that it is taken. False when the
+// item is settled.
 bool Operation::may_try_again(Item& item) {
     constexpr unsigned most_tries = 10000;
     if (item.tries++ < most_tries && work_.is_wanted()) return true;
@@ -90,14 +90,14 @@ bool Operation::put_in_trash(const Thing& thing, const std::string& path, Trashe
     return work_.fail(problem);
 }
 
-// What was to be replaced comes back, because nothing came in its place.
+// Restores a replaced file, because nothing came in its place.
 void Operation::give_back(Item& item) {
     if (!item.replaced) return;
     if (TakeFromTrash(*item.replaced, destination_.get(), item.target_name)) journal_.not_done();
     item.replaced.reset();
 }
 
-// Nothing, with errno, when it cannot be told.
+// Nothing, with errno, when the answer is unknown.
 std::optional<bool> Operation::holds_source(const Item& item, const struct stat& target) {
     if (!S_ISDIR(target.st_mode)) return false;
     struct stat what;

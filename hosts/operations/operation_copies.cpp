@@ -1,5 +1,5 @@
-// Of an operation: what goes by way of a copy. Copies are made under names of their own, synced
-// many at a time, and only then given the names that were asked for.
+// The copies of an operation. They are made under temporary names, synced many at a time, and only
+// then get their final names.
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -16,7 +16,7 @@ namespace {
 constexpr size_t most_pending = 1024;
 constexpr uint64_t most_pending_bytes = 1ull << 30;
 
-// What waits for its name holds the folders of the sources: a part of what may be open.
+// Pending items keep the folders of their sources open; these may use a part of the open files.
 size_t most_folders() {
     rlimit limit;
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return 1;
@@ -40,7 +40,7 @@ bool Operation::begin_copies(size_t index) {
     return true;
 }
 
-// Whether a source that is moved by a copy can be removed afterwards, before anything is copied.
+// Asked before anything is copied: whether the source of a move can be removed after the copy.
 bool Operation::may_be_removed(const Item& item) {
     struct stat folder;
     const int parent = item.folder->get();
@@ -88,7 +88,7 @@ void Operation::discard(Item& item) {
     if (!RemoveTree(destination_.get(), item.temporary.c_str())) temporaries_->leave();
 }
 
-// Gives all that was copied its name, and ends moves by removing their sources.
+// Gives all pending copies their names, and ends moves by removing their sources.
 void Operation::flush() {
     if (pending_.empty()) return;
     if (work_.is_stopped()) work_.fail("stopped");
@@ -129,7 +129,7 @@ void Operation::publish_pending() {
     });
 }
 
-// False when the item is settled without.
+// False when the item is settled without getting its name.
 bool Operation::publish(Item& item) {
     const std::string remark = outcome(item).reason;
     for (item.target_name = item.name; !give_name(item);) {
@@ -158,7 +158,7 @@ bool Operation::give_name(Item& item) {
     return false;
 }
 
-// Says what is about to get its name, so that it is known should nothing be said afterwards.
+// Records which copy is about to get its name, so that an undo knows it if the process is killed.
 bool Operation::announce(const Item& item) {
     struct stat what;
     if (!Look(destination_.get(), item.temporary.c_str(), &what)) return false;
@@ -168,7 +168,7 @@ bool Operation::announce(const Item& item) {
 }
 
 void Operation::empty_sources() {
-    // The names must be on the disk before the sources go.
+    // The new names must be on the disk before the sources are removed.
     const int error = pending_.empty() || fsync(destination_.get()) == 0 ? 0 : errno;
     for (Item& item : pending_) {
         const Place source = {item.folder->get(), NameOf(item.path), item.path};

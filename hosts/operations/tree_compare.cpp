@@ -18,7 +18,7 @@ bool is_same(const timespec& one, const timespec& other) {
     return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-// Other names of a linked file come and go, which changes the file but not its bytes.
+// If a linked file gains or loses another name, that changes the file but not its bytes.
 bool is_later(const struct stat& what, const CopyState& copy) {
     const bool by_bytes = copy.linked && !S_ISDIR(what.st_mode);
     return is_later(by_bytes ? what.st_mtim : what.st_ctim, copy.changed);

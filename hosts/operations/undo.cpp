@@ -1,5 +1,5 @@
-// Undoing the last operation: every step is looked at before the first is undone, and what was
-// undone is written down, so that an undo that was interrupted can be repeated.
+// Undoes the last operation: every step is checked before the first is undone, and each undone step
+// is written down, so that an interrupted undo can be repeated.
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -35,7 +35,7 @@ class Undoing {
   public:
     Undoing(LastOperation& last, Observer& observer, const std::string& state_folder)
         : last_(last), observer_(observer), state_folder_(state_folder) {}
-    // Why not, or an empty line.
+    // Returns why the step could not be undone, or an empty line.
     std::string undo(size_t index, Need need);
 
   private:
@@ -152,7 +152,7 @@ Outcome outcome_of(const Step& step, State state, const std::string& reason) {
             restored && state == State::Done ? step.source : "", reason};
 }
 
-// Every problem, if there is any.
+// Reports every problem, if there is one.
 Report problems_of(const std::vector<Step>& steps, const std::vector<Plan>& plans) {
     Report report;
     for (size_t index = 0; index < plans.size(); index++) {

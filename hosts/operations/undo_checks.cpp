@@ -14,7 +14,7 @@ namespace operations {
 
 namespace {
 
-// What stands at a path. Something that cannot be asked for is neither there nor missing.
+// The state of a path. If it cannot be asked for, it counts as neither there nor missing.
 struct Seen {
     explicit Seen(const std::string& path) : path_(path) {
         is_there = Look(AT_FDCWD, path.c_str(), &what);
@@ -78,7 +78,7 @@ Plan UndoChecks::plan(const Step& step) {
     return {};
 }
 
-// By a rename.
+// Plans for a move by a rename.
 Plan UndoChecks::plan_moved(const Step& step) {
     const Seen source(step.source), target(step.target);
     if (step.restored != 0 && source.is(step.restored) && target.is(step.inode)) {
@@ -88,7 +88,7 @@ Plan UndoChecks::plan_moved(const Step& step) {
         return with_trash(step.target, Need::TrashTarget);
     }
     if (source.is(step.inode) || (step.restored != 0 && source.is(step.restored))) {
-        // Some file systems can only give a file its new name before they take the old one.
+        // Some file systems rename a file by giving it the new name before they remove the old one.
         const bool twice = target.is(step.inode) && !S_ISDIR(target.what.st_mode) &&
                            target.what.st_dev == source.what.st_dev;
         return {twice ? Need::RemoveTarget : Need::Nothing, ""};
@@ -98,7 +98,7 @@ Plan UndoChecks::plan_moved(const Step& step) {
     return with_free_source(step, Need::MoveBack);
 }
 
-// By a copy, after which the original was taken away, or a part of it.
+// Plans for a move by a copy, after which the original was removed, perhaps in part.
 Plan UndoChecks::plan_taken_away(const Step& step) {
     const Seen source(step.source), target(step.target);
     if (step.restored != 0 && source.is(step.restored)) {
@@ -124,7 +124,7 @@ Plan UndoChecks::plan_taken_away(const Step& step) {
 Plan UndoChecks::plan_copied(const Step& step) {
     const Seen target(step.target);
     if (target.is_missing()) return {};
-    // It had not got its name yet, which something else has now.
+    // The copy had not got its name yet, and another file has it now.
     if (!target.is(step.inode) && !step.is_confirmed) return {};
     if (IsChanged(AT_FDCWD, step.target.c_str(), step.copy)) {
         return problem("the copy " + QuotedName(step.target) + " was changed since");
@@ -157,7 +157,7 @@ Plan UndoChecks::with_free_source(const Step& step, Need need) {
     const Seen above(folder);
     if (above.is_unknown()) return problem(above.problem());
     if (above.is_missing()) {
-        // It may stand in something that comes back before.
+        // The folder may be in one that an earlier step of the undo restores.
         for (std::string path = folder; path != "/"; path = ParentOf(path)) {
             const auto restored = is_there_.find(path);
             if (restored != is_there_.end() && restored->second) return {need, ""};

@@ -18,7 +18,8 @@ bool is_at(const std::string& path, int file) {
            there.st_ino == here.st_ino && there.st_dev == here.st_dev;
 }
 
-// Opens and locks it. Another operation that still writes into it keeps a file without a name.
+// Opens and locks the journal. Another operation that still writes its journal keeps it as a file
+// without a name.
 Descriptor take_journal(const std::string& path) {
     for (int tries = 0; tries < 10; tries++) {
         Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
@@ -30,7 +31,8 @@ Descriptor take_journal(const std::string& path) {
     return Descriptor();
 }
 
-// Another command that starts just now holds it for a moment, while it looks at its end.
+// Waits a little: a command that is just starting holds the lock for a moment, while it reads the
+// end of the journal.
 bool lock_soon(int file) {
     for (int tries = 0; tries < 20; tries++) {
         if (flock(file, LOCK_EX | LOCK_NB) == 0) return true;
@@ -73,7 +75,7 @@ bool UndoJournal::begin() {
 
 void UndoJournal::give_up() {
     gave_up_ = true;
-    // Half a journal would undo half an operation, and an older one another.
+    // Half a journal would undo half an operation, and an older journal the wrong one.
     if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(UndoJournalPath(state_folder_).c_str());
 }
 
@@ -124,7 +126,7 @@ LastOperation::LastOperation(const std::string& state_folder)
     }
 }
 
-// After what is whole.
+// Writes the entry after the complete entries.
 bool LastOperation::add(const std::string& entry) {
     const auto end = static_cast<off_t>(recorded_.length);
     if (ftruncate(file_.get(), end) != 0 || lseek(file_.get(), end, SEEK_SET) < 0 ||

@@ -9,7 +9,7 @@ namespace operations {
 
 namespace {
 
-// An entry is a verb and its fields, each ended by a zero byte. Names hold every other byte.
+// An entry is a verb and its fields, each ended by a zero byte. Names may hold any other byte.
 constexpr const char* begun = "delvio-undo-2";
 constexpr const char* moving = "moving";
 constexpr const char* trashing = "trashing";
@@ -44,7 +44,7 @@ unsigned long long number_of(const std::string& text) {
     return strtoull(text.c_str(), nullptr, 10);
 }
 
-// Takes the entries in, one after the other.
+// Reads the entries one after the other.
 class Reader {
   public:
     explicit Reader(Recorded* recorded) : recorded_(*recorded), steps_(recorded->steps) {}
@@ -150,7 +150,7 @@ Recorded ReadRecord(const std::string& text) {
             return recorded;
         }
         const size_t next = at + 1 + verb->fields;
-        // What was cut off was not begun.
+        // The step of a cut-off entry was never begun.
         if (next > words.size()) break;
         (reader.*verb->take)(words.data() + at + 1);
         for (; at < next; at++) recorded.length += words[at].size() + 1;
@@ -161,7 +161,7 @@ Recorded ReadRecord(const std::string& text) {
 bool EndsWithTrashing(const std::string& end, Trashed* trashed) {
     const std::vector<std::string> words = split(end);
     constexpr size_t length = 5;
-    // No field of another entry reads like the verb: they are whole paths and numbers.
+    // No field of another entry equals the verb: fields are absolute paths and numbers.
     if (words.size() < length || words[words.size() - length] != trashing) return false;
     *trashed = {words[words.size() - 3], words[words.size() - 2]};
     return true;

@@ -12,7 +12,7 @@ constexpr double button_width = 96, button_height = 30, gap = 10;
 
 enum Item { none, skip, keep_both, replace, stop, apply_to_all };
 
-// From the right; Stop keeps its distance.
+// The buttons from the right; Stop keeps its distance.
 const struct {
     Item item;
     Choice choice;
@@ -109,7 +109,7 @@ Answer AskAbout(const Conflict& conflict, bool for_all) {
                              hit:hit];
     const NSInteger code = [panel runModal];
     const widget_t* check = [panel content].widget(apply_to_all);
-    // Anything but a button ends it as Stop: nothing more is touched.
+    // If the panel ends without a button, the answer is Stop: nothing more is touched.
     Answer answer = {Choice::Stop, check && check->on};
     for (const auto& button : buttons) {
         if (button.item == code) answer.choice = button.choice;

@@ -50,7 +50,7 @@ panel_content_t content_of(NSString* title) {
     return content;
 }
 
-// Those whose requests have not ended; each is retained by its timer.
+// The windows whose requests have not ended; each is retained by its timer.
 NSUInteger running = 0;
 
 }  // namespace
@@ -123,8 +123,8 @@ NSUInteger running = 0;
     [self restart];
 }
 
-// A question of the program's own is not to be covered, and window managers keep a dialog above all
-// other windows of its program.
+// Hides the window while a panel asks a question: window managers keep a dialog above all other
+// windows of its program, so it would cover the question.
 - (void)giveWay {
     const bool is_asked = [NSApp modalWindow] != nil;
     if (is_asked != ([_panel isVisible] != NO)) return;
@@ -132,7 +132,7 @@ NSUInteger running = 0;
     [_panel orderFrontRegardless];
 }
 
-// What is left after an answer may be quick.
+// The rest of the work after an answer may be quick, so the half second starts again.
 - (void)restart {
     [_start release];
     _start = [NSDate new];
