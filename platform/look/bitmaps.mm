@@ -18,8 +18,8 @@ NSBitmapImageRep* make_bitmap(int width, int height, NSBitmapFormat format) {
 
 namespace {
 
-// Cairo's pixels are words of alpha, red, green and blue. A flipped view turns a bitmap over: here
-// it is turned over beforehand.
+// Cairo's pixels are words of alpha, red, green and blue. A flipped view turns a bitmap upside
+// down, so it is turned upside down here first.
 void copy_pixels(cairo_surface_t* surface, int width, int height, NSBitmapImageRep* rep) {
     cairo_surface_flush(surface);
     for (int y = 0; y < height; y++) {

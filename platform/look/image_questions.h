@@ -1,16 +1,17 @@
-// What menus ask of an item's image beside its size and pictures. Files' icons have answers of
-// their own. Main thread.
+// Questions that menus ask an item's image beside its size and pictures. Icons of files have their
+// own answers. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
 
 @interface NSImage (MenuQuestions)
-// Whether it is the icon of a file that file managers do not show: menus that show them all the
-// same dim their rows. The first answer may ask the disk.
+// Whether the image is the icon of a file that file managers do not show. Menus dim the rows of
+// such files. The first answer may ask the disk.
 - (BOOL)isOfHiddenFile;
-// Whether other pictures may arrive after those that are there at the first look: who shows it soon
-// looks beforehand.
+// Whether more pictures may arrive after the first look. A menu that will soon show such an image
+// looks at it beforehand.
 - (BOOL)mayChangeAfterFirstLook;
-// What an item keeps that is given this image: itself, or one that nobody can tell from it.
+// The image that an item keeps when it is given this one: this image, or one that nobody can tell
+// from it.
 - (NSImage*)imageForMenuItem;
 @end

@@ -7,7 +7,7 @@
 
 @class NSImage;
 
-// Keeps what it has made while a menu is open; bounded.
+// Keeps the surfaces that it makes while a menu is open, up to a limit.
 class image_cache_t {
   public:
     image_cache_t() = default;
@@ -17,7 +17,7 @@ class image_cache_t {
 
     // Null for an image without pixels. Belongs to the cache, until the next call.
     cairo_surface_t* surface(NSImage* image, int width, int height);
-    // The image has other pixels now.
+    // Call this when the image has new pixels.
     void forget(NSImage* image);
     void clear();
 

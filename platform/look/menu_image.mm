@@ -29,7 +29,7 @@ NSBitmapImageRep* best_bitmap(NSImage* image, int width) {
         if (better) best = static_cast<NSBitmapImageRep*>(rep);
     }
     if (best) return best;
-    // Drawn images, and formats that only draw themselves.
+    // This serves drawn images, and formats that only draw themselves.
     return [NSBitmapImageRep imageRepWithData:[image TIFFRepresentation]];
 }
 

@@ -1,4 +1,4 @@
-// How menus look: colours, type and measures. The one place to change it.
+// How menus look: colours, type and measures. This is the one place to change the look.
 #pragma once
 
 #include <string>
@@ -47,5 +47,5 @@ menu_look_t menu_look(NSFont* font, const char* server_resources);
 // The family in which a font's text is drawn: GNUstep's system font stands for the desktop's.
 std::string drawn_family(const menu_look_t& look, NSFont* font);
 
-// `color` moved towards the text's colour until it can be read on the panel.
+// `color`, moved towards the text's colour until it is readable on the panel.
 color_t readable(const menu_look_t& look, color_t color);

@@ -81,7 +81,7 @@ void set_font(menu_look_t* look, NSFont* font) {
     look->family = drawn_family(*look, font);
 }
 
-// Points at the default font size; larger and smaller fonts take the rows with them.
+// Numbers are points at the default font size. Rows grow and shrink with the font.
 void set_measures(menu_look_t* look) {
     const double scale = look->scale, size = look->font_size;
     const double growth = size / default_font_size;

@@ -12,11 +12,11 @@
 
 typedef files::ObjectOwner<PangoLayout> text_t;
 
-// UTF-8 of a title on one line: what would break the line, hide or reorder the text is replaced by
-// a visible sign, character for character; a title of many thousands is cut in its middle.
+// A title as UTF-8 on one line. A visible sign replaces each character that would break the line,
+// hide or reorder the text. A title of many thousands of characters is cut in its middle.
 std::string visible_title(NSString* title);
 
-// The text without case and accents, for comparing what is typed.
+// The text without case and accents, to compare it with typed text.
 std::string folded(const std::string& text);
 
 // The item's title; with `plain`, without the colours of its attributes.
@@ -31,5 +31,5 @@ text_t paragraph(const menu_look_t& look, const std::string& text, double size, 
 int text_width(const text_t& text);
 int text_height(const text_t& text);
 
-// Narrows the text to `width` pixels; what does not fit is left out of its middle.
+// Narrows the text to `width` pixels by leaving out its middle.
 void fit_text(const text_t& text, int width);

@@ -33,7 +33,7 @@ bool reorders(unichar c) {
            c == 0x200F || c == 0x061C || (c >= 0x206A && c <= 0x206F);
 }
 
-// Nothing is seen of it, so that two names look alike.
+// Whether the character is invisible, so that two different names look alike.
 bool hides(unichar c) {
     return c == 0x00AD || c == 0x180E || c == 0x200B || (c >= 0x2060 && c <= 0x2064) ||
            c == 0xFEFF || (c >= 0xFFF9 && c <= 0xFFFB);
@@ -46,7 +46,7 @@ unichar visible(unichar c) {
     return breaks || reorders(c) || hides(c) ? 0xFFFD : c;
 }
 
-// In place; unpaired surrogates are no characters.
+// Works in place. Unpaired surrogates are no characters and are replaced, too.
 void make_visible(std::vector<unichar>* text) {
     for (size_t i = 0; i < text->size(); i++) {
         unichar& c = (*text)[i];
@@ -82,7 +82,7 @@ std::vector<unichar> characters(NSString* title) {
     return text;
 }
 
-// Bytes of UTF-8 in which the first `count` characters are written.
+// The number of UTF-8 bytes of the first `count` characters.
 guint byte_offset(const std::vector<unichar>& text, NSUInteger count) {
     const auto end = text.begin() + std::min<size_t>(count, text.size());
     return utf8(std::vector<unichar>(text.begin(), end)).size();
@@ -183,7 +183,7 @@ text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
     return text;
 }
 
-// Lines stay lines.
+// Like visible_title(), but keeps line breaks.
 static std::string visible_lines(const std::string& text) {
     NSString* whole = [NSString stringWithUTF8String:text.c_str()] ?: @"";
     NSMutableArray* lines = [NSMutableArray array];

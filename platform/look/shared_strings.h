@@ -1,11 +1,11 @@
-// A menu's items have texts in common again and again: a file's items their title, its icons the
-// file's name, all of a level their folder. Main thread.
+// Strings that menu items share. The items of a file have the same title, its icons have the same
+// file name, and all items of a level have the same folder. Main thread.
 #pragma once
 
 #include <Foundation/Foundation.h>
 
-// An immutable string of these characters: one of the last few that were asked for, if it can be.
-// The caller retains it.
+// An immutable string of these characters. If one of the last few strings is equal, it is used
+// again. The caller retains it.
 NSString* shared_string(const unichar* characters, NSUInteger length);
-// The same for an equal string; nil for nil.
+// The same, for an equal string. Nil for nil.
 NSString* shared_string(NSString* string);

@@ -4,7 +4,8 @@
 
 namespace {
 
-// GNUstep compares two strings by composed characters, which takes thousands of instructions.
+// Characters are compared here, as GNUstep compares strings by composed characters, which takes
+// thousands of instructions.
 const NSUInteger most_characters = 256;
 
 struct text_t {
@@ -25,7 +26,7 @@ const text_t* find(const unichar* characters, NSUInteger length) {
     return nullptr;
 }
 
-// Takes the string over.
+// Takes ownership of the string.
 NSString* remember(NSString* string, const unichar* characters, NSUInteger length) {
     text_t& text = last[oldest];
     oldest = (oldest + 1) % 3;
