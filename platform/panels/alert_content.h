@@ -19,6 +19,6 @@ struct alert_words_t {
 };
 
 // The sign at the left, beside it message and explanation, below them the buttons from the right.
-// Without a cancel button Escape hits the default button: it may be hit without having read
-// anything.
+// Without a cancel button Escape hits the default button, as users may hit that one without reading
+// the alert.
 panel_content_t alert_content(const alert_words_t& words);

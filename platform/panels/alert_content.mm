@@ -6,14 +6,14 @@
 
 namespace {
 
-// In points.
+// Measures in points.
 const double margin = 24, sign_side = 52, sign_gap = 20, text_width_wanted = 340;
 const double message_size = 14, explanation_size = 12, message_gap = 8;
 const double explanation_alpha = 0.78;
 const double button_height = 30, button_gap = 10, button_padding = 18, button_least_width = 92;
 const double buttons_gap = 24, button_text_size = 13;
 
-// As wide as its title needs.
+// A button as wide as its title needs.
 widget_t button_of(const panel_content_t& content, const alert_button_t& button) {
     const text_t title = paragraph(content.look, button.title, button_text_size, false, 0);
     const int width = std::max(text_width(title) + 2 * content.pixels(button_padding),
@@ -25,7 +25,7 @@ widget_t button_of(const panel_content_t& content, const alert_button_t& button)
     return made;
 }
 
-// Wraps at the width of `area`, and is as high as that makes it.
+// A text that wraps at the width of `area` and is as high as its lines need.
 widget_t text_of(const panel_content_t& content, area_t area, const std::string& words, double size,
                  bool bold) {
     area.height = text_height(paragraph(content.look, words, size, bold, area.width));

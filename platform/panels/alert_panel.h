@@ -5,10 +5,10 @@
 #include "panels/widget_panel.h"
 
 @interface AlertPanel : WidgetPanel
-// Shows it and returns when a button has been hit: its item. Escape and the window's close button
-// hit the cancel button, without one the default button. 0 when the modal session was ended by
-// somebody else.
+// Shows the alert until a button is hit, and returns the button's item. Escape and the window's
+// close button hit the cancel button or, without one, the default button. Returns 0 when somebody
+// else ended the modal session.
 + (int)runWithWords:(const alert_words_t&)words;
-// Its message and explanation.
+// The alert's message and explanation.
 - (NSString*)text;
 @end

@@ -14,7 +14,7 @@ const double screen_share_above = 0.3;  // of the room that the panel leaves
 @implementation DialogPanel
 
 - (instancetype)initWithView:(NSView*)view title:(NSString*)title {
-    // Unscaled: what is drawn is scaled by the view.
+    // The window is unscaled, as the view scales its own drawing.
     self =
         [super initWithContentRect:[view frame]
                          styleMask:NSTitledWindowMask | NSClosableWindowMask | NSUnscaledWindowMask
@@ -62,8 +62,8 @@ const double screen_share_above = 0.3;  // of the room that the panel leaves
     return code;
 }
 
-// GNUstep hears late that an earlier window has lost the keyboard, and then throws away what is
-// typed into this one.
+// GNUstep may hear late that an earlier window has lost the keyboard. It then throws away keys that
+// are typed into this window.
 - (void)keepKeyboard:(NSTimer*)timer {
     (void)timer;
     if ([self isKeyWindow] || !window_has_keyboard(self)) return;
@@ -71,16 +71,16 @@ const double screen_share_above = 0.3;  // of the room that the panel leaves
     [self makeKeyWindow];
 }
 
-// The window manager's close button, and what else closes a window. It comes also while another
-// window is modal, which is then the one that is to be answered.
+// Sent by the window manager's close button and by everything else that closes a window. It also
+// comes while another window is modal; the user then has to answer that window first.
 - (void)performClose:(id)sender {
     (void)sender;
     NSWindow* modal = [NSApp modalWindow];
     if (!modal || modal == self || [self worksWhenModal]) [self cancelDialog];
 }
 
-// Some window managers minimise what says that it cannot be minimised, and no task bar has a button
-// for it that would bring it back.
+// Some window managers minimise even a window that says that it cannot be minimised. No task bar
+// has a button that would bring this one back.
 - (void)performMiniaturize:(id)sender {
     (void)sender;
     [self orderFrontRegardless];

@@ -11,7 +11,7 @@
 #include "panels/sign.h"
 #include "x11/menu_geometry.h"
 
-// Of a text that says less than the one before it.
+// The alpha of a text that says less than the text before it.
 constexpr double dimmed_text_alpha = 0.7;
 
 // A text is one line, shortened in its middle; a paragraph wraps.
@@ -21,17 +21,17 @@ struct widget_t {
     widget_kind_t kind = widget_kind_t::text;
     area_t area = {};
     std::string text = "";  // UTF-8; of an icon the path of its file
-    int item = 0;           // what is hit: above 0 for buttons and check boxes
+    int item = 0;           // the number that a hit sends: above 0 for buttons and check boxes
     double size = 12;       // of the text, in points
     bool bold = false;
     double alpha = 1;            // of the text
     unichar key = 0;             // hits a button or check box
     bool disabled = false;       // cannot be hit
     bool on = false;             // of a check box
-    double value = 0;            // of a bar, from 0 to 1; negative while there is no telling
+    double value = 0;            // of a bar, from 0 to 1; negative while unknown
     sign_t sign = sign_t::none;  // of a sign
 
-    // By mouse or keys.
+    // Whether mouse or keys can hit the widget.
     bool can_be_hit() const;
 };
 
@@ -42,10 +42,10 @@ struct panel_content_t {
     int default_item = 0;  // Return hits it; 0: none
     int cancel_item = 0;   // Escape and the window's close button hit it; 0: none
 
-    // In the look that menus have now, light or dark and at the screen's scale.
+    // Makes an empty content in the present look of menus: light or dark, at the screen's scale.
     panel_content_t();
 
-    // Of measures in points.
+    // These convert measures in points.
     int pixels(double points) const;
     area_t area(double left, double top, double width, double height) const;
 
@@ -54,7 +54,7 @@ struct panel_content_t {
     const widget_t* widget(int item) const;
     // The item that a click there would hit, or 0.
     int item_at(point_t point) const;
-    // The item that can be hit after this one or, with step -1, before it, round and round. From 0
-    // it is the first or the last one. Without such an item it is `item` itself.
+    // The next item that can be hit or, with step -1, the one before, round and round. After 0
+    // comes the first item, before 0 the last. Returns `item` itself when no item can be hit.
     int item_beside(int item, int step) const;
 };

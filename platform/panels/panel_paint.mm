@@ -51,7 +51,7 @@ void draw_text(const brush_t& brush, const text_t& text, point_t at, const color
     pango_cairo_show_layout(brush.cairo, text.get());
 }
 
-// At the left of the area or in its middle, upright in its middle.
+// Draws the text at the left or in the middle of the area, and halfway down.
 void draw_line(const brush_t& brush, const widget_t& widget, const area_t& area,
                const color_t& color, double alpha, bool centered) {
     const text_t text = paragraph(brush.content.look, widget.text, widget.size, widget.bold, 0);
@@ -156,7 +156,7 @@ const struct {
     {widget_kind_t::check, paint_check},
 };
 
-// The border is for where no window manager draws a frame.
+// The border serves desktops where no window manager draws a frame.
 void paint_ground(const brush_t& brush) {
     const extent_t size = brush.content.size;
     const double line = brush.hairline();

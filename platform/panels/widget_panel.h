@@ -13,11 +13,12 @@
   @private
     BOOL _isModal;
 }
-// `hit` is sent the item of a button or check box.
+// `hit` is called with the item of a button or check box.
 - (instancetype)initWithTitle:(NSString*)title
                       content:(const panel_content_t&)content
                           hit:(const std::function<void(int)>&)hit;
-// Its widgets may be changed, but none added or removed; then send `widgetsChanged`.
+// The caller may change the widgets, but must not add or remove any, and then sends
+// `widgetsChanged`.
 - (panel_content_t&)content;
 - (void)widgetsChanged;
 // The middle of a widget, in pixels of the server; {-1, -1} without such a widget.

@@ -28,8 +28,8 @@
     [[self widgetView] hit:[self content].cancel_item];
 }
 
-// What only tells of progress can be ended while something else asks. A question below another one
-// waits.
+// A panel that only shows progress can be closed while another panel asks something. A question
+// below another question waits.
 - (BOOL)worksWhenModal {
     return !_isModal;
 }

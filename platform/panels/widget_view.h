@@ -1,6 +1,6 @@
-// The content of a panel: it draws the widgets, and knows which of them mouse and keys mean. Tab
-// and the arrows lead a focus along the buttons and check boxes; Space hits the one that has it.
-// Main thread.
+// The content view of a panel. It draws the widgets, and finds the widget that mouse or keys hit.
+// Tab and the arrow keys move the focus along the buttons and check boxes; Space hits the one with
+// the focus. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -16,12 +16,12 @@
     std::function<void(int)>* _hit;
     image_cache_t* _images;
     panel_state_t _state;
-    int _pressedItem;  // the one that the press began on; 0 while no button of the mouse is down
+    int _pressedItem;  // where the press began; 0 while no mouse button is down
 }
-// `hit` is sent the item of a button or check box.
+// `hit` is called with the item of a button or check box.
 - (instancetype)initWithContent:(const panel_content_t&)content
                             hit:(const std::function<void(int)>&)hit;
-// May be changed; then the view needs display.
+// The caller may change the content, and then sets that the view needs display.
 - (panel_content_t&)content;
 // Does nothing for 0 and for a disabled widget.
 - (void)hit:(int)item;

@@ -129,7 +129,7 @@ int focus_step(unichar key, NSEvent* event) {
 - (void)hit:(int)item {
     const widget_t* widget = item ? _content->widget(item) : nullptr;
     if (!item || (widget && widget->disabled)) return;
-    // A copy: what is hit may end the panel.
+    // Calls a copy, as the call may end the panel.
     const std::function<void(int)> hit = *_hit;
     hit(item);
 }
