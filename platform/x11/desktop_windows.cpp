@@ -41,8 +41,8 @@ Windows limited(Windows windows) {
     return windows;
 }
 
-// The clients among these windows, and among the children of those that are none: window managers
-// that list nothing put clients into frames.
+// The clients among these windows, and among the children of windows that are no clients: a window
+// manager that keeps no list puts its clients into frames.
 Windows clients_among(const window_connection_t& to, const Windows& windows, int depth) {
     std::deque<window_look_t> looks;
     for (const xcb_window_t window : windows) looks.emplace_back(to, window);

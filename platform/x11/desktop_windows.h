@@ -1,6 +1,6 @@
-// The windows of the desktop's applications, as the window manager lists them; without one, the
-// top-level windows that are shown. Only the X server is asked, many questions at a time, and a
-// window that goes away while it is asked about is left out. Main thread.
+// The windows of the desktop's applications, as the window manager lists them; without a window
+// manager, the top-level windows that are shown. Only the X server is asked, many questions at a
+// time, and a window that goes away while it is asked about is left out. Main thread.
 #pragma once
 
 #include <stdint.h>
@@ -11,10 +11,10 @@
 
 struct desktop_window_t {
     uint32_t window;
-    pid_t process;         // as window_process.h says
+    pid_t process;         // by the rules in window_process.h
     std::string instance;  // the two parts of WM_CLASS
     std::string class_name;
-    bool is_normal;  // an application's own: no panel, menu, dialog or the like
+    bool is_normal;  // an application's window: no panel, menu, dialog or the like
 };
 
 // At most 512. Empty without a display.

@@ -37,7 +37,7 @@ file_offer_t* file_offer_t::shared() {
             offer = nullptr;
         }
     }
-    if (offer) offer->answer();  // which also finds that the display has gone
+    if (offer) offer->answer();  // this also notices that the display has gone
     return offer && !offer->is_broken() ? offer : nullptr;
 }
 
@@ -49,7 +49,8 @@ bool file_offer_t::connect() {
         actions_[i] = intern(server_, action_names[i]);
     }
     window_ = xcb_generate_id(server_);
-    // Beside the screen, out of any window manager's hands, and mapped: it is to hold the pointer.
+    // The window is to hold the pointer: it is mapped, but off the screen and not managed by a
+    // window manager.
     const uint32_t values[] = {1, XCB_EVENT_MASK_PROPERTY_CHANGE};
     xcb_create_window(server_, XCB_COPY_FROM_PARENT, window_, root_, -10, -10, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT,
@@ -71,18 +72,18 @@ void file_offer_t::begin(const std::string& uri_list) {
     xcb_flush(server_);
 }
 
-// A change of a property comes back with the server's time.
+// Changes a property, as the event of the change brings the server's time.
 unsigned file_offer_t::server_time() {
     xcb_change_property(server_, XCB_PROP_MODE_APPEND, window_, atoms_[clock_word],
                         XCB_ATOM_INTEGER, 8, 0, nullptr);
-    // With the answer to a later question the event is there.
+    // The event has arrived when the answer to a later question arrives.
     const reply_t<xcb_get_input_focus_reply_t> done(
         xcb_get_input_focus_reply(server_, xcb_get_input_focus(server_), nullptr));
     answer();
     return time_;
 }
 
-// The version in which both speak; 0 for a window that takes no drops.
+// The protocol version that both sides speak; 0 for a window that takes no drops.
 unsigned file_offer_t::target_version(unsigned target) {
     const reply_t<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         server_,
@@ -144,9 +145,9 @@ bool file_offer_t::grab_pointer() {
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-// Another client can have the pointer for a moment, for example a window manager. A tenth of a
-// second and no longer: a drag that begins in a window of the toolkit's is held by its own press,
-// for as long as it lasts, and nothing else happens while this waits.
+// Tries for a tenth of a second, as another client, such as a window manager, can hold the pointer
+// for a moment. It waits no longer because the process does nothing else meanwhile: when a drag
+// begins in a window of the toolkit, its own press holds the pointer as long as the drag lasts.
 bool file_offer_t::hold_pointer() {
     released_ = false;
     for (int turn = 0; turn < 20; turn++) {
@@ -161,7 +162,7 @@ void file_offer_t::let_pointer_go() {
     xcb_flush(server_);
 }
 
-// 0 on a keyboard without it.
+// The key code of Escape; 0 on a keyboard without that key.
 unsigned char file_offer_t::escape_key() {
     constexpr xcb_keysym_t escape = 0xFF1B;
     const xcb_setup_t* setup = xcb_get_setup(server_);
@@ -177,7 +178,8 @@ unsigned char file_offer_t::escape_key() {
                                 (found - symbols) / reply->keysyms_per_keycode);
 }
 
-// The one key alone: the toolkit goes on seeing the modifiers that choose what a drop does.
+// Grabs this one key only, so that the toolkit still sees the modifiers that choose what a drop
+// does.
 void file_offer_t::watch_for_escape() {
     cancelled_ = false;
     escape_ = escape_key();
@@ -208,7 +210,7 @@ void file_offer_t::answer() {
                 answer_request(event);
                 break;
             case XCB_SELECTION_CLEAR:
-                // The pasteboard's daemon takes the selection too, before each drag.
+                // The pasteboard's daemon also takes the selection, before each drag.
                 if (reinterpret_cast<xcb_selection_clear_event_t*>(event)->time > owned_since_) {
                     uri_list_.clear();
                 }
@@ -232,7 +234,7 @@ void file_offer_t::answer() {
     }
 }
 
-// What is not offered is refused, so that nobody waits for it.
+// Refuses requests for anything that is not offered, so that nobody waits for it.
 void file_offer_t::answer_request(const void* event) {
     const auto* request = static_cast<const xcb_selection_request_event_t*>(event);
     const unsigned property = request->property ? request->property : request->target;

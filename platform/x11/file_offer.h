@@ -1,5 +1,5 @@
-// Files offered to other programs while they are dragged: the messages of the XDND protocol
-// (version 5), and the answers to who asks for the data. On a connection of its own. Main thread.
+// Offers files to other programs during a drag: sends the messages of the XDND protocol (version 5)
+// and answers requests for the data, on a connection of its own. Main thread.
 #pragma once
 
 #include <string>
@@ -8,19 +8,21 @@ struct xcb_connection_t;
 
 class file_offer_t {
   public:
-    // After answering all that has come. Null without a display, and from when it has gone. Lives
-    // as long as the process: who got a drop may ask late.
+    // The offer, after it has answered all requests that have come. Null without a display, and
+    // once the display has gone. Lives as long as the process, as a program that got a drop may ask
+    // late.
     static file_offer_t* shared();
 
-    // From now on `uri_list` (lines that end in CR LF) is what is dragged.
+    // Begins a drag of the files in `uri_list` (lines that end in CR LF).
     void begin(const std::string& uri_list);
 
-    // To the window of another program; `source` is the window that its answers go to.
+    // These send messages to the window of another program; `source` is the window that the answers
+    // go to.
     void enter(unsigned target, unsigned source);
     void move(unsigned target, unsigned source, int x, int y, unsigned action);
     void leave(unsigned target, unsigned source);
     void drop(unsigned target, unsigned source);
-    // The drag is over: a target without a drop is left.
+    // Ends the drag, and leaves a target that got no drop.
     void end(unsigned source);
 
     enum action_t { copy, move_files, link };
@@ -29,20 +31,20 @@ class file_offer_t {
     // Whether there was a drop whose data nobody has asked for yet.
     bool is_awaited() const { return awaited_; }
 
-    // Holds the pointer, so that a release over any window comes to released(). False when a button
-    // holds it for this or another program, and has done so for a tenth of a second.
+    // Holds the pointer, so that released() knows of a release over any window. False when the
+    // pointer was held for this or another program for a tenth of a second.
     bool hold_pointer();
     void let_pointer_go();
     // Whether button 1 has been let go since hold_pointer().
     bool released() const { return released_; }
 
-    // Has Escape come here, whoever has the keyboard, and cancelled() say so.
+    // Watches for Escape, whichever program has the keyboard. cancelled() is true after the key.
     void watch_for_escape();
     void leave_escape_alone();
     bool cancelled() const { return cancelled_; }
     bool button_is_down();
 
-    // Answers all that has come.
+    // Answers all requests that have come.
     void answer();
     int descriptor() const;
     bool is_broken() const;

@@ -8,8 +8,8 @@
 
 namespace {
 
-// GNUstep sets the mouse up at its first press, and handles what comes meanwhile first: a quick
-// click would arrive as its release and then its press.
+// GNUstep sets the mouse up at the first press, and first handles the events that come during the
+// setup: a quick click would arrive with its release before its press.
 void set_mouse_up() {
     static bool done;
     id server = GSCurrentServer();
@@ -24,14 +24,15 @@ void set_mouse_up() {
 bool input_grab_t::take(NSWindow* window) {
     release();
     set_mouse_up();
-    // Not by -capturemouse: it sends the time of GNUstep's last event, which the server refuses
-    // when another program has held the pointer since. All events come as this window's.
+    // This does not use -capturemouse, which sends the time of GNUstep's last event: the server
+    // refuses that time when another program has held the pointer since. All events come with this
+    // window.
     const auto grab = [window] {
         return XGrabPointer(toolkit_display(), server_window(window), False,
                             PointerMotionMask | ButtonPressMask | ButtonReleaseMask, GrabModeAsync,
                             GrabModeAsync, None, None, CurrentTime) == GrabSuccess;
     };
-    // Another program, often the one that sent the click, may hold the pointer for a moment more.
+    // Another program, often the one that sent the click, may hold the pointer a moment longer.
     bool held = grab();
     for (int tries = 0; !held && tries < 100; tries++) {
         usleep(10000);

@@ -16,13 +16,13 @@ area_t fit(area_t panel, const area_t& screen, int margin) {
     return panel;
 }
 
-// Where a card may stand, and at which end of it.
+// An area where a card may stand, and the ends of the area that it stands at.
 struct room_t {
     area_t area;
     bool at_right, at_bottom;
 };
 
-// How much of its size a card can have in a room; 1 at most.
+// The share of its size that a card can have in a room; 1 at most.
 double fitting_share(extent_t card, const area_t& room) {
     return std::min({1.0, double(room.width) / card.width, double(room.height) / card.height});
 }

@@ -1,4 +1,4 @@
-// Where panels go on a screen. Pixels from the upper left.
+// Where panels go on a screen. Coordinates are pixels from the upper left.
 #pragma once
 
 struct point_t {
@@ -22,22 +22,22 @@ struct area_t {
 
 enum side_t { on_right, on_left };
 
-// A panel at the pointer: below and right of it, on the other side where that does not fit, and
-// never out of the screen; what is too high for the screen takes its whole height.
+// Places a panel at the pointer: below and right of it, or on the other side where the panel does
+// not fit, but always on the screen. A panel that is too high takes the whole height of the screen.
 area_t place_at_pointer(extent_t panel, point_t pointer, const area_t& screen, int margin);
 
-// A panel beside a row of its parent, its first row level with that row. `*side` is the side to
-// prefer and becomes the one taken. `overlap` pixels lie over the parent.
+// Places a panel beside a row of its parent, with its first row level with that row. `*side` is the
+// preferred side and becomes the side taken. `overlap` pixels lie over the parent.
 area_t place_beside(extent_t panel, const area_t& row, const area_t& parent, const area_t& screen,
                     int margin, int overlap, int inset, side_t* side);
 
-// A panel of a new size where an old one was: its edge on the fixed side and its top stay.
+// Places a panel of a new size where the old one was: the top and the edge on the fixed side stay.
 area_t resize_in_place(extent_t panel, const area_t& before, side_t side, const area_t& screen,
                        int margin);
 
-// A card over none of the open levels, which lie within `levels`: level with `row`, on the side to
-// prefer, else on the other, else below or above. Where it fits nowhere whole it takes the place
-// with the most room, and is smaller in proportion.
+// Places a card clear of the open levels, which lie within `levels`: level with `row` on the
+// preferred side, else on the other side, else below or above. A card that fits nowhere shrinks in
+// proportion and takes the place with the most room.
 area_t place_clear(extent_t card, const area_t& levels, const area_t& row, const area_t& screen,
                    int margin, int gap, side_t side);
 

@@ -22,7 +22,7 @@ int corner_cut(int radius, int y) {
     return static_cast<int>(std::lround(radius - std::sqrt(radius * radius - down * down)));
 }
 
-// Windows of a higher level stay in front of one that has come to the front.
+// Keeps windows of a higher level in front of a window that has come to the front.
 void raise_higher_windows(NSInteger level) {
     for (NSWindow* window in [NSApp windows]) {
         if ([window isVisible] && [window level] > level) {
@@ -34,7 +34,7 @@ void raise_higher_windows(NSInteger level) {
 }  // namespace
 
 NSWindow* new_menu_window(const area_t& area) {
-    // Unscaled: what is drawn is scaled here, GNUstep must not do it again.
+    // The window is unscaled: the drawing is scaled already, and GNUstep must not scale it again.
     NSWindow* window =
         [[NSWindow alloc] initWithContentRect:frame_of(area)
                                     styleMask:NSBorderlessWindowMask | NSUnscaledWindowMask
@@ -46,7 +46,7 @@ NSWindow* new_menu_window(const area_t& area) {
     [window setOpaque:NO];
     [window setBackgroundColor:[NSColor clearColor]];
     [window setLevel:NSPopUpMenuWindowLevel];
-    [window setAutodisplay:NO];  // the run loop would swallow what a view raises
+    [window setAutodisplay:NO];  // the run loop would swallow a view's exception
     free_from_window_manager(window);
     set_window_type(window, "_NET_WM_WINDOW_TYPE_POPUP_MENU");
     return window;
@@ -99,7 +99,7 @@ void display_menu_window(NSWindow* window) {
 
 void show_menu_window(NSWindow* window) {
     [[window contentView] setNeedsDisplay:YES];
-    display_menu_window(window);  // before it is seen
+    display_menu_window(window);  // before the user sees it
     [window orderFrontRegardless];
     raise_higher_windows([window level]);
     [window flushWindow];

@@ -11,7 +11,7 @@ pointer_place_t pointer_place() {
     Window root, child;
     int x, y;
     unsigned width, height = 0, border, depth;
-    // Asked each time: the screen may have been resized.
+    // The size is asked each time, as the screen may have been resized.
     if (!XQueryPointer(display, DefaultRootWindow(display), &root, &child, &place.x, &place.y, &x,
                        &y, &place.state) ||
         !XGetGeometry(display, DefaultRootWindow(display), &root, &x, &y, &width, &height, &border,

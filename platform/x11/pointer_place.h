@@ -1,7 +1,7 @@
 // Where the pointer is, asked over the thread's connection for questions. Any thread.
 #pragma once
 
-// In pixels from the upper left, and what is held.
+// The pointer's place, in pixels from the upper left, and the buttons and keys that are held.
 struct pointer_place_t {
     int x = 0, y = 0;
     unsigned state = 0;      // buttons and modifiers, as XQueryPointer tells them
@@ -9,5 +9,5 @@ struct pointer_place_t {
 };
 pointer_place_t pointer_place();
 
-// Its state alone.
+// The state alone.
 unsigned pointer_state();

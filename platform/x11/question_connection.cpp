@@ -15,18 +15,18 @@ struct connection_t {
     bool broken = false;
     std::string refused;  // the display that could not be opened, or has gone
 
-    // What is left of a broken one cannot be closed.
+    // A broken connection cannot be closed.
     ~connection_t() {
         if (display && !broken) XCloseDisplay(display);
     }
 };
 
-// In place of ending the process: the toolkit decides that by its own connection.
+// Notes the loss instead of ending the process: the toolkit's own connection decides about that.
 void note_loss(Display*, void* connection) {
     static_cast<connection_t*>(connection)->broken = true;
 }
 
-// Xlib ends the process where it finds the far end closed, whatever was asked for above.
+// Xlib would end the process on finding the far end closed, even with the handler above.
 bool has_gone(Display* display) {
     char byte;
     const ssize_t count = recv(ConnectionNumber(display), &byte, 1, MSG_PEEK | MSG_DONTWAIT);

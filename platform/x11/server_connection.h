@@ -1,4 +1,4 @@
-// A connection to the X server that is not the toolkit's.
+// Connections to the X server beside the toolkit's own.
 #pragma once
 
 #include <stdlib.h>
@@ -12,6 +12,6 @@ struct free_reply_t {
 template <typename reply>
 using reply_t = std::unique_ptr<reply, free_reply_t>;
 
-// The connection, to be disconnected by the caller, and the root window of its screen. Null without
-// a display.
+// Opens a connection, which the caller disconnects, and gives the root window of its screen. Null
+// without a display.
 xcb_connection_t* connect_to_server(unsigned* root);

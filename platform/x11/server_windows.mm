@@ -9,7 +9,7 @@
 
 namespace {
 
-// Where a window manager maps windows, that takes it a moment.
+// A window manager takes a moment to map a window.
 bool wait_until_viewable(::Window window) {
     for (int tries = 0; tries < 100; tries++) {
         XWindowAttributes attributes;

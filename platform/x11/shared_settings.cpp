@@ -19,7 +19,7 @@ xcb_atom_t atom_of(xcb_connection_t* server, xcb_intern_atom_cookie_t cookie) {
     return reply ? reply->atom : XCB_ATOM_NONE;
 }
 
-// The settings as their manager has them; empty where there is none.
+// The settings as the settings manager has them; empty without a manager.
 std::string all_settings(const window_connection_t& to) {
     const std::string screen = std::to_string(DefaultScreen(to.display));
     const auto selection_cookie = ask_atom(to.server, "_XSETTINGS_S" + screen);
@@ -33,7 +33,7 @@ std::string all_settings(const window_connection_t& to) {
     return property_question_t(to.server, manager->owner, property, most_words).bytes();
 }
 
-// Numbers and texts one after the other. Behind the end all are 0 and empty.
+// Reads numbers and texts one after the other. Behind the end, numbers are 0 and texts are empty.
 class reader_t {
   public:
     explicit reader_t(const std::string& bytes)
@@ -51,7 +51,7 @@ class reader_t {
         place_ += size;
         return value;
     }
-    // Filled up to whole words.
+    // A text is filled up to whole words.
     std::string text(size_t length) {
         const std::string text = is_at_end() ? "" : bytes_.substr(place_, length);
         place_ += (length + 3) / 4 * 4;

@@ -4,6 +4,7 @@
 
 #include <string>
 
-// The text of a setting, such as "Net/IconThemeName"; empty without such a setting, where no
-// program shares any, and without a display. Asked anew at each call: some trips to the X server.
+// The text of a setting, such as "Net/IconThemeName". Empty when there is no such setting, when no
+// program shares settings, and without a display. Each call asks anew, which takes some trips to
+// the X server.
 std::string shared_setting(const std::string& name);

@@ -6,7 +6,7 @@
 struct _XDisplay;
 
 _XDisplay* toolkit_display();
-// The server's window of this one.
+// The X server's window behind the toolkit's window.
 unsigned long server_window(NSWindow* window);
-// The whole display's, in pixels: GNUstep counts from its lower edge.
+// The height of the whole display, in pixels, as GNUstep counts from its lower edge.
 int toolkit_display_height();

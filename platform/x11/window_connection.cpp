@@ -41,7 +41,7 @@ void read_atoms(window_connection_t* connection) {
     }
 }
 
-// Client identities came with version 1.2 of the extension.
+// The extension tells client identities since its version 1.2.
 bool server_tells_processes(xcb_connection_t* server) {
     const xcb_query_extension_reply_t* extension = xcb_get_extension_data(server, &xcb_res_id);
     if (!extension || !extension->present) return false;

@@ -1,5 +1,5 @@
 // Questions about other programs' windows, over the main thread's connection for questions: through
-// XCB, where a window that has just gone is an answer and no fatal error. Main thread.
+// XCB, where a question about a window that has just gone is no fatal error. Main thread.
 #pragma once
 
 #include <xcb/xcb.h>
@@ -14,5 +14,5 @@ struct window_connection_t {
         window_type, type_normal, state, skip_taskbar;
 };
 
-// Null without a display, and from when it has gone.
+// Null without a display, and once the display has gone.
 const window_connection_t* window_connection();

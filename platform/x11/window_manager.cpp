@@ -7,13 +7,13 @@ namespace {
 xcb_window_t focused_window(const window_connection_t& to) {
     const reply_t<xcb_get_input_focus_reply_t> focus(
         xcb_get_input_focus_reply(to.server, xcb_get_input_focus(to.server), nullptr));
-    // None and "whatever is under the pointer" are no windows.
+    // The server's values for "none" and "the window under the pointer" are no windows.
     return focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT ? focus->focus : XCB_WINDOW_NONE;
 }
 
 }  // namespace
 
-// The window that the root window names names itself, while the manager lives.
+// The root window names a window of the manager. While the manager lives, that window names itself.
 bool has_window_manager(const window_connection_t& to) {
     const auto on_root =
         property_question_t(to.server, to.root, to.supporting_wm_check, 1).numbers();

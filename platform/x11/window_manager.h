@@ -1,11 +1,11 @@
-// What the window manager tells by properties of the root window. Main thread.
+// What the window manager tells in properties of the root window. Main thread.
 #pragma once
 
 #include "x11/window_connection.h"
 
-// Whether one runs. The properties of a manager that has gone stay, and are not believed.
+// Whether a window manager runs. Properties that a manager leaves behind when it goes do not count.
 bool has_window_manager(const window_connection_t& to);
 
-// The window that the user works with: as the manager tells it; the one that has the keyboard where
-// no manager runs. None when there is no such window.
+// The window that the user works with: the one that the manager tells or, without a manager, the
+// one that has the keyboard. XCB_WINDOW_NONE when there is none.
 xcb_window_t active_window(const window_connection_t& to);

@@ -1,4 +1,4 @@
-// Drawing by cairo in the toolkit's windows, and copying what stands in them. Main thread.
+// Draws with cairo in the toolkit's windows, and copies their pixels. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -7,7 +7,7 @@
 
 struct _cairo;
 
-// Draws into the window that has the focus of drawing; null where it cannot be reached.
+// The cairo context of the window that has the drawing focus; null where it cannot be reached.
 _cairo* focused_cairo();
 
 // Draws the window's present pixels at (x, y) of `cairo`.

@@ -7,7 +7,7 @@
 #include "x11/toolkit_display.h"
 
 _cairo* focused_cairo() {
-    // The context is the back end's own; both fields have their names since its first release.
+    // The context is the back end's own. Both fields have had these names since its first release.
     id context = [NSGraphicsContext currentContext];
     Ivar state_variable = class_getInstanceVariable([context class], "gstate");
     if (!state_variable) return nullptr;

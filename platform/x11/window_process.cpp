@@ -14,7 +14,8 @@ std::string host_name() {
     return name;
 }
 
-// With or without a domain. A window without a machine is taken for one of this machine's.
+// The name may have a domain or not. A window that names no machine counts as a window of this
+// machine.
 bool is_this_machine(const std::string& machine) {
     static const std::string own = host_name();
     const std::string short_own = own.substr(0, own.find('.'));
@@ -73,6 +74,7 @@ pid_t active_process() {
     const window_connection_t* to = window_connection();
     const xcb_window_t window = to ? active_window(*to) : XCB_WINDOW_NONE;
     if (window == XCB_WINDOW_NONE || window == to->root) return 0;
-    // The window with the keyboard may be a part of the application's: the server knows whose.
+    // The window with the keyboard may be a part of an application's window. The server knows whose
+    // it is.
     return process_question_t(*to, window).answer();
 }

@@ -8,7 +8,7 @@ property_question_t::property_question_t(xcb_connection_t* connection, xcb_windo
       cookie_(xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
                                most_words)) {}
 
-// Nobody else would take the reply.
+// An unread reply has to be discarded, as nobody else takes it.
 property_question_t::~property_question_t() {
     if (!is_read_) xcb_discard_reply(connection_, cookie_.sequence);
 }

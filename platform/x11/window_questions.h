@@ -1,5 +1,6 @@
-// Asking the X server about windows: a question is sent when it is made and answered when its reply
-// is read, so that many share a trip. Errors, such as of a window that has gone, are empty answers.
+// Questions to the X server about windows. A question is sent when it is made, and its reply is
+// read later, so that many questions share a trip. An error, for example when the window has gone,
+// is an empty answer.
 #pragma once
 
 #include <string>
