@@ -1,4 +1,5 @@
-// The main job on the screen: a right-click, levels that open under the pointer, a file that opens.
+// The main job on the screen: a right-click, levels that open under the pointer, and opening a
+// file.
 #include <AppKit/AppKit.h>
 #include <gtest/gtest.h>
 
@@ -125,7 +126,7 @@ TEST_F(Browse, TwoNestedTakeOversFreeTheTreesAtTheSecondRelease) {
         steps.when(
             "the menu", [&] { return is_open(0); },
             [&] {
-                // Another menu is taken over while this one is open, and released before it.
+                // A second menu is taken over while this one is open, and released before it.
                 id controller =
                     [NSClassFromString(@"DVDelvio") performSelector:@selector(sharedDelvio)];
                 NSMenu* other = [[[NSMenu alloc] initWithTitle:@""] autorelease];

@@ -27,30 +27,30 @@ class Desk : public testing::Test {
     // The selection of the next right-click.
     void select(const std::vector<std::string>& files) { [window_ setFiles:files]; }
 
-    // The script. A right-click begins each popup.
+    // The script. Each popup begins with a right-click.
     Steps& steps() { return *steps_; }
-    // The popup's script from the right-click to its end; `within` adds the steps between.
+    // The popup's script from the right-click to its end; `within` adds the steps in between.
     void pop_up(const std::function<void(Steps&)>& within);
     void right_click();
-    // Steps that hover over these rows, each in the level that the one before opens.
+    // Adds steps that hover over these rows, each in the level that the previous row opens.
     void hover_along(Steps& steps, const titles_t& path);
-    // A whole popup: what the level shows that the last row of `path` opens; the host's menu for
-    // none.
+    // Runs a whole popup and returns the rows of the level that the last row of `path` opens. An
+    // empty path gives the host's menu.
     titles_t walk(const titles_t& path);
-    // A whole popup: clicks on the last row of `path`.
+    // Runs a whole popup that clicks on the last row of `path`.
     void pick(const titles_t& path);
 
-    // What is open. Level 0 is the host's menu.
+    // The open menus. Level 0 is the host's menu.
     bool is_open(size_t level) const;
     // The rows shown; "-" for a separator.
     titles_t titles(size_t level) const;
-    // The row highlighted, "" for none.
+    // The title of the highlighted row, "" for none.
     std::string highlighted(size_t level) const;
     NSMenuItem* item(const std::string& title) const;
-    // Whether the row of this title stands within the screen.
+    // Whether the row with this title is inside the screen.
     bool is_on_screen(const std::string& title) const;
 
-    // The hand, on the row of this title in the deepest level that shows it.
+    // Moves the pointer to the row with this title, in the deepest level that shows it.
     void hover(const std::string& title);
     void click(const std::string& title);
     void escape() { input_.key("Escape"); }
@@ -59,12 +59,12 @@ class Desk : public testing::Test {
     FileWindow* window() const { return window_; }
     const std::vector<std::string>& messages() const { return [window_ messages]; }
     int count_messages(const std::string& message) const;
-    // What the user's default program for texts and folders was given.
+    // The files and folders that the user's default programs were asked to open.
     static RecordingProgram& program() { return *program_; }
 
-    // Written by another program, as a user would.
+    // Sets a preference with another program, as a user would.
     static void set_preference(const std::string& key, const std::string& value);
-    // The lines of the debug log that begin so.
+    // The lines of the debug log with this beginning.
     static titles_t log_lines(const std::string& beginning);
 
     TempFolder folder_;

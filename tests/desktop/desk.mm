@@ -128,7 +128,7 @@ std::string Desk::highlighted(size_t level) const {
 
 namespace {
 
-// The row of this title in the deepest level that shows it.
+// The row with this title, in the deepest level that shows it.
 bool find_row(const std::string& title, NSMenuItem** item, area_t* area) {
     menu_run_t* run = menu_run_t::current();
     for (size_t level = run ? run->levels().size() : 0; level-- > 0;) {

@@ -33,7 +33,7 @@ class Drag : public test::Desk {
     static size_t intercepted() {
         return log_lines("Delvio: Intercepting left mouse down event").size();
     }
-    // The Command-press on the last row of `path`, which is held.
+    // Presses on the last row of `path` with Command and keeps the button down.
     void press(Steps& steps, const titles_t& path, bool lets_key_go = true) {
         hover_along(steps, path);
         steps.when(
@@ -56,7 +56,7 @@ class Drag : public test::Desk {
             "the target's notice", [&] { return target.has("over"); },
             [this] { input().move(target_x + 60, target_y + 60); });
     }
-    // The release, when the target has said whether it takes the files.
+    // Releases the button once the target has said whether it takes the files.
     void let_go(Steps& steps) {
         steps.when(
             "the drag", [] { return is_dragging(); }, [this] { input().release(1); });
@@ -222,7 +222,7 @@ TEST_F(Drag, ACommandPressOnAMoveRowIsTheMenus) {
             "the press",
             [] { return !log_lines("Delvio: Open with elem: 0 Move-copy-elem: 4").empty(); },
             [this] {
-                // Let go where nothing is picked.
+                // The button is released where no row is picked.
                 input().move(1200, 780);
                 input().release(1);
                 input().key_up(command_key);

@@ -1,4 +1,4 @@
-// Another program that takes drops, of GTK's making: a window of 200 x 150 pixels. Ended with the
+// Another program, made with GTK, that takes drops: a window of 200 x 150 pixels. It ends with the
 // test.
 #pragma once
 
@@ -11,7 +11,8 @@ namespace test {
 
 class DropTarget {
   public:
-    // At a point of the screen; takes what is offered as `type`. Writes into `record`, a new file.
+    // Puts the window at a point of the screen. The window takes offers of `type` and writes into
+    // `record`, a new file.
     DropTarget(const std::string& record, int x, int y, const std::string& type = "text/uri-list");
     ~DropTarget();
     DropTarget(const DropTarget&) = delete;

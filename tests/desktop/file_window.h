@@ -22,11 +22,11 @@
 - (void)setFiles:(const std::vector<std::string>&)files;
 // The menu of the popup now open, or of the last one.
 - (TContextMenu*)menu;
-// How often a popup has come to its end.
+// The number of popups that have ended.
 - (int)popups;
 // The delegate messages that reached the host since the last popup began, in order.
 - (const std::vector<std::string>&)messages;
-// As a file manager does when its folder changes under an open menu.
+// Changes the menu as a file manager does when its folder changes under an open menu.
 - (void)rebuildMenu;
 @end
 

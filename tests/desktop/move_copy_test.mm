@@ -54,8 +54,8 @@ class MoveCopy : public test::Desk {
         return lstat(path(name).c_str(), &status) == 0;
     }
 
-    // A popup in which this row is clicked three levels down, with a key held ("" for none), and
-    // what goes on until the operation has ended.
+    // Runs a popup in which this row, three levels down, is clicked with a key held ("" for none),
+    // and continues until the operation has ended.
     void pick_three_levels_down(
         const std::string& row, const std::string& key = "",
         const std::function<void(Steps&)>& after = [](Steps&) {}) {
@@ -86,7 +86,7 @@ class MoveCopy : public test::Desk {
         input().move(at.x, at.y);
         input().click(1);
     }
-    // A file of the same name stands in the destination; the script answers the alert.
+    // The destination has a file of the same name; the script answers the alert.
     void move_with_clash(const std::function<void()>& answer) {
         folder_.file("from/one/A.TXT", "other");
         folder_.file("from/one/a.txt", "old a");
@@ -105,7 +105,7 @@ class MoveCopy : public test::Desk {
         });
         EXPECT_EQ(alert(), nil);
     }
-    // Until the engine asks, or has ended.
+    // Waits until the engine asks or has ended.
     void finish_skipping_conflicts() {
         FinishFinderEvents();
         Steps steps;

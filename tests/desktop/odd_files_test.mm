@@ -1,4 +1,4 @@
-// Names and files that a disk can hold and a menu must bear.
+// Names and files that a disk can hold and that a menu must handle.
 #include <AppKit/AppKit.h>
 #include <gtest/gtest.h>
 

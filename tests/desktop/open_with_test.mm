@@ -1,5 +1,5 @@
-// Opening with an application of the user's choice, by hand: which files it is given, what the
-// first line of the menu says, and what is listed there.
+// Opening with an application of the user's choice, by hand: the files that it gets, the first line
+// of the menu, and the applications in it.
 #include <AppKit/AppKit.h>
 #include <host/process.h>
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@ namespace {
 using test::Steps;
 using titles_t = std::vector<std::string>;
 
-const char separator = '\036';  // stands in no name of a test
+const char separator = '\036';  // occurs in no name of a test
 
 class OpenWith : public test::Desk {
   protected:
@@ -49,7 +49,7 @@ class OpenWith : public test::Desk {
         return "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + command +
                "\nMimeType=text/plain;\n";
     }
-    // What the application was given, in all its starts; waits for the first.
+    // The arguments of the application in all its starts; waits for the first start.
     titles_t opened() const {
         std::string text;
         for (int turn = 0; turn < 6000 && text.empty(); turn++) {
@@ -64,7 +64,7 @@ class OpenWith : public test::Desk {
         return arguments;
     }
 
-    // The open-with menu of a selected file, as far as `then`.
+    // Opens the open-with menu of a selected file, then does `then`.
     void in_root_menu(const std::function<void(Steps&)>& then) {
         pop_up([&](Steps& steps) {
             steps
@@ -74,8 +74,8 @@ class OpenWith : public test::Desk {
             then(steps);
         });
     }
-    // The open-with menu of a file in a selected folder, with Shift let go once the pointer is in
-    // it. Its level is 2.
+    // Opens the open-with menu of a file in a selected folder, and releases Shift once the pointer
+    // is in the menu. The menu is level 2.
     void in_deeper_menu(const std::function<void(Steps&)>& then) {
         pop_up([&](Steps& steps) {
             steps
@@ -95,7 +95,7 @@ class OpenWith : public test::Desk {
             then(steps);
         });
     }
-    // Whether the desktop knows a program of this name; waits for it.
+    // Waits until the desktop knows a program of this name; false if it never does.
     static bool runs(const char* name) {
         for (int turn = 0; turn < 6000; turn++) {
             @autoreleasepool {
@@ -171,7 +171,7 @@ TEST_F(OpenWith, TheFirstLineFollowsTheOptionKey) {
             lines.push_back(titles(1).at(0));
             hover("Recorder");
         });
-        // Over the file itself the Option key would bring its preview.
+        // Over the file itself the Option key would show its preview.
         steps.when(
             "the application", [&] { return highlighted(1) == "Recorder"; },
             [&] { hold_option(); });
@@ -250,7 +250,7 @@ TEST_F(OpenWith, RunningProgramsStandInTheOrderOfTheirNamesAndOpenFiles) {
                     click("Alpha");
                 });
     });
-    // This test's own program has a window too, and neither entry nor bundle.
+    // This test's own program also has a window, but neither a desktop entry nor a bundle.
     EXPECT_EQ(shown, titles_t({"Alpha", "Zeta", "desktop_open_with_test"}));
     EXPECT_EQ(opened().size(), 3u);
 }

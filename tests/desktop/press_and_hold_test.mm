@@ -24,7 +24,7 @@ class PressAndHold : public test::Desk {
         enable(0);
         set_preference("logLevel", "0");
     }
-    // A setting counts from the next menu on.
+    // A setting takes effect with the next menu.
     void enable(int mode) {
         set_preference("control_free_enabled", std::to_string(mode));
         walk({});
@@ -38,7 +38,7 @@ class PressAndHold : public test::Desk {
         return GetFrontProcess(&front) == noErr && SameProcess(&front, &current, &same) == noErr &&
                same;
     }
-    // Presses, holds until the cursor tells that the menu is armed, and goes on.
+    // Presses, holds until the cursor shows that the menu is armed, and goes on.
     void hold(Steps& steps, std::function<void()> then) {
         steps.when(
             "the pointer", [] { return true; },

@@ -13,7 +13,7 @@
 #include "desktop/desk.h"
 #include "platform/quicklook/sample_files.h"
 
-// Of the plug-in, which is known by name only.
+// The plug-in's class, which is known only by name.
 @interface NSObject (HoverWindow)
 + (id)sharedDelvio;
 - (BOOL)isVisible;
@@ -23,7 +23,8 @@ namespace {
 
 using test::Steps;
 
-// A few previews, not a picture of ten gigabytes. The sanitizers keep what is freed.
+// Room for a few previews, but not for a picture of ten gigabytes. The sanitizers keep freed
+// memory.
 #if defined(__SANITIZE_ADDRESS__) || __has_feature(address_sanitizer)
 constexpr long most_growth = 400'000'000;
 #else
@@ -64,7 +65,7 @@ class Preview : public test::Desk {
         cairo_surface_destroy(surface);
     }
 
-    // The preview submenu of a file of the folder, as far as `then`. Its level is 2.
+    // Opens the preview submenu of a file in the folder, then does `then`. The submenu is level 2.
     void in_preview_menu(const std::string& name, const std::function<void(Steps&)>& then) {
         pop_up([&](Steps& steps) {
             steps
@@ -81,14 +82,14 @@ class Preview : public test::Desk {
         });
         input().let_go();
     }
-    // The one item of the preview submenu.
+    // The only item of the preview submenu.
     static NSMenuItem* preview_item() {
         NSArray* levels = [[MenuSession current] levels];
         NSMenu* menu = [levels count] > 2 ? [levels objectAtIndex:2] : nil;
         return [menu numberOfItems] == 1 ? static_cast<NSMenuItem*>([menu itemAtIndex:0]) : nil;
     }
     static bool has_picture() { return [preview_item() image] && ![preview_item() view]; }
-    // What the submenu of a file comes to show; empty when it is a line of text.
+    // The picture that the submenu of a file shows in the end; empty when it shows a line of text.
     NSSize picture_size(const std::string& name) {
         NSSize size = NSZeroSize;
         in_preview_menu(name, [&](Steps& steps) {
@@ -102,7 +103,7 @@ class Preview : public test::Desk {
         return size;
     }
 
-    // The hover window and what decides on it.
+    // The hover window and the state that decides about it.
     static id controller() { return [NSClassFromString(@"DVDelvio") sharedDelvio]; }
     static id window_controller() { return [controller() valueForKey:@"previewWindowController"]; }
     static NSWindow* hover_window() { return [window_controller() valueForKey:@"window"]; }
@@ -119,12 +120,12 @@ class Preview : public test::Desk {
     }
     static NSTimer* pending_timer() { return [controller() valueForKey:@"hoverPreviewTimer"]; }
     static double now() { return [[NSDate date] timeIntervalSince1970]; }
-    // How long after the last movement the pending timer fires.
+    // The time from the last movement until the pending timer fires.
     static double pending_delay() {
         return [[pending_timer() fireDate] timeIntervalSince1970] - last_movement();
     }
 
-    // The pointer on a row of the folder, as far as `then`.
+    // Rests the pointer on a row of the folder, then does `then`.
     void resting_on(const std::string& name, const std::function<void(Steps&)>& then) {
         pop_up([&](Steps& steps) {
             hover_along(steps, {"project", name});
@@ -209,7 +210,8 @@ TEST_F(Preview, AFileThatCannotBeReadHasNoPreview) {
     EXPECT_FALSE(enabled);
 }
 
-// All in one menu, which stays open and goes on to the next; what is shown last is a good file.
+// All files are shown in one menu, which stays open and goes on to the next. The last one is a good
+// file.
 TEST_F(Preview, HostileFilesLeaveTheMenuAndTheMemoryAlone) {
     folder_.file("project/bomb.png", test::white_png_bytes(50000, 50000));
     folder_.file("project/cut.png", test::image_bytes(300, 300, "png").substr(0, 200));
@@ -253,7 +255,7 @@ TEST_F(Preview, AMenuThatClosesAtOnceDoesNoHarm) {
                 "the preview", [] { return preview_item() != nil; }, [&] { escape(); });
         });
     }
-    // The results still come.
+    // The results still arrive.
     EXPECT_TRUE(NSEqualSizes(picture_size("b.txt"), NSMakeSize(256, 256)));
 }
 
@@ -323,7 +325,7 @@ TEST_F(Preview, SwitchedOffThereIsNoHoverWindow) {
     EXPECT_FALSE(waits);
 }
 
-// Wide levels lead to under the window's right-hand place, rows above them to its lower half.
+// Wide levels reach under the window's place on the right; rows above them reach its lower half.
 TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
     const std::string outer = "outer with a long name", inner = "inner with a long name";
     folder_.file("project/" + outer + "/" + inner + "/c.txt", "The third text\n");
@@ -334,7 +336,7 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
     const CGFloat bottom = NSMinY(screen), top = NSMaxY(screen) - 512;
     const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
     set_preference("preview_beside_menu", "0");
-    [hover_window() setFrameOrigin:NSZeroPoint];  // whatever other tests have left
+    [hover_window() setFrameOrigin:NSZeroPoint];  // undoes the effects of other tests
     resting_on("a.txt", [&](Steps& steps) {
         steps
             .when(
@@ -388,7 +390,7 @@ class BesideTheMenu : public Preview {
         }
         return [level_frames() count] > 0;
     }
-    // What the window shows of the picture, in pixels of the screen.
+    // The part of the window that shows the picture, in pixels of the screen.
     static NSSize shown_size() {
         NSView* content = [hover_window() contentView];
         const double scale = NSWidth([hover_window() frame]) / NSWidth([content bounds]);

@@ -15,7 +15,7 @@
 #include "desktop/desk.h"
 #include "support/silent_file_system.h"
 
-// Of the plug-in, which is known by name only.
+// The plug-in's class, which is known only by name.
 @interface NSObject (HoverWindow)
 + (id)sharedDelvio;
 - (BOOL)isVisible;
@@ -25,7 +25,8 @@ namespace {
 
 using test::Steps;
 
-// Lets the disk answer again after so long that a menu which waits for it has failed.
+// Lets the disk answer again after a long time. A menu that waits for the disk until then has
+// failed.
 class Rescue {
   public:
     explicit Rescue(pid_t server) : thread_([this, server] { run(server); }) {}
@@ -57,7 +58,7 @@ class Rescue {
 
 class SilentDisk : public test::Desk {
   protected:
-    // Before the first thread starts.
+    // This runs before the first thread starts.
     static void SetUpTestSuite() {
         place = new test::TempFolder;
         disk = place->folder("disk");
@@ -91,7 +92,7 @@ class SilentDisk : public test::Desk {
     }
     static void go_on() { kill(server, SIGCONT); }
 
-    // A popup in which the disk is listed, then stops, then `then`.
+    // Runs a popup in which the disk is listed, stops answering, and then `then` follows.
     void in_silence(const std::function<void(Steps&)>& then) {
         Rescue rescue(server);
         pop_up([&](Steps& steps) {
@@ -103,7 +104,7 @@ class SilentDisk : public test::Desk {
         EXPECT_FALSE(rescue.end()) << "the menu has waited for the disk";
         input().let_go();
     }
-    // Rests the pointer on a row until the hover window has been decided on.
+    // Rests the pointer on a row until it has been decided whether the hover window appears.
     void rest_on(Steps& steps, const std::string& name) {
         steps
             .when(

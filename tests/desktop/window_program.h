@@ -1,4 +1,4 @@
-// Another program with windows, ended with the test.
+// Another program with windows; it ends with the test.
 #pragma once
 
 #include <sys/types.h>
@@ -18,7 +18,7 @@ class WindowProgram {
 
   private:
     pid_t process_ = 0;
-    int input_ = -1;  // it lives until this is closed
+    int input_ = -1;  // the program runs until this is closed
 };
 
 }  // namespace test

@@ -1,4 +1,4 @@
-// GWorkspace's own behaviour with Delvio inside, beside that without.
+// GWorkspace's own behaviour with Delvio inside, compared with its behaviour without.
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -58,9 +58,9 @@ class Behaviour : public testing::Test {
         hand_.release(1);
     }
 
-    // On a busy machine GNUstep may lose a drag, or the window moves between a look at it and the
-    // press, which then selects: the hand tries again, from where things are by then, until
-    // GWorkspace asks.
+    // On a busy machine GNUstep may lose a drag. Or the window may move between looking and
+    // pressing, and the press then selects. So the hand tries again from the current positions
+    // until GWorkspace asks.
     void drag_until_asked(FileManager& manager, const std::string& from, const std::string& to,
                           const std::string& question) {
         for (int attempt = 0; attempt < 5; attempt++) {
@@ -73,7 +73,7 @@ class Behaviour : public testing::Test {
         Answer(manager, hand_, question);
     }
 
-    // The same work in GWorkspace; what it has written about it to standard error.
+    // Does the same work in GWorkspace and returns its messages on standard error.
     lines_t messages_of_a_session(bool with_delvio) {
         FileManager manager(folder_.path(), with_delvio);
         wake(manager);
@@ -100,7 +100,7 @@ class Behaviour : public testing::Test {
     XInput hand_;
 };
 
-// Each once, without numbers, which differ from run to run.
+// Each message once, without numbers, because these differ from run to run.
 std::set<std::string> kinds_of(const lines_t& messages) {
     std::set<std::string> kinds;
     for (std::string line : messages) {
@@ -132,7 +132,7 @@ TEST_F(Behaviour, AFileDraggedWithControlMakesALink) {
 TEST_F(Behaviour, QuitFromTheMenuEndsIt) {
     FileManager manager(folder_.path());
     wake(manager);
-    hand_.move(30, 252);  // the main menu stands in the corner of the screen
+    hand_.move(30, 252);  // the main menu is in the corner of the screen
     hand_.click(1);
     EXPECT_TRUE(wait_until([&] { return !manager.is_running(); }));
     EXPECT_NE(manager.account().find("status 0"), std::string::npos) << manager.account();

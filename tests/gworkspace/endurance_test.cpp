@@ -1,4 +1,4 @@
-// A thousand popups with three levels each leave GWorkspace as large as a hundred did.
+// After a thousand popups with three levels each, GWorkspace is as large as after a hundred.
 #include <unistd.h>
 
 #include <sstream>

@@ -99,7 +99,7 @@ FileManager::FileManager(const std::string& folder, bool with_delvio, const line
     if (ask("launched") != "yes") {
         throw std::runtime_error("GWorkspace did not start: " + read_file(errors_));
     }
-    ask("frame 180 80 900 600");  // clear of main menu and dock
+    ask("frame 180 80 900 600");  // clear of the main menu and the dock
     wait_until([&] { return static_cast<bool>(settled_area("bounds path")); });
 }
 
@@ -128,7 +128,7 @@ std::string FileManager::ask(const std::string& question) const {
     address.sun_family = AF_UNIX;
     snprintf(address.sun_path, sizeof address.sun_path, "%s", socket_.c_str());
     const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    // It may be busy or be gone.
+    // GWorkspace may be busy or gone.
     const timeval patience = {5, 0};
     setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     std::string answer;

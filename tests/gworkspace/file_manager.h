@@ -22,16 +22,16 @@ struct Area {
 
 class FileManager {
   public:
-    // Starts it with one viewer, of this folder, and waits until that is there. `words` are further
-    // arguments.
+    // Starts GWorkspace with one viewer, of this folder, and waits until the viewer is there.
+    // `words` are additional arguments.
     explicit FileManager(const std::string& folder, bool with_delvio = true,
                          const lines_t& words = {});
-    // Ends it and whatever it started.
+    // Ends GWorkspace and all programs that it started.
     ~FileManager();
     FileManager(const FileManager&) = delete;
     FileManager& operator=(const FileManager&) = delete;
 
-    // A question of gworkspace/probe_questions.h or gworkspace/probe_menus.mm.
+    // Asks a question of gworkspace/probe_questions.h or gworkspace/probe_menus.mm.
     std::string ask(const std::string& question) const;
     lines_t ask_lines(const std::string& question) const;
     Area ask_area(const std::string& question) const;
@@ -39,10 +39,10 @@ class FileManager {
     Area settled_area(const std::string& question) const;
 
     bool is_running();
-    // How it ended and what it had to say, once it has.
+    // How GWorkspace ended, and its messages, once it has ended.
     std::string account();
-    // What it has written to standard error, without times, process numbers and GNUstep's own
-    // lines about bundles. Of the programs that it starts too.
+    // What GWorkspace and the programs that it starts have written to standard error, without
+    // times, process numbers and GNUstep's own lines about bundles.
     lines_t messages() const;
 
   private:
@@ -50,7 +50,7 @@ class FileManager {
     pid_t process_ = 0;
 };
 
-// Waits until it is true, so long at most; false when it never was.
+// Waits until the condition is true, for at most this long; false when it never was.
 bool wait_until(const std::function<bool()>& condition, int seconds = 60);
 
 // Starts openbox if DELVIO_TEST_WINDOW_MANAGER asks for a window manager, and waits for it.

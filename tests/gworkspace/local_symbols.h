@@ -1,5 +1,5 @@
 // Variables of a loaded library that it does not export, by the symbols in its file.
 #pragma once
 
-// Its address, or null. `library` is the end of the file's path.
+// The variable's address, or null. `library` is the end of the file's path.
 const void* FindLocalSymbol(const char* library, const char* name);

@@ -1,4 +1,4 @@
-// What the menu in GWorkspace does.
+// Tests of the menu in GWorkspace.
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -30,8 +30,8 @@ TEST_F(Menus, AFileOfTheThirdLevelOpens) {
     EXPECT_EQ(program().wait(), lines_t({path("alpha/one/two/deep.txt")}));
 }
 
-// A desktop file that poses as a photo, an icon that would never be read to its end, and a property
-// list that no parser survives.
+// A desktop file that poses as a photo, an icon that never ends, and a property list that no parser
+// survives.
 TEST_F(Menus, AFolderOfAStrangersIsListedAndNothingInItRuns) {
     const std::string mark = path("was-run"), pipe = path("beta/pipe.png");
     mkfifo(pipe.c_str(), 0600);
@@ -175,7 +175,8 @@ TEST_F(Menus, TwentyInARowAreAllTheSame) {
 TEST_F(Menus, AnEscapeMoreThanTheMenuNeedsLeavesGWorkspaceUsable) {
     for (const char* form : {"browser", "icons", "list"}) {
         show(form);
-        // Of a folder: in the browser its column is the last then, and nothing in it is selected.
+        // For a folder: in the browser its column is then the last one, and nothing in it is
+        // selected.
         right_click(item(form, path("alpha")));
         for (int press = 0; press < 3; press++) input().key("Escape");
         EXPECT_TRUE(wait_until([&] { return is_closed(); }));

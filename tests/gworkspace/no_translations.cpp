@@ -1,6 +1,6 @@
-// With the address sanitizer, whose library asks for a translated message before it is ready, the
-// C library's lock of translations is let go once too often, and the first new text domain would
-// wait for ever.
+// The address sanitizer's library asks for a translated message before it is ready. The C library's
+// lock for translations is then released once too often, and the first new text domain would wait
+// for ever.
 extern "C" {
 
 char* bindtextdomain(const char*, const char* folder) { return const_cast<char*>(folder); }

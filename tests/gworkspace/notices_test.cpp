@@ -1,5 +1,5 @@
-// What Delvio tells and asks in GWorkspace, beside a window manager: close buttons give harmless
-// answers, and a pick that fails is named.
+// Delvio's messages and questions in GWorkspace, with a window manager: close buttons give harmless
+// answers, and a failed pick is named.
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -45,7 +45,7 @@ class Notices : public ViewerDesk {
         }
         return false;
     }
-    // By a click on its button in the title bar.
+    // Closes the window with the button in its title bar.
     void close_by_title_bar(const std::string& title) {
         std::optional<ManagedWindow> window;
         ASSERT_TRUE(wait_until([&] { return (window = windows_.settled(title)).has_value(); }))

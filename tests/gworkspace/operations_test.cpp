@@ -1,5 +1,6 @@
-// The plug-in's file operations in GWorkspace: its own where every name is free, the engine's where
-// one is taken. GWorkspace has its default settings, under which it asks before it does anything.
+// The plug-in's file operations in GWorkspace. GWorkspace does them itself where every name is
+// free; the engine does them where one is taken. GWorkspace has its default settings, so it asks
+// before it does anything.
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -15,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A folder of the user's choice stands in each menu; its level takes the selection.
+// Each menu contains a folder of the user's choice; the selection is moved into its level.
 class Operations : public ViewerDesk {
   protected:
     enum { replace = 2 };
@@ -57,7 +58,7 @@ class Operations : public ViewerDesk {
         input().key("Return");
         EXPECT_TRUE(wait_until([&] { return !alert_is_open(); }));
     }
-    // A copy that replaces a file, and takes long enough to be looked at.
+    // A copy that replaces a file and takes long enough to be observed.
     std::string begin_long_copy() {
         constexpr int count = 60000;
         const std::string source = path("many");
@@ -77,14 +78,14 @@ class Operations : public ViewerDesk {
         return !manager().ask("part Skip").empty() &&
                manager().ask("panel").find("“" + name + "”") != std::string::npos;
     }
-    // Nothing waits for an answer, and nobody is about to ask.
+    // Nothing waits for an answer, and no question is about to come.
     static bool is_quiet() {
         return manager().ask("idle") == "yes" && manager().ask("panel").empty();
     }
     struct Undone : operations::Observer {
         void ended(const operations::Report&) override {}
     };
-    // Why nothing is undone.
+    // The reason why nothing is undone.
     static std::string refusal_of_undo() {
         Undone observer;
         const operations::Report report = operations::UndoLast(observer);
@@ -122,7 +123,7 @@ TEST_F(Operations, CopySelectionHereLeavesTheSource) {
     EXPECT_TRUE(fs::exists(path("second.txt")));
 }
 
-// Left Alt, right Alt, and right Alt where it is AltGr.
+// Left Alt, right Alt, and right Alt on a layout where it is AltGr.
 TEST_F(Operations, OptionIsEitherAltKeyAndAltGr) {
     const std::string left = input().place_of("Alt_L"), right = input().place_of("Alt_R");
     const struct {
@@ -209,7 +210,7 @@ TEST_F(Operations, OneQuestionAfterTheAlertIsForAllNamesThatAreTaken) {
         add(name, "new");
         std::ofstream(basket(name)) << "old";
     }
-    fs::remove(basket("a2.txt"));  // one is free: it goes along without a question of its own
+    fs::remove(basket("a2.txt"));  // one name is free: it gets no question of its own
     show("icons");
     select("icons", {path("a1.txt"), path("a2.txt"), path("a3.txt")});
     right_click(item("icons", path("a1.txt")));
@@ -288,7 +289,7 @@ TEST_F(Operations, AFileThatTheMenuHidesIsNoMoreReplacedThanOthers) {
     const std::string source = add(".hidden", "new");
     std::ofstream(basket(".hidden")) << "old";
     pick_for(source, to_basket);
-    // The plug-in's alert knows only what it lists.
+    // The plug-in's alert names only the files that it lists.
     ASSERT_TRUE(wait_until([&] { return asks_about(".hidden"); })) << manager().ask("alert");
     input().key("Return");
     EXPECT_TRUE(wait_until([&] { return is_quiet(); }));
@@ -314,7 +315,7 @@ TEST_F(Operations, NoWindowOfOursStandsBesideGWorkspacesQuestion) {
     const std::string source = add("waiting.txt", "text");
     pick_for(source, to_basket);
     ASSERT_TRUE(wait_until([&] { return !manager().ask("question").empty(); }));
-    // Twice the half second after which a window of ours would come.
+    // Waits twice the half second after which one of our windows would appear.
     EXPECT_FALSE(wait_until([&] { return !manager().ask("panel").empty(); }, 1));
     answer("Move one item from");
     EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));

@@ -28,12 +28,12 @@ class Pointer : public ViewerDesk {
         waitpid(child, &status, 0);
         ASSERT_EQ(status, 0);
     }
-    // A setting counts from the next menu on.
+    // A setting takes effect with the next menu.
     void read_preferences() {
         right_click(item("browser", path("first.txt")));
         close_menu();
     }
-    // The Command-press on a row of the deepest level, until its drag has begun.
+    // Presses with Command on a row of the deepest level and waits until the drag has begun.
     void drag(size_t level, const std::string& title) {
         move_to(row(level, title).area);
         const std::string question = "highlight " + std::to_string(level);
@@ -48,7 +48,7 @@ class Pointer : public ViewerDesk {
 
 }  // namespace
 
-// Each with a delay of its own; off again afterwards.
+// Each round has its own delay; the setting is switched off again afterwards.
 class PressAndHold : public Pointer {
   protected:
     void prepare(const char* microseconds) {
@@ -129,7 +129,7 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
     const Area place = ground("icons");
     RunningCommand command({"menu", "--at", "700,40", file});
     ASSERT_TRUE(wait_until([&] { return !input().pointer_is_free(); }));
-    // Its first row is highlighted when the pointer is on it, and not before.
+    // Its first row is highlighted only when the pointer is on it.
     const unsigned long plain = input().pixel(706, 56);
     int turn = 0;
     EXPECT_TRUE(wait_until([&] {
@@ -146,7 +146,7 @@ TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {
         return manager().ask("target icons") == "yes";
     })) << "GWorkspace does not take the drag";
     input().release(1);
-    // The keyboard may still be the other program's: a click gives it to the question.
+    // The other program may still have the keyboard; a click gives it to the question.
     left_click(manager().settled_area("alert_ground"));
     answer("Copy one item from");
     EXPECT_TRUE(wait_until([&] { return std::filesystem::exists(path("brought.txt")); }));

@@ -1,5 +1,5 @@
-// Preloaded into GWorkspace and what it starts: GNUstep takes the home folder from the password
-// database, which has the real one.
+// Preloaded into GWorkspace and the programs that it starts. GNUstep takes the home folder from the
+// password database, which names the real one.
 #include <dlfcn.h>
 #include <pwd.h>
 #include <stdlib.h>

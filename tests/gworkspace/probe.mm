@@ -1,6 +1,6 @@
-// A bundle that tests put into GWorkspace beside Delvio's. It answers questions about what the
-// program shows, over a socket; what is done to the program is done with mouse and keyboard.
-// It links GNUstep alone, so that a GWorkspace without Delvio can be asked too.
+// A bundle that tests put into GWorkspace beside Delvio's. It answers questions about the screen
+// over a socket; tests act on the program with mouse and keyboard. It links only GNUstep, so that
+// it also works in a GWorkspace without Delvio.
 #include <AppKit/AppKit.h>
 
 #include <dlfcn.h>
@@ -30,7 +30,7 @@ int listen_at(const char* path) {
     return bind(listener, bound, sizeof address) || listen(listener, 8) ? -1 : listener;
 }
 
-// The rest stands in a library that needs Delvio's, and is loaded where those are.
+// The other answers are in a library that needs Delvio's libraries. It is loaded where those are.
 std::string ask_about_menus(const std::string& question) {
     using Answer = void (*)(const char*, std::string*);
     if (!dlopen("libdelvio-platform.so", RTLD_NOW | RTLD_NOLOAD)) return "";

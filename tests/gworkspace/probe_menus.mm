@@ -1,4 +1,4 @@
-// The probe's eyes for contextual menus.
+// The probe's questions about contextual menus.
 //
 //   menus            how many levels are open
 //   rows LEVEL       the level's rows, from 0: "left top width height enabled submenu title"

@@ -17,7 +17,7 @@ using Register = void (*)(id, SEL, id);
 Register original;
 std::string name_to_take;
 
-// After GWorkspace's own question, before it looks at any name.
+// Runs after GWorkspace's own question, before GWorkspace looks at any name.
 void register_executor(id operation, SEL selector, id executor) {
     if (!name_to_take.empty()) std::ofstream(name_to_take) << "taken";
     name_to_take.clear();

@@ -30,5 +30,5 @@
 
 void TakeNameAtStart(const std::string& path);
 
-// False for another question.
+// False for an unknown question.
 bool AnswerAboutViews(const std::string& question, const std::string& words, std::string* answer);

@@ -9,7 +9,7 @@
 #include "gworkspace/probe_questions.h"
 #include "gworkspace/settled_windows.h"
 
-// GWorkspace's own, by name.
+// GWorkspace's own classes, by name.
 @interface NSObject (ProbedGWorkspace)
 + (id)gworkspace;
 + (id)desktopManager;

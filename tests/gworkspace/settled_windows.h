@@ -1,13 +1,14 @@
-// Whether a window of the program is where it believes to be: a window manager takes its time.
+// Whether a window of the program is where the program thinks it is: a window manager takes its
+// time.
 #pragma once
 
 #include <AppKit/AppKit.h>
 
-// It is shown, and stands on the screen where its frame says.
+// The window is shown, and its place on the screen matches its frame.
 bool IsSettled(NSWindow* window);
 
-// What is typed comes to it.
+// The window gets what is typed.
 bool HasKeyboard(NSWindow* window);
 
-// Whether a shown window covers a part of another, in the order in which the server has them.
+// Whether a shown window covers a part of another, in the server's order of windows.
 bool StandsOver(NSWindow* window, NSWindow* other);

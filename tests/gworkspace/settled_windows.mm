@@ -2,12 +2,12 @@
 
 #include <GNUstepGUI/GSDisplayServer.h>
 
-// Xlib's names after AppKit's: some are the same.
+// Xlib's headers come after AppKit's, because some names are the same.
 #include <X11/Xlib.h>
 
 namespace {
 
-// One of the probe's own, so that nothing of the program's is taken away.
+// The probe's own connection, so that it takes no events away from the program.
 Display* connection() {
     static Display* display = XOpenDisplay(nullptr);
     return display;
@@ -18,7 +18,7 @@ Window x_window(NSWindow* window) {
     return reinterpret_cast<Window>(device);
 }
 
-// The upper left corner of a rectangle of the screen, as X counts.
+// The upper left corner of a rectangle on the screen, in X's coordinates.
 NSPoint corner_of(NSRect rect) {
     return NSMakePoint(NSMinX(rect), NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(rect));
 }
@@ -46,7 +46,7 @@ Window outermost(Window window) {
     return window;
 }
 
-// From the back; -1 for none.
+// The position counted from the back; -1 for none.
 int height_of(Window wanted) {
     Window root = 0, parent = 0, *children = nullptr;
     unsigned count = 0;

@@ -1,5 +1,5 @@
-// A user in front of GWorkspace: one viewer of a folder of the test's own, hands on mouse and
-// keyboard. The program is started once for the tests of a suite, and anew after one that failed.
+// A user in front of GWorkspace: one viewer of the test's own folder, with mouse and keyboard. The
+// program is started once for the tests of a suite, and again after a failed test.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ class ViewerDesk : public testing::Test {
     static void TearDownTestSuite();
     ViewerDesk();
     ~ViewerDesk() override;
-    // GWorkspace is there before and after each test, and nothing waits for an answer.
+    // Before and after each test GWorkspace is running and nothing waits for an answer.
     void SetUp() override;
     void TearDown() override;
 
@@ -46,25 +46,25 @@ class ViewerDesk : public testing::Test {
     Area item(const std::string& kind, const std::string& path);
     Area ground(const std::string& kind);
     void left_click(const Area& area);
-    // By a click, and by clicks with Shift on the further ones.
+    // Selects with a click, and further items with clicks while Shift is held.
     void select(const std::string& kind, const lines_t& paths);
     // A right-click that opens a menu.
     void right_click(const Area& area);
     void close_menu();
 
-    // What is open. Level 0 is GWorkspace's menu.
+    // The open menus. Level 0 is GWorkspace's menu.
     bool is_open(size_t level) const;
     bool is_closed() const { return !is_open(0); }
     std::vector<Row> rows(size_t level) const;
     lines_t titles(size_t level) const;
     Row row(size_t level, const std::string& title) const;
-    // Hovers over these rows, each in the level that the one before opens.
+    // Hovers over these rows, each in the level that the previous row opens.
     void hover_along(const lines_t& titles);
     void pick(const lines_t& titles);
     // Picks a row that shows while a key is held.
     void pick_with_key(const lines_t& way, const std::string& row, const std::string& key);
     void answer(const std::string& question);
-    // Where the probe says that this is: "button 2", "part Cancel".
+    // The place that the probe gives for a question: "button 2", "part Cancel".
     void click_at(const std::string& question);
 
     lines_t selection() const { return manager().ask_lines("selection"); }
@@ -79,7 +79,7 @@ class ViewerDesk : public testing::Test {
 
 bool contains(const lines_t& lines, const std::string& line);
 
-// Return, as soon as GWorkspace asks with these words.
+// Presses Return as soon as GWorkspace asks with these words.
 void Answer(const FileManager& manager, XInput& hand, const std::string& question);
 
 }  // namespace test

@@ -15,7 +15,7 @@ class Viewers : public ViewerDesk {
     static std::string folder_name() { return std::filesystem::path(folder().path()).filename(); }
     static std::string home(const std::string& name) { return getenv("HOME") + ("/" + name); }
 
-    // The first rows of the menu, as many as there are titles.
+    // The first rows of the menu, the same number as the titles.
     lines_t first_titles(size_t count) const {
         lines_t all = titles(0);
         all.resize(std::min(count, all.size()));

@@ -1,4 +1,4 @@
-// In front of the platform's file manager: answers that no disk gives in a test.
+// Stands in for the platform's file manager, with answers that no disk gives in a test.
 #pragma once
 
 #include <Carbon/Carbon.h>
@@ -7,12 +7,12 @@
 
 namespace test {
 
-// Where a field is empty the platform answers.
+// Where a field is empty, the platform answers.
 struct FileManager {
     OSErr catalog_error = noErr;  // of FSGetCatalogInfo
     OSStatus path_error = noErr;  // of FSRefMakePath
     std::string path;             // its answer
-    UInt32 path_limit = 0;        // what it was last asked for
+    UInt32 path_limit = 0;        // the limit in the last call
 };
 
 extern FileManager file_manager;

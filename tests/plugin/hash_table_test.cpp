@@ -28,8 +28,8 @@ class HashTable : public testing::Test {
         return testing::internal::GetCapturedStdout();
     }
 
-    // Runs the action in a thread while the table is locked, and once the action waits for that,
-    // looks at the table.
+    // Runs the action in a thread while the table is locked. Looks at the table once the action
+    // waits for the lock.
     void expect_to_wait_for_the_lock(const std::function<void()>& action,
                                      const std::function<void()>& look) {
         std::atomic<pid_t> id = 0;
@@ -139,7 +139,7 @@ TEST_F(HashTable, RehashChangesNothing) {
 }
 
 TEST_F(HashTable, DisposeFreesEachEntrysDataWhenAsked) {
-    // The sanitizers report a datum that is freed twice or not at all.
+    // The sanitizers report data that is freed twice or never.
     ht_table_t* table = ht_create_hash_table(3, 0);
     for (uint32_t key = 0; key < 10; key++) ht_insert(table, key, malloc(8));
     EXPECT_EQ(table->used_bucket_count, 3u);

@@ -88,7 +88,7 @@ TEST_F(Log, AFileThatCannotBeOpenedLowersTheLevelToOne) {
 
 TEST_F(Log, NothingIsFlushedBeforeTheFileIsClosed) {
     const std::string path = home_.path("Library/Logs/Delvio.log");
-    // Not captured: that flushes every stream.
+    // Output is not captured here, because capturing flushes every stream.
     set_level(2);
     dvdprintf("Delvio: one\n");
     dvdprintf("Delvio: two\n");

@@ -1,5 +1,5 @@
-// What tests of the plug-in's menus share: a folder to select from, settings for one test, a host's
-// menu, and menus told as text.
+// Shared by the tests of the plug-in's menus: a folder to select from, settings for one test, a
+// host's menu, and menus as text.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -20,13 +20,13 @@ using titles_t = std::vector<std::string>;
 // The items' titles in order; a separator is "-".
 titles_t titles_of(NSMenu* menu);
 NSMenuItem* item_titled(NSMenu* menu, const char* title);
-// The alternate of the item with this title, else nil.
+// The alternate of the item with this title; nil without one.
 NSMenuItem* alternate_of(NSMenu* menu, const char* title);
 NSArray* urls_of(const std::vector<std::string>& paths);
 NSString* string_of(const std::string& text);
 // Text as printf makes it.
 std::string formatted(const char* format, ...) __attribute__((format(printf, 1, 2)));
-// Expects the lines in the log, whole and in this order; others may stand between them.
+// Expects whole lines in the log in this order; other lines may come between them.
 void expect_lines(const std::string& log, const std::vector<std::string>& lines);
 
 class MenuTest : public testing::Test {
@@ -34,11 +34,11 @@ class MenuTest : public testing::Test {
     MenuTest();
     ~MenuTest() override;
 
-    // A preference for this test; holds from the next take-over on.
+    // Sets a preference for this test; it takes effect with the next take-over.
     void set(const char* key, id value);
     void set(const char* key, int value) { set(key, [NSNumber numberWithInt:value]); }
 
-    // Takes the host's menu over and gives it a selection. Returns the menu to show.
+    // Takes over the host's menu and gives it a selection. Returns the menu to show.
     NSMenu* take_over();
     NSMenu* select(const std::vector<std::string>& paths);
     // The submenu of an item, filled as when it opens; nil without one.
@@ -46,7 +46,7 @@ class MenuTest : public testing::Test {
     NSMenu* open(NSMenu* menu, const char* title) { return open(item_titled(menu, title)); }
     void release();
 
-    // What is written to standard output meanwhile, with logging to it on or off.
+    // The text that the action writes to standard output, with logging to it on or off.
     std::string log_of(const std::function<void()>& action, int level = 1);
 
     TempFolder folder_;

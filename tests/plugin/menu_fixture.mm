@@ -108,7 +108,7 @@ NSMenu* MenuTest::open(NSMenuItem* item) {
 }
 
 std::string MenuTest::log_of(const std::function<void()>& action, int level) {
-    // The setting, too: taking a menu over reads it anew.
+    // The setting is changed too, because taking over a menu reads it again.
     set("logLevel", level);
     dvEnableDebugOutput = level;
     testing::internal::CaptureStdout();

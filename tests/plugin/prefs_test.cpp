@@ -15,7 +15,8 @@
 
 namespace {
 
-// The settings tool of the system, as another program: what it prints, without the last newline.
+// Runs the system's settings tool as a separate program; returns what it prints, without the last
+// newline.
 std::string defaults(const std::string& arguments) {
     const std::string command = "defaults " + arguments + " 2>/dev/null";
     FILE* pipe = popen(command.c_str(), "r");
@@ -102,7 +103,7 @@ TEST_F(Preferences, WithNoneEveryValueIsItsDefault) {
 TEST_F(Preferences, TheFirstStartWritesTheFourteenKeysAndNoOther) {
     testing::internal::CaptureStderr();
     read(1);
-    // GNUstep says that it breaks a lock on which it has waited for 20 seconds.
+    // GNUstep prints a message when it breaks a lock after waiting 20 seconds for it.
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     const struct {
         const char* key;

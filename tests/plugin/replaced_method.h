@@ -1,4 +1,4 @@
-// A method of the toolkit that is another for the time of a test.
+// Replaces a method of the toolkit during a test.
 #pragma once
 
 #include <objc/runtime.h>
@@ -7,7 +7,7 @@ namespace test {
 
 class ReplacedMethod {
   public:
-    // Of instances, unless `owner` is a metaclass. The method must be there.
+    // Replaces an instance method, unless `owner` is a metaclass. The method must exist.
     template <typename Function>
     ReplacedMethod(Class owner, SEL selector, Function* function)
         : method_(class_getInstanceMethod(owner, selector)),
@@ -16,7 +16,7 @@ class ReplacedMethod {
     ReplacedMethod(const ReplacedMethod&) = delete;
     ReplacedMethod& operator=(const ReplacedMethod&) = delete;
 
-    // The method as it was.
+    // The original method.
     IMP before() const { return before_; }
 
   private:

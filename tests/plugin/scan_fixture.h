@@ -1,4 +1,4 @@
-// What the tests of scanning share: a folder, and the ways to read it.
+// Shared by the tests of scanning: a folder, and the ways to read it.
 #pragma once
 
 #include <gtest/gtest.h>

@@ -147,8 +147,8 @@ TEST_F(Scan, EveryElementMadeIsFreed) {
     EXPECT_EQ(alloc_count - free_count, alive);
 }
 
-// No file system here holds names of more than 255 bytes, so these go through the step that takes a
-// name of the folder.
+// No file system here allows names of more than 255 bytes, so these tests call the step that
+// handles a single name.
 class LongName : public testing::Test {
   protected:
     Tree root_{dv_create_elem(dv_create_folder_dir("/folder/"), nullptr, 0, 0)};

@@ -1,4 +1,4 @@
-// What the tests of trees share: owners of chains, names of a level.
+// Shared by the tests of trees: owners of chains, names of a level.
 #pragma once
 
 #include <stdio.h>

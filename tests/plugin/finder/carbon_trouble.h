@@ -1,4 +1,4 @@
-// In front of the platform's Apple Events, aliases and processes: calls that fail.
+// Replaces the platform's calls for Apple Events, aliases and processes with calls that can fail.
 #pragma once
 
 #include <Carbon/Carbon.h>
@@ -8,13 +8,14 @@
 
 namespace test {
 
-// Told of each call, and of the type, the keyword or the event's id that it is about (0 where it
-// has none); what it answers is the call's error. noErr, or no function, lets the call happen.
+// Called for each call, with the type, the keyword or the event's id that the call is about (0
+// where it has none). The result is the call's error. With noErr, or without a function, the call
+// happens.
 using CarbonTrouble = std::function<OSErr(const std::string& function, FourCharCode about)>;
 
 extern CarbonTrouble carbon_trouble;
 
-// Every call of one function fails, or just those about one thing.
+// Makes every call of one function fail, or only the calls about one thing.
 CarbonTrouble failing(const std::string& function, OSErr error, FourCharCode about = 0);
 
 }  // namespace test

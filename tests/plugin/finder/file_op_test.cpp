@@ -69,7 +69,7 @@ class FileOp : public testing::Test {
         targets_.back()->origin |= DV_ORIGIN_MOVE_COPY;
         return targets_.back().get();
     }
-    // A folder in a tree of its own.
+    // A folder in its own tree.
     dv_tree_t* target(const std::string& path) {
         roots_.emplace_back(folder_root(path));
         return target_in(roots_.back().get());
@@ -236,7 +236,7 @@ TEST_F(FileOp, NamesWithoutAClashRaiseNoAlert) {
     folder_.file("to/b");
     folder_.file("to/\u00c4");
     select(folder_.file("a"));
-    // Only the letters of ASCII have no case here.
+    // Only ASCII letters are compared without case here.
     select(folder_.file("\u00e4"));
     AnswerStandardAlerts(replace);
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
@@ -429,7 +429,7 @@ TEST_F(FileOp, ItemsThatMakeTroubleAreLeftOutAndReported) {
     const struct {
         const char* function;
         FourCharCode about;
-        int destination;  // calls for it, before those for items
+        int destination;  // calls for the destination, which come before those for items
         const char* line;
     } rows[] = {
         {"FSNewAliasMinimal", 0, 1, "Delvio: Error creating alias handle: -4\n"},
@@ -492,7 +492,7 @@ TEST_F(FileOp, LeavesNothingBehind) {
         dv_move_to_trash(selection_.get(), false);
         post_.clear();
     };
-    // Until the table of file references is full.
+    // Repeats until the table of file references is full.
     for (int i = 0; i < 400; i++) test::in_one_turn(round);
     const size_t before = test::memory_in_use();
     for (int i = 0; i < 200; i++) test::in_one_turn(round);

@@ -11,7 +11,7 @@
 #include "support/app.h"
 #include "support/dv_log.h"
 
-// Last: its macros are in the way of others.
+// Included last, because its macros break other headers.
 #include <X11/Xlib.h>
 #include <X11/Xatom.h>
 
@@ -44,7 +44,7 @@ class FinderIsFront : public testing::Test {
     }
     void focus(Window window) {
         XSync(display_, False);
-        // Our own window is mapped by the toolkit's connection, a little later.
+        // The toolkit's connection maps our own window, a little later.
         XWindowAttributes attributes = {};
         while (attributes.map_state != IsViewable) {
             XGetWindowAttributes(display_, window, &attributes);

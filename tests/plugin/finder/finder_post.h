@@ -1,4 +1,4 @@
-// What the Finder is sent: every event of a test, as it was sent and as it arrived.
+// The events that the Finder gets: every event of a test, as it was sent and as it arrived.
 #pragma once
 
 #include <Carbon/Carbon.h>
@@ -14,7 +14,7 @@ struct Parameter {
     DescType type;
 };
 
-// How AESend was called.
+// The arguments of AESend.
 struct Sending {
     bool has_reply = true, has_procedures = true;
     AESendMode mode = 0;
@@ -37,7 +37,7 @@ struct Letter {
     bool keeps() const { return replacing == std::vector<UInt8>{0}; }
 };
 
-// This process is the Finder as long as the object lives.
+// While the object lives, this process is the Finder.
 class FinderPost {
   public:
     FinderPost();

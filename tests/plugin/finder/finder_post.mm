@@ -25,7 +25,7 @@ std::string path_of(const AEDesc& desc) {
     AEDesc list, ref_desc;
     FSRef ref;
     char path[PATH_MAX] = "";
-    // By way of a list, as descriptors by themselves are not coerced.
+    // Goes through a list, because single descriptors are not coerced.
     AECreateList(nullptr, 0, false, &list);
     AEPutDesc(&list, 0, &desc);
     if (AEGetNthDesc(&list, 1, typeFSRef, nullptr, &ref_desc) == noErr) {
@@ -116,7 +116,8 @@ void FinderPost::clear() {
 
 }  // namespace test
 
-// In front of the platform's, which it calls: not all that a sender says reaches the receiver.
+// Replaces the platform's function and calls it: the receiver does not see everything that the
+// sender says.
 extern "C" OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode,
                         AESendPriority priority, SInt32 timeOutInTicks, AEIdleUPP idle,
                         AEFilterUPP filter) {

@@ -35,7 +35,7 @@ Plain attribute(const AppleEvent* event, AEKeyword keyword, DescType type) {
     return plain;
 }
 
-// What has come in. The event itself is looked at while it is there.
+// The events that have arrived. Each event is read while it exists.
 struct Finder {
     int events = 0;
     std::vector<std::string> paths;

@@ -37,7 +37,8 @@ class OpenWith : public testing::Test {
     void open(bool many) {
         dv_open_file_with_app(nullptr, documents_.get(), application_.get(), many);
     }
-    // Nothing has been started when another start, asked for later, is the only one.
+    // Asks for another start afterwards. If that start is the only one, nothing was started before
+    // it.
     void expect_nothing_started() {
         documents_.reset();
         last_ = nullptr;
@@ -61,10 +62,10 @@ TEST_F(OpenWith, ManyDocumentsGoToTheApplicationInOneStart) {
 TEST_F(OpenWith, LeavesNothingBehind) {
     const std::string path = folder_.file(std::string(200, 'n'));
     add(path);
-    // There is no such application, so that nothing is started.
+    // There is no such application, so nothing is started.
     application_.reset(element(folder_.path("gone"), DV_ORIGIN_APP_LIST));
     const auto round = [&] { test::in_one_turn([&] { open(true); }); };
-    // Until the table of file references is full.
+    // Repeats until the table of file references is full.
     for (int i = 0; i < 5000; i++) round();
     const size_t before = test::memory_in_use();
     for (int i = 0; i < 200; i++) round();

@@ -1,4 +1,4 @@
-// Press and hold with a real pointer: what becomes a right click, and what does not.
+// Press and hold with a real pointer: which presses become a right click, and which do not.
 #include "input/DVControlFreePopup.h"
 
 #include <host/process.h>
@@ -22,7 +22,7 @@ namespace {
 
 using test::PopupThread;
 
-// The presses that the tap has told of, accepted or not.
+// The presses that the tap has reported, accepted or not.
 int told = 0;
 IMP accepting;
 
@@ -80,7 +80,7 @@ class ControlFreePopup : public testing::Test {
         const char* fields = reinterpret_cast<const char*>(popup_);
         return *reinterpret_cast<const uint32_t*>(fields + ivar_getOffset(count));
     }
-    // Runs until the tap has told of it; the answer is whether it was accepted.
+    // Runs until the tap has reported the press, and returns whether it was accepted.
     bool press() {
         const int told_before = told, rests_before = PopupThread::rests();
         const uint32_t before = presses();
@@ -91,12 +91,12 @@ class ControlFreePopup : public testing::Test {
         rests_before_ = rests_before;
         return true;
     }
-    // Lets go and presses once more, in the same place.
+    // Releases the button and presses again in the same place.
     bool press_again() {
         input_.release(1);
         return press();
     }
-    // Until the thread has done with the last press that was accepted.
+    // Waits until the thread has finished with the last accepted press.
     void until_rest() {
         until("the thread's rest", [this] { return PopupThread::rests() > rests_before_; });
     }
@@ -118,8 +118,8 @@ class ControlFreePopup : public testing::Test {
         return count;
     }
     bool has(const char* word) const { return count_of(word) > 0; }
-    // What the window has got, once everything that was sent so far has come: a click sent after it
-    // has.
+    // The events that the window has got. Sends a click and waits for it first, so that all earlier
+    // events have arrived.
     std::string log_when_all_has_come() {
         dv_->control_free_enabled = 0;
         const int ups = count_of("up");

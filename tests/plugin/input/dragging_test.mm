@@ -48,7 +48,7 @@ class Dragging : public test::MenuTest {
         [controller_ menu:menu willHighlightItem:item];
         return item;
     }
-    // The type of what goes on to the menu in place of this event.
+    // The type of the event that the menu gets in place of this event.
     CGEventType after(CGEventType type, NSUInteger keys = NSCommandKeyMask) {
         SetHeldModifierFlags(keys);
         CGEventRef event =
@@ -94,7 +94,7 @@ TEST_F(Dragging, TheDragWindowGoesAwayWhenTold) {
 
 namespace {
 
-// What was asked of the controller or of its view, in place of its happening.
+// Records requests to the controller or its view, instead of doing them.
 struct delay_t {
     SEL selector;
     id object;
@@ -173,7 +173,7 @@ TEST_F(Dragging, ADragsPressIsSixteenPointsLeftOfAndBelowThePointer) {
     EXPECT_EQ([presses[0] type], NSLeftMouseDown);
     const CGFloat height = NSHeight([[[NSScreen screens] objectAtIndex:0] frame]);
     EXPECT_EQ([presses[0] locationInWindow].x, 284);
-    // 16 further from the top: the event's own place counts from the bottom.
+    // 16 further from the top, because the event's own position counts from the bottom.
     EXPECT_EQ([presses[0] locationInWindow].y, 484);
     EXPECT_EQ(log, test::formatted("Delvio: Activating delayed drag at %f %f\n", 284.0,
                                    height - 500 + 16));

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr useconds_t shortest_delay = 100000;  // what the thread sleeps while it polls is shorter
+constexpr useconds_t shortest_delay = 100000;  // the thread's pauses while it polls are shorter
 
 std::atomic<pid_t> thread;
 std::atomic<int> rest_count, waking_count;
@@ -69,7 +69,7 @@ bool PopupThread::sleeps_without_limit() {
 
 }  // namespace test
 
-// In front of the C library's.
+// Replaces the C library's functions.
 extern "C" int usleep(useconds_t microseconds) {
     if (is_the_thread() && microseconds >= shortest_delay) {
         delay = microseconds;

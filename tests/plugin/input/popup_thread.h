@@ -1,5 +1,5 @@
-// The thread of the control-free popup under a test's control: its delay passes when the test says
-// so, and the test sees when it waits for the next press.
+// Puts the thread of the control-free popup under a test's control: the test decides when the delay
+// has passed, and sees when the thread waits for the next press.
 #pragma once
 
 #include <sys/types.h>
@@ -11,7 +11,8 @@ class PopupThread {
     // The thread that `start` starts.
     static void find(void (*start)());
 
-    // Whether the thread is in the delay after a press, and how long it asked for, in microseconds.
+    // Whether the thread is in the delay after a press, and the length of that delay in
+    // microseconds.
     static bool is_in_delay();
     static useconds_t asked_delay();
     static void let_delay_pass();
@@ -19,10 +20,10 @@ class PopupThread {
     // The last pause that was shorter than a delay.
     static useconds_t asked_pause();
 
-    // How often it has come to wait for a press, and how often it was woken from that.
+    // How often the thread has started to wait for a press, and how often it was woken.
     static int rests();
     static int wakings();
-    // Whether it waits for a press with no limit of time: nothing will wake it but a press.
+    // Whether the thread waits for a press without a time limit: only a press can wake it.
     static bool sleeps_without_limit();
 };
 

@@ -1,4 +1,4 @@
-// In front of Core Graphics' remote operation: how a click is posted.
+// Replaces Core Graphics' remote operation, to record how a click is posted.
 #pragma once
 
 #include <string>

@@ -46,7 +46,7 @@ std::string address_of(const void* object) {
     return text;
 }
 
-// One line tells the addresses of elements as bare numbers.
+// One line prints the addresses of elements as bare numbers.
 std::string with_prefixes(const std::string& line) {
     static const std::regex bare("(moveCopyElem|parent): ([0-9a-f]{2,})");
     return std::regex_replace(line, bare, "$1: 0x$2");
@@ -83,7 +83,7 @@ class Bundle : public testing::Test {
         test::start_application();
         std::filesystem::create_directories(std::filesystem::path(log_file()).parent_path());
         set_log_level(2);
-        // Not those of the machine that the test runs on.
+        // Keeps out the applications of the machine that the test runs on.
         set_number(CFSTR("runningAppsInOpenWithMenu"), 0);
         ForcePreference(CFSTR("open_with_path"), (CFPropertyListRef) @"/nowhere",
                         CFSTR("org.delvio.Delvio"));
@@ -116,8 +116,8 @@ class Bundle : public testing::Test {
         [pool_ release];
     }
 
-    // A popup for a folder and a file: a look at the file, then the folder's level, and in it a
-    // pick that does nothing.
+    // A popup for a folder and a file: the pointer on the file, then the folder's level, and in
+    // that level a pick that does nothing.
     void pop_up() {
         [tracker_ setWalk:[this](MenuSession* session) {
             const TFENodeVector nodes = {{{folder_.path("a")}, {folder_.path("text")}}};
@@ -131,7 +131,7 @@ class Bundle : public testing::Test {
         }];
         [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil];
     }
-    // What is added to the log file, and to standard output, by a popup.
+    // The text that a popup adds to the log file and to standard output.
     struct output_t {
         lines_t file, standard;
     };
@@ -145,7 +145,7 @@ class Bundle : public testing::Test {
         const std::string file = test::read_file(log_file()).substr(before);
         return {lines_of(file, names_), lines_of(standard, names_)};
     }
-    // The lines that come before the settings are read, and those that come after.
+    // The lines before the settings are read, and the lines after.
     lines_t first_lines() {
         return {"Delvio: Class popup no font HOST : TContextMenu",
                 "Delvio: Info: [menu = MENU, delegate = HOST, dvdv = DVDV]"};

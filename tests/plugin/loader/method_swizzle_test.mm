@@ -133,7 +133,7 @@ TEST_F(Swizzle, TheWindowsHooksPrintWhatTheyHandOn) {
     const SEL full = @selector(nextEventMatchingMask:untilDate:inMode:dequeue:);
     class_addMethod(source, plain, reinterpret_cast<IMP>(event_for_mask), "@@:Q");
     class_addMethod(source, full, reinterpret_cast<IMP>(event_before_date), "@@:Q@@c");
-    // Entries of its own for the hooks, which are the superclass's.
+    // The class gets its own entries for the hooks, which belong to the superclass.
     for (SEL hook : {
              @selector(dvNextEventMatchingMask:), @selector(dvNextEventMatchingMask:
                                                                           untilDate:inMode:dequeue:)

@@ -1,4 +1,4 @@
-// Each way in which a contextual menu pops up, down to the toolkit's own method.
+// Every way to pop up a contextual menu, down to the toolkit's own method.
 #include <host/modifier_keys.h>
 #include <host/process.h>
 #include <objc/runtime.h>
@@ -62,7 +62,7 @@ class PopupPath : public test::MenuTest, public testing::WithParamInterface<path
         (void)installed;
         DeclareProcessSignature('MACS');
         dv_load_delvio();
-        // The one that the loader leaves out.
+        // The method that the loader does not replace.
         exchange_plain_instance_popup();
         menu_ = [[RecordingMenu alloc] initWithTitle:@"context"];
         [menu_ addItemWithTitle:@"Open" action:nullptr keyEquivalent:@""];
@@ -133,7 +133,7 @@ class PopupPath : public test::MenuTest, public testing::WithParamInterface<path
         EXPECT_EQ(titles_of(menu_), titles_t({"Open"}));
         EXPECT_EQ([menu_ delegate], host_);
     }
-    // The popup after one that went wrong is taken over as ever.
+    // After a failed popup the next one is taken over as usual.
     void expect_next_popup_to_be_taken_over() {
         const std::string path = folder_.folder("next");
         titles_t shown;
@@ -186,7 +186,7 @@ TEST_P(PopupPath, APreferredSizeBringsTheFontWhereThePathKnowsOne) {
     pop_up();
     const auto calls = take_popup_calls();
     ASSERT_EQ(calls.size(), 1u);
-    // The class method without a font has a sister with one; the instance method has none.
+    // The class method without a font has a counterpart with one; the instance method has none.
     const bool with_font = GetParam() != INSTANCE_PLAIN;
     EXPECT_EQ(calls[0].font, with_font ? [NSFont systemFontOfSize:14] : nil);
     EXPECT_EQ(calls[0].event, event_);

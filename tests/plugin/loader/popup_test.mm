@@ -28,7 +28,7 @@ using test::titles_of;
 using test::titles_t;
 using test::urls_of;
 
-// The host's own methods, in place before the plug-in comes: what reached them.
+// The host's own methods, in place before the plug-in is loaded. They record their calls.
 BOOL write_result = NO;
 NSArray* written = nil;
 int descriptors_set = 0;
@@ -72,7 +72,7 @@ class Popup : public test::MenuTest {
     void pop_up_with_font(NSFont* font) {
         [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil withFont:font];
     }
-    // Configures the menu with nodes, as the host does while it fills it.
+    // Configures the menu with nodes, as the host does while filling it.
     void configure(const std::vector<std::string>& paths) {
         TFENodeVector nodes;
         for (const std::string& path : paths) nodes.nodes.push_back({path});
@@ -108,7 +108,7 @@ TEST_F(Popup, TheClassPopupTakesTheMenuOverOnceAndTheInstancePopupUpdatesTheHost
     pop_up();
     EXPECT_EQ(count, 1);
     EXPECT_EQ([tracker_ popups], 1);
-    // Forced by the take-over, forced by the instance method, then opened.
+    // The take-over forces an update, the instance method forces one, then the menu opens.
     EXPECT_EQ([host_ log], "open update open update update open close");
 }
 
@@ -334,7 +334,7 @@ void record_configuration(id, SEL, const TFENodeVector* nodes, id window_control
 
 TEST_F(Popup, TheSelectionIsKnownBeforeTheHostsConfigurationWhichRunsOnce) {
     const std::string path = folder_.folder("a");
-    // After the exchange, the host's own code stands under the plug-in's name.
+    // After the exchange, the plug-in's name leads to the host's own code.
     const test::ReplacedMethod configuring(
         [TContextMenu class], @selector(dvConfigureWithNodes:windowController:container:),
         record_configuration);

@@ -21,7 +21,8 @@ class Proxy : public test::MenuTest {
         [silent_ release];
         [host_ release];
     }
-    // Takes the menu over from a delegate and forgets what that was told meanwhile.
+    // Takes the menu over from a delegate, and forgets the messages that the delegate got during
+    // that.
     void take_over_from(id delegate) {
         [host_menu_ setDelegate:delegate];
         take_over();

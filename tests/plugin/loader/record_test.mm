@@ -1,4 +1,4 @@
-// The controller and the control-free popup as they are made, first of all and in a bad world.
+// The controller and the control-free popup just after creation, also under bad conditions.
 #include <AppKit/AppKit.h>
 #include <host/process.h>
 #include <host/forced_preferences.h>
@@ -26,7 +26,7 @@
 
 namespace {
 
-// How the taps were asked for.
+// The arguments with which the taps were created.
 struct tap_t {
     int location, placement, options;
     CGEventMask events;
@@ -44,7 +44,7 @@ Function* platforms(const char* name) {
 
 }  // namespace
 
-// In front of the platform's.
+// Replaces the platform's function.
 extern "C" {
 
 CFMachPortRef CGEventTapCreateForPSN(void* process, CGEventTapPlacement placement,

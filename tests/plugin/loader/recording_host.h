@@ -1,4 +1,4 @@
-// A host's menu delegate and menu that record what they are asked.
+// A host's menu delegate and menu that record their calls.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -15,13 +15,13 @@
 }
 // The messages since the last call, as words: "open update close highlight count item key".
 - (std::string)log;
-// Added at the end of a menu that asks for an update and does not have it.
+// An item to add at the end of a menu that asks for an update and does not have the item.
 - (void)setItemToAdd:(NSString*)title;
 // Called by each menuNeedsUpdate:.
 - (void)setUpdate:(const std::function<void()>&)update;
 @end
 
-// Answers menuDidClose: alone.
+// Answers only menuDidClose:.
 @interface SilentHost : NSObject
 @end
 
@@ -34,12 +34,12 @@
 }
 // The titles of the items that have changed since the last call.
 - (NSArray*)takeChanged;
-// Then removeItem: raises.
+// When set, removeItem: raises.
 - (void)setRefusesRemoval:(BOOL)refuses;
-// Then insertItem:atIndex: raises.
+// When set, insertItem:atIndex: raises.
 - (void)setRefusesInsertion:(BOOL)refuses;
 // Called before an item is inserted or removed.
 - (void)setOnChange:(const std::function<void()>&)onChange;
-// Then removeAllItems of every menu of this class raises.
+// When set, removeAllItems raises in every menu of this class.
 + (void)setRefusesClearing:(BOOL)refuses;
 @end

@@ -1,5 +1,5 @@
-// The toolkit's popup methods, replaced by ones that record their calls.
-// To be installed before the plug-in is.
+// The toolkit's popup methods, replaced by methods that record their calls. Install them before the
+// plug-in.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -9,13 +9,13 @@
 #include <vector>
 
 @interface NSMenu (PopUpWithoutFont)
-// Of the Mac; the plug-in has a replacement that it does not install.
+// A method of the Mac; the plug-in has a replacement for it that it does not install.
 - (void)_popUpContextMenu:(NSMenu*)menu withEvent:(NSEvent*)event forView:(NSView*)view;
 @end
 
 namespace test {
 
-// What reached one of the toolkit's own methods; objects that it does not take are nil.
+// A call of one of the toolkit's own methods; objects that the method does not take are nil.
 struct popup_call_t {
     std::string method;
     id receiver;
@@ -25,11 +25,11 @@ struct popup_call_t {
     NSFont* font;
 };
 
-// Replaces the methods, once a process.
+// Replaces the methods. Call it once per process.
 void install_recording_toolkit();
 // The calls since the last time.
 std::vector<popup_call_t> take_popup_calls();
-// What happens while a menu is tracked: called once, by the next popup that comes to the toolkit.
+// The action while a menu is tracked. The next popup that reaches the toolkit calls it once.
 void set_tracking(const std::function<void()>& tracking);
 
 }  // namespace test

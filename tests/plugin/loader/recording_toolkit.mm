@@ -14,7 +14,7 @@ void track(const test::popup_call_t& call) {
     if (tracking) tracking();
 }
 
-// Each knows its own name: a call comes by that of the plug-in's method.
+// Each method knows its own name, because the call uses the name of the plug-in's method.
 enum kind_t { CLASS_PLAIN, CLASS_WITH_FONT, INSTANCE_PLAIN, INSTANCE_WITH_FONT };
 const SEL names[] = {@selector(popUpContextMenu:withEvent:forView:),
                      @selector(popUpContextMenu:withEvent:forView:withFont:),

@@ -1,4 +1,4 @@
-// Walks a popped-up menu without showing it: what happens meanwhile is the test's.
+// Walks through a popped-up menu without showing it. The test decides what happens at each menu.
 #pragma once
 
 #include <host/menu_tracking.h>
@@ -16,7 +16,7 @@ using walk_t = std::function<void(MenuSession*)>;
 }
 // Called between the opening and the closing of each menu.
 - (void)setWalk:(const walk_t&)walk;
-// Of the popups so far: how many, and the last one's font and menu.
+// About the popups so far: how many, and the last one's font and menu.
 - (int)popups;
 - (NSFont*)font;
 - (NSMenu*)menu;

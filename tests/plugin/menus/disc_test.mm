@@ -53,9 +53,10 @@ class Disc : public test::MenuTest {
         [window close];
         [window release];
     }
-    // How light the drawing is at an angle and distance from its middle; -1 where the ground shows.
+    // The brightness of the drawing at an angle and distance from its middle; -1 where the
+    // background shows.
     double gray_at(double angle, double radius) { return gray_from(32, 32, angle, radius); }
-    // The same about another middle, counted from the lower left.
+    // The same around a different middle, counted from the lower left.
     double gray_from(double middle_x, double middle_y, double angle, double radius) {
         const uint32_t pixel =
             pixel_at(static_cast<int>(floor(middle_x + radius * cos(angle))),
@@ -212,7 +213,8 @@ TEST_F(Disc, ItsRimIsAMiddleGrayAndOnePointWide) {
     DVCircularProgressView* view = large_disc();
     [view setLastProgressUpdate:dv_double_time() + 1000];
     draw(view);
-    // Radius 31, stroked half a point to either side: along the axes, where pixels are whole.
+    // Radius 31, stroked half a point to each side. Measured along the axes, where pixels are
+    // whole.
     for (const double angle : {M_PI / 2, M_PI, -M_PI / 2}) {
         EXPECT_NEAR(shade_at(angle, 29.5), 0.3, 0.03) << angle;
         EXPECT_NEAR(shade_at(angle, 30.75), 0.4, 0.06) << angle << ": half disc, half rim";
@@ -229,7 +231,7 @@ TEST_F(Disc, TheWedgeIsThirtyDegreesWideWithALightGrayEdge) {
     EXPECT_NEAR(gray_at(26 * degree, 25), 1, 0.02);
     EXPECT_NEAR(gray_at(34 * degree, 25), 0.3, 0.02);
     EXPECT_NEAR(gray_at(-4 * degree, 25), 0.3, 0.02);
-    // Its lower edge lies on the middle line between two rows of pixels: half of each is edge.
+    // Its lower edge is on the middle line between two rows of pixels: half of each is edge.
     EXPECT_NEAR(gray_below_middle(20), (0.7 + 0.3) / 2, 0.05);
     EXPECT_NEAR(gray_above_middle(20), (0.7 + 1) / 2, 0.05);
     // It reaches to the rim.
@@ -242,7 +244,7 @@ TEST_F(Disc, ItsRadiusFollowsTheSmallerSide) {
         [[[DVCircularProgressView alloc] initWithFrame:frame] autorelease];
     [view setLastProgressUpdate:dv_double_time() + 1000];
     draw(view);
-    // The view is the window's lower part: its middle stands 12 points below the window's.
+    // The view is the window's lower part: its middle is 12 points below the window's.
     EXPECT_NEAR(gray_from(32, 20, M_PI, 17), 0.3, 0.03);
     EXPECT_EQ(gray_from(32, 20, M_PI, 21), -1);
     EXPECT_NEAR(gray_from(32, 20, M_PI / 2, 17), 0.3, 0.03);
@@ -250,7 +252,7 @@ TEST_F(Disc, ItsRadiusFollowsTheSmallerSide) {
 
 TEST_F(Disc, ItDrawsADarkDiscWithALightWedge) {
     DVCircularProgressView* view = large_disc();
-    // Far ahead, so that the phase stays.
+    // A time far in the future, so that the phase does not change.
     [view setLastProgressUpdate:dv_double_time() + 1000];
     draw(view);
     // Radius 31: the rim, and nothing outside.
@@ -259,7 +261,7 @@ TEST_F(Disc, ItDrawsADarkDiscWithALightWedge) {
     EXPECT_NEAR(gray_at(M_PI / 12, 20), 1, 0.02);
     EXPECT_NEAR(gray_at(-M_PI / 12, 20), 0.3, 0.02);
     EXPECT_NEAR(gray_at(M_PI / 4, 20), 0.3, 0.02);
-    // A quarter on: the wedge has turned clockwise.
+    // A quarter turn further: the wedge has turned clockwise.
     [view setCurrentProgress:0.25];
     draw(view);
     EXPECT_NEAR(gray_at(M_PI / 12, 20), 0.3, 0.02);

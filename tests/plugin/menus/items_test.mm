@@ -29,7 +29,7 @@ class Items : public test::MenuTest {
     }
     NSMenu* open_mixed() { return open(select({mixed_folder()}), "mixed"); }
 
-    // A plain menu with one folder, which need not be there.
+    // A plain menu with one folder, which need not exist.
     NSMenu* menu_of_folder(const char* parent, const char* name, const char* shown = nullptr) {
         take_over();
         dv_dir_t* dir = dv_create_folder_dir(parent);

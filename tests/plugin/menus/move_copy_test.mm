@@ -49,7 +49,7 @@ class MoveCopy : public test::MenuTest {
         return titles.size() >= move_rows.size() &&
                titles_t(titles.begin(), titles.begin() + 4) == move_rows;
     }
-    // As the log tells an element.
+    // An element as the log prints it.
     static unsigned number(const dv_tree_t* elem) {
         return static_cast<unsigned>(reinterpret_cast<uintptr_t>(elem));
     }
@@ -198,7 +198,7 @@ TEST_F(MoveCopy, PickingARowSendsTheSelectionThere) {
         const test::Letter letter = pick(below, row.title);
         EXPECT_EQ(letter.event_id, row.event_id);
         EXPECT_EQ(letter.destination, folder_.path("one/below"));
-        // The folder that the level belongs to goes nowhere inside itself; an alias may.
+        // The level's own folder cannot be moved inside itself; an alias to it can be made there.
         EXPECT_EQ(letter.items, row.event_id == 'crel'
                                     ? titles_t({folder_.path("one"), folder_.path("two")})
                                     : titles_t({folder_.path("two")}));

@@ -24,8 +24,8 @@ using test::titles_t;
 
 const NSUInteger option = NSAlternateKeyMask;
 
-// The open-with folder holds one application, which writes down its arguments, a folder with the
-// same one, and what is no application.
+// The open-with folder contains one application that records its arguments, a folder with the same
+// application, and something that is not an application.
 class OpenWith : public test::MenuTest {
   protected:
     static void SetUpTestSuite() {
@@ -52,7 +52,7 @@ class OpenWith : public test::MenuTest {
     NSMenu* deep_menu(const char* folder, const char* title) {
         return open(alternate_of(open(host_menu_, folder), title));
     }
-    // Running applications, as if the desktop had told of them.
+    // Sets running applications, as if the desktop had reported them.
     void run(const std::vector<std::string>& paths) {
         dv_->runningAppsInOpenWithMenu = 1;
         dv_tree_t* tail = nullptr;
@@ -205,7 +205,7 @@ TEST_F(OpenWith, AnApplicationThatBelongsToNoItemOpensNothing) {
                                                     andModifiers:0];
     [menu addItem:item];
     [controller_ dvItemSelected:item];
-    // Opened after it, so that the other would have been seen before.
+    // Opened afterwards: the other one would have been seen before it.
     EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), titles_t({a}));
 }
 

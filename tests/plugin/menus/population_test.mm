@@ -24,7 +24,7 @@ class Population : public test::MenuTest {
         for (int i = 0; i < count; i++) paths.push_back(folder_.folder("f" + std::to_string(i)));
         return paths;
     }
-    // What the preference "folders" will make of a path.
+    // Adds the element that the preference "folders" would make from a path.
     void add_custom_folder(const std::string& path, uint32_t more_origin = 0) {
         dv_tree_t** slot = &dv_->custom;
         while (*slot) slot = &(*slot)->next;
@@ -236,13 +236,13 @@ TEST_F(Population, PathsAndUrlsOfElements) {
 
 TEST_F(Population, TenThousandEntriesFillALevel) {
     const std::string path = folder_.folder("many");
-    // Links to one file are made faster than files.
+    // Links to one file are created faster than files.
     const std::string file = folder_.file("file");
     for (int i = 0; i < 10000; i++) {
         std::filesystem::create_hard_link(file, path + "/file" + std::to_string(i));
     }
     NSMenu* level = open(select({path}), "many");
-    // Each with its alternates.
+    // Each file with its alternates.
     ASSERT_EQ([level numberOfItems], 30000);
     EXPECT_STREQ([[[level itemAtIndex:0] title] UTF8String], "file0");
     EXPECT_STREQ([[[level itemAtIndex:29997] title] UTF8String], "file9999");

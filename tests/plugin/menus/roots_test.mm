@@ -37,7 +37,7 @@ NSData* bookmark_of(const std::string& path) {
     return [address dataUsingEncoding:NSUTF8StringEncoding];
 }
 
-// As much of a running application as the plug-in looks at.
+// The parts of a running application that the plug-in reads.
 NSArray* running = nil;
 NSArray* running_applications(id, SEL) { return running; }
 
@@ -96,7 +96,7 @@ class Roots : public test::MenuTest {
         return lines;
     }
 
-    // An application bundle with an identifier of its own.
+    // An application bundle with its own identifier.
     std::string application(const std::string& name) {
         folder_.file(name + "/Resources/Info-gnustep.plist",
                      "{ CFBundleIdentifier = \"org.example.Tool\"; }");
@@ -431,7 +431,7 @@ TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
     EXPECT_NE(copy, [item tree]);
     EXPECT_EQ(copy->children->origin, [item tree]->origin);
     EXPECT_EQ(copy->children->parent, copy);
-    // The contents stand behind Option, as ever.
+    // The contents are behind Option, as usual.
     EXPECT_NE([test::alternate_of(menu, "Tool.app") submenu], nil);
 }
 

@@ -1,4 +1,4 @@
-// In front of the platform's scandir: the paths of the folders that have been read, with their
+// Replaces the platform's scandir to record the paths of the folders that were read, with their
 // slashes.
 #pragma once
 

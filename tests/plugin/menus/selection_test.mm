@@ -131,7 +131,7 @@ TEST_F(Selection, ACommandClickOpensNothing) {
     SetHeldModifierFlags(NSCommandKeyMask);
     [controller_ dvItemSelected:item_titled(menu, "first.txt")];
     SetHeldModifierFlags(0);
-    // Opened after it, so that the other would have been seen before.
+    // Opened afterwards: the other one would have been seen before it.
     [controller_ dvItemSelected:item_titled(menu, "second.txt")];
     EXPECT_EQ(opener.wait(), titles_t({second}));
 }
@@ -163,7 +163,7 @@ TEST_F(Selection, TakingTheSelectionIsLogged) {
 
 TEST_F(Selection, AUrlWithoutAPathIsSkippedAndLogged) {
     take_over();
-    // Of a name that is no text: its address has no path.
+    // The name is not valid text, so its address has no path.
     NSURL* url = [NSURL URLWithString:@"file:///tmp/%FF%FE"];
     ASSERT_EQ([[url path] UTF8String], static_cast<const char*>(nullptr));
     NSArray* files = @[ url, @"text" ];

@@ -46,7 +46,7 @@ class HoverWindow : public test::MenuTest {
                                      beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
         }
     }
-    // Waits for the picture that is being made.
+    // Waits for the picture in the making.
     void finish() {
         run_until([this] { return !is_busy(); });
     }
@@ -219,7 +219,7 @@ TEST_F(HoverWindow, AMovementOutsideAnyMenuStartsNoTimer) {
 
 namespace {
 
-// Resting on a file of a menu that is taken over.
+// Tests of resting on a file in a menu that was taken over.
 class Resting : public HoverWindow {
   protected:
     Resting() : preview_([controller_ valueForKey:@"previewWindowController"]) {
@@ -241,7 +241,8 @@ class Resting : public HoverWindow {
         [controller_ setValue:[NSNumber numberWithDouble:last] forKey:@"lastMouseMovement"];
         return log_of([this] { [controller_ showPreviewWindow:(NSTimer*)nil]; });
     }
-    // From the movement to its timer: the shortest of several, as a busy machine may pause between.
+    // The time from the movement to its timer: the shortest of several, because a busy machine may
+    // pause.
     double timers_delay() {
         double shortest = 1e9;
         for (int i = 0; i < 50; i++) {
@@ -277,7 +278,7 @@ TEST_F(Resting, TheDelayIsShortWhileTheWindowIsShown) {
     highlight(path_);
     [preview_ showPreviewWindow:nil];
     test::expect_lines(fire_after(0.36), {showing});
-    // A busy machine may take longer to look than is left of the delay: not each time.
+    // A busy machine may need longer than the rest of the delay, but not every time.
     int shown = 0, tries = 0;
     while (shown == tries && tries < 200) {
         tries++;
@@ -369,7 +370,7 @@ TEST_F(HoverWindow, ItGoesToThePointersOtherSideAndStaysInItsHalf) {
     const struct {
         NSPoint pointer, origin;
     } rows[] = {
-        // The middle is at 610, 370: on it counts as right, and as below.
+        // The middle is at 610, 370; the middle itself counts as right, and as below.
         {{609, 371}, {698, 208}},
         {{610, 371}, {10, 208}},
         {{609, 370}, {698, 20}},

@@ -1,4 +1,4 @@
-// In front of Core Graphics' images.
+// Replaces Core Graphics' functions for images.
 #pragma once
 
 namespace test {

@@ -39,7 +39,7 @@ class TextLines : public testing::Test {
     int32_t length_ = 0;
 };
 
-// A line that no break ends is filled with the buffer's zero bytes.
+// A line without a line break is filled with the buffer's zero bytes.
 std::string filled(const std::string& text, size_t columns = 20) {
     return text + std::string(columns - text.size(), '\0');
 }

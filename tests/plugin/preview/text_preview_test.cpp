@@ -31,7 +31,7 @@ class TextPreview : public testing::Test {
         state_.preview_size = side;
         dv_create_preview_context(&state_);
     }
-    // Draws a text, and gives the image back.
+    // Draws a text and returns the image.
     void draw(const std::string& text) {
         std::vector<char> buffer(DV_PREVIEW_TEXT_CAPACITY);
         std::copy(text.begin(), text.end(), buffer.begin());
@@ -87,7 +87,7 @@ long bytes_read() {
     return count;
 }
 
-// What is read while this is done; the first look counts itself only when it is over.
+// The bytes read during the action; the first measurement counts itself only when it is over.
 template <typename Deed>
 long bytes_read_by(Deed deed) {
     const long first = bytes_read(), second = bytes_read();
@@ -287,7 +287,7 @@ TEST_F(TextPreview, AFolderReadsAsNoText) {
 }
 
 TEST_F(TextPreview, OfALongFileTheFirst10240BytesAreRead) {
-    // Its last byte that is read, and the first that is not: the line is 1031 wide.
+    // The last byte that is read, and the first that is not: the line is 1031 wide.
     std::string text(DV_PREVIEW_TEXT_CAPACITY + 10, ' ');
     text[DV_PREVIEW_TEXT_CAPACITY - 1] = 'M';
     text[DV_PREVIEW_TEXT_CAPACITY] = 'M';
@@ -338,8 +338,8 @@ TEST_F(TextPreview, SeveralThreadsAtOnceDoNoHarm) {
 
 TEST_F(TextPreview, OfALongFileNotAByteMoreIsReadThanAPreviewHolds) {
     const std::string path = folder_.file("long", std::string(100000, 'a'));
-    CGImageRelease(from_path(path));  // what is read once, as the font
-    // The counts are texts themselves, of a length that differs by some digits.
+    CGImageRelease(from_path(path));  // loads what is read only once, such as the font
+    // The counts are themselves texts, whose length differs by some digits.
     const int digits = 20;
     EXPECT_NEAR(bytes_read_by([] {}), 0, digits);
     EXPECT_NEAR(bytes_read_by([&] { CGImageRelease(from_path(path)); }), DV_PREVIEW_TEXT_CAPACITY,
