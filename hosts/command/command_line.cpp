@@ -17,7 +17,7 @@ const char* const menu_about =
 
 const char* const forms_group = "Instead of showing the menu, one of";
 
-// What the options fill besides the request itself.
+// Option values that are not part of the request itself.
 struct Options {
     std::string at;
     std::string modifiers;
@@ -125,7 +125,7 @@ MenuForm form_of(const MenuRequest& request, const Options& options) {
 
 bool given(const CLI::App& app, const char* option) { return app.count(option) > 0; }
 
-// What CLI11 cannot say by itself; the problem, or an empty string.
+// Checks rules that CLI11 cannot express. Returns the problem, or an empty string.
 std::string check_menu(const CLI::App& app, MenuRequest& request, const Options& options) {
     if (given(app, "--png") && request.picture.empty()) return "--png takes the name of a file";
     if (given(app, "--at") && options.at.empty()) return "--at takes X,Y, for example 200,150";

@@ -8,8 +8,8 @@
 
 namespace {
 
-// Libraries end the process where they find none left. More than `most` would only make programs
-// that are started from here slow.
+// Libraries end the process when no descriptor is left. More than `most` would only slow down the
+// programs that are started from here.
 constexpr rlim_t fewest = 128, most = 1024;
 
 rlim_t raised_limit() {

@@ -50,7 +50,7 @@ bool is_caught(int number) {
            std::end(exit_signals);
 }
 
-// As signal() does it, but with all others held back meanwhile for a handler of ours.
+// Works like signal(), but our handler also holds back all other signals while it runs.
 sighandler_t set_handler(int number, sighandler_t handler) {
     struct sigaction action = {}, before = {};
     action.sa_handler = handler;
@@ -66,8 +66,9 @@ void copy_path(char* to, const std::string& path) {
 
 }  // namespace
 
-// The toolkit's display backend, which is loaded late, puts handlers there that abort: for as long
-// as it starts, a signal would end the command so. In this program its calls lead here.
+// The toolkit's display backend is loaded late and, while it starts, installs handlers that abort:
+// a signal would then abort the command. This function replaces signal() in the whole program and
+// ignores such calls.
 extern "C" __attribute__((visibility("default"))) sighandler_t signal(int number,
                                                                       sighandler_t wanted) {
     if (catches && is_caught(number)) return handle;

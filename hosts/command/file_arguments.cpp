@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A path through ".." means what the file system makes of it, so links before it are followed.
+// The file system resolves "..", so links before it are followed.
 fs::path absolute_path(const fs::path& given) {
     fs::path path = fs::absolute(given);
     const fs::path last = path.filename();

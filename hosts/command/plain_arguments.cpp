@@ -7,7 +7,7 @@
 
 namespace {
 
-// The strings of arguments and environment, which follow one another in memory, and their copy.
+// The strings of the arguments and the environment, which are contiguous in memory, and their copy.
 char* strings;
 char* copy;
 unsigned long size;
@@ -17,7 +17,7 @@ __attribute__((no_sanitize("address", "undefined"))) char* end_of(char* string) 
     return string + 1;
 }
 
-// Before any library has been set up: plain memory and system calls only.
+// Runs before any library has been set up, so it uses plain memory and system calls only.
 __attribute__((no_sanitize("address", "undefined"))) void hide(int count, char** arguments,
                                                                char** environment) {
     if (count < 1) return;

@@ -16,7 +16,7 @@ bool is_unprintable(gunichar character) {
     return control || separator || changes_direction(character);
 }
 
-// Gives each character, or a byte that is none as the character -1, to `take`.
+// Calls `take` with each character; for a byte that is not part of one, with -1.
 template <typename Take>
 void for_each_character(std::string_view text, Take take) {
     while (!text.empty()) {

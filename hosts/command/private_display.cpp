@@ -25,7 +25,7 @@ constexpr const char* screen = "1920x1200x24";
 
 bool started;
 
-// Xlib prints a line of its own when it is refused; ours says more.
+// Xlib prints a line of its own when it is refused; our message says more.
 bool opens_quietly() {
     FILE* const own = stderr;
     FILE* const nowhere = fopen("/dev/null", "we");
@@ -37,8 +37,8 @@ bool opens_quietly() {
     return display != nullptr;
 }
 
-// An entry of an X authority file that fits every host and display: family, address, number, name
-// and data, each length in two bytes, the higher first.
+// An X authority entry that fits every host and display: family, address, number, name and data,
+// each length in two bytes, the higher byte first.
 std::string authority_entry() {
     char cookie[16];
     if (getrandom(cookie, sizeof cookie, 0) != sizeof cookie) return {};
@@ -51,7 +51,7 @@ std::string authority_entry() {
     return entry.append(cookie, sizeof cookie);
 }
 
-// In the child: becomes the server, which writes its display number to `number_out`.
+// Called in the child: becomes the server, which writes its display number to `number_out`.
 [[noreturn]] void become_server(int number_out, const std::string& authority, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (getppid() != parent) _exit(1);
@@ -62,7 +62,7 @@ std::string authority_entry() {
     _exit(127);
 }
 
-// The line that the server writes once it takes connections; empty if it ended or took too long.
+// The line that the server writes once it accepts connections; empty if it ended or took too long.
 std::string read_number(int in) {
     std::string line;
     struct pollfd waiting = {in, POLLIN, 0};
@@ -122,7 +122,8 @@ bool StartPrivateDisplay(std::string* problem) {
         *problem = why_not_started(server);
         return false;
     }
-    // Programs outlive the display, and nobody looks at it: they get what the user has.
+    // Started programs outlive the private display, and nobody looks at it: they get the user's
+    // display.
     for (const char* name : {"DISPLAY", "XAUTHORITY"}) {
         SetVariableOfStartedPrograms(name, getenv(name));
     }

@@ -18,12 +18,12 @@ namespace {
 
 constexpr const char* prefix = "delvio.";
 constexpr const char* random_part = "XXXXXX";
-// The file is locked for as long as its process lives, and has its name from then on.
+// The file gets this name once it is locked, and stays locked as long as its process lives.
 constexpr const char* file_name = "authority";
 constexpr const char* unlocked_name = "new";
 constexpr time_t seconds_to_begin = 60;
 
-// Open and locked until the process ends; -1 on failure.
+// The file, open and locked until the process ends; -1 on failure.
 int create_locked(const std::string& file) {
     const int descriptor = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (descriptor >= 0 && flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
@@ -37,7 +37,7 @@ bool has_our_name(const std::string& name) {
     return name.rfind(prefix, 0) == 0 && name.size() == strlen(prefix) + strlen(random_part);
 }
 
-// A folder of this user that nobody else may look into; -1 for anything else.
+// Opens a folder of this user that nobody else may enter; -1 for any other.
 int open_own_folder(const char* path, struct stat* status) {
     const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (folder < 0) return -1;
@@ -48,7 +48,8 @@ int open_own_folder(const char* path, struct stat* status) {
     return -1;
 }
 
-// Whether nobody holds the file any more; one that is not there was never held.
+// Whether no process holds the file any more. A folder without the file counts as left behind after
+// a while.
 bool is_left(int folder, const struct stat& status) {
     const int file = openat(folder, file_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (file < 0) return time(nullptr) - status.st_mtime > seconds_to_begin;

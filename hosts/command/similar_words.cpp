@@ -15,7 +15,7 @@ std::string folded(const std::string& word) {
     return result;
 }
 
-// How many insertions, removals and replacements of a byte lead from one word to the other.
+// The number of inserted, removed and replaced bytes between the two words.
 size_t edits_between(const std::string& one, const std::string& other) {
     std::vector<size_t> row(other.size() + 1);
     for (size_t j = 0; j < row.size(); ++j) row[j] = j;

@@ -16,13 +16,13 @@ constexpr int first_private_descriptor = 64;
 
 FILE* output;
 
-// High up where there is room, out of the way of what is opened later.
+// A high number where possible, so that it does not collide with files that are opened later.
 int private_copy(int descriptor) {
     const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, first_private_descriptor);
     return copy >= 0 ? copy : fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
-// A stream on a private copy of the descriptor; `original` when there is none to copy.
+// A stream on a private copy of the descriptor; `original` if it cannot be copied.
 FILE* private_stream(int descriptor, FILE* original, int mode) {
     const int copy = private_copy(descriptor);
     if (copy < 0) return original;

@@ -45,13 +45,13 @@ bool is_folder(const std::string& path) {
 
 using Folders = std::set<std::pair<dev_t, ino_t>>;
 
-// Whether it is met for the first time: links may lead round in a circle.
+// Whether the folder is new to the search; links may form a loop.
 bool is_new(const std::string& path, Folders* seen) {
     struct stat status;
     return stat(path.c_str(), &status) != 0 || seen->emplace(status.st_dev, status.st_ino).second;
 }
 
-// An entry in an inner folder has the folder's name before its own.
+// An entry in a subfolder is named with the folder's name in front of its own.
 void find_entries(const std::string& path, const std::string& prefix, int depth, Folders* seen,
                   ApplicationSources* sources) {
     if (!is_new(path, seen)) return;
@@ -88,7 +88,7 @@ bool is_in_background(NSDictionary* information) {
     return false;
 }
 
-// GNUstep's servers and panels take none: the speech servers, the recycler.
+// GNUstep's servers and panels, such as the speech servers and the recycler, open no files.
 bool takes_files(NSDictionary* information) {
     for (NSString* key in @[ @"NSTypes", @"CFBundleDocumentTypes" ]) {
         id types = [information objectForKey:key];
@@ -111,7 +111,7 @@ std::string name_of(NSDictionary* information, const std::string& path) {
 std::string DescribeApplicationSources() {
     const char* desktop = g_getenv("XDG_CURRENT_DESKTOP");
     std::string line = desktop ? desktop : "";
-    // Names are in the user's language, and so is their order.
+    // The language determines the names and their order.
     line += std::string(":") + g_get_language_names()[0];
     for (const std::string& folder : data_folders()) line += ":" + folder;
     for (const std::string& folder : bundle_folders()) line += ":" + folder;

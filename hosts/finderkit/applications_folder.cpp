@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// An entry edited in place, or a program that has gone, changes no folder.
+// A time limit is needed: editing an entry, or removing its program, changes no folder.
 const time_t longest_trust = 60 * 60;
 const size_t longest_name = 255;
 
@@ -34,7 +34,7 @@ std::string stamp_of(const std::string& path) {
     return std::to_string(status.st_mtim.tv_sec) + "." + std::to_string(status.st_mtim.tv_nsec);
 }
 
-// Whether a folder made from this record is still right.
+// Whether a folder with this record is still up to date.
 bool is_current(const LinkRecord& record, time_t made_at) {
     const time_t age = time(nullptr) - made_at;
     return age >= 0 && age <= longest_trust && record.origin == DescribeApplicationSources() &&
@@ -42,8 +42,8 @@ bool is_current(const LinkRecord& record, time_t made_at) {
                        [](const auto& one) { return stamp_of(one.first) == one.second; });
 }
 
-// Letters that sort as the names do: a menu is in the order of its files' names. They are the same
-// in each folder made, so that an open menu never finds another program under a name.
+// Letters that sort as the names do, because a menu sorts by file name. They are the same in each
+// new folder, so that an open menu never finds another program under a name.
 std::string sorting_letters(const std::string& name) {
     const files::TextOwner valid(g_utf8_make_valid(name.c_str(), -1));
     const files::TextOwner folded(g_utf8_casefold(valid.get(), -1));
@@ -77,14 +77,14 @@ LinkRecord offered_applications() {
         names.insert(name);
     }
     for (const auto& [file, path] : sources.bundles) {
-        // Many bundles have an entry of the desktop too.
+        // Many bundles also have a desktop entry.
         if (!IsOfferedBundle(path, &name) || !names.insert(name).second) continue;
         add_link(name, file, path, &record);
     }
     return record;
 }
 
-// The plug-in's preferences; null before one is loaded.
+// The domain of the plug-in's preferences; null before a plug-in is loaded.
 CFStringRef plug_in_domain;
 
 // The setting open_with_path; empty when there is none.

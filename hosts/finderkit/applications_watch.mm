@@ -24,7 +24,7 @@ constexpr uint32_t watched =
 
 bool is_watching;
 
-// A folder that is not there yet comes to be in the next one above it that is.
+// If the folder does not exist yet, watches its nearest existing parent, where it will appear.
 void watch_folder(int changes, std::string folder) {
     uint32_t wanted = watched;
     while (inotify_add_watch(changes, folder.c_str(), wanted) < 0 && errno == ENOENT) {
@@ -42,7 +42,7 @@ void watch_folder(int changes, std::string folder) {
 - (instancetype)initWithDescriptor:(int)changes {
     if (!(self = [super init])) return nil;
     _changes = changes;
-    // In the default mode alone: no menu is open then.
+    // Only in the default mode, since no menu is open then.
     [[NSRunLoop currentRunLoop] addEvent:reinterpret_cast<void*>(static_cast<intptr_t>(_changes))
                                     type:ET_RDESC
                                  watcher:self
@@ -62,7 +62,7 @@ void watch_folder(int changes, std::string folder) {
     }
 }
 
-// Installing changes many files, one after the other.
+// Waits a little: an installation changes many files, one after the other.
 - (void)receivedEvent:(void*)data
                  type:(RunLoopEventType)type
                 extra:(void*)extra

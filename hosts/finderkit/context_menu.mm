@@ -8,7 +8,7 @@ bool is_unreserved(unsigned char byte) {
     return isalnum(byte) || strchr("/-._~!$&'()*+,=:@", byte);
 }
 
-// Percent escapes carry any byte through the URL's text.
+// Percent escapes let the URL's text hold any byte.
 NSURL* escaped_file_url(const std::string& path) {
     NSMutableString* text = [NSMutableString stringWithString:@"file://"];
     for (const char byte : path) {
@@ -61,7 +61,7 @@ NSURL* file_url(const std::string& path) {
 
 @implementation TContextMenu
 
-// What is installed, and the setting, may have changed since the last menu.
+// The installed applications, and the setting, may have changed since the last menu.
 - (instancetype)initWithTitle:(NSString*)title {
     if ((self = [super initWithTitle:title])) PrepareApplications();
     return self;

@@ -36,11 +36,11 @@ class DesktopCarrier : public Carrier {
     void hand_over(RequestQueue::Job job);
 
     const std::unique_ptr<Carrier> other_;
-    // Ends before the other does.
+    // The queue is destroyed before `other_`.
     RequestQueue queue_{[this](RequestQueue::Job job) { hand_over(std::move(job)); }};
 };
 
-// An empty string for a source that can be handed over.
+// Why the source cannot be handed over; empty when it can.
 std::string why_not(const std::string& source) {
     struct stat status;
     if (lstat(source.c_str(), &status) == 0) return "";
@@ -48,7 +48,7 @@ std::string why_not(const std::string& source) {
     return errno == ENOENT ? name + " is no longer there" : name + ": " + strerror(errno);
 }
 
-// What is left to hand over; the others' outcomes say why not.
+// The request without the sources that cannot be handed over; their outcomes say why.
 Request without_missing(const Request& request, Report* report) {
     Request rest = request;
     rest.sources.clear();

@@ -35,7 +35,7 @@ std::string quoted(const Text& bytes) {
     return text + "\"";
 }
 
-// A code of four characters, as one reads it.
+// A four-character code in readable form.
 std::string code_name(FourCharCode code) {
     std::string name;
     for (int shift = 24; shift >= 0; shift -= 8) {
@@ -143,7 +143,7 @@ std::string describe_plain(const AEDesc& desc) {
 
 std::string describe_items(const AEDescList& list, size_t indent);
 
-// The value's line from where its keyword ends, and the lines of what it holds.
+// The value's line from the end of its keyword on, and the lines of its items.
 std::string describe_value(const AEDesc& desc, size_t indent) {
     long count = 0;
     if (AECountItems(&desc, &count) != noErr) return describe_plain(desc) + "\n";
@@ -180,7 +180,7 @@ OSErr write_down(const AppleEvent* event, AppleEvent*, void*) {
     [pool release];
     fwrite(text.data(), 1, text.size(), trace_file);
     fflush(trace_file);
-    return errAEEventNotHandled;  // on to its handler
+    return errAEEventNotHandled;  // the event goes on to its handler
 }
 
 }  // namespace

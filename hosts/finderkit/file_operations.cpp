@@ -44,7 +44,7 @@ const Operation* operation_of(const AppleEvent* event) {
     return nullptr;
 }
 
-// By way of its URL, which a file has that is gone.
+// Uses the URL, because a deleted file still has one.
 OSErr read_path(const AEDesc& desc, std::string* path) {
     AEDesc url;
     const OSErr error = AECoerceDesc(&desc, typeFileURL, &url);
@@ -73,7 +73,7 @@ OSErr read_items(const AppleEvent* event, AEKeyword keyword, std::vector<std::st
     return error;
 }
 
-// A link leads to the folder that is meant.
+// Replaces a link to a folder by that folder.
 void follow_link(std::string* path) {
     struct stat status;
     if (lstat(path->c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return;
@@ -124,7 +124,7 @@ OSErr AnswerFileOperation(const AppleEvent* event, AppleEvent*, void*) {
     if (!service().carrier) return errAEEventNotHandled;
     Request request;
     const OSErr error = ReadFileOperation(event, &request);
-    // Of no files there is nothing to do.
+    // An empty list does nothing.
     if (error != noErr || request.sources.empty()) return error;
     const auto observer = service().observer(request);
     service().carrier->carry_out(std::move(request), observer);

@@ -23,7 +23,7 @@ OSErr open_document(const AEDescList* documents, long index) {
     return OpenFile(path) ? OSErr{noErr} : OSErr{errAEEventNotHandled};
 }
 
-// Goes on after a document that cannot be opened; the first error is the answer.
+// If a document cannot be opened, goes on with the next; returns the first error.
 OSErr open_documents(const AppleEvent* event, AppleEvent*, void*) {
     AEDescList documents;
     OSErr result = AEGetParamDesc(event, keyDirectObject, typeAEList, &documents);

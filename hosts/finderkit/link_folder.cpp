@@ -18,7 +18,7 @@ namespace {
 const char record_name[] = ".record";
 const char first_line[] = "links made by Delvio; changes are lost";
 const off_t largest_record = 4 << 20;
-// A folder that is being made by another process is younger.
+// A younger temporary folder may still be in use by another process.
 const time_t oldest_work = 60 * 60;
 
 class Descriptor {
@@ -59,7 +59,7 @@ bool parse(const std::string& text, LinkRecord* record) {
         if (line == "link") {
             std::string name, target;
             if (!std::getline(lines, name) || !std::getline(lines, target)) return false;
-            // Only names in the folder itself.
+            // A name must be in the folder itself.
             if (name.find('/') != name.npos) return false;
             record->links[name] = target;
         } else if (line.starts_with("stamp ")) {
@@ -71,7 +71,7 @@ bool parse(const std::string& text, LinkRecord* record) {
     return true;
 }
 
-// The record in a folder of this user's. False when it holds none.
+// Reads the record of a folder that belongs to this user. False when there is none.
 bool read_record(int folder, LinkRecord* record, time_t* made_at) {
     struct stat status;
     if (folder < 0 || fstat(folder, &status) != 0 || status.st_uid != geteuid()) return false;
@@ -106,7 +106,7 @@ bool write_record(int folder, const LinkRecord& record) {
     return file >= 0 && write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
-// The record comes first: whoever finds the folder half made knows what is in it.
+// Writes the record first, so that a half-made folder still tells what is in it.
 bool fill(const std::string& path, const LinkRecord& record) {
     const Descriptor folder(open_folder(path));
     if (folder < 0 || !write_record(folder, record)) return false;
@@ -128,8 +128,8 @@ std::vector<std::string> names_in(int folder) {
     return names;
 }
 
-// Takes a folder of ours away: its links go, and what others have put there moves to the folder
-// that stands in its place. A folder without a record goes only if it is empty.
+// Removes an old folder of ours: deletes its links, and moves the files of others to the folder
+// that replaces it. A folder without a record is removed only if it is empty.
 void retire(const std::string& path, const std::string& successor) {
     const Descriptor folder(open_folder(path)), next(open_folder(successor));
     LinkRecord record;
@@ -172,10 +172,10 @@ bool exchange_in_steps(const std::string& fresh, const std::string& path) {
     return rename(aside.c_str(), fresh.c_str()) == 0;
 }
 
-// Whether `fresh` stands at `path` now; what it has taken the place of, if anything, is then at
-// `fresh`.
+// Puts `fresh` at `path`; the folder that was there, if any, is then at `fresh`. False when it
+// failed.
 bool publish(const std::string& fresh, const std::string& path) {
-    // Renaming a folder never replaces but an empty one.
+    // Renaming a folder replaces nothing but an empty folder.
     if (!is_there(path) && rename(fresh.c_str(), path.c_str()) == 0) return true;
     if (!is_ours(path)) return false;
     if (!exchange(fresh, path)) {
@@ -183,11 +183,11 @@ bool publish(const std::string& fresh, const std::string& path) {
         return !possible && exchange_in_steps(fresh, path);
     }
     if (is_ours(fresh)) return true;
-    exchange(fresh, path);  // somebody was quicker
+    exchange(fresh, path);  // another program was faster
     return false;
 }
 
-// Of processes that were ended in their work.
+// Removes the temporary folders of processes that were killed at work.
 void remove_leftovers(const std::string& path) {
     const size_t name = path.rfind('/') + 1;
     const std::string place = path.substr(0, name), start = "." + path.substr(name) + "-";

@@ -7,9 +7,9 @@
 
 namespace {
 
-// Time enough for it to start.
+// Long enough for the file manager to start.
 constexpr int milliseconds_to_answer = 30000;
-// One that has nothing left to do ends, and takes what reaches it meanwhile with it.
+// A file manager with nothing to do exits, and requests that arrive while it exits are lost.
 constexpr int times_to_ask = 3;
 constexpr int looks_until_gone = 100, microseconds_between_looks = 20000;
 
@@ -31,7 +31,7 @@ files::VariantOwner ask_bus(GDBusConnection* bus, const char* method, GVariant* 
         arguments, nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_answer, nullptr, error));
 }
 
-// The connection of its own that a service has.
+// The unique name of the service's connection.
 std::string connection_of(GDBusConnection* bus, const char* service, GError** error) {
     const files::VariantOwner owner =
         ask_bus(bus, "GetNameOwner", g_variant_new("(s)", service), error);
@@ -70,7 +70,7 @@ bool is_one_of(const GError* error, std::initializer_list<GDBusError> codes) {
     });
 }
 
-// Nobody has heard the question.
+// Whether the error means that nobody got the question.
 bool is_absence(const GError* error) {
     return is_one_of(error, {G_DBUS_ERROR_SERVICE_UNKNOWN, G_DBUS_ERROR_NAME_HAS_NO_OWNER,
                              G_DBUS_ERROR_UNKNOWN_METHOD, G_DBUS_ERROR_UNKNOWN_INTERFACE,
@@ -80,8 +80,8 @@ bool is_absence(const GError* error) {
                              G_DBUS_ERROR_SPAWN_SERVICE_NOT_FOUND});
 }
 
-// Whether it was about to end when the question came. One that takes it over answers at once, so
-// that nothing is carried out twice.
+// Whether the manager was about to exit when the question came. A manager that accepts a request
+// answers at once, so no request is carried out twice.
 bool was_ending(GDBusConnection* bus, const std::string& connection, const GError* error) {
     if (connection.empty()) return is_one_of(error, {G_DBUS_ERROR_NAME_HAS_NO_OWNER});
     const bool is_unheard = is_absence(error) || is_one_of(error, {G_DBUS_ERROR_NO_REPLY});

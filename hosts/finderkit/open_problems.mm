@@ -10,7 +10,7 @@
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in_items.h"
 
-// A pick that comes to nothing without having tried.
+// Notices a pick that had no effect without any attempt to open.
 @interface PickWatch : NSObject {
   @private
     BOOL _isNameless;
@@ -102,7 +102,7 @@ void show_alert(const std::string& title, const std::string& text) {
 
 - (void)didPick:(NSNotification*)notification {
     (void)notification;
-    // Programs and file operations take any name.
+    // Opening with a program and file operations work with any name.
     const bool did_something = CountOfOpenings() != _openings || AppleEventsAreWaiting();
     if (_isNameless && !did_something && listener()) {
         listener()({"", "", "its name is not UTF-8"});
@@ -138,7 +138,7 @@ void ShowProblem(const std::string& title, const std::string& reason) {
 }
 
 bool OpenFile(const std::string& path) {
-    // The workspace takes a path, or where the name is not UTF-8 a file URL's text.
+    // The workspace takes a path, or, for a name that is not UTF-8, a file URL's text.
     FINode* node = [[[FINode alloc] initWithNode:{path}] autorelease];
     NSString* name = [[node url] path] ?: [[node url] absoluteString];
     return [[NSWorkspace sharedWorkspace] openFile:name];

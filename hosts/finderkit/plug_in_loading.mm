@@ -16,8 +16,8 @@ namespace {
 
 using EntryFunction = int (*)(void);
 
-// Through the bundle, so that its classes know where they come from. The run time prints why that
-// failed; the one who asks gets to know it from the dynamic linker.
+// Loads through the bundle, so that the classes know where they come from. The run time prints a
+// message on failure, which is hidden here: the caller gets the reason from the dynamic linker.
 void load_quietly(NSBundle* bundle) {
     FILE* const own = stderr;
     FILE* const nowhere = fopen("/dev/null", "we");
@@ -27,7 +27,7 @@ void load_quietly(NSBundle* bundle) {
     if (nowhere) fclose(nowhere);
 }
 
-// The bundle's code, once it has been loaded; null with *problem otherwise.
+// Loads the bundle's code; null with *problem on failure.
 void* code_handle(NSBundle* bundle, std::string* problem) {
     NSString* code = [bundle executablePath];
     if (!code) {
@@ -40,8 +40,9 @@ void* code_handle(NSBundle* bundle, std::string* problem) {
     return handle;
 }
 
-// "3 selected items" and "Running apps" stand for the first of those that they head, and would open
-// that. Every other item has the name of what it stands for; one that is no text has none to show.
+// Items such as "3 selected items" and "Running apps" stand for the first item below them, and
+// would open it. Every other item is named like the file it stands for; an item whose name is not
+// text has no such name to compare.
 BOOL only_heads_submenu(NSMenuItem* item) {
     const char* name = NameOfItem(item);
     return name && [NSString stringWithUTF8String:name] &&

@@ -16,7 +16,7 @@ std::vector<fs::path> folders_beside_program() {
     return {library, library / "delvio"};
 }
 
-// The first that is there; else *sought says where it is not.
+// The first existing path; if there is none, *sought names the places.
 std::string find_in(const std::vector<fs::path>& folders, const std::string& name,
                     std::string* sought) {
     std::error_code error;

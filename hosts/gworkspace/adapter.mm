@@ -14,8 +14,8 @@
 #include "gworkspace/type_selection.h"
 #include "file_steps/visible_text.h"
 
-// The display server is not connected yet when GNUstep loads bundles; the rest waits for the end
-// of the launch.
+// When GNUstep loads bundles, the display server is not connected yet; the rest of the setup waits
+// for the end of the launch.
 @interface DelvioGWorkspaceLaunch : NSObject
 @end
 
@@ -25,7 +25,7 @@ void complain(const std::string& problem) {
     fprintf(stderr, "delvio: %s\n", operations::VisibleText(problem).c_str());
 }
 
-// The bundles stand beside this library.
+// The folder of this library, where the bundles are.
 std::string own_folder() {
     Dl_info info;
     if (!dladdr(reinterpret_cast<void*>(&complain), &info)) return ".";

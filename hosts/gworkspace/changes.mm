@@ -14,7 +14,7 @@ NSString* string_of(const std::string& path) {
     return [NSString stringWithUTF8String:path.c_str()];
 }
 
-// In the words of GWorkspace's own operations.
+// Reports a change in the form of GWorkspace's own operations.
 void tell(NSString* operation, NSString* folder, NSString* destination, NSString* name) {
     NSArray* names = [NSArray arrayWithObject:name];
     NSDictionary* change = [NSDictionary
@@ -24,7 +24,7 @@ void tell(NSString* operation, NSString* folder, NSString* destination, NSString
                                                         object:change];
 }
 
-// Two changes: what was moved may have got another name.
+// Reports a move as two changes, since the file may have a new name.
 void tell_of(const Outcome& outcome, Kind kind) {
     NSString *source = string_of(outcome.source), *target = string_of(outcome.target);
     NSString* folder = [source stringByDeletingLastPathComponent];

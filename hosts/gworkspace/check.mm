@@ -1,5 +1,5 @@
-// The bundle's principal class. GNUstep makes one in every program of a user who has the bundle in
-// GSAppKitUserBundles: outside GWorkspace it must cost nothing and bring nothing in.
+// The bundle's principal class. GNUstep makes one in every program of a user who lists the bundle
+// in GSAppKitUserBundles: outside GWorkspace it must cost nothing and load nothing.
 #include <Foundation/Foundation.h>
 
 #include <dlfcn.h>
@@ -16,7 +16,7 @@ bool is_gworkspace() {
     return objc_lookUpClass("GWorkspace") && objc_lookUpClass("GWViewersManager");
 }
 
-// It stands beside the bundle.
+// Loads the adapter, which is beside the bundle.
 void* load_adapter() {
     Dl_info own;
     char path[PATH_MAX];
@@ -27,7 +27,8 @@ void* load_adapter() {
     return dlopen(path, RTLD_NOW);
 }
 
-// The reason names a path, which may hold anything; a control character, of C1 as well, is a "?".
+// Writes the reason. It names a path, which may hold any bytes; a control character, also of C1,
+// becomes "?".
 void complain(const char* reason) {
     fputs("delvio: no contextual menus in GWorkspace: ", stderr);
     for (const char* byte = reason; *byte; byte++) {

@@ -12,7 +12,7 @@ enum : unsigned {
     on_files = on_items | on_file_pointer,
 };
 
-// The main menu's items, by their actions; none is a separator.
+// The actions of the main menu's items; an entry without an action is a separator.
 const struct command_t {
     const char* action;
     unsigned places;
@@ -51,7 +51,7 @@ NSMenuItem* main_menu_item(NSMenu* menu, SEL action) {
     return nil;
 }
 
-// Who would take the command, or nil.
+// The object that would handle the command, or nil.
 id target_of(NSMenuItem* item) {
     id target = [NSApp targetForAction:[item action] to:[item target] from:item];
     if ([target respondsToSelector:@selector(validateMenuItem:)] &&
@@ -63,7 +63,8 @@ id target_of(NSMenuItem* item) {
 
 }  // namespace
 
-// Does a command when it is picked: whether it can be done shows only when the selection stands.
+// Runs a command when it is picked. Whether the command can run is only known once the selection is
+// made.
 @interface GWorkspaceCommand : NSObject {
   @private
     NSMenuItem* _original;
@@ -124,7 +125,7 @@ void close_group(NSMenu* menu) {
 
 void AddCommands(NSMenu* menu, FilePlace* place) {
     const unsigned here = places[[place kind]];
-    // What is not selected yet cannot be asked for.
+    // Whether a command fits an item that is not selected yet cannot be asked.
     const bool is_pointer = here & (on_file_pointer | on_folder_pointer);
     for (const command_t& command : commands) {
         if (!(command.places & here)) continue;

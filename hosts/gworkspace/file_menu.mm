@@ -3,7 +3,7 @@
 #include "finderkit/context_menu.h"
 #include "gworkspace/commands.h"
 
-// The menu's delegate. As in the Finder, the menu is filled and told its files when it is about to
+// The menu's delegate. As in the Finder, the menu is filled and gets its files when it is about to
 // be shown.
 @interface GWorkspaceFileMenu : NSObject {
   @private
@@ -29,7 +29,7 @@ void add_separator(NSMenu* menu) {
     if ([menu numberOfItems] > 0) [menu addItem:(NSMenuItem*)[NSMenuItem separatorItem]];
 }
 
-// A menu that only lists programs stays a menu, under its own title.
+// A menu that only lists programs becomes a submenu with its own title.
 void add_as_submenu(NSMenu* menu, NSMenu* own) {
     NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:[own title] action:NULL keyEquivalent:@""];
     [menu addItem:item];
@@ -72,7 +72,7 @@ void move_items(NSMenu* menu, NSMenu* own) {
     [NSMenu popUpContextMenu:_menu withEvent:_event forView:[_place view]];
 }
 
-// Comes several times for one popup.
+// Called several times for one popup.
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     if (menu != _menu || [_menu nodes]) return;
     const TFENodeVector nodes = nodes_at(_place);
@@ -86,7 +86,7 @@ void move_items(NSMenu* menu, NSMenu* own) {
     move_items(_menu, host);
 }
 
-// GWorkspace's own contextual items, where it has some.
+// Adds GWorkspace's own contextual items, if it has any.
 - (void)addOwnItemsTo:(NSMenu*)menu {
     NSMenu* own = [_place ownMenuForEvent:_event];
     if ([own numberOfItems] == 0) return;

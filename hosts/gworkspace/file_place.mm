@@ -4,7 +4,7 @@
 
 namespace {
 
-// The views of files but for the browser's columns.
+// The views of files, except the browser's columns.
 const struct view_t {
     const char* view_class;
     const char* place_class;
@@ -22,7 +22,7 @@ const view_t* kind_of(NSView* view) {
     return nullptr;
 }
 
-// As GWorkspace sees it: the rest of an icon's frame is ground.
+// Follows GWorkspace: the rest of an icon's frame is background.
 bool is_on_icon(NSView* icon, NSEvent* event) {
     const id<GWRep> rep = (id<GWRep>)icon;
     const NSPoint point = [icon convertPoint:[event locationInWindow] fromView:nil];
@@ -165,7 +165,7 @@ bool has_menu_of_its_own(NSView* view) {
     if ([_nodes count] > 0) [SharedGWorkspace() selectionChanged:_nodes];
 }
 
-// Of the pressed view, or of those that it stands in.
+// The menu of the pressed view, or of a view that contains it.
 - (NSMenu*)ownMenuForEvent:(NSEvent*)event {
     for (NSView* view = _view; view; view = [view superview]) {
         if (NSMenu* menu = [view menuForEvent:event]) return menu;

@@ -17,7 +17,7 @@
 using operations::Kind;
 using operations::Request;
 
-// Hears GWorkspace begin with what it was given last.
+// Notices when GWorkspace begins with the order that it was given last.
 @interface GWorkspaceBeginning : NSObject {
   @private
     NSDictionary* _order;
@@ -41,7 +41,7 @@ using operations::Request;
                  object:nil];
 }
 
-// Its object says what is done, in the words of the order.
+// The notification's object describes the change, in the words of the order.
 - (void)willChange:(NSNotification*)notification {
     if (![[notification object] isEqual:_order]) return;
     [[NSNotificationCenter defaultCenter] removeObserver:self];
@@ -77,7 +77,7 @@ std::string folder_of(const std::string& path) {
 
 std::string name_of(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-// It knows names that are text, and takes paths apart at backslashes too.
+// GWorkspace only knows names that are text, and splits paths at backslashes, too.
 bool is_understood(const std::string& path) {
     NSString* text = string_of(path);
     NSString* folder = [text stringByDeletingLastPathComponent];
@@ -90,7 +90,7 @@ bool is_there(const std::string& path) {
     return lstat(path.c_str(), &status) == 0;
 }
 
-// Where all links lead; the path itself if it leads nowhere.
+// The path with all links resolved; the path itself if that fails.
 std::string real_path(const std::string& path) {
     char* found = realpath(path.c_str(), nullptr);
     const std::string real = found ? found : path;
@@ -103,14 +103,15 @@ bool holds(const std::string& folder, const std::string& path) {
     return inner.compare(0, outer.size(), outer) == 0;
 }
 
-// As the plug-in compares them: what it has asked about never comes to GWorkspace.
+// Compares as the plug-in does, so that a name about which the plug-in has asked never reaches
+// GWorkspace.
 struct ignoring_case {
     bool operator()(const std::string& one, const std::string& other) const {
         return strcasecmp(one.c_str(), other.c_str()) < 0;
     }
 };
 
-// Whether all the names are free; of a folder that cannot be read nobody knows.
+// Whether all the names are free; false if the folder cannot be read.
 bool are_free(const std::vector<std::string>& sources, const std::string& destination) {
     std::set<std::string, ignoring_case> names;
     for (const std::string& source : sources) {

@@ -27,7 +27,7 @@ void KeepGWorkspaceIcons() {
     Method ours = class_getInstanceMethod([NSObject class], replacement);
     Method theirs = class_getInstanceMethod(source, sel_registerName("iconOfSize:forNode:"));
     if (!theirs) return;
-    // An entry of its own: the exchange must leave all other classes alone.
+    // Gives the class an entry of its own, since the exchange must leave all other classes alone.
     class_addMethod(source, replacement, method_getImplementation(ours),
                     method_getTypeEncoding(ours));
     method_exchangeImplementations(theirs, class_getInstanceMethod(source, replacement));

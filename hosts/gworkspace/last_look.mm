@@ -4,8 +4,8 @@
 
 #include <set>
 
-// An operation of GWorkspace's (FileOpInfo). What does the work stands in a thread of its own, as
-// the executor, which is registered when the thread runs.
+// One of GWorkspace's operations (FileOpInfo). An executor in a thread of its own does the work; it
+// registers when the thread runs.
 @interface NSObject (GWorkspaceFileOperation)
 - (NSString*)type;
 - (NSString*)source;
@@ -16,8 +16,8 @@
 - (BOOL)checkSameName;
 @end
 
-// Stands before the executor, and spares it the question for names that are taken: without it, the
-// executor removes nothing, and leaves out what has no free name.
+// A proxy in front of the executor that answers its check for taken names with no. The executor
+// then removes nothing, and leaves out files whose names are not free.
 @interface ReplacingNothing : NSProxy {
   @private
     id _executor;
@@ -68,7 +68,8 @@ struct AwaitedOrder {
 
 AwaitedOrder* given;
 
-// Those that were looked at, until their executors come. Only compared.
+// The operations that passed the look, until their executors register. The pointers are only
+// compared.
 std::set<id>& looked_at() {
     static std::set<id> operations;
     return operations;
@@ -81,7 +82,7 @@ bool is_given(id operation) {
            [[operation destination] isEqual:[words objectForKey:@"destination"]];
 }
 
-// After GWorkspace's question, or instead of it where the user has turned it off.
+// Called after GWorkspace's question, or in its place if the user has turned it off.
 void detach(id operation, SEL selector) {
     if (is_given(operation)) {
         if (!given->look()) {

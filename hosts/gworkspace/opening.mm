@@ -15,7 +15,7 @@ namespace {
 
 enum class Opener { viewer, launcher, gnustep_program, desktop };
 
-// A pipe has a name like a file's, and whoever opens it waits for ever.
+// Opening a pipe would wait forever, and its name looks like the name of a file.
 bool is_file_or_folder(NSString* path) {
     struct stat status;
     return stat([path fileSystemRepresentation], &status) == 0 &&
@@ -40,7 +40,7 @@ BOOL opened(BOOL done, NSString* path) {
 
 }  // namespace
 
-// Shows what could not be opened once the menu has gone and its work is done.
+// Shows the files that could not be opened, after the menu has closed and its actions are done.
 @interface DelvioOpenProblems : NSObject {
   @private
     std::vector<OpenProblem>* _problems;

@@ -14,8 +14,8 @@ using operations::Carrier;
 using operations::Observer;
 using operations::Request;
 
-// A request on its way. GWorkspace may show a panel for it and wait for a click, which whoever
-// asked does not.
+// A request at work. GWorkspace may show a panel for it and wait for a click; the program that
+// asked does not wait.
 @interface GWorkspaceOperation : NSObject {
   @private
     Request* _request;
@@ -39,7 +39,7 @@ using operations::Request;
     [super dealloc];
 }
 
-// GWorkspace has windows of its own; ours would stand over its questions.
+// GWorkspace shows its own windows; ours would cover its questions.
 - (void)start {
     if (IsForGWorkspace(*_request) && [self handOver]) return;
     const auto ended = [request = *_request](const operations::Report& report) {
@@ -76,7 +76,8 @@ class GWorkspaceCarrier : public Carrier {
 void OfferGWorkspaceOperations() {
     FileOperationService service;
     service.carrier = std::make_shared<GWorkspaceCarrier>();
-    // Who is told depends on who does it, which shows when it starts.
+    // The observer depends on who carries the request out, which is decided when the request
+    // starts.
     service.observer = [](const Request&) { return std::shared_ptr<Observer>(); };
     SetFileOperationService(service);
 }

@@ -29,8 +29,8 @@ bool is_far(NSPoint from, NSPoint to) {
     return std::hypot(to.x - from.x, to.y - from.y) > drag_distance;
 }
 
-// Whether a Control-press goes on as a drag, which makes links. Its events stay in the queue then;
-// the release of a mere click is taken out.
+// Whether a Control-press becomes a drag, which makes links. Then its events stay in the queue; for
+// a mere click the release is taken out.
 bool becomes_drag(NSEvent* press) {
     NSDate* deadline = [NSDate dateWithTimeIntervalSinceNow:drag_wait];
     for (;;) {
@@ -49,7 +49,7 @@ bool becomes_drag(NSEvent* press) {
     }
 }
 
-// As the right-click that it stands for.
+// Turns a Control-click into the right-click that it stands for.
 NSEvent* right_press(NSEvent* event) {
     if ([event type] == NSRightMouseDown) return event;
     return [NSEvent mouseEventWithType:NSRightMouseDown

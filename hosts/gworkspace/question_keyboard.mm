@@ -19,13 +19,13 @@ constexpr NSTimeInterval watch_interval = 0.1;
 
 @implementation QuestionKeyboard
 
-// Once for each question: where the user takes the keyboard afterwards is the user's affair.
+// Gives each question the focus once; afterwards the user may move the focus anywhere.
 - (void)watch:(NSTimer*)timer {
     (void)timer;
     NSWindow* question = [NSApp modalWindow];
     if (![question isVisible] || [question isKeyWindow]) return;
     if (window_has_keyboard(question)) {
-        // GNUstep has heard too late that an earlier window lost it.
+        // GNUstep heard too late that an earlier window lost the focus.
         [NSApp activateIgnoringOtherApps:YES];
         [question makeKeyWindow];
     } else if (question != _given) {
@@ -45,6 +45,6 @@ void GiveQuestionsTheKeyboard() {
                                            selector:@selector(watch:)
                                            userInfo:nil
                                             repeats:YES];
-    // It runs while a question is open, and at no other time.
+    // The timer runs only while a question is open.
     [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSModalPanelRunLoopMode];
 }

@@ -9,8 +9,8 @@
 
 #include "command/command_line.h"
 
-// Of Foundation's; the command shares nothing with other programs by notifications, and the first
-// use of the workspace would wait for the notification daemon to start.
+// Replaces a method of Foundation: the command shares no notifications with other programs, and the
+// first use of the workspace would otherwise wait for the notification daemon to start.
 @interface NSDistributedNotificationCenter (Alone)
 - (void)_connect;
 @end
@@ -23,13 +23,14 @@
 #pragma clang diagnostic pop
 @end
 
-// The command shows a menu at once; only a panel needs the rest of what an application is.
+// The command shows its menu at once; only a panel needs the rest of the launch.
 @interface LateLauncher : NSObject
 + (void)panelBecameKey:(NSNotification*)notification;
 @end
 
 @implementation LateLauncher
-// The toolkit notes which window has the keyboard from then on, and which has it now.
+// From the launch on, the toolkit notes which window has the keyboard, also the one that has it
+// now.
 + (void)panelBecameKey:(NSNotification*)notification {
     if (![[notification object] isKindOfClass:[NSPanel class]]) return;
     [[NSNotificationCenter defaultCenter] removeObserver:self];
@@ -52,7 +53,7 @@ void silence() {
     g_log_set_writer_func(drop_glib_log, nullptr, nullptr);
 }
 
-// Whatever the user's defaults say: this is no ordinary application.
+// These hold whatever the user's defaults say, because this is no ordinary application.
 NSDictionary* forced_defaults() {
     return [NSDictionary dictionaryWithObjectsAndKeys:@"YES", @"GSSuppressAppIcon", [NSArray array],
                                                       @"GSAppKitUserBundles", nil];
@@ -76,7 +77,7 @@ std::vector<char*> readable_environment() {
     return variables;
 }
 
-// The toolkit would show a panel and wait for a click.
+// Without this, the toolkit shows a panel and waits for a click.
 void end_with_exception(NSException* exception) {
     NSString* text =
         [NSString stringWithFormat:@"internal error: %@: %@", [exception name], [exception reason]];

@@ -37,7 +37,7 @@ void note_outcomes(const Report& report) {
     outcomes.insert(outcomes.end(), report.outcomes.begin(), report.outcomes.end());
 }
 
-// Nobody is there to ask: names that are taken are skipped.
+// For a pick: nobody is there to ask, so taken names are skipped.
 class Unattended : public Observer {
   public:
     Unattended() {
@@ -55,7 +55,8 @@ class Unattended : public Observer {
     }
 };
 
-// Somebody is, at the windows; a signal ends it as their button does.
+// For a shown menu: the user answers in the windows; a signal ends the work like their Cancel
+// button.
 class Attended : public Observer {
   public:
     explicit Attended(std::shared_ptr<Observer> windows) : windows_(std::move(windows)) {}
@@ -75,7 +76,7 @@ class Attended : public Observer {
 };
 
 std::shared_ptr<Observer> observe(const Request& request, bool attended) {
-    // A signal waits until what is there is whole.
+    // A signal ends the work only when no file is left half done.
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     SetSignalDescriptor(nowhere);
     if (!attended) return std::make_shared<Unattended>();
@@ -100,7 +101,7 @@ void OfferFileOperations(const MenuRequest& request) {
     AnswerStandardAlerts(attended ? DialogItemIndex{kAlertAnswerAsk} : answer);
     FileOperationService service;
     service.carrier = operations::MakeEngine();
-    // It would ask its own questions.
+    // The file manager asks its own questions, so it is only used when the user is there.
     if (attended && is_for_file_manager()) {
         service.carrier = MakeDesktopCarrier(operations::MakeEngine());
     }
@@ -111,7 +112,7 @@ void OfferFileOperations(const MenuRequest& request) {
 void EndAlert() {
     if (![NSApp modalWindow]) return;
     [NSApp stopModalWithCode:NSRunAbortedResponse];
-    // The modal loop looks when it gets an event.
+    // The modal loop notices the stop only when it gets an event.
     [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
                                         location:NSZeroPoint
                                    modifierFlags:0
@@ -130,7 +131,7 @@ int FinishFileOperations() {
     changed.wait(lock, [] { return unattended == 0; });
     int status = exit_done;
     for (const Outcome& outcome : outcomes) {
-        // Whoever was asked knows what was skipped.
+        // A user who was asked knows what was skipped.
         const bool told = is_attended && outcome.state == State::Skipped;
         if (outcome.state == State::Done || told) continue;
         Complain(verb_of(outcome.state) + Quoted(outcome.source) +

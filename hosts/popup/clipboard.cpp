@@ -24,7 +24,7 @@ struct Pipe {
     }
 };
 
-// In the child: a session of its own, away from the caller's terminal and folder.
+// Called in the child: starts a session of its own, away from the caller's terminal and folder.
 [[noreturn]] void become_keeper(const Pipe& text, const Pipe& ready) {
     setsid();
     dup2(text.ends[0], STDIN_FILENO);

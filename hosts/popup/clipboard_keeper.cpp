@@ -38,7 +38,7 @@ struct Keeper {
     }
 };
 
-// The server's time, which it tells with a change of a property.
+// The server's time, which comes with the event about a changed property.
 Time server_time(const Keeper& keeper) {
     XSelectInput(keeper.display, keeper.window, PropertyChangeMask);
     XChangeProperty(keeper.display, keeper.window, XA_WM_NAME, XA_STRING, 8, PropModeReplace,
@@ -96,7 +96,7 @@ void answer(const Keeper& keeper, const XSelectionRequestEvent& request) {
     XSendEvent(keeper.display, request.requestor, False, NoEventMask, &reply);
 }
 
-// A requestor that has gone away is no reason to end.
+// A requestor that has gone away must not end the keeper.
 int ignore_error(Display*, XErrorEvent*) { return 0; }
 
 void serve(const Keeper& keeper) {

@@ -20,8 +20,8 @@ bool pasteboards_are_served() {
     return [NSConnection rootProxyForConnectionWithRegisteredName:PBSNAME host:@""] != nil;
 }
 
-// Left to itself the toolkit starts the server, too, but waits for a notification that does not
-// come to a command without notifications, and then goes on after five seconds.
+// Starts the pasteboard server. The toolkit would start it too, but then wait five seconds for a
+// notification that this command never gets.
 void serve_pasteboards() {
     NSString* server = [NSTask launchPathForTool:@"gpbs"];
     if (!server || pasteboards_are_served()) return;

@@ -23,13 +23,13 @@ std::string uri_of(const std::string& path) {
     return files::taken_text(g_filename_to_uri(path.c_str(), nullptr, nullptr));
 }
 
-// The listener hears of a failure.
+// The listener reports a failure.
 std::string open_one(const std::string& path) {
     OpenFile(path);
     return {};
 }
 
-// Does it to every file; the first failure is reported, the others are tried all the same.
+// Acts on every file. Returns the first failure, but still tries the other files.
 template <typename Action>
 std::string for_each(const std::vector<std::string>& files, Action action) {
     std::string problem;
@@ -40,8 +40,8 @@ std::string for_each(const std::vector<std::string>& files, Action action) {
     return problem;
 }
 
-// In the shells' own form, $'...', a path whose characters would break a line, or do something in
-// the terminal that it is put into.
+// Writes a path in the shells' form $'...' if its characters would break a line, or act on the
+// terminal into which the path is pasted.
 std::string safe_to_paste(const std::string& path) {
     if (operations::VisibleText(path) == path) return path;
     std::string quoted = "$'";
@@ -68,7 +68,7 @@ bool ask_file_manager(const std::vector<std::string>& files) {
     return answer != nullptr;
 }
 
-// Nothing to show: it is a rename for each.
+// Shows nothing: moving to the trash is one rename for each file.
 class Unwatched : public operations::Observer {
     void ended(const operations::Report&) override {}
 };

@@ -6,7 +6,7 @@ namespace {
 
 using Action = std::string (*)(const std::vector<std::string>&);
 
-// The host's items, in order; no title is a separator.
+// The host's items, in order; an item without a title is a separator.
 const struct HostItem {
     NSString* title;
     Action action;
@@ -64,7 +64,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
     return [[item representedObject] isKindOfClass:self];
 }
 
-// Comes several times for one popup, and with a plug-in's items in the menu.
+// Called several times for one popup, also when the menu already holds a plug-in's items.
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     if (menu == _menu && ![_menu nodes]) [self fillMenu:_menu];
 }

@@ -24,16 +24,17 @@ bool is_ours(id entry) {
            [[entry lastPathComponent] isEqualToString:bundle_name];
 }
 
-// The two domains, as they stand on disk.
+// The two domains as they are on disk.
 struct Domains {
     DefaultsFile own{program_domain}, global{NSGlobalDomain};
-    // A list of GWorkspace's own hides the one for all programs.
+    // GWorkspace's own list hides the list for all programs.
     bool has_own() const { return [own.values() objectForKey:list_key] != nil; }
     DefaultsFile& file() { return has_own() ? own : global; }
     NSString* name() const { return has_own() ? program_domain : NSGlobalDomain; }
 };
 
-// The list with this path in the place of our entries, or at its end; without them for nil.
+// The list with this path in place of our entries, or at its end; for nil, the list without our
+// entries.
 NSArray* changed_list(NSArray* list, NSString* path) {
     NSMutableArray* changed = [NSMutableArray array];
     bool is_placed = path == nil;

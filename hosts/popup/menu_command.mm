@@ -30,7 +30,7 @@ int failed(const std::string& problem) {
     return exit_failed;
 }
 
-// A menu that is to be seen needs the user's display; the others make do with one of their own.
+// A visible menu needs the user's display; the other forms can use a private one.
 bool have_display(MenuForm form, std::string* problem) {
     if (DisplayAnswers(problem)) return true;
     if (!problem->empty()) return false;
@@ -64,7 +64,7 @@ bool prepare(MenuRequest& request, std::string* problem) {
     return AnswerFinderEvents(problem) && LoadPlugIn(bundle, problem);
 }
 
-// Through the toolkit's public way in, as any program pops a menu up.
+// Uses the toolkit's public call, like any program that pops up a menu.
 void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
     NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
                                         location:point
@@ -130,7 +130,8 @@ std::vector<OpenProblem>& open_problems() {
     return problems;
 }
 
-// Nobody looks at the standard error of a command that a key started: there is a panel, too.
+// Nobody reads the standard error of a command that a keyboard shortcut started, so a panel
+// appears, too.
 void tell_open_problems(MenuForm form) {
     for (const OpenProblem& problem : open_problems()) Complain(LineOf(problem));
     if (form == MenuForm::shown && !CaughtSignal()) ShowOpenProblems(open_problems());

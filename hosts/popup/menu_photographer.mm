@@ -9,7 +9,7 @@ using operations::Quoted;
 
 namespace {
 
-// A turn of the tracking loop: long enough for the windows of a level to be drawn.
+// One turn of the tracking loop: long enough to draw the windows of a level.
 constexpr NSTimeInterval turn = 0.1;
 
 }  // namespace
@@ -62,7 +62,7 @@ constexpr NSTimeInterval turn = 0.1;
 
 @implementation MenuPhotographer (Turns)
 
-// A submenu a turn, then the picture.
+// Opens one submenu in each turn, then takes the picture.
 - (void)turn:(NSTimer*)timer {
     (void)timer;
     MenuSession* session = [MenuSession current];

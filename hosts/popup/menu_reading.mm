@@ -7,7 +7,7 @@ namespace {
 
 constexpr double highest_component = 255;
 
-// An element that is a root keeps its folder's slash.
+// The path of a root element ends with a slash.
 std::string without_slash(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path;

@@ -9,7 +9,7 @@ constexpr const char* indentation = "    ";
 
 constexpr const char* replacement_character = "\xef\xbf\xbd";
 
-// A picture is all that a preview's row has.
+// A preview's row has no title, only a picture.
 std::string title_of(const ItemSnapshot& item) {
     if (item.title.empty() && item.image) return "(picture)";
     return Printable(item.title, replacement_character);

@@ -13,7 +13,7 @@ using operations::Quoted;
 
 namespace {
 
-// A thumbnail takes half a minute at most, once it is its turn.
+// Once it is the turn of a thumbnail, it takes at most half a minute.
 constexpr NSTimeInterval seconds_to_make = 60, seconds_a_turn = 0.1;
 
 // A row that shows a view is one whose content is still being made, such as a picture.
@@ -41,7 +41,7 @@ long resident_bytes() {
     return pages * sysconf(_SC_PAGESIZE);
 }
 
-// Of the last title: why the item cannot be picked; empty when it can.
+// Why the item with the last title cannot be picked; empty when it can.
 std::string why_not_picked(NSMenuItem* item, const std::string& title) {
     if (![item isEnabled]) return Quoted(title) + " is disabled";
     if (![MenuSession canPickItem:item]) {
@@ -50,7 +50,7 @@ std::string why_not_picked(NSMenuItem* item, const std::string& title) {
     return {};
 }
 
-// The one alternate of this very title; nil when there is none or several.
+// The only alternate item with exactly this title; nil when there is none or several.
 NSMenuItem* find_alternate(NSMenu* menu, const std::string& title) {
     NSMenuItem* found = nil;
     for (NSMenuItem* item in [menu itemArray]) {
@@ -140,7 +140,7 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     *_snapshot = [self readMenu:[session rootMenu] ofSession:session level:0];
 }
 
-// Whether another submenu may be opened; counts those that may not.
+// Whether another submenu may be opened; counts the submenus that may not.
 - (BOOL)hasRoomAtLevel:(int)level {
     const bool room =
         _rows < most_read_rows && level < most_read_levels && resident_bytes() < most_read_bytes;
@@ -148,8 +148,8 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     return room;
 }
 
-// Reads an open level, and the levels below it as far as the depth goes. What other keys would show
-// is listed, but not opened.
+// Reads an open level, and the levels below it down to the depth. Items that only other modifier
+// keys would show are listed, but not opened.
 - (MenuSnapshot)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
     MenuSnapshot result;
     result.reserve(static_cast<size_t>([menu numberOfItems]));
@@ -203,7 +203,7 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
     const std::string& title = _titles->back();
     NSMenuItem* item = FindVisibleItem(menu, title, _problem);
     if (!item && (item = find_alternate(menu, title))) {
-        // Its keys are pressed for the pick alone.
+        // The item's modifier keys are pressed for this pick alone.
         SetHeldModifierFlags([item keyEquivalentModifierMask]);
     }
     if (!item) return;

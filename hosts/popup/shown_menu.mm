@@ -10,7 +10,7 @@
 
 NSPoint PopupPoint(const MenuRequest& request) {
     if (!request.has_point) return [NSEvent mouseLocation];
-    // AppKit's screen begins at the lower left corner of the first one.
+    // AppKit's coordinates begin at the lower left corner of the first screen.
     const NSRect screen = [[[NSScreen screens] objectAtIndex:0] frame];
     return NSMakePoint(request.x, NSMaxY(screen) - request.y);
 }
@@ -40,7 +40,7 @@ NSPoint PopupPoint(const MenuRequest& request) {
     if (!_signals) return;
     SetSignalDescriptor(-1);
     [[NSNotificationCenter defaultCenter] removeObserver:self];
-    [_signals closeFile];  // the run loop would go on asking one that is only released
+    [_signals closeFile];  // without this, the run loop keeps polling it
     [_signals release];
     _signals = nil;
     close(_ends[1]);

@@ -14,7 +14,7 @@ class Quiet : public operations::Observer {
     void ended(const operations::Report&) override {}
 };
 
-// So many lines that they can be read.
+// Writes only as many lines as one can read.
 template <typename Write>
 void tell(const std::vector<std::string>& lines, Write write) {
     constexpr size_t most_lines = 20;

@@ -63,7 +63,7 @@ int misused(const std::string& problem) {
     return exit_misused;
 }
 
-// Null, after a complaint, for an unknown key.
+// Null, after an error message, for an unknown key.
 const Setting* known(const std::string& key) {
     const Setting* setting = FindSetting(key);
     if (!setting) Complain(UnknownSetting(key));

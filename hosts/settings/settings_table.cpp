@@ -65,7 +65,7 @@ const std::vector<Setting> settings = {
     {"disable_menu_fade", flag, 0, 0, 1, "kept, but nothing depends on it"},
 };
 
-// What a number that is not within its setting's bounds, as another program may store, acts as.
+// What the plug-in uses for a number beyond the bounds, which another program may have stored.
 constexpr std::pair<std::string_view, int32_t> beyond_bounds[] = {
     {"rootMenuCollapseThreshold", 1}, {"intra_sort_order", 0},
     {"show_hidden_files", 0},         {"sort_order", 2},
