@@ -1,5 +1,5 @@
-// The run-loop modes that count as common. GNUstep has no common modes of its own, so what is
-// added for them is added to each of these.
+// The run-loop modes that count as common. GNUstep has no common modes of its own, so anything
+// for the common modes is added to each of these.
 #pragma once
 
 #import <Foundation/Foundation.h>

@@ -1,6 +1,5 @@
 // What the `.desktop` file of an application says. This is the only reader of such files; it reads
-// plain files of at most 256 KiB. Whether to believe a file is another question: see
-// desktop_entries.h. Main thread.
+// plain files of at most 256 KiB. desktop_entries.h decides whether to believe a file. Main thread.
 #pragma once
 
 #include <string>

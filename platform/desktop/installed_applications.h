@@ -12,7 +12,7 @@ struct InstalledApplication {
     std::string id;            // the entry's name without ".desktop"; folders become prefixes
     std::string path;          // of the entry
     std::string name;          // in the user's language
-    std::string plain_name;    // as it is without a language
+    std::string plain_name;    // Name without a language
     std::string window_class;  // StartupWMClass
     // The file name of the program that the application runs. Empty for a program that runs many
     // applications, such as a shell: it says nothing about this one.

@@ -23,9 +23,9 @@ struct Answer {
 };
 
 // Runs `program` with `arguments` in a process group of its own. The only descriptor of ours that
-// it gets is the one for its reply. A picture that is larger than the box counts as nonsense. When
-// this returns, the group is killed; the background thread reaps it, since tearing down a cage
-// takes milliseconds. The host's handling of SIGCHLD is neither used nor changed.
+// it gets is the one for its reply. A picture that is larger than the box counts as nonsense. By
+// the time this returns, the group is killed; the background thread reaps it, since tearing down a
+// cage takes milliseconds. The host's handling of SIGCHLD is neither used nor changed.
 Answer run_helper(const std::string& program, const std::vector<std::string>& arguments, Box box,
                   double seconds);
 

@@ -1,5 +1,5 @@
-// Decodes the pictures of icons that files name and that nobody vouches for: one by one, in the
-// processes that decode thumbnails, and on threads of its own, so that nobody waits for them. Any
+// Decodes the pictures of icons that files name and that nobody vouches for: one by one in helper
+// processes, as thumbnails are, and on threads of its own, so that nobody waits for them. Any
 // thread.
 #pragma once
 

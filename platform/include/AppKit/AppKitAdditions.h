@@ -43,8 +43,8 @@ typedef struct __CGEvent* CGEventRef;
 @end
 
 @interface NSEvent (MacEvent)
-// An event that says the same as a Core Graphics one (CoreGraphics/CGEvent.h), without a window:
-// its location is on the screen. Nil for a type that is no pointer event.
+// An event with what a Core Graphics one says (CoreGraphics/CGEvent.h), but without a window: its
+// location is on the screen. Nil for a type that is no pointer event.
 + (NSEvent*)eventWithCGEvent:(CGEventRef)event;
 @end
 
@@ -57,7 +57,7 @@ typedef struct __CGEvent* CGEventRef;
 @end
 
 @interface NSImage (CoreGraphics)
-// Copies the image's present pixels. A zero size is the size in pixels. Nil for null.
+// Copies the image's present pixels. A zero size means the size in pixels. Nil for a null image.
 - (instancetype)initWithCGImage:(CGImageRef)image size:(NSSize)size;
 @end
 

@@ -15,10 +15,10 @@ enum {
     kThemeContextualMenuArrowCursor = 3
 };
 
-// Shows the cursor over the window under the pointer, whichever program's. It lasts until the
-// pointer moves, and at most half a second after the last call; then the window has the cursor that
-// its surroundings have (one that its program had set comes back when the program sets it again).
-// paramErr for a cursor that is not above; ioErr without a display.
+// Shows the cursor over the window under the pointer, even another program's. It lasts until the
+// pointer moves, and at most half a second after the last call. Then the window takes the cursor of
+// its surroundings; a cursor that its program had set comes back when the program sets it again.
+// Answers paramErr for a cursor that is not listed above, and ioErr without a display.
 OSStatus SetThemeCursor(ThemeCursor cursor);
 
 #ifdef __cplusplus

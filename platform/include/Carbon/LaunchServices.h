@@ -64,15 +64,17 @@ typedef struct LSLaunchFSRefSpec {
     void* asyncRefCon;
 } LSLaunchFSRefSpec;
 
-// Starts the application with the documents and does not wait for it. An application is
-//   a ".desktop" file   that is one of the desktop's own or executable, and not Hidden: all
-//   documents in one start where its Exec takes several, else one start
-//                       each; over the session bus if it says that it is started so
-//   an ".app" bundle    its program with "-GSFilePath DOCUMENT", several documents as arguments
-//   an executable file  with the documents as arguments
-// and a symbolic link to one of these. Names may hold any bytes. It runs from the user's home
-// folder, unless its entry names another, in a session of its own with none of our descriptors.
-// References that are stale or whose files are gone are left out.
+// Starts the application with the documents and does not wait for it. An application is one of
+// these, or a symbolic link to one:
+//   a ".desktop" file   It is one of the desktop's own or executable, and not Hidden. All
+//                       documents go in one start where its Exec takes several, else each has a
+//                       start. The session bus starts it if the entry says so.
+//   an ".app" bundle    Its program gets one document as "-GSFilePath DOCUMENT", several as
+//                       arguments.
+//   an executable file  It gets the documents as arguments.
+// Names may hold any bytes. The application runs in a session of its own with none of our
+// descriptors, from the user's home folder unless its entry names another. References that are
+// stale or whose files are gone are left out.
 //
 // paramErr: no application and no document. fnfErr: documents given, none of them there.
 // kLSApplicationNotFoundErr: the application is gone, or there is no default program.

@@ -17,7 +17,7 @@ typedef struct ProcessSerialNumber {
 
 enum { kNoProcess = 0, kCurrentProcess = 2 };
 
-// Of the Mac's record, the fields that are used. `processInfoLength` is set by the caller.
+// The fields of the Mac's record that are used here. The caller sets `processInfoLength`.
 typedef struct ProcessInfoRec {
     UInt32 processInfoLength;
     ProcessSerialNumber processNumber;

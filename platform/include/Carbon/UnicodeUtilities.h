@@ -19,9 +19,9 @@ enum {
 
 // Compares two texts of UTF-16 units in ICU's root order with the given options. *order is
 // negative, 0 or positive; *equivalent tells whether it is 0. Either may be null. Any thread.
-// Narrower than the Mac's: the only option set served is case-insensitive with digits as numbers
-// and punctuation significant (0x3800E); any other answers paramErr. kTECMissingTableErr when ICU's
-// data is missing.
+// Narrower than the Mac's: the only supported set of options is case-insensitive with digits as
+// numbers and punctuation significant (0x3800E); any other answers paramErr. Answers
+// kTECMissingTableErr when ICU's data is missing.
 OSStatus UCCompareTextDefault(UCCollateOptions options, const UniChar* text1, UniCharCount length1,
                               const UniChar* text2, UniCharCount length2, Boolean* equivalent,
                               SInt32* order);

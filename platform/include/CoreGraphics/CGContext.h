@@ -46,7 +46,7 @@ void CGContextSetGrayFillColor(CGContextRef context, CGFloat gray, CGFloat alpha
 void CGContextSetGrayStrokeColor(CGContextRef context, CGFloat gray, CGFloat alpha);
 void CGContextSetShouldAntialias(CGContextRef context, bool shouldAntialias);
 
-// Lines are one unit wide. None of the four keeps or touches the current path.
+// Lines are one unit wide. All four discard the current path.
 void CGContextFillRect(CGContextRef context, CGRect rect);
 void CGContextStrokeRect(CGContextRef context, CGRect rect);
 void CGContextFillEllipseInRect(CGContextRef context, CGRect rect);
@@ -54,8 +54,8 @@ void CGContextStrokeEllipseInRect(CGContextRef context, CGRect rect);
 
 void CGContextBeginPath(CGContextRef context);
 void CGContextMoveToPoint(CGContextRef context, CGFloat x, CGFloat y);
-// A line to the arc's start, then the arc, from the angle `start` to `end` (radians), with
-// increasing angles unless `clockwise` is 1.
+// Adds a line to the arc's start, then the arc from the angle `start` to `end`, in radians. Angles
+// increase unless `clockwise` is 1.
 void CGContextAddArc(CGContextRef context, CGFloat x, CGFloat y, CGFloat radius, CGFloat start,
                      CGFloat end, int clockwise);
 // Draws the current path, which is empty afterwards.

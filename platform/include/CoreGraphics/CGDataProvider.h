@@ -1,4 +1,5 @@
-// Where an image's bytes come from. Any thread, but a provider's callbacks are its maker's.
+// Where an image's bytes come from. Any thread, as far as a provider's callbacks allow: those are
+// its maker's.
 #pragma once
 
 #include <stddef.h>

@@ -28,8 +28,8 @@ enum {
     kCGMaximumWindowLevelKey = 14
 };
 
-// The level as -[NSWindow setLevel:] takes it here, which is GNUstep's number: for status windows
-// 21, where the Mac has 25. 0, the normal level, for an unknown key. Any thread.
+// GNUstep's number for the level, as -[NSWindow setLevel:] takes it here: for status windows 21,
+// where the Mac has 25. An unknown key gives 0, the normal level. Any thread.
 CGWindowLevel CGWindowLevelForKey(CGWindowLevelKey key);
 
 #ifdef __cplusplus

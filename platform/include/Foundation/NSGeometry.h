@@ -1,4 +1,4 @@
-// Rectangles and points: GNUstep's, and the ways to Core Graphics' own.
+// Rectangles and points: GNUstep's, and the conversions to Core Graphics' own.
 #pragma once
 
 #include_next <Foundation/NSGeometry.h>
