@@ -1,4 +1,4 @@
-// A moment that somebody waits for.
+// A moment that some code waits for.
 #pragma once
 
 #include <time.h>

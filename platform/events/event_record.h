@@ -1,4 +1,4 @@
-// What stands behind a CGEventRef.
+// The object behind a CGEventRef.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -14,18 +14,18 @@
 - (instancetype)initWithType:(CGEventType)type
                     location:(CGPoint)location
                       button:(CGMouseButton)button;
-// For an event on its way to the application.
+// Makes the record of an event on its way to the application.
 - (instancetype)initWithEvent:(NSEvent*)event;
 - (CGEventType)type;
 - (CGPoint)location;
 - (CGMouseButton)button;
-// The application's event that says the same, nil when it says nothing.
+// The application's event that says the same as this record; nil when the record says nothing.
 - (NSEvent*)event;
 @end
 
-// The type under which taps see an event of the application, kCGEventNull for one that they do not.
+// The type under which taps see an event of the application; kCGEventNull when taps do not see it.
 CGEventType tapped_type(NSEventType type);
 
-// Between AppKit's screen points and flipped ones.
+// These convert between AppKit's screen points and flipped ones.
 CGPoint flipped_point(NSPoint point);
 NSPoint unflipped_point(CGPoint point);

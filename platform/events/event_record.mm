@@ -24,7 +24,7 @@ EventRecord* record_of(CGEventRef event) { return (EventRecord*)event; }
 
 }  // namespace
 
-// Both count the types of pointer events alike.
+// AppKit and Core Graphics number the types of pointer events alike.
 CGEventType tapped_type(NSEventType type) {
     const bool tapped = type < 64 && (tapped_types & CGEventMaskBit(type));
     return tapped ? static_cast<CGEventType>(type) : kCGEventNull;

@@ -24,9 +24,9 @@ struct tap_settings_t {
                             info:(void*)info;
 - (void)setEnabled:(BOOL)enabled;
 - (BOOL)isEnabled;
-// What it would see now, in a loop that runs in `mode`.
+// The events that the tap would see now, in a loop that runs in `mode`.
 - (CGEventMask)maskInMode:(NSString*)mode;
-// Shows an event to the callback. Returns what goes on, owned by the caller as `event` is, or null;
-// `event` is released when something else goes on.
+// Shows an event to the callback. Returns the event that goes on, or null. The caller owns it, as
+// it owns `event`; when another event or none goes on, `event` is released.
 - (CGEventRef)pass:(CGEventRef)event;
 @end

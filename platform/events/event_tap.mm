@@ -4,7 +4,7 @@
 
 namespace {
 
-// As long as the Mac waits for an active tap.
+// The time that the Mac waits for an active tap.
 constexpr double longest_answer = 1;
 
 CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
@@ -45,7 +45,7 @@ CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
     } @finally {
         _busy = NO;
     }
-    // Nobody waits for a listener.
+    // Nobody waits for a tap that only listens.
     const bool too_late = !_settings.listens_only && seconds_now() - began >= longest_answer;
     if (answer != event && (too_late || _settings.listens_only)) {
         CFRelease(answer);

@@ -1,5 +1,5 @@
-// The sleep of a loop that tracks something: on every descriptor and timer of a mode of the run
-// loop, and on nothing else. Main thread.
+// The sleep of a tracking loop: it waits for every descriptor and timer of one mode of the run
+// loop, and for nothing else. Main thread.
 #pragma once
 
 #include <Foundation/Foundation.h>
@@ -10,7 +10,7 @@
 
 class event_wait_t {
   public:
-    // Whether there is something to do at once, whatever the run loop waits for.
+    // Whether there is work to do at once, apart from anything that the run loop waits for.
     using question_t = std::function<bool()>;
 
     explicit event_wait_t(NSString* mode);
@@ -20,10 +20,10 @@ class event_wait_t {
 
     // Serves the run loop until something has happened: an event is in the queue, a timer has
     // fired, a descriptor has been served, or the time `due` has come (see deadline_t; 0 is never).
-    // `has_work` is asked once all is served and before the process goes to sleep.
+    // `has_work` is asked when everything has been served, before the process goes to sleep.
     void sleep(double due, const question_t& has_work);
 
-    // From the bell, each time the run loop is about to poll.
+    // Called by the bell each time the run loop is about to poll.
     void about_to_poll();
 
   private:

@@ -10,10 +10,10 @@
 
 namespace {
 
-// The sleeper that the run loop works for now: a timer may start another one within.
+// The sleeper that the run loop serves now. A timer may start another one inside it.
 event_wait_t* sleeper;
 
-// GNUstep has no question for this that would not run the run loop.
+// GNUstep can answer this only by running the run loop, so the queue itself is looked at.
 bool an_event_is_queued() {
     GSDisplayServer* server = GSCurrentServer();
     Ivar variable = server ? class_getInstanceVariable([server class], "event_queue") : nullptr;
@@ -22,9 +22,9 @@ bool an_event_is_queued() {
 
 }  // namespace
 
-// GNUstep's run loop goes on polling, time and again, until a descriptor has something or the time
-// is over: events that it has read meanwhile, and what its timers have done, are left waiting. It
-// asks each watcher before it polls; this one answers with a descriptor that has something.
+// GNUstep's run loop polls again and again until a descriptor is readable or the time is over, even
+// when it has read events or fired timers in between. It asks each watcher before it polls; this
+// watcher then makes its own descriptor readable, which ends the loop.
 @interface EventBell : NSObject <RunLoopEvents> {
   @private
     event_wait_t* _wait;
@@ -33,7 +33,7 @@ bool an_event_is_queued() {
 }
 - (instancetype)initWithWait:(event_wait_t*)wait mode:(NSString*)mode;
 - (void)ring;
-// To be sent before the last release.
+// Must be sent before the last release.
 - (void)stop;
 @end
 
@@ -95,7 +95,8 @@ event_wait_t::~event_wait_t() {
 }
 
 void event_wait_t::sleep(double due, const question_t& has_work) {
-    // The run loop cuts its time-outs to whole milliseconds: one more, so that it is not early.
+    // The run loop cuts its time-outs to whole milliseconds. One more millisecond keeps it from
+    // being early.
     NSDate* limit = due > 0 ? [NSDate dateWithTimeIntervalSinceNow:due - seconds_now() + 0.001]
                             : [NSDate distantFuture];
     has_work_ = &has_work;
@@ -110,13 +111,13 @@ void event_wait_t::sleep(double due, const question_t& has_work) {
     }
 }
 
-// The first time the run loop has just begun, and may sleep when nothing waits. Each further time
-// it has polled in vain: it has read events, or a timer has come or has fired.
+// At the first call the run loop has just begun, and may sleep when nothing waits. Before each
+// further call it has polled in vain: it has read events, or a timer is due or has fired.
 void event_wait_t::about_to_poll() {
     const bool is_first = polls_++ == 0;
     const bool is_idle = !an_event_is_queued() && !(*has_work_)();
     if (is_first && is_idle) return;
-    // It polls without a pause for the last part of the millisecond before a timer.
+    // The run loop polls without a pause in the last part of a millisecond before a timer.
     if (is_idle && seconds_now() - began_ < 0.001) usleep(1000);
     [bell_ ring];
 }

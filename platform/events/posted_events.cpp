@@ -11,7 +11,7 @@
 
 namespace {
 
-// Opened for the first post; what is held down is held by whoever posts.
+// Opened for the first post. It knows which buttons the posts hold down.
 class poster_t {
   public:
     bool connect() {
@@ -26,7 +26,7 @@ class poster_t {
             server_ = nullptr;
             return false;
         }
-        // Also while another program has stopped the server.
+        // Posts also work while another program has grabbed the server.
         xcb_test_grab_control(server_, true);
         return true;
     }
@@ -40,7 +40,7 @@ class poster_t {
         return true;
     }
 
-    // Bits in the order of the Mac's buttons.
+    // The bits of `buttons` are in the order of the Mac's buttons.
     void hold(unsigned buttons) {
         static const uint8_t x_buttons[] = {1, 3, 2};
         for (unsigned i = 0; i < 3; i++) {
@@ -52,7 +52,7 @@ class poster_t {
         held_ = buttons;
     }
 
-    // Waits until the server has taken all.
+    // Waits until the server has taken all posts.
     bool finish() {
         const reply_t<xcb_get_input_focus_reply_t> done(
             xcb_get_input_focus_reply(server_, xcb_get_input_focus(server_), nullptr));

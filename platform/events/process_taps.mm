@@ -1,5 +1,5 @@
-// Taps on the events of this process. GNUstep's display server is asked for every event, by the
-// application and by every loop that tracks something: taps stand there.
+// Taps on the events of this process. The application and every tracking loop ask GNUstep's display
+// server for each event, so the taps stand there.
 #include <AppKit/AppKit.h>
 #include <CoreGraphics/CGEvent.h>
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Not retained: a tap takes itself out. The first sees an event first.
+// The taps are not retained: each takes itself out. The first tap sees an event first.
 std::vector<EventTap*>& taps() {
     static auto* taps = new std::vector<EventTap*>;
     return *taps;
@@ -32,7 +32,7 @@ CGEventMask watched_in(NSString* mode) {
     return watched;
 }
 
-// What the taps make of the event, nil when one has swallowed it.
+// The event as the taps have changed it; nil when a tap has swallowed it.
 NSEvent* pass_through_taps(NSEvent* event, NSString* mode) {
     CGEventRef record = (CGEventRef)[[EventRecord alloc] initWithEvent:event];
     // A callback may add or remove taps.
@@ -48,8 +48,9 @@ NSEvent* pass_through_taps(NSEvent* event, NSString* mode) {
     return result;
 }
 
-// Peeking shows events as they came: they are tapped when they are taken. Moves that the loop did
-// not ask for are taken for the taps and dropped, as they would only wait in the queue.
+// A loop that only peeks sees events as they came; the taps see them when they are taken. When a
+// tap wants moves that the loop did not ask for, they are taken for the tap and then dropped, as
+// they would only wait in the queue.
 NSEvent* fetch(id server, SEL selector, unsigned mask, NSDate* limit, NSString* mode,
                BOOL dequeue) {
     const CGEventMask watched = dequeue ? watched_in(mode) : 0;
@@ -89,7 +90,7 @@ bool is_this_process(void* process) {
 
 }  // namespace
 
-// Taken out of the path when it is let go or invalidated.
+// The tap leaves the path when it is released or invalidated.
 @interface ProcessTap : EventTap
 @end
 

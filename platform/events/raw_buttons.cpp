@@ -19,7 +19,7 @@ bool raw_buttons_t::select() {
     const xcb_query_extension_reply_t* extension = xcb_get_extension_data(server_, &xcb_input_id);
     if (!extension || !extension->present) return false;
     opcode_ = extension->major_opcode;
-    // Since 2.2 also while another program holds the pointer.
+    // Since version 2.2 raw events also come while another program holds the pointer.
     const reply_t<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         server_, xcb_input_xi_query_version(server_, 2, 2), nullptr));
     if (!version || version->major_version < 2 ||
@@ -54,7 +54,7 @@ bool raw_buttons_t::next(raw_button_t* button) {
     return false;
 }
 
-// Raw events carry no place.
+// Asks for the pointer's place, as raw events carry none.
 bool raw_buttons_t::locate(raw_button_t* button) {
     const auto pointer = xcb_query_pointer(server_, root_);
     const auto geometry = xcb_get_geometry(server_, root_);

@@ -9,7 +9,7 @@ struct xcb_connection_t;
 struct raw_button_t {
     unsigned button;  // X's number
     bool down;
-    int x, y;  // the pointer's place when it was asked for, just now
+    int x, y;  // the pointer's place, asked for after the event
     int display_height;
 };
 
@@ -22,10 +22,10 @@ class raw_buttons_t {
     raw_buttons_t& operator=(const raw_buttons_t&) = delete;
 
     int descriptor() const;
-    // The next one that has come; false when there is none. Until then the descriptor need not
-    // become readable again.
+    // Takes the next event that has come; false when there is none. Call it until it is false:
+    // before that, the descriptor need not become readable again.
     bool next(raw_button_t* button);
-    // The display has gone.
+    // Whether the display has gone.
     bool is_broken() const;
 
   private:

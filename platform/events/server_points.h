@@ -1,5 +1,5 @@
-// Between flipped event locations and the X server's pixels, which count from the upper left of the
-// whole display. Any thread.
+// Converts between flipped event locations and the X server's pixels, which count from the upper
+// left of the whole display. Any thread.
 #pragma once
 
 #include <CoreGraphics/CGEvent.h>

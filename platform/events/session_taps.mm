@@ -1,4 +1,4 @@
-// Taps at the session: a view of the buttons in every program's windows.
+// Taps on the session's events: they see the buttons in every program's windows.
 #include <CoreGraphics/CGEvent.h>
 
 #include "events/event_tap.h"
@@ -12,7 +12,7 @@ struct button_types_t {
     CGMouseButton button;
 };
 
-// The wheel's buttons are no buttons.
+// False for other buttons, such as those by which X reports the wheel.
 bool types_of(unsigned x_button, button_types_t* types) {
     switch (x_button) {
         case 1:
@@ -72,7 +72,7 @@ static void read_buttons(void* tap) { [static_cast<SessionTap*>(tap) readButtons
     raw_button_t button;
     [[self retain] autorelease];
     while ([self isValid] && _buttons->next(&button)) [self showButton:button];
-    // A descriptor without a display behind it is readable for ever.
+    // The descriptor of a display that has gone stays readable for ever.
     if (_buttons->is_broken()) [self invalidate];
 }
 

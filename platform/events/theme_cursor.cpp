@@ -1,5 +1,6 @@
-// A cursor over other programs' windows. The server shows the cursor of the deepest window under
-// the pointer, even while a button holds the pointer, so it is defined there, and undefined soon.
+// Shows a cursor over other programs' windows. The server shows the cursor of the deepest window
+// under the pointer, even while a button holds the pointer, so the cursor is set on that window and
+// taken away soon after.
 #include <Carbon/Appearance.h>
 
 #include <xcb/xcb_cursor.h>
@@ -17,7 +18,7 @@ namespace {
 using moment_t = std::chrono::steady_clock::time_point;
 constexpr std::chrono::milliseconds lasting{500}, looking{40};
 
-// The theme's name, and the one that every server has.
+// The name in cursor themes, and the name of a cursor that every server has.
 constexpr struct {
     const char *themed, *plain;
 } names[] = {{"left_ptr", "left_ptr"},
@@ -66,7 +67,7 @@ class shown_cursor_t {
         for (;;) {
             const reply_t<xcb_query_pointer_reply_t> at(
                 xcb_query_pointer_reply(server_, xcb_query_pointer(server_, window), nullptr));
-            // A window may be closed meanwhile.
+            // A window may close during the search.
             if (!at && window == root_) return false;
             if (at) *place = {window, at->root_x, at->root_y};
             if (!at || at->child == XCB_NONE) return true;
@@ -86,7 +87,7 @@ class shown_cursor_t {
         return loaded;
     }
 
-    // A window that is gone by now is no fault.
+    // A window that has gone is no error.
     void define(xcb_window_t window, xcb_cursor_t cursor) {
         const reply_t<xcb_generic_error_t> ignored(xcb_request_check(
             server_,
@@ -104,7 +105,7 @@ class shown_cursor_t {
         return place != place_ || std::chrono::steady_clock::now() - shown_at_ > lasting;
     }
 
-    // Sleeps while nothing is shown.
+    // Takes the cursor away when it is over. Sleeps while no cursor is shown.
     void keep() {
         std::unique_lock<std::mutex> lock(mutex_);
         for (;;) {
