@@ -5,7 +5,8 @@
 #include <objc/runtime.h>
 
 // A new implementation for an existing instance method, the class's own or inherited; with
-// `on_class` a class method. `original` receives the one that it replaces, and may be null.
+// `on_class`, for a class method. `original` receives the implementation that is replaced, and may
+// be null.
 struct method_patch_t {
     const char* class_name;
     const char* selector;
@@ -14,8 +15,8 @@ struct method_patch_t {
     bool on_class = false;
 };
 
-// Installs `count` patches; a class or method that does not exist is left out. No class is
-// initialized by it, so it may run while libraries still load.
+// Installs `count` patches, and leaves out classes and methods that do not exist. It initializes no
+// class, so it may run while libraries still load.
 void patch_methods(const method_patch_t* patches, unsigned count);
 
 template <unsigned count>

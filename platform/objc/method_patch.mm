@@ -3,14 +3,14 @@
 #include <stdio.h>
 #include <stdlib.h>
 
-// libobjc's: the one table of all classes that nobody has used yet.
+// libobjc's one dispatch table for all classes that nobody has used yet.
 extern "C" void* __objc_uninstalled_dtable;
 
 namespace {
 
 void unused_method(id, SEL) {}
 
-// The head of GNU's class record, which its headers keep to themselves.
+// The head of GNU's class record, which its public headers do not declare.
 struct class_record_t {
     Class is_a;
     Class superclass;
@@ -24,7 +24,7 @@ struct class_record_t {
 };
 constexpr unsigned long under_construction = 0x10;
 
-// A method's record, which is the run time's interface to compilers.
+// A method's record, whose layout is part of the run time's interface to compilers.
 struct method_record_t {
     SEL name;
     const char* types;
@@ -40,7 +40,7 @@ void finish_construction(Class owner) {
     record_of(owner)->info &= ~under_construction;
 }
 
-// class_getInstanceMethod would initialize the class.
+// Searches the list itself, as class_getInstanceMethod would initialize the class.
 Method own_method(Class owner, SEL selector) {
     unsigned count = 0;
     Method* list = class_copyMethodList(owner, &count);
@@ -68,7 +68,7 @@ void patch_method(const method_patch_t& patch) {
     Method method = inherited_method(owner, selector);
     if (!method) return;
     IMP original = method_getImplementation(method);
-    // Told first: another thread may enter the new one as soon as it is there.
+    // Stores the original first: another thread may enter the new method as soon as it is there.
     if (patch.original) *patch.original = original;
     if (Method own = own_method(owner, selector)) {
         set_implementation(owner, own, patch.implementation);

@@ -19,7 +19,7 @@ bool owns(Class candidate, Method method) {
     return found;
 }
 
-// The class, or metaclass, that defines the method: the record itself does not say.
+// The class, or metaclass, that defines the method. The method's record does not say.
 Class owner_of(Method method) {
     const int count = objc_getClassList(nullptr, 0);
     std::vector<Class> classes(count > 0 ? count : 0);
