@@ -3,6 +3,7 @@
 
 #include <AppKit/AppKit.h>
 
-// While YES, GNUstep's own, shared with all who ask; for a program that draws its own windows with
-// them. Else the desktop's, and every image is the caller's. NO at first.
+// YES: -iconForFile: gives GNUstep's own icons, each shared by all callers, for a program that
+// draws its own windows with them. NO, as at first: it gives the desktop's icons, each image to one
+// caller.
 void UseStockFileIcons(BOOL use);

@@ -9,12 +9,12 @@
 extern "C" {
 #endif
 
-// From now on every read of `key` gives `value` (kept), whatever the domain on disk holds, and
-// writes of it are ignored. A null value ends the forcing. Main thread.
+// From now on every read of `key` gives `value` (kept), even if the domain on disk has another
+// value, and writes of `key` are ignored. A null value ends the forcing. Main thread.
 void ForcePreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 
-// From now on reads of `key` give `value` (kept) as long as the domain has none of its own. A null
-// value ends it. Main thread.
+// From now on reads of `key` give `value` (kept) as long as the domain has no value of its own. A
+// null value ends this. Main thread.
 void SetFallbackPreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 
 #ifdef __cplusplus

@@ -1,4 +1,4 @@
-// Owners of what GLib hands out: the one way in which the platform and its hosts free it.
+// Owners of GLib's texts and objects: the one way in which the platform and its hosts free them.
 #pragma once
 
 #include <glib-object.h>
@@ -24,13 +24,13 @@ using VariantOwner = std::unique_ptr<GVariant, Release<g_variant_unref>>;
 template <typename Object>
 using ObjectOwner = std::unique_ptr<Object, Release<g_object_unref>>;
 
-// GLib's text as one of ours, GLib's freed; empty for null.
+// Copies GLib's text and frees it; empty for null.
 inline std::string taken_text(char* text) {
     const TextOwner owner(text);
     return owner ? owner.get() : "";
 }
 
-// Where a call leaves its error. Each call that is given the place clears it first.
+// The place where a call leaves its error. place() clears it for each call.
 class ErrorPlace {
   public:
     ErrorPlace() = default;

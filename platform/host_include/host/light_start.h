@@ -6,9 +6,9 @@
 extern "C" {
 #endif
 
-// To be called before the application starts. The input method, whose tables take as long to read
-// as a menu takes to show, is then opened when the first key is pressed. Where no window manager
-// runs, GNUstep does not try with fifteen windows, one for each style, what frame it would draw.
+// Call this before the application starts. The first key then opens the input method, whose tables
+// take as long to read as a menu takes to show. Where no window manager runs, GNUstep does not open
+// fifteen windows, one for each style, to find out about frames.
 void StartLightly(void);
 
 #ifdef __cplusplus

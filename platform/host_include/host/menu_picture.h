@@ -5,5 +5,5 @@
 
 // Writes the open levels as they are shown, side by side on a transparent ground, to a PNG file;
 // with `shadow`, each with a soft shadow. NO when no menu is shown or the file cannot be written.
-// To be called while the menu tracks, from a timer in NSEventTrackingRunLoopMode.
+// Call it while the menu tracks, from a timer in NSEventTrackingRunLoopMode.
 BOOL WritePictureOfOpenMenus(NSString* path, BOOL shadow);

@@ -32,7 +32,7 @@
 - (NSArray*)levels;
 - (NSMenuItem*)highlightedItemOfMenu:(NSMenu*)menu;
 
-// The items of a level that are shown while `modifiers` are held: of each group of alternates one.
+// The items of a level that are shown while `modifiers` are held: one of each group of alternates.
 // A group is an item and the alternates right after it that have its key equivalent; an alternate
 // shows while exactly its own Shift, Control, Option and Command keys are held, else the first.
 + (NSArray*)visibleItemsOfMenu:(NSMenu*)menu withModifiers:(NSUInteger)modifiers;
@@ -42,17 +42,17 @@
 // Highlights an item (nil: none) of an open level. Deeper levels stay open. A separator or a
 // disabled item highlights nothing.
 - (void)highlightItem:(NSMenuItem*)item inMenu:(NSMenu*)menu;
-// Highlights the item and opens its submenu as the level after the item's own, after closing what
-// was there; a submenu that is open already stays as it is.
-// NO when the item has none, is disabled, or its menu is not open.
+// Highlights the item, closes the levels after the item's own, and opens the item's submenu there.
+// A submenu that is open already stays as it is. NO when the item has no submenu or is disabled, or
+// when its menu is not open.
 - (BOOL)openSubmenuOfItem:(NSMenuItem*)item;
 // Closes the levels deeper than `menu`.
 - (void)closeLevelsBelowMenu:(NSMenu*)menu;
-// Ends the tracking without a pick, or with one (an enabled item with an action). The tracker
-// notices at its next turn; levels close when it does. The first of several counts.
+// These end the tracking without a pick, or with one (an enabled item with an action). The tracker
+// notices at its next turn and closes the levels. The first of several calls counts.
 - (void)cancel;
 - (void)pickItem:(NSMenuItem*)item;
-// Whether it would: not for an item that only opens its submenu.
+// Whether pickItem: would pick the item: not if it only opens its submenu.
 + (BOOL)canPickItem:(NSMenuItem*)item;
 - (BOOL)isEnding;
 - (NSMenuItem*)pickedItem;
@@ -74,6 +74,6 @@
 // the screen. Not retained.
 + (void)setContextMenuTracker:(id<MenuTracker>)tracker;
 // A host's answer for items that have both an action and a submenu: whether an item only heads its
-// submenu. Such a one is opened where others would be picked. Null: none does.
+// submenu. A pick of such an item opens its submenu instead. Null: no item only heads its submenu.
 + (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question;
 @end

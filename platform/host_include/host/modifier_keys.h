@@ -6,7 +6,7 @@
 
 #include <AppKit/AppKit.h>
 
-// Modifiers that count as held in this process besides the ones on the keyboard. 0 ends it.
+// Modifiers that count as held in this process besides the ones on the keyboard. 0 ends this.
 void SetHeldModifierFlags(NSUInteger flags);
 NSUInteger HeldModifierFlags(void);
 

@@ -1,4 +1,4 @@
-// What the desktop has installed that a host can offer to open files with. Main thread.
+// The desktop's installed programs that a host can offer to open files with. Main thread.
 #pragma once
 
 #include <string>

@@ -1,18 +1,18 @@
-// The host's side of opening files with programs. Not a Mac interface: there, the system itself
-// tells the user what could not be opened. Main thread.
+// The host's side of opening files with programs. Not a Mac interface: on a Mac the system itself
+// tells the user which file could not be opened. Main thread.
 #pragma once
 
 #ifdef __cplusplus
 extern "C" {
 #endif
 
-// Is told of each file that the workspace or Launch Services could not open, at once. `file` and
-// `program` are paths or names in the file system's bytes; `file` is empty where only the program
-// is known, `program` where none was chosen. `reason` is a clause in lower case without a full
-// stop.
+// The listener is called at once for each file that the workspace or Launch Services could not
+// open. `file` and `program` are paths or names in the file system's bytes; `file` is empty where
+// only the program is known, `program` where none was chosen. `reason` is a clause in lower case
+// without a full stop.
 typedef void (*OpenFailureListener)(const char* file, const char* program, const char* reason);
 void SetOpenFailureListener(OpenFailureListener listener);
-// For a host that opens files in its own way.
+// Calls the listener, for a host that opens files in its own way.
 void TellOpenFailure(const char* file, const char* program, const char* reason);
 
 // How many times this process has tried to open something, with and without success.

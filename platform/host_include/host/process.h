@@ -1,4 +1,4 @@
-// The host's side of the Process and Apple Event Managers. Not a Mac interface: there, the
+// The host's side of the Process and Apple Event Managers. Not a Mac interface: on a Mac the
 // signature stands in the program's bundle.
 #pragma once
 
@@ -22,9 +22,9 @@ void DeclareApplicationsFolder(const char* path);
 // Whether events that this process has sent still wait for its run loop. Main thread.
 Boolean AppleEventsAreWaiting(void);
 
-// For a host without a user to ask: standard alerts are not shown from now on, and this item counts
-// as hit; kAlertAnswerDefault is whatever button is the alert's default. kAlertAnswerAsk: the user
-// is asked again. Main thread.
+// For a host without a user to ask. From now on standard alerts are not shown, and `item` counts as
+// hit; kAlertAnswerDefault stands for each alert's default button. With kAlertAnswerAsk alerts are
+// shown again. Main thread.
 enum { kAlertAnswerAsk = 0, kAlertAnswerDefault = -1 };
 void AnswerStandardAlerts(DialogItemIndex item);
 

@@ -1,5 +1,5 @@
-// The desktop's session bus, which may be anybody's program: one that takes a connection and never
-// answers must hold nobody. Not a Mac interface. Any thread.
+// The desktop's session bus. Any program may be the bus, so a bus that takes a connection and never
+// answers must not hold up its callers. Not a Mac interface. Any thread.
 #pragma once
 
 #include <host/glib_owners.h>
@@ -12,19 +12,18 @@ typedef struct _GAppLaunchContext GAppLaunchContext;
 
 namespace files {
 
-// How long the bus itself may take to answer, in milliseconds. What its services take is theirs.
+// How long the bus itself may take to answer, in milliseconds. This does not limit its services.
 inline constexpr int bus_patience = 500;
 
-// The connection of this process; null where there is no bus (none is
-// started), and where it does not answer. It is asked each time; one that has failed is left alone
-// for a while.
+// The connection of this process. Null where there is no bus (none is started), and where the bus
+// does not answer. Each call asks the bus; a bus that has failed is left alone for a while.
 ObjectOwner<GDBusConnection> session_bus();
 
-// Sends what is still on its way, if anything has asked for the bus at all.
+// Sends all messages that still wait, if the process has used the bus at all.
 void flush_session_bus();
 
-// For calls into GIO that look for the bus by themselves and would wait for ever: while one lives
-// they find none, unless it answers.
+// Guards calls into GIO that look for the bus by themselves and would wait for ever: while a
+// PatientBus lives they find a bus only if it answers.
 class PatientBus {
   public:
     PatientBus();
@@ -32,11 +31,11 @@ class PatientBus {
     PatientBus(const PatientBus&) = delete;
     PatientBus& operator=(const PatientBus&) = delete;
 
-    // Programs that are started meanwhile have the bus of the user's.
+    // Programs that are started while it lives get the user's bus.
     void pass_on(GAppLaunchContext* context) const;
 
   private:
-    const ObjectOwner<GDBusConnection> connection_;  // GIO finds it, too
+    const ObjectOwner<GDBusConnection> connection_;  // GIO finds this connection, too
     bool is_hidden_ = false, was_set_ = false;
     std::string address_;
 };
