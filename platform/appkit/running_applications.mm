@@ -1,4 +1,4 @@
-// The running applications, which GNUstep's workspace does not know: those that have windows.
+// The running applications that have windows. GNUstep's workspace does not know them.
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
 

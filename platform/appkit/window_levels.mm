@@ -31,7 +31,7 @@ bool is_raised(NSWindow* window) {
            [window styleMask] == NSBorderlessWindowMask && has_server_window(window);
 }
 
-// GNUstep leaves the windows of a program that is not active behind those of the one that is.
+// GNUstep leaves the windows of an inactive program behind the windows of the active program.
 void order_front(NSWindow* self, SEL selector, id sender) {
     if (is_raised(self)) {
         prepare_raised_window(self);

@@ -39,7 +39,7 @@ void keyboard_tracker_t::follow_modifiers(NSEvent* event) {
 }
 
 // The level that the user is in: the one that keys have led to since the pointer moved; else the
-// level under any part of which the pointer is; else the deepest level that is shown.
+// level that has the pointer over any of its parts; else the deepest level that is shown.
 size_t keyboard_tracker_t::focus_level() const {
     size_t shown = levels_.size() - 1;
     while (shown > 0 && !levels_[shown].is_shown()) shown--;

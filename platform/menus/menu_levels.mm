@@ -92,7 +92,7 @@ void menu_levels_t::show(size_t index) {
     }
 }
 
-// While the user is in a deeper level, the alternate that led there stays, whatever keys are held.
+// While the user is in a deeper level, the alternate that led there stays, with any keys held.
 NSUInteger menu_levels_t::modifiers_for(size_t index) const {
     const menu_level_t& level = *levels_[index];
     const NSUInteger shown = level.layout().modifiers();

@@ -32,7 +32,8 @@ void paint_shadow(cairo_t* cairo, const menu_scene_t& scene) {
 void paint_panel(cairo_t* cairo, const menu_scene_t& scene) {
     const menu_look_t& look = scene.layout->look();
     const double line = look.hairline;
-    // A shape's corners have no soft edge: what it leaves of them looks like the border.
+    // A shape's corners have no soft edge: the pixels that the shape leaves of them look like the
+    // border.
     if (!scene.rounded) {
         cairo_set_source_rgb(cairo, 0.5, 0.5, 0.5);
         cairo_rectangle(cairo, scene.left, scene.top, scene.width, scene.height);

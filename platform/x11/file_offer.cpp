@@ -146,8 +146,9 @@ bool file_offer_t::grab_pointer() {
 }
 
 // Tries for a tenth of a second, as another client, such as a window manager, can hold the pointer
-// for a moment. It waits no longer because the process does nothing else meanwhile: when a drag
-// begins in a window of the toolkit, its own press holds the pointer as long as the drag lasts.
+// for a moment. It waits no longer because the process does nothing else while it waits: when a
+// drag begins in a window of the toolkit, its own press holds the pointer as long as the drag
+// lasts.
 bool file_offer_t::hold_pointer() {
     released_ = false;
     for (int turn = 0; turn < 20; turn++) {

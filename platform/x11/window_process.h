@@ -1,4 +1,4 @@
-// Which process a window belongs to: one policy for all who ask. Main thread.
+// Which process a window belongs to, by one policy for all callers. Main thread.
 //
 // 1. A window whose WM_CLIENT_MACHINE names another machine has no process here: the process
 //    numbers of that machine mean nothing on this one.
