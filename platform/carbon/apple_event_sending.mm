@@ -47,7 +47,7 @@ static void call_courier() {
 + (void)deliverNext {
     Value event = std::move(waiting().front());
     waiting().pop_front();
-    // Before the handler, which may run the loop itself.
+    // This comes before the handler, because the handler may run the loop itself.
     if (!waiting().empty()) call_courier();
     events::handle(std::move(event));
 }

@@ -92,7 +92,7 @@ LSItemInfoFlags kind_flags(File& file) {
     return kLSItemInfoIsPlainFile | (application ? kLSItemInfoIsApplication : 0);
 }
 
-// As many as the kernel follows.
+// As many links as the kernel follows.
 const int most_links = 40;
 
 // Moves from a link to what it names. False when there is nothing.

@@ -10,14 +10,15 @@ enum painting_t { FILL, FILL_EVEN_ODD, STROKE };
 extents_t painted_extents(CGContextRef context, painting_t painting) {
     cairo_t* cairo = context->cairo;
     double x1, y1, x2, y2;
-    // Identity: extents come in the user's space, where they would not be upright.
+    // cairo gives extents in the user's space, where they may not be upright; so this takes the
+    // identity.
     cairo_identity_matrix(cairo);
     cairo_path_extents(cairo, &x1, &y1, &x2, &y2);
     cairo_set_matrix(cairo, &context->state.matrix);
     double reach = 1;
     if (painting == STROKE) {
         const cairo_matrix_t& matrix = context->state.matrix;
-        // Half a line's width, and the miter that cairo lets stand out.
+        // Half a line's width, and the miter that cairo may draw beyond it.
         reach +=
             10 * std::hypot(std::hypot(matrix.xx, matrix.yx), std::hypot(matrix.xy, matrix.yy));
     }

@@ -31,7 +31,7 @@ bool flag_of(GKeyFile* keys, const char* key) {
     return g_key_file_get_boolean(keys, G_KEY_FILE_DESKTOP_GROUP, key, nullptr);
 }
 
-// Names have no endings, but entries often give one all the same.
+// The name of an icon has no ending, but entries often give one.
 std::string without_ending(std::string icon) {
     if (icon.starts_with('/')) return icon;
     for (const char* ending : {".png", ".svg", ".xpm"}) {

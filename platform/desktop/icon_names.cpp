@@ -8,7 +8,7 @@
 
 namespace {
 
-// Keys: a content type, or one of these marks and themed names.
+// A key is a content type, or one of these marks followed by themed names.
 const char place_mark = '@', entry_mark = '!';
 
 const struct {

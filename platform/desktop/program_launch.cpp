@@ -76,7 +76,8 @@ Start start_entry(GDesktopAppInfo* entry, const std::vector<std::string>& docume
     const bool started = g_desktop_app_info_launch_uris_as_manager(
         entry, addresses.get(), context.get(), G_SPAWN_SEARCH_PATH, leave_us, folder, nullptr,
         nullptr, &error);
-    // The message to a program that the bus starts may still be on its way when we exit.
+    // The message to a program that the bus starts may still be on its way when we exit, so it is
+    // sent now.
     if (started && g_desktop_app_info_get_boolean(entry, "DBusActivatable")) {
         files::flush_session_bus();
     }

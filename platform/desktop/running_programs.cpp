@@ -68,7 +68,7 @@ std::string bundle_around(const std::string& executable) {
     return end == executable.npos ? std::string() : executable.substr(0, end + 4);
 }
 
-// What is known of a program before its application is sought.
+// What is known about a program before its application is looked for.
 struct Traces {
     const desktop_window_t& window;
     std::string executable;

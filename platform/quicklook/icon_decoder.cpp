@@ -92,7 +92,7 @@ void Decoder::add(Request request) {
     if (dropped) dropped->done({});
 }
 
-// False where no thread is to be had.
+// False when no thread can be started.
 bool Decoder::start_thread() {
     try {
         std::thread([this] { work(); }).detach();
