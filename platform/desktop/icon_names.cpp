@@ -8,7 +8,7 @@
 
 namespace {
 
-// A key is a content type, or one of these marks followed by themed names.
+// A key is a content type, or one of these marks followed by the name or path of an icon.
 const char place_mark = '@', entry_mark = '!';
 
 const struct {
