@@ -41,8 +41,8 @@ void* code_handle(NSBundle* bundle, std::string* problem) {
 }
 
 // Items such as "3 selected items" and "Running apps" stand for the first item below them, and
-// would open it. Every other item is named like the file it stands for; an item whose name is not
-// text has no such name to compare.
+// would open it. Every other item is named like the file it stands for; a name that is not UTF-8
+// cannot be compared.
 BOOL only_heads_submenu(NSMenuItem* item) {
     const char* name = NameOfItem(item);
     return name && [NSString stringWithUTF8String:name] &&

@@ -37,7 +37,7 @@ const struct command_t {
     {"showAttributesInspector:", on_files | on_ground | on_folder_pointer},
 };
 
-// By the kind of place.
+// The commands of each kind of place, in the order of FilePlaceKind.
 constexpr unsigned places[] = {
     on_items, on_ground, on_file_pointer, on_folder_pointer, 0, on_dock_trash, on_dock_workspace,
 };
@@ -125,7 +125,8 @@ void close_group(NSMenu* menu) {
 
 void AddCommands(NSMenu* menu, FilePlace* place) {
     const unsigned here = places[[place kind]];
-    // Whether a command fits an item that is not selected yet cannot be asked.
+    // Every command is offered for a pointer: its item is not selected yet, so the target cannot be
+    // asked.
     const bool is_pointer = here & (on_file_pointer | on_folder_pointer);
     for (const command_t& command : commands) {
         if (!(command.places & here)) continue;
@@ -136,7 +137,7 @@ void AddCommands(NSMenu* menu, FilePlace* place) {
         NSMenuItem* original = main_menu_item([NSApp mainMenu], sel_registerName(command.action));
         if (!original) continue;
         const bool is_taken = is_pointer || target_of(original);
-        // The dock's icons have but one.
+        // A dock icon has a single command, so it is shown even if it is disabled.
         if (is_taken || here >= on_dock_trash) add_command(menu, original, place, is_taken);
     }
     NSMenuItem* last = [[menu itemArray] lastObject];

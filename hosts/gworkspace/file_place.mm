@@ -67,7 +67,7 @@ FilePlace* place_in(NSView* container, const view_t& kind, NSView* icon, NSView*
                      node:node] autorelease];
 }
 
-// A view that scrolls is smaller than what it stands in.
+// A view of files may be smaller than its scroll view; a press beside it counts as a press on it.
 NSView* scrolled_view(NSView* view) {
     if (![view isKindOfClass:[NSClipView class]]) return view;
     NSView* document = [(NSClipView*)view documentView];

@@ -59,7 +59,7 @@ bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char*
         return text_of_link(rest_folder, rest) == text_of_link(whole_folder, whole);
     }
     if (S_ISREG(left.st_mode)) {
-        // Not every file system keeps times as they were.
+        // Some file systems do not keep times exactly.
         return left.st_size == all.st_size &&
                (is_same(left.st_mtim, all.st_mtim) ||
                 has_same_bytes(rest_folder, rest, whole_folder, whole));
@@ -81,7 +81,7 @@ bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char*
 bool IsChanged(int folder, const char* name, const CopyState& copy) {
     struct stat what;
     if (!Look(folder, name, &what) || what.st_ino != copy.inode) return true;
-    // Getting a name has changed it as well, but neither its bytes nor what is in it.
+    // Getting its name has changed the copy, too, but neither its bytes nor its content.
     if (!is_same(what.st_mtim, copy.modified)) return true;
     if (!S_ISDIR(what.st_mode)) return what.st_size != copy.size;
     return is_changed_inside(folder, name, copy, 1);

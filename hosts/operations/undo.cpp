@@ -14,7 +14,7 @@ namespace operations {
 
 namespace {
 
-// The folder that something stands in, kept open for its neighbours.
+// The folder of a file, kept open for other files in it.
 class Folders {
   public:
     int of(const std::string& path) {

@@ -29,8 +29,8 @@
 @end
 
 @implementation LateLauncher
-// From the launch on, the toolkit notes which window has the keyboard, also the one that has it
-// now.
+// Ends the launch: from then on the toolkit keeps track of the window that has the keyboard,
+// beginning with this panel.
 + (void)panelBecameKey:(NSNotification*)notification {
     if (![[notification object] isKindOfClass:[NSPanel class]]) return;
     [[NSNotificationCenter defaultCenter] removeObserver:self];

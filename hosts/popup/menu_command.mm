@@ -41,7 +41,7 @@ bool have_display(MenuForm form, std::string* problem) {
     return false;
 }
 
-// The plug-in gets the selection as text.
+// The plug-in gets the selection as text, so it misses names that are not UTF-8.
 void warn_of_other_encodings(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         if ([NSString stringWithUTF8String:file.c_str()]) continue;

@@ -16,7 +16,7 @@ namespace {
 // Once it is the turn of a thumbnail, it takes at most half a minute.
 constexpr NSTimeInterval seconds_to_make = 60, seconds_a_turn = 0.1;
 
-// A row that shows a view is one whose content is still being made, such as a picture.
+// A row shows a view while its content, such as a picture, is still being made.
 bool is_being_made(NSMenu* menu) {
     for (NSMenuItem* item in [menu itemArray]) {
         if ([item view]) return true;

@@ -36,7 +36,7 @@ void read_number(SettingState* state) {
                                 : state->setting->standard;
 }
 
-// What the menus offer to open files with where nothing is set.
+// The folder whose applications the menus offer when the setting has no value.
 std::string installed_applications() {
     const std::string folder = ApplicationsFolder();
     return access(folder.c_str(), R_OK) == 0 ? folder : "/Applications";
