@@ -289,7 +289,7 @@ TEST_F(Operations, AFileThatTheMenuHidesIsNoMoreReplacedThanOthers) {
     const std::string source = add(".hidden", "new");
     std::ofstream(basket(".hidden")) << "old";
     pick_for(source, to_basket);
-    // The plug-in's alert names only the files that it lists.
+    // The plug-in's alert knows only the files that the menu lists.
     ASSERT_TRUE(wait_until([&] { return asks_about(".hidden"); })) << manager().ask("alert");
     input().key("Return");
     EXPECT_TRUE(wait_until([&] { return is_quiet(); }));

@@ -23,8 +23,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// Foundation and GLib read where applications are before main; so the program starts itself again
-// with places of its own.
+// Foundation and GLib read the applications' places before main, so the program starts itself again
+// with its own places.
 __attribute__((constructor)) void use_own_places(int, char** arguments, char**) {
     if (getenv("OWN_APPLICATIONS") || !getenv("GNUSTEP_CONFIG_FILE")) return;
     const std::string place = std::string(getenv("TMPDIR")) + "/places";
@@ -69,12 +69,12 @@ class ApplicationsFolderTest : public testing::Test {
         fs::create_directories(fs::path(path).parent_path());
         std::ofstream(path, std::ios::binary) << content;
     }
-    // Makes what has been found stale, as after an hour.
+    // Makes the list of found applications stale, as after an hour.
     static void age(const std::string& path) {
         const timespec times[2] = {{time(nullptr) - 3700, 0}, {time(nullptr) - 3700, 0}};
         ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0) << path;
     }
-    // The link to what is installed at `path`.
+    // The link to the application installed at `path`.
     static std::string link_to(const std::string& path) {
         for (const auto& entry : fs::directory_iterator(ApplicationsFolder())) {
             if (entry.is_symlink() && fs::read_symlink(entry) == path) return entry.path();
@@ -90,7 +90,7 @@ class ApplicationsFolderTest : public testing::Test {
         std::sort(names.begin(), names.end());
         return names;
     }
-    // An entry of the system's that runs a program which is there.
+    // A system entry for a program that exists.
     static std::string install(const std::string& file, const std::string& lines) {
         const std::string path = place() + "/data/applications/" + file;
         write(path, "[Desktop Entry]\nType=Application\n" + lines);
@@ -106,7 +106,7 @@ class ApplicationsFolderTest : public testing::Test {
               "{ NSExecutable = " + name + "; " + information + types + " }\n");
         return path;
     }
-    // What the folder's level looks like in the menu, in its order: "name (kind)".
+    // The folder's level in the menu, in its order: "name (kind)".
     static Names level_in_order() {
         EXPECT_TRUE(UpdateApplicationsFolder());
         Names names;

@@ -1,4 +1,4 @@
-// A session bus for a test, and services on it that note what they are asked.
+// A session bus for a test, and services on it that record their calls.
 #pragma once
 
 #include <gio/gio.h>
@@ -11,8 +11,8 @@
 
 namespace test {
 
-// A bus daemon of the test's own, which is this process's session bus while the object lives. It
-// starts the services of /usr/share/dbus-1 only with `system_services`.
+// The test's own bus daemon, which is this process's session bus while the object lives. It starts
+// the services of /usr/share/dbus-1 only with `system_services`.
 class SessionBus {
   public:
     explicit SessionBus(bool system_services = false);
@@ -27,20 +27,20 @@ class SessionBus {
     pid_t daemon_ = 0;
 };
 
-// Owns a name and answers the methods of one object, each with an empty answer or with an error.
-// A second one of the same name waits until the first has gone.
+// Owns a name and answers the methods of one object, each with an empty answer or with an error. A
+// second service with the same name waits until the first has gone.
 class BusService {
   public:
     // `interfaces` is D-Bus introspection XML.
     BusService(const SessionBus& bus, const char* name, const char* object, const char* interfaces,
                const char* error = nullptr);
-    // Goes when it is called, without an answer.
+    // The service disappears when it is called, without an answer.
     static constexpr const char* ends = "";
     ~BusService();
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;
 
-    // Each as "interface.Method(arguments)", the arguments as GVariant text.
+    // Each call as "interface.Method(arguments)", with the arguments as GVariant text.
     std::vector<std::string> calls();
 
   private:

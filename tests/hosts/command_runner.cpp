@@ -24,7 +24,7 @@ void become(const std::vector<std::string>& arguments, const Changes& environmen
     _exit(126);
 }
 
-// Adds what there is to read; false at the end of the stream.
+// Appends the available output; false at the end of the stream.
 bool read_some(int in, std::string* text) {
     char block[65536];
     const ssize_t count = read(in, block, sizeof block);
@@ -32,7 +32,7 @@ bool read_some(int in, std::string* text) {
     return count > 0;
 }
 
-// Reads both streams until everyone has closed them; false when that takes too long.
+// Reads both streams until all writers have closed them; false when that takes too long.
 bool read_both(int out, int err, Outcome* outcome) {
     struct pollfd streams[] = {{out, POLLIN, 0}, {err, POLLIN, 0}};
     std::string* const texts[] = {&outcome->out, &outcome->err};

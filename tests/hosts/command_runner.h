@@ -1,4 +1,4 @@
-// Runs the real delvio command and gathers what it says.
+// Runs the real delvio command and collects its output.
 #pragma once
 
 #include <string>
@@ -13,13 +13,13 @@ struct Outcome {
     std::string err;
 };
 
-// What is different from this process's environment; an empty value removes the variable.
+// The differences from this process's environment; an empty value removes the variable.
 using Changes = std::vector<std::pair<std::string, std::string>>;
 
-// Returns when the command has ended and both of its streams have been closed by everyone.
+// Returns when the command has ended and all writers have closed both of its streams.
 Outcome run_delvio(const std::vector<std::string>& arguments, const Changes& environment = {});
 
-// A command that runs meanwhile; killed when the object goes.
+// A command that runs in the background; it is killed when the object is destroyed.
 class RunningCommand {
   public:
     explicit RunningCommand(const std::vector<std::string>& arguments,

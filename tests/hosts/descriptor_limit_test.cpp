@@ -1,4 +1,4 @@
-// The command where few files may be open.
+// The command with a low limit on open files.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -16,7 +16,7 @@ using test::Outcome;
 
 class DescriptorLimit : public testing::Test {
   protected:
-    // Whether the command's outcome is as it should be, under these limits.
+    // Whether the command gives the expected result under these limits.
     bool with_limit(rlim_t now, rlim_t hard, const std::function<bool(const Outcome&)>& is_right) {
         const std::string path = folder.file("file.txt", "text");
         const pid_t child = fork();

@@ -256,7 +256,7 @@ bool wait_for(const std::function<bool()>& happened) {
     return happened();
 }
 
-// The real one, where it is installed: a bus that starts it, with the X server of the test.
+// The real file manager, if it is installed: a bus starts it, with the test's X server.
 class RealThunar : public DesktopCarrier {
   protected:
     void SetUp() override {
@@ -265,7 +265,7 @@ class RealThunar : public DesktopCarrier {
         }
         bus_ = std::make_unique<test::SessionBus>(true);
     }
-    // Empty when it has taken all over.
+    // Empty when the file manager has taken over everything.
     static std::string said_of(const Report& report) {
         for (const Outcome& outcome : report.outcomes) {
             if (outcome.state != State::Done) return outcome.source + ": " + outcome.reason;
@@ -273,7 +273,7 @@ class RealThunar : public DesktopCarrier {
         }
         return report.outcomes.empty() ? "nothing is said" : "";
     }
-    // Its services end with the bus.
+    // The bus's services end with it.
     bool is_there(const std::string& path) const {
         struct stat status;
         return lstat(path.c_str(), &status) == 0;

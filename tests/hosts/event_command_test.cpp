@@ -1,4 +1,4 @@
-// Apple Events that a plug-in sends to the real command.
+// Apple Events from a plug-in to the real command.
 #include <gtest/gtest.h>
 
 #include <string>

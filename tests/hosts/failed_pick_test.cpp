@@ -1,5 +1,5 @@
-// Picks that come to nothing say so: in a line where the command is asked from a terminal, and in a
-// panel where its menu is shown.
+// Failed picks are reported: in a line when the command is run from a terminal, and in a panel when
+// its menu is shown.
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -37,7 +37,7 @@ class FailedPick : public testing::Test {
         folder_.file("top/note.txt", "text\n");
     }
 
-    // One line, nothing else, and status 1.
+    // Expects one line, no other output, and status 1.
     static void expect_line(const Outcome& outcome, const std::string& line) {
         EXPECT_EQ(outcome.err, "delvio: " + line + "\n");
         EXPECT_EQ(outcome.out, "");
@@ -86,7 +86,7 @@ class FailedShownPick : public FailedPick {
         input_.key("Return");
         return true;
     }
-    // Closes the panel of this title.
+    // Closes the panel with this title.
     bool close(const std::string& title) {
         std::optional<test::ManagedWindow> window;
         if (!wait_for([&] { return (window = windows_.settled(title)).has_value(); })) return false;

@@ -14,7 +14,7 @@ constexpr const char* interface_text =
     "<node><interface name='org.freedesktop.FileManager1'><method name='ShowItems'>"
     "<arg type='as' direction='in'/><arg type='s' direction='in'/></method></interface></node>";
 
-// A session bus with a file manager on it that notes what it is asked to show.
+// A session bus with a file manager that records what it is asked to show.
 class FileManager {
   public:
     FileManager() : bus_(g_test_dbus_new(G_TEST_DBUS_NONE)) {

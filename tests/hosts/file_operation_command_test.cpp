@@ -1,4 +1,4 @@
-// delvio menu --pick, into the file operations: what is done, what is said, and the exit status.
+// delvio menu --pick with file operations: the result, the output, and the exit status.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -56,8 +56,8 @@ TEST_F(FileOperationCommand, CopiesWithOptionAndLinksWithShift) {
     EXPECT_EQ(pick("Copy selection here", {"--modifiers", "option"}).status, 0);
     EXPECT_EQ(read_file(folder.path("to/a.txt")), "new a");
     EXPECT_EQ(read_file(folder.path("a.txt")), "new a");
-    // With Shift held from the start the menu is the host's own: a row that only shows with a key
-    // is picked by its title.
+    // With Shift held from the start the menu is the host's own, so a row that needs a key is
+    // picked by its title.
     EXPECT_EQ(pick("Alias selection here", {}, {"to", "below"}).status, 0);
     for (const char* name : {"a.txt", "b.txt", "to"}) {
         EXPECT_TRUE(fs::equivalent(folder.path("to/below/") + name, folder.path(name)));
@@ -108,7 +108,7 @@ TEST_F(FileOperationCommand, TheAnswerStandsInTheEvent) {
 }
 
 TEST_F(FileOperationCommand, WhatFailsIsToldAndFails) {
-    // Where nobody can put a file.
+    // A place where nobody can put a file.
     const Outcome outcome = pick("Copy selection here",
                                  {"--modifiers", "option", "--setting", "folders=/proc"}, {"proc"});
     EXPECT_EQ(outcome.status, 1);

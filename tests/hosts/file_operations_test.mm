@@ -20,7 +20,7 @@ using operations::Kind;
 using operations::Request;
 using Paths = std::vector<std::string>;
 
-// Notes what it is given.
+// Records the requests that it gets.
 class Notebook : public operations::Carrier {
   public:
     void carry_out(Request request, std::shared_ptr<operations::Observer> observer) override {
@@ -97,7 +97,7 @@ class FileOperations : public testing::Test {
     void of_class(DescType kind) {
         AEPutParamPtr(&event_, keyAEObjectClass, typeType, &kind, sizeof kind);
     }
-    // What the carrier is given for the event, through the run loop.
+    // The request that the carrier gets for the event, through the run loop.
     std::vector<Request> send(AEKeyword items = keyDirectObject) {
         AEPutParamDesc(&event_, items, &list_);
         notebook_->requests.clear();

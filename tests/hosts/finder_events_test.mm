@@ -57,11 +57,11 @@ class FinderEvents : public testing::Test {
                          nullptr, nullptr),
                   noErr);
     }
-    // What has been opened, when there are as many as that.
+    // The opened files, once there are this many.
     Paths opened(size_t count) {
         for (int i = 0; i < 3000 && program_.opened().size() < count; i++) usleep(20000);
         Paths paths = program_.opened();
-        // Each is a start of its own: they come in any order.
+        // Each file starts the program separately, so they come in any order.
         std::sort(paths.begin(), paths.end());
         return paths;
     }

@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What GNUstep's `defaults` command says.
+// The output of GNUstep's `defaults` command.
 std::string defaults(const std::string& words) {
     std::string output;
     FILE* pipe = popen(("defaults " + words + " 2>&1").c_str(), "r");
@@ -133,7 +133,7 @@ TEST_F(Install, WhatIsNoListIsLeftAlone) {
     EXPECT_EQ(everything(), odd);
 }
 
-// The file of a domain, for what GNUstep's own command cannot be made to do.
+// The file of a domain, for contents that GNUstep's own command cannot write.
 class InstallFiles : public Install {
   protected:
     static std::string file_of(const std::string& domain) {

@@ -1,4 +1,5 @@
-// A menu that is read as a whole stops opening submenus where it would not end, or not be held.
+// When a menu is read as a whole, no more submenus are opened if it would never end or not fit in
+// memory.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -29,10 +30,10 @@ TEST_F(MenuCommand, ReadsNoMoreRowsThanItCanHold) {
     EXPECT_NE(outcome.err.find("left closed: "), std::string::npos) << outcome.err;
     const auto rows = std::count(outcome.out.begin(), outcome.out.end(), '\n');
     EXPECT_GT(rows, 100000);
-    EXPECT_LT(rows, 100000 + 6 * links);  // what the open levels still hold
+    EXPECT_LT(rows, 100000 + 6 * links);  // rows of the levels that are still open
 }
 
-// The process is told that it has so much.
+// The process is told that it has this much memory.
 TEST_F(MenuCommand, OpensNoFurtherSubmenuFromAGigabyteOfMemoryOn) {
     folder.file("top/inner/a.txt");
     const test::Words words = {"--print", "--depth", "2", folder.path("top")};

@@ -1,4 +1,4 @@
-// `delvio menu`, read without a display: the command brings its own.
+// Runs `delvio menu` without a display: the command starts its own.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ struct MenuCommand : testing::Test {
         return run_delvio(words, environment);
     }
 
-    // The menu as JSON, of a run that must succeed and say nothing else.
+    // The menu as JSON, from a run that must succeed and print nothing else.
     static json menu_json(Words words) {
         words.insert(words.begin(), "--json");
         const Outcome outcome = menu(words);
@@ -32,7 +32,7 @@ struct MenuCommand : testing::Test {
         return json::parse(outcome.out);
     }
 
-    // What a level shows while no key is held.
+    // The items that a level shows while no key is held.
     static json shown(const json& items) {
         json result = json::array();
         for (const json& item : items) {
@@ -41,7 +41,7 @@ struct MenuCommand : testing::Test {
         return result;
     }
 
-    // The titles shown of a level, "-" for a separator.
+    // The titles that a level shows, "-" for a separator.
     static Words titles(const json& items) {
         Words result;
         for (const json& item : shown(items)) {
@@ -50,7 +50,7 @@ struct MenuCommand : testing::Test {
         return result;
     }
 
-    // The item of that title; fails the test, and gives null, when there is none.
+    // The item with that title. When there is none, the test fails and the result is null.
     static json item(const json& items, const std::string& title) {
         for (const json& candidate : items) {
             if (candidate["title"] == title) return candidate;

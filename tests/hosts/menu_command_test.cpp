@@ -453,7 +453,7 @@ TEST_F(MenuCommand, WaitsForThePictureOfAPreviewSubmenu) {
               std::string::npos);
 }
 
-// The name as a terminal shows it: no escape sequence, no second line, no turned order.
+// The name as a terminal shows it: no escape sequence, no second line, no reversed text direction.
 const std::string hostile_name = "a\x1b[31m\x07\xc2\x9b\x7f\nb\xe2\x80\xae";
 
 TEST_F(MenuCommand, PassesNoControlCharactersOn) {

@@ -1,4 +1,4 @@
-// A plug-in that leaves the host's menu alone and says that it was entered. It asks the host to
+// A plug-in that leaves the host's menu alone and reports that it was entered. It asks the host to
 // open the file that PROBE_DOCUMENT names.
 #include <Carbon/Carbon.h>
 #include <stdlib.h>

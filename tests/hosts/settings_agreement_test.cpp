@@ -1,4 +1,5 @@
-// The plug-in and the hosts know the settings each by a table of its own: one domain, one default.
+// The plug-in and the hosts each have their own table of the settings. Both must have the same
+// domain and defaults.
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
@@ -16,7 +17,7 @@
 
 namespace {
 
-// What the plug-in makes of its settings as they are stored now.
+// The plug-in's values for its settings as they are stored now.
 class Reading {
   public:
     Reading() {
@@ -30,7 +31,7 @@ class Reading {
     }
 
   private:
-    // From zeroes: the paddings are compared, too.
+    // Starts from zeroes, because the padding is compared too.
     struct zeroed_t {
         zeroed_t(delvio_t* state) { memset(static_cast<void*>(state), 0, sizeof *state); }
     };
@@ -51,7 +52,7 @@ Reading reading_with(const Setting& setting, int32_t value) {
     return reading;
 }
 
-// Read by the hosts alone.
+// Settings that only the hosts read.
 const std::set<std::string> of_hosts = {"operations_by_file_manager", "preview_beside_menu"};
 
 }  // namespace

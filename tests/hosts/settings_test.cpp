@@ -29,7 +29,7 @@ Outcome settings(Words words) {
 
 std::string get(const std::string& key) { return settings({"get", key}).out; }
 
-// Refused as wrong use, with one line that holds `hint`, and nothing is stored.
+// Expects a refusal as wrong use, with one line that contains `hint`, and nothing stored.
 void expect_refused(const Words& words, const std::string& hint) {
     const Outcome outcome = settings(words);
     EXPECT_EQ(outcome.status, 2) << outcome.err;
@@ -226,7 +226,7 @@ TEST(SettingsCommand, RefusesWrongUse) {
     expect_refused({"change", "sort_order"}, "");
 }
 
-// Each command has one line about it, which names the file; nothing is written over it.
+// Each command prints one line about the file, with its name, and does not overwrite it.
 TEST(SettingsCommand, CorruptSettingsAreNamedOnceAndLeftAlone) {
     const std::filesystem::path home = getenv("HOME");
     const std::string file = home.parent_path().string() + "/defaults/org.delvio.Delvio.plist";

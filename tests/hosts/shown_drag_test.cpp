@@ -28,7 +28,7 @@ TEST(ShownDrag, TheCommandStaysUntilTheDropHasBeenFetched) {
     test::RunningCommand command({"menu", "--at", "200,150", file});
     ASSERT_TRUE(wait_for([&] { return !input.pointer_is_free() && !input.keyboard_is_free(); }));
     const unsigned long plain = input.pixel(320, 166);
-    // Onto the first row, which is the file.
+    // Moves onto the first row, which is the file.
     ASSERT_TRUE(wait_for([&] {
         input.move(230 + rand() % 3, 166);
         return input.pixel(320, 166) != plain;

@@ -61,7 +61,7 @@ struct ShownMenu : testing::Test {
 
     void SetUp() override {
         ASSERT_NE(display, nullptr);
-        // A window may go between its listing and the question about it.
+        // A window may disappear between its listing and the query about it.
         XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     }
     void TearDown() override {
@@ -70,7 +70,7 @@ struct ShownMenu : testing::Test {
 
     Window root() const { return DefaultRootWindow(display); }
 
-    // The windows that show, of those that no window manager is to touch; the topmost is the last.
+    // The visible windows that no window manager may manage; the topmost is the last.
     std::vector<XWindowAttributes> shown_windows() const {
         Window ignored, *windows = nullptr;
         unsigned count = 0;
@@ -85,7 +85,7 @@ struct ShownMenu : testing::Test {
         if (windows) XFree(windows);
         return found;
     }
-    // The topmost; 0 for none.
+    // The topmost window; 0 for none.
     XWindowAttributes shown_window() const {
         const std::vector<XWindowAttributes> all = shown_windows();
         return all.empty() ? XWindowAttributes{} : all.back();
@@ -112,7 +112,7 @@ struct ShownMenu : testing::Test {
     }
     std::unique_ptr<RunningCommand> command;
 
-    // Whether the pointer is someone's, as it is while a menu is open.
+    // Whether a program has grabbed the pointer, as it does while a menu is open.
     bool is_grabbed() const {
         const int result = XGrabPointer(display, root(), False, 0, GrabModeAsync, GrabModeAsync,
                                         None, None, CurrentTime);
@@ -121,7 +121,7 @@ struct ShownMenu : testing::Test {
         return result == AlreadyGrabbed;
     }
 
-    // Whether keys go to someone, as they do while a menu is open.
+    // Whether a program has grabbed the keyboard, as it does while a menu is open.
     bool keys_are_grabbed() const {
         const int result =
             XGrabKeyboard(display, root(), False, GrabModeAsync, GrabModeAsync, CurrentTime);
@@ -300,7 +300,7 @@ TEST_F(ShownMenu, KeepsTheClipboardUntilSomethingElseIsCopied) {
     const Window own = XCreateSimpleWindow(display, root(), 0, 0, 1, 1, 0, 0, 0);
     XSetSelectionOwner(display, clipboard, own, CurrentTime);
     EXPECT_EQ(XGetSelectionOwner(display, clipboard), own);
-    // The keeper goes, and its window with it.
+    // The keeper ends, and its window goes too.
     XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     EXPECT_TRUE(wait_for([&] {
         XWindowAttributes ignored;

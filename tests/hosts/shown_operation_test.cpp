@@ -1,5 +1,5 @@
-// File operations from a menu that is shown: the question about names that are taken, with a window
-// manager and without; signals; the desktop's file manager. Driven by real keys.
+// File operations from a menu that is shown: the question about taken names, with and without a
+// window manager; signals; the desktop's file manager. The tests use real keys.
 #include <gtest/gtest.h>
 
 #include <signal.h>
@@ -37,7 +37,8 @@ std::string output_of(const std::string& command) {
 
 void press(const std::string& keys) { output_of("xdotool key --delay 60 " + keys); }
 
-// A window may be given keys before it takes them: again, when nothing is to be seen of one.
+// A window may be sent keys before it accepts them, so they are sent again while they have no
+// visible effect.
 bool press_until_seen(const std::string& key) {
     const auto picture = [] { return output_of("import -silent -window root rgba:- | md5sum"); };
     for (int tries = 0; tries < 5; tries++) {
@@ -67,7 +68,7 @@ class Operation : public testing::Test {
                 folder_.path("a.txt"),
                 folder_.path("b.txt")};
     }
-    // The menu holds pointer and keyboard from when it takes keys.
+    // The menu has grabbed pointer and keyboard once it accepts keys.
     bool menu_is_open() { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }
     static int menu_levels() {
         const std::string levels = output_of("xdotool search --onlyvisible --name '^Menu$'");
@@ -86,7 +87,7 @@ class Operation : public testing::Test {
         return !window.empty() && window == output_of("xdotool getwindowfocus");
     }
     static bool alert_has_keys() { return has_keys("Replace duplicate files[?]"); }
-    // By its title bar's button.
+    // Closes it with the button in its title bar.
     bool close(const std::string& title) {
         std::optional<test::ManagedWindow> window;
         if (!wait_for([&] { return (window = windows_.settled(title)).has_value(); })) return false;

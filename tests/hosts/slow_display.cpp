@@ -23,7 +23,7 @@ int connect_to(const std::string& path) {
     return server;
 }
 
-// Passes on what there is; false at the end.
+// Passes on the available bytes; false at the end.
 bool pass_on(int from, int to) {
     char block[65536];
     const ssize_t count = read(from, block, sizeof block);

@@ -1,4 +1,4 @@
-// The test's own display behind a door that lets the first connections through and holds up the
+// The test's own display behind a relay that lets the first connections through and holds up the
 // rest.
 #pragma once
 
@@ -11,13 +11,14 @@ namespace test {
 
 class SlowDisplay {
   public:
-    // The connection of this number, from 1, is the first that is taken and never answered.
+    // The connection with this number, counted from 1, is the first that is accepted and never
+    // answered.
     explicit SlowDisplay(int first_held);
     ~SlowDisplay();
     SlowDisplay(const SlowDisplay&) = delete;
     SlowDisplay& operator=(const SlowDisplay&) = delete;
 
-    // For DISPLAY.
+    // The value for DISPLAY.
     const std::string& name() const { return name_; }
     // Whether a connection is being held up.
     bool is_waited_for() const { return held_; }

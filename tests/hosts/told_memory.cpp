@@ -1,4 +1,5 @@
-// Preloaded: what a program reads of its own memory stands in a file of the test's.
+// Preloaded into a program: what the program reads about its own memory comes from a file of the
+// test.
 #include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>

@@ -1,4 +1,4 @@
-// delvio undo, as a process of its own.
+// delvio undo, run as a separate process.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -94,7 +94,7 @@ TEST(UndoCommand, AndEveryOtherCommandStartsWhateverALeftOverWaitsFor) {
         operations::MakeFolders(journals);
         const std::string journal = journals + "/delvio-0123456789abcdef";
         std::ofstream(journal) << "0\n" << silent << "/away";
-        // As a stopped operation of an older version held it.
+        // As a stopped operation of an older version left it.
         std::ofstream(journals + "/lock") << "";
         const int lock = open((journals + "/lock").c_str(), O_RDWR | O_CLOEXEC);
         EXPECT_EQ(flock(lock, LOCK_EX), 0);

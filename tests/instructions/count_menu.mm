@@ -1,6 +1,6 @@
-// Opens and closes a folder's level a few times under valgrind, which counts the instructions:
-// that of the one folder in COUNT_FOLDER, with the plug-in COUNT_PLUG_IN. (The toolkit opens files
-// that stand among the arguments.)
+// Opens and closes a folder's level a few times under valgrind, which counts the instructions.
+// COUNT_FOLDER names the folder that contains the level's folder, COUNT_PLUG_IN the plug-in. (These
+// are not arguments, because the toolkit opens files among its arguments.)
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
 #include <stdio.h>

@@ -1,4 +1,4 @@
-// Our windows in the hands of a window manager: what its buttons do to them.
+// Our windows under a window manager: the effects of its buttons.
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ class DialogWindows : public testing::Test {
     }
     static void TearDownTestSuite() { delete manager_; }
 
-    // True once the window of this title stands still; `window_` is it then.
+    // True once the window with this title stands still; `window_` is then that window.
     bool stands(const std::string& title) {
         const auto found = windows_.settled(title);
         if (found) window_ = *found;
@@ -43,7 +43,7 @@ class DialogWindows : public testing::Test {
         input_.move(point.x, point.y);
         input_.click(1);
     }
-    // What every window of ours tells the window manager.
+    // What each of our windows tells the window manager.
     void expect_dialog() {
         EXPECT_TRUE(window_.can_be_closed) << window_.title;
         EXPECT_TRUE(window_.has_one_size) << window_.title;
@@ -148,7 +148,7 @@ TEST_F(DialogWindows, TheWindowBelowAModalOneIsNotClosed) {
         const DialogItemIndex item = run_alert(replace_question(), [&](Steps& steps) {
             steps.when("the alert", shows("A question?"), [&] {
                 windows_.ask_to_close(below);
-                input_.key("Return");  // after it, in the order of the server's events
+                input_.key("Return");  // arrives after it, in the order of the server's events
             });
         });
         EXPECT_EQ(item, kAlertStdAlertOKButton);

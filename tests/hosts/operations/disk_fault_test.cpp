@@ -1,5 +1,5 @@
-// Each call to a disk fails in turn, or with all that follow: nothing is lost, nothing half-written
-// has a name that was asked for, everything ends, and what was done can be undone.
+// Each call to a disk fails in turn, alone or with all later calls. Nothing is lost, no
+// half-written file has a requested name, everything ends, and the finished part can be undone.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,8 +21,8 @@ namespace {
 
 constexpr int most_calls = 5000;
 
-// Of the calls of an operation: with DELVIO_FAULTS=all each fails once, else one in so many. Slow
-// ones take their time.
+// The distance between failing calls: with DELVIO_FAULTS=all each call of an operation fails once,
+// otherwise one in this many. Slow calls are rarer, because they take time.
 int stride(Faults::How how) {
     const char* wanted = getenv("DELVIO_FAULTS");
     if (wanted && std::string(wanted) == "all") return 1;
@@ -37,7 +37,7 @@ struct Scenario {
 
 class DiskFaultTest : public testing::Test {
   protected:
-    // False when nobody may mount a file system here.
+    // False when this machine allows nobody to mount a file system.
     bool mount() {
         disk_ = folder_.folder("disk");
         behind_ = folder_.folder("behind");
@@ -45,7 +45,7 @@ class DiskFaultTest : public testing::Test {
         return test::mount_faulty_file_system(disk_, behind_, &faults_) != 0;
     }
 
-    // As it is really, past the disk that fails.
+    // The real state, read without going through the failing disk.
     std::string real(const std::string& path) {
         return path.compare(0, disk_.size(), disk_) == 0 ? behind_ + path.substr(disk_.size())
                                                          : path;
@@ -86,7 +86,7 @@ class DiskFaultTest : public testing::Test {
                                    notes_, state_);
     }
 
-    // What is long is told by its length, in messages.
+    // In messages, long contents are replaced by their length.
     static std::string brief(const std::string& what) {
         if (what.size() < 100) return what;
         return what.substr(0, 20) + "... " + std::to_string(what.size()) + " " +
@@ -104,7 +104,7 @@ class DiskFaultTest : public testing::Test {
         return state;
     }
 
-    // The bytes of all files, wherever they are.
+    // The bytes of all files, in any place.
     std::set<std::string> contents() {
         std::set<std::string> all;
         for (const std::string& folder : {behind_, folder_.path("here"), folder_.path("data")}) {
@@ -115,7 +115,7 @@ class DiskFaultTest : public testing::Test {
         return all;
     }
 
-    // Where a file is there at all under a name, it is whole.
+    // A file that exists under a name is complete.
     void expect_nothing_lost(const test::State& before) {
         const std::set<std::string> there = contents();
         for (const auto& [path, what] : before) {
@@ -148,7 +148,8 @@ class DiskFaultTest : public testing::Test {
         return "";
     }
 
-    // Undoes it as far as it can be; then all is as before, or nothing was touched.
+    // Undoes the operation as far as possible. Afterwards everything is as before, or nothing was
+    // touched.
     void expect_undo(const test::State& before) {
         const test::State now = world();
         const std::string problem = undo();
@@ -183,7 +184,7 @@ class DiskFaultTest : public testing::Test {
             if (how == Faults::slow_once) {
                 for (const auto& outcome : report.outcomes) EXPECT_EQ(outcome.state, State::Done);
             }
-            // What failed although it was done is known to nobody.
+            // When a call did its work but reported failure, nobody knows that it was done.
             if (how != Faults::once_late) expect_undo(before);
             expect_nothing_lost(before);
         }

@@ -1,4 +1,4 @@
-// What the engine does with files, names and conflicts.
+// How the engine handles files, names and conflicts.
 #include "operations/engine.h"
 
 #include <fcntl.h>
@@ -40,13 +40,13 @@ class EngineTest : public testing::Test {
                         bool replace = false) {
         return perform(kind, {source}, destination, replace).outcomes.at(0);
     }
-    // What is in the trash under any name.
+    // The contents of the trash, under any name.
     Names trashed() {
         return test::names_in(std::string(getenv("XDG_DATA_HOME")) + "/Trash/files");
     }
 
     void SetUp() override {
-        // Beside the files, so that it is on their volume.
+        // The folder is beside the files, so that it is on their volume.
         setenv("XDG_DATA_HOME", folder_.folder("data").c_str(), 1);
     }
 
@@ -56,7 +56,7 @@ class EngineTest : public testing::Test {
         return what;
     }
 
-    // A tree with everything that a file system holds.
+    // A tree with every kind of entry that a file system has.
     std::string full_tree() {
         const std::string tree = folder_.folder("tree");
         test::make_tree(tree, 60);
@@ -268,7 +268,7 @@ TEST_F(EngineTest, WhatIsReplacedGoesToTheTrash) {
 TEST_F(EngineTest, WhatCannotGoToTheTrashIsNotReplaced) {
     const std::string source = folder_.file("from/a", "new"), to = folder_.folder("to");
     folder_.file("to/a", "old");
-    // In the way of the home's trash and, unless root runs this, of the volume's.
+    // Blocks the home's trash and, unless root runs this, the volume's trash.
     folder_.file("data/Trash", "a file");
     const bool done = test::in_child([&] {
         if (geteuid() == 0 && setuid(65534) != 0) return false;

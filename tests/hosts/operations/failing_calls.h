@@ -1,4 +1,4 @@
-// System calls that fail for this process from now on, for good: for a child.
+// Makes system calls of this process fail from now on, permanently. Use it in a child.
 #pragma once
 
 #include <linux/filter.h>
@@ -6,14 +6,14 @@
 
 namespace test {
 
-// False when this machine allows it to nobody.
+// False when this machine does not allow it.
 bool add_filter(sock_filter* program, size_t size);
 
-// Whatever the arguments are.
+// The call fails for all arguments.
 bool fail_call(long call, int error);
-// It ends the process as a kill does.
+// The call ends the process as a kill does.
 bool end_at_call(long call);
-// Only with these flags as its third argument.
+// The call fails only with these flags as its third argument.
 bool fail_call_with_flags(long call, int flags, int error);
 
 }  // namespace test

@@ -1,4 +1,4 @@
-// What goes wrong around the engine: full disks, permissions, sources that change or vanish.
+// Problems around the engine: full disks, permissions, sources that change or vanish.
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ class FaultTest : public testing::Test {
         EXPECT_EQ(test::names_in(folder_.path("state/temporaries")), std::vector<std::string>());
     }
 
-    // A long file of bytes that differ from place to place.
+    // A long file whose bytes differ from place to place.
     std::string long_file(const std::string& name, size_t size = 20 << 20) {
         std::string text(size, 0);
         for (size_t at = 0; at < size; at++) text[at] = static_cast<char>(at * 7 + at / 4096);
@@ -53,8 +53,8 @@ class FaultTest : public testing::Test {
 
 using test::add_filter;
 
-// From now on no write of this process takes more than so many bytes: the disk is full for the
-// rest. Sent in a child; for machines where none can be mounted.
+// From now on no write of this process takes more than this many bytes; for the rest the disk is
+// full. Runs in a child, for machines where no disk can be mounted.
 bool make_disk_seem_full(unsigned most) {
     const auto number = [](long call) { return static_cast<unsigned>(call); };
     sock_filter program[] = {
@@ -94,7 +94,7 @@ TEST_F(FaultTest, AFullVolumeKeepsEverySourceAndEveryFinishedCopy) {
     EXPECT_EQ(test::state_of(folder_.path("from")), before);
 }
 
-// As on file systems that know no rename that replaces nothing. Sent in a child.
+// Behaves like a file system without a rename that refuses to replace. Runs in a child.
 bool forbid_rename_flags() {
     sock_filter program[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
@@ -344,7 +344,7 @@ TEST_F(FaultTest, WithoutAPlaceForTheJournalNothingIsCopied) {
     setenv("XDG_RUNTIME_DIR", folder_.path("state").c_str(), 1);
     EXPECT_EQ(perform_one(Kind::Copy, source, to).state, State::Failed);
     EXPECT_EQ(test::names_in(to), std::vector<std::string>());
-    // Moving within a volume leaves nothing behind that a journal would have to name.
+    // A move within a volume leaves nothing that a journal would have to name.
     EXPECT_EQ(perform_one(Kind::Move, source, to).state, State::Done);
 }
 

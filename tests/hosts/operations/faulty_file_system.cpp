@@ -32,17 +32,17 @@ Bytes bytes_of(const Body& body) {
     return {start, start + sizeof body};
 }
 
-// One for each file that the kernel knows of.
+// One node for each file that the kernel knows.
 struct Node {
     int file = -1;
-    uint64_t known = 0;  // how often the kernel was told of it
+    uint64_t known = 0;  // how often the kernel was told about it
 };
 
 struct OpenFolder {
     std::vector<std::pair<std::string, unsigned char>> names;
 };
 
-// Each answer is what to say, or errno is set and the answer is null.
+// Each function returns the answer; on failure it sets errno and returns null.
 class Server {
   public:
     Server(int device, int root, Faults* faults) : device_(device), faults_(*faults) {

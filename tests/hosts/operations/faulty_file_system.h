@@ -1,5 +1,5 @@
-// A file system that passes everything on to a folder, and fails when it is told to: FUSE, mounted
-// in a namespace of the caller's own.
+// A file system that passes everything on to a folder and fails on request: FUSE, mounted in the
+// caller's own namespace.
 #pragma once
 
 #include <sys/types.h>
@@ -13,12 +13,12 @@ namespace test {
 struct Faults {
     enum How : int {
         never,
-        once,       // that call fails, and nothing comes of it
-        once_late,  // that call fails, but what was asked for is done
+        once,       // that call fails and does nothing
+        once_late,  // that call fails, but its work is done
         from_then,  // that call and all after it fail
         slow_once,  // that call is answered late
     };
-    std::atomic<int> calls{0};  // so far; counts on after it was set to 0
+    std::atomic<int> calls{0};  // calls so far, or since it was set to 0
     std::atomic<int> at{0};     // the call that fails
     std::atomic<How> how{never};
     std::atomic<int> error{5};    // EIO
@@ -32,8 +32,9 @@ struct Faults {
     }
 };
 
-// Mounts it on `folder` for this process and its children; what is in it is in `behind`. The
-// process that serves it, a child; 0 where nobody may mount one. For a process with one thread.
+// Mounts the file system on `folder` for this process and its children; its contents are in
+// `behind`. Returns the process that serves it, a child, or 0 where nobody may mount one. The
+// caller must have one thread.
 pid_t mount_faulty_file_system(const std::string& folder, const std::string& behind,
                                Faults** faults);
 

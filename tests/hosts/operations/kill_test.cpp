@@ -1,5 +1,5 @@
-// The engine is killed at random moments. Whenever that is, each file is whole at its source or its
-// destination, nothing half-written has its final name, and the next start cleans up.
+// The engine is killed at random moments. After each kill, every file is complete at its source or
+// its destination, no half-written file has its final name, and the next start cleans up.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -25,20 +25,21 @@ class KillTest : public testing::Test {
         test::make_tree(origin_, files);
         whole_ = test::state_of(origin_, true);
         takes_ = 1;
-        // Of each thing that is given to the engine, what is in it.
+        // The contents of each thing that is given to the engine.
         for (const auto& entry : whole_) {
             tops_[entry.first.substr(0, entry.first.find('/'))].insert(entry);
         }
     }
 
-    // By cp: what is tested must not make what it is tested with, and waits for the disk.
+    // cp makes the copy: the engine under test must not make its own test data, and it waits for
+    // the disk.
     void reset(const std::string& folder, bool full) {
         std::filesystem::remove_all(folder);
         const std::string copy = "cp -a '" + origin_ + "' '" + folder + "'";
         ASSERT_EQ(full ? system(copy.c_str()) : mkdir(folder.c_str(), 0755), 0);
     }
 
-    // Runs it and kills it after the time. False when it had ended by itself.
+    // Runs the operation and kills it after this time. False when it had already ended.
     bool run(const std::string& kind, double seconds) {
         std::vector<std::string> words = {kind, to_, from_ + "/"};
         if (replaces_) words.insert(words.begin() + 2, "--replace");
@@ -49,7 +50,7 @@ class KillTest : public testing::Test {
         return false;
     }
 
-    // Every name that was asked for stands for all of it.
+    // Every requested name has its complete contents.
     void expect_whole_targets(const test::State& there) {
         test::State expected;
         for (const auto& top : tops_) {
@@ -62,11 +63,11 @@ class KillTest : public testing::Test {
         EXPECT_EQ(named, expected);
     }
 
-    // Nothing is at neither place.
+    // Everything is at the source or at the destination.
     void expect_nothing_lost(const test::State& source, const test::State& target) {
         for (const auto& entry : whole_) {
             const auto at_source = source.find(entry.first), at_target = target.find(entry.first);
-            // A folder that is being emptied is changed by that.
+            // Emptying a folder changes it.
             const bool is_at_source =
                 at_source != source.end() && at_source->second == entry.second;
             const bool is_at_target =
@@ -108,14 +109,15 @@ class KillTest : public testing::Test {
         EXPECT_EQ(killed, kills);
     }
 
-    // Something older under each name at the destination.
+    // Puts something older under each name at the destination.
     void put_older_ones() {
         for (const auto& top : tops_) {
             std::ofstream(to_ + "/" + top.first) << "older " << top.first;
         }
     }
 
-    // What was to be replaced is still there, in the trash, or both it and the new one are.
+    // An item that was to be replaced is still there or in the trash, or both it and the new one
+    // exist.
     void expect_older_ones(const std::string& trash) {
         for (const auto& top : tops_) {
             const std::string older = "older " + top.first, path = to_ + "/" + top.first;
@@ -144,7 +146,7 @@ class KillTest : public testing::Test {
 };
 
 TEST_F(KillTest, ACopyLosesNothingAndLeavesNothing) {
-    // In memory, where no kill waits for a disk.
+    // In memory, so that no kill waits for a disk.
     kill_often("copy", volume_.path() + "/from", volume_.path() + "/to");
 }
 
@@ -178,7 +180,7 @@ TEST_F(KillTest, AMoveToAnotherVolumeLosesNothingAndLeavesNothing) {
     const auto test = [&](const std::string& from) {
         kill_often("move", from, volume_.path() + "/to");
     };
-    // Out of memory too where that can be had, else off the disk, which takes minutes.
+    // Moves out of memory as well where possible; otherwise off the disk, which takes minutes.
     const bool done = test::in_child([&] {
         if (!test::mount_small_volume(memory, 64 << 20)) return false;
         test(memory + "/from");

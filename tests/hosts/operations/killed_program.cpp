@@ -36,7 +36,7 @@ pid_t start(const std::vector<std::string>& words, int errors) {
     return process;
 }
 
-// Until the program has ended, which closes it, or the time is over.
+// Waits until the program has ended, which closes the stream, or the time is over.
 std::string read_until(int errors, double end) {
     std::string text;
     for (;;) {
@@ -68,7 +68,7 @@ Run run_operate(const std::vector<std::string>& words, double seconds) {
     int status = 0;
     waitpid(process, &status, 0);
     run.seconds = now() - begin;
-    // What it said at its very end.
+    // The last output of the program.
     run.complaints += read_until(ends[0], 0);
     close(ends[0]);
     run.was_killed = WIFSIGNALED(status);

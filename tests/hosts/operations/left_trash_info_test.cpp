@@ -1,4 +1,4 @@
-// What a killed operation leaves in the trash is removed at the next start, and nothing else.
+// The next start removes what a killed operation leaves in the trash, and nothing else.
 #include "operations/left_trash_info.h"
 
 #include <gtest/gtest.h>
@@ -18,8 +18,8 @@ using Names = std::vector<std::string>;
 
 class LeftTrashInfo : public testing::Test {
   protected:
-    // As a process leaves it that is killed between the note and the move: the note is there, and
-    // then the step is written down.
+    // The state that a process leaves when it is killed between the note and the move: the note
+    // exists, and then the step is written down.
     void leave_behind(const std::string& after = "") {
         folder_.file("trash/info/a.trashinfo", "[Trash Info]\nPath=/a\n");
         const std::string text =

@@ -1,5 +1,5 @@
-// Folders that are exchanged, mounted twice, endlessly deep, or more than may be open; and disks
-// that say of every name that it is taken.
+// Folders that are exchanged, mounted twice, endlessly deep, or too many to be open at once; and
+// disks that claim that every name is taken.
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ class OddFoldersTest : public testing::Test {
         return perform(kind, {source}, destination, replace).outcomes.at(0);
     }
 
-    // So many folders in one another.
+    // Makes this many folders inside one another.
     void make_deep(const std::string& top, int levels) {
         ASSERT_EQ(mkdir(top.c_str(), 0755), 0);
         operations::Descriptor at(open(top.c_str(), O_PATH | O_CLOEXEC));
@@ -104,7 +104,7 @@ TEST_F(OddFoldersTest, WhatCannotBeReplacedForEverFails) {
 
 TEST_F(OddFoldersTest, TryingNamesEndsWhenItIsCancelled) {
     const std::string source = folder_.file("a", "a"), to = folder_.folder("to");
-    // Looks at the answer, as a window's thread would, once it has begun.
+    // Looks at the answer, as a window's thread would, once the operation has begun.
     class Canceller : public test::Notes {
         bool is_cancelled() override { return ++questions_ > 50; }
         int questions_ = 0;
@@ -161,7 +161,7 @@ TEST_F(OddFoldersTest, ATreeThatIsFarTooDeepIsRefusedAndLeavesNothing) {
     EXPECT_EQ(copied.state, State::Failed);
     EXPECT_EQ(copied.reason, "more than 300 folders stand in one another at \"d\"");
     EXPECT_EQ(test::names_in(to), Names());
-    // A rename goes however deep it is.
+    // A rename works at any depth.
     EXPECT_EQ(perform_one(Kind::Move, tree, to).state, State::Done);
     remove_deep(to + "/tree");
 }

@@ -1,7 +1,7 @@
-// Carries one request out, for tests and measurements that need a process of its own:
+// Carries out one request, for tests and measurements that need a separate process:
 //   operate move|copy|alias|trash|undo|start DESTINATION [--replace] [SOURCE...]
-// Of one source that ends in "/" everything in it is taken. Prints what was not done.
-// Exit status 1 when something was not.
+// A single source that ends in "/" stands for everything in it. Prints what was not done.
+// The exit status is 1 when something was not done.
 #include <fcntl.h>
 #include <stdio.h>
 #include <string.h>

@@ -18,7 +18,7 @@ using namespace operations;
 
 namespace {
 
-// The one window that is shown, or nil.
+// The only window that is shown, or nil.
 WidgetPanel* shown_window() {
     for (NSWindow* window in [NSApp windows]) {
         if ([window isVisible] && [window isMemberOfClass:[WidgetPanel class]]) {
@@ -48,7 +48,7 @@ bool shows_text(const std::string& text) {
     return widget_of(shown_window(), widget_kind_t::text, text) != nullptr;
 }
 
-// What a user does beside the windows: looked at by a timer, also while a panel is modal.
+// The user's actions beside the windows. A timer runs them, also while a panel is modal.
 using Hand = std::function<bool()>;
 
 }  // namespace
@@ -76,7 +76,7 @@ class OperationWindowTest : public testing::Test {
         alarm(240);  // a panel that nobody answers would stay
     }
 
-    // Presses Return until it is no longer true; the keyboard may come to a window late.
+    // Presses Return until the condition is false; a window may get the keyboard late.
     Hand press_return_while(Hand condition) {
         auto turns = std::make_shared<int>(0);
         return [this, condition, turns] {
@@ -93,7 +93,7 @@ class OperationWindowTest : public testing::Test {
         };
     }
 
-    // Each step is tried until it is true, then the next.
+    // Tries each step until it is true, then the next one.
     void run(std::vector<Hand> steps) {
         WindowHand* hand = [[WindowHand new] autorelease];
         hand->_steps = &steps;
@@ -225,7 +225,7 @@ TEST_F(OperationWindowTest, ReplaceByMouseReplacesOne) {
     steps_ = {[&] { return click("Replace"); }, [&] { return shows_text("two.txt"); },
               [&] { return click("Stop"); }};
     const Report report = copy();
-    // What was copied before the stop, but had not got its name, is not there.
+    // A file that was copied before the stop, but had not got its name, does not exist.
     EXPECT_TRUE(report.stopped);
     EXPECT_EQ(report.outcomes[1].state, State::Skipped);
     EXPECT_EQ(test::read_file(folder_.path("to/two.txt")), "old");

@@ -129,7 +129,7 @@ TEST_F(TemporariesTest, ADiskThatDoesNotAnswerHoldsUpNobody) {
             folder_.file("state/temporaries/delvio-0000000000000000", "0\n" + silent + "/away");
         leave_behind();
         operations::BeginToRemoveLeftTemporaries(state_);
-        // What else was left goes meanwhile.
+        // Other leftovers are removed at the same time.
         while (!test::names_in(to_).empty()) usleep(10000);
         while (!is_locked(journal)) usleep(10000);
         // Whoever comes later leaves it alone, even if it would wait.

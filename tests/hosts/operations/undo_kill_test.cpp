@@ -1,5 +1,5 @@
-// An operation is killed at a random moment and then undone, by an undo that is killed as well and
-// repeated: everything is where it was, as it was, and nothing else is there.
+// An operation is killed at a random moment and then undone. The undo is killed as well and
+// repeated. Afterwards everything is where it was, as it was, and nothing else is there.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -24,7 +24,8 @@ class UndoKillTest : public testing::Test {
         if (volume_.path().empty()) GTEST_SKIP() << "/dev/shm is no file system of its own";
         setenv("XDG_DATA_HOME", (volume_.path() + "/data").c_str(), 1);
         test::make_tree(origin_, files);
-        // Names of one file, within a folder and between what is given to the engine.
+        // Several names of one file, within a folder and between the things that are given to the
+        // engine.
         const std::string first = origin_ + "/0.txt";
         ASSERT_EQ(link(first.c_str(), (origin_ + "/again.txt").c_str()), 0);
         ASSERT_EQ(link(first.c_str(), (origin_ + "/folder 1/again.txt").c_str()), 0);
@@ -60,7 +61,7 @@ class UndoKillTest : public testing::Test {
         return std::uniform_real_distribution<double>(0.0005, std::min(takes, longest))(random_);
     }
 
-    // Kills it at a random moment; how long it takes is learnt from those that end.
+    // Kills it at a random moment. Runs that are not killed show how long it takes.
     test::Run run(const std::vector<std::string>& words, double* takes) {
         const test::Run run = test::run_operate(words, moment(*takes));
         killed_ += run.was_killed;
@@ -68,7 +69,7 @@ class UndoKillTest : public testing::Test {
         return run;
     }
 
-    // Killed up to three times, then not any more.
+    // Killed up to three times, then left to finish.
     void undo(const test::State& before) {
         for (int tries = 0; tries < 3; tries++) {
             const test::Run run = this->run({"undo"}, &undo_takes_);
@@ -120,7 +121,7 @@ class UndoKillTest : public testing::Test {
         EXPECT_GE(killed_, wanted);
     }
 
-    // On another file system, in memory where that can be had.
+    // On another file system, in memory where possible.
     void kill_often_between_volumes(const std::string& kind, int usual) {
         const std::string memory = folder_.folder("memory");
         const bool done = test::in_child([&] {

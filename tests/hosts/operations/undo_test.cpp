@@ -32,7 +32,7 @@ class UndoTest : public testing::Test {
         return operations::Perform({kind, sources, destination, replace}, notes_,
                                    folder_.path("state"));
     }
-    // Why it was refused; empty when it was undone.
+    // The reason for a refusal; empty when the operation was undone.
     Names undo() {
         Names reasons;
         for (const auto& outcome : operations::UndoLast(notes_, folder_.path("state")).outcomes) {
@@ -40,7 +40,7 @@ class UndoTest : public testing::Test {
         }
         return reasons;
     }
-    // All files but the trash and the engine's own.
+    // All files except the trash and the engine's own.
     test::State world() {
         test::State state = test::state_of(folder_.path());
         std::erase_if(state, [](const auto& entry) {
@@ -49,7 +49,7 @@ class UndoTest : public testing::Test {
         return state;
     }
 
-    // What is changed from now on has another time than what was changed before.
+    // Changes from now on get a later time than earlier changes.
     void let_the_clock_tick() {
         const std::string path = folder_.path("state/tick");
         const auto time_of_new = [&] {
@@ -202,7 +202,7 @@ TEST_F(UndoTest, WhatIsLeftOfASourceThatWasTakenAwayInPartGivesWayToTheCopy) {
     test::make_tree(tree, 40);
     const test::State before = test::state_of(tree, true);
     EXPECT_TRUE(test::in_child([&] {
-        // Of the calls that remove, only the first few go through.
+        // Files can be removed, but folders cannot.
         if (!test::fail_call_with_flags(SYS_unlinkat, AT_REMOVEDIR, EIO)) return false;
         EXPECT_EQ(perform(Kind::Move, {tree}, volume_.path()).outcomes[0].state, State::Failed);
         return true;
@@ -249,7 +249,7 @@ TEST_F(UndoTest, TenTimesAsManyMovesTakeSomeTenTimesAsLongToUndo) {
         return used_time() - begin;
     };
     const double few = undo_of(1000), many = undo_of(10000);
-    // What takes the square of their number would take a hundred times as long.
+    // Work that grows with the square of their number would take a hundred times as long.
     EXPECT_LT(many, few * 40);
 }
 
