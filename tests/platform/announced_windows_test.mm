@@ -1,4 +1,4 @@
-// What menus and the windows beside them tell window managers and compositors.
+// What menus and the windows beside them announce to window managers and compositors.
 #include <AppKit/AppKit.h>
 #include <CoreGraphics/CoreGraphics.h>
 #include <host/window_placement.h>

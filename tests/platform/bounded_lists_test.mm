@@ -1,5 +1,5 @@
-// Property lists that GNUstep reads by itself, of files that mean harm. Each case runs in a process
-// of its own: unbounded, they end it or hold it for ever.
+// Hostile property lists that GNUstep reads by itself. Each case runs in its own process: without
+// bounds the lists end it or hold it for ever.
 #include <AppKit/AppKit.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ std::string deep(const char* opening) {
 
 NSString* string(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
 
-// How a process that does this ends: 0 when `deed` is true.
+// The exit status of a process that runs `deed`: 0 when `deed` is true.
 int status_of(const std::function<bool()>& deed) {
     const pid_t child = fork();
     if (child == 0) {

@@ -63,7 +63,7 @@ void append(void* context) {
 
 }  // namespace
 
-// The first of the cases: the main thread has no run loop before it.
+// This must be the first case: the main thread has no run loop before it.
 TEST(Dispatch, MainWorkRunsInItsOrderAndNotAtOnce) {
     order_t order;
     for (int i = 0; i < 20; i++) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-// A keyboard and mouse that the test holds; everything is let go at the end.
+// A keyboard and mouse that the test controls; everything is released at the end.
 class EventMethods : public testing::Test {
   protected:
     void SetUp() override {
@@ -74,7 +74,7 @@ TEST_F(EventMethods, TheMappingIsTheUsersDefault) {
     EXPECT_EQ(flags_with(XK_Alt_R), (NSUInteger)NSCommandKeyMask) << "and no Option besides";
 }
 
-// The key right of the space bar is the third level there, in XKB's own layouts.
+// In XKB's own layouts the key right of the space bar switches to the third level there.
 TEST_F(EventMethods, AltGrIsOptionInLayoutsThatHaveIt) {
     const unsigned right_alt = XKeysymToKeycode(display, XK_Alt_R);
     ASSERT_NE(right_alt, 0u);

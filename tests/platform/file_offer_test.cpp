@@ -1,4 +1,4 @@
-// The pointer that a drag holds, when another client has it.
+// Grabbing the pointer for a drag when another client has it.
 #include "x11/file_offer.h"
 
 #include <gtest/gtest.h>

@@ -15,7 +15,7 @@
 
 namespace {
 
-// A theme of one-colour pictures, so that each icon can be told by its colour.
+// A theme of one-colour pictures, so that the colour identifies each icon.
 class Icons : public testing::Test {
   protected:
     static void SetUpTestSuite() {
@@ -70,7 +70,8 @@ class Icons : public testing::Test {
         return [[NSWorkspace sharedWorkspace]
             iconForFile:[NSString stringWithUTF8String:path.c_str()]];
     }
-    // Runs the steps and tells whether they read anything in the folder, or of this theme.
+    // Runs the steps and returns whether they read anything in the folder, or anything of this
+    // theme.
     template <typename steps_t>
     bool opens_a_file(steps_t steps) {
         const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
@@ -182,7 +183,7 @@ TEST_F(Icons, AHiddenFilesIconIsMarked) {
 }
 
 TEST_F(Icons, AnIconThatIsNeverDrawnReadsNoFile) {
-    // Of a kind whose picture no other test has loaded.
+    // Its kind has a picture that no other test has loaded.
     const std::string path = folder.file("note.desktop", "[Desktop Entry]\nType=Application\n");
     folder.file(".hidden", "other\n");
     NSImage* image = nil;

@@ -1,4 +1,4 @@
-// A start of the toolkit without what a menu does not need, and what is needed later after all.
+// Starting the toolkit without the parts that a menu does not need, and loading these parts later.
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
 #include <gtest/gtest.h>
@@ -30,12 +30,12 @@ class LightStart : public testing::Test {
         }
         XCloseDisplay(watcher);
     }
-    static int windows;  // that the start has shown
+    static int windows;  // windows that the start has shown
 };
 
 int LightStart::windows = 0;
 
-// The method and its tables, null while it is not open.
+// The input method and its tables; null while it is not open.
 void* input_method() {
     id server = GSCurrentServer();
     id input = object_getIvar(server, class_getInstanceVariable([server class], "inputServer"));

@@ -1,4 +1,4 @@
-// What others raise while a menu is open.
+// Exceptions that other code raises while a menu is open.
 #include "platform/presenter.h"
 
 // Raises in one of the messages that it gets.
@@ -49,7 +49,7 @@
 }
 @end
 
-// Exceptions of others pass through the popup, and leave nothing behind.
+// Exceptions of other code pass through the popup and leave nothing behind.
 class RaisingPresenter : public Presenter {
   protected:
     void SetUp() override {
@@ -74,7 +74,7 @@ class RaisingPresenter : public Presenter {
         for (NSWindow* window in [NSApp windows]) {
             EXPECT_FALSE([window isVisible] && [window level] == NSPopUpMenuWindowLevel);
         }
-        // The next menu is as if nothing had been.
+        // The next menu works as if nothing had happened.
         MenuScript next;
         next.when(
             "the next menu", [] { return row_point(0, @"alpha").x >= 0; },

@@ -26,7 +26,7 @@ TEST_F(Presenter, RightEntersALevelAndLeftLeavesIt) {
     EXPECT_NE(log().find("pick inner"), std::string::npos);
 }
 
-// A submenu whose first rows are a disabled one and a separator, higher than the screen.
+// A submenu higher than the screen, whose first rows are a disabled one and a separator.
 class KeysInASubmenu : public Presenter {
   protected:
     void SetUp() override {
@@ -38,7 +38,7 @@ class KeysInASubmenu : public Presenter {
         for (int i = 0; i < 100; i++) {
             [recorder_ addItem:[NSString stringWithFormat:@"row %d", i] toMenu:menu];
         }
-        // The folder itself can be picked, as a key that reached the parent level would show.
+        // The folder itself can be picked, so a key that reached the parent level would show.
         [folder_ setTarget:recorder_];
         [folder_ setAction:@selector(picked:)];
         shown([this] { moveTo(@"folder"); });
@@ -57,7 +57,7 @@ class KeysInASubmenu : public Presenter {
         run();
         EXPECT_NE(log().find("close folder, close root, pick row 99"), std::string::npos);
     }
-    // The event has been handled: the highlight of the row that led here has come and gone.
+    // The event has been handled: the highlight of the row that led here has appeared and gone.
     bool stands() const {
         const point_t now = current_pointer().at;
         return now.x == at_.x && now.y == at_.y && highlighted_title(1).empty();

@@ -30,7 +30,7 @@ class MenuPaint : public testing::Test {
                                                          action:@selector(picked:)
                                                   keyEquivalent:@""]);
     }
-    // The file's icon, but a full black square.
+    // Like the file's icon, but a full black square.
     NSImage* icon_of(const std::string& file) {
         NSBitmapImageRep* bitmap = make_bitmap(16, 16);
         memset([bitmap bitmapData], 0, 16 * 16 * 4);

@@ -1,5 +1,5 @@
-// An open menu at rest: it sleeps, and whatever happens wakes it. No timer of the test runs beside
-// it, as each would wake it; the test's own hand is on another thread.
+// An open menu at rest: it sleeps, and every event wakes it. No timer of the test runs beside it,
+// because a timer would wake it too; the test works on another thread.
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -40,7 +40,7 @@ long sleeps() {
     return -1;
 }
 
-// Waits for what is to happen; false when it has not for so long that it never will.
+// Waits for the condition; false after so long that it will never hold.
 bool wait_for(const std::function<bool()>& condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!condition()) {
@@ -74,7 +74,7 @@ NSImage* square(NSColor* color) {
 
 }  // namespace
 
-// The menu's delegate, and what a program may have done on the main thread.
+// The menu's delegate, and things that a program may have done on the main thread.
 @interface Resting : NSObject {
   @public
     std::mutex guard;
@@ -100,7 +100,7 @@ NSImage* square(NSColor* color) {
 }
 @end
 
-// Reads its end of a pipe when the run loop says that there is something.
+// Reads its end of a pipe when the run loop reports data.
 @interface PipeEnd : NSObject <RunLoopEvents> {
   @public
     int descriptor;
@@ -119,7 +119,7 @@ NSImage* square(NSColor* color) {
 }
 @end
 
-// Changes its menu whenever it is drawn, so that it is drawn again.
+// Changes its menu at each drawing, so that the menu is drawn again.
 @interface RestlessView : NSView {
   @public
     std::atomic<int> draws;
@@ -164,8 +164,8 @@ class MenuAtRest : public testing::Test {
 
     NSMenuItem* beta() const { return (NSMenuItem*)[menu_ itemWithTitle:@"beta"]; }
 
-    // The popup is open, and `hand` works on a thread of its own once nothing happens any more.
-    // It ends with the menu closed; when it does not, the guard closes it.
+    // Opens the popup and runs `hand` on a separate thread once nothing happens any more. `hand`
+    // ends with the menu closed; if it does not, the guard closes the menu.
     void run(const std::function<void()>& hand) {
         std::thread thread([&] {
             EXPECT_TRUE(wait_for([this] { return !input_.pointer_is_free(); }));
@@ -183,7 +183,7 @@ class MenuAtRest : public testing::Test {
     bool is_over() {
         return wait_for([this] { return over_.load(); });
     }
-    // Until the main thread has slept through.
+    // Waits until the main thread has slept without interruption.
     void come_to_rest() {
         long before = -1;
         EXPECT_TRUE(wait_for([&] {
@@ -200,7 +200,7 @@ class MenuAtRest : public testing::Test {
     bool has_color(point_t at, unsigned long color) {
         return wait_for([&] { return input_.pixel(at.x, at.y) == color; });
     }
-    // On the main thread, and over when this returns.
+    // Runs it on the main thread, and returns when it has ended.
     void on_main(std::function<void()> work) {
         resting_->work = std::move(work);
         @autoreleasepool {
@@ -210,7 +210,7 @@ class MenuAtRest : public testing::Test {
                                             modes:@[ NSEventTrackingRunLoopMode ]];
         }
     }
-    // On the main thread, by a timer, a moment later.
+    // Runs it on the main thread a moment later, from a timer.
     void by_timer(const std::function<void()>& work) {
         on_main([&] { test::while_tracking(0.3, resting_, @selector(perform), NO); });
         resting_->work = work;
@@ -372,8 +372,8 @@ TEST_F(MenuAtRest, AnswersToAnEventThatATimerPosts) {
     });
 }
 
-// The answer to a question brings the events along that came before it: nothing is left on the
-// connection that could wake anybody.
+// The answer to a query also brings the events before it: nothing is left on the connection that
+// could wake anybody.
 TEST_F(MenuAtRest, AnswersToAnEventThatHasBeenReadAlready) {
     run([this] {
         by_timer([this] {

@@ -1,5 +1,5 @@
-// A user for menus: steps that run one after the other while a menu tracks, each as soon as its
-// condition holds.
+// A user for menus: steps that run in order while a menu tracks, each as soon as its condition
+// holds.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -15,10 +15,10 @@ class MenuScript {
     using Condition = test::Steps::Condition;
     using Action = test::Steps::Action;
 
-    // Conditions are asked only while a menu is open.
+    // Conditions are checked only while a menu is open.
     void when(const std::string& what, Condition condition, Action action);
-    // Pops `menu` up at a point of the server and returns when it has closed. The test fails when
-    // a condition never held.
+    // Opens `menu` at a point of the server and returns when it has closed. The test fails when a
+    // condition never held.
     void run(NSMenu* menu, int x, int y);
 
     test::XInput input;

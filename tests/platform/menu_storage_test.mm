@@ -314,7 +314,7 @@ TEST_F(MenuStorage, AMenuThatHasNoItemsIsOneAllocation) {
 }
 @end
 
-// The sanitizer's allocator keeps what was freed for a while.
+// The sanitizer's allocator keeps freed memory for a while.
 static long private_kilobytes() {
     if (test::has_sanitizers_heap()) return test::memory_in_use() / 1024;
     std::ifstream file("/proc/self/smaps_rollup");
@@ -331,7 +331,7 @@ TEST_F(MenuStorage, TheMemoryOfALargeLevelGoesBackOnceItsPopupIsOver) {
     long taken = 0;
     const auto popup_leaves = [&](int items) {
         const long before = private_kilobytes();
-        void* after_the_items;  // stays, so that the allocator cannot cut its end off
+        void* after_the_items;  // kept, so that the allocator cannot trim its end
         @autoreleasepool {
             NSMenu* root = menu();
             for (int i = 0; i < items; i++) [root addItem:item(@"child")];

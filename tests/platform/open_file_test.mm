@@ -20,8 +20,8 @@ namespace {
 
 using arguments_t = std::vector<std::string>;
 
-// A user whose programs for texts and folders write down what they are given. The desktop's
-// folders are those of the isolated run; they are filled once, before GIO looks.
+// A user whose programs for texts and folders record what they get. The desktop's folders are those
+// of the isolated run; the test fills them once, before GIO reads them.
 class OpenFile : public testing::Test {
   protected:
     static void SetUpTestSuite() {
@@ -51,7 +51,7 @@ class OpenFile : public testing::Test {
                "Exec=" +
                program->path() + " " + arguments + "\n";
     }
-    // What the program was given, when it was started.
+    // The arguments of the program, when it was started.
     static arguments_t record() { return program->wait(); }
 
     static test::RecordingProgram* program;
@@ -137,8 +137,8 @@ TEST_F(OpenFile, AStrangersEntryIsATextAndIsNotRun) {
     }
 }
 
-// The number of a removed entry goes to the next file where the disk gives it out again at once; a
-// second name of the entry's own file has it in any case.
+// A disk may give the number of a removed entry to the next file at once; a second name of the
+// entry's own file has that number in any case.
 TEST_F(OpenFile, AFileWithTheNumberOfARemovedEntryIsATextAndIsNotRun) {
     const std::string path = std::string(getenv("XDG_DATA_HOME")) + "/applications/gone.desktop";
     const std::string other = folder.path("kept.desktop");
@@ -147,7 +147,7 @@ TEST_F(OpenFile, AFileWithTheNumberOfARemovedEntryIsATextAndIsNotRun) {
     EXPECT_EQ(record(), arguments_t({"one", "started"}));
     program->forget();
     ASSERT_EQ(link(path.c_str(), other.c_str()), 0);
-    // At once, while the list of entries with this one in it is fresh.
+    // Checks at once, while the list of entries with this one in it is fresh.
     ASSERT_TRUE(open(path));
     unlink(path.c_str());
     ASSERT_TRUE(open(other));

@@ -1,5 +1,5 @@
-// A menu of two levels that opens at a place of its own, and a user for it. What its delegate hears
-// is the log of a case.
+// A menu of two levels that opens at its own place, and a user for it. The messages of its delegate
+// are the log of a case.
 #pragma once
 
 #include <AppKit/AppKit.h>
@@ -38,7 +38,7 @@ class Presenter : public testing::Test {
         [pool_ release];
     }
 
-    // A folder to browse has no action: to press it opens it.
+    // A folder to browse has no action; pressing it opens it.
     NSMenuItem* addFolder(NSString* title, NSMenu* menu) {
         NSMenuItem* item = [[[NSMenuItem alloc] initWithTitle:title action:NULL
                                                 keyEquivalent:@""] autorelease];

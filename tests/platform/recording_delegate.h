@@ -1,4 +1,4 @@
-// Menu delegates for tests: one writes down what it is told, one serves items one by one.
+// Menu delegates for tests: one records its messages, one supplies items one by one.
 #pragma once
 
 #include <AppKit/AppKit.h>

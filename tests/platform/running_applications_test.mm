@@ -39,7 +39,7 @@ bool wait_until(Condition condition) {
     return false;
 }
 
-// Another program, ended with the test.
+// Another program; it ends with the test.
 class Child {
   public:
     Child(const std::string& program, const Words& words, const Words& variables = {}) {
@@ -67,8 +67,8 @@ class Child {
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    // The next client gets the numbers of this one's windows; a window manager that is late would
-    // take the news of the one for the other's, so that its list is waited for.
+    // The next client gets the same window numbers as this one. A slow window manager would mistake
+    // the news of one client for the other's, so the test waits for its list.
     void end() {
         if (process > 0) {
             kill(process, SIGKILL);
@@ -100,7 +100,7 @@ NSRunningApplication* running(const Child& child) {
 std::string text(NSString* string) { return string ? [string UTF8String] : "none"; }
 std::string path(NSURL* url) { return text([url path]); }
 
-// Null when it has not come up: it tells by a file that it is ready for windows.
+// Null when the program has not started: it creates a file when it is ready for windows.
 Child* start_manager() {
     const test::TempFolder folder;
     const std::string ready = folder.path("ready");
@@ -112,13 +112,13 @@ Child* start_manager() {
     return nullptr;
 }
 
-// Other programs than the test's own, which may have windows too.
+// The programs other than the test's own, which may also have windows.
 NSUInteger other_programs() {
     NSArray* all = [[NSWorkspace sharedWorkspace] runningApplications];
     return [all count] - (now_running(getpid()) ? 1 : 0);
 }
 
-// Run with a window manager, and without one.
+// These tests run with and without a window manager.
 class RunningApplications : public testing::Test {
   protected:
     static void SetUpTestSuite() {
@@ -157,7 +157,7 @@ class RunningApplications : public testing::Test {
     inline static Child* manager = nullptr;
 };
 
-// As the menus see it.
+// The application as the menus see it.
 bool is_application(const std::string& path) {
     FSRef ref;
     LSItemInfoRecord info = {};
@@ -301,7 +301,7 @@ TEST_F(RunningApplications, AHintLeadsToTheEntryWhereNothingElseDoes) {
 
 TEST_F(RunningApplications, TheLaunchersNoteCountsForTheProcessThatItNames) {
     const std::string entry = install("launched", "Name=Launched\nExec=sh -c launched\n");
-    // A shell knows the number that its successor will have.
+    // A shell knows the process number of the program that replaces it.
     const std::string start =
         "GIO_LAUNCHED_DESKTOP_FILE_PID=$$; export "
         "GIO_LAUNCHED_DESKTOP_FILE_PID; exec " WINDOW_CLIENT " window class=plain,Plain show";

@@ -9,7 +9,7 @@
 
 static std::string trail;
 
-// What a host's menu class looks like: it overrides a method that NSMenu has.
+// A class like a host's menu class: it overrides a method of NSMenu.
 @interface HostMenu : NSMenu
 @end
 @implementation HostMenu
@@ -60,7 +60,7 @@ static std::string trail;
 }
 @end
 
-// Nobody uses these before their methods are replaced.
+// Nothing uses these classes before their methods are replaced.
 static int initialized_classes = 0;
 @interface UnusedClass : NSObject
 + (int)unusedNumber;

@@ -28,7 +28,7 @@ class StandardAlert : public testing::Test {
         NSWindow* window = [NSApp modalWindow];
         return [window isKindOfClass:[AlertPanel class]] ? static_cast<AlertPanel*>(window) : nil;
     }
-    // Its keys come once the server has given it the focus.
+    // The alert gets keys once the server has given it the focus.
     static bool is_open() { return [panel() isVisible] && [panel() isKeyWindow]; }
 
     static AlertStdCFStringAlertParamRec parameters() {

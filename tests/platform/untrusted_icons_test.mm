@@ -1,5 +1,5 @@
-// Icons that files name which nobody vouches for. What would hang, freeze or end the program that
-// lists them ends the test.
+// Icons named by files that nobody vouches for. An icon that would hang, freeze or end the program
+// that lists it makes the test fail.
 #include "appkit/untrusted_icons.h"
 
 #include <AppKit/AppKit.h>
@@ -113,7 +113,7 @@ class UntrustedIcons : public testing::Test {
         }
         EXPECT_EQ(awaited_icons(), 0u);
     }
-    // Has the general icon, before and after somebody has looked at its own.
+    // Expects the general icon, both before and after its own icon has been looked at.
     static void expect_generic(const std::string& path, const char* what) {
         NSImage* image = icon(path);
         EXPECT_EQ(number(image), generic) << what;
@@ -209,7 +209,8 @@ TEST_F(UntrustedIcons, AnOpenMenuShowsAPictureThatArrives) {
     for (NSString* title in @[ @"first", @"second" ]) {
         [menu addItemWithTitle:title action:@selector(description) keyEquivalent:@""];
     }
-    // Popping up is when a host asks for icons; by then the menu has been drawn without this one.
+    // A host asks for icons when the menu pops up; by then the menu has been drawn without this
+    // one.
     MenuScript script;
     script.when(
         "menu shown", [] { return level_is_shown(0); },

@@ -1,4 +1,4 @@
-// Windows above menus, and what they and their views do softly, with and without a compositor.
+// Windows above menus and their soft transitions, with and without a compositor.
 #include <AppKit/AppKit.h>
 #include <CoreGraphics/CoreGraphics.h>
 #include <QuartzCore/QuartzCore.h>

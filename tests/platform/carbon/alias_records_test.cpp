@@ -38,7 +38,7 @@ class AliasRecords : public testing::Test {
         EXPECT_EQ(AECreateDesc(typeAlias, *handle(), GetHandleSize(handle()), &made), noErr);
         return made;
     }
-    // As a handler reads it.
+    // Reads the address as a handler does.
     static std::string url_of(const AEDesc& desc) {
         AEDesc url;
         if (AECoerceDesc(&desc, typeFileURL, &url) != noErr) return "";

@@ -13,7 +13,7 @@ namespace {
 struct Resolved {
     OSErr error;
     bool is_folder, was_alias;
-    std::string path;  // of the reference afterwards
+    std::string path;  // the reference's path afterwards
 };
 
 Resolved resolve(const std::string& path, bool chains = false) {

@@ -16,7 +16,7 @@ const OSType own_signature = 'TEST';
 const AEEventClass event_class = 'tcls';
 const AEEventID event_id = 'tevt';
 
-// What the handler has been given.
+// The values that the handler got.
 struct Arrival {
     std::string text;
     SInt32 interaction = -1, time_out = 0;
@@ -76,7 +76,7 @@ class Sending : public testing::Test {
                       nullptr);
     }
 
-    // Once around the loop, as a program that waits for its next event.
+    // Runs the loop once, as a program that waits for its next event does.
     static void run(NSString* mode) {
         [[NSRunLoop currentRunLoop] runMode:mode beforeDate:[NSDate date]];
     }

@@ -19,8 +19,8 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// A program that writes down each of its starts into a file of its own: the folder it runs in, its
-// open descriptors, its session, its arguments.
+// A program that records each of its starts in a separate file: its working folder, its open
+// descriptors, its session, its arguments.
 class ApplicationLaunch : public testing::Test {
   protected:
     void SetUp() override {
@@ -41,7 +41,7 @@ class ApplicationLaunch : public testing::Test {
         chmod(path.c_str(), 0755);
         return path;
     }
-    // One that the user has made executable.
+    // A program that the user has made executable.
     std::string entry(const std::string& exec, const std::string& more = "") {
         return executable("app.desktop", "[Desktop Entry]\nType=Application\nName=App\nExec=" +
                                              exec + "\n" + more);
@@ -66,7 +66,7 @@ class ApplicationLaunch : public testing::Test {
             nullptr};
         return LSOpenFromRefSpec(&spec, nullptr);
     }
-    // What `count` starts have written down, sorted; fewer after ten seconds.
+    // The records of `count` starts, sorted; after ten seconds fewer.
     Names starts(size_t count) {
         Names found;
         const std::string list = "ls '" + folder.path() + "/starts' >'" + folder.path("list") + "'";
@@ -262,7 +262,7 @@ TEST_F(ApplicationLaunch, ABrokenApplicationAnswersTheMacsCodes) {
     EXPECT_TRUE(starts(0).empty());
 }
 
-// As the plug-in asks: with a reference that leads nowhere.
+// Asks as the plug-in does, with a reference that leads nowhere.
 TEST_F(ApplicationLaunch, AnApplicationThatHasGoneLeavesNoMemoryBehind) {
     const std::string document = folder.file(std::string(200, 'n'));
     const auto open_often = [&](int times) {
@@ -275,7 +275,7 @@ TEST_F(ApplicationLaunch, AnApplicationThatHasGoneLeavesNoMemoryBehind) {
         }
         return test::memory_in_use();
     };
-    // Until the table of references is full.
+    // Repeats until the table of references is full.
     const size_t before = open_often(5000);
     EXPECT_LT(open_often(1000), before + 1000);
 }

@@ -25,7 +25,7 @@ int backwards(const dirent** a, const dirent** b) { return strcmp((*b)->d_name, 
 
 int all_alike(const dirent**, const dirent**) { return 0; }
 
-// ICU itself, on the bytes as characters.
+// ICU's own comparison, with the bytes as characters.
 int icu_order(const char* a, const char* b) {
     static const UCollator* collator = [] {
         UErrorCode error = U_ZERO_ERROR;
@@ -58,7 +58,7 @@ class Folder {
     }
 
     const std::vector<dirent*>& entries() const { return entries_; }
-    // Where an entry stood before.
+    // The position that an entry had before.
     uint32_t place(const dirent* entry) const {
         return static_cast<uint32_t>(entry - storage_.data());
     }
@@ -80,7 +80,7 @@ std::vector<uint32_t> stable_order(const std::vector<std::string>& names,
     return order;
 }
 
-// Sorts, and looks at what came out in every way.
+// Sorts, and checks the result in every way.
 void expect_stable_order(const std::vector<std::string>& names, files::EntryComparison compare) {
     Folder folder(names);
     const std::vector<uint32_t> before = folder.sort(compare);
@@ -109,7 +109,7 @@ std::string all_bytes() {
     return all;
 }
 
-// Names as people give them.
+// Names as people choose them.
 std::vector<std::string> ordinary_names() {
     const char* const words[] = {
         "report", "Photo", "IMG_", " copy", "caf\xC3\xA9", "CAF\xC3\x89", "f\xC3\xBCr",  "_draft",

@@ -164,7 +164,7 @@ TEST(FileReferences, MemoryDoesNotGrowWithUse) {
             name_error(ref);
         }
     };
-    // Every entry of the table used once; what long paths take on top is given back.
+    // Uses every entry of the table once; the extra memory for long paths is given back.
     round(shallow, 10000);
     const size_t before = memory_in_use();
     round(shallow, 100000);
@@ -232,7 +232,7 @@ TEST(FileReferences, AFolderThatMayNotBeSearchedIsNoAccess) {
     test::TempFolder folder;
     const std::string path = folder.file("closed/file");
     chmod(folder.path("closed").c_str(), 0);
-    // The superuser may search every folder, so he becomes nobody for this question.
+    // The superuser may search every folder, so root becomes nobody for this query.
     const bool superuser = geteuid() == 0;
     if (superuser) ASSERT_EQ(seteuid(65534), 0);
     FSRef ref;

@@ -28,7 +28,7 @@ namespace fs = std::filesystem;
 
 using test::reference;
 
-// A folder's change time does not tell two changes within one tick of the clock apart.
+// A folder's change time cannot distinguish two changes within one tick of the clock.
 bool has_changed_in_this_tick(const std::string& folder) {
     struct stat status;
     timespec now;
@@ -51,13 +51,13 @@ std::vector<std::string> read(const std::string& folder) {
     return names;
 }
 
-// The same, and all looks at them that follow have a listing.
+// The same, and all following queries have a listing.
 std::vector<std::string> list(const std::string& folder) {
     while (has_changed_in_this_tick(folder)) usleep(1000);
     return read(folder);
 }
 
-// A listed folder is looked at again with each tick of the clock.
+// With each tick of the clock a listed folder is read again.
 void let_the_clock_tick() {
     const int64_t now = files::milliseconds_now();
     while (files::milliseconds_now() == now) usleep(1000);

@@ -7,7 +7,7 @@
 #include <functional>
 #include <string>
 
-// Last: its macros are in the way of others.
+// Included last, because its macros break other headers.
 #include <X11/Xlib.h>
 #include <X11/Xatom.h>
 
@@ -67,7 +67,7 @@ class FrontProcess : public testing::Test {
     Window make_window(unsigned long process) {
         const Window window = XCreateSimpleWindow(display_, root_, 10, 10, 100, 100, 0, 0, 0);
         if (process) set_number(window, "_NET_WM_PID", process, XA_CARDINAL);
-        // A window without a manager is there at once.
+        // A window without a window manager appears at once.
         XMapWindow(display_, window);
         XSync(display_, False);
         return window;

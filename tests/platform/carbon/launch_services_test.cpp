@@ -25,7 +25,7 @@ const LSItemInfoFlags bundle = package | kLSItemInfoIsApplication;
 
 LSItemInfoFlags flags_of(const std::string& path) { return item_info(path).flags; }
 
-// A language for a test, and the old one after it.
+// Sets a language for a test, and restores the old one afterwards.
 class Language {
   public:
     explicit Language(const char* language) : locale_(value_of("LC_ALL")) {
@@ -45,7 +45,7 @@ class Language {
     std::string locale_;
 };
 
-// One of the desktop's own entries, gone with the test.
+// One of the desktop's own entries, removed after the test.
 class Installed {
   public:
     explicit Installed(const std::string& name, const std::string& content)

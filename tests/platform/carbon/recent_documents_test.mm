@@ -17,7 +17,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// One application's use of one document, as it stands in a list.
+// One application's use of one document, as a list stores it.
 struct Use {
     std::string address, name, command, day;
 };
@@ -62,7 +62,7 @@ class RecentDocuments : public testing::Test {
         snprintf(text, sizeof text, "2024-%02d-%02dT10:00:00Z", 1 + number / 28, 1 + number % 28);
         return text;
     }
-    // The value as it is read for an application; released by the test's pool.
+    // The value that an application reads; released by the test's pool.
     static id value(const char* identifier) {
         NSString* domain = [NSString stringWithFormat:@"%s.LSSharedFileList", identifier];
         CFPropertyListRef value =

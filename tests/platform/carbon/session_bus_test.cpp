@@ -1,5 +1,5 @@
-// A session bus that takes connections and never answers. What waited for it would wait for ever,
-// and end this test by its time limit.
+// A session bus that accepts connections and never answers. Code that waited for it would wait for
+// ever, and this test would fail by its time limit.
 #include <host/session_bus.h>
 
 #include <fcntl.h>
@@ -33,8 +33,8 @@ class SessionBus : public testing::Test {
     }
     void TearDown() override { close(silent); }
 
-    // GIO keeps what it has found, so each question is asked in a process of its own. 0 when `deed`
-    // is true, negative when it takes for ever.
+    // GIO keeps what it has found, so each query runs in its own process. 0 when `deed` is true,
+    // negative when it never ends.
     static int status_of(const std::string& address, const std::function<bool()>& deed) {
         const pid_t child = fork();
         if (child == 0) {

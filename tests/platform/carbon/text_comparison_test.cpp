@@ -13,7 +13,7 @@ namespace {
 
 const UCCollateOptions options = 0x3800E;
 
-// ICU itself, set as the comparison describes it.
+// ICU's own comparison, with the same options.
 int icu_order(const std::u16string& a, const std::u16string& b) {
     static const UCollator* collator = [] {
         UErrorCode error = U_ZERO_ERROR;

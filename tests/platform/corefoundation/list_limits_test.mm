@@ -1,4 +1,4 @@
-// What is kept from the parsers of property lists.
+// Lists that must not reach the parsers of property lists.
 #include "corefoundation/list_limits.h"
 
 #import <Foundation/Foundation.h>
@@ -20,7 +20,7 @@ std::string repeated(const std::string& text, int count) {
 
 std::string xml(const std::string& content) { return xml_head + content + "</plist>"; }
 
-// Offsets and references of one byte.
+// Offsets and references take one byte each.
 std::string binary(const std::vector<std::string>& objects, char root = 0) {
     std::string bytes = "bplist00", table;
     for (const std::string& object : objects) {

@@ -1,4 +1,4 @@
-// Questions to disks that always answer, and to one that has stopped.
+// Queries to disks that always answer, and to one that has stopped.
 #include "corefoundation/patient_stat.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ const int cannot_mount = 77;
 
 class PatientStat : public testing::Test {
   protected:
-    // Runs `work` in a process of its own with a file system that is silent already.
+    // Runs `work` in its own process, with a file system that is already silent.
     template <typename Work>
     void beside_a_silent_disk(const Work& work) {
         const pid_t child = fork();
@@ -69,7 +69,7 @@ TEST_F(PatientStat, SaysWhatIsThereAndWhatIsMissing) {
     EXPECT_EQ(open_questions(), 0u);
 }
 
-// A disk that stops, where nobody may mount one.
+// Simulates a disk that stops, for machines where nobody may mount one.
 std::atomic<bool> is_silent;
 
 int look_when_it_answers(const char* path, struct stat* status) {
@@ -176,7 +176,7 @@ TEST_F(PatientStat, KnowsTheMountWithoutTouchingIt) {
     });
 }
 
-// The same as stat says, or unknown where the path leaves the local disk.
+// The result is the same as stat's, or unknown where the path leaves the local disk.
 TEST_F(PatientStat, LocalDisksSayWhatStatSays) {
     const std::string here = folder.file("a file", "text");
     const std::string link = folder.link("link", here);

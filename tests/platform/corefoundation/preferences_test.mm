@@ -21,7 +21,7 @@ std::string defaults_folder() {
     return [GSDefaultsRootForUser(NSUserName()) fileSystemRepresentation];
 }
 
-// A domain of its own for each test, so that no test sees another's values.
+// A separate domain for each test, so that no test sees another's values.
 class Preferences : public testing::Test {
   protected:
     void SetUp() override {
@@ -29,7 +29,7 @@ class Preferences : public testing::Test {
         name = std::string("org.example.") + test->name();
         domain = (CFStringRef)[[NSString alloc] initWithUTF8String:name.c_str()];
         file = defaults_folder() + "/" + name + ".plist";
-        // run_isolated names a folder of its own; never touch the user's.
+        // run_isolated names a separate folder; the test must never touch the user's.
         ASSERT_NE(getenv("GNUSTEP_CONFIG_FILE"), nullptr);
     }
     void TearDown() override {
@@ -37,7 +37,7 @@ class Preferences : public testing::Test {
         unlink(file.c_str());
     }
 
-    // What a user types: defaults ARGUMENT...
+    // Runs a command as a user types it: defaults ARGUMENT...
     void run_defaults(const char* verb, const char* key, const char* value) {
         const char* const arguments[] = {"defaults", verb, name.c_str(), key, value, nullptr};
         pid_t child;
@@ -80,7 +80,7 @@ class Preferences : public testing::Test {
 
 const CFIndex invalid = -999;
 
-// When and as which file a domain was written last.
+// The time of a domain's last write, and the file that was written.
 std::string stamp(const std::string& file) {
     struct stat status = {};
     stat(file.c_str(), &status);

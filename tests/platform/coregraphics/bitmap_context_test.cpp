@@ -234,7 +234,7 @@ TEST(Rectangles, TheUpperAndRightEdgesLieOutside) {
     EXPECT_FALSE(CGRectContainsPoint(rect, CGPointMake(9, 30)));
 }
 
-// On a screen of 200 %.
+// Tests for a screen of 200 %.
 class FinerBitmapContext : public BitmapContext {
   protected:
     void SetUp() override {

@@ -8,7 +8,7 @@
 #include "desktop/settings_database.h"
 #include "support/temp_folder.h"
 
-// Last: its macros are in the way of others.
+// Included last, because its macros break other headers.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
@@ -24,8 +24,8 @@ std::string bytes_of(uint32_t number, size_t size = 4) {
     return bytes;
 }
 
-// A database of keys, each below the one before it: the first is whole, the others are what comes
-// after it. The last has a value.
+// A database of keys, each below the previous one. The first key is complete, the others are only
+// the part that follows it. The last one has a value.
 struct Key {
     std::string name;
     uint32_t parent;
@@ -39,7 +39,7 @@ std::string database(const std::vector<Key>& keys) {
         data += key.name;
         while ((data_at + data.size()) % 8) data += '\0';
         const uint32_t value_at = data_at + data.size();
-        // A text in a box that may hold anything: the text, its end, a mark, its type.
+        // A text in a box for any type: the text, its terminator, a mark, its type.
         if (!key.value.empty()) data += key.value + std::string("\0\0s", 3);
         items += bytes_of(0) + bytes_of(key.parent) + bytes_of(name_at) +
                  bytes_of(key.name.size(), 2) + (key.value.empty() ? "L" : "v") +
@@ -58,7 +58,7 @@ std::string database_with(const std::string& last_key, const std::string& value)
                      {last_key, 2, value}});
 }
 
-// As the desktop's session shares settings with all programs.
+// Shares settings as the desktop's session does with all programs.
 class Session {
   public:
     Session() : display_(XOpenDisplay(nullptr)) {
@@ -71,7 +71,7 @@ class Session {
     Session& operator=(const Session&) = delete;
 
     void share(const std::vector<std::pair<std::string, std::string>>& texts) {
-        // A number and a colour come first: they are passed over.
+        // A number and a colour come first; the reader skips them.
         std::string bytes = std::string(8, '\0') + bytes_of(texts.size() + 2) +
                             header(0, "Xft/Hinting") + bytes_of(1) + header(2, "Some/Color") +
                             std::string(8, 'c');
@@ -174,7 +174,7 @@ TEST_F(DesktopSettings, ADamagedDatabaseHasNoTexts) {
         config.file("dconf/user", whole.substr(0, size));
         EXPECT_EQ(text_in_settings_database(path, color_scheme), "") << size;
     }
-    // Whatever a byte is, nothing is read beyond the end.
+    // With any value of any byte, nothing is read beyond the end.
     for (size_t at = 0; at < whole.size(); at++) {
         for (const char byte : {'\0', '\1', '\x7f', '\xff'}) {
             std::string damaged = whole;

@@ -86,7 +86,7 @@ TEST(EntryFile, TheNameFollowsTheUsersLanguage) {
     EXPECT_EQ(name_at(path), "Paint");
 }
 
-// How often this process has read from anything.
+// How often this process has read anything.
 long reads() {
     long count = 0;
     std::ifstream in("/proc/self/io");
@@ -102,7 +102,8 @@ bool is_read_again(const std::string& path) {
     return reads() - second > second - first;
 }
 
-// A change within one tick of the file system's clock would not be seen, so it takes a moment.
+// A change within one tick of the file system's clock would not be noticed, so the test waits a
+// moment.
 TEST(EntryFile, AFileThatStaysAsItIsIsReadOnce) {
     test::TempFolder folder;
     const std::string path = folder.file("a.desktop", head + "Name=Paint\n");

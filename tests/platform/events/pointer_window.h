@@ -10,10 +10,12 @@
     NSWindow* _window;
     std::string* _log;
 }
-// 400 x 300 pixels at (100, 100) from the upper left; on the screen when it returns.
+// 400 x 300 pixels at (100, 100) from the upper left; the window is on the screen when the call
+// returns.
 - (instancetype)init;
 - (NSWindow*)window;
-// "down 120 130, up 120 130, ...": points from the upper left of the screen; then begins anew.
+// The events so far, as "down 120 130, up 120 130, ..." with points from the upper left of the
+// screen. The record then starts again.
 - (std::string)takeLog;
 - (const std::string&)log;
 @end

@@ -12,7 +12,7 @@
 #include "support/x_filter.h"
 #include "x11/file_offer.h"
 
-// Last: its macros are in the way of others.
+// Included last, because its macros break other headers.
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
@@ -32,12 +32,12 @@ CFMachPortRef process_tap() {
                                   CGEventMaskBit(kCGEventLeftMouseDown), pass, nullptr);
 }
 
-// The status of a process of its own that runs `act`, which tells by its result.
+// The exit status of a separate process that runs `act`, whose result becomes the status.
 int in_own_process(int (*act)()) {
     fflush(nullptr);
     const pid_t child = fork();
     if (child == 0) {
-        alarm(60);  // a spin ends by it
+        alarm(60);  // ends an endless loop
         _exit(act());
     }
     int status = 0;
@@ -50,7 +50,7 @@ constexpr int as_expected = 7;
 // No process has this identifier; a window may claim it.
 constexpr unsigned long claimed_process = 4194305;
 
-// The process in front while a window has the keyboard that claims to be another process's.
+// The process in front while the keyboard belongs to a window that claims to be another process's.
 UInt32 process_in_front_of_a_lie() {
     Display* display = XOpenDisplay(nullptr);
     const Window window =
@@ -114,7 +114,7 @@ TEST(PoorDisplay, WhereTheServerCannotTellProcessesAWindowIsTakenAtItsWord) {
     EXPECT_EQ(WEXITSTATUS(status_elsewhere), as_expected);
 }
 
-// The loss of the toolkit's own connection would end the process: it stays.
+// Losing the toolkit's own connection would end the process, so that one stays.
 TEST(PoorDisplay, ADisplayThatGoesAwayLeavesAnswersWithoutOne) {
     const int status = in_own_process([] {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
@@ -142,7 +142,7 @@ TEST(PoorDisplay, ADisplayThatGoesAwayLeavesAnswersWithoutOne) {
     EXPECT_EQ(WEXITSTATUS(status), as_expected);
 }
 
-// As every X program: the process ends by itself, neither by a signal nor by the alarm.
+// Like every X program, the process ends by itself, not by a signal or the alarm.
 TEST(PoorDisplay, AnApplicationWhoseDisplayGoesAwayEnds) {
     const int status = in_own_process([] {
         test::XFilter filter;

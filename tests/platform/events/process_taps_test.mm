@@ -38,7 +38,7 @@ std::string name_of(CGEventType type) {
     }
 }
 
-// A tap of this process, in the run loop for as long as it lives.
+// A tap of this process; it is in the run loop while the object lives.
 class Tap {
   public:
     explicit Tap(CGEventMask mask, CGEventTapOptions options = kCGEventTapOptionDefault,
@@ -66,7 +66,7 @@ class Tap {
   private:
     static CGEventRef callback(CGEventTapProxy, CGEventType type, CGEventRef event, void* self) {
         Tap* tap = static_cast<Tap*>(self);
-        // However many moves there are.
+        // Several moves in a row count as one.
         if (type != kCGEventMouseMoved || !tap->log.ends_with("moved")) {
             tap->log += (tap->log.empty() ? "" : " ") + name_of(type);
         }
@@ -92,7 +92,8 @@ class ProcessTaps : public testing::Test {
         [window_ release];
         [pool_ release];
     }
-    // A click at a point, then a right press at another that says that all has come.
+    // Clicks at a point, then presses the right button at another; that press shows that all events
+    // have arrived.
     std::string click_on_window() {
         [window_ takeLog];
         test::Steps steps;
@@ -136,7 +137,7 @@ TEST_F(ProcessTaps, SeeOnlyWhatTheyAskFor) {
 TEST_F(ProcessTaps, SwallowAnEventByReturningNone) {
     Tap tap(CGEventMaskBit(kCGEventLeftMouseDown));
     tap.answer = swallow_press;
-    // GNUstep's window gives a release to the view that had the press.
+    // GNUstep's window sends a release to the view that got the press.
     EXPECT_EQ(click_on_window().find("down"), std::string::npos);
     EXPECT_EQ(tap.log, "down");
 }
@@ -233,7 +234,7 @@ TEST_F(ProcessTaps, AnInvalidOneSeesNothing) {
     EXPECT_EQ(tap.log, "");
 }
 
-// Longer than the second that a tap has to answer.
+// Longer than the second that a tap has for its answer.
 static void hang() {
     NSDate* start = [NSDate date];
     while ([start timeIntervalSinceNow] > -1.05) usleep(10000);

@@ -44,7 +44,7 @@ class SessionTaps : public testing::Test {
         test->log_ += std::to_string(type) + " at " + std::to_string(static_cast<int>(at.x)) + " " +
                       std::to_string(static_cast<int>(at.y));
         test->unflipped_ = CGEventGetUnflippedLocation(event);
-        return nullptr;  // of no consequence
+        return nullptr;  // the result does not matter
     }
     // Runs the application until `count` events have been seen.
     void act_and_see(size_t count, const std::function<void()>& act) {

@@ -1,4 +1,4 @@
-// The cache as file managers read and write it. Files lie in the isolated run's XDG_CACHE_HOME.
+// The cache as file managers read and write it. The files are in the isolated run's XDG_CACHE_HOME.
 #include "quicklook/cache.h"
 
 #include <gio/gio.h>
@@ -28,7 +28,7 @@ Picture grey(int width, int height, uint8_t shade = 128) {
     return picture;
 }
 
-// The largest that this process has been since it was last asked to forget, in kilobytes.
+// The largest size of this process since the last reset, in kilobytes.
 size_t most_memory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -48,7 +48,7 @@ class Cache : public testing::Test {
     }
     void TearDown() override { fs::remove_all(root); }
 
-    // As the rules for the cache name it.
+    // The name that the rules for the cache prescribe.
     std::string entry(const std::string& folder) const {
         gchar* sum = g_compute_checksum_for_string(G_CHECKSUM_MD5, "file:///files/a%20b.jpg", -1);
         const std::string path = root + "/" + folder + "/" + sum + ".png";

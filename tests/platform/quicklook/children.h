@@ -7,7 +7,7 @@
 
 namespace test {
 
-// Whether they are all gone and reaped, within two seconds. Reaps none itself.
+// Whether all children are gone and reaped, within two seconds. Does not reap any itself.
 inline bool no_child_is_left() {
     for (int i = 0; i < 100; i++) {
         siginfo_t state;

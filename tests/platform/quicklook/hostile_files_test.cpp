@@ -1,5 +1,5 @@
-// Files and programs that mean harm, in both ways of running the helper: within bubblewrap, where
-// that works, and restricted by itself alone.
+// Hostile files and programs, with both ways to run the helper: inside bubblewrap, where that
+// works, and restricted only by itself.
 #include <fcntl.h>
 #include <glib.h>
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ namespace fs = std::filesystem;
 
 const size_t megabyte = 1024 * 1024;
 
-// Of this process, in bytes.
+// The memory of this process, in bytes.
 size_t resident_memory() {
     std::ifstream file("/proc/self/statm");
     size_t all = 0, resident = 0;
@@ -45,7 +45,8 @@ bool has_landlock() {
     return syscall(SYS_landlock_create_ruleset, nullptr, 0, LANDLOCK_CREATE_RULESET_VERSION) > 0;
 }
 
-// Makes a picture of 200 by 100; its own folder is out of a thumbnailer's reach.
+// A script that makes a picture of 200 by 100. The script contains the picture, because a
+// thumbnailer cannot reach the script's own folder.
 std::string make_picture_script() {
     const std::string bytes = test::image_bytes(200, 100, "png");
     gchar* text = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
@@ -69,7 +70,7 @@ class HostileFiles : public testing::TestWithParam<bool> {
         programs = std::string(getenv("XDG_DATA_HOME")) + "/thumbnailers";
         fs::remove_all(cache);
         fs::create_directories(programs);
-        // So that what is loaded at first use does not count.
+        // Loads first what is loaded at first use, so that it does not count.
         EXPECT_TRUE(maker.make(files.file("warm.png", test::image_bytes(300, 300, "png")), box));
         wait_for_background();
     }
@@ -78,7 +79,7 @@ class HostileFiles : public testing::TestWithParam<bool> {
         fs::remove_all(programs);
     }
 
-    // A program that stands for the thumbnailer of a type that nothing else takes.
+    // A program that is the thumbnailer of a type that no other program handles.
     void install(const std::string& script) {
         const std::string program = files.file("thumbnailer", "#!/bin/sh\n" + script);
         chmod(program.c_str(), 0755);
@@ -88,7 +89,7 @@ class HostileFiles : public testing::TestWithParam<bool> {
     }
     std::string subject() { return files.file("a.blend", "BLENDER-v280"); }
 
-    // No picture, no memory, nobody left.
+    // Expects no picture, no more memory, and no process left.
     void expect_nothing_from(const std::string& path) { expect_nothing_from(path, maker); }
     void expect_nothing_from(const std::string& path, ThumbnailMaker& maker) {
         const size_t heap = test::memory_in_use(), memory = resident_memory();
@@ -101,13 +102,13 @@ class HostileFiles : public testing::TestWithParam<bool> {
         EXPECT_TRUE(test::no_child_is_left());
         expect_no_folder();
     }
-    // Of those that thumbnailers write to.
+    // The folders that thumbnailers write to.
     void expect_no_folder() {
         for (const auto& entry : fs::directory_iterator(getenv("TMPDIR"))) {
             EXPECT_EQ(entry.path().filename().string().find("delvio-thumbnail"), std::string::npos);
         }
     }
-    // Who was killed is gone from the list of processes soon.
+    // A killed process soon disappears from the list of processes.
     void expect_no_program(const std::string& pattern) {
         const std::string question = "pgrep -f '" + pattern + "' >/dev/null";
         for (int i = 0; i < 100 && system(question.c_str()) == 0; i++) usleep(20000);
@@ -134,7 +135,7 @@ TEST_P(HostileFiles, AJpegThatSaysItIsHugeIsRefused) {
     bytes.replace(frame + 5, 4, "\xff\xdc\xff\xdc");
     const std::string path = files.file("bomb.jpg", bytes);
     const size_t memory = resident_memory();
-    maker.make(path, box);  // grey or nothing, as the library likes
+    maker.make(path, box);  // grey or nothing, depending on the library
     EXPECT_LT(resident_memory(), memory + 8 * megabyte);
     expect_no_child();
 }
@@ -220,7 +221,7 @@ TEST_P(HostileFiles, AThumbnailerThatHangsIsCutOffWithAllThatItStarted) {
     expect_nothing_from(path, impatient);
     EXPECT_GT(std::chrono::steady_clock::now() - start, allowed / 2);
     expect_no_program("sleep 300[.]5");
-    // It is not tried again, which would take as long.
+    // The file is not tried again, which would take as long.
     start = std::chrono::steady_clock::now();
     expect_nothing_from(path, impatient);
     EXPECT_LT(std::chrono::steady_clock::now() - start, allowed);
@@ -276,7 +277,7 @@ TEST_P(HostileFiles, AThumbnailerWritesNowhereElse) {
     const std::string target = files.path("written");
     install("echo x 2>/dev/null >'" + target + "'\n" + picture_script);
     EXPECT_TRUE(maker.make(subject(), box));
-    // Without bubblewrap it takes a kernel with Landlock.
+    // Without bubblewrap this needs a kernel with Landlock.
     if (!has_landlock() && !GetParam()) GTEST_SKIP() << "this kernel has no Landlock";
     EXPECT_FALSE(fs::exists(target));
 }
@@ -348,7 +349,7 @@ TEST_P(HostileFiles, AFileThatIsRemovedMeanwhileHasNone) {
 TEST_P(HostileFiles, AFileThatAnotherProgramHoldsDoesNotBlock) {
     const std::string path = files.file("leased.png", test::image_bytes(300, 300, "png"));
     const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
-    // Whoever opens it now waits for us, for 45 seconds; a signal would end this program.
+    // A program that opens it now waits for us, for 45 seconds; a signal would end this program.
     signal(SIGIO, SIG_IGN);
     if (fcntl(file, F_SETLEASE, F_WRLCK) == 0) expect_nothing_from(path);
     close(file);

@@ -1,4 +1,4 @@
-// What a decoder can still do, asked in processes that have restricted themselves.
+// The calls that a decoder can still make, tried in processes that have restricted themselves.
 #include "quicklook/decoder/restrictions.h"
 
 #include <errno.h>
@@ -35,7 +35,8 @@ namespace {
 
 using namespace thumbnails;
 
-// The exit status of a process that restricts itself and does this; negative: killed by a signal.
+// The exit status of a process that restricts itself and runs this; negative when a signal killed
+// it.
 int status_of(const std::function<bool()>& restrict_self, const std::function<int()>& deed) {
     const pid_t child = fork();
     if (child == 0) _exit(restrict_self() ? deed() : 99);
@@ -44,10 +45,10 @@ int status_of(const std::function<bool()>& restrict_self, const std::function<in
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-// 0 when the call went well, else its error.
+// 0 when the call succeeded, otherwise its error.
 int error_of(long result) { return result >= 0 ? 0 : errno; }
 
-// A kernel without Landlock, for the processes of this one.
+// Simulates a kernel without Landlock, for the children of this process.
 void lose_landlock() {
     const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ALLOW);
     seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(landlock_create_ruleset), 0);
@@ -55,10 +56,10 @@ void lose_landlock() {
     seccomp_release(filter);
 }
 
-// As on a system without bubblewrap: what no other cage would keep from anybody.
+// Restricts the process as on a system without bubblewrap, where no other cage helps.
 bool restrict_plainly() { return restrict_decoder(false); }
 
-// Another process of the user's.
+// Another process of the same user.
 class Neighbour {
   public:
     Neighbour() : process_(fork()) {
@@ -75,7 +76,7 @@ class Neighbour {
     pid_t process_;
 };
 
-// Something that a taken-over decoder might try. Without restrictions it works, or fails for
+// An action that a taken-over decoder might try. Without restrictions it succeeds, or fails for
 // another reason.
 struct Attempt {
     const char* what;
@@ -103,9 +104,9 @@ class Restrictions : public testing::Test {
                 << attempt.what << ": " << after;
         }
     }
-    // What reaches other processes, or is shared with them.
+    // Calls that reach other processes, or are shared with them.
     std::vector<Attempt> attempts_at_others(pid_t other, pid_t parent);
-    // What changes files, or holds or watches them. `file` is open for reading only.
+    // Calls that change files, or hold or watch them. `file` is open for reading only.
     std::vector<Attempt> attempts_at_files(const std::string& path, int file);
 
     void expect_decoder(int error, const std::function<long()>& deed, const char* what) {
@@ -202,7 +203,7 @@ std::vector<Attempt> Restrictions::attempts_at_files(const std::string& path, in
         {"emptying", [=] { return truncate(path.c_str(), 0); }},
         {"emptying while opening", [=] { return open(path.c_str(), O_RDONLY | O_TRUNC); }},
         {"writing", [=] { return open(path.c_str(), O_WRONLY); }},
-        // What is taken on an open file outlives the process that took it.
+        // Something taken on an open file, such as a lock, outlives the process that took it.
         {"a lock",
          [=] {
              const int result = flock(file, LOCK_EX | LOCK_NB);
@@ -230,7 +231,7 @@ std::vector<Attempt> Restrictions::attempts_at_files(const std::string& path, in
 TEST_F(Restrictions, ADecoderReachesNoOtherProcessInAnyWay) {
     const Neighbour neighbour;
     expect_refused(restrict_plainly, attempts_at_others(neighbour.process(), getpid()));
-    // In a cage there are other means against reading; the calls are refused there, too.
+    // A cage has other means against reading; the calls are refused there too.
     EXPECT_EQ(status_of([] { return restrict_decoder(true); },
                         [&] { return error_of(kill(neighbour.process(), 0)); }),
               EPERM);

@@ -23,7 +23,7 @@ std::string film_bytes(int width, int height, int frames);
 // A valid PNG file of one bit a pixel, all white.
 std::string white_png_bytes(uint32_t width, uint32_t height);
 
-// A PNG file with `count` texts in it that are small in the file and `size` bytes long.
+// A PNG file with `count` texts, each of `size` bytes, which take little space in the file.
 std::string with_swelling_texts(const std::string& png, int count, uint32_t size);
 
 }  // namespace test

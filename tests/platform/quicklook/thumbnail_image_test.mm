@@ -1,4 +1,4 @@
-// What comes out of the Mac's call, for files as people have them.
+// The results of the Mac's call for ordinary files.
 #include <QuickLook/QuickLook.h>
 
 #include <Foundation/Foundation.h>
@@ -22,7 +22,8 @@ struct Shown {
     size_t width = 0, height = 0;
     std::vector<uint8_t> bytes;
 
-    // A colour at a place that is a part of the whole, as "rgba" of 0 or 1 each where it is clear.
+    // The colour at a place given as fractions of the whole: "rgba" with 0 or 1 for each value, and
+    // ? for a value in between.
     std::string at(double x, double y) const {
         if (bytes.empty()) return "none";
         const auto column = static_cast<size_t>(x * static_cast<double>(width));

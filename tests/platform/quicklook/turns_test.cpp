@@ -54,7 +54,7 @@ TEST(Turns, NoMoreRunThanAllowed) {
             running--;
         });
     }
-    // All have come: those that run, and those that wait.
+    // All turns have arrived: those that run and those that wait.
     wait_until([&] { return running + turns.waiting() == 12; });
     EXPECT_EQ(running, 3);
     may_end = true;

@@ -1,4 +1,4 @@
-// Paths and programs that stop answering, or are not there.
+// Paths and programs that stop answering, or do not exist.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -42,13 +42,13 @@ Settings impatient_settings(bool use_bubblewrap) {
     return settings;
 }
 
-// Whoever waits for it is let go.
+// Ends the server, which lets every waiting caller go.
 void end_server(pid_t server) {
     kill(server, SIGKILL);
     waitpid(server, nullptr, 0);
 }
 
-// In a process that ends afterwards: asks for a thumbnail on a path that does not answer.
+// Asks for a thumbnail on a path that does not answer. Runs in a process that ends afterwards.
 int ask(const std::string& folder, test::Silence silence, bool use_bubblewrap) {
     const pid_t server = test::mount_silent_file_system(folder, silence);
     if (!server) return cannot_mount;
@@ -100,7 +100,7 @@ TEST_F(Unanswering, AFileThatCannotEvenBeLookedAtHasNone) {
     expect_no_thumbnail(test::Silence::at_lookup, false);
 }
 
-// A helper program of the test's own.
+// The test's own helper program.
 class Helper : public testing::Test {
   protected:
     Picture make_with(const std::string& script, Settings settings = usual_settings(false)) {
@@ -181,7 +181,7 @@ TEST_F(Helper, WithoutAHelperOnlyTheCacheIsLeft) {
     EXPECT_FALSE(ThumbnailMaker(settings).make(image, box));
     settings.helper_folder = folder.path("missing");
     EXPECT_FALSE(ThumbnailMaker(settings).make(image, box));
-    // That was no fault of the file.
+    // The file was not at fault.
     ThumbnailMaker maker(usual_settings(false));
     EXPECT_TRUE(maker.make(image, box));
     EXPECT_TRUE(test::no_child_is_left());
@@ -195,7 +195,7 @@ TEST_F(Helper, WhereTheHostHasItsChildrenReapedThePicturesStillCome) {
     EXPECT_TRUE(test::no_child_is_left());
 }
 
-// As in a container that allows no namespaces.
+// Simulates a container that allows no namespaces.
 bool forbid_namespaces() {
     const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ALLOW);
     bool is_well = seccomp_rule_add(filter, SCMP_ACT_ERRNO(EPERM), SCMP_SYS(unshare), 0) == 0;
