@@ -8,7 +8,8 @@ import unittest
 REPOSITORY = None
 FOLDERS = ("platform", "plugin", "hosts")
 STOCK = re.compile(r"^(NS|GS|XG)[A-Z]")
-# Where methods are replaced without a table; what gives its own classes methods is not meant.
+# Files that replace methods without a table. Code that adds methods to its own classes does not
+# count.
 BY_HAND = re.compile(r"\b(?:method_exchangeImplementations|method_setImplementation|"
                      r"class_replaceMethod|class_addMethod|MethodSwizzle)\(")
 MEANS = {"platform/objc/method_patch.mm", "platform/objc/runtime.mm", "platform/include/objc/runtime.h",

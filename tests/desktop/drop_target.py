@@ -1,5 +1,5 @@
-# Another program to drop files on: a GTK 3 window. Writes what happens to it to a file, a line each:
-# "ready", "over", "left", and "got" with the addresses received.
+# Another program to drop files on: a GTK 3 window. It writes its events to a file, one per line:
+# "ready", "over", "left", and "got" with the received addresses.
 #   drop_target.py FILE X Y TYPE
 import sys
 import gi

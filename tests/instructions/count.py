@@ -90,7 +90,7 @@ def count_parts(work, environment, *command):
 
 
 def is_menu_shown(environment):
-    # The root window is not found by its name, which it has none of.
+    # The root window has no name, so a search by name does not find it.
     found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "."], env=environment,
                            capture_output=True, text=True)
     return found.stdout.strip() != ""

@@ -28,7 +28,7 @@ TOP = pathlib.Path(__file__).resolve().parents[2]
 BUILD = "build/mutation"
 TEST_TIMEOUT = 150
 
-# Most of the time goes into the toolkit's headers.
+# Most of the compile time goes into the toolkit's headers.
 PRECOMPILED = b"""
 foreach(part dv_tree dv_finder)
   target_precompile_headers(${part} PRIVATE <Carbon/Carbon.h>)
@@ -39,7 +39,8 @@ foreach(part dv_controller dv_items dv_preview dv_menus dv_input dv_loader)
 endforeach()
 """
 
-# The tests of each folder of plugin/, those that fail soonest first; a leading * needs a display.
+# The tests of each folder of plugin/, starting with those that fail soonest; a leading * means that
+# the test needs a display.
 TESTS = {
     "support": ["test_support_library"],
     "tree": ["test_tree", "*plugin_roots_test"],
@@ -199,7 +200,7 @@ class Copy:
                 continue
             data = source.read_bytes()
             if name.endswith(".cmake"):
-                # A change may leave something unused; that alone does not count.
+                # A change may leave something unused; that alone is not an error.
                 data = data.replace(b" -Werror", b"")
             if name == "plugin/CMakeLists.txt":
                 data += PRECOMPILED
