@@ -12,7 +12,7 @@ bool EnsureHomeFolder(std::string* problem) {
         return setenv("HOME", user->pw_dir, 1) == 0;
     }
     *problem =
-        "there is no home folder: HOME names none, and the system knows none of this user; "
+        "there is no home folder: HOME is not set to one, and the system knows none for this user; "
         "set HOME";
     return false;
 }

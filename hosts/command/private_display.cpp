@@ -84,9 +84,9 @@ std::string why_not_started(pid_t server) {
     }
     SetChildToEnd(0);
     const bool missing = server > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 127;
-    return missing ? "there is no display, and Xvfb, which would stand in, is not installed "
+    return missing ? "there is no display, and Xvfb, which would replace it, is not installed "
                      "(apt-get install xvfb)"
-                   : "there is no display, and Xvfb, which would stand in, did not start";
+                   : "there is no display, and Xvfb, which would replace it, did not start";
 }
 
 }  // namespace

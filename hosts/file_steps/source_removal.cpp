@@ -40,7 +40,7 @@ bool TreeCopy::check_file(const Place& source, const Place& target) {
     const auto piece = [&](uint64_t) { return work_.advance(source.path, 0, 0); };
     const int error = CompareData(ours.get(), copied.get(), piece);
     if (error == EBADMSG) {
-        return work_.fail("the copy of " + QuotedName(source.path) + " came out different");
+        return work_.fail("the copy of " + QuotedName(source.path) + " differs from the original");
     }
     return error == 0 || work_.fail("cannot compare", source.path, error);
 }

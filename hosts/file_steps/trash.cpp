@@ -140,8 +140,8 @@ int Way::put(const std::function<bool(const Trashed&)>& before, Trashed* trashed
 }
 
 std::string in_words(int error) {
-    if (error == ESTALE) return "it was changed meanwhile";
-    if (error == EEXIST) return "no name for it is free there";
+    if (error == ESTALE) return "it was replaced by another file";
+    if (error == EEXIST) return "the trash has no free name for it";
     return error == ECANCELED ? "stopped" : strerror(error);
 }
 

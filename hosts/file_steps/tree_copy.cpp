@@ -180,13 +180,12 @@ bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& 
 // If a disk is mounted twice, the destination may be in the source without being below its path.
 bool TreeCopy::may_enter(int folder, const struct stat& what, const Place& source) {
     if (Identity(what.st_dev, what.st_ino) == destination_identity_) {
-        return work_.fail(QuotedName(source.path) +
-                          ", where the copy is to be, is in what is copied: it cannot be copied "
-                          "into itself");
+        return work_.fail("a folder cannot be copied into itself, and the destination " +
+                          QuotedName(source.path) + " is inside the one that is copied");
     }
     if (depth_ >= deepest_folder) {
-        return work_.fail("more than " + std::to_string(deepest_folder) +
-                          " folders stand in one another at " + QuotedName(source.path));
+        return work_.fail(QuotedName(source.path) + " is nested more than " +
+                          std::to_string(deepest_folder) + " folders deep");
     }
     return !for_move_ || may_remove_from(folder, source);
 }
@@ -197,7 +196,7 @@ bool TreeCopy::may_remove_from(int folder, const Place& source) {
                           ", which cannot be moved");
     }
     if (faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0) return true;
-    return work_.fail("cannot take anything out of", source.path, errno);
+    return work_.fail("cannot remove anything from", source.path, errno);
 }
 
 bool TreeCopy::copy_link(const Place& source, const Place& target, const struct stat& what) {

@@ -43,7 +43,7 @@ std::string own_folder() {
     const std::string bundle = FindPlugIn(&problem, own_folder());
     if (bundle.empty()) return complain(problem);
     const std::string corrupt = SettingsProblem();
-    if (!corrupt.empty()) complain(corrupt + "; the defaults count");
+    if (!corrupt.empty()) complain(corrupt + "; the default settings are used");
     if (!AnswerFinderEvents(&problem)) complain(problem);
     if (!LoadPlugIn(bundle, &problem)) return complain(problem);
     WatchApplications();

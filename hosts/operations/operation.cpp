@@ -107,7 +107,7 @@ void Operation::carry(size_t index) {
 bool Operation::find(size_t index, Item& item) {
     item.path = request_.sources[index];
     item.name = exact_name_.empty() ? NameOf(item.path) : exact_name_;
-    bool found = is_plain_path(item.path) || work_.fail("not a file that has a name");
+    bool found = is_plain_path(item.path) || work_.fail("the path names no file");
     if (found && (!folder_ || ParentOf(item.path) != folder_path_)) {
         folder_path_ = ParentOf(item.path);
         folders_opened_++;

@@ -59,7 +59,8 @@ bool Operation::trash_target(Item& item) {
     if (!ready && IsMissing(errno)) return true;
     if (!ready) work_.fail("cannot look at", target_path(item.target_name), errno);
     const std::optional<bool> inside = ready ? holds_source(item, target) : std::nullopt;
-    if (ready && !inside) ready = work_.fail("cannot tell what holds", item.path, errno);
+    if (ready && !inside)
+        ready = work_.fail("cannot find the folders that contain", item.path, errno);
     if (ready && *inside) {
         const std::string name = QuotedName(item.target_name);
         ready = work_.fail(name + " cannot be replaced by what is in it");

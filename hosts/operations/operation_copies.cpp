@@ -45,7 +45,7 @@ bool Operation::may_be_removed(const Item& item) {
     struct stat folder;
     const int parent = item.folder->get();
     if (fstat(parent, &folder) != 0 || faccessat(parent, ".", W_OK | X_OK, AT_EACCESS) != 0) {
-        return work_.fail("cannot take anything out of", folder_path_, errno);
+        return work_.fail("cannot remove anything from", folder_path_, errno);
     }
     const uid_t user = geteuid();
     const bool is_kept = (folder.st_mode & S_ISVTX) && user != 0 && folder.st_uid != user &&

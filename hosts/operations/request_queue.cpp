@@ -11,7 +11,7 @@ Report refusal_of(const Request& request) {
     Report report;
     for (const std::string& source : request.sources) {
         report.outcomes.push_back(
-            {source, State::Failed, "", "the system has no thread left to do it with"});
+            {source, State::Failed, "", "the system cannot start another thread"});
     }
     return report;
 }

@@ -76,7 +76,7 @@ std::string Undoing::undo(size_t index, Need need) {
             break;
     }
     if (!problem.empty() || last_.undone(index)) return problem;
-    return std::string("cannot write down what was undone: ") + strerror(errno);
+    return std::string("cannot record what was undone: ") + strerror(errno);
 }
 
 std::string Undoing::move_back(size_t index) {

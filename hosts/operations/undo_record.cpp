@@ -145,7 +145,7 @@ Recorded ReadRecord(const std::string& text) {
     for (size_t at = 0; at < words.size();) {
         const auto* verb = known_verb(words[at]);
         if (!verb || (at == 0) != (verb->verb == begun)) {
-            recorded.problem = "what was written down of the last operation cannot be read";
+            recorded.problem = "the record of the last operation cannot be read";
             recorded.steps.clear();
             return recorded;
         }

@@ -108,8 +108,8 @@ NSString* FailureTitleOf(const Report& report) {
     size_t failed = 0;
     for (const Outcome& outcome : report.outcomes) failed += outcome.state == State::Failed;
     if (failed == 0) return nil;
-    if (failed == 1) return @"One item was not done.";
-    return [NSString stringWithFormat:@"%@ items were not done.", grouped(failed)];
+    if (failed == 1) return @"One item failed.";
+    return [NSString stringWithFormat:@"%@ items failed.", grouped(failed)];
 }
 
 NSString* FailureReasonsOf(const Report& report) {

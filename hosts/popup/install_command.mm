@@ -76,7 +76,7 @@ int install(Domains& domains, NSArray* list) {
     NSArray* changed = changed_list(list, path);
     if ([changed isEqual:list]) return say("GWorkspace has Delvio already:", path, domain);
     if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
-    return say("GWorkspace has Delvio from its next start on:", path, domain);
+    return say("GWorkspace loads Delvio from its next start on:", path, domain);
 }
 
 int uninstall(Domains& domains, NSArray* list) {
@@ -91,8 +91,7 @@ int uninstall(Domains& domains, NSArray* list) {
     }
     NSString* domain = domains.name();
     if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
-    return say("GWorkspace does not have Delvio any more from its next start on; taken out:", path,
-               domain);
+    return say("GWorkspace no longer loads Delvio from its next start on; removed:", path, domain);
 }
 
 }  // namespace
@@ -102,7 +101,7 @@ int RunInstallCommand(const InstallRequest& request) {
     for (DefaultsFile* file : {&domains.own, &domains.global}) {
         if (file->refresh()) continue;
         return failed("the defaults in " + file->path() +
-                      " cannot be read; nothing was changed. Mend or remove that file");
+                      " cannot be read; nothing was changed. Repair or remove that file");
     }
     NSString* domain = domains.name();
     id list = [domains.file().values() objectForKey:list_key];

@@ -29,10 +29,10 @@ int run_command(const CommandLine& line) {
     if (line.command == CommandLine::install) return RunInstallCommand(line.install_request);
     const std::string problem = SettingsProblem();
     if (!problem.empty() && changes_settings(line)) {
-        Complain(problem + "; nothing was changed. Mend or remove that file");
+        Complain(problem + "; nothing was changed. Repair or remove that file");
         return exit_failed;
     }
-    if (!problem.empty()) Complain(problem + "; the defaults count");
+    if (!problem.empty()) Complain(problem + "; the default settings are used");
     return line.command == CommandLine::menu ? RunMenuCommand(line.menu_request)
                                              : RunSettingsCommand(line.settings_request);
 }

@@ -46,7 +46,7 @@ void warn_of_other_encodings(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         if ([NSString stringWithUTF8String:file.c_str()]) continue;
         Complain("the name " + Quoted(file) +
-                 " is not UTF-8; it has the host's own items, and none of Delvio's");
+                 " is not UTF-8: its menu has the host's own items and none of Delvio's");
     }
 }
 

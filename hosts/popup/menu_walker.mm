@@ -131,9 +131,9 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
 
 - (std::string)problem {
     if (_leftClosed == 0) return {};
-    return "the menu is too large to be written as a whole; left closed: " +
-           std::to_string(_leftClosed) + (_leftClosed == 1 ? " submenu" : " submenus") +
-           "; a smaller --depth opens all that it names";
+    return "the menu is too large to be written as a whole: " + std::to_string(_leftClosed) +
+           (_leftClosed == 1 ? " submenu was" : " submenus were") +
+           " not opened; a smaller --depth opens all that it covers";
 }
 
 - (void)walk:(MenuSession*)session {

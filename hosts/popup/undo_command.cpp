@@ -37,7 +37,7 @@ int RunUndoCommand() {
     tell(done, [](const std::string& line) { printf("%s\n", line.c_str()); });
     tell(problems, [](const std::string& line) { Complain("cannot undo: " + line); });
     if (!done.empty() && !problems.empty()) {
-        Complain("what is left can be undone by \"delvio undo\" once that is settled");
+        Complain("settle this, then \"delvio undo\" undoes the rest");
     }
     return problems.empty() ? exit_done : exit_failed;
 }

@@ -49,7 +49,8 @@ const std::vector<Setting> settings = {
     {file_manager_setting, flag, 0, 0, 1,
      "1 has the desktop's file manager move and copy, where one can be asked"},
     {"hoverPreviews", flag, 1, 0, 1, "show a preview beside the menu"},
-    {"hoverPreviewsInterval", integer, 1000, 0, any_most, "how long to rest on an item before it"},
+    {"hoverPreviewsInterval", integer, 1000, 0, any_most,
+     "how long the pointer rests on an item before its preview, in milliseconds"},
     {preview_beside_menu_setting, flag, 1, 0, 1,
      "1 shows the preview right beside the menu, 0 in a corner of the screen"},
     {"preview_size", integer, 256, 1, 4096, "side of a preview in pixels"},
@@ -59,10 +60,10 @@ const std::vector<Setting> settings = {
      "how long it must be held, in microseconds"},
     {"logLevel", integer, 0, 0, 2,
      "debug lines: 0 none, 1 to standard output, 2 to Library/Logs/Delvio.log in the home folder"},
-    {"use_icons", flag, 1, 0, 1, "kept, but nothing depends on it"},
-    {"use_generic_icons", flag, 0, 0, 1, "kept, but nothing depends on it"},
-    {"placement", integer, 2, any_least, any_most, "kept, but nothing depends on it"},
-    {"disable_menu_fade", flag, 0, 0, 1, "kept, but nothing depends on it"},
+    {"use_icons", flag, 1, 0, 1, "stored, but without effect"},
+    {"use_generic_icons", flag, 0, 0, 1, "stored, but without effect"},
+    {"placement", integer, 2, any_least, any_most, "stored, but without effect"},
+    {"disable_menu_fade", flag, 0, 0, 1, "stored, but without effect"},
 };
 
 // What the plug-in uses for a number beyond the bounds, which another program may have stored.

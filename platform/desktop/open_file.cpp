@@ -90,7 +90,7 @@ bool open_with_default_program(const std::string& path, std::string* reason) {
     const std::string type = content_type(path);
     struct stat entry;
     if (type.empty() || stat(path.c_str(), &entry) != 0) {
-        *reason = "its type cannot be told";
+        *reason = "its file type is unknown";
         return false;
     }
     if (S_ISREG(entry.st_mode) && is_desktop_entry(path, type)) return open_entry(path, reason);

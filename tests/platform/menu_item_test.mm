@@ -235,7 +235,7 @@ static int named_lookups;
 static IMP real_image_named;
 static id count_lookup(id self, SEL selector, NSString* name) {
     named_lookups++;
-    return reinterpret_cast<id (*)(id, SEL, id)>(real_image_named)(self, selector, name);
+    return reinterpret_cast<id (*)(id, SEL, NSString*)>(real_image_named)(self, selector, name);
 }
 
 TEST_F(MenuItem, AnItemOrASeparatorLoadsNoPicture) {

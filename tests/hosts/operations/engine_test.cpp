@@ -349,7 +349,7 @@ TEST_F(EngineTest, TwoSourcesOfOneNameConflictWithEachOther) {
 TEST_F(EngineTest, PathsWithoutANameAreRefused) {
     const std::string to = folder_.folder("to");
     for (const char* path : {"", "/", "relative", "/tmp/..", "/tmp/."}) {
-        EXPECT_EQ(perform_one(Kind::Move, path, to).reason, "not a file that has a name") << path;
+        EXPECT_EQ(perform_one(Kind::Move, path, to).reason, "the path names no file") << path;
     }
 }
 

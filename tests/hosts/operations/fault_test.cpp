@@ -184,7 +184,7 @@ TEST_F(FaultTest, AReadOnlyVolumeIsRefusedBeforeAnythingIsTouched) {
         EXPECT_EQ(perform_one(Kind::Copy, source, to).reason,
                   "cannot put anything into \"to\": Read-only file system");
         EXPECT_EQ(perform_one(Kind::Move, there, folder_.path("from")).reason,
-                  "cannot take anything out of \"to\": Read-only file system");
+                  "cannot remove anything from \"to\": Read-only file system");
         EXPECT_EQ(test::read_file(there), "t");
         return true;
     });
@@ -224,9 +224,9 @@ TEST_F(FaultTest, AMoveToAnotherVolumeIsRefusedWhereTheSourceCannotBeRemoved) {
     {
         const test::Unprivileged user;
         EXPECT_EQ(perform_one(Kind::Move, source, volume_.path()).reason,
-                  "cannot take anything out of \"from\": Permission denied");
+                  "cannot remove anything from \"from\": Permission denied");
         EXPECT_EQ(perform_one(Kind::Move, tree, volume_.path()).reason,
-                  "cannot take anything out of \"inner\": Permission denied");
+                  "cannot remove anything from \"inner\": Permission denied");
     }
     chmod(folder_.path("tree/inner").c_str(), 0755);
     EXPECT_EQ(test::read_file(source) + test::read_file(folder_.path("tree/inner/b")), "ab");

@@ -128,8 +128,8 @@ TEST_F(OddFoldersTest, AFolderIsNotCopiedIntoItselfThroughASecondMount) {
         if (mount(inner.c_str(), again.c_str(), nullptr, MS_BIND, nullptr) != 0) return false;
         for (const Kind kind : {Kind::Copy, Kind::Move}) {
             EXPECT_EQ(perform_one(kind, tree, again).reason,
-                      "\"inner\", where the copy is to be, is in what is copied: it cannot be "
-                      "copied into itself");
+                      "a folder cannot be copied into itself, and the destination \"inner\" is "
+                      "inside the one that is copied");
         }
         return true;
     });
@@ -159,7 +159,7 @@ TEST_F(OddFoldersTest, ATreeThatIsFarTooDeepIsRefusedAndLeavesNothing) {
     make_deep(tree, 9000);
     const Outcome copied = perform_one(Kind::Copy, tree, to);
     EXPECT_EQ(copied.state, State::Failed);
-    EXPECT_EQ(copied.reason, "more than 300 folders stand in one another at \"d\"");
+    EXPECT_EQ(copied.reason, "\"d\" is nested more than 300 folders deep");
     EXPECT_EQ(test::names_in(to), Names());
     // A rename works at any depth.
     EXPECT_EQ(perform_one(Kind::Move, tree, to).state, State::Done);

@@ -133,7 +133,7 @@ TEST_F(TrashTest, OnlyTheVeryThingThatWasLookedAtGoes) {
     const std::string path = folder_.file("in/a", "text"), other = folder_.file("in/b", "other");
     const auto exchange = [&](const Trashed&) { return rename(other.c_str(), path.c_str()) == 0; };
     EXPECT_FALSE(PutInTrash(thing_at(path), exchange, &trashed_, &problem_));
-    EXPECT_EQ(problem_, "cannot move \"a\" to the trash: it was changed meanwhile");
+    EXPECT_EQ(problem_, "cannot move \"a\" to the trash: it was replaced by another file");
     EXPECT_EQ(test::read_file(path), "other");
     EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), std::vector<std::string>());
 }

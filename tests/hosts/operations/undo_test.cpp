@@ -297,7 +297,7 @@ TEST_F(UndoTest, WhatIsAboutToChangeIsWrittenDownBefore) {
 
 TEST_F(UndoTest, ADamagedJournalUndoesNothing) {
     folder_.file("state/last-operation", std::string("delvio-undo-2\0what\0", 19));
-    EXPECT_EQ(undo(), Names({"what was written down of the last operation cannot be read"}));
+    EXPECT_EQ(undo(), Names({"the record of the last operation cannot be read"}));
     folder_.file("state/last-operation", std::string("delvio-undo-2\0moving\0/a\0/", 25));
     EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
 }
