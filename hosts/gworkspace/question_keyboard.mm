@@ -8,29 +8,33 @@ namespace {
 
 constexpr NSTimeInterval watch_interval = 0.1;
 
+bool own_window_has_keyboard() {
+    for (NSWindow* window in [NSApp windows]) {
+        if ([window isVisible] && window_has_keyboard(window)) return true;
+    }
+    return false;
+}
+
 }  // namespace
 
-@interface QuestionKeyboard : NSObject {
-  @private
-    NSWindow* _given;  // not retained; only compared
-}
+@interface QuestionKeyboard : NSObject
 - (void)watch:(NSTimer*)timer;
 @end
 
 @implementation QuestionKeyboard
 
-// Gives each question the focus once; afterwards the user may move the focus anywhere.
+// Where the user takes the keyboard to another program is the user's affair; in this one nothing
+// but the question can be answered.
 - (void)watch:(NSTimer*)timer {
     (void)timer;
     NSWindow* question = [NSApp modalWindow];
-    if (![question isVisible] || [question isKeyWindow]) return;
-    if (window_has_keyboard(question)) {
-        // GNUstep heard too late that an earlier window lost the focus.
+    if (![question isVisible]) return;
+    if (!window_has_keyboard(question)) {
+        if (own_window_has_keyboard()) give_keyboard_to_window(question);
+    } else if (![question isKeyWindow]) {
+        // GNUstep has heard too late that an earlier window lost it.
         [NSApp activateIgnoringOtherApps:YES];
         [question makeKeyWindow];
-    } else if (question != _given) {
-        _given = question;
-        give_keyboard_to_window(question);
     }
 }
 
