@@ -83,7 +83,7 @@ int main() {
         [NSApplication sharedApplication];
         [NSApp finishLaunching];
         std::string problem;
-        if (!LoadPlugIn(DELVIO_BUNDLE, &problem)) {
+        if (!load_plug_in(DELVIO_BUNDLE, &problem)) {
             fprintf(stderr, "bench_popup: %s\n", problem.c_str());
             return 1;
         }

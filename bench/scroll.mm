@@ -69,16 +69,16 @@ int frames = 0;
     [_menu configureWithNodes:&nodes windowController:nil container:NO];
 }
 
-static menu_level_t& deepest_level() { return *menu_run_t::current()->levels().back(); }
+static MenuLevel& deepest_level() { return *MenuRun::current()->levels().back(); }
 
-static void paint(const menu_level_t& level) {
+static void paint(const MenuLevel& level) {
     [level.window() displayIfNeeded];
     [level.window() flushWindow];
     XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
 }
 
 // Scrolls by `pixels` and paints, as often as `times` says.
-static void scroll(menu_level_t& level, int pixels, int times, bench::Times* result) {
+static void scroll(MenuLevel& level, int pixels, int times, bench::Times* result) {
     for (int step = 0; step < times; step++) {
         @autoreleasepool {
             const double processor = bench::processor_time(), wall = bench::now();
@@ -102,14 +102,14 @@ static void report(const char* what, const bench::Times& times) {
     MenuSession* session = [MenuSession current];
     NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
     [session openSubmenuOfItem:holder];
-    menu_run_t::current()->synchronize();
+    MenuRun::current()->synchronize();
     [session openSubmenuOfItem:[[[holder submenu] itemArray] lastObject]];
-    menu_run_t::current()->synchronize();
+    MenuRun::current()->synchronize();
 
-    menu_level_t& level = deepest_level();
+    MenuLevel& level = deepest_level();
     paint(level);
     const int rows = static_cast<int>(level.layout().rows().size());
-    const int notch = 3 * menu_run_t::current()->style().look.row_height;
+    const int notch = 3 * MenuRun::current()->style().look.row_height;
     frames = 0;
     bench::Times down, end, up;
     scroll(level, notch, steps, &down);
@@ -144,7 +144,7 @@ int main() {
         [NSApplication sharedApplication];
         [NSApp finishLaunching];
         std::string problem;
-        if (!LoadPlugIn(DELVIO_BUNDLE, &problem)) {
+        if (!load_plug_in(DELVIO_BUNDLE, &problem)) {
             fprintf(stderr, "bench_scroll: %s\n", problem.c_str());
             return 1;
         }

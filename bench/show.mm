@@ -29,12 +29,12 @@ const double paint_limit = 3, growth_limit = 11;
 const double small_level_milliseconds = 4, closing_milliseconds = 15;
 const double row_bytes_limit = 900, most_kept = 0.1;
 
-struct moment_t {
+struct Moment {
     double processor = bench::processor_time(), wall = bench::now();
 };
 
-void add_span(bench::Times& times, const moment_t& begin) {
-    const moment_t end;
+void add_span(bench::Times& times, const Moment& begin) {
+    const Moment end;
     times.processor.push_back(end.processor - begin.processor);
     times.wall.push_back(end.wall - begin.wall);
 }
@@ -58,18 +58,18 @@ double private_bytes() {
     return static_cast<double>(kilobytes) * 1024;
 }
 
-struct memory_t {
+struct Memory {
     double heap = heap_bytes(), resident = private_bytes();
 };
 
 // All items of the menu, including those that modifier keys bring.
-struct level_size_t {
+struct LevelSize {
     size_t rows = 0, items = 0;
 };
 
-struct level_times_t {
+struct LevelTimes {
     bench::Times open, close;
-    level_size_t size;
+    LevelSize size;
     std::vector<double> row_bytes, kept;
 };
 
@@ -79,18 +79,18 @@ struct level_times_t {
 @interface Popup : NSObject {
   @private
     const bench::TestFolder* _folder;
-    level_times_t* _times;
+    LevelTimes* _times;
     TContextMenu* _menu;
-    moment_t _closing;
-    memory_t _before, _shown;
+    Moment _closing;
+    Memory _before, _shown;
 }
-- (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(level_times_t*)times;
+- (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(LevelTimes*)times;
 - (void)run;
 @end
 
 @implementation Popup
 
-- (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(level_times_t*)times {
+- (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(LevelTimes*)times {
     if ((self = [super init])) _folder = &folder, _times = times;
     return self;
 }
@@ -102,7 +102,7 @@ struct level_times_t {
 }
 
 static void show() {
-    menu_run_t::current()->synchronize();
+    MenuRun::current()->synchronize();
     XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
 }
 
@@ -120,19 +120,19 @@ static void show() {
     (void)timer;
     MenuSession* session = [MenuSession current];
     NSMenuItem* item = [self openHolder:session];
-    _before = memory_t();
+    _before = Memory();
     {
         NSAutoreleasePool* turn = [NSAutoreleasePool new];
-        const moment_t begin;
+        const Moment begin;
         [session openSubmenuOfItem:item];
         show();
         add_span(_times->open, begin);
         [turn release];
     }
-    _times->size.rows = menu_run_t::current()->levels().back()->layout().rows().size();
+    _times->size.rows = MenuRun::current()->levels().back()->layout().rows().size();
     _times->size.items = [[item submenu] numberOfItems];
-    _shown = memory_t();
-    _closing = moment_t();
+    _shown = Memory();
+    _closing = Moment();
     [session cancel];
 }
 
@@ -151,7 +151,7 @@ static void show() {
     add_span(_times->close, _closing);
     // One turn of the run loop, in which a running program gives memory back.
     [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
-    const memory_t after;
+    const Memory after;
     _times->row_bytes.push_back((_shown.heap - _before.heap) / _times->size.rows);
     const double taken = std::max(1.0, _shown.resident - _before.resident);
     _times->kept.push_back(std::max(0.0, after.resident - _before.resident) / taken);
@@ -162,20 +162,20 @@ static void show() {
 namespace {
 
 void scan(const std::string& path, bench::Times* times) {
-    const moment_t begin;
+    const Moment begin;
     dv_tree_t* root = dv_build_tree(path.c_str(), 0, 1, 0, 0);
     add_span(*times, begin);
     dv_free_tree(root);
 }
 
 // Medians of processor time, in seconds.
-struct level_costs_t {
+struct LevelCosts {
     double scan, open, close;
 };
 
-level_costs_t measure(int entries, int rounds) {
+LevelCosts measure(int entries, int rounds) {
     const bench::TestFolder folder(entries);
-    level_times_t times, warm_up;
+    LevelTimes times, warm_up;
     bench::Times scans, first_scan;
     for (int round = 0; round <= rounds; round++) {
         scan(folder.path(), round ? &scans : &first_scan);
@@ -206,7 +206,7 @@ int main() {
         [NSApplication sharedApplication];
         [NSApp finishLaunching];
         std::string problem;
-        if (!LoadPlugIn(DELVIO_BUNDLE, &problem)) {
+        if (!load_plug_in(DELVIO_BUNDLE, &problem)) {
             fprintf(stderr, "bench_show: %s\n", problem.c_str());
             return 1;
         }
@@ -215,10 +215,10 @@ int main() {
             return bench::status();
         }
         measure(10, 25);
-        const level_costs_t small = measure(100, 25);
+        const LevelCosts small = measure(100, 25);
         measure(1000, 15);
-        const level_costs_t large = measure(10000, 9);
-        const level_costs_t huge = measure(100000, 3);
+        const LevelCosts large = measure(10000, 9);
+        const LevelCosts huge = measure(100000, 3);
         bench::note("first paint, processor time", 100, small.open * 1e3, "ms",
                     small_level_milliseconds);
         bench::check("first paint of 10000 entries to their scan", large.open / large.scan,

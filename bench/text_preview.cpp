@@ -22,9 +22,9 @@ std::vector<char> page() {
 }
 
 // The glyphs at their places in the preview, ready to be drawn.
-class bare_glyphs_t {
+class BareGlyphs {
   public:
-    explicit bare_glyphs_t(const std::vector<char>& text)
+    explicit BareGlyphs(const std::vector<char>& text)
         : surface_(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side)),
           cairo_(cairo_create(surface_)) {
         cairo_select_font_face(cairo_, "monospace", CAIRO_FONT_SLANT_NORMAL,
@@ -41,12 +41,12 @@ class bare_glyphs_t {
         }
         cairo_ft_scaled_font_unlock_face(cairo_get_scaled_font(cairo_));
     }
-    ~bare_glyphs_t() {
+    ~BareGlyphs() {
         cairo_destroy(cairo_);
         cairo_surface_destroy(surface_);
     }
-    bare_glyphs_t(const bare_glyphs_t&) = delete;
-    bare_glyphs_t& operator=(const bare_glyphs_t&) = delete;
+    BareGlyphs(const BareGlyphs&) = delete;
+    BareGlyphs& operator=(const BareGlyphs&) = delete;
 
     void draw() {
         for (uint32_t line = 0; line < lines; line++) {
@@ -65,7 +65,7 @@ class bare_glyphs_t {
 int main() {
     const std::vector<char> text = page();
     std::vector<char> buffer = text;
-    bare_glyphs_t glyphs(text);
+    BareGlyphs glyphs(text);
     static delvio_t state;
     state.preview_size = side;
     dv_create_preview_context(&state);

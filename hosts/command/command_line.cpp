@@ -105,7 +105,11 @@ void add_install(CLI::App& app, InstallRequest& request) {
 int misused(CommandLine& line, const std::string& problem) {
     const bool settings = line.command == CommandLine::settings;
     const bool menu = line.command == CommandLine::menu;
-    Complain(problem + "; see delvio " + (settings ? "settings " : menu ? "menu " : "") + "--help");
+    complain_about_usage(problem + "; see delvio " +
+                         (settings ? "settings "
+                          : menu   ? "menu "
+                                   : "") +
+                         "--help");
     line.command = CommandLine::finished;
     return line.status = exit_misused;
 }
@@ -142,7 +146,7 @@ std::string check_menu(const CLI::App& app, MenuRequest& request, const Options&
     if (!options.at.empty() && !read_point(options.at, request)) {
         return "--at takes X,Y, for example 200,150";
     }
-    if (!ParseModifiers(options.modifiers, &request.modifiers)) {
+    if (!parse_modifiers(options.modifiers, &request.modifiers)) {
         return "--modifiers takes shift, option, command or control, joined by commas";
     }
     for (const std::string& setting : options.settings) {
@@ -196,7 +200,7 @@ std::string check(const CLI::App& app, CommandLine& line, const Options& options
 
 }  // namespace
 
-CommandLine ReadCommandLine(int argc, char** argv) {
+CommandLine read_command_line(int argc, char** argv) {
     CommandLine line;
     Options options;
     CLI::App app(about);
@@ -223,6 +227,6 @@ CommandLine ReadCommandLine(int argc, char** argv) {
     return line;
 }
 
-void Complain(const std::string& text) {
-    fprintf(stderr, "delvio: %s\n", operations::VisibleText(text).c_str());
+void complain_about_usage(const std::string& text) {
+    fprintf(stderr, "delvio: %s\n", operations::visible_text(text).c_str());
 }

@@ -47,7 +47,7 @@ struct CommandLine {
 
 // Reads the arguments. Where due, prints help, the version, or one line about the mistake on
 // standard error.
-CommandLine ReadCommandLine(int argc, char** argv);
+CommandLine read_command_line(int argc, char** argv);
 
 // Prints one line on standard error: "delvio: " and the text.
-void Complain(const std::string& text);
+void complain_about_usage(const std::string& text);

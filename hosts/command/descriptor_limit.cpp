@@ -26,7 +26,7 @@ rlim_t raised_limit() {
 
 }  // namespace
 
-std::string DescriptorProblem() {
+std::string descriptor_problem() {
     const rlim_t limit = raised_limit();
     if (limit >= fewest) return {};
     return "only " + std::to_string(limit) + " files may be open at a time, and " +

@@ -5,4 +5,4 @@
 
 // Raises the limit where the system allows it. Returns a sentence when it is too low to work with,
 // else an empty string.
-std::string DescriptorProblem();
+std::string descriptor_problem();

@@ -75,25 +75,25 @@ extern "C" __attribute__((visibility("default"))) sighandler_t signal(int number
     return set_handler(number, wanted);
 }
 
-void CatchExitSignals() {
+void catch_exit_signals() {
     for (const int number : exit_signals) set_handler(number, handle);
     set_handler(SIGALRM, handle);
     catches = true;
 }
 
-void SetChildToEnd(pid_t child) { child_to_end = child; }
+void set_child_to_end(pid_t child) { child_to_end = child; }
 
-void SetFileToRemove(const std::string& file, const std::string& folder) {
+void set_file_to_remove(const std::string& file, const std::string& folder) {
     copy_path(file_to_remove, file);
     copy_path(folder_to_remove, folder);
 }
 
-void EndChildAndRemoveFile() {
+void end_child_and_remove_file() {
     const pid_t child = child_to_end.load();
     undo();
     if (child > 0) waitpid(child, nullptr, 0);
 }
 
-void SetSignalDescriptor(int descriptor) { signal_descriptor = descriptor; }
+void set_signal_descriptor(int descriptor) { signal_descriptor = descriptor; }
 
-int CaughtSignal() { return caught_signal; }
+int signal_caught() { return caught_signal; }

@@ -9,7 +9,7 @@
 
 #include "file_steps/visible_text.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace fs = std::filesystem;
 
@@ -28,17 +28,17 @@ fs::path absolute_path(const fs::path& given) {
 
 }  // namespace
 
-bool ResolveFiles(std::vector<std::string>* files, std::string* problem) {
+bool resolve_files(std::vector<std::string>* files, std::string* problem) {
     for (std::string& file : *files) {
         struct stat ignored;
         if (lstat(file.c_str(), &ignored) != 0) {
-            *problem = "cannot find " + Quoted(file) + ": " + strerror(errno);
+            *problem = "cannot find " + in_quotes(file) + ": " + strerror(errno);
             return false;
         }
         try {
             file = absolute_path(file).string();
         } catch (const std::exception& error) {
-            *problem = "cannot find " + Quoted(file) + ": " + error.what();
+            *problem = "cannot find " + in_quotes(file) + ": " + error.what();
             return false;
         }
     }

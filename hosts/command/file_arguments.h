@@ -6,4 +6,4 @@
 
 // Makes the names absolute, without following a link in the last component. False when a file does
 // not exist or cannot be reached; then *problem says which, in one line.
-bool ResolveFiles(std::vector<std::string>* files, std::string* problem);
+bool resolve_files(std::vector<std::string>* files, std::string* problem);

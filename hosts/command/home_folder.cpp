@@ -4,7 +4,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-bool EnsureHomeFolder(std::string* problem) {
+bool ensure_home_folder(std::string* problem) {
     const char* home = getenv("HOME");
     if (home && home[0] == '/') return true;
     const struct passwd* user = getpwuid(geteuid());

@@ -5,4 +5,4 @@
 
 // If HOME names no folder, sets it to the system's home folder for the user. False when the system
 // knows none either; then *problem says so in one line.
-bool EnsureHomeFolder(std::string* problem);
+bool ensure_home_folder(std::string* problem);

@@ -18,7 +18,7 @@ unsigned long flag_of(const std::string& name) {
 
 }  // namespace
 
-bool ParseModifiers(const std::string& names, unsigned long* flags) {
+bool parse_modifiers(const std::string& names, unsigned long* flags) {
     std::istringstream in(names);
     std::string name;
     *flags = 0;
@@ -30,7 +30,7 @@ bool ParseModifiers(const std::string& names, unsigned long* flags) {
     return true;
 }
 
-std::vector<std::string> ModifierNames(unsigned long flags) {
+std::vector<std::string> modifier_names(unsigned long flags) {
     std::vector<std::string> names;
     for (const auto& key : keys) {
         if (flags & key.flag) names.push_back(key.name);

@@ -42,7 +42,7 @@ __attribute__((section(".preinit_array"), used)) void (*const hide_first)(int, c
 
 }  // namespace
 
-void RestoreArguments() {
+void restore_arguments() {
     if (!copy) return;
     for (unsigned long i = 0; i < size; ++i) {
         if (static_cast<unsigned char>(copy[i]) >= 0x80) strings[i] = copy[i];

@@ -31,7 +31,7 @@ void for_each_character(std::string_view text, Take take) {
 
 }  // namespace
 
-std::string Printable(std::string_view text, std::string_view mark) {
+std::string printable(std::string_view text, std::string_view mark) {
     std::string result;
     for_each_character(text, [&](gunichar character, std::string_view bytes) {
         const bool invalid = character == static_cast<gunichar>(-1);
@@ -40,7 +40,7 @@ std::string Printable(std::string_view text, std::string_view mark) {
     return result;
 }
 
-std::string PrintableJson(std::string_view json) {
+std::string printable_json(std::string_view json) {
     std::string result;
     for_each_character(json, [&](gunichar character, std::string_view bytes) {
         if (character == '\n' || !is_unprintable(character)) {

@@ -7,7 +7,7 @@
 
 // The text with `mark` in place of each control character (C0, DEL, C1), line and paragraph
 // separator and character that sets the direction of text, and of each byte that is not UTF-8.
-std::string Printable(std::string_view text, std::string_view mark);
+std::string printable(std::string_view text, std::string_view mark);
 
 // The JSON text with each of these characters as an escape ("\u009b").
-std::string PrintableJson(std::string_view json);
+std::string printable_json(std::string_view json);

@@ -82,7 +82,7 @@ std::string why_not_started(pid_t server) {
         kill(server, SIGTERM);
         waitpid(server, &status, 0);
     }
-    SetChildToEnd(0);
+    set_child_to_end(0);
     const bool missing = server > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 127;
     return missing ? "there is no display, and Xvfb, which would replace it, is not installed "
                      "(apt-get install xvfb)"
@@ -91,7 +91,7 @@ std::string why_not_started(pid_t server) {
 
 }  // namespace
 
-bool DisplayAnswers(std::string* problem) {
+bool display_answers(std::string* problem) {
     const char* name = getenv("DISPLAY");
     if (!name || !*name) {
         problem->clear();
@@ -103,9 +103,9 @@ bool DisplayAnswers(std::string* problem) {
     return false;
 }
 
-bool StartPrivateDisplay(std::string* problem) {
-    RemoveLeftPrivateFolders();
-    const std::string authority = WriteIntoPrivateFolder(authority_entry());
+bool start_private_display(std::string* problem) {
+    remove_left_private_folders();
+    const std::string authority = write_into_private_folder(authority_entry());
     int ends[2];
     if (authority.empty() || pipe2(ends, O_CLOEXEC) != 0) {
         *problem = std::string("cannot prepare an X server: ") + strerror(errno);
@@ -115,7 +115,7 @@ bool StartPrivateDisplay(std::string* problem) {
     const pid_t server = fork();
     if (server == 0) become_server(ends[1], authority, parent);
     close(ends[1]);
-    if (server > 0) SetChildToEnd(server);
+    if (server > 0) set_child_to_end(server);
     const std::string number = server > 0 ? read_number(ends[0]) : std::string();
     close(ends[0]);
     if (number.empty()) {
@@ -125,11 +125,11 @@ bool StartPrivateDisplay(std::string* problem) {
     // Started programs outlive the private display, and nobody looks at it: they get the user's
     // display.
     for (const char* name : {"DISPLAY", "XAUTHORITY"}) {
-        SetVariableOfStartedPrograms(name, getenv(name));
+        set_variable_of_started_programs(name, getenv(name));
     }
     setenv("DISPLAY", (":" + number).c_str(), 1);
     setenv("XAUTHORITY", authority.c_str(), 1);
     return started = true;
 }
 
-bool HasPrivateDisplay() { return started; }
+bool has_private_display() { return started; }

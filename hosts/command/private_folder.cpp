@@ -79,20 +79,20 @@ bool write_and_name(int file, const std::string& bytes, const std::string& from,
 
 }  // namespace
 
-std::string WriteIntoPrivateFolder(const std::string& bytes) {
+std::string write_into_private_folder(const std::string& bytes) {
     std::error_code error;
     const fs::path parent = fs::temp_directory_path(error);
     std::string folder = (parent / (std::string(prefix) + random_part)).string();
     if (error || !mkdtemp(folder.data())) return {};
     const std::string named = folder + "/" + file_name, unlocked = folder + "/" + unlocked_name;
-    SetFileToRemove(named, folder);
+    set_file_to_remove(named, folder);
     const int file = create_locked(unlocked);
     if (file >= 0 && write_and_name(file, bytes, unlocked, named)) return named;
     unlink(unlocked.c_str());
     return {};
 }
 
-void RemoveLeftPrivateFolders() {
+void remove_left_private_folders() {
     std::error_code error;
     const fs::path parent = fs::temp_directory_path(error);
     if (error) return;

@@ -36,8 +36,8 @@ bool holds(const std::string& whole, const std::string& part) {
 
 }  // namespace
 
-std::vector<std::string> SimilarWords(const std::string& word,
-                                      const std::vector<std::string>& candidates, size_t most) {
+std::vector<std::string> similar_words(const std::string& word,
+                                       const std::vector<std::string>& candidates, size_t most) {
     const std::string wanted = folded(word);
     std::vector<std::pair<size_t, std::string>> found;
     for (const std::string& candidate : candidates) {

@@ -7,5 +7,5 @@
 // At most `most` candidates that resemble the word, the nearest first, without duplicates. A
 // candidate resembles the word if it is a few edits away, without regard to case, or if one of the
 // two contains the other.
-std::vector<std::string> SimilarWords(const std::string& word,
-                                      const std::vector<std::string>& candidates, size_t most);
+std::vector<std::string> similar_words(const std::string& word,
+                                       const std::vector<std::string>& candidates, size_t most);

@@ -34,7 +34,7 @@ FILE* private_stream(int descriptor, FILE* original, int mode) {
 
 }  // namespace
 
-void KeepStreamsPrivate() {
+void keep_streams_private() {
     stdout = private_stream(STDOUT_FILENO, stdout, _IOFBF);
     stderr = private_stream(STDERR_FILENO, stderr, _IONBF);
     if (__sanitizer_set_report_fd && fileno(stderr) != STDERR_FILENO) {
@@ -49,9 +49,9 @@ void KeepStreamsPrivate() {
     if (nothing > STDERR_FILENO) close(nothing);
 }
 
-void KeepOutputPure() {
+void keep_output_pure() {
     output = stdout;
     stdout = stderr;
 }
 
-FILE* OutputStream() { return output ? output : stdout; }
+FILE* output_stream() { return output ? output : stdout; }

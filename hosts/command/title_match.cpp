@@ -7,7 +7,7 @@
 #include "command/similar_words.h"
 #include "file_steps/visible_text.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace {
 
@@ -27,14 +27,14 @@ std::vector<int> alike_without_case(const std::string& wanted,
 std::string listed(const std::vector<std::string>& titles) {
     std::string result;
     for (const std::string& title : titles) {
-        result += (result.empty() ? "" : ", ") + Quoted(title);
+        result += (result.empty() ? "" : ", ") + in_quotes(title);
     }
     return result;
 }
 
 std::string not_found(const std::string& wanted, const std::vector<std::string>& titles) {
-    const std::string text = "there is no item " + Quoted(wanted);
-    std::vector<std::string> close = SimilarWords(wanted, titles, most_suggestions);
+    const std::string text = "there is no item " + in_quotes(wanted);
+    std::vector<std::string> close = similar_words(wanted, titles, most_suggestions);
     if (!close.empty()) return text + "; close to it: " + listed(close);
     if (titles.empty()) return text + "; the menu is empty there";
     close.assign(titles.begin(), titles.begin() + std::min(titles.size(), most_suggestions));
@@ -44,8 +44,8 @@ std::string not_found(const std::string& wanted, const std::vector<std::string>&
 
 }  // namespace
 
-int MatchTitle(const std::string& wanted, const std::vector<std::string>& titles,
-               std::string* problem) {
+int match_title(const std::string& wanted, const std::vector<std::string>& titles,
+                std::string* problem) {
     const auto same = std::find(titles.begin(), titles.end(), wanted);
     if (same != titles.end()) return static_cast<int>(same - titles.begin());
     const std::vector<int> alike = alike_without_case(wanted, titles);
@@ -56,6 +56,7 @@ int MatchTitle(const std::string& wanted, const std::vector<std::string>& titles
     }
     std::vector<std::string> several;
     for (const int index : alike) several.push_back(titles[index]);
-    *problem = "several items are called " + Quoted(wanted) + "; write one of " + listed(several);
+    *problem =
+        "several items are called " + in_quotes(wanted) + "; write one of " + listed(several);
     return -1;
 }

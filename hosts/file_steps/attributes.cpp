@@ -68,8 +68,8 @@ mode_t mode_for(bool owner_kept, mode_t mode) { return mode & (owner_kept ? 0777
 
 }  // namespace
 
-bool KeepAttributes(int source, int target, const struct stat& what, const std::string& path,
-                    Work& work) {
+bool keep_attributes(int source, int target, const struct stat& what, const std::string& path,
+                     Work& work) {
     bool owner_kept = fchown(target, what.st_uid, what.st_gid) == 0;
     if (!owner_kept && fchown(target, static_cast<uid_t>(-1), what.st_gid) == 0) {
         owner_kept = what.st_uid == geteuid();
@@ -87,8 +87,8 @@ bool KeepAttributes(int source, int target, const struct stat& what, const std::
     return true;
 }
 
-bool KeepPlainAttributes(int folder, const char* name, const struct stat& what,
-                         const std::string& path, Work& work) {
+bool keep_plain_attributes(int folder, const char* name, const struct stat& what,
+                           const std::string& path, Work& work) {
     const bool owner_kept =
         fchownat(folder, name, what.st_uid, what.st_gid, AT_SYMLINK_NOFOLLOW) == 0;
     if (!S_ISLNK(what.st_mode)) fchmodat(folder, name, mode_for(owner_kept, what.st_mode), 0);
@@ -99,11 +99,11 @@ bool KeepPlainAttributes(int folder, const char* name, const struct stat& what,
     return true;
 }
 
-bool PassesAccessListOn(int folder) {
+bool passes_access_list_on(int folder) {
     return fgetxattr(folder, "system.posix_acl_default", nullptr, 0) > 0;
 }
 
-void ForgetAccessLists(int made) {
+void forget_access_lists(int made) {
     fremovexattr(made, "system.posix_acl_default");
     fremovexattr(made, "system.posix_acl_access");
 }

@@ -4,7 +4,7 @@
 
 namespace operations {
 
-bool WriteAll(int file, const void* bytes, size_t size) {
+bool write_fully(int file, const void* bytes, size_t size) {
     const char* next = static_cast<const char*>(bytes);
     while (size > 0) {
         const ssize_t written = write(file, next, size);

@@ -28,6 +28,6 @@ class Descriptor {
 };
 
 // Writes all bytes, in several writes if one is not enough. False with errno on failure.
-bool WriteAll(int file, const void* bytes, size_t size);
+bool write_fully(int file, const void* bytes, size_t size);
 
 }  // namespace operations

@@ -45,7 +45,7 @@ int copy_small(int source, int target, uint64_t size) {
         total += static_cast<uint64_t>(count);
     }
     if (total != size) return ESTALE;
-    return WriteAll(target, buffer, size) ? 0 : errno;
+    return write_fully(target, buffer, size) ? 0 : errno;
 }
 
 bool is_unsupported(int error) {
@@ -62,7 +62,7 @@ int read_and_write(int source, int target, uint64_t at, uint64_t end, const Piec
         if (count < 0) return errno;
         if (count == 0) return ESTALE;
         if (lseek(target, static_cast<off_t>(at), SEEK_SET) < 0) return errno;
-        if (!WriteAll(target, buffer, static_cast<size_t>(count))) return errno;
+        if (!write_fully(target, buffer, static_cast<size_t>(count))) return errno;
         at += static_cast<uint64_t>(count);
         if (!done(static_cast<uint64_t>(count))) return ECANCELED;
     }
@@ -107,7 +107,7 @@ int copy_sparse(int source, int target, uint64_t size, const PieceDone& done) {
 
 }  // namespace
 
-int CopyData(int source, int target, uint64_t size, uint64_t blocks, const PieceDone& done) {
+int copy_data(int source, int target, uint64_t size, uint64_t blocks, const PieceDone& done) {
     if (size <= small_file) {
         const int error = copy_small(source, target, size);
         return error != 0 ? error : done(size) ? 0 : ECANCELED;
@@ -118,7 +118,7 @@ int CopyData(int source, int target, uint64_t size, uint64_t blocks, const Piece
     return copy_stretch(source, target, 0, size, done);
 }
 
-int CompareData(int source, int target, const PieceDone& done) {
+int compare_data(int source, int target, const PieceDone& done) {
     posix_fadvise(target, 0, 0, POSIX_FADV_DONTNEED);
     char *ours = kept_buffer(0), *theirs = kept_buffer(1);
     for (uint64_t at = 0;;) {

@@ -13,17 +13,17 @@ namespace {
 
 bool remove_content(int folder, uint64_t mount) {
     std::vector<std::string> names;
-    if (MountOf(folder) != mount || !ReadNames(folder, &names)) return false;
+    if (mount_of(folder) != mount || !names_in_folder(folder, &names)) return false;
     bool removed = true;
-    for (const std::string& name : names) removed &= RemoveTree(folder, name.c_str());
+    for (const std::string& name : names) removed &= remove_tree(folder, name.c_str());
     return removed;
 }
 
 // Opens a folder that is to be emptied, even if it was made read-only.
 Descriptor open_to_empty(int parent, const char* name) {
-    Descriptor folder = OpenFolder(parent, name);
+    Descriptor folder = open_folder_at(parent, name);
     if (!folder && errno == EACCES && fchmodat(parent, name, 0700, 0) == 0) {
-        folder = OpenFolder(parent, name);
+        folder = open_folder_at(parent, name);
     }
     if (folder && faccessat(folder.get(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
         fchmod(folder.get(), 0700);
@@ -57,7 +57,8 @@ bool was_done_all_the_same(int from_folder, const std::string& from, int to_fold
     struct stat what;
     const bool is_doubtful = error == EIO || error == ETIMEDOUT || error == EINTR ||
                              error == ESTALE || error == ENOTCONN || error == EREMOTEIO;
-    const bool is_gone = is_doubtful && !Look(from_folder, from.c_str(), &what) && IsMissing(errno);
+    const bool is_gone =
+        is_doubtful && !Look(from_folder, from.c_str(), &what) && means_missing(errno);
     const bool was_done = is_gone && Look(to_folder, to.c_str(), &what);
     errno = error;
     return was_done;
@@ -65,11 +66,11 @@ bool was_done_all_the_same(int from_folder, const std::string& from, int to_fold
 
 }  // namespace
 
-Descriptor OpenFolder(int parent, const char* name) {
+Descriptor open_folder_at(int parent, const char* name) {
     return Descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
-bool ReadNames(int folder, std::vector<std::string>* names) {
+bool names_in_folder(int folder, std::vector<std::string>* names) {
     alignas(dirent64) thread_local char buffer[32 * 1024];
     if (lseek(folder, 0, SEEK_SET) < 0) return false;
     for (;;) {
@@ -89,9 +90,9 @@ bool Look(int folder, const char* name, struct stat* what) {
     return fstatat(folder, name, what, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-bool IsMissing(int error) { return error == ENOENT || error == ENOTDIR; }
+bool means_missing(int error) { return error == ENOENT || error == ENOTDIR; }
 
-std::string PathOf(int folder) {
+std::string path_of_folder(int folder) {
     char path[PATH_MAX];
     const std::string link = "/proc/self/fd/" + std::to_string(folder);
     const ssize_t size = readlink(link.c_str(), path, sizeof path);
@@ -105,14 +106,14 @@ std::string PathOf(int folder) {
     return {};
 }
 
-uint64_t MountOf(int file) {
+uint64_t mount_of(int file) {
     struct statx what;
     if (statx(file, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_MNT_ID, &what) != 0) return 0;
     if (what.stx_mask & STATX_MNT_ID) return what.stx_mnt_id + 1;
     return (uint64_t{what.stx_dev_major} << 32 | what.stx_dev_minor) + 1;
 }
 
-bool MoveFree(int from_folder, const std::string& from, int to_folder, const std::string& to) {
+bool move_free(int from_folder, const std::string& from, int to_folder, const std::string& to) {
     if (renameat2(from_folder, from.c_str(), to_folder, to.c_str(), RENAME_NOREPLACE) == 0) {
         return true;
     }
@@ -120,26 +121,26 @@ bool MoveFree(int from_folder, const std::string& from, int to_folder, const std
     return was_done_all_the_same(from_folder, from, to_folder, to);
 }
 
-bool RemoveTree(int parent, const char* name) {
+bool remove_tree(int parent, const char* name) {
     if (unlinkat(parent, name, 0) == 0 || errno == ENOENT) return true;
-    const uint64_t mount = MountOf(parent);
+    const uint64_t mount = mount_of(parent);
     const Descriptor folder = mount != 0 ? open_to_empty(parent, name) : Descriptor();
     if (!folder || !remove_content(folder.get(), mount)) return false;
     return unlinkat(parent, name, AT_REMOVEDIR) == 0;
 }
 
-bool MakeFolders(const std::string& path) {
+bool make_folders(const std::string& path) {
     if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return true;
-    const std::string parent = ParentOf(path);
-    if (errno != ENOENT || parent == path || !MakeFolders(parent)) return false;
+    const std::string parent = parent_of(path);
+    if (errno != ENOENT || parent == path || !make_folders(parent)) return false;
     return mkdir(path.c_str(), 0700) == 0 || errno == EEXIST;
 }
 
-std::string ParentOf(const std::string& path) {
+std::string parent_of(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
-std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+std::string name_in_path(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
 }  // namespace operations

@@ -16,10 +16,10 @@ namespace operations {
 constexpr int deepest_folder = 300;
 
 // Opens the folder; does not follow a link at its name.
-Descriptor OpenFolder(int parent, const char* name);
+Descriptor open_folder_at(int parent, const char* name);
 
 // All names but "." and "..", in the folder's order. False with errno.
-bool ReadNames(int folder, std::vector<std::string>* names);
+bool names_in_folder(int folder, std::vector<std::string>* names);
 
 // Reads the state of the entry with this name; of a link itself and not of its target. False with
 // errno.
@@ -27,27 +27,27 @@ bool Look(int folder, const char* name, struct stat* what);
 
 // Whether this error number means that nothing is there. Every other error leaves that open: a disk
 // that does not answer may hold the file.
-bool IsMissing(int error);
+bool means_missing(int error);
 
 // The absolute path of an open folder, without links; empty with errno once it has been removed.
-std::string PathOf(int folder);
+std::string path_of_folder(int folder);
 
 // A number that differs from mount to mount, even for mounts of one disk. 0 with errno.
-uint64_t MountOf(int file);
+uint64_t mount_of(int file);
 
 // Renames an entry to a name that must be free, in one step. False with errno: EEXIST when the name
 // is taken, EXDEV when it is on another file system.
-bool MoveFree(int from_folder, const std::string& from, int to_folder, const std::string& to);
+bool move_free(int from_folder, const std::string& from, int to_folder, const std::string& to);
 
 // Removes the entry, a folder with everything in it, even read-only folders of this user; never
 // another mount. Goes on after a failure. False when something is left.
-bool RemoveTree(int folder, const char* name);
+bool remove_tree(int folder, const char* name);
 
 // Makes the folder and its missing parents, private to the user. False with errno.
-bool MakeFolders(const std::string& path);
+bool make_folders(const std::string& path);
 
 // For "/a/b/c": "/a/b" and "c".
-std::string ParentOf(const std::string& path);
-std::string NameOf(const std::string& path);
+std::string parent_of(const std::string& path);
+std::string name_in_path(const std::string& path);
 
 }  // namespace operations

@@ -28,7 +28,7 @@ void let_go_of_everything() {
 
 }  // namespace
 
-void RunAlone(const std::function<void()>& work) {
+void run_alone(const std::function<void()>& work) {
     const pid_t parent = fork();
     if (parent < 0) return;
     if (parent > 0) {

@@ -7,6 +7,6 @@ namespace operations {
 
 // Returns at once. The process is ended after ten minutes, because a disk may never answer. The
 // work must not use anything that other threads of this process may hold, such as locks.
-void RunAlone(const std::function<void()>& work);
+void run_alone(const std::function<void()>& work);
 
 }  // namespace operations

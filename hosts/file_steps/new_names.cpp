@@ -37,12 +37,12 @@ size_t start_of_extension(const std::string& name) {
 
 }  // namespace
 
-std::string CopyName(const std::string& name, bool is_folder, unsigned attempt) {
+std::string copy_name(const std::string& name, bool is_folder, unsigned attempt) {
     const size_t end = is_folder ? name.size() : start_of_extension(name);
     return assembled(name.substr(0, end), numbered(" copy", attempt) + name.substr(end));
 }
 
-std::string AliasName(const std::string& name, unsigned attempt) {
+std::string alias_name(const std::string& name, unsigned attempt) {
     return attempt == 0 ? name : assembled(name, numbered(" alias", attempt));
 }
 

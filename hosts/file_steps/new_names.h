@@ -9,9 +9,9 @@ namespace operations {
 
 // "notes.txt" becomes "notes copy.txt" at the first attempt, then "notes copy 2.txt". A folder's
 // name has no extension. `attempt` counts from 1.
-std::string CopyName(const std::string& name, bool is_folder, unsigned attempt);
+std::string copy_name(const std::string& name, bool is_folder, unsigned attempt);
 
 // "notes.txt" at attempt 0, then "notes.txt alias", "notes.txt alias 2".
-std::string AliasName(const std::string& name, unsigned attempt);
+std::string alias_name(const std::string& name, unsigned attempt);
 
 }  // namespace operations

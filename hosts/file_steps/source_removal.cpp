@@ -12,7 +12,7 @@ namespace operations {
 namespace {
 
 std::string changed_line(const Place& source) {
-    return QuotedName(source.path) + " was changed while it was being moved";
+    return quoted_name(source.path) + " was changed while it was being moved";
 }
 
 }  // namespace
@@ -24,7 +24,7 @@ bool TreeCopy::check(const Place& source, const Place& target) {
     }
     if (!Look(target.folder, target.name.c_str(), &copied) ||
         (copied.st_mode & S_IFMT) != (what.st_mode & S_IFMT)) {
-        return work_.fail("the copy of " + QuotedName(source.path) + " is not there");
+        return work_.fail("the copy of " + quoted_name(source.path) + " is not there");
     }
     if (S_ISDIR(what.st_mode)) return check_folder(source, target);
     return !S_ISREG(what.st_mode) || check_file(source, target);
@@ -38,18 +38,18 @@ bool TreeCopy::check_file(const Place& source, const Place& target) {
     Descriptor copied(openat(target.folder, target.name.c_str(), flags));
     if (!copied) return work_.fail("cannot read the copy of", source.path, errno);
     const auto piece = [&](uint64_t) { return work_.advance(source.path, 0, 0); };
-    const int error = CompareData(ours.get(), copied.get(), piece);
+    const int error = compare_data(ours.get(), copied.get(), piece);
     if (error == EBADMSG) {
-        return work_.fail("the copy of " + QuotedName(source.path) + " differs from the original");
+        return work_.fail("the copy of " + quoted_name(source.path) + " differs from the original");
     }
     return error == 0 || work_.fail("cannot compare", source.path, error);
 }
 
 bool TreeCopy::check_folder(const Place& source, const Place& target) {
-    const Descriptor ours = OpenFolder(source.folder, source.name.c_str());
-    const Descriptor copied = OpenFolder(target.folder, target.name.c_str());
+    const Descriptor ours = open_folder_at(source.folder, source.name.c_str());
+    const Descriptor copied = open_folder_at(target.folder, target.name.c_str());
     std::vector<std::string> names;
-    if (!ours || !copied || !ReadNames(ours.get(), &names)) {
+    if (!ours || !copied || !names_in_folder(ours.get(), &names)) {
         return work_.fail("cannot read", source.path, errno);
     }
     for (const std::string& name : names) {
@@ -73,8 +73,8 @@ bool TreeCopy::remove(const Place& source) {
 bool TreeCopy::remove_folder(const Place& source) {
     std::vector<std::string> names;
     {
-        const Descriptor folder = OpenFolder(source.folder, source.name.c_str());
-        if (!folder || !ReadNames(folder.get(), &names)) {
+        const Descriptor folder = open_folder_at(source.folder, source.name.c_str());
+        if (!folder || !names_in_folder(folder.get(), &names)) {
             return work_.fail("cannot remove", source.path, errno);
         }
         for (const std::string& name : names) {
@@ -83,7 +83,7 @@ bool TreeCopy::remove_folder(const Place& source) {
     }
     if (unlinkat(source.folder, source.name.c_str(), AT_REMOVEDIR) == 0) return true;
     return work_.fail(errno == ENOTEMPTY ? changed_line(source)
-                                         : "cannot remove " + QuotedName(source.path));
+                                         : "cannot remove " + quoted_name(source.path));
 }
 
 }  // namespace operations

@@ -6,6 +6,6 @@
 namespace operations {
 
 // $XDG_STATE_HOME/delvio, by default ~/.local/state/delvio. This function does not make it.
-std::string StateFolder();
+std::string default_state_folder();
 
 }  // namespace operations

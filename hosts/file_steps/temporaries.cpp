@@ -76,10 +76,10 @@ std::string read_all(int file) {
 
 bool remove_prefixed(int folder, const std::string& prefix) {
     std::vector<std::string> names;
-    bool removed = ReadNames(folder, &names);
+    bool removed = names_in_folder(folder, &names);
     for (const std::string& name : names) {
         if (name.compare(0, prefix.size(), prefix) == 0) {
-            removed &= RemoveTree(folder, name.c_str());
+            removed &= remove_tree(folder, name.c_str());
         }
     }
     return removed;
@@ -107,7 +107,7 @@ bool clean_up(int file, const std::string& prefix) {
 void clean_up_journal(const std::string& path) {
     const Descriptor file(open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
-    const std::string name = NameOf(path);
+    const std::string name = name_in_path(path);
     if (is_new(name) || clean_up(file.get(), "." + name + "-")) unlink(path.c_str());
 }
 
@@ -116,7 +116,7 @@ std::vector<std::string> all_journals(const std::string& state_folder) {
     for (const std::string& journals : possible_journals(state_folder)) {
         const Descriptor folder(open(journals.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         std::vector<std::string> names;
-        if (!folder || !ReadNames(folder.get(), &names)) continue;
+        if (!folder || !names_in_folder(folder.get(), &names)) continue;
         for (const std::string& name : names) {
             if (is_journal(name) || is_new(name)) found.push_back(journals + "/" + name);
         }
@@ -126,7 +126,7 @@ std::vector<std::string> all_journals(const std::string& state_folder) {
 
 }  // namespace
 
-std::string StateFolder() {
+std::string default_state_folder() {
     const char* state = getenv("XDG_STATE_HOME");
     if (state && state[0] == '/') return std::string(state) + "/delvio";
     const char* home = getenv("HOME");
@@ -136,13 +136,13 @@ std::string StateFolder() {
 // The journal gets its name once it is locked and complete, so that nobody takes it for abandoned.
 bool Temporaries::open_journal(const std::string& journals, const std::string& name,
                                const std::string& text) {
-    if (!MakeFolders(journals)) return false;
+    if (!make_folders(journals)) return false;
     const std::string unnamed = journals + "/" + new_start + name;
     journal_ = journals + "/" + name;
     lock_ = Descriptor(open(unnamed.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!lock_) return false;
     if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 &&
-        WriteAll(lock_.get(), text.data(), text.size()) && fsync(lock_.get()) == 0 &&
+        write_fully(lock_.get(), text.data(), text.size()) && fsync(lock_.get()) == 0 &&
         rename(unnamed.c_str(), journal_.c_str()) == 0) {
         return true;
     }
@@ -153,7 +153,7 @@ bool Temporaries::open_journal(const std::string& journals, const std::string& n
 }
 
 Temporaries::Temporaries(const std::string& state_folder, int folder) {
-    const std::string name = random_name(), path = PathOf(folder);
+    const std::string name = random_name(), path = path_of_folder(folder);
     prefix_ = "." + name + "-";
     if (path.empty() || name.empty()) {
         problem_ = std::string("cannot tell where the destination is: ") + strerror(errno);
@@ -171,14 +171,14 @@ Temporaries::~Temporaries() {
     if (problem_.empty() && !leaves_) unlink(journal_.c_str());
 }
 
-void RemoveLeftTemporaries(const std::string& state_folder) {
+void remove_left_temporaries(const std::string& state_folder) {
     for (const std::string& journal : all_journals(state_folder)) clean_up_journal(journal);
 }
 
-void BeginToRemoveLeftTemporaries(const std::string& state_folder) {
+void begin_to_remove_left_temporaries(const std::string& state_folder) {
     const std::vector<std::string> journals = all_journals(state_folder);
     for (size_t first = 0; first < std::min(journals.size(), most_cleaners); first++) {
-        RunAlone([&] {
+        run_alone([&] {
             for (size_t at = first; at < journals.size(); at += most_cleaners) {
                 clean_up_journal(journals[at]);
             }

@@ -35,11 +35,11 @@ class Temporaries {
 
 // Removes the files that ended processes left behind, where they can be reached. Never removes
 // files of a running process, or files that no journal names. Waits for disks, but for no lock.
-void RemoveLeftTemporaries(const std::string& state_folder);
+void remove_left_temporaries(const std::string& state_folder);
 
 // Does the same in processes of their own, which nobody waits for; returns at once. A disk that
 // does not answer holds up one of these processes; later ones skip its journal while that one
 // waits.
-void BeginToRemoveLeftTemporaries(const std::string& state_folder);
+void begin_to_remove_left_temporaries(const std::string& state_folder);
 
 }  // namespace operations

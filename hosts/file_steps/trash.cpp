@@ -63,7 +63,7 @@ std::string trash_name(const std::string& name, int attempt) {
 class Way {
   public:
     Way(const Thing& thing, const TrashFolder& trash, const std::string& path)
-        : thing_(thing), trash_(trash), path_(path), open_(OpenTrashFolder(trash)) {}
+        : thing_(thing), trash_(trash), path_(path), open_(open_trash_folder(trash)) {}
 
     const std::string& problem() const { return open_.problem; }
     // Returns 0 or an error number: EXDEV when the trash is not on the volume of the thing,
@@ -91,12 +91,12 @@ bool Way::take_name(int attempt) {
         errno = EEXIST;
         return false;
     }
-    if (!IsMissing(errno)) return false;
+    if (!means_missing(errno)) return false;
     const int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
     Descriptor info(openat(open_.info.get(), info_name_.c_str(), flags, 0600));
     if (!info) return false;
     const std::string text = info_text(path_, trash_.top);
-    if (WriteAll(info.get(), text.data(), text.size()) && info.close()) return true;
+    if (write_fully(info.get(), text.data(), text.size()) && info.close()) return true;
     const int error = errno;
     unlinkat(open_.info.get(), info_name_.c_str(), 0);
     errno = error;
@@ -117,10 +117,10 @@ int Way::look_for_thing(int folder, const std::string& name) {
 int Way::go() {
     const int error = look_for_thing(thing_.folder, thing_.name);
     if (error != 0) return error;
-    if (!MoveFree(thing_.folder, thing_.name, open_.files.get(), name_)) return errno;
+    if (!move_free(thing_.folder, thing_.name, open_.files.get(), name_)) return errno;
     if (look_for_thing(open_.files.get(), name_) != ESTALE) return 0;
     // The file was exchanged for another just before the move.
-    MoveFree(open_.files.get(), name_, thing_.folder, thing_.name);
+    move_free(open_.files.get(), name_, thing_.folder, thing_.name);
     return ESTALE;
 }
 
@@ -157,15 +157,15 @@ std::string path_in(const std::string& folder, const std::string& name) {
 
 }  // namespace
 
-bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
-                Trashed* trashed, std::string* problem) {
-    const std::string start = "cannot move " + QuotedName(thing.name) + " to the trash: ";
-    const std::string folder = PathOf(thing.folder), path = path_in(folder, thing.name);
+bool move_into_trash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
+                     Trashed* trashed, std::string* problem) {
+    const std::string start = "cannot move " + quoted_name(thing.name) + " to the trash: ";
+    const std::string folder = path_of_folder(thing.folder), path = path_in(folder, thing.name);
     if (folder.empty()) {
         *problem = start + strerror(errno);
         return false;
     }
-    for (const TrashFolder& trash : TrashFoldersOf(thing.folder, folder)) {
+    for (const TrashFolder& trash : trash_folders_of(thing.folder, folder)) {
         Way way(thing, trash, path);
         *problem = start + way.problem();
         if (is_final(trash, way.problem())) return false;
@@ -179,19 +179,19 @@ bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& b
     return false;
 }
 
-std::string WhyNoTrash(int folder) {
-    const std::string path = PathOf(folder);
+std::string why_no_trash(int folder) {
+    const std::string path = path_of_folder(folder);
     if (path.empty()) return strerror(errno);
     std::string problem;
-    for (const TrashFolder& trash : TrashFoldersOf(folder, path)) {
-        problem = OpenTrashFolder(trash).problem;
+    for (const TrashFolder& trash : trash_folders_of(folder, path)) {
+        problem = open_trash_folder(trash).problem;
         if (problem.empty() || is_final(trash, problem)) break;
     }
     return problem;
 }
 
-bool TakeFromTrash(const Trashed& trashed, int folder, const std::string& name) {
-    if (!MoveFree(AT_FDCWD, trashed.file, folder, name)) return false;
+bool take_from_trash(const Trashed& trashed, int folder, const std::string& name) {
+    if (!move_free(AT_FDCWD, trashed.file, folder, name)) return false;
     unlink(trashed.info.c_str());
     return true;
 }

@@ -27,13 +27,13 @@ struct Thing {
 // Moves the thing to the trash, and never another file that has taken its name since. `before` is
 // called with the place in the trash before the move, and again if that name is taken in between;
 // false cancels the move. False with the reason, in one line, in *problem.
-bool PutInTrash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
-                Trashed* trashed, std::string* problem);
+bool move_into_trash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
+                     Trashed* trashed, std::string* problem);
 
 // Why files in the folder cannot go to the trash; empty if they can. Makes the trash.
-std::string WhyNoTrash(int folder);
+std::string why_no_trash(int folder);
 
 // Moves a file from the trash into the folder under the name, which must be free. False with errno.
-bool TakeFromTrash(const Trashed& trashed, int folder, const std::string& name);
+bool take_from_trash(const Trashed& trashed, int folder, const std::string& name);
 
 }  // namespace operations

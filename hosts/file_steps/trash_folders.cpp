@@ -24,8 +24,8 @@ std::string home_trash() {
 bool is_on(std::string path, dev_t device) {
     struct stat what;
     while (stat(path.c_str(), &what) != 0) {
-        if (!IsMissing(errno) || path == "/") return false;
-        path = ParentOf(path);
+        if (!means_missing(errno) || path == "/") return false;
+        path = parent_of(path);
     }
     return what.st_dev == device;
 }
@@ -33,9 +33,9 @@ bool is_on(std::string path, dev_t device) {
 // The highest parent folder that is still on the same mount.
 std::string top_of_volume(std::string path, uint64_t mount) {
     while (path != "/") {
-        const std::string parent = ParentOf(path);
+        const std::string parent = parent_of(path);
         const Descriptor above(open(parent.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        if (!above || MountOf(above.get()) != mount) break;
+        if (!above || mount_of(above.get()) != mount) break;
         path = parent;
     }
     return path;
@@ -48,8 +48,8 @@ bool is_shared_trash(const std::string& path) {
 
 // Opens a part of a trash.
 Descriptor open_part(const std::string& path, std::string* problem) {
-    const std::string name = Quoted(path);
-    if (!MakeFolders(path)) {
+    const std::string name = in_quotes(path);
+    if (!make_folders(path)) {
         *problem = "cannot make " + name + ": " + strerror(errno);
         return Descriptor();
     }
@@ -70,13 +70,13 @@ Descriptor open_part(const std::string& path, std::string* problem) {
 
 }  // namespace
 
-std::vector<TrashFolder> TrashFoldersOf(int folder, const std::string& path) {
+std::vector<TrashFolder> trash_folders_of(int folder, const std::string& path) {
     std::vector<TrashFolder> folders;
     struct stat what;
     if (fstat(folder, &what) == 0 && is_on(home_trash(), what.st_dev)) {
         folders.push_back({home_trash(), "", true});
     }
-    const std::string top = top_of_volume(path, MountOf(folder));
+    const std::string top = top_of_volume(path, mount_of(folder));
     const std::string start = top == "/" ? "" : top, user = std::to_string(getuid());
     if (is_shared_trash(start + "/.Trash")) {
         folders.push_back({start + "/.Trash/" + user, start, false});
@@ -85,7 +85,7 @@ std::vector<TrashFolder> TrashFoldersOf(int folder, const std::string& path) {
     return folders;
 }
 
-OpenTrash OpenTrashFolder(const TrashFolder& trash) {
+OpenTrash open_trash_folder(const TrashFolder& trash) {
     OpenTrash open;
     const Descriptor whole = open_part(trash.path, &open.problem);
     if (open.problem.empty()) open.info = open_part(trash.path + "/info", &open.problem);

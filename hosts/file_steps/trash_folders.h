@@ -16,7 +16,7 @@ struct TrashFolder {
 
 // The trash folders for the entries of the open folder, the first choice first. `path` is the
 // folder's path.
-std::vector<TrashFolder> TrashFoldersOf(int folder, const std::string& path);
+std::vector<TrashFolder> trash_folders_of(int folder, const std::string& path);
 
 // An open trash.
 struct OpenTrash {
@@ -25,6 +25,6 @@ struct OpenTrash {
 };
 
 // Opens the trash and makes its missing parts. Uses only this user's folders, and follows no links.
-OpenTrash OpenTrashFolder(const TrashFolder& trash);
+OpenTrash open_trash_folder(const TrashFolder& trash);
 
 }  // namespace operations

@@ -42,7 +42,7 @@ TreeCopy::TreeCopy(Work& work, int destination, const std::string& prefix, bool 
       destination_(destination),
       prefix_(prefix),
       for_move_(for_move),
-      inherits_(PassesAccessListOn(destination)) {
+      inherits_(passes_access_list_on(destination)) {
     struct stat what;
     if (fstat(destination, &what) == 0) destination_identity_ = {what.st_dev, what.st_ino};
 }
@@ -106,7 +106,7 @@ bool TreeCopy::copy_file(const Place& source, const Place& target) {
         if (!changed) return false;
         unlinkat(target.folder, target.name.c_str(), 0);
     }
-    return work_.fail(QuotedName(source.path) + " was changed while it was read");
+    return work_.fail(quoted_name(source.path) + " was changed while it was read");
 }
 
 bool TreeCopy::copy_once(const Place& source, const Place& target, bool* changed) {
@@ -121,7 +121,7 @@ bool TreeCopy::copy_once(const Place& source, const Place& target, bool* changed
     if (!to) return work_.fail("cannot write", source.path, errno);
     forget_inherited(to.get(), target);
     if (!copy_bytes(from.get(), to.get(), what, source.path, changed)) return false;
-    if (!KeepAttributes(from.get(), to.get(), what, source.path, work_)) return false;
+    if (!keep_attributes(from.get(), to.get(), what, source.path, work_)) return false;
     if (fstat(from.get(), &after) != 0 || !is_same(what, after)) return !(*changed = true);
     remember(what);
     wrote(to.get());
@@ -131,15 +131,15 @@ bool TreeCopy::copy_once(const Place& source, const Place& target, bool* changed
 bool TreeCopy::copy_bytes(int from, int to, const struct stat& what, const std::string& path,
                           bool* changed) {
     const auto piece = [&](uint64_t size) { return work_.advance(path, 0, size); };
-    const int error = CopyData(from, to, static_cast<uint64_t>(what.st_size),
-                               static_cast<uint64_t>(what.st_blocks), piece);
+    const int error = copy_data(from, to, static_cast<uint64_t>(what.st_size),
+                                static_cast<uint64_t>(what.st_blocks), piece);
     if (error == 0) return true;
     *changed = error == ESTALE;
     return !*changed && work_.fail("cannot copy", path, error);
 }
 
 bool TreeCopy::copy_folder(const Place& source, const Place& target) {
-    const Descriptor from = OpenFolder(source.folder, source.name.c_str());
+    const Descriptor from = open_folder_at(source.folder, source.name.c_str());
     struct stat before, after;
     if (!from || fstat(from.get(), &before) != 0) {
         return work_.fail("cannot read", source.path, errno);
@@ -148,16 +148,16 @@ bool TreeCopy::copy_folder(const Place& source, const Place& target) {
     if (mkdirat(target.folder, target.name.c_str(), 0700) != 0) {
         return work_.fail("cannot make", source.path, errno);
     }
-    const Descriptor to = OpenFolder(target.folder, target.name.c_str());
+    const Descriptor to = open_folder_at(target.folder, target.name.c_str());
     if (!to) return work_.fail("cannot write", source.path, errno);
     forget_inherited(to.get(), target);
     depth_++;
     const bool copied = copy_content(from.get(), to.get(), source, target);
     depth_--;
     if (!copied) return false;
-    if (!KeepAttributes(from.get(), to.get(), before, source.path, work_)) return false;
+    if (!keep_attributes(from.get(), to.get(), before, source.path, work_)) return false;
     if (for_move_ && (fstat(from.get(), &after) != 0 || !is_same(before, after))) {
-        return work_.fail(QuotedName(source.path) + " was changed while it was read");
+        return work_.fail(quoted_name(source.path) + " was changed while it was read");
     }
     remember(before);
     wrote(to.get());
@@ -166,7 +166,7 @@ bool TreeCopy::copy_folder(const Place& source, const Place& target) {
 
 bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& target) {
     std::vector<std::string> names;
-    if (!ReadNames(from, &names)) return work_.fail("cannot read", source.path, errno);
+    if (!names_in_folder(from, &names)) return work_.fail("cannot read", source.path, errno);
     for (const std::string& name : names) {
         const Place entry = inside(from, source, name);
         struct stat what;
@@ -181,18 +181,18 @@ bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& 
 bool TreeCopy::may_enter(int folder, const struct stat& what, const Place& source) {
     if (Identity(what.st_dev, what.st_ino) == destination_identity_) {
         return work_.fail("a folder cannot be copied into itself, and the destination " +
-                          QuotedName(source.path) + " is inside the one that is copied");
+                          quoted_name(source.path) + " is inside the one that is copied");
     }
     if (depth_ >= deepest_folder) {
-        return work_.fail(QuotedName(source.path) + " is nested more than " +
+        return work_.fail(quoted_name(source.path) + " is nested more than " +
                           std::to_string(deepest_folder) + " folders deep");
     }
     return !for_move_ || may_remove_from(folder, source);
 }
 
 bool TreeCopy::may_remove_from(int folder, const Place& source) {
-    if (MountOf(folder) != MountOf(source.folder)) {
-        return work_.fail("another volume is mounted at " + QuotedName(source.path) +
+    if (mount_of(folder) != mount_of(source.folder)) {
+        return work_.fail("another volume is mounted at " + quoted_name(source.path) +
                           ", which cannot be moved");
     }
     if (faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0) return true;
@@ -209,7 +209,7 @@ bool TreeCopy::copy_link(const Place& source, const Place& target, const struct 
     }
     remember(what);
     wrote();
-    return KeepPlainAttributes(target.folder, target.name.c_str(), what, source.path, work_);
+    return keep_plain_attributes(target.folder, target.name.c_str(), what, source.path, work_);
 }
 
 bool TreeCopy::copy_node(const Place& source, const Place& target, const struct stat& what) {
@@ -221,11 +221,11 @@ bool TreeCopy::copy_node(const Place& source, const Place& target, const struct 
     }
     remember(what);
     wrote();
-    return KeepPlainAttributes(target.folder, target.name.c_str(), what, source.path, work_);
+    return keep_plain_attributes(target.folder, target.name.c_str(), what, source.path, work_);
 }
 
 void TreeCopy::forget_inherited(int made, const Place& target) {
-    if (inherits_ && target.folder == destination_) ForgetAccessLists(made);
+    if (inherits_ && target.folder == destination_) forget_access_lists(made);
 }
 
 // Up to a few files are synced one by one; for many, or files that cannot be opened, the whole file

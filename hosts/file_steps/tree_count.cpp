@@ -34,9 +34,9 @@ void TreeCount::count(int parent, const char* name, int depth) {
     if (!S_ISDIR(what.st_mode)) return;
     if (depth > deepest_counted) cancelled_ = true;
     if (cancelled_) return;
-    const Descriptor folder = OpenFolder(parent, name);
+    const Descriptor folder = open_folder_at(parent, name);
     std::vector<std::string> names;
-    if (!folder || !ReadNames(folder.get(), &names)) return;
+    if (!folder || !names_in_folder(folder.get(), &names)) return;
     for (const std::string& entry : names) count(folder.get(), entry.c_str(), depth + 1);
 }
 

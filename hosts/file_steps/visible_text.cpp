@@ -69,7 +69,7 @@ std::string escape_of(uint32_t character) {
 
 }  // namespace
 
-std::string VisibleText(std::string_view text) {
+std::string visible_text(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
         uint32_t character = 0;
@@ -86,17 +86,17 @@ std::string VisibleText(std::string_view text) {
     return shown;
 }
 
-std::string Quoted(std::string_view text) { return '"' + VisibleText(text) + '"'; }
+std::string in_quotes(std::string_view text) { return '"' + visible_text(text) + '"'; }
 
-std::string_view LastComponent(std::string_view path) {
+std::string_view last_component(std::string_view path) {
     const std::string_view name = path.substr(path.rfind('/') + 1);
     return name.empty() ? path : name;
 }
 
-std::string QuotedName(std::string_view path) { return Quoted(LastComponent(path)); }
+std::string quoted_name(std::string_view path) { return in_quotes(last_component(path)); }
 
-std::string WindowName(std::string_view path) {
-    return "“" + VisibleText(LastComponent(path)) + "”";
+std::string window_name(std::string_view path) {
+    return "“" + visible_text(last_component(path)) + "”";
 }
 
 }  // namespace operations

@@ -8,15 +8,15 @@ namespace operations {
 
 // The text on one line: control characters, characters that break or reorder a line, and bytes that
 // are not UTF-8 are written as escapes, such as \n, \x1b and \u202e.
-std::string VisibleText(std::string_view text);
+std::string visible_text(std::string_view text);
 
-// VisibleText() in double quotes, for a terminal: "notes.txt".
-std::string Quoted(std::string_view text);
+// visible_text() in double quotes, for a terminal: "notes.txt".
+std::string in_quotes(std::string_view text);
 // The last component of a path; "/" for the root.
-std::string_view LastComponent(std::string_view path);
+std::string_view last_component(std::string_view path);
 // The last component, quoted for a terminal.
-std::string QuotedName(std::string_view path);
+std::string quoted_name(std::string_view path);
 // The last component, quoted for a window: “notes.txt”.
-std::string WindowName(std::string_view path);
+std::string window_name(std::string_view path);
 
 }  // namespace operations

@@ -12,7 +12,7 @@ namespace operations {
 bool Work::fail(const std::string& what, const std::string& path, int error) {
     char buffer[128];
     const char* text = strerror_r(error, buffer, sizeof buffer);
-    return fail(what + " " + QuotedName(path) + ": " + text);
+    return fail(what + " " + quoted_name(path) + ": " + text);
 }
 
 bool Work::fail(const std::string& line) {

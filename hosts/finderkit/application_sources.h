@@ -13,11 +13,11 @@ struct ApplicationSources {
 
 // One line that names the places where applications are searched. When it changes, the search must
 // be repeated.
-std::string DescribeApplicationSources();
+std::string describe_application_sources();
 
 // Finds all entries and bundles; if several have one name, the first, in the order of the desktop.
-ApplicationSources FindApplicationSources();
+ApplicationSources find_application_sources();
 
 // Whether the bundle is a visible program that declares the files it opens. *name receives the
 // program's own name.
-bool IsOfferedBundle(const std::string& path, std::string* name);
+bool is_offered_bundle(const std::string& path, std::string* name);

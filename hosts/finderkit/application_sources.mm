@@ -108,7 +108,7 @@ std::string name_of(NSDictionary* information, const std::string& path) {
 
 }  // namespace
 
-std::string DescribeApplicationSources() {
+std::string describe_application_sources() {
     const char* desktop = g_getenv("XDG_CURRENT_DESKTOP");
     std::string line = desktop ? desktop : "";
     // The language determines the names and their order.
@@ -121,7 +121,7 @@ std::string DescribeApplicationSources() {
     return line;
 }
 
-ApplicationSources FindApplicationSources() {
+ApplicationSources find_application_sources() {
     ApplicationSources sources;
     Folders seen;
     for (const std::string& folder : data_folders()) {
@@ -131,7 +131,7 @@ ApplicationSources FindApplicationSources() {
     return sources;
 }
 
-bool IsOfferedBundle(const std::string& path, std::string* name) {
+bool is_offered_bundle(const std::string& path, std::string* name) {
     @autoreleasepool {
         NSString* text = [NSString stringWithUTF8String:path.c_str()];
         @try {

@@ -37,7 +37,7 @@ std::string stamp_of(const std::string& path) {
 // Whether a folder with this record is still up to date.
 bool is_current(const LinkRecord& record, time_t made_at) {
     const time_t age = time(nullptr) - made_at;
-    return age >= 0 && age <= longest_trust && record.origin == DescribeApplicationSources() &&
+    return age >= 0 && age <= longest_trust && record.origin == describe_application_sources() &&
            std::all_of(record.stamps.begin(), record.stamps.end(),
                        [](const auto& one) { return stamp_of(one.first) == one.second; });
 }
@@ -66,19 +66,19 @@ void add_link(const std::string& name, const std::string& file, const std::strin
 
 LinkRecord offered_applications() {
     LinkRecord record;
-    record.origin = DescribeApplicationSources();
-    const ApplicationSources sources = FindApplicationSources();
+    record.origin = describe_application_sources();
+    const ApplicationSources sources = find_application_sources();
     for (const std::string& folder : sources.folders) record.stamps[folder] = stamp_of(folder);
     std::set<std::string> names;
     std::string name;
     for (const auto& [file, path] : sources.entries) {
-        if (!IsOfferedEntry(path, &name)) continue;
+        if (!is_offered_entry(path, &name)) continue;
         add_link(name, file, path, &record);
         names.insert(name);
     }
     for (const auto& [file, path] : sources.bundles) {
         // Many bundles also have a desktop entry.
-        if (!IsOfferedBundle(path, &name) || !names.insert(name).second) continue;
+        if (!is_offered_bundle(path, &name) || !names.insert(name).second) continue;
         add_link(name, file, path, &record);
     }
     return record;
@@ -104,38 +104,38 @@ std::string configured_folder() {
 
 }  // namespace
 
-std::string ApplicationsFolder() { return own_place() + "/applications"; }
+std::string applications_folder() { return own_place() + "/applications"; }
 
-bool UpdateApplicationsFolder() {
+bool update_applications_folder() {
     try {
         LinkRecord record;
         time_t made_at = 0;
-        const std::string path = ApplicationsFolder();
-        if (ReadLinkFolder(path, &record, &made_at) && is_current(record, made_at)) return true;
+        const std::string path = applications_folder();
+        if (read_link_folder(path, &record, &made_at) && is_current(record, made_at)) return true;
         std::error_code error;
         fs::create_directories(own_place(), error);
-        return !error && MakeLinkFolder(path, offered_applications());
+        return !error && make_link_folder(path, offered_applications());
     } catch (...) {
         return false;
     }
 }
 
-void OfferApplicationsFolder(CFStringRef domain) {
-    UpdateApplicationsFolder();
+void offer_applications_folder(CFStringRef domain) {
+    update_applications_folder();
     if (domain) CFRetain(domain);
     CFRelease(plug_in_domain);
     plug_in_domain = domain;
     LinkRecord record;
     time_t made_at = 0;
-    if (!domain || !ReadLinkFolder(ApplicationsFolder(), &record, &made_at)) return;
+    if (!domain || !read_link_folder(applications_folder(), &record, &made_at)) return;
     const CFStringRef path =
-        CFStringCreateWithCString(nullptr, ApplicationsFolder().c_str(), kCFStringEncodingUTF8);
-    if (path) SetFallbackPreference(CFSTR("open_with_path"), path, domain);
+        CFStringCreateWithCString(nullptr, applications_folder().c_str(), kCFStringEncodingUTF8);
+    if (path) set_fallback_preference(CFSTR("open_with_path"), path, domain);
     CFRelease(path);
 }
 
-void PrepareApplications() {
-    if (!ApplicationsAreWatched()) UpdateApplicationsFolder();
+void prepare_applications() {
+    if (!applications_are_watched()) update_applications_folder();
     const std::string folder = configured_folder();
-    DeclareApplicationsFolder(folder.empty() ? nullptr : folder.c_str());
+    declare_applications_folder(folder.empty() ? nullptr : folder.c_str());
 }

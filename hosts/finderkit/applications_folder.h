@@ -9,15 +9,15 @@
 #include <string>
 
 // The folder's path, whether or not the folder exists.
-std::string ApplicationsFolder();
+std::string applications_folder();
 
 // Brings the folder up to date. This costs a few stat calls when nothing has changed since any
 // program last did it. False when the folder cannot be made; it may then be out of date or missing.
-bool UpdateApplicationsFolder();
+bool update_applications_folder();
 
 // Makes the plug-in with these preferences list this folder, unless the user has named another one.
-void OfferApplicationsFolder(CFStringRef domain);
+void offer_applications_folder(CFStringRef domain);
 
 // Called before a menu: brings the folder up to date unless it is watched, and trusts the
 // applications of the folder that the user has named in those preferences.
-void PrepareApplications();
+void prepare_applications();

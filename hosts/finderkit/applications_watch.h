@@ -5,7 +5,7 @@
 // From now on the folder is updated soon after a program was installed or removed, and once an
 // hour. Updates run between two events, never while a menu is open. False where the system does not
 // report changes.
-bool WatchApplications();
+bool watch_applications();
 
-// Whether WatchApplications() has been called and succeeded.
-bool ApplicationsAreWatched();
+// Whether watch_applications() has been called and succeeded.
+bool applications_are_watched();

@@ -57,7 +57,7 @@ void watch_folder(int changes, std::string folder) {
 }
 
 - (void)watchFolders {
-    for (const std::string& folder : FindApplicationSources().folders) {
+    for (const std::string& folder : find_application_sources().folders) {
         watch_folder(_changes, folder);
     }
 }
@@ -81,13 +81,13 @@ void watch_folder(int changes, std::string folder) {
 }
 
 - (void)update {
-    UpdateApplicationsFolder();
+    update_applications_folder();
     [self watchFolders];
 }
 
 @end
 
-bool WatchApplications() {
+bool watch_applications() {
     if (is_watching) return true;
     const int changes = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
     if (changes < 0) return false;
@@ -95,4 +95,4 @@ bool WatchApplications() {
     return is_watching = true;
 }
 
-bool ApplicationsAreWatched() { return is_watching; }
+bool applications_are_watched() { return is_watching; }

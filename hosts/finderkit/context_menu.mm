@@ -63,7 +63,7 @@ NSURL* file_url(const std::string& path) {
 
 // The installed applications, and the setting, may have changed since the last menu.
 - (instancetype)initWithTitle:(NSString*)title {
-    if ((self = [super initWithTitle:title])) PrepareApplications();
+    if ((self = [super initWithTitle:title])) prepare_applications();
     return self;
 }
 

@@ -44,7 +44,7 @@ class DesktopCarrier : public Carrier {
 std::string why_not(const std::string& source) {
     struct stat status;
     if (lstat(source.c_str(), &status) == 0) return "";
-    const std::string name = operations::QuotedName(source);
+    const std::string name = operations::quoted_name(source);
     return errno == ENOENT ? name + " is no longer there" : name + ": " + strerror(errno);
 }
 
@@ -76,11 +76,11 @@ void refuse(Report* report, const std::string& reason) {
 
 // Asks each manager until one is there.
 Handover ask(const Request& request, std::string* reason) {
-    const files::ObjectOwner<GDBusConnection> bus = ConnectToSessionBus();
+    const files::ObjectOwner<GDBusConnection> bus = connect_to_session_bus();
     if (!bus) return Handover::absent;
-    for (const DesktopManager* manager : ManagersOnBus(bus.get())) {
-        const Handover result = AskManager(bus.get(), *manager, request, reason);
-        if (result == Handover::taken) operations::NoteDoneElsewhere(request, manager->name);
+    for (const DesktopManager* manager : managers_on_bus(bus.get())) {
+        const Handover result = ask_manager(bus.get(), *manager, request, reason);
+        if (result == Handover::taken) operations::note_done_elsewhere(request, manager->name);
         if (result != Handover::absent) return result;
     }
     return Handover::absent;
@@ -115,6 +115,6 @@ void DesktopCarrier::hand_over(RequestQueue::Job job) {
 
 }  // namespace
 
-std::unique_ptr<Carrier> MakeDesktopCarrier(std::unique_ptr<Carrier> other) {
+std::unique_ptr<Carrier> make_desktop_carrier(std::unique_ptr<Carrier> other) {
     return std::make_unique<DesktopCarrier>(std::move(other));
 }

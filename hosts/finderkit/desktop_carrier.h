@@ -11,4 +11,5 @@
 // accepted counts as done, without a target. `other` gets the requests that the file manager has no
 // call for (aliases, and replacing without a question), and all requests where there is no such
 // file manager.
-std::unique_ptr<operations::Carrier> MakeDesktopCarrier(std::unique_ptr<operations::Carrier> other);
+std::unique_ptr<operations::Carrier> make_desktop_carrier(
+    std::unique_ptr<operations::Carrier> other);

@@ -77,7 +77,7 @@ void add_named(const std::vector<std::string>& names, std::vector<const DesktopM
 
 }  // namespace
 
-std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus) {
+std::vector<const DesktopManager*> managers_on_bus(GDBusConnection* bus) {
     std::vector<const DesktopManager*> found;
     for (const char* method : {"ListNames", "ListActivatableNames"}) {
         add_named(names_from_bus(bus, method), &found);

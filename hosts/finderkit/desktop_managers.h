@@ -23,12 +23,12 @@ struct DesktopManager {
 };
 
 // The running file managers, then those that the bus can start; in each group the user's own first.
-std::vector<const DesktopManager*> ManagersOnBus(GDBusConnection* bus);
+std::vector<const DesktopManager*> managers_on_bus(GDBusConnection* bus);
 
 enum class Handover { taken, absent, refused };
 
 // Asks the manager for the operation and waits for its answer; a manager that exits at that moment
 // is started again. `absent`: the manager is not there, or has no such method. `refused`: *reason
 // says why, in one line.
-Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
-                    const operations::Request& request, std::string* reason);
+Handover ask_manager(GDBusConnection* bus, const DesktopManager& manager,
+                     const operations::Request& request, std::string* reason);

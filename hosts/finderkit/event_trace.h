@@ -7,7 +7,7 @@
 
 // Appends each event that arrives from now on to the file, or writes it to standard error for "-".
 // False when the file cannot be written; then *problem says why, in one line.
-bool TraceEvents(const std::string& file, std::string* problem);
+bool trace_events(const std::string& file, std::string* problem);
 
 // A line with the event's class, ID and target, then one line for each parameter; the items of a
 // list or record are indented below it. Ends with a newline.
@@ -15,4 +15,4 @@ bool TraceEvents(const std::string& file, std::string* problem);
 //   aevt/odoc to "MACS"
 //     ----: list of 1
 //       fsrf "/home/me/notes.txt"
-std::string DescribeEvent(const AppleEvent& event);
+std::string describe_event(const AppleEvent& event);

@@ -176,7 +176,7 @@ FourCharCode code_attribute(const AppleEvent& event, AEKeyword keyword) {
 
 OSErr write_down(const AppleEvent* event, AppleEvent*, void*) {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    const std::string text = DescribeEvent(*event);
+    const std::string text = describe_event(*event);
     [pool release];
     fwrite(text.data(), 1, text.size(), trace_file);
     fflush(trace_file);
@@ -185,13 +185,13 @@ OSErr write_down(const AppleEvent* event, AppleEvent*, void*) {
 
 }  // namespace
 
-std::string DescribeEvent(const AppleEvent& event) {
+std::string describe_event(const AppleEvent& event) {
     return code_name(code_attribute(event, keyEventClassAttr)) + "/" +
            code_name(code_attribute(event, keyEventIDAttr)) + " to \"" +
            code_name(code_attribute(event, keyAddressAttr)) + "\"\n" + describe_items(event, 2);
 }
 
-bool TraceEvents(const std::string& file, std::string* problem) {
+bool trace_events(const std::string& file, std::string* problem) {
     FILE* opened = file == "-" ? stderr : fopen(file.c_str(), "ae");
     if (!opened) {
         *problem = "cannot write the trace to " + file + ": " + strerror(errno);

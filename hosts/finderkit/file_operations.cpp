@@ -106,9 +106,9 @@ bool is_told_to_replace(const AppleEvent* event) {
 
 }  // namespace
 
-void SetFileOperationService(const FileOperationService& wanted) { service() = wanted; }
+void set_file_operation_service(const FileOperationService& wanted) { service() = wanted; }
 
-OSErr ReadFileOperation(const AppleEvent* event, Request* request) {
+OSErr read_file_operation(const AppleEvent* event, Request* request) {
     const Operation* operation = operation_of(event);
     if (!operation) return errAEEventNotHandled;
     if (operation->kind == Kind::Alias && !makes_aliases(event)) return errAEEventNotHandled;
@@ -120,10 +120,10 @@ OSErr ReadFileOperation(const AppleEvent* event, Request* request) {
     return read_destination(event, &request->destination);
 }
 
-OSErr AnswerFileOperation(const AppleEvent* event, AppleEvent*, void*) {
+OSErr answer_file_operation(const AppleEvent* event, AppleEvent*, void*) {
     if (!service().carrier) return errAEEventNotHandled;
     Request request;
-    const OSErr error = ReadFileOperation(event, &request);
+    const OSErr error = read_file_operation(event, &request);
     // An empty list does nothing.
     if (error != noErr || request.sources.empty()) return error;
     const auto observer = service().observer(request);

@@ -24,11 +24,11 @@ struct FileOperationService {
 
 // Takes effect with the next event. Without a carrier, events that ask for operations are not
 // handled.
-void SetFileOperationService(const FileOperationService& service);
+void set_file_operation_service(const FileOperationService& service);
 
 // Reads what an event asks for: files by their paths, whether or not they exist; if the destination
 // is a link to a folder, that folder. errAEEventNotHandled for an event that is none of these.
-OSErr ReadFileOperation(const AppleEvent* event, operations::Request* request);
+OSErr read_file_operation(const AppleEvent* event, operations::Request* request);
 
 // The handler of these events.
-OSErr AnswerFileOperation(const AppleEvent* event, AppleEvent* reply, void* refcon);
+OSErr answer_file_operation(const AppleEvent* event, AppleEvent* reply, void* refcon);

@@ -9,8 +9,8 @@
 //
 //   open documents ("aevt", "odoc")   opens each file as the workspace does
 //   move, clone, create element, delete   see finderkit/file_operations.h
-bool AnswerFinderEvents(std::string* problem);
+bool answer_finder_events(std::string* problem);
 
 // Runs the run loop until every event sent so far has been handled. For a host that is about to
 // exit.
-void FinishFinderEvents();
+void finish_finder_events();

@@ -20,7 +20,7 @@ OSErr open_document(const AEDescList* documents, long index) {
     char path[PATH_MAX];
     if (error == noErr) error = FSRefMakePath(&ref, reinterpret_cast<UInt8*>(path), sizeof path);
     if (error != noErr) return static_cast<OSErr>(error);
-    return OpenFile(path) ? OSErr{noErr} : OSErr{errAEEventNotHandled};
+    return open_picked_file(path) ? OSErr{noErr} : OSErr{errAEEventNotHandled};
 }
 
 // If a document cannot be opened, goes on with the next; returns the first error.
@@ -46,24 +46,24 @@ const struct {
     AEEventHandlerUPP handler;
 } answers[] = {
     {kCoreEventClass, kAEOpenDocuments, open_documents},
-    {kAECoreSuite, kAEMove, AnswerFileOperation},
-    {kAECoreSuite, kAEClone, AnswerFileOperation},
-    {kAECoreSuite, kAECreateElement, AnswerFileOperation},
-    {kAECoreSuite, kAEDelete, AnswerFileOperation},
+    {kAECoreSuite, kAEMove, answer_file_operation},
+    {kAECoreSuite, kAEClone, answer_file_operation},
+    {kAECoreSuite, kAECreateElement, answer_file_operation},
+    {kAECoreSuite, kAEDelete, answer_file_operation},
 };
 
 }  // namespace
 
-bool AnswerFinderEvents(std::string* problem) {
+bool answer_finder_events(std::string* problem) {
     for (const auto& answer : answers) {
         AEInstallEventHandler(answer.event_class, answer.event_id, answer.handler, nullptr, false);
     }
     const char* trace = getenv("DELVIO_TRACE");
-    return !trace || !*trace || TraceEvents(trace, problem);
+    return !trace || !*trace || trace_events(trace, problem);
 }
 
-void FinishFinderEvents() {
-    while (AppleEventsAreWaiting()) {
+void finish_finder_events() {
+    while (apple_events_are_waiting()) {
         [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
     }
 }

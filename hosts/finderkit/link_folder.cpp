@@ -217,7 +217,7 @@ LinkRecord without_line_breaks(const LinkRecord& record) {
 
 }  // namespace
 
-bool ReadLinkFolder(const std::string& path, LinkRecord* record, time_t* made_at) {
+bool read_link_folder(const std::string& path, LinkRecord* record, time_t* made_at) {
     const Descriptor folder(open_folder(path));
     if (!read_record(folder, record, made_at)) return false;
     return std::all_of(record->links.begin(), record->links.end(), [&](const auto& link) {
@@ -225,7 +225,7 @@ bool ReadLinkFolder(const std::string& path, LinkRecord* record, time_t* made_at
     });
 }
 
-bool MakeLinkFolder(const std::string& path, const LinkRecord& record) {
+bool make_link_folder(const std::string& path, const LinkRecord& record) {
     remove_leftovers(path);
     if (is_there(path) && !is_ours(path)) return false;
     const std::string fresh = fresh_folder(path);

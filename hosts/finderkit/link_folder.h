@@ -16,9 +16,9 @@ struct LinkRecord {
 
 // Reads the record of the folder at `path`, and when the folder was made. False when the folder
 // does not exist, was not made by this program and user, or has lost one of its links.
-bool ReadLinkFolder(const std::string& path, LinkRecord* record, time_t* made_at);
+bool read_link_folder(const std::string& path, LinkRecord* record, time_t* made_at);
 
 // Replaces the folder at `path` by a new one with these links and this record. False, with
 // everything as it was, when the path holds something that this program has not made, or the new
 // folder cannot be written. Paths and names with line breaks are left out.
-bool MakeLinkFolder(const std::string& path, const LinkRecord& record);
+bool make_link_folder(const std::string& path, const LinkRecord& record);

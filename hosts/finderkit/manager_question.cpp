@@ -101,8 +101,8 @@ bool takes(GDBusConnection* bus, const std::string& connection, const DesktopMan
 
 }  // namespace
 
-Handover AskManager(GDBusConnection* bus, const DesktopManager& manager,
-                    const operations::Request& request, std::string* reason) {
+Handover ask_manager(GDBusConnection* bus, const DesktopManager& manager,
+                     const operations::Request& request, std::string* reason) {
     const auto* method = std::find_if(std::begin(manager.methods), std::end(manager.methods),
                                       [&](const auto& one) { return one.kind == request.kind; });
     if (method == std::end(manager.methods)) return Handover::absent;

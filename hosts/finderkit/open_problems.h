@@ -12,18 +12,18 @@ struct OpenProblem {
 };
 
 // From now on `listener` gets each problem at once. There is only one listener.
-void ListenForOpenProblems(std::function<void(const OpenProblem&)> listener);
+void listen_for_open_problems(std::function<void(const OpenProblem&)> listener);
 
 // For a terminal: `cannot open "/home/me/a.qqq" with "GIMP": it is no longer there`.
-std::string LineOf(const OpenProblem& problem);
+std::string problem_line(const OpenProblem& problem);
 
 // Shows the problems in one panel, and returns when the panel has been closed; an empty list shows
 // nothing.
-void ShowOpenProblems(const std::vector<OpenProblem>& problems);
+void show_open_problems(const std::vector<OpenProblem>& problems);
 
 // Shows another failure: a title, and a reason, which is turned into a sentence.
-void ShowProblem(const std::string& title, const std::string& reason);
+void show_problem(const std::string& title, const std::string& reason);
 
 // Opens a file or folder as the workspace does; its name may hold any bytes. False when it could
 // not be opened; the listener gets the reason.
-bool OpenFile(const std::string& path);
+bool open_picked_file(const std::string& path);

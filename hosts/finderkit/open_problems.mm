@@ -21,9 +21,9 @@
 
 namespace {
 
-using operations::Quoted;
-using operations::VisibleText;
-using operations::WindowName;
+using operations::in_quotes;
+using operations::visible_text;
+using operations::window_name;
 
 constexpr size_t most_lines = 6;
 
@@ -37,12 +37,12 @@ void hear(const char* file, const char* program, const char* reason) {
 }
 
 std::string subject_of(const OpenProblem& problem) {
-    return problem.file.empty() ? "The file" : WindowName(problem.file);
+    return problem.file.empty() ? "The file" : window_name(problem.file);
 }
 
 std::string title_of(const OpenProblem& problem) {
     const std::string title = subject_of(problem) + " cannot be opened";
-    return title + (problem.program.empty() ? "." : " with " + WindowName(problem.program) + ".");
+    return title + (problem.program.empty() ? "." : " with " + window_name(problem.program) + ".");
 }
 
 std::string sentence(std::string clause) {
@@ -54,7 +54,7 @@ std::string lines_of(const std::vector<OpenProblem>& problems) {
     std::string lines;
     for (size_t i = 0; i < problems.size() && i < most_lines; i++) {
         lines += (lines.empty() ? "" : "\n") + subject_of(problems[i]) + ": " +
-                 VisibleText(problems[i].reason);
+                 visible_text(problems[i].reason);
     }
     if (problems.size() > most_lines) {
         lines += "\nand " + std::to_string(problems.size() - most_lines) + " more";
@@ -96,14 +96,14 @@ void show_alert(const std::string& title, const std::string& text) {
 - (void)willPick:(NSNotification*)notification {
     NSMenuItem* item = [[notification userInfo] objectForKey:@"MenuItem"];
     // The plug-in does nothing with a file whose path is no text.
-    _isNameless = StandsForFile(item) && !PathOfItem(item);
-    _openings = CountOfOpenings();
+    _isNameless = stands_for_file(item) && !path_of_item(item);
+    _openings = count_of_openings();
 }
 
 - (void)didPick:(NSNotification*)notification {
     (void)notification;
     // Opening with a program and file operations work with any name.
-    const bool did_something = CountOfOpenings() != _openings || AppleEventsAreWaiting();
+    const bool did_something = count_of_openings() != _openings || apple_events_are_waiting();
     if (_isNameless && !did_something && listener()) {
         listener()({"", "", "its name is not UTF-8"});
     }
@@ -112,32 +112,32 @@ void show_alert(const std::string& title, const std::string& text) {
 
 @end
 
-void ListenForOpenProblems(std::function<void(const OpenProblem&)> wanted) {
+void listen_for_open_problems(std::function<void(const OpenProblem&)> wanted) {
     listener() = std::move(wanted);
-    SetOpenFailureListener(hear);
+    set_open_failure_listener(hear);
     [PickWatch watch];
 }
 
-std::string LineOf(const OpenProblem& problem) {
+std::string problem_line(const OpenProblem& problem) {
     std::string line = "cannot open ";
-    line += problem.file.empty() ? "the file" : Quoted(problem.file);
-    if (!problem.program.empty()) line += " with " + Quoted(problem.program);
-    return line + ": " + VisibleText(problem.reason);
+    line += problem.file.empty() ? "the file" : in_quotes(problem.file);
+    if (!problem.program.empty()) line += " with " + in_quotes(problem.program);
+    return line + ": " + visible_text(problem.reason);
 }
 
-void ShowOpenProblems(const std::vector<OpenProblem>& problems) {
+void show_open_problems(const std::vector<OpenProblem>& problems) {
     if (problems.empty()) return;
     if (problems.size() == 1) {
-        return show_alert(title_of(problems[0]), sentence(VisibleText(problems[0].reason)));
+        return show_alert(title_of(problems[0]), sentence(visible_text(problems[0].reason)));
     }
     show_alert(std::to_string(problems.size()) + " items cannot be opened.", lines_of(problems));
 }
 
-void ShowProblem(const std::string& title, const std::string& reason) {
-    show_alert(VisibleText(title), sentence(VisibleText(reason)));
+void show_problem(const std::string& title, const std::string& reason) {
+    show_alert(visible_text(title), sentence(visible_text(reason)));
 }
 
-bool OpenFile(const std::string& path) {
+bool open_picked_file(const std::string& path) {
     // The workspace takes a path, or, for a name that is not UTF-8, a file URL's text.
     FINode* node = [[[FINode alloc] initWithNode:{path}] autorelease];
     NSString* name = [[node url] path] ?: [[node url] absoluteString];

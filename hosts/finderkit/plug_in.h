@@ -7,12 +7,12 @@
 // The bundle's path: $DELVIO_BUNDLE; else in `folder`. If `folder` is empty: beside the running
 // program, in ../lib (as built) or ../lib/delvio (as installed). Empty when there is no bundle;
 // then *problem says where it was searched.
-std::string FindPlugIn(std::string* problem, const std::string& folder = "");
+std::string find_plug_in(std::string* problem, const std::string& folder = "");
 
 // The path of another of Delvio's bundles, beside the running program. Empty when there is none;
 // then *problem says where it was searched.
-std::string FindBundle(const std::string& name, std::string* problem);
+std::string find_bundle(const std::string& name, std::string* problem);
 
 // Declares this process a Finder ("MACS"), loads the bundle and calls its entry function.
 // False when that failed; then *problem says why, in one line.
-bool LoadPlugIn(const std::string& bundle, std::string* problem);
+bool load_plug_in(const std::string& bundle, std::string* problem);

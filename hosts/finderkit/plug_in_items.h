@@ -5,13 +5,13 @@
 #include <AppKit/AppKit.h>
 
 // Whether the item is the plug-in's and stands for a file.
-bool StandsForFile(NSMenuItem* item);
+bool stands_for_file(NSMenuItem* item);
 
 // The path of that file; nil for other items, and for a path that is no text.
-NSString* PathOfItem(NSMenuItem* item);
+NSString* path_of_item(NSMenuItem* item);
 
 // The file's name as the plug-in shows it; null for other items. It lives as long as the menu.
-const char* NameOfItem(NSMenuItem* item);
+const char* name_of_item(NSMenuItem* item);
 
 // The name of a question that the loaded plug-in cannot be asked, or null when it answers all.
-const char* MissingAnswer();
+const char* missing_answer();

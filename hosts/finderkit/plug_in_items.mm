@@ -19,19 +19,19 @@ void* tree_of(NSMenuItem* item) {
 
 }  // namespace
 
-bool StandsForFile(NSMenuItem* item) { return tree_of(item) != nullptr; }
+bool stands_for_file(NSMenuItem* item) { return tree_of(item) != nullptr; }
 
-NSString* PathOfItem(NSMenuItem* item) {
+NSString* path_of_item(NSMenuItem* item) {
     void* tree = tree_of(item);
     return tree ? [controller() stringPathForTree:tree] : nil;
 }
 
-const char* NameOfItem(NSMenuItem* item) {
+const char* name_of_item(NSMenuItem* item) {
     void* tree = tree_of(item);
     return tree ? [item_class() nameForTree:tree] : nullptr;
 }
 
-const char* MissingAnswer() {
+const char* missing_answer() {
     if (![item_class() instancesRespondToSelector:@selector(tree)]) return "tree";
     if (![item_class() respondsToSelector:@selector(nameForTree:)]) return "nameForTree:";
     if (![controller() respondsToSelector:@selector(stringPathForTree:)]) {

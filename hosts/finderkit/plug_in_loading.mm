@@ -44,7 +44,7 @@ void* code_handle(NSBundle* bundle, std::string* problem) {
 // would open it. Every other item is named like the file it stands for; a name that is not UTF-8
 // cannot be compared.
 BOOL only_heads_submenu(NSMenuItem* item) {
-    const char* name = NameOfItem(item);
+    const char* name = name_of_item(item);
     return name && [NSString stringWithUTF8String:name] &&
            strcmp(name, [[item title] UTF8String] ?: "") != 0;
 }
@@ -64,16 +64,16 @@ bool load_and_enter(const std::string& path, std::string* problem) {
         return false;
     }
     [NSMenu setHeadingQuestion:only_heads_submenu];
-    OfferApplicationsFolder(reinterpret_cast<CFStringRef>([bundle bundleIdentifier]));
+    offer_applications_folder(reinterpret_cast<CFStringRef>([bundle bundleIdentifier]));
     enter();
     return true;
 }
 
 }  // namespace
 
-bool LoadPlugIn(const std::string& path, std::string* problem) {
-    DeclareProcessSignature('MACS');
-    PlacePreviewsAsSet();
+bool load_plug_in(const std::string& path, std::string* problem) {
+    declare_process_signature('MACS');
+    place_previews_as_set();
     std::string reason;
     if (load_and_enter(path, &reason)) return true;
     *problem = "cannot load the plug-in " + path + ": " + reason;

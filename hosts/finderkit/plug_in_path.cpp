@@ -29,7 +29,7 @@ std::string find_in(const std::vector<fs::path>& folders, const std::string& nam
 
 }  // namespace
 
-std::string FindPlugIn(std::string* problem, const std::string& folder) {
+std::string find_plug_in(std::string* problem, const std::string& folder) {
     std::error_code error;
     if (const char* chosen = getenv("DELVIO_BUNDLE"); chosen && *chosen) {
         if (fs::is_directory(chosen, error)) return chosen;
@@ -46,7 +46,7 @@ std::string FindPlugIn(std::string* problem, const std::string& folder) {
     return found;
 }
 
-std::string FindBundle(const std::string& name, std::string* problem) {
+std::string find_bundle(const std::string& name, std::string* problem) {
     std::string sought;
     const std::string found = find_in(folders_beside_program(), name, &sought);
     if (found.empty()) *problem = "there is no " + name + " in " + sought;

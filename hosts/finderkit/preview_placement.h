@@ -4,4 +4,4 @@
 inline constexpr const char* preview_beside_menu_setting = "preview_beside_menu";
 
 // From now on previews appear beside the menu, unless the setting is 0; it is read anew each time.
-void PlacePreviewsAsSet();
+void place_previews_as_set();

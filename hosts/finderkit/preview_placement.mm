@@ -16,4 +16,4 @@ BOOL is_wanted() {
 
 }  // namespace
 
-void PlacePreviewsAsSet() { PlaceWindowsBesideMenus(is_wanted); }
+void place_previews_as_set() { place_windows_beside_menus(is_wanted); }

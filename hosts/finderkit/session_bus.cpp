@@ -3,4 +3,4 @@
 #include <host/glib_owners.h>
 #include <host/session_bus.h>
 
-files::ObjectOwner<GDBusConnection> ConnectToSessionBus() { return files::session_bus(); }
+files::ObjectOwner<GDBusConnection> connect_to_session_bus() { return files::session_bus(); }

@@ -5,4 +5,4 @@
 #include <gio/gio.h>
 
 // A connection; null when there is no bus, or the bus does not answer. Starts no bus. Any thread.
-files::ObjectOwner<GDBusConnection> ConnectToSessionBus();
+files::ObjectOwner<GDBusConnection> connect_to_session_bus();

@@ -7,4 +7,4 @@
 inline constexpr const char* settings_domain = "org.delvio.Delvio";
 
 // "the settings in FILE cannot be read" when that is so; else empty, even when there is no file.
-std::string SettingsProblem();
+std::string settings_problem();

@@ -2,7 +2,7 @@
 
 #include "corefoundation/defaults_file.h"
 
-std::string SettingsProblem() {
+std::string settings_problem() {
     DefaultsFile file(@(settings_domain));
     return file.refresh() ? "" : "the settings in " + file.path() + " cannot be read";
 }

@@ -22,7 +22,7 @@
 namespace {
 
 void complain(const std::string& problem) {
-    fprintf(stderr, "delvio: %s\n", operations::VisibleText(problem).c_str());
+    fprintf(stderr, "delvio: %s\n", operations::visible_text(problem).c_str());
 }
 
 // The folder of this library, where the bundles are.
@@ -40,24 +40,24 @@ std::string own_folder() {
 - (void)didFinishLaunching:(NSNotification*)notification {
     [[NSNotificationCenter defaultCenter] removeObserver:self];
     std::string problem;
-    const std::string bundle = FindPlugIn(&problem, own_folder());
+    const std::string bundle = find_plug_in(&problem, own_folder());
     if (bundle.empty()) return complain(problem);
-    const std::string corrupt = SettingsProblem();
+    const std::string corrupt = settings_problem();
     if (!corrupt.empty()) complain(corrupt + "; the default settings are used");
-    if (!AnswerFinderEvents(&problem)) complain(problem);
-    if (!LoadPlugIn(bundle, &problem)) return complain(problem);
-    WatchApplications();
-    OpenFilesWithGWorkspace();
-    OfferGWorkspaceOperations();
-    TakeMenuPresses();
-    EndTypeSelections();
+    if (!answer_finder_events(&problem)) complain(problem);
+    if (!load_plug_in(bundle, &problem)) return complain(problem);
+    watch_applications();
+    open_files_with_gworkspace();
+    offer_gworkspace_operations();
+    take_menu_presses();
+    end_type_selections();
     (void)notification;
 }
 
 @end
 
 extern "C" __attribute__((visibility("default"))) void DelvioStartInGWorkspace() {
-    KeepGWorkspaceIcons();
+    keep_gworkspace_icons();
     static DelvioGWorkspaceLaunch* launch = [DelvioGWorkspaceLaunch new];
     [[NSNotificationCenter defaultCenter] addObserver:launch
                                              selector:@selector(didFinishLaunching:)

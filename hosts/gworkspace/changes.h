@@ -4,4 +4,4 @@
 
 #include "file_steps/request.h"
 
-void TellGWorkspace(const operations::Request& request, const operations::Report& report);
+void tell_gworkspace(const operations::Request& request, const operations::Report& report);

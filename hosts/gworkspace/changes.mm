@@ -39,7 +39,7 @@ void tell_of(const Outcome& outcome, Kind kind) {
 
 }  // namespace
 
-void TellGWorkspace(const Request& request, const Report& report) {
+void tell_gworkspace(const Request& request, const Report& report) {
     for (const Outcome& outcome : report.outcomes) {
         if (outcome.state == State::Done) tell_of(outcome, request.kind);
     }

@@ -7,4 +7,4 @@
 #include "gworkspace/file_place.h"
 
 // Adds the commands that GWorkspace would accept at this place now.
-void AddCommands(NSMenu* menu, FilePlace* place);
+void add_commands(NSMenu* menu, FilePlace* place);

@@ -13,7 +13,7 @@ enum : unsigned {
 };
 
 // The actions of the main menu's items; an entry without an action is a separator.
-const struct command_t {
+const struct Command {
     const char* action;
     unsigned places;
 } commands[] = {
@@ -123,12 +123,12 @@ void close_group(NSMenu* menu) {
 
 }  // namespace
 
-void AddCommands(NSMenu* menu, FilePlace* place) {
+void add_commands(NSMenu* menu, FilePlace* place) {
     const unsigned here = places[[place kind]];
     // Every command is offered for a pointer: its item is not selected yet, so the target cannot be
     // asked.
     const bool is_pointer = here & (on_file_pointer | on_folder_pointer);
-    for (const command_t& command : commands) {
+    for (const Command& command : commands) {
         if (!(command.places & here)) continue;
         if (!command.action) {
             close_group(menu);

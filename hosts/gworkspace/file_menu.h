@@ -6,4 +6,4 @@
 #include "gworkspace/file_place.h"
 
 // Selects the clicked files, pops up their menu and returns when the menu has closed.
-void PopUpFileMenu(FilePlace* place, NSEvent* event);
+void pop_up_file_menu(FilePlace* place, NSEvent* event);

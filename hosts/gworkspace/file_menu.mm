@@ -82,7 +82,7 @@ void move_items(NSMenu* menu, NSMenu* own) {
     NSMenu* host = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [host setAutoenablesItems:NO];
     [self addOwnItemsTo:host];
-    AddCommands(host, _place);
+    add_commands(host, _place);
     move_items(_menu, host);
 }
 
@@ -100,7 +100,7 @@ void move_items(NSMenu* menu, NSMenu* own) {
 
 @end
 
-void PopUpFileMenu(FilePlace* place, NSEvent* event) {
+void pop_up_file_menu(FilePlace* place, NSEvent* event) {
     [place select];
     GWorkspaceFileMenu* menu = [[GWorkspaceFileMenu alloc] initWithPlace:place event:event];
     @try {

@@ -5,7 +5,7 @@
 namespace {
 
 // The views of files, except the browser's columns.
-const struct view_t {
+const struct View {
     const char* view_class;
     const char* place_class;
     bool has_ground;
@@ -15,9 +15,9 @@ const struct view_t {
     {"GWViewerShelf", "PointerPlace", false}, {"Dock", "DockPlace", false},
 };
 
-const view_t* kind_of(NSView* view) {
-    for (const view_t& kind : views) {
-        if (IsOfGWorkspace(view, kind.view_class)) return &kind;
+const View* kind_of(NSView* view) {
+    for (const View& kind : views) {
+        if (is_of_gworkspace(view, kind.view_class)) return &kind;
     }
     return nullptr;
 }
@@ -51,7 +51,7 @@ FilePlace* place_in_browser(NSView* column, NSView* view, NSEvent* event) {
     return [[[BrowserPlace alloc] initWithColumn:column view:view cell:cell] autorelease];
 }
 
-FilePlace* place_in(NSView* container, const view_t& kind, NSView* icon, NSView* view,
+FilePlace* place_in(NSView* container, const View& kind, NSView* icon, NSView* view,
                     NSEvent* event) {
     id<GWRep> rep = (id<GWRep>)icon;
     if ([container isKindOfClass:[NSTableView class]]) {
@@ -90,9 +90,9 @@ bool has_menu_of_its_own(NSView* view) {
     NSView* icon = nil;
     for (NSView* each = hit; each; each = [each superview]) {
         NSView* view = scrolled_view(each);
-        if (IsOfGWorkspace(view, "FSNBrowserColumn")) return place_in_browser(view, hit, event);
-        if (IsOfGWorkspace(view, "FSNIcon") && is_on_icon(view, event)) icon = view;
-        const view_t* kind = kind_of(view);
+        if (is_of_gworkspace(view, "FSNBrowserColumn")) return place_in_browser(view, hit, event);
+        if (is_of_gworkspace(view, "FSNIcon") && is_on_icon(view, event)) icon = view;
+        const View* kind = kind_of(view);
         FilePlace* place = kind ? place_in(view, *kind, icon, hit, event) : nil;
         if (place) return place;
     }
@@ -162,7 +162,7 @@ bool has_menu_of_its_own(NSView* view) {
 }
 
 - (void)tellSelection {
-    if ([_nodes count] > 0) [SharedGWorkspace() selectionChanged:_nodes];
+    if ([_nodes count] > 0) [shared_gworkspace() selectionChanged:_nodes];
 }
 
 // The menu of the pressed view, or of a view that contains it.

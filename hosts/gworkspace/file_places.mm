@@ -6,7 +6,7 @@ constexpr int single_selection = 0;  // GWorkspace's mask
 
 NSView* browser_of(NSView* column) {
     NSView* view = column;
-    while (view && !IsOfGWorkspace(view, "FSNBrowser")) view = [view superview];
+    while (view && !is_of_gworkspace(view, "FSNBrowser")) view = [view superview];
     return view;
 }
 

@@ -65,9 +65,9 @@
 + (id<GWWorkspace>)gworkspace;
 @end
 
-inline id<GWWorkspace> SharedGWorkspace() { return [NSClassFromString(@"GWorkspace") gworkspace]; }
+inline id<GWWorkspace> shared_gworkspace() { return [NSClassFromString(@"GWorkspace") gworkspace]; }
 
-inline BOOL IsOfGWorkspace(id object, const char* class_name) {
+inline BOOL is_of_gworkspace(id object, const char* class_name) {
     Class wanted = objc_lookUpClass(class_name);
     return wanted && [object isKindOfClass:wanted];
 }

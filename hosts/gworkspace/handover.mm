@@ -136,7 +136,7 @@ bool suits_destination(const Request& request) {
 
 }  // namespace
 
-bool IsForGWorkspace(const Request& request) {
+bool is_for_gworkspace(const Request& request) {
     if (request.replace || request.sources.empty()) return false;
     const std::string folder = folder_of(request.sources.front());
     for (const std::string& source : request.sources) {
@@ -147,8 +147,8 @@ bool IsForGWorkspace(const Request& request) {
     return request.kind == Kind::Trash || suits_destination(request);
 }
 
-bool HandOver(const Request& request, const std::function<void()>& begins) {
-    id<GWWorkspace> workspace = SharedGWorkspace();
+bool hand_to_gworkspace(const Request& request, const std::function<void()>& begins) {
+    id<GWWorkspace> workspace = shared_gworkspace();
     NSMutableArray* names = [NSMutableArray array];
     for (const std::string& source : request.sources) {
         [names addObject:string_of(name_of(source))];
@@ -161,8 +161,8 @@ bool HandOver(const Request& request, const std::function<void()>& begins) {
                                      destination, @"destination", names, @"files", nil];
     static GWorkspaceBeginning* beginning = [GWorkspaceBeginning new];
     [beginning expect:order begins:begins];
-    GiveQuestionsTheKeyboard();
-    return BeginsAfterLook(
-        order, [&] { return IsForGWorkspace(request); },
+    give_questions_the_keyboard();
+    return begins_after_look(
+        order, [&] { return is_for_gworkspace(request); },
         [&] { [workspace performFileOperation:order]; });
 }

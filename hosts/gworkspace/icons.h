@@ -2,4 +2,4 @@
 #pragma once
 
 // From now on GWorkspace's windows keep GNUstep's icons, even if menus show other icons.
-void KeepGWorkspaceIcons();
+void keep_gworkspace_icons();

@@ -11,17 +11,17 @@
 @implementation NSObject (DelvioGWorkspaceIcons)
 
 - (NSImage*)delvioIconOfSize:(int)size forNode:(id)node {
-    UseStockFileIcons(YES);
+    use_stock_file_icons(YES);
     @try {
         return [self delvioIconOfSize:size forNode:node];
     } @finally {
-        UseStockFileIcons(NO);
+        use_stock_file_icons(NO);
     }
 }
 
 @end
 
-void KeepGWorkspaceIcons() {
+void keep_gworkspace_icons() {
     Class source = objc_lookUpClass("FSNodeRep");
     SEL replacement = @selector(delvioIconOfSize:forNode:);
     Method ours = class_getInstanceMethod([NSObject class], replacement);

@@ -10,5 +10,5 @@
 // Calls `start`, which gives the order to GWorkspace and may wait for a click. Calls `look` when
 // GWorkspace begins. Returns false if the look said no: GWorkspace has done nothing then, and does
 // nothing further. In any case GWorkspace replaces nothing, and does not ask to.
-bool BeginsAfterLook(NSDictionary* order, const std::function<bool()>& look,
-                     const std::function<void()>& start);
+bool begins_after_look(NSDictionary* order, const std::function<bool()>& look,
+                       const std::function<void()>& start);

@@ -117,8 +117,8 @@ void stand_between() {
 
 }  // namespace
 
-bool BeginsAfterLook(NSDictionary* order, const std::function<bool()>& look,
-                     const std::function<void()>& start) {
+bool begins_after_look(NSDictionary* order, const std::function<bool()>& look,
+                       const std::function<void()>& start) {
     stand_between();
     AwaitedOrder giving = {order, look, false};
     AwaitedOrder* before = given;

@@ -4,4 +4,4 @@
 // From now on the workspace opens folders in GWorkspace's windows, and starts GNUstep's programs,
 // also for their files, as GWorkspace does. All other files still go to the desktop's default
 // program.
-void OpenFilesWithGWorkspace();
+void open_files_with_gworkspace();

@@ -34,7 +34,7 @@ Opener opener_of(NSWorkspace* workspace, NSString* path) {
 }
 
 BOOL opened(BOOL done, NSString* path) {
-    if (!done) TellOpenFailure([path UTF8String], "", "its program does not start");
+    if (!done) report_open_failure([path UTF8String], "", "its program does not start");
     return done;
 }
 
@@ -68,7 +68,7 @@ BOOL opened(BOOL done, NSString* path) {
 
 - (void)show {
     const std::vector<OpenProblem> problems = std::exchange(*_problems, {});
-    ShowOpenProblems(problems);
+    show_open_problems(problems);
 }
 
 @end
@@ -82,12 +82,12 @@ BOOL opened(BOOL done, NSString* path) {
 - (BOOL)delvioOpenFile:(NSString*)path {
     switch (opener_of(self, path)) {
         case Opener::viewer:
-            [SharedGWorkspace() newViewerAtPath:path];
+            [shared_gworkspace() newViewerAtPath:path];
             return YES;
         case Opener::launcher:
             return opened([self launchApplication:path], path);
         case Opener::gnustep_program:
-            return opened([SharedGWorkspace() openFile:path], path);
+            return opened([shared_gworkspace() openFile:path], path);
         case Opener::desktop:
             break;
     }
@@ -96,9 +96,9 @@ BOOL opened(BOOL done, NSString* path) {
 
 @end
 
-void OpenFilesWithGWorkspace() {
+void open_files_with_gworkspace() {
     DelvioOpenProblems* problems = [DelvioOpenProblems new];  // for as long as the program runs
-    ListenForOpenProblems([problems](const OpenProblem& problem) { [problems add:problem]; });
+    listen_for_open_problems([problems](const OpenProblem& problem) { [problems add:problem]; });
     Class workspace = [NSWorkspace class];
     method_exchangeImplementations(class_getInstanceMethod(workspace, @selector(openFile:)),
                                    class_getInstanceMethod(workspace, @selector(delvioOpenFile:)));

@@ -3,4 +3,4 @@
 #pragma once
 
 // From now on GWorkspace carries out the file operations that Apple Events ask for.
-void OfferGWorkspaceOperations();
+void offer_gworkspace_operations();

@@ -41,17 +41,18 @@ using operations::Request;
 
 // GWorkspace shows its own windows; ours would cover its questions.
 - (void)start {
-    if (IsForGWorkspace(*_request) && [self handOver]) return;
+    if (is_for_gworkspace(*_request) && [self handOver]) return;
     const auto ended = [request = *_request](const operations::Report& report) {
-        TellGWorkspace(request, report);
+        tell_gworkspace(request, report);
     };
-    const auto windows = operations::MakeWindowObserver(*_request, ended, operations::Asks::Once);
+    const auto windows = operations::make_window_observer(*_request, ended, operations::Asks::Once);
     _engine->carry_out(*_request, windows);
 }
 
 - (bool)handOver {
-    return HandOver(
-        *_request, [request = *_request] { operations::NoteDoneElsewhere(request, "GWorkspace"); });
+    return hand_to_gworkspace(*_request, [request = *_request] {
+        operations::note_done_elsewhere(request, "GWorkspace");
+    });
 }
 
 @end
@@ -68,16 +69,16 @@ class GWorkspaceCarrier : public Carrier {
     }
 
   private:
-    const std::unique_ptr<Carrier> engine_ = operations::MakeEngine();
+    const std::unique_ptr<Carrier> engine_ = operations::make_engine();
 };
 
 }  // namespace
 
-void OfferGWorkspaceOperations() {
+void offer_gworkspace_operations() {
     FileOperationService service;
     service.carrier = std::make_shared<GWorkspaceCarrier>();
     // The observer depends on who carries the request out, which is decided when the request
     // starts.
     service.observer = [](const Request&) { return std::shared_ptr<Observer>(); };
-    SetFileOperationService(service);
+    set_file_operation_service(service);
 }

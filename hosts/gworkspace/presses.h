@@ -3,4 +3,4 @@
 
 // From now on a press on files, or on the background of a view of files, pops up their menu. All
 // other presses work as usual.
-void TakeMenuPresses();
+void take_menu_presses();

@@ -67,7 +67,7 @@ bool pop_up_menu(NSWindow* window, NSEvent* event) {
     FilePlace* place = [FilePlace placeOfEvent:event inWindow:window];
     if (!place) return false;
     if (is_control_press(event) && becomes_drag(event)) return false;
-    PopUpFileMenu(place, right_press(event));
+    pop_up_file_menu(place, right_press(event));
     return true;
 }
 
@@ -86,7 +86,7 @@ bool pop_up_menu(NSWindow* window, NSEvent* event) {
 
 @end
 
-void TakeMenuPresses() {
+void take_menu_presses() {
     Class window = [NSWindow class];
     method_exchangeImplementations(class_getInstanceMethod(window, @selector(sendEvent:)),
                                    class_getInstanceMethod(window, @selector(delvioSendEvent:)));

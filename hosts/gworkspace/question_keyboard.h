@@ -4,4 +4,4 @@
 // From now on each question of GWorkspace gets the keyboard focus when it appears. Without this, on
 // a busy machine, the window manager leaves the focus where the menu was, and Return answers
 // nothing.
-void GiveQuestionsTheKeyboard();
+void give_questions_the_keyboard();

@@ -40,7 +40,7 @@ bool own_window_has_keyboard() {
 
 @end
 
-void GiveQuestionsTheKeyboard() {
+void give_questions_the_keyboard() {
     static QuestionKeyboard* keyboard = nil;
     if (keyboard) return;
     keyboard = [QuestionKeyboard new];

@@ -26,7 +26,7 @@ BOOL select_cell(id column, SEL selector, NSString* prefix) {
 
 }  // namespace
 
-void EndTypeSelections() {
+void end_type_selections() {
     Class column = objc_lookUpClass("FSNBrowserColumn");
     Method method = class_getInstanceMethod(column, @selector(selectCellWithPrefix:));
     if (!method) return;

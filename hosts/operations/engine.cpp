@@ -16,7 +16,7 @@ class Engine : public Carrier {
   public:
     explicit Engine(std::string state_folder)
         : queue_([folder = std::move(state_folder)](RequestQueue::Job job) {
-              job.observer->ended(Perform(job.request, *job.observer, folder));
+              job.observer->ended(perform_request(job.request, *job.observer, folder));
           }) {}
     void carry_out(Request request, std::shared_ptr<Observer> observer) override {
         queue_.add({std::move(request), std::move(observer)});
@@ -42,22 +42,23 @@ const char* verb_of(Kind kind) {
 
 }  // namespace
 
-Report Perform(const Request& request, Observer& observer, const std::string& state_folder) {
+Report perform_request(const Request& request, Observer& observer,
+                       const std::string& state_folder) {
     return Operation(request, observer, state_folder, true).run();
 }
 
-void NoteDoneElsewhere(const Request& request, const std::string& who,
-                       const std::string& state_folder) {
+void note_done_elsewhere(const Request& request, const std::string& who,
+                         const std::string& state_folder) {
     if (request.sources.empty()) return;
     const size_t others = request.sources.size() - 1;
     std::string line = std::string("the last operation (") + verb_of(request.kind) + " " +
-                       QuotedName(request.sources.front());
+                       quoted_name(request.sources.front());
     if (others > 0) line += " and " + std::to_string(others) + (others == 1 ? " other" : " others");
     UndoJournal(state_folder)
         .elsewhere(line + ") was handed to " + who + ", and can only be undone there");
 }
 
-std::unique_ptr<Carrier> MakeEngine(const std::string& state_folder) {
+std::unique_ptr<Carrier> make_engine(const std::string& state_folder) {
     return std::make_unique<Engine>(state_folder);
 }
 

@@ -30,7 +30,7 @@ struct Left {
 // trash. The lock is released, because an undo would take it for a running operation.
 Left left_in(const std::string& state_folder) {
     Left left;
-    const std::string path = UndoJournalPath(state_folder);
+    const std::string path = undo_journal_path(state_folder);
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     struct stat what;
     if (!file || flock(file.get(), LOCK_SH | LOCK_NB) != 0 || fstat(file.get(), &what) != 0) {
@@ -41,7 +41,7 @@ Left left_in(const std::string& state_folder) {
     if (pread(file.get(), end.data(), end.size(), start) != static_cast<ssize_t>(end.size())) {
         return left;
     }
-    left.is_any = EndsWithTrashing(end, &left.trashed);
+    left.is_any = ends_with_trashing(end, &left.trashed);
     left.noted = what.st_mtim;
     return left;
 }
@@ -53,7 +53,7 @@ bool is_later(const timespec& one, const timespec& other) {
 
 void remove_if_alone(const Left& left) {
     struct stat file, info;
-    if (lstat(left.trashed.file.c_str(), &file) == 0 || !IsMissing(errno)) return;
+    if (lstat(left.trashed.file.c_str(), &file) == 0 || !means_missing(errno)) return;
     if (lstat(left.trashed.info.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return;
     // A later note belongs to another program, which has taken the name since and is about to use
     // it.
@@ -62,12 +62,12 @@ void remove_if_alone(const Left& left) {
 
 }  // namespace
 
-void BeginToRemoveLeftTrashInfo(const std::string& state_folder) {
+void begin_to_remove_left_trash_info(const std::string& state_folder) {
     const Left left = left_in(state_folder);
-    if (left.is_any) RunAlone([&] { remove_if_alone(left); });
+    if (left.is_any) run_alone([&] { remove_if_alone(left); });
 }
 
-void RemoveLeftTrashInfo(const std::string& state_folder) {
+void remove_left_trash_info(const std::string& state_folder) {
     const Left left = left_in(state_folder);
     if (left.is_any) remove_if_alone(left);
 }

@@ -8,9 +8,9 @@ namespace operations {
 
 // Removes the note, if the last operation left one, in a process of its own that nobody waits for.
 // Returns at once; on this thread, uses only the disk that holds the state.
-void BeginToRemoveLeftTrashInfo(const std::string& state_folder);
+void begin_to_remove_left_trash_info(const std::string& state_folder);
 
 // Does the same on this thread, and waits for the disk.
-void RemoveLeftTrashInfo(const std::string& state_folder);
+void remove_left_trash_info(const std::string& state_folder);
 
 }  // namespace operations

@@ -25,7 +25,7 @@ std::set<std::pair<dev_t, ino_t>> folders_above(int folder) {
 }
 
 bool is_plain_path(const std::string& path) {
-    const std::string name = NameOf(path);
+    const std::string name = name_in_path(path);
     return path.size() > 1 && path[0] == '/' && !name.empty() && name != "." && name != ".." &&
            path.find('\0') == std::string::npos;
 }
@@ -44,8 +44,8 @@ Operation::Operation(const Request& request, Observer& observer, const std::stri
 Operation::~Operation() = default;
 
 Report Operation::run() {
-    BeginToRemoveLeftTemporaries(state_folder_);
-    BeginToRemoveLeftTrashInfo(state_folder_);
+    begin_to_remove_left_temporaries(state_folder_);
+    begin_to_remove_left_trash_info(state_folder_);
     report_.outcomes.resize(request_.sources.size());
     for (size_t index = 0; index < request_.sources.size(); index++) {
         report_.outcomes[index].source = request_.sources[index];
@@ -106,17 +106,18 @@ void Operation::carry(size_t index) {
 // Opens the folder of the source and looks at the source.
 bool Operation::find(size_t index, Item& item) {
     item.path = request_.sources[index];
-    item.name = exact_name_.empty() ? NameOf(item.path) : exact_name_;
+    item.name = exact_name_.empty() ? name_in_path(item.path) : exact_name_;
     bool found = is_plain_path(item.path) || work_.fail("the path names no file");
-    if (found && (!folder_ || ParentOf(item.path) != folder_path_)) {
-        folder_path_ = ParentOf(item.path);
+    if (found && (!folder_ || parent_of(item.path) != folder_path_)) {
+        folder_path_ = parent_of(item.path);
         folders_opened_++;
         folder_ = std::make_shared<Descriptor>(
             open(folder_path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     }
     item.folder = folder_;
-    if (found && (!*folder_ || !Look(folder_->get(), NameOf(item.path).c_str(), &item.what))) {
-        found = errno == ENOENT ? work_.fail(QuotedName(item.path) + " is no longer there")
+    if (found &&
+        (!*folder_ || !Look(folder_->get(), name_in_path(item.path).c_str(), &item.what))) {
+        found = errno == ENOENT ? work_.fail(quoted_name(item.path) + " is no longer there")
                                 : work_.fail("cannot read", item.path, errno);
     }
     if (!found) settle_failed(item);
@@ -127,7 +128,8 @@ bool Operation::find(size_t index, Item& item) {
 bool Operation::is_refused(Item& item) {
     if (request_.kind == Kind::Alias || request_.kind == Kind::Trash) return false;
     if (S_ISDIR(item.what.st_mode) && above_.count({item.what.st_dev, item.what.st_ino})) {
-        work_.fail(QuotedName(item.path) + " cannot be " + verb_of(request_.kind) + " into itself");
+        work_.fail(quoted_name(item.path) + " cannot be " + verb_of(request_.kind) +
+                   " into itself");
         settle_failed(item);
         return true;
     }
@@ -144,15 +146,15 @@ bool Operation::is_refused(Item& item) {
         item.choice = Choice::KeepBoth;
         return false;
     }
-    settle_skipped(item, QuotedName(item.path) + " is in this folder already");
+    settle_skipped(item, quoted_name(item.path) + " is in this folder already");
     return true;
 }
 
 void Operation::move(Item item) {
-    const std::string old_name = NameOf(item.path);
+    const std::string old_name = name_in_path(item.path);
     for (item.target_name = item.name;;) {
         journal_.moving(item.path, target_path(item.target_name), item.what.st_ino);
-        if (MoveFree(item.folder->get(), old_name, destination_.get(), item.target_name)) {
+        if (move_free(item.folder->get(), old_name, destination_.get(), item.target_name)) {
             work_.advance(item.path, 1, 0);
             return settle_done(item, item.target_name);
         }
@@ -170,10 +172,10 @@ void Operation::move(Item item) {
 
 void Operation::make_alias(Item& item) {
     for (unsigned attempt = 0; may_try_again(item); attempt++) {
-        const std::string name = AliasName(item.name, attempt);
+        const std::string name = alias_name(item.name, attempt);
         struct stat what;
         int error = Look(destination_.get(), name.c_str(), &what) ? EEXIST : errno;
-        if (IsMissing(error)) {
+        if (means_missing(error)) {
             journal_.aliasing(item.path, target_path(name));
             if (symlinkat(item.path.c_str(), destination_.get(), name.c_str()) == 0) {
                 work_.advance(item.path, 1, 0);
@@ -190,7 +192,8 @@ void Operation::make_alias(Item& item) {
 
 void Operation::trash(Item& item) {
     Trashed trashed;
-    if (!put_in_trash({item.folder->get(), NameOf(item.path), item.what}, item.path, &trashed)) {
+    if (!put_in_trash({item.folder->get(), name_in_path(item.path), item.what}, item.path,
+                      &trashed)) {
         return settle_failed(item);
     }
     work_.advance(item.path, 1, 0);

@@ -27,7 +27,7 @@ bool Operation::is_settled_by_choice(const Item& item) {
         return true;
     }
     if (item.choice != Choice::Skip) return false;
-    settle_skipped(item, QuotedName(item.name) + " is there already");
+    settle_skipped(item, quoted_name(item.name) + " is there already");
     return true;
 }
 
@@ -37,7 +37,7 @@ bool Operation::make_room(Item& item) {
     if (!item.choice) item.choice = decide(item, item.target_name);
     if (is_settled_by_choice(item) || !may_try_again(item)) return false;
     if (item.choice == Choice::Replace) return trash_target(item);
-    item.target_name = CopyName(item.name, S_ISDIR(item.what.st_mode), ++item.attempt);
+    item.target_name = copy_name(item.name, S_ISDIR(item.what.st_mode), ++item.attempt);
     return true;
 }
 
@@ -46,7 +46,7 @@ bool Operation::make_room(Item& item) {
 bool Operation::may_try_again(Item& item) {
     constexpr unsigned most_tries = 10000;
     if (item.tries++ < most_tries && work_.is_wanted()) return true;
-    if (!work_.is_stopped()) work_.fail("no name is free for " + QuotedName(item.name));
+    if (!work_.is_stopped()) work_.fail("no name is free for " + quoted_name(item.name));
     give_back(item);
     settle_failed(item);
     return false;
@@ -56,13 +56,13 @@ bool Operation::trash_target(Item& item) {
     struct stat target;
     const int folder = destination_.get();
     bool ready = Look(folder, item.target_name.c_str(), &target);
-    if (!ready && IsMissing(errno)) return true;
+    if (!ready && means_missing(errno)) return true;
     if (!ready) work_.fail("cannot look at", target_path(item.target_name), errno);
     const std::optional<bool> inside = ready ? holds_source(item, target) : std::nullopt;
     if (ready && !inside)
         ready = work_.fail("cannot find the folders that contain", item.path, errno);
     if (ready && *inside) {
-        const std::string name = QuotedName(item.target_name);
+        const std::string name = quoted_name(item.target_name);
         ready = work_.fail(name + " cannot be replaced by what is in it");
     }
     Trashed trashed;
@@ -86,7 +86,7 @@ bool Operation::put_in_trash(const Thing& thing, const std::string& path, Trashe
         journal_.trashing(path, to, thing.what.st_ino);
         return recorded = true;
     };
-    if (PutInTrash(thing, before, trashed, &problem)) return true;
+    if (move_into_trash(thing, before, trashed, &problem)) return true;
     if (recorded) journal_.not_done();
     return work_.fail(problem);
 }
@@ -94,7 +94,7 @@ bool Operation::put_in_trash(const Thing& thing, const std::string& path, Trashe
 // Restores a replaced file, because nothing came in its place.
 void Operation::give_back(Item& item) {
     if (!item.replaced) return;
-    if (TakeFromTrash(*item.replaced, destination_.get(), item.target_name)) journal_.not_done();
+    if (take_from_trash(*item.replaced, destination_.get(), item.target_name)) journal_.not_done();
     item.replaced.reset();
 }
 

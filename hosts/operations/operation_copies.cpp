@@ -60,7 +60,7 @@ bool Operation::prepare(Item& item) {
     const bool is_taken = Look(destination_.get(), item.name.c_str(), &target);
     if (is_taken && !item.choice) item.choice = decide(item, item.name);
     if (is_taken && is_settled_by_choice(item)) return false;
-    bool ready = is_taken || IsMissing(errno) || work_.fail("cannot write", item.path, errno);
+    bool ready = is_taken || means_missing(errno) || work_.fail("cannot write", item.path, errno);
     if (ready && request_.kind == Kind::Move) ready = may_be_removed(item);
     if (ready) ready = begin_copies(item.index);
     if (!ready) settle_failed(item);
@@ -70,7 +70,7 @@ bool Operation::prepare(Item& item) {
 void Operation::copy(Item item) {
     if (!prepare(item)) return;
     item.temporary = temporaries_->prefix() + std::to_string(temporaries_made_++);
-    const Place source = {item.folder->get(), NameOf(item.path), item.path};
+    const Place source = {item.folder->get(), name_in_path(item.path), item.path};
     const Place target = {destination_.get(), item.temporary, target_path(item.name)};
     if (!copies_->copy(source, target)) {
         discard(item);
@@ -85,7 +85,7 @@ void Operation::copy(Item item) {
 }
 
 void Operation::discard(Item& item) {
-    if (!RemoveTree(destination_.get(), item.temporary.c_str())) temporaries_->leave();
+    if (!remove_tree(destination_.get(), item.temporary.c_str())) temporaries_->leave();
 }
 
 // Gives all pending copies their names, and ends moves by removing their sources.
@@ -113,7 +113,7 @@ void Operation::flush() {
 
 void Operation::check_pending() {
     std::erase_if(pending_, [this](Item& item) {
-        const Place source = {item.folder->get(), NameOf(item.path), item.path};
+        const Place source = {item.folder->get(), name_in_path(item.path), item.path};
         if (copies_->check(source, {destination_.get(), item.temporary, item.path})) return false;
         discard(item);
         settle_failed(item);
@@ -151,7 +151,7 @@ bool Operation::publish(Item& item) {
 bool Operation::give_name(Item& item) {
     const int folder = destination_.get();
     if (!announce(item)) return false;
-    if (MoveFree(folder, item.temporary, folder, item.target_name)) return true;
+    if (move_free(folder, item.temporary, folder, item.target_name)) return true;
     const int error = errno;
     journal_.not_done();
     errno = error;
@@ -171,7 +171,7 @@ void Operation::empty_sources() {
     // The new names must be on the disk before the sources are removed.
     const int error = pending_.empty() || fsync(destination_.get()) == 0 ? 0 : errno;
     for (Item& item : pending_) {
-        const Place source = {item.folder->get(), NameOf(item.path), item.path};
+        const Place source = {item.folder->get(), name_in_path(item.path), item.path};
         if (error == 0) {
             journal_.emptying(item.path, target_path(item.target_name), item.what.st_ino);
             if (copies_->remove(source)) continue;

@@ -25,9 +25,9 @@ bool is_later(const struct stat& what, const CopyState& copy) {
 }
 
 bool is_changed_inside(int parent, const char* name, const CopyState& copy, int depth) {
-    const Descriptor folder = OpenFolder(parent, name);
+    const Descriptor folder = open_folder_at(parent, name);
     std::vector<std::string> names;
-    if (!folder || depth > deepest_folder || !ReadNames(folder.get(), &names)) return true;
+    if (!folder || depth > deepest_folder || !names_in_folder(folder.get(), &names)) return true;
     for (const std::string& entry : names) {
         struct stat what;
         if (!Look(folder.get(), entry.c_str(), &what) || is_later(what, copy)) return true;
@@ -48,7 +48,7 @@ bool has_same_bytes(int one_folder, const char* one, int other_folder, const cha
     const Descriptor ours(openat(one_folder, one, flags));
     const Descriptor theirs(openat(other_folder, other, flags));
     const auto go_on = [](uint64_t) { return true; };
-    return ours && theirs && CompareData(ours.get(), theirs.get(), go_on) == 0;
+    return ours && theirs && compare_data(ours.get(), theirs.get(), go_on) == 0;
 }
 
 bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char* whole, int depth) {
@@ -65,9 +65,11 @@ bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char*
                 has_same_bytes(rest_folder, rest, whole_folder, whole));
     }
     if (!S_ISDIR(left.st_mode)) return true;
-    const Descriptor here = OpenFolder(rest_folder, rest), there = OpenFolder(whole_folder, whole);
+    const Descriptor here = open_folder_at(rest_folder, rest),
+                     there = open_folder_at(whole_folder, whole);
     std::vector<std::string> names;
-    if (!here || !there || depth > deepest_folder || !ReadNames(here.get(), &names)) return false;
+    if (!here || !there || depth > deepest_folder || !names_in_folder(here.get(), &names))
+        return false;
     for (const std::string& name : names) {
         if (!is_rest_of(here.get(), name.c_str(), there.get(), name.c_str(), depth + 1)) {
             return false;
@@ -78,7 +80,7 @@ bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char*
 
 }  // namespace
 
-bool IsChanged(int folder, const char* name, const CopyState& copy) {
+bool is_changed(int folder, const char* name, const CopyState& copy) {
     struct stat what;
     if (!Look(folder, name, &what) || what.st_ino != copy.inode) return true;
     // Getting its name has changed the copy, too, but neither its bytes nor its content.
@@ -87,7 +89,7 @@ bool IsChanged(int folder, const char* name, const CopyState& copy) {
     return is_changed_inside(folder, name, copy, 1);
 }
 
-bool IsRestOf(int rest_folder, const char* rest, int whole_folder, const char* whole) {
+bool is_remainder_of(int rest_folder, const char* rest, int whole_folder, const char* whole) {
     return is_rest_of(rest_folder, rest, whole_folder, whole, 1);
 }
 

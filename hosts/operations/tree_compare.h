@@ -9,10 +9,10 @@ namespace operations {
 
 // Whether the name now belongs to another file, or anything in the copy was changed since it was
 // made. True if that cannot be told.
-bool IsChanged(int folder, const char* name, const CopyState& copy);
+bool is_changed(int folder, const char* name, const CopyState& copy);
 
 // Whether everything in `rest` is also in `whole`, unchanged. `rest` is the remainder of a source
 // that was being removed after it was copied.
-bool IsRestOf(int rest_folder, const char* rest, int whole_folder, const char* whole);
+bool is_remainder_of(int rest_folder, const char* rest, int whole_folder, const char* whole);
 
 }  // namespace operations

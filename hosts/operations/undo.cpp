@@ -18,7 +18,7 @@ namespace {
 class Folders {
   public:
     int of(const std::string& path) {
-        const std::string folder = ParentOf(path);
+        const std::string folder = parent_of(path);
         if (!open_ || folder != path_) {
             open_ = Descriptor(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
             path_ = folder;
@@ -83,51 +83,51 @@ std::string Undoing::move_back(size_t index) {
     const Step& step = last_.steps()[index];
     const int source = sources_.of(step.source), target = targets_.of(step.target);
     struct stat what;
-    if (!Look(target, NameOf(step.target).c_str(), &what) || what.st_ino != step.inode) {
-        return QuotedName(step.target) + " is another file now";
+    if (!Look(target, name_in_path(step.target).c_str(), &what) || what.st_ino != step.inode) {
+        return quoted_name(step.target) + " is another file now";
     }
-    if (MoveFree(target, NameOf(step.target), source, NameOf(step.source))) return "";
+    if (move_free(target, name_in_path(step.target), source, name_in_path(step.source))) return "";
     if (errno == EEXIST) {
-        return "there is another " + QuotedName(step.source) + " now where it was";
+        return "there is another " + quoted_name(step.source) + " now where it was";
     }
-    if (errno != EXDEV) return "cannot move " + QuotedName(step.target) + ": " + strerror(errno);
-    const Request request = {Kind::Move, {step.target}, ParentOf(step.source), false};
+    if (errno != EXDEV) return "cannot move " + quoted_name(step.target) + ": " + strerror(errno);
+    const Request request = {Kind::Move, {step.target}, parent_of(step.source), false};
     Operation operation(request, observer_, state_folder_, false);
-    operation.set_exact_name(NameOf(step.source),
+    operation.set_exact_name(name_in_path(step.source),
                              [&](ino_t inode) { return last_.restoring(index, inode); });
     const Outcome outcome = operation.run().outcomes.front();
     return outcome.state == State::Done ? "" : outcome.reason;
 }
 
 std::string Undoing::put_in_trash(const std::string& path, unsigned long long inode) {
-    Thing thing = {targets_.of(path), NameOf(path), {}};
+    Thing thing = {targets_.of(path), name_in_path(path), {}};
     if (!Look(thing.folder, thing.name.c_str(), &thing.what) || thing.what.st_ino != inode) {
-        return QuotedName(path) + " is another file now";
+        return quoted_name(path) + " is another file now";
     }
     std::string problem;
     Trashed trashed;
     const auto before = [this](const Trashed&) { return !observer_.is_cancelled(); };
-    return PutInTrash(thing, before, &trashed, &problem) ? "" : problem;
+    return move_into_trash(thing, before, &trashed, &problem) ? "" : problem;
 }
 
 std::string Undoing::restore(const Step& step) {
     struct stat what;
     const int folder = sources_.of(step.source);
     if (!Look(AT_FDCWD, step.trashed.file.c_str(), &what) || what.st_ino != step.inode) {
-        return QuotedName(step.source) + " is no longer in the trash";
+        return quoted_name(step.source) + " is no longer in the trash";
     }
-    if (TakeFromTrash(step.trashed, folder, NameOf(step.source))) return "";
-    return "cannot take " + QuotedName(step.source) + " out of the trash: " + strerror(errno);
+    if (take_from_trash(step.trashed, folder, name_in_path(step.source))) return "";
+    return "cannot take " + quoted_name(step.source) + " out of the trash: " + strerror(errno);
 }
 
 std::string Undoing::remove(const std::string& path) {
-    if (unlinkat(targets_.of(path), NameOf(path).c_str(), 0) == 0) return "";
-    return "cannot remove " + QuotedName(path) + ": " + strerror(errno);
+    if (unlinkat(targets_.of(path), name_in_path(path).c_str(), 0) == 0) return "";
+    return "cannot remove " + quoted_name(path) + ": " + strerror(errno);
 }
 
 std::string words_for(const Step& step, Need need) {
     const std::string back =
-        QuotedName(step.source) + " is back in " + Quoted(ParentOf(step.source));
+        quoted_name(step.source) + " is back in " + in_quotes(parent_of(step.source));
     switch (need) {
         case Need::Nothing:
         case Need::ForgetTrash:
@@ -138,9 +138,9 @@ std::string words_for(const Step& step, Need need) {
         case Need::RestoreTrash:
             return back + ", out of the trash";
         case Need::TrashTarget:
-            return "the copy " + Quoted(step.target) + " is in the trash";
+            return "the copy " + in_quotes(step.target) + " is in the trash";
         case Need::RemoveTarget:
-            return (step.kind == Step::Aliased ? "the alias " : "") + Quoted(step.target) +
+            return (step.kind == Step::Aliased ? "the alias " : "") + in_quotes(step.target) +
                    " is removed";
     }
     return "";
@@ -165,7 +165,7 @@ Report problems_of(const std::vector<Step>& steps, const std::vector<Plan>& plan
 
 }  // namespace
 
-Report UndoLast(Observer& observer, const std::string& state_folder) {
+Report undo_last(Observer& observer, const std::string& state_folder) {
     Report report;
     LastOperation last(state_folder);
     if (!last.problem().empty()) {

@@ -21,10 +21,10 @@ struct Seen {
         error_ = is_there ? 0 : errno;
     }
     bool is(unsigned long long inode) const { return is_there && what.st_ino == inode; }
-    bool is_missing() const { return !is_there && IsMissing(error_); }
-    bool is_unknown() const { return !is_there && !IsMissing(error_); }
+    bool is_missing() const { return !is_there && means_missing(error_); }
+    bool is_unknown() const { return !is_there && !means_missing(error_); }
     std::string problem() const {
-        return "cannot look at " + QuotedName(path_) + ": " + strerror(error_);
+        return "cannot look at " + quoted_name(path_) + ": " + strerror(error_);
     }
 
     bool is_there = false;
@@ -44,7 +44,7 @@ std::string text_of_link(const std::string& path) {
 }
 
 bool is_rest_of(const std::string& rest, const std::string& whole) {
-    return IsRestOf(AT_FDCWD, rest.c_str(), AT_FDCWD, whole.c_str());
+    return is_remainder_of(AT_FDCWD, rest.c_str(), AT_FDCWD, whole.c_str());
 }
 
 }  // namespace
@@ -83,7 +83,7 @@ Plan UndoChecks::plan_moved(const Step& step) {
     const Seen source(step.source), target(step.target);
     if (step.restored != 0 && source.is(step.restored) && target.is(step.inode)) {
         if (!is_rest_of(step.target, step.source)) {
-            return problem(QuotedName(step.target) + " was changed since");
+            return problem(quoted_name(step.target) + " was changed since");
         }
         return with_trash(step.target, Need::TrashTarget);
     }
@@ -93,8 +93,8 @@ Plan UndoChecks::plan_moved(const Step& step) {
                            target.what.st_dev == source.what.st_dev;
         return {twice ? Need::RemoveTarget : Need::Nothing, ""};
     }
-    if (target.is_missing()) return problem(QuotedName(step.target) + " is no longer there");
-    if (!target.is(step.inode)) return problem(QuotedName(step.target) + " is another file now");
+    if (target.is_missing()) return problem(quoted_name(step.target) + " is no longer there");
+    if (!target.is(step.inode)) return problem(quoted_name(step.target) + " is another file now");
     return with_free_source(step, Need::MoveBack);
 }
 
@@ -104,18 +104,18 @@ Plan UndoChecks::plan_taken_away(const Step& step) {
     if (step.restored != 0 && source.is(step.restored)) {
         if (!target.is(step.inode)) return {};
         if (!is_rest_of(step.target, step.source)) {
-            return problem(QuotedName(step.target) + " was changed since");
+            return problem(quoted_name(step.target) + " was changed since");
         }
         return with_trash(step.target, Need::TrashTarget);
     }
     if (target.is_missing()) {
         return source.is(step.original) ? Plan{}
-                                        : problem(QuotedName(step.target) + " is no longer there");
+                                        : problem(quoted_name(step.target) + " is no longer there");
     }
-    if (!target.is(step.inode)) return problem(QuotedName(step.target) + " is another file now");
+    if (!target.is(step.inode)) return problem(quoted_name(step.target) + " is another file now");
     if (!source.is(step.original)) return with_free_source(step, Need::MoveBack);
     if (!is_rest_of(step.source, step.target)) {
-        return problem(QuotedName(step.source) + " was changed since");
+        return problem(quoted_name(step.source) + " was changed since");
     }
     if (is_rest_of(step.target, step.source)) return with_trash(step.target, Need::TrashTarget);
     return with_trash(step.source, Need::ReplaceRest);
@@ -126,8 +126,8 @@ Plan UndoChecks::plan_copied(const Step& step) {
     if (target.is_missing()) return {};
     // The copy had not got its name yet, and another file has it now.
     if (!target.is(step.inode) && !step.is_confirmed) return {};
-    if (IsChanged(AT_FDCWD, step.target.c_str(), step.copy)) {
-        return problem("the copy " + QuotedName(step.target) + " was changed since");
+    if (is_changed(AT_FDCWD, step.target.c_str(), step.copy)) {
+        return problem("the copy " + quoted_name(step.target) + " was changed since");
     }
     return with_trash(step.target, Need::TrashTarget);
 }
@@ -135,7 +135,7 @@ Plan UndoChecks::plan_copied(const Step& step) {
 Plan UndoChecks::plan_aliased(const Step& step) {
     if (Seen(step.target).is_missing()) return {};
     if (text_of_link(step.target) == step.source) return {Need::RemoveTarget, ""};
-    return problem(QuotedName(step.target) + " is another file now");
+    return problem(quoted_name(step.target) + " is another file now");
 }
 
 Plan UndoChecks::plan_trashed(const Step& step) {
@@ -144,13 +144,13 @@ Plan UndoChecks::plan_trashed(const Step& step) {
         return {trashed.is_missing() ? Need::ForgetTrash : Need::Nothing, ""};
     }
     if (trashed.is(step.inode)) return with_free_source(step, Need::RestoreTrash);
-    return problem(QuotedName(step.source) + " is no longer in the trash");
+    return problem(quoted_name(step.source) + " is no longer in the trash");
 }
 
 Plan UndoChecks::with_free_source(const Step& step, Need need) {
-    const std::string folder = ParentOf(step.source);
+    const std::string folder = parent_of(step.source);
     if (will_be_there(step.source)) {
-        return problem("there is another " + QuotedName(step.source) + " now where it was");
+        return problem("there is another " + quoted_name(step.source) + " now where it was");
     }
     const auto known = is_there_.find(folder);
     if (known != is_there_.end() && known->second) return {need, ""};
@@ -158,25 +158,25 @@ Plan UndoChecks::with_free_source(const Step& step, Need need) {
     if (above.is_unknown()) return problem(above.problem());
     if (above.is_missing()) {
         // The folder may be in one that an earlier step of the undo restores.
-        for (std::string path = folder; path != "/"; path = ParentOf(path)) {
+        for (std::string path = folder; path != "/"; path = parent_of(path)) {
             const auto restored = is_there_.find(path);
             if (restored != is_there_.end() && restored->second) return {need, ""};
         }
-        return problem("the folder " + QuotedName(folder) + " is no longer there");
+        return problem("the folder " + quoted_name(folder) + " is no longer there");
     }
     if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return {need, ""};
-    return problem("cannot put anything into " + QuotedName(folder) + ": " + strerror(errno));
+    return problem("cannot put anything into " + quoted_name(folder) + ": " + strerror(errno));
 }
 
 Plan UndoChecks::with_trash(const std::string& path, Need need) {
-    const std::string folder = ParentOf(path);
+    const std::string folder = parent_of(path);
     if (folder != folder_) {
         const Descriptor open_folder(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         folder_ = folder;
-        folder_problem_ = open_folder ? WhyNoTrash(open_folder.get()) : strerror(errno);
+        folder_problem_ = open_folder ? why_no_trash(open_folder.get()) : strerror(errno);
     }
     if (folder_problem_.empty()) return {need, ""};
-    return problem("cannot move " + QuotedName(path) + " to the trash: " + folder_problem_);
+    return problem("cannot move " + quoted_name(path) + " to the trash: " + folder_problem_);
 }
 
 bool UndoChecks::will_be_there(const std::string& path) const {

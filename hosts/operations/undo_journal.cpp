@@ -57,7 +57,7 @@ CopyState state_of(const struct stat& what, bool linked) {
 
 }  // namespace
 
-std::string UndoJournalPath(const std::string& state_folder) {
+std::string undo_journal_path(const std::string& state_folder) {
     return state_folder + "/last-operation";
 }
 
@@ -66,61 +66,61 @@ UndoJournal::UndoJournal(const std::string& state_folder)
 
 bool UndoJournal::begin() {
     if (file_) return true;
-    if (!MakeFolders(state_folder_)) return false;
-    file_ = take_journal(UndoJournalPath(state_folder_));
-    const std::string start = BegunEntry();
+    if (!make_folders(state_folder_)) return false;
+    file_ = take_journal(undo_journal_path(state_folder_));
+    const std::string start = begun_entry();
     return file_ && ftruncate(file_.get(), 0) == 0 &&
-           WriteAll(file_.get(), start.data(), start.size());
+           write_fully(file_.get(), start.data(), start.size());
 }
 
 void UndoJournal::give_up() {
     gave_up_ = true;
     // Half a journal would undo half an operation, and an older journal the wrong one.
-    if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(UndoJournalPath(state_folder_).c_str());
+    if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(undo_journal_path(state_folder_).c_str());
 }
 
 void UndoJournal::record(const std::string& entry) {
     if (gave_up_) return;
-    if (!begin() || !WriteAll(file_.get(), entry.data(), entry.size())) give_up();
+    if (!begin() || !write_fully(file_.get(), entry.data(), entry.size())) give_up();
 }
 
 void UndoJournal::moving(const std::string& source, const std::string& target, ino_t inode) {
-    record(MovingEntry(source, target, inode));
+    record(moving_entry(source, target, inode));
 }
 
 void UndoJournal::trashing(const std::string& path, const Trashed& trashed, ino_t inode) {
-    record(TrashingEntry(path, trashed, inode));
+    record(trashing_entry(path, trashed, inode));
 }
 
 void UndoJournal::aliasing(const std::string& source, const std::string& target) {
-    record(AliasingEntry(source, target));
+    record(aliasing_entry(source, target));
 }
 
 void UndoJournal::copying(const std::string& source, const std::string& target,
                           const struct stat& what, bool linked) {
-    record(CopyingEntry(source, target, state_of(what, linked)));
+    record(copying_entry(source, target, state_of(what, linked)));
 }
 
-void UndoJournal::copied() { record(CopiedEntry()); }
+void UndoJournal::copied() { record(copied_entry()); }
 
-void UndoJournal::not_done() { record(NotDoneEntry()); }
+void UndoJournal::not_done() { record(not_done_entry()); }
 
 void UndoJournal::emptying(const std::string& source, const std::string& target, ino_t original) {
-    record(EmptyingEntry(source, target, original));
+    record(emptying_entry(source, target, original));
 }
 
-void UndoJournal::elsewhere(const std::string& line) { record(ElsewhereEntry(line)); }
+void UndoJournal::elsewhere(const std::string& line) { record(elsewhere_entry(line)); }
 
 LastOperation::LastOperation(const std::string& state_folder)
-    : path_(UndoJournalPath(state_folder)) {
+    : path_(undo_journal_path(state_folder)) {
     file_ = Descriptor(open(path_.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (!file_) {
-        recorded_.problem = IsMissing(errno) ? "there is nothing to undo"
-                                             : "cannot read " + path_ + ": " + strerror(errno);
+        recorded_.problem = means_missing(errno) ? "there is nothing to undo"
+                                                 : "cannot read " + path_ + ": " + strerror(errno);
     } else if (!lock_soon(file_.get())) {
         recorded_.problem = "the last operation is still under way";
     } else {
-        recorded_ = ReadRecord(read_all(file_.get()));
+        recorded_ = read_undo_record(read_all(file_.get()));
         const bool is_empty = recorded_.steps.empty() && recorded_.problem.empty();
         if (is_empty) recorded_.problem = "there is nothing to undo";
     }
@@ -130,16 +130,18 @@ LastOperation::LastOperation(const std::string& state_folder)
 bool LastOperation::add(const std::string& entry) {
     const auto end = static_cast<off_t>(recorded_.length);
     if (ftruncate(file_.get(), end) != 0 || lseek(file_.get(), end, SEEK_SET) < 0 ||
-        !WriteAll(file_.get(), entry.data(), entry.size())) {
+        !write_fully(file_.get(), entry.data(), entry.size())) {
         return false;
     }
     recorded_.length += entry.size();
     return true;
 }
 
-bool LastOperation::restoring(size_t step, ino_t inode) { return add(RestoringEntry(step, inode)); }
+bool LastOperation::restoring(size_t step, ino_t inode) {
+    return add(restoring_entry(step, inode));
+}
 
-bool LastOperation::undone(size_t step) { return add(UndoneEntry(step)); }
+bool LastOperation::undone(size_t step) { return add(undone_entry(step)); }
 
 void LastOperation::forget() {
     if (is_at(path_, file_.get())) unlink(path_.c_str());

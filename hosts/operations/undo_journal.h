@@ -13,7 +13,7 @@
 namespace operations {
 
 // The journal's path.
-std::string UndoJournalPath(const std::string& state_folder);
+std::string undo_journal_path(const std::string& state_folder);
 
 // The first step replaces the journal of the operation before. A journal that cannot be written
 // makes the operation not undoable; the operation goes on.

@@ -138,7 +138,7 @@ const auto* known_verb(const std::string& word) {
 
 }  // namespace
 
-Recorded ReadRecord(const std::string& text) {
+Recorded read_undo_record(const std::string& text) {
     Recorded recorded;
     Reader reader(&recorded);
     const std::vector<std::string> words = split(text);
@@ -158,7 +158,7 @@ Recorded ReadRecord(const std::string& text) {
     return recorded;
 }
 
-bool EndsWithTrashing(const std::string& end, Trashed* trashed) {
+bool ends_with_trashing(const std::string& end, Trashed* trashed) {
     const std::vector<std::string> words = split(end);
     constexpr size_t length = 5;
     // No field of another entry equals the verb: fields are absolute paths and numbers.
@@ -167,30 +167,30 @@ bool EndsWithTrashing(const std::string& end, Trashed* trashed) {
     return true;
 }
 
-std::string BegunEntry() { return entry({begun}); }
-std::string MovingEntry(const std::string& source, const std::string& target, ino_t inode) {
+std::string begun_entry() { return entry({begun}); }
+std::string moving_entry(const std::string& source, const std::string& target, ino_t inode) {
     return entry({moving, source, target, std::to_string(inode)});
 }
-std::string TrashingEntry(const std::string& path, const Trashed& trashed, ino_t inode) {
+std::string trashing_entry(const std::string& path, const Trashed& trashed, ino_t inode) {
     return entry({trashing, path, trashed.file, trashed.info, std::to_string(inode)});
 }
-std::string NotDoneEntry() { return entry({not_done}); }
-std::string CopyingEntry(const std::string& source, const std::string& target,
-                         const CopyState& state) {
+std::string not_done_entry() { return entry({not_done}); }
+std::string copying_entry(const std::string& source, const std::string& target,
+                          const CopyState& state) {
     return entry({copying, source, target, std::to_string(state.inode), std::to_string(state.size),
                   text_of(state.modified), text_of(state.changed), state.linked ? "linked" : ""});
 }
-std::string CopiedEntry() { return entry({copied}); }
-std::string EmptyingEntry(const std::string& source, const std::string& target, ino_t original) {
+std::string copied_entry() { return entry({copied}); }
+std::string emptying_entry(const std::string& source, const std::string& target, ino_t original) {
     return entry({emptying, source, target, std::to_string(original)});
 }
-std::string AliasingEntry(const std::string& source, const std::string& target) {
+std::string aliasing_entry(const std::string& source, const std::string& target) {
     return entry({aliasing, source, target});
 }
-std::string ElsewhereEntry(const std::string& line) { return entry({elsewhere, line}); }
-std::string RestoringEntry(size_t step, ino_t inode) {
+std::string elsewhere_entry(const std::string& line) { return entry({elsewhere, line}); }
+std::string restoring_entry(size_t step, ino_t inode) {
     return entry({restoring, std::to_string(step), std::to_string(inode)});
 }
-std::string UndoneEntry(size_t step) { return entry({undone, std::to_string(step)}); }
+std::string undone_entry(size_t step) { return entry({undone, std::to_string(step)}); }
 
 }  // namespace operations

@@ -42,24 +42,24 @@ struct Recorded {
 };
 
 // Reads the entries below. The last one may be cut off, when its process was killed.
-Recorded ReadRecord(const std::string& text);
+Recorded read_undo_record(const std::string& text);
 
 // Whether the last entry, at the end of the text `end`, says that a file goes to the trash.
-bool EndsWithTrashing(const std::string& end, Trashed* trashed);
+bool ends_with_trashing(const std::string& end, Trashed* trashed);
 
 // The bytes of one entry.
-std::string BegunEntry();
-std::string MovingEntry(const std::string& source, const std::string& target, ino_t inode);
-std::string TrashingEntry(const std::string& path, const Trashed& trashed, ino_t inode);
-std::string NotDoneEntry();
-std::string CopyingEntry(const std::string& source, const std::string& target,
-                         const CopyState& state);
-std::string CopiedEntry();
-std::string EmptyingEntry(const std::string& source, const std::string& target, ino_t original);
-std::string AliasingEntry(const std::string& source, const std::string& target);
-std::string ElsewhereEntry(const std::string& line);
+std::string begun_entry();
+std::string moving_entry(const std::string& source, const std::string& target, ino_t inode);
+std::string trashing_entry(const std::string& path, const Trashed& trashed, ino_t inode);
+std::string not_done_entry();
+std::string copying_entry(const std::string& source, const std::string& target,
+                          const CopyState& state);
+std::string copied_entry();
+std::string emptying_entry(const std::string& source, const std::string& target, ino_t original);
+std::string aliasing_entry(const std::string& source, const std::string& target);
+std::string elsewhere_entry(const std::string& line);
 // Entries of an undo: a copy that puts a file back is about to get its name; a step is undone.
-std::string RestoringEntry(size_t step, ino_t inode);
-std::string UndoneEntry(size_t step);
+std::string restoring_entry(size_t step, ino_t inode);
+std::string undone_entry(size_t step);
 
 }  // namespace operations

@@ -7,6 +7,6 @@ namespace operations {
 
 // Shows the panel and returns the answer; Return skips, Escape stops. With `for_all`, "Apply to
 // all" is on at first.
-Answer AskAbout(const Conflict& conflict, bool for_all);
+Answer ask_about(const Conflict& conflict, bool for_all);
 
 }  // namespace operations

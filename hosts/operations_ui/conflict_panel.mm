@@ -27,58 +27,57 @@ const struct {
 
 std::string bytes_of(NSString* text) { return [text UTF8String] ?: ""; }
 
-void add_text(panel_content_t* content, double left, double top, double height, NSString* what,
-              const widget_t& like) {
-    widget_t text = like;
+void add_text(PanelContent* content, double left, double top, double height, NSString* what,
+              const Widget& like) {
+    Widget text = like;
     text.area = content->area(left, top, width - margin - left, height);
     text.text = bytes_of(what);
     content->widgets.push_back(text);
 }
 
-widget_t bold_text() {
-    widget_t text = {widget_kind_t::text, {}};
+Widget bold_text() {
+    Widget text = {WidgetKind::text, {}};
     text.bold = true;
     return text;
 }
 
-void add_file(panel_content_t* content, double top, NSString* title, const std::string& path) {
+void add_file(PanelContent* content, double top, NSString* title, const std::string& path) {
     const double left = margin + icon_side + 14;
-    const area_t icon = content->area(margin, top, icon_side, icon_side);
-    content->widgets.push_back({widget_kind_t::icon, icon, path});
+    const Area icon = content->area(margin, top, icon_side, icon_side);
+    content->widgets.push_back({WidgetKind::icon, icon, path});
     add_text(content, left, top + 2, 20, title, bold_text());
-    widget_t details = {widget_kind_t::text, {}};
+    Widget details = {WidgetKind::text, {}};
     details.alpha = dimmed_text_alpha;
-    add_text(content, left, top + 22, 20, DescribeFile(path), details);
+    add_text(content, left, top + 22, 20, describe_file(path), details);
 }
 
-void add_check(panel_content_t* content, double top, bool on) {
-    widget_t check = {widget_kind_t::check, content->area(margin, top, 140, 24), "Apply to all",
-                      apply_to_all, 13};
+void add_check(PanelContent* content, double top, bool on) {
+    Widget check = {WidgetKind::check, content->area(margin, top, 140, 24), "Apply to all",
+                    apply_to_all, 13};
     check.key = 'a';
     check.on = on;
     content->widgets.push_back(check);
 }
 
-void add_buttons(panel_content_t* content, double top) {
+void add_buttons(PanelContent* content, double top) {
     double left = width - margin - button_width;
     for (const auto& button : buttons) {
         if (button.item == stop) left = margin;
-        widget_t made = {widget_kind_t::button,
-                         content->area(left, top, button_width, button_height), button.title,
-                         button.item, 13};
+        Widget made = {WidgetKind::button, content->area(left, top, button_width, button_height),
+                       button.title, button.item, 13};
         made.key = button.key;
         content->widgets.push_back(made);
         left -= button_width + gap;
     }
 }
 
-panel_content_t content_of(const Conflict& conflict, bool for_all) {
-    panel_content_t content;
+PanelContent content_of(const Conflict& conflict, bool for_all) {
+    PanelContent content;
     content.default_item = skip;
     content.cancel_item = stop;
-    widget_t question = bold_text();
+    Widget question = bold_text();
     question.size = 14;
-    add_text(&content, margin, margin - 4, 24, QuestionOf(conflict), question);
+    add_text(&content, margin, margin - 4, 24, question_of(conflict), question);
     double top = margin + 36;
     add_file(&content, top, @"There already", conflict.target);
     top += row_height;
@@ -96,11 +95,11 @@ panel_content_t content_of(const Conflict& conflict, bool for_all) {
 
 }  // namespace
 
-Answer AskAbout(const Conflict& conflict, bool for_all) {
+Answer ask_about(const Conflict& conflict, bool for_all) {
     WidgetPanel* panel = [WidgetPanel alloc];
     const auto hit = [panel](int item) {
         if (item != apply_to_all) return [NSApp stopModalWithCode:item];
-        widget_t* check = [panel content].widget(apply_to_all);
+        Widget* check = [panel content].widget(apply_to_all);
         check->on = !check->on;
         [panel widgetsChanged];
     };
@@ -108,7 +107,7 @@ Answer AskAbout(const Conflict& conflict, bool for_all) {
                          content:content_of(conflict, for_all)
                              hit:hit];
     const NSInteger code = [panel runModal];
-    const widget_t* check = [panel content].widget(apply_to_all);
+    const Widget* check = [panel content].widget(apply_to_all);
     // If the panel ends without a button, the answer is Stop: nothing more is touched.
     Answer answer = {Choice::Stop, check && check->on};
     for (const auto& button : buttons) {

@@ -8,25 +8,25 @@
 namespace operations {
 
 // A name or path as text on one line, with visible escapes for other bytes.
-NSString* TextOfName(const std::string& name);
+NSString* text_of_name(const std::string& name);
 // The last component of the path.
-NSString* TextOfLast(const std::string& path);
+NSString* text_of_last(const std::string& path);
 
 // "Copying 3 items to “Documents”"
-NSString* TitleOf(const Request& request);
+NSString* window_title_of(const Request& request);
 // "312 of 1,000 items, 12.4 MB of 80 MB"
-NSString* DetailOf(const Progress& progress);
+NSString* detail_of(const Progress& progress);
 // From 0 to 1; negative while the fraction is unknown.
-double FractionOf(const Progress& progress);
+double fraction_of(const Progress& progress);
 
 // "“notes.txt” is already in “Documents”."
-NSString* QuestionOf(const Conflict& conflict);
+NSString* question_of(const Conflict& conflict);
 // "12.4 MB, changed on 3 May 2024 at 10:12"; without the size for a folder.
-NSString* DescribeFile(const std::string& path);
+NSString* describe_file(const std::string& path);
 
 // For a report with failures: the number of failures, and the reasons, one per line. Nil when
 // nothing failed.
-NSString* FailureTitleOf(const Report& report);
-NSString* FailureReasonsOf(const Report& report);
+NSString* failure_title_of(const Report& report);
+NSString* failure_reasons_of(const Report& report);
 
 }  // namespace operations

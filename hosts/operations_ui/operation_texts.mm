@@ -13,7 +13,7 @@ constexpr size_t most_reasons = 6;
 constexpr double bytes_of_an_item = 16 * 1024;
 
 NSString* quoted(const std::string& path) {
-    return [NSString stringWithUTF8String:WindowName(path).c_str()];
+    return [NSString stringWithUTF8String:window_name(path).c_str()];
 }
 
 NSString* grouped(uint64_t number) {
@@ -49,15 +49,15 @@ NSString* verb_of(Kind kind) {
 
 }  // namespace
 
-NSString* TextOfName(const std::string& name) {
-    return [NSString stringWithUTF8String:VisibleText(name).c_str()];
+NSString* text_of_name(const std::string& name) {
+    return [NSString stringWithUTF8String:visible_text(name).c_str()];
 }
 
-NSString* TextOfLast(const std::string& path) {
-    return TextOfName(std::string(LastComponent(path)));
+NSString* text_of_last(const std::string& path) {
+    return text_of_name(std::string(last_component(path)));
 }
 
-NSString* TitleOf(const Request& request) {
+NSString* window_title_of(const Request& request) {
     const size_t count = request.sources.size();
     NSString* what = count == 1 ? quoted(request.sources.front())
                                 : [NSString stringWithFormat:@"%@ items", grouped(count)];
@@ -66,7 +66,7 @@ NSString* TitleOf(const Request& request) {
     return [title stringByAppendingFormat:@" to %@", quoted(request.destination)];
 }
 
-NSString* DetailOf(const Progress& progress) {
+NSString* detail_of(const Progress& progress) {
     if (progress.items_total == 0) {
         return [NSString stringWithFormat:@"%@ items, %@", grouped(progress.items_done),
                                           size_text(progress.bytes_done)];
@@ -79,19 +79,19 @@ NSString* DetailOf(const Progress& progress) {
                                           size_text(progress.bytes_total)];
 }
 
-double FractionOf(const Progress& progress) {
+double fraction_of(const Progress& progress) {
     const double total = (double)progress.bytes_total + progress.items_total * bytes_of_an_item;
     const double done = (double)progress.bytes_done + progress.items_done * bytes_of_an_item;
     return total > 0 ? MIN(done / total, 1) : -1;
 }
 
-NSString* QuestionOf(const Conflict& conflict) {
+NSString* question_of(const Conflict& conflict) {
     const std::string folder = conflict.target.substr(0, conflict.target.rfind('/'));
     return [NSString stringWithFormat:@"%@ is already in %@.", quoted(conflict.target),
                                       quoted(folder.empty() ? "/" : folder)];
 }
 
-NSString* DescribeFile(const std::string& path) {
+NSString* describe_file(const std::string& path) {
     struct stat what;
     if (lstat(path.c_str(), &what) != 0) return @"no longer there";
     NSDateFormatter* formatter = [[NSDateFormatter new] autorelease];
@@ -104,7 +104,7 @@ NSString* DescribeFile(const std::string& path) {
     return [NSString stringWithFormat:@"%@, %@", size_text((uint64_t)what.st_size), changed];
 }
 
-NSString* FailureTitleOf(const Report& report) {
+NSString* failure_title_of(const Report& report) {
     size_t failed = 0;
     for (const Outcome& outcome : report.outcomes) failed += outcome.state == State::Failed;
     if (failed == 0) return nil;
@@ -112,12 +112,12 @@ NSString* FailureTitleOf(const Report& report) {
     return [NSString stringWithFormat:@"%@ items failed.", grouped(failed)];
 }
 
-NSString* FailureReasonsOf(const Report& report) {
+NSString* failure_reasons_of(const Report& report) {
     NSMutableArray* reasons = [NSMutableArray array];
     size_t more = 0;
     for (const Outcome& outcome : report.outcomes) {
         if (outcome.state != State::Failed) continue;
-        NSString* reason = TextOfName(outcome.reason);
+        NSString* reason = text_of_name(outcome.reason);
         if ([reasons containsObject:reason]) continue;
         if ([reasons count] == most_reasons) {
             more++;

@@ -14,15 +14,15 @@ enum class Asks { Each, Once };
 
 // An observer for one request, to give to a carrier with that request. There must be an application
 // object. `ended` is called from the run loop, after the windows have closed; it may be empty.
-std::shared_ptr<Observer> MakeWindowObserver(const Request& request,
-                                             std::function<void(const Report&)> ended,
-                                             Asks asks = Asks::Each);
+std::shared_ptr<Observer> make_window_observer(const Request& request,
+                                               std::function<void(const Report&)> ended,
+                                               Asks asks = Asks::Each);
 
 // Whether a request with such an observer has not ended yet.
-bool WindowsAreNeeded();
+bool windows_are_needed();
 
 // Handles the application's events until every such request has ended. For a host that is about to
 // exit and has no event loop of its own.
-void RunUntilOperationsEnd();
+void run_until_operations_end();
 
 }  // namespace operations

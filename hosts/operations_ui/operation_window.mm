@@ -19,10 +19,10 @@ enum { no_item, title_item, bar_item, name_item, detail_item, cancel_item };
 using Ended = std::function<void(const operations::Report&)>;
 
 void show_failures(const operations::Report& report) {
-    NSString* title = operations::FailureTitleOf(report);
+    NSString* title = operations::failure_title_of(report);
     DialogRef alert = nullptr;
     if (!title) return;
-    NSString* reasons = operations::FailureReasonsOf(report);
+    NSString* reasons = operations::failure_reasons_of(report);
     if (CreateStandardAlert(kAlertCautionAlert, (CFStringRef)title, (CFStringRef)reasons, nullptr,
                             &alert) == noErr) {
         DialogItemIndex item = 0;
@@ -30,8 +30,8 @@ void show_failures(const operations::Report& report) {
     }
 }
 
-panel_content_t content_of(NSString* title) {
-    panel_content_t content;
+PanelContent content_of(NSString* title) {
+    PanelContent content;
     content.size = {content.pixels(width), content.pixels(height)};
     content.cancel_item = cancel_item;
     const double inner = width - 2 * margin, beside_button = inner - 110;
@@ -39,12 +39,11 @@ panel_content_t content_of(NSString* title) {
         return content.area(left, top, wide, high);
     };
     content.widgets = {
-        {widget_kind_t::text, area(margin, 18, inner, 22), [title UTF8String], title_item, 14,
-         true},
-        {widget_kind_t::bar, area(margin, 52, inner, 8), "", bar_item},
-        {widget_kind_t::text, area(margin, 74, beside_button, 20), "", name_item},
-        {widget_kind_t::text, area(margin, 96, beside_button, 20), "", detail_item},
-        {widget_kind_t::button, area(width - margin - 92, 88, 92, 30), "Cancel", cancel_item, 13},
+        {WidgetKind::text, area(margin, 18, inner, 22), [title UTF8String], title_item, 14, true},
+        {WidgetKind::bar, area(margin, 52, inner, 8), "", bar_item},
+        {WidgetKind::text, area(margin, 74, beside_button, 20), "", name_item},
+        {WidgetKind::text, area(margin, 96, beside_button, 20), "", detail_item},
+        {WidgetKind::button, area(width - margin - 92, 88, 92, 30), "Cancel", cancel_item, 13},
     };
     content.widget(detail_item)->alpha = dimmed_text_alpha;
     return content;
@@ -118,7 +117,7 @@ NSUInteger running = 0;
 - (void)ask:(const operations::Conflict&)conflict {
     _isBusy = YES;
     [_panel orderOut:nil];
-    (*_board)->answer(operations::AskAbout(conflict, _asks == operations::Asks::Once));
+    (*_board)->answer(operations::ask_about(conflict, _asks == operations::Asks::Once));
     _isBusy = NO;
     [self restart];
 }
@@ -149,9 +148,9 @@ NSUInteger running = 0;
 - (void)update {
     const operations::Progress progress = (*_board)->progress();
     const bool is_stopping = [_panel content].widget(cancel_item)->disabled;
-    NSString* detail = is_stopping ? @"Stopping…" : operations::DetailOf(progress);
-    [_panel content].widget(bar_item)->value = operations::FractionOf(progress);
-    [_panel content].widget(name_item)->text = [operations::TextOfLast(progress.path) UTF8String];
+    NSString* detail = is_stopping ? @"Stopping…" : operations::detail_of(progress);
+    [_panel content].widget(bar_item)->value = operations::fraction_of(progress);
+    [_panel content].widget(name_item)->text = [operations::text_of_last(progress.path) UTF8String];
     [_panel content].widget(detail_item)->text = [detail UTF8String];
     [_panel widgetsChanged];
 }
@@ -175,16 +174,18 @@ NSUInteger running = 0;
 
 namespace operations {
 
-std::shared_ptr<Observer> MakeWindowObserver(const Request& request, Ended ended, Asks asks) {
+std::shared_ptr<Observer> make_window_observer(const Request& request, Ended ended, Asks asks) {
     auto board = std::make_shared<ProgressBoard>();
-    [[[OperationWindow alloc] initWithTitle:TitleOf(request) board:board ended:ended
+    [[[OperationWindow alloc] initWithTitle:window_title_of(request)
+                                      board:board
+                                      ended:ended
                                        asks:asks] release];
     return board;
 }
 
-bool WindowsAreNeeded() { return running > 0; }
+bool windows_are_needed() { return running > 0; }
 
-void RunUntilOperationsEnd() {
+void run_until_operations_end() {
     while (running > 0) {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
         NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask

@@ -4,8 +4,8 @@
 // Silences the toolkit's log (unless DELVIO_TOOLKIT_LOG is set), sets defaults for this process
 // alone, and hides the command's arguments from the toolkit, which would read some of them as
 // defaults. Called before any other use of Foundation.
-void PrepareToolkit(char* program);
+void prepare_toolkit(char* program);
 
 // Connects to the display that the environment names. The application has no Dock icon and no main
 // menu, and starts no daemons.
-void StartApplication();
+void start_application();

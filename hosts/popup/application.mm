@@ -81,13 +81,13 @@ std::vector<char*> readable_environment() {
 void end_with_exception(NSException* exception) {
     NSString* text =
         [NSString stringWithFormat:@"internal error: %@: %@", [exception name], [exception reason]];
-    Complain([text UTF8String] ?: "internal error");
+    complain_about_usage([text UTF8String] ?: "internal error");
     exit(exit_failed);
 }
 
 }  // namespace
 
-void PrepareToolkit(char* program) {
+void prepare_toolkit(char* program) {
     silence();
     char* arguments[] = {program, nullptr};
     std::vector<char*> environment = readable_environment();
@@ -103,8 +103,8 @@ void PrepareToolkit(char* program) {
     NSSetUncaughtExceptionHandler(end_with_exception);
 }
 
-void StartApplication() {
-    StartLightly();
+void start_application() {
+    start_lightly();
     [NSApplication sharedApplication];
     [[NSNotificationCenter defaultCenter] addObserver:[LateLauncher class]
                                              selector:@selector(panelBecameKey:)

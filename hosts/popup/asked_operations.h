@@ -5,11 +5,11 @@
 
 // From now on the command carries out file operations. For a shown menu it shows windows, or asks
 // the desktop's file manager if the user has set that; for a pick it asks nobody.
-void OfferFileOperations(const MenuRequest& request);
+void offer_file_operations(const MenuRequest& request);
 
 // Ends the open alert, if there is one; called when a signal was caught.
-void EndAlert();
+void end_alert();
 
 // Waits until all operations have ended. Returns the exit status: done, failed, or skipped. Prints
 // what was not done on standard error, one line for each file.
-int FinishFileOperations();
+int finish_file_operations();

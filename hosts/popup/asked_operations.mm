@@ -21,7 +21,7 @@ namespace {
 
 using operations::Observer;
 using operations::Outcome;
-using operations::Quoted;
+using operations::in_quotes;
 using operations::Report;
 using operations::Request;
 using operations::State;
@@ -46,7 +46,7 @@ class Unattended : public Observer {
     }
 
   private:
-    bool is_cancelled() override { return CaughtSignal() != 0; }
+    bool is_cancelled() override { return signal_caught() != 0; }
     void ended(const Report& report) override {
         note_outcomes(report);
         const std::lock_guard guard(mutex);
@@ -66,10 +66,10 @@ class Attended : public Observer {
         windows_->progressed(progress);
     }
     operations::Answer ask(const operations::Conflict& conflict) override {
-        if (CaughtSignal()) return {operations::Choice::Stop, true};
+        if (signal_caught()) return {operations::Choice::Stop, true};
         return windows_->ask(conflict);
     }
-    bool is_cancelled() override { return CaughtSignal() != 0 || windows_->is_cancelled(); }
+    bool is_cancelled() override { return signal_caught() != 0 || windows_->is_cancelled(); }
     void ended(const Report& report) override { windows_->ended(report); }
 
     const std::shared_ptr<Observer> windows_;
@@ -78,9 +78,9 @@ class Attended : public Observer {
 std::shared_ptr<Observer> observe(const Request& request, bool attended) {
     // A signal ends the work only when no file is left half done.
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    SetSignalDescriptor(nowhere);
+    set_signal_descriptor(nowhere);
     if (!attended) return std::make_shared<Unattended>();
-    return std::make_shared<Attended>(operations::MakeWindowObserver(request, note_outcomes));
+    return std::make_shared<Attended>(operations::make_window_observer(request, note_outcomes));
 }
 
 bool is_for_file_manager() {
@@ -94,22 +94,22 @@ const char* verb_of(State state) { return state == State::Skipped ? "skipped " :
 
 }  // namespace
 
-void OfferFileOperations(const MenuRequest& request) {
+void offer_file_operations(const MenuRequest& request) {
     const bool attended = is_attended = request.form == MenuForm::shown;
     const DialogItemIndex answer =
         request.replace ? DialogItemIndex{kAlertStdAlertCancelButton} : kAlertAnswerDefault;
-    AnswerStandardAlerts(attended ? DialogItemIndex{kAlertAnswerAsk} : answer);
+    answer_standard_alerts(attended ? DialogItemIndex{kAlertAnswerAsk} : answer);
     FileOperationService service;
-    service.carrier = operations::MakeEngine();
+    service.carrier = operations::make_engine();
     // The file manager asks its own questions, so it is only used when the user is there.
     if (attended && is_for_file_manager()) {
-        service.carrier = MakeDesktopCarrier(operations::MakeEngine());
+        service.carrier = make_desktop_carrier(operations::make_engine());
     }
     service.observer = [attended](const Request& wanted) { return observe(wanted, attended); };
-    SetFileOperationService(service);
+    set_file_operation_service(service);
 }
 
-void EndAlert() {
+void end_alert() {
     if (![NSApp modalWindow]) return;
     [NSApp stopModalWithCode:NSRunAbortedResponse];
     // The modal loop notices the stop only when it gets an event.
@@ -125,8 +125,8 @@ void EndAlert() {
              atStart:NO];
 }
 
-int FinishFileOperations() {
-    operations::RunUntilOperationsEnd();
+int finish_file_operations() {
+    operations::run_until_operations_end();
     std::unique_lock lock(mutex);
     changed.wait(lock, [] { return unattended == 0; });
     int status = exit_done;
@@ -134,8 +134,8 @@ int FinishFileOperations() {
         // A user who was asked knows what was skipped.
         const bool told = is_attended && outcome.state == State::Skipped;
         if (outcome.state == State::Done || told) continue;
-        Complain(verb_of(outcome.state) + Quoted(outcome.source) +
-                 (outcome.reason.empty() ? "" : ": " + outcome.reason));
+        complain_about_usage(verb_of(outcome.state) + in_quotes(outcome.source) +
+                             (outcome.reason.empty() ? "" : ": " + outcome.reason));
         if (outcome.state == State::Failed) status = exit_failed;
         if (status == exit_done) status = exit_skipped;
     }

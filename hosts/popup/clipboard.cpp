@@ -53,7 +53,7 @@ bool says_ready(int in) {
 
 }  // namespace
 
-std::string KeepOnClipboard(const std::string& content) {
+std::string keep_on_clipboard(const std::string& content) {
     Pipe text, ready;
     if (!text.make() || !ready.make()) return failed;
     const pid_t keeper = fork();

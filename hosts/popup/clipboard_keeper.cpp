@@ -116,7 +116,7 @@ void leave_pipe(int descriptor) {
 
 }  // namespace
 
-int RunClipboardKeeper() {
+int run_clipboard_keeper() {
     Display* display = XOpenDisplay(nullptr);
     if (!display) return 1;
     XSetErrorHandler(ignore_error);

@@ -3,4 +3,4 @@
 
 // A mouse button that is still held after the menu has closed may have begun a drag. Returns when
 // the button is released and the receiver has the drop, or when a signal ends the command.
-void FinishDrags();
+void finish_drags();

@@ -37,13 +37,13 @@ void serve_pasteboards() {
 
 }  // namespace
 
-void FinishDrags() {
+void finish_drags() {
     if (![NSEvent pressedMouseButtons]) return;
     serve_pasteboards();
-    while ([NSEvent pressedMouseButtons] && !CaughtSignal()) {
+    while ([NSEvent pressedMouseButtons] && !signal_caught()) {
         @autoreleasepool {
             [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:after(turn)];
         }
     }
-    FinishFileDrops(longest_fetch);
+    finish_file_drops(longest_fetch);
 }

@@ -13,7 +13,7 @@
 #include "operations/engine.h"
 #include "popup/clipboard.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace {
 
@@ -25,7 +25,7 @@ std::string uri_of(const std::string& path) {
 
 // The listener reports a failure.
 std::string open_one(const std::string& path) {
-    OpenFile(path);
+    open_picked_file(path);
     return {};
 }
 
@@ -43,7 +43,7 @@ std::string for_each(const std::vector<std::string>& files, Action action) {
 // Writes a path in the shells' form $'...' if its characters would break a line, or act on the
 // terminal into which the path is pasted.
 std::string safe_to_paste(const std::string& path) {
-    if (operations::VisibleText(path) == path) return path;
+    if (operations::visible_text(path) == path) return path;
     std::string quoted = "$'";
     for (const char byte : path) {
         const auto value = static_cast<unsigned char>(byte);
@@ -56,7 +56,7 @@ std::string safe_to_paste(const std::string& path) {
 }
 
 bool ask_file_manager(const std::vector<std::string>& files) {
-    const ::files::ObjectOwner<GDBusConnection> bus = ConnectToSessionBus();
+    const ::files::ObjectOwner<GDBusConnection> bus = connect_to_session_bus();
     if (!bus) return false;
     GVariantBuilder uris;
     g_variant_builder_init(&uris, G_VARIANT_TYPE("as"));
@@ -75,32 +75,32 @@ class Unwatched : public operations::Observer {
 
 }  // namespace
 
-std::string OpenFiles(const std::vector<std::string>& files) { return for_each(files, open_one); }
+std::string open_files(const std::vector<std::string>& files) { return for_each(files, open_one); }
 
-std::string ShowInFileManager(const std::vector<std::string>& files) {
+std::string show_in_file_manager(const std::vector<std::string>& files) {
     if (ask_file_manager(files)) return {};
     const std::string folder = std::filesystem::path(files.front()).parent_path().string();
     return open_one(folder.empty() ? "/" : folder);
 }
 
-std::string CopyPaths(const std::vector<std::string>& files) {
-    if (HasPrivateDisplay()) return "there is no display whose clipboard could hold the path";
+std::string copy_paths(const std::vector<std::string>& files) {
+    if (has_private_display()) return "there is no display whose clipboard could hold the path";
     std::string text;
     for (const std::string& file : files) {
         text += (text.empty() ? "" : "\n") + safe_to_paste(file);
     }
-    return KeepOnClipboard(text);
+    return keep_on_clipboard(text);
 }
 
-std::string MoveToTrash(const std::vector<std::string>& files) {
+std::string move_to_trash(const std::vector<std::string>& files) {
     Unwatched observer;
     const operations::Request request = {operations::Kind::Trash, files, "", false};
-    const operations::Report report = operations::Perform(request, observer);
+    const operations::Report report = operations::perform_request(request, observer);
     for (const operations::Outcome& outcome : report.outcomes) {
         if (outcome.state == operations::State::Done) continue;
-        return outcome.reason + "; " + Quoted(outcome.source) + " was left where it is";
+        return outcome.reason + "; " + in_quotes(outcome.source) + " was left where it is";
     }
     return {};
 }
 
-void FlushSessionBus() { files::flush_session_bus(); }
+void flush_bus() { files::flush_session_bus(); }

@@ -11,11 +11,11 @@ const struct HostItem {
     NSString* title;
     Action action;
 } host_items[] = {
-    {@"Open", OpenFiles},
-    {@"Show in File Manager", ShowInFileManager},
-    {@"Copy Path", CopyPaths},
+    {@"Open", open_files},
+    {@"Show in File Manager", show_in_file_manager},
+    {@"Copy Path", copy_paths},
     {nil, nullptr},
-    {@"Move to Trash", MoveToTrash},
+    {@"Move to Trash", move_to_trash},
 };
 
 TFENodeVector nodes_of(const std::vector<std::string>& files) {

@@ -4,4 +4,4 @@
 #include "command/command_line.h"
 
 // Prints what it did on standard output. Returns the exit status.
-int RunInstallCommand(const InstallRequest& request);
+int run_install_command(const InstallRequest& request);

@@ -15,7 +15,7 @@ NSString* const program_domain = @"GWorkspace";
 NSString* const bundle_name = @"DelvioGWorkspace.bundle";
 
 int failed(const std::string& problem) {
-    Complain(problem);
+    complain_about_usage(problem);
     return exit_failed;
 }
 
@@ -60,7 +60,7 @@ int failed_to_write(const DefaultsFile& file) {
 }
 
 int say(const char* text, NSString* path, NSString* domain) {
-    const std::string shown = operations::VisibleText([path UTF8String]);
+    const std::string shown = operations::visible_text([path UTF8String]);
     printf("%s\n  %s\n  in the list %s of the defaults domain %s\n", text, shown.c_str(),
            [list_key UTF8String], [domain UTF8String]);
     return exit_done;
@@ -68,7 +68,7 @@ int say(const char* text, NSString* path, NSString* domain) {
 
 int install(Domains& domains, NSArray* list) {
     std::string problem;
-    const std::string found = FindBundle([bundle_name UTF8String], &problem);
+    const std::string found = find_bundle([bundle_name UTF8String], &problem);
     if (found.empty()) return failed(problem);
     NSString* path = [NSString stringWithUTF8String:found.c_str()];
     NSString* domain = domains.name();
@@ -96,7 +96,7 @@ int uninstall(Domains& domains, NSArray* list) {
 
 }  // namespace
 
-int RunInstallCommand(const InstallRequest& request) {
+int run_install_command(const InstallRequest& request) {
     Domains domains;
     for (DefaultsFile* file : {&domains.own, &domains.global}) {
         if (file->refresh()) continue;

@@ -26,29 +26,29 @@ bool changes_settings(const CommandLine& line) {
 }
 
 int run_command(const CommandLine& line) {
-    if (line.command == CommandLine::install) return RunInstallCommand(line.install_request);
-    const std::string problem = SettingsProblem();
+    if (line.command == CommandLine::install) return run_install_command(line.install_request);
+    const std::string problem = settings_problem();
     if (!problem.empty() && changes_settings(line)) {
-        Complain(problem + "; nothing was changed. Repair or remove that file");
+        complain_about_usage(problem + "; nothing was changed. Repair or remove that file");
         return exit_failed;
     }
-    if (!problem.empty()) Complain(problem + "; the default settings are used");
-    return line.command == CommandLine::menu ? RunMenuCommand(line.menu_request)
-                                             : RunSettingsCommand(line.settings_request);
+    if (!problem.empty()) complain_about_usage(problem + "; the default settings are used");
+    return line.command == CommandLine::menu ? run_menu_command(line.menu_request)
+                                             : run_settings_command(line.settings_request);
 }
 
 int run(const CommandLine& line, char* program) {
     if (line.command == CommandLine::finished) return line.status;
     std::string problem;
-    if (!EnsureHomeFolder(&problem)) {
-        Complain(problem);
+    if (!ensure_home_folder(&problem)) {
+        complain_about_usage(problem);
         return exit_failed;
     }
-    operations::BeginToRemoveLeftTemporaries(operations::StateFolder());
-    operations::BeginToRemoveLeftTrashInfo(operations::StateFolder());
-    if (line.command == CommandLine::undo) return RunUndoCommand();
+    operations::begin_to_remove_left_temporaries(operations::default_state_folder());
+    operations::begin_to_remove_left_trash_info(operations::default_state_folder());
+    if (line.command == CommandLine::undo) return run_undo_command();
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    PrepareToolkit(program);
+    prepare_toolkit(program);
     const int status = run_command(line);
     [pool release];
     return status;
@@ -57,17 +57,17 @@ int run(const CommandLine& line, char* program) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    RestoreArguments();
-    if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return RunClipboardKeeper();
-    const std::string problem = DescriptorProblem();
+    restore_arguments();
+    if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return run_clipboard_keeper();
+    const std::string problem = descriptor_problem();
     if (!problem.empty()) {
-        Complain(problem);
+        complain_about_usage(problem);
         return exit_failed;
     }
-    KeepStreamsPrivate();
-    CatchExitSignals();
-    atexit(EndChildAndRemoveFile);
-    const CommandLine line = ReadCommandLine(argc, argv);
+    keep_streams_private();
+    catch_exit_signals();
+    atexit(end_child_and_remove_file);
+    const CommandLine line = read_command_line(argc, argv);
     const int status = run(line, argv[0]);
-    return fflush(OutputStream()) == 0 ? status : exit_failed;
+    return fflush(output_stream()) == 0 ? status : exit_failed;
 }

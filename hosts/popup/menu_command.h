@@ -4,4 +4,4 @@
 #include "command/command_line.h"
 
 // Returns the exit status.
-int RunMenuCommand(MenuRequest request);
+int run_menu_command(MenuRequest request);

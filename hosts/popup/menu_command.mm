@@ -21,20 +21,20 @@
 #include "popup/shown_menu.h"
 #include "settings/forced_settings.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace {
 
 int failed(const std::string& problem) {
-    Complain(problem);
+    complain_about_usage(problem);
     return exit_failed;
 }
 
 // A visible menu needs the user's display; the other forms can use a private one.
 bool have_display(MenuForm form, std::string* problem) {
-    if (DisplayAnswers(problem)) return true;
+    if (display_answers(problem)) return true;
     if (!problem->empty()) return false;
-    if (form != MenuForm::shown) return StartPrivateDisplay(problem);
+    if (form != MenuForm::shown) return start_private_display(problem);
     *problem =
         "there is no display to show the menu on; set DISPLAY, or use --print, --json, --png "
         "or --pick, which need none";
@@ -45,30 +45,31 @@ bool have_display(MenuForm form, std::string* problem) {
 void warn_of_other_encodings(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         if ([NSString stringWithUTF8String:file.c_str()]) continue;
-        Complain("the name " + Quoted(file) +
-                 " is not UTF-8: its menu has the host's own items and none of Delvio's");
+        complain_about_usage(
+            "the name " + in_quotes(file) +
+            " is not UTF-8: its menu has the host's own items and none of Delvio's");
     }
 }
 
 bool is_written(MenuForm form) { return form == MenuForm::text || form == MenuForm::json; }
 
 bool prepare(MenuRequest& request, std::string* problem) {
-    if (is_written(request.form)) KeepOutputPure();
-    if (!ResolveFiles(&request.files, problem)) return false;
-    const std::string bundle = FindPlugIn(problem);
+    if (is_written(request.form)) keep_output_pure();
+    if (!resolve_files(&request.files, problem)) return false;
+    const std::string bundle = find_plug_in(problem);
     if (bundle.empty() || !have_display(request.form, problem)) return false;
     warn_of_other_encodings(request.files);
-    StartApplication();
-    SetHeldModifierFlags(request.modifiers);
-    OfferFileOperations(request);
-    return AnswerFinderEvents(problem) && LoadPlugIn(bundle, problem);
+    start_application();
+    set_held_modifier_flags(request.modifiers);
+    offer_file_operations(request);
+    return answer_finder_events(problem) && load_plug_in(bundle, problem);
 }
 
 // Uses the toolkit's public call, like any program that pops up a menu.
 void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
     NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
                                         location:point
-                                   modifierFlags:CurrentModifierFlags()
+                                   modifierFlags:current_modifier_flags()
                                        timestamp:0
                                     windowNumber:0
                                          context:nil
@@ -81,7 +82,7 @@ void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
 }
 
 int write_out(const std::string& text) {
-    FILE* const output = OutputStream();
+    FILE* const output = output_stream();
     const bool written = fwrite(text.data(), 1, text.size(), output) == text.size();
     if (written && fflush(output) == 0) return exit_done;
     return failed("cannot write the menu to standard output");
@@ -92,8 +93,9 @@ int write_menu(HostMenu* host, const MenuRequest& request) {
     MenuReader* reader = [[[MenuReader alloc] initWithDepth:request.depth
                                                     details:json] autorelease];
     pop_up(host, reader, NSZeroPoint);
-    if (![reader problem].empty()) Complain([reader problem]);
-    return write_out(json ? WriteMenuJson([reader snapshot]) : WriteMenuText([reader snapshot]));
+    if (![reader problem].empty()) complain_about_usage([reader problem]);
+    return write_out(json ? write_menu_json([reader snapshot])
+                          : write_menu_text([reader snapshot]));
 }
 
 int pick(HostMenu* host, const MenuRequest& request) {
@@ -107,7 +109,7 @@ int take_picture(HostMenu* host, const MenuRequest& request) {
         [[[MenuPhotographer alloc] initWithFile:request.picture
                                      openTitles:request.open_titles] autorelease];
     [photographer waitForMenu];
-    pop_up(host, nil, PopupPoint(request));
+    pop_up(host, nil, popup_point(request));
     [photographer stop];
     return [photographer problem].empty() ? exit_done : failed([photographer problem]);
 }
@@ -115,13 +117,13 @@ int take_picture(HostMenu* host, const MenuRequest& request) {
 int show(HostMenu* host, const MenuRequest& request) {
     MenuEnder* ender = [[MenuEnder new] autorelease];
     [ender watchForSignals];
-    pop_up(host, nil, PopupPoint(request));
-    FinishDrags();
+    pop_up(host, nil, popup_point(request));
+    finish_drags();
     [ender stop];
-    if (CaughtSignal()) return 128 + CaughtSignal();
+    if (signal_caught()) return 128 + signal_caught();
     if ([host problem].empty()) return exit_done;
-    Complain([host problem]);
-    ShowProblem("This could not be done.", [host problem]);
+    complain_about_usage([host problem]);
+    show_problem("This could not be done.", [host problem]);
     return exit_failed;
 }
 
@@ -133,8 +135,8 @@ std::vector<OpenProblem>& open_problems() {
 // Nobody reads the standard error of a command that a keyboard shortcut started, so a panel
 // appears, too.
 void tell_open_problems(MenuForm form) {
-    for (const OpenProblem& problem : open_problems()) Complain(LineOf(problem));
-    if (form == MenuForm::shown && !CaughtSignal()) ShowOpenProblems(open_problems());
+    for (const OpenProblem& problem : open_problems()) complain_about_usage(problem_line(problem));
+    if (form == MenuForm::shown && !signal_caught()) show_open_problems(open_problems());
 }
 
 int run_form(HostMenu* host, const MenuRequest& request) {
@@ -154,20 +156,21 @@ int run_form(HostMenu* host, const MenuRequest& request) {
 
 }  // namespace
 
-int RunMenuCommand(MenuRequest request) {
+int run_menu_command(MenuRequest request) {
     std::string problem;
-    if (!ForceSettings(request.settings, &problem)) {
-        Complain(problem);
+    if (!force_settings(request.settings, &problem)) {
+        complain_about_usage(problem);
         return exit_misused;
     }
     if (!prepare(request, &problem)) return failed(problem);
-    ListenForOpenProblems([](const OpenProblem& problem) { open_problems().push_back(problem); });
+    listen_for_open_problems(
+        [](const OpenProblem& problem) { open_problems().push_back(problem); });
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
     const int status = run_form(host, request);
-    FinishFinderEvents();
-    const int operations_status = FinishFileOperations();
-    FlushSessionBus();
-    if (CaughtSignal()) return 128 + CaughtSignal();
+    finish_finder_events();
+    const int operations_status = finish_file_operations();
+    flush_bus();
+    if (signal_caught()) return 128 + signal_caught();
     tell_open_problems(request.form);
     if (status != exit_done) return status;
     if (![host problem].empty()) return failed([host problem]);

@@ -25,7 +25,7 @@ json item_json(const ItemSnapshot& item) {
             {"title", item.title},
             {"enabled", item.enabled},
             {"alternate", item.alternate},
-            {"modifiers", ModifierNames(item.modifiers)},
+            {"modifiers", modifier_names(item.modifiers)},
             {"image", item.image},
             {"color", text_or_null(item.details->color)},
             {"tag", item.details->tag},
@@ -42,7 +42,7 @@ json menu_json(const MenuSnapshot& menu) {
 
 }  // namespace
 
-std::string WriteMenuJson(const MenuSnapshot& menu) {
-    return PrintableJson(menu_json(menu).dump(2, ' ', false, json::error_handler_t::replace)) +
+std::string write_menu_json(const MenuSnapshot& menu) {
+    return printable_json(menu_json(menu).dump(2, ' ', false, json::error_handler_t::replace)) +
            "\n";
 }

@@ -5,7 +5,7 @@
 #include "file_steps/visible_text.h"
 #include "popup/menu_walker.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace {
 
@@ -79,15 +79,15 @@ constexpr NSTimeInterval turn = 0.1;
     const std::vector<std::string> way(_titles->begin(), _titles->begin() + ++_opened);
     NSMenu* menu = nil;
     std::string problem;
-    if (OpenByTitles(session, way, &menu, &problem)) return;
+    if (open_by_titles(session, way, &menu, &problem)) return;
     *_problem = problem;
     [session cancel];
 }
 
 - (std::string)takePicture {
     NSString* file = [NSString stringWithUTF8String:_file->c_str()];
-    if (file && WritePictureOfOpenMenus(file, YES)) return {};
-    return "cannot save the picture " + Quoted(*_file) + "; is its folder there and writable?";
+    if (file && write_picture_of_open_menus(file, YES)) return {};
+    return "cannot save the picture " + in_quotes(*_file) + "; is its folder there and writable?";
 }
 
 @end

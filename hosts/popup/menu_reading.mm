@@ -32,23 +32,23 @@ std::unique_ptr<ItemDetails> read_details(NSMenuItem* item) {
     details->color = color_of(item);
     details->tag = [item tag];
     details->plugin = ![HostMenu madeItem:item];
-    details->path = without_slash(TextOf(PathOfItem(item)));
-    if ([item hasSubmenu]) details->submenu_title = TextOf([[item submenu] title]);
+    details->path = without_slash(utf8_text(path_of_item(item)));
+    if ([item hasSubmenu]) details->submenu_title = utf8_text([[item submenu] title]);
     return details;
 }
 
 }  // namespace
 
-std::string TextOf(NSString* string) {
+std::string utf8_text(NSString* string) {
     NSData* data = [string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
     if (!data) return {};
     return {static_cast<const char*>([data bytes]), [data length]};
 }
 
-ItemSnapshot ReadItem(NSMenuItem* item, bool details) {
+ItemSnapshot read_item(NSMenuItem* item, bool details) {
     ItemSnapshot snapshot;
     snapshot.separator = [item isSeparatorItem];
-    snapshot.title = snapshot.separator ? std::string() : TextOf([item title]);
+    snapshot.title = snapshot.separator ? std::string() : utf8_text([item title]);
     snapshot.enabled = !snapshot.separator && [item isEnabled];
     snapshot.alternate = [item isAlternate];
     if (snapshot.alternate) snapshot.modifiers = [item keyEquivalentModifierMask];

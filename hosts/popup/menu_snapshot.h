@@ -23,7 +23,7 @@ struct ItemSnapshot {
     bool image = false;
     bool has_submenu = false;
     bool populated = false;       // the submenu was opened
-    unsigned long modifiers = 0;  // of an alternate: see ModifierNames()
+    unsigned long modifiers = 0;  // of an alternate: see modifier_names()
     std::unique_ptr<ItemDetails> details;
     std::vector<ItemSnapshot> items;
 };
@@ -31,7 +31,7 @@ struct ItemSnapshot {
 using MenuSnapshot = std::vector<ItemSnapshot>;
 
 // The menu as an indented tree, one line for each item.
-std::string WriteMenuText(const MenuSnapshot& menu);
+std::string write_menu_text(const MenuSnapshot& menu);
 // The menu as a JSON array; all items have details. Bytes that are not UTF-8 become replacement
 // characters.
-std::string WriteMenuJson(const MenuSnapshot& menu);
+std::string write_menu_json(const MenuSnapshot& menu);

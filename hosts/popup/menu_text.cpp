@@ -12,7 +12,7 @@ constexpr const char* replacement_character = "\xef\xbf\xbd";
 // A preview's row has no title, only a picture.
 std::string title_of(const ItemSnapshot& item) {
     if (item.title.empty() && item.image) return "(picture)";
-    return Printable(item.title, replacement_character);
+    return printable(item.title, replacement_character);
 }
 
 std::string joined(const std::vector<std::string>& words) {
@@ -25,7 +25,7 @@ std::string line_of(const ItemSnapshot& item) {
     if (item.separator) return "--------";
     std::string line = title_of(item);
     if (item.has_submenu) line += " >";
-    if (item.alternate) line += " [" + joined(ModifierNames(item.modifiers)) + "]";
+    if (item.alternate) line += " [" + joined(modifier_names(item.modifiers)) + "]";
     if (!item.enabled) line += " (disabled)";
     return line;
 }
@@ -39,7 +39,7 @@ void write(const MenuSnapshot& menu, const std::string& indent, std::string* tex
 
 }  // namespace
 
-std::string WriteMenuText(const MenuSnapshot& menu) {
+std::string write_menu_text(const MenuSnapshot& menu) {
     std::string text;
     write(menu, "", &text);
     return text;

@@ -50,9 +50,9 @@ inline constexpr long most_read_bytes = 1L << 30;
 
 // The item with this title that an open level shows while the held modifier keys are down; nil with
 // *problem when there is none.
-NSMenuItem* FindVisibleItem(NSMenu* menu, const std::string& title, std::string* problem);
+NSMenuItem* find_visible_item(NSMenu* menu, const std::string& title, std::string* problem);
 
 // Opens the submenus that the titles name, each inside the one before, from the root. False with
 // *problem when one of them cannot be opened. *last is the menu that was opened last, or the root.
-bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, NSMenu** last,
-                  std::string* problem);
+bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles, NSMenu** last,
+                    std::string* problem);

@@ -9,7 +9,7 @@
 #include "file_steps/visible_text.h"
 #include "popup/menu_reading.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace {
 
@@ -43,9 +43,10 @@ long resident_bytes() {
 
 // Why the item with the last title cannot be picked; empty when it can.
 std::string why_not_picked(NSMenuItem* item, const std::string& title) {
-    if (![item isEnabled]) return Quoted(title) + " is disabled";
+    if (![item isEnabled]) return in_quotes(title) + " is disabled";
     if (![MenuSession canPickItem:item]) {
-        return Quoted(title) + " only opens a submenu; name one of its items with another --pick";
+        return in_quotes(title) +
+               " only opens a submenu; name one of its items with another --pick";
     }
     return {};
 }
@@ -54,7 +55,7 @@ std::string why_not_picked(NSMenuItem* item, const std::string& title) {
 NSMenuItem* find_alternate(NSMenu* menu, const std::string& title) {
     NSMenuItem* found = nil;
     for (NSMenuItem* item in [menu itemArray]) {
-        if (![item isAlternate] || TextOf([item title]) != title) continue;
+        if (![item isAlternate] || utf8_text([item title]) != title) continue;
         if (found) return nil;
         found = item;
     }
@@ -63,28 +64,28 @@ NSMenuItem* find_alternate(NSMenu* menu, const std::string& title) {
 
 }  // namespace
 
-NSMenuItem* FindVisibleItem(NSMenu* menu, const std::string& title, std::string* problem) {
+NSMenuItem* find_visible_item(NSMenu* menu, const std::string& title, std::string* problem) {
     NSMutableArray* items = [NSMutableArray array];
     std::vector<std::string> titles;
     for (NSMenuItem* item in [MenuSession visibleItemsOfMenu:menu
-                                               withModifiers:CurrentModifierFlags()]) {
+                                               withModifiers:current_modifier_flags()]) {
         if ([item isSeparatorItem]) continue;
         [items addObject:item];
-        titles.push_back(TextOf([item title]));
+        titles.push_back(utf8_text([item title]));
     }
-    const int index = MatchTitle(title, titles, problem);
+    const int index = match_title(title, titles, problem);
     return index < 0 ? nil : [items objectAtIndex:index];
 }
 
-bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, NSMenu** last,
-                  std::string* problem) {
+bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles, NSMenu** last,
+                    std::string* problem) {
     *last = [session rootMenu];
     for (const std::string& title : titles) {
-        NSMenuItem* item = FindVisibleItem(*last, title, problem);
+        NSMenuItem* item = find_visible_item(*last, title, problem);
         if (!item) return false;
         if (![session openSubmenuOfItem:item]) {
             *problem =
-                Quoted(title) + ([item hasSubmenu] ? " cannot be opened" : " has no submenu");
+                in_quotes(title) + ([item hasSubmenu] ? " cannot be opened" : " has no submenu");
             return false;
         }
         *last = [item submenu];
@@ -153,11 +154,11 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
 - (MenuSnapshot)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
     MenuSnapshot result;
     result.reserve(static_cast<size_t>([menu numberOfItems]));
-    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:CurrentModifierFlags()];
+    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:current_modifier_flags()];
     NSSet* openable = [NSSet setWithArray:shown];
     for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
-        ItemSnapshot snapshot = ReadItem(item, _details);
+        ItemSnapshot snapshot = read_item(item, _details);
         const BOOL wanted = level < _depth && [item hasSubmenu] && [openable containsObject:item];
         if (wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item]) {
             wait_until_made([item submenu]);
@@ -196,15 +197,15 @@ bool OpenByTitles(MenuSession* session, const std::vector<std::string>& titles, 
 - (void)walk:(MenuSession*)session {
     const std::vector<std::string> way(_titles->begin(), _titles->end() - 1);
     NSMenu* menu = nil;
-    if (OpenByTitles(session, way, &menu, _problem)) [self pickIn:menu session:session];
+    if (open_by_titles(session, way, &menu, _problem)) [self pickIn:menu session:session];
 }
 
 - (void)pickIn:(NSMenu*)menu session:(MenuSession*)session {
     const std::string& title = _titles->back();
-    NSMenuItem* item = FindVisibleItem(menu, title, _problem);
+    NSMenuItem* item = find_visible_item(menu, title, _problem);
     if (!item && (item = find_alternate(menu, title))) {
         // The item's modifier keys are pressed for this pick alone.
-        SetHeldModifierFlags([item keyEquivalentModifierMask]);
+        set_held_modifier_flags([item keyEquivalentModifierMask]);
     }
     if (!item) return;
     *_problem = why_not_picked(item, title);

@@ -6,7 +6,7 @@
 #include "command/command_line.h"
 
 // The place for the menu: the requested point, else the pointer; in AppKit's screen coordinates.
-NSPoint PopupPoint(const MenuRequest& request);
+NSPoint popup_point(const MenuRequest& request);
 
 // Closes the open menu when a signal arrives.
 @interface MenuEnder : NSObject {

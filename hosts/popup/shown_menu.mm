@@ -8,7 +8,7 @@
 #include "command/exit_signals.h"
 #include "popup/asked_operations.h"
 
-NSPoint PopupPoint(const MenuRequest& request) {
+NSPoint popup_point(const MenuRequest& request) {
     if (!request.has_point) return [NSEvent mouseLocation];
     // AppKit's coordinates begin at the lower left corner of the first screen.
     const NSRect screen = [[[NSScreen screens] objectAtIndex:0] frame];
@@ -27,18 +27,18 @@ NSPoint PopupPoint(const MenuRequest& request) {
     [_signals waitForDataInBackgroundAndNotifyForModes:@[
         NSDefaultRunLoopMode, NSEventTrackingRunLoopMode, NSModalPanelRunLoopMode
     ]];
-    SetSignalDescriptor(_ends[1]);
+    set_signal_descriptor(_ends[1]);
 }
 
 - (void)endMenu:(NSNotification*)notification {
     (void)notification;
     [[MenuSession current] cancel];
-    EndAlert();
+    end_alert();
 }
 
 - (void)stop {
     if (!_signals) return;
-    SetSignalDescriptor(-1);
+    set_signal_descriptor(-1);
     [[NSNotificationCenter defaultCenter] removeObserver:self];
     [_signals closeFile];  // without this, the run loop keeps polling it
     [_signals release];

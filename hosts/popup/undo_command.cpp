@@ -25,9 +25,9 @@ void tell(const std::vector<std::string>& lines, Write write) {
 
 }  // namespace
 
-int RunUndoCommand() {
+int run_undo_command() {
     Quiet observer;
-    const operations::Report report = operations::UndoLast(observer);
+    const operations::Report report = operations::undo_last(observer);
     std::vector<std::string> done, problems;
     for (const operations::Outcome& outcome : report.outcomes) {
         const bool is_done = outcome.state == operations::State::Done;
@@ -35,9 +35,9 @@ int RunUndoCommand() {
     }
     if (done.empty() && problems.empty()) done = {"nothing was left to undo"};
     tell(done, [](const std::string& line) { printf("%s\n", line.c_str()); });
-    tell(problems, [](const std::string& line) { Complain("cannot undo: " + line); });
+    tell(problems, [](const std::string& line) { complain_about_usage("cannot undo: " + line); });
     if (!done.empty() && !problems.empty()) {
-        Complain("settle this, then \"delvio undo\" undoes the rest");
+        complain_about_usage("settle this, then \"delvio undo\" undoes the rest");
     }
     return problems.empty() ? exit_done : exit_failed;
 }

@@ -3,4 +3,4 @@
 
 // Undoes the last operation of the engine. Returns the exit status; prints what prevents the undo
 // on standard error, one line each.
-int RunUndoCommand();
+int run_undo_command();

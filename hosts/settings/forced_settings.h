@@ -11,9 +11,9 @@
 #include "settings/settings_table.h"
 
 // The value as the object that is stored: a number, a string or an array of strings. Autoreleased.
-id ObjectOf(const Setting& setting, const SettingValue& value);
+id object_of(const Setting& setting, const SettingValue& value);
 
 // Makes each KEY=VALUE pair hold for this run alone. A repeated key replaces the value, or adds to
 // it if it is a list. False when a pair is refused; then *problem says why, in one line.
-bool ForceSettings(const std::vector<std::pair<std::string, std::string>>& pairs,
-                   std::string* problem);
+bool force_settings(const std::vector<std::pair<std::string, std::string>>& pairs,
+                    std::string* problem);

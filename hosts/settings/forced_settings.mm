@@ -21,9 +21,9 @@ using Words = std::map<const Setting*, std::vector<std::string>>;
 bool gather(const std::vector<std::pair<std::string, std::string>>& pairs, Words* words,
             std::string* problem) {
     for (const auto& [key, word] : pairs) {
-        const Setting* setting = FindSetting(key);
+        const Setting* setting = find_setting(key);
         if (!setting) {
-            *problem = UnknownSetting(key);
+            *problem = unknown_setting(key);
             return false;
         }
         std::vector<std::string>& known = (*words)[setting];
@@ -35,22 +35,22 @@ bool gather(const std::vector<std::pair<std::string, std::string>>& pairs, Words
 
 }  // namespace
 
-id ObjectOf(const Setting& setting, const SettingValue& value) {
-    if (IsNumeric(setting)) return [NSNumber numberWithInt:value.number];
+id object_of(const Setting& setting, const SettingValue& value) {
+    if (is_numeric(setting)) return [NSNumber numberWithInt:value.number];
     if (setting.type == SettingType::path) return string_of(value.strings.front());
     NSMutableArray* array = [NSMutableArray array];
     for (const std::string& text : value.strings) [array addObject:string_of(text)];
     return array;
 }
 
-bool ForceSettings(const std::vector<std::pair<std::string, std::string>>& pairs,
-                   std::string* problem) {
+bool force_settings(const std::vector<std::pair<std::string, std::string>>& pairs,
+                    std::string* problem) {
     Words words;
     if (!gather(pairs, &words, problem)) return false;
     for (const auto& [setting, known] : words) {
         SettingValue value;
-        if (!ParseSetting(*setting, known, &value, problem)) return false;
-        ForcePreference(cf(setting->key), ObjectOf(*setting, value), cf(settings_domain));
+        if (!parse_setting(*setting, known, &value, problem)) return false;
+        force_preference(cf(setting->key), object_of(*setting, value), cf(settings_domain));
     }
     return true;
 }

@@ -4,4 +4,4 @@
 #include "command/command_line.h"
 
 // Returns the exit status.
-int RunSettingsCommand(const SettingsRequest& request);
+int run_settings_command(const SettingsRequest& request);

@@ -32,13 +32,13 @@ void read_number(SettingState* state) {
     const CFIndex number =
         CFPreferencesGetAppIntegerValue(cf(state->setting->key), cf(settings_domain), &valid);
     state->stored = valid;
-    state->value.number = valid ? NumberInEffect(*state->setting, static_cast<int32_t>(number))
+    state->value.number = valid ? number_in_effect(*state->setting, static_cast<int32_t>(number))
                                 : state->setting->standard;
 }
 
 // The folder whose applications the menus offer when the setting has no value.
 std::string installed_applications() {
-    const std::string folder = ApplicationsFolder();
+    const std::string folder = applications_folder();
     return access(folder.c_str(), R_OK) == 0 ? folder : "/Applications";
 }
 
@@ -54,25 +54,25 @@ void read_strings(SettingState* state) {
 
 SettingState state_of(const Setting& setting) {
     SettingState state{&setting, {}, false};
-    IsNumeric(setting) ? read_number(&state) : read_strings(&state);
+    is_numeric(setting) ? read_number(&state) : read_strings(&state);
     return state;
 }
 
 int misused(const std::string& problem) {
-    Complain(problem);
+    complain_about_usage(problem);
     return exit_misused;
 }
 
 // Null, after an error message, for an unknown key.
 const Setting* known(const std::string& key) {
-    const Setting* setting = FindSetting(key);
-    if (!setting) Complain(UnknownSetting(key));
+    const Setting* setting = find_setting(key);
+    if (!setting) complain_about_usage(unknown_setting(key));
     return setting;
 }
 
 int save() {
     if (CFPreferencesAppSynchronize(cf(settings_domain))) return exit_done;
-    Complain("cannot save the settings; is the defaults folder writable?");
+    complain_about_usage("cannot save the settings; is the defaults folder writable?");
     return exit_failed;
 }
 
@@ -82,15 +82,15 @@ void store(const Setting& setting, id value) {
 
 int list(const SettingsRequest& request) {
     std::vector<SettingState> states;
-    for (const Setting& setting : AllSettings()) states.push_back(state_of(setting));
-    fputs((request.json ? WriteSettingsJson(states) : WriteSettings(states)).c_str(), stdout);
+    for (const Setting& setting : settings_table()) states.push_back(state_of(setting));
+    fputs((request.json ? write_settings_json(states) : write_settings(states)).c_str(), stdout);
     return exit_done;
 }
 
 int get(const SettingsRequest& request) {
     const Setting* setting = known(request.words[0]);
     if (!setting) return exit_misused;
-    const std::string text = WriteValue(state_of(*setting));
+    const std::string text = write_value(state_of(*setting));
     if (!text.empty()) puts(text.c_str());
     return exit_done;
 }
@@ -101,8 +101,8 @@ int set(const SettingsRequest& request) {
     SettingValue value;
     std::string problem;
     const std::vector<std::string> words(request.words.begin() + 1, request.words.end());
-    if (!ParseSetting(*setting, words, &value, &problem)) return misused(problem);
-    store(*setting, ObjectOf(*setting, value));
+    if (!parse_setting(*setting, words, &value, &problem)) return misused(problem);
+    store(*setting, object_of(*setting, value));
     return save();
 }
 
@@ -110,7 +110,7 @@ int reset(const SettingsRequest& request) {
     for (const std::string& key : request.words) {
         if (!known(key)) return exit_misused;
     }
-    for (const Setting& setting : AllSettings()) {
+    for (const Setting& setting : settings_table()) {
         const auto& words = request.words;
         const bool named = std::find(words.begin(), words.end(), setting.key) != words.end();
         if (request.all || named) store(setting, nil);
@@ -120,7 +120,7 @@ int reset(const SettingsRequest& request) {
 
 }  // namespace
 
-int RunSettingsCommand(const SettingsRequest& request) {
+int run_settings_command(const SettingsRequest& request) {
     CFPreferencesAppSynchronize(cf(settings_domain));
     switch (request.verb) {
         case SettingsVerb::list:

@@ -14,7 +14,7 @@ const char* type_name(SettingType type) {
 }
 
 std::string default_text(const Setting& setting) {
-    if (IsNumeric(setting)) return std::to_string(setting.standard);
+    if (is_numeric(setting)) return std::to_string(setting.standard);
     return setting.type == SettingType::path ? "the installed applications" : "none";
 }
 
@@ -25,12 +25,12 @@ std::string joined(const std::vector<std::string>& strings, const char* between)
 }
 
 std::string one_line_value(const SettingState& state) {
-    if (IsNumeric(*state.setting)) return std::to_string(state.value.number);
+    if (is_numeric(*state.setting)) return std::to_string(state.value.number);
     return state.value.strings.empty() ? "none" : joined(state.value.strings, " ");
 }
 
 json value_json(const SettingState& state) {
-    if (IsNumeric(*state.setting)) return state.value.number;
+    if (is_numeric(*state.setting)) return state.value.number;
     if (state.setting->type == SettingType::paths) return state.value.strings;
     return state.value.strings.empty() ? json(nullptr) : json(state.value.strings.front());
 }
@@ -40,32 +40,32 @@ json state_json(const SettingState& state) {
     return {{"key", setting.key},
             {"type", type_name(setting.type)},
             {"value", value_json(state)},
-            {"default", IsNumeric(setting) ? json(setting.standard) : json(nullptr)},
-            {"bounds", DescribeBounds(setting)},
+            {"default", is_numeric(setting) ? json(setting.standard) : json(nullptr)},
+            {"bounds", describe_bounds(setting)},
             {"set", state.stored},
             {"meaning", setting.meaning}};
 }
 
 }  // namespace
 
-std::string WriteValue(const SettingState& state) {
-    if (IsNumeric(*state.setting)) return std::to_string(state.value.number);
+std::string write_value(const SettingState& state) {
+    if (is_numeric(*state.setting)) return std::to_string(state.value.number);
     return joined(state.value.strings, "\n");
 }
 
-std::string WriteSettings(const std::vector<SettingState>& states) {
+std::string write_settings(const std::vector<SettingState>& states) {
     std::string text;
     for (const SettingState& state : states) {
         const Setting& setting = *state.setting;
-        text += std::string(setting.key) + " = " + Printable(one_line_value(state), "?") +
-                "\n    " + setting.meaning + "\n    takes " + DescribeBounds(setting) +
+        text += std::string(setting.key) + " = " + printable(one_line_value(state), "?") +
+                "\n    " + setting.meaning + "\n    takes " + describe_bounds(setting) +
                 "; default " + default_text(setting) + "\n";
     }
     return text;
 }
 
-std::string WriteSettingsJson(const std::vector<SettingState>& states) {
+std::string write_settings_json(const std::vector<SettingState>& states) {
     json list = json::array();
     for (const SettingState& state : states) list.push_back(state_json(state));
-    return PrintableJson(list.dump(2, ' ', false, json::error_handler_t::replace)) + "\n";
+    return printable_json(list.dump(2, ' ', false, json::error_handler_t::replace)) + "\n";
 }

@@ -13,8 +13,8 @@ struct SettingState {
 };
 
 // The value alone: a number, or the strings, one per line; empty for no string.
-std::string WriteValue(const SettingState& state);
+std::string write_value(const SettingState& state);
 // One paragraph for each setting: its key and value, then its default and meaning.
-std::string WriteSettings(const std::vector<SettingState>& states);
+std::string write_settings(const std::vector<SettingState>& states);
 // An array of {"key", "type", "value", "default", "bounds", "set", "meaning"}.
-std::string WriteSettingsJson(const std::vector<SettingState>& states);
+std::string write_settings_json(const std::vector<SettingState>& states);

@@ -12,7 +12,7 @@
 #include "file_steps/visible_text.h"
 #include "finderkit/preview_placement.h"
 
-using operations::Quoted;
+using operations::in_quotes;
 
 namespace {
 
@@ -106,27 +106,27 @@ bool is_path(const Setting& setting, const std::string& word) {
 
 }  // namespace
 
-const std::vector<Setting>& AllSettings() { return settings; }
+const std::vector<Setting>& settings_table() { return settings; }
 
-const Setting* FindSetting(std::string_view key) {
+const Setting* find_setting(std::string_view key) {
     for (const Setting& setting : settings) {
         if (key == setting.key) return &setting;
     }
     return nullptr;
 }
 
-std::string UnknownSetting(std::string_view key) {
+std::string unknown_setting(std::string_view key) {
     std::vector<std::string> keys;
     for (const Setting& setting : settings) keys.push_back(setting.key);
-    const std::vector<std::string> close = SimilarWords(std::string(key), keys, 1);
+    const std::vector<std::string> close = similar_words(std::string(key), keys, 1);
     const std::string hint =
         close.empty() ? "see delvio settings list" : "did you mean " + close.front() + "?";
-    return "there is no setting " + Quoted(key) + "; " + hint;
+    return "there is no setting " + in_quotes(key) + "; " + hint;
 }
 
-bool IsNumeric(const Setting& setting) { return setting.type <= SettingType::integer; }
+bool is_numeric(const Setting& setting) { return setting.type <= SettingType::integer; }
 
-int32_t NumberInEffect(const Setting& setting, int32_t stored) {
+int32_t number_in_effect(const Setting& setting, int32_t stored) {
     if (stored >= setting.least && stored <= setting.most) return stored;
     if (setting.type == SettingType::flag) return 1;
     for (const auto& [key, number] : beyond_bounds) {
@@ -135,7 +135,7 @@ int32_t NumberInEffect(const Setting& setting, int32_t stored) {
     return stored;
 }
 
-std::string DescribeBounds(const Setting& setting) {
+std::string describe_bounds(const Setting& setting) {
     if (setting.type == SettingType::path) return "an absolute path";
     if (setting.type == SettingType::paths) return "absolute paths, or - for a separator";
     if (setting.type == SettingType::flag) return "0 or 1";
@@ -144,11 +144,11 @@ std::string DescribeBounds(const Setting& setting) {
     return std::to_string(setting.least) + " to " + std::to_string(setting.most);
 }
 
-bool ParseSetting(const Setting& setting, const std::vector<std::string>& words,
-                  SettingValue* value, std::string* problem) {
+bool parse_setting(const Setting& setting, const std::vector<std::string>& words,
+                   SettingValue* value, std::string* problem) {
     const bool one = words.size() == 1;
     bool good = !words.empty() && (one || setting.type == SettingType::paths);
-    if (IsNumeric(setting)) {
+    if (is_numeric(setting)) {
         good = good && parse_numeric(setting, words[0], &value->number);
     } else {
         good = good && std::all_of(words.begin(), words.end(),
@@ -158,7 +158,7 @@ bool ParseSetting(const Setting& setting, const std::vector<std::string>& words,
     if (good) return true;
     std::string given;
     for (const std::string& word : words) given += (given.empty() ? "" : " ") + word;
-    *problem =
-        std::string(setting.key) + " takes " + DescribeBounds(setting) + ", not " + Quoted(given);
+    *problem = std::string(setting.key) + " takes " + describe_bounds(setting) + ", not " +
+               in_quotes(given);
     return false;
 }

@@ -32,19 +32,19 @@ struct SettingValue {
     std::vector<std::string> strings;
 };
 
-const std::vector<Setting>& AllSettings();
+const std::vector<Setting>& settings_table();
 // Null for an unknown key.
-const Setting* FindSetting(std::string_view key);
+const Setting* find_setting(std::string_view key);
 // One line that says that the key is unknown and names the nearest known one.
-std::string UnknownSetting(std::string_view key);
+std::string unknown_setting(std::string_view key);
 
-bool IsNumeric(const Setting& setting);
+bool is_numeric(const Setting& setting);
 // The number that takes effect for a stored one: the same within its bounds, else what the plug-in
 // uses in its place.
-int32_t NumberInEffect(const Setting& setting, int32_t stored);
+int32_t number_in_effect(const Setting& setting, int32_t stored);
 // "0 to 3", "1 or more", "an absolute path", ...
-std::string DescribeBounds(const Setting& setting);
+std::string describe_bounds(const Setting& setting);
 // Parses the words of a value. False when they are not a valid value; then *problem says, in one
 // line, what the setting takes.
-bool ParseSetting(const Setting& setting, const std::vector<std::string>& words,
-                  SettingValue* value, std::string* problem);
+bool parse_setting(const Setting& setting, const std::vector<std::string>& words,
+                   SettingValue* value, std::string* problem);

@@ -202,7 +202,7 @@ void deallocate_window(NSWindow* self, SEL selector) {
 @implementation AnimatorsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSWindow", "dealloc", reinterpret_cast<IMP>(deallocate_window), &stock_window_dealloc},
         {"NSView", "dealloc", reinterpret_cast<IMP>(deallocate_view), &stock_view_dealloc},
     };

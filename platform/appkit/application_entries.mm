@@ -96,7 +96,7 @@ id bundle_with_path(Class self, SEL selector, NSString* path) {
 @implementation ApplicationEntriesInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSBundle", "bundleWithPath:", reinterpret_cast<IMP>(bundle_with_path), &stock_bundle,
          true},
     };

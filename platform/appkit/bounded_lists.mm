@@ -28,9 +28,9 @@ id parse(Class self, SEL selector, NSData* data, NSPropertyListReadOptions optio
         if (error) *error = refusal();
         return nil;
     }
-    using parse_t =
+    using Parse =
         id (*)(Class, SEL, NSData*, NSPropertyListReadOptions, NSPropertyListFormat*, NSError**);
-    return reinterpret_cast<parse_t>(stock_parse)(self, selector, data, options, format, error);
+    return reinterpret_cast<Parse>(stock_parse)(self, selector, data, options, format, error);
 }
 
 // -1 unless the path leads to a plain file of at most `largest_file` bytes. Opening a pipe must not
@@ -83,7 +83,7 @@ id read_array_file(id self, SEL selector, NSString* path) {
 @implementation BoundedListsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSPropertyListSerialization", "propertyListWithData:options:format:error:",
          reinterpret_cast<IMP>(parse), &stock_parse, true},
         {"NSDictionary", "initWithContentsOfFile:", reinterpret_cast<IMP>(read_dictionary_file),

@@ -25,23 +25,23 @@ constexpr double least_width = 64, least_height = 48;
 BesideMenusQuestion is_wanted;
 
 // Everything that decides a card's place.
-struct card_cause_t {
+struct CardCause {
     NSRect shown;  // in the content's points
     bool is_blank;
-    area_t levels, deepest;
+    Area levels, deepest;
 
-    bool operator==(const card_cause_t& other) const {
+    bool operator==(const CardCause& other) const {
         return NSEqualRects(shown, other.shown) && is_blank == other.is_blank &&
                levels == other.levels && deepest == other.deepest;
     }
 };
 
-struct card_t {
-    menu_look_t look;
+struct Card {
+    MenuLook look;
     bool composed;
     NSSize base;  // the content's, before it was a card
-    area_t area = {};
-    card_cause_t cause = {};
+    Area area = {};
+    CardCause cause = {};
 
     int margin() const { return composed ? look.shadow_extent : 0; }
     int pixels(double points) const { return static_cast<int>(std::lround(points * look.scale)); }
@@ -57,7 +57,7 @@ std::vector<NSWindow*>& cards() {
 // The card's ground, below everything that the window shows.
 @interface CardView : NSView {
   @public
-    card_t* card;
+    Card* card;
     NSWindow* owner;  // not retained
 }
 @end
@@ -77,8 +77,8 @@ std::vector<NSWindow*>& cards() {
 - (void)drawRect:(NSRect)rect {
     cairo_t* cairo = focused_cairo();
     if (!cairo || card->cause.is_blank) return;
-    const menu_layout_t no_rows(card->look);
-    menu_scene_t scene = {};
+    const MenuLayout no_rows(card->look);
+    MenuScene scene = {};
     scene.layout = &no_rows;
     scene.left = scene.top = card->margin();
     scene.width = card->area.width;
@@ -136,16 +136,16 @@ NSRect widened(NSRect shown, NSSize base) {
                        -std::max(0.0, least_height - NSHeight(shown)) / 2);
 }
 
-area_t joined(const area_t& one, const area_t& other) {
+Area joined(const Area& one, const Area& other) {
     const int left = std::min(one.left, other.left), top = std::min(one.top, other.top);
     return {left, top, std::max(one.right(), other.right()) - left,
             std::max(one.bottom(), other.bottom()) - top};
 }
 
 // Null when no level is shown.
-const menu_level_t* find_levels(area_t* all) {
-    const menu_level_t* deepest = nullptr;
-    const menu_run_t* run = menu_run_t::current();
+const MenuLevel* find_levels(Area* all) {
+    const MenuLevel* deepest = nullptr;
+    const MenuRun* run = MenuRun::current();
     if (!run) return nullptr;
     for (const auto& level : run->levels()) {
         if (!level->is_shown()) continue;
@@ -155,22 +155,22 @@ const menu_level_t* find_levels(area_t* all) {
     return deepest;
 }
 
-area_t place_card(const card_t& card, const menu_level_t& deepest) {
+Area place_card(const Card& card, const MenuLevel& deepest) {
     NSMenuItem* item = [[MenuSession current] highlightedItemOfMenu:deepest.menu()];
     const int row = deepest.layout().row_of(item);
     const NSSize size = card.cause.shown.size;
-    const extent_t wanted = {card.pixels(size.width + 2 * padding),
-                             card.pixels(size.height + 2 * padding)};
+    const Extent wanted = {card.pixels(size.width + 2 * padding),
+                           card.pixels(size.height + 2 * padding)};
     return place_clear(wanted, card.cause.levels, row < 0 ? deepest.panel() : deepest.row_area(row),
                        deepest.screen(), screen_margin, card.pixels(gap), deepest.side());
 }
 
 // Places the window and scales its content so that the shown part fits into the card.
 void fit_window(NSWindow* window, CardView* view) {
-    const card_t& card = *view->card;
+    const Card& card = *view->card;
     const int room = card.margin(), pad = card.pixels(padding);
-    const area_t whole = {card.area.left - room, card.area.top - room, card.area.width + 2 * room,
-                          card.area.height + 2 * room};
+    const Area whole = {card.area.left - room, card.area.top - room, card.area.width + 2 * room,
+                        card.area.height + 2 * room};
     const NSRect shown = card.cause.shown;
     const double scale = std::max(0.01, std::min((card.area.width - 2 * pad) / NSWidth(shown),
                                                  (card.area.height - 2 * pad) / NSHeight(shown)));
@@ -197,7 +197,7 @@ void make_card(NSWindow* window) {
     if (!view) {
         view = [[[CardView alloc] initWithFrame:[content bounds]] autorelease];
         view->owner = window;
-        view->card = new card_t{menu_look(nil, server_resources()), false, [content bounds].size};
+        view->card = new Card{menu_look(nil, server_resources()), false, [content bounds].size};
         [content addSubview:view positioned:NSWindowBelow relativeTo:nil];
         cards().push_back(window);
     }
@@ -227,10 +227,10 @@ void make_plain(NSWindow* window) {
 
 }  // namespace
 
-void PlaceWindowsBesideMenus(BesideMenusQuestion wanted) { is_wanted = wanted; }
+void place_windows_beside_menus(BesideMenusQuestion wanted) { is_wanted = wanted; }
 
 void prepare_raised_window(NSWindow* window) {
-    if (!menu_run_t::current()) return;
+    if (!MenuRun::current()) return;
     if (is_wanted && is_wanted()) {
         make_card(window);
         update_card(window);
@@ -246,12 +246,12 @@ bool is_card(NSWindow* window) {
 
 void update_card(NSWindow* window) {
     CardView* view = card_view(window);
-    area_t levels = {};
-    const menu_level_t* deepest = view ? find_levels(&levels) : nullptr;
+    Area levels = {};
+    const MenuLevel* deepest = view ? find_levels(&levels) : nullptr;
     if (!deepest) return;  // the card stays where it is while the menu closes
     const NSRect shown = shown_area(window);
-    const card_cause_t cause = {widened(shown, view->card->base), NSIsEmptyRect(shown) != NO,
-                                levels, deepest->panel()};
+    const CardCause cause = {widened(shown, view->card->base), NSIsEmptyRect(shown) != NO, levels,
+                             deepest->panel()};
     if (cause == view->card->cause) return;
     view->card->cause = cause;
     view->card->area = place_card(*view->card, *deepest);
@@ -263,7 +263,7 @@ void update_card(NSWindow* window) {
 }
 
 void shape_card(NSWindow* window) {
-    const card_t& card = *card_view(window)->card;
+    const Card& card = *card_view(window)->card;
     if (card.composed) return shape_menu_window(window, 0);
     if (card.cause.is_blank) return hide_shape_of_menu_window(window);
     shape_menu_window(window, card.look.radius);

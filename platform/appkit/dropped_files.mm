@@ -13,8 +13,8 @@ IMP stock_setup;
 void set_up_drag(id self, SEL selector, void* event) {
     static NSPasteboard* held;
     if (!held) held = [[NSPasteboard pasteboardWithName:NSDragPboard] retain];
-    using setup_t = void (*)(id, SEL, void*);
-    reinterpret_cast<setup_t>(stock_setup)(self, selector, event);
+    using Setup = void (*)(id, SEL, void*);
+    reinterpret_cast<Setup>(stock_setup)(self, selector, event);
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ void set_up_drag(id self, SEL selector, void* event) {
 
 + (void)install {
     if (stock_setup) return;
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"XGDragView", "setupDragInfoFromXEvent:", reinterpret_cast<IMP>(set_up_drag),
          &stock_setup},
     };

@@ -9,7 +9,7 @@
 
 namespace {
 
-NSUInteger modifier_flags(id, SEL) { return CurrentModifierFlags(); }
+NSUInteger modifier_flags(id, SEL) { return current_modifier_flags(); }
 
 // The Mac counts left, right, middle; X left, middle, right.
 NSUInteger pressed_mouse_buttons(id, SEL) {
@@ -25,10 +25,10 @@ IMP stock_mouse_location;
 
 // GNUstep asks over the application's connection, which belongs to the main thread.
 NSPoint mouse_location(id event_class, SEL selector) {
-    const pointer_place_t place = pointer_place();
+    const PointerPlace place = pointer_place();
     if (place.display_height) return NSMakePoint(place.x, place.display_height - place.y);
-    using location_t = NSPoint (*)(id, SEL);
-    return reinterpret_cast<location_t>(stock_mouse_location)(event_class, selector);
+    using Location = NSPoint (*)(id, SEL);
+    return reinterpret_cast<Location>(stock_mouse_location)(event_class, selector);
 }
 
 // The back end's own setting for click counts, in milliseconds.
@@ -46,7 +46,7 @@ NSTimeInterval double_click_interval(id, SEL) {
 @implementation EventMethodsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSEvent", "modifierFlags", reinterpret_cast<IMP>(modifier_flags), nullptr, true},
         {"NSEvent", "pressedMouseButtons", reinterpret_cast<IMP>(pressed_mouse_buttons), nullptr,
          true},

@@ -37,12 +37,12 @@ std::string uri_list_of(NSPasteboard* pasteboard) {
 // The action that the modifier keys ask for; a copy when the target may choose.
 unsigned action_for(NSDragOperation operation) {
     if (operation == NSDragOperationLink) {
-        return file_offer_t::shared()->action_named(file_offer_t::link);
+        return FileOffer::shared()->action_named(FileOffer::link);
     }
     if (operation == NSDragOperationMove) {
-        return file_offer_t::shared()->action_named(file_offer_t::move_files);
+        return FileOffer::shared()->action_named(FileOffer::move_files);
     }
-    return file_offer_t::shared()->action_named(file_offer_t::copy);
+    return FileOffer::shared()->action_named(FileOffer::copy);
 }
 
 unsigned image_window(GSDragView* view) {
@@ -52,12 +52,11 @@ unsigned image_window(GSDragView* view) {
 
 void send_external(GSDragView* self, SEL selector, GSAppKitSubtype subtype, NSDragOperation action,
                    NSPoint position, NSTimeInterval time, int target) {
-    file_offer_t* offer = dragging ? file_offer_t::shared() : nullptr;
+    FileOffer* offer = dragging ? FileOffer::shared() : nullptr;
     if (!offer) {
-        using send_t =
+        using Send =
             void (*)(id, SEL, GSAppKitSubtype, NSDragOperation, NSPoint, NSTimeInterval, int);
-        reinterpret_cast<send_t>(stock_send)(self, selector, subtype, action, position, time,
-                                             target);
+        reinterpret_cast<Send>(stock_send)(self, selector, subtype, action, position, time, target);
         return;
     }
     if (!target) return;  // nobody there takes a drop
@@ -87,12 +86,12 @@ MachPort* offer_port;
 
 // A connection whose display has gone would stay readable for ever, so it is served no more.
 void answer_requests(void*) {
-    if (!file_offer_t::shared()) [offer_port invalidate];
+    if (!FileOffer::shared()) [offer_port invalidate];
 }
 
 // Answers requests from now on: a program may ask for dropped files long after the drag.
 bool serve_offer() {
-    file_offer_t* offer = file_offer_t::shared();
+    FileOffer* offer = FileOffer::shared();
     if (!offer) return false;
     if (offer_port) return true;
     offer_port = [[MachPort alloc] initWithDescriptor:offer->descriptor()
@@ -117,8 +116,8 @@ type* variable(GSDragView* view, const char* name) {
 // With Command alone GNUstep asks for an operation that other programs do not know and so cannot
 // accept. Without the keyboard, GNUstep also does not see that the key is let go.
 BOOL update_operations(GSDragView* self, SEL selector, NSEvent* event) {
-    using update_t = BOOL (*)(id, SEL, NSEvent*);
-    const BOOL changed = reinterpret_cast<update_t>(stock_update)(self, selector, event);
+    using Update = BOOL (*)(id, SEL, NSEvent*);
+    const BOOL changed = reinterpret_cast<Update>(stock_update)(self, selector, event);
     auto* operations = variable<NSDragOperation>(self, "operationMask");
     if (!dragging || !operations) return changed;
     if (*operations == NSDragOperationGeneric) {
@@ -131,7 +130,7 @@ void install_on(GSDragView* view) {
     static bool done;
     if (done) return;
     done = true;
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {class_getName([view class]), "sendExternalEvent:action:position:timestamp:toWindow:",
          reinterpret_cast<IMP>(send_external), &stock_send},
         {"GSDragView", "_updateOperationMask:", reinterpret_cast<IMP>(update_operations),
@@ -206,7 +205,7 @@ void drop_nothing(GSDragView* view) {
 // Acts at the second look that finds the button up: the loop's own event, if any, comes first.
 - (void)look:(NSTimer*)timer {
     (void)timer;
-    file_offer_t* offer = file_offer_t::shared();
+    FileOffer* offer = FileOffer::shared();
     const bool cancelled = offer && offer->cancelled();
     const bool up = !offer || offer->released() || !offer->button_is_down();
     if (!cancelled && (!up || !_wasUp)) {
@@ -239,14 +238,14 @@ void end_without_drag(id source, NSImage* image) {
 
 void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize offset,
                 NSEvent* event, NSPasteboard* pasteboard, id source, BOOL slide_back) {
-    using drag_t = void (*)(id, SEL, NSImage*, NSPoint, NSSize, NSEvent*, NSPasteboard*, id, BOOL);
+    using Drag = void (*)(id, SEL, NSImage*, NSPoint, NSSize, NSEvent*, NSPasteboard*, id, BOOL);
     const auto stock = [&] {
-        reinterpret_cast<drag_t>(stock_drag)(self, selector, image, at, offset, event, pasteboard,
-                                             source, slide_back);
+        reinterpret_cast<Drag>(stock_drag)(self, selector, image, at, offset, event, pasteboard,
+                                           source, slide_back);
     };
     const std::string files = uri_list_of(pasteboard);
     if (files.empty() || dragging || !serve_offer()) return stock();
-    file_offer_t* offer = file_offer_t::shared();
+    FileOffer* offer = FileOffer::shared();
     const bool held = offer->hold_pointer();
     if (!offer->button_is_down()) {
         // The button was let go before the drag began, so the user did not mean to drop anything.
@@ -282,11 +281,11 @@ bool target_is_done() {
 
 }  // namespace
 
-void FinishFileDrops(NSTimeInterval limit) {
+void finish_file_drops(NSTimeInterval limit) {
     if (!offer_port) return;
     NSDate* end = [NSDate dateWithTimeIntervalSinceNow:limit];
     for (;;) {
-        const file_offer_t* offer = file_offer_t::shared();
+        const FileOffer* offer = FileOffer::shared();
         if (!offer || !offer->is_awaited() || [end timeIntervalSinceNow] <= 0) return;
         @autoreleasepool {
             if (target_is_done()) return;
@@ -300,7 +299,7 @@ void FinishFileDrops(NSTimeInterval limit) {
 @implementation FileDragInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSWindow", "dragImage:at:offset:event:pasteboard:source:slideBack:",
          reinterpret_cast<IMP>(drag_image), &stock_drag},
     };

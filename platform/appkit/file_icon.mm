@@ -12,11 +12,11 @@ const CGFloat default_size = 48;
 
 // A path in two parts, as thousands of icons share the folder. Joined, the parts are the path
 // again.
-struct split_path_t {
+struct SplitPath {
     NSString *folder, *leaf;
 };
 
-split_path_t split(NSString* path) {
+SplitPath split(NSString* path) {
     const NSUInteger length = [path length], most_characters = 4096;
     if (length > most_characters) return {path, @""};
     unichar characters[most_characters];
@@ -62,7 +62,7 @@ NSColor* clear_color() {
     _color = [clear_color() retain];
     _hidden = -1;
     if (!path) return self;
-    const split_path_t parts = split(path);
+    const SplitPath parts = split(path);
     _fileName = [parts.folder copy];
     _leaf = [parts.leaf copy];
     return self;

@@ -39,7 +39,7 @@ NSFont* font_with_name(id self, SEL selector, NSString* name, CGFloat size) {
 @implementation FontMethodsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSFont", "fontWithName:size:", reinterpret_cast<IMP>(font_with_name), &stock_font, true},
     };
     patch_methods(patches);

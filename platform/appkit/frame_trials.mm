@@ -40,7 +40,7 @@ BOOL try_frame(id self, SEL selector, unsigned style) {
 }  // namespace
 
 void leave_out_frame_trials() {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"XGServer", "_checkStyle:", reinterpret_cast<IMP>(try_frame), &stock_trial},
     };
     patch_methods(patches);

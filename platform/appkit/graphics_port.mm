@@ -52,7 +52,7 @@ void* graphics_port(NSGraphicsContext* self, SEL selector) {
 @implementation GraphicsPortInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSGraphicsContext", "graphicsPort", reinterpret_cast<IMP>(graphics_port),
          &stock_graphics_port},
     };

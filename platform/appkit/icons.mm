@@ -171,7 +171,7 @@ bool may_have_untrusted_picture(NSString* name) {
 @implementation IconsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSWorkspace", "iconForFile:", reinterpret_cast<IMP>(icon_for_file), &stock_icon},
     };
     patch_methods(patches);
@@ -179,4 +179,4 @@ bool may_have_untrusted_picture(NSString* name) {
 
 @end
 
-void UseStockFileIcons(BOOL use) { uses_stock_icons = use; }
+void use_stock_file_icons(BOOL use) { uses_stock_icons = use; }

@@ -29,8 +29,8 @@ void focus(id self, SEL selector, void* window) {
 // character.
 bool open_with_key(id self, XKeyEvent* key, void* window) {
     waiting = nil;
-    using open_t = BOOL (*)(id, SEL, Display*);
-    if (!reinterpret_cast<open_t>(stock_open)(self, @selector(ximInit:), its_display)) return false;
+    using Open = BOOL (*)(id, SEL, Display*);
+    if (!reinterpret_cast<Open>(stock_open)(self, @selector(ximInit:), its_display)) return false;
     focus(self, @selector(ximFocusICWindow:), window);
     XEvent event = {};
     event.xkey = *key;
@@ -42,22 +42,22 @@ NSString* look_up(id self, SEL selector, XKeyEvent* key, void* window, KeySym* s
         if (symbol) *symbol = NoSymbol;
         return nil;
     }
-    using lookup_t = NSString* (*)(id, SEL, XKeyEvent*, void*, KeySym*);
-    return reinterpret_cast<lookup_t>(stock_lookup)(self, selector, key, window, symbol);
+    using Lookup = NSString* (*)(id, SEL, XKeyEvent*, void*, KeySym*);
+    return reinterpret_cast<Lookup>(stock_lookup)(self, selector, key, window, symbol);
 }
 
 }  // namespace
 
 // Replaces all three methods or none: an input method that is put off must be opened later.
 void put_off_input_method() {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"XIMInputServer", "ximInit:", reinterpret_cast<IMP>(open_later), &stock_open},
         {"XIMInputServer", "ximFocusICWindow:", reinterpret_cast<IMP>(focus), &stock_focus},
         {"XIMInputServer", "lookupStringForEvent:window:keysym:", reinterpret_cast<IMP>(look_up),
          &stock_lookup},
     };
     Class input_server = objc_getClass("XIMInputServer");
-    for (const method_patch_t& patch : patches) {
+    for (const MethodPatch& patch : patches) {
         if (!class_getInstanceMethod(input_server, sel_registerName(patch.selector))) return;
     }
     patch_methods(patches);

@@ -21,7 +21,7 @@
 
 @end
 
-void StartLightly(void) {
+void start_lightly(void) {
     [[NSNotificationCenter defaultCenter] addObserver:[BackEndWatcher class]
                                              selector:@selector(bundleDidLoad:)
                                                  name:NSBundleDidLoadNotification

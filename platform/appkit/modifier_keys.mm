@@ -13,7 +13,7 @@ namespace {
 // The keys, each with the user default that names another key in its place. GNUstep's own choice,
 // left Alt for Command and right Alt for Option, leaves no Option on a keyboard that has AltGr on
 // the right.
-const struct slot_t {
+const struct Slot {
     NSString* default_name;
     KeySym symbol;
     NSUInteger flag;
@@ -30,7 +30,7 @@ const struct slot_t {
     {nil, XK_Mode_switch, NSAlternateKeyMask},
 };
 
-NSString* chosen_name(const slot_t& slot) {
+NSString* chosen_name(const Slot& slot) {
     if (!slot.default_name) return nil;
     return [[NSUserDefaults standardUserDefaults] stringForKey:slot.default_name];
 }
@@ -38,7 +38,7 @@ NSString* chosen_name(const slot_t& slot) {
 // A key that the user has chosen for a modifier loses its usual meaning.
 NSUInteger flags_of(KeySym symbol) {
     NSUInteger chosen = 0, usual = 0;
-    for (const slot_t& slot : slots) {
+    for (const Slot& slot : slots) {
         NSString* name = chosen_name(slot);
         if (name && XStringToKeysym([name UTF8String]) == symbol) chosen |= slot.flag;
         if (!name && slot.symbol == symbol) usual |= slot.flag;
@@ -74,8 +74,8 @@ NSUInteger held_flags;
 
 }  // namespace
 
-void SetHeldModifierFlags(NSUInteger flags) { held_flags = flags; }
+void set_held_modifier_flags(NSUInteger flags) { held_flags = flags; }
 
-NSUInteger HeldModifierFlags(void) { return held_flags; }
+NSUInteger held_modifier_flags(void) { return held_flags; }
 
-NSUInteger CurrentModifierFlags(void) { return keyboard_flags() | held_flags; }
+NSUInteger current_modifier_flags(void) { return keyboard_flags() | held_flags; }

@@ -10,10 +10,10 @@ namespace {
 IMP stock_named, stock_types, stock_filtered_types, stock_tiles;
 thread_local bool is_looking;  // the thread is looking for the file of a name
 
-class look_t {
+class Look {
   public:
-    look_t() { is_looking = true; }
-    ~look_t() { is_looking = outer_; }
+    Look() { is_looking = true; }
+    ~Look() { is_looking = outer_; }
 
   private:
     bool outer_ = is_looking;
@@ -24,7 +24,7 @@ id stock_image_named(id self, SEL selector, NSString* name) {
 }
 
 id image_of_usual_type(id self, SEL selector, NSString* name) {
-    const look_t look;
+    const Look look;
     return stock_image_named(self, selector, name);
 }
 
@@ -61,7 +61,7 @@ NSArray* filtered_file_types(id self, SEL selector) {
 
 // GNUstep looks for the pictures of a theme's surfaces in the same way.
 id tiles_named(id self, SEL selector, NSString* name, NSInteger state) {
-    const look_t look;
+    const Look look;
     return reinterpret_cast<id (*)(id, SEL, id, NSInteger)>(stock_tiles)(self, selector, name,
                                                                          state);
 }
@@ -74,7 +74,7 @@ id tiles_named(id self, SEL selector, NSString* name, NSInteger state) {
 @implementation NamedImagesInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSImage", "imageNamed:", reinterpret_cast<IMP>(image_named), &stock_named, true},
         {"NSImage", "imageUnfilteredFileTypes", reinterpret_cast<IMP>(file_types), &stock_types,
          true},

@@ -153,7 +153,7 @@ NSRunningApplication* frontmost_application(NSWorkspace*, SEL) {
 @implementation RunningApplicationsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSWorkspace", "runningApplications", reinterpret_cast<IMP>(running_applications),
          nullptr},
         {"NSWorkspace", "frontmostApplication", reinterpret_cast<IMP>(frontmost_application),

@@ -23,7 +23,7 @@ const size_t most_known = 512;
 // The time between two looks at a file whose picture is known.
 const double seconds_between_looks = 2;
 
-struct known_t {
+struct Known {
     IconStamp stamp;
     NSBitmapImageRep* bitmap = nil;  // retained; nil: it has none
     bool is_asked = false;
@@ -31,8 +31,8 @@ struct known_t {
     std::vector<NSImage*> waiting;  // retained
 };
 
-std::unordered_map<std::string, known_t>& known_icons() {
-    static auto& icons = *new std::unordered_map<std::string, known_t>;
+std::unordered_map<std::string, Known>& known_icons() {
+    static auto& icons = *new std::unordered_map<std::string, Known>;
     return icons;
 }
 
@@ -57,10 +57,10 @@ void give(NSImage* image, NSBitmapImageRep* bitmap) {
         [image removeRepresentation:rep];
     }
     [image addRepresentation:bitmap];
-    if (menu_run_t* run = menu_run_t::current()) run->image_changed(image);
+    if (MenuRun* run = MenuRun::current()) run->image_changed(image);
 }
 
-void take(known_t& known, const DecodedIcon& icon) {
+void take(Known& known, const DecodedIcon& icon) {
     if (icon.stamp == known.stamp) return;
     known.stamp = icon.stamp;
     [known.bitmap release];
@@ -69,13 +69,13 @@ void take(known_t& known, const DecodedIcon& icon) {
     for (NSImage* image : known.waiting) give(image, known.bitmap);
 }
 
-struct arrival_t {
+struct Arrival {
     std::string file;
     std::optional<DecodedIcon> icon;
 };
 
-void take_arrival(const arrival_t& arrival) {
-    known_t& known = known_icons()[arrival.file];
+void take_arrival(const Arrival& arrival) {
+    Known& known = known_icons()[arrival.file];
     known.is_asked = false;
     known.asked_at = seconds_now();
     if (arrival.icon) take(known, *arrival.icon);
@@ -88,15 +88,15 @@ void take_arrival(const arrival_t& arrival) {
 // An icon on its way to the main thread.
 @interface IconArrival : NSObject {
   @private
-    arrival_t* _arrival;  // owned
+    Arrival* _arrival;  // owned
 }
-- (instancetype)initWithArrival:(arrival_t*)arrival;
+- (instancetype)initWithArrival:(Arrival*)arrival;
 - (void)arrive;
 @end
 
 @implementation IconArrival
 
-- (instancetype)initWithArrival:(arrival_t*)arrival {
+- (instancetype)initWithArrival:(Arrival*)arrival {
     if ((self = [super init])) _arrival = arrival;
     return self;
 }
@@ -117,7 +117,7 @@ namespace {
 // Delivers also while menus and panels are open.
 void send(const std::string& file, const std::optional<DecodedIcon>& icon) {
     @autoreleasepool {
-        IconArrival* arrival = [[IconArrival alloc] initWithArrival:new arrival_t{file, icon}];
+        IconArrival* arrival = [[IconArrival alloc] initWithArrival:new Arrival{file, icon}];
         [arrival performSelectorOnMainThread:@selector(arrive)
                                   withObject:nil
                                waitUntilDone:NO
@@ -129,7 +129,7 @@ void send(const std::string& file, const std::optional<DecodedIcon>& icon) {
     }
 }
 
-void ask(const std::string& file, known_t& known) {
+void ask(const std::string& file, Known& known) {
     known.is_asked = true;
     thumbnails::decode_icon(file, side, known.stamp,
                             [file](const std::optional<DecodedIcon>& icon) { send(file, icon); });
@@ -153,7 +153,7 @@ bool is_systems_own(const std::string& path) {
 
 void show_untrusted_icon(NSImage* image, const std::string& file) {
     forget_some();
-    known_t& known = known_icons()[file];
+    Known& known = known_icons()[file];
     if (known.bitmap) give(image, known.bitmap);
     if (!known.is_asked && seconds_now() - known.asked_at > seconds_between_looks) ask(file, known);
     if (known.is_asked) known.waiting.push_back([image retain]);

@@ -42,8 +42,8 @@ void order_front(NSWindow* self, SEL selector, id sender) {
 
 void set_frame(NSWindow* self, SEL selector, NSRect frame, BOOL display, BOOL animate) {
     if (is_card(self)) return;
-    using set_t = void (*)(id, SEL, NSRect, BOOL, BOOL);
-    reinterpret_cast<set_t>(stock_set_frame)(self, selector, frame, display, animate);
+    using Set = void (*)(id, SEL, NSRect, BOOL, BOOL);
+    reinterpret_cast<Set>(stock_set_frame)(self, selector, frame, display, animate);
 }
 
 // Whether clear parts of the window would be black, as nothing composes it with the windows below.
@@ -55,8 +55,8 @@ bool needs_cutting(NSWindow* window) {
 constexpr unsigned least_alpha = 0x40;
 
 // The runs of visible pixels in a picture of the window.
-std::vector<area_t> drawn_parts(cairo_surface_t* picture) {
-    std::vector<area_t> parts;
+std::vector<Area> drawn_parts(cairo_surface_t* picture) {
+    std::vector<Area> parts;
     const int width = cairo_image_surface_get_width(picture);
     const int stride = cairo_image_surface_get_stride(picture);
     cairo_surface_flush(picture);
@@ -144,7 +144,7 @@ void set_alpha(NSWindow* self, SEL selector, CGFloat alpha) {
 @implementation WindowLevelsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSWindow", "setLevel:", reinterpret_cast<IMP>(set_level), &stock_set_level},
         {"NSWindow", "setAlphaValue:", reinterpret_cast<IMP>(set_alpha), &stock_set_alpha},
         {"NSWindow", "orderFront:", reinterpret_cast<IMP>(order_front), &stock_order_front},

@@ -70,7 +70,7 @@ BOOL open_file(NSWorkspace* self, SEL, NSString* path) {
 @implementation WorkspaceMethodsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSWorkspace", "openFile:", reinterpret_cast<IMP>(open_file), nullptr},
     };
     patch_methods(patches);

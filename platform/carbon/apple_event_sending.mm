@@ -89,4 +89,4 @@ OSErr AESend(const AppleEvent* event, AppleEvent* reply, AESendMode mode, AESend
     return noErr;
 }
 
-Boolean AppleEventsAreWaiting(void) { return !waiting().empty(); }
+Boolean apple_events_are_waiting(void) { return !waiting().empty(); }

@@ -28,7 +28,7 @@ ProcessSerialNumber plain(const ProcessSerialNumber& psn) {
 
 }  // namespace
 
-void DeclareProcessSignature(OSType signature) { own_signature = signature; }
+void declare_process_signature(OSType signature) { own_signature = signature; }
 
 OSType declared_signature() { return own_signature; }
 

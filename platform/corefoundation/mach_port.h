@@ -4,12 +4,12 @@
 #import <Foundation/Foundation.h>
 
 // Called on the thread of the run loop when there is something to read.
-typedef void (*mach_port_handler_t)(void* info);
+typedef void (*MachPortHandler)(void* info);
 
 @interface MachPort : NSObject {
   @private
     int _descriptor;
-    mach_port_handler_t _handler;
+    MachPortHandler _handler;
     void* _info;
     NSMutableSet* _modes;
     NSRunLoop* _loop;  // retained from the first mode on
@@ -17,7 +17,7 @@ typedef void (*mach_port_handler_t)(void* info);
 }
 // `descriptor` belongs to the maker. It is -1 for a port whose maker delivers its news itself.
 - (instancetype)initWithDescriptor:(int)descriptor
-                           handler:(mach_port_handler_t)handler
+                           handler:(MachPortHandler)handler
                               info:(void*)info;
 // From now on the current run loop watches the port while it runs in `mode`.
 - (void)serveInMode:(NSString*)mode;

@@ -37,7 +37,7 @@
 @implementation MachPort
 
 - (instancetype)initWithDescriptor:(int)descriptor
-                           handler:(mach_port_handler_t)handler
+                           handler:(MachPortHandler)handler
                               info:(void*)info {
     if (!(self = [super init])) return nil;
     _descriptor = descriptor;

@@ -21,19 +21,19 @@ using Seconds = std::chrono::duration<double>;
 // Shared by the caller and the thread that waits for the file system.
 struct Question {
     std::string path, place;
-    look_t look;
+    Look look;
     Clock::time_point since = Clock::now();
     std::condition_variable answered;
     bool done = false, found = false;
     struct stat status = {};
 };
-using question_t = std::shared_ptr<Question>;
+using SharedQuestion = std::shared_ptr<Question>;
 
 const std::ptrdiff_t most_overdue = 4;
 
 struct Questions {
     std::mutex lock;
-    std::list<question_t> open;
+    std::list<SharedQuestion> open;
 };
 
 // Never destroyed: a thread may come back while the process ends.
@@ -52,17 +52,17 @@ std::string place_of(const std::string& path) {
 // With the lock held.
 bool is_in_vain(const std::string& place, double seconds) {
     const Clock::time_point now = Clock::now();
-    const auto is_overdue = [&](const question_t& question) {
+    const auto is_overdue = [&](const SharedQuestion& question) {
         return now - question->since >= Seconds(seconds);
     };
     const auto& open = questions().open;
     return std::count_if(open.begin(), open.end(), is_overdue) >= most_overdue ||
-           std::any_of(open.begin(), open.end(), [&](const question_t& question) {
+           std::any_of(open.begin(), open.end(), [&](const SharedQuestion& question) {
                return question->place == place && is_overdue(question);
            });
 }
 
-void ask(const question_t& question) {
+void ask(const SharedQuestion& question) {
     struct stat status;
     const bool found = question->look(question->path.c_str(), &status) == 0;
     const std::lock_guard guard(questions().lock);
@@ -74,7 +74,7 @@ void ask(const question_t& question) {
 }
 
 // With the lock held. False when no thread can be started.
-bool start_asking(const question_t& question) {
+bool start_asking(const SharedQuestion& question) {
     questions().open.push_back(question);
     try {
         std::thread(ask, question).detach();
@@ -87,7 +87,7 @@ bool start_asking(const question_t& question) {
 
 }  // namespace
 
-std::optional<struct stat> patient_stat(const std::string& path, double seconds, look_t look) {
+std::optional<struct stat> patient_stat(const std::string& path, double seconds, Look look) {
     struct stat status;
     switch (local_stat(path, &status)) {
         case Local::found:

@@ -10,7 +10,7 @@
 namespace files {
 
 // A function that looks at a file as stat does.
-using look_t = int (*)(const char* path, struct stat* status);
+using Look = int (*)(const char* path, struct stat* status);
 
 // Looks at a file. The result is empty when the file is missing, or when no answer comes within
 // `seconds`. Local disks are asked directly, other file systems on a thread of their own, by
@@ -18,7 +18,7 @@ using look_t = int (*)(const char* path, struct stat* status);
 // already, or when too many questions anywhere have. So few threads wait, and a caller that asks
 // repeatedly waits only once.
 std::optional<struct stat> patient_stat(const std::string& path, double seconds,
-                                        look_t look = ::stat);
+                                        Look look = ::stat);
 
 // How many questions have no answer yet.
 size_t open_questions();

@@ -123,7 +123,7 @@ Boolean CFPreferencesAppValueIsForced(CFStringRef key, CFStringRef applicationID
     return preferences && key && [preferences->forced objectForKey:(NSString*)key] != nil;
 }
 
-void SetFallbackPreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
+void set_fallback_preference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
     const std::lock_guard<std::mutex> guard(preferences_lock);
     Preferences* preferences = preferences_of(applicationID);
     if (!preferences || !key) return;
@@ -133,7 +133,7 @@ void SetFallbackPreference(CFStringRef key, CFPropertyListRef value, CFStringRef
         [preferences->fallbacks removeObjectForKey:(NSString*)key];
 }
 
-void ForcePreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
+void force_preference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID) {
     const std::lock_guard<std::mutex> guard(preferences_lock);
     Preferences* preferences = preferences_of(applicationID);
     if (!preferences || !key) return;

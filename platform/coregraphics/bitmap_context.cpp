@@ -30,12 +30,12 @@ void copy_swapped(const uint8_t* from, uint8_t* to, int count) {
     }
 }
 
-struct pixels_t {
+struct Pixels {
     unsigned char* data;
     int width, height, stride;
 };
 
-pixels_t pixels_of(CGContextRef context) {
+Pixels pixels_of(CGContextRef context) {
     cairo_surface_t* surface = cairo_get_target(context->cairo);
     cairo_surface_flush(surface);
     return {cairo_image_surface_get_data(surface), cairo_image_surface_get_width(surface),
@@ -43,7 +43,7 @@ pixels_t pixels_of(CGContextRef context) {
 }
 
 void load_bitmap(CGContextRef context) {
-    const pixels_t pixels = pixels_of(context);
+    const Pixels pixels = pixels_of(context);
     for (int y = 0; y < pixels.height; y++) {
         copy_swapped(context->bitmap.data + y * context->bitmap.bytes_per_row,
                      pixels.data + y * pixels.stride, pixels.width);
@@ -97,7 +97,7 @@ void add_finer(CGContextRef context, size_t width, size_t height, double scale) 
 }
 
 // From cairo's pixels.
-void copy_bytes(const pixels_t& pixels, uint8_t* to) {
+void copy_bytes(const Pixels& pixels, uint8_t* to) {
     for (int y = 0; y < pixels.height; y++) {
         for (int x = 0; x < pixels.width; x++, to += 4) {
             uint32_t pixel;
@@ -112,15 +112,15 @@ void copy_bytes(const pixels_t& pixels, uint8_t* to) {
 
 }  // namespace
 
-bool copy_finer_pixels(const uint8_t* memory, size_t width, size_t height, finer_pixels_t* pixels) {
+bool copy_finer_pixels(const uint8_t* memory, size_t width, size_t height, FinerPixels* pixels) {
     const std::lock_guard<std::mutex> guard(finer_lock);
     for (CGContextRef context : with_finer()) {
-        const pixels_t own = pixels_of(context);
+        const Pixels own = pixels_of(context);
         if (context->bitmap.data != memory || static_cast<size_t>(own.width) != width ||
             static_cast<size_t>(own.height) != height) {
             continue;
         }
-        const pixels_t finer = pixels_of(context->finer);
+        const Pixels finer = pixels_of(context->finer);
         pixels->width = static_cast<size_t>(finer.width);
         pixels->height = static_cast<size_t>(finer.height);
         pixels->scale = context->finer->scale;
@@ -137,8 +137,8 @@ void forget_bitmap(CGContextRef context) {
     std::erase(with_finer(), context);
 }
 
-void store_bitmap(CGContextRef context, const extents_t& extents) {
-    const pixels_t pixels = pixels_of(context);
+void store_bitmap(CGContextRef context, const Extents& extents) {
+    const Pixels pixels = pixels_of(context);
     const int left = bounded(std::floor(extents.left), pixels.width);
     const int right = bounded(std::ceil(extents.right), pixels.width);
     const int bottom = bounded(std::ceil(extents.bottom), pixels.height);

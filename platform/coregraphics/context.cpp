@@ -6,7 +6,7 @@
 
 namespace {
 
-extents_t united(const extents_t& one, const extents_t& other) {
+Extents united(const Extents& one, const Extents& other) {
     if (one.is_empty()) return other;
     if (other.is_empty()) return one;
     return {std::min(one.left, other.left), std::min(one.top, other.top),
@@ -36,7 +36,7 @@ CGContextRef new_context(cairo_t* cairo, const cairo_matrix_t& matrix) {
     return context;
 }
 
-void begin_drawing(CGContextRef context, const drawing_color_t& color) {
+void begin_drawing(CGContextRef context, const DrawingColor& color) {
     cairo_save(context->cairo);
     cairo_set_matrix(context->cairo, &context->state.matrix);
     cairo_set_operator(context->cairo, CAIRO_OPERATOR_OVER);
@@ -46,7 +46,7 @@ void begin_drawing(CGContextRef context, const drawing_color_t& color) {
     cairo_set_line_width(context->cairo, 1);
 }
 
-void end_drawing(CGContextRef context, const extents_t& extents) {
+void end_drawing(CGContextRef context, const Extents& extents) {
     cairo_restore(context->cairo);
     context->unstored = united(context->unstored, extents);
     if (context->saved.empty()) store_drawings(context);

@@ -10,17 +10,17 @@
 
 #include "coregraphics/counted.h"
 
-struct font_t;
+struct DrawingFont;
 
-struct drawing_color_t {
+struct DrawingColor {
     double red = 0, green = 0, blue = 0, alpha = 1;
 };
 
-struct drawing_state_t {
+struct DrawingState {
     cairo_matrix_t matrix;  // from the user's space to cairo's
-    drawing_color_t fill, stroke;
+    DrawingColor fill, stroke;
     bool antialias = true;
-    const font_t* font = nullptr;
+    const DrawingFont* font = nullptr;
     double font_size = 0;
     double character_spacing = 0;
     CGTextDrawingMode text_mode = kCGTextFill;
@@ -28,24 +28,24 @@ struct drawing_state_t {
 
 // The caller's memory behind a bitmap context, in the Mac's order of bytes; cairo draws into a
 // surface of its own.
-struct bitmap_target_t {
+struct BitmapTarget {
     uint8_t* data = nullptr;
     size_t bytes_per_row = 0;
 };
 
 // An area of cairo's device space; empty when its right is not right of its left.
-struct extents_t {
+struct Extents {
     double left = 0, top = 0, right = 0, bottom = 0;
 
     bool is_empty() const { return right <= left || bottom <= top; }
 };
 
-struct CGContext : counted_t {
+struct CGContext : Counted {
     cairo_t* cairo = nullptr;  // owned
-    bitmap_target_t bitmap;
-    drawing_state_t state;
-    std::vector<drawing_state_t> saved;
-    extents_t unstored;  // drawn, but not yet in the caller's memory
+    BitmapTarget bitmap;
+    DrawingState state;
+    std::vector<DrawingState> saved;
+    Extents unstored;  // drawn, but not yet in the caller's memory
     // Everything that is drawn is also drawn here, in the pixels of a finer screen. Owned; null
     // when the screen is not finer.
     CGContext* finer = nullptr;
@@ -66,5 +66,5 @@ void repeat_finer(CGContext* context, void (*call)(CGContext*, arguments...), gi
 
 // Call these around the cairo calls of one drawing call. `extents`, in cairo's device space, is the
 // area that these calls may have changed.
-void begin_drawing(CGContextRef context, const drawing_color_t& color);
-void end_drawing(CGContextRef context, const extents_t& extents);
+void begin_drawing(CGContextRef context, const DrawingColor& color);
+void end_drawing(CGContextRef context, const Extents& extents);

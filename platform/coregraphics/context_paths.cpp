@@ -4,10 +4,10 @@
 
 namespace {
 
-enum painting_t { FILL, FILL_EVEN_ODD, STROKE };
+enum Painting { FILL, FILL_EVEN_ODD, STROKE };
 
 // The area that the path covers when it is painted, in device space; under a rotation as well.
-extents_t painted_extents(CGContextRef context, painting_t painting) {
+Extents painted_extents(CGContextRef context, Painting painting) {
     cairo_t* cairo = context->cairo;
     double x1, y1, x2, y2;
     // cairo gives extents in the user's space, where they may not be upright; so this takes the
@@ -26,10 +26,10 @@ extents_t painted_extents(CGContextRef context, painting_t painting) {
 }
 
 // Paints the current path and keeps it.
-void paint_path(CGContextRef context, painting_t painting) {
-    const drawing_state_t& state = context->state;
+void paint_path(CGContextRef context, Painting painting) {
+    const DrawingState& state = context->state;
     begin_drawing(context, painting == STROKE ? state.stroke : state.fill);
-    const extents_t extents = painted_extents(context, painting);
+    const Extents extents = painted_extents(context, painting);
     cairo_set_fill_rule(context->cairo, painting == FILL_EVEN_ODD ? CAIRO_FILL_RULE_EVEN_ODD
                                                                   : CAIRO_FILL_RULE_WINDING);
     if (painting == STROKE) {
@@ -40,7 +40,7 @@ void paint_path(CGContextRef context, painting_t painting) {
     end_drawing(context, extents);
 }
 
-void paint_new_path(CGContextRef context, painting_t painting) {
+void paint_new_path(CGContextRef context, Painting painting) {
     paint_path(context, painting);
     cairo_new_path(context->cairo);
 }

@@ -10,7 +10,7 @@ namespace {
 constexpr size_t longest_run = 512;
 
 void prepare_font(CGContextRef context) {
-    const drawing_state_t& state = context->state;
+    const DrawingState& state = context->state;
     cairo_set_font_face(context->cairo, state.font->face);
     // Upwards, as the space is.
     cairo_matrix_t matrix;
@@ -26,11 +26,11 @@ void prepare_font(CGContextRef context) {
 
 // The area that the glyphs of a line may reach, hinted ones too: an em to each side, a pixel up and
 // down.
-extents_t line_extents(const drawing_state_t& state, double left, double right, double y) {
+Extents line_extents(const DrawingState& state, double left, double right, double y) {
     const double em = state.font_size;
     const double xs[] = {left - em, right + em};
     const double ys[] = {y - state.font->below * em, y + state.font->above * em};
-    extents_t extents = {HUGE_VAL, HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
+    Extents extents = {HUGE_VAL, HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
     for (double corner_x : xs) {
         for (double corner_y : ys) {
             double x = corner_x, y = corner_y;
@@ -66,7 +66,7 @@ void CGContextShowTextAtPoint(CGContextRef context, CGFloat x, CGFloat y, const 
                               size_t length) {
     repeat_finer(context, CGContextShowTextAtPoint, x, y, bytes, length);
     if (!context || !context->state.font || context->state.text_mode != kCGTextFill) return;
-    const drawing_state_t& state = context->state;
+    const DrawingState& state = context->state;
     begin_drawing(context, state.fill);
     prepare_font(context);
     cairo_glyph_t glyphs[longest_run];

@@ -4,7 +4,7 @@
 #include <atomic>
 
 // A record starts with one owner and dies with its last.
-struct counted_t {
+struct Counted {
     std::atomic<int> owners{1};
 };
 

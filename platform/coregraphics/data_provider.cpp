@@ -4,7 +4,7 @@
 
 #include "coregraphics/counted.h"
 
-struct CGDataProvider : counted_t {
+struct CGDataProvider : Counted {
     void* info = nullptr;
     bool is_direct = false;
     size_t size = 0;  // of a direct one
@@ -38,7 +38,7 @@ void read_sequentially(const CGDataProvider& provider, std::vector<uint8_t>& byt
 
 }  // namespace
 
-provided_bytes_t::provided_bytes_t(CGDataProviderRef provider, size_t size)
+ProvidedBytes::ProvidedBytes(CGDataProviderRef provider, size_t size)
     : provider_(CGDataProviderRetain(provider)) {
     if (!provider) return;
     const CGDataProviderDirectAccessCallbacks& direct = provider->direct;
@@ -63,7 +63,7 @@ provided_bytes_t::provided_bytes_t(CGDataProviderRef provider, size_t size)
     data_ = copy_.data();
 }
 
-provided_bytes_t::~provided_bytes_t() {
+ProvidedBytes::~ProvidedBytes() {
     if (pointer_ && provider_->direct.releaseBytePointer) {
         provider_->direct.releaseBytePointer(provider_->info, pointer_);
     }

@@ -9,12 +9,12 @@
 
 // The first `size` bytes that a provider serves, from construction to destruction; fewer when the
 // provider has fewer.
-class provided_bytes_t {
+class ProvidedBytes {
   public:
-    provided_bytes_t(CGDataProviderRef provider, size_t size);
-    ~provided_bytes_t();
-    provided_bytes_t(const provided_bytes_t&) = delete;
-    provided_bytes_t& operator=(const provided_bytes_t&) = delete;
+    ProvidedBytes(CGDataProviderRef provider, size_t size);
+    ~ProvidedBytes();
+    ProvidedBytes(const ProvidedBytes&) = delete;
+    ProvidedBytes& operator=(const ProvidedBytes&) = delete;
 
     const uint8_t* data() const { return data_; }
     size_t size() const { return size_; }

@@ -12,10 +12,10 @@
 
 namespace {
 
-struct pattern_deleter_t {
+struct PatternDeleter {
     void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
 };
-using pattern_t = std::unique_ptr<FcPattern, pattern_deleter_t>;
+using CairoPattern = std::unique_ptr<FcPattern, PatternDeleter>;
 
 // Advances that programs rely on even when another font stands in: Monaco's is 0.6 em, and lines of
 // text that were laid out for it must fit.
@@ -33,14 +33,14 @@ char16_t unicode_of(unsigned byte) { return byte < 0x80 ? byte : mac_roman[byte 
 
 bool is_control(unsigned byte) { return byte < 0x20 || byte == 0x7f; }
 
-pattern_t best_match(const char* family) {
-    pattern_t wanted(FcPatternCreate());
+CairoPattern best_match(const char* family) {
+    CairoPattern wanted(FcPatternCreate());
     FcPatternAddString(wanted.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
     FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern);
     FcDefaultSubstitute(wanted.get());
     FcResult result;
-    return pattern_t(FcFontMatch(nullptr, wanted.get(), &result));
+    return CairoPattern(FcFontMatch(nullptr, wanted.get(), &result));
 }
 
 bool has_family(FcPattern* pattern, const char* family) {
@@ -51,7 +51,7 @@ bool has_family(FcPattern* pattern, const char* family) {
     return false;
 }
 
-void set_advances(font_t& font, const char* name) {
+void set_advances(DrawingFont& font, const char* name) {
     for (const auto& fixed : fixed_advances) {
         if (strcmp(fixed.name, name) != 0) continue;
         for (double& advance : font.advances) advance = fixed.advance;
@@ -61,7 +61,7 @@ void set_advances(font_t& font, const char* name) {
 constexpr unsigned blank = 0x20;
 
 // Unhinted: the advances are the face's own, in ems.
-void read_glyphs(font_t& font) {
+void read_glyphs(DrawingFont& font) {
     cairo_matrix_t identity, em;
     cairo_matrix_init_identity(&identity);
     cairo_matrix_init_scale(&em, 1000, 1000);
@@ -88,11 +88,11 @@ void read_glyphs(font_t& font) {
     cairo_font_options_destroy(options);
 }
 
-const font_t* make_font(const char* name) {
-    pattern_t pattern = best_match(name);
+const DrawingFont* make_font(const char* name) {
+    CairoPattern pattern = best_match(name);
     if (!pattern || !has_family(pattern.get(), name)) pattern = best_match("monospace");
     if (!pattern) return nullptr;
-    auto* font = new font_t{};
+    auto* font = new DrawingFont{};
     font->face = cairo_ft_font_face_create_for_pattern(pattern.get());
     read_glyphs(*font);
     if (!has_family(pattern.get(), name)) set_advances(*font, name);
@@ -101,9 +101,9 @@ const font_t* make_font(const char* name) {
 
 }  // namespace
 
-const font_t* find_mac_roman_font(const char* name) {
+const DrawingFont* find_mac_roman_font(const char* name) {
     static std::mutex mutex;
-    static auto& fonts = *new std::map<std::string, const font_t*>;
+    static auto& fonts = *new std::map<std::string, const DrawingFont*>;
     if (!name) return nullptr;
     const std::lock_guard<std::mutex> lock(mutex);
     const auto found = fonts.find(name);

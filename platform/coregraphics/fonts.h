@@ -4,7 +4,7 @@
 #include <cairo.h>
 
 // The glyphs and advances, in ems, of the 256 bytes in one encoding. Glyph 0 shows nothing.
-struct font_t {
+struct DrawingFont {
     cairo_font_face_t* face;
     unsigned long glyphs[256];
     double advances[256];
@@ -13,4 +13,4 @@ struct font_t {
 
 // The font of that name, or fontconfig's fixed-pitch font when that name is not installed; null
 // when there is no font at all. Made once for each name and kept. Any thread.
-const font_t* find_mac_roman_font(const char* name);
+const DrawingFont* find_mac_roman_font(const char* name);

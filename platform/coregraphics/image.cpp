@@ -11,7 +11,7 @@
 namespace {
 
 // Where a pixel's components stand, in bytes; no alpha: -1.
-struct pixel_format_t {
+struct PixelFormat {
     CGBitmapInfo info;
     size_t bytes;
     int color;  // red; green and blue follow
@@ -19,7 +19,7 @@ struct pixel_format_t {
     bool premultiplied;
 };
 
-const pixel_format_t formats[] = {
+const PixelFormat formats[] = {
     {kCGImageAlphaNone, 3, 0, -1, true},
     {kCGImageAlphaPremultipliedLast, 4, 0, 3, true},
     {kCGImageAlphaPremultipliedFirst, 4, 1, 0, true},
@@ -29,14 +29,14 @@ const pixel_format_t formats[] = {
     {kCGImageAlphaNoneSkipFirst, 4, 1, -1, true},
 };
 
-const pixel_format_t* find_format(CGBitmapInfo info, size_t bits_per_pixel) {
-    for (const pixel_format_t& format : formats) {
+const PixelFormat* find_format(CGBitmapInfo info, size_t bits_per_pixel) {
+    for (const PixelFormat& format : formats) {
         if (format.info == info && format.bytes * 8 == bits_per_pixel) return &format;
     }
     return nullptr;
 }
 
-void copy_pixel(const pixel_format_t& format, const uint8_t* from, uint8_t* to) {
+void copy_pixel(const PixelFormat& format, const uint8_t* from, uint8_t* to) {
     const unsigned alpha = format.alpha < 0 ? 255 : from[format.alpha];
     const uint8_t* color = from + format.color;
     for (int i = 0; i < 3; i++) {
@@ -50,9 +50,9 @@ std::atomic<double> scale_of_display = 1;
 
 }  // namespace
 
-struct CGImage : counted_t {
+struct CGImage : Counted {
     size_t width = 0, height = 0, bytes_per_row = 0;
-    const pixel_format_t* format = nullptr;
+    const PixelFormat* format = nullptr;
     CGDataProviderRef provider = nullptr;  // owned
     double scale = 1;
     // Used instead of what the provider serves: a bitmap context's drawing for a finer screen.
@@ -64,8 +64,8 @@ struct CGImage : counted_t {
 // An image of a bitmap context's memory takes the pixels for the screen that shows it.
 static void take_finer_pixels(CGImageRef image) {
     if (display_scale() <= 1) return;
-    finer_pixels_t pixels;
-    const provided_bytes_t bytes(image->provider, image->bytes_per_row * image->height);
+    FinerPixels pixels;
+    const ProvidedBytes bytes(image->provider, image->bytes_per_row * image->height);
     if (!copy_finer_pixels(bytes.data(), image->width, image->height, &pixels)) return;
     image->width = pixels.width;
     image->height = pixels.height;
@@ -77,7 +77,7 @@ CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent, s
                          size_t bytesPerRow, CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
                          CGDataProviderRef provider, const CGFloat* decode, bool,
                          CGColorRenderingIntent) {
-    const pixel_format_t* format = find_format(bitmapInfo, bitsPerPixel);
+    const PixelFormat* format = find_format(bitmapInfo, bitsPerPixel);
     if (!format || bitsPerComponent != 8 || !space || !provider || decode) return nullptr;
     if (width == 0 || height == 0 || bytesPerRow / format->bytes < width) return nullptr;
     auto* image = new CGImage;
@@ -103,7 +103,7 @@ void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row) 
         memcpy(pixels + y * bytes_per_row, &image->finer[y * image->width * 4], image->width * 4);
     }
     if (!image->finer.empty()) return;
-    const provided_bytes_t bytes(image->provider, image->bytes_per_row * image->height);
+    const ProvidedBytes bytes(image->provider, image->bytes_per_row * image->height);
     const size_t row_size = image->width * image->format->bytes;
     for (size_t y = 0; y < image->height; y++) {
         uint8_t* to = pixels + y * bytes_per_row;

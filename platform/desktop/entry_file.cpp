@@ -121,7 +121,7 @@ const EntryFile* read_entry_file(const std::string& path) {
 }  // namespace files
 
 // GIO knows the rules of the desktops and looks for the programs.
-bool IsOfferedEntry(const std::string& path, std::string* name) {
+bool is_offered_entry(const std::string& path, std::string* name) {
     const files::KeyFileOwner keys = files::read_keys(path);
     const files::ObjectOwner<GDesktopAppInfo> entry(
         keys ? g_desktop_app_info_new_from_keyfile(keys.get()) : nullptr);

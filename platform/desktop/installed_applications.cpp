@@ -232,7 +232,7 @@ bool same_text(const std::string& one, const std::string& other) {
 
 }  // namespace files
 
-void DeclareApplicationsFolder(const char* path) {
+void declare_applications_folder(const char* path) {
     std::string& folder = files::declared_folder();
     folder.clear();
     const files::TextOwner real(path ? realpath(path, nullptr) : nullptr);

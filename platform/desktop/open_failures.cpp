@@ -51,10 +51,10 @@ void count_opening() { openings++; }
 
 }  // namespace files
 
-void SetOpenFailureListener(OpenFailureListener wanted) { files::listener = wanted; }
+void set_open_failure_listener(OpenFailureListener wanted) { files::listener = wanted; }
 
-void TellOpenFailure(const char* file, const char* program, const char* reason) {
+void report_open_failure(const char* file, const char* program, const char* reason) {
     files::tell_open_failure(file, program, reason);
 }
 
-unsigned long CountOfOpenings(void) { return files::openings; }
+unsigned long count_of_openings(void) { return files::openings; }

@@ -111,6 +111,6 @@ Start start_program(const std::string& program, const std::vector<std::string>& 
     return result_of(started, error, reason);
 }
 
-void SetVariableOfStartedPrograms(const char* name, const char* value) {
+void set_variable_of_started_programs(const char* name, const char* value) {
     changed_variables()[name] = value ? std::optional<std::string>(value) : std::nullopt;
 }

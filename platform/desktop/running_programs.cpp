@@ -70,13 +70,13 @@ std::string bundle_around(const std::string& executable) {
 
 // What is known about a program before its application is looked for.
 struct Traces {
-    const desktop_window_t& window;
+    const DesktopWindow& window;
     std::string executable;
     std::string program;  // the executable's name; of a script, the script's
     std::string environment;
 };
 
-Traces traces_of(const desktop_window_t& window, const std::string& executable) {
+Traces traces_of(const DesktopWindow& window, const std::string& executable) {
     Traces traces = {window, executable, base_name(executable), {}};
     traces.environment = strings_of(window.process, "environ");
     const std::string words = strings_of(window.process, "cmdline");
@@ -88,7 +88,7 @@ Traces traces_of(const desktop_window_t& window, const std::string& executable) 
     return traces;
 }
 
-bool names_window(const std::string& name, const desktop_window_t& window) {
+bool names_window(const std::string& name, const DesktopWindow& window) {
     return !name.empty() &&
            (files::same_text(name, window.class_name) || files::same_text(name, window.instance));
 }
@@ -145,7 +145,7 @@ std::string bundle_name(const std::string& bundle) {
     return name.substr(0, name.size() - 4);
 }
 
-RunningProgram program_of(const desktop_window_t& window) {
+RunningProgram program_of(const DesktopWindow& window) {
     RunningProgram program = {window.process,  executable_of(window.process), {}, {}, {},
                               window.is_normal};
     const Traces traces = traces_of(window, program.executable);
@@ -180,12 +180,12 @@ bool is_running(pid_t process) { return access(process_file(process, "").c_str()
 }  // namespace
 
 std::vector<RunningProgram> running_programs() {
-    std::vector<desktop_window_t> windows = desktop_windows();
+    std::vector<DesktopWindow> windows = desktop_windows();
     // A process's application is told by its normal windows, if it has any.
     std::stable_partition(windows.begin(), windows.end(),
-                          [](const desktop_window_t& window) { return window.is_normal; });
+                          [](const DesktopWindow& window) { return window.is_normal; });
     std::vector<RunningProgram> programs;
-    for (const desktop_window_t& window : windows) {
+    for (const DesktopWindow& window : windows) {
         const bool known = std::any_of(
             programs.begin(), programs.end(),
             [&](const RunningProgram& program) { return program.process == window.process; });

@@ -9,7 +9,7 @@
 
 namespace {
 
-struct piece_t {
+struct Piece {
     void* context;
     dispatch_function_t work;
 };
@@ -18,9 +18,9 @@ struct piece_t {
 // processor, and a piece that never ends must not hold up the others.
 constexpr int most_workers = 16;
 
-class worker_pool_t {
+class WorkerPool {
   public:
-    void add(const piece_t& piece) {
+    void add(const Piece& piece) {
         const std::lock_guard<std::mutex> lock(mutex_);
         pieces_.push_back(piece);
         if (idle_ >= static_cast<int>(pieces_.size()) || workers_ == most_workers) {
@@ -44,33 +44,33 @@ class worker_pool_t {
 
     static void* run_worker(void* pool) {
         GSRegisterCurrentThread();
-        static_cast<worker_pool_t*>(pool)->work();
+        static_cast<WorkerPool*>(pool)->work();
         return nullptr;
     }
 
     // Workers live as long as the process.
     [[noreturn]] void work() {
         for (;;) {
-            const piece_t piece = next();
+            const Piece piece = next();
             @autoreleasepool {
                 piece.work(piece.context);
             }
         }
     }
 
-    piece_t next() {
+    Piece next() {
         std::unique_lock<std::mutex> lock(mutex_);
         idle_++;
         while (pieces_.empty()) changed_.wait(lock);
         idle_--;
-        const piece_t piece = pieces_.front();
+        const Piece piece = pieces_.front();
         pieces_.pop_front();
         return piece;
     }
 
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::deque<piece_t> pieces_;
+    std::deque<Piece> pieces_;
     int workers_ = 0, idle_ = 0;
 };
 
@@ -78,6 +78,6 @@ class worker_pool_t {
 
 void run_on_worker(void* context, dispatch_function_t work) {
     // Never destroyed: workers may still run when the process ends.
-    static worker_pool_t& pool = *new worker_pool_t;
+    static WorkerPool& pool = *new WorkerPool;
     pool.add({context, work});
 }

@@ -10,7 +10,7 @@ inline double seconds_now() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
-struct deadline_t {
+struct Deadline {
     double due = 0;  // 0: none
 
     void start(double delay) { due = seconds_now() + delay; }

@@ -5,7 +5,7 @@
 
 #include "corefoundation/mach_port.h"
 
-struct tap_settings_t {
+struct TapSettings {
     CGEventMask mask;
     CGEventTapCallBack callback;
     void* user_info;
@@ -14,13 +14,13 @@ struct tap_settings_t {
 
 @interface EventTap : MachPort {
   @private
-    tap_settings_t _settings;
+    TapSettings _settings;
     BOOL _enabled;
     BOOL _busy;  // in its callback
 }
-- (instancetype)initWithSettings:(const tap_settings_t&)settings
+- (instancetype)initWithSettings:(const TapSettings&)settings
                       descriptor:(int)descriptor
-                         handler:(mach_port_handler_t)handler
+                         handler:(MachPortHandler)handler
                             info:(void*)info;
 - (void)setEnabled:(BOOL)enabled;
 - (BOOL)isEnabled;

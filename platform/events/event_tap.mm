@@ -13,9 +13,9 @@ CGEventTapProxy proxy_of(EventTap* tap) { return (CGEventTapProxy)tap; }
 
 @implementation EventTap
 
-- (instancetype)initWithSettings:(const tap_settings_t&)settings
+- (instancetype)initWithSettings:(const TapSettings&)settings
                       descriptor:(int)descriptor
-                         handler:(mach_port_handler_t)handler
+                         handler:(MachPortHandler)handler
                             info:(void*)info {
     if (!(self = [super initWithDescriptor:descriptor handler:handler info:info])) return nil;
     _settings = settings;

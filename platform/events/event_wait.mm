@@ -11,7 +11,7 @@
 namespace {
 
 // The sleeper that the run loop serves now. A timer may start another one inside it.
-event_wait_t* sleeper;
+EventWait* sleeper;
 
 // GNUstep can answer this only by running the run loop, so the queue itself is looked at.
 bool an_event_is_queued() {
@@ -27,11 +27,11 @@ bool an_event_is_queued() {
 // watcher then makes its own descriptor readable, which ends the loop.
 @interface EventBell : NSObject <RunLoopEvents> {
   @private
-    event_wait_t* _wait;
+    EventWait* _wait;
     int _descriptor;
     NSString* _mode;
 }
-- (instancetype)initWithWait:(event_wait_t*)wait mode:(NSString*)mode;
+- (instancetype)initWithWait:(EventWait*)wait mode:(NSString*)mode;
 - (void)ring;
 // Must be sent before the last release.
 - (void)stop;
@@ -39,7 +39,7 @@ bool an_event_is_queued() {
 
 @implementation EventBell
 
-- (instancetype)initWithWait:(event_wait_t*)wait mode:(NSString*)mode {
+- (instancetype)initWithWait:(EventWait*)wait mode:(NSString*)mode {
     if (!(self = [super init])) return nil;
     _wait = wait;
     _descriptor = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -85,16 +85,16 @@ bool an_event_is_queued() {
 
 @end
 
-event_wait_t::event_wait_t(NSString* mode)
+EventWait::EventWait(NSString* mode)
     : mode_([mode retain]), bell_([[EventBell alloc] initWithWait:this mode:mode]) {}
 
-event_wait_t::~event_wait_t() {
+EventWait::~EventWait() {
     [bell_ stop];
     [bell_ release];
     [mode_ release];
 }
 
-void event_wait_t::sleep(double due, const question_t& has_work) {
+void EventWait::sleep(double due, const SharedQuestion& has_work) {
     // The run loop cuts its time-outs to whole milliseconds. One more millisecond keeps it from
     // being early.
     NSDate* limit = due > 0 ? [NSDate dateWithTimeIntervalSinceNow:due - seconds_now() + 0.001]
@@ -113,7 +113,7 @@ void event_wait_t::sleep(double due, const question_t& has_work) {
 
 // At the first call the run loop has just begun, and may sleep when nothing waits. Before each
 // further call it has polled in vain: it has read events, or a timer is due or has fired.
-void event_wait_t::about_to_poll() {
+void EventWait::about_to_poll() {
     const bool is_first = polls_++ == 0;
     const bool is_idle = !an_event_is_queued() && !(*has_work_)();
     if (is_first && is_idle) return;

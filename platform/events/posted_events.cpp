@@ -12,7 +12,7 @@
 namespace {
 
 // Opened for the first post. It knows which buttons the posts hold down.
-class poster_t {
+class Poster {
   public:
     bool connect() {
         if (server_ && !xcb_connection_has_error(server_)) return true;
@@ -32,10 +32,10 @@ class poster_t {
     }
 
     bool move(CGPoint position) {
-        const reply_t<xcb_get_geometry_reply_t> size(
+        const Reply<xcb_get_geometry_reply_t> size(
             xcb_get_geometry_reply(server_, xcb_get_geometry(server_, root_), nullptr));
         if (!size) return false;
-        const server_point_t to = server_point(position, size->height);
+        const ServerPoint to = server_point(position, size->height);
         fake(XCB_MOTION_NOTIFY, 0, to);
         return true;
     }
@@ -54,13 +54,13 @@ class poster_t {
 
     // Waits until the server has taken all posts.
     bool finish() {
-        const reply_t<xcb_get_input_focus_reply_t> done(
+        const Reply<xcb_get_input_focus_reply_t> done(
             xcb_get_input_focus_reply(server_, xcb_get_input_focus(server_), nullptr));
         return done != nullptr;
     }
 
   private:
-    void fake(uint8_t type, uint8_t detail, server_point_t at) {
+    void fake(uint8_t type, uint8_t detail, ServerPoint at) {
         xcb_test_fake_input(server_, type, detail, XCB_CURRENT_TIME,
                             type == XCB_MOTION_NOTIFY ? root_ : XCB_NONE,
                             static_cast<int16_t>(at.x), static_cast<int16_t>(at.y), 0);
@@ -85,7 +85,7 @@ CGError CGPostMouseEvent(CGPoint position, boolean_t update_position, CGButtonCo
     }
     va_end(others);
 
-    static poster_t poster;
+    static Poster poster;
     const std::lock_guard<std::mutex> lock(posting);
     if (!poster.connect()) return kCGErrorCannotComplete;
     if (update_position && !poster.move(position)) return kCGErrorCannotComplete;

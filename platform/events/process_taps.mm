@@ -22,8 +22,8 @@ IMP stock_fetch;
 
 NSEvent* fetch_stock(id server, SEL selector, unsigned mask, NSDate* limit, NSString* mode,
                      BOOL dequeue) {
-    using fetch_t = NSEvent* (*)(id, SEL, unsigned, NSDate*, NSString*, BOOL);
-    return reinterpret_cast<fetch_t>(stock_fetch)(server, selector, mask, limit, mode, dequeue);
+    using Fetch = NSEvent* (*)(id, SEL, unsigned, NSDate*, NSString*, BOOL);
+    return reinterpret_cast<Fetch>(stock_fetch)(server, selector, mask, limit, mode, dequeue);
 }
 
 CGEventMask watched_in(NSString* mode) {
@@ -70,7 +70,7 @@ NSEvent* fetch(id server, SEL selector, unsigned mask, NSDate* limit, NSString* 
 bool stand_in_event_path() {
     if (stock_fetch) return true;
     if (!GSCurrentServer()) return false;
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {class_getName([GSCurrentServer() class]),
          "getEventMatchingMask:beforeDate:inMode:dequeue:", reinterpret_cast<IMP>(fetch),
          &stock_fetch},
@@ -107,8 +107,8 @@ CFMachPortRef CGEventTapCreateForPSN(void* process, CGEventTapPlacement place,
                                      CGEventTapOptions options, CGEventMask mask,
                                      CGEventTapCallBack callback, void* user_info) {
     if (!callback || !mask || !is_this_process(process) || !stand_in_event_path()) return nullptr;
-    const tap_settings_t settings = {mask, callback, user_info,
-                                     options == kCGEventTapOptionListenOnly};
+    const TapSettings settings = {mask, callback, user_info,
+                                  options == kCGEventTapOptionListenOnly};
     ProcessTap* tap = [[ProcessTap alloc] initWithSettings:settings
                                                 descriptor:-1
                                                    handler:nullptr

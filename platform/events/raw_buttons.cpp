@@ -5,22 +5,22 @@
 
 #include "x11/server_connection.h"
 
-std::unique_ptr<raw_buttons_t> raw_buttons_t::open() {
+std::unique_ptr<RawButtons> RawButtons::open() {
     unsigned root = 0;
     xcb_connection_t* server = connect_to_server(&root);
     if (!server) return nullptr;
-    std::unique_ptr<raw_buttons_t> buttons(new raw_buttons_t(server, root));
+    std::unique_ptr<RawButtons> buttons(new RawButtons(server, root));
     return buttons->select() ? std::move(buttons) : nullptr;
 }
 
-raw_buttons_t::~raw_buttons_t() { xcb_disconnect(server_); }
+RawButtons::~RawButtons() { xcb_disconnect(server_); }
 
-bool raw_buttons_t::select() {
+bool RawButtons::select() {
     const xcb_query_extension_reply_t* extension = xcb_get_extension_data(server_, &xcb_input_id);
     if (!extension || !extension->present) return false;
     opcode_ = extension->major_opcode;
     // Since version 2.2 raw events also come while another program holds the pointer.
-    const reply_t<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+    const Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         server_, xcb_input_xi_query_version(server_, 2, 2), nullptr));
     if (!version || version->major_version < 2 ||
         (version->major_version == 2 && version->minor_version < 2)) {
@@ -32,18 +32,18 @@ bool raw_buttons_t::select() {
     } wanted = {
         {XCB_INPUT_DEVICE_ALL_MASTER, 1},
         XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE};
-    const reply_t<xcb_generic_error_t> refusal(xcb_request_check(
+    const Reply<xcb_generic_error_t> refusal(xcb_request_check(
         server_, xcb_input_xi_select_events_checked(server_, root_, 1, &wanted.head)));
     return !refusal && !is_broken();
 }
 
-int raw_buttons_t::descriptor() const { return xcb_get_file_descriptor(server_); }
+int RawButtons::descriptor() const { return xcb_get_file_descriptor(server_); }
 
-bool raw_buttons_t::is_broken() const { return xcb_connection_has_error(server_) != 0; }
+bool RawButtons::is_broken() const { return xcb_connection_has_error(server_) != 0; }
 
-bool raw_buttons_t::next(raw_button_t* button) {
+bool RawButtons::next(RawButton* button) {
     while (xcb_generic_event_t* event = xcb_poll_for_event(server_)) {
-        const reply_t<xcb_generic_event_t> owner(event);
+        const Reply<xcb_generic_event_t> owner(event);
         if ((event->response_type & 0x7F) != XCB_GE_GENERIC) continue;
         const auto* raw = reinterpret_cast<xcb_input_raw_button_press_event_t*>(event);
         if (raw->extension != opcode_) continue;
@@ -55,12 +55,11 @@ bool raw_buttons_t::next(raw_button_t* button) {
 }
 
 // Asks for the pointer's place, as raw events carry none.
-bool raw_buttons_t::locate(raw_button_t* button) {
+bool RawButtons::locate(RawButton* button) {
     const auto pointer = xcb_query_pointer(server_, root_);
     const auto geometry = xcb_get_geometry(server_, root_);
-    const reply_t<xcb_query_pointer_reply_t> at(xcb_query_pointer_reply(server_, pointer, nullptr));
-    const reply_t<xcb_get_geometry_reply_t> size(
-        xcb_get_geometry_reply(server_, geometry, nullptr));
+    const Reply<xcb_query_pointer_reply_t> at(xcb_query_pointer_reply(server_, pointer, nullptr));
+    const Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(server_, geometry, nullptr));
     if (!at || !size) return false;
     button->x = at->root_x;
     button->y = at->root_y;

@@ -4,9 +4,9 @@
 
 #include <CoreGraphics/CGEvent.h>
 
-struct server_point_t {
+struct ServerPoint {
     int x, y;
 };
 
-CGPoint event_location(server_point_t point, int display_height);
-server_point_t server_point(CGPoint location, int display_height);
+CGPoint event_location(ServerPoint point, int display_height);
+ServerPoint server_point(CGPoint location, int display_height);

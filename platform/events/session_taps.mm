@@ -7,13 +7,13 @@
 
 namespace {
 
-struct button_types_t {
+struct ButtonTypes {
     CGEventType down, up;
     CGMouseButton button;
 };
 
 // False for other buttons, such as those by which X reports the wheel.
-bool types_of(unsigned x_button, button_types_t* types) {
+bool types_of(unsigned x_button, ButtonTypes* types) {
     switch (x_button) {
         case 1:
             *types = {kCGEventLeftMouseDown, kCGEventLeftMouseUp, kCGMouseButtonLeft};
@@ -38,11 +38,11 @@ constexpr CGEventMask seen_types =
 
 @interface SessionTap : EventTap {
   @private
-    raw_buttons_t* _buttons;  // owned
+    RawButtons* _buttons;  // owned
     CGEventMask _mask;
 }
-- (instancetype)initWithSettings:(const tap_settings_t&)settings
-                         buttons:(std::unique_ptr<raw_buttons_t>)buttons;
+- (instancetype)initWithSettings:(const TapSettings&)settings
+                         buttons:(std::unique_ptr<RawButtons>)buttons;
 - (void)readButtons;
 @end
 
@@ -50,8 +50,8 @@ static void read_buttons(void* tap) { [static_cast<SessionTap*>(tap) readButtons
 
 @implementation SessionTap
 
-- (instancetype)initWithSettings:(const tap_settings_t&)settings
-                         buttons:(std::unique_ptr<raw_buttons_t>)buttons {
+- (instancetype)initWithSettings:(const TapSettings&)settings
+                         buttons:(std::unique_ptr<RawButtons>)buttons {
     self = [super initWithSettings:settings
                         descriptor:buttons->descriptor()
                            handler:read_buttons
@@ -69,15 +69,15 @@ static void read_buttons(void* tap) { [static_cast<SessionTap*>(tap) readButtons
 }
 
 - (void)readButtons {
-    raw_button_t button;
+    RawButton button;
     [[self retain] autorelease];
     while ([self isValid] && _buttons->next(&button)) [self showButton:button];
     // The descriptor of a display that has gone stays readable for ever.
     if (_buttons->is_broken()) [self invalidate];
 }
 
-- (void)showButton:(const raw_button_t&)button {
-    button_types_t types;
+- (void)showButton:(const RawButton&)button {
+    ButtonTypes types;
     if (![self isEnabled] || !types_of(button.button, &types)) return;
     const CGEventType type = button.down ? types.down : types.up;
     if (!(_mask & CGEventMaskBit(type))) return;
@@ -92,9 +92,9 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement,
                                CGEventTapCallBack callback, void* user_info) {
     if (location != kCGSessionEventTap || options != kCGEventTapOptionListenOnly) return nullptr;
     if (!callback || !(mask & seen_types)) return nullptr;
-    std::unique_ptr<raw_buttons_t> buttons = raw_buttons_t::open();
+    std::unique_ptr<RawButtons> buttons = RawButtons::open();
     if (!buttons) return nullptr;
-    const tap_settings_t settings = {mask, callback, user_info, true};
+    const TapSettings settings = {mask, callback, user_info, true};
     SessionTap* tap = [[SessionTap alloc] initWithSettings:settings buttons:std::move(buttons)];
     return (CFMachPortRef)tap;
 }

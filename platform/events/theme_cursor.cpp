@@ -15,7 +15,7 @@
 
 namespace {
 
-using moment_t = std::chrono::steady_clock::time_point;
+using Moment = std::chrono::steady_clock::time_point;
 constexpr std::chrono::milliseconds lasting{500}, looking{40};
 
 // The name in cursor themes, and the name of a cursor that every server has.
@@ -26,19 +26,19 @@ constexpr struct {
              {"alias", "exchange"},
              {"context-menu", "based_arrow_down"}};
 
-struct place_t {
+struct Place {
     xcb_window_t window;
     int x, y;
-    bool operator==(const place_t&) const = default;
+    bool operator==(const Place&) const = default;
 };
 
-class shown_cursor_t {
+class ShownCursor {
   public:
-    shown_cursor_t() : keeper_(&shown_cursor_t::keep, this) { keeper_.detach(); }
+    ShownCursor() : keeper_(&ShownCursor::keep, this) { keeper_.detach(); }
 
     bool show(ThemeCursor cursor) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        place_t place;
+        Place place;
         if (!connect() || !find_place(&place)) return false;
         if (!loaded_[cursor]) loaded_[cursor] = load(cursor);
         if (shown_ && (place != place_ || cursor != cursor_)) undo();
@@ -62,10 +62,10 @@ class shown_cursor_t {
     }
 
     // The deepest window under the pointer.
-    bool find_place(place_t* place) {
+    bool find_place(Place* place) {
         xcb_window_t window = root_;
         for (;;) {
-            const reply_t<xcb_query_pointer_reply_t> at(
+            const Reply<xcb_query_pointer_reply_t> at(
                 xcb_query_pointer_reply(server_, xcb_query_pointer(server_, window), nullptr));
             // A window may close during the search.
             if (!at && window == root_) return false;
@@ -89,7 +89,7 @@ class shown_cursor_t {
 
     // A window that has gone is no error.
     void define(xcb_window_t window, xcb_cursor_t cursor) {
-        const reply_t<xcb_generic_error_t> ignored(xcb_request_check(
+        const Reply<xcb_generic_error_t> ignored(xcb_request_check(
             server_,
             xcb_change_window_attributes_checked(server_, window, XCB_CW_CURSOR, &cursor)));
     }
@@ -100,7 +100,7 @@ class shown_cursor_t {
     }
 
     bool is_over() {
-        place_t place;
+        Place place;
         if (xcb_connection_has_error(server_) || !find_place(&place)) return true;
         return place != place_ || std::chrono::steady_clock::now() - shown_at_ > lasting;
     }
@@ -121,9 +121,9 @@ class shown_cursor_t {
     xcb_window_t root_ = XCB_NONE;
     xcb_cursor_t loaded_[std::size(names)] = {};
     bool shown_ = false;
-    place_t place_ = {};
+    Place place_ = {};
     ThemeCursor cursor_ = 0;
-    moment_t shown_at_;
+    Moment shown_at_;
     std::thread keeper_;
 };
 
@@ -132,6 +132,6 @@ class shown_cursor_t {
 OSStatus SetThemeCursor(ThemeCursor cursor) {
     if (cursor >= std::size(names)) return paramErr;
     // Never destroyed: its thread lives as long as the process.
-    static auto* shown = new shown_cursor_t;
+    static auto* shown = new ShownCursor;
     return shown->show(cursor) ? static_cast<OSStatus>(noErr) : static_cast<OSStatus>(ioErr);
 }

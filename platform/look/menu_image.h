@@ -8,12 +8,12 @@
 @class NSImage;
 
 // Keeps the surfaces that it makes while a menu is open, up to a limit.
-class image_cache_t {
+class ImageCache {
   public:
-    image_cache_t() = default;
-    ~image_cache_t();
-    image_cache_t(const image_cache_t&) = delete;
-    image_cache_t& operator=(const image_cache_t&) = delete;
+    ImageCache() = default;
+    ~ImageCache();
+    ImageCache(const ImageCache&) = delete;
+    ImageCache& operator=(const ImageCache&) = delete;
 
     // Null for an image without pixels. Belongs to the cache, until the next call.
     cairo_surface_t* surface(NSImage* image, int width, int height);

@@ -8,11 +8,11 @@ namespace {
 
 const size_t most_surfaces = 600;
 
-struct pixel_t {
+struct Pixel {
     unsigned red, green, blue, alpha;
 };
 
-uint32_t premultiplied(const pixel_t& p) {
+uint32_t premultiplied(const Pixel& p) {
     const auto share = [&p](unsigned c) { return (c * p.alpha + 127) / 255; };
     return p.alpha << 24 | share(p.red) << 16 | share(p.green) << 8 | share(p.blue);
 }
@@ -46,7 +46,7 @@ void copy_row(NSBitmapImageRep* rep, const unsigned char* from, uint32_t* to) {
     const bool loose = format & NSAlphaNonpremultipliedBitmapFormat;
     for (NSInteger x = 0; x < width; x++, from += step) {
         const unsigned char* color = first ? from + 1 : from;
-        pixel_t p = {color[0], color[1], color[2], 255};
+        Pixel p = {color[0], color[1], color[2], 255};
         if (samples == 4) p.alpha = first ? from[0] : from[3];
         to[x] = loose ? premultiplied(p) : p.alpha << 24 | p.red << 16 | p.green << 8 | p.blue;
     }
@@ -56,8 +56,8 @@ void copy_row_by_color(NSBitmapImageRep* rep, NSInteger y, uint32_t* to) {
     for (NSInteger x = 0; x < [rep pixelsWide]; x++) {
         NSColor* color = [[rep colorAtX:x y:y] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
         const auto byte = [](double share) { return static_cast<unsigned>(share * 255 + 0.5); };
-        const pixel_t p = {byte([color redComponent]), byte([color greenComponent]),
-                           byte([color blueComponent]), byte([color alphaComponent])};
+        const Pixel p = {byte([color redComponent]), byte([color greenComponent]),
+                         byte([color blueComponent]), byte([color alphaComponent])};
         to[x] = color ? premultiplied(p) : 0;
     }
 }
@@ -107,9 +107,9 @@ cairo_surface_t* make_surface(NSImage* image, int width, int height) {
 
 }  // namespace
 
-image_cache_t::~image_cache_t() { clear(); }
+ImageCache::~ImageCache() { clear(); }
 
-void image_cache_t::clear() {
+void ImageCache::clear() {
     for (const auto& entry : surfaces_) {
         [entry.first release];
         cairo_surface_destroy(entry.second);
@@ -117,7 +117,7 @@ void image_cache_t::clear() {
     surfaces_.clear();
 }
 
-void image_cache_t::forget(NSImage* image) {
+void ImageCache::forget(NSImage* image) {
     const auto found = surfaces_.find(image);
     if (found == surfaces_.end()) return;
     cairo_surface_destroy(found->second);
@@ -125,7 +125,7 @@ void image_cache_t::forget(NSImage* image) {
     [image release];
 }
 
-cairo_surface_t* image_cache_t::surface(NSImage* image, int width, int height) {
+cairo_surface_t* ImageCache::surface(NSImage* image, int width, int height) {
     if (!image || width <= 0 || height <= 0) return nullptr;
     const auto found = surfaces_.find(image);
     if (found != surfaces_.end()) return found->second;

@@ -5,21 +5,21 @@
 
 @class NSFont;
 
-struct color_t {
+struct Color {
     double red, green, blue, alpha;
 };
 
-struct menu_palette_t {
-    color_t panel, border, edge;                   // the edge is the hairline inside the border
-    color_t text, dimmed_text, hidden_text, mark;  // dimmed: disabled; hidden: of hidden files
-    color_t highlight, highlight_text;
-    color_t separator;
+struct MenuPalette {
+    Color panel, border, edge;                   // the edge is the hairline inside the border
+    Color text, dimmed_text, hidden_text, mark;  // dimmed: disabled; hidden: of hidden files
+    Color highlight, highlight_text;
+    Color separator;
     double shadow;  // darkest alpha
 };
 
 // Every measure is in pixels of the screen, whole so that lines stay sharp.
-struct menu_look_t {
-    const menu_palette_t* palette;
+struct MenuLook {
+    const MenuPalette* palette;
     double scale;        // pixels a point
     std::string family;  // of the interface font
     double font_size;    // points
@@ -42,10 +42,10 @@ struct menu_look_t {
 
 // The look for menus in `font` (nil: the look's own), by the user default MenuAppearance ("light",
 // "dark" or "auto"), the desktop's settings and the scale (GSScaleFactor, else the X server's).
-menu_look_t menu_look(NSFont* font, const char* server_resources);
+MenuLook menu_look(NSFont* font, const char* server_resources);
 
 // The family in which a font's text is drawn: GNUstep's system font stands for the desktop's.
-std::string drawn_family(const menu_look_t& look, NSFont* font);
+std::string drawn_family(const MenuLook& look, NSFont* font);
 
 // `color`, moved towards the text's colour until it is readable on the panel.
-color_t readable(const menu_look_t& look, color_t color);
+Color readable(const MenuLook& look, Color color);

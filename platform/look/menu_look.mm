@@ -9,7 +9,7 @@
 
 namespace {
 
-const menu_palette_t light_palette = {
+const MenuPalette light_palette = {
     .panel = {0.988, 0.988, 0.992, 1},
     .border = {0, 0, 0, 0.20},
     .edge = {1, 1, 1, 0.9},
@@ -23,7 +23,7 @@ const menu_palette_t light_palette = {
     .shadow = 0.20,
 };
 
-const menu_palette_t dark_palette = {
+const MenuPalette dark_palette = {
     .panel = {0.157, 0.161, 0.176, 1},
     .border = {0, 0, 0, 0.55},
     .edge = {1, 1, 1, 0.14},
@@ -39,7 +39,7 @@ const menu_palette_t dark_palette = {
 
 const double default_font_size = 13;
 
-const menu_palette_t* chosen_palette() {
+const MenuPalette* chosen_palette() {
     NSString* wanted = [[NSUserDefaults standardUserDefaults] stringForKey:@"MenuAppearance"];
     if ([wanted isEqualToString:@"light"]) return &light_palette;
     if ([wanted isEqualToString:@"dark"]) return &dark_palette;
@@ -55,22 +55,22 @@ int pixels(double scale, double points) {
     return std::max(1, static_cast<int>(std::lround(scale * points)));
 }
 
-double luminance(const color_t& color) {
+double luminance(const Color& color) {
     return 0.2126 * color.red + 0.7152 * color.green + 0.0722 * color.blue;
 }
 
-double contrast(const color_t& one, const color_t& other) {
+double contrast(const Color& one, const Color& other) {
     const double a = std::pow(luminance(one), 2.2) + 0.05;
     const double b = std::pow(luminance(other), 2.2) + 0.05;
     return std::max(a, b) / std::min(a, b);
 }
 
-color_t mixed(const color_t& from, const color_t& to, double share) {
+Color mixed(const Color& from, const Color& to, double share) {
     return {from.red + (to.red - from.red) * share, from.green + (to.green - from.green) * share,
             from.blue + (to.blue - from.blue) * share, from.alpha};
 }
 
-void set_font(menu_look_t* look, NSFont* font) {
+void set_font(MenuLook* look, NSFont* font) {
     look->family = desktop_font_family();
     look->font_size = font ? std::clamp<double>([font pointSize], 6, 96) : default_font_size;
     look->bold = look->italic = false;
@@ -82,7 +82,7 @@ void set_font(menu_look_t* look, NSFont* font) {
 }
 
 // Numbers are points at the default font size. Rows grow and shrink with the font.
-void set_measures(menu_look_t* look) {
+void set_measures(MenuLook* look) {
     const double scale = look->scale, size = look->font_size;
     const double growth = size / default_font_size;
     look->hairline = pixels(scale, 1);
@@ -103,8 +103,8 @@ void set_measures(menu_look_t* look) {
 
 }  // namespace
 
-menu_look_t menu_look(NSFont* font, const char* server_resources) {
-    menu_look_t look = {};
+MenuLook menu_look(NSFont* font, const char* server_resources) {
+    MenuLook look = {};
     look.palette = chosen_palette();
     look.scale = chosen_scale(server_resources);
     set_font(&look, font);
@@ -112,15 +112,15 @@ menu_look_t menu_look(NSFont* font, const char* server_resources) {
     return look;
 }
 
-std::string drawn_family(const menu_look_t& look, NSFont* font) {
+std::string drawn_family(const MenuLook& look, NSFont* font) {
     NSString* family = [font familyName];
     NSString* system = [[NSFont systemFontOfSize:0] familyName];
     if (!family || [family isEqualToString:system]) return look.family;
     return [family UTF8String] ?: look.family;
 }
 
-color_t readable(const menu_look_t& look, color_t color) {
-    const color_t wanted = color;
+Color readable(const MenuLook& look, Color color) {
+    const Color wanted = color;
     for (double share = 0.1; share < 1; share += 0.1) {
         if (contrast(color, look.palette->panel) >= 2.6) break;
         color = mixed(wanted, look.palette->text, share);

@@ -10,7 +10,7 @@
 
 @class NSMenuItem, NSString;
 
-typedef files::ObjectOwner<PangoLayout> text_t;
+typedef files::ObjectOwner<PangoLayout> TextLayout;
 
 // A title as UTF-8 on one line. A visible sign replaces each character that would break the line,
 // hide or reorder the text. A title of many thousands of characters is cut in its middle.
@@ -20,16 +20,16 @@ std::string visible_title(NSString* title);
 std::string folded(const std::string& text);
 
 // The item's title; with `plain`, without the colours of its attributes.
-text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain);
+TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain);
 
 // Text in the interface font, `size` in points, in lines of `width` pixels; 0 does not break it.
 // Control characters but newlines are shown as signs.
-text_t paragraph(const menu_look_t& look, const std::string& text, double size, bool bold,
-                 int width);
+TextLayout paragraph(const MenuLook& look, const std::string& text, double size, bool bold,
+                     int width);
 
 // Pixels that the text takes.
-int text_width(const text_t& text);
-int text_height(const text_t& text);
+int text_width(const TextLayout& text);
+int text_height(const TextLayout& text);
 
 // Narrows the text to `width` pixels by leaving out its middle.
-void fit_text(const text_t& text, int width);
+void fit_text(const TextLayout& text, int width);

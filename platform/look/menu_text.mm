@@ -97,7 +97,7 @@ PangoFontDescription* description(const std::string& family, double size, bool b
     return font;
 }
 
-struct run_t {
+struct Run {
     PangoAttrList* list;
     guint start, end;
 
@@ -108,18 +108,18 @@ struct run_t {
     }
 };
 
-void add_color(const run_t& run, const menu_look_t& look, NSColor* color) {
+void add_color(const Run& run, const MenuLook& look, NSColor* color) {
     color = [color colorUsingColorSpaceName:NSDeviceRGBColorSpace];
     if (!color) return;
-    const color_t wanted = {[color redComponent],
-                            [color greenComponent],
-                            [color blueComponent],
-                            [color alphaComponent]};
-    const color_t shown = readable(look, wanted);
+    const Color wanted = {[color redComponent],
+                          [color greenComponent],
+                          [color blueComponent],
+                          [color alphaComponent]};
+    const Color shown = readable(look, wanted);
     run.add(pango_attr_foreground_new(shown.red * 65535, shown.green * 65535, shown.blue * 65535));
 }
 
-void add_font(const run_t& run, const menu_look_t& look, NSFont* font) {
+void add_font(const Run& run, const MenuLook& look, NSFont* font) {
     const NSFontTraitMask traits = [[NSFontManager sharedFontManager] traitsOfFont:font];
     const double size = std::clamp<double>([font pointSize], 4, 200) * look.scale;
     PangoFontDescription* shown = description(drawn_family(look, font), size,
@@ -128,13 +128,13 @@ void add_font(const run_t& run, const menu_look_t& look, NSFont* font) {
     pango_font_description_free(shown);
 }
 
-PangoAttrList* attributes(const menu_look_t& look, NSAttributedString* title,
+PangoAttrList* attributes(const MenuLook& look, NSAttributedString* title,
                           const std::vector<unichar>& text, bool plain) {
     PangoAttrList* list = pango_attr_list_new();
     NSRange range = NSMakeRange(0, 0);
     for (NSUInteger at = 0; at < [title length] && at < text.size(); at = NSMaxRange(range)) {
         NSDictionary* found = [title attributesAtIndex:at effectiveRange:&range];
-        const run_t run = {list, byte_offset(text, at), byte_offset(text, NSMaxRange(range))};
+        const Run run = {list, byte_offset(text, at), byte_offset(text, NSMaxRange(range))};
         NSColor* color = [found objectForKey:NSForegroundColorAttributeName];
         NSFont* font = [found objectForKey:NSFontAttributeName];
         if (color && !plain) add_color(run, look, color);
@@ -163,8 +163,8 @@ std::string folded(const std::string& text) {
     return result;
 }
 
-text_t item_text(const menu_look_t& look, NSMenuItem* item, bool plain) {
-    text_t text(pango_layout_new(text_context()));
+TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain) {
+    TextLayout text(pango_layout_new(text_context()));
     pango_layout_set_single_paragraph_mode(text.get(), TRUE);
     PangoFontDescription* font =
         description(look.family, look.font_size * look.scale, look.bold, look.italic);
@@ -193,10 +193,10 @@ static std::string visible_lines(const std::string& text) {
     return [[lines componentsJoinedByString:@"\n"] UTF8String];
 }
 
-text_t paragraph(const menu_look_t& look, const std::string& given, double size, bool bold,
-                 int width) {
+TextLayout paragraph(const MenuLook& look, const std::string& given, double size, bool bold,
+                     int width) {
     const std::string text = visible_lines(given);
-    text_t layout(pango_layout_new(text_context()));
+    TextLayout layout(pango_layout_new(text_context()));
     PangoFontDescription* font = description(look.family, size * look.scale, bold, false);
     pango_layout_set_font_description(layout.get(), font);
     pango_font_description_free(font);
@@ -207,19 +207,19 @@ text_t paragraph(const menu_look_t& look, const std::string& given, double size,
     return layout;
 }
 
-int text_width(const text_t& text) {
+int text_width(const TextLayout& text) {
     PangoRectangle box;
     pango_layout_get_extents(text.get(), nullptr, &box);
     return PANGO_PIXELS_CEIL(box.width);
 }
 
-int text_height(const text_t& text) {
+int text_height(const TextLayout& text) {
     PangoRectangle box;
     pango_layout_get_extents(text.get(), nullptr, &box);
     return PANGO_PIXELS_CEIL(box.height);
 }
 
-void fit_text(const text_t& text, int width) {
+void fit_text(const TextLayout& text, int width) {
     pango_layout_set_ellipsize(text.get(), PANGO_ELLIPSIZE_MIDDLE);
     pango_layout_set_width(text.get(), width * PANGO_SCALE);
 }

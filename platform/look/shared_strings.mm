@@ -8,17 +8,17 @@ namespace {
 // thousands of instructions.
 const NSUInteger most_characters = 256;
 
-struct text_t {
+struct TextLayout {
     NSString* string;  // retained
     NSUInteger length;
     unichar characters[most_characters];
 };
 
-text_t last[3];
+TextLayout last[3];
 unsigned oldest;
 
-const text_t* find(const unichar* characters, NSUInteger length) {
-    for (const text_t& text : last) {
+const TextLayout* find(const unichar* characters, NSUInteger length) {
+    for (const TextLayout& text : last) {
         const bool is_equal = text.string && text.length == length &&
                               memcmp(text.characters, characters, length * sizeof(unichar)) == 0;
         if (is_equal) return &text;
@@ -28,7 +28,7 @@ const text_t* find(const unichar* characters, NSUInteger length) {
 
 // Takes ownership of the string.
 NSString* remember(NSString* string, const unichar* characters, NSUInteger length) {
-    text_t& text = last[oldest];
+    TextLayout& text = last[oldest];
     oldest = (oldest + 1) % 3;
     [text.string autorelease];
     text.string = string;
@@ -43,7 +43,7 @@ NSString* shared_string(const unichar* characters, NSUInteger length) {
     if (length > most_characters) {
         return [NSString stringWithCharacters:characters length:length];
     }
-    if (const text_t* known = find(characters, length)) return known->string;
+    if (const TextLayout* known = find(characters, length)) return known->string;
     NSString* made = [[NSString alloc] initWithCharacters:characters length:length];
     return remember(made, characters, length);
 }
@@ -53,6 +53,6 @@ NSString* shared_string(NSString* string) {
     if (!string || length > most_characters) return string;
     unichar characters[most_characters];
     [string getCharacters:characters range:NSMakeRange(0, length)];
-    if (const text_t* known = find(characters, length)) return known->string;
+    if (const TextLayout* known = find(characters, length)) return known->string;
     return remember([string copy], characters, length);
 }

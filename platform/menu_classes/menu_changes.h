@@ -6,7 +6,7 @@
 #include <AppKit/AppKit.h>
 
 // Called after an item was added to or removed from a menu (`item` is nil), or changed in it.
-typedef void (*menu_change_listener_t)(NSMenu* menu, NSMenuItem* item);
+typedef void (*MenuChangeListener)(NSMenu* menu, NSMenuItem* item);
 
 // A process has one listener; null removes it.
-void set_menu_change_listener(menu_change_listener_t listener);
+void set_menu_change_listener(MenuChangeListener listener);

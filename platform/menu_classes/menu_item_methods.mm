@@ -12,26 +12,26 @@ namespace {
 
 // Values that few items have. This run time has no associated objects, and an item has no room for
 // them.
-struct extras_t {
+struct Extras {
     NSAttributedString* title;
     NSView* view;
 };
 
-std::unordered_map<NSMenuItem*, extras_t>& all_extras() {
-    static auto* extras = new std::unordered_map<NSMenuItem*, extras_t>;
+std::unordered_map<NSMenuItem*, Extras>& all_extras() {
+    static auto* extras = new std::unordered_map<NSMenuItem*, Extras>;
     return *extras;
 }
 
-extras_t* find_extras(NSMenuItem* item) {
+Extras* find_extras(NSMenuItem* item) {
     if (all_extras().empty()) return nullptr;
     const auto found = all_extras().find(item);
     return found == all_extras().end() ? nullptr : &found->second;
 }
 
 void drop_extras(NSMenuItem* item) {
-    extras_t* extras = find_extras(item);
+    Extras* extras = find_extras(item);
     if (!extras) return;
-    const extras_t dropped = *extras;
+    const Extras dropped = *extras;
     all_extras().erase(item);
     [dropped.title release];
     [dropped.view release];
@@ -64,13 +64,13 @@ void deallocate(NSMenuItem* self, SEL selector) {
 
 id copy_with_zone(NSMenuItem* self, SEL selector, NSZone* zone) {
     id copy = reinterpret_cast<id (*)(id, SEL, NSZone*)>(stock.copy)(self, selector, zone);
-    const extras_t* extras = find_extras(self);
+    const Extras* extras = find_extras(self);
     if (extras) set_extras(copy, extras->title, nil);
     return copy;
 }
 
 NSAttributedString* attributed_title(NSMenuItem* self, SEL) {
-    const extras_t* extras = find_extras(self);
+    const Extras* extras = find_extras(self);
     return extras ? extras->title : nil;
 }
 
@@ -123,7 +123,7 @@ void update_key_equivalent(NSMenuItem* self, SEL selector) {
 }
 
 - (NSView*)view {
-    const extras_t* extras = find_extras(self);
+    const Extras* extras = find_extras(self);
     return extras ? extras->view : nil;
 }
 
@@ -194,7 +194,7 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
 }
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), &stock.deallocate},
         {"NSMenuItem", "setTitle:", reinterpret_cast<IMP>(set_title), &stock.set_title},
         {"NSMenuItem", "setImage:", reinterpret_cast<IMP>(set_image), &stock.set_image},

@@ -79,7 +79,7 @@ static void encode(NSMenuItem* self, SEL selector, NSCoder* coder) {
 @implementation MenuItemStatesInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSMenuItem", "initWithTitle:action:keyEquivalent:", reinterpret_cast<IMP>(light_init),
          nullptr},
         {"NSMenuItem", "onStateImage", reinterpret_cast<IMP>(on_image), nullptr},

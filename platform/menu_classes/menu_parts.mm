@@ -89,11 +89,11 @@ NSPoint submenu_location(NSMenu* self, SEL selector, NSMenu* submenu) {
 
 + (void)load {
     for (const auto& method : plain_methods) {
-        const method_patch_t patch[] = {
+        const MethodPatch patch[] = {
             {"NSMenu", method.selector, reinterpret_cast<IMP>(with_parts), method.stock}};
         patch_methods(patch);
     }
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSMenu", "setMenuRepresentation:", reinterpret_cast<IMP>(set_representation),
          &stock_set_representation},
         {"NSMenu", "locationForSubmenu:", reinterpret_cast<IMP>(submenu_location),

@@ -23,9 +23,9 @@
 
 @end
 
-static menu_change_listener_t change_listener;
+static MenuChangeListener change_listener;
 
-void set_menu_change_listener(menu_change_listener_t listener) { change_listener = listener; }
+void set_menu_change_listener(MenuChangeListener listener) { change_listener = listener; }
 
 @implementation NSMenu (LightMethods)
 
@@ -155,7 +155,7 @@ static BOOL is_same_menu(NSMenu* self, SEL, id other) { return self == other; }
 @end
 @implementation MenuStorageInstaller
 + (void)load {
-    static const method_patch_t patches[] = {
+    static const MethodPatch patches[] = {
         {"NSMenu", "initWithTitle:", reinterpret_cast<IMP>(light_init), nullptr},
         {"NSMenu", "insertItem:atIndex:", reinterpret_cast<IMP>(light_insert), &stock.insert},
         {"NSMenu", "removeItemAtIndex:", reinterpret_cast<IMP>(light_remove), &stock.remove},

@@ -5,4 +5,4 @@
 
 // Sends a mouse event to the item view in the row at `point`, as the view's window would. False
 // when there is no item view.
-bool send_to_item_view(const menu_levels_t& levels, NSEvent* event, point_t point);
+bool send_to_item_view(const MenuLevels& levels, NSEvent* event, MenuPoint point);

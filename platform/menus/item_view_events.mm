@@ -40,7 +40,7 @@ NSEvent* event_in_window(NSEvent* event, NSWindow* window, NSPoint at) {
 
 }  // namespace
 
-bool send_to_item_view(const menu_levels_t& levels, NSEvent* event, point_t point) {
+bool send_to_item_view(const MenuLevels& levels, NSEvent* event, MenuPoint point) {
     const int level = levels.level_at(point);
     NSView* view = level < 0 ? nil : [levels[level].item_at(point) view];
     if (!view || [view window] != levels[level].window()) return false;

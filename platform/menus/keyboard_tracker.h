@@ -7,12 +7,12 @@
 #include "menus/menu_levels.h"
 #include "menus/pointer_tracker.h"
 
-class keyboard_tracker_t {
+class KeyboardTracker {
   public:
-    keyboard_tracker_t(menu_levels_t& levels, pointer_tracker_t& pointer)
+    KeyboardTracker(MenuLevels& levels, PointerTracker& pointer)
         : levels_(levels), pointer_(pointer) {}
-    keyboard_tracker_t(const keyboard_tracker_t&) = delete;
-    keyboard_tracker_t& operator=(const keyboard_tracker_t&) = delete;
+    KeyboardTracker(const KeyboardTracker&) = delete;
+    KeyboardTracker& operator=(const KeyboardTracker&) = delete;
 
     // Events other than keys only tell which modifiers are held.
     void handle(NSEvent* event);
@@ -35,8 +35,8 @@ class keyboard_tracker_t {
     bool is_typing() const;
     void type(NSString* characters);
 
-    menu_levels_t& levels_;
-    pointer_tracker_t& pointer_;
+    MenuLevels& levels_;
+    PointerTracker& pointer_;
     NSUInteger flags_ = 0;  // of the last event
     int level_ = -1;        // the level that keys have led to; -1 once the pointer has moved
     std::string typed_;

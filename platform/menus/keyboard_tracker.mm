@@ -16,23 +16,23 @@ bool is_key_event(NSEvent* event) {
     return type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
 }
 
-const std::vector<menu_row_t>& rows_of(const menu_level_t& level) { return level.layout().rows(); }
+const std::vector<MenuRow>& rows_of(const MenuLevel& level) { return level.layout().rows(); }
 
 }  // namespace
 
-void keyboard_tracker_t::handle(NSEvent* event) {
+void KeyboardTracker::handle(NSEvent* event) {
     follow_modifiers(event);
     if ([event type] == NSKeyDown) press(event);
 }
 
-void keyboard_tracker_t::ask_modifiers() {
-    levels_.set_modifiers(CurrentModifierFlags() & alternate_modifiers);
+void KeyboardTracker::ask_modifiers() {
+    levels_.set_modifiers(current_modifier_flags() & alternate_modifiers);
 }
 
 // GNUstep's flags miss some keys that stand for Option and Command, so they only say when to ask
 // the server. The flags of pointer events show keys that were pressed while another program had the
 // keyboard.
-void keyboard_tracker_t::follow_modifiers(NSEvent* event) {
+void KeyboardTracker::follow_modifiers(NSEvent* event) {
     const NSUInteger flags = [event modifierFlags] & alternate_modifiers;
     if (is_key_event(event) || flags != flags_) ask_modifiers();
     flags_ = flags;
@@ -40,7 +40,7 @@ void keyboard_tracker_t::follow_modifiers(NSEvent* event) {
 
 // The level that the user is in: the one that keys have led to since the pointer moved; else the
 // level that has the pointer over any of its parts; else the deepest level that is shown.
-size_t keyboard_tracker_t::focus_level() const {
+size_t KeyboardTracker::focus_level() const {
     size_t shown = levels_.size() - 1;
     while (shown > 0 && !levels_[shown].is_shown()) shown--;
     if (level_ >= 0) return std::min<size_t>(level_, shown);
@@ -49,12 +49,12 @@ size_t keyboard_tracker_t::focus_level() const {
 }
 
 // The keys lead from here on, and a strip under the pointer stops scrolling.
-void keyboard_tracker_t::take_focus() {
+void KeyboardTracker::take_focus() {
     pointer_.yield_to_keys();
     level_ = static_cast<int>(focus_level());
 }
 
-void keyboard_tracker_t::press(NSEvent* event) {
+void KeyboardTracker::press(NSEvent* event) {
     NSString* characters = [event characters];
     if (![characters length] || levels_.empty()) return;
     take_focus();
@@ -65,8 +65,8 @@ void keyboard_tracker_t::press(NSEvent* event) {
 }
 
 // False for a key that types its character.
-bool keyboard_tracker_t::press_command(unichar character) {
-    const menu_level_t& level = levels_[focus_level()];
+bool KeyboardTracker::press_command(unichar character) {
+    const MenuLevel& level = levels_[focus_level()];
     const int last = static_cast<int>(rows_of(level).size()) - 1;
     switch (character) {
         case NSDownArrowFunctionKey:
@@ -96,9 +96,9 @@ bool keyboard_tracker_t::press_command(unichar character) {
     }
 }
 
-void keyboard_tracker_t::move_highlight(int step, bool wraps) {
+void KeyboardTracker::move_highlight(int step, bool wraps) {
     const size_t index = focus_level();
-    const menu_layout_t& layout = levels_[index].layout();
+    const MenuLayout& layout = levels_[index].layout();
     const int row = layout.row_of(levels_.highlighted_item(index));
     const int count = static_cast<int>(layout.rows().size());
     const int direction = step > 0 ? 1 : -1;
@@ -110,9 +110,9 @@ void keyboard_tracker_t::move_highlight(int step, bool wraps) {
 }
 
 // Highlights the first row from `row` on, in direction `step`, that can be highlighted.
-void keyboard_tracker_t::move_to(int row, int step, bool wraps) {
+void KeyboardTracker::move_to(int row, int step, bool wraps) {
     const size_t index = focus_level();
-    menu_level_t& level = levels_[index];
+    MenuLevel& level = levels_[index];
     const int count = static_cast<int>(rows_of(level).size());
     for (int tries = 0; tries < count; tries++, row += step) {
         if (wraps) row = (row + count) % count;
@@ -128,7 +128,7 @@ void keyboard_tracker_t::move_to(int row, int step, bool wraps) {
     }
 }
 
-void keyboard_tracker_t::enter_submenu() {
+void KeyboardTracker::enter_submenu() {
     const size_t index = focus_level();
     NSMenuItem* item = levels_.highlighted_item(index);
     if (!item) return move_highlight(1, true);
@@ -137,14 +137,14 @@ void keyboard_tracker_t::enter_submenu() {
     levels_.synchronize();
     if (index + 1 >= levels_.size() || !levels_[index + 1].is_shown()) return;
     level_ = static_cast<int>(index) + 1;
-    const std::vector<menu_row_t>& rows = rows_of(levels_[index + 1]);
+    const std::vector<MenuRow>& rows = rows_of(levels_[index + 1]);
     const auto first = std::find_if(rows.begin(), rows.end(),
-                                    [](const menu_row_t& row) { return can_highlight(row.item); });
+                                    [](const MenuRow& row) { return can_highlight(row.item); });
     if (first == rows.end()) return;
     [levels_.session() highlightItem:first->item inMenu:levels_[index + 1].menu()];
 }
 
-void keyboard_tracker_t::leave_submenu() {
+void KeyboardTracker::leave_submenu() {
     const size_t index = focus_level();
     if (index + 1 < levels_.size()) {
         [levels_.session() closeLevelsBelowMenu:levels_[index].menu()];
@@ -154,7 +154,7 @@ void keyboard_tracker_t::leave_submenu() {
     }
 }
 
-void keyboard_tracker_t::choose() {
+void KeyboardTracker::choose() {
     NSMenuItem* item = levels_.highlighted_item(focus_level());
     if (can_pick(item)) {
         [levels_.session() pickItem:item];
@@ -163,18 +163,18 @@ void keyboard_tracker_t::choose() {
     }
 }
 
-bool keyboard_tracker_t::is_typing() const {
+bool KeyboardTracker::is_typing() const {
     return !typed_.empty() && seconds_now() - typed_at_ <= typing_pause;
 }
 
-void keyboard_tracker_t::type(NSString* characters) {
+void KeyboardTracker::type(NSString* characters) {
     const unichar first = [characters characterAtIndex:0];
     if (first < 0x20 || first == 0x7F || (first >= 0xF700 && first <= 0xF8FF)) return;
     if (!is_typing()) typed_.clear();
     typed_at_ = seconds_now();
     typed_ += [characters UTF8String] ?: "";
     const std::string wanted = folded(typed_);
-    const std::vector<menu_row_t>& rows = rows_of(levels_[focus_level()]);
+    const std::vector<MenuRow>& rows = rows_of(levels_[focus_level()]);
     for (size_t row = 0; row < rows.size(); row++) {
         if (!can_highlight(rows[row].item)) continue;
         if (folded(visible_title([rows[row].item title])).rfind(wanted, 0) != 0) continue;

@@ -73,7 +73,7 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
 @implementation MenuHookInstaller
 
 + (void)load {
-    static const method_patch_t patches[] = {
+    static const MethodPatch patches[] = {
         {"NSMenu", "popUpContextMenu:withEvent:forView:withFont:",
          reinterpret_cast<IMP>(class_popup_with_font), nullptr, true},
         {"NSMenu", "popUpContextMenu:withEvent:forView:", reinterpret_cast<IMP>(class_popup),

@@ -6,17 +6,17 @@
 #include "events/deadline.h"
 #include "menus/menu_levels.h"
 
-class menu_hover_t {
+class MenuHover {
   public:
-    explicit menu_hover_t(menu_levels_t& levels) : levels_(levels) {}
-    ~menu_hover_t() { [item_ release]; }
-    menu_hover_t(const menu_hover_t&) = delete;
-    menu_hover_t& operator=(const menu_hover_t&) = delete;
+    explicit MenuHover(MenuLevels& levels) : levels_(levels) {}
+    ~MenuHover() { [item_ release]; }
+    MenuHover(const MenuHover&) = delete;
+    MenuHover& operator=(const MenuHover&) = delete;
 
     // The pointer came to a place in the rows of a level.
-    void move_to(int level, point_t point);
+    void move_to(int level, MenuPoint point);
     // The same, even if the pointer may be on its way to an open submenu.
-    void enter(int level, point_t point);
+    void enter(int level, MenuPoint point);
     // The pointer left all levels.
     void leave();
     // The pointer rests on this item from now on.
@@ -29,15 +29,15 @@ class menu_hover_t {
 
     double due() const { return timer_.due; }
     // Called when due() has come: the pointer has rested at `point`.
-    void rest(point_t point);
+    void rest(MenuPoint point);
 
   private:
-    bool aims(int level, point_t point);
+    bool aims(int level, MenuPoint point);
     void set_item(NSMenuItem* item);
 
-    menu_levels_t& levels_;
+    MenuLevels& levels_;
     NSMenuItem* item_ = nil;  // retained; the item that the timer is for
-    deadline_t timer_;
-    point_t aim_from_ = {};
+    Deadline timer_;
+    MenuPoint aim_from_ = {};
     bool is_aiming_ = false;
 };

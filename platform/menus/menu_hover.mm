@@ -9,39 +9,39 @@ const double aim_limit = 0.35;   // for a move across other rows to an open subm
 
 }  // namespace
 
-void menu_hover_t::set_item(NSMenuItem* item) {
+void MenuHover::set_item(NSMenuItem* item) {
     [item retain];
     [item_ release];
     item_ = item;
 }
 
-void menu_hover_t::rest_on(NSMenuItem* item) {
+void MenuHover::rest_on(NSMenuItem* item) {
     set_item(item);
     timer_.start(hover_delay);
 }
 
-void menu_hover_t::stop() {
+void MenuHover::stop() {
     is_aiming_ = false;
     timer_.stop();
 }
 
-void menu_hover_t::open_submenu(NSMenuItem* item) {
+void MenuHover::open_submenu(NSMenuItem* item) {
     timer_.stop();
     [levels_.session() openSubmenuOfItem:item];
 }
 
-void menu_hover_t::move_to(int level, point_t point) {
+void MenuHover::move_to(int level, MenuPoint point) {
     if (!aims(level, point)) enter(level, point);
 }
 
-void menu_hover_t::leave() {
+void MenuHover::leave() {
     if (levels_.empty()) return;
     [levels_.session() highlightItem:nil inMenu:levels_.all().back()->menu()];
     timer_.stop();
     set_item(nil);
 }
 
-bool menu_hover_t::aims(int level, point_t point) {
+bool MenuHover::aims(int level, MenuPoint point) {
     const bool child_open = level + 1 < static_cast<int>(levels_.size());
     const bool aims = child_open && levels_[level + 1].is_shown() &&
                       levels_[level].item_at(point) != levels_.parent_item(level + 1) &&
@@ -51,7 +51,7 @@ bool menu_hover_t::aims(int level, point_t point) {
     return aims;
 }
 
-void menu_hover_t::enter(int level, point_t point) {
+void MenuHover::enter(int level, MenuPoint point) {
     MenuSession* session = levels_.session();
     aim_from_ = point;
     for (int i = 0; i < level; i++) {
@@ -74,7 +74,7 @@ void menu_hover_t::enter(int level, point_t point) {
 }
 
 // Opens the submenu of the row, or closes the submenu of another row.
-void menu_hover_t::rest(point_t point) {
+void MenuHover::rest(MenuPoint point) {
     MenuSession* session = levels_.session();
     timer_.stop();
     if (is_aiming_) {

@@ -8,21 +8,21 @@
 
 #include "look/menu_look.h"
 
-enum row_kind_t { title_row, separator_row, view_row, image_row };
+enum RowKind { title_row, separator_row, view_row, image_row };
 
-struct menu_row_t {
+struct MenuRow {
     NSMenuItem* item;  // held by the layout
     int top, height;
-    row_kind_t kind;
+    RowKind kind;
 };
 
-class menu_layout_t {
+class MenuLayout {
   public:
     // Copies the look. Items are set by update().
-    explicit menu_layout_t(const menu_look_t& look) : look_(look) {}
-    ~menu_layout_t();
-    menu_layout_t(const menu_layout_t&) = delete;
-    menu_layout_t& operator=(const menu_layout_t&) = delete;
+    explicit MenuLayout(const MenuLook& look) : look_(look) {}
+    ~MenuLayout();
+    MenuLayout(const MenuLayout&) = delete;
+    MenuLayout& operator=(const MenuLayout&) = delete;
 
     // Lays out the menu's items that show while `modifiers` are held.
     void update(NSMenu* menu, NSUInteger modifiers);
@@ -31,15 +31,15 @@ class menu_layout_t {
     // The modifiers that the rows were chosen for.
     NSUInteger modifiers() const { return modifiers_; }
 
-    const menu_look_t& look() const { return look_; }
-    const std::vector<menu_row_t>& rows() const { return rows_; }
+    const MenuLook& look() const { return look_; }
+    const std::vector<MenuRow>& rows() const { return rows_; }
     int width() const { return width_; }
     int height() const { return height_; }  // of the whole content
 
     // Left edges within the panel.
     int mark_left() const;
     int image_left() const;
-    int title_left(const menu_row_t& row) const;
+    int title_left(const MenuRow& row) const;
     int title_right() const;
     bool has_images() const { return image_width_ > 0; }
     int image_width() const { return image_width_; }
@@ -54,18 +54,18 @@ class menu_layout_t {
     void take_items(NSMenu* menu, NSUInteger modifiers);
     void place_rows();
     void measure_width();
-    menu_row_t make_row(NSMenuItem* item, int top) const;
+    MenuRow make_row(NSMenuItem* item, int top) const;
     int widest_title() const;
 
-    menu_look_t look_;
+    MenuLook look_;
     NSArray* source_ = nil;  // the menu's items, in order, when they were taken
     NSUInteger modifiers_ = 0;
     bool has_alternates_ = false;
-    std::vector<menu_row_t> rows_;
+    std::vector<MenuRow> rows_;
     int width_ = 0, height_ = 0;
     int image_width_ = 0;  // of the column, 0 for none
     bool has_marks_ = false, has_submenus_ = false;
 };
 
 // The size at which an item's image is shown.
-NSSize shown_image_size(const menu_look_t& look, NSImage* image);
+NSSize shown_image_size(const MenuLook& look, NSImage* image);

@@ -15,7 +15,7 @@ const double largest_picture = 640;
 // measured: the widest title is among them.
 const size_t measured_titles = 48;
 
-int pixels(const menu_look_t& look, double points) {
+int pixels(const MenuLook& look, double points) {
     return static_cast<int>(std::lround(points * look.scale));
 }
 
@@ -23,7 +23,7 @@ bool is_picture(NSImage* image) { return [image size].width > widest_sign; }
 
 }  // namespace
 
-NSSize shown_image_size(const menu_look_t& look, NSImage* image) {
+NSSize shown_image_size(const MenuLook& look, NSImage* image) {
     const NSSize size = [image size];
     const double longest = std::max({size.width, size.height, 1.0});
     const double shrink = std::min(1.0, largest_picture / longest) * look.scale;
@@ -31,15 +31,15 @@ NSSize shown_image_size(const menu_look_t& look, NSImage* image) {
                       std::max(1.0, std::round(size.height * shrink)));
 }
 
-menu_layout_t::~menu_layout_t() { [source_ release]; }
+MenuLayout::~MenuLayout() { [source_ release]; }
 
-void menu_layout_t::update(NSMenu* menu, NSUInteger modifiers) {
+void MenuLayout::update(NSMenu* menu, NSUInteger modifiers) {
     take_items(menu, modifiers);
     place_rows();
     measure_width();
 }
 
-bool menu_layout_t::is_stale(NSMenu* menu, NSUInteger modifiers) const {
+bool MenuLayout::is_stale(NSMenu* menu, NSUInteger modifiers) const {
     if (has_alternates_ && (modifiers & alternate_modifiers) != modifiers_) return true;
     NSArray* items = [menu itemArray];
     const NSUInteger count = [items count];
@@ -51,7 +51,7 @@ bool menu_layout_t::is_stale(NSMenu* menu, NSUInteger modifiers) const {
     return now != then;
 }
 
-void menu_layout_t::take_items(NSMenu* menu, NSUInteger modifiers) {
+void MenuLayout::take_items(NSMenu* menu, NSUInteger modifiers) {
     NSArray* source = [[NSArray alloc] initWithArray:[menu itemArray]];
     [source_ release];
     source_ = source;
@@ -64,13 +64,13 @@ void menu_layout_t::take_items(NSMenu* menu, NSUInteger modifiers) {
     for (NSMenuItem* item in shown) rows_.push_back({item, 0, 0, title_row});
 }
 
-menu_row_t menu_layout_t::make_row(NSMenuItem* item, int top) const {
+MenuRow MenuLayout::make_row(NSMenuItem* item, int top) const {
     if ([item isSeparatorItem]) return {item, top, look_.separator_height, separator_row};
     if (NSView* view = [item view]) {
         return {item, top, std::max(1, pixels(look_, NSHeight([view frame]))), view_row};
     }
     int height = look_.row_height;
-    row_kind_t kind = title_row;
+    RowKind kind = title_row;
     if (NSImage* image = [item image]) {
         const int image_height = static_cast<int>(shown_image_size(look_, image).height);
         height = std::max(height, image_height + pixels(look_, is_picture(image) ? 8 : 4));
@@ -84,11 +84,11 @@ menu_row_t menu_layout_t::make_row(NSMenuItem* item, int top) const {
     return {item, top, height, kind};
 }
 
-void menu_layout_t::place_rows() {
+void MenuLayout::place_rows() {
     int top = look_.inset;
     image_width_ = 0;
     has_marks_ = has_submenus_ = false;
-    for (menu_row_t& row : rows_) {
+    for (MenuRow& row : rows_) {
         row = make_row(row.item, top);
         top += row.height;
         if (row.kind != title_row) continue;
@@ -102,10 +102,10 @@ void menu_layout_t::place_rows() {
     height_ = top + look_.inset;
 }
 
-int menu_layout_t::widest_title() const {
+int MenuLayout::widest_title() const {
     std::vector<std::pair<NSUInteger, NSMenuItem*>> titles;
     titles.reserve(rows_.size());
-    for (const menu_row_t& row : rows_) {
+    for (const MenuRow& row : rows_) {
         if (row.kind == title_row) {
             titles.push_back({[[row.item title] length], row.item});
         }
@@ -120,11 +120,11 @@ int menu_layout_t::widest_title() const {
     return std::min(widest, look_.title_limit);
 }
 
-void menu_layout_t::measure_width() {
+void MenuLayout::measure_width() {
     const int right = has_submenus_ ? look_.gap + look_.mark_width : 0;
     const int left = image_left() + (has_images() ? image_width_ + look_.gap : 0);
     width_ = left + widest_title() + right + look_.padding + look_.inset;
-    for (const menu_row_t& row : rows_) {
+    for (const MenuRow& row : rows_) {
         if (row.kind == view_row) {
             const int view_width = pixels(look_, NSWidth([[row.item view] frame]));
             width_ = std::max(width_, view_width + 2 * look_.inset);
@@ -139,13 +139,13 @@ void menu_layout_t::measure_width() {
     if (!bare) width_ = std::max(width_, look_.least_width);
 }
 
-int menu_layout_t::mark_left() const { return look_.inset + look_.padding; }
+int MenuLayout::mark_left() const { return look_.inset + look_.padding; }
 
-int menu_layout_t::image_left() const {
+int MenuLayout::image_left() const {
     return mark_left() + (has_marks_ ? look_.mark_width + look_.gap : 0);
 }
 
-int menu_layout_t::title_left(const menu_row_t& row) const {
+int MenuLayout::title_left(const MenuRow& row) const {
     if (row.kind == image_row) {
         const NSSize size = shown_image_size(look_, [row.item image]);
         return image_left() + static_cast<int>(size.width) + look_.gap;
@@ -153,25 +153,24 @@ int menu_layout_t::title_left(const menu_row_t& row) const {
     return image_left() + (has_images() ? image_width_ + look_.gap : 0);
 }
 
-int menu_layout_t::title_right() const {
+int MenuLayout::title_right() const {
     const int right = has_submenus_ ? look_.gap + look_.mark_width : 0;
     return width_ - look_.inset - look_.padding - right;
 }
 
-int menu_layout_t::first_row_below(int y) const {
-    const auto found = std::partition_point(rows_.begin(), rows_.end(), [y](const menu_row_t& row) {
-        return row.top + row.height <= y;
-    });
+int MenuLayout::first_row_below(int y) const {
+    const auto found = std::partition_point(
+        rows_.begin(), rows_.end(), [y](const MenuRow& row) { return row.top + row.height <= y; });
     return static_cast<int>(found - rows_.begin());
 }
 
-int menu_layout_t::row_at(int y) const {
+int MenuLayout::row_at(int y) const {
     const int index = first_row_below(y);
     const bool found = index < static_cast<int>(rows_.size()) && rows_[index].top <= y;
     return found ? index : -1;
 }
 
-int menu_layout_t::row_of(NSMenuItem* item) const {
+int MenuLayout::row_of(NSMenuItem* item) const {
     for (size_t i = 0; item && i < rows_.size(); i++) {
         if (rows_[i].item == item) return static_cast<int>(i);
     }

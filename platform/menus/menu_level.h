@@ -12,25 +12,25 @@
 @class MenuLevelView, MenuItemHolder;
 
 // What all levels of one popup share.
-struct menu_style_t {
-    menu_look_t look;
+struct MenuStyle {
+    MenuLook look;
     bool composed;  // panels have soft corners and a shadow
-    image_cache_t* images;
+    ImageCache* images;
 };
 
-class menu_level_t {
+class MenuLevel {
   public:
-    menu_level_t(NSMenu* menu, const menu_style_t& style);
-    ~menu_level_t();
-    menu_level_t(const menu_level_t&) = delete;
-    menu_level_t& operator=(const menu_level_t&) = delete;
+    MenuLevel(NSMenu* menu, const MenuStyle& style);
+    ~MenuLevel();
+    MenuLevel(const MenuLevel&) = delete;
+    MenuLevel& operator=(const MenuLevel&) = delete;
 
     NSMenu* menu() const { return menu_; }
-    const menu_layout_t& layout() const { return layout_; }
+    const MenuLayout& layout() const { return layout_; }
     NSWindow* window() const { return window_; }
-    const area_t& panel() const { return panel_; }
-    const area_t& screen() const { return screen_; }
-    side_t side() const { return side_; }
+    const Area& panel() const { return panel_; }
+    const Area& screen() const { return screen_; }
+    Side side() const { return side_; }
     bool is_shown() const { return shown_; }
 
     // The menu's items or what they show may have changed.
@@ -39,21 +39,21 @@ class menu_level_t {
     bool refresh(NSUInteger modifiers);
 
     // Puts the panel on the screen; nothing happens while the level has no rows.
-    void show_at_pointer(point_t pointer);
-    void show_beside(const menu_level_t& parent, NSMenuItem* item);
+    void show_at_pointer(MenuPoint pointer);
+    void show_beside(const MenuLevel& parent, NSMenuItem* item);
     // Gives a shown panel its layout's new size.
     void resize();
     void hide();
 
     void set_highlight(NSMenuItem* item);
 
-    bool contains(point_t point) const { return shown_ && panel_.contains(point); }
+    bool contains(MenuPoint point) const { return shown_ && panel_.contains(point); }
     // Index of the row under a point, -1 over none.
-    int row_at(point_t point) const;
-    NSMenuItem* item_at(point_t point) const;
-    area_t row_area(int row) const;
+    int row_at(MenuPoint point) const;
+    NSMenuItem* item_at(MenuPoint point) const;
+    Area row_area(int row) const;
     // -1 over the strip that scrolls up, 1 over the one that scrolls down.
-    int edge_at(point_t point) const;
+    int edge_at(MenuPoint point) const;
 
     // Scrolls towards the end by pixels; false at the end of the way.
     bool scroll_by(int pixels);
@@ -78,18 +78,18 @@ class menu_level_t {
     int margin() const { return style_.composed ? style_.look.shadow_extent : 0; }
     int most_scroll() const;
     int strip(int direction) const;
-    menu_scene_t scene(bool shadow) const;
+    MenuScene scene(bool shadow) const;
 
     NSMenu* menu_;  // retained
-    const menu_style_t& style_;
-    menu_layout_t layout_;
+    const MenuStyle& style_;
+    MenuLayout layout_;
     bool changed_ = true;
     NSWindow* window_ = nil;
     MenuLevelView* view_ = nil;
     std::unordered_map<NSView*, MenuItemHolder*> holders_;  // both retained
     NSMenuItem* highlighted_ = nil;                         // retained
-    area_t panel_ = {}, screen_ = {};
-    side_t side_ = on_right;
+    Area panel_ = {}, screen_ = {};
+    Side side_ = on_right;
     int scroll_ = 0;
     bool shown_ = false;
 };

@@ -17,20 +17,20 @@ namespace {
 
 const int screen_margin = 4;
 
-area_t grown(const area_t& area, int by) {
+Area grown(const Area& area, int by) {
     return {area.left - by, area.top - by, area.width + 2 * by, area.height + 2 * by};
 }
 
-NSRect rectangle(const area_t& area) {
+NSRect rectangle(const Area& area) {
     return NSMakeRect(area.left, area.top, area.width, area.height);
 }
 
 }  // namespace
 
-menu_level_t::menu_level_t(NSMenu* menu, const menu_style_t& style)
+MenuLevel::MenuLevel(NSMenu* menu, const MenuStyle& style)
     : menu_([menu retain]), style_(style), layout_(style.look) {}
 
-menu_level_t::~menu_level_t() {
+MenuLevel::~MenuLevel() {
     remove_views();
     [view_ forgetLevel];
     [window_ orderOut:nil];
@@ -41,33 +41,33 @@ menu_level_t::~menu_level_t() {
     [menu_ release];
 }
 
-bool menu_level_t::refresh(NSUInteger modifiers) {
+bool MenuLevel::refresh(NSUInteger modifiers) {
     if (!changed_ && !layout_.is_stale(menu_, modifiers)) return false;
     changed_ = false;
     layout_.update(menu_, modifiers);
     return true;
 }
 
-void menu_level_t::show_at_pointer(point_t pointer) {
+void MenuLevel::show_at_pointer(MenuPoint pointer) {
     if (layout_.rows().empty()) return;
     screen_ = screen_at(pointer);
     panel_ = place_at_pointer({layout_.width(), layout_.height()}, pointer, screen_, screen_margin);
     put_on_screen();
 }
 
-void menu_level_t::show_beside(const menu_level_t& parent, NSMenuItem* item) {
+void MenuLevel::show_beside(const MenuLevel& parent, NSMenuItem* item) {
     if (layout_.rows().empty()) return;
     screen_ = parent.screen_;
     side_ = parent.side_;
     const int row = parent.layout().row_of(item);
-    const area_t beside = row < 0 ? parent.panel() : parent.row_area(row);
+    const Area beside = row < 0 ? parent.panel() : parent.row_area(row);
     panel_ = place_beside({layout_.width(), layout_.height()}, beside, parent.panel(), screen_,
                           screen_margin, 2 * style_.look.hairline, style_.look.inset, &side_);
     put_on_screen();
 }
 
-void menu_level_t::put_on_screen() {
-    const area_t area = grown(panel_, margin());
+void MenuLevel::put_on_screen() {
+    const Area area = grown(panel_, margin());
     scroll_ = 0;
     window_ = new_menu_window(area);
     view_ = [[MenuLevelView alloc] initWithFrame:NSMakeRect(0, 0, area.width, area.height)
@@ -80,16 +80,16 @@ void menu_level_t::put_on_screen() {
     show_menu_window(window_);
 }
 
-void menu_level_t::resize() {
+void MenuLevel::resize() {
     if (!shown_) return;
-    const area_t before = panel_;
+    const Area before = panel_;
     panel_ =
         resize_in_place({layout_.width(), layout_.height()}, panel_, side_, screen_, screen_margin);
     scroll_ = std::clamp(scroll_, 0, most_scroll());
     const bool moved = panel_.left != before.left || panel_.top != before.top ||
                        panel_.width != before.width || panel_.height != before.height;
     if (moved) {
-        const area_t area = grown(panel_, margin());
+        const Area area = grown(panel_, margin());
         move_menu_window(window_, area);
         [view_ setFrame:NSMakeRect(0, 0, area.width, area.height)];
         if (!style_.composed) shape_menu_window(window_, style_.look.radius);
@@ -98,11 +98,11 @@ void menu_level_t::resize() {
     redraw();
 }
 
-void menu_level_t::hide() {
+void MenuLevel::hide() {
     if (shown_) hide_shape_of_menu_window(window_);
 }
 
-void menu_level_t::set_highlight(NSMenuItem* item) {
+void MenuLevel::set_highlight(NSMenuItem* item) {
     if (item == highlighted_) return;
     redraw_row(highlighted_);
     [item retain];
@@ -111,35 +111,35 @@ void menu_level_t::set_highlight(NSMenuItem* item) {
     redraw_row(highlighted_);
 }
 
-int menu_level_t::row_at(point_t point) const {
+int MenuLevel::row_at(MenuPoint point) const {
     if (!contains(point) || edge_at(point)) return -1;
     return layout_.row_at(point.y - panel_.top + scroll_);
 }
 
-NSMenuItem* menu_level_t::item_at(point_t point) const {
+NSMenuItem* MenuLevel::item_at(MenuPoint point) const {
     const int row = row_at(point);
     return row < 0 ? nil : layout_.rows()[row].item;
 }
 
-area_t menu_level_t::row_area(int row) const {
-    const menu_row_t& found = layout_.rows()[row];
+Area MenuLevel::row_area(int row) const {
+    const MenuRow& found = layout_.rows()[row];
     return {panel_.left, panel_.top + found.top - scroll_, panel_.width, found.height};
 }
 
-int menu_level_t::strip(int direction) const {
+int MenuLevel::strip(int direction) const {
     const bool scrolls = direction < 0 ? scroll_ > 0 : scroll_ < most_scroll();
     return scrolls ? style_.look.arrow_height : 0;
 }
 
-int menu_level_t::edge_at(point_t point) const {
+int MenuLevel::edge_at(MenuPoint point) const {
     if (!contains(point)) return 0;
     if (point.y < panel_.top + strip(-1)) return -1;
     return point.y >= panel_.bottom() - strip(1) ? 1 : 0;
 }
 
-int menu_level_t::most_scroll() const { return std::max(0, layout_.height() - panel_.height); }
+int MenuLevel::most_scroll() const { return std::max(0, layout_.height() - panel_.height); }
 
-bool menu_level_t::scroll_by(int pixels) {
+bool MenuLevel::scroll_by(int pixels) {
     const int wanted = std::clamp(scroll_ + pixels, 0, most_scroll());
     if (!shown_ || wanted == scroll_) return false;
     scroll_ = wanted;
@@ -148,9 +148,9 @@ bool menu_level_t::scroll_by(int pixels) {
     return true;
 }
 
-void menu_level_t::reveal(int row) {
+void MenuLevel::reveal(int row) {
     if (row < 0 || !shown_ || !most_scroll()) return;
-    const menu_row_t& wanted = layout_.rows()[row];
+    const MenuRow& wanted = layout_.rows()[row];
     const int strip_height = style_.look.arrow_height;
     const bool first = row == 0, last = row + 1 == static_cast<int>(layout_.rows().size());
     const int lowest = first ? 0 : wanted.top - strip_height;
@@ -163,13 +163,13 @@ void menu_level_t::reveal(int row) {
     }
 }
 
-int menu_level_t::rows_per_page() const {
+int MenuLevel::rows_per_page() const {
     const int shown = panel_.height - 2 * style_.look.arrow_height;
     return std::max(1, shown / style_.look.row_height);
 }
 
-menu_scene_t menu_level_t::scene(bool shadow) const {
-    menu_scene_t scene = {};
+MenuScene MenuLevel::scene(bool shadow) const {
+    MenuScene scene = {};
     scene.layout = &layout_;
     scene.images = style_.images;
     scene.highlighted = highlighted_;
@@ -184,10 +184,10 @@ menu_scene_t menu_level_t::scene(bool shadow) const {
     return scene;
 }
 
-void menu_level_t::draw(NSRect dirty) {
+void MenuLevel::draw(NSRect dirty) {
     cairo_t* cairo = focused_cairo();
     if (!cairo) {
-        const menu_scene_t drawn = scene(style_.composed);
+        const MenuScene drawn = scene(style_.composed);
         return draw_through_bitmap(dirty, [&](cairo_t* bitmap) { paint_menu(bitmap, drawn); });
     }
     cairo_save(cairo);
@@ -199,8 +199,8 @@ void menu_level_t::draw(NSRect dirty) {
     look_ahead();
 }
 
-void menu_level_t::look_ahead() const {
-    const std::vector<menu_row_t>& rows = layout_.rows();
+void MenuLevel::look_ahead() const {
+    const std::vector<MenuRow>& rows = layout_.rows();
     const int end = scroll_ + 2 * panel_.height;
     for (size_t i = layout_.first_row_below(scroll_ - panel_.height);
          i < rows.size() && rows[i].top < end; i++) {
@@ -209,14 +209,13 @@ void menu_level_t::look_ahead() const {
     }
 }
 
-void menu_level_t::draw_picture(cairo_t* cairo, int left, int top, bool shadow) const {
+void MenuLevel::draw_picture(cairo_t* cairo, int left, int top, bool shadow) const {
     if (!shown_) return;
     const int room = shadow ? style_.look.shadow_extent : 0;
-    menu_scene_t picture = scene(shadow);
+    MenuScene picture = scene(shadow);
     picture.rounded = true;
     picture.left = picture.top = room;
-    const area_t whole = {left - room, top - room, panel_.width + 2 * room,
-                          panel_.height + 2 * room};
+    const Area whole = {left - room, top - room, panel_.width + 2 * room, panel_.height + 2 * room};
     cairo_save(cairo);
     cairo_rectangle(cairo, whole.left, whole.top, whole.width, whole.height);
     cairo_clip(cairo);
@@ -225,8 +224,8 @@ void menu_level_t::draw_picture(cairo_t* cairo, int left, int top, bool shadow) 
     paint_menu(cairo, picture);
     for (const auto& [view, holder] : holders_) {
         const NSRect frame = [holder frame];
-        const area_t part = {int(NSMinX(frame)), int(NSMinY(frame)), int(NSWidth(frame)),
-                             int(NSHeight(frame))};
+        const Area part = {int(NSMinX(frame)), int(NSMinY(frame)), int(NSWidth(frame)),
+                           int(NSHeight(frame))};
         copy_window(window_, part, cairo, part.left - margin() + room, part.top - margin() + room);
     }
     cairo_pop_group_to_source(cairo);
@@ -234,29 +233,29 @@ void menu_level_t::draw_picture(cairo_t* cairo, int left, int top, bool shadow) 
     cairo_restore(cairo);
 }
 
-void menu_level_t::redraw() {
+void MenuLevel::redraw() {
     if (shown_) [view_ setNeedsDisplay:YES];
 }
 
-void menu_level_t::redraw_row(NSMenuItem* item) {
+void MenuLevel::redraw_row(NSMenuItem* item) {
     const int row = shown_ && item ? layout_.row_of(item) : -1;
     if (row < 0) return;
-    area_t area = row_area(row);
+    Area area = row_area(row);
     area.left = margin();
     area.top += margin() - panel_.top;
     [view_ setNeedsDisplayInRect:rectangle(area)];
 }
 
 // Views of rows that cannot be seen are not in the window.
-void menu_level_t::place_views() {
+void MenuLevel::place_views() {
     std::vector<std::pair<NSView*, NSRect>> wanted;
-    const std::vector<menu_row_t>& rows = layout_.rows();
+    const std::vector<MenuRow>& rows = layout_.rows();
     const int inset = style_.look.inset;
     for (size_t i = layout_.first_row_below(scroll_);
          i < rows.size() && rows[i].top < scroll_ + panel_.height; i++) {
         if (rows[i].kind != view_row) continue;
-        const area_t area = {margin() + inset, margin() + rows[i].top - scroll_,
-                             panel_.width - 2 * inset, rows[i].height};
+        const Area area = {margin() + inset, margin() + rows[i].top - scroll_,
+                           panel_.width - 2 * inset, rows[i].height};
         wanted.push_back({[rows[i].item view], rectangle(area)});
     }
     std::unordered_map<NSView*, MenuItemHolder*> kept;
@@ -278,7 +277,7 @@ void menu_level_t::place_views() {
     holders_ = kept;
 }
 
-void menu_level_t::remove_views() {
+void MenuLevel::remove_views() {
     for (const auto& [view, holder] : holders_) {
         // The program may have put the view elsewhere.
         if ([view superview] == holder) [view removeFromSuperview];

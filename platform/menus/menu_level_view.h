@@ -3,13 +3,13 @@
 
 #include <AppKit/AppKit.h>
 
-class menu_level_t;
+class MenuLevel;
 
 @interface MenuLevelView : NSView {
   @private
-    menu_level_t* _level;  // not owned
+    MenuLevel* _level;  // not owned
 }
-- (instancetype)initWithFrame:(NSRect)frame level:(menu_level_t*)level;
+- (instancetype)initWithFrame:(NSRect)frame level:(MenuLevel*)level;
 // The level is gone: the view draws nothing any more.
 - (void)forgetLevel;
 @end

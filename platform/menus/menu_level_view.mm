@@ -4,7 +4,7 @@
 
 @implementation MenuLevelView
 
-- (instancetype)initWithFrame:(NSRect)frame level:(menu_level_t*)level {
+- (instancetype)initWithFrame:(NSRect)frame level:(MenuLevel*)level {
     if (!(self = [super initWithFrame:frame])) return nil;
     _level = level;
     return self;

@@ -10,24 +10,24 @@
 #include "menus/menu_level.h"
 #include "menus/menu_session.h"
 
-class menu_levels_t {
+class MenuLevels {
   public:
-    using list_t = std::vector<std::unique_ptr<menu_level_t>>;
+    using List = std::vector<std::unique_ptr<MenuLevel>>;
 
-    menu_levels_t(MenuSession* session, NSFont* font);
-    ~menu_levels_t();
-    menu_levels_t(const menu_levels_t&) = delete;
-    menu_levels_t& operator=(const menu_levels_t&) = delete;
+    MenuLevels(MenuSession* session, NSFont* font);
+    ~MenuLevels();
+    MenuLevels(const MenuLevels&) = delete;
+    MenuLevels& operator=(const MenuLevels&) = delete;
 
     MenuSession* session() const { return session_; }
-    const menu_style_t& style() const { return style_; }
-    const list_t& all() const { return levels_; }
+    const MenuStyle& style() const { return style_; }
+    const List& all() const { return levels_; }
     bool empty() const { return levels_.empty(); }
     size_t size() const { return levels_.size(); }
-    menu_level_t& operator[](size_t index) const { return *levels_[index]; }
+    MenuLevel& operator[](size_t index) const { return *levels_[index]; }
 
     // Where the first level is to be.
-    void set_origin(point_t origin) { origin_ = origin; }
+    void set_origin(MenuPoint origin) { origin_ = origin; }
     // The keys that choose between alternates.
     void set_modifiers(NSUInteger modifiers) { modifiers_ = modifiers; }
 
@@ -47,8 +47,8 @@ class menu_levels_t {
     NSMenuItem* take_follower();
 
     // The topmost level at a point, -1 for none.
-    int level_at(point_t point) const;
-    NSMenuItem* item_at(point_t point) const;
+    int level_at(MenuPoint point) const;
+    NSMenuItem* item_at(MenuPoint point) const;
     NSMenuItem* highlighted_item(size_t index) const;
     // The item whose submenu a level is.
     NSMenuItem* parent_item(size_t index) const;
@@ -64,10 +64,10 @@ class menu_levels_t {
     void follow_rows(size_t index, int row_before);
 
     MenuSession* session_;  // retained
-    image_cache_t images_;
-    menu_style_t style_;
-    list_t levels_;
-    point_t origin_ = {};
+    ImageCache images_;
+    MenuStyle style_;
+    List levels_;
+    MenuPoint origin_ = {};
     NSUInteger modifiers_ = 0;
     bool changed_ = false;
     NSMenuItem* follower_ = nil;  // retained

@@ -18,18 +18,18 @@ bool has_alternate(NSMenuItem* item, NSArray* items) {
 
 }  // namespace
 
-menu_levels_t::menu_levels_t(MenuSession* session, NSFont* font)
+MenuLevels::MenuLevels(MenuSession* session, NSFont* font)
     : session_([session retain]),
       style_{menu_look(font, server_resources()), windows_are_composed(), &images_} {
     set_display_scale(style_.look.scale);
 }
 
-menu_levels_t::~menu_levels_t() {
+MenuLevels::~MenuLevels() {
     [follower_ release];
     [session_ release];
 }
 
-void menu_levels_t::menu_changed(NSMenu* menu) {
+void MenuLevels::menu_changed(NSMenu* menu) {
     for (const auto& level : levels_) {
         if (level->menu() != menu) continue;
         level->mark_changed();
@@ -37,12 +37,12 @@ void menu_levels_t::menu_changed(NSMenu* menu) {
     }
 }
 
-void menu_levels_t::image_changed(NSImage* image) {
+void MenuLevels::image_changed(NSImage* image) {
     images_.forget(image);
     for (const auto& level : levels_) level->redraw();
 }
 
-void menu_levels_t::synchronize() {
+void MenuLevels::synchronize() {
     // Following changed rows may change the session again, and a delegate may change it for ever.
     for (int rounds = 0; rounds < 8; rounds++) {
         changed_ = false;
@@ -56,20 +56,20 @@ void menu_levels_t::synchronize() {
     tell_open_levels_changed();
 }
 
-bool menu_levels_t::needs_synchronizing() const {
+bool MenuLevels::needs_synchronizing() const {
     for (const auto& level : levels_) {
         if ([level->window() viewsNeedDisplay]) return true;
     }
     return changed_;
 }
 
-NSMenuItem* menu_levels_t::take_follower() {
+NSMenuItem* MenuLevels::take_follower() {
     NSMenuItem* item = [follower_ autorelease];
     follower_ = nil;
     return item;
 }
 
-void menu_levels_t::follow_session() {
+void MenuLevels::follow_session() {
     NSArray* open = [session_ levels];
     size_t same = 0;
     while (same < levels_.size() && same < [open count] &&
@@ -78,13 +78,13 @@ void menu_levels_t::follow_session() {
     }
     while (levels_.size() > same) levels_.pop_back();
     for (size_t i = same; i < [open count]; i++) {
-        levels_.push_back(std::make_unique<menu_level_t>([open objectAtIndex:i], style_));
+        levels_.push_back(std::make_unique<MenuLevel>([open objectAtIndex:i], style_));
         levels_[i]->refresh(modifiers_);
         show(i);
     }
 }
 
-void menu_levels_t::show(size_t index) {
+void MenuLevels::show(size_t index) {
     if (index == 0) {
         levels_[0]->show_at_pointer(origin_);
     } else {
@@ -93,8 +93,8 @@ void menu_levels_t::show(size_t index) {
 }
 
 // While the user is in a deeper level, the alternate that led there stays, with any keys held.
-NSUInteger menu_levels_t::modifiers_for(size_t index) const {
-    const menu_level_t& level = *levels_[index];
+NSUInteger MenuLevels::modifiers_for(size_t index) const {
+    const MenuLevel& level = *levels_[index];
     const NSUInteger shown = level.layout().modifiers();
     if (shown == modifiers_ || index + 1 >= levels_.size()) return modifiers_;
     if (!highlighted_item(index + 1)) return modifiers_;
@@ -102,8 +102,8 @@ NSUInteger menu_levels_t::modifiers_for(size_t index) const {
     return stays ? shown : modifiers_;
 }
 
-bool menu_levels_t::synchronize_rows(size_t index) {
-    menu_level_t& level = *levels_[index];
+bool MenuLevels::synchronize_rows(size_t index) {
+    MenuLevel& level = *levels_[index];
     const int row = level.layout().row_of(highlighted_item(index));
     const int row_open = level.layout().row_of(parent_item(index + 1));
     if (!level.refresh(modifiers_for(index))) return false;
@@ -120,8 +120,8 @@ bool menu_levels_t::synchronize_rows(size_t index) {
 }
 
 // Moves the highlight of an item whose row has gone to the item that stands there now, if any.
-void menu_levels_t::follow_rows(size_t index, int row_before) {
-    const menu_level_t& level = *levels_[index];
+void MenuLevels::follow_rows(size_t index, int row_before) {
+    const MenuLevel& level = *levels_[index];
     NSMenuItem* highlighted = highlighted_item(index);
     if (!highlighted || level.layout().row_of(highlighted) >= 0) return;
     NSMenuItem* item = nil;
@@ -135,38 +135,38 @@ void menu_levels_t::follow_rows(size_t index, int row_before) {
     follower_ = item;
 }
 
-int menu_levels_t::level_at(point_t point) const {
+int MenuLevels::level_at(MenuPoint point) const {
     for (size_t i = levels_.size(); i-- > 0;) {
         if (levels_[i]->contains(point)) return static_cast<int>(i);
     }
     return -1;
 }
 
-NSMenuItem* menu_levels_t::item_at(point_t point) const {
+NSMenuItem* MenuLevels::item_at(MenuPoint point) const {
     const int level = level_at(point);
     return level < 0 ? nil : levels_[level]->item_at(point);
 }
 
-NSMenuItem* menu_levels_t::highlighted_item(size_t index) const {
+NSMenuItem* MenuLevels::highlighted_item(size_t index) const {
     return [session_ highlightedItemOfMenu:levels_[index]->menu()];
 }
 
-NSMenuItem* menu_levels_t::parent_item(size_t index) const {
+NSMenuItem* MenuLevels::parent_item(size_t index) const {
     if (index == 0 || index >= levels_.size()) return nil;
     NSMenu* submenu = levels_[index]->menu();
     NSMenuItem* highlighted = highlighted_item(index - 1);
     if ([highlighted submenu] == submenu) return highlighted;
-    for (const menu_row_t& row : levels_[index - 1]->layout().rows()) {
+    for (const MenuRow& row : levels_[index - 1]->layout().rows()) {
         if ([row.item submenu] == submenu) return row.item;
     }
     return nil;
 }
 
-void menu_levels_t::hide() {
+void MenuLevels::hide() {
     for (const auto& level : levels_) level->hide();
 }
 
-void menu_levels_t::clear() {
+void MenuLevels::clear() {
     levels_.clear();
     images_.clear();
 }

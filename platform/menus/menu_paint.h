@@ -7,9 +7,9 @@
 #include "menus/menu_layout.h"
 
 // The parts of a level that are drawn, in pixels of its window.
-struct menu_scene_t {
-    const menu_layout_t* layout;
-    image_cache_t* images;
+struct MenuScene {
+    const MenuLayout* layout;
+    ImageCache* images;
     NSMenuItem* highlighted;
     int left, top, width, height;  // the panel
     int scroll;                    // content above the panel's top
@@ -20,7 +20,7 @@ struct menu_scene_t {
 
 // Draws the part of the level inside the clip of `cairo`, over the old pixels. Item views are not
 // drawn.
-void paint_menu(cairo_t* cairo, const menu_scene_t& scene);
+void paint_menu(cairo_t* cairo, const MenuScene& scene);
 
 // The outline of a panel.
 void add_rounded_rectangle(cairo_t* cairo, double left, double top, double width, double height,

@@ -8,12 +8,12 @@
 
 namespace {
 
-void set_color(cairo_t* cairo, const color_t& color, double share = 1) {
+void set_color(cairo_t* cairo, const Color& color, double share = 1) {
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha * share);
 }
 
-void paint_shadow(cairo_t* cairo, const menu_scene_t& scene) {
-    const menu_look_t& look = scene.layout->look();
+void paint_shadow(cairo_t* cairo, const MenuScene& scene) {
+    const MenuLook& look = scene.layout->look();
     const int reach = look.shadow_extent * 3 / 4, drop = look.shadow_extent / 4;
     // Rings of growing size and falling darkness add up to a soft edge.
     const int rings = std::max(6, reach / 2);
@@ -29,8 +29,8 @@ void paint_shadow(cairo_t* cairo, const menu_scene_t& scene) {
     }
 }
 
-void paint_panel(cairo_t* cairo, const menu_scene_t& scene) {
-    const menu_look_t& look = scene.layout->look();
+void paint_panel(cairo_t* cairo, const MenuScene& scene) {
+    const MenuLook& look = scene.layout->look();
     const double line = look.hairline;
     // A shape's corners have no soft edge: the pixels that the shape leaves of them look like the
     // border.
@@ -54,8 +54,8 @@ void paint_panel(cairo_t* cairo, const menu_scene_t& scene) {
     cairo_stroke(cairo);
 }
 
-void paint_separator(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
-    const menu_look_t& look = scene.layout->look();
+void paint_separator(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y) {
+    const MenuLook& look = scene.layout->look();
     const int left = scene.left + look.inset + look.padding;
     const int right = scene.left + scene.width - look.inset - look.padding;
     set_color(cairo, look.palette->separator);
@@ -64,14 +64,14 @@ void paint_separator(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t
 }
 
 // The row's text and marks are drawn in these.
-struct row_colors_t {
-    color_t text, mark;
+struct RowColors {
+    Color text, mark;
     double image_alpha;
     bool plain;  // the attributes' own colours are not used
 };
 
-row_colors_t row_colors(const menu_scene_t& scene, const menu_row_t& row) {
-    const menu_palette_t& palette = *scene.layout->look().palette;
+RowColors row_colors(const MenuScene& scene, const MenuRow& row) {
+    const MenuPalette& palette = *scene.layout->look().palette;
     if (![row.item isEnabled]) return {palette.dimmed_text, palette.dimmed_text, 0.45, true};
     const bool hidden = [[row.item image] isOfHiddenFile];
     const double image_alpha = hidden ? 0.55 : 1;
@@ -81,16 +81,15 @@ row_colors_t row_colors(const menu_scene_t& scene, const menu_row_t& row) {
     return {hidden ? palette.hidden_text : palette.text, palette.mark, image_alpha, false};
 }
 
-void paint_highlight(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
-    const menu_look_t& look = scene.layout->look();
+void paint_highlight(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y) {
+    const MenuLook& look = scene.layout->look();
     set_color(cairo, look.palette->highlight);
     add_rounded_rectangle(cairo, scene.left + look.inset, y, scene.width - 2 * look.inset,
                           row.height, look.row_radius);
     cairo_fill(cairo);
 }
 
-void paint_image(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
-                 double alpha) {
+void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y, double alpha) {
     NSImage* image = [row.item image];
     if (!image) return;
     const NSSize size = shown_image_size(scene.layout->look(), image);
@@ -102,10 +101,10 @@ void paint_image(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& ro
     cairo_paint_with_alpha(cairo, alpha);
 }
 
-void paint_title(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
-                 const row_colors_t& colors) {
-    const menu_layout_t& layout = *scene.layout;
-    const text_t text = item_text(layout.look(), row.item, colors.plain);
+void paint_title(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,
+                 const RowColors& colors) {
+    const MenuLayout& layout = *scene.layout;
+    const TextLayout text = item_text(layout.look(), row.item, colors.plain);
     const int room = layout.title_right() - layout.title_left(row);
     if (room <= 0) return;
     if (text_width(text) > room) fit_text(text, room);
@@ -115,7 +114,7 @@ void paint_title(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& ro
     pango_cairo_show_layout(cairo, text.get());
 }
 
-void stroke_mark(cairo_t* cairo, const menu_look_t& look, const color_t& color) {
+void stroke_mark(cairo_t* cairo, const MenuLook& look, const Color& color) {
     set_color(cairo, color);
     cairo_set_line_width(cairo, look.mark_width / 9.0 * 1.5);
     cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
@@ -123,9 +122,9 @@ void stroke_mark(cairo_t* cairo, const menu_look_t& look, const color_t& color) 
     cairo_stroke(cairo);
 }
 
-void paint_chevron(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
-                   const color_t& color) {
-    const menu_look_t& look = scene.layout->look();
+void paint_chevron(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,
+                   const Color& color) {
+    const MenuLook& look = scene.layout->look();
     const double reach = look.mark_width * 0.4;
     const double right = scene.left + scene.width - look.inset - look.padding - 0.5;
     const double middle = y + row.height / 2.0;
@@ -135,11 +134,11 @@ void paint_chevron(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& 
     stroke_mark(cairo, look, color);
 }
 
-void paint_state(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y,
-                 const color_t& color) {
+void paint_state(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,
+                 const Color& color) {
     const NSInteger state = [row.item state];
     if (state == NSOffState) return;
-    const menu_look_t& look = scene.layout->look();
+    const MenuLook& look = scene.layout->look();
     const double left = scene.left + scene.layout->mark_left(), side = look.mark_width;
     const double middle = y + row.height / 2.0;
     cairo_move_to(cairo, left, middle);
@@ -152,14 +151,14 @@ void paint_state(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& ro
     stroke_mark(cairo, look, color);
 }
 
-void paint_row(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row, int y) {
+void paint_row(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y) {
     if (row.kind == separator_row) return paint_separator(cairo, scene, row, y);
     if (row.kind == view_row) return;
     // Marks that pile up on a letter reach far beyond its line.
     cairo_save(cairo);
     cairo_rectangle(cairo, scene.left, y, scene.width, row.height);
     cairo_clip(cairo);
-    const row_colors_t colors = row_colors(scene, row);
+    const RowColors colors = row_colors(scene, row);
     if (row.item == scene.highlighted) paint_highlight(cairo, scene, row, y);
     paint_state(cairo, scene, row, y, colors.text);
     paint_image(cairo, scene, row, y, colors.image_alpha);
@@ -169,11 +168,11 @@ void paint_row(cairo_t* cairo, const menu_scene_t& scene, const menu_row_t& row,
 }
 
 // Draws only the rows that the clip shows.
-void paint_rows(cairo_t* cairo, const menu_scene_t& scene) {
+void paint_rows(cairo_t* cairo, const MenuScene& scene) {
     double x1, y1, x2, y2;
     cairo_clip_extents(cairo, &x1, &y1, &x2, &y2);
     const int offset = scene.top - scene.scroll;
-    const std::vector<menu_row_t>& rows = scene.layout->rows();
+    const std::vector<MenuRow>& rows = scene.layout->rows();
     size_t index = scene.layout->first_row_below(static_cast<int>(y1) - offset);
     for (; index < rows.size() && rows[index].top + offset < y2; index++) {
         paint_row(cairo, scene, rows[index], rows[index].top + offset);
@@ -181,8 +180,8 @@ void paint_rows(cairo_t* cairo, const menu_scene_t& scene) {
 }
 
 // A strip at the panel's upper (`direction` -1) or lower edge, above which a chevron points.
-void paint_arrow(cairo_t* cairo, const menu_scene_t& scene, int direction) {
-    const menu_look_t& look = scene.layout->look();
+void paint_arrow(cairo_t* cairo, const MenuScene& scene, int direction) {
+    const MenuLook& look = scene.layout->look();
     const int height = look.arrow_height, line = 2 * look.hairline;
     const int top = direction < 0 ? scene.top + line : scene.top + scene.height - line - height;
     set_color(cairo, look.palette->panel);
@@ -210,8 +209,8 @@ void add_rounded_rectangle(cairo_t* cairo, double left, double top, double width
     cairo_close_path(cairo);
 }
 
-void paint_menu(cairo_t* cairo, const menu_scene_t& scene) {
-    const menu_look_t& look = scene.layout->look();
+void paint_menu(cairo_t* cairo, const MenuScene& scene) {
+    const MenuLook& look = scene.layout->look();
     cairo_save(cairo);
     cairo_set_operator(cairo, CAIRO_OPERATOR_SOURCE);
     cairo_set_source_rgba(cairo, 0, 0, 0, 0);

@@ -6,13 +6,13 @@
 
 namespace {
 
-area_t united(const area_t& one, const area_t& other) {
+Area united(const Area& one, const Area& other) {
     const int left = std::min(one.left, other.left), top = std::min(one.top, other.top);
     return {left, top, std::max(one.right(), other.right()) - left,
             std::max(one.bottom(), other.bottom()) - top};
 }
 
-bool bounds(const menu_run_t& run, area_t* whole) {
+bool bounds(const MenuRun& run, Area* whole) {
     bool found = false;
     for (const auto& level : run.levels()) {
         if (!level->is_shown()) continue;
@@ -24,9 +24,9 @@ bool bounds(const menu_run_t& run, area_t* whole) {
 
 }  // namespace
 
-BOOL WritePictureOfOpenMenus(NSString* path, BOOL shadow) {
-    menu_run_t* run = menu_run_t::current();
-    area_t whole = {};
+BOOL write_picture_of_open_menus(NSString* path, BOOL shadow) {
+    MenuRun* run = MenuRun::current();
+    Area whole = {};
     if (!run) return NO;
     run->synchronize();  // shows what has changed since the last turn
     if (!bounds(*run, &whole)) return NO;

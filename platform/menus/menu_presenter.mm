@@ -26,7 +26,7 @@ void tell_open_levels_changed() {
                 view:(NSView*)view
                 font:(NSFont*)font {
     (void)view;
-    menu_run_t run(session, font);
+    MenuRun run(session, font);
     run.track(event);
 }
 

@@ -13,7 +13,7 @@ const double patience = 0.2;
 
 IMP stock_exists;
 
-bool holds_a_menu() { return [NSThread isMainThread] && menu_run_t::current(); }
+bool holds_a_menu() { return [NSThread isMainThread] && MenuRun::current(); }
 
 // fileExistsAtPath: calls this method too.
 BOOL file_exists(NSFileManager* self, SEL selector, NSString* path, BOOL* is_folder) {
@@ -34,7 +34,7 @@ BOOL file_exists(NSFileManager* self, SEL selector, NSString* path, BOOL* is_fol
 @implementation MenuQuestionsInstaller
 
 + (void)load {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"NSFileManager", "fileExistsAtPath:isDirectory:", reinterpret_cast<IMP>(file_exists),
          &stock_exists},
     };

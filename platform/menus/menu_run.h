@@ -12,18 +12,18 @@
 
 @class MenuRunWatcher;
 
-class menu_run_t {
+class MenuRun {
   public:
-    menu_run_t(MenuSession* session, NSFont* font);
-    ~menu_run_t();
-    menu_run_t(const menu_run_t&) = delete;
-    menu_run_t& operator=(const menu_run_t&) = delete;
+    MenuRun(MenuSession* session, NSFont* font);
+    ~MenuRun();
+    MenuRun(const MenuRun&) = delete;
+    MenuRun& operator=(const MenuRun&) = delete;
 
     // Runs from opening the session to closing it. Exceptions of delegates pass through.
     void track(NSEvent* event);
 
     // The innermost run, or null.
-    static menu_run_t* current();
+    static MenuRun* current();
     // A menu's items, or what they show, have changed.
     void menu_changed(NSMenu* menu);
     // An item's image has new pixels and the same size.
@@ -31,9 +31,9 @@ class menu_run_t {
     // The session changed: by this run, or by somebody while it sleeps.
     void session_changed() { levels_.session_changed(); }
 
-    const menu_levels_t::list_t& levels() const { return levels_.all(); }
-    const menu_style_t& style() const { return levels_.style(); }
-    tracking_state_t state() const { return pointer_.state(); }
+    const MenuLevels::List& levels() const { return levels_.all(); }
+    const MenuStyle& style() const { return levels_.style(); }
+    TrackingState state() const { return pointer_.state(); }
     // Brings windows and rows in step with the session.
     void synchronize();
 
@@ -52,13 +52,13 @@ class menu_run_t {
 
     MenuSession* session_;     // retained
     MenuRunWatcher* watcher_;  // retained
-    menu_levels_t levels_;
-    pointer_tracker_t pointer_;
-    keyboard_tracker_t keyboard_;
-    input_grab_t grab_;
-    event_wait_t wait_;
-    menu_run_t* outer_;
-    bool nested_ = false;        // a popup within has taken the input
-    deadline_t keyboard_timer_;  // until the keyboard is asked for again
-    deadline_t restless_timer_;  // until endless changes are looked at again
+    MenuLevels levels_;
+    PointerTracker pointer_;
+    KeyboardTracker keyboard_;
+    InputGrab grab_;
+    EventWait wait_;
+    MenuRun* outer_;
+    bool nested_ = false;      // a popup within has taken the input
+    Deadline keyboard_timer_;  // until the keyboard is asked for again
+    Deadline restless_timer_;  // until endless changes are looked at again
 };

@@ -10,7 +10,7 @@ const double keyboard_interval = 0.05;
 // The time between two looks at a menu that changes at every look.
 const double restless_interval = 0.02;
 
-menu_run_t* current_run;
+MenuRun* current_run;
 
 void menu_has_changed(NSMenu* menu, NSMenuItem*) {
     if (current_run) current_run->menu_changed(menu);
@@ -33,15 +33,15 @@ bool is_release(NSEvent* event) {
 
 @interface MenuRunWatcher : NSObject <MenuSessionWatcher> {
   @private
-    menu_run_t* _run;
+    MenuRun* _run;
 }
-- (instancetype)initWithRun:(menu_run_t*)run;
+- (instancetype)initWithRun:(MenuRun*)run;
 - (void)stop;
 @end
 
 @implementation MenuRunWatcher
 
-- (instancetype)initWithRun:(menu_run_t*)run {
+- (instancetype)initWithRun:(MenuRun*)run {
     if (!(self = [super init])) return nil;
     _run = run;
     // A menu that GNUstep shows too announces its changes by notification only.
@@ -67,9 +67,9 @@ bool is_release(NSEvent* event) {
 
 @end
 
-menu_run_t* menu_run_t::current() { return current_run; }
+MenuRun* MenuRun::current() { return current_run; }
 
-menu_run_t::menu_run_t(MenuSession* session, NSFont* font)
+MenuRun::MenuRun(MenuSession* session, NSFont* font)
     : session_([session retain]),
       watcher_([[MenuRunWatcher alloc] initWithRun:this]),
       levels_(session, font),
@@ -82,7 +82,7 @@ menu_run_t::menu_run_t(MenuSession* session, NSFont* font)
     [session_ setWatcher:watcher_];
 }
 
-menu_run_t::~menu_run_t() {
+MenuRun::~MenuRun() {
     current_run = outer_;
     // The inner popup took the pointer from the outer one.
     if (outer_) {
@@ -96,17 +96,17 @@ menu_run_t::~menu_run_t() {
     [session_ release];
 }
 
-void menu_run_t::menu_changed(NSMenu* menu) {
+void MenuRun::menu_changed(NSMenu* menu) {
     levels_.menu_changed(menu);
     if (outer_) outer_->menu_changed(menu);
 }
 
-void menu_run_t::image_changed(NSImage* image) {
+void MenuRun::image_changed(NSImage* image) {
     levels_.image_changed(image);
     if (outer_) outer_->image_changed(image);
 }
 
-void menu_run_t::track(NSEvent* event) {
+void MenuRun::track(NSEvent* event) {
     open(event);
     if (!levels_.empty() && levels_[0].is_shown() && take_input()) {
         while (![session_ isEnding]) {
@@ -118,7 +118,7 @@ void menu_run_t::track(NSEvent* event) {
     finish();
 }
 
-void menu_run_t::open(NSEvent* event) {
+void MenuRun::open(NSEvent* event) {
     pointer_.begin(event);
     levels_.set_origin(pointer_.origin());
     keyboard_.ask_modifiers();
@@ -126,7 +126,7 @@ void menu_run_t::open(NSEvent* event) {
     synchronize();
 }
 
-bool menu_run_t::take_input() {
+bool MenuRun::take_input() {
     nested_ = false;
     if (!grab_.take(levels_[0].window())) return false;
     take_keyboard();
@@ -134,13 +134,13 @@ bool menu_run_t::take_input() {
 }
 
 // A program that shows the menu by a key may hold the keyboard until that key is released.
-void menu_run_t::take_keyboard() {
+void MenuRun::take_keyboard() {
     keyboard_timer_.stop();
     if (!grab_.take_keyboard()) keyboard_timer_.start(keyboard_interval);
     keyboard_.ask_modifiers();
 }
 
-void menu_run_t::turn() {
+void MenuRun::turn() {
     if (nested_) take_input();
     NSEvent* event = next_event();
     if (event && ![session_ isEnding]) handle(event);
@@ -150,42 +150,42 @@ void menu_run_t::turn() {
     wait_.sleep(due(), [this] { return has_work(); });
 }
 
-void menu_run_t::handle(NSEvent* event) {
+void MenuRun::handle(NSEvent* event) {
     keyboard_.handle(event);
     if (pointer_.handle(event)) keyboard_.yield_to_pointer();
     const NSEventType type = [event type];
     if (type == NSAppKitDefined || type == NSSystemDefined) [NSApp sendEvent:event];
 }
 
-void menu_run_t::run_timers() {
+void MenuRun::run_timers() {
     pointer_.run_timers();
     if (keyboard_timer_.is_due()) take_keyboard();
 }
 
-void menu_run_t::synchronize() {
+void MenuRun::synchronize() {
     levels_.synchronize();
     if (NSMenuItem* item = levels_.take_follower()) pointer_.rest_on(item);
 }
 
 // A menu that changes at every look would keep the process from sleeping, so a timer spaces the
 // looks.
-void menu_run_t::settle() {
+void MenuRun::settle() {
     synchronize();
     restless_timer_.stop();
     if (levels_.needs_synchronizing()) restless_timer_.start(restless_interval);
 }
 
-double menu_run_t::due() const {
-    return deadline_t::earlier(pointer_.due(),
-                               deadline_t::earlier(keyboard_timer_.due, restless_timer_.due));
+double MenuRun::due() const {
+    return Deadline::earlier(pointer_.due(),
+                             Deadline::earlier(keyboard_timer_.due, restless_timer_.due));
 }
 
-bool menu_run_t::has_work() const {
+bool MenuRun::has_work() const {
     if ([session_ isEnding] || nested_) return true;
     return !restless_timer_.is_running() && levels_.needs_synchronizing();
 }
 
-void menu_run_t::finish() {
+void MenuRun::finish() {
     levels_.hide();
     if (state() == state_closing) wait_for_release();
     grab_.release();
@@ -195,8 +195,8 @@ void menu_run_t::finish() {
 }
 
 // Takes the rest of a click that closed the menu, so that nobody else gets it.
-void menu_run_t::wait_for_release() {
-    deadline_t limit;
+void MenuRun::wait_for_release() {
+    Deadline limit;
     limit.start(1);
     while (pointer_.is_button_down() && current_pointer().buttons && !limit.is_due()) {
         NSEvent* event = next_event();

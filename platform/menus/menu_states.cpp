@@ -2,7 +2,7 @@
 
 namespace {
 
-const transition_t transitions[] = {
+const Transition transitions[] = {
     {state_closed, input_open_pressed, state_pressed, effect_none},
     {state_closed, input_open_free, state_sticky, effect_none},
 
@@ -30,8 +30,8 @@ const transition_t transitions[] = {
 
 }  // namespace
 
-transition_t transition(tracking_state_t state, tracking_input_t input) {
-    for (const transition_t& known : transitions) {
+Transition transition(TrackingState state, TrackingInput input) {
+    for (const Transition& known : transitions) {
         if (known.state == state && known.input == input) return known;
     }
     return {state, input, state, effect_none};

@@ -1,7 +1,7 @@
 // The states of tracking a menu by pointer, as a table.
 #pragma once
 
-enum tracking_state_t {
+enum TrackingState {
     state_closed,
     state_pressed,    // a button is down: the one of the popup, or one pressed in the menu
     state_sticky,     // no button is down, the menu stays
@@ -9,7 +9,7 @@ enum tracking_state_t {
     state_closing,    // it is over, but buttons may still be down
 };
 
-enum tracking_input_t {
+enum TrackingInput {
     input_open_pressed,  // popped up by a button that is still down
     input_open_free,
     input_press_inside,
@@ -24,7 +24,7 @@ enum tracking_input_t {
     input_closed,
 };
 
-enum tracking_effect_t {
+enum TrackingEffect {
     effect_none,
     effect_arm,     // the next release may pick
     effect_pick,    // the item under the pointer
@@ -33,12 +33,12 @@ enum tracking_effect_t {
     effect_stop_scroll,
 };
 
-struct transition_t {
-    tracking_state_t state;
-    tracking_input_t input;
-    tracking_state_t next;
-    tracking_effect_t effect;
+struct Transition {
+    TrackingState state;
+    TrackingInput input;
+    TrackingState next;
+    TrackingEffect effect;
 };
 
 // What an input does in a state. An input without a meaning in that state changes nothing.
-transition_t transition(tracking_state_t state, tracking_input_t input);
+Transition transition(TrackingState state, TrackingInput input);

@@ -29,7 +29,7 @@ unsigned button_of(NSEvent* event) {
 
 // Events of the grab come with the root level's window, other events with a window that knows its
 // place.
-point_t place_of(NSEvent* event) {
+MenuPoint place_of(NSEvent* event) {
     const NSPoint at = [event locationInWindow];
     NSWindow* window = [event window];
     return window ? server_point([window convertBaseToScreen:at]) : current_pointer().at;
@@ -37,8 +37,8 @@ point_t place_of(NSEvent* event) {
 
 }  // namespace
 
-void pointer_tracker_t::begin(NSEvent* event) {
-    const pointer_t pointer = current_pointer();
+void PointerTracker::begin(NSEvent* event) {
+    const Pointer pointer = current_pointer();
     place_ = origin_ = pointer.at;
     if (event) {
         NSWindow* window = [event window];
@@ -51,7 +51,7 @@ void pointer_tracker_t::begin(NSEvent* event) {
     input(button_down_ ? input_open_pressed : input_open_free);
 }
 
-bool pointer_tracker_t::handle(NSEvent* event) {
+bool PointerTracker::handle(NSEvent* event) {
     switch ([event type]) {
         case NSMouseMoved:
         case NSLeftMouseDragged:
@@ -73,13 +73,13 @@ bool pointer_tracker_t::handle(NSEvent* event) {
     }
 }
 
-void pointer_tracker_t::input(tracking_input_t input) {
-    const transition_t step = transition(state_, input);
+void PointerTracker::input(TrackingInput input) {
+    const Transition step = transition(state_, input);
     state_ = step.next;
     apply(step.effect);
 }
 
-void pointer_tracker_t::apply(tracking_effect_t effect) {
+void PointerTracker::apply(TrackingEffect effect) {
     switch (effect) {
         case effect_arm:
             armed_ = true;
@@ -102,8 +102,8 @@ void pointer_tracker_t::apply(tracking_effect_t effect) {
     }
 }
 
-bool pointer_tracker_t::move(NSEvent* event) {
-    const point_t point = place_of(event);
+bool PointerTracker::move(NSEvent* event) {
+    const MenuPoint point = place_of(event);
     const bool moved = point.x != place_.x || point.y != place_.y;
     if (moved) {
         place_ = point;
@@ -115,7 +115,7 @@ bool pointer_tracker_t::move(NSEvent* event) {
     return moved;
 }
 
-void pointer_tracker_t::hover() {
+void PointerTracker::hover() {
     const int level = levels_.level_at(place_);
     const int edge = level < 0 ? 0 : levels_[level].edge_at(place_);
     if (edge) {
@@ -131,16 +131,16 @@ void pointer_tracker_t::hover() {
     }
 }
 
-void pointer_tracker_t::leave_edge() {
+void PointerTracker::leave_edge() {
     input(button_down_ ? input_leave_edge_pressed : input_leave_edge_free);
 }
 
-void pointer_tracker_t::yield_to_keys() {
+void PointerTracker::yield_to_keys() {
     hover_.stop();
     leave_edge();
 }
 
-bool pointer_tracker_t::press(NSEvent* event) {
+bool PointerTracker::press(NSEvent* event) {
     button_down_ = true;
     buttons_ |= button_of(event);
     place_ = place_of(event);
@@ -158,7 +158,7 @@ bool pointer_tracker_t::press(NSEvent* event) {
     return true;
 }
 
-tracking_input_t pointer_tracker_t::release_input() const {
+TrackingInput PointerTracker::release_input() const {
     const bool meant = armed_ || moved_ || seconds_now() - opened_ > hold_limit;
     if (!meant) return input_release_stay;
     if (levels_.level_at(place_) < 0) return input_release_outside;
@@ -166,7 +166,7 @@ tracking_input_t pointer_tracker_t::release_input() const {
     return can_pick(item) && ![item view] ? input_release_pick : input_release_stay;
 }
 
-bool pointer_tracker_t::release(NSEvent* event) {
+bool PointerTracker::release(NSEvent* event) {
     // An event tap may have kept the press for itself.
     if (!(buttons_ & button_of(event))) return false;
     buttons_ &= ~button_of(event);
@@ -179,8 +179,8 @@ bool pointer_tracker_t::release(NSEvent* event) {
     return true;
 }
 
-bool pointer_tracker_t::turn_wheel(NSEvent* event) {
-    const point_t point = place_of(event);
+bool PointerTracker::turn_wheel(NSEvent* event) {
+    const MenuPoint point = place_of(event);
     const int level = levels_.level_at(point);
     if (level < 0 || [event deltaY] == 0) return false;
     const double rows = -[event deltaY] * wheel_rows;
@@ -193,16 +193,16 @@ bool pointer_tracker_t::turn_wheel(NSEvent* event) {
     return true;
 }
 
-void pointer_tracker_t::run_timers() {
-    deadline_t hover_timer = {hover_.due()};
+void PointerTracker::run_timers() {
+    Deadline hover_timer = {hover_.due()};
     if (hover_timer.is_due()) hover_.rest(place_);
     if (scroll_.timer.is_due()) scroll_on();
 }
 
 // Scrolling is faster the deeper the pointer is in the strip and the longer it stays.
-int pointer_tracker_t::scroll_step(const menu_level_t& level) const {
-    const menu_look_t& look = levels_.style().look;
-    const area_t& panel = level.panel();
+int PointerTracker::scroll_step(const MenuLevel& level) const {
+    const MenuLook& look = levels_.style().look;
+    const Area& panel = level.panel();
     const int depth = scroll_.direction > 0 ? place_.y - (panel.bottom() - look.arrow_height)
                                             : panel.top + look.arrow_height - place_.y;
     const double slowest = look.row_height * 0.25;
@@ -211,10 +211,10 @@ int pointer_tracker_t::scroll_step(const menu_level_t& level) const {
     return static_cast<int>(slowest * deeper * longer);
 }
 
-void pointer_tracker_t::scroll_on() {
+void PointerTracker::scroll_on() {
     scroll_.timer.stop();
     if (state_ != state_scrolling || scroll_.level >= static_cast<int>(levels_.size())) return;
-    menu_level_t& level = levels_[scroll_.level];
+    MenuLevel& level = levels_[scroll_.level];
     const bool goes_on = level.scroll_by(scroll_.direction * scroll_step(level));
     [levels_.session() highlightItem:nil inMenu:level.menu()];
     if (goes_on && level.edge_at(place_)) {

@@ -7,7 +7,7 @@
 // A new implementation for an existing instance method, the class's own or inherited; with
 // `on_class`, for a class method. `original` receives the implementation that is replaced, and may
 // be null.
-struct method_patch_t {
+struct MethodPatch {
     const char* class_name;
     const char* selector;
     IMP implementation;
@@ -17,10 +17,10 @@ struct method_patch_t {
 
 // Installs `count` patches, and leaves out classes and methods that do not exist. It initializes no
 // class, so it may run while libraries still load.
-void patch_methods(const method_patch_t* patches, unsigned count);
+void patch_methods(const MethodPatch* patches, unsigned count);
 
 template <unsigned count>
-void patch_methods(const method_patch_t (&patches)[count]) {
+void patch_methods(const MethodPatch (&patches)[count]) {
     patch_methods(patches, count);
 }
 

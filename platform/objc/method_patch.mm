@@ -11,7 +11,7 @@ namespace {
 void unused_method(id, SEL) {}
 
 // The head of GNU's class record, which its public headers do not declare.
-struct class_record_t {
+struct ClassRecord {
     Class is_a;
     Class superclass;
     const char* name;
@@ -25,13 +25,13 @@ struct class_record_t {
 constexpr unsigned long under_construction = 0x10;
 
 // A method's record, whose layout is part of the run time's interface to compilers.
-struct method_record_t {
+struct MethodRecord {
     SEL name;
     const char* types;
     IMP implementation;
 };
 
-class_record_t* record_of(Class owner) { return reinterpret_cast<class_record_t*>(owner); }
+ClassRecord* record_of(Class owner) { return reinterpret_cast<ClassRecord*>(owner); }
 
 // clang sets a flag in each metaclass that this run time reads as "under construction", and to
 // such a class it adds methods without telling the dispatch tables.
@@ -60,7 +60,7 @@ Method inherited_method(Class owner, SEL selector) {
     return method;
 }
 
-void patch_method(const method_patch_t& patch) {
+void patch_method(const MethodPatch& patch) {
     Class owner = objc_getClass(patch.class_name);
     if (owner && patch.on_class) owner = object_getClass(reinterpret_cast<id>(owner));
     if (!owner) return;
@@ -80,13 +80,13 @@ void patch_method(const method_patch_t& patch) {
 
 }  // namespace
 
-void patch_methods(const method_patch_t* patches, unsigned count) {
+void patch_methods(const MethodPatch* patches, unsigned count) {
     for (unsigned i = 0; i < count; i++) patch_method(patches[i]);
 }
 
 void set_implementation(Class owner, Method method, IMP implementation) {
     if (record_of(owner)->dispatch_table == __objc_uninstalled_dtable) {
-        reinterpret_cast<method_record_t*>(method)->implementation = implementation;
+        reinterpret_cast<MethodRecord*>(method)->implementation = implementation;
     } else {
         method_setImplementation(method, implementation);
     }

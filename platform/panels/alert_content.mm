@@ -14,11 +14,11 @@ const double button_height = 30, button_gap = 10, button_padding = 18, button_le
 const double buttons_gap = 24, button_text_size = 13;
 
 // A button as wide as its title needs.
-widget_t button_of(const panel_content_t& content, const alert_button_t& button) {
-    const text_t title = paragraph(content.look, button.title, button_text_size, false, 0);
+Widget button_of(const PanelContent& content, const AlertButton& button) {
+    const TextLayout title = paragraph(content.look, button.title, button_text_size, false, 0);
     const int width = std::max(text_width(title) + 2 * content.pixels(button_padding),
                                content.pixels(button_least_width));
-    widget_t made = {widget_kind_t::button, {0, 0, width, content.pixels(button_height)}};
+    Widget made = {WidgetKind::button, {0, 0, width, content.pixels(button_height)}};
     made.text = button.title;
     made.item = button.item;
     made.size = button_text_size;
@@ -26,10 +26,10 @@ widget_t button_of(const panel_content_t& content, const alert_button_t& button)
 }
 
 // A text that wraps at the width of `area` and is as high as its lines need.
-widget_t text_of(const panel_content_t& content, area_t area, const std::string& words, double size,
-                 bool bold) {
+Widget text_of(const PanelContent& content, Area area, const std::string& words, double size,
+               bool bold) {
     area.height = text_height(paragraph(content.look, words, size, bold, area.width));
-    widget_t made = {widget_kind_t::paragraph, area};
+    Widget made = {WidgetKind::paragraph, area};
     made.text = words;
     made.size = size;
     made.bold = bold;
@@ -37,29 +37,29 @@ widget_t text_of(const panel_content_t& content, area_t area, const std::string&
 }
 
 // Returns where the texts and the sign end.
-int add_texts(panel_content_t* content, const alert_words_t& words, int left, int column) {
+int add_texts(PanelContent* content, const AlertWords& words, int left, int column) {
     const int top = content->pixels(margin);
-    const widget_t message =
+    const Widget message =
         text_of(*content, {left, top, column, 0}, words.message, message_size, true);
     const int below = message.area.bottom() + content->pixels(message_gap);
-    widget_t explanation =
+    Widget explanation =
         text_of(*content, {left, below, column, 0}, words.explanation, explanation_size, false);
     explanation.alpha = explanation_alpha;
     content->widgets.insert(content->widgets.end(), {message, explanation});
     const int bottom =
         words.explanation.empty() ? message.area.bottom() : explanation.area.bottom();
-    return words.sign == sign_t::none ? bottom : std::max(bottom, top + content->pixels(sign_side));
+    return words.sign == Sign::none ? bottom : std::max(bottom, top + content->pixels(sign_side));
 }
 
-void add_sign(panel_content_t* content, sign_t sign) {
-    widget_t made = {widget_kind_t::sign, content->area(margin, margin, sign_side, sign_side)};
+void add_sign(PanelContent* content, Sign sign) {
+    Widget made = {WidgetKind::sign, content->area(margin, margin, sign_side, sign_side)};
     made.sign = sign;
     content->widgets.push_back(made);
 }
 
-void add_buttons(panel_content_t* content, std::vector<widget_t> buttons, int top) {
+void add_buttons(PanelContent* content, std::vector<Widget> buttons, int top) {
     int right = content->size.width - content->pixels(margin);
-    for (widget_t& button : buttons) {
+    for (Widget& button : buttons) {
         button.area.left = right - button.area.width;
         button.area.top = top;
         right = button.area.left - content->pixels(button_gap);
@@ -69,18 +69,18 @@ void add_buttons(panel_content_t* content, std::vector<widget_t> buttons, int to
 
 }  // namespace
 
-panel_content_t alert_content(const alert_words_t& words) {
-    panel_content_t content;
+PanelContent alert_content(const AlertWords& words) {
+    PanelContent content;
     content.default_item = words.default_item;
     content.cancel_item = words.cancel_item ? words.cancel_item : words.default_item;
     const int gap = content.pixels(button_gap), border = content.pixels(margin);
-    std::vector<widget_t> buttons;
+    std::vector<Widget> buttons;
     int buttons_width = -gap;
-    for (const alert_button_t& button : words.buttons) {
+    for (const AlertButton& button : words.buttons) {
         buttons.push_back(button_of(content, button));
         buttons_width += buttons.back().area.width + gap;
     }
-    const bool has_sign = words.sign != sign_t::none;
+    const bool has_sign = words.sign != Sign::none;
     const int left = border + (has_sign ? content.pixels(sign_side + sign_gap) : 0);
     const int column = std::max(content.pixels(text_width_wanted), buttons_width);
     if (has_sign) add_sign(&content, words.sign);

@@ -8,7 +8,7 @@
 // Shows the alert until a button is hit, and returns the button's item. Escape and the window's
 // close button hit the cancel button or, without one, the default button. Returns 0 when somebody
 // else ended the modal session.
-+ (int)runWithWords:(const alert_words_t&)words;
++ (int)runWithWords:(const AlertWords&)words;
 // The alert's message and explanation.
 - (NSString*)text;
 @end

@@ -2,7 +2,7 @@
 
 @implementation AlertPanel
 
-+ (int)runWithWords:(const alert_words_t&)words {
++ (int)runWithWords:(const AlertWords&)words {
     NSString* title = [NSString stringWithUTF8String:words.message.c_str()];
     AlertPanel* panel =
         [[self alloc] initWithTitle:title ?: @""
@@ -16,8 +16,8 @@
 
 - (NSString*)text {
     NSMutableArray* lines = [NSMutableArray array];
-    for (const widget_t& widget : [self content].widgets) {
-        if (widget.kind != widget_kind_t::paragraph) continue;
+    for (const Widget& widget : [self content].widgets) {
+        if (widget.kind != WidgetKind::paragraph) continue;
         [lines addObject:[NSString stringWithUTF8String:widget.text.c_str()] ?: @""];
     }
     return [lines componentsJoinedByString:@"\n"];

@@ -32,7 +32,7 @@ const double screen_share_above = 0.3;  // of the room that the panel leaves
 }
 
 - (void)place {
-    const area_t screen = screen_at(current_pointer().at);
+    const Area screen = screen_at(current_pointer().at);
     const NSSize size = [self frame].size;
     const NSPoint corner = screen_point({screen.left, screen.bottom()});
     const double below = (screen.height - size.height) * (1 - screen_share_above);

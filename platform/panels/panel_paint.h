@@ -7,17 +7,17 @@
 #include "panels/panel_content.h"
 
 // The items of the widgets in these states; 0 for none.
-struct panel_state_t {
+struct PanelState {
     int hovered = 0, pressed = 0;
     int focused = 0;  // Space hits it
 
-    bool operator==(const panel_state_t&) const = default;
+    bool operator==(const PanelState&) const = default;
 };
 
-struct panel_scene_t {
-    const panel_content_t* content;
-    panel_state_t state;
-    image_cache_t* images;
+struct PanelScene {
+    const PanelContent* content;
+    PanelState state;
+    ImageCache* images;
 };
 
-void paint_panel(cairo_t* cairo, const panel_scene_t& scene);
+void paint_panel(cairo_t* cairo, const PanelScene& scene);

@@ -10,26 +10,26 @@
 namespace {
 
 // What the painter of one widget draws with.
-struct brush_t {
+struct Brush {
     cairo_t* cairo;
-    const panel_content_t& content;
-    panel_state_t state;
-    image_cache_t* images;
+    const PanelContent& content;
+    PanelState state;
+    ImageCache* images;
 
-    const menu_palette_t& palette() const { return *content.look.palette; }
+    const MenuPalette& palette() const { return *content.look.palette; }
     double hairline() const { return content.look.hairline; }
 };
 
-void set_color(const brush_t& brush, const color_t& color, double alpha = 1) {
+void set_color(const Brush& brush, const Color& color, double alpha = 1) {
     cairo_set_source_rgba(brush.cairo, color.red, color.green, color.blue, color.alpha * alpha);
 }
 
-void add_outline(const brush_t& brush, const area_t& area, double radius, double grown = 0) {
+void add_outline(const Brush& brush, const Area& area, double radius, double grown = 0) {
     add_rounded_rectangle(brush.cairo, area.left - grown, area.top - grown, area.width + 2 * grown,
                           area.height + 2 * grown, radius + grown);
 }
 
-void fill(const brush_t& brush, const area_t& area, double radius, const color_t& color,
+void fill(const Brush& brush, const Area& area, double radius, const Color& color,
           double alpha = 1) {
     add_outline(brush, area, radius);
     set_color(brush, color, alpha);
@@ -37,14 +37,14 @@ void fill(const brush_t& brush, const area_t& area, double radius, const color_t
 }
 
 // A hairline just inside the area.
-void outline(const brush_t& brush, const area_t& area, double radius, double alpha) {
+void outline(const Brush& brush, const Area& area, double radius, double alpha) {
     cairo_set_line_width(brush.cairo, brush.hairline());
     add_outline(brush, area, radius, -brush.hairline() / 2);
     set_color(brush, brush.palette().text, alpha);
     cairo_stroke(brush.cairo);
 }
 
-void draw_text(const brush_t& brush, const text_t& text, point_t at, const color_t& color,
+void draw_text(const Brush& brush, const TextLayout& text, MenuPoint at, const Color& color,
                double alpha) {
     set_color(brush, color, alpha);
     cairo_move_to(brush.cairo, at.x, at.y);
@@ -52,34 +52,34 @@ void draw_text(const brush_t& brush, const text_t& text, point_t at, const color
 }
 
 // Draws the text at the left or in the middle of the area, and halfway down.
-void draw_line(const brush_t& brush, const widget_t& widget, const area_t& area,
-               const color_t& color, double alpha, bool centered) {
-    const text_t text = paragraph(brush.content.look, widget.text, widget.size, widget.bold, 0);
+void draw_line(const Brush& brush, const Widget& widget, const Area& area, const Color& color,
+               double alpha, bool centered) {
+    const TextLayout text = paragraph(brush.content.look, widget.text, widget.size, widget.bold, 0);
     fit_text(text, area.width);
     const int free = centered ? (area.width - text_width(text)) / 2 : 0;
     draw_text(brush, text, {area.left + free, area.top + (area.height - text_height(text)) / 2},
               color, alpha);
 }
 
-void paint_text(const brush_t& brush, const widget_t& widget) {
+void paint_text(const Brush& brush, const Widget& widget) {
     draw_line(brush, widget, widget.area, brush.palette().text, widget.alpha, false);
 }
 
-void paint_paragraph(const brush_t& brush, const widget_t& widget) {
-    const area_t& area = widget.area;
+void paint_paragraph(const Brush& brush, const Widget& widget) {
+    const Area& area = widget.area;
     draw_text(brush,
               paragraph(brush.content.look, widget.text, widget.size, widget.bold, area.width),
               {area.left, area.top}, brush.palette().text, widget.alpha);
 }
 
-void paint_sign(const brush_t& brush, const widget_t& widget) {
+void paint_sign(const Brush& brush, const Widget& widget) {
     paint_sign(brush.cairo, widget.area, widget.sign);
 }
 
-void paint_icon(const brush_t& brush, const widget_t& widget) {
+void paint_icon(const Brush& brush, const Widget& widget) {
     NSString* path = [NSString stringWithUTF8String:widget.text.c_str()];
     NSImage* image = path ? [[NSWorkspace sharedWorkspace] iconForFile:path] : nil;
-    const area_t& area = widget.area;
+    const Area& area = widget.area;
     cairo_surface_t* surface =
         image ? brush.images->surface(image, area.width, area.height) : nullptr;
     if (!surface) return;
@@ -87,8 +87,8 @@ void paint_icon(const brush_t& brush, const widget_t& widget) {
     cairo_paint(brush.cairo);
 }
 
-void paint_bar(const brush_t& brush, const widget_t& widget) {
-    area_t area = widget.area;
+void paint_bar(const Brush& brush, const Widget& widget) {
+    Area area = widget.area;
     const double radius = area.height / 2.0;
     fill(brush, area, radius, brush.palette().text, 0.12);
     if (widget.value <= 0) return;
@@ -96,7 +96,7 @@ void paint_bar(const brush_t& brush, const widget_t& widget) {
     fill(brush, area, radius, brush.palette().highlight);
 }
 
-void paint_focus(const brush_t& brush, const widget_t& widget) {
+void paint_focus(const Brush& brush, const Widget& widget) {
     const double ring = brush.content.pixels(3);
     cairo_set_line_width(brush.cairo, ring);
     add_outline(brush, widget.area, brush.content.pixels(6), ring / 2);
@@ -104,8 +104,8 @@ void paint_focus(const brush_t& brush, const widget_t& widget) {
     cairo_stroke(brush.cairo);
 }
 
-void paint_button(const brush_t& brush, const widget_t& widget) {
-    const menu_palette_t& palette = brush.palette();
+void paint_button(const Brush& brush, const Widget& widget) {
+    const MenuPalette& palette = brush.palette();
     const bool is_default = widget.item == brush.content.default_item;
     const bool is_pressed = widget.item == brush.state.pressed;
     const double radius = brush.content.pixels(6);
@@ -119,7 +119,7 @@ void paint_button(const brush_t& brush, const widget_t& widget) {
               widget.disabled ? 0.4 : 1, true);
 }
 
-void paint_tick(const brush_t& brush, const area_t& box) {
+void paint_tick(const Brush& brush, const Area& box) {
     const double side = box.width;
     cairo_set_line_width(brush.cairo, side * 0.12);
     cairo_move_to(brush.cairo, box.left + side * 0.25, box.top + side * 0.52);
@@ -129,11 +129,11 @@ void paint_tick(const brush_t& brush, const area_t& box) {
     cairo_stroke(brush.cairo);
 }
 
-void paint_check(const brush_t& brush, const widget_t& widget) {
-    const menu_palette_t& palette = brush.palette();
-    area_t label = widget.area;
+void paint_check(const Brush& brush, const Widget& widget) {
+    const MenuPalette& palette = brush.palette();
+    Area label = widget.area;
     const int side = brush.content.pixels(16), taken = side + brush.content.pixels(8);
-    const area_t box = {label.left, label.top + (label.height - side) / 2, side, side};
+    const Area box = {label.left, label.top + (label.height - side) / 2, side, side};
     const double radius = brush.content.pixels(4);
     fill(brush, box, radius, widget.on ? palette.highlight : palette.text, widget.on ? 1 : 0.05);
     if (widget.on) {
@@ -147,18 +147,18 @@ void paint_check(const brush_t& brush, const widget_t& widget) {
 }
 
 const struct {
-    widget_kind_t kind;
-    void (*paint)(const brush_t&, const widget_t&);
+    WidgetKind kind;
+    void (*paint)(const Brush&, const Widget&);
 } painters[] = {
-    {widget_kind_t::text, paint_text},   {widget_kind_t::paragraph, paint_paragraph},
-    {widget_kind_t::sign, paint_sign},   {widget_kind_t::icon, paint_icon},
-    {widget_kind_t::bar, paint_bar},     {widget_kind_t::button, paint_button},
-    {widget_kind_t::check, paint_check},
+    {WidgetKind::text, paint_text},   {WidgetKind::paragraph, paint_paragraph},
+    {WidgetKind::sign, paint_sign},   {WidgetKind::icon, paint_icon},
+    {WidgetKind::bar, paint_bar},     {WidgetKind::button, paint_button},
+    {WidgetKind::check, paint_check},
 };
 
 // The border serves desktops where no window manager draws a frame.
-void paint_ground(const brush_t& brush) {
-    const extent_t size = brush.content.size;
+void paint_ground(const Brush& brush) {
+    const Extent size = brush.content.size;
     const double line = brush.hairline();
     set_color(brush, brush.palette().panel);
     cairo_paint(brush.cairo);
@@ -170,15 +170,15 @@ void paint_ground(const brush_t& brush) {
 
 }  // namespace
 
-void paint_panel(cairo_t* cairo, const panel_scene_t& scene) {
-    const panel_content_t& content = *scene.content;
-    const brush_t brush = {cairo, content, scene.state, scene.images};
+void paint_panel(cairo_t* cairo, const PanelScene& scene) {
+    const PanelContent& content = *scene.content;
+    const Brush brush = {cairo, content, scene.state, scene.images};
     paint_ground(brush);
-    for (const widget_t& widget : content.widgets) {
+    for (const Widget& widget : content.widgets) {
         for (const auto& painter : painters) {
             if (painter.kind == widget.kind) painter.paint(brush, widget);
         }
     }
-    const widget_t* focused = scene.state.focused ? content.widget(scene.state.focused) : nullptr;
+    const Widget* focused = scene.state.focused ? content.widget(scene.state.focused) : nullptr;
     if (focused && focused->can_be_hit()) paint_focus(brush, *focused);
 }

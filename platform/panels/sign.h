@@ -3,9 +3,9 @@
 
 #include "x11/menu_geometry.h"
 
-enum class sign_t { stop, note, caution, none };
+enum class Sign { stop, note, caution, none };
 
 struct _cairo;
 
 // `area` is square.
-void paint_sign(_cairo* cairo, const area_t& area, sign_t sign);
+void paint_sign(_cairo* cairo, const Area& area, Sign sign);

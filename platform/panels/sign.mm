@@ -9,16 +9,16 @@
 
 namespace {
 
-const struct sign_colors_t {
-    sign_t sign;
-    color_t above, below;
+const struct SignColors {
+    Sign sign;
+    Color above, below;
 } sign_colors[] = {
-    {sign_t::caution, {1, 0.800, 0.251, 1}, {0.965, 0.655, 0.078, 1}},
-    {sign_t::stop, {0.937, 0.353, 0.353, 1}, {0.812, 0.204, 0.212, 1}},
-    {sign_t::note, {0.329, 0.580, 0.957, 1}, {0.161, 0.427, 0.871, 1}},
+    {Sign::caution, {1, 0.800, 0.251, 1}, {0.965, 0.655, 0.078, 1}},
+    {Sign::stop, {0.937, 0.353, 0.353, 1}, {0.812, 0.204, 0.212, 1}},
+    {Sign::note, {0.329, 0.580, 0.957, 1}, {0.161, 0.427, 0.871, 1}},
 };
 
-void add_triangle(cairo_t* cairo, const area_t& area) {
+void add_triangle(cairo_t* cairo, const Area& area) {
     const double side = area.width, radius = side * 0.09;
     const double low = area.top + side * 0.93, middle = area.left + side / 2;
     const struct {
@@ -43,13 +43,13 @@ void add_mark(cairo_t* cairo, double middle, double top, double height, bool tur
     cairo_arc(cairo, middle, dot_at, dot, 0, 2 * M_PI);
 }
 
-void fill_shape(cairo_t* cairo, const area_t& area, const sign_colors_t& colors) {
+void fill_shape(cairo_t* cairo, const Area& area, const SignColors& colors) {
     cairo_pattern_t* fill = cairo_pattern_create_linear(0, area.top, 0, area.bottom());
-    const color_t &above = colors.above, &below = colors.below;
+    const Color &above = colors.above, &below = colors.below;
     cairo_pattern_add_color_stop_rgb(fill, 0, above.red, above.green, above.blue);
     cairo_pattern_add_color_stop_rgb(fill, 1, below.red, below.green, below.blue);
     cairo_set_source(cairo, fill);
-    if (colors.sign == sign_t::caution) {
+    if (colors.sign == Sign::caution) {
         add_triangle(cairo, area);
     } else {
         const double half = area.width / 2.0;
@@ -59,19 +59,19 @@ void fill_shape(cairo_t* cairo, const area_t& area, const sign_colors_t& colors)
     cairo_pattern_destroy(fill);
 }
 
-void fill_mark(cairo_t* cairo, const area_t& area, sign_t sign) {
-    const bool triangle = sign == sign_t::caution;
+void fill_mark(cairo_t* cairo, const Area& area, Sign sign) {
+    const bool triangle = sign == Sign::caution;
     const double side = area.width;
     cairo_set_source_rgb(cairo, triangle ? 0.24 : 1, triangle ? 0.17 : 1, triangle ? 0.02 : 1);
     add_mark(cairo, area.left + side / 2, area.top + side * (triangle ? 0.34 : 0.25),
-             side * (triangle ? 0.44 : 0.5), sign == sign_t::note);
+             side * (triangle ? 0.44 : 0.5), sign == Sign::note);
     cairo_fill(cairo);
 }
 
 }  // namespace
 
-void paint_sign(cairo_t* cairo, const area_t& area, sign_t sign) {
-    for (const sign_colors_t& colors : sign_colors) {
+void paint_sign(cairo_t* cairo, const Area& area, Sign sign) {
+    for (const SignColors& colors : sign_colors) {
         if (colors.sign != sign) continue;
         fill_shape(cairo, area, colors);
         fill_mark(cairo, area, sign);

@@ -8,7 +8,7 @@
 #include "panels/alert_panel.h"
 
 struct OpaqueDialogPtr {
-    alert_words_t words;
+    AlertWords words;
 };
 
 namespace {
@@ -17,23 +17,23 @@ DialogItemIndex host_answer = kAlertAnswerAsk;
 
 const struct {
     AlertType type;
-    sign_t sign;
+    Sign sign;
 } signs[] = {
-    {kAlertStopAlert, sign_t::stop},
-    {kAlertNoteAlert, sign_t::note},
-    {kAlertCautionAlert, sign_t::caution},
+    {kAlertStopAlert, Sign::stop},
+    {kAlertNoteAlert, Sign::note},
+    {kAlertCautionAlert, Sign::caution},
 };
 
-sign_t sign_of(AlertType type) {
+Sign sign_of(AlertType type) {
     for (const auto& known : signs) {
         if (known.type == type) return known.sign;
     }
-    return sign_t::none;
+    return Sign::none;
 }
 
 std::string text_of(CFStringRef string) { return [(NSString*)string UTF8String] ?: ""; }
 
-void add_buttons(const AlertStdCFStringAlertParamRec& parameters, alert_words_t* words) {
+void add_buttons(const AlertStdCFStringAlertParamRec& parameters, AlertWords* words) {
     const struct {
         int item;
         CFStringRef text;
@@ -86,4 +86,4 @@ OSStatus RunStandardAlert(DialogRef alert, ModalFilterUPP, DialogItemIndex* item
     return *itemHit ? OSStatus{noErr} : OSStatus{userCanceledErr};
 }
 
-void AnswerStandardAlerts(DialogItemIndex item) { host_answer = item; }
+void answer_standard_alerts(DialogItemIndex item) { host_answer = item; }

@@ -15,12 +15,12 @@
 }
 // `hit` is called with the item of a button or check box.
 - (instancetype)initWithTitle:(NSString*)title
-                      content:(const panel_content_t&)content
+                      content:(const PanelContent&)content
                           hit:(const std::function<void(int)>&)hit;
 // The caller may change the widgets, but must not add or remove any, and then sends
 // `widgetsChanged`.
-- (panel_content_t&)content;
+- (PanelContent&)content;
 - (void)widgetsChanged;
 // The middle of a widget, in pixels of the server; {-1, -1} without such a widget.
-- (point_t)middleOfItem:(int)item;
+- (MenuPoint)middleOfItem:(int)item;
 @end

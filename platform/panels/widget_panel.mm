@@ -6,7 +6,7 @@
 @implementation WidgetPanel
 
 - (instancetype)initWithTitle:(NSString*)title
-                      content:(const panel_content_t&)content
+                      content:(const PanelContent&)content
                           hit:(const std::function<void(int)>&)hit {
     WidgetView* view = [[[WidgetView alloc] initWithContent:content hit:hit] autorelease];
     return [super initWithView:view title:title];
@@ -16,7 +16,7 @@
     return (WidgetView*)[self contentView];
 }
 
-- (panel_content_t&)content {
+- (PanelContent&)content {
     return [[self widgetView] content];
 }
 
@@ -41,10 +41,10 @@
     return code;
 }
 
-- (point_t)middleOfItem:(int)item {
-    const widget_t* widget = [self content].widget(item);
+- (MenuPoint)middleOfItem:(int)item {
+    const Widget* widget = [self content].widget(item);
     if (!widget) return {-1, -1};
-    const area_t& area = widget->area;
+    const Area& area = widget->area;
     const NSPoint middle = NSMakePoint(area.left + area.width / 2, area.top + area.height / 2);
     const NSPoint base = [[self contentView] convertPoint:middle toView:nil];
     return server_point([self convertBaseToScreen:base]);

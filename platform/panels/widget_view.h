@@ -12,17 +12,17 @@
 
 @interface WidgetView : NSView {
   @private
-    panel_content_t* _content;  // owned, as the next two
+    PanelContent* _content;  // owned, as the next two
     std::function<void(int)>* _hit;
-    image_cache_t* _images;
-    panel_state_t _state;
+    ImageCache* _images;
+    PanelState _state;
     int _pressedItem;  // where the press began; 0 while no mouse button is down
 }
 // `hit` is called with the item of a button or check box.
-- (instancetype)initWithContent:(const panel_content_t&)content
+- (instancetype)initWithContent:(const PanelContent&)content
                             hit:(const std::function<void(int)>&)hit;
 // The caller may change the content, and then sets that the view needs display.
-- (panel_content_t&)content;
+- (PanelContent&)content;
 // Does nothing for 0 and for a disabled widget.
 - (void)hit:(int)item;
 @end

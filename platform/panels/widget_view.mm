@@ -29,13 +29,13 @@ int focus_step(unichar key, NSEvent* event) {
 
 @implementation WidgetView
 
-- (instancetype)initWithContent:(const panel_content_t&)content
+- (instancetype)initWithContent:(const PanelContent&)content
                             hit:(const std::function<void(int)>&)hit {
     self = [super initWithFrame:NSMakeRect(0, 0, content.size.width, content.size.height)];
     if (!self) return nil;
-    _content = new panel_content_t(content);
+    _content = new PanelContent(content);
     _hit = new std::function<void(int)>(hit);
-    _images = new image_cache_t;
+    _images = new ImageCache;
     return self;
 }
 
@@ -46,7 +46,7 @@ int focus_step(unichar key, NSEvent* event) {
     [super dealloc];
 }
 
-- (panel_content_t&)content {
+- (PanelContent&)content {
     return *_content;
 }
 
@@ -69,11 +69,11 @@ int focus_step(unichar key, NSEvent* event) {
 
 - (void)drawRect:(NSRect)rect {
     (void)rect;
-    const panel_scene_t scene = {_content, _state, _images};
+    const PanelScene scene = {_content, _state, _images};
     draw_through_bitmap([self bounds], [&](cairo_t* cairo) { paint_panel(cairo, scene); });
 }
 
-- (void)show:(const panel_state_t&)state {
+- (void)show:(const PanelState&)state {
     if (_state == state) return;
     _state = state;
     [self setNeedsDisplay:YES];
@@ -121,13 +121,13 @@ int focus_step(unichar key, NSEvent* event) {
     if (key == 0x1B) return [self hit:_content->cancel_item];
     if (is_return(key)) return [self hit:_content->default_item];
     if (key == ' ') return [self hit:_state.focused];
-    for (const widget_t& widget : _content->widgets) {
+    for (const Widget& widget : _content->widgets) {
         if (widget.key == key && widget.can_be_hit()) return [self hit:widget.item];
     }
 }
 
 - (void)hit:(int)item {
-    const widget_t* widget = item ? _content->widget(item) : nullptr;
+    const Widget* widget = item ? _content->widget(item) : nullptr;
     if (!item || (widget && widget->disabled)) return;
     // Calls a copy, as the call may end the panel.
     const std::function<void(int)> hit = *_hit;

@@ -15,16 +15,16 @@ using Windows = std::vector<xcb_window_t>;
 const size_t most_windows = 512;
 const uint32_t most_atoms = 32;
 
-struct window_look_t {
-    window_look_t(const window_connection_t& to, xcb_window_t w)
+struct WindowLook {
+    WindowLook(const WindowConnection& to, xcb_window_t w)
         : window(w),
           state(to.server, w, to.wm_state, 2),
           class_names(to.server, w, XCB_ATOM_WM_CLASS),
           attributes(xcb_get_window_attributes(to.server, w)) {}
 
-    bool is_client(const window_connection_t& to) const {
+    bool is_client(const WindowConnection& to) const {
         xcb_generic_error_t* error = nullptr;
-        const reply_t<xcb_get_window_attributes_reply_t> reply(
+        const Reply<xcb_get_window_attributes_reply_t> reply(
             xcb_get_window_attributes_reply(to.server, attributes, &error));
         free(error);
         const bool named = state.exists() || class_names.exists();
@@ -32,7 +32,7 @@ struct window_look_t {
                (state.exists() || reply->map_state == XCB_MAP_STATE_VIEWABLE);
     }
     xcb_window_t window;
-    property_question_t state, class_names;
+    PropertyQuestion state, class_names;
     xcb_get_window_attributes_cookie_t attributes;
 };
 
@@ -43,11 +43,11 @@ Windows limited(Windows windows) {
 
 // The clients among these windows, and among the children of windows that are no clients: a window
 // manager that keeps no list puts its clients into frames.
-Windows clients_among(const window_connection_t& to, const Windows& windows, int depth) {
-    std::deque<window_look_t> looks;
+Windows clients_among(const WindowConnection& to, const Windows& windows, int depth) {
+    std::deque<WindowLook> looks;
     for (const xcb_window_t window : windows) looks.emplace_back(to, window);
     Windows clients;
-    for (const window_look_t& look : looks) {
+    for (const WindowLook& look : looks) {
         if (look.is_client(to)) {
             clients.push_back(look.window);
         } else if (depth > 0) {
@@ -59,15 +59,15 @@ Windows clients_among(const window_connection_t& to, const Windows& windows, int
     return limited(std::move(clients));
 }
 
-Windows client_windows(const window_connection_t& to) {
+Windows client_windows(const WindowConnection& to) {
     if (has_window_manager(to)) {
-        return property_question_t(to.server, to.root, to.client_list, most_windows).numbers();
+        return PropertyQuestion(to.server, to.root, to.client_list, most_windows).numbers();
     }
     return clients_among(to, limited(children_of(to.server, to.root)), 1);
 }
 
-struct client_questions_t {
-    client_questions_t(const window_connection_t& to, xcb_window_t w)
+struct ClientQuestions {
+    ClientQuestions(const WindowConnection& to, xcb_window_t w)
         : window(w),
           class_names(to.server, w, XCB_ATOM_WM_CLASS, 128),
           type(to.server, w, to.window_type, most_atoms),
@@ -76,7 +76,7 @@ struct client_questions_t {
           process(to, w) {}
 
     // A window without a type is a dialog when it belongs to another one.
-    bool is_normal(const window_connection_t& to) const {
+    bool is_normal(const WindowConnection& to) const {
         const auto states = state.numbers();
         if (std::find(states.begin(), states.end(), to.skip_taskbar) != states.end()) return false;
         const auto types = type.numbers();
@@ -86,25 +86,25 @@ struct client_questions_t {
         const auto owner = transient_for.numbers();
         return owner.empty() || owner[0] == XCB_WINDOW_NONE || owner[0] == to.root;
     }
-    desktop_window_t answer(const window_connection_t& to) const {
+    DesktopWindow answer(const WindowConnection& to) const {
         const std::string names = class_names.bytes();
         const size_t first_end = std::min(names.find('\0'), names.size());
         const char* second = first_end < names.size() ? names.c_str() + first_end + 1 : "";
         return {window, process.answer(), names.substr(0, first_end), second, is_normal(to)};
     }
     xcb_window_t window;
-    property_question_t class_names, type, transient_for, state;
-    process_question_t process;
+    PropertyQuestion class_names, type, transient_for, state;
+    ProcessQuestion process;
 };
 
 }  // namespace
 
-std::vector<desktop_window_t> desktop_windows() {
-    const window_connection_t* to = window_connection();
+std::vector<DesktopWindow> desktop_windows() {
+    const WindowConnection* to = window_connection();
     if (!to) return {};
-    std::deque<client_questions_t> questions;
+    std::deque<ClientQuestions> questions;
     for (const xcb_window_t window : client_windows(*to)) questions.emplace_back(*to, window);
-    std::vector<desktop_window_t> windows;
-    for (const client_questions_t& question : questions) windows.push_back(question.answer(*to));
+    std::vector<DesktopWindow> windows;
+    for (const ClientQuestions& question : questions) windows.push_back(question.answer(*to));
     return windows;
 }

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-struct desktop_window_t {
+struct DesktopWindow {
     uint32_t window;
     pid_t process;         // by the rules in window_process.h
     std::string instance;  // the two parts of WM_CLASS
@@ -18,4 +18,4 @@ struct desktop_window_t {
 };
 
 // At most 512. Empty without a display.
-std::vector<desktop_window_t> desktop_windows();
+std::vector<DesktopWindow> desktop_windows();

@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned own_version = 5;
 
-enum atom_t { aware, selection, entered, position, left, dropped, uri_list, targets, clock_word };
+enum AtomName { aware, selection, entered, position, left, dropped, uri_list, targets, clock_word };
 constexpr const char* atom_names[] = {"XdndAware",     "XdndSelection", "XdndEnter",
                                       "XdndPosition",  "XdndLeave",     "XdndDrop",
                                       "text/uri-list", "TARGETS",       "_SERVER_TIME"};
@@ -21,17 +21,17 @@ constexpr const char* action_names[] = {"XdndActionCopy", "XdndActionMove", "Xdn
 
 unsigned intern(xcb_connection_t* server, const char* name) {
     const auto length = static_cast<uint16_t>(strlen(name));
-    const reply_t<xcb_intern_atom_reply_t> reply(
+    const Reply<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(server, xcb_intern_atom(server, 0, length, name), nullptr));
     return reply ? reply->atom : static_cast<unsigned>(XCB_ATOM_NONE);
 }
 
 }  // namespace
 
-file_offer_t* file_offer_t::shared() {
-    static file_offer_t* offer;
+FileOffer* FileOffer::shared() {
+    static FileOffer* offer;
     if (!offer) {
-        offer = new file_offer_t;
+        offer = new FileOffer;
         if (!offer->connect()) {
             delete offer;
             offer = nullptr;
@@ -41,7 +41,7 @@ file_offer_t* file_offer_t::shared() {
     return offer && !offer->is_broken() ? offer : nullptr;
 }
 
-bool file_offer_t::connect() {
+bool FileOffer::connect() {
     server_ = connect_to_server(&root_);
     if (!server_) return false;
     for (size_t i = 0; i < std::size(atom_names); i++) atoms_[i] = intern(server_, atom_names[i]);
@@ -60,11 +60,11 @@ bool file_offer_t::connect() {
     return true;
 }
 
-int file_offer_t::descriptor() const { return xcb_get_file_descriptor(server_); }
+int FileOffer::descriptor() const { return xcb_get_file_descriptor(server_); }
 
-bool file_offer_t::is_broken() const { return xcb_connection_has_error(server_) != 0; }
+bool FileOffer::is_broken() const { return xcb_connection_has_error(server_) != 0; }
 
-void file_offer_t::begin(const std::string& uri_list) {
+void FileOffer::begin(const std::string& uri_list) {
     owned_since_ = server_time();
     uri_list_ = uri_list;
     awaited_ = false;
@@ -73,19 +73,19 @@ void file_offer_t::begin(const std::string& uri_list) {
 }
 
 // Changes a property, as the event of the change brings the server's time.
-unsigned file_offer_t::server_time() {
+unsigned FileOffer::server_time() {
     xcb_change_property(server_, XCB_PROP_MODE_APPEND, window_, atoms_[clock_word],
                         XCB_ATOM_INTEGER, 8, 0, nullptr);
     // The event has arrived when the answer to a later question arrives.
-    const reply_t<xcb_get_input_focus_reply_t> done(
+    const Reply<xcb_get_input_focus_reply_t> done(
         xcb_get_input_focus_reply(server_, xcb_get_input_focus(server_), nullptr));
     answer();
     return time_;
 }
 
 // The protocol version that both sides speak; 0 for a window that takes no drops.
-unsigned file_offer_t::target_version(unsigned target) {
-    const reply_t<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+unsigned FileOffer::target_version(unsigned target) {
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         server_,
         xcb_get_property(server_, 0, target, atoms_[aware], XCB_GET_PROPERTY_TYPE_ANY, 0, 1),
         nullptr));
@@ -94,7 +94,7 @@ unsigned file_offer_t::target_version(unsigned target) {
     return std::min(*version, own_version);
 }
 
-void file_offer_t::send(unsigned target, unsigned type, const unsigned (&data)[5]) {
+void FileOffer::send(unsigned target, unsigned type, const unsigned (&data)[5]) {
     xcb_client_message_event_t event = {};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
@@ -106,38 +106,38 @@ void file_offer_t::send(unsigned target, unsigned type, const unsigned (&data)[5
     xcb_flush(server_);
 }
 
-void file_offer_t::enter(unsigned target, unsigned source) {
+void FileOffer::enter(unsigned target, unsigned source) {
     version_ = target_version(target);
     if (!version_) return;
     entered_ = target;
     send(target, atoms_[entered], {source, version_ << 24, atoms_[uri_list], 0, 0});
 }
 
-void file_offer_t::move(unsigned target, unsigned source, int x, int y, unsigned action) {
+void FileOffer::move(unsigned target, unsigned source, int x, int y, unsigned action) {
     if (!version_) return;
     const unsigned at = static_cast<unsigned>(x) << 16 | (static_cast<unsigned>(y) & 0xFFFF);
     send(target, atoms_[position], {source, 0, at, server_time(), action});
 }
 
-void file_offer_t::leave(unsigned target, unsigned source) {
+void FileOffer::leave(unsigned target, unsigned source) {
     if (!version_) return;
     entered_ = 0;
     send(target, atoms_[left], {source, 0, 0, 0, 0});
 }
 
-void file_offer_t::drop(unsigned target, unsigned source) {
+void FileOffer::drop(unsigned target, unsigned source) {
     if (!version_) return;
     entered_ = 0;
     awaited_ = true;
     send(target, atoms_[dropped], {source, 0, server_time(), 0, 0});
 }
 
-void file_offer_t::end(unsigned source) {
+void FileOffer::end(unsigned source) {
     if (entered_) leave(entered_, source);
 }
 
-bool file_offer_t::grab_pointer() {
-    const reply_t<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(
+bool FileOffer::grab_pointer() {
+    const Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(
         server_,
         xcb_grab_pointer(server_, 0, window_, XCB_EVENT_MASK_BUTTON_RELEASE, XCB_GRAB_MODE_ASYNC,
                          XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
@@ -149,7 +149,7 @@ bool file_offer_t::grab_pointer() {
 // for a moment. It waits no longer because the process does nothing else while it waits: when a
 // drag begins in a window of the toolkit, its own press holds the pointer as long as the drag
 // lasts.
-bool file_offer_t::hold_pointer() {
+bool FileOffer::hold_pointer() {
     released_ = false;
     for (int turn = 0; turn < 20; turn++) {
         if (grab_pointer()) return true;
@@ -158,17 +158,17 @@ bool file_offer_t::hold_pointer() {
     return false;
 }
 
-void file_offer_t::let_pointer_go() {
+void FileOffer::let_pointer_go() {
     xcb_ungrab_pointer(server_, XCB_CURRENT_TIME);
     xcb_flush(server_);
 }
 
 // The key code of Escape; 0 on a keyboard without that key.
-unsigned char file_offer_t::escape_key() {
+unsigned char FileOffer::escape_key() {
     constexpr xcb_keysym_t escape = 0xFF1B;
     const xcb_setup_t* setup = xcb_get_setup(server_);
     const auto count = static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-    const reply_t<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
+    const Reply<xcb_get_keyboard_mapping_reply_t> reply(xcb_get_keyboard_mapping_reply(
         server_, xcb_get_keyboard_mapping(server_, setup->min_keycode, count), nullptr));
     if (!reply) return 0;
     const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
@@ -181,7 +181,7 @@ unsigned char file_offer_t::escape_key() {
 
 // Grabs this one key only, so that the toolkit still sees the modifiers that choose what a drop
 // does.
-void file_offer_t::watch_for_escape() {
+void FileOffer::watch_for_escape() {
     cancelled_ = false;
     escape_ = escape_key();
     if (!escape_) return;
@@ -190,22 +190,22 @@ void file_offer_t::watch_for_escape() {
     xcb_flush(server_);
 }
 
-void file_offer_t::leave_escape_alone() {
+void FileOffer::leave_escape_alone() {
     if (!escape_) return;
     xcb_ungrab_key(server_, escape_, root_, XCB_MOD_MASK_ANY);
     xcb_flush(server_);
     escape_ = 0;
 }
 
-bool file_offer_t::button_is_down() {
-    const reply_t<xcb_query_pointer_reply_t> reply(
+bool FileOffer::button_is_down() {
+    const Reply<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(server_, xcb_query_pointer(server_, root_), nullptr));
     return reply && reply->mask & XCB_BUTTON_MASK_1;
 }
 
-void file_offer_t::answer() {
+void FileOffer::answer() {
     while (xcb_generic_event_t* event = xcb_poll_for_event(server_)) {
-        const reply_t<xcb_generic_event_t> owner(event);
+        const Reply<xcb_generic_event_t> owner(event);
         switch (event->response_type & 0x7F) {
             case XCB_SELECTION_REQUEST:
                 answer_request(event);
@@ -236,7 +236,7 @@ void file_offer_t::answer() {
 }
 
 // Refuses requests for anything that is not offered, so that nobody waits for it.
-void file_offer_t::answer_request(const void* event) {
+void FileOffer::answer_request(const void* event) {
     const auto* request = static_cast<const xcb_selection_request_event_t*>(event);
     const unsigned property = request->property ? request->property : request->target;
     xcb_selection_notify_event_t notice = {};

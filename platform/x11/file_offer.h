@@ -6,12 +6,12 @@
 
 struct xcb_connection_t;
 
-class file_offer_t {
+class FileOffer {
   public:
     // The offer, after it has answered all requests that have come. Null without a display, and
     // once the display has gone. Lives as long as the process, as a program that got a drop may ask
     // late.
-    static file_offer_t* shared();
+    static FileOffer* shared();
 
     // Begins a drag of the files in `uri_list` (lines that end in CR LF).
     void begin(const std::string& uri_list);
@@ -25,8 +25,8 @@ class file_offer_t {
     // Ends the drag, and leaves a target that got no drop.
     void end(unsigned source);
 
-    enum action_t { copy, move_files, link };
-    unsigned action_named(action_t action) const { return actions_[action]; }
+    enum Action { copy, move_files, link };
+    unsigned action_named(Action action) const { return actions_[action]; }
 
     // Whether there was a drop whose data nobody has asked for yet.
     bool is_awaited() const { return awaited_; }
@@ -50,7 +50,7 @@ class file_offer_t {
     bool is_broken() const;
 
   private:
-    file_offer_t() = default;
+    FileOffer() = default;
     bool connect();
     bool grab_pointer();
     void send(unsigned target, unsigned type, const unsigned (&data)[5]);

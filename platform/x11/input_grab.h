@@ -4,12 +4,12 @@
 #include <AppKit/AppKit.h>
 
 // Holds pointer and keyboard for a window from take() until it dies or release() is sent.
-class input_grab_t {
+class InputGrab {
   public:
-    input_grab_t() = default;
-    ~input_grab_t() { release(); }
-    input_grab_t(const input_grab_t&) = delete;
-    input_grab_t& operator=(const input_grab_t&) = delete;
+    InputGrab() = default;
+    ~InputGrab() { release(); }
+    InputGrab(const InputGrab&) = delete;
+    InputGrab& operator=(const InputGrab&) = delete;
 
     // False when another program holds the pointer and does not let go.
     bool take(NSWindow* window);

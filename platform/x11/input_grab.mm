@@ -21,7 +21,7 @@ void set_mouse_up() {
 
 }  // namespace
 
-bool input_grab_t::take(NSWindow* window) {
+bool InputGrab::take(NSWindow* window) {
     release();
     set_mouse_up();
     // This does not use -capturemouse, which sends the time of GNUstep's last event: the server
@@ -49,7 +49,7 @@ bool input_grab_t::take(NSWindow* window) {
     return true;
 }
 
-bool input_grab_t::take_keyboard() {
+bool InputGrab::take_keyboard() {
     if (window_ && !keyboard_) {
         keyboard_ = XGrabKeyboard(toolkit_display(), server_window(window_), False, GrabModeAsync,
                                   GrabModeAsync, CurrentTime) == GrabSuccess;
@@ -57,7 +57,7 @@ bool input_grab_t::take_keyboard() {
     return keyboard_;
 }
 
-void input_grab_t::release() {
+void InputGrab::release() {
     if (!window_) return;
     XUngrabPointer(toolkit_display(), CurrentTime);
     if (keyboard_) XUngrabKeyboard(toolkit_display(), CurrentTime);

@@ -8,7 +8,7 @@ int clamp_start(int start, int length, int low, int high) {
     return std::max(low, std::min(start, high - length));
 }
 
-area_t fit(area_t panel, const area_t& screen, int margin) {
+Area fit(Area panel, const Area& screen, int margin) {
     panel.width = std::min(panel.width, screen.width);
     panel.height = std::min(panel.height, screen.height - 2 * margin);
     panel.left = clamp_start(panel.left, panel.width, screen.left, screen.right());
@@ -17,33 +17,33 @@ area_t fit(area_t panel, const area_t& screen, int margin) {
 }
 
 // An area where a card may stand, and the ends of the area that it stands at.
-struct room_t {
-    area_t area;
+struct Room {
+    Area area;
     bool at_right, at_bottom;
 };
 
 // The share of its size that a card can have in a room; 1 at most.
-double fitting_share(extent_t card, const area_t& room) {
+double fitting_share(Extent card, const Area& room) {
     return std::min({1.0, double(room.width) / card.width, double(room.height) / card.height});
 }
 
 // Twice the signed area of the triangle a b c.
-long turn(point_t a, point_t b, point_t c) {
+long turn(MenuPoint a, MenuPoint b, MenuPoint c) {
     return long(b.x - a.x) * (c.y - a.y) - long(b.y - a.y) * (c.x - a.x);
 }
 
 }  // namespace
 
-area_t place_at_pointer(extent_t panel, point_t pointer, const area_t& screen, int margin) {
-    area_t area = {pointer.x + 1, pointer.y + 1, panel.width, panel.height};
+Area place_at_pointer(Extent panel, MenuPoint pointer, const Area& screen, int margin) {
+    Area area = {pointer.x + 1, pointer.y + 1, panel.width, panel.height};
     if (area.right() > screen.right()) area.left = pointer.x - panel.width;
     const int above = pointer.y - panel.height;
     if (area.bottom() > screen.bottom() - margin && above >= screen.top + margin) area.top = above;
     return fit(area, screen, margin);
 }
 
-area_t place_beside(extent_t panel, const area_t& row, const area_t& parent, const area_t& screen,
-                    int margin, int overlap, int inset, side_t* side) {
+Area place_beside(Extent panel, const Area& row, const Area& parent, const Area& screen, int margin,
+                  int overlap, int inset, Side* side) {
     const int right = parent.right() - overlap, left = parent.left - panel.width + overlap;
     const bool fits_right = right + panel.width <= screen.right();
     const bool fits_left = left >= screen.left;
@@ -57,33 +57,32 @@ area_t place_beside(extent_t panel, const area_t& row, const area_t& parent, con
     return fit({start, row.top - inset, panel.width, panel.height}, screen, margin);
 }
 
-area_t resize_in_place(extent_t panel, const area_t& before, side_t side, const area_t& screen,
-                       int margin) {
+Area resize_in_place(Extent panel, const Area& before, Side side, const Area& screen, int margin) {
     const int left = side == on_right ? before.left : before.right() - panel.width;
     return fit({left, before.top, panel.width, panel.height}, screen, margin);
 }
 
-area_t place_clear(extent_t card, const area_t& levels, const area_t& row, const area_t& screen,
-                   int margin, int gap, side_t side) {
-    const area_t inner = {screen.left + margin, screen.top + margin, screen.width - 2 * margin,
-                          screen.height - 2 * margin};
+Area place_clear(Extent card, const Area& levels, const Area& row, const Area& screen, int margin,
+                 int gap, Side side) {
+    const Area inner = {screen.left + margin, screen.top + margin, screen.width - 2 * margin,
+                        screen.height - 2 * margin};
     const int right = levels.right() + gap, below = levels.bottom() + gap;
-    const room_t on_the_right = {
+    const Room on_the_right = {
         {right, inner.top, inner.right() - right, inner.height}, false, false};
-    const room_t on_the_left = {
+    const Room on_the_left = {
         {inner.left, inner.top, levels.left - gap - inner.left, inner.height}, true, false};
-    const room_t rooms[] = {
+    const Room rooms[] = {
         side == on_right ? on_the_right : on_the_left,
         side == on_right ? on_the_left : on_the_right,
         {{inner.left, below, inner.width, inner.bottom() - below}, false, false},
         {{inner.left, inner.top, inner.width, levels.top - gap - inner.top}, false, true},
     };
-    const room_t* best = &rooms[0];
-    for (const room_t& room : rooms) {
+    const Room* best = &rooms[0];
+    for (const Room& room : rooms) {
         if (fitting_share(card, room.area) > fitting_share(card, best->area)) best = &room;
     }
     const double share = std::max(0.0, fitting_share(card, best->area));
-    const area_t& room = best->area;
+    const Area& room = best->area;
     const int width = std::max(1, static_cast<int>(card.width * share));
     const int height = std::max(1, static_cast<int>(card.height * share));
     const bool beside = best == &rooms[0] || best == &rooms[1];
@@ -94,11 +93,11 @@ area_t place_clear(extent_t card, const area_t& levels, const area_t& row, const
             height};
 }
 
-bool is_on_the_way(point_t from, point_t now, const area_t& panel) {
+bool is_on_the_way(MenuPoint from, MenuPoint now, const Area& panel) {
     const bool to_right = panel.left + panel.width / 2 > from.x;
     const int edge = to_right ? panel.left : panel.right();
     const int slack = panel.height / 12 + 4;
-    const point_t upper = {edge, panel.top - slack}, lower = {edge, panel.bottom() + slack};
+    const MenuPoint upper = {edge, panel.top - slack}, lower = {edge, panel.bottom() + slack};
     const long a = turn(from, upper, now), b = turn(upper, lower, now), c = turn(lower, from, now);
     const bool negative = a < 0 || b < 0 || c<0, positive = a> 0 || b > 0 || c > 0;
     return !(negative && positive);

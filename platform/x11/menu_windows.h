@@ -6,8 +6,8 @@
 #include "x11/menu_geometry.h"
 
 // Makes a window of a menu at `area`, not yet visible; retained for the caller.
-NSWindow* new_menu_window(const area_t& area);
-void move_menu_window(NSWindow* window, const area_t& area);
+NSWindow* new_menu_window(const Area& area);
+void move_menu_window(NSWindow* window, const Area& area);
 // Cuts the window's corners; radius 0 makes it whole.
 void shape_menu_window(NSWindow* window, int radius);
 // Makes the whole window invisible without taking it off the screen, so that a grab stays.

@@ -12,7 +12,7 @@
 
 namespace {
 
-NSRect frame_of(const area_t& area) {
+NSRect frame_of(const Area& area) {
     return NSMakeRect(area.left, toolkit_display_height() - area.bottom(), area.width, area.height);
 }
 
@@ -33,7 +33,7 @@ void raise_higher_windows(NSInteger level) {
 
 }  // namespace
 
-NSWindow* new_menu_window(const area_t& area) {
+NSWindow* new_menu_window(const Area& area) {
     // The window is unscaled: the drawing is scaled already, and GNUstep must not scale it again.
     NSWindow* window =
         [[NSWindow alloc] initWithContentRect:frame_of(area)
@@ -52,7 +52,7 @@ NSWindow* new_menu_window(const area_t& area) {
     return window;
 }
 
-void move_menu_window(NSWindow* window, const area_t& area) {
+void move_menu_window(NSWindow* window, const Area& area) {
     [window setFrame:frame_of(area) display:NO];
 }
 

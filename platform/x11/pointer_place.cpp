@@ -4,8 +4,8 @@
 
 #include "x11/question_connection.h"
 
-pointer_place_t pointer_place() {
-    pointer_place_t place;
+PointerPlace pointer_place() {
+    PointerPlace place;
     Display* display = question_connection();
     if (!display) return place;
     Window root, child;

@@ -2,12 +2,12 @@
 #pragma once
 
 // The pointer's place, in pixels from the upper left, and the buttons and keys that are held.
-struct pointer_place_t {
+struct PointerPlace {
     int x = 0, y = 0;
     unsigned state = 0;      // buttons and modifiers, as XQueryPointer tells them
     int display_height = 0;  // 0 without a display
 };
-pointer_place_t pointer_place();
+PointerPlace pointer_place();
 
 // The state alone.
 unsigned pointer_state();

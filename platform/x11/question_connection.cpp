@@ -10,21 +10,19 @@
 
 namespace {
 
-struct connection_t {
+struct Connection {
     Display* display = nullptr;
     bool broken = false;
     std::string refused;  // the display that could not be opened, or has gone
 
     // A broken connection cannot be closed.
-    ~connection_t() {
+    ~Connection() {
         if (display && !broken) XCloseDisplay(display);
     }
 };
 
 // Notes the loss instead of ending the process: the toolkit's own connection decides about that.
-void note_loss(Display*, void* connection) {
-    static_cast<connection_t*>(connection)->broken = true;
-}
+void note_loss(Display*, void* connection) { static_cast<Connection*>(connection)->broken = true; }
 
 // Xlib would end the process on finding the far end closed, even with the handler above.
 bool has_gone(Display* display) {
@@ -33,7 +31,7 @@ bool has_gone(Display* display) {
     return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
 }
 
-Display* open_connection(connection_t* connection) {
+Display* open_connection(Connection* connection) {
     Display* display = XOpenDisplay(nullptr);
     if (!display) return nullptr;
     fcntl(ConnectionNumber(display), F_SETFD, FD_CLOEXEC);
@@ -53,7 +51,7 @@ void follow_keyboard(Display* display) {
 }  // namespace
 
 Display* question_connection() {
-    static thread_local connection_t connection;
+    static thread_local Connection connection;
     const char* name = getenv("DISPLAY");
     if (connection.display && !connection.broken) connection.broken = has_gone(connection.display);
     if (connection.broken && connection.display) {

@@ -6,8 +6,8 @@
 
 #include "x11/menu_geometry.h"
 
-struct pointer_t {
-    point_t at;
+struct Pointer {
+    MenuPoint at;
     unsigned buttons;  // that are down: 1 left, 2 right, 4 any other
 };
 
@@ -16,10 +16,10 @@ const char* server_resources();
 // Whether windows are composed, so that they may be transparent.
 bool windows_are_composed();
 
-pointer_t current_pointer();
+Pointer current_pointer();
 // Between the server's points and GNUstep's, which count from the lower left.
-point_t server_point(NSPoint point);
-NSPoint screen_point(point_t point);
+MenuPoint server_point(NSPoint point);
+NSPoint screen_point(MenuPoint point);
 
 // The screen under a point, or the nearest.
-area_t screen_at(point_t point);
+Area screen_at(MenuPoint point);

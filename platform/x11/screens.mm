@@ -11,14 +11,14 @@
 
 namespace {
 
-long distance(const area_t& area, point_t point) {
+long distance(const Area& area, MenuPoint point) {
     const long x = std::max({area.left - point.x, 0, point.x - area.right() + 1});
     const long y = std::max({area.top - point.y, 0, point.y - area.bottom() + 1});
     return x * x + y * y;
 }
 
-std::vector<area_t> screens() {
-    std::vector<area_t> areas;
+std::vector<Area> screens() {
+    std::vector<Area> areas;
     int count = 0;
     const ::Window root = DefaultRootWindow(toolkit_display());
     XRRMonitorInfo* monitors = XRRGetMonitors(toolkit_display(), root, True, &count);
@@ -43,7 +43,7 @@ bool windows_are_composed() {
            None;
 }
 
-pointer_t current_pointer() {
+Pointer current_pointer() {
     ::Window root, child;
     int x = 0, y = 0, inner_x, inner_y;
     unsigned mask = 0;
@@ -54,21 +54,21 @@ pointer_t current_pointer() {
     return {{x, y}, buttons};
 }
 
-point_t server_point(NSPoint point) {
+MenuPoint server_point(NSPoint point) {
     return {static_cast<int>(std::floor(point.x)),
             toolkit_display_height() - static_cast<int>(std::ceil(point.y))};
 }
 
-NSPoint screen_point(point_t point) {
+NSPoint screen_point(MenuPoint point) {
     return NSMakePoint(point.x, toolkit_display_height() - point.y);
 }
 
-area_t screen_at(point_t point) {
-    const std::vector<area_t> areas = screens();
-    const auto nearest = std::min_element(areas.begin(), areas.end(),
-                                          [point](const area_t& one, const area_t& other) {
-                                              return distance(one, point) < distance(other, point);
-                                          });
+Area screen_at(MenuPoint point) {
+    const std::vector<Area> areas = screens();
+    const auto nearest =
+        std::min_element(areas.begin(), areas.end(), [point](const Area& one, const Area& other) {
+            return distance(one, point) < distance(other, point);
+        });
     if (nearest != areas.end()) return *nearest;
     return {0, 0, DisplayWidth(toolkit_display(), DefaultScreen(toolkit_display())),
             toolkit_display_height()};

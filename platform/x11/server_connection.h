@@ -6,11 +6,11 @@
 
 #include <memory>
 
-struct free_reply_t {
+struct FreeReply {
     void operator()(void* reply) const { free(reply); }
 };
 template <typename reply>
-using reply_t = std::unique_ptr<reply, free_reply_t>;
+using Reply = std::unique_ptr<reply, FreeReply>;
 
 // Opens a connection, which the caller disconnects, and gives the root window of its screen. Null
 // without a display.

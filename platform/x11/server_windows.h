@@ -18,7 +18,7 @@ void make_tip_window(NSWindow* window);
 // of their own.
 void tell_drawn_shadow(NSWindow* window, int extent);
 // Cuts the window to these rectangles, which count from its upper left corner.
-void cut_window(NSWindow* window, const std::vector<area_t>& parts);
+void cut_window(NSWindow* window, const std::vector<Area>& parts);
 
 // For windows that the window manager does manage. The first makes a window a dialog before it is
 // shown. The second gives a shown window the keyboard, even when the manager would leave the

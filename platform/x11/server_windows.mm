@@ -37,9 +37,9 @@ void free_from_window_manager(NSWindow* window) {
                             CWOverrideRedirect | CWSaveUnder, &attributes);
 }
 
-void cut_window(NSWindow* window, const std::vector<area_t>& parts) {
+void cut_window(NSWindow* window, const std::vector<Area>& parts) {
     std::vector<XRectangle> rectangles;
-    for (const area_t& part : parts) {
+    for (const Area& part : parts) {
         rectangles.push_back({static_cast<short>(part.left), static_cast<short>(part.top),
                               static_cast<unsigned short>(part.width),
                               static_cast<unsigned short>(part.height)});

@@ -15,28 +15,28 @@ xcb_intern_atom_cookie_t ask_atom(xcb_connection_t* server, const std::string& n
 }
 
 xcb_atom_t atom_of(xcb_connection_t* server, xcb_intern_atom_cookie_t cookie) {
-    const reply_t<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server, cookie, nullptr));
+    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(server, cookie, nullptr));
     return reply ? reply->atom : XCB_ATOM_NONE;
 }
 
 // The settings as the settings manager has them; empty without a manager.
-std::string all_settings(const window_connection_t& to) {
+std::string all_settings(const WindowConnection& to) {
     const std::string screen = std::to_string(DefaultScreen(to.display));
     const auto selection_cookie = ask_atom(to.server, "_XSETTINGS_S" + screen);
     const auto property_cookie = ask_atom(to.server, "_XSETTINGS_SETTINGS");
     const xcb_atom_t selection = atom_of(to.server, selection_cookie);
     const xcb_atom_t property = atom_of(to.server, property_cookie);
     if (selection == XCB_ATOM_NONE || property == XCB_ATOM_NONE) return {};
-    const reply_t<xcb_get_selection_owner_reply_t> manager(xcb_get_selection_owner_reply(
+    const Reply<xcb_get_selection_owner_reply_t> manager(xcb_get_selection_owner_reply(
         to.server, xcb_get_selection_owner(to.server, selection), nullptr));
     if (!manager || manager->owner == XCB_WINDOW_NONE) return {};
-    return property_question_t(to.server, manager->owner, property, most_words).bytes();
+    return PropertyQuestion(to.server, manager->owner, property, most_words).bytes();
 }
 
 // Reads numbers and texts one after the other. Behind the end, numbers are 0 and texts are empty.
-class reader_t {
+class Reader {
   public:
-    explicit reader_t(const std::string& bytes)
+    explicit Reader(const std::string& bytes)
         : bytes_(bytes), big_endian_(!bytes.empty() && bytes[0] == 1) {}
 
     bool is_at_end() const { return place_ >= bytes_.size(); }
@@ -72,9 +72,9 @@ enum { number_type, text_type, color_type };
 }  // namespace
 
 std::string shared_setting(const std::string& name) {
-    const window_connection_t* to = window_connection();
+    const WindowConnection* to = window_connection();
     const std::string bytes = to ? all_settings(*to) : "";
-    reader_t reader(bytes);
+    Reader reader(bytes);
     reader.skip(8);  // the order of bytes, the serial number
     for (uint32_t count = reader.number(4); count > 0 && !reader.is_at_end(); count--) {
         const uint32_t type = reader.number(1);

@@ -4,7 +4,7 @@
 
 #include <xcb/xcb.h>
 
-struct window_connection_t {
+struct WindowConnection {
     struct _XDisplay* display = nullptr;
     xcb_connection_t* server = nullptr;
     xcb_window_t root = XCB_WINDOW_NONE;
@@ -15,4 +15,4 @@ struct window_connection_t {
 };
 
 // Null without a display, and once the display has gone.
-const window_connection_t* window_connection();
+const WindowConnection* window_connection();

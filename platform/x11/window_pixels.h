@@ -11,4 +11,4 @@ struct _cairo;
 _cairo* focused_cairo();
 
 // Draws the window's present pixels at (x, y) of `cairo`.
-void copy_window(NSWindow* window, const area_t& part, _cairo* cairo, int x, int y);
+void copy_window(NSWindow* window, const Area& part, _cairo* cairo, int x, int y);

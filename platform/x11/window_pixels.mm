@@ -18,7 +18,7 @@ _cairo* focused_cairo() {
     return *reinterpret_cast<cairo_t* const*>(fields + ivar_getOffset(cairo_variable));
 }
 
-void copy_window(NSWindow* window, const area_t& part, _cairo* cairo, int x, int y) {
+void copy_window(NSWindow* window, const Area& part, _cairo* cairo, int x, int y) {
     XWindowAttributes attributes;
     if (!XGetWindowAttributes(toolkit_display(), server_window(window), &attributes)) return;
     cairo_surface_t* surface =

@@ -39,7 +39,7 @@ pid_t process_in(const xcb_res_query_client_ids_reply_t* reply) {
 
 }  // namespace
 
-process_question_t::process_question_t(const window_connection_t& to, xcb_window_t window)
+ProcessQuestion::ProcessQuestion(const WindowConnection& to, xcb_window_t window)
     : to_(to),
       machine_(to.server, window, to.client_machine),
       named_(to.server, window, to.pid, 1) {
@@ -47,21 +47,21 @@ process_question_t::process_question_t(const window_connection_t& to, xcb_window
     if (to.tells_processes) seen_ = xcb_res_query_client_ids(to.server, 1, &spec);
 }
 
-process_question_t::~process_question_t() {
+ProcessQuestion::~ProcessQuestion() {
     if (seen_.sequence) xcb_discard_reply(to_.server, seen_.sequence);
 }
 
-pid_t process_question_t::seen_by_server() const {
+pid_t ProcessQuestion::seen_by_server() const {
     if (!seen_.sequence) return 0;
     xcb_generic_error_t* error = nullptr;
-    const reply_t<xcb_res_query_client_ids_reply_t> reply(
+    const Reply<xcb_res_query_client_ids_reply_t> reply(
         xcb_res_query_client_ids_reply(to_.server, seen_, &error));
     seen_.sequence = 0;
     free(error);
     return reply ? process_in(reply.get()) : 0;
 }
 
-pid_t process_question_t::answer() const {
+pid_t ProcessQuestion::answer() const {
     const std::string machine = machine_.bytes();
     if (!is_this_machine(machine.substr(0, machine.find('\0')))) return 0;
     const pid_t seen = seen_by_server();
@@ -71,10 +71,10 @@ pid_t process_question_t::answer() const {
 }
 
 pid_t active_process() {
-    const window_connection_t* to = window_connection();
+    const WindowConnection* to = window_connection();
     const xcb_window_t window = to ? active_window(*to) : XCB_WINDOW_NONE;
     if (window == XCB_WINDOW_NONE || window == to->root) return 0;
     // The window with the keyboard may be a part of an application's window. The server knows whose
     // it is.
-    return process_question_t(*to, window).answer();
+    return ProcessQuestion(*to, window).answer();
 }

@@ -16,12 +16,12 @@
 #include "x11/window_questions.h"
 
 // The question is sent when it is made; answer() waits for the reply.
-class process_question_t {
+class ProcessQuestion {
   public:
-    process_question_t(const window_connection_t& to, xcb_window_t window);
-    ~process_question_t();
-    process_question_t(const process_question_t&) = delete;
-    process_question_t& operator=(const process_question_t&) = delete;
+    ProcessQuestion(const WindowConnection& to, xcb_window_t window);
+    ~ProcessQuestion();
+    ProcessQuestion(const ProcessQuestion&) = delete;
+    ProcessQuestion& operator=(const ProcessQuestion&) = delete;
 
     // 0 when the process is not known or runs on another machine. To be called once.
     pid_t answer() const;
@@ -29,8 +29,8 @@ class process_question_t {
   private:
     pid_t seen_by_server() const;
 
-    const window_connection_t& to_;
-    property_question_t machine_, named_;
+    const WindowConnection& to_;
+    PropertyQuestion machine_, named_;
     mutable xcb_res_query_client_ids_cookie_t seen_ = {};
 };
 

@@ -2,18 +2,18 @@
 
 #include <string.h>
 
-property_question_t::property_question_t(xcb_connection_t* connection, xcb_window_t window,
-                                         xcb_atom_t property, uint32_t most_words)
+PropertyQuestion::PropertyQuestion(xcb_connection_t* connection, xcb_window_t window,
+                                   xcb_atom_t property, uint32_t most_words)
     : connection_(connection),
       cookie_(xcb_get_property(connection, 0, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0,
                                most_words)) {}
 
 // An unread reply has to be discarded, as nobody else takes it.
-property_question_t::~property_question_t() {
+PropertyQuestion::~PropertyQuestion() {
     if (!is_read_) xcb_discard_reply(connection_, cookie_.sequence);
 }
 
-const property_question_t::Answer& property_question_t::answer() const {
+const PropertyQuestion::Answer& PropertyQuestion::answer() const {
     if (is_read_) return answer_;
     is_read_ = true;
     xcb_generic_error_t* error = nullptr;
@@ -22,14 +22,14 @@ const property_question_t::Answer& property_question_t::answer() const {
     return answer_;
 }
 
-std::string property_question_t::bytes() const {
+std::string PropertyQuestion::bytes() const {
     const Answer& reply = answer();
     if (!reply || reply->format != 8) return {};
     const auto length = static_cast<size_t>(xcb_get_property_value_length(reply.get()));
     return std::string(static_cast<const char*>(xcb_get_property_value(reply.get())), length);
 }
 
-std::vector<uint32_t> property_question_t::numbers() const {
+std::vector<uint32_t> PropertyQuestion::numbers() const {
     const Answer& reply = answer();
     if (!reply || reply->format != 32) return {};
     const auto length = static_cast<size_t>(xcb_get_property_value_length(reply.get()));
@@ -41,11 +41,11 @@ std::vector<uint32_t> property_question_t::numbers() const {
     return numbers;
 }
 
-bool property_question_t::exists() const { return answer() && answer()->type != XCB_ATOM_NONE; }
+bool PropertyQuestion::exists() const { return answer() && answer()->type != XCB_ATOM_NONE; }
 
 std::vector<xcb_window_t> children_of(xcb_connection_t* connection, xcb_window_t window) {
     xcb_generic_error_t* error = nullptr;
-    const reply_t<xcb_query_tree_reply_t> tree(
+    const Reply<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, window), &error));
     free(error);
     if (!tree) return {};

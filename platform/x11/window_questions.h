@@ -8,12 +8,12 @@
 
 #include "x11/server_connection.h"
 
-struct property_question_t {
-    property_question_t(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
-                        uint32_t most_words = 64);
-    ~property_question_t();
-    property_question_t(const property_question_t&) = delete;
-    property_question_t& operator=(const property_question_t&) = delete;
+struct PropertyQuestion {
+    PropertyQuestion(xcb_connection_t* connection, xcb_window_t window, xcb_atom_t property,
+                     uint32_t most_words = 64);
+    ~PropertyQuestion();
+    PropertyQuestion(const PropertyQuestion&) = delete;
+    PropertyQuestion& operator=(const PropertyQuestion&) = delete;
 
     // The value's bytes; empty when the window has no such property.
     std::string bytes() const;
@@ -21,7 +21,7 @@ struct property_question_t {
     bool exists() const;
 
   private:
-    using Answer = reply_t<xcb_get_property_reply_t>;
+    using Answer = Reply<xcb_get_property_reply_t>;
     const Answer& answer() const;
 
     xcb_connection_t* connection_;

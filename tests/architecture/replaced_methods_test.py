@@ -31,7 +31,7 @@ def class_of(expression):
 
 def patched(text):
     """(class, method) of each row of a table of patches."""
-    for table in re.findall(r"\bmethod_patch_t \w+\[\] = \{(.*?)\};", text, re.S):
+    for table in re.findall(r"\bMethodPatch \w+\[\] = \{(.*?)\};", text, re.S):
         for owner, selector, rest in re.findall(
                 r'\{\s*("\w+"|class_getName\([^;{}]*?\)), *\s*("[\w:]+"|\w+\.selector),(.*?)\}', table, re.S):
             sign = "+" if re.search(r",\s*true\s*$", rest) else "-"
@@ -92,7 +92,7 @@ class Reader(unittest.TestCase):
     """The reading of sources, on small ones."""
 
     def test_a_table_of_patches_is_read(self):
-        text = ('const method_patch_t patches[] = {\n {"NSMenu", "a:b:", reinterpret_cast<IMP>(f), &g},\n'
+        text = ('const MethodPatch patches[] = {\n {"NSMenu", "a:b:", reinterpret_cast<IMP>(f), &g},\n'
                 ' {class_getName([view class]),\n  "c", reinterpret_cast<IMP>(f), nullptr, true},\n};')
         self.assertEqual(set(patched(text)), {("NSMenu", "-a:b:"), ("view", "+c")})
 

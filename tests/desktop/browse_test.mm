@@ -10,7 +10,7 @@
 namespace {
 
 using test::Steps;
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 class Browse : public test::Desk {
   protected:
@@ -26,12 +26,12 @@ class Browse : public test::Desk {
 }  // namespace
 
 TEST_F(Browse, ARightClickShowsThePlugInsItemsAboveTheHosts) {
-    EXPECT_EQ(walk({}), titles_t({"project", "-", "Open", "Get Info", "Duplicate"}));
+    EXPECT_EQ(walk({}), Titles({"project", "-", "Open", "Get Info", "Duplicate"}));
 }
 
 TEST_F(Browse, HoveringOpensThreeLevelsDownAndAFilePickedThereOpensWithTheDefaultProgram) {
     pick({"project", "docs", "chapters", "two.txt"});
-    EXPECT_EQ(program().wait(), titles_t({folder_.path("project/docs/chapters/two.txt")}));
+    EXPECT_EQ(program().wait(), Titles({folder_.path("project/docs/chapters/two.txt")}));
 }
 
 TEST_F(Browse, AHostItemPickedReachesTheHost) {
@@ -55,26 +55,26 @@ TEST_F(Browse, ThePointerIsFreeAgainWhenTheMenuHasClosed) {
 
 TEST_F(Browse, ShiftHeldAtThePopupGivesThePlainHostMenu) {
     input().key_down("Shift_L");
-    const titles_t shown = walk({});
+    const Titles shown = walk({});
     input().key_up("Shift_L");
     EXPECT_EQ(shown, host_titles());
 }
 
 TEST_F(Browse, SwitchedOffThePlugInLeavesTheHostsMenuAlone) {
     set_preference("delvio_is_on", "0");
-    const titles_t shown = walk({});
+    const Titles shown = walk({});
     set_preference("delvio_is_on", "1");
     EXPECT_EQ(shown, host_titles());
 }
 
 TEST_F(Browse, ASettingWrittenByAnotherProgramHoldsFromTheNextMenuOn) {
     folder_.file("project/A.txt");
-    const titles_t grouped = walk({"project"});
+    const Titles grouped = walk({"project"});
     set_preference("sort_order", "1");
-    const titles_t mixed = walk({"project"});
+    const Titles mixed = walk({"project"});
     set_preference("sort_order", "0");
-    EXPECT_EQ(grouped, titles_t({"build", "docs", "-", "A.txt", "readme.txt"}));
-    EXPECT_EQ(mixed, titles_t({"A.txt", "build", "docs", "readme.txt"}));
+    EXPECT_EQ(grouped, Titles({"build", "docs", "-", "A.txt", "readme.txt"}));
+    EXPECT_EQ(mixed, Titles({"A.txt", "build", "docs", "readme.txt"}));
 }
 
 TEST_F(Browse, TheHostsDelegateIsAskedAboutItsMenuAndToldOfHighlightsOfThePlugInsItems) {
@@ -99,7 +99,7 @@ TEST_F(Browse, TheHostsDelegateIsAskedAboutItsMenuAndToldOfHighlightsOfThePlugIn
 }
 
 TEST_F(Browse, RemovingAllItemsOfTheOpenMenuBringsThePlugInsBack) {
-    titles_t shown;
+    Titles shown;
     pop_up([&](Steps& steps) {
         steps
             .when(
@@ -116,7 +116,7 @@ TEST_F(Browse, RemovingAllItemsOfTheOpenMenuBringsThePlugInsBack) {
             .when(
                 "the level", [&] { return is_open(1); }, [&] { escape(); });
     });
-    EXPECT_EQ(shown, titles_t({"project", "-"}));
+    EXPECT_EQ(shown, Titles({"project", "-"}));
 }
 
 TEST_F(Browse, TwoNestedTakeOversFreeTheTreesAtTheSecondRelease) {
@@ -144,7 +144,7 @@ TEST_F(Browse, TwoNestedTakeOversFreeTheTreesAtTheSecondRelease) {
 }
 
 TEST_F(Browse, AFolderRemovedWhileItsMenuIsOpenLeavesTheMenuUsable) {
-    titles_t shown;
+    Titles shown;
     pop_up([&](Steps& steps) {
         hover_along(steps, {"project"});
         steps
@@ -164,6 +164,6 @@ TEST_F(Browse, AFolderRemovedWhileItsMenuIsOpenLeavesTheMenuUsable) {
                 "another row", [&] { return highlighted(1) == "readme.txt"; },
                 [&] { click("readme.txt"); });
     });
-    EXPECT_EQ(shown, titles_t({"Folder is empty"}));
-    EXPECT_EQ(program().wait(), titles_t({folder_.path("project/readme.txt")}));
+    EXPECT_EQ(shown, Titles({"Folder is empty"}));
+    EXPECT_EQ(program().wait(), Titles({folder_.path("project/readme.txt")}));
 }

@@ -18,7 +18,7 @@ namespace test {
 
 class Desk : public testing::Test {
   protected:
-    using titles_t = std::vector<std::string>;
+    using Titles = std::vector<std::string>;
 
     static void SetUpTestSuite();
     Desk();
@@ -33,17 +33,17 @@ class Desk : public testing::Test {
     void pop_up(const std::function<void(Steps&)>& within);
     void right_click();
     // Adds steps that hover over these rows, each in the level that the previous row opens.
-    void hover_along(Steps& steps, const titles_t& path);
+    void hover_along(Steps& steps, const Titles& path);
     // Runs a whole popup and returns the rows of the level that the last row of `path` opens. An
     // empty path gives the host's menu.
-    titles_t walk(const titles_t& path);
+    Titles walk(const Titles& path);
     // Runs a whole popup that clicks on the last row of `path`.
-    void pick(const titles_t& path);
+    void pick(const Titles& path);
 
     // The open menus. Level 0 is the host's menu.
     bool is_open(size_t level) const;
     // The rows shown; "-" for a separator.
-    titles_t titles(size_t level) const;
+    Titles titles(size_t level) const;
     // The title of the highlighted row, "" for none.
     std::string highlighted(size_t level) const;
     NSMenuItem* item(const std::string& title) const;
@@ -65,7 +65,7 @@ class Desk : public testing::Test {
     // Sets a preference with another program, as a user would.
     static void set_preference(const std::string& key, const std::string& value);
     // The lines of the debug log with this beginning.
-    static titles_t log_lines(const std::string& beginning);
+    static Titles log_lines(const std::string& beginning);
 
     TempFolder folder_;
 

@@ -23,10 +23,10 @@ const std::string domain = "org.delvio.Delvio";
 
 std::string log_path() { return std::string(getenv("HOME")) + "/Library/Logs/Delvio.log"; }
 
-const menu_level_t* shown_level(size_t level) {
-    menu_run_t* run = menu_run_t::current();
+const MenuLevel* shown_level(size_t level) {
+    MenuRun* run = MenuRun::current();
     if (!run || level >= run->levels().size()) return nullptr;
-    const menu_level_t* shown = run->levels()[level].get();
+    const MenuLevel* shown = run->levels()[level].get();
     return shown->is_shown() ? shown : nullptr;
 }
 
@@ -34,7 +34,7 @@ std::string title_of(NSMenuItem* item) {
     return [item isSeparatorItem] ? "-" : std::string([[item title] UTF8String] ?: "");
 }
 
-const std::vector<menu_row_t>& rows_of(const menu_level_t* level) { return level->layout().rows(); }
+const std::vector<MenuRow>& rows_of(const MenuLevel* level) { return level->layout().rows(); }
 
 }  // namespace
 
@@ -47,8 +47,8 @@ void Desk::SetUpTestSuite() {
     std::filesystem::create_directories(std::filesystem::path(log_path()).parent_path());
     start_application();
     std::string problem;
-    ASSERT_TRUE(AnswerFinderEvents(&problem)) << problem;
-    ASSERT_TRUE(LoadPlugIn(DELVIO_BUNDLE, &problem)) << problem;
+    ASSERT_TRUE(answer_finder_events(&problem)) << problem;
+    ASSERT_TRUE(load_plug_in(DELVIO_BUNDLE, &problem)) << problem;
 }
 
 Desk::Desk() : pool_([NSAutoreleasePool new]), window_([FileWindow new]), steps_(new Steps) {
@@ -76,7 +76,7 @@ void Desk::pop_up(const std::function<void(Steps&)>& within) {
     steps_->run();
 }
 
-void Desk::hover_along(Steps& steps, const titles_t& path) {
+void Desk::hover_along(Steps& steps, const Titles& path) {
     for (size_t level = 0; level < path.size(); level++) {
         steps.when(
             "the level of " + path[level], [this, level] { return is_open(level); },
@@ -84,8 +84,8 @@ void Desk::hover_along(Steps& steps, const titles_t& path) {
     }
 }
 
-Desk::titles_t Desk::walk(const titles_t& path) {
-    titles_t shown;
+Desk::Titles Desk::walk(const Titles& path) {
+    Titles shown;
     pop_up([&](Steps& steps) {
         hover_along(steps, path);
         steps.when(
@@ -98,7 +98,7 @@ Desk::titles_t Desk::walk(const titles_t& path) {
     return shown;
 }
 
-void Desk::pick(const titles_t& path) {
+void Desk::pick(const Titles& path) {
     pop_up([&](Steps& steps) {
         hover_along(steps, {path.begin(), path.end() - 1});
         steps.when(
@@ -108,20 +108,20 @@ void Desk::pick(const titles_t& path) {
 }
 
 bool Desk::is_open(size_t level) const {
-    const menu_level_t* shown = shown_level(level);
+    const MenuLevel* shown = shown_level(level);
     return shown && !rows_of(shown).empty();
 }
 
-Desk::titles_t Desk::titles(size_t level) const {
-    titles_t names;
-    if (const menu_level_t* shown = shown_level(level)) {
+Desk::Titles Desk::titles(size_t level) const {
+    Titles names;
+    if (const MenuLevel* shown = shown_level(level)) {
         for (const auto& row : rows_of(shown)) names.push_back(title_of(row.item));
     }
     return names;
 }
 
 std::string Desk::highlighted(size_t level) const {
-    const menu_level_t* shown = shown_level(level);
+    const MenuLevel* shown = shown_level(level);
     if (!shown) return "";
     return title_of([[MenuSession current] highlightedItemOfMenu:shown->menu()]);
 }
@@ -129,11 +129,11 @@ std::string Desk::highlighted(size_t level) const {
 namespace {
 
 // The row with this title, in the deepest level that shows it.
-bool find_row(const std::string& title, NSMenuItem** item, area_t* area) {
-    menu_run_t* run = menu_run_t::current();
+bool find_row(const std::string& title, NSMenuItem** item, Area* area) {
+    MenuRun* run = MenuRun::current();
     for (size_t level = run ? run->levels().size() : 0; level-- > 0;) {
-        const menu_level_t* shown = shown_level(level);
-        const auto& rows = shown ? rows_of(shown) : std::vector<menu_row_t>();
+        const MenuLevel* shown = shown_level(level);
+        const auto& rows = shown ? rows_of(shown) : std::vector<MenuRow>();
         for (size_t row = 0; row < rows.size(); row++) {
             if (title_of(rows[row].item) != title) continue;
             *item = rows[row].item;
@@ -149,21 +149,21 @@ bool find_row(const std::string& title, NSMenuItem** item, area_t* area) {
 
 NSMenuItem* Desk::item(const std::string& title) const {
     NSMenuItem* item = nil;
-    area_t area = {};
+    Area area = {};
     find_row(title, &item, &area);
     return item;
 }
 
 bool Desk::is_on_screen(const std::string& title) const {
     NSMenuItem* item = nil;
-    area_t area = {};
+    Area area = {};
     const NSRect screen = [[NSScreen mainScreen] frame];
     return find_row(title, &item, &area) && area.top >= 0 && area.bottom() <= NSHeight(screen);
 }
 
 void Desk::hover(const std::string& title) {
     NSMenuItem* item = nil;
-    area_t area = {};
+    Area area = {};
     if (find_row(title, &item, &area)) {
         input_.move(area.left + area.width / 2, area.top + area.height / 2);
     }
@@ -191,9 +191,9 @@ void Desk::set_preference(const std::string& key, const std::string& value) {
     ASSERT_EQ(status, 0) << "defaults write " << key;
 }
 
-Desk::titles_t Desk::log_lines(const std::string& beginning) {
+Desk::Titles Desk::log_lines(const std::string& beginning) {
     fflush(nullptr);
-    titles_t lines;
+    Titles lines;
     std::istringstream log(read_file(log_path()));
     for (std::string line; std::getline(log, line);) {
         if (line.compare(0, beginning.size(), beginning) == 0) lines.push_back(line);

@@ -10,7 +10,7 @@ namespace {
 
 using test::DropTarget;
 using test::Steps;
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 constexpr char command_key[] = "Super_L";
 constexpr int target_x = 900, target_y = 500;
@@ -34,7 +34,7 @@ class Drag : public test::Desk {
         return log_lines("Delvio: Intercepting left mouse down event").size();
     }
     // Presses on the last row of `path` with Command and keeps the button down.
-    void press(Steps& steps, const titles_t& path, bool lets_key_go = true) {
+    void press(Steps& steps, const Titles& path, bool lets_key_go = true) {
         hover_along(steps, path);
         steps.when(
             "highlight", [this, path] { return highlighted(path.size() - 1) == path.back(); },
@@ -80,7 +80,7 @@ TEST_F(Drag, AFileThreeLevelsDownIsDroppedOnAnotherProgram) {
         let_go(steps);
         steps.when("the drop", [&] { return !target.drops().empty(); });
     });
-    EXPECT_EQ(target.drops(), titles_t({address("project/docs/chapters/one and \xC3\xA9.txt")}));
+    EXPECT_EQ(target.drops(), Titles({address("project/docs/chapters/one and \xC3\xA9.txt")}));
     EXPECT_FALSE(is_open(0));
     EXPECT_TRUE(program().opened().empty()) << "the press was no pick";
 }
@@ -93,7 +93,7 @@ TEST_F(Drag, CommandMayBeHeldUntilTheDrop) {
         let_go(steps);
         steps.when("the drop", [&] { return !target.drops().empty(); });
     });
-    EXPECT_EQ(target.drops(), titles_t({address("project/readme.txt")}));
+    EXPECT_EQ(target.drops(), Titles({address("project/readme.txt")}));
 }
 
 TEST_F(Drag, AFolderIsDraggedToo) {
@@ -104,7 +104,7 @@ TEST_F(Drag, AFolderIsDraggedToo) {
         let_go(steps);
         steps.when("the drop", [&] { return !target.drops().empty(); });
     });
-    EXPECT_EQ(target.drops(), titles_t({address("project/docs")}));
+    EXPECT_EQ(target.drops(), Titles({address("project/docs")}));
 }
 
 TEST_F(Drag, ATargetThatTakesOtherTypesGetsNothing) {
@@ -197,13 +197,13 @@ TEST_F(Drag, APressThatIsLetGoAtOnceDropsNothing) {
 TEST_F(Drag, APressWithoutCommandPicks) {
     const size_t before = intercepted();
     pick({"project", "readme.txt"});
-    EXPECT_EQ(program().wait(), titles_t({folder_.path("project/readme.txt")}));
+    EXPECT_EQ(program().wait(), Titles({folder_.path("project/readme.txt")}));
     EXPECT_EQ(intercepted(), before);
 }
 
 TEST_F(Drag, ACommandPressOnAMoveRowIsTheMenus) {
     const size_t before = log_lines("Delvio: Initiating drag").size();
-    titles_t shown;
+    Titles shown;
     pop_up([&](Steps& steps) {
         hover_along(steps, {"project"});
         steps.when(
@@ -250,7 +250,7 @@ TEST_F(Drag, ACommandPressOnTheHostsRowIsTheMenus) {
 
 TEST_F(Drag, TheTapIsOffWhileNoMenuIsOpen) {
     walk({});
-    const titles_t states = log_lines("Delvio: Event tap status");
+    const Titles states = log_lines("Delvio: Event tap status");
     ASSERT_GE(states.size(), 2u);
     EXPECT_EQ(states[states.size() - 2], "Delvio: Event tap status: 1");
     EXPECT_EQ(states.back(), "Delvio: Event tap status: 0");

@@ -19,7 +19,7 @@ namespace {
 
 using test::read_file;
 using test::Steps;
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 enum { dont_replace = kAlertStdAlertOKButton, replace = kAlertStdAlertCancelButton };
 
@@ -34,11 +34,11 @@ class MoveCopy : public test::Desk {
   protected:
     void SetUp() override {
         FileOperationService service;
-        service.carrier = operations::MakeEngine();
+        service.carrier = operations::make_engine();
         service.observer = [](const operations::Request& request) {
-            return operations::MakeWindowObserver(request, nullptr);
+            return operations::make_window_observer(request, nullptr);
         };
-        SetFileOperationService(service);
+        set_file_operation_service(service);
         folder_.folder("from/one/two/three");
         folder_.file("from/a.txt", "new a");
         folder_.file("from/b.txt", "b");
@@ -46,7 +46,7 @@ class MoveCopy : public test::Desk {
     }
     void TearDown() override {
         set_preference("open_after_file_op", "0");
-        SetFileOperationService({});
+        set_file_operation_service({});
     }
     std::string path(const std::string& name) const { return folder_.path("from/" + name); }
     bool is_there(const std::string& name) const {
@@ -59,13 +59,13 @@ class MoveCopy : public test::Desk {
     void pick_three_levels_down(
         const std::string& row, const std::string& key = "",
         const std::function<void(Steps&)>& after = [](Steps&) {}) {
-        const titles_t way = {"one", "two", "three"};
+        const Titles way = {"one", "two", "three"};
         pop_up([&](Steps& steps) {
             hover_along(steps, way);
             steps.when(
                 "the third level", [this] { return is_open(3); },
                 [this, key] {
-                    EXPECT_EQ(titles(3), titles_t({"Move selection here", "-", "Folder is empty"}));
+                    EXPECT_EQ(titles(3), Titles({"Move selection here", "-", "Folder is empty"}));
                     if (!key.empty()) input().key_down(key);
                 });
             steps.when(
@@ -77,11 +77,11 @@ class MoveCopy : public test::Desk {
         finish();
     }
     static void finish() {
-        FinishFinderEvents();
-        operations::RunUntilOperationsEnd();
+        finish_finder_events();
+        operations::run_until_operations_end();
     }
     void hit(int item) {
-        const point_t at = [alert() middleOfItem:item];
+        const MenuPoint at = [alert() middleOfItem:item];
         ASSERT_GE(at.x, 0);
         input().move(at.x, at.y);
         input().click(1);
@@ -107,12 +107,12 @@ class MoveCopy : public test::Desk {
     }
     // Waits until the engine asks or has ended.
     void finish_skipping_conflicts() {
-        FinishFinderEvents();
+        finish_finder_events();
         Steps steps;
         steps.when(
             "the conflict", [] { return [NSApp modalWindow] != nil; },
             [this] { input().key("Return"); });
-        steps.when("its end", [] { return !operations::WindowsAreNeeded(); });
+        steps.when("its end", [] { return !operations::windows_are_needed(); });
         steps.run();
     }
 };
@@ -170,7 +170,7 @@ TEST_F(MoveCopy, TheAlertKeepsByReturn) {
 TEST_F(MoveCopy, TheDestinationIsOpenedWhenAsked) {
     set_preference("open_after_file_op", "1");
     pick_three_levels_down("Move selection here");
-    EXPECT_EQ(program().wait(), titles_t({path("one/two/three")}));
+    EXPECT_EQ(program().wait(), Titles({path("one/two/three")}));
     EXPECT_TRUE(is_there("one/two/three/a.txt"));
 }
 

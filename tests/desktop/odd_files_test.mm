@@ -16,7 +16,7 @@
 namespace {
 
 using test::Steps;
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 class OddFiles : public test::Desk {
   protected:
@@ -41,49 +41,49 @@ TEST_F(OddFiles, PipesSocketsAndBrokenLinksAreRowsLikeOthers) {
     folder_.link("top/gone", "nowhere");
     folder_.link("top/loop", "loop");
     folder_.link("top/null", "/dev/null");
-    EXPECT_EQ(walk({"top"}), titles_t({"a pipe", "a socket", "gone", "loop", "null"}));
+    EXPECT_EQ(walk({"top"}), Titles({"a pipe", "a socket", "gone", "loop", "null"}));
 }
 
 TEST_F(OddFiles, ALinkToAFolderOpensAsThatFolder) {
     folder_.file("elsewhere/inside.txt");
     folder_.link("top/link", "../elsewhere");
-    EXPECT_EQ(walk({"top", "link"}), titles_t({"inside.txt"}));
+    EXPECT_EQ(walk({"top", "link"}), Titles({"inside.txt"}));
 }
 
 TEST_F(OddFiles, ANameWithControlCharactersIsOneRowAndOpens) {
     folder_.file("top/two\nlines\tand\ra\x1b[31m bell\a.txt", "text");
-    const titles_t shown = walk({"top"});
+    const Titles shown = walk({"top"});
     ASSERT_EQ(shown.size(), 1u);
     pick({"top", shown[0]});
     EXPECT_EQ(program().wait(),
-              titles_t({folder_.path("top/two\nlines\tand\ra\x1b[31m bell\a.txt")}));
+              Titles({folder_.path("top/two\nlines\tand\ra\x1b[31m bell\a.txt")}));
 }
 
 TEST_F(OddFiles, ANameOf255BytesIsShortenedAndOpensWhole) {
     const std::string name = std::string(251, 'n') + ".txt";
     folder_.file("top/" + name, "text");
-    const titles_t shown = walk({"top"});
-    EXPECT_EQ(shown, titles_t({std::string(16, 'n') + "…" + std::string(12, 'n') + ".txt"}));
+    const Titles shown = walk({"top"});
+    EXPECT_EQ(shown, Titles({std::string(16, 'n') + "…" + std::string(12, 'n') + ".txt"}));
     pick({"top", shown[0]});
-    EXPECT_EQ(program().wait(), titles_t({folder_.path("top/" + name)}));
+    EXPECT_EQ(program().wait(), Titles({folder_.path("top/" + name)}));
 }
 
 TEST_F(OddFiles, ANameThatIsNotUtf8HasARowAndLeavesTheOthersUsable) {
     folder_.file("top/bad\xff.txt", "text");
     folder_.file("top/good.txt", "text");
-    const titles_t shown = walk({"top"});
+    const Titles shown = walk({"top"});
     ASSERT_EQ(shown.size(), 2u);
     EXPECT_EQ(std::count(shown.begin(), shown.end(), "good.txt"), 1);
     EXPECT_EQ(shown[0].rfind("Delvio: No name found?", 0), 0u) << shown[0];
     pick({"top", "good.txt"});
-    EXPECT_EQ(program().wait(), titles_t({folder_.path("top/good.txt")}));
+    EXPECT_EQ(program().wait(), Titles({folder_.path("top/good.txt")}));
 }
 
 TEST_F(OddFiles, AFolderThatMayNotBeReadSaysThatItIsEmpty) {
     folder_.file("top/closed/secret");
     chmod(folder_.path("top/closed").c_str(), 0);
     const test::Unprivileged obeying;
-    EXPECT_EQ(walk({"top", "closed"}), titles_t({"Folder is empty"}));
+    EXPECT_EQ(walk({"top", "closed"}), Titles({"Folder is empty"}));
 }
 
 TEST_F(OddFiles, AFolderOfTenThousandOpensScrollsToItsEndAndCloses) {
@@ -91,7 +91,7 @@ TEST_F(OddFiles, AFolderOfTenThousandOpensScrollsToItsEndAndCloses) {
     for (int i = 1; i < 10000; i++) {
         ASSERT_EQ(link(first.c_str(), folder_.path("top/file " + std::to_string(i)).c_str()), 0);
     }
-    titles_t shown;
+    Titles shown;
     std::string last;
     pop_up([&](Steps& steps) {
         hover_along(steps, {"top"});

@@ -18,7 +18,7 @@
 namespace {
 
 using test::Steps;
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 const char separator = '\036';  // occurs in no name of a test
 
@@ -33,13 +33,13 @@ class OpenWith : public test::Desk {
         chmod(script_.c_str(), 0755);
         folder_.file("apps/recorder.desktop", entry("Recorder", script_ + " %F"));
         // As the host does for the folder that is set.
-        DeclareApplicationsFolder(folder_.path("apps").c_str());
+        declare_applications_folder(folder_.path("apps").c_str());
         set_preference("open_with_path", folder_.path("apps"));
         set_preference("runningAppsInOpenWithMenu", "0");
         select({folder_.path("dir"), folder_.path("a.txt"), folder_.path("b.txt")});
     }
     void TearDown() override {
-        DeclareApplicationsFolder(nullptr);
+        declare_applications_folder(nullptr);
         set_preference("runningAppsInOpenWithMenu", "1");
         set_preference("open_with_path", "");
         set_preference("folders", "()");
@@ -50,13 +50,13 @@ class OpenWith : public test::Desk {
                "\nMimeType=text/plain;\n";
     }
     // The arguments of the application in all its starts; waits for the first start.
-    titles_t opened() const {
+    Titles opened() const {
         std::string text;
         for (int turn = 0; turn < 6000 && text.empty(); turn++) {
             text = test::read_file(folder_.path("opened"));
             if (text.empty()) usleep(10000);
         }
-        titles_t arguments;
+        Titles arguments;
         for (size_t begin = 0, end; (end = text.find(separator, begin)) != text.npos;
              begin = end + 1) {
             arguments.push_back(text.substr(begin, end - begin));
@@ -121,7 +121,7 @@ TEST_F(OpenWith, AnApplicationOfTheRootMenuOpensTheWholeSelection) {
             "the application", [&] { return true; }, [&] { click("Recorder"); });
     });
     EXPECT_EQ(opened(),
-              titles_t({folder_.path("dir"), folder_.path("a.txt"), folder_.path("b.txt")}));
+              Titles({folder_.path("dir"), folder_.path("a.txt"), folder_.path("b.txt")}));
 }
 
 TEST_F(OpenWith, WithOptionAnApplicationOfTheRootMenuOpensTheOneItem) {
@@ -136,7 +136,7 @@ TEST_F(OpenWith, WithOptionAnApplicationOfTheRootMenuOpensTheOneItem) {
                 "the line of the item", [&] { return titles(1).at(0) == "Open with..."; },
                 [&] { click("Recorder"); });
     });
-    EXPECT_EQ(opened(), titles_t({folder_.path("b.txt")}));
+    EXPECT_EQ(opened(), Titles({folder_.path("b.txt")}));
 }
 
 TEST_F(OpenWith, AnApplicationOfADeeperMenuOpensTheOneItem) {
@@ -144,7 +144,7 @@ TEST_F(OpenWith, AnApplicationOfADeeperMenuOpensTheOneItem) {
         steps.when(
             "the application", [&] { return is_open(2); }, [&] { click("Recorder"); });
     });
-    EXPECT_EQ(opened(), titles_t({folder_.path("dir/inner.txt")}));
+    EXPECT_EQ(opened(), Titles({folder_.path("dir/inner.txt")}));
 }
 
 TEST_F(OpenWith, WithOptionAnApplicationOfADeeperMenuOpensTheWholeSelection) {
@@ -158,11 +158,11 @@ TEST_F(OpenWith, WithOptionAnApplicationOfADeeperMenuOpensTheWholeSelection) {
                 [&] { click("Recorder"); });
     });
     EXPECT_EQ(opened(),
-              titles_t({folder_.path("dir"), folder_.path("a.txt"), folder_.path("b.txt")}));
+              Titles({folder_.path("dir"), folder_.path("a.txt"), folder_.path("b.txt")}));
 }
 
 TEST_F(OpenWith, TheFirstLineFollowsTheOptionKey) {
-    titles_t lines;
+    Titles lines;
     const auto first_is = [&](const std::string& text) {
         return [this, text] { return titles(1).at(0) == text; };
     };
@@ -184,15 +184,14 @@ TEST_F(OpenWith, TheFirstLineFollowsTheOptionKey) {
             escape();
         });
     });
-    EXPECT_EQ(lines,
-              titles_t({"Open selection with...", "Open with...", "Open selection with..."}));
+    EXPECT_EQ(lines, Titles({"Open selection with...", "Open with...", "Open selection with..."}));
 }
 
 TEST_F(OpenWith, ApplicationsThatCannotBeStartedLeaveTheMenuAndTheHostAlone) {
     folder_.file("apps/broken.desktop", "[Desktop Entry]\nType=Application\nName=Broken\n");
     folder_.file("apps/garbage.desktop", "\x01\x02 no entry");
     folder_.file("apps/missing.desktop", entry("Missing", "/nowhere/program %F"));
-    titles_t shown;
+    Titles shown;
     for (const char* name : {"Missing", "Recorder"}) {
         in_root_menu([&](Steps& steps) {
             steps.when(
@@ -212,7 +211,7 @@ TEST_F(OpenWith, BadUserFoldersLeaveTheOthersInTheMenu) {
     const std::string good = folder_.folder("good"), other = folder_.folder("other");
     set_preference("folders", "(\"" + good + "\", {a = b;}, \"\", \"-\", \"" +
                                   folder_.path("gone") + "\", \"" + other + "\")");
-    titles_t shown;
+    Titles shown;
     pop_up([&](Steps& steps) {
         steps.when(
             "the menu", [&] { return is_open(0); },
@@ -222,7 +221,7 @@ TEST_F(OpenWith, BadUserFoldersLeaveTheOthersInTheMenu) {
             });
     });
     shown.resize(std::min<size_t>(shown.size(), 6));
-    EXPECT_EQ(shown, titles_t({"good", "-", "other", "-", "dir", "-"}));
+    EXPECT_EQ(shown, Titles({"good", "-", "other", "-", "dir", "-"}));
 }
 
 TEST_F(OpenWith, RunningProgramsStandInTheOrderOfTheirNamesAndOpenFiles) {
@@ -238,7 +237,7 @@ TEST_F(OpenWith, RunningProgramsStandInTheOrderOfTheirNamesAndOpenFiles) {
     test::WindowProgram second({"window", "class=zeta,Zeta", "show"});
     test::WindowProgram panel({"window", "class=panel,Panel", "type=DOCK", "show"});
     ASSERT_TRUE(runs("Alpha") && runs("Zeta") && runs("Panel"));
-    titles_t shown;
+    Titles shown;
     in_root_menu([&](Steps& steps) {
         steps
             .when(
@@ -251,7 +250,7 @@ TEST_F(OpenWith, RunningProgramsStandInTheOrderOfTheirNamesAndOpenFiles) {
                 });
     });
     // This test's own program also has a window, but neither a desktop entry nor a bundle.
-    EXPECT_EQ(shown, titles_t({"Alpha", "Zeta", "desktop_open_with_test"}));
+    EXPECT_EQ(shown, Titles({"Alpha", "Zeta", "desktop_open_with_test"}));
     EXPECT_EQ(opened().size(), 3u);
 }
 
@@ -279,5 +278,5 @@ TEST_F(OpenWith, ARecentDocumentOfAnApplicationOpens) {
             .when(
                 "the recent documents", [&] { return is_open(2); }, [&] { click("letter.txt"); });
     });
-    EXPECT_EQ(program().wait(), titles_t({document}));
+    EXPECT_EQ(program().wait(), Titles({document}));
 }

@@ -9,7 +9,7 @@
 namespace {
 
 using test::Steps;
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 class PressAndHold : public test::Desk {
   protected:
@@ -56,7 +56,7 @@ class PressAndHold : public test::Desk {
 }  // namespace
 
 TEST_F(PressAndHold, OpensTheMenuWithThePlugInsItems) {
-    titles_t shown;
+    Titles shown;
     Steps steps;
     hold(steps, [this] { input().release(1); });
     steps.when(
@@ -68,7 +68,7 @@ TEST_F(PressAndHold, OpensTheMenuWithThePlugInsItems) {
     const int popups = [window() popups];
     steps.when("its end", [&] { return [window() popups] > popups; });
     steps.run();
-    EXPECT_EQ(shown, titles_t({"project", "-", "Open", "Get Info", "Duplicate"}));
+    EXPECT_EQ(shown, Titles({"project", "-", "Open", "Get Info", "Duplicate"}));
 }
 
 TEST_F(PressAndHold, AMoveByOnePixelCancels) {
@@ -94,7 +94,7 @@ TEST_F(PressAndHold, ThePickedFileOpens) {
     const int popups = [window() popups];
     steps.when("its end", [&] { return [window() popups] > popups; });
     steps.run();
-    EXPECT_EQ(program().wait(), titles_t({folder_.path("project/readme.txt")}));
+    EXPECT_EQ(program().wait(), Titles({folder_.path("project/readme.txt")}));
 }
 
 TEST_F(PressAndHold, OtherProgramsWindowsCountInModeTwoAlone) {

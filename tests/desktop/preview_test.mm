@@ -195,11 +195,11 @@ TEST_F(Preview, ATextIsShownAsTextOfTheSizeThatIsSet) {
 
 TEST_F(Preview, AFileThatCannotBeReadHasNoPreview) {
     ASSERT_EQ(mkfifo(folder_.path("project/pipe").c_str(), 0600), 0);
-    titles_t lines;
+    Titles lines;
     bool enabled = true;
     in_preview_menu("pipe", [&](Steps& steps) {
         steps.when(
-            "the line", [&] { return titles(2) == titles_t({"No preview available"}); },
+            "the line", [&] { return titles(2) == Titles({"No preview available"}); },
             [&] {
                 lines = titles(2);
                 enabled = [preview_item() isEnabled];

@@ -132,7 +132,7 @@ pid_t SilentDisk::server;
 
 TEST_F(SilentDisk, WhileItAnswersItsFilesHaveAHoverWindow) {
     bool shown = false;
-    titles_t rows;
+    Titles rows;
     pop_up([&](Steps& steps) {
         hover_along(steps, {"disk"});
         steps.when(
@@ -145,7 +145,7 @@ TEST_F(SilentDisk, WhileItAnswersItsFilesHaveAHoverWindow) {
                 escape();
             });
     });
-    EXPECT_EQ(rows, titles_t({"a.txt", "b.txt", "c.txt"}));
+    EXPECT_EQ(rows, Titles({"a.txt", "b.txt", "c.txt"}));
     EXPECT_TRUE(shown);
 }
 

@@ -74,7 +74,7 @@ class Behaviour : public testing::Test {
     }
 
     // Does the same work in GWorkspace and returns its messages on standard error.
-    lines_t messages_of_a_session(bool with_delvio) {
+    Lines messages_of_a_session(bool with_delvio) {
         FileManager manager(folder_.path(), with_delvio);
         wake(manager);
         for (const char* form : {"browser", "list", "icons"})
@@ -82,9 +82,8 @@ class Behaviour : public testing::Test {
         const Area area = item(manager, "other.txt");
         hand_.move(area.x(), area.y());
         hand_.click(1);
-        EXPECT_TRUE(wait_until([&] {
-            return manager.ask_lines("selection") == lines_t({folder_.path("other.txt")});
-        }));
+        EXPECT_TRUE(wait_until(
+            [&] { return manager.ask_lines("selection") == Lines({folder_.path("other.txt")}); }));
         if (with_delvio) {
             hand_.click(3);
             EXPECT_TRUE(wait_until([&] { return manager.ask("menus") == "1"; }));
@@ -101,7 +100,7 @@ class Behaviour : public testing::Test {
 };
 
 // Each message once, without numbers, because these differ from run to run.
-std::set<std::string> kinds_of(const lines_t& messages) {
+std::set<std::string> kinds_of(const Lines& messages) {
     std::set<std::string> kinds;
     for (std::string line : messages) {
         line.erase(std::remove_if(line.begin(), line.end(), isdigit), line.end());
@@ -146,7 +145,7 @@ TEST_F(Behaviour, NothingMoreIsWrittenToStandardError) {
 
 TEST_F(Behaviour, AComplaintAtTheStartHoldsNoControlCharacter) {
     setenv("DELVIO_BUNDLE", "/odd\x1b[31m\xc2\x9b", 1);
-    lines_t messages;
+    Lines messages;
     {
         FileManager manager(folder_.path());
         messages = manager.messages();

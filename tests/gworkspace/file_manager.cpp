@@ -28,7 +28,7 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
-pid_t start(const lines_t& command, const std::function<void()>& prepare) {
+pid_t start(const Lines& command, const std::function<void()>& prepare) {
     std::vector<char*> words;
     for (const std::string& word : command) words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
@@ -46,30 +46,30 @@ void redirect(const std::string& file) {
     dup2(descriptor, STDERR_FILENO);
 }
 
-lines_t lines_of(const std::string& text) {
-    lines_t lines;
+Lines lines_of(const std::string& text) {
+    Lines lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) lines.push_back(line);
     return lines;
 }
 
-std::string quoted_list(const lines_t& strings) {
+std::string quoted_list(const Lines& strings) {
     std::string list;
     for (const std::string& string : strings)
         list += (list.empty() ? "\"" : ", \"") + string + "\"";
     return "(" + list + ")";
 }
 
-lines_t command_for(const std::string& folder, bool with_delvio, const lines_t& words) {
-    lines_t bundles = {GWORKSPACE_PROBE_BUNDLE};
+Lines command_for(const std::string& folder, bool with_delvio, const Lines& words) {
+    Lines bundles = {GWORKSPACE_PROBE_BUNDLE};
     if (with_delvio) bundles.insert(bundles.begin(), DELVIO_GWORKSPACE_BUNDLE);
-    lines_t command = {"GWorkspace",
-                       "-GSAppKitUserBundles",
-                       quoted_list(bundles),
-                       "-viewersinfo",
-                       "({path = \"" + folder + "\"; key = viewer;})",
-                       "-NoWarnOnQuit",
-                       "YES"};
+    Lines command = {"GWorkspace",
+                     "-GSAppKitUserBundles",
+                     quoted_list(bundles),
+                     "-viewersinfo",
+                     "({path = \"" + folder + "\"; key = viewer;})",
+                     "-NoWarnOnQuit",
+                     "YES"};
     command.insert(command.end(), words.begin(), words.end());
     return command;
 }
@@ -85,7 +85,7 @@ bool wait_until(const std::function<bool()>& condition, int seconds) {
     return true;
 }
 
-FileManager::FileManager(const std::string& folder, bool with_delvio, const lines_t& words) {
+FileManager::FileManager(const std::string& folder, bool with_delvio, const Lines& words) {
     static int serial;
     const std::string base = variable("TEMP") + "/gw" + std::to_string(++serial);
     socket_ = base + ".probe";
@@ -143,9 +143,7 @@ std::string FileManager::ask(const std::string& question) const {
     return answer;
 }
 
-lines_t FileManager::ask_lines(const std::string& question) const {
-    return lines_of(ask(question));
-}
+Lines FileManager::ask_lines(const std::string& question) const { return lines_of(ask(question)); }
 
 Area FileManager::ask_area(const std::string& question) const {
     Area area;
@@ -164,10 +162,10 @@ Area FileManager::settled_area(const std::string& question) const {
     return area;
 }
 
-lines_t FileManager::messages() const {
+Lines FileManager::messages() const {
     static const std::regex variable_parts("^[-0-9]+ [:.0-9]+ |\\[[0-9]+:[0-9]+\\]");
     static const std::regex about_bundles("user defined AppKit bundles|Loaded '.*\\.bundle'");
-    lines_t kept;
+    Lines kept;
     for (const std::string& line : lines_of(read_file(errors_))) {
         if (std::regex_search(line, about_bundles)) continue;
         kept.push_back(std::regex_replace(line, variable_parts, ""));

@@ -10,7 +10,7 @@
 
 namespace test {
 
-using lines_t = std::vector<std::string>;
+using Lines = std::vector<std::string>;
 
 struct Area {
     int left = 0, top = 0, width = 0, height = 0;
@@ -25,7 +25,7 @@ class FileManager {
     // Starts GWorkspace with one viewer, of this folder, and waits until the viewer is there.
     // `words` are additional arguments.
     explicit FileManager(const std::string& folder, bool with_delvio = true,
-                         const lines_t& words = {});
+                         const Lines& words = {});
     // Ends GWorkspace and all programs that it started.
     ~FileManager();
     FileManager(const FileManager&) = delete;
@@ -33,7 +33,7 @@ class FileManager {
 
     // Asks a question of gworkspace/probe_questions.h or gworkspace/probe_menus.mm.
     std::string ask(const std::string& question) const;
-    lines_t ask_lines(const std::string& question) const;
+    Lines ask_lines(const std::string& question) const;
     Area ask_area(const std::string& question) const;
     // Waits until it is there and stays where it is.
     Area settled_area(const std::string& question) const;
@@ -43,7 +43,7 @@ class FileManager {
     std::string account();
     // What GWorkspace and the programs that it starts have written to standard error, without
     // times, process numbers and GNUstep's own lines about bundles.
-    lines_t messages() const;
+    Lines messages() const;
 
   private:
     std::string socket_, errors_, end_;

@@ -12,14 +12,14 @@
 
 namespace {
 
-struct library_t {
+struct Library {
     std::string_view ending;
     std::string path;
     ElfW(Addr) base = 0;
 };
 
 int look_at(dl_phdr_info* info, size_t, void* data) {
-    auto* wanted = static_cast<library_t*>(data);
+    auto* wanted = static_cast<Library*>(data);
     if (!std::string_view(info->dlpi_name).ends_with(wanted->ending)) return 0;
     wanted->path = info->dlpi_name;
     wanted->base = info->dlpi_addr;
@@ -50,8 +50,8 @@ ElfW(Addr) value_of(const std::vector<char>& file, std::string_view name) {
 
 }  // namespace
 
-const void* FindLocalSymbol(const char* library, const char* name) {
-    library_t wanted{library, {}, 0};
+const void* find_local_symbol(const char* library, const char* name) {
+    Library wanted{library, {}, 0};
     dl_iterate_phdr(look_at, &wanted);
     const ElfW(Addr) value = wanted.path.empty() ? 0 : value_of(content_of(wanted.path), name);
     return value ? reinterpret_cast<const void*>(wanted.base + value) : nullptr;

@@ -2,4 +2,4 @@
 #pragma once
 
 // The variable's address, or null. `library` is the end of the file's path.
-const void* FindLocalSymbol(const char* library, const char* name);
+const void* find_local_symbol(const char* library, const char* name);

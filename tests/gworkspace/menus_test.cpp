@@ -27,7 +27,7 @@ class Menus : public ViewerDesk {
 TEST_F(Menus, AFileOfTheThirdLevelOpens) {
     right_click(item("icons", path("alpha")));
     pick({"alpha", "one", "two", "deep.txt"});
-    EXPECT_EQ(program().wait(), lines_t({path("alpha/one/two/deep.txt")}));
+    EXPECT_EQ(program().wait(), Lines({path("alpha/one/two/deep.txt")}));
 }
 
 // A desktop file that poses as a photo, an icon that never ends, and a property list that no parser
@@ -41,13 +41,13 @@ TEST_F(Menus, AFolderOfAStrangersIsListedAndNothingInItRuns) {
     changing_folder().file("beta/Deep.app/Resources/Info-gnustep.plist", std::string(120000, '('));
     right_click(item("icons", path("beta")));
     hover_along({"beta"});
-    const lines_t shown = titles(1);
+    const Lines shown = titles(1);
     EXPECT_TRUE(contains(shown, "photo.desktop"));
     EXPECT_FALSE(contains(shown, "Holiday photo.jpg"));
     EXPECT_TRUE(contains(shown, "Deep") || contains(shown, "Deep.app")) << shown.size();
     EXPECT_TRUE(contains(shown, "pipe.png"));
     pick({"beta", "photo.desktop"});
-    EXPECT_EQ(program().wait(), lines_t({entry})) << "it is opened as the text that it is";
+    EXPECT_EQ(program().wait(), Lines({entry})) << "it is opened as the text that it is";
     EXPECT_FALSE(fs::exists(mark));
     for (const char* name : {"beta/pipe.png", "beta/photo.desktop", "beta/Deep.app"}) {
         fs::remove_all(path(name));
@@ -77,15 +77,15 @@ TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
     right_click(item("icons", path("alpha")));
     pick({"alpha", "one"});
     EXPECT_TRUE(wait_until([&] { return contains(manager().ask_lines("windows"), "one"); }));
-    EXPECT_EQ(program().opened(), lines_t());
+    EXPECT_EQ(program().opened(), Lines());
     manager().ask("close one");
     EXPECT_TRUE(wait_until([&] { return !contains(manager().ask_lines("windows"), "one"); }));
 }
 
 TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
     right_click(item("icons", path("second.txt")));
-    EXPECT_EQ(titles(0), lines_t({"second.txt", "-", "Open", "Open With...", "-", "Cut", "Copy",
-                                  "-", "Duplicate", "Move to Recycler", "-", "Attributes"}));
+    EXPECT_EQ(titles(0), Lines({"second.txt", "-", "Open", "Open With...", "-", "Cut", "Copy", "-",
+                                "Duplicate", "Move to Recycler", "-", "Attributes"}));
     pick({"Duplicate"});
     answer("Duplicate the selected objects?");
     EXPECT_TRUE(wait_until([&] {
@@ -118,7 +118,7 @@ TEST_F(Menus, NewFolderOnTheGroundIsMadeInTheFolderShown) {
 
 TEST_F(Menus, CopyPutsTheSelectionOnTheClipboard) {
     select("icons", {path("first.txt"), path("second.txt")});
-    const lines_t both = selection();
+    const Lines both = selection();
     right_click(item("icons", path("first.txt")));
     pick({"Copy"});
     EXPECT_TRUE(wait_until([&] { return manager().ask_lines("clipboard") == both; }));
@@ -137,11 +137,11 @@ TEST_F(Menus, ShiftGivesGWorkspacesMenuAlone) {
     const Area area = item("icons", path("alpha"));
     input().key_down("Shift_L");
     right_click(area);
-    const lines_t plain = titles(0);
+    const Lines plain = titles(0);
     input().key_up("Shift_L");
     close_menu();
-    EXPECT_EQ(plain, lines_t({"Open as Folder", "-", "Cut", "Copy", "-", "Duplicate",
-                              "Move to Recycler", "-", "Attributes"}));
+    EXPECT_EQ(plain, Lines({"Open as Folder", "-", "Cut", "Copy", "-", "Duplicate",
+                            "Move to Recycler", "-", "Attributes"}));
 }
 
 TEST_F(Menus, ControlClickOpensTheMenu) {
@@ -151,7 +151,7 @@ TEST_F(Menus, ControlClickOpensTheMenu) {
     input().click(1);
     input().key_up("Control_L");
     ASSERT_TRUE(wait_until([&] { return is_open(0); }));
-    EXPECT_EQ(selection(), lines_t({path("alpha")}));
+    EXPECT_EQ(selection(), Lines({path("alpha")}));
     hover_along({"alpha", "one"});
     close_menu();
 }
@@ -159,7 +159,7 @@ TEST_F(Menus, ControlClickOpensTheMenu) {
 TEST_F(Menus, TwentyInARowAreAllTheSame) {
     const Area area = item("icons", path("alpha"));
     right_click(area);
-    const lines_t first = titles(0);
+    const Lines first = titles(0);
     close_menu();
     for (int popup = 0; popup < 20; popup++) {
         right_click(area);
@@ -191,7 +191,7 @@ TEST_F(Menus, AClickOutsideClosesItAndDoesNothingElse) {
     right_click(item("icons", path("alpha")));
     left_click(item("icons", path("beta")));
     EXPECT_TRUE(wait_until([&] { return is_closed(); }));
-    EXPECT_EQ(selection(), lines_t({path("alpha")}));
+    EXPECT_EQ(selection(), Lines({path("alpha")}));
     EXPECT_TRUE(input().pointer_is_free());
     EXPECT_TRUE(input().keyboard_is_free());
 }
@@ -233,10 +233,10 @@ TEST_F(Menus, AFolderDeletedMeanwhileLeavesMenuAndGWorkspaceUsable) {
     fs::remove_all(path("doomed"));
     move_to(row(1, "inner").area);
     EXPECT_TRUE(wait_until([&] { return is_open(2); }));
-    EXPECT_EQ(titles(2), lines_t({"Folder is empty"}));
+    EXPECT_EQ(titles(2), Lines({"Folder is empty"}));
     close_menu();
     right_click(item("icons", path("beta")));
     hover_along({"beta"});
-    EXPECT_EQ(titles(1), lines_t({"b.txt"}));
+    EXPECT_EQ(titles(1), Lines({"b.txt"}));
     close_menu();
 }

@@ -46,7 +46,7 @@ class Operations : public ViewerDesk {
         manager().ask("show icons");
         return path;
     }
-    void pick_for(const std::string& path, const lines_t& way) {
+    void pick_for(const std::string& path, const Lines& way) {
         right_click(item("icons", path));
         pick(way);
     }
@@ -88,19 +88,19 @@ class Operations : public ViewerDesk {
     // The reason why nothing is undone.
     static std::string refusal_of_undo() {
         Undone observer;
-        const operations::Report report = operations::UndoLast(observer);
+        const operations::Report report = operations::undo_last(observer);
         return report.outcomes.empty() ? "" : report.outcomes[0].reason;
     }
     static void undo() {
         Undone observer;
-        for (const auto& outcome : operations::UndoLast(observer).outcomes) {
+        for (const auto& outcome : operations::undo_last(observer).outcomes) {
             EXPECT_EQ(outcome.state, operations::State::Done) << outcome.reason;
         }
     }
 };
 
-const lines_t three_levels = {"basket", "one", "two", "three"};
-const lines_t to_basket = {"basket", "Move selection here"};
+const Lines three_levels = {"basket", "one", "two", "three"};
+const Lines to_basket = {"basket", "Move selection here"};
 }  // namespace
 
 TEST_F(Operations, MoveSelectionHereIsAMoveOfGWorkspaces) {

@@ -37,7 +37,7 @@ class Pointer : public ViewerDesk {
     void drag(size_t level, const std::string& title) {
         move_to(row(level, title).area);
         const std::string question = "highlight " + std::to_string(level);
-        EXPECT_TRUE(wait_until([&] { return manager().ask_lines(question) == lines_t({title}); }));
+        EXPECT_TRUE(wait_until([&] { return manager().ask_lines(question) == Lines({title}); }));
         input().key_down(command_key);
         input().press(1);
         ASSERT_TRUE(wait_until([&] { return is_closed(); }));
@@ -94,14 +94,14 @@ TEST_F(PressAndHold, AMoveByOnePixelCancels) {
     input().move(area.x() + 1, area.y());
     EXPECT_TRUE(wait_until([&] { return !is_armed(); }));
     input().release(1);
-    EXPECT_TRUE(wait_until([&] { return selection() == lines_t({path("second.txt")}); }));
+    EXPECT_TRUE(wait_until([&] { return selection() == Lines({path("second.txt")}); }));
     EXPECT_TRUE(is_closed());
 }
 
 TEST_F(PressAndHold, AReleaseBeforeTheDelayIsAClick) {
     prepare("30000000");
     input().release(1);
-    EXPECT_TRUE(wait_until([&] { return selection() == lines_t({path("second.txt")}); }));
+    EXPECT_TRUE(wait_until([&] { return selection() == Lines({path("second.txt")}); }));
     EXPECT_FALSE(is_armed());
     EXPECT_TRUE(is_closed());
 }
@@ -119,7 +119,7 @@ TEST_F(Pointer, AFileThreeLevelsDownIsDroppedOnAnotherProgram) {
     input().move(1050, 650);
     input().release(1);
     EXPECT_TRUE(wait_until([&] { return !target.drops().empty(); }));
-    EXPECT_EQ(target.drops(), lines_t({"file://" + path("alpha/one/two/deep.txt")}));
+    EXPECT_EQ(target.drops(), Lines({"file://" + path("alpha/one/two/deep.txt")}));
 }
 
 TEST_F(Pointer, AFileOfAnotherProgramsMenuIsDroppedOnGWorkspace) {

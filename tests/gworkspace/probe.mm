@@ -53,7 +53,7 @@ std::string answer_to(const std::string& line) {
     std::getline(words, rest, '\0');  // a name may hold a newline
     std::string answer;
     @try {
-        return AnswerAboutViews(question, rest, &answer) ? answer : ask_about_menus(line);
+        return answer_about_views(question, rest, &answer) ? answer : ask_about_menus(line);
     } @catch (NSException* exception) {
         return std::string("error ") + [[exception description] UTF8String];
     }

@@ -20,10 +20,10 @@
 
 namespace {
 
-const menu_level_t* shown_level(size_t level) {
-    menu_run_t* run = menu_run_t::current();
+const MenuLevel* shown_level(size_t level) {
+    MenuRun* run = MenuRun::current();
     if (!run || level >= run->levels().size()) return nullptr;
-    const menu_level_t* shown = run->levels()[level].get();
+    const MenuLevel* shown = run->levels()[level].get();
     return shown->is_shown() && !shown->layout().rows().empty() ? shown : nullptr;
 }
 
@@ -34,11 +34,11 @@ std::string title_of(NSMenuItem* item) {
 
 std::string rows_of(size_t level) {
     std::ostringstream text;
-    const menu_level_t* shown = shown_level(level);
+    const MenuLevel* shown = shown_level(level);
     if (!shown) return "";
     int index = 0;
-    for (const menu_row_t& row : shown->layout().rows()) {
-        const area_t area = shown->row_area(index++);
+    for (const MenuRow& row : shown->layout().rows()) {
+        const Area area = shown->row_area(index++);
         text << area.left << " " << area.top << " " << area.width << " " << area.height << " "
              << ([row.item isEnabled] ? 1 : 0) << " " << ([row.item hasSubmenu] ? 1 : 0) << " "
              << title_of(row.item) << "\n";
@@ -47,7 +47,7 @@ std::string rows_of(size_t level) {
 }
 
 std::string highlight_of(size_t level) {
-    const menu_level_t* shown = shown_level(level);
+    const MenuLevel* shown = shown_level(level);
     if (!shown) return "";
     return title_of([[MenuSession current] highlightedItemOfMenu:shown->menu()]) + "\n";
 }
@@ -55,12 +55,12 @@ std::string highlight_of(size_t level) {
 AlertPanel* shown_alert() {
     NSWindow* window = [NSApp modalWindow];
     const BOOL is_alert = [window isKindOfClass:objc_lookUpClass("AlertPanel")];
-    return is_alert && IsSettled(window) && HasKeyboard(window) ? (AlertPanel*)window : nil;
+    return is_alert && is_settled(window) && keyboard_is_in(window) ? (AlertPanel*)window : nil;
 }
 
 std::string button_of(int item) {
     if (!shown_alert()) return "";
-    const point_t at = [shown_alert() middleOfItem:item];
+    const MenuPoint at = [shown_alert() middleOfItem:item];
     return std::to_string(at.x) + " " + std::to_string(at.y);
 }
 
@@ -76,11 +76,11 @@ WidgetPanel* shown_panel() {
 
 std::string part_of(const std::string& text) {
     WidgetPanel* panel = shown_panel();
-    if (!panel || !IsSettled(panel)) return "";
-    if ([NSApp modalWindow] == panel && !HasKeyboard(panel)) return "";
-    for (const widget_t& widget : [panel content].widgets) {
-        if (widget.kind == widget_kind_t::text || widget.text != text) continue;
-        const point_t at = [panel middleOfItem:widget.item];
+    if (!panel || !is_settled(panel)) return "";
+    if ([NSApp modalWindow] == panel && !keyboard_is_in(panel)) return "";
+    for (const Widget& widget : [panel content].widgets) {
+        if (widget.kind == WidgetKind::text || widget.text != text) continue;
+        const MenuPoint at = [panel middleOfItem:widget.item];
         return std::to_string(at.x) + " " + std::to_string(at.y) + (widget.on ? " 1" : " 0");
     }
     return "";
@@ -90,8 +90,8 @@ std::string panel_texts() {
     std::string text;
     WidgetPanel* panel = shown_panel();
     if (!panel) return "";
-    for (const widget_t& widget : [panel content].widgets) {
-        if (widget.kind == widget_kind_t::text) text += widget.text + "\n";
+    for (const Widget& widget : [panel content].widgets) {
+        if (widget.kind == WidgetKind::text) text += widget.text + "\n";
     }
     return text;
 }
@@ -99,7 +99,7 @@ std::string panel_texts() {
 std::string element_counts() {
     std::ostringstream text;
     for (const char* name : {"alloc_count", "free_count"}) {
-        const void* counter = FindLocalSymbol("Delvio.bundle/Delvio", name);
+        const void* counter = find_local_symbol("Delvio.bundle/Delvio", name);
         text << (counter ? *static_cast<const uint32_t*>(counter) : 0) << " ";
     }
     return text.str();
@@ -107,8 +107,8 @@ std::string element_counts() {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) void AnswerAboutMenus(const char* line,
-                                                                        std::string* answer) {
+extern "C" __attribute__((visibility("default"))) void answer_about_menus(const char* line,
+                                                                          std::string* answer) {
     std::istringstream words(line);
     std::string question;
     size_t level = 0;

@@ -26,7 +26,7 @@ void register_executor(id operation, SEL selector, id executor) {
 
 }  // namespace
 
-void TakeNameAtStart(const std::string& path) {
+void take_name_at_start(const std::string& path) {
     name_to_take = path;
     if (original) return;
     Method method =

@@ -28,7 +28,7 @@
 
 #include <string>
 
-void TakeNameAtStart(const std::string& path);
+void take_name_at_start(const std::string& path);
 
 // False for an unknown question.
-bool AnswerAboutViews(const std::string& question, const std::string& words, std::string* answer);
+bool answer_about_views(const std::string& question, const std::string& words, std::string* answer);

@@ -83,7 +83,7 @@ NSView* view_of(const std::string& kind) {
 
 std::string area_of(NSView* view, NSRect rect) {
     const NSRect shown = NSIntersectionRect(rect, [view visibleRect]);
-    if (NSIsEmptyRect(shown) || !IsSettled([view window])) return "";
+    if (NSIsEmptyRect(shown) || !is_settled([view window])) return "";
     const NSRect area = [view convertRect:shown toView:nil];
     const NSPoint corner = [[view window] convertBaseToScreen:area.origin];
     const double top = NSHeight([[NSScreen mainScreen] frame]) - corner.y - NSHeight(area);
@@ -249,7 +249,8 @@ NSString* string_of(const std::string& text) {
 
 }  // namespace
 
-bool AnswerAboutViews(const std::string& question, const std::string& words, std::string* answer) {
+bool answer_about_views(const std::string& question, const std::string& words,
+                        std::string* answer) {
     const size_t blank = words.find(' ');
     const std::string kind = words.substr(0, blank);
     NSString* path = string_of(blank == std::string::npos ? words : words.substr(blank + 1));
@@ -288,20 +289,20 @@ bool AnswerAboutViews(const std::string& question, const std::string& words, std
         *answer = alert_text();
     } else if (question == "alert_ground") {
         NSWindow* panel = [NSApp modalWindow];
-        if (panel && IsSettled(panel)) {
+        if (panel && is_settled(panel)) {
             *answer = area_of([panel contentView], NSMakeRect(2, 2, 4, 4));
         }
     } else if (question == "question") {
         NSWindow* panel = [NSApp modalWindow];
-        if (panel && HasKeyboard(panel)) *answer = alert_text();
+        if (panel && keyboard_is_in(panel)) *answer = alert_text();
     } else if (question == "covering") {
         for (NSWindow* window in [NSApp windows]) {
-            if (StandsOver(window, [NSApp modalWindow])) *answer += text_of([window title]) + "\n";
+            if (stands_over(window, [NSApp modalWindow])) *answer += text_of([window title]) + "\n";
         }
     } else if (question == "idle") {
         *answer = [NSApp modalWindow] ? "" : "yes";
     } else if (question == "take_at_start") {
-        TakeNameAtStart(words);
+        take_name_at_start(words);
     } else if (question == "quit") {
         [NSApp performSelector:@selector(terminate:) withObject:nil afterDelay:0];
     } else if (question == "memory") {

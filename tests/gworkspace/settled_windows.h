@@ -5,10 +5,10 @@
 #include <AppKit/AppKit.h>
 
 // The window is shown, and its place on the screen matches its frame.
-bool IsSettled(NSWindow* window);
+bool is_settled(NSWindow* window);
 
 // The window gets what is typed.
-bool HasKeyboard(NSWindow* window);
+bool keyboard_is_in(NSWindow* window);
 
 // Whether a shown window covers a part of another, in the server's order of windows.
-bool StandsOver(NSWindow* window, NSWindow* other);
+bool stands_over(NSWindow* window, NSWindow* other);

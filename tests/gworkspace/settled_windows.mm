@@ -61,13 +61,13 @@ int height_of(Window wanted) {
 
 }  // namespace
 
-bool StandsOver(NSWindow* window, NSWindow* other) {
+bool stands_over(NSWindow* window, NSWindow* other) {
     if (window == other || ![window isVisible] || ![other isVisible]) return false;
     return NSIntersectsRect([window frame], [other frame]) &&
            height_of(outermost(x_window(window))) > height_of(outermost(x_window(other)));
 }
 
-bool IsSettled(NSWindow* window) {
+bool is_settled(NSWindow* window) {
     XWindowAttributes attributes;
     const Window shown = [window windowNumber] > 0 ? x_window(window) : 0;
     if (!shown || !XGetWindowAttributes(connection(), shown, &attributes)) return false;
@@ -79,7 +79,7 @@ bool IsSettled(NSWindow* window) {
     return is_at(corner_of(content_of(window)), x, y) || is_at(corner_of([window frame]), x, y);
 }
 
-bool HasKeyboard(NSWindow* window) {
+bool keyboard_is_in(NSWindow* window) {
     Window focus = 0;
     int revert = 0;
     if (![window isKeyWindow]) return false;

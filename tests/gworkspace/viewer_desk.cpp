@@ -86,7 +86,7 @@ void ViewerDesk::left_click(const Area& area) {
     input_.click(1);
 }
 
-void ViewerDesk::select(const std::string& kind, const lines_t& paths) {
+void ViewerDesk::select(const std::string& kind, const Lines& paths) {
     for (size_t i = 0; i < paths.size(); i++) {
         const Area area = item(kind, paths[i]);
         if (i == 1) input_.key_down("Shift_L");
@@ -126,8 +126,8 @@ std::vector<Row> ViewerDesk::rows(size_t level) const {
     return rows;
 }
 
-lines_t ViewerDesk::titles(size_t level) const {
-    lines_t titles;
+Lines ViewerDesk::titles(size_t level) const {
+    Lines titles;
     for (const Row& row : rows(level)) titles.push_back(row.title);
     return titles;
 }
@@ -140,7 +140,7 @@ Row ViewerDesk::row(size_t level, const std::string& title) const {
     return {};
 }
 
-void ViewerDesk::hover_along(const lines_t& titles) {
+void ViewerDesk::hover_along(const Lines& titles) {
     for (size_t level = 0; level < titles.size(); level++) {
         ASSERT_TRUE(wait_until([&] { return is_open(level); })) << titles[level];
         move_to(row(level, titles[level]).area);
@@ -148,7 +148,7 @@ void ViewerDesk::hover_along(const lines_t& titles) {
     EXPECT_TRUE(wait_until([&] { return is_open(titles.size()); })) << "nothing opens";
 }
 
-void ViewerDesk::pick(const lines_t& titles) {
+void ViewerDesk::pick(const Lines& titles) {
     if (titles.size() > 1) hover_along({titles.begin(), titles.end() - 1});
     const Area area = row(titles.size() - 1, titles.back()).area;
     ASSERT_TRUE(static_cast<bool>(area));
@@ -157,7 +157,7 @@ void ViewerDesk::pick(const lines_t& titles) {
     EXPECT_TRUE(wait_until([&] { return is_closed(); })) << "the menu stays";
 }
 
-void ViewerDesk::pick_with_key(const lines_t& way, const std::string& row, const std::string& key) {
+void ViewerDesk::pick_with_key(const Lines& way, const std::string& row, const std::string& key) {
     hover_along(way);
     input_.key_down(key);
     EXPECT_TRUE(wait_until([&] { return contains(titles(way.size()), row); })) << row;
@@ -184,7 +184,7 @@ void Answer(const FileManager& manager, XInput& hand, const std::string& questio
     EXPECT_TRUE(wait_until([&] { return !asks(); })) << question << " stays";
 }
 
-bool contains(const lines_t& lines, const std::string& line) {
+bool contains(const Lines& lines, const std::string& line) {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 

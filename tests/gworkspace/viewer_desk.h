@@ -47,7 +47,7 @@ class ViewerDesk : public testing::Test {
     Area ground(const std::string& kind);
     void left_click(const Area& area);
     // Selects with a click, and further items with clicks while Shift is held.
-    void select(const std::string& kind, const lines_t& paths);
+    void select(const std::string& kind, const Lines& paths);
     // A right-click that opens a menu.
     void right_click(const Area& area);
     void close_menu();
@@ -56,18 +56,18 @@ class ViewerDesk : public testing::Test {
     bool is_open(size_t level) const;
     bool is_closed() const { return !is_open(0); }
     std::vector<Row> rows(size_t level) const;
-    lines_t titles(size_t level) const;
+    Lines titles(size_t level) const;
     Row row(size_t level, const std::string& title) const;
     // Hovers over these rows, each in the level that the previous row opens.
-    void hover_along(const lines_t& titles);
-    void pick(const lines_t& titles);
+    void hover_along(const Lines& titles);
+    void pick(const Lines& titles);
     // Picks a row that shows while a key is held.
-    void pick_with_key(const lines_t& way, const std::string& row, const std::string& key);
+    void pick_with_key(const Lines& way, const std::string& row, const std::string& key);
     void answer(const std::string& question);
     // The place that the probe gives for a question: "button 2", "part Cancel".
     void click_at(const std::string& question);
 
-    lines_t selection() const { return manager().ask_lines("selection"); }
+    Lines selection() const { return manager().ask_lines("selection"); }
 
   private:
     static void start_manager();
@@ -77,7 +77,7 @@ class ViewerDesk : public testing::Test {
     XInput input_;
 };
 
-bool contains(const lines_t& lines, const std::string& line);
+bool contains(const Lines& lines, const std::string& line);
 
 // Presses Return as soon as GWorkspace asks with these words.
 void Answer(const FileManager& manager, XInput& hand, const std::string& question);

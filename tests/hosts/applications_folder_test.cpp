@@ -64,7 +64,7 @@ class ApplicationsFolderTest : public testing::Test {
         }
     }
     static std::string place() { return getenv("OWN_APPLICATIONS"); }
-    static std::string record() { return ApplicationsFolder() + "/.record"; }
+    static std::string record() { return applications_folder() + "/.record"; }
     static void write(const std::string& path, const std::string& content) {
         fs::create_directories(fs::path(path).parent_path());
         std::ofstream(path, std::ios::binary) << content;
@@ -76,7 +76,7 @@ class ApplicationsFolderTest : public testing::Test {
     }
     // The link to the application installed at `path`.
     static std::string link_to(const std::string& path) {
-        for (const auto& entry : fs::directory_iterator(ApplicationsFolder())) {
+        for (const auto& entry : fs::directory_iterator(applications_folder())) {
             if (entry.is_symlink() && fs::read_symlink(entry) == path) return entry.path();
         }
         ADD_FAILURE() << "no link to " << path;
@@ -108,9 +108,9 @@ class ApplicationsFolderTest : public testing::Test {
     }
     // The folder's level in the menu, in its order: "name (kind)".
     static Names level_in_order() {
-        EXPECT_TRUE(UpdateApplicationsFolder());
+        EXPECT_TRUE(update_applications_folder());
         Names names;
-        dv_tree_t* root = dv_build_tree(ApplicationsFolder().c_str(), 0, 1, 0, DV_ORIGIN_APP_LIST);
+        dv_tree_t* root = dv_build_tree(applications_folder().c_str(), 0, 1, 0, DV_ORIGIN_APP_LIST);
         for (const dv_tree_t* child = root ? root->children : nullptr; child; child = child->next) {
             const bool application = child->kind == DV_KIND_APPLICATION;
             names.push_back(child->display_name + std::string(application ? "" : " (no program)"));
@@ -196,9 +196,9 @@ TEST_F(ApplicationsFolderTest, NothingIsWrittenWhenNothingHasChanged) {
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     bundle("Mail", "ApplicationName = Mail;");
     EXPECT_EQ(level().size(), 2u);
-    const std::string before = inode(record()) + " " + inode(ApplicationsFolder());
+    const std::string before = inode(record()) + " " + inode(applications_folder());
     EXPECT_EQ(level().size(), 2u);
-    EXPECT_EQ(inode(record()) + " " + inode(ApplicationsFolder()), before);
+    EXPECT_EQ(inode(record()) + " " + inode(applications_folder()), before);
 }
 
 TEST_F(ApplicationsFolderTest, TheListIsInTheOrderOfTheNamesThatAreShown) {
@@ -254,7 +254,7 @@ TEST_F(ApplicationsFolderTest, WhatTheUserRemovesFromItComesBack) {
 TEST_F(ApplicationsFolderTest, NothingThatSomebodyElsePutsThereIsEverRemoved) {
     const std::string paint = install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Paint"});
-    const std::string folder = ApplicationsFolder(), taken = link_to(paint);
+    const std::string folder = applications_folder(), taken = link_to(paint);
     write(folder + "/notes.txt", "mine");
     write(folder + "/own.desktop", "[Desktop Entry]\nType=Application\nName=Own\nExec=sh\n");
     fs::create_directories(folder + "/Mail.app");
@@ -293,13 +293,13 @@ TEST_F(ApplicationsFolderTest, TheFormerFolderAmongTheUsersDataIsLeftAlone) {
 }
 
 TEST_F(ApplicationsFolderTest, AFolderThatThisProgramHasNotMadeIsLeftAlone) {
-    const std::string folder = ApplicationsFolder();
+    const std::string folder = applications_folder();
     write(folder + "/mine.desktop", "mine");
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
-    EXPECT_FALSE(UpdateApplicationsFolder());
+    EXPECT_FALSE(update_applications_folder());
     EXPECT_EQ(names_in(folder), Names{"mine.desktop"});
     EXPECT_EQ(names_in(fs::path(folder).parent_path()), Names{"applications"});
-    OfferApplicationsFolder(CFSTR("org.example.taken"));
+    offer_applications_folder(CFSTR("org.example.taken"));
     EXPECT_EQ(preference("org.example.taken"), "none");
 }
 
@@ -308,17 +308,17 @@ TEST_F(ApplicationsFolderTest, AnothersRecordIsNotBelieved) {
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Paint"});
     ASSERT_EQ(chown(record().c_str(), 65534, 65534), 0);
-    EXPECT_FALSE(UpdateApplicationsFolder());
-    EXPECT_EQ(names_in(ApplicationsFolder()).size(), 2u);
+    EXPECT_FALSE(update_applications_folder());
+    EXPECT_EQ(names_in(applications_folder()).size(), 2u);
 }
 
 TEST_F(ApplicationsFolderTest, WhatAKilledProcessLeftGoesAnHourLater) {
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Paint"});
-    const std::string place = fs::path(ApplicationsFolder()).parent_path();
-    fs::copy(ApplicationsFolder(), place + "/.applications-AAAAAA",
+    const std::string place = fs::path(applications_folder()).parent_path();
+    fs::copy(applications_folder(), place + "/.applications-AAAAAA",
              fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-    fs::copy(ApplicationsFolder(), place + "/.applications-BBBBBB",
+    fs::copy(applications_folder(), place + "/.applications-BBBBBB",
              fs::copy_options::recursive | fs::copy_options::copy_symlinks);
     write(place + "/.applications-CCCCCC/mine", "mine");
     age(place + "/.applications-AAAAAA");
@@ -333,7 +333,7 @@ TEST_F(ApplicationsFolderTest, WhatAKilledProcessLeftGoesAnHourLater) {
 TEST_F(ApplicationsFolderTest, OnlyTheProgramsThatAreInstalledAreBelieved) {
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
     EXPECT_EQ(level(), Names{"Paint"});
-    write(ApplicationsFolder() + "/strange.desktop",
+    write(applications_folder() + "/strange.desktop",
           "[Desktop Entry]\nType=Application\nName=Strange\nExec=sh %F\n");
     EXPECT_EQ(level(), (Names{"Paint", "strange.desktop (no program)"}));
 }
@@ -360,32 +360,32 @@ TEST_F(ApplicationsFolderTest, ALinkToABundleStartsItsProgram) {
 
 TEST_F(ApplicationsFolderTest, ItIsOfferedUnlessTheUserHasNamedAnother) {
     const CFStringRef domain = CFSTR("org.example.offered");
-    OfferApplicationsFolder(domain);
-    EXPECT_EQ(preference("org.example.offered"), ApplicationsFolder());
+    offer_applications_folder(domain);
+    EXPECT_EQ(preference("org.example.offered"), applications_folder());
     CFPreferencesSetAppValue(CFSTR("open_with_path"), CFSTR("/opt"), domain);
-    OfferApplicationsFolder(domain);
+    offer_applications_folder(domain);
     EXPECT_EQ(preference("org.example.offered"), "/opt");
     CFPreferencesSetAppValue(CFSTR("open_with_path"), CFSTR(""), domain);
     EXPECT_EQ(preference("org.example.offered"), "");
     CFPreferencesSetAppValue(CFSTR("open_with_path"), nullptr, domain);
-    EXPECT_EQ(preference("org.example.offered"), ApplicationsFolder());
+    EXPECT_EQ(preference("org.example.offered"), applications_folder());
 }
 
 TEST_F(ApplicationsFolderTest, WhereItCannotBeMadeNothingIsOffered) {
     write(std::string(getenv("XDG_CACHE_HOME")) + "/delvio", "a file");
-    EXPECT_FALSE(UpdateApplicationsFolder());
-    OfferApplicationsFolder(CFSTR("org.example.refused"));
+    EXPECT_FALSE(update_applications_folder());
+    offer_applications_folder(CFSTR("org.example.refused"));
     EXPECT_EQ(preference("org.example.refused"), "none");
-    OfferApplicationsFolder(nullptr);
+    offer_applications_folder(nullptr);
 }
 
 TEST_F(ApplicationsFolderTest, AFolderThatIsALinkIsLeftAlone) {
     test::TempFolder theirs;
     const std::string kept = theirs.file("kept.desktop", "x");
-    fs::create_directories(fs::path(ApplicationsFolder()).parent_path());
-    fs::create_directory_symlink(theirs.path(), ApplicationsFolder());
+    fs::create_directories(fs::path(applications_folder()).parent_path());
+    fs::create_directory_symlink(theirs.path(), applications_folder());
     install("paint.desktop", "Name=Paint\nExec=sh %F\n");
-    EXPECT_FALSE(UpdateApplicationsFolder());
+    EXPECT_FALSE(update_applications_folder());
     EXPECT_TRUE(fs::exists(kept));
     EXPECT_FALSE(fs::exists(theirs.path("paint.desktop")));
 }

@@ -89,7 +89,7 @@ class DesktopCarrier : public testing::Test {
   protected:
     Report carry_out(const Request& request) {
         auto waiter = std::make_shared<Waiter>();
-        const auto carrier = MakeDesktopCarrier(std::make_unique<Second>());
+        const auto carrier = make_desktop_carrier(std::make_unique<Second>());
         carrier->carry_out(request, waiter);
         return waiter->wait();
     }
@@ -130,11 +130,11 @@ TEST_F(DesktopCarrier, WhatAFileManagerDidIsNotUndoneNorWhatWasDoneBefore) {
     Waiter observer;
     const std::string before = folder_.file("from/before", "text");
     folder_.folder("to");
-    operations::Perform({Kind::Move, {before}, folder_.path("to"), false}, observer);
+    operations::perform_request({Kind::Move, {before}, folder_.path("to"), false}, observer);
     const test::SessionBus bus;
     test::BusService thunar(bus, thunar_name, thunar_object, thunar_interfaces);
     carry_out(request(Kind::Move));
-    const Report report = operations::UndoLast(observer);
+    const Report report = operations::undo_last(observer);
     ASSERT_EQ(report.outcomes.size(), 1u);
     EXPECT_EQ(report.outcomes[0].state, State::Failed);
     EXPECT_EQ(
@@ -243,8 +243,8 @@ TEST_F(DesktopCarrier, OneThatRunsComesFirst) {
     const test::SessionBus bus;
     test::BusService thunar(bus, thunar_name, thunar_object, thunar_interfaces);
     test::BusService nautilus(bus, nautilus_name, nautilus_object, nautilus_interfaces);
-    const files::ObjectOwner<GDBusConnection> connection = ConnectToSessionBus();
-    const auto managers = ManagersOnBus(connection.get());
+    const files::ObjectOwner<GDBusConnection> connection = connect_to_session_bus();
+    const auto managers = managers_on_bus(connection.get());
     ASSERT_EQ(managers.size(), 2u);
     EXPECT_STREQ(managers[0]->service, thunar_name);
 }

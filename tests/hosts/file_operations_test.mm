@@ -44,20 +44,20 @@ FSRef reference(const std::string& path) {
 class FileOperations : public testing::Test {
   protected:
     FileOperations() {
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         unsetenv("DELVIO_TRACE");
-        EXPECT_TRUE(AnswerFinderEvents(&problem_));
+        EXPECT_TRUE(answer_finder_events(&problem_));
         FileOperationService service;
         service.carrier = notebook_;
         service.observer = [this](const Request&) { return observer_; };
-        SetFileOperationService(service);
+        set_file_operation_service(service);
         AECreateList(nullptr, 0, false, &list_);
     }
     ~FileOperations() override {
-        SetFileOperationService({});
+        set_file_operation_service({});
         AEDisposeDesc(&list_);
         AEDisposeDesc(&event_);
-        DeclareProcessSignature(0);
+        declare_process_signature(0);
         [pool_ release];
     }
 
@@ -104,7 +104,7 @@ class FileOperations : public testing::Test {
         EXPECT_EQ(
             AESend(&event_, nullptr, 0x61, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr),
             noErr);
-        FinishFinderEvents();
+        finish_finder_events();
         return notebook_->requests;
     }
 
@@ -234,7 +234,7 @@ TEST_F(FileOperations, FileReferencesDoAsWellAndOneNeedsNoList) {
     into(folder_.folder("to"));
     AEPutParamPtr(&event_, keyDirectObject, typeFSRef, &ref, sizeof ref);
     Request request;
-    ASSERT_EQ(ReadFileOperation(&event_, &request), noErr);
+    ASSERT_EQ(read_file_operation(&event_, &request), noErr);
     EXPECT_EQ(request.sources, Paths{a});
 }
 
@@ -250,17 +250,17 @@ TEST_F(FileOperations, WhatIsNoFileRefusesTheWholeEvent) {
 TEST_F(FileOperations, OtherEventsAreNone) {
     Request request;
     begin('dele');
-    EXPECT_EQ(ReadFileOperation(&event_, &request), errAEEventNotHandled);
+    EXPECT_EQ(read_file_operation(&event_, &request), errAEEventNotHandled);
     begin(kAEMove, 'aevt');
-    EXPECT_EQ(ReadFileOperation(&event_, &request), errAEEventNotHandled);
+    EXPECT_EQ(read_file_operation(&event_, &request), errAEEventNotHandled);
 }
 
 TEST_F(FileOperations, WithoutACarrierNothingIsHandled) {
-    SetFileOperationService({});
+    set_file_operation_service({});
     add(folder_.file("a"));
     begin(kAEMove);
     into(folder_.folder("to"));
-    EXPECT_EQ(AnswerFileOperation(&event_, nullptr, nullptr), errAEEventNotHandled);
+    EXPECT_EQ(answer_file_operation(&event_, nullptr, nullptr), errAEEventNotHandled);
 }
 
 TEST_F(FileOperations, AreTracedWithTheirFiles) {
@@ -273,15 +273,15 @@ TEST_F(FileOperations, AreTracedWithTheirFiles) {
     unlink(gone.c_str());
     AEPutParamDesc(&event_, keyAETo, &list_);
     replace(true);
-    EXPECT_EQ(DescribeEvent(event_), "core/crel to \"MACS\"\n"
-                                     "  kocl: type \"alis\"\n"
-                                     "  insh: alis \"" +
-                                         to +
-                                         "\"\n"
-                                         "  to  : list of 2\n"
-                                         "    alis \"" +
-                                         a +
-                                         "\"\n"
-                                         "    alis (not there)\n"
-                                         "  alrp: bool true\n");
+    EXPECT_EQ(describe_event(event_), "core/crel to \"MACS\"\n"
+                                      "  kocl: type \"alis\"\n"
+                                      "  insh: alis \"" +
+                                          to +
+                                          "\"\n"
+                                          "  to  : list of 2\n"
+                                          "    alis \"" +
+                                          a +
+                                          "\"\n"
+                                          "    alis (not there)\n"
+                                          "  alrp: bool true\n");
 }

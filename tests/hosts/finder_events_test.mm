@@ -29,7 +29,7 @@ class FinderEvents : public testing::Test {
   protected:
     FinderEvents() : program_({"text/plain", "inode/directory", "application/x-zerosize"}) {
         test::start_application();
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         unsetenv("DELVIO_TRACE");
         AEAddressDesc finder;
         AECreateDesc(typeApplSignature, &signature_, sizeof signature_, &finder);
@@ -43,7 +43,7 @@ class FinderEvents : public testing::Test {
         AEDisposeDesc(&event_);
         AERemoveSpecialHandler(keyPreDispatch, nullptr, false);
         AERemoveEventHandler(kCoreEventClass, kAEOpenDocuments, nullptr, false);
-        DeclareProcessSignature(0);
+        declare_process_signature(0);
         [pool_ release];
     }
 
@@ -65,7 +65,7 @@ class FinderEvents : public testing::Test {
         std::sort(paths.begin(), paths.end());
         return paths;
     }
-    bool answer() { return AnswerFinderEvents(&problem_); }
+    bool answer() { return answer_finder_events(&problem_); }
 
     const OSType signature_ = 'MACS';
     NSAutoreleasePool* pool_ = [NSAutoreleasePool new];
@@ -82,7 +82,7 @@ TEST_F(FinderEvents, DocumentsAreOpenedOneByOne) {
     add(folder_.folder("b"));
     send();
     EXPECT_EQ(program_.opened(), Paths{});
-    FinishFinderEvents();
+    finish_finder_events();
     EXPECT_EQ(opened(2), (Paths{folder_.path("a.txt"), folder_.path("b")}));
 }
 
@@ -92,7 +92,7 @@ TEST_F(FinderEvents, ADocumentThatIsGoneDoesNotStopTheOthers) {
     add(folder_.file("here.txt"));
     unlink(folder_.path("gone.txt").c_str());
     send();
-    FinishFinderEvents();
+    finish_finder_events();
     EXPECT_EQ(opened(1), Paths{folder_.path("here.txt")});
 }
 
@@ -100,7 +100,7 @@ TEST_F(FinderEvents, NamesThatAreNotUtf8AreOpened) {
     ASSERT_TRUE(answer());
     add(folder_.folder("odd\xff"));
     send();
-    FinishFinderEvents();
+    finish_finder_events();
     EXPECT_EQ(opened(1), Paths{folder_.path("odd\xff")});
 }
 
@@ -109,17 +109,17 @@ TEST_F(FinderEvents, OneFileNeedsNoListAroundIt) {
     const FSRef ref = reference(folder_.file("a.txt", "a"));
     AEPutParamPtr(&event_, keyDirectObject, typeFSRef, &ref, sizeof ref);
     AESend(&event_, nullptr, kAENoReply, kAENormalPriority, kAEDefaultTimeout, nullptr, nullptr);
-    FinishFinderEvents();
+    finish_finder_events();
     EXPECT_EQ(opened(1), Paths{folder_.path("a.txt")});
 }
 
 TEST_F(FinderEvents, FinishingHandlesAllThatWasSent) {
     ASSERT_TRUE(answer());
-    FinishFinderEvents();
+    finish_finder_events();
     for (int i = 0; i < 3; i++) send();
-    EXPECT_TRUE(AppleEventsAreWaiting());
-    FinishFinderEvents();
-    EXPECT_FALSE(AppleEventsAreWaiting());
+    EXPECT_TRUE(apple_events_are_waiting());
+    finish_finder_events();
+    EXPECT_FALSE(apple_events_are_waiting());
 }
 
 TEST_F(FinderEvents, AreTracedIntoAFile) {
@@ -128,14 +128,14 @@ TEST_F(FinderEvents, AreTracedIntoAFile) {
     const std::string first = folder_.folder("first \"one\"\n");
     add(first);
     send();
-    FinishFinderEvents();
+    finish_finder_events();
     const std::string once = "aevt/odoc to \"MACS\"\n"
                              "  ----: list of 1\n"
                              "    fsrf \"" +
                              folder_.path() + "/first \\\"one\\\"\\x0a\"\n";
     EXPECT_EQ(test::read_file(folder_.path("trace")), once);
     send();
-    FinishFinderEvents();
+    finish_finder_events();
     EXPECT_EQ(test::read_file(folder_.path("trace")), once + once);
     EXPECT_EQ(opened(2), (Paths{first, first}));
 }
@@ -145,7 +145,7 @@ TEST_F(FinderEvents, AreTracedToStandardErrorForADash) {
     ASSERT_TRUE(answer());
     testing::internal::CaptureStderr();
     send();
-    FinishFinderEvents();
+    finish_finder_events();
     EXPECT_NE(testing::internal::GetCapturedStderr().find("aevt/odoc to \"MACS\"\n"
                                                           "  ----: list of 0\n"),
               std::string::npos);
@@ -175,16 +175,16 @@ TEST_F(FinderEvents, AreDescribedWithTheirParameters) {
     AEPutParamPtr(&event_, 'null', typeNull, nullptr, 0);
     const FSRef gone = {};
     AEPutParamPtr(&event_, 'gone', typeFSRef, &gone, sizeof gone);
-    EXPECT_EQ(DescribeEvent(event_), "aevt/odoc to \"MACS\"\n"
-                                     "  reco: record of 2\n"
-                                     "    pnam: utxt \"n\u00e4\u4e2d\"\n"
-                                     "    cmcd: long -3\n"
-                                     "  kocl: type \"alis\"\n"
-                                     "  alrp: bool true\n"
-                                     "  to  : utf8 \"a\\x09b\"\n"
-                                     "  data: what <01ff>\n"
-                                     "  null: null\n"
-                                     "  gone: fsrf (not there)\n");
+    EXPECT_EQ(describe_event(event_), "aevt/odoc to \"MACS\"\n"
+                                      "  reco: record of 2\n"
+                                      "    pnam: utxt \"n\u00e4\u4e2d\"\n"
+                                      "    cmcd: long -3\n"
+                                      "  kocl: type \"alis\"\n"
+                                      "  alrp: bool true\n"
+                                      "  to  : utf8 \"a\\x09b\"\n"
+                                      "  data: what <01ff>\n"
+                                      "  null: null\n"
+                                      "  gone: fsrf (not there)\n");
 }
 
 }  // namespace

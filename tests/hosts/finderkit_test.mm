@@ -92,18 +92,18 @@ struct PlugIn : testing::Test {
 
 TEST_F(PlugIn, IsFoundByTheEnvironment) {
     setenv("DELVIO_BUNDLE", folder.folder("Other.bundle").c_str(), 1);
-    EXPECT_EQ(FindPlugIn(&problem), folder.path("Other.bundle"));
+    EXPECT_EQ(find_plug_in(&problem), folder.path("Other.bundle"));
 }
 
 TEST_F(PlugIn, ThatIsNotWhereTheEnvironmentSaysIsNotSoughtElsewhere) {
     setenv("DELVIO_BUNDLE", folder.path("Other.bundle").c_str(), 1);
-    EXPECT_EQ(FindPlugIn(&problem), "");
+    EXPECT_EQ(find_plug_in(&problem), "");
     EXPECT_NE(problem.find(folder.path("Other.bundle")), std::string::npos);
 }
 
 TEST_F(PlugIn, WithoutCodeIsRefusedByName) {
     const std::string bundle = folder.folder("Empty.bundle");
-    EXPECT_FALSE(LoadPlugIn(bundle, &problem));
+    EXPECT_FALSE(load_plug_in(bundle, &problem));
     EXPECT_NE(problem.find(bundle), std::string::npos);
     EXPECT_EQ(problem.find('\n'), std::string::npos);
 }
@@ -111,18 +111,18 @@ TEST_F(PlugIn, WithoutCodeIsRefusedByName) {
 TEST_F(PlugIn, WhoseCodeIsBrokenIsRefusedWithTheReason) {
     folder.file("Broken.bundle/Broken", "this is no library");
     folder.file("Broken.bundle/Resources/Info-gnustep.plist", "{ NSExecutable = Broken; }");
-    EXPECT_FALSE(LoadPlugIn(folder.path("Broken.bundle"), &problem));
+    EXPECT_FALSE(load_plug_in(folder.path("Broken.bundle"), &problem));
     EXPECT_EQ(problem.find('\n'), std::string::npos);
 }
 
 TEST_F(PlugIn, IsEntered) {
-    EXPECT_TRUE(LoadPlugIn(PROBE_BUNDLE, &problem)) << problem;
+    EXPECT_TRUE(load_plug_in(PROBE_BUNDLE, &problem)) << problem;
     EXPECT_STREQ(getenv("PROBE_PLUG_IN"), "entered");
 }
 
 TEST_F(PlugIn, LoadingMakesThisProcessAFinder) {
-    DeclareProcessSignature(0);
-    LoadPlugIn(folder.folder("Empty.bundle"), &problem);
+    declare_process_signature(0);
+    load_plug_in(folder.folder("Empty.bundle"), &problem);
     EXPECT_EQ(signature(), static_cast<OSType>('MACS'));
 }
 

@@ -44,51 +44,51 @@ ItemSnapshot folder(const std::string& title, MenuSnapshot items) {
 
 TEST(TitleMatch, TakesTheSameTitleBeforeOneOfOtherCase) {
     std::string problem;
-    EXPECT_EQ(MatchTitle("notes", {"Notes", "notes", "NOTES"}, &problem), 1);
+    EXPECT_EQ(match_title("notes", {"Notes", "notes", "NOTES"}, &problem), 1);
 }
 
 TEST(TitleMatch, TakesTheOnlyTitleOfOtherCase) {
     std::string problem;
-    EXPECT_EQ(MatchTitle("NOTES", {"a", "Notes"}, &problem), 1);
+    EXPECT_EQ(match_title("NOTES", {"a", "Notes"}, &problem), 1);
 }
 
 TEST(TitleMatch, RefusesSeveralTitlesOfOtherCase) {
     std::string problem;
-    EXPECT_EQ(MatchTitle("NOTES", {"notes", "Notes"}, &problem), -1);
+    EXPECT_EQ(match_title("NOTES", {"notes", "Notes"}, &problem), -1);
     EXPECT_NE(problem.find("\"notes\", \"Notes\""), std::string::npos);
 }
 
 TEST(TitleMatch, NamesTitlesThatComeClose) {
     std::string problem;
-    EXPECT_EQ(MatchTitle("notse.txt", {"holiday.jpg", "notes.txt"}, &problem), -1);
+    EXPECT_EQ(match_title("notse.txt", {"holiday.jpg", "notes.txt"}, &problem), -1);
     EXPECT_NE(problem.find("\"notes.txt\""), std::string::npos);
     EXPECT_EQ(problem.find("holiday"), std::string::npos);
 }
 
 TEST(TitleMatch, OfAnEmptyMenuSaysSo) {
     std::string problem;
-    EXPECT_EQ(MatchTitle("a", {}, &problem), -1);
+    EXPECT_EQ(match_title("a", {}, &problem), -1);
     EXPECT_NE(problem.find("empty"), std::string::npos);
 }
 
 TEST(TitleMatch, KeepsItsProblemOnOneLine) {
     std::string problem;
-    EXPECT_EQ(MatchTitle("a\nb", {"a\nc"}, &problem), -1);
+    EXPECT_EQ(match_title("a\nb", {"a\nc"}, &problem), -1);
     EXPECT_EQ(problem.find('\n'), std::string::npos);
 }
 
 TEST(HomeFolder, IsTheSystemsWhereTheEnvironmentNamesNone) {
     const std::string home = getenv("HOME");
     std::string problem;
-    EXPECT_TRUE(EnsureHomeFolder(&problem));
+    EXPECT_TRUE(ensure_home_folder(&problem));
     EXPECT_EQ(getenv("HOME"), home);
     for (const char* none : {"", "relative"}) {
         setenv("HOME", none, 1);
-        EXPECT_TRUE(EnsureHomeFolder(&problem));
+        EXPECT_TRUE(ensure_home_folder(&problem));
         EXPECT_STREQ(getenv("HOME"), getpwuid(geteuid())->pw_dir);
     }
     unsetenv("HOME");
-    EXPECT_TRUE(EnsureHomeFolder(&problem));
+    EXPECT_TRUE(ensure_home_folder(&problem));
     EXPECT_STREQ(getenv("HOME"), getpwuid(geteuid())->pw_dir);
     setenv("HOME", home.c_str(), 1);
 }
@@ -100,7 +100,7 @@ TEST(HomeFolder, ThatNobodyKnowsIsSaid) {
         unsetenv("HOME");
         std::string problem;
         const bool stranger = setreuid(4000000, 4000000) == 0;
-        const bool said = !EnsureHomeFolder(&problem) && problem.find("set HOME") != problem.npos;
+        const bool said = !ensure_home_folder(&problem) && problem.find("set HOME") != problem.npos;
         _exit(stranger && said ? 0 : 1);
     }
     int status = 0;
@@ -109,34 +109,34 @@ TEST(HomeFolder, ThatNobodyKnowsIsSaid) {
 }
 
 TEST(Printable, MarksWhatChangesATerminalAndNothingElse) {
-    EXPECT_EQ(Printable("plain \xc3\xa4 \xf0\x9f\x98\x80", "?"), "plain \xc3\xa4 \xf0\x9f\x98\x80");
-    EXPECT_EQ(Printable("\x1b\n\t\x7f\xc2\x80\xc2\x9f\xc2\xa0", "?"), "??????\xc2\xa0");
-    EXPECT_EQ(Printable("\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6\xe2\x80\xaf", "?"),
+    EXPECT_EQ(printable("plain \xc3\xa4 \xf0\x9f\x98\x80", "?"), "plain \xc3\xa4 \xf0\x9f\x98\x80");
+    EXPECT_EQ(printable("\x1b\n\t\x7f\xc2\x80\xc2\x9f\xc2\xa0", "?"), "??????\xc2\xa0");
+    EXPECT_EQ(printable("\xe2\x80\xa8\xe2\x80\xae\xe2\x81\xa6\xe2\x80\xaf", "?"),
               "???\xe2\x80\xaf");
-    EXPECT_EQ(Printable("a\xff\xc3", "?"), "a??");
-    EXPECT_EQ(Printable(std::string("a\0b", 3), "?"), "a?b");
+    EXPECT_EQ(printable("a\xff\xc3", "?"), "a??");
+    EXPECT_EQ(printable(std::string("a\0b", 3), "?"), "a?b");
 }
 
 TEST(Printable, EscapesInJsonAndKeepsItsLines) {
-    EXPECT_EQ(PrintableJson("{\n\"a\xc2\x9b\x7f\xe2\x80\xae\"\n}"),
+    EXPECT_EQ(printable_json("{\n\"a\xc2\x9b\x7f\xe2\x80\xae\"\n}"),
               "{\n\"a\\u009b\\u007f\\u202e\"\n}");
 }
 
 TEST(SimilarWords, ComeNearestFirstAndNoneTwice) {
-    EXPECT_EQ(SimilarWords("abcd", {"abxx", "abce", "abce", "zzzzzzz"}, 5),
+    EXPECT_EQ(similar_words("abcd", {"abxx", "abce", "abce", "zzzzzzz"}, 5),
               Titles({"abce", "abxx"}));
 }
 
 TEST(Modifiers, AreReadAndNamed) {
     unsigned long flags = 1;
-    EXPECT_TRUE(ParseModifiers("", &flags));
+    EXPECT_TRUE(parse_modifiers("", &flags));
     EXPECT_EQ(flags, 0u);
-    EXPECT_TRUE(ParseModifiers("command,shift", &flags));
+    EXPECT_TRUE(parse_modifiers("command,shift", &flags));
     EXPECT_EQ(flags, 0x120000u);
-    EXPECT_EQ(ModifierNames(flags), Titles({"shift", "command"}));
-    EXPECT_TRUE(ParseModifiers("option,control", &flags));
+    EXPECT_EQ(modifier_names(flags), Titles({"shift", "command"}));
+    EXPECT_TRUE(parse_modifiers("option,control", &flags));
     EXPECT_EQ(flags, 0xc0000u);
-    EXPECT_FALSE(ParseModifiers("shift,alt", &flags));
+    EXPECT_FALSE(parse_modifiers("shift,alt", &flags));
 }
 
 TEST(MenuText, IndentsAndMarks) {
@@ -148,7 +148,7 @@ TEST(MenuText, IndentsAndMarks) {
     ItemSnapshot disabled = item("Gone");
     disabled.enabled = false;
     ItemSnapshot top = folder("Top", menu_of(item("a\nb"), std::move(alternate)));
-    EXPECT_EQ(WriteMenuText(menu_of(std::move(top), std::move(separator), std::move(disabled))),
+    EXPECT_EQ(write_menu_text(menu_of(std::move(top), std::move(separator), std::move(disabled))),
               "Top >\n    a\xef\xbf\xbd"
               "b\n    Inside [shift-option]\n--------\nGone (disabled)\n");
 }
@@ -159,7 +159,7 @@ TEST(MenuJson, HasEveryKeyOfAnItem) {
     colored.details->path = "/tmp/Red";
     colored.details->tag = 7;
     colored.image = colored.details->plugin = true;
-    const auto json = nlohmann::json::parse(WriteMenuJson(menu_of(std::move(colored))));
+    const auto json = nlohmann::json::parse(write_menu_json(menu_of(std::move(colored))));
     EXPECT_EQ(json, nlohmann::json::parse(R"([{"type": "item", "title": "Red", "enabled": true,
         "alternate": false, "modifiers": [], "image": true, "color": "#ff0000", "tag": 7,
         "plugin": true, "path": "/tmp/Red", "submenu": null}])"));
@@ -169,7 +169,7 @@ TEST(MenuJson, TellsOpenedLevelsFromOthers) {
     ItemSnapshot closed = item("closed");
     closed.has_submenu = true;
     const auto json = nlohmann::json::parse(
-        WriteMenuJson(menu_of(folder("open", menu_of(item("a"))), std::move(closed))));
+        write_menu_json(menu_of(folder("open", menu_of(item("a"))), std::move(closed))));
     EXPECT_TRUE(json[0]["submenu"]["populated"]);
     EXPECT_EQ(json[0]["submenu"]["items"][0]["title"], "a");
     EXPECT_FALSE(json[1]["submenu"]["populated"]);
@@ -180,8 +180,8 @@ TEST(MenuJson, TellsOpenedLevelsFromOthers) {
 
 TEST(MenuJson, ReplacesBytesThatAreNotUtf8) {
     const auto json =
-        nlohmann::json::parse(WriteMenuJson(menu_of(item("a\xff"
-                                                         "b"))));
+        nlohmann::json::parse(write_menu_json(menu_of(item("a\xff"
+                                                           "b"))));
     EXPECT_EQ(json[0]["title"],
               "a\xef\xbf\xbd"
               "b");
@@ -193,7 +193,7 @@ struct FileArguments : testing::Test {
 
     std::string resolved(const std::string& given) {
         std::vector<std::string> files = {given};
-        return ResolveFiles(&files, &problem) ? files[0] : "failed: " + problem;
+        return resolve_files(&files, &problem) ? files[0] : "failed: " + problem;
     }
 };
 

@@ -32,11 +32,11 @@ class Reading {
 
   private:
     // Starts from zeroes, because the padding is compared too.
-    struct zeroed_t {
-        zeroed_t(delvio_t* state) { memset(static_cast<void*>(state), 0, sizeof *state); }
+    struct Zeroed {
+        Zeroed(delvio_t* state) { memset(static_cast<void*>(state), 0, sizeof *state); }
     };
     delvio_t state_;
-    zeroed_t zeroed_{&state_};
+    Zeroed zeroed_{&state_};
     int level_ = 0;
 };
 
@@ -69,8 +69,8 @@ TEST(Settings, HaveOneDomainWhichIsThePlugInsIdentifier) {
 
 TEST(Settings, HaveTheDefaultsOfThePlugIn) {
     const Reading unset;
-    for (const Setting& setting : AllSettings()) {
-        if (!IsNumeric(setting)) continue;
+    for (const Setting& setting : settings_table()) {
+        if (!is_numeric(setting)) continue;
         EXPECT_TRUE(reading_with(setting, setting.standard) == unset)
             << setting.key << ": the plug-in's default is not " << setting.standard;
     }
@@ -78,8 +78,8 @@ TEST(Settings, HaveTheDefaultsOfThePlugIn) {
 
 TEST(Settings, AreReadByThePlugInButForTheHostsOwn) {
     const Reading unset;
-    for (const Setting& setting : AllSettings()) {
-        if (!IsNumeric(setting)) continue;
+    for (const Setting& setting : settings_table()) {
+        if (!is_numeric(setting)) continue;
         const int32_t other =
             setting.standard < setting.most ? setting.standard + 1 : setting.standard - 1;
         EXPECT_EQ(reading_with(setting, other) == unset, of_hosts.contains(setting.key))

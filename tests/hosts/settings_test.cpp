@@ -41,7 +41,7 @@ void expect_refused(const Words& words, const std::string& hint) {
 bool accepts(const char* key, const Words& words) {
     SettingValue value;
     std::string problem;
-    return ParseSetting(*FindSetting(key), words, &value, &problem);
+    return parse_setting(*find_setting(key), words, &value, &problem);
 }
 
 TEST(SettingsTable, KnowsEveryKeyOnce) {
@@ -76,14 +76,14 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "folders",
                                             "operations_by_file_manager"};
     std::set<std::string> known;
-    for (const Setting& setting : AllSettings()) known.insert(setting.key);
+    for (const Setting& setting : settings_table()) known.insert(setting.key);
     EXPECT_EQ(known, expected);
-    EXPECT_EQ(AllSettings().size(), expected.size());
+    EXPECT_EQ(settings_table().size(), expected.size());
 }
 
 TEST(SettingsTable, HasDefaultsWithinItsBounds) {
-    for (const Setting& setting : AllSettings()) {
-        if (!IsNumeric(setting)) continue;
+    for (const Setting& setting : settings_table()) {
+        if (!is_numeric(setting)) continue;
         EXPECT_TRUE(accepts(setting.key, {std::to_string(setting.standard)})) << setting.key;
     }
 }
@@ -153,8 +153,8 @@ TEST(SettingsCommand, ResetsEverything) {
 TEST(SettingsCommand, ListsEverySetting) {
     const Outcome text = settings({"list"});
     const auto json = nlohmann::json::parse(settings({"list", "--json"}).out);
-    EXPECT_EQ(json.size(), AllSettings().size());
-    for (const Setting& setting : AllSettings()) {
+    EXPECT_EQ(json.size(), settings_table().size());
+    for (const Setting& setting : settings_table()) {
         EXPECT_NE(text.out.find(setting.key), std::string::npos);
         EXPECT_NE(text.out.find(setting.meaning), std::string::npos);
     }

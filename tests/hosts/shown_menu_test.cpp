@@ -24,7 +24,7 @@ namespace {
 using test::Outcome;
 using test::run_delvio;
 using test::RunningCommand;
-using paths_t = std::vector<std::string>;
+using Paths = std::vector<std::string>;
 
 constexpr int turns = 2400;  // a guard, not a measure of speed
 constexpr int microseconds_a_turn = 25000;
@@ -95,9 +95,9 @@ struct ShownMenu : testing::Test {
     // the two levels, and the window. The file is no picture, so its text is shown.
     std::vector<XWindowAttributes> windows_with_preview(const std::string& setting) {
         folder.file("top/note.txt", "a note\n");
-        command = std::make_unique<RunningCommand>(paths_t{"menu", "--at", "100,100", "--setting",
-                                                           "hoverPreviewsInterval=100", "--setting",
-                                                           setting, folder.path("top")});
+        command = std::make_unique<RunningCommand>(Paths{"menu", "--at", "100,100", "--setting",
+                                                         "hoverPreviewsInterval=100", "--setting",
+                                                         setting, folder.path("top")});
         if (!wait_until_open()) return {};
         const XWindowAttributes root_level = shown_window();
         point(root_level.x + 20, root_level.y + 16);
@@ -224,7 +224,7 @@ TEST_F(ShownMenu, OpensWhatIsPickedWithTheKeyboard) {
     press("Down Right");
     press("Down Return");
     EXPECT_EQ(command.finish().status, 0);
-    EXPECT_EQ(program.wait(), paths_t({file}));
+    EXPECT_EQ(program.wait(), Paths({file}));
 }
 
 TEST_F(ShownMenu, ShowsAPanelWhenAnActionFails) {

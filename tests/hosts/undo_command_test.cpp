@@ -28,7 +28,8 @@ TEST(UndoCommand, BringsBackWhatAnotherProcessMoved) {
     const std::string source = folder.file("from/-a\nb\xff", "text");
     folder.folder("to");
     Silent observer;
-    operations::Perform({operations::Kind::Move, {source}, folder.path("to"), false}, observer);
+    operations::perform_request({operations::Kind::Move, {source}, folder.path("to"), false},
+                                observer);
     ASSERT_EQ(access(source.c_str(), F_OK), -1);
     const test::Outcome undone = test::run_delvio({"undo"});
     EXPECT_EQ(undone.status, 0);
@@ -46,7 +47,8 @@ TEST(UndoCommand, SaysWhatStandsInTheWay) {
     const std::string source = folder.file("from/a.txt", "text");
     folder.folder("to");
     Silent observer;
-    operations::Perform({operations::Kind::Move, {source}, folder.path("to"), false}, observer);
+    operations::perform_request({operations::Kind::Move, {source}, folder.path("to"), false},
+                                observer);
     folder.file("from/a.txt", "another");
     const test::Outcome refused = test::run_delvio({"undo"});
     EXPECT_EQ(refused.status, 1);
@@ -77,7 +79,8 @@ TEST(UndoCommand, TellsOfManyInAFewLines) {
         sources.push_back(folder.file("from/" + std::to_string(index)));
     }
     Silent observer;
-    operations::Perform({operations::Kind::Move, sources, folder.path("to"), false}, observer);
+    operations::perform_request({operations::Kind::Move, sources, folder.path("to"), false},
+                                observer);
     const test::Outcome undone = test::run_delvio({"undo"});
     EXPECT_EQ(undone.status, 0);
     EXPECT_EQ(std::count(undone.out.begin(), undone.out.end(), '\n'), 20);
@@ -90,8 +93,8 @@ TEST(UndoCommand, AndEveryOtherCommandStartsWhateverALeftOverWaitsFor) {
     const bool mounted = test::in_child([&] {
         const pid_t server = test::mount_silent_file_system(silent, test::Silence::at_lookup);
         if (server == 0) return false;
-        const std::string journals = operations::StateFolder() + "/temporaries";
-        operations::MakeFolders(journals);
+        const std::string journals = operations::default_state_folder() + "/temporaries";
+        operations::make_folders(journals);
         const std::string journal = journals + "/delvio-0123456789abcdef";
         std::ofstream(journal) << "0\n" << silent << "/away";
         // As a stopped operation of an older version left it.
@@ -117,7 +120,8 @@ TEST(UndoCommand, ClearsWhatAKilledOperationLeft) {
         const int open_folder = open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         const pid_t child = fork();
         if (child == 0) {
-            const operations::Temporaries temporaries(operations::StateFolder(), open_folder);
+            const operations::Temporaries temporaries(operations::default_state_folder(),
+                                                      open_folder);
             std::ofstream(to + "/" + temporaries.prefix() + "0") << "half";
             raise(SIGKILL);
         }

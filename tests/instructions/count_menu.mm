@@ -41,14 +41,14 @@
     MenuSession* session = [MenuSession current];
     NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
     [session openSubmenuOfItem:holder];
-    menu_run_t::current()->synchronize();
+    MenuRun::current()->synchronize();
     NSMenuItem* level = [[[holder submenu] itemArray] lastObject];
     CALLGRIND_DUMP_STATS_AT("-");
     @autoreleasepool {
         [session openSubmenuOfItem:level];
     }
     CALLGRIND_DUMP_STATS_AT("level, scanned and filled");
-    menu_run_t::current()->synchronize();
+    MenuRun::current()->synchronize();
     CALLGRIND_DUMP_STATS_AT("level, shown");
     [session cancel];
 }
@@ -77,7 +77,7 @@ int main() {
         [NSApplication sharedApplication];
         [NSApp finishLaunching];
         std::string problem;
-        if (!LoadPlugIn(plug_in, &problem)) {
+        if (!load_plug_in(plug_in, &problem)) {
             fprintf(stderr, "count_menu: %s\n", problem.c_str());
             return 1;
         }

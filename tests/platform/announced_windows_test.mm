@@ -28,7 +28,7 @@ class AnnouncedWindows : public testing::Test {
         [tip_ setLevel:CGWindowLevelForKey(kCGPopUpMenuWindowLevelKey) + 1];
     }
     void TearDown() override {
-        PlaceWindowsBesideMenus(nullptr);
+        place_windows_beside_menus(nullptr);
         [tip_ close];
         [tip_ release];
         [menu_ release];
@@ -78,7 +78,7 @@ TEST_F(AnnouncedWindows, WithoutACompositorThereAreNoShadows) {
 
 TEST_F(AnnouncedWindows, ShadowsThatAreDrawnAreToldSoThatNoOtherIsAdded) {
     const test::Compositor compositor;
-    PlaceWindowsBesideMenus([]() -> BOOL { return YES; });
+    place_windows_beside_menus([]() -> BOOL { return YES; });
     look_at_both();
     EXPECT_GT(menu_told_->shadow, 0);
     EXPECT_EQ(tip_told_->shadow, menu_told_->shadow);

@@ -12,7 +12,7 @@
 namespace {
 
 // A mark that another thread sets.
-class gate_t {
+class Gate {
   public:
     void open() {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -45,17 +45,17 @@ void run_until(NSString* mode, condition done) {
     }
 }
 
-struct order_t {
+struct Order {
     std::vector<int> seen;
     bool on_main = true;
 };
-struct numbered_t {
-    order_t* order;
+struct Numbered {
+    Order* order;
     int number;
 };
 
 void append(void* context) {
-    auto* piece = static_cast<numbered_t*>(context);
+    auto* piece = static_cast<Numbered*>(context);
     piece->order->seen.push_back(piece->number);
     if (![NSThread isMainThread]) piece->order->on_main = false;
     delete piece;
@@ -65,9 +65,9 @@ void append(void* context) {
 
 // This must be the first case: the main thread has no run loop before it.
 TEST(Dispatch, MainWorkRunsInItsOrderAndNotAtOnce) {
-    order_t order;
+    Order order;
     for (int i = 0; i < 20; i++) {
-        dispatch_async_f(dispatch_get_main_queue(), new numbered_t{&order, i}, append);
+        dispatch_async_f(dispatch_get_main_queue(), new Numbered{&order, i}, append);
     }
     EXPECT_TRUE(order.seen.empty());
     run_until(NSDefaultRunLoopMode, [&] { return order.seen.size() == 20; });
@@ -84,12 +84,12 @@ TEST(Dispatch, TheQueuesAreTheSameAtEveryCall) {
 }
 
 TEST(Dispatch, GlobalWorkRunsOnAnotherThread) {
-    struct work_t {
-        gate_t gate;
+    struct Work {
+        Gate gate;
         pthread_t thread;
     } work;
     dispatch_async_f(global_queue(), &work, [](void* context) {
-        auto* work = static_cast<work_t*>(context);
+        auto* work = static_cast<Work*>(context);
         work->thread = pthread_self();
         work->gate.open();
     });
@@ -98,17 +98,17 @@ TEST(Dispatch, GlobalWorkRunsOnAnotherThread) {
 }
 
 TEST(Dispatch, GlobalWorkHasAnAutoreleasePool) {
-    gate_t gate;
+    Gate gate;
     dispatch_async_f(global_queue(), &gate, [](void* context) {
         [[[NSObject alloc] init] autorelease];
-        static_cast<gate_t*>(context)->open();
+        static_cast<Gate*>(context)->open();
     });
     gate.wait();
 }
 
 TEST(Dispatch, APieceThatWaitsHoldsNoOtherUp) {
     struct {
-        gate_t first, second;
+        Gate first, second;
     } gates;
     const auto both = &gates;
     dispatch_async_f(global_queue(), both, [](void* context) {
@@ -130,10 +130,10 @@ TEST(Dispatch, AThousandPiecesAllRun) {
 }
 
 TEST(Dispatch, MainWorkFromAnotherThreadWakesTheRunLoop) {
-    order_t order;
+    Order order;
     dispatch_async_f(global_queue(), &order, [](void* context) {
-        dispatch_async_f(dispatch_get_main_queue(),
-                         new numbered_t{static_cast<order_t*>(context), 1}, append);
+        dispatch_async_f(dispatch_get_main_queue(), new Numbered{static_cast<Order*>(context), 1},
+                         append);
     });
     run_until(NSDefaultRunLoopMode, [&] { return !order.seen.empty(); });
     EXPECT_TRUE(order.on_main);
@@ -141,8 +141,8 @@ TEST(Dispatch, MainWorkFromAnotherThreadWakesTheRunLoop) {
 
 TEST(Dispatch, MainWorkRunsInEveryCommonMode) {
     CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), (CFStringRef)NSEventTrackingRunLoopMode);
-    order_t order;
-    dispatch_async_f(dispatch_get_main_queue(), new numbered_t{&order, 1}, append);
+    Order order;
+    dispatch_async_f(dispatch_get_main_queue(), new Numbered{&order, 1}, append);
     run_until(NSEventTrackingRunLoopMode, [&] { return !order.seen.empty(); });
     EXPECT_EQ(order.seen.size(), 1u);
 }

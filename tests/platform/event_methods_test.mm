@@ -26,7 +26,7 @@ class EventMethods : public testing::Test {
              [NSArray arrayWithObjects:@"GSFirstAlternateKey", @"GSFirstCommandKey", nil]) {
             [[NSUserDefaults standardUserDefaults] removeObjectForKey:name];
         }
-        SetHeldModifierFlags(0);
+        set_held_modifier_flags(0);
         [pool release];
     }
     void key(KeySym symbol, bool down) {
@@ -93,10 +93,10 @@ TEST_F(EventMethods, AltGrIsOptionInLayoutsThatHaveIt) {
 }
 
 TEST_F(EventMethods, HeldFlagsAddToTheKeyboard) {
-    SetHeldModifierFlags(NSAlternateKeyMask);
-    EXPECT_EQ(HeldModifierFlags(), (NSUInteger)NSAlternateKeyMask);
+    set_held_modifier_flags(NSAlternateKeyMask);
+    EXPECT_EQ(held_modifier_flags(), (NSUInteger)NSAlternateKeyMask);
     EXPECT_EQ(flags_with(XK_Shift_L), (NSUInteger)(NSAlternateKeyMask | NSShiftKeyMask));
-    SetHeldModifierFlags(0);
+    set_held_modifier_flags(0);
     EXPECT_EQ([NSEvent modifierFlags], 0u);
 }
 

@@ -43,12 +43,12 @@ TEST(FileOffer, APointerThatAnotherClientHasForAMomentIsWaitedFor) {
         holder.let_go();
     });
     begins = true;
-    EXPECT_TRUE(file_offer_t::shared()->hold_pointer());
+    EXPECT_TRUE(FileOffer::shared()->hold_pointer());
     soon.join();
-    file_offer_t::shared()->let_pointer_go();
+    FileOffer::shared()->let_pointer_go();
 }
 
 TEST(FileOffer, APointerThatAnotherClientKeepsIsNotWaitedForForEver) {
     const Holder holder;
-    EXPECT_FALSE(file_offer_t::shared()->hold_pointer());
+    EXPECT_FALSE(FileOffer::shared()->hold_pointer());
 }

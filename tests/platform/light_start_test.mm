@@ -19,7 +19,7 @@ class LightStart : public testing::Test {
         XSelectInput(watcher, DefaultRootWindow(watcher), SubstructureNotifyMask);
         XSync(watcher, False);
         @autoreleasepool {
-            StartLightly();
+            start_lightly();
             test::start_application();
         }
         XSync(watcher, False);

@@ -66,7 +66,7 @@ class RaisingPresenter : public Presenter {
             caught = [[exception name] UTF8String];
         }
         EXPECT_EQ(caught, "TestException");
-        EXPECT_EQ(menu_run_t::current(), nullptr);
+        EXPECT_EQ(MenuRun::current(), nullptr);
         EXPECT_EQ([MenuSession current], nil);
         EXPECT_EQ([NSView focusView], nil);
         EXPECT_TRUE(script_.input.pointer_is_free());
@@ -79,7 +79,7 @@ class RaisingPresenter : public Presenter {
         next.when(
             "the next menu", [] { return row_point(0, @"alpha").x >= 0; },
             [&] {
-                const point_t at = row_point(0, @"alpha");
+                const MenuPoint at = row_point(0, @"alpha");
                 next.input.move(at.x, at.y);
                 next.input.click(1);
             });

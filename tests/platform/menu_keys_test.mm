@@ -46,7 +46,7 @@ class KeysInASubmenu : public Presenter {
     // End and Return are sent while the pointer is at a place in the submenu's panel.
     void pick_the_last_from(int from_top, int from_bottom) {
         levels(2, [=, this] {
-            const area_t panel = shown_level(1).panel();
+            const Area panel = shown_level(1).panel();
             const int y = from_top ? panel.top + from_top : panel.bottom() - from_bottom;
             at_ = {panel.left + 30, y};
             script_.input.move(at_.x, at_.y);
@@ -59,16 +59,16 @@ class KeysInASubmenu : public Presenter {
     }
     // The event has been handled: the highlight of the row that led here has appeared and gone.
     bool stands() const {
-        const point_t now = current_pointer().at;
+        const MenuPoint now = current_pointer().at;
         return now.x == at_.x && now.y == at_.y && highlighted_title(1).empty();
     }
-    point_t at_ = {};
+    MenuPoint at_ = {};
 };
 
 TEST_F(KeysInASubmenu, ReachItFromItsDisabledRow) { pick_the_last_from(15, 0); }
 
 TEST_F(KeysInASubmenu, ReachItFromItsSeparator) {
-    const menu_look_t look = menu_look(nil, nullptr);
+    const MenuLook look = menu_look(nil, nullptr);
     pick_the_last_from(look.inset + look.row_height + look.separator_height / 2, 0);
 }
 
@@ -90,7 +90,7 @@ TEST_F(KeysInASubmenu, StopTheScrollingOfTheArrowUnderThePointer) {
     int first = 0;
     levels(2, [&] {
         first = row_point(1, @"row 99").y;
-        const area_t panel = shown_level(1).panel();
+        const Area panel = shown_level(1).panel();
         script_.input.move(panel.left + 30, panel.bottom() - 6);
     });
     script_.when(

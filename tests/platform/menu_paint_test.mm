@@ -47,7 +47,7 @@ class MenuPaint : public testing::Test {
         surface_ =
             cairo_image_surface_create(CAIRO_FORMAT_ARGB32, layout_.width(), layout_.height());
         cairo_t* cairo = cairo_create(surface_);
-        menu_scene_t scene = {};
+        MenuScene scene = {};
         scene.layout = &layout_;
         scene.images = &images_;
         scene.highlighted = highlighted;
@@ -65,7 +65,7 @@ class MenuPaint : public testing::Test {
     }
     // How dark the darkest pixel of a row's title is; 255 is white.
     unsigned darkest(int row) const {
-        const menu_row_t& found = layout_.rows()[static_cast<size_t>(row)];
+        const MenuRow& found = layout_.rows()[static_cast<size_t>(row)];
         unsigned least = 255;
         for (int y = found.top; y < found.top + found.height; y++) {
             for (int x = layout_.title_left(found); x < layout_.title_right(); x++) {
@@ -75,14 +75,14 @@ class MenuPaint : public testing::Test {
         return least;
     }
     unsigned icon_pixel(int row) const {
-        const menu_row_t& found = layout_.rows()[static_cast<size_t>(row)];
+        const MenuRow& found = layout_.rows()[static_cast<size_t>(row)];
         return pixel(layout_.image_left() + 8, found.top + found.height / 2) & 0xff;
     }
 
     NSAutoreleasePool* pool_;
     NSMenu* menu_;
-    menu_layout_t layout_{menu_look(nil, nullptr)};
-    image_cache_t images_;
+    MenuLayout layout_{menu_look(nil, nullptr)};
+    ImageCache images_;
     cairo_surface_t* surface_ = nullptr;
 };
 
@@ -134,7 +134,7 @@ TEST_F(MenuPaint, ADimRowIsLegibleWhileItIsHighlighted) {
     [dotted setImage:icon_of(folder.file(".dotted"))];
     paint(dotted);
     unsigned brightest = 0;
-    const menu_row_t& row = layout_.rows()[1];
+    const MenuRow& row = layout_.rows()[1];
     for (int y = row.top; y < row.top + row.height; y++) {
         for (int x = layout_.title_left(row); x < layout_.title_right(); x++) {
             brightest = std::max(brightest, pixel(x, y) >> 16);

@@ -11,11 +11,11 @@
 
 namespace {
 
-const area_t screen = {0, 0, 1000, 800};
+const Area screen = {0, 0, 1000, 800};
 
-void expect_step(tracking_state_t state, tracking_input_t input, tracking_state_t next,
-                 tracking_effect_t effect) {
-    const transition_t step = transition(state, input);
+void expect_step(TrackingState state, TrackingInput input, TrackingState next,
+                 TrackingEffect effect) {
+    const Transition step = transition(state, input);
     EXPECT_EQ(step.next, next) << "state " << state << " input " << input;
     EXPECT_EQ(step.effect, effect) << "state " << state << " input " << input;
 }
@@ -52,34 +52,33 @@ TEST(TrackingStates, ScrollingGoesBackToWhereTheButtonIs) {
 
 TEST(TrackingStates, NothingLeavesClosingButTheEnd) {
     for (int input = input_open_pressed; input < input_closed; input++) {
-        expect_step(state_closing, static_cast<tracking_input_t>(input), state_closing,
-                    effect_none);
+        expect_step(state_closing, static_cast<TrackingInput>(input), state_closing, effect_none);
     }
     expect_step(state_closing, input_closed, state_closed, effect_none);
 }
 
 TEST(Placement, APanelOpensBelowAndRightOfThePointer) {
-    const area_t area = place_at_pointer({200, 300}, {100, 100}, screen, 4);
+    const Area area = place_at_pointer({200, 300}, {100, 100}, screen, 4);
     EXPECT_GE(area.left, 100);
     EXPECT_GE(area.top, 100);
     EXPECT_FALSE(area.contains({100, 100}));
 }
 
 TEST(Placement, APanelTurnsAwayFromTheEdges) {
-    const area_t area = place_at_pointer({200, 300}, {990, 790}, screen, 4);
+    const Area area = place_at_pointer({200, 300}, {990, 790}, screen, 4);
     EXPECT_EQ(area.right(), 990);
     EXPECT_EQ(area.bottom(), 790);
 }
 
 TEST(Placement, APanelThatIsTooHighTakesTheScreensHeight) {
-    const area_t area = place_at_pointer({200, 240000}, {500, 400}, screen, 4);
+    const Area area = place_at_pointer({200, 240000}, {500, 400}, screen, 4);
     EXPECT_EQ(area.top, 4);
     EXPECT_EQ(area.bottom(), 796);
 }
 
 TEST(Placement, APanelStaysOnItsOwnScreen) {
-    const area_t second = {1000, 100, 1000, 600};
-    const area_t area = place_at_pointer({200, 300}, {1990, 690}, second, 4);
+    const Area second = {1000, 100, 1000, 600};
+    const Area area = place_at_pointer({200, 300}, {1990, 690}, second, 4);
     EXPECT_GE(area.left, second.left);
     EXPECT_LE(area.right(), second.right());
     EXPECT_GE(area.top, second.top);
@@ -87,37 +86,37 @@ TEST(Placement, APanelStaysOnItsOwnScreen) {
 }
 
 TEST(Placement, ASubmenuKeepsToItsSideWhileThereIsRoom) {
-    const area_t parent = {700, 100, 200, 300}, row = {700, 150, 200, 20};
-    side_t side = on_right;
-    const area_t left = place_beside({200, 200}, row, parent, screen, 4, 2, 5, &side);
+    const Area parent = {700, 100, 200, 300}, row = {700, 150, 200, 20};
+    Side side = on_right;
+    const Area left = place_beside({200, 200}, row, parent, screen, 4, 2, 5, &side);
     EXPECT_EQ(side, on_left);
     EXPECT_EQ(left.right(), parent.left + 2);
     EXPECT_EQ(left.top, row.top - 5);
-    const area_t next = place_beside({200, 200}, row, left, screen, 4, 2, 5, &side);
+    const Area next = place_beside({200, 200}, row, left, screen, 4, 2, 5, &side);
     EXPECT_EQ(side, on_left);
     EXPECT_LT(next.left, left.left);
 }
 
 TEST(CardPlacement, ACardStandsLevelWithTheRowOnTheSideToPrefer) {
-    const area_t levels = {300, 100, 200, 300}, row = {300, 150, 200, 20};
-    const area_t right = place_clear({100, 200}, levels, row, screen, 4, 6, on_right);
-    EXPECT_EQ(right, (area_t{506, 150, 100, 200}));
-    const area_t left = place_clear({100, 200}, levels, row, screen, 4, 6, on_left);
-    EXPECT_EQ(left, (area_t{194, 150, 100, 200}));
+    const Area levels = {300, 100, 200, 300}, row = {300, 150, 200, 20};
+    const Area right = place_clear({100, 200}, levels, row, screen, 4, 6, on_right);
+    EXPECT_EQ(right, (Area{506, 150, 100, 200}));
+    const Area left = place_clear({100, 200}, levels, row, screen, 4, 6, on_left);
+    EXPECT_EQ(left, (Area{194, 150, 100, 200}));
 }
 
 TEST(CardPlacement, ACardTakesTheOtherSideThenBelowThenAbove) {
-    const area_t at_right = {700, 100, 290, 300}, wide_above = {10, 20, 980, 200},
-                 wide_below = {10, 600, 980, 190};
-    const area_t row = {700, 150, 290, 20};
+    const Area at_right = {700, 100, 290, 300}, wide_above = {10, 20, 980, 200},
+               wide_below = {10, 600, 980, 190};
+    const Area row = {700, 150, 290, 20};
     EXPECT_EQ(place_clear({100, 200}, at_right, row, screen, 4, 6, on_right).right(), 694);
     EXPECT_EQ(place_clear({100, 200}, wide_above, row, screen, 4, 6, on_right).top, 226);
     EXPECT_EQ(place_clear({100, 200}, wide_below, row, screen, 4, 6, on_right).bottom(), 594);
 }
 
 TEST(CardPlacement, ACardThatFitsNowhereIsSmallerInProportion) {
-    const area_t levels = {300, 100, 300, 600}, row = {300, 680, 300, 20};
-    const area_t area = place_clear({1000, 500}, levels, row, screen, 4, 6, on_right);
+    const Area levels = {300, 100, 300, 600}, row = {300, 680, 300, 20};
+    const Area area = place_clear({1000, 500}, levels, row, screen, 4, 6, on_right);
     EXPECT_EQ(area.left, 606);
     EXPECT_EQ(area.right(), 996);
     EXPECT_EQ(area.height, 195);
@@ -125,7 +124,7 @@ TEST(CardPlacement, ACardThatFitsNowhereIsSmallerInProportion) {
 }
 
 TEST(Aiming, TheWayToASubmenuIsATriangle) {
-    const area_t panel = {400, 100, 200, 300};
+    const Area panel = {400, 100, 200, 300};
     EXPECT_TRUE(is_on_the_way({200, 120}, {300, 200}, panel));
     EXPECT_TRUE(is_on_the_way({200, 120}, {390, 390}, panel));
     EXPECT_FALSE(is_on_the_way({200, 120}, {210, 300}, panel)) << "straight down";
@@ -133,7 +132,7 @@ TEST(Aiming, TheWayToASubmenuIsATriangle) {
 }
 
 TEST(Aiming, ItWorksToTheLeftToo) {
-    const area_t panel = {100, 100, 200, 300};
+    const Area panel = {100, 100, 200, 300};
     EXPECT_TRUE(is_on_the_way({500, 120}, {400, 200}, panel));
     EXPECT_FALSE(is_on_the_way({500, 120}, {600, 140}, panel));
 }

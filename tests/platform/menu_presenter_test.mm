@@ -34,7 +34,7 @@ TEST_F(Presenter, AQuickReleaseOverTheMenuPicksNothing) {
     bool stayed = false;
     shown([&] { script_.input.release(3); });
     script_.when(
-        "sticky", [] { return menu_run_t::current()->state() == state_sticky; },
+        "sticky", [] { return MenuRun::current()->state() == state_sticky; },
         [&] {
             stayed = true;
             key("Escape");
@@ -63,7 +63,7 @@ TEST_F(Presenter, AClickOutsideClosesWithoutAPick) {
 TEST_F(Presenter, ADisabledRowIsNeitherHighlightedNorPicked) {
     shown([this] { click(@"disabled"); });
     script_.when(
-        "released", [] { return menu_run_t::current()->state() == state_sticky; },
+        "released", [] { return MenuRun::current()->state() == state_sticky; },
         [this] { key("Escape"); });
     run();
     EXPECT_EQ(log(), "update root, open root, close root");
@@ -186,13 +186,13 @@ TEST_F(Presenter, TheWheelAndTheStripsScroll) {
     script_.when(
         "wheel", [&] { return row_point(0, @"row 99").y < before; },
         [&] {
-            const area_t panel = shown_level(0).panel();
+            const Area panel = shown_level(0).panel();
             script_.input.move(panel.left + 30, panel.bottom() - 6);
         });
     script_.when(
         "strip", [] { return row_point(0, @"row 99").y < shown_level(0).panel().bottom(); },
         [this] {
-            const area_t panel = shown_level(0).panel();
+            const Area panel = shown_level(0).panel();
             script_.input.move(panel.left + 30, panel.top + 6);
         });
     script_.when(
@@ -241,7 +241,7 @@ TEST_F(Presenter, AnItemsViewStandsInItsRowUntilItIsTakenAway) {
     NSTimer* timer = test::while_tracking(0.01, view, @selector(tick:), YES);
     shown([&] {
         EXPECT_EQ([view window], shown_level(0).window());
-        const area_t row = shown_level(0).row_area(shown_level(0).layout().row_of(beta_));
+        const Area row = shown_level(0).row_area(shown_level(0).layout().row_of(beta_));
         EXPECT_EQ(row.height, 32);
         clickAt(row.left + 20, row.top + 16);
     });
@@ -278,14 +278,14 @@ TEST_F(Presenter, APictureShowsTheOpenLevels) {
         NSImageRep* rep = [NSBitmapImageRep imageRepWithData:[NSData dataWithContentsOfFile:file]];
         return NSMakeSize([rep pixelsWide], [rep pixelsHigh]);
     };
-    EXPECT_FALSE(WritePictureOfOpenMenus(file, NO));
+    EXPECT_FALSE(write_picture_of_open_menus(file, NO));
     shown([&] {
-        EXPECT_TRUE(WritePictureOfOpenMenus(file, NO));
+        EXPECT_TRUE(write_picture_of_open_menus(file, NO));
         one = size();
         EXPECT_EQ(one.width, shown_level(0).panel().width);
         EXPECT_EQ(one.height, shown_level(0).panel().height);
         [[MenuSession current] openSubmenuOfItem:folder_];
-        EXPECT_TRUE(WritePictureOfOpenMenus(file, NO));
+        EXPECT_TRUE(write_picture_of_open_menus(file, NO));
         two = size();
         [[MenuSession current] cancel];
     });

@@ -197,7 +197,7 @@ class MenuAtRest : public testing::Test {
     bool is_highlighted(const std::string& title) {
         return wait_for([&] { return [resting_ highlighted] == title; });
     }
-    bool has_color(point_t at, unsigned long color) {
+    bool has_color(MenuPoint at, unsigned long color) {
         return wait_for([&] { return input_.pixel(at.x, at.y) == color; });
     }
     // Runs it on the main thread, and returns when it has ended.
@@ -215,9 +215,9 @@ class MenuAtRest : public testing::Test {
         on_main([&] { test::while_tracking(0.3, resting_, @selector(perform), NO); });
         resting_->work = work;
     }
-    point_t image_point() const {
-        const point_t row = row_point(0, @"beta");
-        const menu_level_t& level = shown_level(0);
+    MenuPoint image_point() const {
+        const MenuPoint row = row_point(0, @"beta");
+        const MenuLevel& level = shown_level(0);
         return {level.panel().left + level.layout().image_left() + 8, row.y};
     }
 
@@ -245,7 +245,7 @@ TEST_F(MenuAtRest, NeverWakesWithThePointerOnARowAndALevelOpen) {
     [submenu addItemWithTitle:@"leaf" action:NULL keyEquivalent:@""];
     [folder setSubmenu:submenu];
     run([this] {
-        point_t at;
+        MenuPoint at;
         on_main([&] { at = row_point(0, @"folder"); });
         input_.move(at.x, at.y);
         EXPECT_TRUE(wait_for([this] {
@@ -272,7 +272,7 @@ TEST_F(MenuAtRest, AnswersToAKey) {
 
 TEST_F(MenuAtRest, AnswersToThePointer) {
     run([this] {
-        point_t at;
+        MenuPoint at;
         on_main([&] { at = row_point(0, @"beta"); });
         come_to_rest();
         input_.move(at.x, at.y);
@@ -328,7 +328,7 @@ TEST_F(MenuAtRest, GetsTheKeyboardWhenAnotherProgramLetsItGo) {
 TEST_F(MenuAtRest, ShowsWhatATimerDoesToAnItem) {
     [beta() setImage:square([NSColor greenColor])];
     run([=, this] {
-        point_t at;
+        MenuPoint at;
         on_main([&] { at = image_point(); });
         EXPECT_TRUE(has_color(at, green));
         by_timer([this] { [beta() setImage:square([NSColor redColor])]; });
@@ -341,13 +341,13 @@ TEST_F(MenuAtRest, ShowsAnImageWhosePixelsArrive) {
     NSImage* image = square([NSColor greenColor]);
     [beta() setImage:image];
     run([=, this] {
-        point_t at;
+        MenuPoint at;
         on_main([&] { at = image_point(); });
         EXPECT_TRUE(has_color(at, green));
         on_main([=] {
             [image removeRepresentation:[[image representations] objectAtIndex:0]];
             [image addRepresentation:pixels([NSColor redColor])];
-            menu_run_t::current()->image_changed(image);
+            MenuRun::current()->image_changed(image);
         });
         EXPECT_TRUE(has_color(at, red));
         input_.key("Escape");

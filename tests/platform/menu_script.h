@@ -30,7 +30,7 @@ class MenuScript {
 // About the menu on the screen.
 bool level_is_shown(size_t index);
 size_t shown_levels();
-menu_level_t& shown_level(size_t index);
+MenuLevel& shown_level(size_t index);
 // The middle of a row, by title; {-1, -1} when no such row is in that level.
-point_t row_point(size_t level, NSString* title);
+MenuPoint row_point(size_t level, NSString* title);
 std::string highlighted_title(size_t level);

@@ -28,19 +28,19 @@ size_t shown_levels() {
 }
 
 bool level_is_shown(size_t index) {
-    const menu_run_t* run = menu_run_t::current();
+    const MenuRun* run = MenuRun::current();
     return run && index < run->levels().size() && run->levels()[index]->is_shown();
 }
 
-menu_level_t& shown_level(size_t index) { return *menu_run_t::current()->levels()[index]; }
+MenuLevel& shown_level(size_t index) { return *MenuRun::current()->levels()[index]; }
 
-point_t row_point(size_t index, NSString* title) {
+MenuPoint row_point(size_t index, NSString* title) {
     if (!level_is_shown(index)) return {-1, -1};
-    const menu_level_t& level = shown_level(index);
-    const std::vector<menu_row_t>& rows = level.layout().rows();
+    const MenuLevel& level = shown_level(index);
+    const std::vector<MenuRow>& rows = level.layout().rows();
     for (size_t i = 0; i < rows.size(); i++) {
         if (![[rows[i].item title] isEqualToString:title]) continue;
-        const area_t area = level.row_area(static_cast<int>(i));
+        const Area area = level.row_area(static_cast<int>(i));
         return {area.left + area.width / 2, area.top + area.height / 2};
     }
     return {-1, -1};

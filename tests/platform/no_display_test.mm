@@ -5,9 +5,9 @@
 TEST(WithoutADisplay, OnlyHeldModifiersAreKnown) {
     EXPECT_EQ([NSEvent modifierFlags], 0u);
     EXPECT_EQ([NSEvent pressedMouseButtons], 0u);
-    SetHeldModifierFlags(NSShiftKeyMask);
+    set_held_modifier_flags(NSShiftKeyMask);
     EXPECT_EQ([NSEvent modifierFlags], (NSUInteger)NSShiftKeyMask);
-    SetHeldModifierFlags(0);
+    set_held_modifier_flags(0);
 }
 
 TEST(WithoutADisplay, MenusCanBeBuiltWithoutAnApplication) {

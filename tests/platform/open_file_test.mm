@@ -18,7 +18,7 @@
 
 namespace {
 
-using arguments_t = std::vector<std::string>;
+using Arguments = std::vector<std::string>;
 
 // A user whose programs for texts and folders record what they get. The desktop's folders are those
 // of the isolated run; the test fills them once, before GIO reads them.
@@ -52,7 +52,7 @@ class OpenFile : public testing::Test {
                program->path() + " " + arguments + "\n";
     }
     // The arguments of the program, when it was started.
-    static arguments_t record() { return program->wait(); }
+    static Arguments record() { return program->wait(); }
 
     static test::RecordingProgram* program;
     NSAutoreleasePool* pool;
@@ -66,7 +66,7 @@ test::RecordingProgram* OpenFile::program;
 TEST_F(OpenFile, ATextGoesToItsProgramFromTheHomeFolder) {
     const std::string path = folder.file("plain.txt", "hello");
     ASSERT_TRUE(open(path));
-    EXPECT_EQ(record(), arguments_t({path}));
+    EXPECT_EQ(record(), Arguments({path}));
     EXPECT_EQ(program->working_folder(), getenv("HOME"));
 }
 
@@ -92,19 +92,19 @@ TEST_F(OpenFile, ProgramsThatEndLeaveNoChildBehind) {
 
 TEST_F(OpenFile, BlanksNewlinesAndPercentSignsArriveAsTheyAre) {
     ASSERT_TRUE(open(folder.file("a b%20c\nd.txt", "x")));
-    EXPECT_EQ(record(), arguments_t({folder.path() + "/a b%20c\nd.txt"}));
+    EXPECT_EQ(record(), Arguments({folder.path() + "/a b%20c\nd.txt"}));
 }
 
 TEST_F(OpenFile, BytesThatAreNoTextGoThroughAFileUrl) {
     folder.file("caf\xe9.txt", "x");
     const std::string uri = "file://" + folder.path() + "/caf%E9.txt";
     ASSERT_TRUE(open(uri));
-    EXPECT_EQ(record(), arguments_t({folder.path() + "/caf\xe9.txt"}));
+    EXPECT_EQ(record(), Arguments({folder.path() + "/caf\xe9.txt"}));
 }
 
 TEST_F(OpenFile, AFolderOpensInTheFileManager) {
     ASSERT_TRUE(open(folder.folder("sub")));
-    EXPECT_EQ(record(), arguments_t({folder.path() + "/sub"}));
+    EXPECT_EQ(record(), Arguments({folder.path() + "/sub"}));
 }
 
 TEST_F(OpenFile, AnExecutableScriptIsShownAndNotRun) {
@@ -112,7 +112,7 @@ TEST_F(OpenFile, AnExecutableScriptIsShownAndNotRun) {
         folder.file("run.sh", "#!/bin/sh\ntouch " + folder.path() + "/was-run\n");
     chmod(path.c_str(), 0755);
     ASSERT_TRUE(open(path));
-    EXPECT_EQ(record(), arguments_t({path}));
+    EXPECT_EQ(record(), Arguments({path}));
     EXPECT_NE(access((folder.path() + "/was-run").c_str(), F_OK), 0);
 }
 
@@ -120,10 +120,10 @@ TEST_F(OpenFile, AnEntryOfTheDesktopsOwnStartsTheApplication) {
     const std::string path = std::string(getenv("XDG_DATA_HOME")) + "/applications/app.desktop";
     std::ofstream(path) << application("one started");
     ASSERT_TRUE(open(path));
-    EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    EXPECT_EQ(record(), Arguments({"one", "started"}));
     program->forget();
     ASSERT_TRUE(open(folder.link("a link", path)));
-    EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    EXPECT_EQ(record(), Arguments({"one", "started"}));
     unlink(path.c_str());
 }
 
@@ -133,7 +133,7 @@ TEST_F(OpenFile, AStrangersEntryIsATextAndIsNotRun) {
         program->forget();
         const std::string path = folder.file(name, application("was run"));
         ASSERT_TRUE(open(path));
-        EXPECT_EQ(record(), arguments_t({path}));
+        EXPECT_EQ(record(), Arguments({path}));
     }
 }
 
@@ -144,7 +144,7 @@ TEST_F(OpenFile, AFileWithTheNumberOfARemovedEntryIsATextAndIsNotRun) {
     const std::string other = folder.path("kept.desktop");
     std::ofstream(path) << application("one started");
     ASSERT_TRUE(open(path));
-    EXPECT_EQ(record(), arguments_t({"one", "started"}));
+    EXPECT_EQ(record(), Arguments({"one", "started"}));
     program->forget();
     ASSERT_EQ(link(path.c_str(), other.c_str()), 0);
     // Checks at once, while the list of entries with this one in it is fresh.
@@ -152,21 +152,21 @@ TEST_F(OpenFile, AFileWithTheNumberOfARemovedEntryIsATextAndIsNotRun) {
     unlink(path.c_str());
     ASSERT_TRUE(open(other));
     for (int i = 0; i < 6000 && program->opened().size() < 3; i++) usleep(10000);
-    arguments_t all = program->opened();
+    Arguments all = program->opened();
     std::sort(all.begin(), all.end());
-    EXPECT_EQ(all, arguments_t({other, "one", "started"}));
+    EXPECT_EQ(all, Arguments({other, "one", "started"}));
 }
 
 TEST_F(OpenFile, AnEntryThatTheUserMayExecuteIsRunUnlessItIsHidden) {
     const std::string path = folder.file("mine.desktop", application("was run"));
     chmod(path.c_str(), 0755);
     ASSERT_TRUE(open(path));
-    EXPECT_EQ(record(), arguments_t({"was", "run"}));
+    EXPECT_EQ(record(), Arguments({"was", "run"}));
     for (const char* line : {"Hidden=true\n", "NoDisplay=true\n"}) {
         program->forget();
         folder.file("mine.desktop", application("was run") + line);
         ASSERT_TRUE(open(path));
-        EXPECT_EQ(record(), arguments_t({path})) << line;
+        EXPECT_EQ(record(), Arguments({path})) << line;
     }
 }
 
@@ -176,7 +176,7 @@ TEST_F(OpenFile, AnApplicationBundleIsStarted) {
     chmod(tool.c_str(), 0755);
     folder.file("Tool.app/Resources/Info-gnustep.plist", "{ NSExecutable = Tool; }\n");
     ASSERT_TRUE(open(folder.path("Tool.app")));
-    EXPECT_EQ(record(), arguments_t({"bundle"}));
+    EXPECT_EQ(record(), Arguments({"bundle"}));
     EXPECT_EQ(program->working_folder(), getenv("HOME"));
 }
 

@@ -65,11 +65,11 @@ class Presenter : public testing::Test {
             "highlight " + title, [=] { return highlighted_title(level) == title; }, action);
     }
     void moveTo(NSString* title, size_t level = 0) {
-        const point_t at = row_point(level, title);
+        const MenuPoint at = row_point(level, title);
         script_.input.move(at.x, at.y);
     }
     void click(NSString* title, size_t level = 0, int button = 1) {
-        const point_t at = row_point(level, title);
+        const MenuPoint at = row_point(level, title);
         clickAt(at.x, at.y, button);
     }
     void clickAt(int x, int y, int button = 1) {

@@ -156,7 +156,7 @@ TEST(Runtime, ExchangingAMissingMethodDoesNothing) {
 }
 
 TEST(Runtime, AClassMethodThatIsReplacedBeforeItsClassIsUsedRunsInAnInitializedClass) {
-    const method_patch_t patches[] = {
+    const MethodPatch patches[] = {
         {"UnusedClass", "unusedNumber", reinterpret_cast<IMP>(replaced_number), nullptr, true}};
     patch_methods(patches);
     EXPECT_EQ(initialized_classes, 0);

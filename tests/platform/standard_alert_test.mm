@@ -20,7 +20,7 @@ class StandardAlert : public testing::Test {
     StandardAlert() { test::start_application(); }
     ~StandardAlert() override {
         input_.let_go();
-        AnswerStandardAlerts(kAlertAnswerAsk);
+        answer_standard_alerts(kAlertAnswerAsk);
         [pool_ release];
     }
 
@@ -40,7 +40,7 @@ class StandardAlert : public testing::Test {
         return made;
     }
     void click(int item) {
-        const point_t at = [panel() middleOfItem:item];
+        const MenuPoint at = [panel() middleOfItem:item];
         ASSERT_GE(at.x, 0);
         input_.move(at.x, at.y);
         input_.click(1);
@@ -110,7 +110,7 @@ TEST_F(StandardAlert, APressThatIsLetGoElsewhereHitsNothing) {
     EXPECT_EQ(run(parameters(),
                   [&](Steps& steps) {
                       steps.when("the alert", is_open, [&] {
-                          const point_t from = [panel() middleOfItem:2];
+                          const MenuPoint from = [panel() middleOfItem:2];
                           input_.move(from.x, from.y);
                           input_.press(1);
                           input_.move(from.x, from.y - 60);
@@ -137,7 +137,7 @@ TEST_F(StandardAlert, AThirdButtonStandsBesideTheOthers) {
 
 TEST_F(StandardAlert, TheRunLoopGoesOnMeanwhile) {
     bool handled = false;
-    DeclareProcessSignature('MACS');
+    declare_process_signature('MACS');
     AEInstallEventHandler(
         'test', 'test',
         [](const AppleEvent*, AppleEvent*, void* refcon) -> OSErr {
@@ -164,7 +164,7 @@ TEST_F(StandardAlert, TheRunLoopGoesOnMeanwhile) {
                 "the event", [&] { return handled; }, [&] { input_.key("Return"); });
     });
     AERemoveEventHandler('test', 'test', nullptr, false);
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
 }
 
 TEST_F(StandardAlert, AnEndedModalSessionIsNoAnswer) {
@@ -178,11 +178,11 @@ TEST_F(StandardAlert, AnEndedModalSessionIsNoAnswer) {
 
 TEST_F(StandardAlert, AHostMayAnswerInsteadOfTheUser) {
     const auto nothing = [](Steps&) {};
-    AnswerStandardAlerts(kAlertStdAlertCancelButton);
+    answer_standard_alerts(kAlertStdAlertCancelButton);
     EXPECT_EQ(run(parameters(), nothing), 2);
     AlertStdCFStringAlertParamRec other = parameters();
     other.defaultButton = kAlertStdAlertCancelButton;
-    AnswerStandardAlerts(kAlertAnswerDefault);
+    answer_standard_alerts(kAlertAnswerDefault);
     EXPECT_EQ(run(other, nothing), 2);
     EXPECT_EQ(run(parameters(), nothing), 1);
 }

@@ -223,7 +223,7 @@ TEST_F(UntrustedIcons, AnOpenMenuShowsAPictureThatArrives) {
     script.when(
         "the picture",
         [] {
-            const point_t row = row_point(0, @"second");
+            const MenuPoint row = row_point(0, @"second");
             return has_green(300, row.x, row.y);
         },
         [&] { script.input.key("Escape"); });

@@ -15,10 +15,10 @@
 
 namespace test {
 
-using titles_t = std::vector<std::string>;
+using Titles = std::vector<std::string>;
 
 // The items' titles in order; a separator is "-".
-titles_t titles_of(NSMenu* menu);
+Titles titles_of(NSMenu* menu);
 NSMenuItem* item_titled(NSMenu* menu, const char* title);
 // The alternate of the item with this title; nil without one.
 NSMenuItem* alternate_of(NSMenu* menu, const char* title);

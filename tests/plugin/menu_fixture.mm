@@ -36,8 +36,8 @@ void expect_lines(const std::string& log, const std::vector<std::string>& lines)
     }
 }
 
-titles_t titles_of(NSMenu* menu) {
-    titles_t titles;
+Titles titles_of(NSMenu* menu) {
+    Titles titles;
     for (NSMenuItem* item in [menu itemArray]) {
         titles.push_back([item isSeparatorItem] ? "-" : [[item title] UTF8String]);
     }
@@ -78,7 +78,7 @@ MenuTest::~MenuTest() {
     while (dv_->count > 0) [controller_ removeMenuAndDelegate];
     [controller_ removeMenuAndDelegate];
     for (const std::string& key : forced_) {
-        ForcePreference((CFStringRef)string_of(key), nullptr, CFSTR(DV_PREFS_DOMAIN));
+        force_preference((CFStringRef)string_of(key), nullptr, CFSTR(DV_PREFS_DOMAIN));
     }
     dv_read_prefs(dv_, 0);
     dvFontSize = 0;
@@ -87,7 +87,7 @@ MenuTest::~MenuTest() {
 }
 
 void MenuTest::set(const char* key, id value) {
-    ForcePreference((CFStringRef)string_of(key), (CFPropertyListRef)value, CFSTR(DV_PREFS_DOMAIN));
+    force_preference((CFStringRef)string_of(key), (CFPropertyListRef)value, CFSTR(DV_PREFS_DOMAIN));
     forced_.push_back(key);
 }
 

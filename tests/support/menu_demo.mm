@@ -123,7 +123,7 @@
         return;
     }
     [timer invalidate];
-    if (_picture) WritePictureOfOpenMenus(_picture, [[self defaults] boolForKey:@"shadow"]);
+    if (_picture) write_picture_of_open_menus(_picture, [[self defaults] boolForKey:@"shadow"]);
     NSString* command = [[self defaults] stringForKey:@"run"];
     if (command) system([command UTF8String]);
     if (![[self defaults] boolForKey:@"stay"]) [session cancel];

@@ -6,4 +6,4 @@
 
 // Runs the run loop until the program that got the last drop has fetched the files, `limit` seconds
 // at most.
-void FinishFileDrops(NSTimeInterval limit);
+void finish_file_drops(NSTimeInterval limit);

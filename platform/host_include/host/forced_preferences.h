@@ -11,11 +11,11 @@ extern "C" {
 
 // From now on every read of `key` gives `value` (kept), even if the domain on disk has another
 // value, and writes of `key` are ignored. A null value ends the forcing. Main thread.
-void ForcePreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
+void force_preference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 
 // From now on reads of `key` give `value` (kept) as long as the domain has no value of its own. A
 // null value ends this. Main thread.
-void SetFallbackPreference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
+void set_fallback_preference(CFStringRef key, CFPropertyListRef value, CFStringRef applicationID);
 
 #ifdef __cplusplus
 }

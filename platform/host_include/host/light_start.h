@@ -9,7 +9,7 @@ extern "C" {
 // Call this before the application starts. The first key then opens the input method, whose tables
 // take as long to read as a menu takes to show. Where no window manager runs, GNUstep does not open
 // fifteen windows, one for each style, to find out about frames.
-void StartLightly(void);
+void start_lightly(void);
 
 #ifdef __cplusplus
 }

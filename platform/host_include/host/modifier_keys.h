@@ -7,8 +7,8 @@
 #include <AppKit/AppKit.h>
 
 // Modifiers that count as held in this process besides the ones on the keyboard. 0 ends this.
-void SetHeldModifierFlags(NSUInteger flags);
-NSUInteger HeldModifierFlags(void);
+void set_held_modifier_flags(NSUInteger flags);
+NSUInteger held_modifier_flags(void);
 
 // What +[NSEvent modifierFlags] answers: the keyboard's state at this moment, and the held ones.
-NSUInteger CurrentModifierFlags(void);
+NSUInteger current_modifier_flags(void);

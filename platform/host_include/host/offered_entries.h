@@ -7,4 +7,4 @@
 // takes files: Hidden, NoDisplay, OnlyShowIn, NotShowIn, TryExec and Exec count. *name receives the
 // name in the user's language. False for a broken file, and for one that is no plain file of at
 // most 256 KiB.
-bool IsOfferedEntry(const std::string& path, std::string* name);
+bool is_offered_entry(const std::string& path, std::string* name);

@@ -11,15 +11,15 @@ extern "C" {
 // only the program is known, `program` where none was chosen. `reason` is a clause in lower case
 // without a full stop.
 typedef void (*OpenFailureListener)(const char* file, const char* program, const char* reason);
-void SetOpenFailureListener(OpenFailureListener listener);
+void set_open_failure_listener(OpenFailureListener listener);
 // Calls the listener, for a host that opens files in its own way.
-void TellOpenFailure(const char* file, const char* program, const char* reason);
+void report_open_failure(const char* file, const char* program, const char* reason);
 
 // How many times this process has tried to open something, with and without success.
-unsigned long CountOfOpenings(void);
+unsigned long count_of_openings(void);
 
 // Programs that are started from now on get this variable; a null value takes it away from them.
-void SetVariableOfStartedPrograms(const char* name, const char* value);
+void set_variable_of_started_programs(const char* name, const char* value);
 
 #ifdef __cplusplus
 }

@@ -8,4 +8,4 @@
 // card that fits around its content and stands beside the deepest open level, clear of all levels;
 // moves by its program are then ignored. A null question, as at first, answers NO.
 typedef BOOL (*BesideMenusQuestion)(void);
-void PlaceWindowsBesideMenus(BesideMenusQuestion wanted);
+void place_windows_beside_menus(BesideMenusQuestion wanted);

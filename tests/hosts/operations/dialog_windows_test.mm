@@ -73,7 +73,7 @@ class DialogWindows : public testing::Test {
         Steps steps;
         script(steps);
         Answer answer;
-        steps.run_beside([&] { answer = AskAbout(conflict, false); });
+        steps.run_beside([&] { answer = ask_about(conflict, false); });
         return answer;
     }
     static AlertStdCFStringAlertParamRec replace_question() {
@@ -134,11 +134,11 @@ TEST_F(DialogWindows, ClosingTheConflictPanelStops) {
 TEST_F(DialogWindows, ClosingTheProgressWindowCancels) {
     const Request request = {Kind::Copy, {"/a", "/b", "/c"}, "/home/me/Documents", false};
     bool ended = false;
-    Endless work(MakeWindowObserver(request, [&](const Report&) { ended = true; }));
+    Endless work(make_window_observer(request, [&](const Report&) { ended = true; }));
     Steps steps;
     steps.when(
         "the progress", [&] { return stands("Copying 3 items to “Documents”"); }, [&] { close(); });
-    steps.run_beside([] { RunUntilOperationsEnd(); });
+    steps.run_beside([] { run_until_operations_end(); });
     EXPECT_TRUE(ended);
 }
 

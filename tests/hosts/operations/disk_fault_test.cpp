@@ -79,11 +79,11 @@ class DiskFaultTest : public testing::Test {
 
     Report perform(const Scenario& scenario) {
         const bool trashes = scenario.kind == Kind::Trash;
-        return operations::Perform({scenario.kind,
-                                    {from_ + "/a", from_ + "/b", from_ + "/tree"},
-                                    trashes ? "" : to_,
-                                    scenario.replaces},
-                                   notes_, state_);
+        return operations::perform_request({scenario.kind,
+                                            {from_ + "/a", from_ + "/b", from_ + "/tree"},
+                                            trashes ? "" : to_,
+                                            scenario.replaces},
+                                           notes_, state_);
     }
 
     // In messages, long contents are replaced by their length.
@@ -135,14 +135,14 @@ class DiskFaultTest : public testing::Test {
 
     void heal() {
         faults_->how = Faults::never;
-        operations::RemoveLeftTemporaries(state_);
+        operations::remove_left_temporaries(state_);
         for (const auto& entry : world()) {
             EXPECT_EQ(entry.first.find(".delvio-"), std::string::npos) << entry.first;
         }
     }
 
     std::string undo() {
-        for (const auto& outcome : operations::UndoLast(notes_, state_).outcomes) {
+        for (const auto& outcome : operations::undo_last(notes_, state_).outcomes) {
             if (outcome.state != State::Done) return outcome.reason;
         }
         return "";

@@ -33,8 +33,8 @@ class EngineTest : public testing::Test {
   protected:
     Report perform(Kind kind, const Names& sources, const std::string& destination,
                    bool replace = false) {
-        return operations::Perform({kind, sources, destination, replace}, notes_,
-                                   folder_.path("state"));
+        return operations::perform_request({kind, sources, destination, replace}, notes_,
+                                           folder_.path("state"));
     }
     Outcome perform_one(Kind kind, const std::string& source, const std::string& destination,
                         bool replace = false) {
@@ -187,7 +187,7 @@ TEST_F(EngineTest, NamesAreBytes) {
     EXPECT_EQ(test::names_in(again), sorted);
     EXPECT_EQ(test::names_in(from), Names());
     for (const std::string& name : names) EXPECT_EQ(test::read_file(again + "/" + name), name);
-    for (std::string& source : sources) source = again + "/" + operations::NameOf(source);
+    for (std::string& source : sources) source = again + "/" + operations::name_in_path(source);
     EXPECT_EQ(perform(Kind::Alias, sources, again).outcomes[3].target,
               again + "/" + std::string(249, 'x') + " alias");
     for (const Outcome& outcome : perform(Kind::Trash, sources, "").outcomes) {
@@ -284,7 +284,7 @@ TEST_F(EngineTest, WithoutAThreadARequestIsRefusedAndNothingIsTouched) {
     const std::string source = folder_.file("from/a", "a");
     const std::string destination = folder_.folder("to");
     const bool done = test::in_child([&] {
-        const auto engine = operations::MakeEngine(folder_.path("state"));
+        const auto engine = operations::make_engine(folder_.path("state"));
         if (!test::fail_call(SYS_clone3, EAGAIN) || !test::fail_call(SYS_clone, EAGAIN)) {
             return false;
         }
@@ -367,9 +367,9 @@ TEST_F(EngineTest, ATreeDeeperThanAnyPathIsCopied) {
     close(at);
     EXPECT_EQ(perform_one(Kind::Copy, tree, to).state, State::Done);
     EXPECT_EQ(notes_.last.items_done, 52u);
-    operations::RemoveTree(open(to.c_str(), O_PATH | O_CLOEXEC), "tree");
+    operations::remove_tree(open(to.c_str(), O_PATH | O_CLOEXEC), "tree");
     EXPECT_EQ(test::names_in(to), Names());
-    operations::RemoveTree(open(folder_.path().c_str(), O_PATH | O_CLOEXEC), "tree");
+    operations::remove_tree(open(folder_.path().c_str(), O_PATH | O_CLOEXEC), "tree");
 }
 
 TEST_F(EngineTest, FilesOfMoreFoldersThanCanBeOpenAreCopied) {
@@ -422,7 +422,7 @@ TEST_F(EngineTest, TheCarrierWorksBesideItsCallerInOrder) {
     folder_.folder("one");
     folder_.folder("two");
     auto first = std::make_shared<Signal>(), second = std::make_shared<Signal>();
-    const auto engine = operations::MakeEngine(folder_.path("state"));
+    const auto engine = operations::make_engine(folder_.path("state"));
     engine->carry_out({Kind::Move, {source}, folder_.path("one"), false}, first);
     engine->carry_out({Kind::Move, {folder_.path("one/a")}, folder_.path("two"), false}, second);
     first->wait();

@@ -25,8 +25,8 @@ class FaultTest : public testing::Test {
   protected:
     operations::Report perform(Kind kind, const std::vector<std::string>& sources,
                                const std::string& destination) {
-        return operations::Perform({kind, sources, destination, false}, notes_,
-                                   folder_.path("state"));
+        return operations::perform_request({kind, sources, destination, false}, notes_,
+                                           folder_.path("state"));
     }
 
     operations::Outcome perform_one(Kind kind, const std::string& source,

@@ -77,9 +77,9 @@ class KillTest : public testing::Test {
     }
 
     void expect_clean() {
-        operations::RemoveLeftTemporaries(operations::StateFolder());
+        operations::remove_left_temporaries(operations::default_state_folder());
         for (const std::string& name : test::names_in(to_)) EXPECT_NE(name[0], '.') << name;
-        EXPECT_EQ(test::names_in(operations::StateFolder() + "/temporaries"),
+        EXPECT_EQ(test::names_in(operations::default_state_folder() + "/temporaries"),
                   std::vector<std::string>());
     }
 

@@ -23,7 +23,7 @@ class LeftTrashInfo : public testing::Test {
     void leave_behind(const std::string& after = "") {
         folder_.file("trash/info/a.trashinfo", "[Trash Info]\nPath=/a\n");
         const std::string text =
-            operations::BegunEntry() + operations::TrashingEntry("/a", {file_, info_}, 7) + after;
+            operations::begun_entry() + operations::trashing_entry("/a", {file_, info_}, 7) + after;
         folder_.file("state/last-operation", text);
     }
     Names left() { return test::names_in(folder_.path("trash/info")); }
@@ -38,26 +38,26 @@ class LeftTrashInfo : public testing::Test {
 
 TEST_F(LeftTrashInfo, ANoteWithoutAFileIsRemoved) {
     leave_behind();
-    operations::RemoveLeftTrashInfo(state_);
+    operations::remove_left_trash_info(state_);
     EXPECT_EQ(left(), Names());
 }
 
 TEST_F(LeftTrashInfo, TheNextStartRemovesItWithoutBeingWaitedFor) {
     leave_behind();
-    operations::BeginToRemoveLeftTrashInfo(state_);
+    operations::begin_to_remove_left_trash_info(state_);
     while (!left().empty()) usleep(10000);
 }
 
 TEST_F(LeftTrashInfo, ANoteWhoseFileIsThereIsKept) {
     leave_behind();
     std::ofstream(file_) << "a";
-    operations::RemoveLeftTrashInfo(state_);
+    operations::remove_left_trash_info(state_);
     EXPECT_EQ(left(), Names({"a.trashinfo"}));
 }
 
 TEST_F(LeftTrashInfo, AStepThatWasTakenBackIsNotLookedAt) {
-    leave_behind(operations::NotDoneEntry());
-    operations::RemoveLeftTrashInfo(state_);
+    leave_behind(operations::not_done_entry());
+    operations::remove_left_trash_info(state_);
     EXPECT_EQ(left(), Names({"a.trashinfo"}));
 }
 
@@ -65,7 +65,7 @@ TEST_F(LeftTrashInfo, ANoteOfAnotherProgramsThatCameLaterIsKept) {
     leave_behind();
     const timespec ancient[] = {{1, 0}, {1, 0}};
     ASSERT_EQ(utimensat(AT_FDCWD, folder_.path("state/last-operation").c_str(), ancient, 0), 0);
-    operations::RemoveLeftTrashInfo(state_);
+    operations::remove_left_trash_info(state_);
     EXPECT_EQ(left(), Names({"a.trashinfo"}));
 }
 
@@ -73,13 +73,13 @@ TEST_F(LeftTrashInfo, WhatALivingOperationHasWrittenIsKept) {
     leave_behind();
     const int journal = open(folder_.path("state/last-operation").c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_EQ(flock(journal, LOCK_EX), 0);
-    operations::RemoveLeftTrashInfo(state_);
+    operations::remove_left_trash_info(state_);
     EXPECT_EQ(left(), Names({"a.trashinfo"}));
     close(journal);
 }
 
 TEST_F(LeftTrashInfo, AStepThatWasFollowedByAnotherIsNotLookedAt) {
     leave_behind(std::string("moving\0/b", 9));
-    operations::RemoveLeftTrashInfo(state_);
+    operations::remove_left_trash_info(state_);
     EXPECT_EQ(left().size(), 1u);
 }

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-using operations::AliasName;
-using operations::CopyName;
+using operations::alias_name;
+using operations::copy_name;
 
 namespace {
 
@@ -14,32 +14,32 @@ std::string repeated(const std::string& text, int times) {
 }
 
 TEST(NewNames, ACopyIsNumberedBeforeItsExtension) {
-    EXPECT_EQ(CopyName("notes.txt", false, 1), "notes copy.txt");
-    EXPECT_EQ(CopyName("notes.txt", false, 2), "notes copy 2.txt");
-    EXPECT_EQ(CopyName("a.tar.gz", false, 1), "a.tar copy.gz");
-    EXPECT_EQ(CopyName("notes", false, 1), "notes copy");
+    EXPECT_EQ(copy_name("notes.txt", false, 1), "notes copy.txt");
+    EXPECT_EQ(copy_name("notes.txt", false, 2), "notes copy 2.txt");
+    EXPECT_EQ(copy_name("a.tar.gz", false, 1), "a.tar copy.gz");
+    EXPECT_EQ(copy_name("notes", false, 1), "notes copy");
 }
 
 TEST(NewNames, WhatIsNoExtensionStaysInThePlaceThatItHas) {
-    EXPECT_EQ(CopyName(".profile", false, 1), ".profile copy");
-    EXPECT_EQ(CopyName("end.", false, 1), "end. copy");
-    EXPECT_EQ(CopyName("1. First thing", false, 1), "1. First thing copy");
-    EXPECT_EQ(CopyName("Version 1.2", true, 1), "Version 1.2 copy");
+    EXPECT_EQ(copy_name(".profile", false, 1), ".profile copy");
+    EXPECT_EQ(copy_name("end.", false, 1), "end. copy");
+    EXPECT_EQ(copy_name("1. First thing", false, 1), "1. First thing copy");
+    EXPECT_EQ(copy_name("Version 1.2", true, 1), "Version 1.2 copy");
 }
 
 TEST(NewNames, AnAliasIsNamedAfterItsOriginal) {
-    EXPECT_EQ(AliasName("notes.txt", 0), "notes.txt");
-    EXPECT_EQ(AliasName("notes.txt", 1), "notes.txt alias");
-    EXPECT_EQ(AliasName("notes.txt", 12), "notes.txt alias 12");
+    EXPECT_EQ(alias_name("notes.txt", 0), "notes.txt");
+    EXPECT_EQ(alias_name("notes.txt", 1), "notes.txt alias");
+    EXPECT_EQ(alias_name("notes.txt", 12), "notes.txt alias 12");
 }
 
 TEST(NewNames, LongNamesAreCutByWholeCharacters) {
-    EXPECT_EQ(CopyName(std::string(255, 'x'), false, 1), std::string(250, 'x') + " copy");
-    EXPECT_EQ(CopyName(std::string(251, 'x') + ".txt", false, 1),
+    EXPECT_EQ(copy_name(std::string(255, 'x'), false, 1), std::string(250, 'x') + " copy");
+    EXPECT_EQ(copy_name(std::string(251, 'x') + ".txt", false, 1),
               std::string(246, 'x') + " copy.txt");
-    EXPECT_EQ(AliasName(repeated("é", 127), 1), repeated("é", 124) + " alias");
-    EXPECT_EQ(AliasName(repeated("漢", 85), 10), repeated("漢", 82) + " alias 10");
-    EXPECT_EQ(AliasName(std::string(255, '\x80'), 1).size(), 255u);
+    EXPECT_EQ(alias_name(repeated("é", 127), 1), repeated("é", 124) + " alias");
+    EXPECT_EQ(alias_name(repeated("漢", 85), 10), repeated("漢", 82) + " alias 10");
+    EXPECT_EQ(alias_name(std::string(255, '\x80'), 1).size(), 255u);
 }
 
 }  // namespace

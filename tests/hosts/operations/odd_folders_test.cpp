@@ -29,8 +29,8 @@ class OddFoldersTest : public testing::Test {
     void SetUp() override { setenv("XDG_DATA_HOME", folder_.folder("data").c_str(), 1); }
     Report perform(Kind kind, const Names& sources, const std::string& destination,
                    bool replace = false) {
-        return operations::Perform({kind, sources, destination, replace}, notes_,
-                                   folder_.path("state"));
+        return operations::perform_request({kind, sources, destination, replace}, notes_,
+                                           folder_.path("state"));
     }
     Outcome perform_one(Kind kind, const std::string& source, const std::string& destination,
                         bool replace = false) {
@@ -112,8 +112,8 @@ TEST_F(OddFoldersTest, TryingNamesEndsWhenItIsCancelled) {
     } canceller;
     EXPECT_TRUE(test::in_child([&] {
         if (!test::fail_call(SYS_symlinkat, EEXIST)) return false;
-        const Report report = operations::Perform({Kind::Alias, {source}, to, false}, canceller,
-                                                  folder_.path("state"));
+        const Report report = operations::perform_request({Kind::Alias, {source}, to, false},
+                                                          canceller, folder_.path("state"));
         EXPECT_TRUE(report.stopped);
         EXPECT_EQ(report.outcomes[0].state, State::Skipped);
         return true;
@@ -204,14 +204,14 @@ TEST_F(OddFoldersTest, WithFewOpenFilesAllowedEachOperationIsDoneOrSaysWhyNot) {
                 EXPECT_NE(outcome.reason.find("Too many open files"), std::string::npos)
                     << outcome.reason;
                 // The next start clears what was left for want of a descriptor.
-                operations::RemoveLeftTemporaries(folder_.path("state"));
+                operations::remove_left_temporaries(folder_.path("state"));
                 EXPECT_EQ(test::names_in(to), Names());
             }
             return true;
         }));
         failed += test::names_in(to).empty();
-        operations::RemoveTree(operations::Descriptor(open(to.c_str(), O_PATH | O_CLOEXEC)).get(),
-                               "tree");
+        operations::remove_tree(operations::Descriptor(open(to.c_str(), O_PATH | O_CLOEXEC)).get(),
+                                "tree");
     }
     EXPECT_GT(failed, 0);
     EXPECT_LT(failed, 36);

@@ -29,7 +29,7 @@ const std::map<std::string, operations::Kind> kinds = {
 std::vector<std::string> all_in(const std::string& folder) {
     const operations::Descriptor open_folder(open(folder.c_str(), O_RDONLY | O_DIRECTORY));
     std::vector<std::string> names;
-    operations::ReadNames(open_folder.get(), &names);
+    operations::names_in_folder(open_folder.get(), &names);
     std::sort(names.begin(), names.end());
     for (std::string& name : names) name = folder + name;
     return names;
@@ -49,9 +49,9 @@ int report(const operations::Report& report) {
 
 int main(int argc, char** argv) {
     Silent observer;
-    if (argc > 1 && strcmp(argv[1], "undo") == 0) return report(operations::UndoLast(observer));
+    if (argc > 1 && strcmp(argv[1], "undo") == 0) return report(operations::undo_last(observer));
     if (argc > 1 && strcmp(argv[1], "start") == 0) {
-        operations::RemoveLeftTemporaries(operations::StateFolder());
+        operations::remove_left_temporaries(operations::default_state_folder());
         return 0;
     }
     if (argc < 4 || kinds.count(argv[1]) == 0) return 2;
@@ -65,5 +65,5 @@ int main(int argc, char** argv) {
     if (request.sources.size() == 1 && request.sources[0].back() == '/') {
         request.sources = all_in(request.sources[0]);
     }
-    return report(operations::Perform(request, observer));
+    return report(operations::perform_request(request, observer));
 }

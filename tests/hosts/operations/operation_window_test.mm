@@ -28,24 +28,24 @@ WidgetPanel* shown_window() {
     return nil;
 }
 
-const widget_t* widget_of(WidgetPanel* panel, widget_kind_t kind, const std::string& text) {
+const Widget* widget_of(WidgetPanel* panel, WidgetKind kind, const std::string& text) {
     if (!panel) return nullptr;
-    for (const widget_t& widget : [panel content].widgets) {
-        const bool is_right = (widget.kind == widget_kind_t::text) == (kind == widget_kind_t::text);
+    for (const Widget& widget : [panel content].widgets) {
+        const bool is_right = (widget.kind == WidgetKind::text) == (kind == WidgetKind::text);
         if (is_right && widget.text.find(text) != std::string::npos) return &widget;
     }
     return nullptr;
 }
 
 int check_item() {
-    for (const widget_t& widget : [shown_window() content].widgets) {
-        if (widget.kind == widget_kind_t::check) return widget.item;
+    for (const Widget& widget : [shown_window() content].widgets) {
+        if (widget.kind == WidgetKind::check) return widget.item;
     }
     return 0;
 }
 
 bool shows_text(const std::string& text) {
-    return widget_of(shown_window(), widget_kind_t::text, text) != nullptr;
+    return widget_of(shown_window(), WidgetKind::text, text) != nullptr;
 }
 
 // The user's actions beside the windows. A timer runs them, also while a panel is modal.
@@ -105,7 +105,7 @@ class OperationWindowTest : public testing::Test {
         for (NSString* mode in @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode ]) {
             [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
         }
-        RunUntilOperationsEnd();
+        run_until_operations_end();
         [timer invalidate];
         // What waited for the end.
         while (hand->_next < steps.size() && steps[hand->_next]()) hand->_next++;
@@ -115,9 +115,9 @@ class OperationWindowTest : public testing::Test {
     // Clicks the button of the shown window as a mouse does.
     bool click(const std::string& title) {
         WidgetPanel* window = shown_window();
-        const widget_t* button = widget_of(window, widget_kind_t::button, title);
+        const Widget* button = widget_of(window, WidgetKind::button, title);
         if (!button) return false;
-        const point_t at = [window middleOfItem:button->item];
+        const MenuPoint at = [window middleOfItem:button->item];
         hand_.move(at.x, at.y);
         hand_.click(1);
         return true;
@@ -126,9 +126,9 @@ class OperationWindowTest : public testing::Test {
     Report copy(bool replace = false) {
         Request request = {Kind::Copy, sources_, folder_.path("to"), replace};
         Report ended;
-        auto engine = MakeEngine(folder_.path("state"));
+        auto engine = make_engine(folder_.path("state"));
         engine->carry_out(
-            request, MakeWindowObserver(request, [&](const Report& report) { ended = report; }));
+            request, make_window_observer(request, [&](const Report& report) { ended = report; }));
         run(steps_);
         return ended;
     }
@@ -172,7 +172,7 @@ TEST_F(OperationWindowTest, ProgressAppearsAfterHalfASecondAndCancelEndsTheWork)
     NSDate* start = [NSDate date];
     NSTimeInterval shown_after = 0;
     bool ended = false;
-    auto observer = MakeWindowObserver(request, [&](const Report&) { ended = true; });
+    auto observer = make_window_observer(request, [&](const Report&) { ended = true; });
     Slow slow(observer);
     run({[&] {
              if (!shown_window()) return false;
@@ -212,7 +212,7 @@ TEST_F(OperationWindowTest, ReturnSkipsAndLeavesWhatIsThere) {
 TEST_F(OperationWindowTest, KeepBothAppliedToAllAsksOnce) {
     two_taken_names();
     steps_ = {[&] { return click("Apply to all"); },
-              [&] { return widget_of(shown_window(), widget_kind_t::check, "Apply to all")->on; },
+              [&] { return widget_of(shown_window(), WidgetKind::check, "Apply to all")->on; },
               [&] { return click("Keep Both"); }};
     copy();
     EXPECT_EQ(test::read_file(folder_.path("to/one.txt")), "old");
@@ -236,9 +236,9 @@ TEST_F(OperationWindowTest, APressThatIsLetGoElsewhereHitsNothing) {
     folder_.file("to/one.txt", "old");
     const Hand press_and_leave = [this] {
         WidgetPanel* window = shown_window();
-        const widget_t* button = widget_of(window, widget_kind_t::button, "Replace");
+        const Widget* button = widget_of(window, WidgetKind::button, "Replace");
         if (!button) return false;
-        const point_t at = [window middleOfItem:button->item];
+        const MenuPoint at = [window middleOfItem:button->item];
         hand_.move(at.x, at.y);
         hand_.press(1);
         hand_.move(at.x, at.y - 60);

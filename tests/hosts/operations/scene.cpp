@@ -70,7 +70,7 @@ State state_of(const std::string& folder, bool times) {
 std::vector<std::string> names_in(const std::string& folder) {
     const operations::Descriptor file(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     std::vector<std::string> names;
-    if (file) operations::ReadNames(file.get(), &names);
+    if (file) operations::names_in_folder(file.get(), &names);
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -14,7 +14,7 @@
 #include "support/silent_file_system.h"
 #include "support/temp_folder.h"
 
-using operations::RemoveLeftTemporaries;
+using operations::remove_left_temporaries;
 using operations::Temporaries;
 
 namespace {
@@ -53,7 +53,7 @@ TEST_F(TemporariesTest, WhatAKilledProcessLeftIsRemoved) {
     const std::string path = leave_behind();
     folder_.file("to/.delvio-of-somebody", "kept");
     ASSERT_EQ(access((path + "0/inner/a").c_str(), F_OK), 0);
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(to_), Names({".delvio-of-somebody"}));
     EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names());
 }
@@ -62,7 +62,7 @@ TEST_F(TemporariesTest, WhatALivingOperationHasIsKept) {
     const Temporaries temporaries(state_, destination_.get());
     ASSERT_EQ(temporaries.problem(), "");
     folder_.file("to/" + temporaries.prefix() + "0", "half");
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(to_), Names({temporaries.prefix() + "0"}));
 }
 
@@ -71,7 +71,7 @@ TEST_F(TemporariesTest, TheSamePrefixWithoutAJournalIsKept) {
     const std::string journal =
         state_ + "/temporaries/" + path.substr(to_.size() + 2, path.size() - to_.size() - 3);
     ASSERT_EQ(unlink(journal.c_str()), 0);
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(to_).size(), 2u);
 }
 
@@ -79,10 +79,10 @@ TEST_F(TemporariesTest, AJournalWaitsForAVolumeThatIsAway) {
     leave_behind();
     const std::string away = folder_.path("away");
     ASSERT_EQ(rename(to_.c_str(), away.c_str()), 0);
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(away).size(), 2u);
     ASSERT_EQ(rename(away.c_str(), to_.c_str()), 0);
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(to_), Names());
 }
 
@@ -90,7 +90,7 @@ TEST_F(TemporariesTest, NoLockOfAnotherProcessIsWaitedFor) {
     const std::string path = leave_behind();
     const int lock = open(folder_.file("state/temporaries/lock").c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_EQ(flock(lock, LOCK_SH), 0);
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     const Temporaries temporaries(state_, destination_.get());
     EXPECT_EQ(temporaries.problem(), "");
     EXPECT_EQ(test::names_in(to_), Names());
@@ -100,7 +100,7 @@ TEST_F(TemporariesTest, NoLockOfAnotherProcessIsWaitedFor) {
 TEST_F(TemporariesTest, AJournalWhoseProcessWasKilledBeforeItsNameIsRemoved) {
     folder_.file("state/temporaries/new-delvio-0123456789abcdef", "0\n" + to_);
     folder_.file("to/.new-delvio-0123456789abcdef-0", "kept");
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names());
     EXPECT_EQ(test::names_in(to_).size(), 1u);
 }
@@ -128,12 +128,12 @@ TEST_F(TemporariesTest, ADiskThatDoesNotAnswerHoldsUpNobody) {
         const std::string journal =
             folder_.file("state/temporaries/delvio-0000000000000000", "0\n" + silent + "/away");
         leave_behind();
-        operations::BeginToRemoveLeftTemporaries(state_);
+        operations::begin_to_remove_left_temporaries(state_);
         // Other leftovers are removed at the same time.
         while (!test::names_in(to_).empty()) usleep(10000);
         while (!is_locked(journal)) usleep(10000);
         // Whoever comes later leaves it alone, even if it would wait.
-        RemoveLeftTemporaries(state_);
+        remove_left_temporaries(state_);
         EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names({"delvio-0000000000000000"}));
         kill(server, SIGKILL);
         waitpid(server, nullptr, 0);
@@ -147,7 +147,7 @@ TEST_F(TemporariesTest, AnEmptyOrForeignJournalRemovesNothing) {
     folder_.file("state/temporaries/notes", "0\n" + to_);
     folder_.file("to/.notes-a", "kept");
     folder_.file("to/.delvio-0123456789abcdef-a", "kept");
-    RemoveLeftTemporaries(state_);
+    remove_left_temporaries(state_);
     EXPECT_EQ(test::names_in(to_).size(), 2u);
 }
 

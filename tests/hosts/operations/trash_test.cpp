@@ -11,10 +11,10 @@
 #include "support/temp_folder.h"
 
 using operations::Descriptor;
-using operations::NameOf;
-using operations::ParentOf;
-using operations::PutInTrash;
-using operations::TakeFromTrash;
+using operations::move_into_trash;
+using operations::name_in_path;
+using operations::parent_of;
+using operations::take_from_trash;
 using operations::Thing;
 using operations::Trashed;
 
@@ -25,18 +25,18 @@ class TrashTest : public testing::Test {
     void SetUp() override { setenv("XDG_DATA_HOME", folder_.folder("data").c_str(), 1); }
     bool put(const std::string& path) { return put(thing_at(path)); }
     bool put(const Thing& thing, bool wanted = true) {
-        return PutInTrash(
+        return move_into_trash(
             thing, [&](const Trashed&) { return wanted; }, &trashed_, &problem_);
     }
     Thing thing_at(const std::string& path) {
-        open_ = Descriptor(open(ParentOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        Thing thing = {open_.get(), NameOf(path), {}};
+        open_ = Descriptor(open(parent_of(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        Thing thing = {open_.get(), name_in_path(path), {}};
         EXPECT_TRUE(operations::Look(thing.folder, thing.name.c_str(), &thing.what)) << path;
         return thing;
     }
     bool take(const std::string& path) {
-        const Descriptor folder(open(ParentOf(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-        return TakeFromTrash(trashed_, folder.get(), NameOf(path));
+        const Descriptor folder(open(parent_of(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+        return take_from_trash(trashed_, folder.get(), name_in_path(path));
     }
 
     test::TempFolder folder_;
@@ -132,7 +132,7 @@ TEST_F(TrashTest, ATrashOfSomebodyElseIsNamed) {
 TEST_F(TrashTest, OnlyTheVeryThingThatWasLookedAtGoes) {
     const std::string path = folder_.file("in/a", "text"), other = folder_.file("in/b", "other");
     const auto exchange = [&](const Trashed&) { return rename(other.c_str(), path.c_str()) == 0; };
-    EXPECT_FALSE(PutInTrash(thing_at(path), exchange, &trashed_, &problem_));
+    EXPECT_FALSE(move_into_trash(thing_at(path), exchange, &trashed_, &problem_));
     EXPECT_EQ(problem_, "cannot move \"a\" to the trash: it was replaced by another file");
     EXPECT_EQ(test::read_file(path), "other");
     EXPECT_EQ(test::names_in(folder_.path("data/Trash/info")), std::vector<std::string>());

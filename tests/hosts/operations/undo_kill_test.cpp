@@ -94,9 +94,9 @@ class UndoKillTest : public testing::Test {
 
     // Whoever was started meanwhile may be at it.
     void clean_up() {
-        const std::string journals = operations::StateFolder() + "/temporaries";
+        const std::string journals = operations::default_state_folder() + "/temporaries";
         for (int tries = 0; tries < 6000; tries++) {
-            operations::RemoveLeftTemporaries(operations::StateFolder());
+            operations::remove_left_temporaries(operations::default_state_folder());
             if (test::names_in(journals).empty()) return;
             usleep(10000);
         }

@@ -29,13 +29,13 @@ class UndoTest : public testing::Test {
     }
     Report perform(Kind kind, const Names& sources, const std::string& destination,
                    bool replace = false) {
-        return operations::Perform({kind, sources, destination, replace}, notes_,
-                                   folder_.path("state"));
+        return operations::perform_request({kind, sources, destination, replace}, notes_,
+                                           folder_.path("state"));
     }
     // The reason for a refusal; empty when the operation was undone.
     Names undo() {
         Names reasons;
-        for (const auto& outcome : operations::UndoLast(notes_, folder_.path("state")).outcomes) {
+        for (const auto& outcome : operations::undo_last(notes_, folder_.path("state")).outcomes) {
             if (outcome.state != State::Done) reasons.push_back(outcome.reason);
         }
         return reasons;

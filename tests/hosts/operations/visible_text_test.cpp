@@ -2,16 +2,16 @@
 
 #include <gtest/gtest.h>
 
-using operations::Quoted;
-using operations::QuotedName;
-using operations::VisibleText;
-using operations::WindowName;
+using operations::in_quotes;
+using operations::quoted_name;
+using operations::visible_text;
+using operations::window_name;
 
 TEST(VisibleText, ShowsOrdinaryTextAsItIs) {
     for (const char* text : {"", "notes.txt", "back\\slash \"quoted\"", "ä中😀",
                              "fi\xe2\x80\x8d"
                              "x"}) {
-        EXPECT_EQ(VisibleText(text), text);
+        EXPECT_EQ(visible_text(text), text);
     }
 }
 
@@ -29,8 +29,8 @@ TEST(VisibleText, EscapesWhatControlsHidesOrReorders) {
         {"\xef\xbb\xbfmark", "\\ufeffmark"},
         {"\xf3\xa0\x80\xa1", "\\U000e0021"},
     };
-    for (const auto& row : rows) EXPECT_EQ(VisibleText(row.text), row.shown);
-    EXPECT_EQ(VisibleText(std::string_view("a\0b", 3)), "a\\x00b");
+    for (const auto& row : rows) EXPECT_EQ(visible_text(row.text), row.shown);
+    EXPECT_EQ(visible_text(std::string_view("a\0b", 3)), "a\\x00b");
 }
 
 TEST(VisibleText, EscapesBytesThatAreNotUtf8) {
@@ -44,17 +44,17 @@ TEST(VisibleText, EscapesBytesThatAreNotUtf8) {
         {"\xf4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // beyond the last character
         {"\xe2\x82z", "\\xe2\\x82z"},
     };
-    for (const auto& row : rows) EXPECT_EQ(VisibleText(row.text), row.shown);
+    for (const auto& row : rows) EXPECT_EQ(visible_text(row.text), row.shown);
 }
 
 TEST(VisibleText, IsQuotedForTerminalsAndForWindows) {
-    EXPECT_EQ(Quoted("two\nlines"), "\"two\\nlines\"");
-    EXPECT_EQ(Quoted("/home/me"), "\"/home/me\"");
-    EXPECT_EQ(QuotedName("/home/me/notes.txt"), "\"notes.txt\"");
-    EXPECT_EQ(WindowName("/home/me/no\ttes.txt"), "“no\\ttes.txt”");
+    EXPECT_EQ(in_quotes("two\nlines"), "\"two\\nlines\"");
+    EXPECT_EQ(in_quotes("/home/me"), "\"/home/me\"");
+    EXPECT_EQ(quoted_name("/home/me/notes.txt"), "\"notes.txt\"");
+    EXPECT_EQ(window_name("/home/me/no\ttes.txt"), "“no\\ttes.txt”");
 }
 
 TEST(VisibleText, OfTheRootIsItself) {
-    EXPECT_EQ(QuotedName("/"), "\"/\"");
-    EXPECT_EQ(WindowName("/"), "“/”");
+    EXPECT_EQ(quoted_name("/"), "\"/\"");
+    EXPECT_EQ(window_name("/"), "“/”");
 }

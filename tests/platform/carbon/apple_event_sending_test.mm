@@ -49,7 +49,7 @@ OSErr record_event(const AppleEvent* event, AppleEvent* reply, void* refcon) {
 class Sending : public testing::Test {
   protected:
     Sending() {
-        DeclareProcessSignature(own_signature);
+        declare_process_signature(own_signature);
         AEInstallEventHandler(event_class, event_id, record_event, &arrivals_, false);
         create_event(own_signature, &event_);
     }
@@ -57,7 +57,7 @@ class Sending : public testing::Test {
         run(NSDefaultRunLoopMode);
         AEDisposeDesc(&event_);
         AERemoveEventHandler(event_class, event_id, nullptr, false);
-        DeclareProcessSignature(0);
+        declare_process_signature(0);
         [pool_ release];
     }
 
@@ -89,11 +89,11 @@ class Sending : public testing::Test {
 TEST_F(Sending, AnEventArrivesWhenTheRunLoopRuns) {
     EXPECT_EQ(send("hello"), noErr);
     EXPECT_TRUE(arrivals_.empty());
-    EXPECT_TRUE(AppleEventsAreWaiting());
+    EXPECT_TRUE(apple_events_are_waiting());
     run(NSDefaultRunLoopMode);
     ASSERT_EQ(arrivals_.size(), 1u);
     EXPECT_EQ(arrivals_[0].text, "hello");
-    EXPECT_FALSE(AppleEventsAreWaiting());
+    EXPECT_FALSE(apple_events_are_waiting());
     run(NSDefaultRunLoopMode);
     EXPECT_EQ(arrivals_.size(), 1u);
 }
@@ -118,7 +118,7 @@ TEST_F(Sending, TheReceiverGetsACopy) {
 
 TEST_F(Sending, EventsArriveInTheOrderOfSending) {
     for (const char* text : {"a", "b", "c"}) send(text);
-    while (AppleEventsAreWaiting()) run(NSDefaultRunLoopMode);
+    while (apple_events_are_waiting()) run(NSDefaultRunLoopMode);
     std::string order;
     for (const Arrival& arrival : arrivals_) order += arrival.text;
     EXPECT_EQ(order, "abc");
@@ -167,14 +167,14 @@ TEST_F(Sending, FilesAreStillKnownAfterThousandsOfOthers) {
 }
 
 TEST_F(Sending, ATargetNobodyAnswersForIsNotFound) {
-    DeclareProcessSignature('OTHR');
+    declare_process_signature('OTHR');
     EXPECT_EQ(send("hello"), procNotFound);
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
     EXPECT_EQ(send("hello"), procNotFound);
     AEDisposeDesc(&event_);
     create_event(0, &event_);
     EXPECT_EQ(send("hello"), procNotFound);
-    EXPECT_FALSE(AppleEventsAreWaiting());
+    EXPECT_FALSE(apple_events_are_waiting());
 }
 
 TEST_F(Sending, OnlyEventsToSignaturesAreSent) {
@@ -194,7 +194,7 @@ TEST_F(Sending, RepliesAreNotServed) {
     EXPECT_EQ(send("hello", kAEWaitReply), errAEUnknownSendMode);
     EXPECT_EQ(send("hello", kAEQueueReply), errAEUnknownSendMode);
     EXPECT_EQ(send("hello", 0), errAEUnknownSendMode);
-    EXPECT_FALSE(AppleEventsAreWaiting());
+    EXPECT_FALSE(apple_events_are_waiting());
 }
 
 TEST_F(Sending, WhatNoHandlerAwaitsIsDropped) {
@@ -203,7 +203,7 @@ TEST_F(Sending, WhatNoHandlerAwaitsIsDropped) {
     EXPECT_EQ(send("hello"), noErr);
     run(NSDefaultRunLoopMode);
     EXPECT_TRUE(arrivals_.empty());
-    EXPECT_FALSE(AppleEventsAreWaiting());
+    EXPECT_FALSE(apple_events_are_waiting());
 }
 
 TEST_F(Sending, TheLastHandlerInstalledIsTheOneCalled) {

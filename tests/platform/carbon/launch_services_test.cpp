@@ -140,12 +140,12 @@ TEST(ItemInfo, EntriesOfADeclaredFolderAreBelieved) {
     const std::string entry = folder.file("apps/inner/editor.desktop", editor);
     const std::string other = folder.file("apps2/editor.desktop", editor);
     const std::string linked = folder.link("apps/linked.desktop", other);
-    DeclareApplicationsFolder(folder.path("apps").c_str());
+    declare_applications_folder(folder.path("apps").c_str());
     EXPECT_EQ(flags_of(entry), application);
     EXPECT_EQ(display_name(entry), "Editor");
     EXPECT_EQ(flags_of(other), plain);
     EXPECT_EQ(item_info(linked).filetype, 0u);
-    DeclareApplicationsFolder(nullptr);
+    declare_applications_folder(nullptr);
     EXPECT_EQ(flags_of(entry), plain);
 }
 
@@ -155,11 +155,11 @@ TEST(ItemInfo, TheHomeFolderAndTheWholeDiskAreNoApplicationsFolders) {
     const std::string at_home = std::string(getenv("HOME")) + "/editor.desktop";
     std::ofstream(at_home) << editor;
     for (const char* wide : {"/", const_cast<const char*>(getenv("HOME"))}) {
-        DeclareApplicationsFolder(wide);
+        declare_applications_folder(wide);
         EXPECT_EQ(flags_of(entry), plain) << wide;
         EXPECT_EQ(flags_of(at_home), plain) << wide;
     }
-    DeclareApplicationsFolder(nullptr);
+    declare_applications_folder(nullptr);
     unlink(at_home.c_str());
 }
 
@@ -265,7 +265,7 @@ TEST(DisplayName, ALinkThatIsNamedAsAnEntryShowsTheNameOfTheDesktopsOwn) {
 
 TEST(DisplayName, ABundleOfAnApplicationsFolderShowsTheNameItGivesItself) {
     test::TempFolder folder;
-    DeclareApplicationsFolder(folder.path().c_str());
+    declare_applications_folder(folder.path().c_str());
     folder.file("Ink.app/Resources/Info-gnustep.plist", "{ ApplicationName = \"Ink and Paper\"; }");
     folder.file("Pen.app/Contents/Info.plist",
                 "<?xml version=\"1.0\" encoding=\"UTF-8\"?><plist version=\"1.0\"><dict>"
@@ -279,7 +279,7 @@ TEST(DisplayName, ABundleOfAnApplicationsFolderShowsTheNameItGivesItself) {
     EXPECT_EQ(display_name(folder.path("Bad.app")), "Bad.app");
     EXPECT_EQ(display_name(folder.path("Bare.app")), "Bare.app");
     EXPECT_EQ(display_name(folder.link("Other.app", "Ink.app")), "Ink and Paper");
-    DeclareApplicationsFolder(nullptr);
+    declare_applications_folder(nullptr);
     EXPECT_EQ(display_name(folder.path("Ink.app")), "Ink.app");
     EXPECT_EQ(display_name(folder.path("Other.app")), "Other.app");
 }

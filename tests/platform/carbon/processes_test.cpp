@@ -20,9 +20,9 @@ OSType signature() {
 
 TEST(Processes, TheSignatureIsTheDeclaredOne) {
     EXPECT_EQ(signature(), 0u);
-    DeclareProcessSignature(0x4D414353);
+    declare_process_signature(0x4D414353);
     EXPECT_EQ(signature(), OSType{0x4D414353});
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
     EXPECT_EQ(signature(), 0u);
 }
 

@@ -264,7 +264,7 @@ TEST_F(Preferences, AForcedValueHoldsForThisProcessAlone) {
     run_defaults("write", "sort_order", "1");
     EXPECT_TRUE(synchronize());
     EXPECT_FALSE(CFPreferencesAppValueIsForced(CFSTR("sort_order"), domain));
-    ForcePreference(CFSTR("sort_order"), @5, domain);
+    force_preference(CFSTR("sort_order"), @5, domain);
     EXPECT_TRUE(CFPreferencesAppValueIsForced(CFSTR("sort_order"), domain));
     EXPECT_EQ(integer(CFSTR("sort_order")), 5);
     const std::string before = stamp(file);
@@ -272,12 +272,12 @@ TEST_F(Preferences, AForcedValueHoldsForThisProcessAlone) {
     EXPECT_TRUE(synchronize());
     EXPECT_EQ(integer(CFSTR("sort_order")), 5);
     EXPECT_EQ(stamp(file), before);
-    ForcePreference(CFSTR("sort_order"), nullptr, domain);
+    force_preference(CFSTR("sort_order"), nullptr, domain);
     EXPECT_EQ(integer(CFSTR("sort_order")), 1);
 }
 
 TEST_F(Preferences, AFallbackHoldsWhereTheDomainHasNoValueAndIsNeverWritten) {
-    SetFallbackPreference(CFSTR("sort_order"), @5, domain);
+    set_fallback_preference(CFSTR("sort_order"), @5, domain);
     EXPECT_EQ(integer(CFSTR("sort_order")), 5);
     set(CFSTR("sort_order"), 2);
     EXPECT_EQ(integer(CFSTR("sort_order")), 2);
@@ -288,7 +288,7 @@ TEST_F(Preferences, AFallbackHoldsWhereTheDomainHasNoValueAndIsNeverWritten) {
     run_defaults("write", "sort_order", "1");
     EXPECT_TRUE(synchronize());
     EXPECT_EQ(integer(CFSTR("sort_order")), 1);
-    SetFallbackPreference(CFSTR("sort_order"), nullptr, domain);
+    set_fallback_preference(CFSTR("sort_order"), nullptr, domain);
     run_defaults("write", "other", "1");
     EXPECT_EQ(integer(CFSTR("sort_order")), 1);
 }

@@ -8,30 +8,30 @@
 
 namespace {
 
-struct memory_t {
+struct Memory {
     std::vector<uint8_t> bytes;
     size_t position = 0;
     int released = 0, pointers = 0;
 };
 
 size_t get_bytes(void* info, void* buffer, size_t count) {
-    auto* memory = static_cast<memory_t*>(info);
+    auto* memory = static_cast<Memory*>(info);
     count = std::min({count, memory->bytes.size() - memory->position, size_t{3}});  // in bits
     memcpy(buffer, memory->bytes.data() + memory->position, count);
     memory->position += count;
     return count;
 }
-void skip_bytes(void* info, size_t count) { static_cast<memory_t*>(info)->position += count; }
-void go_back(void* info) { static_cast<memory_t*>(info)->position = 0; }
-void release(void* info) { static_cast<memory_t*>(info)->released++; }
+void skip_bytes(void* info, size_t count) { static_cast<Memory*>(info)->position += count; }
+void go_back(void* info) { static_cast<Memory*>(info)->position = 0; }
+void release(void* info) { static_cast<Memory*>(info)->released++; }
 const void* byte_pointer(void* info) {
-    auto* memory = static_cast<memory_t*>(info);
+    auto* memory = static_cast<Memory*>(info);
     memory->pointers++;
     return memory->bytes.data();
 }
-void release_pointer(void* info, const void*) { static_cast<memory_t*>(info)->pointers--; }
+void release_pointer(void* info, const void*) { static_cast<Memory*>(info)->pointers--; }
 size_t bytes_at(void* info, void* buffer, size_t offset, size_t count) {
-    auto* memory = static_cast<memory_t*>(info);
+    auto* memory = static_cast<Memory*>(info);
     memcpy(buffer, memory->bytes.data() + offset, count);
     return count;
 }
@@ -67,27 +67,25 @@ std::vector<uint8_t> pixel_in(CGBitmapInfo info, std::vector<uint8_t> bytes) {
     return pixels;
 }
 
-using pixel_t = std::vector<uint8_t>;
+using Pixel = std::vector<uint8_t>;
 
 }  // namespace
 
 TEST(Image, EveryOrderOfComponentsIsRead) {
-    EXPECT_EQ(pixel_in(kCGImageAlphaPremultipliedFirst, {80, 10, 20, 30}),
-              pixel_t({10, 20, 30, 80}));
-    EXPECT_EQ(pixel_in(kCGImageAlphaPremultipliedLast, {10, 20, 30, 80}),
-              pixel_t({10, 20, 30, 80}));
-    EXPECT_EQ(pixel_in(kCGImageAlphaNoneSkipLast, {10, 20, 30, 0}), pixel_t({10, 20, 30, 255}));
-    EXPECT_EQ(pixel_in(kCGImageAlphaNoneSkipFirst, {0, 10, 20, 30}), pixel_t({10, 20, 30, 255}));
-    EXPECT_EQ(pixel_in(kCGImageAlphaNone, {10, 20, 30}), pixel_t({10, 20, 30, 255}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaPremultipliedFirst, {80, 10, 20, 30}), Pixel({10, 20, 30, 80}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaPremultipliedLast, {10, 20, 30, 80}), Pixel({10, 20, 30, 80}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaNoneSkipLast, {10, 20, 30, 0}), Pixel({10, 20, 30, 255}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaNoneSkipFirst, {0, 10, 20, 30}), Pixel({10, 20, 30, 255}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaNone, {10, 20, 30}), Pixel({10, 20, 30, 255}));
 }
 
 TEST(Image, LooseColoursAreMultipliedByAlpha) {
-    EXPECT_EQ(pixel_in(kCGImageAlphaLast, {255, 100, 0, 51}), pixel_t({51, 20, 0, 51}));
-    EXPECT_EQ(pixel_in(kCGImageAlphaFirst, {51, 255, 100, 0}), pixel_t({51, 20, 0, 51}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaLast, {255, 100, 0, 51}), Pixel({51, 20, 0, 51}));
+    EXPECT_EQ(pixel_in(kCGImageAlphaFirst, {51, 255, 100, 0}), Pixel({51, 20, 0, 51}));
 }
 
 TEST(Image, AllKindsOfProvidersServeTheSame) {
-    memory_t memory;
+    Memory memory;
     for (int i = 0; i < 16; i++) memory.bytes.push_back(static_cast<uint8_t>(i));
     CGDataProviderRef providers[] = {
         CGDataProviderCreate(&memory, &sequential),
@@ -107,7 +105,7 @@ TEST(Image, AllKindsOfProvidersServeTheSame) {
 }
 
 TEST(Image, TheProvidersBytesAreReadWhenTheyAreUsed) {
-    memory_t memory;
+    Memory memory;
     memory.bytes = {1, 2, 3, 4};
     CGDataProviderRef provider = CGDataProviderCreateDirectAccess(&memory, 4, &in_place);
     CGImageRef image = create(1, 1, 32, 4, kCGImageAlphaPremultipliedLast, provider);
@@ -123,7 +121,7 @@ TEST(Image, RowsThatAreNotThereAreTransparent) {
     const uint8_t bytes[6] = {1, 2, 3, 4, 5, 6};
     CGDataProviderRef provider = CGDataProviderCreateWithData(nullptr, bytes, 6, nullptr);
     CGImageRef image = create(1, 2, 32, 4, kCGImageAlphaPremultipliedLast, provider);
-    EXPECT_EQ(pixels_of(image), pixel_t({1, 2, 3, 4, 0, 0, 0, 0}));
+    EXPECT_EQ(pixels_of(image), Pixel({1, 2, 3, 4, 0, 0, 0, 0}));
     CGImageRelease(image);
     CGDataProviderRelease(provider);
 }

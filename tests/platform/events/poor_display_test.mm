@@ -125,7 +125,7 @@ TEST(PoorDisplay, ADisplayThatGoesAwayLeavesAnswersWithoutOne) {
         CFRunLoopSourceRef source = CFMachPortCreateRunLoopSource(kCFAllocatorDefault, tap, 0);
         CFRunLoopAddSource(CFRunLoopGetCurrent(), source, kCFRunLoopCommonModes);
         if ([NSEvent pressedMouseButtons] != 0 || CGPostMouseEvent({1, 1}, true, 1, 0)) return 2;
-        if (SetThemeCursor(kThemeArrowCursor) != noErr || !file_offer_t::shared()) return 3;
+        if (SetThemeCursor(kThemeArrowCursor) != noErr || !FileOffer::shared()) return 3;
         filter.take_display_away();
         for (int i = 0; i < 500 && CFMachPortIsValid(tap); i++) {
             [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.01]];
@@ -133,7 +133,7 @@ TEST(PoorDisplay, ADisplayThatGoesAwayLeavesAnswersWithoutOne) {
         if (CFMachPortIsValid(tap)) return 4;
         if ([NSEvent pressedMouseButtons] != 0 || [NSEvent modifierFlags] != 0) return 5;
         if (CGPostMouseEvent({1, 1}, true, 1, 0) != kCGErrorCannotComplete) return 6;
-        if (SetThemeCursor(kThemeArrowCursor) == noErr || file_offer_t::shared()) return 8;
+        if (SetThemeCursor(kThemeArrowCursor) == noErr || FileOffer::shared()) return 8;
         if (session_tap()) return 9;
         [pool release];
         return as_expected;

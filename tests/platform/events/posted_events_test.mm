@@ -104,7 +104,7 @@ TEST_F(PostedEvents, ThereAreFourCursors) {
 
 TEST_F(PostedEvents, APostAndAQuestionMayComeFromAnyThread) {
     input_.move(640, 400);
-    struct answer_t {
+    struct TapAnswer {
         NSPoint at;
         NSUInteger buttons;
         CGError posted;
@@ -115,7 +115,7 @@ TEST_F(PostedEvents, APostAndAQuestionMayComeFromAnyThread) {
         &thread, nullptr,
         [](void* memory) -> void* {
             NSAutoreleasePool* pool = [NSAutoreleasePool new];
-            auto* answer = static_cast<answer_t*>(memory);
+            auto* answer = static_cast<TapAnswer*>(memory);
             answer->at = [NSEvent mouseLocation];
             answer->buttons = [NSEvent pressedMouseButtons];
             answer->posted = CGPostMouseEvent(CGPointMake(650, 400), true, 1, up);

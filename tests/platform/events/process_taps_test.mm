@@ -17,7 +17,7 @@
 
 namespace {
 
-using answer_t = std::function<CGEventRef(CGEventType, CGEventRef)>;
+using TapAnswer = std::function<CGEventRef(CGEventType, CGEventRef)>;
 
 constexpr CGEventMask all_buttons_and_moves = CGEventMaskBit(kCGEventLeftMouseDown) |
                                               CGEventMaskBit(kCGEventLeftMouseUp) |
@@ -59,7 +59,7 @@ class Tap {
     }
     CFMachPortRef port() const { return port_; }
 
-    answer_t answer = [](CGEventType, CGEventRef event) { return event; };
+    TapAnswer answer = [](CGEventType, CGEventRef event) { return event; };
     std::string log;
     CGPoint last = {};
 
@@ -304,7 +304,7 @@ class TapsInMenus : public ProcessTaps {
         script_.when(what, std::move(condition), std::move(action));
     }
     void click(NSString* title) {
-        const point_t at = row_point(0, title);
+        const MenuPoint at = row_point(0, title);
         script_.input.move(at.x, at.y);
         script_.input.click(1);
     }
@@ -323,7 +323,7 @@ class TapsInMenus : public ProcessTaps {
 }  // namespace
 
 TEST_F(TapsInMenus, SeeTheMovesOverTheMenu) {
-    point_t row = {};
+    MenuPoint row = {};
     on(
         "menu", [] { return level_is_shown(0); },
         [&] {
@@ -363,7 +363,7 @@ TEST_F(TapsInMenus, TheReleaseOfASwallowedPressEndsNoDragThroughTheMenu) {
     on(
         "release", [&] { return seen("down up"); },
         [this] {
-            EXPECT_EQ(menu_run_t::current()->state(), state_pressed);
+            EXPECT_EQ(MenuRun::current()->state(), state_pressed);
             script_.input.release(3);
         });
     EXPECT_NE(run().find("pick beta"), std::string::npos);
@@ -378,7 +378,7 @@ TEST_F(TapsInMenus, ASwallowedPressMayCloseTheMenu) {
     on(
         "menu", [] { return level_is_shown(0); },
         [this] {
-            const point_t at = row_point(0, @"beta");
+            const MenuPoint at = row_point(0, @"beta");
             script_.input.move(at.x, at.y);
             script_.input.press(1);
         });

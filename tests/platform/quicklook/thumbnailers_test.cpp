@@ -14,7 +14,7 @@ namespace {
 
 using namespace thumbnails;
 namespace fs = std::filesystem;
-using words_t = std::vector<std::string>;
+using Words = std::vector<std::string>;
 
 class Thumbnailers : public testing::Test {
   protected:
@@ -37,27 +37,27 @@ class Thumbnailers : public testing::Test {
 
 TEST_F(Thumbnailers, AnEntryServesItsTypes) {
     install("a.thumbnailer", "cat -s %s %u %o", none + ";model/x-test;");
-    const words_t command = thumbnailer_for("model/x-test");
+    const Words command = thumbnailer_for("model/x-test");
     ASSERT_EQ(command.size(), 5u);
     EXPECT_EQ(fs::path(command[0]).filename(), "cat");
     EXPECT_TRUE(fs::path(command[0]).is_absolute());
-    EXPECT_EQ(words_t(command.begin() + 1, command.end()), (words_t{"-s", "%s", "%u", "%o"}));
+    EXPECT_EQ(Words(command.begin() + 1, command.end()), (Words{"-s", "%s", "%u", "%o"}));
     EXPECT_EQ(thumbnailer_for(none), command);
-    EXPECT_EQ(thumbnailer_for("model/x-other"), words_t());
+    EXPECT_EQ(thumbnailer_for("model/x-other"), Words());
 }
 
 TEST_F(Thumbnailers, QuotedWordsStayTogether) {
     install("a.thumbnailer", "sh -c 'cat \"$0\" > \"$1\"' %i %o", none);
-    const words_t command = thumbnailer_for(none);
+    const Words command = thumbnailer_for(none);
     ASSERT_EQ(command.size(), 5u);
     EXPECT_EQ(command[2], "cat \"$0\" > \"$1\"");
 }
 
 TEST_F(Thumbnailers, OneWhoseProgramIsMissingDoesNotCount) {
     install("a.thumbnailer", "no-such-program %i %o", none);
-    EXPECT_EQ(thumbnailer_for(none), words_t());
+    EXPECT_EQ(thumbnailer_for(none), Words());
     install("b.thumbnailer", "cat %i %o", none, "no-such-program");
-    EXPECT_EQ(thumbnailer_for(none), words_t());
+    EXPECT_EQ(thumbnailer_for(none), Words());
     install("c.thumbnailer", "cat %i %o", none, "cat");
     EXPECT_EQ(thumbnailer_for(none).size(), 3u);
 }
@@ -68,14 +68,14 @@ TEST_F(Thumbnailers, DamagedEntriesDoNoHarm) {
     install("c.thumbnailer", "cat 'unfinished", none);
     std::ofstream(own + "/d.thumbnailer") << "[Thumbnailer Entry]\nExec=cat\n";
     mkfifo((own + "/e.thumbnailer").c_str(), 0600);
-    EXPECT_EQ(thumbnailer_for(none), words_t());
+    EXPECT_EQ(thumbnailer_for(none), Words());
 }
 
 TEST_F(Thumbnailers, OneThatIsTakenAwayIsForgotten) {
     install("a.thumbnailer", "cat %i %o", none);
-    EXPECT_NE(thumbnailer_for(none), words_t());
+    EXPECT_NE(thumbnailer_for(none), Words());
     fs::remove(own + "/a.thumbnailer");
-    EXPECT_EQ(thumbnailer_for(none), words_t());
+    EXPECT_EQ(thumbnailer_for(none), Words());
 }
 
 TEST_F(Thumbnailers, TheWayOfAFileFollowsItsType) {

@@ -35,12 +35,12 @@ enum { dont_replace = kAlertStdAlertOKButton, replace = kAlertStdAlertCancelButt
 class FileOp : public testing::Test {
   protected:
     FileOp() {
-        AnswerStandardAlerts(kAlertAnswerDefault);
+        answer_standard_alerts(kAlertAnswerDefault);
         test::shown_alert = {};
     }
     ~FileOp() override {
         dvEnableDebugOutput = 0;
-        AnswerStandardAlerts(kAlertAnswerAsk);
+        answer_standard_alerts(kAlertAnswerAsk);
         test::shown_alert = {};
         test::carbon_trouble = nullptr;
     }
@@ -156,7 +156,7 @@ TEST_F(FileOp, AnotherOperationSendsNothing) {
 TEST_F(FileOp, NamesThatDifferInCaseAloneClash) {
     folder_.file("to/report.TXT");
     select(folder_.file("Report.txt"));
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).replaces());
     EXPECT_EQ(test::shown_alert.count, 1);
 }
@@ -206,7 +206,7 @@ TEST_F(FileOp, TheTreesAreKeptWhileTheAlertIsShownAndNoLonger) {
 TEST_F(FileOp, AnAlertThatCannotBeMadeReplacesNothing) {
     folder_.file("to/a");
     select(folder_.file("a"));
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     test::shown_alert.creation_error = -108;
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
     EXPECT_EQ(test::shown_alert.count, 0);
@@ -221,7 +221,7 @@ TEST_F(FileOp, TheAnswerGoesAlongAndNeverCancels) {
     const std::string a = select(folder_.file("a"))->dir->path;
     for (const DialogItemIndex answer : {DialogItemIndex{replace}, DialogItemIndex{dont_replace},
                                          DialogItemIndex{kAlertAnswerDefault}}) {
-        AnswerStandardAlerts(answer);
+        answer_standard_alerts(answer);
         for (const long operation : {0, 1, 2}) {
             const Letter letter = send(target(folder_.path("to")), operation).back();
             EXPECT_EQ(letter.replaces(), answer == replace);
@@ -238,7 +238,7 @@ TEST_F(FileOp, NamesWithoutAClashRaiseNoAlert) {
     select(folder_.file("a"));
     // Only ASCII letters are compared without case here.
     select(folder_.file("\u00e4"));
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
     EXPECT_EQ(test::shown_alert.count, 0);
 }
@@ -247,7 +247,7 @@ TEST_F(FileOp, FilesHiddenInTheDestinationAreNotCompared) {
     folder_.file("to/.hidden");
     folder_.file("to/shown");
     select(folder_.file(".hidden"));
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     EXPECT_TRUE(send_one(target(folder_.path("to")), 0).keeps());
 }
 
@@ -255,7 +255,7 @@ TEST_F(FileOp, UserFoldersAloneMakeAnEmptyListAndNoAlert) {
     folder_.folder("to/user");
     select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
     select(folder_root(folder_.folder("other"), DV_ORIGIN_USER_FOLDER));
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     const Letter letter = send_one(target(folder_.path("to")), 0);
     EXPECT_EQ(letter.items, Paths{});
     EXPECT_EQ(letter.parameters[1], std::make_pair(FourCharCode{'----'}, FourCharCode{'list'}));
@@ -365,7 +365,7 @@ TEST_F(FileOp, ADestinationThatIsGoneEndsIt) {
 TEST_F(FileOp, AnEventThatCannotBeSentIsReported) {
     select(folder_.file("a"));
     dv_tree_t* to = target(folder_.folder("to"));
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
     EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0).size(), 0u); }),
               "Delvio: Got error sending AppleEvent: -600\n");
 }
@@ -528,7 +528,7 @@ TEST_F(FileOp, LogsTheComparisonOfNames) {
     folder_.file("to/c");
     select(folder_.file("a"));
     select(folder_.file("b"));
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     dv_tree_t* to = target(folder_.path("to"));
     dvEnableDebugOutput = 1;
     Boolean answer = 0;
@@ -545,16 +545,16 @@ TEST_F(FileOp, LogsTheComparisonOfNames) {
 }
 
 TEST_F(FileOp, TheAlertsAnswerIsZeroForReplacing) {
-    AnswerStandardAlerts(replace);
+    answer_standard_alerts(replace);
     EXPECT_EQ(dv_display_should_trash_files_alert(), 0);
-    AnswerStandardAlerts(dont_replace);
+    answer_standard_alerts(dont_replace);
     EXPECT_NE(dv_display_should_trash_files_alert(), 0);
-    AnswerStandardAlerts(kAlertAnswerDefault);
+    answer_standard_alerts(kAlertAnswerDefault);
     EXPECT_NE(dv_display_should_trash_files_alert(), 0);
 }
 
 TEST_F(FileOp, AnAlertThatCannotBeShownReplacesNothing) {
-    AnswerStandardAlerts(kAlertAnswerAsk);
+    answer_standard_alerts(kAlertAnswerAsk);
     EXPECT_NE(dv_display_should_trash_files_alert(), 0) << "there is no application to show it";
 }
 
@@ -580,7 +580,7 @@ TEST_F(FileOp, TrashingIsAnEventWithAListAlone) {
 TEST_F(FileOp, TrashingReportsWhatFails) {
     select(folder_.file("gone"));
     unlink(folder_.path("gone").c_str());
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
     EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }),
               "Delvio: Failed to create FSRef for element\n"
               "Delvio: Got error sending AppleEvent: -600\n");

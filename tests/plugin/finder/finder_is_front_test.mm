@@ -21,7 +21,7 @@ class FinderIsFront : public testing::Test {
   protected:
     FinderIsFront() : display_(XOpenDisplay(nullptr)) {
         test::start_application();
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         window_ = [[NSWindow alloc] initWithContentRect:NSMakeRect(100, 100, 200, 200)
                                               styleMask:NSTitledWindowMask
                                                 backing:NSBackingStoreBuffered
@@ -32,7 +32,7 @@ class FinderIsFront : public testing::Test {
     ~FinderIsFront() override {
         [window_ close];
         if (other_) pclose(other_);
-        DeclareProcessSignature(0);
+        declare_process_signature(0);
         dvEnableDebugOutput = 0;
         dvdprintf("no sink any more\n");
         XCloseDisplay(display_);
@@ -76,7 +76,7 @@ TEST_F(FinderIsFront, NotWhileAnotherApplicationIsInFront) {
 }
 
 TEST_F(FinderIsFront, NotInAProcessOfAnotherSignature) {
-    DeclareProcessSignature('TEST');
+    declare_process_signature('TEST');
     EXPECT_FALSE(dv_finder_is_front());
 }
 

@@ -88,7 +88,7 @@ OSErr receive(const AppleEvent* event, AppleEvent*, void*) {
 }  // namespace
 
 FinderPost::FinderPost() {
-    DeclareProcessSignature('MACS');
+    declare_process_signature('MACS');
     AEInstallSpecialHandler(keyPreDispatch, receive, false);
     arrived.clear();
     sent.clear();
@@ -97,12 +97,12 @@ FinderPost::FinderPost() {
 FinderPost::~FinderPost() {
     letters();
     AERemoveSpecialHandler(keyPreDispatch, receive, false);
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
 }
 
 const std::vector<Letter>& FinderPost::letters() {
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    while (AppleEventsAreWaiting()) {
+    while (apple_events_are_waiting()) {
         [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate date]];
     }
     [pool release];

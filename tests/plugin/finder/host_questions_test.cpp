@@ -15,7 +15,7 @@ namespace {
 class HostQuestion : public testing::Test {
   protected:
     ~HostQuestion() override {
-        DeclareProcessSignature(0);
+        declare_process_signature(0);
         test::carbon_trouble = nullptr;
         dvEnableDebugOutput = 0;
         dvdprintf("no sink any more\n");
@@ -24,12 +24,12 @@ class HostQuestion : public testing::Test {
 
 TEST_F(HostQuestion, AProcessOfAnotherSignatureIsNotTheFinder) {
     EXPECT_FALSE(dv_is_finder());
-    DeclareProcessSignature(0x54455354);
+    declare_process_signature(0x54455354);
     EXPECT_FALSE(dv_is_finder());
 }
 
 TEST_F(HostQuestion, TheSignatureMACSMakesTheFinder) {
-    DeclareProcessSignature(0x4D414353);
+    declare_process_signature(0x4D414353);
     EXPECT_TRUE(dv_is_finder());
 }
 
@@ -38,13 +38,13 @@ TEST_F(HostQuestion, ItsLinesAreLoggedOnlyWithLoggingOn) {
     dvEnableDebugOutput = 1;
     EXPECT_EQ(output_of([] { dv_is_finder(); }),
               "Delvio: Checking if this is the Finder..\nDelvio: This is NOT the Finder..\n");
-    DeclareProcessSignature(0x4D414353);
+    declare_process_signature(0x4D414353);
     EXPECT_EQ(output_of([] { dv_is_finder(); }),
               "Delvio: Checking if this is the Finder..\nDelvio: This is the Finder\n");
 }
 
 TEST_F(HostQuestion, AProcessThatIsUnknownIsNotTheFinder) {
-    DeclareProcessSignature(0x4D414353);
+    declare_process_signature(0x4D414353);
     test::carbon_trouble = test::failing("GetCurrentProcess", -600);
     EXPECT_FALSE(dv_is_finder());
     EXPECT_FALSE(dv_finder_is_front());

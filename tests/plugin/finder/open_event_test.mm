@@ -90,12 +90,12 @@ OSErr receive(const AppleEvent* event, AppleEvent*, void* refcon) {
 class OpenEvent : public testing::Test {
   protected:
     OpenEvent() {
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         AEInstallEventHandler(kCoreEventClass, kAEOpenDocuments, receive, &finder_, false);
     }
     ~OpenEvent() override {
         AERemoveEventHandler(kCoreEventClass, kAEOpenDocuments, receive, false);
-        DeclareProcessSignature(0);
+        declare_process_signature(0);
         test::carbon_trouble = nullptr;
         [pool_ release];
     }
@@ -121,12 +121,12 @@ TEST_F(OpenEvent, ComesOneForEachCall) {
     const FSRef first = reference(folder_.folder("first")), second = reference(folder_.path());
     dv_send_open_to_finder(&first);
     dv_send_open_to_finder(&second);
-    while (AppleEventsAreWaiting()) run_loop();
+    while (apple_events_are_waiting()) run_loop();
     EXPECT_EQ(finder_.paths, (test::Names{folder_.path("first"), folder_.path()}));
 }
 
 TEST_F(OpenEvent, ThatCannotBeSentIsNotReported) {
-    DeclareProcessSignature(0);
+    declare_process_signature(0);
     const FSRef ref = reference(folder_.path());
     EXPECT_EQ(test::output_of([&] { EXPECT_EQ(dv_send_open_to_finder(&ref), noErr); }), "");
     run_loop();

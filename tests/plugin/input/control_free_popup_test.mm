@@ -36,7 +36,7 @@ class ControlFreePopup : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         test::start_application();
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         CFRunLoopAddCommonMode(CFRunLoopGetCurrent(), (CFStringRef)NSEventTrackingRunLoopMode);
         [DVDelvio sharedDelvio];
         PopupThread::find([] { [DVControlFreePopup sharedControlFreePopup]; });

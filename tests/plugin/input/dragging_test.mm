@@ -27,7 +27,7 @@ class Dragging : public test::MenuTest {
     ~Dragging() override {
         [NSObject cancelPreviousPerformRequestsWithTarget:controller_];
         [drag_view() setTheDragTarget:nullptr];
-        SetHeldModifierFlags(0);
+        set_held_modifier_flags(0);
         dvEnableDebugOutput = 0;
     }
     template <typename type>
@@ -50,7 +50,7 @@ class Dragging : public test::MenuTest {
     }
     // The type of the event that the menu gets in place of this event.
     CGEventType after(CGEventType type, NSUInteger keys = NSCommandKeyMask) {
-        SetHeldModifierFlags(keys);
+        set_held_modifier_flags(keys);
         CGEventRef event =
             CGEventCreateMouseEvent(nullptr, type, CGPointMake(30, 40), kCGMouseButtonLeft);
         CGEventRef answer = [controller_ handleEventForDragInterception:event];
@@ -95,12 +95,12 @@ TEST_F(Dragging, TheDragWindowGoesAwayWhenTold) {
 namespace {
 
 // Records requests to the controller or its view, instead of doing them.
-struct delay_t {
+struct Delay {
     SEL selector;
     id object;
     NSTimeInterval seconds;
 };
-std::vector<delay_t> delays;
+std::vector<Delay> delays;
 
 void note_delay(id, SEL, SEL selector, id object, NSTimeInterval seconds) {
     delays.push_back({selector, object, seconds});
@@ -119,7 +119,7 @@ int cancellations = 0;
 void note_cancelling(id, SEL) { cancellations++; }
 
 // An image that was dragged.
-struct dragged_t {
+struct Dragged {
     NSImage* image;
     NSPoint at;
     NSSize offset;
@@ -128,7 +128,7 @@ struct dragged_t {
     id source;
     BOOL slides_back;
 };
-std::vector<dragged_t> dragged;
+std::vector<Dragged> dragged;
 
 void note_dragged(id, SEL, NSImage* image, NSPoint at, NSSize offset, NSEvent* event,
                   NSPasteboard* pasteboard, id source, BOOL slides_back) {
@@ -184,7 +184,7 @@ TEST_F(Dragging, TheFilesIconIsDraggedByAPressOfTheDragWindow) {
     [drag_view() setTheDragTarget:elem];
     dragged.clear();
     pointer_at = NSMakePoint(300, 500);
-    SetHeldModifierFlags(NSCommandKeyMask);
+    set_held_modifier_flags(NSCommandKeyMask);
     const test::ReplacedMethod pointer(object_getClass([NSEvent class]), @selector(mouseLocation),
                                        pointer_location);
     const test::ReplacedMethod dragging(
@@ -202,7 +202,7 @@ TEST_F(Dragging, TheFilesIconIsDraggedByAPressOfTheDragWindow) {
     const double before = dv_double_time();
     const std::string log = log_of([&] { [drag_view() mouseDown:press]; });
     ASSERT_EQ(dragged.size(), 1u);
-    const dragged_t& drag = dragged[0];
+    const Dragged& drag = dragged[0];
     EXPECT_NE(drag.image, nil);
     EXPECT_TRUE(NSEqualPoints(drag.at, NSMakePoint(7, 9)));
     EXPECT_TRUE(NSEqualSizes(drag.offset, NSZeroSize));

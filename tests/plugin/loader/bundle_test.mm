@@ -23,13 +23,13 @@
 
 namespace {
 
-using lines_t = std::vector<std::string>;
+using Lines = std::vector<std::string>;
 
 std::string log_file() { return getenv("HOME") + std::string("/Library/Logs/Delvio.log"); }
 
 void set_number(CFStringRef key, int number) {
-    ForcePreference(key, (CFPropertyListRef)[NSNumber numberWithInt:number],
-                    CFSTR("org.delvio.Delvio"));
+    force_preference(key, (CFPropertyListRef)[NSNumber numberWithInt:number],
+                     CFSTR("org.delvio.Delvio"));
 }
 void set_log_level(int level) { set_number(CFSTR("logLevel"), level); }
 
@@ -38,7 +38,7 @@ NSMenuItem* item_titled(NSMenu* menu, NSString* title) {
 }
 
 // Every address is a name of this table, or "*".
-using names_t = std::map<std::string, std::string>;
+using Names = std::map<std::string, std::string>;
 
 std::string address_of(const void* object) {
     char text[32];
@@ -52,7 +52,7 @@ std::string with_prefixes(const std::string& line) {
     return std::regex_replace(line, bare, "$1: 0x$2");
 }
 
-std::string without_addresses(const std::string& line, const names_t& names) {
+std::string without_addresses(const std::string& line, const Names& names) {
     std::string result;
     for (size_t i = 0; i < line.size();) {
         if (line.compare(i, 2, "0x") != 0) {
@@ -68,8 +68,8 @@ std::string without_addresses(const std::string& line, const names_t& names) {
     return result;
 }
 
-lines_t lines_of(const std::string& text, const names_t& names) {
-    lines_t lines;
+Lines lines_of(const std::string& text, const Names& names) {
+    Lines lines;
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);) {
         lines.push_back(without_addresses(with_prefixes(line), names));
@@ -85,10 +85,10 @@ class Bundle : public testing::Test {
         set_log_level(2);
         // Keeps out the applications of the machine that the test runs on.
         set_number(CFSTR("runningAppsInOpenWithMenu"), 0);
-        ForcePreference(CFSTR("open_with_path"), (CFPropertyListRef) @"/nowhere",
-                        CFSTR("org.delvio.Delvio"));
+        force_preference(CFSTR("open_with_path"), (CFPropertyListRef) @"/nowhere",
+                         CFSTR("org.delvio.Delvio"));
         std::string problem;
-        ASSERT_TRUE(LoadPlugIn(DELVIO_BUNDLE, &problem)) << problem;
+        ASSERT_TRUE(load_plug_in(DELVIO_BUNDLE, &problem)) << problem;
         fflush(nullptr);
         load_log_ = test::read_file(log_file());
     }
@@ -107,7 +107,7 @@ class Bundle : public testing::Test {
         folder_.file("text");
     }
     ~Bundle() override {
-        SetHeldModifierFlags(0);
+        set_held_modifier_flags(0);
         [NSMenu setContextMenuTracker:nil];
         [menu_ setDelegate:nil];
         [menu_ release];
@@ -126,16 +126,16 @@ class Bundle : public testing::Test {
             [session highlightItem:nil inMenu:menu_];
             [session openSubmenuOfItem:item_titled(menu_, @"a")];
             NSMenu* level = [[session levels] lastObject];
-            SetHeldModifierFlags(NSCommandKeyMask);
+            set_held_modifier_flags(NSCommandKeyMask);
             [session pickItem:item_titled(level, @"inside")];
         }];
         [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil];
     }
     // The text that a popup adds to the log file and to standard output.
-    struct output_t {
-        lines_t file, standard;
+    struct Output {
+        Lines file, standard;
     };
-    output_t output_of_popup() {
+    Output output_of_popup() {
         fflush(nullptr);
         const size_t before = test::read_file(log_file()).size();
         testing::internal::CaptureStdout();
@@ -146,11 +146,11 @@ class Bundle : public testing::Test {
         return {lines_of(file, names_), lines_of(standard, names_)};
     }
     // The lines before the settings are read, and the lines after.
-    lines_t first_lines() {
+    Lines first_lines() {
         return {"Delvio: Class popup no font HOST : TContextMenu",
                 "Delvio: Info: [menu = MENU, delegate = HOST, dvdv = DVDV]"};
     }
-    lines_t other_lines();
+    Lines other_lines();
 
     static std::string load_log_;
     NSAutoreleasePool* pool_;
@@ -159,12 +159,12 @@ class Bundle : public testing::Test {
     RecordingHost* host_;
     TContextMenu* menu_;
     id controller_;
-    names_t names_;
+    Names names_;
 };
 
 std::string Bundle::load_log_;
 
-lines_t Bundle::other_lines() {
+Lines Bundle::other_lines() {
     const std::string a = folder_.path("a"), text = folder_.path("text");
     NSURL* urls[] = {[NSURL fileURLWithPath:[NSString stringWithUTF8String:a.c_str()]],
                      [NSURL fileURLWithPath:[NSString stringWithUTF8String:text.c_str()]]};
@@ -260,13 +260,13 @@ lines_t Bundle::other_lines() {
     return lines_of(expected.str(), {});
 }
 
-lines_t joined(lines_t lines, const lines_t& more) {
+Lines joined(Lines lines, const Lines& more) {
     lines.insert(lines.end(), more.begin(), more.end());
     return lines;
 }
 
 // Compared as one text, so that a failure shows the lines that differ.
-std::string text_of(const lines_t& lines) {
+std::string text_of(const Lines& lines) {
     std::string text;
     for (const std::string& line : lines) text += line + "\n";
     return text;
@@ -274,7 +274,7 @@ std::string text_of(const lines_t& lines) {
 
 }  // namespace
 
-TEST_F(Bundle, AnswersAllThatHostsAskAboutItsItems) { EXPECT_STREQ(MissingAnswer(), nullptr); }
+TEST_F(Bundle, AnswersAllThatHostsAskAboutItsItems) { EXPECT_STREQ(missing_answer(), nullptr); }
 
 TEST_F(Bundle, IsKnownByItsInformation) {
     NSBundle* bundle = [NSBundle bundleForClass:objc_getClass("DVDelvio")];
@@ -294,34 +294,34 @@ TEST_F(Bundle, ExportsItsEntryAlone) {
 }
 
 TEST_F(Bundle, LogsItsLoading) {
-    const lines_t expected = {"Delvio: Checking if this is the Finder..",
-                              "Delvio: This is the Finder",
-                              "Delvio-SLSA! Is loaded: 0 Is Finder: 1 Is 64-bit: 1",
-                              "Delvio: Checking if this is the Finder..",
-                              "Delvio: This is the Finder",
-                              "Delvio: Version " DELVIO_VERSION " loading..",
-                              "Delvio-SLSA: Swizzling",
-                              "Delvio: Swizzle * * [* *] 0",
-                              "Delvio: Swizzle * * [* *] 0",
-                              "Delvio: Swizzle * * [* *] 1",
-                              "Delvio: Swizzle * * [* *] 1",
-                              "Delvio: Swizzle * * [* *] 1",
-                              "Delvio: Got TContextMenu class: CLASS",
-                              "Delvio: Swizzle * * [* *] 1",
-                              "Delvio: Swizzle * * [* *] 1",
-                              "Delvio: Successfully swizzled TContextMenu's method.",
-                              "Delvio: Tap: * Source: *",
-                              "Delvio: Created runloop source and mach port ref",
-                              "Delvio-SLSA: The deed is done."};
+    const Lines expected = {"Delvio: Checking if this is the Finder..",
+                            "Delvio: This is the Finder",
+                            "Delvio-SLSA! Is loaded: 0 Is Finder: 1 Is 64-bit: 1",
+                            "Delvio: Checking if this is the Finder..",
+                            "Delvio: This is the Finder",
+                            "Delvio: Version " DELVIO_VERSION " loading..",
+                            "Delvio-SLSA: Swizzling",
+                            "Delvio: Swizzle * * [* *] 0",
+                            "Delvio: Swizzle * * [* *] 0",
+                            "Delvio: Swizzle * * [* *] 1",
+                            "Delvio: Swizzle * * [* *] 1",
+                            "Delvio: Swizzle * * [* *] 1",
+                            "Delvio: Got TContextMenu class: CLASS",
+                            "Delvio: Swizzle * * [* *] 1",
+                            "Delvio: Swizzle * * [* *] 1",
+                            "Delvio: Successfully swizzled TContextMenu's method.",
+                            "Delvio: Tap: * Source: *",
+                            "Delvio: Created runloop source and mach port ref",
+                            "Delvio-SLSA: The deed is done."};
     EXPECT_EQ(text_of(lines_of(load_log_, names_)), text_of(expected));
 }
 
 TEST_F(Bundle, LogsAPopupToTheFileThenToStandardOutputThenNowhere) {
     set_log_level(2);
     pop_up();
-    output_t output = output_of_popup();
+    Output output = output_of_popup();
     EXPECT_EQ(text_of(output.file), text_of(joined(first_lines(), other_lines())));
-    EXPECT_EQ(text_of(output.standard), text_of(lines_t()));
+    EXPECT_EQ(text_of(output.standard), text_of(Lines()));
 
     set_log_level(1);
     output = output_of_popup();
@@ -330,9 +330,9 @@ TEST_F(Bundle, LogsAPopupToTheFileThenToStandardOutputThenNowhere) {
 
     set_log_level(0);
     output = output_of_popup();
-    EXPECT_EQ(text_of(output.file), text_of(lines_t()));
+    EXPECT_EQ(text_of(output.file), text_of(Lines()));
     EXPECT_EQ(text_of(output.standard), text_of(first_lines()));
     output = output_of_popup();
-    EXPECT_EQ(text_of(output.file), text_of(lines_t()));
-    EXPECT_EQ(text_of(output.standard), text_of(lines_t()));
+    EXPECT_EQ(text_of(output.file), text_of(Lines()));
+    EXPECT_EQ(text_of(output.standard), text_of(Lines()));
 }

@@ -17,14 +17,14 @@ namespace {
 
 using test::string_of;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 using test::urls_of;
 
 class Controller : public test::MenuTest {
   protected:
     Controller() : host_([RecordingHost new]) { [host_menu_ setDelegate:(id)host_]; }
     ~Controller() override {
-        SetHeldModifierFlags(0);
+        set_held_modifier_flags(0);
         [host_menu_ setDelegate:nil];
         [host_ release];
     }
@@ -68,9 +68,9 @@ TEST_F(Controller, TakingOverMakesTheHostFillItsMenu) {
     [host_ setItemToAdd:@"Open"];
     take_over();
     EXPECT_EQ([host_ log], "open update");
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"-", "Open"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"-", "Open"}));
     release();
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"Open"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"Open"}));
 }
 
 TEST_F(Controller, SwitchedOffLeavesTheMenuUntouched) {
@@ -84,12 +84,12 @@ TEST_F(Controller, SwitchedOffLeavesTheMenuUntouched) {
 }
 
 TEST_F(Controller, ShiftLeavesTheMenuUntouched) {
-    SetHeldModifierFlags(NSShiftKeyMask);
+    set_held_modifier_flags(NSShiftKeyMask);
     EXPECT_EQ(take_over(), host_menu_);
     EXPECT_EQ([host_menu_ delegate], host_);
     EXPECT_EQ([host_menu_ numberOfItems], 0);
     EXPECT_EQ(dv_->count, 0);
-    SetHeldModifierFlags(NSAlternateKeyMask);
+    set_held_modifier_flags(NSAlternateKeyMask);
     take_over();
     EXPECT_EQ([host_menu_ delegate], controller_);
 }
@@ -114,7 +114,7 @@ TEST_F(Controller, AnEarlyReturnIsReleasedLikeAnyMenu) {
     [preview showPreviewWindow:nil];
     ASSERT_TRUE([timer isValid]);
     ASSERT_TRUE([preview isVisible]);
-    SetHeldModifierFlags(NSShiftKeyMask);
+    set_held_modifier_flags(NSShiftKeyMask);
     NSMenu* other = [[[NSMenu alloc] initWithTitle:@"other"] autorelease];
     EXPECT_EQ([controller_ setCurrentMenu:other withProxyDelegate:nil], other);
     EXPECT_EQ(dv_->count, 1) << "untouched";
@@ -203,14 +203,14 @@ TEST_F(Controller, ASeparateMenuIsEmptiedAndTheHostsKeepsItsDelegate) {
     EXPECT_EQ([proxy numberOfItems], 0);
     EXPECT_EQ([proxy delegate], nil);
     EXPECT_EQ([host_menu_ delegate], host_);
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"Open"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"Open"}));
 }
 
 TEST_F(Controller, ASeparateMenuCanBeTakenAgain) {
     set("finderInSeparateSubmenu", 1);
     for (int i = 0; i < 3; i++) {
         NSMenu* proxy = select({folder_.folder("a"), folder_.file("b")});
-        EXPECT_EQ(titles_of(proxy), titles_t({"a", "-", "b", "b", "-", "Finder"}));
+        EXPECT_EQ(titles_of(proxy), Titles({"a", "-", "b", "b", "-", "Finder"}));
         release();
     }
 }
@@ -226,10 +226,10 @@ TEST_F(Controller, TheHostsClearingKeepsTheRootItems) {
     select({folder_.folder("a")});
     [host_menu_ addItemWithTitle:@"Open" action:nullptr keyEquivalent:@""];
     [controller_ handleRemoveAllItemsPre:host_menu_];
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"Open"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"Open"}));
     [host_menu_ removeAllItems];
     [controller_ handleRemoveAllItemsPost:host_menu_];
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"a", "-"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"a", "-"}));
 }
 
 TEST_F(Controller, ClearingAnotherMenuTouchesNothing) {
@@ -237,7 +237,7 @@ TEST_F(Controller, ClearingAnotherMenuTouchesNothing) {
     NSMenu* other = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [controller_ handleRemoveAllItemsPre:other];
     [controller_ handleRemoveAllItemsPost:other];
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"a", "-"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"a", "-"}));
     EXPECT_EQ([other numberOfItems], 0);
 }
 

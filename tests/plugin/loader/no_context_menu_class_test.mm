@@ -13,13 +13,13 @@
 
 namespace {
 
-struct method_t {
+struct ExchangedMethod {
     const char* class_name;
     const char* selector;
     bool is_class_method;
 };
 
-const method_t exchanged[] = {
+const ExchangedMethod exchanged[] = {
     {"NSMenu", "popUpContextMenu:withEvent:forView:", true},
     {"NSMenu", "popUpContextMenu:withEvent:forView:withFont:", true},
     {"NSMenu", "_popUpContextMenu:withEvent:forView:withFont:", false},
@@ -27,11 +27,11 @@ const method_t exchanged[] = {
     {"NSPasteboard", "writeObjects:", false},
 };
 
-using implementations_t = std::map<std::string, IMP>;
+using Implementations = std::map<std::string, IMP>;
 
-implementations_t implementations() {
-    implementations_t found;
-    for (const method_t& row : exchanged) {
+Implementations implementations() {
+    Implementations found;
+    for (const ExchangedMethod& row : exchanged) {
         Class owner = objc_getClass(row.class_name);
         SEL selector = sel_registerName(row.selector);
         Method method = row.is_class_method ? class_getClassMethod(owner, selector)
@@ -46,9 +46,9 @@ implementations_t implementations() {
 TEST(Load, AHostWithoutAContextMenuClassGetsTheOtherExchangesOnce) {
     test::start_application();
     ASSERT_EQ(objc_getClass("TContextMenu"), nullptr);
-    DeclareProcessSignature('MACS');
-    const implementations_t before = implementations();
-    ForcePreference(CFSTR("logLevel"), (CFPropertyListRef) @1, CFSTR(DV_PREFS_DOMAIN));
+    declare_process_signature('MACS');
+    const Implementations before = implementations();
+    force_preference(CFSTR("logLevel"), (CFPropertyListRef) @1, CFSTR(DV_PREFS_DOMAIN));
     testing::internal::CaptureStdout();
     EXPECT_EQ(dv_load_delvio(), 0);
     fflush(stdout);
@@ -56,8 +56,8 @@ TEST(Load, AHostWithoutAContextMenuClassGetsTheOtherExchangesOnce) {
     EXPECT_NE(log.find("\nDelvio: No TContextMenu class found?\n"), std::string::npos) << log;
     EXPECT_EQ(log.find("Successfully swizzled"), std::string::npos) << log;
     EXPECT_EQ(is_loaded, 1);
-    const implementations_t after = implementations();
-    for (const method_t& row : exchanged) {
+    const Implementations after = implementations();
+    for (const ExchangedMethod& row : exchanged) {
         EXPECT_NE(after.at(row.selector), before.at(row.selector)) << row.selector;
     }
     // The controller has written its settings.

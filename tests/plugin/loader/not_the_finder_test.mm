@@ -19,7 +19,7 @@ IMP class_popup() {
 
 TEST(Load, NothingIsInstalledInAProcessThatIsNotTheFinder) {
     test::start_application();
-    DeclareProcessSignature('ttxt');
+    declare_process_signature('ttxt');
     const IMP before = class_popup();
     EXPECT_EQ(dv_load_delvio(), 0);
     EXPECT_EQ(is_loaded, 0);
@@ -28,7 +28,7 @@ TEST(Load, NothingIsInstalledInAProcessThatIsNotTheFinder) {
     CFPreferencesAppSynchronize(CFSTR(DV_PREFS_DOMAIN));
     EXPECT_EQ(CFPreferencesCopyAppValue(CFSTR("placement"), CFSTR(DV_PREFS_DOMAIN)), nullptr);
 
-    DeclareProcessSignature('MACS');
+    declare_process_signature('MACS');
     EXPECT_EQ(dv_load_delvio(), 0);
     EXPECT_EQ(is_loaded, 1);
     EXPECT_NE(class_popup(), before);

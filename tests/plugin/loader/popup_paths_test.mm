@@ -20,18 +20,18 @@ using test::formatted;
 using test::set_tracking;
 using test::take_popup_calls;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 using test::urls_of;
 
-enum path_t { CLASS_WITH_FONT, CLASS_PLAIN, INSTANCE_WITH_FONT, INSTANCE_PLAIN };
+enum Path { CLASS_WITH_FONT, CLASS_PLAIN, INSTANCE_WITH_FONT, INSTANCE_PLAIN };
 
-struct path_row_t {
+struct PathRow {
     const char* name;
     const char* method;
     bool of_class, with_font;
 };
 
-const path_row_t path_rows[] = {
+const PathRow path_rows[] = {
     {"ClassWithFont", "popUpContextMenu:withEvent:forView:withFont:", true, true},
     {"ClassPlain", "popUpContextMenu:withEvent:forView:", true, false},
     {"InstanceWithFont", "_popUpContextMenu:withEvent:forView:withFont:", false, true},
@@ -55,12 +55,12 @@ NSEvent* make_event() {
                                  data2:0];
 }
 
-class PopupPath : public test::MenuTest, public testing::WithParamInterface<path_t> {
+class PopupPath : public test::MenuTest, public testing::WithParamInterface<Path> {
   protected:
     PopupPath() : row_(path_rows[GetParam()]), host_([RecordingHost new]) {
         static const bool installed = (test::install_recording_toolkit(), true);
         (void)installed;
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         dv_load_delvio();
         // The method that the loader does not replace.
         exchange_plain_instance_popup();
@@ -75,7 +75,7 @@ class PopupPath : public test::MenuTest, public testing::WithParamInterface<path
     ~PopupPath() override {
         exchange_plain_instance_popup();
         set_tracking(nullptr);
-        SetHeldModifierFlags(0);
+        set_held_modifier_flags(0);
         [RecordingMenu setRefusesClearing:NO];
         [menu_ setDelegate:nil];
         [menu_ release];
@@ -130,22 +130,22 @@ class PopupPath : public test::MenuTest, public testing::WithParamInterface<path
         EXPECT_FALSE([[controller_ valueForKey:@"isInvoked"] boolValue]);
         EXPECT_EQ([[controller_ valueForKey:@"rootItems"] count], 0u);
         EXPECT_EQ([controller_ finderMenu], nil);
-        EXPECT_EQ(titles_of(menu_), titles_t({"Open"}));
+        EXPECT_EQ(titles_of(menu_), Titles({"Open"}));
         EXPECT_EQ([menu_ delegate], host_);
     }
     // After a failed popup the next one is taken over as usual.
     void expect_next_popup_to_be_taken_over() {
         const std::string path = folder_.folder("next");
-        titles_t shown;
+        Titles shown;
         set_tracking([&] {
             [controller_ setSelectedFiles:urls_of({path})];
             shown = titles_of(menu_);
         });
         pop_up();
-        EXPECT_EQ(shown, titles_t({"next", "-", "Open"}));
+        EXPECT_EQ(shown, Titles({"next", "-", "Open"}));
     }
 
-    const path_row_t& row_;
+    const PathRow& row_;
     RecordingHost* host_;
     RecordingMenu* menu_;
     NSEvent* event_;
@@ -153,9 +153,7 @@ class PopupPath : public test::MenuTest, public testing::WithParamInterface<path
     NSFont* font_;
 };
 
-std::string name_of(const testing::TestParamInfo<path_t>& info) {
-    return path_rows[info.param].name;
-}
+std::string name_of(const testing::TestParamInfo<Path>& info) { return path_rows[info.param].name; }
 
 INSTANTIATE_TEST_SUITE_P(Every, PopupPath,
                          testing::Values(CLASS_WITH_FONT, CLASS_PLAIN, INSTANCE_WITH_FONT,
@@ -262,7 +260,7 @@ TEST_P(PopupPath, SwitchedOffIsStillReleased) {
 }
 
 TEST_P(PopupPath, WithShiftHeldIsStillReleased) {
-    SetHeldModifierFlags(NSShiftKeyMask);
+    set_held_modifier_flags(NSShiftKeyMask);
     dvDidGetURLs = 1;
     pop_up();
     const auto calls = take_popup_calls();
@@ -277,7 +275,7 @@ TEST_P(PopupPath, AnExceptionOfTheTrackingIsPassedOnWithNothingLeftBehind) {
     NSException* raised = make_exception();
     set_tracking([&] {
         [controller_ setSelectedFiles:urls_of({path})];
-        EXPECT_EQ(titles_of(menu_), titles_t({"a", "-", "Open"}));
+        EXPECT_EQ(titles_of(menu_), Titles({"a", "-", "Open"}));
         [raised raise];
     });
     EXPECT_EQ(exception_of_popup(), raised);

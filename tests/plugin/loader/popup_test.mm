@@ -25,7 +25,7 @@ namespace {
 
 using test::item_titled;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 using test::urls_of;
 
 // The host's own methods, in place before the plug-in is loaded. They record their calls.
@@ -52,7 +52,7 @@ class Popup : public test::MenuTest {
     Popup() : tracker_([WalkingTracker new]), host_([RecordingHost new]) {
         static const bool installed = (install_host_methods(), true);
         (void)installed;
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         dv_load_delvio();
         [NSMenu setContextMenuTracker:tracker_];
         menu_ = [[TContextMenu alloc] initWithTitle:@"context"];
@@ -60,14 +60,14 @@ class Popup : public test::MenuTest {
         [menu_ setDelegate:(id)host_];
     }
     ~Popup() override {
-        SetHeldModifierFlags(0);
+        set_held_modifier_flags(0);
         [NSMenu setContextMenuTracker:nil];
         [menu_ setDelegate:nil];
         [menu_ release];
         [host_ release];
         [tracker_ release];
     }
-    void walk(const walk_t& walk) { [tracker_ setWalk:walk]; }
+    void walk(const Walk& walk) { [tracker_ setWalk:walk]; }
     void pop_up() { [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil]; }
     void pop_up_with_font(NSFont* font) {
         [NSMenu popUpContextMenu:menu_ withEvent:nil forView:nil withFont:font];
@@ -88,14 +88,14 @@ class Popup : public test::MenuTest {
 
 TEST_F(Popup, OurItemsAreThereWhileTheMenuIsOpenAndGoneAfter) {
     const std::string path = folder_.folder("a");
-    titles_t shown;
+    Titles shown;
     walk([&](MenuSession*) {
         configure({path});
         shown = titles_of(menu_);
     });
     pop_up();
-    EXPECT_EQ(shown, titles_t({"a", "-", "Open"}));
-    EXPECT_EQ(titles_of(menu_), titles_t({"Open"}));
+    EXPECT_EQ(shown, Titles({"a", "-", "Open"}));
+    EXPECT_EQ(titles_of(menu_), Titles({"Open"}));
     EXPECT_EQ([menu_ delegate], host_);
     EXPECT_EQ(dvIsActive, 0);
     EXPECT_EQ(dv_->count, 0);
@@ -146,21 +146,21 @@ TEST_F(Popup, ThePreferredSizeReplacesTheFont) {
 
 TEST_F(Popup, SwitchedOffShowsTheHostsMenuAlone) {
     set("delvio_is_on", 0);
-    titles_t shown;
+    Titles shown;
     walk([&](MenuSession*) { shown = titles_of(menu_); });
     pop_up();
-    EXPECT_EQ(shown, titles_t({"Open"}));
+    EXPECT_EQ(shown, Titles({"Open"}));
     EXPECT_EQ([tracker_ popups], 1);
     EXPECT_EQ(dvIsActive, 0);
     EXPECT_EQ(dv_->count, 0);
 }
 
 TEST_F(Popup, ShiftShowsTheHostsMenuAlone) {
-    SetHeldModifierFlags(NSShiftKeyMask);
-    titles_t shown;
+    set_held_modifier_flags(NSShiftKeyMask);
+    Titles shown;
     walk([&](MenuSession*) { shown = titles_of(menu_); });
     pop_up();
-    EXPECT_EQ(shown, titles_t({"Open"}));
+    EXPECT_EQ(shown, Titles({"Open"}));
     EXPECT_EQ([menu_ delegate], host_);
     EXPECT_EQ(dvIsActive, 0);
 }
@@ -168,7 +168,7 @@ TEST_F(Popup, ShiftShowsTheHostsMenuAlone) {
 TEST_F(Popup, APopupWithinAnotherIsShownAsItIs) {
     NSMenu* inner = [[[NSMenu alloc] initWithTitle:@"inner"] autorelease];
     [inner addItemWithTitle:@"x" action:nullptr keyEquivalent:@""];
-    titles_t shown;
+    Titles shown;
     int count = 0;
     walk([&](MenuSession*) {
         walk([&](MenuSession*) {
@@ -180,7 +180,7 @@ TEST_F(Popup, APopupWithinAnotherIsShownAsItIs) {
     });
     pop_up();
     EXPECT_EQ([tracker_ popups], 3);
-    EXPECT_EQ(shown, titles_t({"x"}));
+    EXPECT_EQ(shown, Titles({"x"}));
     EXPECT_EQ(count, 1);
     EXPECT_EQ([menu_ delegate], host_);
     EXPECT_EQ(dvIsActive, 0);
@@ -188,7 +188,7 @@ TEST_F(Popup, APopupWithinAnotherIsShownAsItIs) {
 
 TEST_F(Popup, LevelsFillAsTheyOpen) {
     folder_.file("a/b/c/leaf");
-    titles_t deepest;
+    Titles deepest;
     walk([&](MenuSession* session) {
         configure({folder_.path("a")});
         EXPECT_TRUE([session openSubmenuOfItem:item_titled(menu_, "a")]);
@@ -199,13 +199,13 @@ TEST_F(Popup, LevelsFillAsTheyOpen) {
         deepest = titles_of([[session levels] lastObject]);
     });
     pop_up();
-    EXPECT_EQ(deepest, titles_t({"leaf", "leaf", "leaf"}));
+    EXPECT_EQ(deepest, Titles({"leaf", "leaf", "leaf"}));
 }
 
 TEST_F(Popup, TheHostsMenuBecomesASubmenuOfAFreshOne) {
     set("finderInSeparateSubmenu", 1);
     const std::string path = folder_.folder("a");
-    titles_t shown;
+    Titles shown;
     NSMenu* finder = nil;
     for (int i = 0; i < 2; i++) {
         walk([&](MenuSession* session) {
@@ -214,7 +214,7 @@ TEST_F(Popup, TheHostsMenuBecomesASubmenuOfAFreshOne) {
             finder = [item_titled([session rootMenu], "Finder") submenu];
         });
         pop_up();
-        EXPECT_EQ(shown, titles_t({"a", "-", "Finder"}));
+        EXPECT_EQ(shown, Titles({"a", "-", "Finder"}));
         EXPECT_EQ(finder, menu_);
         EXPECT_NE([tracker_ menu], menu_);
         EXPECT_EQ([[tracker_ menu] class], [TContextMenu class]);
@@ -224,7 +224,7 @@ TEST_F(Popup, TheHostsMenuBecomesASubmenuOfAFreshOne) {
 
 TEST_F(Popup, RemovingAllItemsWhileOpenBringsOursBack) {
     const std::string path = folder_.folder("a");
-    titles_t cleared, refilled;
+    Titles cleared, refilled;
     walk([&](MenuSession*) {
         configure({path});
         [menu_ removeAllItems];
@@ -233,9 +233,9 @@ TEST_F(Popup, RemovingAllItemsWhileOpenBringsOursBack) {
         refilled = titles_of(menu_);
     });
     pop_up();
-    EXPECT_EQ(cleared, titles_t({"a", "-"}));
-    EXPECT_EQ(refilled, titles_t({"a", "-", "New"}));
-    EXPECT_EQ(titles_of(menu_), titles_t({"New"}));
+    EXPECT_EQ(cleared, Titles({"a", "-"}));
+    EXPECT_EQ(refilled, Titles({"a", "-", "New"}));
+    EXPECT_EQ(titles_of(menu_), Titles({"New"}));
 }
 
 TEST_F(Popup, RemovingAllItemsOfAnyOtherMenuJustClearsIt) {
@@ -263,7 +263,7 @@ TEST_F(Popup, WritingToAPasteboardTellsTheSelectionAndGivesTheHostsAnswer) {
             EXPECT_EQ([pasteboard writeObjects:urls], result);
             EXPECT_EQ(written, urls);
         }
-        EXPECT_EQ(titles_of(menu_), titles_t({"a", "-", "Open"}));
+        EXPECT_EQ(titles_of(menu_), Titles({"a", "-", "Open"}));
     });
     pop_up();
     EXPECT_EQ([tracker_ popups], 1);
@@ -275,7 +275,7 @@ TEST_F(Popup, TheFirstOfBothWaysWins) {
         configure({first});
         id pasteboard = [NSAllocateObject([NSPasteboard class], 0, nullptr) autorelease];
         [pasteboard writeObjects:urls_of({second})];
-        EXPECT_EQ(titles_of(menu_), titles_t({"first", "-", "Open"}));
+        EXPECT_EQ(titles_of(menu_), Titles({"first", "-", "Open"}));
     });
     pop_up();
 }
@@ -301,7 +301,7 @@ TEST_F(Popup, NoNodesLeaveTheSelectionAndConfigureTheHost) {
         EXPECT_EQ([menu_ windowController], nil);
         EXPECT_FALSE([menu_ isContainer]);
         EXPECT_EQ(dvDidGetURLs, 0);
-        EXPECT_EQ(titles_of(menu_), titles_t({"-", "Open"}));
+        EXPECT_EQ(titles_of(menu_), Titles({"-", "Open"}));
     });
     pop_up();
     EXPECT_EQ([tracker_ popups], 1);
@@ -317,13 +317,13 @@ NSURL* no_url(id, SEL) { return nil; }
 namespace {
 
 // The host's configuration, recorded.
-struct configuration_t {
+struct Configuration {
     const TFENodeVector* nodes;
     id window_controller;
     BOOL container;
     uint8_t selection_known;
 };
-std::vector<configuration_t> configurations;
+std::vector<Configuration> configurations;
 
 void record_configuration(id, SEL, const TFENodeVector* nodes, id window_controller,
                           BOOL container) {
@@ -391,7 +391,7 @@ TEST_F(Popup, ANodeWithoutAUrlLeavesTheSelectionAndConfiguresTheHost) {
         EXPECT_EQ(log.find("Delvio: Added"), std::string::npos) << log;
         EXPECT_EQ([[menu_ nodes] count], 1u);
         EXPECT_EQ(dvDidGetURLs, 0);
-        EXPECT_EQ(titles_of(menu_), titles_t({"-", "Open"}));
+        EXPECT_EQ(titles_of(menu_), Titles({"-", "Open"}));
     });
     pop_up();
     EXPECT_EQ([tracker_ popups], 1);
@@ -414,7 +414,7 @@ TEST_F(Popup, APickedItemIsOpenWhileItsElementLives) {
         [session openSubmenuOfItem:item_titled(menu_, "a")];
         NSMenuItem* item = item_titled([[session levels] lastObject], "text");
         // A command-click, so that nothing is opened.
-        SetHeldModifierFlags(NSCommandKeyMask);
+        set_held_modifier_flags(NSCommandKeyMask);
         [session pickItem:item];
         picked = [session pickedItem] == item;
     });

@@ -9,7 +9,7 @@
 namespace {
 
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 
 class Proxy : public test::MenuTest {
   protected:
@@ -142,7 +142,7 @@ TEST_F(Proxy, ItemsStandAtTheTopInTheirOrderBeforeTheHosts) {
                                                 keyEquivalent:@""] autorelease];
         [controller_ addItem:item toMenu:host_menu_];
     }
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"A", "B", "C", "Open"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"A", "B", "C", "Open"}));
 }
 
 TEST_F(Proxy, ItemsOfOtherMenusStandAtTheEnd) {
@@ -151,9 +151,9 @@ TEST_F(Proxy, ItemsOfOtherMenusStandAtTheEnd) {
     NSMenuItem* item = [[[NSMenuItem alloc] initWithTitle:@"last" action:nullptr
                                             keyEquivalent:@""] autorelease];
     [controller_ addItem:item toMenu:menu];
-    EXPECT_EQ(titles_of(menu), titles_t({"x", "last"}));
+    EXPECT_EQ(titles_of(menu), Titles({"x", "last"}));
     [controller_ removeRootItems];
-    EXPECT_EQ(titles_of(menu), titles_t({"x", "last"}));
+    EXPECT_EQ(titles_of(menu), Titles({"x", "last"}));
 }
 
 TEST_F(Proxy, EachCallIsLoggedWithWhetherTheHostAnswersIt) {

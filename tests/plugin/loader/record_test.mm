@@ -27,13 +27,13 @@
 namespace {
 
 // The arguments with which the taps were created.
-struct tap_t {
+struct Tap {
     int location, placement, options;
     CGEventMask events;
     CGEventTapCallBack callback;
     void* user;
 };
-std::vector<tap_t> taps;
+std::vector<Tap> taps;
 std::vector<std::string> common_modes;
 bool taps_fail = false, sources_fail = false;
 
@@ -100,9 +100,9 @@ class Record : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         test::start_application();
-        DeclareProcessSignature('MACS');
+        declare_process_signature('MACS');
         first_font_size_ = dvFontSize;
-        ForcePreference(CFSTR("font_size"), (CFPropertyListRef) @11, CFSTR(DV_PREFS_DOMAIN));
+        force_preference(CFSTR("font_size"), (CFPropertyListRef) @11, CFSTR(DV_PREFS_DOMAIN));
         const test::ReplacedMethod spaces([NSWindow class], @selector(setCanBeVisibleOnAllSpaces:),
                                           note_spaces);
         controller_ = [DVDelvio sharedDelvio];
@@ -125,13 +125,13 @@ class Record : public testing::Test {
     static uint32_t first_font_size_;
     static DVDelvio* controller_;
     static delvio_t* dv_;
-    static tap_t tap_;
+    static Tap tap_;
 };
 
 uint32_t Record::first_font_size_;
 DVDelvio* Record::controller_;
 delvio_t* Record::dv_;
-tap_t Record::tap_;
+Tap Record::tap_;
 
 }  // namespace
 
@@ -245,7 +245,7 @@ TEST_F(Record, TheControlFreePopupListensToPressesAndReleases) {
     dvEnableDebugOutput = 1;
     EXPECT_EQ(output_of([] { [DVControlFreePopup sharedControlFreePopup]; }),
               "Delvio: Created runloop source and mach port ref\n");
-    const tap_t& tap = taps.back();
+    const Tap& tap = taps.back();
     EXPECT_EQ(tap.location, 1);
     EXPECT_EQ(tap.placement, 1);
     EXPECT_EQ(tap.options, 1);

@@ -16,7 +16,7 @@
 namespace test {
 
 // A call of one of the toolkit's own methods; objects that the method does not take are nil.
-struct popup_call_t {
+struct PopupCall {
     std::string method;
     id receiver;
     NSMenu* menu;
@@ -28,7 +28,7 @@ struct popup_call_t {
 // Replaces the methods. Call it once per process.
 void install_recording_toolkit();
 // The calls since the last time.
-std::vector<popup_call_t> take_popup_calls();
+std::vector<PopupCall> take_popup_calls();
 // The action while a menu is tracked. The next popup that reaches the toolkit calls it once.
 void set_tracking(const std::function<void()>& tracking);
 

@@ -4,10 +4,10 @@
 
 namespace {
 
-std::vector<test::popup_call_t> calls;
+std::vector<test::PopupCall> calls;
 std::function<void()> next_tracking;
 
-void track(const test::popup_call_t& call) {
+void track(const test::PopupCall& call) {
     calls.push_back(call);
     std::function<void()> tracking;
     tracking.swap(next_tracking);
@@ -15,24 +15,24 @@ void track(const test::popup_call_t& call) {
 }
 
 // Each method knows its own name, because the call uses the name of the plug-in's method.
-enum kind_t { CLASS_PLAIN, CLASS_WITH_FONT, INSTANCE_PLAIN, INSTANCE_WITH_FONT };
+enum Kind { CLASS_PLAIN, CLASS_WITH_FONT, INSTANCE_PLAIN, INSTANCE_WITH_FONT };
 const SEL names[] = {@selector(popUpContextMenu:withEvent:forView:),
                      @selector(popUpContextMenu:withEvent:forView:withFont:),
                      @selector(_popUpContextMenu:withEvent:forView:),
                      @selector(_popUpContextMenu:withEvent:forView:withFont:)};
 
-template <kind_t kind>
+template <Kind kind>
 void popup(id self, SEL, NSMenu* menu, NSEvent* event, NSView* view) {
     track({sel_getName(names[kind]), self, menu, event, view, nil});
 }
 
-template <kind_t kind>
+template <Kind kind>
 void popup_with_font(id self, SEL, NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
     track({sel_getName(names[kind]), self, menu, event, view, font});
 }
 
 template <typename Function>
-void replace(Class owner, kind_t kind, Function* function, const char* types) {
+void replace(Class owner, Kind kind, Function* function, const char* types) {
     class_replaceMethod(owner, names[kind], reinterpret_cast<IMP>(function), types);
 }
 
@@ -48,8 +48,8 @@ void install_recording_toolkit() {
     replace(menu, INSTANCE_WITH_FONT, popup_with_font<INSTANCE_WITH_FONT>, "v@:@@@@");
 }
 
-std::vector<popup_call_t> take_popup_calls() {
-    std::vector<popup_call_t> taken;
+std::vector<PopupCall> take_popup_calls() {
+    std::vector<PopupCall> taken;
     taken.swap(calls);
     return taken;
 }

@@ -5,17 +5,17 @@
 
 #include <functional>
 
-using walk_t = std::function<void(MenuSession*)>;
+using Walk = std::function<void(MenuSession*)>;
 
 @interface WalkingTracker : NSObject <MenuTracker> {
   @private
-    walk_t _walk;
+    Walk _walk;
     int _popups;
     NSFont* _font;
     NSMenu* _menu;
 }
 // Called between the opening and the closing of each menu.
-- (void)setWalk:(const walk_t&)walk;
+- (void)setWalk:(const Walk&)walk;
 // About the popups so far: how many, and the last one's font and menu.
 - (int)popups;
 - (NSFont*)font;

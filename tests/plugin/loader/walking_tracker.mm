@@ -8,7 +8,7 @@
     [super dealloc];
 }
 
-- (void)setWalk:(const walk_t&)walk {
+- (void)setWalk:(const Walk&)walk {
     _walk = walk;
 }
 
@@ -36,7 +36,7 @@
     _font = [font retain];
     _menu = [[session rootMenu] retain];
     [session open];
-    const walk_t walk = _walk;
+    const Walk walk = _walk;
     if (walk) walk(session);
     [session close];
 }

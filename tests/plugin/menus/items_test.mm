@@ -14,7 +14,7 @@ namespace {
 using test::alternate_of;
 using test::item_titled;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 
 class Items : public test::MenuTest {
   protected:
@@ -59,8 +59,8 @@ class Items : public test::MenuTest {
 
 TEST_F(Items, KindsAreSetApartAndApplicationsHaveAHeading) {
     NSMenu* menu = open_mixed();
-    EXPECT_EQ(titles_of(menu), titles_t({"dir", "-", "Applications", "Edit.app", "Edit.app", "-",
-                                         "part.bundle", "part.bundle", "text", "text", "text"}));
+    EXPECT_EQ(titles_of(menu), Titles({"dir", "-", "Applications", "Edit.app", "Edit.app", "-",
+                                       "part.bundle", "part.bundle", "text", "text", "text"}));
     NSMenuItem* heading = item_titled(menu, "Applications");
     EXPECT_FALSE([heading isEnabled]);
     EXPECT_EQ([heading action], static_cast<SEL>(nullptr));
@@ -71,27 +71,27 @@ TEST_F(Items, FilesAreSetApartFromFoldersButNotFromPackages) {
     const std::string path = folder_.folder("a");
     folder_.folder("a/dir");
     folder_.file("a/text");
-    EXPECT_EQ(titles_of(open(select({path}), "a")), titles_t({"dir", "-", "text", "text", "text"}));
+    EXPECT_EQ(titles_of(open(select({path}), "a")), Titles({"dir", "-", "text", "text", "text"}));
 }
 
 TEST_F(Items, OneListHasNoKindSeparators) {
     set("sort_order", 1);
-    EXPECT_EQ(titles_of(open_mixed()), titles_t({"dir", "Edit.app", "Edit.app", "part.bundle",
-                                                 "part.bundle", "text", "text", "text"}));
+    EXPECT_EQ(titles_of(open_mixed()), Titles({"dir", "Edit.app", "Edit.app", "part.bundle",
+                                               "part.bundle", "text", "text", "text"}));
 }
 
 TEST_F(Items, GroupsWithoutSeparatorsBySortOrderTwo) {
     set("sort_order", 2);
     set("intra_sort_order", 1);
-    EXPECT_EQ(titles_of(open_mixed()), titles_t({"Edit.app", "Edit.app", "dir", "part.bundle",
-                                                 "part.bundle", "text", "text", "text"}));
+    EXPECT_EQ(titles_of(open_mixed()), Titles({"Edit.app", "Edit.app", "dir", "part.bundle",
+                                               "part.bundle", "text", "text", "text"}));
 }
 
 TEST_F(Items, FoldersAfterApplicationsAreSetApart) {
     set("intra_sort_order", 1);
     EXPECT_EQ(titles_of(open_mixed()),
-              titles_t({"Edit.app", "Edit.app", "-", "dir", "-", "part.bundle", "part.bundle",
-                        "text", "text", "text"}));
+              Titles({"Edit.app", "Edit.app", "-", "dir", "-", "part.bundle", "part.bundle", "text",
+                      "text", "text"}));
 }
 
 TEST_F(Items, AClosedApplicationShowsItsContentsWithOption) {
@@ -102,22 +102,22 @@ TEST_F(Items, AClosedApplicationShowsItsContentsWithOption) {
     ASSERT_NE(contents, nil);
     EXPECT_EQ([contents keyEquivalentModifierMask], static_cast<NSUInteger>(NSAlternateKeyMask));
     EXPECT_NE([contents image], nil);
-    EXPECT_EQ(titles_of(open(contents)), titles_t({"inside", "inside", "inside"}));
+    EXPECT_EQ(titles_of(open(contents)), Titles({"inside", "inside", "inside"}));
 }
 
 TEST_F(Items, AClosedPackageShowsItsContentsWithOption) {
     NSMenu* menu = open_mixed();
     EXPECT_EQ([item_titled(menu, "part.bundle") submenu], nil);
     EXPECT_EQ(titles_of(open(alternate_of(menu, "part.bundle"))),
-              titles_t({"inside", "inside", "inside"}));
+              Titles({"inside", "inside", "inside"}));
 }
 
 TEST_F(Items, PackagesOpenAsLevelsWhenAsked) {
     set("show_package_contents", 1);
     NSMenu* menu = open_mixed();
     EXPECT_EQ(alternate_of(menu, "Edit.app"), nil);
-    EXPECT_EQ(titles_of(open(menu, "Edit.app")), titles_t({"inside", "inside", "inside"}));
-    EXPECT_EQ(titles_of(open(menu, "part.bundle")), titles_t({"inside", "inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "Edit.app")), Titles({"inside", "inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "part.bundle")), Titles({"inside", "inside", "inside"}));
 }
 
 TEST_F(Items, ADocumentHasItsOpenWithSubmenuWithShift) {
@@ -136,7 +136,7 @@ TEST_F(Items, ADocumentHasItsOpenWithSubmenuWithShift) {
 
 TEST_F(Items, ADocumentOfTheRootMenuHasItsOpenWithSubmenuAtOnce) {
     NSMenu* menu = select({folder_.file("text")});
-    EXPECT_EQ(titles_of(menu), titles_t({"text", "text", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"text", "text", "-"}));
     DVMenu* submenu = static_cast<DVMenu*>([item_titled(menu, "text") submenu]);
     ASSERT_NE(submenu, nil);
     EXPECT_EQ([submenu dvOpenWithIsAttachedToRoot], 1);
@@ -145,7 +145,7 @@ TEST_F(Items, ADocumentOfTheRootMenuHasItsOpenWithSubmenuAtOnce) {
 TEST_F(Items, ADocumentOfTheRootMenuHasItsOpenWithSubmenuWithShiftWhenAsked) {
     set("autoOpenWithMenu", 0);
     NSMenu* menu = select({folder_.file("text")});
-    EXPECT_EQ(titles_of(menu), titles_t({"text", "text", "text", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"text", "text", "text", "-"}));
     EXPECT_EQ([item_titled(menu, "text") submenu], nil);
     DVMenu* submenu = static_cast<DVMenu*>([alternate_of(menu, "text") submenu]);
     EXPECT_EQ([submenu dvOpenWithIsAttachedToRoot], 1);
@@ -164,7 +164,7 @@ TEST_F(Items, OnlyFoldersStandInTheRootMenuWhenAsked) {
     const std::string log = log_of([&] {
         menu = select({folder_.file("text"), folder_.folder("dir")});
     });
-    EXPECT_EQ(titles_of(menu), titles_t({"dir", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"dir", "-"}));
     test::expect_lines(
         log, {test::formatted("Delvio: Inserting items %p into menu %p..", dv_->root, host_menu_),
               "Delvio: Skiping 'text'", "Delvio: Done updating menu"});
@@ -179,7 +179,7 @@ TEST_F(Items, ASkippedElementStillCountsAsThePreviousKind) {
     set("only_folders_in_main_menu", 1);
     folder_.file("Edit.app/inside");
     NSMenu* menu = select({folder_.folder("a"), folder_.path("Edit.app"), folder_.folder("b")});
-    EXPECT_EQ(titles_of(menu), titles_t({"a", "-", "b", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"a", "-", "b", "-"}));
 }
 
 TEST_F(Items, ASkippedElementDoesNotCountAsThePreviousOrigin) {
@@ -198,7 +198,7 @@ TEST_F(Items, ASkippedElementDoesNotCountAsThePreviousOrigin) {
     dv_->root = head;
     [controller_ removeRootItems];
     [controller_ insertItems:head forMenu:host_menu_];
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"a", "b"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"a", "b"}));
 }
 
 TEST_F(Items, AnApplicationListSkipsDocumentsAndDisablesEmptyFolders) {
@@ -209,7 +209,7 @@ TEST_F(Items, AnApplicationListSkipsDocumentsAndDisablesEmptyFolders) {
     folder_.file("listed/full/x.app/inside");
     folder_.file("listed/Edit.app/inside");
     NSMenu* menu = level_of(path, DV_ORIGIN_APP_LIST);
-    EXPECT_EQ(titles_of(menu), titles_t({"empty", "full", "-", "Applications", "Edit.app"}));
+    EXPECT_EQ(titles_of(menu), Titles({"empty", "full", "-", "Applications", "Edit.app"}));
     NSMenuItem* empty = item_titled(menu, "empty");
     EXPECT_FALSE([empty isEnabled]);
     EXPECT_EQ([empty image], nil);
@@ -230,7 +230,7 @@ TEST_F(Items, ANewOriginIsSetApart) {
     dv_->root->children->next->origin = DV_ORIGIN_USER_FOLDER;
     NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [controller_ insertItems:dv_->root->children forMenu:menu];
-    EXPECT_EQ(titles_of(menu), titles_t({"one", "-", "two"}));
+    EXPECT_EQ(titles_of(menu), Titles({"one", "-", "two"}));
 }
 
 TEST_F(Items, ASeparatorFollowsAMarkedElement) {
@@ -243,27 +243,27 @@ TEST_F(Items, ASeparatorFollowsAMarkedElement) {
     dv_->root->children->origin |= DV_ORIGIN_SEPARATOR_AFTER;
     NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [controller_ insertItems:dv_->root->children forMenu:menu];
-    EXPECT_EQ(titles_of(menu), titles_t({"one", "-", "three", "two"}));
+    EXPECT_EQ(titles_of(menu), Titles({"one", "-", "three", "two"}));
     DVMenu* level = static_cast<DVMenu*>([[menu itemAtIndex:0] submenu]);
     EXPECT_EQ([level dvFolderLevel], 1) << "a plain menu's levels begin at 1";
 }
 
 TEST_F(Items, TheNetworkShowsItsContentsWithOption) {
     NSMenu* menu = menu_of_folder("/", "Network");
-    EXPECT_EQ(titles_of(menu), titles_t({"Network", "Network"}));
+    EXPECT_EQ(titles_of(menu), Titles({"Network", "Network"}));
     EXPECT_EQ([[menu itemAtIndex:0] submenu], nil);
     EXPECT_NE([alternate_of(menu, "Network") submenu], nil);
 }
 
 TEST_F(Items, AFolderThatIsJustCalledNetworkOpensAtOnce) {
     NSMenu* menu = menu_of_folder("/home/", "Network");
-    EXPECT_EQ(titles_of(menu), titles_t({"Network"}));
+    EXPECT_EQ(titles_of(menu), Titles({"Network"}));
     EXPECT_NE([[menu itemAtIndex:0] submenu], nil);
 }
 
 TEST_F(Items, TheNetworksFolderUnderAnotherNameOpensAtOnce) {
     NSMenu* menu = menu_of_folder("/", "Network", "Netz");
-    EXPECT_EQ(titles_of(menu), titles_t({"Netz"}));
+    EXPECT_EQ(titles_of(menu), Titles({"Netz"}));
     EXPECT_NE([[menu itemAtIndex:0] submenu], nil);
 }
 

@@ -18,23 +18,23 @@ namespace {
 
 using test::item_titled;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 
-const titles_t move_rows = {"Move selection here", "Copy selection here", "Alias selection here",
-                            "-"};
+const Titles move_rows = {"Move selection here", "Copy selection here", "Alias selection here",
+                          "-"};
 
-titles_t after_move_rows(const titles_t& titles) {
-    titles_t all = move_rows;
+Titles after_move_rows(const Titles& titles) {
+    Titles all = move_rows;
     all.insert(all.end(), titles.begin(), titles.end());
     return all;
 }
 
 class MoveCopy : public test::MenuTest {
   protected:
-    MoveCopy() { AnswerStandardAlerts(kAlertAnswerDefault); }
+    MoveCopy() { answer_standard_alerts(kAlertAnswerDefault); }
     ~MoveCopy() override {
-        AnswerStandardAlerts(kAlertAnswerAsk);
-        SetHeldModifierFlags(0);
+        answer_standard_alerts(kAlertAnswerAsk);
+        set_held_modifier_flags(0);
         dvEnableDebugOutput = 0;
     }
     // A selection of two: a folder with a folder and a file in it, and a file.
@@ -45,9 +45,9 @@ class MoveCopy : public test::MenuTest {
         return select({folder, file});
     }
     static bool has_rows(NSMenu* menu) {
-        const titles_t titles = titles_of(menu);
+        const Titles titles = titles_of(menu);
         return titles.size() >= move_rows.size() &&
-               titles_t(titles.begin(), titles.begin() + 4) == move_rows;
+               Titles(titles.begin(), titles.begin() + 4) == move_rows;
     }
     // An element as the log prints it.
     static unsigned number(const dv_tree_t* elem) {
@@ -71,17 +71,17 @@ TEST_F(MoveCopy, OneSelectedFolderHasNoRowsAtAnyLevel) {
     folder_.folder("a/b");
     folder_.folder("a/b/c");
     NSMenu* menu = select({path});
-    EXPECT_EQ(titles_of(menu), titles_t({"a", "-"}));
-    EXPECT_EQ(titles_of(open(menu, "a")), titles_t({"b"}));
-    EXPECT_EQ(titles_of(open(open(menu, "a"), "b")), titles_t({"c"}));
-    EXPECT_EQ(titles_of(open(open(open(menu, "a"), "b"), "c")), titles_t({"Folder is empty"}));
+    EXPECT_EQ(titles_of(menu), Titles({"a", "-"}));
+    EXPECT_EQ(titles_of(open(menu, "a")), Titles({"b"}));
+    EXPECT_EQ(titles_of(open(open(menu, "a"), "b")), Titles({"c"}));
+    EXPECT_EQ(titles_of(open(open(open(menu, "a"), "b"), "c")), Titles({"Folder is empty"}));
 }
 
 TEST_F(MoveCopy, TwoSelectedItemsHaveTheRowsInEveryLevelOfBoth) {
     folder_.folder("a/b/c");
     folder_.folder("d/e");
     NSMenu* menu = select({folder_.path("a"), folder_.path("d")});
-    EXPECT_EQ(titles_of(menu), titles_t({"a", "d", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"a", "d", "-"}));
     EXPECT_EQ(titles_of(open(menu, "a")), after_move_rows({"b"}));
     EXPECT_EQ(titles_of(open(open(menu, "a"), "b")), after_move_rows({"c"}));
     EXPECT_EQ(titles_of(open(open(open(menu, "a"), "b"), "c")),
@@ -112,8 +112,8 @@ TEST_F(MoveCopy, ApplicationListsOfferNothing) {
         dv_build_tree(folder_.path("apps").c_str(), 0, 1, dv_get_flags(dv_), DV_ORIGIN_APP_LIST);
     DVMenu* menu = [[[DVMenu alloc] initWithTitle:@"" andTree:dv_->open_with] autorelease];
     [controller_ menuWillOpen:menu];
-    EXPECT_EQ(titles_of(menu), titles_t({"empty", "full"}));
-    EXPECT_EQ(titles_of(open(menu, "full")), titles_t({"x.app"}));
+    EXPECT_EQ(titles_of(menu), Titles({"empty", "full"}));
+    EXPECT_EQ(titles_of(open(menu, "full")), Titles({"x.app"}));
     EXPECT_EQ(dv_->copies, nullptr);
 }
 
@@ -200,15 +200,15 @@ TEST_F(MoveCopy, PickingARowSendsTheSelectionThere) {
         EXPECT_EQ(letter.destination, folder_.path("one/below"));
         // The level's own folder cannot be moved inside itself; an alias to it can be made there.
         EXPECT_EQ(letter.items, row.event_id == 'crel'
-                                    ? titles_t({folder_.path("one"), folder_.path("two")})
-                                    : titles_t({folder_.path("two")}));
+                                    ? Titles({folder_.path("one"), folder_.path("two")})
+                                    : Titles({folder_.path("two")}));
     }
     EXPECT_EQ(post_.letters().size(), 3u);
 }
 
 TEST_F(MoveCopy, KeysHeldAtThePickDoNotMatter) {
     NSMenu* level = open(select_two(), "one");
-    SetHeldModifierFlags(NSCommandKeyMask | NSAlternateKeyMask);
+    set_held_modifier_flags(NSCommandKeyMask | NSAlternateKeyMask);
     EXPECT_EQ(pick(level, "Move selection here").event_id, FourCharCode{'move'});
 }
 
@@ -218,7 +218,7 @@ TEST_F(MoveCopy, TheDestinationIsOpenedWhenAsked) {
     const auto& letters = post_.letters();
     ASSERT_EQ(letters.size(), 2u);
     EXPECT_EQ(letters[0].event_id, FourCharCode{'odoc'});
-    EXPECT_EQ(letters[0].items, titles_t({folder_.path("one")}));
+    EXPECT_EQ(letters[0].items, Titles({folder_.path("one")}));
     EXPECT_EQ(letters[1].event_id, FourCharCode{'clon'});
 }
 

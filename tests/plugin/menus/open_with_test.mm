@@ -20,7 +20,7 @@ using test::alternate_of;
 using test::item_titled;
 using test::string_of;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 
 const NSUInteger option = NSAlternateKeyMask;
 
@@ -38,13 +38,13 @@ class OpenWith : public test::MenuTest {
         folder_.file("apps/record.desktop", entry);
         folder_.file("apps/more/record.desktop", entry);
         folder_.file("apps/readme", "no application");
-        DeclareApplicationsFolder(folder_.path("apps").c_str());
+        declare_applications_folder(folder_.path("apps").c_str());
         set("open_with_path", string_of(folder_.path("apps")));
         set("runningAppsInOpenWithMenu", 0);
     }
     ~OpenWith() override {
-        SetHeldModifierFlags(0);
-        DeclareApplicationsFolder(nullptr);
+        set_held_modifier_flags(0);
+        declare_applications_folder(nullptr);
     }
 
     // The open-with submenu of a document of the root menu, or of a level.
@@ -61,11 +61,11 @@ class OpenWith : public test::MenuTest {
                            &dv_->running_apps);
         }
     }
-    titles_t picked(NSMenuItem* item, NSUInteger modifiers = 0) {
-        SetHeldModifierFlags(modifiers);
+    Titles picked(NSMenuItem* item, NSUInteger modifiers = 0) {
+        set_held_modifier_flags(modifiers);
         [controller_ dvItemSelected:item];
-        SetHeldModifierFlags(0);
-        const titles_t arguments = program_->wait();
+        set_held_modifier_flags(0);
+        const Titles arguments = program_->wait();
         program_->forget();
         return arguments;
     }
@@ -80,8 +80,8 @@ test::RecordingProgram* OpenWith::program_;
 TEST_F(OpenWith, TheRootMenusFirstLineSpeaksOfTheSelectionAndWithOptionOfTheItem) {
     select({folder_.file("text")});
     NSMenu* menu = root_menu("text");
-    EXPECT_EQ(titles_of(menu), titles_t({"Open selection with...", "Open with...", "-", "more", "-",
-                                         "Applications", "Record"}));
+    EXPECT_EQ(titles_of(menu), Titles({"Open selection with...", "Open with...", "-", "more", "-",
+                                       "Applications", "Record"}));
     for (int i = 0; i < 2; i++) {
         EXPECT_FALSE([[menu itemAtIndex:i] isEnabled]);
         EXPECT_EQ([[menu itemAtIndex:i] action], static_cast<SEL>(nullptr));
@@ -95,8 +95,8 @@ TEST_F(OpenWith, ADeeperMenusFirstLineSpeaksOfTheItemAndWithOptionOfTheSelection
     folder_.file("dir/text");
     select({folder_.path("dir")});
     NSMenu* menu = deep_menu("dir", "text");
-    EXPECT_EQ(titles_of(menu), titles_t({"Open with...", "Open selection with...", "-", "more", "-",
-                                         "Applications", "Record"}));
+    EXPECT_EQ(titles_of(menu), Titles({"Open with...", "Open selection with...", "-", "more", "-",
+                                       "Applications", "Record"}));
     EXPECT_EQ([[menu itemAtIndex:1] keyEquivalentModifierMask], option);
 }
 
@@ -112,15 +112,15 @@ TEST_F(OpenWith, RunningApplicationsStandInASubmenuAboveTheFolders) {
     run({two, one});
     NSMenu* menu = root_menu("text");
     EXPECT_EQ(titles_of(menu),
-              titles_t({"Open selection with...", "Open with...", "-", "Running apps", "-", "more",
-                        "-", "Applications", "Record"}));
+              Titles({"Open selection with...", "Open with...", "-", "Running apps", "-", "more",
+                      "-", "Applications", "Record"}));
     NSMenuItem* item = item_titled(menu, "Running apps");
     EXPECT_TRUE([item isEnabled]);
     EXPECT_EQ([item image], nil);
     DVMenu* running = static_cast<DVMenu*>([item submenu]);
     EXPECT_STREQ([[running title] UTF8String], "Running apps");
     EXPECT_EQ([running dvOpenWithIsAttachedToRoot], 1);
-    EXPECT_EQ(titles_of(running), titles_t({"Two.app", "One.app"})) << "filled at once, as given";
+    EXPECT_EQ(titles_of(running), Titles({"Two.app", "One.app"})) << "filled at once, as given";
 }
 
 TEST_F(OpenWith, WithoutAFolderTheFirstLinesAndTheRunningApplicationsRemain) {
@@ -129,14 +129,14 @@ TEST_F(OpenWith, WithoutAFolderTheFirstLinesAndTheRunningApplicationsRemain) {
     select({folder_.file("text")});
     run({one});
     EXPECT_EQ(titles_of(root_menu("text")),
-              titles_t({"Open selection with...", "Open with...", "-", "Running apps", "-"}));
+              Titles({"Open selection with...", "Open with...", "-", "Running apps", "-"}));
 }
 
 TEST_F(OpenWith, AnEmptyFolderSaysSo) {
     set("open_with_path", string_of(folder_.folder("none")));
     select({folder_.file("text")});
     EXPECT_EQ(titles_of(root_menu("text")),
-              titles_t({"Open selection with...", "Open with...", "-", "Folder is empty"}));
+              Titles({"Open selection with...", "Open with...", "-", "Folder is empty"}));
 }
 
 TEST_F(OpenWith, TheSubmenuIsTheItemsAndTheControllersAndItsFlagSaysWhereItStands) {
@@ -157,25 +157,25 @@ TEST_F(OpenWith, AnApplicationOfTheRootMenuOpensTheSelectionAndWithOptionTheItem
     const std::string folder = folder_.folder("dir"), a = folder_.file("a"), b = folder_.file("b");
     select({folder, a, b});
     NSMenuItem* application = item_titled(root_menu("b"), "Record");
-    EXPECT_EQ(picked(application), titles_t({folder, a, b}));
-    EXPECT_EQ(picked(application, option), titles_t({b}));
+    EXPECT_EQ(picked(application), Titles({folder, a, b}));
+    EXPECT_EQ(picked(application, option), Titles({b}));
 }
 
 TEST_F(OpenWith, InADeeperMenuTheTwoAreSwapped) {
     const std::string inside = folder_.file("dir/text"), a = folder_.file("a");
     select({folder_.path("dir"), a});
     NSMenuItem* application = item_titled(deep_menu("dir", "text"), "Record");
-    EXPECT_EQ(picked(application), titles_t({inside}));
-    EXPECT_EQ(picked(application, option), titles_t({folder_.path("dir"), a}));
+    EXPECT_EQ(picked(application), Titles({inside}));
+    EXPECT_EQ(picked(application, option), Titles({folder_.path("dir"), a}));
 }
 
 TEST_F(OpenWith, AnApplicationOfAFolderInTheMenuFollowsTheMenu) {
     const std::string inside = folder_.file("dir/text"), a = folder_.file("a");
     select({folder_.path("dir"), a});
     NSMenuItem* application = item_titled(open(root_menu("a"), "more"), "Record");
-    EXPECT_EQ(picked(application, option), titles_t({a}));
+    EXPECT_EQ(picked(application, option), Titles({a}));
     application = item_titled(open(deep_menu("dir", "text"), "more"), "Record");
-    EXPECT_EQ(picked(application), titles_t({inside}));
+    EXPECT_EQ(picked(application), Titles({inside}));
 }
 
 TEST_F(OpenWith, ARunningApplicationFollowsTheMenu) {
@@ -183,16 +183,16 @@ TEST_F(OpenWith, ARunningApplicationFollowsTheMenu) {
     select({folder_.path("dir"), a});
     run({folder_.path("apps/record.desktop")});
     NSMenu* running = [item_titled(root_menu("a"), "Running apps") submenu];
-    EXPECT_EQ(picked(item_titled(running, "Record"), option), titles_t({a}));
+    EXPECT_EQ(picked(item_titled(running, "Record"), option), Titles({a}));
     running = [item_titled(deep_menu("dir", "text"), "Running apps") submenu];
-    EXPECT_EQ(picked(item_titled(running, "Record")), titles_t({inside}));
+    EXPECT_EQ(picked(item_titled(running, "Record")), Titles({inside}));
 }
 
 TEST_F(OpenWith, UserFoldersAreNoPartOfTheSelection) {
     const std::string user = folder_.folder("user"), a = folder_.file("a");
     set("folders", @[ string_of(user) ]);
     select({a});
-    EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), titles_t({a}));
+    EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), Titles({a}));
 }
 
 TEST_F(OpenWith, AnApplicationThatBelongsToNoItemOpensNothing) {
@@ -206,7 +206,7 @@ TEST_F(OpenWith, AnApplicationThatBelongsToNoItemOpensNothing) {
     [menu addItem:item];
     [controller_ dvItemSelected:item];
     // Opened afterwards: the other one would have been seen before it.
-    EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), titles_t({a}));
+    EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), Titles({a}));
 }
 
 TEST_F(OpenWith, PickingAnApplicationIsLogged) {
@@ -215,7 +215,7 @@ TEST_F(OpenWith, PickingAnApplicationIsLogged) {
     test::expect_lines(log_of([&] { [controller_ dvItemSelected:application]; }),
                        {"Delvio: Option key down: 0 Selected item is in root menu: 1",
                         "Delvio: Open selection with.. Attached to root? 1"});
-    SetHeldModifierFlags(option);
+    set_held_modifier_flags(option);
     const std::string log = log_of([&] { [controller_ dvItemSelected:application]; });
     NSMenuItem* owner = item_titled(host_menu_, "a");
     test::expect_lines(log, {"Delvio: Option key down: 1 Selected item is in root menu: 1",

@@ -15,7 +15,7 @@ using test::expect_lines;
 using test::formatted;
 using test::item_titled;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 
 class Population : public test::MenuTest {
   protected:
@@ -39,12 +39,12 @@ TEST_F(Population, SelectedRootsStandAboveTheHostsItems) {
     [host_menu_ addItemWithTitle:@"Open" action:nullptr keyEquivalent:@""];
     NSMenu* menu = select({folder_.folder("a"), folder_.file("b")});
     EXPECT_EQ(menu, host_menu_);
-    EXPECT_EQ(titles_of(menu), titles_t({"a", "-", "b", "b", "-", "Open"}));
+    EXPECT_EQ(titles_of(menu), Titles({"a", "-", "b", "b", "-", "Open"}));
     EXPECT_FALSE([menu autoenablesItems]);
 }
 
 TEST_F(Population, NoSelectionGivesASeparatorAlone) {
-    EXPECT_EQ(titles_of(take_over()), titles_t({"-"}));
+    EXPECT_EQ(titles_of(take_over()), Titles({"-"}));
 }
 
 TEST_F(Population, TenRootsAreListed) {
@@ -55,7 +55,7 @@ TEST_F(Population, TenRootsAreListed) {
 
 TEST_F(Population, ElevenRootsGoIntoOneItem) {
     NSMenu* menu = select(folders(11));
-    EXPECT_EQ(titles_of(menu), titles_t({"11 selected items", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"11 selected items", "-"}));
     NSMenuItem* item = [menu itemAtIndex:0];
     EXPECT_EQ([item image], nil);
     EXPECT_FALSE([item isAlternate]);
@@ -69,13 +69,13 @@ TEST_F(Population, OpeningTheCollapsedItemAddsNothing) {
     NSMenu* menu = select(paths);
     EXPECT_EQ([open(menu, "11 selected items") numberOfItems], 11);
     EXPECT_EQ(titles_of(open(open(menu, "11 selected items"), "f0")),
-              titles_t({"Move selection here", "Copy selection here", "Alias selection here", "-",
-                        "inside", "inside", "inside"}));
+              Titles({"Move selection here", "Copy selection here", "Alias selection here", "-",
+                      "inside", "inside", "inside"}));
 }
 
 TEST_F(Population, TheThresholdIsASetting) {
     set("rootMenuCollapseThreshold", 2);
-    EXPECT_EQ(titles_of(select(folders(3))), titles_t({"3 selected items", "-"}));
+    EXPECT_EQ(titles_of(select(folders(3))), Titles({"3 selected items", "-"}));
 }
 
 TEST_F(Population, ALevelIsFilledWhenItOpensAndOnce) {
@@ -89,11 +89,11 @@ TEST_F(Population, ALevelIsFilledWhenItOpensAndOnce) {
     EXPECT_EQ([level delegate], controller_);
 
     [controller_ menuWillOpen:level];
-    EXPECT_EQ(titles_of(level), titles_t({"one", "one", "one"}));
+    EXPECT_EQ(titles_of(level), Titles({"one", "one", "one"}));
     EXPECT_TRUE([level dvDidPopulate]);
     folder_.file("a/two");
     const std::string log = log_of([&] { [controller_ menuWillOpen:level]; });
-    EXPECT_EQ(titles_of(level), titles_t({"one", "one", "one"}));
+    EXPECT_EQ(titles_of(level), Titles({"one", "one", "one"}));
     expect_lines(log, {formatted("Delvio: Building new level: %p %p", level, dv_->root),
                        formatted("Delvio: Populating menu with %p; already populated? 1",
                                  dv_->root->children),
@@ -123,7 +123,7 @@ TEST_F(Population, LevelsBelowAreReadOnlyWhenTheyOpen) {
     NSMenu* level = open(menu, "a");
     folder_.file("a/b/late");
     NSMenu* below = open(level, "b");
-    EXPECT_EQ(titles_of(below), titles_t({"late", "late", "late"}));
+    EXPECT_EQ(titles_of(below), Titles({"late", "late", "late"}));
     EXPECT_EQ([static_cast<DVMenu*>(level) dvFolderLevel], 1);
     EXPECT_EQ([static_cast<DVMenu*>(below) dvFolderLevel], 2);
 }
@@ -144,7 +144,7 @@ TEST_F(Population, AnEmptyFolderSaysSo) {
     expect_lines(log,
                  {formatted("Delvio: Building new level: %p %p", level, elem),
                   "Delvio: Folder is empty", formatted("Delvio: Level built: %p %p", level, elem)});
-    ASSERT_EQ(titles_of(level), titles_t({"Folder is empty"}));
+    ASSERT_EQ(titles_of(level), Titles({"Folder is empty"}));
     NSMenuItem* item = [level itemAtIndex:0];
     EXPECT_FALSE([item isEnabled]);
     EXPECT_EQ([item action], static_cast<SEL>(nullptr));
@@ -158,7 +158,7 @@ TEST_F(Population, AFolderThatWentAwayIsEmpty) {
     folder_.folder("a/gone");
     NSMenu* level = open(select({path}), "a");
     std::filesystem::remove(path + "/gone");
-    EXPECT_EQ(titles_of(open(level, "gone")), titles_t({"Folder is empty"}));
+    EXPECT_EQ(titles_of(open(level, "gone")), Titles({"Folder is empty"}));
 }
 
 TEST_F(Population, ALinkToAFolderOpensAsALevel) {
@@ -166,7 +166,7 @@ TEST_F(Population, ALinkToAFolderOpensAsALevel) {
     const std::string path = folder_.folder("a");
     folder_.link("a/link", folder_.path("target"));
     NSMenu* level = open(open(select({path}), "a"), "link");
-    EXPECT_EQ(titles_of(level), titles_t({"inside", "inside", "inside"}));
+    EXPECT_EQ(titles_of(level), Titles({"inside", "inside", "inside"}));
     dv_tree_t* inside = [static_cast<DVMenuItem*>([level itemAtIndex:0]) tree];
     EXPECT_EQ(std::string([[DVDelvio stringPathForTree:inside] UTF8String]),
               folder_.path("target/inside"))
@@ -189,14 +189,14 @@ TEST_F(Population, CustomFoldersStandAboveTheSelection) {
     take_over();
     add_custom_folder(custom);
     [controller_ updateProxyMenu];
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"custom", "-"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"custom", "-"}));
 }
 
 TEST_F(Population, CustomFoldersAboveOrBelowASelectionAreSetApart) {
     const std::string custom = folder_.folder("custom"), chosen = folder_.folder("chosen");
     const struct {
         int order;
-        titles_t expected;
+        Titles expected;
     } rows[] = {{1, {"custom", "-", "chosen", "-"}},
                 {0, {"chosen", "-", "custom", "-"}},
                 {2, {"chosen", "-"}}};
@@ -207,7 +207,7 @@ TEST_F(Population, CustomFoldersAboveOrBelowASelectionAreSetApart) {
         [controller_ updateProxyMenu];
         EXPECT_EQ(titles_of(host_menu_), row.expected) << "order " << row.order;
         release();
-        EXPECT_EQ(titles_of(host_menu_), titles_t()) << "order " << row.order;
+        EXPECT_EQ(titles_of(host_menu_), Titles()) << "order " << row.order;
     }
 }
 
@@ -216,11 +216,11 @@ TEST_F(Population, TheHostsMenuBecomesASubmenuWhenAsked) {
     set("finderInSeparateSubmenu", 1);
     NSMenu* menu = select({folder_.folder("a")});
     EXPECT_NE(menu, host_menu_);
-    EXPECT_EQ(titles_of(menu), titles_t({"a", "-", "Finder"}));
+    EXPECT_EQ(titles_of(menu), Titles({"a", "-", "Finder"}));
     NSMenuItem* finder = item_titled(menu, "Finder");
     EXPECT_EQ([finder submenu], host_menu_);
     EXPECT_TRUE([finder isEnabled]);
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"Open"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"Open"}));
 }
 
 TEST_F(Population, PathsAndUrlsOfElements) {

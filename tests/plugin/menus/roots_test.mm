@@ -20,10 +20,10 @@ namespace {
 using test::item_titled;
 using test::string_of;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 
-titles_t paths_of(const dv_tree_t* chain) {
-    titles_t paths;
+Titles paths_of(const dv_tree_t* chain) {
+    Titles paths;
     for (; chain; chain = chain->next) {
         char* path = dv_path_for_elem(chain, 0, 1);
         paths.push_back(path);
@@ -103,8 +103,8 @@ class Roots : public test::MenuTest {
         return folder_.path(name);
     }
     void set_recent(id value) {
-        ForcePreference(CFSTR("RecentDocuments"), (CFPropertyListRef)value,
-                        CFSTR("org.example.Tool.LSSharedFileList"));
+        force_preference(CFSTR("RecentDocuments"), (CFPropertyListRef)value,
+                         CFSTR("org.example.Tool.LSSharedFileList"));
     }
     void set_recent_bookmarks(NSArray* bookmarks) {
         NSMutableArray* items = [NSMutableArray array];
@@ -142,16 +142,16 @@ TEST_F(Roots, SeparatorsMarkTheFolderBeforeThem) {
     lines.push_back("Delvio: Done handling user dirs");
     test::expect_lines(log, lines);
     EXPECT_LT(log.find("to add user dir '" + a), log.find("Inserting separator"));
-    ASSERT_EQ(paths_of(dv_->custom), titles_t({a + "/", b + "/"}));
+    ASSERT_EQ(paths_of(dv_->custom), Titles({a + "/", b + "/"}));
     EXPECT_EQ(dv_->custom->origin,
               static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER | DV_ORIGIN_SEPARATOR_AFTER));
     EXPECT_EQ(dv_->custom->next->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER));
-    EXPECT_EQ(titles_of(menu), titles_t({"A", "-", "B", "-"}));
+    EXPECT_EQ(titles_of(menu), Titles({"A", "-", "B", "-"}));
 }
 
 TEST_F(Roots, ASeparatorWithoutAFolderBeforeItIsIgnored) {
     set("folders", array_of({"-", "-"}));
-    EXPECT_EQ(titles_of(take_over()), titles_t({"-"}));
+    EXPECT_EQ(titles_of(take_over()), Titles({"-"}));
     EXPECT_EQ(dv_->custom, nullptr);
 }
 
@@ -163,8 +163,8 @@ TEST_F(Roots, AUserFolderIsALevelThatIsRead) {
     ASSERT_NE(dv_->custom->children, nullptr);
     EXPECT_EQ(dv_->custom->children->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER));
     EXPECT_EQ(titles_of(open(menu, "A")),
-              titles_t({"Move selection here", "Copy selection here", "Alias selection here", "-",
-                        "inside", "inside", "inside"}));
+              Titles({"Move selection here", "Copy selection here", "Alias selection here", "-",
+                      "inside", "inside", "inside"}));
 }
 
 TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
@@ -178,7 +178,7 @@ TEST_F(Roots, AUserFolderThatIsAFileOrALinkIsASingleItem) {
     ASSERT_NE(dv_->custom, nullptr);
     EXPECT_EQ(paths_of(dv_->custom).front(), file);
     EXPECT_NE(item_titled(menu, "text"), nil);
-    EXPECT_EQ(titles_of(open(menu, "link")), titles_t({"inside", "inside", "inside"}));
+    EXPECT_EQ(titles_of(open(menu, "link")), Titles({"inside", "inside", "inside"}));
 }
 
 TEST_F(Roots, BadEntriesAreSkippedWithTheirMessagesAndTheOthersStay) {
@@ -189,8 +189,8 @@ TEST_F(Roots, BadEntriesAreSkippedWithTheirMessagesAndTheOthersStay) {
     set("folders",
         @[ string_of(a), @7, @"", longest, string_of(folder_.path("missing")), string_of(b) ]);
     const std::string lines = debug_lines_of_take_over();
-    EXPECT_EQ(paths_of(dv_->custom), titles_t({a + "/", b + "/"}));
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"A", "B", "-"}));
+    EXPECT_EQ(paths_of(dv_->custom), Titles({a + "/", b + "/"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"A", "B", "-"}));
     for (const std::string& message : {
              std::string("Delvio: There are 6 paths to consider.\n"),
              std::string("Delvio: Error, user path is not a CFString?\n"),
@@ -223,7 +223,7 @@ TEST_F(Roots, TwoMessagesOfBadEntriesNeedNoLogging) {
 
 TEST_F(Roots, AFoldersValueThatIsNoListGivesNoFolders) {
     set("folders", string_of(folder_.folder("A")));
-    EXPECT_EQ(titles_of(take_over()), titles_t({"-"}));
+    EXPECT_EQ(titles_of(take_over()), Titles({"-"}));
     EXPECT_EQ(dv_->custom, nullptr);
 }
 
@@ -235,11 +235,11 @@ TEST_F(Roots, ScanFlagsAndOriginOfTheCallerAreAdded) {
     take_over();
     dv_tree_t *current = nullptr, *tail = nullptr, *head = nullptr;
     dv_add_user_directories(dv_, &current, &tail, &head, DV_SCAN_FOLDERS_ONLY, DV_ORIGIN_MOVE_COPY);
-    ASSERT_EQ(paths_of(head), titles_t({a + "/", file}));
+    ASSERT_EQ(paths_of(head), Titles({a + "/", file}));
     EXPECT_EQ(current, tail);
     EXPECT_EQ(tail, head->next);
     EXPECT_EQ(head->origin, static_cast<uint32_t>(DV_ORIGIN_USER_FOLDER | DV_ORIGIN_MOVE_COPY));
-    EXPECT_EQ(paths_of(head->children), titles_t({a + "/folder"}));
+    EXPECT_EQ(paths_of(head->children), Titles({a + "/folder"}));
     dv_free_tree(head);
 }
 
@@ -265,15 +265,15 @@ TEST_F(Roots, TheOpenWithFolderIsALevelThatIsRead) {
     folder_.file("Prögramme/Edit.app/inside");
     set("open_with_path", string_of(path));
     take_over();
-    ASSERT_EQ(paths_of(dv_->open_with), titles_t({path + "/"}));
+    ASSERT_EQ(paths_of(dv_->open_with), Titles({path + "/"}));
     EXPECT_EQ(dv_->open_with->origin, static_cast<uint32_t>(DV_ORIGIN_APP_LIST));
-    EXPECT_EQ(paths_of(dv_->open_with->children), titles_t({path + "/Edit.app"}));
+    EXPECT_EQ(paths_of(dv_->open_with->children), Titles({path + "/Edit.app"}));
     EXPECT_EQ(dv_->open_with->children->origin, static_cast<uint32_t>(DV_ORIGIN_APP_LIST));
 }
 
 TEST_F(Roots, AnEmptyOrTooLongOrAbsentOpenWithPathMeansApplications) {
     dv_tree_t* standard = dv_build_tree("/Applications", 0, 1, 0, DV_ORIGIN_APP_LIST);
-    const titles_t expected = paths_of(standard);
+    const Titles expected = paths_of(standard);
     dv_free_tree(standard);
     NSString* longest = [@"/" stringByPaddingToLength:DV_PATH_BUFFER_SIZE
                                            withString:@"/"
@@ -291,7 +291,7 @@ TEST_F(Roots, WithoutAFolderOfItsOwnApplicationsIsRead) {
         set("open_with_path", path);
         test::take_scanned_folders();
         take_over();
-        EXPECT_EQ(test::take_scanned_folders(), titles_t({"/Applications/"}));
+        EXPECT_EQ(test::take_scanned_folders(), Titles({"/Applications/"}));
         release();
     }
 }
@@ -302,13 +302,13 @@ TEST_F(Roots, TheOpenWithLevelFollowsTheSettings) {
     folder_.file("apps/B.app/inside");
     set("open_with_path", string_of(path));
     take_over();
-    EXPECT_EQ(paths_of(dv_->open_with->children), titles_t({path + "/c", path + "/B.app"}));
+    EXPECT_EQ(paths_of(dv_->open_with->children), Titles({path + "/c", path + "/B.app"}));
     release();
     set("show_hidden_files", 1);
     set("sort_order", 1);
     take_over();
     EXPECT_EQ(paths_of(dv_->open_with->children),
-              titles_t({path + "/.Hidden.app", path + "/B.app", path + "/c"}));
+              Titles({path + "/.Hidden.app", path + "/B.app", path + "/c"}));
 }
 
 TEST_F(Roots, AFullOpenWithSlotIsKept) {
@@ -377,7 +377,7 @@ TEST_F(RunningRoots, RegularApplicationsAreListedByNameWithTheirBundlesOrProgram
     add("nowhere", "", "");
     add("gone", folder_.path("Gone.app"), "");
     const std::string lines = debug_lines_of_take_over();
-    EXPECT_EQ(paths_of(dv_->running_apps), titles_t({program, bundle}));
+    EXPECT_EQ(paths_of(dv_->running_apps), Titles({program, bundle}));
     for (dv_tree_t* elem = dv_->running_apps; elem; elem = elem->next) {
         EXPECT_EQ(elem->origin, static_cast<uint32_t>(DV_ORIGIN_APP_LIST));
     }
@@ -413,7 +413,7 @@ TEST_F(RunningRoots, HiddenProgramsFollowTheSettings) {
     release();
     set("show_hidden_files", 2);
     take_over();
-    EXPECT_EQ(paths_of(dv_->running_apps), titles_t({hidden}));
+    EXPECT_EQ(paths_of(dv_->running_apps), Titles({hidden}));
 }
 
 TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
@@ -423,7 +423,7 @@ TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
     NSMenu* menu = select({tool});
     DVMenuItem* item = static_cast<DVMenuItem*>(item_titled(menu, "Tool.app"));
     NSMenu* recent = open(item);
-    EXPECT_EQ(titles_of(recent), titles_t({"b.txt", "b.txt", "b.txt", "a.txt", "a.txt", "a.txt"}));
+    EXPECT_EQ(titles_of(recent), Titles({"b.txt", "b.txt", "b.txt", "a.txt", "a.txt", "a.txt"}));
     dv_tree_t* copy = [static_cast<DVMenu*>(recent) tree];
     ASSERT_NE(dv_->copies, nullptr);
     // In front of it stands what the level would move to, were it a folder's.
@@ -443,7 +443,7 @@ TEST_F(Roots, RecentDocumentsThatAreHiddenAreLeftOut) {
     take_over();
     dv_tree_t* elem = dv_build_single_elem(tool.c_str(), 0, 0);
     dv_tree_t* recent = [controller_ getRecentItemsForElem:elem];
-    EXPECT_EQ(paths_of(recent), titles_t({b}));
+    EXPECT_EQ(paths_of(recent), Titles({b}));
     dv_free_tree(recent);
     dv_free_tree(elem);
 }

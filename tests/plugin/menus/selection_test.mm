@@ -14,15 +14,15 @@ using test::expect_lines;
 using test::formatted;
 using test::item_titled;
 using test::titles_of;
-using test::titles_t;
+using test::Titles;
 using test::urls_of;
 
 class Selection : public test::MenuTest {
   protected:
-    ~Selection() override { SetHeldModifierFlags(0); }
+    ~Selection() override { set_held_modifier_flags(0); }
 
-    titles_t root_names() {
-        titles_t names;
+    Titles root_names() {
+        Titles names;
         for (dv_tree_t* elem = dv_->root; elem; elem = elem->next) {
             names.push_back([DVMenuItem nameForTree:elem]);
         }
@@ -35,15 +35,15 @@ class Selection : public test::MenuTest {
 TEST_F(Selection, FoldersStandBeforeFilesEachInTheHostsOrder) {
     select({folder_.file("3"), folder_.folder("b"), folder_.file("1"), folder_.folder("a"),
             folder_.file("2")});
-    EXPECT_EQ(root_names(), titles_t({"b", "a", "3", "1", "2"}));
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"b", "a", "-", "3", "3", "1", "1", "2", "2", "-"}));
+    EXPECT_EQ(root_names(), Titles({"b", "a", "3", "1", "2"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"b", "a", "-", "3", "3", "1", "1", "2", "2", "-"}));
 }
 
 TEST_F(Selection, ASecondListChangesNothing) {
     select({folder_.folder("first")});
     [controller_ setSelectedFiles:urls_of({folder_.folder("second")})];
-    EXPECT_EQ(root_names(), titles_t({"first"}));
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"first", "-"}));
+    EXPECT_EQ(root_names(), Titles({"first"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"first", "-"}));
 }
 
 TEST_F(Selection, TheNextMenuTakesItsOwn) {
@@ -51,7 +51,7 @@ TEST_F(Selection, TheNextMenuTakesItsOwn) {
     release();
     EXPECT_EQ(dvDidGetURLs, 0);
     select({folder_.folder("second")});
-    EXPECT_EQ(root_names(), titles_t({"second"}));
+    EXPECT_EQ(root_names(), Titles({"second"}));
 }
 
 TEST_F(Selection, WithoutATakenMenuItIsIgnored) {
@@ -67,7 +67,7 @@ TEST_F(Selection, OtherObjectsAreIgnoredAndLeaveTheMenuOpenForAList) {
     NSMutableArray* mixed = [NSMutableArray arrayWithObject:@"text"];
     [mixed addObjectsFromArray:urls_of({folder_.folder("a")})];
     [controller_ setSelectedFiles:mixed];
-    EXPECT_EQ(root_names(), titles_t({"a"}));
+    EXPECT_EQ(root_names(), Titles({"a"}));
 }
 
 TEST_F(Selection, AFileThatIsGoneStillCountsAsTheList) {
@@ -75,7 +75,7 @@ TEST_F(Selection, AFileThatIsGoneStillCountsAsTheList) {
     [controller_ setSelectedFiles:urls_of({folder_.path("missing")})];
     EXPECT_EQ(dv_->root, nullptr);
     EXPECT_EQ(dvDidGetURLs, 1);
-    EXPECT_EQ(titles_of(host_menu_), titles_t({"-"}));
+    EXPECT_EQ(titles_of(host_menu_), Titles({"-"}));
 }
 
 TEST_F(Selection, MoreThanOneItemIsAMultipleSelection) {
@@ -91,7 +91,7 @@ TEST_F(Selection, MoreThanOneItemIsAMultipleSelection) {
 
 TEST_F(Selection, WhatCannotBeMadeDoesNotCount) {
     select({folder_.file("a"), folder_.path("missing"), folder_.path("gone")});
-    EXPECT_EQ(root_names(), titles_t({"a"}));
+    EXPECT_EQ(root_names(), Titles({"a"}));
     EXPECT_EQ([[controller_ valueForKey:@"rootMenuSelectionCount"] intValue], 1);
     EXPECT_EQ(dv_->multiple_selection, 0);
 }
@@ -112,7 +112,7 @@ TEST_F(Selection, PickingAFileOpensIt) {
     const std::string path = folder_.file("note with blank.txt", "text\n");
     NSMenu* menu = select({path});
     [controller_ dvItemSelected:[menu itemAtIndex:0]];
-    EXPECT_EQ(opener.wait(), titles_t({path}));
+    EXPECT_EQ(opener.wait(), Titles({path}));
 }
 
 TEST_F(Selection, PickingAnAliasOpensItsTarget) {
@@ -120,7 +120,7 @@ TEST_F(Selection, PickingAnAliasOpensItsTarget) {
     const std::string target = folder_.file("target.txt", "text\n");
     NSMenu* menu = select({folder_.link("alias", target)});
     [controller_ dvItemSelected:[menu itemAtIndex:0]];
-    EXPECT_EQ(opener.wait(), titles_t({target}));
+    EXPECT_EQ(opener.wait(), Titles({target}));
 }
 
 TEST_F(Selection, ACommandClickOpensNothing) {
@@ -128,12 +128,12 @@ TEST_F(Selection, ACommandClickOpensNothing) {
     const std::string first = folder_.file("first.txt", "text\n");
     const std::string second = folder_.file("second.txt", "text\n");
     NSMenu* menu = select({first, second});
-    SetHeldModifierFlags(NSCommandKeyMask);
+    set_held_modifier_flags(NSCommandKeyMask);
     [controller_ dvItemSelected:item_titled(menu, "first.txt")];
-    SetHeldModifierFlags(0);
+    set_held_modifier_flags(0);
     // Opened afterwards: the other one would have been seen before it.
     [controller_ dvItemSelected:item_titled(menu, "second.txt")];
-    EXPECT_EQ(opener.wait(), titles_t({second}));
+    EXPECT_EQ(opener.wait(), Titles({second}));
 }
 
 TEST_F(Selection, TakingTheSelectionIsLogged) {
@@ -185,8 +185,8 @@ TEST_F(Selection, PickingIsLogged) {
                   item);
     EXPECT_EQ(log_of([&] { [controller_ dvItemSelected:item]; }),
               picked + "Delvio: Regular open of selected item at '" + path + "'\n");
-    EXPECT_EQ(opener.wait(), titles_t({path}));
-    SetHeldModifierFlags(NSCommandKeyMask);
+    EXPECT_EQ(opener.wait(), Titles({path}));
+    set_held_modifier_flags(NSCommandKeyMask);
     EXPECT_EQ(log_of([&] { [controller_ dvItemSelected:item]; }),
               picked + "Delvio: Selected item with command key down - is drag tap not working?\n");
 }

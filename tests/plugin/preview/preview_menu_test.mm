@@ -97,7 +97,7 @@ TEST_F(PreviewMenu, AFileThatCannotBeReadHasOneDisabledLine) {
     DVMenu* menu = preview_of(path);
     [controller_ menuWillOpen:menu];
     run_until([&] { return [[[menu itemAtIndex:0] title] length] > 0; });
-    EXPECT_EQ(test::titles_of(menu), test::titles_t({"No preview available"}));
+    EXPECT_EQ(test::titles_of(menu), test::Titles({"No preview available"}));
     EXPECT_FALSE([[menu itemAtIndex:0] isEnabled]);
     EXPECT_EQ([[menu itemAtIndex:0] action], static_cast<SEL>(nullptr));
 }
@@ -108,7 +108,7 @@ TEST_F(PreviewMenu, AFileThatIsRemovedMeanwhileHasNoPreview) {
     unlink(path.c_str());
     [controller_ menuWillOpen:menu];
     run_until([&] { return [[[menu itemAtIndex:0] title] length] > 0; });
-    EXPECT_EQ(test::titles_of(menu), test::titles_t({"No preview available"}));
+    EXPECT_EQ(test::titles_of(menu), test::Titles({"No preview available"}));
 }
 
 TEST_F(PreviewMenu, AMenuThatHasClosedStillGetsItsResult) {
