@@ -47,12 +47,12 @@ std::string plain(const std::string& text) {
 }
 
 std::string default_of(const Setting& setting) {
-    return IsNumeric(setting) ? std::to_string(setting.standard) : "none";
+    return is_numeric(setting) ? std::to_string(setting.standard) : "none";
 }
 
 void write(std::ostream& out, const Setting& setting) {
     out << ".TP\n.B " << plain(setting.key) << "\n"
-        << plain(setting.meaning) << ".\n.br\nTakes " << plain(DescribeBounds(setting))
+        << plain(setting.meaning) << ".\n.br\nTakes " << plain(describe_bounds(setting))
         << "; by default " << default_of(setting) << ".\n";
 }
 
@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     }
     std::ofstream out(argv[1]);
     out << head;
-    for (const Setting& setting : AllSettings()) write(out, setting);
+    for (const Setting& setting : settings_table()) write(out, setting);
     out << foot;
     return out.flush() ? 0 : 1;
 }
