@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "counted_lookups.h"
 #include "objc/method_patch.h"
 #include "support/app.h"
 
@@ -163,4 +164,20 @@ TEST(Runtime, AClassMethodThatIsReplacedBeforeItsClassIsUsedRunsInAnInitializedC
     EXPECT_EQ([OtherUnusedClass unusedNumber], 2);
     EXPECT_EQ(initialized_classes, 1);
     EXPECT_EQ([UnusedClass unusedNumber], 12);
+}
+
+TEST(Runtime, TheClassOfANameInCodeIsLookedUpOnce) {
+    Class found = nullptr;
+    const int before = class_lookups;
+    for (int i = 0; i < 10; i++) found = [NSCountedSet class];
+    EXPECT_EQ(found, objc_getClass("NSCountedSet"));
+    EXPECT_EQ(class_lookups - before, 1);
+}
+
+TEST(Runtime, ANameWithoutAClassIsLookedUpAgain) {
+    static const char name[] = "RuntimeTestLateClass";
+    EXPECT_EQ(__wrap_objc_lookup_class(name), nullptr);
+    Class late = objc_allocateClassPair([NSObject class], name, 0);
+    objc_registerClassPair(late);
+    EXPECT_EQ(__wrap_objc_lookup_class(name), late);
 }
