@@ -4,14 +4,18 @@
 
 #include <string>
 
-// The bundle's path: $DELVIO_BUNDLE; else in `folder`. If `folder` is empty: beside the running
-// program, in ../lib (as built) or ../lib/delvio (as installed). Empty when there is no bundle;
-// then *problem says where it was searched.
+// The bundle's path: $DELVIO_BUNDLE; else in `folder`; if `folder` is empty, beside this library,
+// as built and as installed. Empty when there is no bundle; then *problem says where it was
+// searched.
 std::string find_plug_in(std::string* problem, const std::string& folder = "");
 
-// The path of another of Delvio's bundles, beside the running program. Empty when there is none;
-// then *problem says where it was searched.
+// The path of another of Delvio's bundles, beside this library. Empty when there is none; then
+// *problem says where it was searched.
 std::string find_bundle(const std::string& name, std::string* problem);
+
+// The path of the `delvio` command of the same build or installation. Empty when there is none;
+// then *problem says where it was searched.
+std::string find_command(std::string* problem);
 
 // Declares this process a Finder ("MACS"), loads the bundle and calls its entry function.
 // False when that failed; then *problem says why, in one line.

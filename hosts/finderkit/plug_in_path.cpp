@@ -1,30 +1,21 @@
 #include "finderkit/plug_in.h"
 
+#include <dlfcn.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
-#include <vector>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::vector<fs::path> folders_beside_program() {
+// The folder of this library, which is also the folder of the bundles.
+fs::path library_folder() {
+    Dl_info library;
+    if (!dladdr(reinterpret_cast<const void*>(&find_bundle), &library)) return {};
     std::error_code error;
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    const fs::path library = program.parent_path().parent_path() / "lib";
-    return {library, library / "delvio"};
-}
-
-// The first existing path; if there is none, *sought names the places.
-std::string find_in(const std::vector<fs::path>& folders, const std::string& name,
-                    std::string* sought) {
-    std::error_code error;
-    for (const fs::path& folder : folders) {
-        if (fs::is_directory(folder / name, error)) return folder / name;
-        *sought += (sought->empty() ? "" : " or ") + folder.string();
-    }
-    return {};
+    return fs::canonical(library.dli_fname, error).parent_path();
 }
 
 }  // namespace
@@ -36,19 +27,28 @@ std::string find_plug_in(std::string* problem, const std::string& folder) {
         *problem = "DELVIO_BUNDLE names no bundle: " + std::string(chosen);
         return {};
     }
-    const auto folders = folder.empty() ? folders_beside_program() : std::vector<fs::path>{folder};
-    std::string sought;
-    const std::string found = find_in(folders, "Delvio.bundle", &sought);
-    if (found.empty()) {
-        *problem = "the plug-in is missing: no Delvio.bundle in " + sought +
-                   "; build or install it, or set DELVIO_BUNDLE";
-    }
-    return found;
+    const fs::path place = folder.empty() ? library_folder() : fs::path(folder);
+    if (fs::is_directory(place / "Delvio.bundle", error)) return place / "Delvio.bundle";
+    *problem = "the plug-in is missing: no Delvio.bundle in " + place.string() +
+               "; build or install it, or set DELVIO_BUNDLE";
+    return {};
 }
 
 std::string find_bundle(const std::string& name, std::string* problem) {
-    std::string sought;
-    const std::string found = find_in(folders_beside_program(), name, &sought);
-    if (found.empty()) *problem = "there is no " + name + " in " + sought;
-    return found;
+    std::error_code error;
+    const fs::path bundle = library_folder() / name;
+    if (fs::is_directory(bundle, error)) return bundle;
+    *problem = "there is no " + name + " in " + library_folder().string();
+    return {};
+}
+
+std::string find_command(std::string* problem) {
+    const fs::path library = library_folder();
+    std::error_code error;
+    for (const char* way : {"../bin/delvio", DELVIO_COMMAND_FROM_LIBRARY}) {
+        const fs::path command = fs::canonical(library / way, error);
+        if (!error && access(command.c_str(), X_OK) == 0) return command;
+    }
+    *problem = "there is no delvio command beside " + library.string();
+    return {};
 }

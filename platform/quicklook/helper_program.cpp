@@ -154,7 +154,7 @@ std::string helper_folder() {
     if (!dladdr(reinterpret_cast<const void*>(&helper_folder), &library)) return {};
     std::error_code error;
     const auto folder = std::filesystem::canonical(library.dli_fname, error).parent_path();
-    for (const char* place : {"../libexec/delvio", "../libexec", "../../libexec/delvio", "."}) {
+    for (const char* place : {"../libexec", DELVIO_HELPERS_FROM_LIBRARY}) {
         const auto candidate = std::filesystem::canonical(folder / place, error);
         if (!error && access((candidate / "delvio-thumbnailer").c_str(), X_OK) == 0) {
             return candidate;
