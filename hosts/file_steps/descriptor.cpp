@@ -1,8 +1,13 @@
 #include "file_steps/descriptor.h"
 
 #include <errno.h>
+#include <sys/file.h>
 
 namespace operations {
+
+void unlock(const Descriptor& file) {
+    if (file) flock(file.get(), LOCK_UN);
+}
 
 bool write_fully(int file, const void* bytes, size_t size) {
     const char* next = static_cast<const char*>(bytes);

@@ -27,6 +27,11 @@ class Descriptor {
     int number_;
 };
 
+// Gives up this process's lock (flock) on the file. Closing the file is not enough: a process that
+// was just forked, by any thread, has a copy of the descriptor until it starts its program, and the
+// copy keeps the lock.
+void unlock(const Descriptor& file);
+
 // Writes all bytes, in several writes if one is not enough. False with errno on failure.
 bool write_fully(int file, const void* bytes, size_t size);
 

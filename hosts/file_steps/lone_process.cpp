@@ -11,8 +11,8 @@ namespace {
 
 constexpr unsigned longest_work = 600;  // seconds
 
-// Closes the parent's files and resets its signal handlers, so that nobody waits for this process
-// without knowing.
+// Closes the parent's files, which hold its locks, and resets its signal handlers, so that nobody
+// waits for this process without knowing.
 void let_go_of_everything() {
     setsid();
     for (int number = 1; number < NSIG; number++) signal(number, SIG_DFL);
@@ -22,8 +22,6 @@ void let_go_of_everything() {
     if (chdir("/") != 0) _exit(1);
     close_range(0, ~0u, 0);
     for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
-    // This works only where a process can give up waiting for the disk.
-    alarm(longest_work);
 }
 
 }  // namespace
@@ -35,9 +33,12 @@ void run_alone(const std::function<void()>& work) {
         waitpid(parent, nullptr, 0);
         return;
     }
+    // The first child, for which the caller waits, lets go: the second may get its first turn late.
+    let_go_of_everything();
     // The second child has no parent that would have to wait for it.
     if (fork() != 0) _exit(0);
-    let_go_of_everything();
+    // This works only where a process can give up waiting for the disk.
+    alarm(longest_work);
     work();
     _exit(0);
 }

@@ -109,6 +109,7 @@ void clean_up_journal(const std::string& path) {
     if (!file || flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
     const std::string name = name_in_path(path);
     if (is_new(name) || clean_up(file.get(), "." + name + "-")) unlink(path.c_str());
+    unlock(file);
 }
 
 std::vector<std::string> all_journals(const std::string& state_folder) {
@@ -169,6 +170,7 @@ Temporaries::Temporaries(const std::string& state_folder, int folder) {
 
 Temporaries::~Temporaries() {
     if (problem_.empty() && !leaves_) unlink(journal_.c_str());
+    unlock(lock_);
 }
 
 void remove_left_temporaries(const std::string& state_folder) {

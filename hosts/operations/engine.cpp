@@ -2,8 +2,10 @@
 
 #include <utility>
 
+#include "file_steps/temporaries.h"
 #include "file_steps/visible_text.h"
 #include "file_steps/work.h"
+#include "operations/left_trash_info.h"
 #include "operations/operation.h"
 #include "operations/request_queue.h"
 #include "operations/undo_journal.h"
@@ -44,6 +46,8 @@ const char* verb_of(Kind kind) {
 
 Report perform_request(const Request& request, Observer& observer,
                        const std::string& state_folder) {
+    begin_to_remove_left_temporaries(state_folder);
+    begin_to_remove_left_trash_info(state_folder);
     return Operation(request, observer, state_folder, true).run();
 }
 

@@ -26,23 +26,27 @@ struct Left {
     bool is_any = false;
 };
 
-// The last step of the last operation, if that operation has ended and the step was a move to the
-// trash. The lock is released, because an undo would take it for a running operation.
-Left left_in(const std::string& state_folder) {
+// What the journal's end says.
+Left read_end(int file) {
     Left left;
-    const std::string path = undo_journal_path(state_folder);
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
     struct stat what;
-    if (!file || flock(file.get(), LOCK_SH | LOCK_NB) != 0 || fstat(file.get(), &what) != 0) {
-        return left;
-    }
+    if (fstat(file, &what) != 0) return left;
     std::string end(static_cast<size_t>(std::min(what.st_size, longest_entry)), '\0');
     const off_t start = what.st_size - static_cast<off_t>(end.size());
-    if (pread(file.get(), end.data(), end.size(), start) != static_cast<ssize_t>(end.size())) {
-        return left;
-    }
+    if (pread(file, end.data(), end.size(), start) != static_cast<ssize_t>(end.size())) return left;
     left.is_any = ends_with_trashing(end, &left.trashed);
     left.noted = what.st_mtim;
+    return left;
+}
+
+// The last step of the last operation, if that operation has ended and the step was a move to the
+// trash. An undo waits for the lock, so it is held only while the journal is read.
+Left left_in(const std::string& state_folder) {
+    const std::string path = undo_journal_path(state_folder);
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!file || flock(file.get(), LOCK_SH | LOCK_NB) != 0) return {};
+    const Left left = read_end(file.get());
+    unlock(file);
     return left;
 }
 

@@ -7,7 +7,6 @@
 #include "file_steps/folder.h"
 #include "file_steps/new_names.h"
 #include "file_steps/visible_text.h"
-#include "operations/left_trash_info.h"
 
 namespace operations {
 
@@ -44,8 +43,6 @@ Operation::Operation(const Request& request, Observer& observer, const std::stri
 Operation::~Operation() = default;
 
 Report Operation::run() {
-    begin_to_remove_left_temporaries(state_folder_);
-    begin_to_remove_left_trash_info(state_folder_);
     report_.outcomes.resize(request_.sources.size());
     for (size_t index = 0; index < request_.sources.size(); index++) {
         report_.outcomes[index].source = request_.sources[index];

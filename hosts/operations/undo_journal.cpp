@@ -31,11 +31,18 @@ Descriptor take_journal(const std::string& path) {
     return Descriptor();
 }
 
-// Waits a little: a command that is just starting holds the lock for a moment, while it reads the
-// end of the journal.
-bool lock_soon(int file) {
-    for (int tries = 0; tries < 20; tries++) {
+// A command that is just starting reads the end of the journal, and is waited for. An operation or
+// another undo is not; a killed one may leave its lock for a moment to a process that it has
+// forked.
+bool lock_after_readers(int file) {
+    constexpr int most_tries = 2000, most_refusals = 20;
+    for (int tries = 0, refusals = 0; tries < most_tries && refusals < most_refusals; tries++) {
         if (flock(file, LOCK_EX | LOCK_NB) == 0) return true;
+        if (flock(file, LOCK_SH | LOCK_NB) == 0) {
+            flock(file, LOCK_UN);
+        } else {
+            refusals++;
+        }
         usleep(5000);
     }
     return false;
@@ -117,7 +124,7 @@ LastOperation::LastOperation(const std::string& state_folder)
     if (!file_) {
         recorded_.problem = means_missing(errno) ? "there is nothing to undo"
                                                  : "cannot read " + path_ + ": " + strerror(errno);
-    } else if (!lock_soon(file_.get())) {
+    } else if (!lock_after_readers(file_.get())) {
         recorded_.problem = "the last operation is still under way";
     } else {
         recorded_ = read_undo_record(read_all(file_.get()));

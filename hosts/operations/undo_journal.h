@@ -21,6 +21,7 @@ class UndoJournal {
   public:
     // With an empty state folder nothing is written.
     explicit UndoJournal(const std::string& state_folder);
+    ~UndoJournal() { unlock(file_); }
 
     void moving(const std::string& source, const std::string& target, ino_t inode);
     void trashing(const std::string& path, const Trashed& trashed, ino_t inode);
@@ -53,6 +54,7 @@ class LastOperation {
   public:
     // problem() says why there is nothing to undo, or is empty.
     explicit LastOperation(const std::string& state_folder);
+    ~LastOperation() { unlock(file_); }
 
     const std::vector<Step>& steps() const { return recorded_.steps; }
     const std::string& problem() const { return recorded_.problem; }
