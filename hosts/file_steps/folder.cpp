@@ -36,14 +36,14 @@ Descriptor open_to_empty(int parent, const char* name) {
 // replaced.
 bool move_in_steps(int from_folder, const std::string& from, int to_folder, const std::string& to) {
     struct stat what;
-    if (!Look(from_folder, from.c_str(), &what)) return false;
+    if (!look_at(from_folder, from.c_str(), &what)) return false;
     if (!S_ISDIR(what.st_mode)) {
         if (linkat(from_folder, from.c_str(), to_folder, to.c_str(), 0) == 0) {
             return unlinkat(from_folder, from.c_str(), 0) == 0;
         }
         if (errno != EPERM && errno != EOPNOTSUPP && errno != EMLINK) return false;
     }
-    if (Look(to_folder, to.c_str(), &what)) {
+    if (look_at(to_folder, to.c_str(), &what)) {
         errno = EEXIST;
         return false;
     }
@@ -58,8 +58,8 @@ bool was_done_all_the_same(int from_folder, const std::string& from, int to_fold
     const bool is_doubtful = error == EIO || error == ETIMEDOUT || error == EINTR ||
                              error == ESTALE || error == ENOTCONN || error == EREMOTEIO;
     const bool is_gone =
-        is_doubtful && !Look(from_folder, from.c_str(), &what) && means_missing(errno);
-    const bool was_done = is_gone && Look(to_folder, to.c_str(), &what);
+        is_doubtful && !look_at(from_folder, from.c_str(), &what) && means_missing(errno);
+    const bool was_done = is_gone && look_at(to_folder, to.c_str(), &what);
     errno = error;
     return was_done;
 }
@@ -86,7 +86,7 @@ bool names_in_folder(int folder, std::vector<std::string>* names) {
     }
 }
 
-bool Look(int folder, const char* name, struct stat* what) {
+bool look_at(int folder, const char* name, struct stat* what) {
     return fstatat(folder, name, what, AT_SYMLINK_NOFOLLOW) == 0;
 }
 

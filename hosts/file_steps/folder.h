@@ -23,7 +23,7 @@ bool names_in_folder(int folder, std::vector<std::string>* names);
 
 // Reads the state of the entry with this name; of a link itself and not of its target. False with
 // errno.
-bool Look(int folder, const char* name, struct stat* what);
+bool look_at(int folder, const char* name, struct stat* what);
 
 // Whether this error number means that nothing is there. Every other error leaves that open: a disk
 // that does not answer may hold the file.

@@ -19,10 +19,10 @@ std::string changed_line(const Place& source) {
 
 bool TreeCopy::check(const Place& source, const Place& target) {
     struct stat what, copied;
-    if (!Look(source.folder, source.name.c_str(), &what) || !is_as_remembered(what, false)) {
+    if (!look_at(source.folder, source.name.c_str(), &what) || !is_as_remembered(what, false)) {
         return work_.fail(changed_line(source));
     }
-    if (!Look(target.folder, target.name.c_str(), &copied) ||
+    if (!look_at(target.folder, target.name.c_str(), &copied) ||
         (copied.st_mode & S_IFMT) != (what.st_mode & S_IFMT)) {
         return work_.fail("the copy of " + quoted_name(source.path) + " is not there");
     }
@@ -61,7 +61,7 @@ bool TreeCopy::check_folder(const Place& source, const Place& target) {
 
 bool TreeCopy::remove(const Place& source) {
     struct stat what;
-    if (!Look(source.folder, source.name.c_str(), &what)) {
+    if (!look_at(source.folder, source.name.c_str(), &what)) {
         return errno == ENOENT || work_.fail("cannot remove", source.path, errno);
     }
     if (!is_as_remembered(what, true)) return work_.fail(changed_line(source));

@@ -87,7 +87,7 @@ bool Way::take_name(int attempt) {
     name_ = trash_name(thing_.name, attempt);
     info_name_ = name_ + info_suffix;
     struct stat what;
-    if (Look(open_.files.get(), name_.c_str(), &what)) {
+    if (look_at(open_.files.get(), name_.c_str(), &what)) {
         errno = EEXIST;
         return false;
     }
@@ -107,7 +107,7 @@ bool Way::take_name(int attempt) {
 // unknown.
 int Way::look_for_thing(int folder, const std::string& name) {
     struct stat what;
-    if (!Look(folder, name.c_str(), &what)) return errno;
+    if (!look_at(folder, name.c_str(), &what)) return errno;
     const bool is_it = what.st_ino == thing_.what.st_ino &&
                        (what.st_mode & S_IFMT) == (thing_.what.st_mode & S_IFMT);
     return is_it ? 0 : ESTALE;

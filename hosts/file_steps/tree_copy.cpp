@@ -59,7 +59,7 @@ bool TreeCopy::finish() {
 
 bool TreeCopy::copy(const Place& source, const Place& target) {
     struct stat what;
-    if (!Look(source.folder, source.name.c_str(), &what)) {
+    if (!look_at(source.folder, source.name.c_str(), &what)) {
         return work_.fail("cannot read", source.path, errno);
     }
     return copy_by_kind(source, target, what) && work_.advance(source.path, 1, 0);
@@ -171,7 +171,7 @@ bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& 
         const Place entry = inside(from, source, name);
         struct stat what;
         // An entry that is gone since is skipped; a move notices that the folder changed.
-        if (!Look(from, name.c_str(), &what) && errno == ENOENT) continue;
+        if (!look_at(from, name.c_str(), &what) && errno == ENOENT) continue;
         if (!copy(entry, inside(to, target, name))) return false;
     }
     return true;

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 
+#include <system_error>
+
 #include "file_steps/folder.h"
 
 namespace operations {
@@ -10,12 +12,17 @@ TreeCount::TreeCount(const std::vector<std::string>& sources, size_t from, uint6
                      uint64_t bytes)
     : sources_(sources.begin() + static_cast<std::ptrdiff_t>(from), sources.end()),
       items_(items),
-      bytes_(bytes),
-      thread_(&TreeCount::run, this) {}
+      bytes_(bytes) {
+    try {
+        thread_ = std::thread(&TreeCount::run, this);
+    } catch (const std::system_error&) {
+        // Where no thread is to be had the copying goes on without a total.
+    }
+}
 
 TreeCount::~TreeCount() {
     cancelled_ = true;
-    thread_.join();
+    if (thread_.joinable()) thread_.join();
 }
 
 void TreeCount::run() {
@@ -28,7 +35,7 @@ constexpr int deepest_counted = 100;
 
 void TreeCount::count(int parent, const char* name, int depth) {
     struct stat what;
-    if (cancelled_ || !Look(parent, name, &what)) return;
+    if (cancelled_ || !look_at(parent, name, &what)) return;
     items_++;
     if (S_ISREG(what.st_mode)) bytes_ += static_cast<uint64_t>(what.st_size);
     if (!S_ISDIR(what.st_mode)) return;

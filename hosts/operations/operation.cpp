@@ -113,7 +113,7 @@ bool Operation::find(size_t index, Item& item) {
     }
     item.folder = folder_;
     if (found &&
-        (!*folder_ || !Look(folder_->get(), name_in_path(item.path).c_str(), &item.what))) {
+        (!*folder_ || !look_at(folder_->get(), name_in_path(item.path).c_str(), &item.what))) {
         found = errno == ENOENT ? work_.fail(quoted_name(item.path) + " is no longer there")
                                 : work_.fail("cannot read", item.path, errno);
     }
@@ -171,7 +171,7 @@ void Operation::make_alias(Item& item) {
     for (unsigned attempt = 0; may_try_again(item); attempt++) {
         const std::string name = alias_name(item.name, attempt);
         struct stat what;
-        int error = Look(destination_.get(), name.c_str(), &what) ? EEXIST : errno;
+        int error = look_at(destination_.get(), name.c_str(), &what) ? EEXIST : errno;
         if (means_missing(error)) {
             journal_.aliasing(item.path, target_path(name));
             if (symlinkat(item.path.c_str(), destination_.get(), name.c_str()) == 0) {

@@ -74,6 +74,7 @@ class Operation {
     bool announce(const Item& item);
     void empty_sources();
     void discard(Item& item);
+    void end_count();
 
     Choice decide(const Item& item, const std::string& name);
     bool is_settled_by_choice(const Item& item);

@@ -55,7 +55,7 @@ bool Operation::may_try_again(Item& item) {
 bool Operation::trash_target(Item& item) {
     struct stat target;
     const int folder = destination_.get();
-    bool ready = Look(folder, item.target_name.c_str(), &target);
+    bool ready = look_at(folder, item.target_name.c_str(), &target);
     if (!ready && means_missing(errno)) return true;
     if (!ready) work_.fail("cannot look at", target_path(item.target_name), errno);
     const std::optional<bool> inside = ready ? holds_source(item, target) : std::nullopt;

@@ -57,7 +57,7 @@ bool Operation::may_be_removed(const Item& item) {
 bool Operation::prepare(Item& item) {
     struct stat target;
     item.target_name = item.name;
-    const bool is_taken = Look(destination_.get(), item.name.c_str(), &target);
+    const bool is_taken = look_at(destination_.get(), item.name.c_str(), &target);
     if (is_taken && !item.choice) item.choice = decide(item, item.name);
     if (is_taken && is_settled_by_choice(item)) return false;
     bool ready = is_taken || means_missing(errno) || work_.fail("cannot write", item.path, errno);
@@ -85,7 +85,15 @@ void Operation::copy(Item item) {
 }
 
 void Operation::discard(Item& item) {
+    if (remove_tree(destination_.get(), item.temporary.c_str())) return;
+    end_count();
     if (!remove_tree(destination_.get(), item.temporary.c_str())) temporaries_->leave();
+}
+
+// The count holds open files, which the operation itself may need more.
+void Operation::end_count() {
+    work_.set_count(nullptr);
+    count_.reset();
 }
 
 // Gives all pending copies their names, and ends moves by removing their sources.
@@ -161,7 +169,7 @@ bool Operation::give_name(Item& item) {
 // Records which copy is about to get its name, so that an undo knows it if the process is killed.
 bool Operation::announce(const Item& item) {
     struct stat what;
-    if (!Look(destination_.get(), item.temporary.c_str(), &what)) return false;
+    if (!look_at(destination_.get(), item.temporary.c_str(), &what)) return false;
     if (before_exact_name_ && !before_exact_name_(what.st_ino)) return false;
     journal_.copying(item.path, target_path(item.target_name), what, item.linked);
     return true;

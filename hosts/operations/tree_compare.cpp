@@ -30,7 +30,7 @@ bool is_changed_inside(int parent, const char* name, const CopyState& copy, int 
     if (!folder || depth > deepest_folder || !names_in_folder(folder.get(), &names)) return true;
     for (const std::string& entry : names) {
         struct stat what;
-        if (!Look(folder.get(), entry.c_str(), &what) || is_later(what, copy)) return true;
+        if (!look_at(folder.get(), entry.c_str(), &what) || is_later(what, copy)) return true;
         if (!S_ISDIR(what.st_mode)) continue;
         if (is_changed_inside(folder.get(), entry.c_str(), copy, depth + 1)) return true;
     }
@@ -53,7 +53,7 @@ bool has_same_bytes(int one_folder, const char* one, int other_folder, const cha
 
 bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char* whole, int depth) {
     struct stat left, all;
-    if (!Look(rest_folder, rest, &left) || !Look(whole_folder, whole, &all)) return false;
+    if (!look_at(rest_folder, rest, &left) || !look_at(whole_folder, whole, &all)) return false;
     if ((left.st_mode & S_IFMT) != (all.st_mode & S_IFMT)) return false;
     if (S_ISLNK(left.st_mode)) {
         return text_of_link(rest_folder, rest) == text_of_link(whole_folder, whole);
@@ -82,7 +82,7 @@ bool is_rest_of(int rest_folder, const char* rest, int whole_folder, const char*
 
 bool is_changed(int folder, const char* name, const CopyState& copy) {
     struct stat what;
-    if (!Look(folder, name, &what) || what.st_ino != copy.inode) return true;
+    if (!look_at(folder, name, &what) || what.st_ino != copy.inode) return true;
     // Getting its name has changed the copy, too, but neither its bytes nor its content.
     if (!is_same(what.st_mtim, copy.modified)) return true;
     if (!S_ISDIR(what.st_mode)) return what.st_size != copy.size;

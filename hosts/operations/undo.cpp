@@ -83,7 +83,7 @@ std::string Undoing::move_back(size_t index) {
     const Step& step = last_.steps()[index];
     const int source = sources_.of(step.source), target = targets_.of(step.target);
     struct stat what;
-    if (!Look(target, name_in_path(step.target).c_str(), &what) || what.st_ino != step.inode) {
+    if (!look_at(target, name_in_path(step.target).c_str(), &what) || what.st_ino != step.inode) {
         return quoted_name(step.target) + " is another file now";
     }
     if (move_free(target, name_in_path(step.target), source, name_in_path(step.source))) return "";
@@ -101,7 +101,7 @@ std::string Undoing::move_back(size_t index) {
 
 std::string Undoing::put_in_trash(const std::string& path, unsigned long long inode) {
     Thing thing = {targets_.of(path), name_in_path(path), {}};
-    if (!Look(thing.folder, thing.name.c_str(), &thing.what) || thing.what.st_ino != inode) {
+    if (!look_at(thing.folder, thing.name.c_str(), &thing.what) || thing.what.st_ino != inode) {
         return quoted_name(path) + " is another file now";
     }
     std::string problem;
@@ -113,7 +113,7 @@ std::string Undoing::put_in_trash(const std::string& path, unsigned long long in
 std::string Undoing::restore(const Step& step) {
     struct stat what;
     const int folder = sources_.of(step.source);
-    if (!Look(AT_FDCWD, step.trashed.file.c_str(), &what) || what.st_ino != step.inode) {
+    if (!look_at(AT_FDCWD, step.trashed.file.c_str(), &what) || what.st_ino != step.inode) {
         return quoted_name(step.source) + " is no longer in the trash";
     }
     if (take_from_trash(step.trashed, folder, name_in_path(step.source))) return "";

@@ -17,7 +17,7 @@ namespace {
 // The state of a path. If it cannot be asked for, it counts as neither there nor missing.
 struct Seen {
     explicit Seen(const std::string& path) : path_(path) {
-        is_there = Look(AT_FDCWD, path.c_str(), &what);
+        is_there = look_at(AT_FDCWD, path.c_str(), &what);
         error_ = is_there ? 0 : errno;
     }
     bool is(unsigned long long inode) const { return is_there && what.st_ino == inode; }

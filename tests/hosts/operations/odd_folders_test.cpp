@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include "file_steps/folder.h"
-#include "file_steps/temporaries.h"
 #include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
 #include "support/temp_folder.h"
@@ -203,8 +202,6 @@ TEST_F(OddFoldersTest, WithFewOpenFilesAllowedEachOperationIsDoneOrSaysWhyNot) {
             } else {
                 EXPECT_NE(outcome.reason.find("Too many open files"), std::string::npos)
                     << outcome.reason;
-                // The next start clears what was left for want of a descriptor.
-                operations::remove_left_temporaries(folder_.path("state"));
                 EXPECT_EQ(test::names_in(to), Names());
             }
             return true;

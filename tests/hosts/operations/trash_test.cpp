@@ -31,7 +31,7 @@ class TrashTest : public testing::Test {
     Thing thing_at(const std::string& path) {
         open_ = Descriptor(open(parent_of(path).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         Thing thing = {open_.get(), name_in_path(path), {}};
-        EXPECT_TRUE(operations::Look(thing.folder, thing.name.c_str(), &thing.what)) << path;
+        EXPECT_TRUE(operations::look_at(thing.folder, thing.name.c_str(), &thing.what)) << path;
         return thing;
     }
     bool take(const std::string& path) {
