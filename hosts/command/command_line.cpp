@@ -92,13 +92,15 @@ void add_settings(CLI::App& app, SettingsRequest& request) {
 void add_install(CLI::App& app, InstallRequest& request) {
     const auto verb = [&](const char* name, const char* meaning, bool remove) {
         CLI::App* sub = app.add_subcommand(name, meaning);
-        sub->add_option("PROGRAM", "Where: gworkspace")
-            ->required()
+        sub->add_option("NAME", request.program, "The file manager")
             ->type_name("")
-            ->check(CLI::IsMember({"gworkspace"}));
+            ->check(CLI::IsMember({"caja", "dolphin", "gworkspace", "nautilus", "nemo", "pcmanfm",
+                                   "pcmanfm-qt", "thunar"}));
         sub->callback([&request, remove] { request.remove = remove; });
+        return sub;
     };
-    verb("install", "Puts Delvio into a file manager's contextual menus.", false);
+    verb("install", "Puts Delvio into a file manager's contextual menus.", false)
+        ->add_flag("--list", request.list, "Show the file managers, and which have Delvio");
     verb("uninstall", "Takes it out again.", true);
 }
 
@@ -169,6 +171,13 @@ std::string check_settings(const SettingsRequest& request, bool verb_given) {
     return {};
 }
 
+std::string check_install(const InstallRequest& request) {
+    if (request.list && !request.program.empty()) return "install takes a name or --list";
+    if (request.list || !request.program.empty()) return {};
+    return request.remove ? "uninstall takes the name of a file manager"
+                          : "install takes the name of a file manager, or --list";
+}
+
 void set_up(CLI::App& app) {
     app.name("delvio");
     app.set_version_flag("--version", "delvio " DELVIO_VERSION, "Print the version");
@@ -190,7 +199,8 @@ std::string check(const CLI::App& app, CommandLine& line, const Options& options
     if (line.command == CommandLine::finished) {
         return "say what to do: delvio menu, undo, settings, install or uninstall";
     }
-    if (line.command == CommandLine::undo || line.command == CommandLine::install) return {};
+    if (line.command == CommandLine::undo) return {};
+    if (line.command == CommandLine::install) return check_install(line.install_request);
     if (line.command == CommandLine::settings) {
         const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();
         return check_settings(line.settings_request, verb_given);

@@ -35,6 +35,8 @@ struct SettingsRequest {
 
 struct InstallRequest {
     bool remove = false;
+    bool list = false;
+    std::string program;  // empty with `list`
 };
 
 struct CommandLine {

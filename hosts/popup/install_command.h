@@ -1,4 +1,4 @@
-// Puts the plug-in into other programs, and takes it out again. Main thread.
+// Puts Delvio into the menus of file managers, and takes it out again. Main thread.
 #pragma once
 
 #include "command/command_line.h"

@@ -175,8 +175,3 @@ TEST_F(InstallFiles, LinksAndPermissionsStay) {
     fs::remove(link);
     fs::copy_file(target, link);
 }
-
-TEST_F(Install, AnotherProgramIsRefused) {
-    EXPECT_EQ(run_delvio({"install", "nautilus"}).status, 2);
-    EXPECT_EQ(run_delvio({"install"}).status, 2);
-}

@@ -1,9 +1,10 @@
-#include "popup/install_command.h"
+#include "file_managers/gworkspace_bundle.h"
 
 #include <Foundation/Foundation.h>
 
 #include <stdio.h>
 
+#include "command/command_line.h"
 #include "corefoundation/defaults_file.h"
 #include "finderkit/plug_in.h"
 #include "file_steps/visible_text.h"
@@ -31,7 +32,20 @@ struct Domains {
     bool has_own() const { return [own.values() objectForKey:list_key] != nil; }
     DefaultsFile& file() { return has_own() ? own : global; }
     NSString* name() const { return has_own() ? program_domain : NSGlobalDomain; }
+    id list() { return [file().values() objectForKey:list_key]; }
 };
+
+// Reads both domains. The reason if that is not possible, or if the list is none.
+std::string read_problem(Domains& domains) {
+    for (DefaultsFile* file : {&domains.own, &domains.global}) {
+        if (file->refresh()) continue;
+        return "the defaults in " + file->path() +
+               " cannot be read; nothing was changed. Repair or remove that file";
+    }
+    if (!domains.list() || [domains.list() isKindOfClass:[NSArray class]]) return {};
+    return std::string("the default ") + [list_key UTF8String] + " of the domain " +
+           [domains.name() UTF8String] + " is no list; it was left as it is";
+}
 
 // The list with this path in place of our entries, or at its end; for nil, the list without our
 // entries.
@@ -96,18 +110,23 @@ int uninstall(Domains& domains, NSArray* list) {
 
 }  // namespace
 
-int run_install_command(const InstallRequest& request) {
+int change_gworkspace_bundles(bool is_removal) {
     Domains domains;
-    for (DefaultsFile* file : {&domains.own, &domains.global}) {
-        if (file->refresh()) continue;
-        return failed("the defaults in " + file->path() +
-                      " cannot be read; nothing was changed. Repair or remove that file");
+    const std::string problem = read_problem(domains);
+    if (!problem.empty()) return failed(problem);
+    return is_removal ? uninstall(domains, domains.list()) : install(domains, domains.list());
+}
+
+EntryState state_of_gworkspace(std::string* problem) {
+    Domains domains;
+    *problem = read_problem(domains);
+    if (!problem->empty()) return EntryState::refused;
+    std::string unused;
+    const std::string bundle = find_bundle([bundle_name UTF8String], &unused);
+    EntryState state = EntryState::absent;
+    for (id entry in domains.list()) {
+        if (!is_ours(entry)) continue;
+        state = bundle == [entry UTF8String] ? EntryState::present : EntryState::other;
     }
-    NSString* domain = domains.name();
-    id list = [domains.file().values() objectForKey:list_key];
-    if (list && ![list isKindOfClass:[NSArray class]]) {
-        return failed(std::string("the default ") + [list_key UTF8String] + " of the domain " +
-                      [domain UTF8String] + " is no list; it was left as it is");
-    }
-    return request.remove ? uninstall(domains, list) : install(domains, list);
+    return state;
 }

@@ -1,0 +1,95 @@
+#include "file_managers/managers.h"
+
+#include <glib.h>
+
+#include "file_managers/thunar_actions.h"
+
+namespace {
+
+constexpr mode_t plain = 0644, executable = 0755;
+
+std::string config_folder() { return g_get_user_config_dir(); }
+std::string data_folder() { return g_get_user_data_dir(); }
+
+using Text = std::string (*)(const Invocation& invocation, const std::string& line);
+
+EntryFile whole(const std::string& path, mode_t mode, Text text, const Invocation& invocation) {
+    return whole_file(path, mode, [=](const std::string& line) { return text(invocation, line); });
+}
+
+// The first file of actions that the system brings.
+FileText system_actions() {
+    for (const char* const* folder = g_get_system_config_dirs(); *folder; folder++) {
+        FileText text;
+        std::string unused;
+        if (read_user_file(*folder + std::string("/Thunar/uca.xml"), &text, &unused) && text) {
+            return text;
+        }
+    }
+    return {};
+}
+
+std::vector<EntryFile> thunar(const Invocation& invocation) {
+    std::string command;
+    for (const char byte : shell_word(invocation.command)) {
+        command += byte == '%' ? "%%" : std::string(1, byte);
+    }
+    return {thunar_actions(config_folder() + "/Thunar/uca.xml", command + " menu -- %F",
+                           invocation.icon, system_actions())};
+}
+
+std::vector<EntryFile> nemo(const Invocation& invocation) {
+    const std::string folder = data_folder() + "/nemo/actions";
+    return {whole(folder + "/delvio.nemo_action", plain, nemo_files_text, invocation),
+            whole(folder + "/delvio-folder.nemo_action", plain, nemo_folder_text, invocation)};
+}
+
+std::vector<EntryFile> caja(const Invocation& invocation) {
+    return {whole(config_folder() + "/caja/scripts/Delvio", executable, script_text, invocation)};
+}
+
+std::vector<EntryFile> nautilus(const Invocation& invocation) {
+    return {whole(data_folder() + "/nautilus/scripts/Delvio", executable, script_text, invocation)};
+}
+
+std::vector<EntryFile> pcmanfm(const Invocation& invocation) {
+    return {whole(data_folder() + "/file-manager/actions/delvio.desktop", plain, action_entry_text,
+                  invocation)};
+}
+
+// Dolphin runs a user's service menu only if its file may be executed.
+std::vector<EntryFile> dolphin(const Invocation& invocation) {
+    return {whole(data_folder() + "/kio/servicemenus/delvio.desktop", executable, service_menu_text,
+                  invocation)};
+}
+
+const std::vector<FileManager> managers = {
+    {"caja", "Caja", "caja", caja, "under Scripts in its menus"},
+    {"dolphin", "Dolphin", "dolphin", dolphin, "in its menus"},
+    {"gworkspace", "GWorkspace", "GWorkspace", nullptr, ""},
+    {"nautilus", "Nautilus", "nautilus", nautilus, "under Scripts in its menus"},
+    {"nemo", "Nemo", "nemo", nemo, "in its menus"},
+    {"pcmanfm", "PCManFM", "pcmanfm", pcmanfm,
+     "in its menus, and in those of PCManFM-Qt, which reads the same file"},
+    {"pcmanfm-qt", "PCManFM-Qt", "pcmanfm-qt", pcmanfm,
+     "in its menus, and in those of PCManFM, which reads the same file"},
+    {"thunar", "Thunar", "thunar", thunar, "in its menus"},
+};
+
+}  // namespace
+
+const std::vector<FileManager>& file_managers() { return managers; }
+
+const FileManager* find_file_manager(const std::string& name) {
+    for (const FileManager& manager : managers) {
+        if (name == manager.name) return &manager;
+    }
+    return nullptr;
+}
+
+bool is_found(const FileManager& manager) {
+    char* path = g_find_program_in_path(manager.program);
+    const bool found = path != nullptr;
+    g_free(path);
+    return found;
+}

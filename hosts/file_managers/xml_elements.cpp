@@ -1,0 +1,123 @@
+#include "file_managers/xml_elements.h"
+
+#include <glib.h>
+
+namespace {
+
+// Only checks; the places of elements are not to be had from GLib's parser.
+bool is_well_formed(const std::string& text, std::string* problem) {
+    const GMarkupParser silent = {};
+    GMarkupParseContext* context =
+        g_markup_parse_context_new(&silent, G_MARKUP_DEFAULT_FLAGS, nullptr, nullptr);
+    GError* error = nullptr;
+    const auto size = static_cast<gssize>(text.size());
+    const bool good = g_markup_parse_context_parse(context, text.data(), size, &error) &&
+                      g_markup_parse_context_end_parse(context, &error);
+    if (!good) *problem = error->message;
+    g_clear_error(&error);
+    g_markup_parse_context_free(context);
+    return good;
+}
+
+size_t end_of(const std::string& text, size_t from, std::string_view mark) {
+    const size_t place = text.find(mark, from);
+    return place == std::string::npos ? text.size() : place + mark.size();
+}
+
+// The end of a tag; a ">" in a quoted value does not end it.
+size_t end_of_tag(const std::string& text, size_t begin) {
+    char quote = 0;
+    for (size_t at = begin; at < text.size(); at++) {
+        if (quote) {
+            if (text[at] == quote) quote = 0;
+        } else if (text[at] == '"' || text[at] == '\'') {
+            quote = text[at];
+        } else if (text[at] == '>') {
+            return at + 1;
+        }
+    }
+    return text.size();
+}
+
+// Walks over the tags of a text that is known to be well-formed.
+class XmlWalk {
+  public:
+    explicit XmlWalk(const std::string& text) : text_(text) {}
+
+    XmlDocument read() {
+        for (size_t at = text_.find('<'); at != std::string::npos; at = text_.find('<', at)) {
+            at = step(at);
+        }
+        return document_;
+    }
+
+  private:
+    // Takes the thing that begins here, and returns its end.
+    size_t step(size_t at) {
+        if (text_.compare(at, 4, "<!--") == 0) return take_comment(at);
+        if (text_.compare(at, 9, "<![CDATA[") == 0) return end_of(text_, at, "]]>");
+        if (text_.compare(at, 2, "<?") == 0) return end_of(text_, at, "?>");
+        const size_t end = end_of_tag(text_, at);
+        if (text_.compare(at, 2, "<!") == 0) return end;
+        take_tag({at, end});
+        return end;
+    }
+
+    size_t take_comment(size_t at) {
+        const size_t end = end_of(text_, at, "-->");
+        if (depth_ == 1) document_.comments.push_back({at, end});
+        return end;
+    }
+
+    void take_tag(XmlRange tag) {
+        const bool is_end = text_[tag.begin + 1] == '/';
+        const bool is_empty = text_[tag.end - 2] == '/';
+        if (is_end) depth_--;
+        if (depth_ == 0) take_root(tag, is_end, is_empty);
+        if (depth_ == 1 && !is_end) begin_ = tag.begin;
+        if (depth_ == 1 && (is_end || is_empty)) document_.children.push_back({begin_, tag.end});
+        if (!is_end && !is_empty) depth_++;
+    }
+
+    void take_root(XmlRange tag, bool is_end, bool is_empty) {
+        if (is_end) {
+            document_.inside.end = tag.begin;
+            return;
+        }
+        const size_t name = tag.begin + 1;
+        document_.root = text_.substr(name, text_.find_first_of(" \t\r\n/>", name) - name);
+        document_.is_closed_at_once = is_empty;
+        document_.inside = is_empty ? tag : XmlRange{tag.end, text_.size()};
+    }
+
+    const std::string& text_;
+    XmlDocument document_;
+    int depth_ = 0;
+    size_t begin_ = 0;  // of the child that is open
+};
+
+}  // namespace
+
+std::optional<XmlDocument> read_xml(const std::string& text, std::string* problem) {
+    if (!is_well_formed(text, problem)) return {};
+    return XmlWalk(text).read();
+}
+
+std::string child_text(std::string_view element, const std::string& name) {
+    const std::string start = "<" + name + ">";
+    const size_t begin = element.find(start);
+    if (begin == std::string_view::npos) return {};
+    std::string_view rest = element.substr(begin + start.size());
+    rest = rest.substr(0, rest.find("</"));
+    const char* const blanks = " \t\r\n";
+    const size_t first = rest.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return std::string(rest.substr(first, rest.find_last_not_of(blanks) - first + 1));
+}
+
+std::string xml_escaped(const std::string& text) {
+    char* escaped = g_markup_escape_text(text.data(), static_cast<gssize>(text.size()));
+    std::string result = escaped;
+    g_free(escaped);
+    return result;
+}

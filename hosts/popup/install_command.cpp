@@ -1,0 +1,146 @@
+#include "popup/install_command.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+
+#include <filesystem>
+
+#include "file_managers/gworkspace_bundle.h"
+#include "file_managers/managers.h"
+#include "file_steps/visible_text.h"
+#include "finderkit/plug_in.h"
+
+namespace {
+
+int failed(const std::string& problem) {
+    complain_about_usage(problem);
+    return exit_failed;
+}
+
+// Only an installed Delvio has its icon in the icon theme.
+std::string icon_for(const std::string& command) {
+    const std::string share = std::filesystem::path(command).parent_path().parent_path() / "share";
+    std::error_code error;
+    const bool has_icon = std::filesystem::exists(
+        share + "/icons/hicolor/scalable/apps/org.delvio.Delvio.svg", error);
+    return has_icon ? "org.delvio.Delvio" : "folder";
+}
+
+bool find_invocation(Invocation* invocation, std::string* problem) {
+    invocation->command = find_command(problem);
+    invocation->icon = icon_for(invocation->command);
+    if (invocation->command.find('\n') == std::string::npos) return !invocation->command.empty();
+    *problem = "the path of the command has a line break: " + invocation->command;
+    return false;
+}
+
+void print_path(const std::string& path) {
+    printf("  %s\n", operations::visible_text(path).c_str());
+}
+
+// Before the first file is changed, every file is one that can be changed.
+std::string refusal(const std::vector<EntryFile>& files) {
+    std::string problem;
+    for (const EntryFile& file : files) {
+        if (state_of(file, &problem) == EntryState::refused) return problem;
+    }
+    return {};
+}
+
+using Change = bool (*)(const EntryFile& file, std::string* problem);
+
+// Changes the files and collects the paths of those that have changed; the problem if there is one.
+std::string change_all(const std::vector<EntryFile>& files, Change change,
+                       std::vector<std::string>* changed) {
+    std::string problem = change == put_in ? refusal(files) : "";
+    for (const EntryFile& file : files) {
+        if (!problem.empty()) break;
+        if (change(file, &problem)) changed->push_back(file.path);
+    }
+    return problem;
+}
+
+int install(const FileManager& manager, const std::vector<EntryFile>& files) {
+    std::vector<std::string> changed;
+    const std::string problem = change_all(files, put_in, &changed);
+    if (!problem.empty()) return failed(problem);
+    if (changed.empty()) {
+        printf("%s has Delvio already:\n", manager.title);
+        for (const EntryFile& file : files) print_path(file.path);
+        return exit_done;
+    }
+    printf("%s has Delvio %s:\n", manager.title, manager.hint);
+    for (const std::string& path : changed) print_path(path);
+    if (!is_found(manager)) printf("%s itself was not found.\n", manager.title);
+    return exit_done;
+}
+
+int uninstall(const FileManager& manager, const std::vector<EntryFile>& files) {
+    // The last file goes first, as the folders were made for the first one.
+    std::vector<std::string> changed;
+    const std::string problem = change_all({files.rbegin(), files.rend()}, take_out, &changed);
+    if (!problem.empty()) return failed(problem);
+    if (changed.empty()) {
+        printf("%s does not have Delvio: nothing to do.\n", manager.title);
+        return exit_done;
+    }
+    printf("%s no longer has Delvio; removed from:\n", manager.title);
+    for (const std::string& path : changed) print_path(path);
+    return exit_done;
+}
+
+// The state of several files that belong together: that of the one that lacks most.
+EntryState state_of(const FileManager& manager, const Invocation& invocation,
+                    std::string* problem) {
+    if (!manager.files) return state_of_gworkspace(problem);
+    bool has_present = false, has_absent = false;
+    for (const EntryFile& file : manager.files(invocation)) {
+        const EntryState state = state_of(file, problem);
+        if (state == EntryState::refused || state == EntryState::other) return state;
+        (state == EntryState::present ? has_present : has_absent) = true;
+    }
+    if (has_present && has_absent) return EntryState::other;
+    return has_present ? EntryState::present : EntryState::absent;
+}
+
+const char* text_of(EntryState state) {
+    switch (state) {
+        case EntryState::absent:
+            return "without Delvio";
+        case EntryState::present:
+            return "with Delvio";
+        case EntryState::other:
+            return "with another Delvio; install puts this one in its place";
+        case EntryState::refused:
+            break;
+    }
+    return "";
+}
+
+void list(const Invocation& invocation) {
+    for (const FileManager& manager : file_managers()) {
+        std::string problem;
+        const EntryState state = state_of(manager, invocation, &problem);
+        const std::string text = state == EntryState::refused ? operations::visible_text(problem)
+                                                              : std::string(text_of(state));
+        printf("%-12s %-10s %s\n", manager.name, is_found(manager) ? "found" : "not found",
+               text.c_str());
+    }
+}
+
+}  // namespace
+
+int run_install_command(const InstallRequest& request) {
+    Invocation invocation;
+    std::string problem;
+    if (!find_invocation(&invocation, &problem)) return failed(problem);
+    if (request.list) {
+        list(invocation);
+        return exit_done;
+    }
+    const FileManager* manager = find_file_manager(request.program);
+    if (!manager) return failed("there is no way into the file manager " + request.program);
+    if (!manager->files) return change_gworkspace_bundles(request.remove);
+    const std::vector<EntryFile> files = manager->files(invocation);
+    return request.remove ? uninstall(*manager, files) : install(*manager, files);
+}
