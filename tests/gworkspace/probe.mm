@@ -36,7 +36,7 @@ std::string ask_about_menus(const std::string& question) {
     if (!dlopen("libdelvio-platform.so", RTLD_NOW | RTLD_NOLOAD)) return "";
     static void* menus = dlopen(GWORKSPACE_MENU_PROBE, RTLD_NOW);
     const auto answer =
-        reinterpret_cast<Answer>(menus ? dlsym(menus, "AnswerAboutMenus") : nullptr);
+        reinterpret_cast<Answer>(menus ? dlsym(menus, "answer_about_menus") : nullptr);
     if (!answer) return std::string("error ") + dlerror();
     std::string text;
     answer(question.c_str(), &text);
