@@ -24,7 +24,8 @@ constexpr double least_width = 64, least_height = 48;
 
 BesideMenusQuestion is_wanted;
 
-// Everything that decides a card's place.
+// Everything that decides a card's place and size. Without the levels it stays where its program
+// puts it.
 struct CardCause {
     NSRect shown;  // in the content's points
     bool is_blank;
@@ -38,12 +39,14 @@ struct CardCause {
 
 struct Card {
     MenuLook look;
-    bool composed;
-    NSSize base;  // the content's, before it was a card
-    Area area = {};
+    bool composed, is_beside;
+    NSSize base;      // the content's, before it was a card
+    Area area = {};   // on the screen, of a card beside the menu
+    Area panel = {};  // in the window
     CardCause cause = {};
 
     int margin() const { return composed ? look.shadow_extent : 0; }
+    int rim() const { return margin() + pixels(padding); }
     int pixels(double points) const { return static_cast<int>(std::lround(points * look.scale)); }
 };
 
@@ -80,9 +83,10 @@ std::vector<NSWindow*>& cards() {
     const MenuLayout no_rows(card->look);
     MenuScene scene = {};
     scene.layout = &no_rows;
-    scene.left = scene.top = card->margin();
-    scene.width = card->area.width;
-    scene.height = card->area.height;
+    scene.left = card->panel.left;
+    scene.top = card->panel.top;
+    scene.width = card->panel.width;
+    scene.height = card->panel.height;
     scene.shadow = scene.rounded = card->composed;
     const NSRect dirty = focus_device_area(rect);
     cairo_save(cairo);
@@ -167,7 +171,7 @@ Area place_card(const Card& card, const MenuLevel& deepest) {
 
 // Places the window and scales its content so that the shown part fits into the card.
 void fit_window(NSWindow* window, CardView* view) {
-    const Card& card = *view->card;
+    Card& card = *view->card;
     const int room = card.margin(), pad = card.pixels(padding);
     const Area whole = {card.area.left - room, card.area.top - room, card.area.width + 2 * room,
                         card.area.height + 2 * room};
@@ -175,6 +179,7 @@ void fit_window(NSWindow* window, CardView* view) {
     const double scale = std::max(0.01, std::min((card.area.width - 2 * pad) / NSWidth(shown),
                                                  (card.area.height - 2 * pad) / NSHeight(shown)));
     const NSSize size = NSMakeSize(whole.width / scale, whole.height / scale);
+    card.panel = {room, room, card.area.width, card.area.height};
     move_menu_window(window, whole);
     tell_drawn_shadow(window, room);
     NSView* content = [window contentView];
@@ -184,45 +189,58 @@ void fit_window(NSWindow* window, CardView* view) {
     [content setNeedsDisplay:YES];
 }
 
+// Puts the panel around the shown part of a window that its program places.
+void fit_panel(NSWindow* window, CardView* view) {
+    Card& card = *view->card;
+    const NSRect shown = card.cause.shown;
+    const int pad = card.pixels(padding);
+    card.panel = {card.margin() + card.pixels(NSMinX(shown)),
+                  card.margin() + card.pixels(card.base.height - NSMaxY(shown)),
+                  card.pixels(NSWidth(shown)) + 2 * pad, card.pixels(NSHeight(shown)) + 2 * pad};
+    [[window contentView] setNeedsDisplay:YES];
+}
+
+// Gives the window the size that its program gave it, in points, and room for a panel around it.
+void make_room(NSWindow* window, CardView* view, NSPoint origin) {
+    const Card& card = *view->card;
+    const NSSize base = card.base;
+    const int room = card.rim();
+    [window setFrame:NSMakeRect(origin.x, origin.y, card.pixels(base.width) + 2 * room,
+                                card.pixels(base.height) + 2 * room)
+             display:NO];
+    tell_drawn_shadow(window, card.margin());
+    const double points = room / card.look.scale;
+    NSView* content = [window contentView];
+    [content setBounds:NSInsetRect(NSMakeRect(0, 0, base.width, base.height), -points, -points)];
+    [view setFrame:[content bounds]];
+}
+
 void update_shown_cards() {
     for (NSWindow* window : std::vector<NSWindow*>(cards())) {
         if ([window isVisible] && [window alphaValue] > 0) update_card(window);
     }
 }
 
-void make_card(NSWindow* window) {
-    set_open_levels_listener(update_shown_cards);
+CardView* make_view(NSWindow* window) {
     NSView* content = [window contentView];
-    CardView* view = card_view(window);
-    if (!view) {
-        view = [[[CardView alloc] initWithFrame:[content bounds]] autorelease];
-        view->owner = window;
-        view->card = new Card{menu_look(nil, server_resources()), false, [content bounds].size};
-        [content addSubview:view positioned:NSWindowBelow relativeTo:nil];
-        cards().push_back(window);
-    }
-    view->card->look = menu_look(nil, server_resources());
-    view->card->composed = windows_are_composed();
-    view->card->cause = {};
+    CardView* view = [[[CardView alloc] initWithFrame:[content bounds]] autorelease];
+    view->owner = window;
+    view->card = new Card{menu_look(nil, server_resources()), false, false, [content bounds].size};
+    [content addSubview:view positioned:NSWindowBelow relativeTo:nil];
+    cards().push_back(window);
+    return view;
 }
 
-// Gives the window the size that its program gave it, in points.
-void make_plain(NSWindow* window) {
-    NSView* content = [window contentView];
-    CardView* view = card_view(window);
-    const NSSize base = view ? view->card->base : [content bounds].size;
-    NSRect frame = [window frame];
-    if (view) {
-        std::erase(cards(), window);
-        [view removeFromSuperview];
-        frame.origin = NSZeroPoint;
-    }
-    const double scale = menu_look(nil, server_resources()).scale;
-    frame.size = NSMakeSize(std::round(base.width * scale), std::round(base.height * scale));
-    [window setFrame:frame display:NO];
-    tell_drawn_shadow(window, 0);
-    [content setBounds:NSMakeRect(0, 0, base.width, base.height)];
-    [content setNeedsDisplay:YES];
+void make_card(NSWindow* window, bool is_beside) {
+    set_open_levels_listener(update_shown_cards);
+    CardView* view = card_view(window) ?: make_view(window);
+    Card& card = *view->card;
+    const bool was_beside = card.is_beside;
+    card.is_beside = is_beside;
+    card.look = menu_look(nil, server_resources());
+    card.composed = windows_are_composed();
+    card.cause = {};
+    if (!is_beside) make_room(window, view, was_beside ? NSZeroPoint : [window frame].origin);
 }
 
 }  // namespace
@@ -231,12 +249,10 @@ void place_windows_beside_menus(BesideMenusQuestion wanted) { is_wanted = wanted
 
 void prepare_raised_window(NSWindow* window) {
     if (!MenuRun::current()) return;
-    if (is_wanted && is_wanted()) {
-        make_card(window);
-        update_card(window);
-    } else {
-        make_plain(window);
-    }
+    // GNUstep calls a window without a title "Window".
+    if ([[window title] isEqualToString:@"Window"]) [window setTitle:@"Preview"];
+    make_card(window, is_wanted && is_wanted());
+    update_card(window);
 }
 
 bool is_card(NSWindow* window) {
@@ -244,18 +260,27 @@ bool is_card(NSWindow* window) {
     return std::find(all.begin(), all.end(), window) != all.end();
 }
 
+bool is_card_beside_menu(NSWindow* window) {
+    return is_card(window) && card_view(window)->card->is_beside;
+}
+
 void update_card(NSWindow* window) {
     CardView* view = card_view(window);
-    Area levels = {};
-    const MenuLevel* deepest = view ? find_levels(&levels) : nullptr;
-    if (!deepest) return;  // the card stays where it is while the menu closes
+    if (!view) return;
+    Card& card = *view->card;
     const NSRect shown = shown_area(window);
-    const CardCause cause = {widened(shown, view->card->base), NSIsEmptyRect(shown) != NO, levels,
-                             deepest->panel()};
-    if (cause == view->card->cause) return;
-    view->card->cause = cause;
-    view->card->area = place_card(*view->card, *deepest);
-    fit_window(window, view);
+    CardCause cause = {widened(shown, card.base), NSIsEmptyRect(shown) != NO, {}, {}};
+    const MenuLevel* deepest = card.is_beside ? find_levels(&cause.levels) : nullptr;
+    if (deepest) cause.deepest = deepest->panel();
+    // A card beside the menu stays where it is while the menu closes.
+    if (cause == card.cause || (card.is_beside && !deepest)) return;
+    card.cause = cause;
+    if (deepest) {
+        card.area = place_card(card, *deepest);
+        fit_window(window, view);
+    } else {
+        fit_panel(window, view);
+    }
     if ([window isVisible] && [window alphaValue] > 0) {
         shape_card(window);
         [window displayIfNeeded];
@@ -266,5 +291,5 @@ void shape_card(NSWindow* window) {
     const Card& card = *card_view(window)->card;
     if (card.composed) return shape_menu_window(window, 0);
     if (card.cause.is_blank) return hide_shape_of_menu_window(window);
-    shape_menu_window(window, card.look.radius);
+    shape_window_as_panel(window, card.panel, card.look.radius);
 }

@@ -14,13 +14,14 @@
 #include "objc/method_patch.h"
 #include "x11/file_offer.h"
 #include "x11/pointer_place.h"
+#include "x11/server_windows.h"
 
 namespace {
 
 constexpr NSTimeInterval looking = 0.02;
 
 bool dragging;  // files, with an offer
-IMP stock_send, stock_drag, stock_update;
+IMP stock_send, stock_drag, stock_update, stock_order;
 
 std::string uri_list_of(NSPasteboard* pasteboard) {
     std::string list;
@@ -126,6 +127,17 @@ BOOL update_operations(GSDragView* self, SEL selector, NSEvent* event) {
     return changed;
 }
 
+// GNUstep has the window manager manage the image's window as a dialog. A window is managed from
+// when it is mapped, and this method maps it; then it takes back that the window is unmanaged.
+void order_image(NSWindow* self, SEL selector, NSWindowOrderingMode place, NSInteger other) {
+    [self setTitle:@"Dragged Image"];
+    free_from_window_manager(self);
+    using Order = void (*)(id, SEL, NSWindowOrderingMode, NSInteger);
+    reinterpret_cast<Order>(stock_order)(self, selector, place, other);
+    free_from_window_manager(self);
+    set_window_type(self, "_NET_WM_WINDOW_TYPE_DND");
+}
+
 void install_on(GSDragView* view) {
     static bool done;
     if (done) return;
@@ -133,6 +145,8 @@ void install_on(GSDragView* view) {
     const MethodPatch patches[] = {
         {class_getName([view class]), "sendExternalEvent:action:position:timestamp:toWindow:",
          reinterpret_cast<IMP>(send_external), &stock_send},
+        {class_getName([[view window] class]),
+         "orderWindow:relativeTo:", reinterpret_cast<IMP>(order_image), &stock_order},
         {"GSDragView", "_updateOperationMask:", reinterpret_cast<IMP>(update_operations),
          &stock_update},
     };

@@ -41,7 +41,7 @@ void order_front(NSWindow* self, SEL selector, id sender) {
 }
 
 void set_frame(NSWindow* self, SEL selector, NSRect frame, BOOL display, BOOL animate) {
-    if (is_card(self)) return;
+    if (is_card_beside_menu(self)) return;
     using Set = void (*)(id, SEL, NSRect, BOOL, BOOL);
     reinterpret_cast<Set>(stock_set_frame)(self, selector, frame, display, animate);
 }

@@ -180,13 +180,17 @@ unsigned char FileOffer::escape_key() {
 }
 
 // Grabs this one key only, so that the toolkit still sees the modifiers that choose what a drop
-// does.
+// does. Each set of modifiers is a grab of its own: a grab of all at once is refused where another
+// program has one of them, and window managers have Alt+Escape.
 void FileOffer::watch_for_escape() {
+    constexpr uint16_t all_modifiers = 0xFF;
     cancelled_ = false;
     escape_ = escape_key();
     if (!escape_) return;
-    xcb_grab_key(server_, 0, root_, XCB_MOD_MASK_ANY, escape_, XCB_GRAB_MODE_ASYNC,
-                 XCB_GRAB_MODE_ASYNC);
+    for (uint16_t modifiers = 0; modifiers <= all_modifiers; modifiers++) {
+        xcb_grab_key(server_, 0, root_, modifiers, escape_, XCB_GRAB_MODE_ASYNC,
+                     XCB_GRAB_MODE_ASYNC);
+    }
     xcb_flush(server_);
 }
 

@@ -68,19 +68,24 @@ void shape_menu_window(NSWindow* window, int radius) {
                           ShapeSet);
         return;
     }
-    const int width = static_cast<int>(NSWidth([window frame]));
-    const int height = static_cast<int>(NSHeight([window frame]));
+    shape_window_as_panel(window,
+                          {0, 0, static_cast<int>(NSWidth([window frame])),
+                           static_cast<int>(NSHeight([window frame]))},
+                          radius);
+}
+
+void shape_window_as_panel(NSWindow* window, const Area& panel, int radius) {
     std::vector<XRectangle> lines;
-    const auto add = [&lines](int left, int top, int wide, int high) {
-        lines.push_back({static_cast<short>(left), static_cast<short>(top),
+    const auto add = [&](int left, int top, int wide, int high) {
+        lines.push_back({static_cast<short>(panel.left + left), static_cast<short>(panel.top + top),
                          static_cast<unsigned short>(wide), static_cast<unsigned short>(high)});
     };
     for (int y = 0; y < radius; y++) {
         const int cut = corner_cut(radius, y);
-        add(cut, y, width - 2 * cut, 1);
-        add(cut, height - 1 - y, width - 2 * cut, 1);
+        add(cut, y, panel.width - 2 * cut, 1);
+        add(cut, panel.height - 1 - y, panel.width - 2 * cut, 1);
     }
-    add(0, radius, width, std::max(0, height - 2 * radius));
+    add(0, radius, panel.width, std::max(0, panel.height - 2 * radius));
     XShapeCombineRectangles(toolkit_display(), server_window(window), ShapeBounding, 0, 0,
                             lines.data(), static_cast<int>(lines.size()), ShapeSet, Unsorted);
 }

@@ -5,6 +5,7 @@
 
 #include "desktop/desk.h"
 #include "desktop/drop_target.h"
+#include "support/announced_window.h"
 
 namespace {
 
@@ -150,6 +151,24 @@ TEST_F(Drag, EscapeEndsItOverNothingAndLeavesTheKeyToOthers) {
     // The next menu's.
     walk({});
     EXPECT_FALSE(is_open(0));
+}
+
+TEST_F(Drag, TheDraggedImageIsNoWindowOfTheWindowManagers) {
+    std::vector<test::AnnouncedWindow> shown;
+    const auto image_is_shown = [&] {
+        shown = test::announced_windows();
+        std::erase_if(shown, [](const auto& each) { return each.title != "Dragged Image"; });
+        return !shown.empty();
+    };
+    pop_up([&](Steps& steps) {
+        press(steps, {"project", "readme.txt"});
+        steps.when("the image", image_is_shown, [this] { input().move(1000, 700); });
+        steps.when("the image elsewhere", image_is_shown);
+        let_go(steps);
+    });
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].type, "_NET_WM_WINDOW_TYPE_DND");
+    EXPECT_TRUE(shown[0].is_unmanaged);
 }
 
 TEST_F(Drag, ADropOnNothingEnds) {

@@ -332,9 +332,12 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
     for (int i = 0; i < 5; i++) folder_.folder("project/folder" + std::to_string(i));
     NSRect first = NSZeroRect, second = NSZeroRect, third = NSZeroRect;
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
-    const CGFloat left = NSMinX(screen), right = NSMaxX(screen) - 512;
-    const CGFloat bottom = NSMinY(screen), top = NSMaxY(screen) - 512;
-    const auto stands_at = [](CGFloat x) { return NSMinX([hover_window() frame]) == x; };
+    const CGFloat side = 512 + 16;  // with the frame
+    const CGFloat left = NSMinX(screen), right = NSMaxX(screen) - side;
+    const CGFloat bottom = NSMinY(screen), top = NSMaxY(screen) - side;
+    const auto stands_at = [](CGFloat x, CGFloat y) {
+        return NSEqualPoints([hover_window() frame].origin, NSMakePoint(x, y));
+    };
     set_preference("preview_beside_menu", "0");
     [hover_window() setFrameOrigin:NSZeroPoint];  // undoes the effects of other tests
     resting_on("a.txt", [&](Steps& steps) {
@@ -346,7 +349,7 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
                     hover("project");
                 })
             .when(
-                "its move to the right", [=] { return stands_at(right); },
+                "its move to the right", [=] { return stands_at(right, top); },
                 [&] {
                     second = [hover_window() frame];
                     hover(outer);
@@ -356,16 +359,49 @@ TEST_F(Preview, TheWindowKeepsOutOfThePointersWay) {
             .when(
                 "the last level", [&] { return is_open(3); }, [&] { hover("c.txt"); })
             .when(
-                "its move to the left", [=] { return stands_at(left); },
+                "its move to the left", [=] { return stands_at(left, bottom); },
                 [&] {
                     third = [hover_window() frame];
                     escape();
                 });
     });
     set_preference("preview_beside_menu", "1");
-    EXPECT_TRUE(NSEqualRects(first, NSMakeRect(0, 0, 512, 512)));
-    EXPECT_TRUE(NSEqualRects(second, NSMakeRect(right, top, 512, 512))) << "of the upper half";
-    EXPECT_TRUE(NSEqualRects(third, NSMakeRect(left, bottom, 512, 512))) << "of the lower half";
+    EXPECT_TRUE(NSEqualRects(first, NSMakeRect(0, 0, side, side)));
+    EXPECT_TRUE(NSEqualRects(second, NSMakeRect(right, top, side, side))) << "of the upper half";
+    EXPECT_TRUE(NSEqualRects(third, NSMakeRect(left, bottom, side, side))) << "of the lower half";
+}
+
+TEST_F(Preview, InACornerTheWindowHasAFrameAroundItsPictureAndShowsNothingBesides) {
+    picture("project/0.png", 1000, 400);
+    set_preference("preview_beside_menu", "0");
+    const NSRect screen = [[NSScreen mainScreen] frame];
+    // The picture is 512 by 205 pixels, in the middle of the window.
+    const auto colour_at = [&](int left, int above_middle) {
+        const NSRect frame = [hover_window() frame];
+        return input().pixel(static_cast<int>(NSMinX(frame)) + left,
+                             static_cast<int>(NSMaxY(screen) - NSMidY(frame)) - above_middle);
+    };
+    // In the first corner the pointer is in the window's way.
+    const auto is_in_right_corner = [&] {
+        const NSRect frame = [hover_window() frame];
+        return NSMaxX(frame) == NSMaxX(screen) &&
+               (NSMinY(frame) == 0 || NSMaxY(frame) == NSMaxY(screen));
+    };
+    unsigned long border = 0, above = 0;
+    resting_on("0.png", [&](Steps& steps) {
+        steps.when("the window", [] { return shows_picture(); })
+            .when(
+                "its colour", [&] { return is_in_right_corner() && colour_at(40, 0) == 0xff0000; },
+                [&] {
+                    border = colour_at(4, 0);
+                    above = colour_at(40, 140);
+                    escape();
+                });
+    });
+    set_preference("preview_beside_menu", "1");
+    EXPECT_NE(border, 0xff0000u);
+    EXPECT_NE(border, 0u);
+    EXPECT_EQ(above, 0u) << "nothing covers the empty screen";
 }
 
 // The windows of the menu, and what the preview beside it shows.

@@ -67,6 +67,7 @@ TEST_F(AnnouncedWindows, MenusAndWhatStandsBesideThemAreNoWindowManagers) {
     look_at_both();
     EXPECT_EQ(menu_told_->title, "Menu");
     EXPECT_TRUE(menu_told_->is_unmanaged);
+    EXPECT_EQ(tip_told_->title, "Preview");
     EXPECT_TRUE(tip_told_->is_unmanaged);
 }
 
@@ -79,6 +80,13 @@ TEST_F(AnnouncedWindows, WithoutACompositorThereAreNoShadows) {
 TEST_F(AnnouncedWindows, ShadowsThatAreDrawnAreToldSoThatNoOtherIsAdded) {
     const test::Compositor compositor;
     place_windows_beside_menus([]() -> BOOL { return YES; });
+    look_at_both();
+    EXPECT_GT(menu_told_->shadow, 0);
+    EXPECT_EQ(tip_told_->shadow, menu_told_->shadow);
+}
+
+TEST_F(AnnouncedWindows, AWindowThatItsProgramPlacesHasTheSameShadow) {
+    const test::Compositor compositor;
     look_at_both();
     EXPECT_GT(menu_told_->shadow, 0);
     EXPECT_EQ(tip_told_->shadow, menu_told_->shadow);

@@ -4,8 +4,9 @@
 
 #include <AppKit/AppKit.h>
 
-// The question is asked each time such a window comes to the front. With YES the window becomes a
-// card that fits around its content and stands beside the deepest open level, clear of all levels;
-// moves by its program are then ignored. A null question, as at first, answers NO.
+// Such a window becomes a card, with a frame and a shadow like a menu's. The question is asked each
+// time the window comes to the front. With YES the card stands beside the deepest open level, clear
+// of all levels, and moves by its program are ignored; with NO its program places it. A null
+// question, as at first, answers NO.
 typedef BOOL (*BesideMenusQuestion)(void);
 void place_windows_beside_menus(BesideMenusQuestion wanted);
