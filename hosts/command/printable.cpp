@@ -2,6 +2,8 @@
 
 #include <glib.h>
 
+#include <algorithm>
+
 namespace {
 
 bool changes_direction(gunichar character) {
@@ -15,6 +17,8 @@ bool is_unprintable(gunichar character) {
     const bool separator = character == 0x2028 || character == 0x2029;
     return control || separator || changes_direction(character);
 }
+
+bool is_plain(char byte) { return byte >= 0x20 && byte < 0x7f; }
 
 // Calls `take` with each character; for a byte that is not part of one, with -1.
 template <typename Take>
@@ -32,6 +36,7 @@ void for_each_character(std::string_view text, Take take) {
 }  // namespace
 
 std::string printable(std::string_view text, std::string_view mark) {
+    if (std::ranges::all_of(text, is_plain)) return std::string(text);
     std::string result;
     for_each_character(text, [&](gunichar character, std::string_view bytes) {
         const bool invalid = character == static_cast<gunichar>(-1);

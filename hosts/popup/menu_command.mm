@@ -3,6 +3,8 @@
 #include <host/menu_tracking.h>
 #include <host/modifier_keys.h>
 
+#include <algorithm>
+
 #include "command/exit_signals.h"
 #include "command/file_arguments.h"
 #include "command/private_display.h"
@@ -81,9 +83,11 @@ void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
     [NSMenu setContextMenuTracker:nil];
 }
 
-int write_out(const std::string& text) {
+int write_out(const std::vector<std::string>& parts) {
     FILE* const output = output_stream();
-    const bool written = fwrite(text.data(), 1, text.size(), output) == text.size();
+    const bool written = std::ranges::all_of(parts, [&](const std::string& part) {
+        return fwrite(part.data(), 1, part.size(), output) == part.size();
+    });
     if (written && fflush(output) == 0) return exit_done;
     return failed("cannot write the menu to standard output");
 }
@@ -94,8 +98,8 @@ int write_menu(HostMenu* host, const MenuRequest& request) {
                                                     details:json] autorelease];
     pop_up(host, reader, NSZeroPoint);
     if (![reader problem].empty()) complain_about_usage([reader problem]);
-    return write_out(json ? write_menu_json([reader snapshot])
-                          : write_menu_text([reader snapshot]));
+    if (!json) return write_out([reader text].parts());
+    return write_out({write_menu_json([reader snapshot])});
 }
 
 int pick(HostMenu* host, const MenuRequest& request) {

@@ -1,5 +1,7 @@
 #include "popup/menu_reading.h"
 
+#include <string.h>
+
 #include "finderkit/plug_in_items.h"
 #include "popup/host_menu.h"
 
@@ -40,6 +42,12 @@ std::unique_ptr<ItemDetails> read_details(NSMenuItem* item) {
 }  // namespace
 
 std::string utf8_text(NSString* string) {
+    // Without an object. A text with a NUL inside ends there.
+    char buffer[1024];
+    const BOOL fits = [string getCString:buffer
+                               maxLength:sizeof buffer
+                                encoding:NSUTF8StringEncoding];
+    if (fits && strlen(buffer) >= [string length]) return buffer;
     NSData* data = [string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
     if (!data) return {};
     return {static_cast<const char*>([data bytes]), [data length]};

@@ -30,8 +30,16 @@ struct ItemSnapshot {
 
 using MenuSnapshot = std::vector<ItemSnapshot>;
 
-// The menu as an indented tree, one line for each item.
-std::string write_menu_text(const MenuSnapshot& menu);
+// The menu as an indented tree, one line for each item. Its parts follow each other.
+class MenuText {
+  public:
+    // Adds the item alone, without the items of its submenu.
+    void add(const ItemSnapshot& item, size_t level);
+    const std::vector<std::string>& parts() const { return parts_; }
+
+  private:
+    std::vector<std::string> parts_;
+};
 // The menu as a JSON array; all items have details. Bytes that are not UTF-8 become replacement
 // characters.
 std::string write_menu_json(const MenuSnapshot& menu);

@@ -5,7 +5,10 @@
 
 namespace {
 
-constexpr const char* indentation = "    ";
+constexpr size_t indentation = 4;
+
+// Text that grows in one piece would be copied each time.
+constexpr size_t part_size = 1 << 20;
 
 constexpr const char* replacement_character = "\xef\xbf\xbd";
 
@@ -21,26 +24,23 @@ std::string joined(const std::vector<std::string>& words) {
     return result;
 }
 
-std::string line_of(const ItemSnapshot& item) {
-    if (item.separator) return "--------";
-    std::string line = title_of(item);
-    if (item.has_submenu) line += " >";
-    if (item.alternate) line += " [" + joined(modifier_names(item.modifiers)) + "]";
-    if (!item.enabled) line += " (disabled)";
-    return line;
-}
-
-void write(const MenuSnapshot& menu, const std::string& indent, std::string* text) {
-    for (const ItemSnapshot& item : menu) {
-        *text += indent + line_of(item) + "\n";
-        write(item.items, indent + indentation, text);
+void append_line(const ItemSnapshot& item, std::string* text) {
+    if (item.separator) {
+        *text += "--------";
+        return;
     }
+    *text += title_of(item);
+    if (item.has_submenu) *text += " >";
+    if (item.alternate) *text += " [" + joined(modifier_names(item.modifiers)) + "]";
+    if (!item.enabled) *text += " (disabled)";
 }
 
 }  // namespace
 
-std::string write_menu_text(const MenuSnapshot& menu) {
-    std::string text;
-    write(menu, "", &text);
-    return text;
+void MenuText::add(const ItemSnapshot& item, size_t level) {
+    if (parts_.empty() || parts_.back().size() > part_size) parts_.emplace_back();
+    std::string& text = parts_.back();
+    text.append(level * indentation, ' ');
+    append_line(item, &text);
+    text += '\n';
 }

@@ -16,9 +16,13 @@ namespace {
 // Once it is the turn of a thumbnail, it takes at most half a minute.
 constexpr NSTimeInterval seconds_to_make = 60, seconds_a_turn = 0.1;
 
+NSArray* shown_items(NSMenu* menu) {
+    return [MenuSession visibleItemsOfMenu:menu withModifiers:current_modifier_flags()];
+}
+
 // A row shows a view while its content, such as a picture, is still being made.
 bool is_being_made(NSMenu* menu) {
-    for (NSMenuItem* item in [menu itemArray]) {
+    for (NSMenuItem* item in shown_items(menu)) {
         if ([item view]) return true;
     }
     return false;
@@ -67,8 +71,7 @@ NSMenuItem* find_alternate(NSMenu* menu, const std::string& title) {
 NSMenuItem* find_visible_item(NSMenu* menu, const std::string& title, std::string* problem) {
     NSMutableArray* items = [NSMutableArray array];
     std::vector<std::string> titles;
-    for (NSMenuItem* item in [MenuSession visibleItemsOfMenu:menu
-                                               withModifiers:current_modifier_flags()]) {
+    for (NSMenuItem* item in shown_items(menu)) {
         if ([item isSeparatorItem]) continue;
         [items addObject:item];
         titles.push_back(utf8_text([item title]));
@@ -118,16 +121,22 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
     _depth = depth;
     _details = details;
     _snapshot = new MenuSnapshot;
+    _text = new MenuText;
     return self;
 }
 
 - (void)dealloc {
     delete _snapshot;
+    delete _text;
     [super dealloc];
 }
 
 - (const MenuSnapshot&)snapshot {
     return *_snapshot;
+}
+
+- (const MenuText&)text {
+    return *_text;
 }
 
 - (std::string)problem {
@@ -153,20 +162,22 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
 // keys would show are listed, but not opened.
 - (MenuSnapshot)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
     MenuSnapshot result;
-    result.reserve(static_cast<size_t>([menu numberOfItems]));
-    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:current_modifier_flags()];
-    NSSet* openable = [NSSet setWithArray:shown];
-    for (NSMenuItem* item in [NSArray arrayWithArray:[menu itemArray]]) {
+    if (_details) result.reserve(static_cast<size_t>([menu numberOfItems]));
+    NSSet* openable = level < _depth ? [NSSet setWithArray:shown_items(menu)] : nil;
+    for (NSInteger i = 0; i < [menu numberOfItems]; i++) {
         NSAutoreleasePool* pool = [NSAutoreleasePool new];
+        NSMenuItem* item = [menu glanceAtItemAtIndex:i];
         ItemSnapshot snapshot = read_item(item, _details);
-        const BOOL wanted = level < _depth && [item hasSubmenu] && [openable containsObject:item];
-        if (wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item]) {
-            wait_until_made([item submenu]);
+        if (!_details) _text->add(snapshot, static_cast<size_t>(level));
+        const BOOL is_wanted = [item hasSubmenu] && [openable containsObject:item];
+        if (is_wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item]) {
+            NSMenu* submenu = [[[item submenu] retain] autorelease];
+            wait_until_made(submenu);
             snapshot.populated = true;
-            snapshot.items = [self readMenu:[item submenu] ofSession:session level:level + 1];
+            snapshot.items = [self readMenu:submenu ofSession:session level:level + 1];
             [session closeLevelsBelowMenu:menu];
         }
-        result.push_back(std::move(snapshot));
+        if (_details) result.push_back(std::move(snapshot));
         _rows++;
         [pool release];
     }

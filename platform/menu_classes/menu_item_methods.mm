@@ -6,6 +6,8 @@
 
 #include "look/image_questions.h"
 #include "look/shared_strings.h"
+#include "menu_classes/menu_item_array.h"
+#include "menu_classes/menu_storage.h"
 #include "objc/method_patch.h"
 
 namespace {
@@ -84,6 +86,8 @@ void set_attributed_title(NSMenuItem* self, SEL, NSAttributedString* title) {
 
 }  // namespace
 
+bool has_extras(NSMenuItem* item) { return find_extras(item) != nullptr; }
+
 @interface MenuItemInstaller : NSObject
 + (void)watchDefaults;
 @end
@@ -111,10 +115,7 @@ void update_key_equivalent(NSMenuItem* self, SEL selector) {
 
 - (NSMenuItem*)parentItem {
     NSMenu* menu = [self menu];
-    for (NSMenuItem* item in [[menu supermenu] itemArray]) {
-        if ([item submenu] == menu) return item;
-    }
-    return nil;
+    return item_with_submenu([[menu supermenu] itemArray], menu);
 }
 
 - (void)setView:(NSView*)view {

@@ -14,6 +14,14 @@
 - (void)needStockRepresentation;
 @end
 
+@interface NSMenu (Untouched)
+// Whether nothing was added to the menu and nothing of it was made since it was initialized.
+- (BOOL)isUntouched;
+@end
+
+// Whether the item has a view or an attributed title.
+bool has_extras(NSMenuItem* item);
+
 // Called when a menu is deallocated.
 void forget_menu_font(NSMenu* menu);
 

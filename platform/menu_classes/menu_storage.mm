@@ -4,6 +4,7 @@
 #include "menu_classes/menu_storage.h"
 
 #include "menu_classes/menu_changes.h"
+#include "menu_classes/menu_item_array.h"
 #include "objc/method_patch.h"
 
 // The item array that all menus without items share, as most submenus are never opened.
@@ -48,7 +49,12 @@ static NSMutableArray* no_items() {
     if (!_notifications) _notifications = [NSMutableArray new];
     if (_items != no_items()) return;
     [_items release];
-    _items = [NSMutableArray new];
+    _items = [MenuItemArray new];
+}
+
+- (BOOL)isUntouched {
+    return _items == no_items() && !_notifications && !_view && !_aWindow && !_bWindow &&
+           !_attachedMenu && !_popUpButtonCell && ![self font];
 }
 
 // The main menu is drawn anew when anything on it has changed.
@@ -76,6 +82,13 @@ static id light_init(NSMenu* self, SEL, NSString* title) {
     return self;
 }
 
+// Whoever fills a menu may still work with the items that were added last.
+static void pack_early_item(NSMutableArray* items) {
+    static const NSUInteger objects_at_end = 500;
+    const NSUInteger count = [items count];
+    if (count > objects_at_end) pack_item(items, count - 1 - objects_at_end);
+}
+
 static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {
     static const Class item_class = [NSMenuItem class];
     const BOOL ours = [item isKindOfClass:item_class] && ![item menu];
@@ -87,6 +100,7 @@ static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger
     }
     [self->_items insertObject:item atIndex:index];
     [item setMenu:self];
+    pack_early_item(self->_items);
     told_of_change(self, nil);
 }
 
@@ -137,9 +151,7 @@ static void light_deallocate(NSMenu* self, SEL selector) {
         reinterpret_cast<void (*)(id, SEL)>(stock.deallocate)(self, selector);
         return;
     }
-    if (self->_items != no_items()) {
-        [self->_items makeObjectsPerformSelector:@selector(setMenu:) withObject:nil];
-    }
+    leave_menu(self->_items);
     [self->_items release];
     [self->_notifications release];
     [self->_title release];

@@ -4,6 +4,7 @@
 #include <GNUstepGUI/GSTheme.h>
 #include <objc/runtime.h>
 
+#include "menu_classes/menu_item_array.h"
 #include "menus/menu_items.h"
 #include "menus/menu_memory.h"
 #include "menus/menu_presenter.h"
@@ -56,6 +57,10 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
 
 + (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question {
     set_heading_question(question);
+}
+
+- (NSMenuItem*)glanceAtItemAtIndex:(NSInteger)index {
+    return glance_at_item([self itemArray], static_cast<NSUInteger>(index));
 }
 
 - (void)_popUpContextMenu:(NSMenu*)menu

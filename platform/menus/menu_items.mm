@@ -1,5 +1,7 @@
 #include "menus/menu_items.h"
 
+#include "menu_classes/menu_item_array.h"
+
 namespace {
 
 BOOL (*heading_question)(NSMenuItem*);
@@ -11,23 +13,33 @@ bool only_heads_submenu(NSMenuItem* item) {
 // GNUstep gives an item with a submenu this method of the menu; it is no action of the item's own.
 bool is_submenu_action(SEL action) { return sel_isEqual(action, @selector(submenuAction:)); }
 
+// These look at items without making objects of those that are packed.
+bool is_alternate_of(NSMenuItem* primary, NSArray* items, NSUInteger index) {
+    NSUInteger modifiers;
+    if (is_packed_item(items, index, &modifiers)) return [[primary keyEquivalent] length] == 0;
+    NSMenuItem* item = [items objectAtIndex:index];
+    return [item isAlternate] && [[item keyEquivalent] isEqualToString:[primary keyEquivalent]];
+}
+
+NSUInteger modifiers_of(NSArray* items, NSUInteger index) {
+    NSUInteger modifiers;
+    if (is_packed_item(items, index, &modifiers)) return modifiers;
+    return [static_cast<NSMenuItem*>([items objectAtIndex:index]) keyEquivalentModifierMask];
+}
+
 NSUInteger group_end(NSArray* items, NSUInteger first) {
     const NSUInteger count = [items count];
     NSMenuItem* primary = [items objectAtIndex:first];
     NSUInteger end = first + 1;
     if ([primary isSeparatorItem]) return end;
-    for (; end < count; end++) {
-        NSMenuItem* item = [items objectAtIndex:end];
-        if (![item isAlternate]) break;
-        if (![[item keyEquivalent] isEqualToString:[primary keyEquivalent]]) break;
-    }
+    while (end < count && is_alternate_of(primary, items, end)) end++;
     return end;
 }
 
 NSMenuItem* shown_item(NSArray* items, NSUInteger first, NSUInteger end, NSUInteger modifiers) {
     for (NSUInteger i = first + 1; i < end; i++) {
-        NSMenuItem* item = [items objectAtIndex:i];
-        if (([item keyEquivalentModifierMask] & alternate_modifiers) == modifiers) return item;
+        if ((modifiers_of(items, i) & alternate_modifiers) != modifiers) continue;
+        return [items objectAtIndex:i];
     }
     return [items objectAtIndex:first];
 }

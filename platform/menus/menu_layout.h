@@ -58,7 +58,9 @@ class MenuLayout {
     int widest_title() const;
 
     MenuLook look_;
-    NSArray* source_ = nil;  // the menu's items, in order, when they were taken
+    NSArray* source_ = nil;          // the menu's own array of items, retained
+    NSUInteger source_changes_ = 0;  // when the items were taken
+    NSArray* shown_ = nil;           // the items of the rows, retained
     NSUInteger modifiers_ = 0;
     bool has_alternates_ = false;
     std::vector<MenuRow> rows_;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "look/menu_text.h"
+#include "menu_classes/menu_item_array.h"
 #include "menus/menu_items.h"
 
 namespace {
@@ -31,7 +32,10 @@ NSSize shown_image_size(const MenuLook& look, NSImage* image) {
                       std::max(1.0, std::round(size.height * shrink)));
 }
 
-MenuLayout::~MenuLayout() { [source_ release]; }
+MenuLayout::~MenuLayout() {
+    [source_ release];
+    [shown_ release];
+}
 
 void MenuLayout::update(NSMenu* menu, NSUInteger modifiers) {
     take_items(menu, modifiers);
@@ -42,22 +46,19 @@ void MenuLayout::update(NSMenu* menu, NSUInteger modifiers) {
 bool MenuLayout::is_stale(NSMenu* menu, NSUInteger modifiers) const {
     if (has_alternates_ && (modifiers & alternate_modifiers) != modifiers_) return true;
     NSArray* items = [menu itemArray];
-    const NSUInteger count = [items count];
-    if (count != [source_ count]) return true;
-    if (!count) return false;
-    std::vector<id> now(count), then(count);
-    [items getObjects:now.data()];
-    [source_ getObjects:then.data()];
-    return now != then;
+    return items != source_ || changes_of_items(items) != source_changes_;
 }
 
 void MenuLayout::take_items(NSMenu* menu, NSUInteger modifiers) {
-    NSArray* source = [[NSArray alloc] initWithArray:[menu itemArray]];
+    NSArray* source = [[menu itemArray] retain];
     [source_ release];
     source_ = source;
+    source_changes_ = changes_of_items(source);
     modifiers_ = modifiers & alternate_modifiers;
-    NSMutableArray* shown = [NSMutableArray arrayWithCapacity:[source count]];
+    NSMutableArray* shown = [NSMutableArray new];
     append_visible_items(source, modifiers_, shown);
+    [shown_ release];
+    shown_ = shown;
     has_alternates_ = [shown count] != [source count];
     rows_.clear();
     rows_.reserve([shown count]);

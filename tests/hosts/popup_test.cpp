@@ -148,9 +148,25 @@ TEST(MenuText, IndentsAndMarks) {
     ItemSnapshot disabled = item("Gone");
     disabled.enabled = false;
     ItemSnapshot top = folder("Top", menu_of(item("a\nb"), std::move(alternate)));
-    EXPECT_EQ(write_menu_text(menu_of(std::move(top), std::move(separator), std::move(disabled))),
-              "Top >\n    a\xef\xbf\xbd"
-              "b\n    Inside [shift-option]\n--------\nGone (disabled)\n");
+    MenuText text;
+    text.add(top, 0);
+    for (const ItemSnapshot& inside : top.items) text.add(inside, 1);
+    text.add(separator, 0);
+    text.add(disabled, 0);
+    EXPECT_EQ(text.parts(), Titles({"Top >\n    a\xef\xbf\xbd"
+                                    "b\n    Inside [shift-option]\n--------\nGone (disabled)\n"}));
+}
+
+TEST(MenuText, OfAnySizeIsCompleteAndInOrder) {
+    MenuText text;
+    std::string expected, whole;
+    for (int i = 0; i < 200000; i++) {
+        const std::string title = "entry " + std::to_string(i);
+        text.add(item(title), 2);
+        expected += "        " + title + "\n";
+    }
+    for (const std::string& part : text.parts()) whole += part;
+    EXPECT_TRUE(whole == expected);
 }
 
 TEST(MenuJson, HasEveryKeyOfAnItem) {

@@ -1,0 +1,178 @@
+#include "menu_classes/menu_item_array.h"
+
+#include <algorithm>
+
+#include "menu_classes/packed_items.h"
+
+namespace {
+
+constexpr uintptr_t packed_mark = 1;
+
+bool is_packed(uintptr_t place) { return place & packed_mark; }
+
+NSMenuItem* object_in(uintptr_t place) { return reinterpret_cast<NSMenuItem*>(place); }
+
+const PackedItems::Word* packed_in(uintptr_t place) {
+    return reinterpret_cast<const PackedItems::Word*>(place & ~packed_mark);
+}
+
+uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
+
+}  // namespace
+
+@implementation MenuItemArray
+
+- (instancetype)init {
+    if (!(self = [super init])) return nil;
+    _places = new std::vector<uintptr_t>;
+    _packed = new PackedItems;
+    return self;
+}
+
+- (void)dealloc {
+    for (const uintptr_t place : *_places) {
+        if (is_packed(place)) {
+            _packed->drop(packed_in(place));
+        } else {
+            [object_in(place) release];
+        }
+    }
+    delete _places;
+    delete _packed;
+    [super dealloc];
+}
+
+- (uintptr_t&)placeAtIndex:(NSUInteger)index {
+    if (index >= _places->size()) {
+        [NSException
+             raise:NSRangeException
+            format:@"no item %lu of %zu", static_cast<unsigned long>(index), _places->size()];
+    }
+    return (*_places)[index];
+}
+
+- (NSUInteger)count {
+    return _places->size();
+}
+
+- (id)objectAtIndex:(NSUInteger)index {
+    uintptr_t& place = [self placeAtIndex:index];
+    if (is_packed(place)) {
+        place = place_for(_packed->unpack(packed_in(place)));
+        if (_isLeft) [object_in(place) setMenu:nil];
+    }
+    return object_in(place);
+}
+
+- (void)insertObject:(id)item atIndex:(NSUInteger)index {
+    if (!item) [NSException raise:NSInvalidArgumentException format:@"no item to insert"];
+    if (index > _places->size()) [self placeAtIndex:index];
+    _changes++;
+    _places->insert(_places->begin() + static_cast<ptrdiff_t>(index), place_for([item retain]));
+}
+
+- (void)addObject:(id)item {
+    [self insertObject:item atIndex:_places->size()];
+}
+
+- (void)removeObjectAtIndex:(NSUInteger)index {
+    NSMenuItem* const item = [self objectAtIndex:index];
+    _places->erase(_places->begin() + static_cast<ptrdiff_t>(index));
+    _changes++;
+    [item release];
+}
+
+- (void)removeLastObject {
+    [self removeObjectAtIndex:_places->size() - 1];
+}
+
+- (void)replaceObjectAtIndex:(NSUInteger)index withObject:(id)item {
+    NSMenuItem* const replaced = [self objectAtIndex:index];
+    [self placeAtIndex:index] = place_for([item retain]);
+    _changes++;
+    [replaced release];
+}
+
+// An item that somebody has is not packed.
+- (NSUInteger)indexOfObjectIdenticalTo:(id)item {
+    const auto found = std::find(_places->begin(), _places->end(), place_for(item));
+    return found == _places->end() ? NSNotFound : static_cast<NSUInteger>(found - _places->begin());
+}
+
+- (void)packItemAtIndex:(NSUInteger)index {
+    uintptr_t& place = [self placeAtIndex:index];
+    if (is_packed(place)) return;
+    const PackedItems::Word* packed = _packed->pack(object_in(place));
+    if (packed) place = reinterpret_cast<uintptr_t>(packed) | packed_mark;
+}
+
+- (NSMenuItem*)glanceAtIndex:(NSUInteger)index {
+    const uintptr_t place = [self placeAtIndex:index];
+    return is_packed(place) ? _packed->stand_in(packed_in(place)) : object_in(place);
+}
+
+- (BOOL)isPackedAtIndex:(NSUInteger)index modifiers:(NSUInteger*)modifiers {
+    const uintptr_t place = [self placeAtIndex:index];
+    if (!is_packed(place)) return NO;
+    *modifiers = _packed->modifiers(packed_in(place));
+    return YES;
+}
+
+// A packed item's submenu is packed, too.
+- (NSMenuItem*)itemWithSubmenu:(NSMenu*)submenu {
+    for (const uintptr_t place : *_places) {
+        if (!is_packed(place) && [object_in(place) submenu] == submenu) return object_in(place);
+    }
+    return nil;
+}
+
+- (NSUInteger)changes {
+    return _changes;
+}
+
+- (void)leaveMenu {
+    _isLeft = YES;
+    for (const uintptr_t place : *_places) {
+        if (!is_packed(place)) [object_in(place) setMenu:nil];
+    }
+}
+
+@end
+
+static BOOL is_item_array(NSArray* items) {
+    static const Class ours = [MenuItemArray class];
+    return object_getClass(items) == ours;
+}
+
+void pack_item(NSMutableArray* items, NSUInteger index) {
+    if (is_item_array(items)) [static_cast<MenuItemArray*>(items) packItemAtIndex:index];
+}
+
+void leave_menu(NSMutableArray* items) {
+    if (is_item_array(items)) return [static_cast<MenuItemArray*>(items) leaveMenu];
+    for (NSMenuItem* item in items) [item setMenu:nil];
+}
+
+NSMenuItem* glance_at_item(NSArray* items, NSUInteger index) {
+    if (is_item_array(items)) return [static_cast<MenuItemArray*>(items) glanceAtIndex:index];
+    return [items objectAtIndex:index];
+}
+
+BOOL is_packed_item(NSArray* items, NSUInteger index, NSUInteger* modifiers) {
+    if (!is_item_array(items)) return NO;
+    return [static_cast<MenuItemArray*>(items) isPackedAtIndex:index modifiers:modifiers];
+}
+
+NSMenuItem* item_with_submenu(NSArray* items, NSMenu* submenu) {
+    if (is_item_array(items)) {
+        return [static_cast<MenuItemArray*>(items) itemWithSubmenu:submenu];
+    }
+    for (NSMenuItem* item in items) {
+        if ([item submenu] == submenu) return item;
+    }
+    return nil;
+}
+
+NSUInteger changes_of_items(NSArray* items) {
+    return is_item_array(items) ? [static_cast<MenuItemArray*>(items) changes] : 0;
+}

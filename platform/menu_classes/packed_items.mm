@@ -1,0 +1,210 @@
+#include "menu_classes/packed_items.h"
+
+#include <objc/runtime.h>
+#include <string.h>
+
+#include <bit>
+
+#include "menu_classes/menu_storage.h"
+
+namespace {
+
+using Word = PackedItems::Word;
+
+constexpr size_t block_words = 2048, most_kinds = 16;
+// An item differs from its kind in its title, its image and what its class adds.
+constexpr int most_differences = 4;
+// An item and its submenu, each with its first word.
+constexpr size_t longest_item = 2 * (1 + most_differences);
+
+// The first word of a packed object holds its kind, the places of the words that follow, and
+// whether a submenu comes after these.
+constexpr int places_shift = 8;
+constexpr Word kind_mask = 0xff, submenu_mark = Word(1) << 40;
+
+uint32_t places_in(Word head) { return static_cast<uint32_t>(head >> places_shift); }
+
+size_t place_of(Class owner, const char* field) {
+    return static_cast<size_t>(ivar_getOffset(class_getInstanceVariable(owner, field))) /
+           sizeof(Word);
+}
+
+// Where GNUstep's classes have their fields.
+struct Places {
+    Class item = [NSMenuItem class], menu = [NSMenu class];
+    size_t submenu = place_of(item, "_submenu");
+    size_t modifiers = place_of(item, "_keyEquivalentModifierMask");
+    // What an object releases when it goes. A menu that is packed has no more than these.
+    size_t owned_by_item[8] = {
+        place_of(item, "_title"),
+        place_of(item, "_keyEquivalent"),
+        place_of(item, "_image"),
+        place_of(item, "_onStateImage"),
+        place_of(item, "_offStateImage"),
+        place_of(item, "_mixedStateImage"),
+        place_of(item, "_representedObject"),
+        place_of(item, "_toolTip"),
+    };
+    size_t owned_by_menu[3] = {place_of(menu, "_title"), place_of(menu, "_items"),
+                               place_of(menu, "_name")};
+};
+
+const Places& places_of_fields() {
+    static const Places places;
+    return places;
+}
+
+template <size_t count>
+void release_fields(const Word* words, const size_t (&places)[count]) {
+    for (const size_t place : places) [reinterpret_cast<id>(words[place]) release];
+}
+
+// An object whose class does something when it goes may have told others where it is.
+bool goes_silently(id object, Class stock) {
+    const SEL deallocate = @selector(dealloc);
+    return class_getMethodImplementation(object_getClass(object), deallocate) ==
+           class_getMethodImplementation(stock, deallocate);
+}
+
+bool is_held_once(id object) { return NSExtraRefCount(object) == 0; }
+
+bool is_unseen(NSMenu* menu) {
+    static const Class stock = [NSMenu class];
+    return is_held_once(menu) && [menu isUntouched] && goes_silently(menu, stock);
+}
+
+bool is_unseen_alternate(NSMenuItem* item) {
+    static const Class stock = [NSMenuItem class];
+    if (![item isAlternate] || !is_held_once(item) || [[item keyEquivalent] length]) return false;
+    if (has_extras(item) || !goes_silently(item, stock)) return false;
+    NSMenu* const submenu = [item submenu];
+    return !submenu || is_unseen(submenu);
+}
+
+}  // namespace
+
+PackedItems::~PackedItems() {
+    if (item_) NSDeallocateObject(item_);
+    if (submenu_) NSDeallocateObject(submenu_);
+}
+
+const Word* PackedItems::pack(NSMenuItem* item) {
+    if (!is_unseen_alternate(item)) return nullptr;
+    NSMenu* const submenu = [item submenu];
+    Plan of_item, of_submenu;
+    if (!plan(item, places_of_fields().submenu, &of_item)) return nullptr;
+    if (submenu && !plan(submenu, 0, &of_submenu)) return nullptr;
+    const Word* const packed = make_room();
+    write(of_item, submenu ? submenu_mark : 0);
+    if (submenu) write(of_submenu, 0);
+    // What the fields refer to belongs to the packed item now.
+    if (submenu) NSDeallocateObject(submenu);
+    NSDeallocateObject(item);
+    return packed;
+}
+
+NSMenuItem* PackedItems::unpack(const Word* packed) const {
+    id item = nil, submenu = nil;
+    fill_both(packed, &item, &submenu);
+    return item;
+}
+
+NSMenuItem* PackedItems::stand_in(const Word* packed) {
+    fill_both(packed, &item_, &submenu_);
+    return item_;
+}
+
+void PackedItems::drop(const Word* packed) const {
+    const bool has_submenu = *packed & submenu_mark;
+    Word words[most_words];
+    read(packed, words);
+    release_fields(words, places_of_fields().owned_by_item);
+    if (!has_submenu) return;
+    read(packed, words);
+    release_fields(words, places_of_fields().owned_by_menu);
+}
+
+NSUInteger PackedItems::modifiers(const Word* packed) const {
+    const size_t place = places_of_fields().modifiers;
+    const uint32_t places = places_in(*packed), bit = uint32_t(1) << place;
+    if (!(places & bit)) return kinds_[*packed & kind_mask].words[place];
+    return packed[1 + std::popcount(places & (bit - 1))];
+}
+
+// The class, in the first word, is the kind's; `left_out` is packed elsewhere.
+bool PackedItems::plan(id object, size_t left_out, Plan* plan) {
+    const Class owner = object_getClass(object);
+    const size_t size = class_getInstanceSize(owner);
+    if (size > sizeof plan->words) return false;
+    memset(plan->words, 0, sizeof plan->words);
+    memcpy(plan->words, static_cast<void*>(object), size);
+    plan->words[0] = plan->words[left_out] = 0;
+    if (find_kind(owner, plan)) return true;
+    if (kinds_.size() == most_kinds) return false;
+    plan->kind = kinds_.size();
+    plan->places = 0;
+    Kind& kind = kinds_.emplace_back(Kind{owner, (size + sizeof(Word) - 1) / sizeof(Word), {}});
+    memcpy(kind.words, plan->words, sizeof kind.words);
+    return true;
+}
+
+bool PackedItems::find_kind(Class owner, Plan* plan) const {
+    for (size_t i = 0; i < kinds_.size(); i++) {
+        const Kind& kind = kinds_[i];
+        if (kind.owner != owner) continue;
+        plan->kind = i;
+        plan->places = 0;
+        for (size_t word = 0; word < kind.size_in_words; word++) {
+            plan->places |= uint32_t(plan->words[word] != kind.words[word]) << word;
+        }
+        if (std::popcount(plan->places) <= most_differences) return true;
+    }
+    return false;
+}
+
+Word* PackedItems::make_room() {
+    if (blocks_.empty() || block_words - used_ < longest_item) {
+        blocks_.emplace_back(new Word[block_words]);
+        used_ = 0;
+    }
+    return blocks_.back().get() + used_;
+}
+
+void PackedItems::write(const Plan& plan, Word mark) {
+    Word* const block = blocks_.back().get();
+    block[used_++] = plan.kind | Word(plan.places) << places_shift | mark;
+    for (uint32_t places = plan.places; places; places &= places - 1) {
+        block[used_++] = plan.words[std::countr_zero(places)];
+    }
+}
+
+Class PackedItems::read(const Word*& packed, Word* words) const {
+    const Word head = *packed++;
+    const Kind& kind = kinds_[head & kind_mask];
+    memcpy(words, kind.words, sizeof kind.words);
+    for (uint32_t places = places_in(head); places; places &= places - 1) {
+        words[std::countr_zero(places)] = *packed++;
+    }
+    return kind.owner;
+}
+
+void PackedItems::fill_both(const Word* packed, id* item, id* submenu) const {
+    const bool has_submenu = *packed & submenu_mark;
+    fill(packed, item);
+    if (!has_submenu) return;
+    fill(packed, submenu);
+    memcpy(reinterpret_cast<Word*>(*item) + places_of_fields().submenu, submenu, sizeof *submenu);
+}
+
+// Makes the object, unless there is one of its class.
+void PackedItems::fill(const Word*& packed, id* object) const {
+    Word words[most_words];
+    const Class owner = read(packed, words);
+    if (*object && object_getClass(*object) != owner) {
+        NSDeallocateObject(*object);
+        *object = nil;
+    }
+    if (!*object) *object = NSAllocateObject(owner, 0, NSDefaultMallocZone());
+    memcpy(reinterpret_cast<Word*>(*object) + 1, words + 1,
+           class_getInstanceSize(owner) - sizeof(Word));
+}

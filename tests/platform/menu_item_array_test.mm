@@ -1,0 +1,337 @@
+// Large menus, whose alternates have no objects until somebody asks for them.
+#include <AppKit/AppKit.h>
+#include <gtest/gtest.h>
+#include <host/menu_tracking.h>
+
+#include "support/app.h"
+#include "support/heap.h"
+
+namespace {
+
+int live_values, live_watched_items;
+
+// More than a large menu keeps as objects at its end.
+constexpr int rows = 1000;
+
+}  // namespace
+
+// A value that an item represents; counted.
+@interface CountedValue : NSObject
+@end
+@implementation CountedValue
+- (instancetype)init {
+    if ((self = [super init])) live_values++;
+    return self;
+}
+- (void)dealloc {
+    live_values--;
+    [super dealloc];
+}
+@end
+
+// Classes with fields of their own, like a plug-in's.
+@interface NumberedItem : NSMenuItem {
+  @public
+    long number;
+}
+@end
+@implementation NumberedItem
+@end
+
+@interface NumberedMenu : NSMenu {
+  @public
+    long number;
+    BOOL odd;
+}
+@end
+@implementation NumberedMenu
+@end
+
+// Tells when it goes.
+@interface WatchedItem : NSMenuItem
+@end
+@implementation WatchedItem
+- (void)dealloc {
+    live_watched_items--;
+    [super dealloc];
+}
+@end
+
+namespace {
+
+class LargeMenu : public testing::Test {
+  protected:
+    void SetUp() override {
+        test::start_application();
+        pool = [NSAutoreleasePool new];
+        live_values = live_watched_items = 0;
+        menu = [[NSMenu alloc] initWithTitle:@"large"];
+        [menu setAutoenablesItems:NO];
+    }
+    void TearDown() override {
+        [pool release];
+        EXPECT_EQ(live_values, 0) << "the items did not release what they represent";
+    }
+
+    void renew_pool() {
+        [pool release];
+        pool = [NSAutoreleasePool new];
+    }
+
+    static NSString* title(int row) { return [NSString stringWithFormat:@"row %d", row]; }
+
+    // An alternate with a submenu and everything else that an item can have.
+    static NSMenuItem* make_alternate(int row, Class item_class = [NumberedItem class]) {
+        NSMenuItem* item = [[[item_class alloc] initWithTitle:title(row)
+                                                       action:@selector(hit:)
+                                                keyEquivalent:@""] autorelease];
+        [item setAlternate:YES];
+        [item setKeyEquivalentModifierMask:row % 2 ? NSShiftKeyMask : NSAlternateKeyMask];
+        [item setTag:row];
+        [item setTarget:NSApp];
+        [item setRepresentedObject:[[CountedValue new] autorelease]];
+        NumberedMenu* submenu = [[[NumberedMenu alloc] initWithTitle:title(-row)] autorelease];
+        submenu->number = row;
+        submenu->odd = row % 2;
+        [submenu setDelegate:(id)NSApp];
+        [submenu setAutoenablesItems:NO];
+        [item setSubmenu:submenu];
+        return item;
+    }
+
+    void fill(Class item_class = [NumberedItem class]) {
+        for (int row = 0; row < rows; row++) {
+            @autoreleasepool {
+                [menu addItemWithTitle:title(row) action:@selector(hit:) keyEquivalent:@""];
+                NSMenuItem* item = make_alternate(row, item_class);
+                if (item_class == [NumberedItem class]) {
+                    static_cast<NumberedItem*>(item)->number = 10 * row;
+                }
+                [menu addItem:item];
+            }
+        }
+    }
+
+    void expect_alternate(NumberedItem* item, int row) {
+        EXPECT_EQ([item class], [NumberedItem class]);
+        EXPECT_TRUE([[item title] isEqualToString:title(row)]);
+        EXPECT_TRUE([item isAlternate]);
+        EXPECT_TRUE([item isEnabled]);
+        EXPECT_EQ([item keyEquivalentModifierMask],
+                  NSUInteger(row % 2 ? NSShiftKeyMask : NSAlternateKeyMask));
+        EXPECT_EQ([item tag], row);
+        EXPECT_EQ([item target], NSApp);
+        EXPECT_TRUE(sel_isEqual([item action], @selector(hit:)));
+        EXPECT_EQ([[item representedObject] class], [CountedValue class]);
+        EXPECT_EQ([item menu], menu);
+        EXPECT_EQ(item->number, 10 * row);
+        NumberedMenu* submenu = static_cast<NumberedMenu*>([item submenu]);
+        ASSERT_EQ([submenu class], [NumberedMenu class]);
+        EXPECT_TRUE([[submenu title] isEqualToString:title(-row)]);
+        EXPECT_EQ(submenu->number, row);
+        EXPECT_EQ(submenu->odd, row % 2);
+        EXPECT_EQ([submenu supermenu], menu);
+        EXPECT_EQ([submenu delegate], (id)NSApp);
+        EXPECT_FALSE([submenu autoenablesItems]);
+        EXPECT_EQ([submenu numberOfItems], 0);
+        EXPECT_EQ([submenu retainCount], 1u);
+    }
+
+    NSAutoreleasePool* pool;
+    NSMenu* menu;
+};
+
+}  // namespace
+
+TEST_F(LargeMenu, ShowsEachItemAsItWasAdded) {
+    fill();
+    ASSERT_EQ([menu numberOfItems], 2 * rows);
+    for (int row = 0; row < rows; row++) {
+        expect_alternate((NumberedItem*)[menu itemAtIndex:2 * row + 1], row);
+    }
+    [menu release];
+}
+
+TEST_F(LargeMenu, KeepsAnItemThatSomebodyHasSeen) {
+    fill();
+    for (int row = 0; row < rows; row++) {
+        NSMenuItem* item = (NSMenuItem*)[menu itemAtIndex:2 * row + 1];
+        [item setTitle:@"changed"];
+        EXPECT_EQ([[menu itemArray] objectAtIndex:2 * row + 1], item);
+        EXPECT_EQ([menu indexOfItem:item], 2 * row + 1);
+        EXPECT_TRUE([[[menu itemAtIndex:2 * row + 1] title] isEqualToString:@"changed"]);
+    }
+    [menu release];
+}
+
+TEST_F(LargeMenu, TakesHalfTheMemoryOfItsAlternates) {
+    fill();
+    const size_t before = test::memory_in_use();
+    for (NSMenuItem* item in [menu itemArray]) (void)item;
+    const size_t objects = test::memory_in_use() - before;
+    // Two objects of at least 144 and 120 bytes each, for all but the last of them.
+    EXPECT_GT(objects, rows / 2 * size_t(264));
+    [menu release];
+}
+
+TEST_F(LargeMenu, KeepsTheItemsThatOthersHold) {
+    NSMutableArray* held = [NSMutableArray array];
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NSMenuItem* item = make_alternate(row);
+            [held addObject:row % 2 ? (id)item : (id)[item submenu]];
+            [menu addItem:item];
+        }
+    }
+    for (int row = 0; row < rows; row++) {
+        NSMenuItem* item = (NSMenuItem*)[menu itemAtIndex:row];
+        EXPECT_EQ(row % 2 ? (id)item : (id)[item submenu], [held objectAtIndex:row]);
+    }
+    [held removeAllObjects];
+    [menu release];
+}
+
+TEST_F(LargeMenu, KeepsItemsWhoseClassTellsThatTheyGo) {
+    live_watched_items = rows;
+    fill([WatchedItem class]);
+    EXPECT_EQ(live_watched_items, rows);
+    [menu release];
+    EXPECT_EQ(live_watched_items, 0);
+}
+
+TEST_F(LargeMenu, KeepsItemsWithAViewOrAnAttributedTitle) {
+    NSView* view = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 9, 9)] autorelease];
+    NSAttributedString* text = [[[NSAttributedString alloc] initWithString:@"text"] autorelease];
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NSMenuItem* item = make_alternate(row);
+            if (row % 2) {
+                [item setView:view];
+            } else {
+                [item setAttributedTitle:text];
+            }
+            [menu addItem:item];
+        }
+    }
+    for (int row = 0; row < rows; row++) {
+        NSMenuItem* item = (NSMenuItem*)[menu itemAtIndex:row];
+        EXPECT_EQ([item view], row % 2 ? view : nil);
+        EXPECT_TRUE(row % 2 || [[item attributedTitle] isEqualToAttributedString:text]);
+    }
+    [menu release];
+}
+
+TEST_F(LargeMenu, KeepsSubmenusWithItemsOrAFont) {
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NSMenuItem* item = make_alternate(row);
+            if (row % 2) {
+                [[item submenu] addItemWithTitle:@"inside" action:NULL keyEquivalent:@""];
+            } else {
+                [[item submenu] setFont:[NSFont systemFontOfSize:9]];
+            }
+            [menu addItem:item];
+        }
+    }
+    for (int row = 0; row < rows; row++) {
+        NSMenu* submenu = [(NSMenuItem*)[menu itemAtIndex:row] submenu];
+        EXPECT_EQ([submenu numberOfItems], row % 2);
+        EXPECT_EQ([submenu font] != nil, row % 2 == 0);
+    }
+    [menu release];
+}
+
+TEST_F(LargeMenu, LosesItemsInAnyOrder) {
+    fill();
+    for (int i = 0; i < rows; i++) [menu removeItemAtIndex:i + 1];  // the alternates
+    renew_pool();
+    ASSERT_EQ([menu numberOfItems], rows);
+    EXPECT_EQ(live_values, 0);
+    for (int row = 0; row < rows; row++)
+        [menu insertItem:make_alternate(row) atIndex:rows - row / 2];
+    EXPECT_EQ([menu numberOfItems], 2 * rows);
+    [menu removeAllItems];
+    renew_pool();
+    EXPECT_EQ(live_values, 0);
+    [menu release];
+}
+
+TEST_F(LargeMenu, ReleasesTheItemsThatNobodyHasSeen) {
+    fill();
+    EXPECT_EQ(live_values, rows);
+    [menu release];
+    renew_pool();
+    EXPECT_EQ(live_values, 0);
+}
+
+TEST_F(LargeMenu, LeavesItemsWithoutAMenuWhenItGoes) {
+    fill();
+    NSArray* items = [[menu itemArray] retain];
+    [menu release];
+    for (NSMenuItem* item in items) {
+        EXPECT_EQ([item menu], nil);
+        EXPECT_EQ([[item submenu] supermenu], nil);
+    }
+    [items release];
+}
+
+TEST_F(LargeMenu, FindsTheItemOfAnOpenSubmenu) {
+    fill();
+    NSMenuItem* item = (NSMenuItem*)[menu itemAtIndex:2 * 300 + 1];
+    NSMenuItem* inside = [[[NSMenuItem alloc] initWithTitle:@"inside" action:NULL
+                                              keyEquivalent:@""] autorelease];
+    [[item submenu] addItem:inside];
+    EXPECT_EQ([inside parentItem], item);
+    [menu release];
+}
+
+TEST_F(LargeMenu, ShowsTheAlternatesOfTheHeldKeys) {
+    fill();
+    const struct {
+        NSUInteger modifiers;
+        int remainder;
+    } cases[] = {{NSShiftKeyMask, 1}, {NSAlternateKeyMask, 0}, {0, -1}};
+    for (const auto& held : cases) {
+        NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:held.modifiers];
+        ASSERT_EQ([shown count], NSUInteger(rows));
+        for (int row = 0; row < rows; row++) {
+            NSMenuItem* item = [shown objectAtIndex:row];
+            EXPECT_EQ([item isAlternate], row % 2 == held.remainder);
+            EXPECT_TRUE([[item title] isEqualToString:title(row)]);
+        }
+    }
+    [menu release];
+}
+
+TEST_F(LargeMenu, ShowsAlternatesThatDifferOnlyInTheirKeys) {
+    for (int row = 0; row < rows; row++) {
+        [menu addItemWithTitle:@"" action:@selector(hit:) keyEquivalent:@""];
+        NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:@""
+                                                      action:@selector(hit:)
+                                               keyEquivalent:@""];
+        [item setAlternate:YES];
+        [item setKeyEquivalentModifierMask:row % 2 ? NSShiftKeyMask : NSAlternateKeyMask];
+        [menu addItem:item];
+        [item release];
+    }
+    NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:NSShiftKeyMask];
+    for (int row = 0; row < rows; row++) {
+        EXPECT_EQ([[shown objectAtIndex:row] isAlternate], row % 2);
+    }
+    [menu release];
+}
+
+TEST_F(LargeMenu, IsReadWithoutMakingItsItems) {
+    fill();
+    const size_t before = test::memory_in_use();
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NSMenuItem* item = [menu glanceAtItemAtIndex:2 * row + 1];
+            EXPECT_TRUE([[item title] isEqualToString:title(row)]);
+            EXPECT_EQ([item tag], row);
+            EXPECT_TRUE([[[item submenu] title] isEqualToString:title(-row)]);
+        }
+    }
+    EXPECT_LT(test::memory_in_use() - before, 100 * size_t(264));
+    [menu release];
+}
