@@ -53,7 +53,7 @@ def subcommands(help_text):
 
 def options(help_text):
     """The long options of a help text."""
-    return set(re.findall(r"^  (?:-\w,)?(--[a-z]+)", help_text, re.M))
+    return set(re.findall(r"^  (?:-\w,)?(--[a-z-]+)", help_text, re.M))
 
 
 def all_helps(run):
