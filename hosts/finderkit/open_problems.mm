@@ -1,7 +1,6 @@
 #include "finderkit/open_problems.h"
 
 #include <AppKit/AppKit.h>
-#include <Carbon/Carbon.h>
 #include <host/opening_files.h>
 
 #include <host/process.h>
@@ -9,6 +8,7 @@
 #include "file_steps/visible_text.h"
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in_items.h"
+#include "operations_ui/caution_alert.h"
 
 // Notices a pick that had no effect without any attempt to open.
 @interface PickWatch : NSObject {
@@ -63,15 +63,8 @@ std::string lines_of(const std::vector<OpenProblem>& problems) {
 }
 
 void show_alert(const std::string& title, const std::string& text) {
-    NSString* message = [NSString stringWithUTF8String:title.c_str()];
-    NSString* explanation = [NSString stringWithUTF8String:text.c_str()];
-    DialogRef alert = nullptr;
-    if (CreateStandardAlert(kAlertCautionAlert, (CFStringRef)message, (CFStringRef)explanation,
-                            nullptr, &alert) != noErr) {
-        return;
-    }
-    DialogItemIndex item = 0;
-    RunStandardAlert(alert, nullptr, &item);
+    operations::show_caution([NSString stringWithUTF8String:title.c_str()],
+                             [NSString stringWithUTF8String:text.c_str()]);
 }
 
 }  // namespace

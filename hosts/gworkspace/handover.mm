@@ -12,6 +12,7 @@
 
 #include "gworkspace/gworkspace_classes.h"
 #include "gworkspace/last_look.h"
+#include "gworkspace/left_out.h"
 #include "gworkspace/question_keyboard.h"
 
 using operations::Kind;
@@ -160,7 +161,11 @@ bool hand_to_gworkspace(const Request& request, const std::function<void()>& beg
         dictionaryWithObjectsAndKeys:operation_of(request.kind), @"operation", source, @"source",
                                      destination, @"destination", names, @"files", nil];
     static GWorkspaceBeginning* beginning = [GWorkspaceBeginning new];
-    [beginning expect:order begins:begins];
+    [beginning expect:order
+               begins:[=] {
+                   tell_what_is_left_out(request, order);
+                   begins();
+               }];
     give_questions_the_keyboard();
     return begins_after_look(
         order, [&] { return is_for_gworkspace(request); },

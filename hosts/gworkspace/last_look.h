@@ -7,6 +7,16 @@
 
 #include <functional>
 
+// One of GWorkspace's operations (FileOpInfo) is this notification's object. It is sent after the
+// operation has closed its window, for orders that went through the function below.
+extern NSString* const operation_has_ended;
+
+@interface NSObject (GWorkspaceOperationWords)
+- (NSString*)type;
+- (NSString*)source;
+- (NSString*)destination;
+@end
+
 // Calls `start`, which gives the order to GWorkspace and may wait for a click. Calls `look` when
 // GWorkspace begins. Returns false if the look said no: GWorkspace has done nothing then, and does
 // nothing further. In any case GWorkspace replaces nothing, and does not ask to.

@@ -7,14 +7,13 @@
 // One of GWorkspace's operations (FileOpInfo). An executor in a thread of its own does the work; it
 // registers when the thread runs.
 @interface NSObject (GWorkspaceFileOperation)
-- (NSString*)type;
-- (NSString*)source;
-- (NSString*)destination;
 - (void)detachOperationThread;
 - (void)registerExecutor:(id)executor;
 - (void)endOperation;
 - (BOOL)checkSameName;
 @end
+
+NSString* const operation_has_ended = @"DelvioOperationOfGWorkspacesHasEnded";
 
 // A proxy in front of the executor that answers its check for taken names with no. The executor
 // then removes nothing, and leaves out files whose names are not free.
@@ -58,6 +57,7 @@ using Register = void (*)(id, SEL, id);
 
 Detach original_detach;
 Register original_register;
+Detach original_end;
 
 // The order that is being given.
 struct AwaitedOrder {
@@ -101,6 +101,12 @@ void register_executor(id operation, SEL selector, id executor) {
     original_register(operation, selector, executor);
 }
 
+void end_operation(id operation, SEL selector) {
+    original_end(operation, selector);
+    [[NSNotificationCenter defaultCenter] postNotificationName:operation_has_ended
+                                                        object:operation];
+}
+
 template <typename function_t>
 void replace(SEL selector, function_t with, function_t* original) {
     Method method = class_getInstanceMethod(objc_lookUpClass("FileOpInfo"), selector);
@@ -113,6 +119,7 @@ void stand_between() {
     if (original_detach) return;
     replace(@selector(detachOperationThread), &detach, &original_detach);
     replace(@selector(registerExecutor:), &register_executor, &original_register);
+    replace(@selector(endOperation), &end_operation, &original_end);
 }
 
 }  // namespace

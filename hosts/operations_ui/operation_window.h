@@ -18,6 +18,9 @@ std::shared_ptr<Observer> make_window_observer(const Request& request,
                                                std::function<void(const Report&)> ended,
                                                Asks asks = Asks::Each);
 
+// An alert with the failures of a request; none if nothing failed.
+void show_failures(const Report& report);
+
 // Whether a request with such an observer has not ended yet.
 bool windows_are_needed();
 

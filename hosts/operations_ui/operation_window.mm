@@ -1,8 +1,8 @@
 #include "operations_ui/operation_window.h"
 
 #include <AppKit/AppKit.h>
-#include <Carbon/Carbon.h>
 
+#include "operations_ui/caution_alert.h"
 #include "operations_ui/conflict_panel.h"
 #include "operations_ui/operation_texts.h"
 #include "operations_ui/progress_board.h"
@@ -17,18 +17,6 @@ constexpr double width = 460, height = 142, margin = 24;
 enum { no_item, title_item, bar_item, name_item, detail_item, cancel_item };
 
 using Ended = std::function<void(const operations::Report&)>;
-
-void show_failures(const operations::Report& report) {
-    NSString* title = operations::failure_title_of(report);
-    DialogRef alert = nullptr;
-    if (!title) return;
-    NSString* reasons = operations::failure_reasons_of(report);
-    if (CreateStandardAlert(kAlertCautionAlert, (CFStringRef)title, (CFStringRef)reasons, nullptr,
-                            &alert) == noErr) {
-        DialogItemIndex item = 0;
-        RunStandardAlert(alert, nullptr, &item);
-    }
-}
 
 PanelContent content_of(NSString* title) {
     PanelContent content;
@@ -165,7 +153,7 @@ NSUInteger running = 0;
     [[self retain] autorelease];
     [_timer invalidate];
     [_panel orderOut:nil];
-    show_failures(report);
+    operations::show_failures(report);
     running--;
     if (*_ended) (*_ended)(report);
 }
@@ -181,6 +169,12 @@ std::shared_ptr<Observer> make_window_observer(const Request& request, Ended end
                                       ended:ended
                                        asks:asks] release];
     return board;
+}
+
+void show_failures(const Report& report) {
+    if (NSString* title = failure_title_of(report)) {
+        show_caution(title, failure_reasons_of(report));
+    }
 }
 
 bool windows_are_needed() { return running > 0; }

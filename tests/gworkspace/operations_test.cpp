@@ -270,13 +270,19 @@ TEST_F(Operations, ANameThatIsTakenWhileGWorkspaceAsksIsAskedAboutOnceMoreAndRep
     fs::remove(source);
 }
 
-TEST_F(Operations, ANameThatIsTakenAsGWorkspaceBeginsIsNotAskedAboutByGWorkspace) {
+TEST_F(Operations, ANameThatIsTakenAsGWorkspaceBeginsIsNotReplacedAndTheUserIsTold) {
     const std::string source = add("last.txt", "new"), other = add("other.txt", "other");
     manager().ask("take_at_start " + basket("last.txt"));
     pick_for(source, to_basket);
     answer("Move one item from");
     EXPECT_TRUE(wait_until([&] { return read_file(basket("last.txt")) == "taken"; }));
-    // It has come to an end, without a question, when it moves another.
+    EXPECT_TRUE(wait_until([&] {
+        return manager().ask("told") ==
+               "One item failed.\n\"last.txt\" was not moved: \"basket\" has a file of that name "
+               "now";
+    })) << manager().ask("told");
+    refuse_by_return();
+    // It has come to an end, without a question of its own, when it moves another.
     pick_for(other, to_basket);
     answer("Move one item from");
     EXPECT_TRUE(wait_until([&] { return !fs::exists(other); })) << manager().ask("alert");

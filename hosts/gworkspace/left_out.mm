@@ -1,0 +1,107 @@
+#include "gworkspace/left_out.h"
+
+#include <sys/stat.h>
+
+#include "file_steps/folder.h"
+#include "file_steps/visible_text.h"
+#include "gworkspace/last_look.h"
+#include "operations_ui/operation_window.h"
+
+using operations::Kind;
+using operations::Outcome;
+using operations::Report;
+using operations::Request;
+using operations::State;
+
+// Waits for the end of one order, and lives until then.
+@interface LeftOutWatch : NSObject {
+  @private
+    Request* _request;
+    NSDictionary* _order;
+    NSMutableSet* _done;  // names
+}
+- (instancetype)initWithRequest:(const Request&)request order:(NSDictionary*)order;
+@end
+
+namespace {
+
+bool is_there(const std::string& path) {
+    struct stat what;
+    return lstat(path.c_str(), &what) == 0;
+}
+
+const char* verb_of(Kind kind) {
+    if (kind == Kind::Alias) return "linked";
+    return kind == Kind::Move ? "moved" : "copied";
+}
+
+Outcome outcome_of(const std::string& source, const Request& request) {
+    return {source, State::Failed, "",
+            operations::quoted_name(source) + " was not " + verb_of(request.kind) + ": " +
+                operations::quoted_name(request.destination) + " has a file of that name now"};
+}
+
+}  // namespace
+
+@implementation LeftOutWatch
+
+- (instancetype)initWithRequest:(const Request&)request order:(NSDictionary*)order {
+    if (!(self = [super init])) return nil;
+    _request = new Request(request);
+    _order = [order copy];
+    _done = [NSMutableSet new];
+    NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
+    [center addObserver:[self retain]
+               selector:@selector(didChange:)
+                   name:@"GWFileSystemDidChangeNotification"
+                 object:nil];
+    [center addObserver:self selector:@selector(hasEnded:) name:operation_has_ended object:nil];
+    return self;
+}
+
+- (void)dealloc {
+    delete _request;
+    [_order release];
+    [_done release];
+    [super dealloc];
+}
+
+// The object describes the change in the words of the order. A paused operation sends several.
+- (void)didChange:(NSNotification*)notification {
+    NSDictionary* change = [notification object];
+    for (NSString* key in @[ @"operation", @"source", @"destination" ]) {
+        if (![[change objectForKey:key] isEqual:[_order objectForKey:key]]) return;
+    }
+    [_done addObjectsFromArray:[change objectForKey:@"files"]];
+}
+
+// GWorkspace's thread waits for the return of this method, so the alert comes later.
+- (void)hasEnded:(NSNotification*)notification {
+    id operation = [notification object];
+    if (![[operation type] isEqual:[_order objectForKey:@"operation"]] ||
+        ![[operation source] isEqual:[_order objectForKey:@"source"]] ||
+        ![[operation destination] isEqual:[_order objectForKey:@"destination"]]) {
+        return;
+    }
+    [[NSNotificationCenter defaultCenter] removeObserver:self];
+    [self performSelector:@selector(tell) withObject:nil afterDelay:0];
+}
+
+- (void)tell {
+    Report report;
+    for (const std::string& source : _request->sources) {
+        const std::string name = operations::name_in_path(source);
+        const bool is_done = [_done containsObject:[NSString stringWithUTF8String:name.c_str()]];
+        if (is_done || !is_there(source) || !is_there(_request->destination + "/" + name)) continue;
+        report.outcomes.push_back(outcome_of(source, *_request));
+    }
+    operations::show_failures(report);
+    [self autorelease];
+}
+
+@end
+
+void tell_what_is_left_out(const Request& request, NSDictionary* order) {
+    if (request.kind == Kind::Trash) return;
+    [[[LeftOutWatch alloc] initWithRequest:request order:order] release];
+}
