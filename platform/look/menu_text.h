@@ -5,6 +5,7 @@
 #include <pango/pangocairo.h>
 
 #include <string>
+#include <vector>
 
 #include "look/menu_look.h"
 
@@ -26,6 +27,9 @@ TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain);
 // Control characters but newlines are shown as signs.
 TextLayout paragraph(const MenuLook& look, const std::string& text, double size, bool bold,
                      int width);
+
+// Where each character of an ASCII text on one line ends, in pixels.
+std::vector<double> ends_of_characters(const MenuLook& look, const std::string& text);
 
 // Pixels that the text takes.
 int text_width(const TextLayout& text);

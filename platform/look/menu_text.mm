@@ -163,18 +163,21 @@ std::string folded(const std::string& text) {
     return result;
 }
 
-TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain) {
+static TextLayout line_layout(const MenuLook& look, const std::string& bytes) {
     TextLayout text(pango_layout_new(text_context()));
     pango_layout_set_single_paragraph_mode(text.get(), TRUE);
     PangoFontDescription* font =
         description(look.family, look.font_size * look.scale, look.bold, look.italic);
     pango_layout_set_font_description(text.get(), font);
     pango_font_description_free(font);
+    pango_layout_set_text(text.get(), bytes.data(), static_cast<int>(bytes.size()));
+    return text;
+}
 
+TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain) {
     NSAttributedString* attributed = [item attributedTitle];
     const std::vector<unichar> title = characters(attributed ? [attributed string] : [item title]);
-    const std::string bytes = utf8(title);
-    pango_layout_set_text(text.get(), bytes.data(), bytes.size());
+    TextLayout text = line_layout(look, utf8(title));
     if (attributed) {
         PangoAttrList* list = attributes(look, attributed, title, plain);
         pango_layout_set_attributes(text.get(), list);
@@ -205,6 +208,18 @@ TextLayout paragraph(const MenuLook& look, const std::string& given, double size
     pango_layout_set_width(layout.get(), width * PANGO_SCALE);
     pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
     return layout;
+}
+
+std::vector<double> ends_of_characters(const MenuLook& look, const std::string& text) {
+    const TextLayout layout = line_layout(look, text);
+    PangoLayoutLine* const line = pango_layout_get_line_readonly(layout.get(), 0);
+    std::vector<double> ends(text.size());
+    for (size_t i = 0; i < text.size(); i++) {
+        int end = 0;
+        pango_layout_line_index_to_x(line, static_cast<int>(i), TRUE, &end);
+        ends[i] = double(end) / PANGO_SCALE;
+    }
+    return ends;
 }
 
 int text_width(const TextLayout& text) {

@@ -55,6 +55,7 @@ class MenuLayout {
     void place_rows();
     void measure_width();
     MenuRow make_row(NSMenuItem* item, int top) const;
+    std::vector<NSMenuItem*> widest_items() const;
     int widest_title() const;
 
     MenuLook look_;

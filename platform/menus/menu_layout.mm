@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "look/menu_text.h"
+#include "look/title_widths.h"
 #include "menu_classes/menu_item_array.h"
 #include "menus/menu_items.h"
 
@@ -12,12 +13,25 @@ namespace {
 // Wider images are pictures to look at, not signs in the column of images.
 const double widest_sign = 48;
 const double largest_picture = 640;
-// Measuring text is most of a level's cost, so only the titles with the most characters are
-// measured: the widest title is among them.
-const size_t measured_titles = 48;
+// Measuring text is most of the cost of showing a level, so only those titles are measured that
+// seem to be the widest.
+const size_t measured_titles = 12;
 
 int pixels(const MenuLook& look, double points) {
     return static_cast<int>(std::lround(points * look.scale));
+}
+
+// The font of a title's beginning; nil for the look's own.
+NSFont* title_font(NSMenuItem* item) {
+    NSAttributedString* const title = [item attributedTitle];
+    if (![title length]) return nil;
+    return [title attribute:NSFontAttributeName atIndex:0 effectiveRange:nullptr];
+}
+
+double estimated_width(const MenuLook& look, NSMenuItem* item) {
+    const double width = TitleWidths::of(look).estimate([item title]);
+    NSFont* const font = title_font(item);
+    return font ? width * [font pointSize] / look.font_size : width;
 }
 
 bool is_picture(NSImage* image) { return [image size].width > widest_sign; }
@@ -103,20 +117,27 @@ void MenuLayout::place_rows() {
     height_ = top + look_.inset;
 }
 
-int MenuLayout::widest_title() const {
-    std::vector<std::pair<NSUInteger, NSMenuItem*>> titles;
-    titles.reserve(rows_.size());
+// The rows whose titles are measured.
+std::vector<NSMenuItem*> MenuLayout::widest_items() const {
+    std::vector<NSMenuItem*> items;
     for (const MenuRow& row : rows_) {
-        if (row.kind == title_row) {
-            titles.push_back({[[row.item title] length], row.item});
-        }
+        if (row.kind == title_row) items.push_back(row.item);
     }
-    const size_t count = std::min(titles.size(), measured_titles);
-    std::partial_sort(titles.begin(), titles.begin() + count, titles.end(),
+    if (items.size() <= measured_titles) return items;
+    std::vector<std::pair<double, NSMenuItem*>> titles;
+    titles.reserve(items.size());
+    for (NSMenuItem* item : items) titles.push_back({estimated_width(look_, item), item});
+    std::partial_sort(titles.begin(), titles.begin() + measured_titles, titles.end(),
                       [](const auto& a, const auto& b) { return a.first > b.first; });
+    items.clear();
+    for (size_t i = 0; i < measured_titles; i++) items.push_back(titles[i].second);
+    return items;
+}
+
+int MenuLayout::widest_title() const {
     int widest = 0;
-    for (size_t i = 0; i < count; i++) {
-        widest = std::max(widest, text_width(item_text(look_, titles[i].second, true)));
+    for (NSMenuItem* item : widest_items()) {
+        widest = std::max(widest, text_width(item_text(look_, item, true)));
     }
     return std::min(widest, look_.title_limit);
 }

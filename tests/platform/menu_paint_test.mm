@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "look/bitmaps.h"
+#include "look/menu_text.h"
 #include "menus/menu_paint.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
@@ -141,4 +142,41 @@ TEST_F(MenuPaint, ADimRowIsLegibleWhileItIsHighlighted) {
         }
     }
     EXPECT_GT(brightest, 240u);
+}
+
+// Most titles have more characters than the widest, or letters as wide.
+TEST_F(MenuPaint, TheWidestOfManyTitlesIsShownWhole) {
+    const struct {
+        unichar letter;
+        NSUInteger count;
+    } titles[] = {{'W', 24}, {0x5199, 22}, {0x0429, 24}};  // Latin, Chinese, Russian
+    for (const auto& title : titles) {
+        NSString* letter = [NSString stringWithCharacters:&title.letter length:1];
+        NSString* widest = [@"" stringByPaddingToLength:title.count
+                                             withString:letter
+                                        startingAtIndex:0];
+        menu_ = [[[NSMenu alloc] initWithTitle:@"menu"] autorelease];
+        [menu_ setAutoenablesItems:NO];
+        for (int i = 0; i < 100; i++) {
+            add([NSString stringWithFormat:@"liftlift.iflitllifttlil!,ltftilift.itl %d", i]);
+            add([NSString stringWithFormat:@"Minutes of June %d", i]);
+        }
+        NSMenuItem* item = add(widest);
+        layout_.update(menu_, 0);
+        const MenuRow& row = layout_.rows()[static_cast<size_t>(layout_.row_of(item))];
+        const int room = layout_.title_right() - layout_.title_left(row);
+        EXPECT_EQ(room, text_width(item_text(layout_.look(), item, true)));
+    }
+}
+
+TEST_F(MenuPaint, TheWidestTitleInAFontOfItsOwnIsShownWhole) {
+    for (int i = 0; i < 100; i++) add([NSString stringWithFormat:@"Minutes of June %d", i]);
+    NSMenuItem* item = add(@"Minutes");
+    NSDictionary* attributes = @{NSFontAttributeName : [NSFont systemFontOfSize:60]};
+    [item setAttributedTitle:[[[NSAttributedString alloc] initWithString:@"Minutes"
+                                                              attributes:attributes] autorelease]];
+    layout_.update(menu_, 0);
+    const MenuRow& row = layout_.rows()[static_cast<size_t>(layout_.row_of(item))];
+    const int room = layout_.title_right() - layout_.title_left(row);
+    EXPECT_EQ(room, text_width(item_text(layout_.look(), item, true)));
 }
