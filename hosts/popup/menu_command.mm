@@ -4,6 +4,7 @@
 #include <host/modifier_keys.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "command/exit_signals.h"
 #include "command/file_arguments.h"
@@ -55,12 +56,15 @@ void warn_of_other_encodings(const std::vector<std::string>& files) {
 
 bool is_written(MenuForm form) { return form == MenuForm::text || form == MenuForm::json; }
 
-bool prepare(MenuRequest& request, std::string* problem) {
+using Stage = std::optional<PreparedMenuStage>;
+
+bool prepare(MenuRequest& request, Stage* stage, std::string* problem) {
     if (is_written(request.form)) keep_output_pure();
     if (!resolve_files(&request.files, problem)) return false;
     const std::string bundle = find_plug_in(problem);
     if (bundle.empty() || !have_display(request.form, problem)) return false;
     warn_of_other_encodings(request.files);
+    if (request.form == MenuForm::shown) stage->emplace();
     start_application();
     set_held_modifier_flags(request.modifiers);
     offer_file_operations(request);
@@ -113,15 +117,16 @@ int take_picture(HostMenu* host, const MenuRequest& request) {
         [[[MenuPhotographer alloc] initWithFile:request.picture
                                      openTitles:request.open_titles] autorelease];
     [photographer waitForMenu];
-    pop_up(host, nil, popup_point(request));
+    pop_up(host, nil, popup_point(request, nullptr));
     [photographer stop];
     return [photographer problem].empty() ? exit_done : failed([photographer problem]);
 }
 
-int show(HostMenu* host, const MenuRequest& request) {
+int show(HostMenu* host, const MenuRequest& request, Stage* stage) {
     MenuEnder* ender = [[MenuEnder new] autorelease];
     [ender watchForSignals];
-    pop_up(host, nil, popup_point(request));
+    pop_up(host, nil, popup_point(request, &**stage));
+    stage->reset();
     finish_drags();
     [ender stop];
     if (signal_caught()) return 128 + signal_caught();
@@ -143,7 +148,7 @@ void tell_open_problems(MenuForm form) {
     if (form == MenuForm::shown && !signal_caught()) show_open_problems(open_problems());
 }
 
-int run_form(HostMenu* host, const MenuRequest& request) {
+int run_form(HostMenu* host, const MenuRequest& request, Stage* stage) {
     switch (request.form) {
         case MenuForm::text:
         case MenuForm::json:
@@ -153,7 +158,7 @@ int run_form(HostMenu* host, const MenuRequest& request) {
         case MenuForm::pick:
             return pick(host, request);
         case MenuForm::shown:
-            return show(host, request);
+            return show(host, request, stage);
     }
     return exit_failed;
 }
@@ -166,11 +171,12 @@ int run_menu_command(MenuRequest request) {
         complain_about_usage(problem);
         return exit_misused;
     }
-    if (!prepare(request, &problem)) return failed(problem);
+    Stage stage;
+    if (!prepare(request, &stage, &problem)) return failed(problem);
     listen_for_open_problems(
         [](const OpenProblem& problem) { open_problems().push_back(problem); });
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
-    const int status = run_form(host, request);
+    const int status = run_form(host, request, &stage);
     finish_finder_events();
     const int operations_status = finish_file_operations();
     flush_bus();

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <AppKit/AppKit.h>
+#include <host/menu_stage.h>
 
 #include "command/command_line.h"
 
-// The place for the menu: the requested point, else the pointer; in AppKit's screen coordinates.
-NSPoint popup_point(const MenuRequest& request);
+// The place for the menu: the requested point, else the pointer; in AppKit's screen coordinates. In
+// a Wayland session the stage knows the pointer. It may be null.
+NSPoint popup_point(const MenuRequest& request, const PreparedMenuStage* stage);
 
 // Closes the open menu when a signal arrives.
 @interface MenuEnder : NSObject {

@@ -8,11 +8,13 @@
 #include "command/exit_signals.h"
 #include "popup/asked_operations.h"
 
-NSPoint popup_point(const MenuRequest& request) {
-    if (!request.has_point) return [NSEvent mouseLocation];
+NSPoint popup_point(const MenuRequest& request, const PreparedMenuStage* stage) {
+    int x = request.x, y = request.y;
+    const bool is_known = request.has_point || (stage && stage->pointer(&x, &y));
+    if (!is_known) return [NSEvent mouseLocation];
     // AppKit's coordinates begin at the lower left corner of the first screen.
     const NSRect screen = [[[NSScreen screens] objectAtIndex:0] frame];
-    return NSMakePoint(request.x, NSMaxY(screen) - request.y);
+    return NSMakePoint(x, NSMaxY(screen) - y);
 }
 
 @implementation MenuEnder

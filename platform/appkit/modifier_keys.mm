@@ -1,5 +1,6 @@
 #include <host/modifier_keys.h>
 
+#include "wayland/menu_stage.h"
 #include "x11/pointer_place.h"
 #include "x11/question_connection.h"
 
@@ -56,6 +57,13 @@ NSUInteger flags_of_key(Display* display, KeyCode code) {
     return flags;
 }
 
+// The X server does not see the keys that a Wayland compositor gives to the menu's stage.
+NSUInteger stage_flags() {
+    NSUInteger flags = 0;
+    for (const uint32_t symbol : stage_symbols()) flags |= flags_of(symbol);
+    return flags;
+}
+
 NSUInteger keyboard_flags() {
     Display* display = question_connection();
     if (!display) return 0;
@@ -78,4 +86,4 @@ void set_held_modifier_flags(NSUInteger flags) { held_flags = flags; }
 
 NSUInteger held_modifier_flags(void) { return held_flags; }
 
-NSUInteger current_modifier_flags(void) { return keyboard_flags() | held_flags; }
+NSUInteger current_modifier_flags(void) { return keyboard_flags() | stage_flags() | held_flags; }

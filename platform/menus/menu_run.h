@@ -9,6 +9,7 @@
 #include "menus/menu_levels.h"
 #include "x11/input_grab.h"
 #include "menus/pointer_tracker.h"
+#include "menus/stage_input.h"
 
 @class MenuRunWatcher;
 
@@ -39,6 +40,7 @@ class MenuRun {
 
   private:
     void open(NSEvent* event);
+    Pointer pointer_now() const;
     bool take_input();
     void take_keyboard();
     void turn();
@@ -57,6 +59,7 @@ class MenuRun {
     KeyboardTracker keyboard_;
     InputGrab grab_;
     EventWait wait_;
+    StageInput stage_;
     MenuRun* outer_;
     bool nested_ = false;      // a popup within has taken the input
     Deadline keyboard_timer_;  // until the keyboard is asked for again

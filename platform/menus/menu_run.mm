@@ -1,6 +1,7 @@
 #include "menus/menu_run.h"
 
 #include "menu_classes/menu_changes.h"
+#include "wayland/prepared_stage.h"
 #include "x11/screens.h"
 
 namespace {
@@ -76,6 +77,7 @@ MenuRun::MenuRun(MenuSession* session, NSFont* font)
       pointer_(levels_),
       keyboard_(levels_, pointer_),
       wait_(NSEventTrackingRunLoopMode),
+      stage_(take_prepared_stage(), NSEventTrackingRunLoopMode),
       outer_(current_run) {
     current_run = this;
     set_menu_change_listener(menu_has_changed);
@@ -119,17 +121,25 @@ void MenuRun::track(NSEvent* event) {
 }
 
 void MenuRun::open(NSEvent* event) {
-    pointer_.begin(event);
+    pointer_.begin(event, pointer_now());
     levels_.set_origin(pointer_.origin());
     keyboard_.ask_modifiers();
     [session_ open];
     synchronize();
 }
 
+// The server's idea of the pointer is old when the pointer is over no X window.
+Pointer MenuRun::pointer_now() const {
+    Pointer pointer = current_pointer();
+    if (const auto place = stage_.pointer()) pointer.at = {place->x, place->y};
+    return pointer;
+}
+
 bool MenuRun::take_input() {
     nested_ = false;
     if (!grab_.take(levels_[0].window())) return false;
     take_keyboard();
+    stage_.begin(levels_[0].window());
     return true;
 }
 
@@ -189,6 +199,7 @@ void MenuRun::finish() {
     levels_.hide();
     if (state() == state_closing) wait_for_release();
     grab_.release();
+    stage_.end();
     levels_.clear();
     pointer_.end();
     [session_ close];
@@ -198,7 +209,10 @@ void MenuRun::finish() {
 void MenuRun::wait_for_release() {
     Deadline limit;
     limit.start(1);
-    while (pointer_.is_button_down() && current_pointer().buttons && !limit.is_due()) {
+    const auto is_button_down = [this] {
+        return pointer_.is_button_down() && (current_pointer().buttons || stage_.is_button_down());
+    };
+    while (is_button_down() && !limit.is_due()) {
         NSEvent* event = next_event();
         if (is_release(event)) return;
         if (!event) wait_.sleep(limit.due, [] { return false; });

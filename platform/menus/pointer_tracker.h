@@ -5,6 +5,7 @@
 #include "menus/menu_hover.h"
 #include "menus/menu_levels.h"
 #include "menus/menu_states.h"
+#include "x11/screens.h"
 
 class PointerTracker {
   public:
@@ -13,7 +14,7 @@ class PointerTracker {
     PointerTracker& operator=(const PointerTracker&) = delete;
 
     // Begins the popup at the place of `event`, or at the pointer for nil.
-    void begin(NSEvent* event);
+    void begin(NSEvent* event, const Pointer& pointer);
     // True when the pointer has taken the lead from the keys. Events that are not of the pointer do
     // nothing.
     bool handle(NSEvent* event);

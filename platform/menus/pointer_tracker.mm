@@ -37,8 +37,7 @@ MenuPoint place_of(NSEvent* event) {
 
 }  // namespace
 
-void PointerTracker::begin(NSEvent* event) {
-    const Pointer pointer = current_pointer();
+void PointerTracker::begin(NSEvent* event, const Pointer& pointer) {
     place_ = origin_ = pointer.at;
     if (event) {
         NSWindow* window = [event window];

@@ -1,0 +1,65 @@
+#include "wayland/layer/layer_stage.h"
+
+#include <sys/epoll.h>
+#include <unistd.h>
+
+namespace {
+
+void ignore_name(void*, wl_seat*, const char*) {}
+
+}  // namespace
+
+LayerStage::LayerStage(const StageSettings& settings)
+    : settings_(settings),
+      surfaces_(compositor_),
+      pointer_(compositor_, surfaces_, events_),
+      keyboard_(events_, settings.tell_symbols),
+      descriptor_(epoll_create1(EPOLL_CLOEXEC)) {}
+
+LayerStage::~LayerStage() {
+    if (descriptor_ >= 0) close(descriptor_);
+}
+
+bool LayerStage::open() {
+    static const wl_seat_listener listener = {tell_devices, ignore_name};
+    wl_seat_add_listener(compositor_.seat, &listener, this);
+    if (!surfaces_.open(settings_.monitors)) return false;
+    watch(wl_display_get_fd(compositor_.display));
+    watch(keyboard_.repeat_descriptor());
+    return true;
+}
+
+void LayerStage::watch(int descriptor) const {
+    epoll_event event = {};
+    event.events = EPOLLIN;
+    epoll_ctl(descriptor_, EPOLL_CTL_ADD, descriptor, &event);
+}
+
+void LayerStage::tell_devices(void* data, wl_seat* seat, uint32_t devices) {
+    auto& self = *static_cast<LayerStage*>(data);
+    if (devices & WL_SEAT_CAPABILITY_POINTER) self.pointer_.listen(seat);
+    if (devices & WL_SEAT_CAPABILITY_KEYBOARD) self.keyboard_.listen(seat);
+}
+
+bool LayerStage::read() {
+    const bool there = compositor_.read();
+    keyboard_.repeat_if_due();
+    return there;
+}
+
+std::optional<StageEvent> LayerStage::next_event() {
+    if (events_.empty()) return std::nullopt;
+    StageEvent event = std::move(events_.front());
+    events_.pop_front();
+    return event;
+}
+
+extern "C" __attribute__((visibility("default"))) MenuStage* delvio_open_layer_stage(
+    const StageSettings& settings, bool* has_layers) {
+    auto stage = std::make_unique<LayerStage>(settings);
+    *has_layers = false;
+    if (!stage->connect()) return nullptr;
+    *has_layers = stage->has_layers();
+    if (!*has_layers || !stage->open()) return nullptr;
+    return stage.release();
+}

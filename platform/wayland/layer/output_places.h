@@ -1,0 +1,18 @@
+// Which part of the X screen shows which output of the compositor.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "x11/server_monitors.h"
+
+// An output as the compositor has it, in its own units: a compositor that scales an output counts
+// fewer units than the X server counts pixels, or as many.
+struct Output {
+    std::string name;
+    ScreenArea area;
+};
+
+// The areas of the X screen that show the outputs, in the order of the outputs.
+std::vector<ScreenArea> places_of_outputs(const std::vector<Output>& outputs,
+                                          const std::vector<Monitor>& monitors);

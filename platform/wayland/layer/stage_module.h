@@ -1,0 +1,15 @@
+// The one function of this library that the platform calls, by its name.
+#pragma once
+
+#include "wayland/layer/output_places.h"
+#include "wayland/menu_stage.h"
+
+struct StageSettings {
+    std::vector<Monitor> monitors;  // of the X server
+    void (*tell_symbols)(std::vector<uint32_t>);
+};
+
+// Null where no compositor answers. *has_layers says whether the compositor that answers offers
+// layers; without them the stage is null, too.
+using OpenLayerStage = MenuStage* (*)(const StageSettings&, bool* has_layers);
+constexpr const char* open_layer_stage_name = "delvio_open_layer_stage";

@@ -1,0 +1,44 @@
+# A Wayland program: a GTK 3 window that fills what the compositor gives it. It writes what happens
+# to it to a file, one event a line: "ready", "focus", "blur", "press", "key NAME", "got ADDRESS...",
+# and "pasted TEXT" for each text that the clipboard has had.
+#   native_window.py FILE
+import sys
+import gi
+gi.require_version("Gtk", "3.0")
+gi.require_version("Gdk", "3.0")
+from gi.repository import Gdk, GLib, Gtk
+
+record = open(sys.argv[1], "a", buffering=1)
+told = set()
+
+
+def tell(line):
+    record.write(line + "\n")
+
+
+def pasted(clipboard, text):
+    if text is not None and text not in told:
+        told.add(text)
+        tell("pasted " + text)
+
+
+def paste():
+    Gtk.Clipboard.get(Gdk.SELECTION_CLIPBOARD).request_text(pasted)
+    return True
+
+
+window = Gtk.Window(title="native")
+window.set_default_size(300, 200)
+window.add_events(Gdk.EventMask.BUTTON_PRESS_MASK)
+window.drag_dest_set(Gtk.DestDefaults.ALL, [Gtk.TargetEntry.new("text/uri-list", 0, 0)],
+                     Gdk.DragAction.COPY | Gdk.DragAction.MOVE | Gdk.DragAction.LINK)
+window.connect("drag-data-received",
+               lambda w, c, x, y, data, i, t: tell("got " + " ".join(data.get_uris())))
+window.connect("map-event", lambda *_: tell("ready"))
+window.connect("focus-in-event", lambda *_: tell("focus"))
+window.connect("focus-out-event", lambda *_: tell("blur"))
+window.connect("button-press-event", lambda *_: tell("press"))
+window.connect("key-press-event", lambda w, event: tell("key " + Gdk.keyval_name(event.keyval)))
+GLib.timeout_add(200, paste)
+window.show_all()
+Gtk.main()

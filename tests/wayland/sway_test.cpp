@@ -1,0 +1,178 @@
+// The menu in sway, which offers layers: real keys and clicks, two outputs.
+#include "support/recording_program.h"
+#include "wayland/wayland_scene.h"
+
+namespace {
+
+using test::Level;
+using test::NativeWindow;
+using test::wait_for;
+
+constexpr int first_row = 16, folder_row = 52;  // from a level's top
+
+struct SwayMenu : test::WaylandScene {
+    static void SetUpTestSuite() {
+        compositor = std::make_unique<test::Compositor>();
+        if (!compositor->start_sway(2)) {
+            ADD_FAILURE() << "sway did not start: " << compositor->log();
+            compositor.reset();
+        }
+    }
+
+    void SetUp() override {
+        WaylandScene::SetUp();
+        if (HasFatalFailure()) return;
+        ASSERT_TRUE(wait_for([] { return test::place_side_by_side(2, 800); }));
+        folder.file("top/alpha.txt", "a");
+        folder.file("top/beta.txt", "b");
+    }
+    void TearDown() override {
+        WaylandScene::TearDown();
+        if (compositor) use_scale("1");
+    }
+
+    std::string top() const { return folder.path("top"); }
+    void use_scale(const std::string& scale) {
+        EXPECT_TRUE(compositor->tell_sway("output X11-1 scale " + scale));
+        EXPECT_TRUE(compositor->tell_sway("output X11-2 scale " + scale));
+        set_scale(std::stod(scale));
+    }
+    void expect_level_at(int x, int y) {
+        const std::vector<Level> all = levels();
+        ASSERT_FALSE(all.empty());
+        EXPECT_NEAR(all[0].x, x, 3);
+        EXPECT_NEAR(all[0].y, y, 3);
+        EXPECT_TRUE(shows_menu_at(all[0]));
+    }
+    // Opens the folder's level by the pointer and picks its first file.
+    void pick_by_pointer(const std::string& expected) {
+        test::RecordingProgram program({"text/plain"});
+        point_at(levels().at(0), 60, folder_row);
+        ASSERT_TRUE(wait_for_levels(2));
+        point_at(levels().at(1), 60, first_row);
+        input.click(1);
+        EXPECT_EQ(finish().status, 0);
+        EXPECT_EQ(program.wait(), std::vector<std::string>{expected});
+    }
+};
+
+TEST_F(SwayMenu, StandsAtThePointerThoughNoMotionTellsIt) {
+    rest_at(300, 250);
+    ASSERT_TRUE(open_menu({top()}));
+    expect_level_at(300, 250);
+    input.key("Escape");
+    EXPECT_EQ(finish().status, 0);
+}
+
+TEST_F(SwayMenu, IsWalkedThroughAndPickedFromByKeysAlone) {
+    test::RecordingProgram program({"text/plain"});
+    rest_at(100, 100);
+    ASSERT_TRUE(open_menu({top()}));
+    for (const char* key : {"t", "o", "p", "Right"}) input.key(key);
+    ASSERT_TRUE(wait_for_levels(2));
+    for (const char* key : {"b", "e", "Return"}) input.key(key);
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_EQ(program.wait(), std::vector<std::string>{folder.path("top/beta.txt")});
+}
+
+TEST_F(SwayMenu, RepeatsAHeldKey) {
+    for (int i = 0; i < 40; i++) folder.file("many/f" + std::to_string(100 + i) + ".txt", "x");
+    test::RecordingProgram program({"text/plain"});
+    rest_at(100, 100);
+    ASSERT_TRUE(open_menu({folder.path("many")}));
+    for (const char* key : {"m", "a", "n", "y", "Right"}) input.key(key);
+    ASSERT_TRUE(wait_for_levels(2));
+    const Level level = levels()[1];
+    // The highlight leaves the first row and comes to the tenth.
+    input.key_down("Down");
+    const int tenth = level.y + first_row + 9 * 24;
+    const unsigned long plain = input.pixel(level.x + level.width - 12, tenth);
+    EXPECT_TRUE(wait_for([&] { return input.pixel(level.x + level.width - 12, tenth) != plain; }));
+    input.key_up("Down");
+    input.key("Escape");
+    EXPECT_EQ(finish().status, 0);
+}
+
+TEST_F(SwayMenu, IsBrowsedByThePointerAlone) {
+    rest_at(120, 130);
+    ASSERT_TRUE(open_menu({top()}));
+    pick_by_pointer(folder.path("top/alpha.txt"));
+}
+
+TEST_F(SwayMenu, AClickElsewhereClosesItAndIsNobodysElse) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    rest_at(300, 250);
+    ASSERT_TRUE(open_menu({top()}));
+    EXPECT_TRUE(wait_for([&] { return !window.has_focus(); }));
+    rest_at(60, 700);
+    input.click(1);
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_TRUE(wait_for([&] { return window.has_focus(); })) << "the keyboard goes back";
+    EXPECT_FALSE(window.has("press"));
+    input.click(1);
+    EXPECT_TRUE(wait_for([&] { return window.has("press"); }));
+}
+
+TEST_F(SwayMenu, KeysReachNoOtherProgramWhileItIsOpen) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    rest_at(300, 250);
+    ASSERT_TRUE(open_menu({top()}));
+    for (const char* key : {"x", "Down", "Escape"}) input.key(key);
+    EXPECT_EQ(finish().status, 0);
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    input.key("z");
+    EXPECT_TRUE(wait_for([&] { return window.has("key z"); }));
+    EXPECT_FALSE(window.has("key x"));
+    EXPECT_FALSE(window.has("key Escape"));
+}
+
+TEST_F(SwayMenu, HeldKeysChooseAlternates) {
+    rest_at(100, 100);
+    ASSERT_TRUE(open_menu({top()}));
+    const int plain = levels()[0].height;
+    EXPECT_EQ(levels()[0].width > 0, true);
+    input.key("Escape");
+    EXPECT_EQ(finish().status, 0);
+    input.key_down("Shift_L");
+    ASSERT_TRUE(open_menu({top()}));
+    EXPECT_LT(levels()[0].height, plain) << "with Shift it has only the command's own items";
+    input.key_up("Shift_L");
+    input.key("Escape");
+    EXPECT_EQ(finish().status, 0);
+}
+
+TEST_F(SwayMenu, StandsOnTheSecondOutput) {
+    rest_at(1100, 300);
+    ASSERT_TRUE(open_menu({top()}));
+    expect_level_at(1100, 300);
+    pick_by_pointer(folder.path("top/alpha.txt"));
+}
+
+TEST_F(SwayMenu, StaysOnTheOutputOfThePointer) {
+    rest_at(790, 300);
+    ASSERT_TRUE(open_menu({top()}));
+    const Level level = levels().at(0);
+    EXPECT_LE(level.x + level.width, 800);
+    input.key("Escape");
+    EXPECT_EQ(finish().status, 0);
+}
+
+TEST_F(SwayMenu, StandsAtThePointerAtTwiceTheScale) {
+    use_scale("2");
+    rest_at(200, 160);
+    ASSERT_TRUE(open_menu({top()}));
+    expect_level_at(100, 80);
+    pick_by_pointer(folder.path("top/alpha.txt"));
+}
+
+TEST_F(SwayMenu, StandsAtThePointerAtOneAndAHalfTimesTheScale) {
+    use_scale("1.5");
+    rest_at(180, 150);
+    ASSERT_TRUE(open_menu({top()}));
+    expect_level_at(120, 100);
+    pick_by_pointer(folder.path("top/alpha.txt"));
+}
+
+}  // namespace

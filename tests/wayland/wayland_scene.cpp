@@ -1,0 +1,143 @@
+#include "wayland/wayland_scene.h"
+
+#include <X11/Xlib.h>
+#include <signal.h>
+#include <stdlib.h>
+
+#include <algorithm>
+
+namespace test {
+
+namespace {
+
+constexpr int shadow = 22;  // around a level, within its window
+constexpr unsigned long menu_color = 0xfcfcfc;
+
+// A window may disappear between its listing and the question about it.
+int ignore_error(Display*, XErrorEvent*) { return 0; }
+
+Display* open_session(const Changes& environment) {
+    std::string name;
+    for (const auto& [variable, value] : environment) {
+        if (variable == "DISPLAY") name = value;
+        if (variable == "XAUTHORITY") setenv("XAUTHORITY", value.c_str(), 1);
+    }
+    Display* display = XOpenDisplay(name.c_str());
+    unsetenv("XAUTHORITY");
+    return display;
+}
+
+bool is_menu(Display* display, Window window, XWindowAttributes* attributes) {
+    if (!XGetWindowAttributes(display, window, attributes)) return false;
+    if (!attributes->override_redirect || attributes->map_state != IsViewable) return false;
+    char* name = nullptr;
+    const bool named = XFetchName(display, window, &name) && name && std::string(name) == "Menu";
+    if (name) XFree(name);
+    return named;
+}
+
+}  // namespace
+
+bool place_side_by_side(size_t count, int width) {
+    Display* display = XOpenDisplay(nullptr);
+    Window ignored, *windows = nullptr;
+    unsigned number = 0;
+    XQueryTree(display, DefaultRootWindow(display), &ignored, &ignored, &windows, &number);
+    std::vector<Window> screens;
+    for (unsigned i = 0; i < number; i++) {
+        XWindowAttributes window;
+        const bool shown = XGetWindowAttributes(display, windows[i], &window) &&
+                           window.map_state == IsViewable;
+        if (shown && window.width == width) screens.push_back(windows[i]);
+    }
+    if (windows) XFree(windows);
+    std::sort(screens.begin(), screens.end());
+    const bool complete = screens.size() == count;
+    for (size_t i = 0; complete && i < count; i++) {
+        XMoveWindow(display, screens[i], static_cast<int>(i) * width, 0);
+    }
+    XSync(display, False);
+    XCloseDisplay(display);
+    return complete;
+}
+
+std::unique_ptr<Compositor> WaylandScene::compositor;
+
+void WaylandScene::SetUp() {
+    ASSERT_NE(compositor, nullptr);
+    XSetErrorHandler(ignore_error);
+    ASSERT_TRUE(wait_for([this] {
+        return (session_ = open_session(compositor->environment())) != nullptr;
+    })) << compositor->log();
+}
+
+void WaylandScene::TearDown() {
+    input.let_go();
+    command_.reset();
+    if (session_) XCloseDisplay(session_);
+}
+
+void WaylandScene::rest_at(int x, int y) {
+    input.move(x + 1, y);
+    input.move(x, y);
+}
+
+bool WaylandScene::open_menu(const std::vector<std::string>& words) {
+    std::vector<std::string> arguments = {"menu"};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    command_ = std::make_unique<RunningCommand>(arguments, compositor->environment());
+    return wait_for_levels(1) && wait_for([this] {
+               const std::vector<Level> all = levels();
+               return !all.empty() && shows_menu_at(all[0]);
+           });
+}
+
+bool WaylandScene::is_running() const { return kill(command_->process(), 0) == 0; }
+
+Outcome WaylandScene::finish() { return command_->finish(); }
+
+std::vector<Level> WaylandScene::levels() const {
+    Window ignored, *windows = nullptr;
+    unsigned count = 0;
+    std::vector<Level> found;
+    XQueryTree(session_, DefaultRootWindow(session_), &ignored, &ignored, &windows, &count);
+    for (unsigned i = 0; i < count; i++) {
+        XWindowAttributes window;
+        if (!is_menu(session_, windows[i], &window)) continue;
+        found.push_back({window.x + shadow, window.y + shadow, window.width - 2 * shadow,
+                         window.height - 2 * shadow});
+    }
+    if (windows) XFree(windows);
+    return found;
+}
+
+bool WaylandScene::wait_for_levels(size_t count) const {
+    return wait_for([&] { return levels().size() == count; });
+}
+
+void WaylandScene::point_at(const Level& level, int x, int y) {
+    rest_at(static_cast<int>((level.x + x) * scale_), static_cast<int>((level.y + y) * scale_));
+}
+
+bool WaylandScene::shows_menu_at(const Level& level) {
+    const int middle = level.x + level.width / 2, inside = level.y + 3;
+    return input.pixel(static_cast<int>(middle * scale_), static_cast<int>(inside * scale_)) ==
+           menu_color;
+}
+
+bool WaylandScene::keys_reach_session() {
+    const auto is_any_key_held = [this] {
+        char keys[32] = {};
+        XQueryKeymap(session_, keys);
+        for (const char byte : keys) {
+            if (byte) return true;
+        }
+        return false;
+    };
+    input.key_down("Control_L");
+    const bool held = wait_for(is_any_key_held);
+    input.key_up("Control_L");
+    return held && wait_for([&] { return !is_any_key_held(); });
+}
+
+}  // namespace test
