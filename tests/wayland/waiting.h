@@ -8,7 +8,7 @@
 namespace test {
 
 inline bool wait_for(const std::function<bool()>& happened) {
-    constexpr int turns = 1500, microseconds_a_turn = 20000;
+    constexpr int turns = 3000, microseconds_a_turn = 20000;
     for (int turn = 0; turn < turns; turn++) {
         if (happened()) return true;
         usleep(microseconds_a_turn);

@@ -1,6 +1,7 @@
 #include "wayland/wayland_scene.h"
 
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #include <signal.h>
 #include <stdlib.h>
 
@@ -11,7 +12,7 @@ namespace test {
 namespace {
 
 constexpr int shadow = 22;  // around a level, within its window
-constexpr unsigned long menu_color = 0xfcfcfc;
+constexpr unsigned long menu_color = 0xfcfcfd;
 
 // A window may disappear between its listing and the question about it.
 int ignore_error(Display*, XErrorEvent*) { return 0; }
@@ -30,9 +31,11 @@ Display* open_session(const Changes& environment) {
 bool is_menu(Display* display, Window window, XWindowAttributes* attributes) {
     if (!XGetWindowAttributes(display, window, attributes)) return false;
     if (!attributes->override_redirect || attributes->map_state != IsViewable) return false;
-    char* name = nullptr;
-    const bool named = XFetchName(display, window, &name) && name && std::string(name) == "Menu";
-    if (name) XFree(name);
+    XTextProperty name = {};
+    XGetWMName(display, window, &name);
+    const char* text = reinterpret_cast<const char*>(name.value);
+    const bool named = text && std::string(text, name.nitems) == "Menu";
+    if (name.value) XFree(name.value);
     return named;
 }
 
