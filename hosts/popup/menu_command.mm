@@ -38,6 +38,13 @@ bool have_display(MenuForm form, std::string* problem) {
     if (display_answers(problem)) return true;
     if (!problem->empty()) return false;
     if (form != MenuForm::shown) return start_private_display(problem);
+    const char* compositor = getenv("WAYLAND_DISPLAY");
+    if (compositor && *compositor) {
+        *problem =
+            "this Wayland session has no X server (Xwayland) to show the menu on; switch Xwayland "
+            "on in the compositor, and set DISPLAY";
+        return false;
+    }
     *problem =
         "there is no display to show the menu on; set DISPLAY, or use --print, --json, --png "
         "or --pick, which need none";

@@ -49,8 +49,8 @@ bool place_side_by_side(size_t count, int width) {
     std::vector<Window> screens;
     for (unsigned i = 0; i < number; i++) {
         XWindowAttributes window;
-        const bool shown = XGetWindowAttributes(display, windows[i], &window) &&
-                           window.map_state == IsViewable;
+        const bool shown =
+            XGetWindowAttributes(display, windows[i], &window) && window.map_state == IsViewable;
         if (shown && window.width == width) screens.push_back(windows[i]);
     }
     if (windows) XFree(windows);
