@@ -7,6 +7,7 @@
 #include "finderkit/finder_events.h"
 #include "finderkit/plug_in.h"
 #include "finderkit/settings_file.h"
+#include "gworkspace/desktop_level.h"
 #include "gworkspace/icons.h"
 #include "gworkspace/opening.h"
 #include "gworkspace/operations.h"
@@ -58,6 +59,7 @@ std::string own_folder() {
 
 extern "C" __attribute__((visibility("default"))) void DelvioStartInGWorkspace() {
     keep_gworkspace_icons();
+    keep_desktop_below();
     static DelvioGWorkspaceLaunch* launch = [DelvioGWorkspaceLaunch new];
     [[NSNotificationCenter defaultCenter] addObserver:launch
                                              selector:@selector(didFinishLaunching:)

@@ -123,3 +123,7 @@ TEST_F(Notices, ClosingTheProgressWindowEndsTheWork) {
     fs::remove_all(path("many"));
     fs::remove(old);
 }
+
+TEST_F(Notices, TheDesktopIsADesktopForTheWindowManagerWhenItAppears) {
+    EXPECT_EQ(manager().ask("desktop_type"), "_NET_WM_WINDOW_TYPE_DESKTOP");
+}

@@ -1,5 +1,6 @@
 #include <AppKit/AppKit.h>
 
+#include <dlfcn.h>
 #include <malloc.h>
 #include <objc/runtime.h>
 
@@ -247,6 +248,14 @@ NSString* string_of(const std::string& text) {
     return [NSString stringWithUTF8String:text.c_str()];
 }
 
+// What the desktop's window said that it was when it first appeared.
+std::string type_of_shown_desktop() {
+    using Type = const char* (*)(unsigned long);
+    const auto type = reinterpret_cast<Type>(dlsym(RTLD_DEFAULT, "type_when_shown"));
+    NSWindow* desktop = [view_of("desktop") window];
+    return type ? type(reinterpret_cast<unsigned long>([desktop windowRef])) : "";
+}
+
 }  // namespace
 
 bool answer_about_views(const std::string& question, const std::string& words,
@@ -257,6 +266,8 @@ bool answer_about_views(const std::string& question, const std::string& words,
     id workspace = [NSClassFromString(@"GWorkspace") gworkspace];
     if (question == "selection") {
         *answer = lines_of([workspace selectedPaths]);
+    } else if (question == "desktop_type") {
+        *answer = type_of_shown_desktop();
     } else if (question == "selected") {
         *answer = lines_of([view_of(kind) selectedPaths]);
     } else if (question == "item") {
