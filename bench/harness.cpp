@@ -77,6 +77,12 @@ double now() { return read_clock(CLOCK_MONOTONIC); }
 
 double processor_time() { return read_clock(CLOCK_PROCESS_CPUTIME_ID); }
 
+void add_span(Times* times, const Moment& begin) {
+    const Moment end;
+    times->processor.push_back(end.processor - begin.processor);
+    times->wall.push_back(end.wall - begin.wall);
+}
+
 double median(std::vector<double> values) { return quantile(std::move(values), 0.5); }
 
 Race::Race(std::string what, int size, double (*clock)())

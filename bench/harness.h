@@ -28,6 +28,14 @@ struct Times {
     std::vector<double> wall, processor;
 };
 
+// A moment on both clocks.
+struct Moment {
+    double processor = processor_time(), wall = now();
+};
+
+// Adds what has passed since `begin`.
+void add_span(Times* times, const Moment& begin);
+
 class Race {
   public:
     // `what` and `size` name the race in the output; ratios use the times of `clock`.

@@ -12,11 +12,9 @@
 
 #include "bench/harness.h"
 #include "bench/test_folder.h"
-#include "finderkit/context_menu.h"
-#include "finderkit/plug_in.h"
 #include "menus/menu_level_view.h"
 #include "menus/menu_run.h"
-#include "support/right_click.h"
+#include "support/folder_popup.h"
 
 namespace {
 
@@ -41,33 +39,11 @@ int frames = 0;
 
 @end
 
-// One popup for the folder that contains the large one.
-@interface Popup : NSObject {
-  @private
-    std::string* _folder;
-    TContextMenu* _menu;
-}
-- (instancetype)initWithFolder:(const std::string&)folder;
-- (void)run;
+// Scrolls the level of the large folder, in the menu of the folder that contains it.
+@interface ScrolledPopup : FolderPopup
 @end
 
-@implementation Popup
-
-- (instancetype)initWithFolder:(const std::string&)folder {
-    if ((self = [super init])) _folder = new std::string(folder);
-    return self;
-}
-
-- (void)dealloc {
-    delete _folder;
-    [super dealloc];
-}
-
-- (void)menuNeedsUpdate:(NSMenu*)menu {
-    if (menu != _menu || [_menu nodes]) return;
-    const TFENodeVector nodes = {{{*_folder}}};
-    [_menu configureWithNodes:&nodes windowController:nil container:NO];
-}
+@implementation ScrolledPopup
 
 static MenuLevel& deepest_level() { return *MenuRun::current()->levels().back(); }
 
@@ -81,11 +57,10 @@ static void paint(const MenuLevel& level) {
 static void scroll(MenuLevel& level, int pixels, int times, bench::Times* result) {
     for (int step = 0; step < times; step++) {
         @autoreleasepool {
-            const double processor = bench::processor_time(), wall = bench::now();
+            const bench::Moment begin;
             if (!level.scroll_by(pixels)) throw std::runtime_error("nothing to scroll");
             paint(level);
-            result->wall.push_back(bench::now() - wall);
-            result->processor.push_back(bench::processor_time() - processor);
+            bench::add_span(result, begin);
         }
     }
 }
@@ -97,14 +72,9 @@ static void report(const char* what, const bench::Times& times) {
                 longest_frame);
 }
 
-- (void)measure:(NSTimer*)timer {
-    (void)timer;
-    MenuSession* session = [MenuSession current];
-    NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
-    [session openSubmenuOfItem:holder];
-    MenuRun::current()->synchronize();
-    [session openSubmenuOfItem:[[[holder submenu] itemArray] lastObject]];
-    MenuRun::current()->synchronize();
+- (void)track:(MenuSession*)session {
+    [session openSubmenuOfItem:open_first_submenu(session)];
+    show_open_levels();
 
     MenuLevel& level = deepest_level();
     paint(level);
@@ -123,36 +93,16 @@ static void report(const char* what, const bench::Times& times) {
     [session cancel];
 }
 
-- (void)run {
-    @autoreleasepool {
-        _menu = [[TContextMenu alloc] initWithTitle:@""];
-        [_menu setAutoenablesItems:NO];
-        [(NSMenu*)_menu setDelegate:(id)self];
-        test::while_tracking(0.05, self, @selector(measure:), NO);
-        [NSMenu popUpContextMenu:_menu
-                       withEvent:test::right_click(NSMakePoint(100, 400))
-                         forView:nil];
-        [(NSMenu*)_menu setDelegate:nil];
-        [_menu release];
-    }
-}
-
 @end
 
 int main() {
     @autoreleasepool {
-        [NSApplication sharedApplication];
-        [NSApp finishLaunching];
-        std::string problem;
-        if (!load_plug_in(DELVIO_BUNDLE, &problem)) {
-            fprintf(stderr, "bench_scroll: %s\n", problem.c_str());
-            return 1;
-        }
+        if (!start_with_plug_in(DELVIO_BUNDLE)) return 1;
         const Class view = [MenuLevelView class];
         method_exchangeImplementations(class_getInstanceMethod(view, @selector(drawRect:)),
                                        class_getInstanceMethod(view, @selector(drawCountedRect:)));
         const bench::TestFolder folder(entries);
-        Popup* popup = [[[Popup alloc] initWithFolder:folder.holder()] autorelease];
+        ScrolledPopup* popup = [[[ScrolledPopup alloc] initWithFolder:folder.holder()] autorelease];
         [popup run];
     }
     return bench::status();

@@ -3,8 +3,6 @@
 // items included. The closing is measured until the popup has returned.
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
-#include <GNUstepGUI/GSDisplayServer.h>
-#include <X11/Xlib.h>
 #include <malloc.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -16,10 +14,8 @@
 
 #include "bench/harness.h"
 #include "bench/test_folder.h"
-#include "finderkit/context_menu.h"
-#include "finderkit/plug_in.h"
 #include "menus/menu_run.h"
-#include "support/right_click.h"
+#include "support/folder_popup.h"
 #include "tree/dv_scan.h"
 #include "tree/dv_tree.h"
 
@@ -28,16 +24,6 @@ namespace {
 const double paint_limit = 3, growth_limit = 11;
 const double small_level_milliseconds = 4, closing_milliseconds = 15;
 const double row_bytes_limit = 900, most_kept = 0.1;
-
-struct Moment {
-    double processor = bench::processor_time(), wall = bench::now();
-};
-
-void add_span(bench::Times& times, const Moment& begin) {
-    const Moment end;
-    times.processor.push_back(end.processor - begin.processor);
-    times.wall.push_back(end.wall - begin.wall);
-}
 
 // The memory that the program has allocated.
 double heap_bytes() {
@@ -75,80 +61,45 @@ struct LevelTimes {
 
 }  // namespace
 
-// One popup for the folder that contains the measured one: opens both levels, then closes.
-@interface Popup : NSObject {
+// Opens the level of the measured folder, in the menu of the folder that contains it.
+@interface LevelPopup : FolderPopup {
   @private
-    const bench::TestFolder* _folder;
     LevelTimes* _times;
-    TContextMenu* _menu;
-    Moment _closing;
+    bench::Moment _closing;
     Memory _before, _shown;
 }
 - (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(LevelTimes*)times;
-- (void)run;
 @end
 
-@implementation Popup
+@implementation LevelPopup
 
 - (instancetype)initWithFolder:(const bench::TestFolder&)folder times:(LevelTimes*)times {
-    if ((self = [super init])) _folder = &folder, _times = times;
+    if ((self = [super initWithFolder:folder.holder()])) _times = times;
     return self;
 }
 
-- (void)menuNeedsUpdate:(NSMenu*)menu {
-    if (menu != _menu || [_menu nodes]) return;
-    const TFENodeVector nodes = {{{_folder->holder()}}};
-    [_menu configureWithNodes:&nodes windowController:nil container:NO];
-}
-
-static void show() {
-    MenuRun::current()->synchronize();
-    XSync(static_cast<Display*>([GSCurrentServer() serverDevice]), False);
-}
-
-// The only folder in the level of the clicked folder.
-- (NSMenuItem*)openHolder:(MenuSession*)session {
-    NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
-    [session openSubmenuOfItem:holder];
-    show();
-    NSMenuItem* item = [[[holder submenu] itemArray] lastObject];
+- (void)track:(MenuSession*)session {
+    NSMenuItem* item = open_first_submenu(session);
     if (![[item title] isEqualToString:@"entries"]) throw std::runtime_error("no folder within");
-    return item;
-}
-
-- (void)openLevel:(NSTimer*)timer {
-    (void)timer;
-    MenuSession* session = [MenuSession current];
-    NSMenuItem* item = [self openHolder:session];
     _before = Memory();
     {
         NSAutoreleasePool* turn = [NSAutoreleasePool new];
-        const Moment begin;
+        const bench::Moment begin;
         [session openSubmenuOfItem:item];
-        show();
-        add_span(_times->open, begin);
+        show_open_levels();
+        bench::add_span(&_times->open, begin);
         [turn release];
     }
     _times->size.rows = MenuRun::current()->levels().back()->layout().rows().size();
     _times->size.items = [[item submenu] numberOfItems];
     _shown = Memory();
-    _closing = Moment();
+    _closing = bench::Moment();
     [session cancel];
 }
 
 - (void)run {
-    @autoreleasepool {
-        _menu = [[TContextMenu alloc] initWithTitle:@""];
-        [_menu setAutoenablesItems:NO];
-        [(NSMenu*)_menu setDelegate:(id)self];
-        test::while_tracking(0.05, self, @selector(openLevel:), NO);
-        [NSMenu popUpContextMenu:_menu
-                       withEvent:test::right_click(NSMakePoint(100, 400))
-                         forView:nil];
-        [(NSMenu*)_menu setDelegate:nil];
-        [_menu release];
-    }
-    add_span(_times->close, _closing);
+    [super run];
+    bench::add_span(&_times->close, _closing);
     // One turn of the run loop, in which a running program gives memory back.
     [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode beforeDate:[NSDate distantPast]];
     const Memory after;
@@ -162,9 +113,9 @@ static void show() {
 namespace {
 
 void scan(const std::string& path, bench::Times* times) {
-    const Moment begin;
+    const bench::Moment begin;
     dv_tree_t* root = dv_build_tree(path.c_str(), 0, 1, 0, 0);
-    add_span(*times, begin);
+    bench::add_span(times, begin);
     dv_free_tree(root);
 }
 
@@ -179,7 +130,8 @@ LevelCosts measure(int entries, int rounds) {
     bench::Times scans, first_scan;
     for (int round = 0; round <= rounds; round++) {
         scan(folder.path(), round ? &scans : &first_scan);
-        Popup* popup = [[Popup alloc] initWithFolder:folder times:round ? &times : &warm_up];
+        LevelPopup* popup = [[LevelPopup alloc] initWithFolder:folder
+                                                         times:round ? &times : &warm_up];
         [popup run];
         [popup release];
     }
@@ -203,13 +155,7 @@ LevelCosts measure(int entries, int rounds) {
 // argument would be taken as a file to open.
 int main() {
     @autoreleasepool {
-        [NSApplication sharedApplication];
-        [NSApp finishLaunching];
-        std::string problem;
-        if (!load_plug_in(DELVIO_BUNDLE, &problem)) {
-            fprintf(stderr, "bench_show: %s\n", problem.c_str());
-            return 1;
-        }
+        if (!start_with_plug_in(DELVIO_BUNDLE)) return 1;
         if (const char* size = getenv("DELVIO_BENCH_LEVEL")) {
             measure(atoi(size), 3);
             return bench::status();

@@ -3,46 +3,19 @@
 // are not arguments, because the toolkit opens files among its arguments.)
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <valgrind/callgrind.h>
 
-#include <string>
-
-#include "finderkit/context_menu.h"
-#include "finderkit/plug_in.h"
 #include "menus/menu_run.h"
-#include "support/right_click.h"
+#include "support/folder_popup.h"
 
-@interface Popup : NSObject {
-  @private
-    const char* _folder;
-    TContextMenu* _menu;
-}
-- (instancetype)initWithFolder:(const char*)folder;
-- (void)run;
+@interface CountedPopup : FolderPopup
 @end
 
-@implementation Popup
+@implementation CountedPopup
 
-- (instancetype)initWithFolder:(const char*)folder {
-    if ((self = [super init])) _folder = folder;
-    return self;
-}
-
-- (void)menuNeedsUpdate:(NSMenu*)menu {
-    if (menu != _menu || [_menu nodes]) return;
-    const TFENodeVector nodes = {{{_folder}}};
-    [_menu configureWithNodes:&nodes windowController:nil container:NO];
-}
-
-- (void)openLevel:(NSTimer*)timer {
-    (void)timer;
-    MenuSession* session = [MenuSession current];
-    NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
-    [session openSubmenuOfItem:holder];
-    MenuRun::current()->synchronize();
-    NSMenuItem* level = [[[holder submenu] itemArray] lastObject];
+- (void)track:(MenuSession*)session {
+    NSMenuItem* level = open_first_submenu(session);
     CALLGRIND_DUMP_STATS_AT("-");
     @autoreleasepool {
         [session openSubmenuOfItem:level];
@@ -54,17 +27,7 @@
 }
 
 - (void)run {
-    @autoreleasepool {
-        _menu = [[TContextMenu alloc] initWithTitle:@""];
-        [_menu setAutoenablesItems:NO];
-        [(NSMenu*)_menu setDelegate:(id)self];
-        test::while_tracking(0.01, self, @selector(openLevel:), NO);
-        [NSMenu popUpContextMenu:_menu
-                       withEvent:test::right_click(NSMakePoint(100, 400))
-                         forView:nil];
-        [(NSMenu*)_menu setDelegate:nil];
-        [_menu release];
-    }
+    [super run];
     CALLGRIND_DUMP_STATS_AT("level, closed");
 }
 
@@ -74,14 +37,8 @@ int main() {
     const char *plug_in = getenv("COUNT_PLUG_IN"), *folder = getenv("COUNT_FOLDER");
     if (!plug_in || !folder) return 2;
     @autoreleasepool {
-        [NSApplication sharedApplication];
-        [NSApp finishLaunching];
-        std::string problem;
-        if (!load_plug_in(plug_in, &problem)) {
-            fprintf(stderr, "count_menu: %s\n", problem.c_str());
-            return 1;
-        }
-        Popup* popup = [[[Popup alloc] initWithFolder:folder] autorelease];
+        if (!start_with_plug_in(plug_in)) return 1;
+        CountedPopup* popup = [[[CountedPopup alloc] initWithFolder:folder] autorelease];
         for (int round = 0; round < 4; round++) [popup run];
     }
 }
