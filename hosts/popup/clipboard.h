@@ -1,5 +1,5 @@
-// The X clipboard. Its content is lost when the owning process exits, so a process of its own keeps
-// it.
+// The clipboard of the X server, or of the Wayland session. Its content is lost when the owning
+// process exits, so a process of its own keeps it.
 #pragma once
 
 #include <string>

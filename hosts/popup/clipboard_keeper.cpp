@@ -1,5 +1,7 @@
 #include "popup/clipboard.h"
 
+#include <host/session_clipboard.h>
+
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 
@@ -114,19 +116,26 @@ void leave_pipe(int descriptor) {
     close(nothing);
 }
 
+bool say_owned() {
+    const bool said = write(STDOUT_FILENO, "", 1) == 1;
+    leave_pipe(STDIN_FILENO);
+    leave_pipe(STDOUT_FILENO);
+    return said;
+}
+
 }  // namespace
 
 int run_clipboard_keeper() {
+    const std::string text = read_all(STDIN_FILENO);
+    if (keep_on_session_clipboard(text, [] { say_owned(); })) return 0;
     Display* display = XOpenDisplay(nullptr);
     if (!display) return 1;
     XSetErrorHandler(ignore_error);
     const Window window =
         XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, 1, 1, 0, 0, 0);
-    Keeper keeper{display, window, read_all(STDIN_FILENO)};
+    Keeper keeper{display, window, text};
     if (!own(keeper)) return 1;
-    if (write(STDOUT_FILENO, "", 1) != 1) return 1;
-    leave_pipe(STDIN_FILENO);
-    leave_pipe(STDOUT_FILENO);
+    if (!say_owned()) return 1;
     serve(keeper);
     XCloseDisplay(display);
     return 0;

@@ -1,40 +1,19 @@
 #include "wayland/menu_stage.h"
 
-#include <dlfcn.h>
 #include <errno.h>
 #include <poll.h>
-#include <stdlib.h>
 
-#include <filesystem>
 #include <mutex>
 
 #include "events/deadline.h"
 #include "wayland/cover_stage.h"
 #include "wayland/layer/stage_module.h"
+#include "wayland/wayland_module.h"
 
 namespace {
 
 std::mutex symbols_lock;
 std::vector<uint32_t> held_symbols;
-
-// The module is beside this library.
-std::string module_path() {
-    Dl_info library;
-    if (!dladdr(reinterpret_cast<const void*>(&module_path), &library)) return {};
-    std::error_code error;
-    const auto folder = std::filesystem::canonical(library.dli_fname, error).parent_path();
-    return (folder / "libdelvio-wayland.so").string();
-}
-
-// The module stays loaded, as another menu of this process needs it again.
-OpenLayerStage layer_stage_opener() {
-    static const auto opener = [] {
-        void* module = dlopen(module_path().c_str(), RTLD_NOW | RTLD_LOCAL);
-        return module ? reinterpret_cast<OpenLayerStage>(dlsym(module, open_layer_stage_name))
-                      : nullptr;
-    }();
-    return opener;
-}
 
 }  // namespace
 
@@ -51,15 +30,11 @@ std::optional<StagePlace> MenuStage::wait_for_pointer(double seconds) {
 }
 
 std::unique_ptr<MenuStage> open_menu_stage() {
-    const char* name = getenv("WAYLAND_DISPLAY");
-    if (!name || !*name || !server_is_xwayland()) return nullptr;
+    const auto open = reinterpret_cast<OpenLayerStage>(wayland_function(open_layer_stage_name));
+    if (!open) return nullptr;
     bool has_layers = false;
-    if (const OpenLayerStage opener = layer_stage_opener()) {
-        std::unique_ptr<MenuStage> stage(
-            opener({server_monitors(), set_stage_symbols}, &has_layers));
-        if (stage) return stage;
-    }
-    return open_cover_stage();
+    std::unique_ptr<MenuStage> stage(open({server_monitors(), set_stage_symbols}, &has_layers));
+    return stage ? std::move(stage) : open_cover_stage();
 }
 
 std::vector<uint32_t> stage_symbols() {

@@ -79,4 +79,15 @@ TEST_F(MutterMenu, AClickElsewhereClosesItAndIsNobodysElse) {
     EXPECT_FALSE(window.has("press"));
 }
 
+TEST_F(MutterMenu, CopyPathReachesWaylandPrograms) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    rest_at(700, 300);
+    ASSERT_TRUE(open_menu({top()}));
+    ASSERT_TRUE(keys_reach_session());
+    for (const char* key : {"c", "o", "p", "Return"}) input.key(key);
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_TRUE(wait_for([&] { return window.has("pasted " + top()); }));
+}
+
 }  // namespace

@@ -175,4 +175,14 @@ TEST_F(SwayMenu, StandsAtThePointerAtOneAndAHalfTimesTheScale) {
     pick_by_pointer(folder.path("top/alpha.txt"));
 }
 
+TEST_F(SwayMenu, CopyPathReachesWaylandPrograms) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    rest_at(700, 300);
+    ASSERT_TRUE(open_menu({top()}));
+    for (const char* key : {"c", "o", "p", "Return"}) input.key(key);
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_TRUE(wait_for([&] { return window.has("pasted " + top()); }));
+}
+
 }  // namespace

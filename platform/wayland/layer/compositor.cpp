@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "data-control.h"
 #include "events/deadline.h"
 #include "layer-shell.h"
 #include "viewporter.h"
@@ -58,6 +59,9 @@ void Compositor::offer(void* data, wl_registry* registry, uint32_t name, const c
         bind(registry, name, wl_seat_interface, version, 5, &self.seat);
     } else if (is(zwlr_layer_shell_v1_interface)) {
         bind(registry, name, zwlr_layer_shell_v1_interface, version, 2, &self.layer_shell);
+    } else if (is(zwlr_data_control_manager_v1_interface)) {
+        bind(registry, name, zwlr_data_control_manager_v1_interface, version, 1,
+             &self.data_control);
     } else if (is(wp_viewporter_interface)) {
         bind(registry, name, wp_viewporter_interface, version, 1, &self.viewporter);
     } else if (is(zxdg_output_manager_v1_interface)) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 struct zwlr_layer_shell_v1;
+struct zwlr_data_control_manager_v1;
 struct wp_viewporter;
 struct zxdg_output_manager_v1;
 
@@ -41,8 +42,9 @@ class Compositor {
     wl_shm* shm = nullptr;
     wl_seat* seat = nullptr;
     zwlr_layer_shell_v1* layer_shell = nullptr;
-    wp_viewporter* viewporter = nullptr;               // null where not offered
-    zxdg_output_manager_v1* output_manager = nullptr;  // null where not offered
+    zwlr_data_control_manager_v1* data_control = nullptr;  // null where not offered
+    wp_viewporter* viewporter = nullptr;                   // null where not offered
+    zxdg_output_manager_v1* output_manager = nullptr;      // null where not offered
     std::vector<OfferedOutput> outputs;
 
   private:

@@ -1,5 +1,7 @@
-// The one function of this library that the platform calls, by its name.
+// The functions of this library that the platform calls, by their names.
 #pragma once
+
+#include <functional>
 
 #include "wayland/layer/output_places.h"
 #include "wayland/menu_stage.h"
@@ -13,3 +15,7 @@ struct StageSettings {
 // layers; without them the stage is null, too.
 using OpenLayerStage = MenuStage* (*)(const StageSettings&, bool* has_layers);
 constexpr const char* open_layer_stage_name = "delvio_open_layer_stage";
+
+// See host/session_clipboard.h.
+using KeepClipboard = bool (*)(const std::string& text, const std::function<void()>& owned);
+constexpr const char* keep_clipboard_name = "delvio_keep_clipboard";

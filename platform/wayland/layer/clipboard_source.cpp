@@ -1,0 +1,72 @@
+// Offers a text to Wayland programs for as long as nobody else offers anything.
+#include <poll.h>
+#include <signal.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "data-control.h"
+#include "wayland/layer/compositor.h"
+#include "wayland/layer/stage_module.h"
+
+namespace {
+
+const char* const text_types[] = {"text/plain;charset=utf-8", "text/plain", "UTF8_STRING", "STRING",
+                                  "TEXT"};
+
+struct Offer {
+    const std::string& text;
+    bool replaced = false;
+};
+
+// A reader that has gone away, or that does not read, must not hold the next one up for ever.
+void send_text(void* data, zwlr_data_control_source_v1*, const char*, int32_t out) {
+    constexpr int longest_pause = 5000;  // milliseconds
+    const std::string& text = static_cast<Offer*>(data)->text;
+    size_t done = 0;
+    pollfd writable = {out, POLLOUT, 0};
+    while (done < text.size() && poll(&writable, 1, longest_pause) > 0) {
+        // A pipe that is writable takes this many bytes at once.
+        constexpr size_t most = 4096;
+        const ssize_t count = write(out, text.data() + done, std::min(most, text.size() - done));
+        if (count <= 0) break;
+        done += static_cast<size_t>(count);
+    }
+    close(out);
+}
+
+void note_replaced(void* data, zwlr_data_control_source_v1*) {
+    static_cast<Offer*>(data)->replaced = true;
+}
+
+void drop_offer(void*, zwlr_data_control_device_v1*, zwlr_data_control_offer_v1* offer) {
+    zwlr_data_control_offer_v1_destroy(offer);
+}
+void ignore_selection(void*, zwlr_data_control_device_v1*, zwlr_data_control_offer_v1*) {}
+void ignore_finished(void*, zwlr_data_control_device_v1*) {}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) bool delvio_keep_clipboard(
+    const std::string& text, const std::function<void()>& owned) {
+    static const zwlr_data_control_source_v1_listener source_listener = {send_text, note_replaced};
+    static const zwlr_data_control_device_v1_listener device_listener = {
+        drop_offer, ignore_selection, ignore_finished};
+    Compositor compositor;
+    if (!compositor.connect() || !compositor.data_control || !compositor.seat) return false;
+    Offer offer = {text};
+    auto* source = zwlr_data_control_manager_v1_create_data_source(compositor.data_control);
+    zwlr_data_control_source_v1_add_listener(source, &source_listener, &offer);
+    for (const char* type : text_types) zwlr_data_control_source_v1_offer(source, type);
+    auto* device =
+        zwlr_data_control_manager_v1_get_data_device(compositor.data_control, compositor.seat);
+    zwlr_data_control_device_v1_add_listener(device, &device_listener, nullptr);
+    zwlr_data_control_device_v1_set_selection(device, source);
+    if (!compositor.answer_all()) return false;
+    signal(SIGPIPE, SIG_IGN);
+    owned();
+    while (!offer.replaced && wl_display_dispatch(compositor.display) >= 0) {
+    }
+    return true;
+}
