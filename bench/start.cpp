@@ -4,7 +4,10 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "bench/harness.h"
 #include "bench/started_program.h"
@@ -44,26 +47,47 @@ void measure_idle(Display* display, const std::vector<std::string>& command) {
                 (after.processor - before.processor) * 1e3, "ms", idle_seconds);
 }
 
-void race(Display* display, const std::vector<std::string>& menu) {
-    const std::pair<std::string, std::vector<std::string>> programs[] = {
-        {"bare X window", {BARE_X_WINDOW}},
-        {"bare GNUstep window", {BARE_GNUSTEP_WINDOW}},
-        {"delvio menu", menu},
-    };
-    bench::Times times[std::size(programs)];
+struct Program {
+    std::string name;
+    std::vector<std::string> command;
+    bench::Times times;
+};
+
+// A launcher with 25 lines, in the upper left corner of the screen.
+Program rofi(const bench::TestFolder& folder) {
+    const std::string input = folder.holder() + "/lines";
+    std::ofstream lines(input);
+    for (int line = 0; line < 25; line++) lines << "Menu row " << line << "\n";
+    const std::string theme = "window { location: north west; anchor: north west; width: 400px; }";
+    return {"rofi", {ROFI, "-dmenu", "-l", "25", "-input", input, "-theme-str", theme}, {}};
+}
+
+// Programs that are not installed are left out.
+std::vector<Program> programs_to_start(const bench::TestFolder& folder,
+                                       const std::vector<std::string>& menu) {
+    std::vector<Program> programs = {{"delvio menu", menu, {}},
+                                     {"bare GNUstep window", {BARE_GNUSTEP_WINDOW}, {}},
+                                     {"bare X window", {BARE_X_WINDOW}, {}}};
+    if (access(GTK_MENU, X_OK) == 0) programs.push_back({"GTK menu", {GTK_MENU}, {}});
+    if (access(ROFI, X_OK) == 0) programs.push_back(rofi(folder));
+    return programs;
+}
+
+void race(Display* display, std::vector<Program> programs) {
     for (int round = 0; round <= rounds; round++) {
-        for (size_t i = 0; i < std::size(programs); i++) {
+        for (Program& program : programs) {
             bench::Times warm_up;
-            start(display, programs[i].second, round ? &times[i] : &warm_up);
+            start(display, program.command, round ? &program.times : &warm_up);
         }
     }
-    for (size_t i = 0; i < std::size(programs); i++) {
-        bench::print_times("start to the first pixel", 0, programs[i].first, times[i]);
+    for (const Program& program : programs) {
+        bench::print_times("start to the first pixel", 0, program.name, program.times);
     }
-    bench::note("processor time of delvio menu to its first pixel", 0,
-                bench::median(times[2].processor) * 1e3, "ms", milliseconds_limit);
+    const double menu = bench::median(programs[0].times.processor);
+    bench::note("processor time of delvio menu to its first pixel", 0, menu * 1e3, "ms",
+                milliseconds_limit);
     bench::check("start of delvio menu to that of a bare GNUstep window, processor time",
-                 bench::median(times[2].processor) / bench::median(times[1].processor), 1);
+                 menu / bench::median(programs[1].times.processor), 1);
 }
 
 }  // namespace
@@ -74,7 +98,7 @@ int main() {
     const bench::TestFolder folder(10);
     const std::vector<std::string> menu = {DELVIO, "menu", "--at", "100,100", folder.path()};
     try {
-        race(display, menu);
+        race(display, programs_to_start(folder, menu));
         measure_idle(display, menu);
     } catch (const std::exception& problem) {
         fprintf(stderr, "bench_start: %s\n", problem.what());
