@@ -90,6 +90,7 @@ bool is_settled(const State& state) {
 
 struct Kept {
     State state;
+    bool was_settled;  // before it was read
     std::optional<EntryFile> entry;
 };
 
@@ -114,7 +115,10 @@ const EntryFile* read_entry_file(const std::string& path) {
     const auto found = entries.find(path);
     const bool known = found != entries.end() && are_equal(found->second.state, state);
     Kept& kept = known ? found->second : entries[path];
-    if (!known || !is_settled(state)) kept = {state, entry_of(read_keys(path).get())};
+    if (!known || !kept.was_settled) {
+        const bool settled = is_settled(state);
+        kept = {state, settled, entry_of(read_keys(path).get())};
+    }
     return kept.entry ? &*kept.entry : nullptr;
 }
 

@@ -43,18 +43,20 @@ class Behaviour : public testing::Test {
         return area;
     }
 
-    void drag(const Area& from, const Area& to) {
+    // Moves on once GWorkspace has answered, and lets go once it takes the drag.
+    void drag(const FileManager& manager, const Area& from, const Area& to,
+              const std::string& target) {
+        constexpr int steps = 20;
         hand_.move(from.x(), from.y());
         hand_.press(1);
-        for (int step = 1; step <= 20; step++) {
-            hand_.move(from.x() + (to.x() - from.x()) * step / 20,
-                       from.y() + (to.y() - from.y()) * step / 20);
-            usleep(20000);
-        }
-        for (int step = 0; step < 20; step++) {
-            hand_.move(to.x() + step % 2, to.y());
-            usleep(20000);
-        }
+        int turn = 0;
+        const auto is_taken = [&] {
+            const int step = std::min(++turn, steps);
+            hand_.move(from.x() + (to.x() - from.x()) * step / steps + turn % 2,
+                       from.y() + (to.y() - from.y()) * step / steps);
+            return manager.ask("target icons " + target) == "yes" && step == steps;
+        };
+        wait_until(is_taken, 20);
         hand_.release(1);
     }
 
@@ -66,7 +68,7 @@ class Behaviour : public testing::Test {
         for (int attempt = 0; attempt < 5; attempt++) {
             if (attempt > 0) click_on_nothing(manager);
             const Area source = item(manager, from), target = item(manager, to);
-            drag(source, target);
+            drag(manager, source, target, folder_.path(to));
             if (wait_until([&] { return !manager.ask("alert").empty(); }, 10)) break;
         }
         hand_.let_go();

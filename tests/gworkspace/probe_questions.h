@@ -8,7 +8,7 @@
 //                         list, path, shelf, desktop, dock
 //   ground KIND           where there is none; of the browser, below the cells of the last column
 //   bounds KIND           the view's visible part; of a popup, its button's
-//   target KIND           "yes" while a drag is over the view that it takes
+//   target KIND [PATH]    "yes" while a drag is over the view, or the icon in it, that takes it
 //   stock                 how many of GNUstep's own menus are shown
 //   clipboard             the paths on the pasteboard
 //   windows               the titles of the windows that are shown

@@ -123,12 +123,16 @@ std::string row_area(NSTableView* list, NSString* path) {
     return "";
 }
 
-std::string icon_area(NSView* view, NSString* path) {
+NSView* icon_for(NSView* view, NSString* path) {
     for (NSView* icon in [view subviews]) {
-        if (![icon respondsToSelector:@selector(iconBounds)] || !stands_for(icon, path)) continue;
-        return area_of(icon, [icon iconBounds]);
+        if ([icon respondsToSelector:@selector(iconBounds)] && stands_for(icon, path)) return icon;
     }
-    return "";
+    return nil;
+}
+
+std::string icon_area(NSView* view, NSString* path) {
+    NSView* icon = icon_for(view, path);
+    return icon ? area_of(icon, [icon iconBounds]) : "";
 }
 
 std::string item_area(const std::string& kind, NSString* path) {
@@ -165,6 +169,7 @@ std::string ground_area(const std::string& kind) {
 }
 
 bool is_drag_target(NSView* view) {
+    if (!view) return false;
     Ivar variable = class_getInstanceVariable([view class], "isDragTarget");
     if (!variable) return false;
     return *(reinterpret_cast<const BOOL*>(view) + ivar_getOffset(variable));
@@ -278,7 +283,9 @@ bool answer_about_views(const std::string& question, const std::string& words,
         NSView* view = view_of(kind);
         *answer = view ? area_of(view, [view visibleRect]) : "";
     } else if (question == "target") {
-        *answer = is_drag_target(view_of(kind)) ? "yes" : "";
+        NSView* view = view_of(kind);
+        *answer =
+            is_drag_target(blank == std::string::npos ? view : icon_for(view, path)) ? "yes" : "";
     } else if (question == "clipboard") {
         NSPasteboard* board = [NSPasteboard generalPasteboard];
         *answer = lines_of([board propertyListForType:NSFilenamesPboardType]);

@@ -226,7 +226,7 @@ TEST_F(MenuCommand, SaysThatAFolderIsEmpty) {
 
 TEST_F(MenuCommand, ShowsLabelColors) {
     folder.file("top/red");
-    if (!folder.finder_info("top/red", 6 << 1)) GTEST_SKIP() << "no extended attributes here";
+    ASSERT_TRUE(folder.finder_info("top/red", 6 << 1)) << test::no_attributes;
     const json items = level(menu_json({"--depth", "1", folder.path("top")}), "top");
     EXPECT_EQ(item(items, "red")["color"], "#ff0000");
 }

@@ -31,7 +31,7 @@ TEST_F(Scan, DotFilesAreDroppedUnlessAskedForAndThenDimmed) {
 TEST_F(Scan, InvisibleItemsAreDroppedUnlessAskedForAndThenDimmed) {
     folder_.file("ghost");
     folder_.file("shown");
-    if (!folder_.finder_info("ghost", INVISIBLE_FLAG)) GTEST_SKIP() << "no extended attributes";
+    ASSERT_TRUE(folder_.finder_info("ghost", INVISIBLE_FLAG)) << test::no_attributes;
     EXPECT_EQ(names(0), Names({"shown"}));
     EXPECT_EQ(names(DV_SCAN_DOT_FILES), Names({"shown"}));
     Tree root = scan(DV_SCAN_INVISIBLE);
@@ -51,7 +51,7 @@ TEST_F(Scan, TheFoldersOwnHiddenListCountsAsInvisible) {
 TEST_F(Scan, LabelsComeFromTheFinderFlags) {
     folder_.file("plain");
     folder_.file("red");
-    if (!folder_.finder_info("red", 6 << 1)) GTEST_SKIP() << "no extended attributes";
+    ASSERT_TRUE(folder_.finder_info("red", 6 << 1)) << test::no_attributes;
     Tree root = scan();
     EXPECT_EQ(child_named(root, "red")->label, 6);
     EXPECT_EQ(child_named(root, "plain")->label, 0);
@@ -62,9 +62,8 @@ TEST_F(Scan, EveryLabelIsReadAndNothingBesideIt) {
         // All other flags, but for those that hide the file or make it an alias.
         for (const unsigned others : {0x0000u, 0x3FF1u}) {
             folder_.file("labelled");
-            if (!folder_.finder_info("labelled", label << 1 | others)) {
-                GTEST_SKIP() << "no extended attributes";
-            }
+            ASSERT_TRUE(folder_.finder_info("labelled", label << 1 | others))
+                << test::no_attributes;
             Tree root = scan();
             EXPECT_EQ(child_named(root, "labelled")->label, label) << others;
         }
@@ -104,7 +103,7 @@ TEST_F(Scan, KindsAreToldApart) {
 
 TEST_F(Scan, TheFileTypeAPPLMakesAnApplication) {
     folder_.file("tool");
-    if (!folder_.finder_info("tool", 0, "APPL")) GTEST_SKIP() << "no extended attributes";
+    ASSERT_TRUE(folder_.finder_info("tool", 0, "APPL")) << test::no_attributes;
     Tree root = scan();
     EXPECT_EQ(child_named(root, "tool")->kind, DV_KIND_APPLICATION);
     EXPECT_EQ(child_named(root, "tool")->is_container, 0);

@@ -23,12 +23,15 @@ class TempFolder {
     std::string link(const std::string& name, const std::string& target);
 
     // Sets the 32 bytes of Finder information with these Finder flags and this file type. False
-    // where the file system stores no extended attributes.
+    // where the file system stores no extended attributes, which is a failure of the test.
     bool finder_info(const std::string& name, unsigned flags, const char* type = "\0\0\0\0");
 
   private:
     std::string path_;
 };
+
+inline constexpr char no_attributes[] =
+    "this test needs a temporary folder (TMPDIR) with extended attributes of users";
 
 // The bytes of a file, empty if it cannot be read.
 std::string read_file(const std::string& path);

@@ -27,7 +27,7 @@ class CatalogInformation : public testing::Test {
   protected:
     void SetUp() override {
         folder.file("probe");
-        if (!folder.finder_info("probe", 0)) GTEST_SKIP() << "no extended attributes here";
+        ASSERT_TRUE(folder.finder_info("probe", 0)) << test::no_attributes;
     }
 
     test::TempFolder folder;

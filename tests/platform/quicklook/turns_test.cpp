@@ -15,7 +15,7 @@ using std::chrono::milliseconds;
 using thumbnails::Turns;
 
 void wait_until(const auto& condition) {
-    for (int i = 0; i < 5000 && !condition(); i++) usleep(2000);
+    for (int i = 0; i < 30000 && !condition(); i++) usleep(2000);
     ASSERT_TRUE(condition());
 }
 

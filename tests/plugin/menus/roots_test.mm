@@ -406,7 +406,7 @@ TEST_F(RunningRoots, AFilledSlotIsKept) {
 
 TEST_F(RunningRoots, HiddenProgramsFollowTheSettings) {
     const std::string hidden = folder_.folder("Hidden.app");
-    if (!folder_.finder_info("Hidden.app", 0x4000)) GTEST_SKIP() << "no extended attributes here";
+    ASSERT_TRUE(folder_.finder_info("Hidden.app", 0x4000)) << test::no_attributes;
     add("hidden", hidden, "");
     take_over();
     EXPECT_EQ(dv_->running_apps, nullptr);
@@ -438,7 +438,7 @@ TEST_F(Roots, AnApplicationOffersItsRecentDocumentsInTheirOrder) {
 TEST_F(Roots, RecentDocumentsThatAreHiddenAreLeftOut) {
     const std::string tool = application("Tool.app");
     const std::string a = folder_.file("a"), b = folder_.file("b");
-    if (!folder_.finder_info("a", 0x4000)) GTEST_SKIP() << "no extended attributes here";
+    ASSERT_TRUE(folder_.finder_info("a", 0x4000)) << test::no_attributes;
     set_recent_bookmarks(@[ bookmark_of(a), bookmark_of(b) ]);
     take_over();
     dv_tree_t* elem = dv_build_single_elem(tool.c_str(), 0, 0);
