@@ -24,6 +24,7 @@ struct Options {
     std::vector<std::string> settings;
     bool print = false;
     bool json = false;
+    bool no_resident = false;  // the command that people start has read it already
 };
 
 void add_menu(CLI::App& app, MenuRequest& request, Options& options) {
@@ -55,6 +56,8 @@ void add_menu(CLI::App& app, MenuRequest& request, Options& options) {
                      "With --png: hold the submenu of this title open; once for each level")
         ->type_name("TITLE")
         ->allow_extra_args(false);
+    menu->add_flag("--no-resident", options.no_resident,
+                   "Show the menu from this process, without the program that stays for the next");
     menu->add_option("--modifiers", options.modifiers,
                      "Keys to hold down: shift, option, command, control")
         ->type_name("KEY,...");

@@ -17,6 +17,7 @@ namespace {
 std::atomic<pid_t> child_to_end{0};
 std::atomic<int> signal_descriptor{-1};
 std::atomic<int> caught_signal{0};
+std::atomic<int> acted_signal{0};  // a signal of another process, which counts as caught
 std::atomic<bool> catches{false};
 char file_to_remove[PATH_MAX];
 char folder_to_remove[PATH_MAX];
@@ -97,3 +98,22 @@ void end_child_and_remove_file() {
 void set_signal_descriptor(int descriptor) { signal_descriptor = descriptor; }
 
 int signal_caught() { return caught_signal; }
+
+void act_on_signal(int number) {
+    int none = 0;
+    if (!caught_signal.compare_exchange_strong(none, number)) return;
+    acted_signal = number;
+    const int descriptor = signal_descriptor.load();
+    // A full pipe has woken the reader already.
+    if (descriptor >= 0 && write(descriptor, "", 1) != 1) return;
+}
+
+// A signal of this process's own stays caught.
+void forget_acted_signal() {
+    int acted = acted_signal.exchange(0);
+    if (acted) caught_signal.compare_exchange_strong(acted, 0);
+}
+
+void outlive_broken_pipes() {
+    set_handler(SIGPIPE, [](int) {});
+}

@@ -22,3 +22,10 @@ void end_child_and_remove_file();
 void set_signal_descriptor(int descriptor);
 // The signal that was caught while a descriptor was set, or 0.
 int signal_caught();
+
+// For a program that acts for others. A signal that another process has caught is acted on here as
+// if it had been caught, but this process does not end; the caller forgets it afterwards.
+void act_on_signal(int number);
+void forget_acted_signal();
+// From now on a broken pipe only fails the write. Programs that are started from here still end.
+void outlive_broken_pipes();

@@ -95,6 +95,7 @@ const char* verb_of(State state) { return state == State::Skipped ? "skipped " :
 }  // namespace
 
 void offer_file_operations(const MenuRequest& request) {
+    outcomes.clear();
     const bool attended = is_attended = request.form == MenuForm::shown;
     const DialogItemIndex answer =
         request.replace ? DialogItemIndex{kAlertStdAlertCancelButton} : kAlertAnswerDefault;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <vector>
@@ -24,9 +25,11 @@ struct Pipe {
     }
 };
 
-// Called in the child: starts a session of its own, away from the caller's terminal and folder.
+// Called in the child: starts a session of its own, away from the caller's terminal and folder. A
+// second child, which nobody has to wait for, becomes the keeper.
 [[noreturn]] void become_keeper(const Pipe& text, const Pipe& ready) {
     setsid();
+    if (fork() != 0) _exit(0);
     dup2(text.ends[0], STDIN_FILENO);
     dup2(ready.ends[1], STDOUT_FILENO);
     if (chdir("/") == 0) {
@@ -59,6 +62,7 @@ std::string keep_on_clipboard(const std::string& content) {
     const pid_t keeper = fork();
     if (keeper < 0) return failed;
     if (keeper == 0) become_keeper(text, ready);
+    waitpid(keeper, nullptr, 0);
     text.end(0);
     ready.end(1);
     const bool given = write_all(text.ends[1], content);

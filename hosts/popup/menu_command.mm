@@ -65,17 +65,26 @@ bool is_written(MenuForm form) { return form == MenuForm::text || form == MenuFo
 
 using Stage = std::optional<PreparedMenuStage>;
 
+// With `stage`, the compositor is asked for a place for the menu while the toolkit starts.
+bool prepare_program(MenuForm form, Stage* stage, std::string* problem) {
+    static bool is_prepared;
+    const std::string bundle = is_prepared ? std::string() : find_plug_in(problem);
+    if (!is_prepared && (bundle.empty() || !have_display(form, problem))) return false;
+    if (stage) stage->emplace();
+    if (is_prepared) return true;
+    start_application();
+    return is_prepared = answer_finder_events(problem) && load_plug_in(bundle, problem);
+}
+
 bool prepare(MenuRequest& request, Stage* stage, std::string* problem) {
     if (is_written(request.form)) keep_output_pure();
     if (!resolve_files(&request.files, problem)) return false;
-    const std::string bundle = find_plug_in(problem);
-    if (bundle.empty() || !have_display(request.form, problem)) return false;
+    const bool is_shown = request.form == MenuForm::shown;
+    if (!prepare_program(request.form, is_shown ? stage : nullptr, problem)) return false;
     warn_of_other_encodings(request.files);
-    if (request.form == MenuForm::shown) stage->emplace();
-    start_application();
     set_held_modifier_flags(request.modifiers);
     offer_file_operations(request);
-    return answer_finder_events(problem) && load_plug_in(bundle, problem);
+    return true;
 }
 
 // Uses the toolkit's public call, like any program that pops up a menu.
@@ -170,16 +179,8 @@ int run_form(HostMenu* host, const MenuRequest& request, Stage* stage) {
     return exit_failed;
 }
 
-}  // namespace
-
-int run_menu_command(MenuRequest request) {
-    std::string problem;
-    if (!force_settings(request.settings, &problem)) {
-        complain_about_usage(problem);
-        return exit_misused;
-    }
-    Stage stage;
-    if (!prepare(request, &stage, &problem)) return failed(problem);
+int run_prepared(const MenuRequest& request) {
+    open_problems().clear();
     listen_for_open_problems(
         [](const OpenProblem& problem) { open_problems().push_back(problem); });
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
@@ -192,4 +193,21 @@ int run_menu_command(MenuRequest request) {
     if (status != exit_done) return status;
     if (![host problem].empty()) return failed([host problem]);
     return open_problems().empty() ? operations_status : exit_failed;
+}
+
+}  // namespace
+
+bool prepare_menus(std::string* problem) { return prepare_program(MenuForm::shown, nullptr, problem); }
+
+int run_menu_command(MenuRequest request) {
+    std::string problem;
+    int status = exit_misused;
+    if (!force_settings(request.settings, &problem)) {
+        complain_about_usage(problem);
+    } else {
+        Stage stage;
+        status = prepare(request, &stage, &problem) ? run_prepared(request) : failed(problem);
+    }
+    free_settings(request.settings);
+    return status;
 }

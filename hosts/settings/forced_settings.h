@@ -17,3 +17,5 @@ id object_of(const Setting& setting, const SettingValue& value);
 // it if it is a list. False when a pair is refused; then *problem says why, in one line.
 bool force_settings(const std::vector<std::pair<std::string, std::string>>& pairs,
                     std::string* problem);
+// Ends that for these keys.
+void free_settings(const std::vector<std::pair<std::string, std::string>>& pairs);

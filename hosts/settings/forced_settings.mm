@@ -54,3 +54,9 @@ bool force_settings(const std::vector<std::pair<std::string, std::string>>& pair
     }
     return true;
 }
+
+void free_settings(const std::vector<std::pair<std::string, std::string>>& pairs) {
+    for (const auto& [key, word] : pairs) {
+        if (find_setting(key)) force_preference(cf(key.c_str()), nullptr, cf(settings_domain));
+    }
+}

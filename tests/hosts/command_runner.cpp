@@ -13,6 +13,8 @@ namespace {
 constexpr int milliseconds_to_finish = 120000;
 
 void become(const std::vector<std::string>& arguments, const Changes& environment) {
+    // One process does it all, unless a test asks for the resident host.
+    setenv("DELVIO_RESIDENT", "0", 0);
     for (const auto& [name, value] : environment) {
         value.empty() ? unsetenv(name.c_str()) : setenv(name.c_str(), value.c_str(), 1);
     }

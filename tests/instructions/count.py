@@ -129,7 +129,7 @@ def count_all(build):
                            **make_desktop(work / "desktop"))
         counts = count_parts(work, environment, copies / "bin/count_scan", holder / "entries")
         counts["start, from delvio menu to Escape"] = count_start(
-            work, environment, copies / "bin/delvio", "menu", holder)
+            work, environment, copies / "libexec/delvio/delvio-host", "menu", holder)
         environment["COUNT_PLUG_IN"] = str(copies / "lib/Delvio.bundle")
         environment["COUNT_FOLDER"] = str(holder)
         counts.update(count_parts(work, environment, copies / "bin/count_menu"))

@@ -15,6 +15,8 @@
 #include "popup/install_command.h"
 #include "popup/menu_command.h"
 #include "popup/undo_command.h"
+#include "resident/host_start.h"
+#include "service/resident_host.h"
 #include "settings/settings_command.h"
 
 namespace {
@@ -67,6 +69,8 @@ int main(int argc, char** argv) {
     keep_streams_private();
     catch_exit_signals();
     atexit(end_child_and_remove_file);
+    const bool is_host = argc == 3 && strcmp(argv[1], resident::host_argument) == 0;
+    if (is_host) return run_resident_host(argv[2], argv[0]);
     const CommandLine line = read_command_line(argc, argv);
     const int status = run(line, argv[0]);
     return fflush(output_stream()) == 0 ? status : exit_failed;

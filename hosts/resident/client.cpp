@@ -1,0 +1,158 @@
+#include "resident/client.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include "resident/ending_signals.h"
+#include "resident/host_start.h"
+#include "resident/meeting_place.h"
+#include "resident/packets.h"
+#include "resident/session.h"
+
+namespace resident {
+
+namespace {
+
+constexpr int failed = 1;
+// A host that starts on a busy machine needs a while. A host that has said nothing by then hangs.
+constexpr int milliseconds_to_take = 30000, milliseconds_to_close = 2000;
+
+// There is no way to ask for the mask without setting it.
+uint32_t file_mode_mask() {
+    const mode_t mask = umask(077);
+    umask(mask);
+    return mask;
+}
+
+// The descriptor itself, or one that leads nowhere where it is closed.
+Descriptor stream(int descriptor) {
+    Descriptor copy(fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    return copy ? std::move(copy) : Descriptor(open("/dev/null", O_WRONLY | O_CLOEXEC));
+}
+
+bool send_call(int host, const Call& call) {
+    const Descriptor file = file_of(call), folder(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)),
+                     out = stream(STDOUT_FILENO), err = stream(STDERR_FILENO);
+    return file && folder && out && err &&
+           send_message(host, CallHeader(), {file.get(), folder.get(), out.get(), err.get()});
+}
+
+// Connects to the host, and starts one where none listens. The new host finds this connection
+// waiting at its socket, so nobody waits for its start.
+Descriptor connect(const MeetingPlace& place, const std::string& name, const std::string& program) {
+    if (Descriptor host = place.connect()) return host;
+    const Descriptor lock = place.lock();
+    if (!lock) return Descriptor();
+    if (Descriptor host = place.connect()) return host;  // another client was quicker
+    const Descriptor listener = place.listen();
+    if (!listener) return Descriptor();
+    Descriptor host = place.connect();
+    if (host && start_host(program, name, listener)) return host;
+    place.remove();
+    return Descriptor();
+}
+
+enum class Event { answer, signal, end };
+
+// Waits for the next thing to happen; milliseconds below 0 are for ever.
+Event next_event(int host, const EndingSignals& signals, int milliseconds, Answer* answer) {
+    pollfd waiting[] = {{host, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}};
+    for (;;) {
+        const int ready = poll(waiting, 2, milliseconds);
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready <= 0) return Event::end;
+        if (waiting[0].revents) {
+            Packet packet;
+            const Received received = receive_packet(host, &packet);
+            if (received == Received::nothing_yet) continue;
+            const auto read = answer_of(packet.bytes);
+            if (received == Received::end || !read) return Event::end;
+            *answer = *read;
+            return Event::answer;
+        }
+        return Event::signal;
+    }
+}
+
+int complain_of_crash() {
+    fputs("delvio: the program that showed the menu has ended unexpectedly; try again, or use "
+          "--no-resident\n",
+          stderr);
+    return failed;
+}
+
+// A menu closes at a signal; if it does not, the client ends without it.
+int end_by_signal(int host, const EndingSignals& signals) {
+    const int number = signals.take();
+    Answer answer;
+    if (send_message(host, Signal{static_cast<uint32_t>(number)}) &&
+        next_event(host, signals, milliseconds_to_close, &answer) == Event::answer) {
+        return static_cast<int>(answer.status);
+    }
+    return 128 + number;
+}
+
+int wait_for_end(int host, const EndingSignals& signals) {
+    Answer answer;
+    switch (next_event(host, signals, -1, &answer)) {
+        case Event::answer:
+            if (answer.verdict == Verdict::done) return static_cast<int>(answer.status);
+            break;
+        case Event::signal:
+            return end_by_signal(host, signals);
+        case Event::end:
+            break;
+    }
+    return complain_of_crash();
+}
+
+struct Attempt {
+    Verdict verdict = Verdict::elsewhere;
+    int status = failed;  // for `done`
+};
+
+Attempt attempt(const MeetingPlace& place, const std::string& name, const std::string& program,
+                const Call& call, const EndingSignals& signals) {
+    const Descriptor host = connect(place, name, program);
+    if (!host) return {};
+    Answer answer;
+    // A host that ends just now may drop the call unread. It is offered to another one.
+    if (!send_call(host.get(), call)) return {Verdict::outdated};
+    switch (next_event(host.get(), signals, milliseconds_to_take, &answer)) {
+        case Event::answer:
+            if (answer.verdict != Verdict::taken) return {answer.verdict};
+            return {Verdict::done, wait_for_end(host.get(), signals)};
+        case Event::signal:
+            return {Verdict::done, 128 + signals.take()};
+        case Event::end:
+            return {Verdict::outdated};
+    }
+    return {};
+}
+
+}  // namespace
+
+std::optional<int> run_by_host(const std::vector<std::string>& arguments,
+                               const std::string& program) {
+    const Call call = {arguments, own_environment(), file_mode_mask()};
+    const std::string name = host_name(call.environment, program);
+    const MeetingPlace place(name);
+    if (!place) return {};
+    const EndingSignals signals;
+    if (signals.descriptor() < 0) return {};
+    constexpr int most_attempts = 2;
+    for (int i = 0; i < most_attempts; ++i) {
+        const Attempt made = attempt(place, name, program, call, signals);
+        if (made.verdict == Verdict::done) return made.status;
+        if (made.verdict == Verdict::elsewhere) return {};
+    }
+    return {};
+}
+
+}  // namespace resident

@@ -1,0 +1,49 @@
+// The command as people start it. It hands a menu for the screen to the resident host, and becomes
+// the full program for everything else.
+#include <errno.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include "resident/client.h"
+#include "resident/program_paths.h"
+#include "resident/shown_call.h"
+
+namespace {
+
+constexpr int failed = 1;
+// Troubleshooting belongs to one process and its streams.
+constexpr const char* tracing_variables[] = {"DELVIO_TRACE", "DELVIO_TOOLKIT_LOG"};
+
+bool is_set(const char* name) {
+    const char* const value = getenv(name);
+    return value && *value;
+}
+
+bool is_for_host(const std::vector<std::string>& arguments) {
+    for (const char* name : tracing_variables) {
+        if (is_set(name)) return false;
+    }
+    const char* const wanted = getenv("DELVIO_RESIDENT");
+    if (wanted && strcmp(wanted, "0") == 0) return false;
+    return is_set("DISPLAY") && resident::asks_for_shown_menu(arguments);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv + (argc > 0), argv + argc);
+    const std::string program = resident::full_program();
+    if (program.empty()) {
+        fputs("delvio: its program libexec/delvio/delvio-host is missing; install Delvio again\n",
+              stderr);
+        return failed;
+    }
+    if (is_for_host(arguments)) {
+        if (const auto status = resident::run_by_host(arguments, program)) return *status;
+    }
+    execv(program.c_str(), argv);
+    fprintf(stderr, "delvio: cannot start %s: %s\n", program.c_str(), strerror(errno));
+    return failed;
+}

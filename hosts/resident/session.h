@@ -1,0 +1,18 @@
+// Which calls share a host: those of one user, display and session, and of one locale. Any thread.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace resident {
+
+// The variables that libraries of a host read once, such as DISPLAY, HOME and LANG, in order. Two
+// calls with other values get two hosts; all other variables are each call's own.
+std::vector<std::string> fixed_variables(const std::vector<std::string>& environment);
+
+// The name of the host of this environment and program: letters and digits, the same at each call.
+std::string host_name(const std::vector<std::string>& environment, const std::string& program);
+
+std::vector<std::string> own_environment();
+
+}  // namespace resident

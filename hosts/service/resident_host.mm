@@ -1,0 +1,300 @@
+#include "service/resident_host.h"
+
+#include <AppKit/AppKit.h>
+#include <host/menu_tracking.h>
+
+#include <fcntl.h>
+#include <malloc.h>
+#include <stdlib.h>
+
+#include <list>
+
+#include "command/command_line.h"
+#include "command/exit_signals.h"
+#include "command/home_folder.h"
+#include "finderkit/settings_file.h"
+#include "popup/application.h"
+#include "popup/menu_command.h"
+#include "resident/host_start.h"
+#include "resident/meeting_place.h"
+#include "resident/session.h"
+#include "service/callers.h"
+#include "service/descriptor_watch.h"
+#include "service/freshness.h"
+#include "service/host_log.h"
+#include "service/surroundings.h"
+
+namespace {
+
+using operations::Descriptor;
+using resident::Received;
+using resident::Verdict;
+
+constexpr double seconds_idle = 600;
+constexpr size_t most_silent_guests = 32;
+
+double longest_idle() {
+    const char* const wanted = getenv("DELVIO_IDLE_SECONDS");
+    const double seconds = wanted ? atof(wanted) : 0;
+    return seconds > 0 ? seconds : seconds_idle;
+}
+
+// The main loop returns to its caller only with an event.
+void wake_main_loop() {
+    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
+}
+
+struct Guest {
+    std::unique_ptr<Caller> caller;
+    std::unique_ptr<DescriptorWatch> watch;  // ends before its descriptor is closed
+};
+
+class Host {
+  public:
+    Host(const std::string& name, const resident::MeetingPlace& place)
+        : fixed_(resident::fixed_variables(resident::own_environment())),
+          place_(place),
+          listener_(resident::listening_descriptor) {
+        fcntl(listener_.get(), F_SETFD, FD_CLOEXEC);
+        fcntl(listener_.get(), F_SETFL, O_NONBLOCK);
+        log_line("starts as " + name);
+    }
+
+    bool prepare(char* program);
+    void serve_calls();
+
+  private:
+    void accept_guests();
+    void hear(Guest* guest);
+    void hear_silent(Guest* guest);
+    void hear_current();
+    void decide(std::unique_ptr<Guest> guest);
+    bool may_wait_for_menu(const Guest& guest);
+    std::unique_ptr<Guest> take_silent(Guest* guest);
+    void serve_next();
+    int run(const Caller& caller);
+    void end(const std::string& why);
+    void watch_signals();
+
+    const std::vector<std::string> fixed_;
+    const resident::MeetingPlace& place_;
+    Descriptor listener_;
+    Descriptor signals_[2];
+    std::unique_ptr<DescriptorWatch> listener_watch_, signal_watch_;
+    std::unique_ptr<Freshness> freshness_;
+    std::list<std::unique_ptr<Guest>> silent_;  // connected, and have sent no call yet
+    std::unique_ptr<Guest> next_, current_;
+    NSDate* idle_end_ = nil;
+    bool ends_ = false;
+};
+
+bool Host::prepare(char* program) {
+    std::string problem;
+    prepare_toolkit(program);
+    if (!ensure_home_folder(&problem) || !prepare_menus(&problem)) {
+        log_line("cannot start: " + problem);
+        return false;
+    }
+    freshness_ = std::make_unique<Freshness>();
+    listener_watch_ =
+        std::make_unique<DescriptorWatch>(listener_.get(), [this] { accept_guests(); });
+    watch_signals();
+    return true;
+}
+
+void Host::watch_signals() {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
+    signals_[0] = Descriptor(ends[0]);
+    signals_[1] = Descriptor(ends[1]);
+    signal_watch_ = std::make_unique<DescriptorWatch>(ends[0], [this] {
+        char byte;
+        while (read(signals_[0].get(), &byte, 1) > 0) {
+        }
+        wake_main_loop();
+    });
+    set_signal_descriptor(ends[1]);
+}
+
+void Host::accept_guests() {
+    while (auto caller = accept_caller(listener_.get())) {
+        auto guest = std::make_unique<Guest>();
+        Guest* const heard = guest.get();
+        guest->caller = std::move(caller);
+        guest->watch = std::make_unique<DescriptorWatch>(guest->caller->socket.get(),
+                                                         [this, heard] { hear(heard); });
+        silent_.push_back(std::move(guest));
+        if (silent_.size() > most_silent_guests) silent_.pop_front();
+    }
+}
+
+void Host::hear(Guest* guest) {
+    if (guest == current_.get()) return hear_current();
+    if (guest != next_.get()) return hear_silent(guest);
+    log_line("a caller has gone before its menu was shown");
+    next_.reset();
+}
+
+std::unique_ptr<Guest> Host::take_silent(Guest* guest) {
+    for (auto each = silent_.begin(); each != silent_.end(); ++each) {
+        if (each->get() != guest) continue;
+        std::unique_ptr<Guest> taken = std::move(*each);
+        silent_.erase(each);
+        return taken;
+    }
+    return nullptr;
+}
+
+void Host::hear_silent(Guest* guest) {
+    resident::Packet packet;
+    const Received received =
+        resident::receive_packet(guest->caller->socket.get(), &packet);
+    if (received == Received::nothing_yet) return;
+    std::unique_ptr<Guest> taken = take_silent(guest);
+    if (received == Received::packet && taken->caller->read_call(std::move(packet))) {
+        return decide(std::move(taken));
+    }
+    log_line("a message that is no call was refused");
+}
+
+// What the caller of the open menu says: a signal that it has got, or that it has gone.
+void Host::hear_current() {
+    resident::Packet packet;
+    const Received received =
+        resident::receive_packet(current_->caller->socket.get(), &packet);
+    if (received == Received::nothing_yet) return;
+    const auto signal = resident::signal_of(packet.bytes);
+    if (received == Received::packet && signal) {
+        log_line("the caller was sent signal " + std::to_string(signal->number));
+        return act_on_signal(static_cast<int>(signal->number));
+    }
+    log_line("the caller has gone");
+    current_->watch.reset();
+    act_on_signal(SIGHUP);
+}
+
+// Only an open menu can be closed for the sake of the next one. A panel may hold a question.
+bool Host::may_wait_for_menu(const Guest&) { return !current_ || [MenuSession current]; }
+
+void Host::decide(std::unique_ptr<Guest> guest) {
+    const Caller& caller = *guest->caller;
+    const std::string change = ends_ ? "the host ends" : freshness_->change();
+    if (!change.empty()) {
+        caller.answer(Verdict::outdated);
+        return end(change);
+    }
+    if (resident::fixed_variables(caller.call.environment) != fixed_) {
+        log_line("a call from another session or with another locale was refused");
+        return caller.answer(Verdict::elsewhere);
+    }
+    if (!may_wait_for_menu(*guest)) {
+        log_line("a call came while a panel was open or files were moved; it runs by itself");
+        return caller.answer(Verdict::elsewhere);
+    }
+    if (next_) next_->caller->answer(Verdict::done, exit_done);
+    next_ = std::move(guest);
+    if (!current_) return wake_main_loop();
+    log_line("the open menu gives way to the next one");
+    [[MenuSession current] cancel];
+}
+
+int Host::run(const Caller& caller) {
+    std::string problem;
+    if (!ensure_home_folder(&problem)) {
+        complain_about_usage(problem);
+        return exit_failed;
+    }
+    std::vector<std::string> words = caller.call.arguments;
+    std::vector<char*> pointers{const_cast<char*>("delvio")};
+    for (std::string& word : words) pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    const CommandLine line =
+        read_command_line(static_cast<int>(pointers.size()) - 1, pointers.data());
+    if (line.command != CommandLine::menu || line.menu_request.form != MenuForm::shown) {
+        return line.status;
+    }
+    problem = settings_problem();
+    if (!problem.empty()) complain_about_usage(problem + "; the default settings are used");
+    [[NSUserDefaults standardUserDefaults] synchronize];
+    return run_menu_command(line.menu_request);
+}
+
+void Host::serve_next() {
+    current_ = std::move(next_);
+    const Caller& caller = *current_->caller;
+    log_line("shows a menu");
+    caller.answer(Verdict::taken);
+    int status = exit_failed;
+    {
+        const Surroundings surroundings(
+            caller.call.environment, caller.call.file_mode_mask,
+            {caller.folder.get(), caller.output.get(), caller.error.get()});
+        @autoreleasepool {
+            status = run(caller);
+        }
+    }
+    caller.answer(Verdict::done, status);
+    log_line("the menu has closed with status " + std::to_string(status));
+    current_.reset();
+    forget_acted_signal();
+    set_signal_descriptor(signals_[1].get());
+    malloc_trim(0);
+}
+
+void Host::end(const std::string& why) {
+    if (ends_) return;
+    ends_ = true;
+    log_line("ends: " + why);
+    const Descriptor lock = place_.lock();
+    place_.remove();
+    accept_guests();  // those who have connected until now
+    for (const auto& guest : silent_) guest->caller->answer(Verdict::outdated);
+    wake_main_loop();
+}
+
+void Host::serve_calls() {
+    idle_end_ = [[NSDate alloc] initWithTimeIntervalSinceNow:longest_idle()];
+    while (!ends_ || next_) {
+        @autoreleasepool {
+            if (next_) {
+                serve_next();
+                [idle_end_ release];
+                idle_end_ = [[NSDate alloc] initWithTimeIntervalSinceNow:longest_idle()];
+            }
+            if (signal_caught()) end("signal " + std::to_string(signal_caught()));
+            if (ends_ || next_) continue;
+            NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
+                                                untilDate:idle_end_
+                                                   inMode:NSDefaultRunLoopMode
+                                                  dequeue:YES];
+            if (event) [NSApp sendEvent:event];
+            if (!event && [idle_end_ timeIntervalSinceNow] <= 0) end("idle");
+        }
+    }
+    [idle_end_ release];
+}
+
+}  // namespace
+
+int run_resident_host(const std::string& name, char* program) {
+    const resident::MeetingPlace place(name);
+    if (!place) return exit_failed;
+    begin_host_log(place.new_log());
+    print_to(host_log_file(), host_log_file());
+    outlive_broken_pipes();
+    @autoreleasepool {
+        Host host(name, place);
+        if (!host.prepare(program)) return exit_failed;
+        host.serve_calls();
+    }
+    return exit_done;
+}
