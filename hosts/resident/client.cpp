@@ -81,9 +81,10 @@ Event next_event(int host, const EndingSignals& signals, int milliseconds, Answe
 }
 
 int complain_of_crash() {
-    fputs("delvio: the program that showed the menu has ended unexpectedly; try again, or use "
-          "--no-resident\n",
-          stderr);
+    fputs(
+        "delvio: the program that showed the menu has ended unexpectedly; try again, or use "
+        "--no-resident\n",
+        stderr);
     return failed;
 }
 
@@ -126,7 +127,9 @@ Attempt attempt(const MeetingPlace& place, const std::string& name, const std::s
     if (!send_call(host.get(), call)) return {Verdict::outdated};
     switch (next_event(host.get(), signals, milliseconds_to_take, &answer)) {
         case Event::answer:
-            if (answer.verdict != Verdict::taken) return {answer.verdict};
+            if (answer.verdict != Verdict::taken) {
+                return {answer.verdict, static_cast<int>(answer.status)};
+            }
             return {Verdict::done, wait_for_end(host.get(), signals)};
         case Event::signal:
             return {Verdict::done, 128 + signals.take()};

@@ -61,8 +61,8 @@ Descriptor MeetingPlace::listen() const {
     if (!server || !name_socket(folder_.get(), name_, &address)) return Descriptor();
     remove();
     const auto* const where = reinterpret_cast<const sockaddr*>(&address);
-    const bool listens = bind(server.get(), where, sizeof address) == 0 &&
-                         ::listen(server.get(), most_waiting) == 0;
+    const bool listens =
+        bind(server.get(), where, sizeof address) == 0 && ::listen(server.get(), most_waiting) == 0;
     return listens ? std::move(server) : Descriptor();
 }
 

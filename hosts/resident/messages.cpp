@@ -76,8 +76,7 @@ std::optional<CallHeader> header_of(std::string_view packet) {
 
 std::optional<Signal> signal_of(std::string_view packet) {
     const auto signal = read<Signal>(packet);
-    return signal && signal->number > 0 && signal->number <= highest_signal ? signal
-                                                                           : std::nullopt;
+    return signal && signal->number > 0 && signal->number <= highest_signal ? signal : std::nullopt;
 }
 
 std::optional<Answer> answer_of(std::string_view packet) {

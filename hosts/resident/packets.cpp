@@ -85,7 +85,8 @@ Received receive_packet(int socket, Packet* packet) {
 Descriptor file_of(const Call& call) {
     const std::string bytes = bytes_of(call);
     Descriptor file(memfd_create("delvio-call", MFD_CLOEXEC | MFD_ALLOW_SEALING));
-    const bool is_made = !bytes.empty() && file && operations::write_fully(file.get(), bytes.data(), bytes.size()) &&
+    const bool is_made = !bytes.empty() && file &&
+                         operations::write_fully(file.get(), bytes.data(), bytes.size()) &&
                          fcntl(file.get(), F_ADD_SEALS, seals) == 0;
     return is_made ? std::move(file) : Descriptor();
 }

@@ -12,13 +12,23 @@ namespace resident {
 
 namespace {
 
-constexpr std::string_view fixed_names[] = {
-    "DBUS_SESSION_BUS_ADDRESS", "DISPLAY", "HOME", "LANG",    "LANGUAGE", "LOGNAME",
-    "TEMP",                     "TMP",     "TMPDIR", "TZ",    "USER",     "WAYLAND_DISPLAY",
-    "XAUTHORITY",               "XMODIFIERS"};
-constexpr std::string_view fixed_beginnings[] = {"ASAN_", "DELVIO_", "FC_",   "FONTCONFIG_", "GDK_",
-                                                 "GNUSTEP_", "GTK_", "LC_", "LD_", "LSAN_",
-                                                 "MALLOC_", "UBSAN_", "XDG_"};
+constexpr std::string_view fixed_names[] = {"DBUS_SESSION_BUS_ADDRESS",
+                                            "DISPLAY",
+                                            "HOME",
+                                            "LANG",
+                                            "LANGUAGE",
+                                            "LOGNAME",
+                                            "TEMP",
+                                            "TMP",
+                                            "TMPDIR",
+                                            "TZ",
+                                            "USER",
+                                            "WAYLAND_DISPLAY",
+                                            "XAUTHORITY",
+                                            "XMODIFIERS"};
+constexpr std::string_view fixed_beginnings[] = {
+    "ASAN_", "DELVIO_", "FC_",   "FONTCONFIG_", "GDK_",   "GNUSTEP_", "GTK_",
+    "LC_",   "LD_",     "LSAN_", "MALLOC_",     "UBSAN_", "XDG_"};
 // The desktop makes a new one for each start of a program.
 constexpr std::string_view activation_token = "XDG_ACTIVATION_TOKEN";
 

@@ -26,12 +26,12 @@ bool Caller::read_call(resident::Packet packet) {
 
 // A client that has gone needs no answer.
 void Caller::answer(resident::Verdict verdict, int status) const {
-    resident::send_message(socket.get(),
-                           resident::Answer{verdict, static_cast<uint32_t>(status)});
+    resident::send_message(socket.get(), resident::Answer{verdict, static_cast<uint32_t>(status)});
 }
 
 std::unique_ptr<Caller> accept_caller(int listener) {
-    operations::Descriptor socket(accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    operations::Descriptor socket(
+        accept4(listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (!socket) return nullptr;
     if (!resident::is_own_user(socket.get())) {
         log_line("a connection of another user was refused");

@@ -26,10 +26,7 @@ NSArray* all_modes() {
     _descriptor = descriptor;
     _readable = new std::function<void()>(std::move(readable));
     for (NSString* mode in all_modes()) {
-        [[NSRunLoop currentRunLoop] addEvent:[self place]
-                                        type:ET_RDESC
-                                     watcher:self
-                                     forMode:mode];
+        [[NSRunLoop currentRunLoop] addEvent:[self place] type:ET_RDESC watcher:self forMode:mode];
     }
     return self;
 }

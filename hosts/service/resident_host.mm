@@ -156,8 +156,7 @@ std::unique_ptr<Guest> Host::take_silent(Guest* guest) {
 
 void Host::hear_silent(Guest* guest) {
     resident::Packet packet;
-    const Received received =
-        resident::receive_packet(guest->caller->socket.get(), &packet);
+    const Received received = resident::receive_packet(guest->caller->socket.get(), &packet);
     if (received == Received::nothing_yet) return;
     std::unique_ptr<Guest> taken = take_silent(guest);
     if (received == Received::packet && taken->caller->read_call(std::move(packet))) {
@@ -169,8 +168,7 @@ void Host::hear_silent(Guest* guest) {
 // What the caller of the open menu says: a signal that it has got, or that it has gone.
 void Host::hear_current() {
     resident::Packet packet;
-    const Received received =
-        resident::receive_packet(current_->caller->socket.get(), &packet);
+    const Received received = resident::receive_packet(current_->caller->socket.get(), &packet);
     if (received == Received::nothing_yet) return;
     const auto signal = resident::signal_of(packet.bytes);
     if (received == Received::packet && signal) {
@@ -189,8 +187,9 @@ void Host::decide(std::unique_ptr<Guest> guest) {
     const Caller& caller = *guest->caller;
     const std::string change = ends_ ? "the host ends" : freshness_->change();
     if (!change.empty()) {
-        caller.answer(Verdict::outdated);
-        return end(change);
+        end(change);
+        [[MenuSession current] cancel];  // the next host needs the pointer and the keyboard
+        return caller.answer(Verdict::outdated);
     }
     if (resident::fixed_variables(caller.call.environment) != fixed_) {
         log_line("a call from another session or with another locale was refused");
@@ -200,7 +199,10 @@ void Host::decide(std::unique_ptr<Guest> guest) {
         log_line("a call came while a panel was open or files were moved; it runs by itself");
         return caller.answer(Verdict::elsewhere);
     }
-    if (next_) next_->caller->answer(Verdict::done, exit_done);
+    if (next_) {
+        log_line("a call gave way before its menu was shown");
+        next_->caller->answer(Verdict::done, exit_done);
+    }
     next_ = std::move(guest);
     if (!current_) return wake_main_loop();
     log_line("the open menu gives way to the next one");

@@ -17,6 +17,7 @@
     [[NSNotificationCenter defaultCenter] removeObserver:self];
     put_off_input_method();
     leave_out_frame_trials();
+    end_counters_with_windows();
 }
 
 @end

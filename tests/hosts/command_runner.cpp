@@ -22,7 +22,8 @@ void become(const std::vector<std::string>& arguments, const Changes& environmen
     for (const std::string& argument : arguments)
         words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
-    execv(DELVIO_PROGRAM, words.data());
+    const char* const copy = getenv("TEST_PROGRAM");
+    execv(copy ? copy : DELVIO_PROGRAM, words.data());
     _exit(126);
 }
 

@@ -29,8 +29,11 @@ def copy_stripped(build, to):
     """The programs and libraries without their debug information, which valgrind cannot read."""
     shutil.copytree(build / "lib", to / "lib", symlinks=True)
     (to / "bin").mkdir()
-    for program in ["delvio", "count_scan", "count_menu"]:
+    for program in ["count_scan", "count_menu"]:
         shutil.copy2(build / "bin" / program, to / "bin" / program)
+    (to / "libexec/delvio").mkdir(parents=True)
+    host = pathlib.Path("libexec/delvio/delvio-host")
+    shutil.copy2(build / host, to / host)
     for path in [path for path in to.rglob("*") if path.is_file()]:
         with open(path, "rb") as file:
             if file.read(4) != b"\x7fELF":

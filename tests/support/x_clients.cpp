@@ -27,9 +27,20 @@ bool is_of(xcb_connection_t* server, uint32_t resources, pid_t process) {
            static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data)) == process;
 }
 
-}  // namespace
+int resources_at(xcb_connection_t* server, uint32_t client) {
+    const Owner<xcb_res_query_client_resources_reply_t> reply(xcb_res_query_client_resources_reply(
+        server, xcb_res_query_client_resources(server, client), nullptr));
+    int count = 0;
+    if (!reply) return count;
+    const xcb_res_type_t* types = xcb_res_query_client_resources_types(reply.get());
+    for (uint32_t i = 0; i < reply->num_types; i++) count += static_cast<int>(types[i].count);
+    return count;
+}
 
-int connections_of(pid_t process) {
+int connection(xcb_connection_t*, uint32_t) { return 1; }
+
+// The sum of what `measure` says of each connection of the process.
+int sum_of(pid_t process, int (*measure)(xcb_connection_t*, uint32_t)) {
     xcb_connection_t* server = xcb_connect(nullptr, nullptr);
     const Owner<xcb_res_query_version_reply_t> version(
         xcb_res_query_version_reply(server, xcb_res_query_version(server, 1, 2), nullptr));
@@ -39,11 +50,18 @@ int connections_of(pid_t process) {
     if (count == 0) {
         const xcb_res_client_t* all = xcb_res_query_clients_clients(clients.get());
         for (uint32_t i = 0; i < clients->num_clients; i++) {
-            count += is_of(server, all[i].resource_base, process);
+            if (!is_of(server, all[i].resource_base, process)) continue;
+            count += measure(server, all[i].resource_base);
         }
     }
     xcb_disconnect(server);
     return count;
 }
+
+}  // namespace
+
+int connections_of(pid_t process) { return sum_of(process, connection); }
+
+int resources_of(pid_t process) { return sum_of(process, resources_at); }
 
 }  // namespace test

@@ -7,5 +7,7 @@ namespace test {
 
 // How many connections a process has to the display; -1 where the server cannot tell.
 int connections_of(pid_t process);
+// How many windows, pixmaps, cursors and other resources these connections hold.
+int resources_of(pid_t process);
 
 }  // namespace test

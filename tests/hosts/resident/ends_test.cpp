@@ -1,0 +1,197 @@
+// When the resident host ends, and what the next call finds then.
+#include <signal.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "hosts/resident/scene.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using test::Outcome;
+using test::RunningCommand;
+using test::Screen;
+
+struct ResidentEnds : test::ResidentScene {
+    bool wait_until_gone(pid_t process) const {
+        return test::wait_for([&] {
+            for (const pid_t each : hosts()) {
+                if (each == process) return false;
+            }
+            return true;
+        });
+    }
+
+    // How often any thread of the process has gone to sleep.
+    static long sleeps_of(pid_t process) {
+        long sum = 0;
+        for (const auto& thread :
+             fs::directory_iterator("/proc/" + std::to_string(process) + "/task")) {
+            std::ifstream status(thread.path() / "status");
+            for (std::string word; status >> word;) {
+                long count = 0;
+                const bool is_count =
+                    word == "voluntary_ctxt_switches:" || word == "nonvoluntary_ctxt_switches:";
+                if (is_count && status >> count) sum += count;
+            }
+        }
+        return sum;
+    }
+};
+
+TEST_F(ResidentEnds, AnIdleHostDoesNotWakeUp) {
+    show_and_close();
+    const pid_t process = host();
+    // Work that the last menu has left behind ends first.
+    long before = -1;
+    ASSERT_TRUE(test::wait_for([&] {
+        const long last = before;
+        before = sleeps_of(process);
+        usleep(300000);
+        return sleeps_of(process) == last;
+    }));
+    for (int seconds = 0; seconds < 4; ++seconds) {
+        usleep(1000000);
+        EXPECT_EQ(sleeps_of(process), before);
+    }
+}
+
+TEST_F(ResidentEnds, AnIdleHostEndsAfterItsTime) {
+    show_and_close({{"DELVIO_IDLE_SECONDS", "1"}});
+    EXPECT_TRUE(test::wait_for([this] { return hosts().empty(); }));
+    EXPECT_NE(log().find("ends: idle"), std::string::npos);
+    EXPECT_EQ(show_and_close({{"DELVIO_IDLE_SECONDS", "1"}}).status, 0);
+}
+
+TEST_F(ResidentEnds, AMenuThatIsOpenLongerThanThatTimeStaysOpen) {
+    RunningCommand command = call_at(100, 100, {{"DELVIO_IDLE_SECONDS", "1"}});
+    ASSERT_TRUE(screen.wait_until_open());
+    usleep(2500000);
+    EXPECT_GT(screen.open_menu().width, 0);
+    input.key("Escape");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
+TEST_F(ResidentEnds, ACrashWithAMenuOpenIsToldAndTheNextCallHasANewHost) {
+    RunningCommand command = call_at(100, 100);
+    ASSERT_TRUE(screen.wait_until_open());
+    const pid_t crashed = host();
+    kill(crashed, SIGKILL);
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.rfind("delvio: ", 0), 0u) << outcome.err;
+    EXPECT_NE(outcome.err.find("ended unexpectedly"), std::string::npos) << outcome.err;
+    EXPECT_TRUE(wait_until_gone(crashed));
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_NE(host(), crashed);
+}
+
+TEST_F(ResidentEnds, AHostThatWasKilledWhileIdleIsReplacedUnnoticed) {
+    show_and_close();
+    const pid_t killed = host();
+    kill(killed, SIGKILL);
+    EXPECT_TRUE(wait_until_gone(killed));
+    const Outcome outcome = show_and_close();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(host(), killed);
+}
+
+TEST_F(ResidentEnds, ASignalEndsAnIdleHost) {
+    show_and_close();
+    kill(host(), SIGTERM);
+    EXPECT_TRUE(test::wait_for([this] { return hosts().empty(); }));
+    EXPECT_NE(log().find("ends: signal 15"), std::string::npos);
+}
+
+TEST_F(ResidentEnds, ASignalToTheHostClosesTheMenuFirst) {
+    RunningCommand command = call_at(100, 100);
+    ASSERT_TRUE(screen.wait_until_open());
+    kill(host(), SIGTERM);
+    EXPECT_EQ(command.finish().status, 128 + SIGTERM);
+    EXPECT_TRUE(test::wait_for([this] { return hosts().empty(); }));
+}
+
+TEST_F(ResidentEnds, TheHostEndsWithItsDisplay) {
+    test::OwnServer server;
+    {
+        const Screen own(server.name().c_str());
+        RunningCommand command = call_at(100, 100, {{"DISPLAY", server.name()}});
+        ASSERT_TRUE(own.wait_until_open());
+        command.send_signal(SIGTERM);
+        command.finish();
+        EXPECT_EQ(hosts().size(), 1u);
+    }
+    server.end();
+    EXPECT_TRUE(test::wait_for([this] { return hosts().empty(); }));
+}
+
+TEST_F(ResidentEnds, AHostWhoseDisplayHasChangedIsReplaced) {
+    show_and_close();
+    const pid_t old = host();
+    ASSERT_EQ(system("echo 'Xft.dpi: 192' | xrdb -merge"), 0);
+    const Outcome outcome = show_and_close();
+    EXPECT_EQ(system("xrdb -remove"), 0);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(wait_until_gone(old));
+}
+
+// A copy of the programs, as an installation has them.
+struct ReplacedProgram : ResidentEnds {
+    std::string client, program;
+
+    void SetUp() override {
+        fs::create_directories(folder.path("bin"));
+        fs::create_directories(folder.path("libexec/delvio"));
+        client = folder.path("bin/delvio");
+        program = folder.path("libexec/delvio/delvio-host");
+        fs::copy_file(DELVIO_CLIENT, client);
+        fs::copy_file(DELVIO_HOST, program);
+    }
+
+    void replace() const {
+        fs::copy_file(program, program + ".new");
+        fs::rename(program + ".new", program);
+    }
+
+    Outcome show_by_copy() {
+        RunningCommand command({"menu", "--at", "100,100", top}, with({{"TEST_PROGRAM", client}}));
+        EXPECT_TRUE(screen.wait_until_open());
+        input.key("Escape");
+        const Outcome outcome = command.finish();
+        EXPECT_TRUE(screen.wait_until_closed());
+        return outcome;
+    }
+};
+
+TEST_F(ReplacedProgram, GetsANewHostAndTheOldOneEnds) {
+    EXPECT_EQ(show_by_copy().status, 0);
+    const pid_t old = host();
+    replace();
+    const Outcome outcome = show_by_copy();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(wait_until_gone(old));
+    EXPECT_NE(host(), old);
+}
+
+TEST_F(ReplacedProgram, TakesTheScreenFromAMenuOfTheOldHost) {
+    RunningCommand first({"menu", "--at", "100,100", top}, with({{"TEST_PROGRAM", client}}));
+    ASSERT_TRUE(screen.wait_until_open());
+    const pid_t old = host();
+    replace();
+    RunningCommand second({"menu", "--at", "600,300", top}, with({{"TEST_PROGRAM", client}}));
+    EXPECT_EQ(first.finish().status, 0);
+    EXPECT_TRUE(wait_until_gone(old));
+    ASSERT_TRUE(test::wait_for([&] { return screen.open_menu().x > 400; }));
+    EXPECT_EQ(hosts().size(), 1u);
+    input.key("Escape");
+    EXPECT_EQ(second.finish().status, 0);
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+// What two hundred menus leave behind in the resident host.
+#include <filesystem>
+#include <fstream>
+
+#include "hosts/resident/scene.h"
+#include "support/x_clients.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What the process uses of its own, in bytes.
+long private_memory(pid_t process) {
+    std::ifstream rollup("/proc/" + std::to_string(process) + "/smaps_rollup");
+    long sum = 0;
+    for (std::string word; rollup >> word;) {
+        long kilobytes = 0;
+        const bool is_private = word == "Private_Clean:" || word == "Private_Dirty:";
+        if (is_private && rollup >> kilobytes) sum += kilobytes * 1024;
+    }
+    return sum;
+}
+
+long descriptors_of(pid_t process) {
+    const fs::path files = "/proc/" + std::to_string(process) + "/fd";
+    return std::distance(fs::directory_iterator(files), fs::directory_iterator());
+}
+
+struct ManyMenus : test::ResidentScene {
+    void show(int times) {
+        for (int i = 0; i < times && !HasFailure(); ++i) EXPECT_EQ(show_and_close().status, 0);
+    }
+};
+
+TEST_F(ManyMenus, TwoHundredMenusLeaveTheHostAsItWasAfterTheTenth) {
+    constexpr int first = 10, all = 200;
+    // The toolkit keeps some small objects of each window; 4 KiB a menu are allowed for them.
+    constexpr long bytes_a_menu = 4096;
+    show(first);
+    const pid_t process = host();
+    const long memory = private_memory(process), files = descriptors_of(process);
+    const int resources = test::resources_of(process);
+    ASSERT_GT(resources, 0);
+    show(all - first);
+    EXPECT_EQ(host(), process);
+    EXPECT_EQ(descriptors_of(process), files);
+    EXPECT_EQ(test::resources_of(process), resources);
+    EXPECT_LT(private_memory(process) - memory, (all - first) * bytes_a_menu);
+}
+
+}  // namespace

@@ -1,0 +1,192 @@
+// The resident host mixes no users, displays, sessions or locales, and survives any message.
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <set>
+
+#include "hosts/resident/scene.h"
+#include "resident/packets.h"
+#include "resident/session.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using operations::Descriptor;
+using resident::Answer;
+using resident::Call;
+using resident::CallHeader;
+using resident::Packet;
+using resident::Received;
+using resident::Verdict;
+using test::Outcome;
+using test::RunningCommand;
+using test::Screen;
+
+Descriptor connect_to(const std::string& path) {
+    Descriptor client(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const auto* const where = reinterpret_cast<const sockaddr*>(&address);
+    return connect(client.get(), where, sizeof address) == 0 ? std::move(client) : Descriptor();
+}
+
+// Waits for what the host sends next.
+Received wait_for_packet(int socket, Packet* packet) {
+    Received received = Received::nothing_yet;
+    test::wait_for([&] {
+        received = resident::receive_packet(socket, packet);
+        return received != Received::nothing_yet;
+    });
+    return received;
+}
+
+struct ResidentStrangers : test::ResidentScene {
+    // The socket of this session's host, which is running.
+    std::string socket_path() const {
+        for (const std::string& log : meeting_files(".log")) {
+            const std::string path = log.substr(0, log.size() - 4);
+            if (fs::is_socket(path)) paths_.insert(path);
+        }
+        return paths_.size() == 1 ? *paths_.begin() : "";
+    }
+    mutable std::set<std::string> paths_;
+
+    void SetUp() override { fs::remove_all(std::string(getenv("XDG_RUNTIME_DIR")) + "/delvio"); }
+
+    // Two calls that differ in one variable, and nothing else.
+    void expect_two_hosts(const std::string& name, const std::string& value) {
+        show_and_close();
+        const pid_t first = host();
+        show_and_close({{name, value}});
+        const auto both = hosts();
+        EXPECT_EQ(both.size(), 2u) << name;
+        show_and_close();
+        EXPECT_EQ(hosts().size(), 2u);
+        EXPECT_EQ(kill(first, 0), 0);
+    }
+};
+
+TEST_F(ResidentStrangers, AnotherAuthorityFileHasAHostOfItsOwn) {
+    expect_two_hosts("XAUTHORITY", folder.file("authority"));
+}
+
+TEST_F(ResidentStrangers, AnotherLocaleHasAHostOfItsOwn) { expect_two_hosts("LC_ALL", "C"); }
+
+TEST_F(ResidentStrangers, AnotherHomeFolderHasAHostOfItsOwn) {
+    expect_two_hosts("HOME", folder.folder("home"));
+}
+
+TEST_F(ResidentStrangers, AnotherSessionHasAHostOfItsOwn) {
+    expect_two_hosts("XDG_SESSION_CLASS", "another");
+}
+
+TEST_F(ResidentStrangers, AnotherDisplayShowsItsMenuThere) {
+    test::OwnServer server;
+    show_and_close();
+    const Screen own(server.name().c_str());
+    RunningCommand command = call_at(100, 100, {{"DISPLAY", server.name()}});
+    ASSERT_TRUE(own.wait_until_open());
+    EXPECT_EQ(screen.open_menu().width, 0);
+    command.send_signal(SIGTERM);
+    EXPECT_EQ(command.finish().status, 143);
+    EXPECT_EQ(hosts().size(), 2u);
+}
+
+TEST_F(ResidentStrangers, ACallWithAnotherEnvironmentAtTheSameSocketIsSentElsewhere) {
+    show_and_close();
+    const Descriptor host = connect_to(socket_path());
+    ASSERT_TRUE(host);
+    const Call call = {{"menu", top}, {"DISPLAY=:0", "HOME=/"}, 022};
+    const Descriptor file = resident::file_of(call);
+    ASSERT_TRUE(resident::send_message(host.get(), CallHeader(), {file.get(), 0, 1, 2}));
+    Packet packet;
+    ASSERT_EQ(wait_for_packet(host.get(), &packet), Received::packet);
+    const auto answer = resident::answer_of(packet.bytes);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->verdict, Verdict::elsewhere);
+}
+
+TEST_F(ResidentStrangers, AMessageThatIsNoCallEndsOnlyItsConnection) {
+    show_and_close();
+    const pid_t process = host();
+    const Descriptor file = resident::file_of({{"menu", top}, {"DISPLAY=:0"}, 022});
+    const std::vector<std::pair<std::string, std::vector<int>>> messages = {
+        {"", {}},
+        {"nonsense", {}},
+        {std::string(100000, 'a'), {}},
+        {std::string("1LVD", 4), {}},
+        {std::string("1LVD", 4), {0, 1, 2}},
+        {std::string("1LVD", 4), {0, 1, 2, 1}},
+        {std::string("1LVD", 4), {file.get(), 1, 2, 1, 1}},
+    };
+    const Descriptor silent = connect_to(socket_path());
+    for (const auto& [bytes, descriptors] : messages) {
+        const Descriptor stranger = connect_to(socket_path());
+        ASSERT_TRUE(stranger);
+        resident::send_packet(stranger.get(), bytes, descriptors);
+        Packet packet;
+        EXPECT_EQ(wait_for_packet(stranger.get(), &packet), Received::end) << bytes.substr(0, 9);
+    }
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(host(), process);
+}
+
+TEST_F(ResidentStrangers, ManySilentConnectionsLeaveTheHostUsable) {
+    show_and_close();
+    std::vector<Descriptor> silent;
+    for (int i = 0; i < 200; ++i) silent.push_back(connect_to(socket_path()));
+    EXPECT_EQ(show_and_close().status, 0);
+}
+
+TEST_F(ResidentStrangers, AnotherUserIsTurnedAway) {
+    ASSERT_EQ(geteuid(), 0u) << "this test becomes another user, which only root can";
+    show_and_close();
+    const std::string path = socket_path();
+    // Opens every door but the host's own check.
+    for (fs::path up = path; up != "/tmp" && up.has_relative_path(); up = up.parent_path()) {
+        fs::permissions(up, fs::perms::all, fs::perm_options::add);
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setgid(65534) != 0 || setuid(65534) != 0) _exit(2);
+        const Descriptor host = connect_to(path);
+        if (!host) _exit(3);
+        Packet packet;
+        _exit(wait_for_packet(host.get(), &packet) == Received::end ? 0 : 4);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_NE(log().find("another user"), std::string::npos);
+}
+
+TEST_F(ResidentStrangers, AFolderThatOthersMayEnterIsNotUsed) {
+    const std::string place = std::string(getenv("XDG_RUNTIME_DIR")) + "/delvio";
+    fs::create_directory(place);
+    fs::permissions(place, fs::perms::all);
+    const Outcome outcome = show_and_close();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(hosts().empty());
+    fs::remove_all(place);
+}
+
+TEST_F(ResidentStrangers, WithoutARunTimeFolderTheMenuIsShownWithoutAHost) {
+    EXPECT_EQ(show_and_close({{"XDG_RUNTIME_DIR", ""}}).status, 0);
+    EXPECT_TRUE(hosts().empty());
+}
+
+TEST_F(ResidentStrangers, TheSocketAndItsFolderAreTheUsersAlone) {
+    show_and_close();
+    struct stat status;
+    ASSERT_EQ(stat((std::string(getenv("XDG_RUNTIME_DIR")) + "/delvio").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0700u);
+}
+
+}  // namespace
