@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <list>
 
@@ -14,6 +15,7 @@
 #include "command/home_folder.h"
 #include "finderkit/settings_file.h"
 #include "popup/application.h"
+#include "popup/asked_operations.h"
 #include "popup/menu_command.h"
 #include "resident/host_start.h"
 #include "resident/meeting_place.h"
@@ -31,6 +33,7 @@ using resident::Received;
 using resident::Verdict;
 
 constexpr double seconds_idle = 600;
+constexpr unsigned seconds_to_start = 60;
 constexpr size_t most_silent_guests = 32;
 
 double longest_idle() {
@@ -77,6 +80,7 @@ class Host {
     void hear(Guest* guest);
     void hear_silent(Guest* guest);
     void hear_current();
+    void close_menu(int signal);
     void decide(std::unique_ptr<Guest> guest);
     bool may_wait_for_menu(const Guest& guest);
     std::unique_ptr<Guest> take_silent(Guest* guest);
@@ -99,11 +103,14 @@ class Host {
 
 bool Host::prepare(char* program) {
     std::string problem;
+    alarm(
+        seconds_to_start);  // a display that does not answer would hold the first caller's streams
     prepare_toolkit(program);
     if (!ensure_home_folder(&problem) || !prepare_menus(&problem)) {
         log_line("cannot start: " + problem);
         return false;
     }
+    alarm(0);
     freshness_ = std::make_unique<Freshness>();
     listener_watch_ =
         std::make_unique<DescriptorWatch>(listener_.get(), [this] { accept_guests(); });
@@ -173,11 +180,18 @@ void Host::hear_current() {
     const auto signal = resident::signal_of(packet.bytes);
     if (received == Received::packet && signal) {
         log_line("the caller was sent signal " + std::to_string(signal->number));
-        return act_on_signal(static_cast<int>(signal->number));
+        return close_menu(static_cast<int>(signal->number));
     }
     log_line("the caller has gone");
     current_->watch.reset();
-    act_on_signal(SIGHUP);
+    close_menu(SIGHUP);
+}
+
+// Closes a panel that tells of a problem, too, which the menu has left.
+void Host::close_menu(int signal) {
+    act_on_signal(signal);
+    [[MenuSession current] cancel];
+    end_alert();
 }
 
 // Only an open menu can be closed for the sake of the next one. A panel may hold a question.

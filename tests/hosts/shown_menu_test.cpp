@@ -65,7 +65,11 @@ struct ShownMenu : testing::Test {
         XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     }
     void TearDown() override {
-        if (display) XCloseDisplay(display);
+        if (!display) return;
+        command.reset();
+        // The resident host closes the menu of a command that was killed.
+        EXPECT_TRUE(wait_for([this] { return shown_window().width == 0 && !is_grabbed(); }));
+        XCloseDisplay(display);
     }
 
     Window root() const { return DefaultRootWindow(display); }

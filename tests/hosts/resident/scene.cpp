@@ -122,6 +122,7 @@ void OwnServer::end() {
 }
 
 ResidentScene::ResidentScene() : session(new_session()), top(folder.folder("top")) {
+    fs::remove_all(std::string(getenv("XDG_RUNTIME_DIR")) + "/delvio");
     for (const char* name : {"top/a.txt", "top/b.txt", "top/c.txt"}) folder.file(name, "text");
 }
 
