@@ -9,8 +9,8 @@ _delvio_options() {
     case "$1 $2" in
         " ") echo --help --version ;;
         "menu "*)
-            echo --help --at --depth --json --modifiers --open --pick --png --print --replace \
-                --setting ;;
+            echo --help --at --depth --json --modifiers --no-resident --open --pick --png \
+                --print --replace --setting ;;
         "settings list") echo --help --json ;;
         "settings reset") echo --help --all ;;
         "install "*) echo --help --list ;;

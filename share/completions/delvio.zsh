@@ -14,6 +14,7 @@ _delvio_menu() {
         '--depth[levels of submenus to open]:number:' \
         '(--png --pick --print)--json[write the menu as JSON]' \
         '--modifiers[keys to hold down]:key:_sequence compadd - shift option command control' \
+        '--no-resident[show the menu from this process]' \
         '*--open[hold this submenu open]:title:' \
         '(--json --png --print)*--pick[pick this item]:title:' \
         '(--json --pick --print)--png[save a picture of the menu]:file:_files' \
