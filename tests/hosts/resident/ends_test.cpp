@@ -86,6 +86,7 @@ TEST_F(ResidentEnds, ACrashWithAMenuOpenIsToldAndTheNextCallHasANewHost) {
     EXPECT_EQ(outcome.err.rfind("delvio: ", 0), 0u) << outcome.err;
     EXPECT_NE(outcome.err.find("ended unexpectedly"), std::string::npos) << outcome.err;
     EXPECT_TRUE(wait_until_gone(crashed));
+    EXPECT_TRUE(screen.wait_until_closed());  // the server notices it a moment later
     EXPECT_EQ(show_and_close().status, 0);
     EXPECT_NE(host(), crashed);
 }
