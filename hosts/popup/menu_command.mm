@@ -179,12 +179,12 @@ int run_form(HostMenu* host, const MenuRequest& request, Stage* stage) {
     return exit_failed;
 }
 
-int run_prepared(const MenuRequest& request) {
+int run_prepared(const MenuRequest& request, Stage* stage) {
     open_problems().clear();
     listen_for_open_problems(
         [](const OpenProblem& problem) { open_problems().push_back(problem); });
     HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
-    const int status = run_form(host, request, &stage);
+    const int status = run_form(host, request, stage);
     finish_finder_events();
     const int operations_status = finish_file_operations();
     flush_bus();
@@ -206,7 +206,7 @@ int run_menu_command(MenuRequest request) {
         complain_about_usage(problem);
     } else {
         Stage stage;
-        status = prepare(request, &stage, &problem) ? run_prepared(request) : failed(problem);
+        status = prepare(request, &stage, &problem) ? run_prepared(request, &stage) : failed(problem);
     }
     free_settings(request.settings);
     return status;
