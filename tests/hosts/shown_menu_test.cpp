@@ -197,10 +197,11 @@ TEST_F(ShownMenu, ShowsAPreviewInTheScreensCornerAndAboveTheLevelsIfItIsSetSo) {
     const auto windows = windows_with_preview("preview_beside_menu=0");
     ASSERT_EQ(windows.size(), 3u);
     const XWindowAttributes& preview = windows[2];
+    const int side = 512 + 16;  // with the frame
     EXPECT_EQ(preview.x, 0);
-    EXPECT_EQ(preview.y, DisplayHeight(display, 0) - 512);
-    EXPECT_EQ(preview.width, 512);
-    EXPECT_EQ(preview.height, 512);
+    EXPECT_EQ(preview.y, DisplayHeight(display, 0) - side);
+    EXPECT_EQ(preview.width, side);
+    EXPECT_EQ(preview.height, side);
     press("Escape");
     EXPECT_EQ(command->finish().status, 0);
 }
