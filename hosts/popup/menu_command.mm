@@ -197,7 +197,9 @@ int run_prepared(const MenuRequest& request, Stage* stage) {
 
 }  // namespace
 
-bool prepare_menus(std::string* problem) { return prepare_program(MenuForm::shown, nullptr, problem); }
+bool prepare_menus(std::string* problem) {
+    return prepare_program(MenuForm::shown, nullptr, problem);
+}
 
 int run_menu_command(MenuRequest request) {
     std::string problem;
@@ -206,7 +208,8 @@ int run_menu_command(MenuRequest request) {
         complain_about_usage(problem);
     } else {
         Stage stage;
-        status = prepare(request, &stage, &problem) ? run_prepared(request, &stage) : failed(problem);
+        status =
+            prepare(request, &stage, &problem) ? run_prepared(request, &stage) : failed(problem);
     }
     free_settings(request.settings);
     return status;
