@@ -7,9 +7,6 @@
 // the desktop's file manager if the user has set that; for a pick it asks nobody.
 void offer_file_operations(const MenuRequest& request);
 
-// Ends the open alert, if there is one; called when a signal was caught.
-void end_alert();
-
 // Waits until all operations have ended. Returns the exit status: done, failed, or skipped. Prints
 // what was not done on standard error, one line for each file.
 int finish_file_operations();

@@ -110,22 +110,6 @@ void offer_file_operations(const MenuRequest& request) {
     set_file_operation_service(service);
 }
 
-void end_alert() {
-    if (![NSApp modalWindow]) return;
-    [NSApp stopModalWithCode:NSRunAbortedResponse];
-    // The modal loop notices the stop only when it gets an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
-}
-
 int finish_file_operations() {
     operations::run_until_operations_end();
     std::unique_lock lock(mutex);

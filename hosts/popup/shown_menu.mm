@@ -1,6 +1,7 @@
 #include "popup/shown_menu.h"
 
 #include <host/menu_tracking.h>
+#include <host/process.h>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -35,7 +36,7 @@ NSPoint popup_point(const MenuRequest& request, const PreparedMenuStage* stage) 
 - (void)endMenu:(NSNotification*)notification {
     (void)notification;
     [[MenuSession current] cancel];
-    end_alert();
+    end_modal_session();
 }
 
 - (void)stop {

@@ -2,6 +2,7 @@
 // that anybody but the system has put there are not decoded here.
 #include <AppKit/AppKit.h>
 #include <host/file_icons.h>
+#include <host/glib_owners.h>
 
 #include <gdk-pixbuf/gdk-pixbuf.h>
 #include <gio/gio.h>
@@ -46,25 +47,21 @@ NSBitmapImageRep* bitmap_of(GdkPixbuf* pixbuf) {
 }
 
 // Reads only a plain file of at most `largest_picture` bytes.
-GdkPixbuf* read_picture(const std::string& file, int pixels) {
+files::ObjectOwner<GdkPixbuf> read_picture(const std::string& file, int pixels) {
     std::string content;
     if (!files::read_small_file(file.c_str(), largest_picture, &content)) return nullptr;
-    GInputStream* stream = g_memory_input_stream_new_from_data(
-        content.data(), static_cast<gssize>(content.size()), nullptr);
-    GdkPixbuf* picture =
-        gdk_pixbuf_new_from_stream_at_scale(stream, pixels, pixels, TRUE, nullptr, nullptr);
-    g_object_unref(stream);
-    return picture;
+    const files::ObjectOwner<GInputStream> stream(g_memory_input_stream_new_from_data(
+        content.data(), static_cast<gssize>(content.size()), nullptr));
+    return files::ObjectOwner<GdkPixbuf>(
+        gdk_pixbuf_new_from_stream_at_scale(stream.get(), pixels, pixels, TRUE, nullptr, nullptr));
 }
 
 NSBitmapImageRep* load_bitmap(const std::string& file, int pixels) {
-    GdkPixbuf* read = read_picture(file, pixels);
+    const files::ObjectOwner<GdkPixbuf> read = read_picture(file, pixels);
     if (!read) return nil;
-    GdkPixbuf* opaque_or_not = gdk_pixbuf_add_alpha(read, FALSE, 0, 0, 0);
-    NSBitmapImageRep* bitmap = bitmap_of(opaque_or_not);
-    g_object_unref(opaque_or_not);
-    g_object_unref(read);
-    return bitmap;
+    const files::ObjectOwner<GdkPixbuf> with_alpha(
+        gdk_pixbuf_add_alpha(read.get(), FALSE, 0, 0, 0));
+    return bitmap_of(with_alpha.get());
 }
 
 std::string icon_file(std::vector<std::string> names, int pixels) {

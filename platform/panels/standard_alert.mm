@@ -87,3 +87,19 @@ OSStatus RunStandardAlert(DialogRef alert, ModalFilterUPP, DialogItemIndex* item
 }
 
 void answer_standard_alerts(DialogItemIndex item) { host_answer = item; }
+
+void end_modal_session() {
+    if (![NSApp modalWindow]) return;
+    [NSApp stopModalWithCode:NSRunAbortedResponse];
+    // The modal loop notices the stop only when it gets an event.
+    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
+}

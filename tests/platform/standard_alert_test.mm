@@ -168,11 +168,10 @@ TEST_F(StandardAlert, TheRunLoopGoesOnMeanwhile) {
 }
 
 TEST_F(StandardAlert, AnEndedModalSessionIsNoAnswer) {
-    EXPECT_EQ(run(parameters(),
-                  [&](Steps& steps) {
-                      steps.when("the alert", is_open, [] { test::end_modal_session(); });
-                  }),
-              0);
+    EXPECT_EQ(
+        run(parameters(),
+            [&](Steps& steps) { steps.when("the alert", is_open, [] { end_modal_session(); }); }),
+        0);
     EXPECT_EQ(error_, userCanceledErr);
 }
 

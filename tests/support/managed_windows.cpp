@@ -2,7 +2,6 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/prctl.h>
@@ -12,6 +11,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "support/window_properties.h"
+
 namespace test {
 
 namespace {
@@ -19,33 +20,6 @@ namespace {
 // The title bar of Openbox's own theme has squares at the right: minimise, maximise, close.
 constexpr int from_minimise_to_close = 36;
 constexpr long motif_resize = 2, motif_minimise = 8, motif_maximise = 16, motif_all = 1;
-
-std::vector<long> numbers_of(Display* display, Window window, const char* property) {
-    Atom type = None;
-    int format = 0;
-    unsigned long count = 0, left = 0;
-    unsigned char* data = nullptr;
-    const Atom name = XInternAtom(display, property, False);
-    XGetWindowProperty(display, window, name, 0, 1024, False, AnyPropertyType, &type, &format,
-                       &count, &left, &data);
-    std::vector<long> numbers;
-    if (data && format == 32) {
-        const long* first = reinterpret_cast<const long*>(data);
-        numbers.assign(first, first + count);
-    }
-    if (data) XFree(data);
-    return numbers;
-}
-
-std::string title_of(Display* display, Window window) {
-    XTextProperty text = {};
-    if (!XGetTextProperty(display, window, &text, XInternAtom(display, "_NET_WM_NAME", False))) {
-        return "";
-    }
-    const std::string title(reinterpret_cast<char*>(text.value), text.nitems);
-    XFree(text.value);
-    return title;
-}
 
 bool announces_close(Display* display, Window window) {
     const auto wanted = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));

@@ -12,7 +12,4 @@ NSEvent* right_click(NSPoint at);
 // target is retained.
 NSTimer* while_tracking(NSTimeInterval interval, id target, SEL action, BOOL repeats);
 
-// Ends a modal session from outside, without an answer. Does nothing when there is none.
-void end_modal_session();
-
 }  // namespace test

@@ -24,20 +24,4 @@ NSTimer* while_tracking(NSTimeInterval interval, id target, SEL action, BOOL rep
     return timer;
 }
 
-void end_modal_session() {
-    if (![NSApp modalWindow]) return;
-    [NSApp stopModalWithCode:NSRunAbortedResponse];
-    // The session's loop checks when it gets an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
-}
-
 }  // namespace test

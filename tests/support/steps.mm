@@ -2,6 +2,7 @@
 
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
+#include <host/process.h>
 #include <gtest/gtest.h>
 
 #include "support/right_click.h"

@@ -28,6 +28,10 @@ Boolean apple_events_are_waiting(void);
 enum { kAlertAnswerAsk = 0, kAlertAnswerDefault = -1 };
 void answer_standard_alerts(DialogItemIndex item);
 
+// Ends a modal session, such as a shown alert's, from outside and without an answer. Does nothing
+// when there is none. Main thread.
+void end_modal_session(void);
+
 #ifdef __cplusplus
 }
 #endif

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <string.h>
-#include <unicode/ucol.h>
 
 #include <algorithm>
 #include <numeric>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "support/icu_collator.h"
 #include "tree/dv_scan.h"
 
 namespace {
@@ -25,23 +25,8 @@ int backwards(const dirent** a, const dirent** b) { return strcmp((*b)->d_name, 
 
 int all_alike(const dirent**, const dirent**) { return 0; }
 
-// ICU's own comparison, with the bytes as characters.
 int icu_order(const char* a, const char* b) {
-    static const UCollator* collator = [] {
-        UErrorCode error = U_ZERO_ERROR;
-        UCollator* made = ucol_open("", &error);
-        ucol_setAttribute(made, UCOL_STRENGTH, UCOL_SECONDARY, &error);
-        ucol_setAttribute(made, UCOL_NUMERIC_COLLATION, UCOL_ON, &error);
-        ucol_setAttribute(made, UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &error);
-        ucol_setAttribute(made, UCOL_NORMALIZATION_MODE, UCOL_ON, &error);
-        EXPECT_TRUE(U_SUCCESS(error));
-        return made;
-    }();
-    std::u16string wide[2];
-    for (const char* at = a; *at; at++) wide[0] += static_cast<unsigned char>(*at);
-    for (const char* at = b; *at; at++) wide[1] += static_cast<unsigned char>(*at);
-    return ucol_strcoll(collator, wide[0].data(), static_cast<int32_t>(wide[0].size()),
-                        wide[1].data(), static_cast<int32_t>(wide[1].size()));
+    return test::icu_order(test::widened(a), test::widened(b));
 }
 
 class Folder {

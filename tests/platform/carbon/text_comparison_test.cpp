@@ -1,6 +1,5 @@
 #include <Carbon/UnicodeUtilities.h>
 #include <gtest/gtest.h>
-#include <unicode/ucol.h>
 
 #include <algorithm>
 #include <atomic>
@@ -9,25 +8,14 @@
 #include <thread>
 #include <vector>
 
+#include "support/icu_collator.h"
+
 namespace {
 
 const UCCollateOptions options = 0x3800E;
 
-// ICU's own comparison, with the same options.
-int icu_order(const std::u16string& a, const std::u16string& b) {
-    static const UCollator* collator = [] {
-        UErrorCode error = U_ZERO_ERROR;
-        UCollator* made = ucol_open("", &error);
-        ucol_setAttribute(made, UCOL_STRENGTH, UCOL_SECONDARY, &error);
-        ucol_setAttribute(made, UCOL_NUMERIC_COLLATION, UCOL_ON, &error);
-        ucol_setAttribute(made, UCOL_ALTERNATE_HANDLING, UCOL_NON_IGNORABLE, &error);
-        ucol_setAttribute(made, UCOL_NORMALIZATION_MODE, UCOL_ON, &error);
-        EXPECT_TRUE(U_SUCCESS(error));
-        return made;
-    }();
-    return ucol_strcoll(collator, a.data(), static_cast<int32_t>(a.size()), b.data(),
-                        static_cast<int32_t>(b.size()));
-}
+using test::icu_order;
+using test::widened;
 
 int order(const std::u16string& a, const std::u16string& b) {
     Boolean equivalent = 9;
@@ -38,12 +26,6 @@ int order(const std::u16string& a, const std::u16string& b) {
               noErr);
     EXPECT_EQ(equivalent, result == 0);
     return (result > 0) - (result < 0);
-}
-
-std::u16string widened(const std::string& bytes) {
-    std::u16string text;
-    for (const unsigned char byte : bytes) text += byte;
-    return text;
 }
 
 int order(const char* a, const char* b) { return order(widened(a), widened(b)); }
