@@ -3,9 +3,29 @@
 #include <host/glib_owners.h>
 #include <gio/gio.h>
 
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
 #include "quicklook/thumbnailers.h"
 
 namespace thumbnails {
+
+namespace {
+
+bool takes(const OwnDecoder& decoder, const std::string& type) {
+    const std::string_view taken = decoder.type;
+    return taken.ends_with('/') ? type.starts_with(taken) : type == taken;
+}
+
+}  // namespace
+
+const OwnDecoder* decoder_of(Route route) {
+    const OwnDecoder* found =
+        std::find_if(std::begin(decoders), std::end(decoders),
+                     [route](const OwnDecoder& decoder) { return decoder.route == route; });
+    return found == std::end(decoders) ? nullptr : found;
+}
 
 std::string type_by_name(const std::string& path) {
     gboolean uncertain = FALSE;
@@ -19,8 +39,9 @@ std::string type_by_name(const std::string& path) {
 Route route_for(const std::string& type) {
     if (type.empty()) return Route::unknown;
     if (type.compare(0, 5, "text/") == 0) return Route::text;
-    if (type.compare(0, 6, "image/") == 0) return Route::image;
-    if (type == "application/pdf") return Route::pdf;
+    for (const OwnDecoder& decoder : decoders) {
+        if (takes(decoder, type)) return decoder.route;
+    }
     if (!thumbnailer_for(type).empty()) return Route::program;
     // Scripts, JSON and the like.
     return g_content_type_is_a(type.c_str(), "text/plain") ? Route::text : Route::none;

@@ -14,6 +14,21 @@ enum class Route {
     unknown,  // the content must be looked at
 };
 
+// Our own decoders. The program of one is delvio-decode- and its name.
+struct OwnDecoder {
+    Route route;
+    const char* name;
+    const char* type;  // one content type, or with a slash at the end all that begin with it
+};
+
+inline constexpr OwnDecoder decoders[] = {
+    {Route::image, "image", "image/"},
+    {Route::pdf, "pdf", "application/pdf"},
+};
+
+// The decoder of a route; null for a route without one.
+const OwnDecoder* decoder_of(Route route);
+
 // The content type that the name alone tells, as GIO knows it; empty when it does not tell.
 std::string type_by_name(const std::string& path);
 

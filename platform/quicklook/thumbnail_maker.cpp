@@ -46,15 +46,11 @@ std::string canonical(const std::string& path) {
     return files::taken_text(g_canonicalize_filename(path.c_str(), "/"));
 }
 
+// An unknown type is tried as an image.
 const char* mode_of(Route route) {
-    switch (route) {
-        case Route::pdf:
-            return "pdf";
-        case Route::program:
-            return "program";
-        default:
-            return "image";
-    }
+    if (route == Route::program) return "program";
+    const OwnDecoder* decoder = decoder_of(route);
+    return decoder ? decoder->name : "image";
 }
 
 std::string whole(double seconds) { return std::to_string(static_cast<int>(seconds + 0.999)); }
@@ -123,7 +119,8 @@ Answer ThumbnailMaker::decode_by_content(Request& request) {
     Route next = route_for(request.type);
     const bool tried = next == request.route || next == Route::image;
     if (tried && !thumbnailer_for(request.type).empty()) next = Route::program;
-    if (next != Route::pdf && next != Route::program) return answer;
+    const bool is_decoded = next != Route::image && decoder_of(next);
+    if (!is_decoded && next != Route::program) return answer;
     if (next == request.route) return answer;
     return run(next, request);
 }

@@ -4,14 +4,16 @@
 //   delvio-thumbnailer MODE CAGE MEGABYTES PROCESSOR-SECONDS SECONDS WIDTH HEIGHT PATH
 //                      [SECONDS COMMAND...]
 //
-// MODE is image, pdf, program (a thumbnailer, with its command), or ready and ready-program, which
-// only try the way. CAGE is bubblewrap or plain. The answer is a Reply on reply_descriptor.
+// MODE is the name of a decoder, program (a thumbnailer, with its command), or ready and
+// ready-program, which only try the way. CAGE is bubblewrap or plain. The answer is a Reply on
+// reply_descriptor.
 #include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,7 @@
 #include "quicklook/decoder/open_input.h"
 #include "quicklook/decoder/reply_writer.h"
 #include "quicklook/decoder/restrictions.h"
+#include "quicklook/file_kind.h"
 
 namespace {
 
@@ -28,25 +31,21 @@ using Words = std::vector<std::string>;
 enum { mode = 1, cage, megabytes, processor_seconds, seconds, width, height, path, command };
 
 struct Mode {
-    const char* name;
-    const char* program;  // in our folder
+    std::string program;  // in our folder
     bool is_for_program;
     bool has_file;
 };
 
-const Mode modes[] = {
-    {"image", "delvio-decode-image", false, true},
-    {"pdf", "delvio-decode-pdf", false, true},
-    {"program", "delvio-run-thumbnailer", true, true},
-    {"ready", "delvio-decode-image", false, false},
-    {"ready-program", "delvio-run-thumbnailer", true, false},
-};
+const std::string decoder_prefix = "delvio-decode-", runner = "delvio-run-thumbnailer";
 
-const Mode* mode_named(const char* name) {
-    for (const Mode& mode : modes) {
-        if (strcmp(mode.name, name) == 0) return &mode;
+std::optional<Mode> mode_named(const std::string& name) {
+    for (const OwnDecoder& decoder : decoders) {
+        if (name == decoder.name) return Mode{decoder_prefix + name, false, true};
     }
-    return nullptr;
+    if (name == "program") return Mode{runner, true, true};
+    if (name == "ready") return Mode{decoder_prefix + "image", false, false};
+    if (name == "ready-program") return Mode{runner, true, false};
+    return {};
 }
 
 std::string own_folder() {
@@ -92,7 +91,7 @@ Words caged(const Mode& mode, const Words& next, char** words, int count) {
 }  // namespace
 
 int main(int count, char** words) {
-    const Mode* wanted = count > path ? mode_named(words[mode]) : nullptr;
+    const std::optional<Mode> wanted = count > path ? mode_named(words[mode]) : std::nullopt;
     if (!wanted || (strcmp(words[mode], "program") == 0 && count <= command + 1)) return 2;
     const auto number = [words](int at) { return strtoul(words[at], nullptr, 10); };
     limit_resources(number(megabytes), static_cast<unsigned>(number(processor_seconds)),

@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "quicklook/file_kind.h"
+#include "quicklook/helper_program.h"
 
 namespace {
 
@@ -87,12 +89,23 @@ TEST_F(Thumbnailers, TheWayOfAFileFollowsItsType) {
         {"image/jpeg", Route::image},
         {"image/svg+xml", Route::image},
         {"application/pdf", Route::pdf},
+        {"application/pdf-test", Route::none},
         {"application/x-thumbnail-test", Route::none},
         {"", Route::unknown},
     };
     for (const auto& [type, route] : routes) EXPECT_EQ(route_for(type), route) << type;
     install("a.thumbnailer", "cat %i %o", none);
     EXPECT_EQ(route_for(none), Route::program);
+}
+
+TEST_F(Thumbnailers, EachDecoderIsBuiltAndGetsTheFilesOfItsType) {
+    for (const OwnDecoder& decoder : decoders) {
+        const std::string type = decoder.type;
+        EXPECT_EQ(route_for(type.back() == '/' ? type + "x-test" : type), decoder.route) << type;
+        EXPECT_EQ(decoder_of(decoder.route), &decoder) << type;
+        const std::string program = helper_folder() + "/delvio-decode-" + decoder.name;
+        EXPECT_EQ(access(program.c_str(), X_OK), 0) << program;
+    }
 }
 
 TEST_F(Thumbnailers, NamesTellTypes) {
