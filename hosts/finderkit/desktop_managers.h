@@ -17,7 +17,7 @@ struct DesktopManager {
         operations::Kind kind;
         const char* interface;
         const char* name;
-    } methods[3];
+    } methods[3];  // the ones that it lacks are left out
     // A floating value. The sources are URIs.
     GVariant* (*arguments)(operations::Kind kind, GVariant* sources, const char* destination);
 };

@@ -103,8 +103,9 @@ bool takes(GDBusConnection* bus, const std::string& connection, const DesktopMan
 
 Handover ask_manager(GDBusConnection* bus, const DesktopManager& manager,
                      const operations::Request& request, std::string* reason) {
-    const auto* method = std::find_if(std::begin(manager.methods), std::end(manager.methods),
-                                      [&](const auto& one) { return one.kind == request.kind; });
+    const auto* method =
+        std::find_if(std::begin(manager.methods), std::end(manager.methods),
+                     [&](const auto& one) { return one.name && one.kind == request.kind; });
     if (method == std::end(manager.methods)) return Handover::absent;
     files::ErrorPlace error;
     for (int time = 0; time < times_to_ask; time++) {

@@ -249,6 +249,21 @@ TEST_F(DesktopCarrier, OneThatRunsComesFirst) {
     EXPECT_STREQ(managers[0]->service, thunar_name);
 }
 
+TEST_F(DesktopCarrier, AManagerIsNotAskedForWhatItHasNoMethodFor) {
+    const test::SessionBus bus;
+    test::BusService nautilus(bus, nautilus_name, nautilus_object, nautilus_interfaces);
+    const files::ObjectOwner<GDBusConnection> connection = connect_to_session_bus();
+    DesktopManager copier = *managers_on_bus(connection.get()).at(0);
+    copier.methods[0] = copier.methods[1];
+    copier.methods[1] = copier.methods[2] = {};
+    std::string reason;
+    const Request move = request(Kind::Move), copy = request(Kind::Copy);
+    EXPECT_EQ(ask_manager(connection.get(), copier, move, &reason), Handover::absent);
+    EXPECT_EQ(nautilus.calls(), Calls());
+    EXPECT_EQ(ask_manager(connection.get(), copier, copy, &reason), Handover::taken) << reason;
+    EXPECT_EQ(nautilus.calls().size(), 1u);
+}
+
 namespace {
 
 bool wait_for(const std::function<bool()>& happened) {
