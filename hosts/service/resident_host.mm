@@ -2,6 +2,7 @@
 
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
+#include <host/process.h>
 
 #include <fcntl.h>
 #include <malloc.h>
@@ -191,7 +192,7 @@ void Host::hear_current() {
 void Host::close_menu(int signal) {
     act_on_signal(signal);
     [[MenuSession current] cancel];
-    end_alert();
+    end_modal_session();
 }
 
 // Only an open menu can be closed for the sake of the next one. A panel may hold a question.
