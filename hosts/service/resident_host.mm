@@ -289,9 +289,10 @@ void Host::serve_calls() {
             }
             if (signal_caught()) end("signal " + std::to_string(signal_caught()));
             if (ends_ || next_) continue;
+            // The toolkit looks for new services every 30 seconds, in the default mode only.
             NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
                                                 untilDate:idle_end_
-                                                   inMode:NSDefaultRunLoopMode
+                                                   inMode:NSEventTrackingRunLoopMode
                                                   dequeue:YES];
             if (event) [NSApp sendEvent:event];
             if (!event && [idle_end_ timeIntervalSinceNow] <= 0) end("idle");
