@@ -58,9 +58,8 @@ TEST_F(MutterMenu, IsBrowsedByThePointerAlone) {
     test::RecordingProgram program({"text/plain"});
     rest_at(600, 200);
     ASSERT_TRUE(open_menu({top()}));
-    point_at(levels().at(0), 60, first_row);
-    ASSERT_TRUE(wait_for_levels(2));
-    point_at(levels().at(1), 60, first_row);
+    ASSERT_TRUE(highlight(0, 60, first_row));
+    ASSERT_TRUE(highlight(1, 60, first_row));
     input.click(1);
     EXPECT_EQ(finish().status, 0);
     EXPECT_EQ(program.wait(), std::vector<std::string>{folder.path("top/alpha.txt")});

@@ -47,9 +47,8 @@ struct SwayMenu : test::WaylandScene {
     // Opens the folder's level by the pointer and picks its first file.
     void pick_by_pointer(const std::string& expected) {
         test::RecordingProgram program({"text/plain"});
-        point_at(levels().at(0), 60, first_row);
-        ASSERT_TRUE(wait_for_levels(2));
-        point_at(levels().at(1), 60, first_row);
+        ASSERT_TRUE(highlight(0, 60, first_row));
+        ASSERT_TRUE(highlight(1, 60, first_row));
         input.click(1);
         EXPECT_EQ(finish().status, 0);
         EXPECT_EQ(program.wait(), std::vector<std::string>{expected});

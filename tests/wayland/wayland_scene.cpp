@@ -122,6 +122,23 @@ void WaylandScene::point_at(const Level& level, int x, int y) {
     rest_at(static_cast<int>((level.x + x) * scale_), static_cast<int>((level.y + y) * scale_));
 }
 
+bool WaylandScene::highlight(size_t level, int x, int y) {
+    // The level is drawn, and stands still, before the hand goes there.
+    Level at = {};
+    const bool stands = wait_for([&] {
+        const std::vector<Level> all = levels();
+        if (all.size() <= level) return false;
+        const Level before = at;
+        at = all[level];
+        return at.x == before.x && at.y == before.y && shows_menu_at(at);
+    });
+    if (!stands) return false;
+    point_at(at, x, y);
+    const int edge = static_cast<int>((at.x + at.width - 12) * scale_);
+    return wait_for(
+        [&] { return input.pixel(edge, static_cast<int>((at.y + y) * scale_)) != menu_color; });
+}
+
 bool WaylandScene::shows_menu_at(const Level& level) {
     const int middle = level.x + level.width / 2, inside = level.y + 3;
     return input.pixel(static_cast<int>(middle * scale_), static_cast<int>(inside * scale_)) ==

@@ -55,6 +55,9 @@ class WaylandScene : public testing::Test {
     bool wait_for_levels(size_t count) const;
     // The place on the screen of a row's text; rows are counted in pixels from the level's top.
     void point_at(const Level& level, int x, int y);
+    // Moves the pointer to a row of a level once the level stands still, and waits until the row is
+    // highlighted. Levels count from 0.
+    bool highlight(size_t level, int x, int y);
     // Whether the screen shows the menu's colour there, which nothing else has.
     bool shows_menu_at(const Level& level);
     // Of the session's pixels to the screen's; as set_scale() was told.
