@@ -1,6 +1,7 @@
 // The command as people start it. It hands a menu for the screen to the resident host, and becomes
 // the full program for everything else.
 #include <errno.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -21,6 +22,15 @@ bool is_set(const char* name) {
     return value && *value;
 }
 
+// A closed stream's number would be taken by the next file that is opened, which the host would
+// then write to. The full program finds the stream closed again.
+void fill_closed_streams() {
+    int nothing = 0;
+    while (nothing >= 0 && nothing <= STDERR_FILENO)
+        nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
+    if (nothing >= 0) close(nothing);
+}
+
 bool is_for_host(const std::vector<std::string>& arguments) {
     for (const char* name : tracing_variables) {
         if (is_set(name)) return false;
@@ -33,6 +43,7 @@ bool is_for_host(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    fill_closed_streams();
     const std::vector<std::string> arguments(argv + (argc > 0), argv + argc);
     const std::string program = resident::full_program();
     if (program.empty()) {

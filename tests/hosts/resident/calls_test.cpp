@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "hosts/resident/scene.h"
@@ -206,6 +207,22 @@ TEST_F(ResidentCalls, AProblemIsToldOnTheCallersStandardError) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.err.find("is not UTF-8"), std::string::npos) << outcome.err;
     EXPECT_EQ(show_and_close().err, "");
+}
+
+TEST_F(ResidentCalls, AMessageForAClosedStreamGoesNowhere) {
+    const std::string closed = folder.path("closed");
+    std::ofstream(closed) << "#!/bin/sh\nexec " DELVIO_CLIENT " \"$@\" <&- >&- 2>&-\n";
+    std::filesystem::permissions(closed, std::filesystem::perms::owner_all);
+    const std::string bad = folder.file(std::string("bad\xff name"));
+    for (int i = 0; i < 2; ++i) {  // the first one starts the host
+        RunningCommand command = call({"menu", "--at", "100,100", bad}, {{"TEST_PROGRAM", closed}});
+        ASSERT_TRUE(screen.wait_until_open());
+        input.key("Escape");
+        EXPECT_EQ(command.finish().status, 0);
+        EXPECT_TRUE(screen.wait_until_closed());
+    }
+    EXPECT_EQ(said("the menu has closed with status 0"), 2);
+    EXPECT_EQ(said("the caller"), 0);
 }
 
 }  // namespace
