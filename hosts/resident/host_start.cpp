@@ -39,6 +39,7 @@ bool arrange_descriptors(int listener) {
 
 bool start_host(const std::string& program, const std::string& name, const Descriptor& listener) {
     const char* const words[] = {program.c_str(), host_argument, name.c_str(), nullptr};
+    signal(SIGCHLD, SIG_DFL);  // where a caller ignores it, no child can be waited for
     const pid_t child = fork();
     if (child == 0) become_host(words, listener.get());
     int status = 0;

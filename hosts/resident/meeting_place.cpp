@@ -68,6 +68,12 @@ Descriptor MeetingPlace::listen() const {
 
 void MeetingPlace::remove() const { unlinkat(folder_.get(), name_.c_str(), 0); }
 
+std::optional<SocketFile> MeetingPlace::socket_file() const {
+    struct stat status;
+    if (fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return {};
+    return SocketFile{status.st_dev, status.st_ino};
+}
+
 Descriptor MeetingPlace::lock() const {
     Descriptor file(openat(folder_.get(), (name_ + ".lock").c_str(),
                            O_CREAT | O_RDWR | O_NOFOLLOW | O_CLOEXEC, only_users_file));

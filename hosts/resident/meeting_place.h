@@ -2,6 +2,9 @@
 // thread.
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 
 #include "file_steps/descriptor.h"
@@ -9,6 +12,13 @@
 namespace resident {
 
 using operations::Descriptor;
+
+// Tells a socket's file from every other one that exists at the same time.
+struct SocketFile {
+    dev_t device = 0;
+    ino_t node = 0;
+    bool operator==(const SocketFile&) const = default;
+};
 
 class MeetingPlace {
   public:
@@ -23,6 +33,8 @@ class MeetingPlace {
     Descriptor listen() const;
     // Removes the socket, so that nobody connects any more.
     void remove() const;
+    // The socket that is there now; null for none.
+    std::optional<SocketFile> socket_file() const;
     // Waits for the lock that whoever starts a host holds; null on failure.
     Descriptor lock() const;
     // The file for the host's log, with nothing in it.

@@ -67,6 +67,7 @@ class Host {
     Host(const std::string& name, const resident::MeetingPlace& place)
         : fixed_(resident::fixed_variables(resident::own_environment())),
           place_(place),
+          socket_file_(place.socket_file()),
           listener_(resident::listening_descriptor) {
         fcntl(listener_.get(), F_SETFD, FD_CLOEXEC);
         fcntl(listener_.get(), F_SETFL, O_NONBLOCK);
@@ -92,6 +93,7 @@ class Host {
 
     const std::vector<std::string> fixed_;
     const resident::MeetingPlace& place_;
+    const std::optional<resident::SocketFile> socket_file_;
     Descriptor listener_;
     Descriptor signals_[2];
     std::unique_ptr<DescriptorWatch> listener_watch_, signal_watch_;
@@ -272,7 +274,8 @@ void Host::end(const std::string& why) {
     ends_ = true;
     log_line("ends: " + why);
     const Descriptor lock = place_.lock();
-    place_.remove();
+    // Another host may have taken the place.
+    if (socket_file_ && place_.socket_file() == socket_file_) place_.remove();
     accept_guests();  // those who have connected until now
     for (const auto& guest : silent_) guest->caller->answer(Verdict::outdated);
     wake_main_loop();

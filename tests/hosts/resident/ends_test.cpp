@@ -1,5 +1,6 @@
 // When the resident host ends, and what the next call finds then.
 #include <signal.h>
+#include <string.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -108,6 +109,35 @@ TEST_F(ResidentEnds, ASignalEndsAnIdleHost) {
     kill(host(), SIGTERM);
     EXPECT_TRUE(test::wait_for([this] { return hosts().empty(); }));
     EXPECT_NE(log().find("ends: signal 15"), std::string::npos);
+}
+
+TEST_F(ResidentEnds, AHostLeavesTheSocketOfItsSuccessor) {
+    show_and_close();
+    const pid_t old = host();
+    std::string socket = meeting_files(".log").at(0);
+    socket.resize(socket.size() - strlen(".log"));
+    ASSERT_TRUE(fs::remove(socket));
+    show_and_close();
+    ASSERT_EQ(hosts().size(), 2u);
+    kill(old, SIGTERM);
+    EXPECT_TRUE(wait_until_gone(old));
+    EXPECT_TRUE(fs::exists(socket));
+    const pid_t successor = host();
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(host(), successor);
+}
+
+TEST_F(ResidentEnds, ACallerThatIgnoresTheEndsOfItsChildrenUsesTheHost) {
+    signal(SIGCHLD, SIG_IGN);
+    RunningCommand command = call_at(100, 100);
+    signal(SIGCHLD, SIG_DFL);
+    ASSERT_TRUE(screen.wait_until_open());
+    input.key("Escape");
+    EXPECT_EQ(command.finish().status, 0);
+    EXPECT_NE(log().find("the menu has closed"), std::string::npos);
+    const pid_t process = host();
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(host(), process);
 }
 
 TEST_F(ResidentEnds, ASignalToTheHostClosesTheMenuFirst) {
