@@ -47,9 +47,11 @@ bool send_call(int host, const Call& call) {
 // waiting at its socket, so nobody waits for its start.
 Descriptor connect(const MeetingPlace& place, const std::string& name, const std::string& program) {
     if (Descriptor host = place.connect()) return host;
+    if (errno == EAGAIN) return Descriptor();  // it listens, but takes no more calls
     const Descriptor lock = place.lock();
     if (!lock) return Descriptor();
     if (Descriptor host = place.connect()) return host;  // another client was quicker
+    if (errno == EAGAIN) return Descriptor();
     const Descriptor listener = place.listen();
     if (!listener) return Descriptor();
     Descriptor host = place.connect();
@@ -58,7 +60,7 @@ Descriptor connect(const MeetingPlace& place, const std::string& name, const std
     return Descriptor();
 }
 
-enum class Event { answer, signal, end };
+enum class Event { answer, signal, end, silence };
 
 // Waits for the next thing to happen; milliseconds below 0 are for ever.
 Event next_event(int host, const EndingSignals& signals, int milliseconds, Answer* answer) {
@@ -66,7 +68,7 @@ Event next_event(int host, const EndingSignals& signals, int milliseconds, Answe
     for (;;) {
         const int ready = poll(waiting, 2, milliseconds);
         if (ready < 0 && errno == EINTR) continue;
-        if (ready <= 0) return Event::end;
+        if (ready <= 0) return ready == 0 ? Event::silence : Event::end;
         if (waiting[0].revents) {
             Packet packet;
             const Received received = receive_packet(host, &packet);
@@ -108,6 +110,7 @@ int wait_for_end(int host, const EndingSignals& signals) {
         case Event::signal:
             return end_by_signal(host, signals);
         case Event::end:
+        case Event::silence:
             break;
     }
     return complain_of_crash();
@@ -135,6 +138,8 @@ Attempt attempt(const MeetingPlace& place, const std::string& name, const std::s
             return {Verdict::done, 128 + signals.take()};
         case Event::end:
             return {Verdict::outdated};
+        case Event::silence:
+            return {Verdict::elsewhere};
     }
     return {};
 }

@@ -8,12 +8,14 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 namespace resident {
 
 namespace {
 
 constexpr int most_waiting = 64;
+constexpr int most_turns = 250, microseconds_a_turn = 20000;  // five seconds for the lock
 constexpr mode_t only_user = 0700, only_users_file = 0600;
 
 // Null unless the folder is this user's and nobody else can reach into it.
@@ -47,7 +49,8 @@ MeetingPlace::MeetingPlace(const std::string& name)
     : folder_(open_private_folder()), name_("menu-" + name) {}
 
 Descriptor MeetingPlace::connect() const {
-    Descriptor client = new_socket();
+    // A host that hangs has a full queue, for which a blocking connection would wait.
+    Descriptor client(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     sockaddr_un address;
     if (!client || !name_socket(folder_.get(), name_, &address)) return Descriptor();
     const auto* const where = reinterpret_cast<const sockaddr*>(&address);
@@ -78,10 +81,12 @@ Descriptor MeetingPlace::lock() const {
     Descriptor file(openat(folder_.get(), (name_ + ".lock").c_str(),
                            O_CREAT | O_RDWR | O_NOFOLLOW | O_CLOEXEC, only_users_file));
     if (!file) return file;
-    while (flock(file.get(), LOCK_EX) != 0) {
-        if (errno != EINTR) return Descriptor();
+    for (int turn = 0; turn < most_turns; ++turn) {
+        if (flock(file.get(), LOCK_EX | LOCK_NB) == 0) return file;
+        if (errno != EWOULDBLOCK && errno != EINTR) break;
+        usleep(microseconds_a_turn);
     }
-    return file;
+    return Descriptor();
 }
 
 Descriptor MeetingPlace::new_log() const {

@@ -35,7 +35,7 @@ class MeetingPlace {
     void remove() const;
     // The socket that is there now; null for none.
     std::optional<SocketFile> socket_file() const;
-    // Waits for the lock that whoever starts a host holds; null on failure.
+    // Waits some seconds for the lock that whoever starts a host holds; null on failure.
     Descriptor lock() const;
     // The file for the host's log, with nothing in it.
     Descriptor new_log() const;

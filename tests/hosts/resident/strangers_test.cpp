@@ -29,8 +29,8 @@ using test::Outcome;
 using test::RunningCommand;
 using test::Screen;
 
-Descriptor connect_to(const std::string& path) {
-    Descriptor client(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
+Descriptor connect_to(const std::string& path, int flags = 0) {
+    Descriptor client(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0));
     sockaddr_un address = {};
     address.sun_family = AF_UNIX;
     path.copy(address.sun_path, sizeof address.sun_path - 1);
@@ -139,6 +139,21 @@ TEST_F(ResidentStrangers, ManySilentConnectionsLeaveTheHostUsable) {
     std::vector<Descriptor> silent;
     for (int i = 0; i < 200; ++i) silent.push_back(connect_to(socket_path()));
     EXPECT_EQ(show_and_close().status, 0);
+}
+
+TEST_F(ResidentStrangers, AHostThatHangsWithAFullQueueHoldsNoCallUp) {
+    show_and_close();
+    const pid_t process = host();
+    const std::string path = socket_path();
+    kill(process, SIGSTOP);
+    std::vector<Descriptor> waiting;
+    do {
+        waiting.push_back(connect_to(path, SOCK_NONBLOCK));
+    } while (waiting.back() && waiting.size() < 1000);
+    EXPECT_FALSE(waiting.back());
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(host(), process);
+    kill(process, SIGCONT);
 }
 
 TEST_F(ResidentStrangers, AnotherUserIsTurnedAway) {
