@@ -22,6 +22,8 @@ constexpr mode_t only_user = 0700, only_users_file = 0600;
 Descriptor open_private_folder() {
     const char* const run_time = getenv("XDG_RUNTIME_DIR");
     if (!run_time || run_time[0] != '/') return Descriptor();
+    struct stat owner;  // nothing is made in the folder of another user, as after `su`
+    if (stat(run_time, &owner) != 0 || owner.st_uid != geteuid()) return Descriptor();
     const std::string path = std::string(run_time) + "/delvio";
     if (mkdir(path.c_str(), only_user) != 0 && errno != EEXIST) return Descriptor();
     Descriptor folder(open(path.c_str(), O_DIRECTORY | O_NOFOLLOW | O_RDONLY | O_CLOEXEC));

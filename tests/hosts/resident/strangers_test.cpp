@@ -188,6 +188,15 @@ TEST_F(ResidentStrangers, AFolderThatOthersMayEnterIsNotUsed) {
     fs::remove_all(place);
 }
 
+TEST_F(ResidentStrangers, AnotherUsersRunTimeFolderIsNotUsed) {
+    ASSERT_EQ(geteuid(), 0u) << "this test gives a folder away, which only root can";
+    const std::string others = folder.folder("others");
+    ASSERT_EQ(chown(others.c_str(), 65534, 65534), 0);
+    EXPECT_EQ(show_and_close({{"XDG_RUNTIME_DIR", others}}).status, 0);
+    EXPECT_TRUE(hosts().empty());
+    EXPECT_FALSE(fs::exists(others + "/delvio"));
+}
+
 TEST_F(ResidentStrangers, WithoutARunTimeFolderTheMenuIsShownWithoutAHost) {
     EXPECT_EQ(show_and_close({{"XDG_RUNTIME_DIR", ""}}).status, 0);
     EXPECT_TRUE(hosts().empty());
