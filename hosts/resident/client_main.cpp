@@ -14,8 +14,9 @@
 namespace {
 
 constexpr int failed = 1;
-// Troubleshooting belongs to one process and its streams.
-constexpr const char* tracing_variables[] = {"DELVIO_TRACE", "DELVIO_TOOLKIT_LOG"};
+// Troubleshooting belongs to one process and its streams; the last one names a descriptor that only
+// this process has.
+constexpr const char* own_variables[] = {"DELVIO_TRACE", "DELVIO_TOOLKIT_LOG", "WAYLAND_SOCKET"};
 
 bool is_set(const char* name) {
     const char* const value = getenv(name);
@@ -31,13 +32,19 @@ void fill_closed_streams() {
     if (nothing >= 0) close(nothing);
 }
 
+// A host that stays would keep a remote login, which forwards the display, from logging out.
+bool has_display_of_this_machine() {
+    const char* const display = getenv("DISPLAY");
+    return display && (display[0] == ':' || strncmp(display, "unix:", strlen("unix:")) == 0);
+}
+
 bool is_for_host(const std::vector<std::string>& arguments) {
-    for (const char* name : tracing_variables) {
+    for (const char* name : own_variables) {
         if (is_set(name)) return false;
     }
     const char* const wanted = getenv("DELVIO_RESIDENT");
     if (wanted && strcmp(wanted, "0") == 0) return false;
-    return is_set("DISPLAY") && resident::asks_for_shown_menu(arguments);
+    return has_display_of_this_machine() && resident::asks_for_shown_menu(arguments);
 }
 
 }  // namespace

@@ -197,6 +197,13 @@ TEST_F(ResidentStrangers, AnotherUsersRunTimeFolderIsNotUsed) {
     EXPECT_FALSE(fs::exists(others + "/delvio"));
 }
 
+TEST_F(ResidentStrangers, AConnectionOfOneProcessAndADisplayOfAnotherMachineHaveNoHost) {
+    EXPECT_EQ(show_and_close({{"WAYLAND_SOCKET", "99"}}).status, 0);
+    EXPECT_TRUE(hosts().empty());
+    call_at(100, 100, {{"DISPLAY", "localhost:9999"}}).finish();
+    EXPECT_TRUE(meeting_files(".log").empty());
+}
+
 TEST_F(ResidentStrangers, WithoutARunTimeFolderTheMenuIsShownWithoutAHost) {
     EXPECT_EQ(show_and_close({{"XDG_RUNTIME_DIR", ""}}).status, 0);
     EXPECT_TRUE(hosts().empty());
