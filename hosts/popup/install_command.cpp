@@ -1,6 +1,7 @@
 #include "popup/install_command.h"
 
 #include <stdio.h>
+#include <glib.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -29,9 +30,13 @@ std::string icon_for(const std::string& command) {
 bool find_invocation(Invocation* invocation, std::string* problem) {
     invocation->command = find_command(problem);
     invocation->icon = icon_for(invocation->command);
-    if (invocation->command.find('\n') == std::string::npos) return !invocation->command.empty();
-    *problem = "the path of the command has a line break: " + invocation->command;
-    return false;
+    if (!g_utf8_validate(invocation->command.c_str(), -1, nullptr)) {
+        // A file of actions with such a name is one that the file manager cannot read.
+        *problem = "the path of the command is not UTF-8: " + invocation->command;
+    } else if (invocation->command.find('\n') != std::string::npos) {
+        *problem = "the path of the command has a line break: " + invocation->command;
+    }
+    return problem->empty() && !invocation->command.empty();
 }
 
 void print_path(const std::string& path) {

@@ -29,6 +29,8 @@
 
 namespace {
 
+constexpr NSTimeInterval time_to_settle = 3;
+
 using operations::Descriptor;
 using resident::Received;
 using resident::Verdict;
@@ -283,20 +285,26 @@ void Host::end(const std::string& why) {
 
 void Host::serve_calls() {
     idle_end_ = [[NSDate alloc] initWithTimeIntervalSinceNow:longest_idle()];
+    NSTimeInterval settled = 0;
     while (!ends_ || next_) {
         @autoreleasepool {
             if (next_) {
                 serve_next();
                 [idle_end_ release];
                 idle_end_ = [[NSDate alloc] initWithTimeIntervalSinceNow:longest_idle()];
+                settled = [[NSDate date] timeIntervalSinceReferenceDate] + time_to_settle;
             }
             if (signal_caught()) end("signal " + std::to_string(signal_caught()));
             if (ends_ || next_) continue;
-            // The toolkit looks for new services every 30 seconds, in the default mode only.
-            NSEvent* event = [NSApp nextEventMatchingMask:NSAnyEventMask
-                                                untilDate:idle_end_
-                                                   inMode:NSEventTrackingRunLoopMode
-                                                  dequeue:YES];
+            // What a menu leaves for a moment later, such as hiding a preview that has faded, runs
+            // in the default mode. Later that mode would only look for services every 30 seconds.
+            NSDate* const until = [NSDate dateWithTimeIntervalSinceReferenceDate:settled];
+            const bool settles = [until timeIntervalSinceNow] > 0;
+            NSEvent* event = [NSApp
+                nextEventMatchingMask:NSAnyEventMask
+                            untilDate:settles ? [until earlierDate:idle_end_] : idle_end_
+                               inMode:settles ? NSDefaultRunLoopMode : NSEventTrackingRunLoopMode
+                              dequeue:YES];
             if (event) [NSApp sendEvent:event];
             if (!event && [idle_end_ timeIntervalSinceNow] <= 0) end("idle");
         }

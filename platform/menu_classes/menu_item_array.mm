@@ -87,6 +87,7 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
 }
 
 - (void)replaceObjectAtIndex:(NSUInteger)index withObject:(id)item {
+    if (!item) [NSException raise:NSInvalidArgumentException format:@"no item to insert"];
     NSMenuItem* const replaced = [self objectAtIndex:index];
     [self placeAtIndex:index] = place_for([item retain]);
     _changes++;

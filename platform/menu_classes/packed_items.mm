@@ -3,6 +3,7 @@
 #include <objc/runtime.h>
 #include <string.h>
 
+#include <algorithm>
 #include <bit>
 
 #include "menu_classes/menu_storage.h"
@@ -59,9 +60,12 @@ void release_fields(const Word* words, const size_t (&places)[count]) {
     for (const size_t place : places) [reinterpret_cast<id>(words[place]) release];
 }
 
-// An object whose class does something when it goes may have told others where it is.
+// An object whose class does something when it goes may have told others where it is. C++ fields
+// are destroyed when it goes.
 bool goes_silently(id object, Class stock) {
+    static const SEL destroy_fields = sel_registerName(".cxx_destruct");
     const SEL deallocate = @selector(dealloc);
+    if (class_respondsToSelector(object_getClass(object), destroy_fields)) return false;
     return class_getMethodImplementation(object_getClass(object), deallocate) ==
            class_getMethodImplementation(stock, deallocate);
 }
@@ -94,6 +98,13 @@ const Word* PackedItems::pack(NSMenuItem* item) {
     Plan of_item, of_submenu;
     if (!plan(item, places_of_fields().submenu, &of_item)) return nullptr;
     if (submenu && !plan(submenu, 0, &of_submenu)) return nullptr;
+    // Whoever is named without being held, as a target is, has to stay where it is.
+    const auto names = [](const Plan& plan, id object) {
+        const Word* const end = plan.words + most_words;
+        return object && std::find(plan.words, end, reinterpret_cast<Word>(object)) != end;
+    };
+    if (names(of_item, item) || names(of_item, submenu)) return nullptr;
+    if (submenu && (names(of_submenu, item) || names(of_submenu, submenu))) return nullptr;
     const Word* const packed = make_room();
     write(of_item, submenu ? submenu_mark : 0);
     if (submenu) write(of_submenu, 0);
