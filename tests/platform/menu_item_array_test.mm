@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <host/menu_tracking.h>
 
+#include <vector>
+
 #include "support/app.h"
 #include "support/heap.h"
 
@@ -197,6 +199,25 @@ TEST_F(LargeMenu, KeepsItemsWhoseClassTellsThatTheyGo) {
     EXPECT_EQ(live_watched_items, rows);
     [menu release];
     EXPECT_EQ(live_watched_items, 0);
+}
+
+TEST_F(LargeMenu, KeepsItemsThatAreNamedByTheirOwnFields) {
+    std::vector<NSMenuItem*> added;
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NSMenuItem* item = make_alternate(row);
+            if (row % 2) [item setTarget:item];
+            if (!(row % 2)) [[item submenu] setDelegate:(id)item];
+            [menu addItem:item];
+            added.push_back(item);
+        }
+    }
+    for (int row = 0; row < rows; row++) {
+        NSMenuItem* item = (NSMenuItem*)[menu itemAtIndex:row];
+        EXPECT_EQ(item, added[static_cast<size_t>(row)]);
+        EXPECT_EQ(row % 2 ? [item target] : (id)[[item submenu] delegate], item);
+    }
+    [menu release];
 }
 
 TEST_F(LargeMenu, KeepsItemsWithAViewOrAnAttributedTitle) {
