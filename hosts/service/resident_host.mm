@@ -45,20 +45,6 @@ double longest_idle() {
     return seconds > 0 ? seconds : seconds_idle;
 }
 
-// The main loop returns to its caller only with an event.
-void wake_main_loop() {
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
-}
-
 struct Guest {
     std::unique_ptr<Caller> caller;
     std::unique_ptr<DescriptorWatch> watch;  // ends before its descriptor is closed

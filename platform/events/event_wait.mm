@@ -2,11 +2,25 @@
 
 #include <AppKit/AppKit.h>
 #include <GNUstepGUI/GSDisplayServer.h>
+#include <host/process.h>
 #include <objc/runtime.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include "events/deadline.h"
+
+void wake_main_loop() {
+    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                         subtype:0
+                                           data1:0
+                                           data2:0]
+             atStart:NO];
+}
 
 namespace {
 

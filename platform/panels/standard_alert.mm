@@ -92,14 +92,5 @@ void end_modal_session() {
     if (![NSApp modalWindow]) return;
     [NSApp stopModalWithCode:NSRunAbortedResponse];
     // The modal loop notices the stop only when it gets an event.
-    [NSApp postEvent:[NSEvent otherEventWithType:NSApplicationDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                         subtype:0
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
+    wake_main_loop();
 }

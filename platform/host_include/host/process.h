@@ -32,6 +32,10 @@ void answer_standard_alerts(DialogItemIndex item);
 // when there is none. Main thread.
 void end_modal_session(void);
 
+// Posts an event without a meaning: a loop of events returns to its caller only with an event. Main
+// thread.
+void wake_main_loop(void);
+
 #ifdef __cplusplus
 }
 #endif
