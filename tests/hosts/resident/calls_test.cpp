@@ -221,7 +221,7 @@ TEST_F(ResidentCalls, AMessageForAClosedStreamGoesNowhere) {
         EXPECT_EQ(command.finish().status, 0);
         EXPECT_TRUE(screen.wait_until_closed());
     }
-    EXPECT_EQ(said("the menu has closed with status 0"), 2);
+    EXPECT_TRUE(test::wait_for([&] { return said("the menu has closed with status 0") == 2; }));
     EXPECT_EQ(said("the caller"), 0);
 }
 
