@@ -66,6 +66,10 @@ void add_menu(CLI::App& app, MenuRequest& request, Options& options) {
         ->allow_extra_args(false);
 }
 
+bool takes_values(SettingsVerb verb) {
+    return verb == SettingsVerb::set || verb == SettingsVerb::add || verb == SettingsVerb::remove;
+}
+
 void add_settings(CLI::App& app, SettingsRequest& request) {
     CLI::App* settings = app.add_subcommand("settings", "Shows and changes Delvio's settings.");
     settings->require_subcommand(0, 1);
@@ -73,7 +77,7 @@ void add_settings(CLI::App& app, SettingsRequest& request) {
         CLI::App* sub = settings->add_subcommand(name, meaning);
         sub->callback([&request, value, sub] {
             request.verb = value;
-            if (value == SettingsVerb::set) request.words = sub->remaining();
+            if (takes_values(value)) request.words = sub->remaining();
         });
         return sub;
     };
@@ -87,6 +91,12 @@ void add_settings(CLI::App& app, SettingsRequest& request) {
     CLI::App* set = verb("set", "Changes a setting: set KEY VALUE...", SettingsVerb::set);
     set->footer("Several values are for a setting that is a list: set folders /srv - /home");
     set->prefix_command();
+    verb("add", "Adds entries to a list: add KEY VALUE...", SettingsVerb::add)
+        ->footer("For example: add folders ~/Documents")
+        ->prefix_command();
+    verb("remove", "Removes entries from a list: remove KEY VALUE...", SettingsVerb::remove)
+        ->footer("For example: remove folders ~/Documents")
+        ->prefix_command();
     CLI::App* reset = verb("reset", "Gives settings their defaults back", SettingsVerb::reset);
     reset->add_option("KEY", request.words);
     reset->add_flag("--all", request.all, "Every setting");
@@ -163,9 +173,12 @@ std::string check_menu(const CLI::App& app, MenuRequest& request, const Options&
 }
 
 std::string check_settings(const SettingsRequest& request, bool verb_given) {
-    if (!verb_given) return "say what to do: settings list, get, set or reset";
-    if (request.verb == SettingsVerb::set && request.words.size() < 2) {
-        return "settings set takes a key and a value";
+    if (!verb_given) return "say what to do: settings list, get, set, add, remove or reset";
+    if (takes_values(request.verb) && request.words.size() < 2) {
+        const char* const name = request.verb == SettingsVerb::set   ? "set"
+                                 : request.verb == SettingsVerb::add ? "add"
+                                                                     : "remove";
+        return std::string("settings ") + name + " takes a key and a value";
     }
     const bool reset = request.verb == SettingsVerb::reset;
     if (reset && request.words.empty() != request.all) {

@@ -24,7 +24,7 @@ struct MenuRequest {
     std::vector<std::pair<std::string, std::string>> settings;
 };
 
-enum class SettingsVerb { list, get, set, reset };
+enum class SettingsVerb { list, get, set, add, remove, reset };
 
 struct SettingsRequest {
     SettingsVerb verb = SettingsVerb::list;

@@ -23,8 +23,8 @@ namespace {
 
 bool changes_settings(const CommandLine& line) {
     const SettingsVerb verb = line.settings_request.verb;
-    return line.command == CommandLine::settings &&
-           (verb == SettingsVerb::set || verb == SettingsVerb::reset);
+    return line.command == CommandLine::settings && verb != SettingsVerb::list &&
+           verb != SettingsVerb::get;
 }
 
 int run_command(const CommandLine& line) {

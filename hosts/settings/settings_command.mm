@@ -1,62 +1,18 @@
 #include "settings/settings_command.h"
 
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <filesystem>
 
-#include "finderkit/applications_folder.h"
-#include "finderkit/settings_file.h"
-#include "settings/forced_settings.h"
+#include "file_steps/visible_text.h"
+#include "settings/list_edits.h"
+#include "settings/setting_store.h"
 #include "settings/settings_listing.h"
 
+using operations::in_quotes;
+
 namespace {
-
-CFStringRef cf(const char* ascii) {
-    return reinterpret_cast<CFStringRef>([NSString stringWithUTF8String:ascii]);
-}
-
-std::string utf8(NSString* string) { return [string UTF8String] ?: ""; }
-
-std::vector<std::string> strings_in(id object) {
-    std::vector<std::string> strings;
-    if ([object isKindOfClass:[NSString class]]) object = [NSArray arrayWithObject:object];
-    if (![object isKindOfClass:[NSArray class]]) return strings;
-    for (id element in static_cast<NSArray*>(object)) {
-        if ([element isKindOfClass:[NSString class]]) strings.push_back(utf8(element));
-    }
-    return strings;
-}
-
-void read_number(SettingState* state) {
-    Boolean valid = false;
-    const CFIndex number =
-        CFPreferencesGetAppIntegerValue(cf(state->setting->key), cf(settings_domain), &valid);
-    state->stored = valid;
-    state->value.number = valid ? number_in_effect(*state->setting, static_cast<int32_t>(number))
-                                : state->setting->standard;
-}
-
-// The folder whose applications the menus offer when the setting has no value.
-std::string installed_applications() {
-    const std::string folder = applications_folder();
-    return access(folder.c_str(), R_OK) == 0 ? folder : "/Applications";
-}
-
-void read_strings(SettingState* state) {
-    const void* stored = CFPreferencesCopyAppValue(cf(state->setting->key), cf(settings_domain));
-    id object = [static_cast<id>(const_cast<void*>(stored)) autorelease];
-    const bool list = state->setting->type == SettingType::paths;
-    state->stored = [object isKindOfClass:list ? [NSArray class] : [NSString class]];
-    if (state->stored) state->value.strings = strings_in(object);
-    const bool open_with = std::string_view(state->setting->key) == "open_with_path";
-    if (open_with && !state->stored) state->value.strings = {installed_applications()};
-}
-
-SettingState state_of(const Setting& setting) {
-    SettingState state{&setting, {}, false};
-    is_numeric(setting) ? read_number(&state) : read_strings(&state);
-    return state;
-}
 
 int misused(const std::string& problem) {
     complain_about_usage(problem);
@@ -71,18 +27,14 @@ const Setting* known(const std::string& key) {
 }
 
 int save() {
-    if (CFPreferencesAppSynchronize(cf(settings_domain))) return exit_done;
+    if (save_settings()) return exit_done;
     complain_about_usage("cannot save the settings; is the defaults folder writable?");
     return exit_failed;
 }
 
-void store(const Setting& setting, id value) {
-    CFPreferencesSetAppValue(cf(setting.key), value, cf(settings_domain));
-}
-
 int list(const SettingsRequest& request) {
     std::vector<SettingState> states;
-    for (const Setting& setting : settings_table()) states.push_back(state_of(setting));
+    for (const Setting& setting : settings_table()) states.push_back(read_setting(setting));
     fputs((request.json ? write_settings_json(states) : write_settings(states)).c_str(), stdout);
     return exit_done;
 }
@@ -90,9 +42,29 @@ int list(const SettingsRequest& request) {
 int get(const SettingsRequest& request) {
     const Setting* setting = known(request.words[0]);
     if (!setting) return exit_misused;
-    const std::string text = write_value(state_of(*setting));
+    const std::string text = write_value(read_setting(*setting));
     if (!text.empty()) puts(text.c_str());
     return exit_done;
+}
+
+void tell_missing(const std::vector<std::string>& missing) {
+    for (const std::string& folder : missing) {
+        complain_about_usage("there is no folder " + in_quotes(folder) +
+                             "; menus leave it out until there is one");
+    }
+}
+
+// The paths among the entries that lead nowhere.
+std::vector<std::string> missing_paths(const Setting& setting,
+                                       const std::vector<std::string>& entries) {
+    std::vector<std::string> missing;
+    if (is_numeric(setting)) return missing;
+    for (const std::string& entry : entries) {
+        struct stat ignored;
+        const bool is_there = entry == separator_entry || stat(entry.c_str(), &ignored) == 0;
+        if (!is_there) missing.push_back(entry);
+    }
+    return missing;
 }
 
 int set(const SettingsRequest& request) {
@@ -102,8 +74,71 @@ int set(const SettingsRequest& request) {
     std::string problem;
     const std::vector<std::string> words(request.words.begin() + 1, request.words.end());
     if (!parse_setting(*setting, words, &value, &problem)) return misused(problem);
-    store(*setting, object_of(*setting, value));
+    store_setting(*setting, value);
+    const int status = save();
+    if (status == exit_done) tell_missing(missing_paths(*setting, words));
+    return status;
+}
+
+// Names in the shell's folder become whole paths.
+std::string whole_entry(const std::string& word) {
+    if (word.empty() || word == separator_entry || word[0] == '/') return word;
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(word, error);
+    return error ? word : path.lexically_normal().string();
+}
+
+// The list and its new or leaving entries. Null, after an error message, for a setting that is no
+// list, and for words that are no entries.
+const Setting* read_entries(const SettingsRequest& request, SettingValue* entries) {
+    const Setting* setting = known(request.words[0]);
+    if (!setting) return nullptr;
+    if (setting->type != SettingType::paths) {
+        complain_about_usage(request.words[0] + " is no list; use delvio settings set");
+        return nullptr;
+    }
+    std::vector<std::string> words;
+    for (size_t i = 1; i < request.words.size(); i++) {
+        words.push_back(whole_entry(request.words[i]));
+    }
+    std::string problem;
+    if (parse_setting(*setting, words, entries, &problem)) return setting;
+    complain_about_usage(problem);
+    return nullptr;
+}
+
+int change_list(const Setting& setting, const std::vector<std::string>& list) {
+    store_setting(setting, {0, list});
     return save();
+}
+
+// Adds all of them or none. An entry that is there already stays where it is.
+int add(const SettingsRequest& request) {
+    SettingValue entries;
+    const Setting* setting = read_entries(request, &entries);
+    if (!setting) return exit_misused;
+    const std::vector<std::string> missing = missing_paths(*setting, entries.strings);
+    for (const std::string& folder : missing) {
+        complain_about_usage("there is no folder " + in_quotes(folder) + "; nothing was added");
+    }
+    if (!missing.empty()) return exit_failed;
+    std::vector<std::string> list = read_setting(*setting).value.strings;
+    for (const std::string& entry : entries.strings) add_entry(&list, entry);
+    return change_list(*setting, list);
+}
+
+int remove(const SettingsRequest& request) {
+    SettingValue entries;
+    const Setting* setting = read_entries(request, &entries);
+    if (!setting) return exit_misused;
+    std::vector<std::string> list = read_setting(*setting).value.strings;
+    for (const std::string& entry : entries.strings) {
+        if (remove_entry(&list, entry)) continue;
+        complain_about_usage(std::string(setting->key) + " does not have " + in_quotes(entry) +
+                             "; nothing was removed");
+        return exit_failed;
+    }
+    return change_list(*setting, list);
 }
 
 int reset(const SettingsRequest& request) {
@@ -113,7 +148,7 @@ int reset(const SettingsRequest& request) {
     for (const Setting& setting : settings_table()) {
         const auto& words = request.words;
         const bool named = std::find(words.begin(), words.end(), setting.key) != words.end();
-        if (request.all || named) store(setting, nil);
+        if (request.all || named) reset_setting(setting);
     }
     return save();
 }
@@ -121,7 +156,7 @@ int reset(const SettingsRequest& request) {
 }  // namespace
 
 int run_settings_command(const SettingsRequest& request) {
-    CFPreferencesAppSynchronize(cf(settings_domain));
+    refresh_settings();
     switch (request.verb) {
         case SettingsVerb::list:
             return list(request);
@@ -129,6 +164,10 @@ int run_settings_command(const SettingsRequest& request) {
             return get(request);
         case SettingsVerb::set:
             return set(request);
+        case SettingsVerb::add:
+            return add(request);
+        case SettingsVerb::remove:
+            return remove(request);
         case SettingsVerb::reset:
             return reset(request);
     }

@@ -4,13 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "settings/settings_table.h"
-
-struct SettingState {
-    const Setting* setting;
-    SettingValue value;   // in effect
-    bool stored = false;  // and not the default
-};
+#include "settings/setting_store.h"
 
 // The value alone: a number, or the strings, one per line; empty for no string.
 std::string write_value(const SettingState& state);

@@ -4,6 +4,12 @@ _delvio_settings() {
     "${COMP_WORDS[0]}" settings list 2>/dev/null | sed -n 's/^\([A-Za-z_]*\) = .*/\1/p'
 }
 
+# The settings that are lists.
+_delvio_lists() {
+    "${COMP_WORDS[0]}" settings list 2>/dev/null |
+        sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}'
+}
+
 # The options of "delvio $1 $2".
 _delvio_options() {
     case "$1 $2" in
@@ -22,8 +28,9 @@ _delvio_options() {
 _delvio_words() {
     case "$1 $2" in
         " ") echo menu settings install uninstall undo ;;
-        "settings ") echo list get set reset ;;
+        "settings ") echo list get set add remove reset ;;
         "settings get" | "settings set" | "settings reset") _delvio_settings ;;
+        "settings add" | "settings remove") _delvio_lists ;;
         "install " | "uninstall ")
             echo caja dolphin gworkspace nautilus nemo pcmanfm pcmanfm-qt thunar ;;
     esac
@@ -56,7 +63,10 @@ _delvio() {
     else
         words=$(_delvio_words "$command" "$verb")
         if [ "$command" != menu ]; then compopt +o default; fi
-        if [ "$command $verb" = "settings set" ] && [ "$before" != set ]; then compopt -o default; words=; fi
+        case "$command $verb" in
+            "settings set" | "settings add" | "settings remove")
+                if [ "$before" != "$verb" ]; then compopt -o default; words=; fi ;;
+        esac
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }

@@ -4,6 +4,12 @@ function __delvio_settings
     delvio settings list 2>/dev/null | string match -rg '^([A-Za-z_]+) = '
 end
 
+# The settings that are lists.
+function __delvio_lists
+    delvio settings list 2>/dev/null |
+        sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}'
+end
+
 # Whether the words so far, without options, are "delvio" and these.
 function __delvio_after
     set -l words (commandline -opc)[2..]
@@ -41,12 +47,16 @@ complete -c delvio -n '__delvio_after menu' -l setting -x -a '(__delvio_settings
 complete -c delvio -n '__delvio_right_after settings' -f -a list -d 'List all settings'
 complete -c delvio -n '__delvio_right_after settings' -f -a get -d 'Print a value'
 complete -c delvio -n '__delvio_right_after settings' -f -a set -d 'Change a setting'
+complete -c delvio -n '__delvio_right_after settings' -f -a add -d 'Add to a list'
+complete -c delvio -n '__delvio_right_after settings' -f -a remove -d 'Remove from a list'
 complete -c delvio -n '__delvio_right_after settings' -f -a reset -d 'Back to the default'
 complete -c delvio -n '__delvio_after settings list' -f -l json -d 'Write the list as JSON'
 complete -c delvio -n '__delvio_after settings reset' -f -l all -d 'All settings'
 complete -c delvio -n '__delvio_after settings reset' -f -a '(__delvio_settings)'
 complete -c delvio -n '__delvio_right_after settings get' -f -a '(__delvio_settings)'
 complete -c delvio -n '__delvio_right_after settings set' -f -a '(__delvio_settings)'
+complete -c delvio -n '__delvio_right_after settings add' -f -a '(__delvio_lists)'
+complete -c delvio -n '__delvio_right_after settings remove' -f -a '(__delvio_lists)'
 
 set -l managers caja dolphin gworkspace nautilus nemo pcmanfm pcmanfm-qt thunar
 complete -c delvio -n '__delvio_right_after install' -f -a "$managers"

@@ -7,6 +7,12 @@ _delvio_settings() {
     compadd "$@" -a settings
 }
 
+_delvio_lists() {
+    local -a lists
+    lists=(${(f)"$(_call_program settings delvio settings list | sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}')"})
+    compadd "$@" -a lists
+}
+
 _delvio_menu() {
     _arguments \
         '(- *)--help[print the help]' \
@@ -30,6 +36,8 @@ _delvio_settings_command() {
         'list:list all settings'
         'get:print a value'
         'set:change a setting'
+        'add:add to a list'
+        'remove:remove from a list'
         'reset:back to the default'
     )
     if (( CURRENT == 2 )); then
@@ -40,6 +48,7 @@ _delvio_settings_command() {
         list) _arguments '(- *)--help[print the help]' '--json[write the list as JSON]' ;;
         get) _arguments '(- *)--help[print the help]' '2:setting:_delvio_settings' ;;
         set) _arguments '(- *)--help[print the help]' '2:setting:_delvio_settings' '*:value:_files' ;;
+        add | remove) _arguments '(- *)--help[print the help]' '2:list:_delvio_lists' '*:value:_files' ;;
         reset) _arguments '(- *)--help[print the help]' '--all[all settings]' '*:setting:_delvio_settings' ;;
     esac
 }

@@ -130,6 +130,53 @@ TEST(SettingsCommand, KeepsFoldersInTheirOrder) {
     EXPECT_EQ(get("folders"), "");
 }
 
+TEST(SettingsCommand, AddsFoldersAtTheEndOfTheListAndRemovesThem) {
+    EXPECT_EQ(settings({"add", "folders", "/usr"}).status, 0);
+    EXPECT_EQ(settings({"add", "folders", "-", "/etc/"}).status, 0);
+    EXPECT_EQ(get("folders"), "/usr\n-\n/etc\n");
+    EXPECT_EQ(settings({"remove", "folders", "/usr/", "-"}).status, 0);
+    EXPECT_EQ(get("folders"), "/etc\n");
+    EXPECT_EQ(settings({"remove", "folders", "/etc"}).status, 0);
+    EXPECT_EQ(get("folders"), "");
+}
+
+TEST(SettingsCommand, AddsAFolderOnlyOnceAndBelowTheCurrentOneByItsName) {
+    test::TempFolder folder;
+    const std::string before = std::filesystem::current_path();
+    const std::string below = folder.folder("below");
+    std::filesystem::current_path(folder.path());
+    EXPECT_EQ(settings({"add", "folders", "below"}).status, 0);
+    EXPECT_EQ(settings({"add", "folders", below, "./below/"}).status, 0);
+    EXPECT_EQ(get("folders"), below + "\n");
+    EXPECT_EQ(settings({"remove", "folders", "below"}).status, 0);
+    std::filesystem::current_path(before);
+    EXPECT_EQ(get("folders"), "");
+}
+
+TEST(SettingsCommand, NamesAFolderThatIsMissingAtOnce) {
+    const Outcome added = settings({"add", "folders", "/usr", "/no where"});
+    EXPECT_EQ(added.status, 1);
+    EXPECT_EQ(added.err, "delvio: there is no folder \"/no where\"; nothing was added\n");
+    EXPECT_EQ(get("folders"), "");
+    const Outcome set = settings({"set", "folders", "/usr", "-", "/no where"});
+    EXPECT_EQ(set.status, 0);
+    EXPECT_EQ(set.err,
+              "delvio: there is no folder \"/no where\"; menus leave it out until there is one\n");
+    EXPECT_EQ(get("folders"), "/usr\n-\n/no where\n");
+    settings({"reset", "--all"});
+}
+
+TEST(SettingsCommand, RefusesToAddToASettingThatIsNoList) {
+    expect_refused({"add", "sort_order", "1"}, "sort_order is no list; use delvio settings set");
+    expect_refused({"remove", "open_with_path", "/opt"}, "open_with_path is no list");
+    expect_refused({"add", "folders"}, "add takes a key and a value");
+    expect_refused({"remove", "folders"}, "remove takes a key and a value");
+    expect_refused({"add", "folder", "/usr"}, "did you mean folders?");
+    const Outcome removed = settings({"remove", "folders", "/usr"});
+    EXPECT_EQ(removed.status, 1);
+    EXPECT_EQ(removed.err, "delvio: folders does not have \"/usr\"; nothing was removed\n");
+}
+
 TEST(SettingsCommand, KeepsAPathAsAString) {
     EXPECT_EQ(settings({"set", "open_with_path", "/usr/share"}).status, 0);
     EXPECT_EQ(get("open_with_path"), "/usr/share\n");
@@ -239,6 +286,7 @@ TEST(SettingsCommand, CorruptSettingsAreNamedOnceAndLeftAlone) {
                 {{"settings", "get", "sort_order"}, 0},
                 {{"menu", "--print", home.string()}, 0},
                 {{"settings", "set", "sort_order", "1"}, 1},
+                {{"settings", "add", "folders", "/usr"}, 1},
                 {{"settings", "reset", "--all"}, 1}};
     for (const auto& row : rows) {
         const Outcome outcome = run_delvio(row.words);

@@ -58,6 +58,8 @@ class Completions(unittest.TestCase):
         self.assertEqual(completed("uninstall", "nem"), {"nemo"})
         self.assertIn("sort_order", completed("settings", "get", "so"))
         self.assertEqual(completed("menu", "--modifiers", "sh"), {"shift"})
+        self.assertEqual(completed("settings", "add", ""), {"folders"})
+        self.assertEqual(completed("settings", "remove", "f"), {"folders"})
         self.assertIn("sort_order=", completed("menu", "--setting", "so"))
         self.assertEqual(completed("menu", ""), set())
 

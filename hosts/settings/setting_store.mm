@@ -1,0 +1,73 @@
+#include "settings/setting_store.h"
+
+#include <unistd.h>
+
+#include "finderkit/applications_folder.h"
+#include "finderkit/settings_file.h"
+#include "settings/forced_settings.h"
+
+namespace {
+
+CFStringRef cf(const char* ascii) {
+    return reinterpret_cast<CFStringRef>([NSString stringWithUTF8String:ascii]);
+}
+
+std::string utf8(NSString* string) { return [string UTF8String] ?: ""; }
+
+std::vector<std::string> strings_in(id object) {
+    std::vector<std::string> strings;
+    if ([object isKindOfClass:[NSString class]]) object = [NSArray arrayWithObject:object];
+    if (![object isKindOfClass:[NSArray class]]) return strings;
+    for (id element in static_cast<NSArray*>(object)) {
+        if ([element isKindOfClass:[NSString class]]) strings.push_back(utf8(element));
+    }
+    return strings;
+}
+
+void read_number(SettingState* state) {
+    Boolean valid = false;
+    const CFIndex number =
+        CFPreferencesGetAppIntegerValue(cf(state->setting->key), cf(settings_domain), &valid);
+    state->stored = valid;
+    state->value.number = valid ? number_in_effect(*state->setting, static_cast<int32_t>(number))
+                                : state->setting->standard;
+}
+
+// The folder whose applications the menus offer when the setting has no value.
+std::string installed_applications() {
+    const std::string folder = applications_folder();
+    return access(folder.c_str(), R_OK) == 0 ? folder : "/Applications";
+}
+
+void read_strings(SettingState* state) {
+    const void* stored = CFPreferencesCopyAppValue(cf(state->setting->key), cf(settings_domain));
+    id object = [static_cast<id>(const_cast<void*>(stored)) autorelease];
+    const bool list = state->setting->type == SettingType::paths;
+    state->stored = [object isKindOfClass:list ? [NSArray class] : [NSString class]];
+    if (state->stored) state->value.strings = strings_in(object);
+    const bool open_with = std::string_view(state->setting->key) == "open_with_path";
+    if (open_with && !state->stored) state->value.strings = {installed_applications()};
+}
+
+void store(const Setting& setting, id value) {
+    CFPreferencesSetAppValue(cf(setting.key), value, cf(settings_domain));
+}
+
+}  // namespace
+
+void refresh_settings() { CFPreferencesAppSynchronize(cf(settings_domain)); }
+
+SettingState read_setting(const Setting& setting) {
+    SettingState state{&setting, {}, false};
+    is_numeric(setting) ? read_number(&state) : read_strings(&state);
+    return state;
+}
+
+void store_setting(const Setting& setting, const SettingValue& value) {
+    const bool is_empty = !is_numeric(setting) && value.strings.empty();
+    store(setting, is_empty ? nil : object_of(setting, value));
+}
+
+void reset_setting(const Setting& setting) { store(setting, nil); }
+
+bool save_settings() { return CFPreferencesAppSynchronize(cf(settings_domain)); }
