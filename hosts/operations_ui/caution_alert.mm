@@ -4,14 +4,22 @@
 
 namespace operations {
 
-void show_caution(NSString* title, NSString* text) {
+namespace {
+
+void show_alert(AlertType type, NSString* title, NSString* text) {
     DialogRef alert = nullptr;
-    if (CreateStandardAlert(kAlertCautionAlert, (CFStringRef)title, (CFStringRef)text, nullptr,
-                            &alert) != noErr) {
+    if (CreateStandardAlert(type, (CFStringRef)title, (CFStringRef)text, nullptr, &alert) !=
+        noErr) {
         return;
     }
     DialogItemIndex item = 0;
     RunStandardAlert(alert, nullptr, &item);
 }
+
+}  // namespace
+
+void show_caution(NSString* title, NSString* text) { show_alert(kAlertCautionAlert, title, text); }
+
+void show_note(NSString* title, NSString* text) { show_alert(kAlertNoteAlert, title, text); }
 
 }  // namespace operations

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "file_steps/request.h"
 
@@ -17,6 +18,10 @@ enum class Asks { Each, Once };
 std::shared_ptr<Observer> make_window_observer(const Request& request,
                                                std::function<void(const Report&)> ended,
                                                Asks asks = Asks::Each);
+
+// The same for work that is no request; `title` says what is done, in UTF-8.
+std::shared_ptr<Observer> make_window_observer(const std::string& title,
+                                               std::function<void(const Report&)> ended);
 
 // An alert with the failures of a request; none if nothing failed.
 void show_failures(const Report& report);

@@ -162,13 +162,22 @@ NSUInteger running = 0;
 
 namespace operations {
 
-std::shared_ptr<Observer> make_window_observer(const Request& request, Ended ended, Asks asks) {
+namespace {
+
+std::shared_ptr<Observer> make_observer(NSString* title, Ended ended, Asks asks) {
     auto board = std::make_shared<ProgressBoard>();
-    [[[OperationWindow alloc] initWithTitle:window_title_of(request)
-                                      board:board
-                                      ended:ended
-                                       asks:asks] release];
+    [[[OperationWindow alloc] initWithTitle:title board:board ended:ended asks:asks] release];
     return board;
+}
+
+}  // namespace
+
+std::shared_ptr<Observer> make_window_observer(const Request& request, Ended ended, Asks asks) {
+    return make_observer(window_title_of(request), std::move(ended), asks);
+}
+
+std::shared_ptr<Observer> make_window_observer(const std::string& title, Ended ended) {
+    return make_observer(text_of_name(title), std::move(ended), Asks::Each);
 }
 
 void show_failures(const Report& report) {

@@ -30,6 +30,8 @@ std::mutex mutex;
 std::condition_variable changed;
 int unattended = 0;  // requests that have not ended; those with windows are counted there
 std::vector<Outcome> outcomes;
+std::vector<std::string> problems;
+std::vector<std::function<void()>> left_for_later;
 bool is_attended = false;
 
 void note_outcomes(const Report& report) {
@@ -75,10 +77,14 @@ class Attended : public Observer {
     const std::shared_ptr<Observer> windows_;
 };
 
-std::shared_ptr<Observer> observe(const Request& request, bool attended) {
-    // A signal ends the work only when no file is left half done.
+// A signal ends the work only when no file is left half done.
+void delay_signals() {
     static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     set_signal_descriptor(nowhere);
+}
+
+std::shared_ptr<Observer> observe(const Request& request, bool attended) {
+    delay_signals();
     if (!attended) return std::make_shared<Unattended>();
     return std::make_shared<Attended>(operations::make_window_observer(request, note_outcomes));
 }
@@ -96,6 +102,8 @@ const char* verb_of(State state) { return state == State::Skipped ? "skipped " :
 
 void offer_file_operations(const MenuRequest& request) {
     outcomes.clear();
+    problems.clear();
+    left_for_later.clear();
     const bool attended = is_attended = request.form == MenuForm::shown;
     const DialogItemIndex answer =
         request.replace ? DialogItemIndex{kAlertStdAlertCancelButton} : kAlertAnswerDefault;
@@ -110,7 +118,19 @@ void offer_file_operations(const MenuRequest& request) {
     set_file_operation_service(service);
 }
 
+bool is_user_asked() { return is_attended; }
+
+std::shared_ptr<Observer> ended_by_signals(std::shared_ptr<Observer> windows) {
+    delay_signals();
+    return std::make_shared<Attended>(std::move(windows));
+}
+
+void do_after_menu(std::function<void()> work) { left_for_later.push_back(std::move(work)); }
+
+void note_problem(const std::string& line) { problems.push_back(line); }
+
 int finish_file_operations() {
+    for (const auto& work : left_for_later) work();
     operations::run_until_operations_end();
     std::unique_lock lock(mutex);
     changed.wait(lock, [] { return unattended == 0; });
@@ -124,5 +144,6 @@ int finish_file_operations() {
         if (outcome.state == State::Failed) status = exit_failed;
         if (status == exit_done) status = exit_skipped;
     }
-    return status;
+    for (const std::string& line : problems) complain_about_usage(line);
+    return problems.empty() ? status : exit_failed;
 }

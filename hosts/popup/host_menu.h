@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "finderkit/context_menu.h"
+#include "popup/first_items.h"
 
 // The menu's delegate and the target of its items. As in a file manager, the menu is filled and
 // configured with the files when it is about to be shown.
@@ -14,6 +15,7 @@
     TContextMenu* _menu;
     std::vector<std::string>* _files;
     std::string* _problem;
+    std::vector<HostItem>* _items;
 }
 // Absolute paths, at least one.
 - (instancetype)initWithFiles:(const std::vector<std::string>&)files;

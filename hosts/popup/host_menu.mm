@@ -4,19 +4,25 @@
 
 namespace {
 
-using Action = std::string (*)(const std::vector<std::string>&);
+// The host's actions, in order.
+const std::vector<HostItem>& host_actions() {
+    static const auto& items = *new std::vector<HostItem>{
+        {"Open", open_files},
+        {"Show in File Manager", show_in_file_manager},
+        {"Copy Path", copy_paths},
+        {"", nullptr},
+        {"Move to Trash", move_to_trash},
+    };
+    return items;
+}
 
-// The host's items, in order; an item without a title is a separator.
-const struct HostItem {
-    NSString* title;
-    Action action;
-} host_items[] = {
-    {@"Open", open_files},
-    {@"Show in File Manager", show_in_file_manager},
-    {@"Copy Path", copy_paths},
-    {nil, nullptr},
-    {@"Move to Trash", move_to_trash},
-};
+// All items of the host for these files.
+std::vector<HostItem> host_items(const std::vector<std::string>& files) {
+    std::vector<HostItem> items = first_items(files);
+    if (!items.empty()) items.push_back({"", nullptr});
+    items.insert(items.end(), host_actions().begin(), host_actions().end());
+    return items;
+}
 
 TFENodeVector nodes_of(const std::vector<std::string>& files) {
     TFENodeVector vector;
@@ -38,6 +44,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
     if (!(self = [super init])) return nil;
     _files = new std::vector<std::string>(files);
     _problem = new std::string;
+    _items = new std::vector<HostItem>;
     _menu = [[TContextMenu alloc] initWithTitle:@""];
     [_menu setAutoenablesItems:NO];
     [(NSMenu*)_menu setDelegate:(id)self];
@@ -49,6 +56,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
     [_menu release];
     delete _files;
     delete _problem;
+    delete _items;
     [super dealloc];
 }
 
@@ -77,14 +85,16 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
     const TFENodeVector nodes = nodes_of(*_files);
     [menu removeAllItems];
     [menu configureWithNodes:&nodes windowController:nil container:NO];
+    *_items = host_items(*_files);
     NSInteger index = 0;
-    for (const HostItem& item : host_items) [self addItem:item at:index++];
+    for (const HostItem& item : *_items) [self addItem:item at:index++];
 }
 
 - (void)addItem:(const HostItem&)hostItem at:(NSInteger)index {
     NSMenuItem* item = (NSMenuItem*)[NSMenuItem separatorItem];
-    if (hostItem.title) {
-        item = [[[NSMenuItem alloc] initWithTitle:hostItem.title
+    if (!hostItem.title.empty()) {
+        NSString* title = [NSString stringWithUTF8String:hostItem.title.c_str()];
+        item = [[[NSMenuItem alloc] initWithTitle:title ?: @""
                                            action:@selector(hostItemSelected:)
                                     keyEquivalent:@""] autorelease];
         [item setTarget:self];
@@ -95,7 +105,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
 }
 
 - (void)hostItemSelected:(NSMenuItem*)item {
-    *_problem = host_items[[item tag]].action(*_files);
+    *_problem = _items->at(static_cast<size_t>([item tag])).action(*_files);
 }
 
 @end

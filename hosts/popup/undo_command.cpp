@@ -2,9 +2,6 @@
 
 #include <stdio.h>
 
-#include <string>
-#include <vector>
-
 #include "command/command_line.h"
 #include "operations/engine.h"
 
@@ -14,30 +11,38 @@ class Quiet : public operations::Observer {
     void ended(const operations::Report&) override {}
 };
 
-// Writes only as many lines as one can read.
-template <typename Write>
-void tell(const std::vector<std::string>& lines, Write write) {
+// Only as many lines as one can read.
+void shorten(std::vector<std::string>* lines) {
     constexpr size_t most_lines = 20;
-    const size_t shown = lines.size() > most_lines ? most_lines - 1 : lines.size();
-    for (size_t index = 0; index < shown; index++) write(lines[index]);
-    if (shown < lines.size()) write("and " + std::to_string(lines.size() - shown) + " more");
+    if (lines->size() <= most_lines) return;
+    const size_t more = lines->size() - (most_lines - 1);
+    lines->resize(most_lines - 1);
+    lines->push_back("and " + std::to_string(more) + " more");
 }
 
 }  // namespace
 
-int run_undo_command() {
-    Quiet observer;
-    const operations::Report report = operations::undo_last(observer);
-    std::vector<std::string> done, problems;
+UndoLines lines_of(const operations::Report& report) {
+    UndoLines lines;
     for (const operations::Outcome& outcome : report.outcomes) {
         const bool is_done = outcome.state == operations::State::Done;
-        if (!outcome.reason.empty()) (is_done ? done : problems).push_back(outcome.reason);
+        if (!outcome.reason.empty()) {
+            (is_done ? lines.done : lines.problems).push_back(outcome.reason);
+        }
     }
-    if (done.empty() && problems.empty()) done = {"nothing was left to undo"};
-    tell(done, [](const std::string& line) { printf("%s\n", line.c_str()); });
-    tell(problems, [](const std::string& line) { complain_about_usage("cannot undo: " + line); });
-    if (!done.empty() && !problems.empty()) {
+    if (lines.done.empty() && lines.problems.empty()) lines.done = {"nothing was left to undo"};
+    shorten(&lines.done);
+    shorten(&lines.problems);
+    return lines;
+}
+
+int run_undo_command() {
+    Quiet observer;
+    const UndoLines lines = lines_of(operations::undo_last(observer));
+    for (const std::string& line : lines.done) printf("%s\n", line.c_str());
+    for (const std::string& line : lines.problems) complain_about_usage("cannot undo: " + line);
+    if (!lines.done.empty() && !lines.problems.empty()) {
         complain_about_usage("settle this, then \"delvio undo\" undoes the rest");
     }
-    return problems.empty() ? exit_done : exit_failed;
+    return lines.problems.empty() ? exit_done : exit_failed;
 }

@@ -79,6 +79,19 @@ BusService::~BusService() {
     g_dbus_node_info_unref(node_);
 }
 
+void BusService::set_answer(const std::string& method, const std::string& tuple) {
+    const std::lock_guard guard(mutex_);
+    answers_[method] = tuple;
+}
+
+void BusService::emit(const std::string& name, const std::string& tuple) {
+    GVariant* const arguments = g_variant_parse(nullptr, tuple.c_str(), nullptr, nullptr, nullptr);
+    ASSERT_NE(arguments, nullptr) << tuple;
+    g_dbus_connection_emit_signal(connection_, nullptr, object_.c_str(), node_->interfaces[0]->name,
+                                  name.c_str(), arguments, nullptr);
+    g_dbus_connection_flush_sync(connection_, nullptr, nullptr);
+}
+
 std::vector<std::string> BusService::calls() {
     const std::lock_guard guard(mutex_);
     return calls_;
@@ -89,8 +102,13 @@ void BusService::called(GDBusConnection*, const char*, const char*, const char* 
                         gpointer self) {
     auto* service = static_cast<BusService*>(self);
     g_autofree char* text = g_variant_print(arguments, FALSE);
+    GVariant* answer = nullptr;
     {
         const std::lock_guard guard(service->mutex_);
+        const auto known = service->answers_.find(method);
+        if (known != service->answers_.end()) {
+            answer = g_variant_parse(nullptr, known->second.c_str(), nullptr, nullptr, nullptr);
+        }
         service->calls_.push_back(std::string(interface) + "." + method + text);
     }
     if (service->error_ && !*service->error_) {
@@ -100,13 +118,13 @@ void BusService::called(GDBusConnection*, const char*, const char*, const char* 
         g_dbus_method_invocation_return_dbus_error(invocation, "org.example.Error",
                                                    service->error_);
     } else {
-        g_dbus_method_invocation_return_value(invocation, nullptr);
+        g_dbus_method_invocation_return_value(invocation, answer);
     }
 }
 
 void BusService::serve() {
     g_main_context_push_thread_default(context_);
-    GDBusConnection* connection = g_dbus_connection_new_for_address_sync(
+    GDBusConnection* const connection = connection_ = g_dbus_connection_new_for_address_sync(
         address_.c_str(),
         static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),

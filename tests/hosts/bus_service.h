@@ -4,6 +4,7 @@
 #include <gio/gio.h>
 
 #include <atomic>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -40,6 +41,11 @@ class BusService {
     BusService(const BusService&) = delete;
     BusService& operator=(const BusService&) = delete;
 
+    // From now on the method is answered with this tuple, in GVariant's text format: "(uint32 1,)".
+    void set_answer(const std::string& method, const std::string& tuple);
+    // Sends a signal of the first interface, with such a tuple.
+    void emit(const std::string& name, const std::string& tuple);
+
     // Each call as "interface.Method(arguments)", with the arguments as GVariant text.
     std::vector<std::string> calls();
 
@@ -55,7 +61,9 @@ class BusService {
     GMainContext* context_;
     GMainLoop* loop_;
     std::atomic<bool> ready_{false};
+    GDBusConnection* connection_ = nullptr;
     std::mutex mutex_;
+    std::map<std::string, std::string> answers_;
     std::vector<std::string> calls_;
     std::thread thread_;
 };

@@ -4,10 +4,14 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
+
 #include <string>
 #include <vector>
 
+#include "file_steps/state_folder.h"
 #include "hosts/command_runner.h"
+#include "operations/undo_journal.h"
 #include "support/temp_folder.h"
 
 namespace test {
@@ -17,6 +21,11 @@ using Words = std::vector<std::string>;
 
 struct MenuCommand : testing::Test {
     TempFolder folder;
+
+    // No menu offers to undo what another case did.
+    MenuCommand() {
+        unlink(operations::undo_journal_path(operations::default_state_folder()).c_str());
+    }
 
     static Outcome menu(Words words, const Changes& environment = {}) {
         words.insert(words.begin(), "menu");

@@ -1,0 +1,18 @@
+// The items above the host's own actions: the user's folders, and undo. Main thread.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+using HostAction = std::function<std::string(const std::vector<std::string>&)>;
+
+// An item of the host. Without a title it is a separator. The action takes the menu's files, and
+// returns an empty string, or one line that says why it failed.
+struct HostItem {
+    std::string title;  // UTF-8
+    HostAction action;
+};
+
+// The items for these files; there may be none.
+std::vector<HostItem> first_items(const std::vector<std::string>& files);

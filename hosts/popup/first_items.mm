@@ -1,0 +1,106 @@
+#include "popup/first_items.h"
+
+#include <glib.h>
+
+#include <algorithm>
+
+#include "corefoundation/patient_stat.h"
+#include "file_steps/visible_text.h"
+#include "operations/last_done.h"
+#include "popup/asked_operations.h"
+#include "settings/list_edits.h"
+#include "settings/setting_store.h"
+
+using operations::Kind;
+using operations::quoted_name;
+
+namespace {
+
+using Paths = std::vector<std::string>;
+
+constexpr double seconds_to_answer = 0.2;
+constexpr const char* folders_setting = "folders";
+constexpr long most_letters = 40, letters_at_end = 14;
+
+// Settings are text, so a name that is not UTF-8 cannot be one of the user's folders.
+bool is_folder(const std::string& path) {
+    if (!g_utf8_validate(path.data(), static_cast<gssize>(path.size()), nullptr)) return false;
+    const auto status = files::patient_stat(path, seconds_to_answer);
+    return status && S_ISDIR(status->st_mode);
+}
+
+Paths users_folders() { return read_setting(*find_setting(folders_setting)).value.strings; }
+
+std::string store_folders(const Paths& folders) {
+    store_setting(*find_setting(folders_setting), {0, folders});
+    return save_settings() ? "" : "cannot save the settings; is the defaults folder writable?";
+}
+
+std::string add_to_folders(const Paths& files) {
+    refresh_settings();
+    Paths folders = users_folders();
+    for (const std::string& file : files) add_entry(&folders, file);
+    return store_folders(folders);
+}
+
+std::string remove_from_folders(const Paths& files) {
+    refresh_settings();
+    Paths folders = users_folders();
+    for (const std::string& file : files) remove_entry(&folders, file);
+    return store_folders(folders);
+}
+
+void add_folder_item(const Paths& files, std::vector<HostItem>* items) {
+    if (!std::ranges::all_of(files, is_folder)) return;
+    const Paths known = users_folders();
+    const bool are_known =
+        std::ranges::all_of(files, [&](const std::string& file) { return list_has(known, file); });
+    if (are_known) {
+        items->push_back({"Remove from my folders", remove_from_folders});
+    } else {
+        items->push_back({"Add to my folders", add_to_folders});
+    }
+}
+
+const char* noun_of(Kind kind) {
+    switch (kind) {
+        case Kind::Move:
+            return "Move";
+        case Kind::Copy:
+            return "Copy";
+        case Kind::Alias:
+            return "Alias";
+        case Kind::Trash:
+            break;
+    }
+    return "Move to Trash";
+}
+
+// A long name is shortened in its middle.
+std::string short_name(const std::string& name) {
+    const std::string quoted = quoted_name(name);
+    const long letters = g_utf8_strlen(quoted.c_str(), -1);
+    if (letters <= most_letters) return quoted;
+    const char* const text = quoted.c_str();
+    const char* const head_end = g_utf8_offset_to_pointer(text, most_letters - letters_at_end - 1);
+    return std::string(text, head_end) + "…" +
+           g_utf8_offset_to_pointer(text, letters - letters_at_end);
+}
+
+std::string undo_title(const operations::LastDone& done) {
+    const std::string title = std::string("Undo ") + noun_of(done.kind) + " of ";
+    if (done.count == 0) return title + "many items";
+    if (done.count > 1) return title + std::to_string(done.count) + " items";
+    return title + short_name(done.name);
+}
+
+}  // namespace
+
+std::vector<HostItem> first_items(const Paths& files) {
+    std::vector<HostItem> items;
+    add_folder_item(files, &items);
+    if (const auto done = operations::last_done()) {
+        items.push_back({undo_title(*done), [](const Paths&) { return undo_last_operation(); }});
+    }
+    return items;
+}

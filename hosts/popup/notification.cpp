@@ -1,0 +1,70 @@
+#include "popup/notification.h"
+
+#include <host/glib_owners.h>
+
+#include "finderkit/session_bus.h"
+
+namespace {
+
+constexpr const char* service = "org.freedesktop.Notifications";
+constexpr const char* object = "/org/freedesktop/Notifications";
+constexpr int milliseconds_to_show = 5000;  // the service may have to start
+constexpr int as_long_as_usual = -1;
+
+files::VariantOwner call(GDBusConnection* bus, const char* method, GVariant* arguments) {
+    return files::VariantOwner(g_dbus_connection_call_sync(
+        bus, service, object, service, method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
+        milliseconds_to_show, nullptr, nullptr));
+}
+
+struct Abilities {
+    bool actions = false, markup = false;
+};
+
+bool ask_for_abilities(GDBusConnection* bus, Abilities* abilities) {
+    const files::VariantOwner answer = call(bus, "GetCapabilities", nullptr);
+    if (!answer || !g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(as)"))) return false;
+    GVariantIter* names = nullptr;
+    g_variant_get(answer.get(), "(as)", &names);
+    const char* name = nullptr;
+    while (g_variant_iter_next(names, "&s", &name)) {
+        if (g_str_equal(name, "actions")) abilities->actions = true;
+        if (g_str_equal(name, "body-markup")) abilities->markup = true;
+    }
+    g_variant_iter_free(names);
+    return true;
+}
+
+}  // namespace
+
+uint32_t show_notification(GDBusConnection* bus, const Notification& notification) {
+    Abilities abilities;
+    if (!ask_for_abilities(bus, &abilities)) return 0;
+    const std::string body =
+        abilities.markup ? files::taken_text(g_markup_escape_text(notification.body.c_str(), -1))
+                         : notification.body;
+    GVariantBuilder actions, hints;
+    g_variant_builder_init(&actions, G_VARIANT_TYPE("as"));
+    if (abilities.actions && !notification.undo_title.empty()) {
+        g_variant_builder_add(&actions, "s", undo_action);
+        g_variant_builder_add(&actions, "s", notification.undo_title.c_str());
+    }
+    g_variant_builder_init(&hints, G_VARIANT_TYPE("a{sv}"));
+    g_variant_builder_add(&hints, "{sv}", "desktop-entry",
+                          g_variant_new_string("org.delvio.Delvio"));
+    const files::VariantOwner answer =
+        call(bus, "Notify",
+             g_variant_new("(susssasa{sv}i)", "Delvio", 0u, "org.delvio.Delvio",
+                           notification.summary.c_str(), body.c_str(), &actions, &hints,
+                           as_long_as_usual));
+    uint32_t number = 0;
+    if (answer && g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(u)"))) {
+        g_variant_get(answer.get(), "(u)", &number);
+    }
+    return number;
+}
+
+bool show_notification(const Notification& notification) {
+    const files::ObjectOwner<GDBusConnection> bus = connect_to_session_bus();
+    return bus && show_notification(bus.get(), notification) != 0;
+}
