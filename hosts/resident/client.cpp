@@ -9,9 +9,12 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <iterator>
+
 #include "resident/ending_signals.h"
 #include "resident/host_start.h"
 #include "resident/meeting_place.h"
+#include "resident/output_relay.h"
 #include "resident/packets.h"
 #include "resident/session.h"
 
@@ -30,17 +33,13 @@ uint32_t file_mode_mask() {
     return mask;
 }
 
-// The descriptor itself, or one that leads nowhere where it is closed.
-Descriptor stream(int descriptor) {
-    Descriptor copy(fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-    return copy ? std::move(copy) : Descriptor(open("/dev/null", O_WRONLY | O_CLOEXEC));
-}
-
-bool send_call(int host, const Call& call) {
-    const Descriptor file = file_of(call), folder(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)),
-                     out = stream(STDOUT_FILENO), err = stream(STDERR_FILENO);
-    return file && folder && out && err &&
-           send_message(host, CallHeader(), {file.get(), folder.get(), out.get(), err.get()});
+bool send_call(int host, const Call& call, OutputRelay* output) {
+    const Descriptor file = file_of(call), folder(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const int out = output->output(), err = output->error();
+    const bool is_sent = file && folder && out >= 0 && err >= 0 &&
+                         send_message(host, CallHeader(), {file.get(), folder.get(), out, err});
+    output->close_ends();
+    return is_sent;
 }
 
 // Connects to the host, and starts one where none listens. The new host finds this connection
@@ -62,23 +61,34 @@ Descriptor connect(const MeetingPlace& place, const std::string& name, const std
 
 enum class Event { answer, signal, end, silence };
 
-// Waits for the next thing to happen; milliseconds below 0 are for ever.
-Event next_event(int host, const EndingSignals& signals, int milliseconds, Answer* answer) {
-    pollfd waiting[] = {{host, POLLIN, 0}, {signals.descriptor(), POLLIN, 0}};
+// What a call is connected to.
+struct Line {
+    int host;
+    const EndingSignals& signals;
+    OutputRelay& output;
+};
+
+// Waits for the next thing to happen, and passes on what the host prints; milliseconds below 0 are
+// for ever.
+Event next_event(const Line& line, int milliseconds, Answer* answer) {
     for (;;) {
-        const int ready = poll(waiting, 2, milliseconds);
+        pollfd waiting[2 + OutputRelay::streams] = {{line.host, POLLIN, 0},
+                                                    {line.signals.descriptor(), POLLIN, 0}};
+        line.output.watch(waiting + 2);
+        const int ready = poll(waiting, std::size(waiting), milliseconds);
         if (ready < 0 && errno == EINTR) continue;
         if (ready <= 0) return ready == 0 ? Event::silence : Event::end;
         if (waiting[0].revents) {
             Packet packet;
-            const Received received = receive_packet(host, &packet);
+            const Received received = receive_packet(line.host, &packet);
             if (received == Received::nothing_yet) continue;
             const auto read = answer_of(packet.bytes);
             if (received == Received::end || !read) return Event::end;
             *answer = *read;
             return Event::answer;
         }
-        return Event::signal;
+        if (waiting[1].revents) return Event::signal;
+        line.output.pass(waiting + 2);
     }
 }
 
@@ -91,29 +101,22 @@ int complain_of_crash() {
 }
 
 // A menu closes at a signal; if it does not, the client ends without it.
-int end_by_signal(int host, const EndingSignals& signals) {
-    const int number = signals.take();
+int end_by_signal(const Line& line) {
+    const int number = line.signals.take();
     Answer answer;
-    if (send_message(host, Signal{static_cast<uint32_t>(number)}) &&
-        next_event(host, signals, milliseconds_to_close, &answer) == Event::answer) {
-        return static_cast<int>(answer.status);
-    }
-    return 128 + number;
+    const bool has_closed = send_message(line.host, Signal{static_cast<uint32_t>(number)}) &&
+                            next_event(line, milliseconds_to_close, &answer) == Event::answer;
+    line.output.pass_rest(line.signals.descriptor(), false);
+    return has_closed ? static_cast<int>(answer.status) : 128 + number;
 }
 
-int wait_for_end(int host, const EndingSignals& signals) {
+int wait_for_end(const Line& line) {
     Answer answer;
-    switch (next_event(host, signals, -1, &answer)) {
-        case Event::answer:
-            if (answer.verdict == Verdict::done) return static_cast<int>(answer.status);
-            break;
-        case Event::signal:
-            return end_by_signal(host, signals);
-        case Event::end:
-        case Event::silence:
-            break;
-    }
-    return complain_of_crash();
+    const Event event = next_event(line, -1, &answer);
+    if (event == Event::signal) return end_by_signal(line);
+    if (!line.output.pass_rest(line.signals.descriptor(), true)) return 128 + line.signals.take();
+    const bool is_done = event == Event::answer && answer.verdict == Verdict::done;
+    return is_done ? static_cast<int>(answer.status) : complain_of_crash();
 }
 
 struct Attempt {
@@ -125,15 +128,17 @@ Attempt attempt(const MeetingPlace& place, const std::string& name, const std::s
                 const Call& call, const EndingSignals& signals) {
     const Descriptor host = connect(place, name, program);
     if (!host) return {};
+    OutputRelay output;
     Answer answer;
     // A host that ends just now may drop the call unread. It is offered to another one.
-    if (!send_call(host.get(), call)) return {Verdict::outdated};
-    switch (next_event(host.get(), signals, milliseconds_to_take, &answer)) {
+    if (!send_call(host.get(), call, &output)) return {Verdict::outdated};
+    const Line line = {host.get(), signals, output};
+    switch (next_event(line, milliseconds_to_take, &answer)) {
         case Event::answer:
             if (answer.verdict != Verdict::taken) {
                 return {answer.verdict, static_cast<int>(answer.status)};
             }
-            return {Verdict::done, wait_for_end(host.get(), signals)};
+            return {Verdict::done, wait_for_end(line)};
         case Event::signal:
             return {Verdict::done, 128 + signals.take()};
         case Event::end:

@@ -2,8 +2,8 @@
 //
 // Each message is one packet of a SOCK_SEQPACKET socket, so none arrives in part. The client's
 // first packet is a CallHeader with four descriptors: a sealed file that holds the call, the
-// client's folder, its standard output and its standard error. Later packets of the client are
-// Signals; the host sends Answers.
+// client's folder, and pipes for its standard output and its standard error, which never make a
+// writer wait. Later packets of the client are Signals; the host sends Answers.
 #pragma once
 
 #include <stdint.h>

@@ -1,5 +1,6 @@
 #include "service/callers.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 
 #include "resident/meeting_place.h"
@@ -8,6 +9,12 @@
 namespace {
 
 enum { call_place, folder_place, output_place, error_place, number_of_places };
+
+// Writing to a caller must never hold up the others.
+bool may_block(const operations::Descriptor& stream) {
+    const int flags = fcntl(stream.get(), F_GETFL);
+    return flags < 0 || !(flags & O_NONBLOCK);
+}
 
 }  // namespace
 
@@ -21,7 +28,7 @@ bool Caller::read_call(resident::Packet packet) {
     folder = std::move(packet.descriptors[folder_place]);
     output = std::move(packet.descriptors[output_place]);
     error = std::move(packet.descriptors[error_place]);
-    return true;
+    return !may_block(output) && !may_block(error);
 }
 
 // A client that has gone needs no answer.
