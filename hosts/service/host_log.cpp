@@ -1,5 +1,6 @@
 #include "service/host_log.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
@@ -25,7 +26,11 @@ std::string time_text() {
 
 }  // namespace
 
-void begin_host_log(operations::Descriptor file) { log_file() = std::move(file); }
+// Without a file for the log, the streams must still leave the last caller's output.
+void begin_host_log(operations::Descriptor file) {
+    if (!file) file = operations::Descriptor(open("/dev/null", O_WRONLY | O_CLOEXEC));
+    log_file() = std::move(file);
+}
 
 void log_line(const std::string& text) {
     if (!log_file()) return;

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <list>
+#include <optional>
 
 #include "command/command_line.h"
 #include "command/exit_signals.h"
@@ -24,6 +25,7 @@
 #include "service/callers.h"
 #include "service/descriptor_watch.h"
 #include "service/freshness.h"
+#include "service/giving_way.h"
 #include "service/host_log.h"
 #include "service/surroundings.h"
 
@@ -72,10 +74,10 @@ class Host {
     void hear_current();
     void close_menu(int signal);
     void decide(std::unique_ptr<Guest> guest);
-    bool may_wait_for_menu(const Guest& guest);
     std::unique_ptr<Guest> take_silent(Guest* guest);
     void serve_next();
     int run(const Caller& caller);
+    std::optional<int> run_in_surroundings(const Caller& caller);
     void end(const std::string& why);
     void watch_signals();
 
@@ -185,9 +187,6 @@ void Host::close_menu(int signal) {
     end_modal_session();
 }
 
-// Only an open menu can be closed for the sake of the next one. A panel may hold a question.
-bool Host::may_wait_for_menu(const Guest&) { return !current_ || [MenuSession current]; }
-
 void Host::decide(std::unique_ptr<Guest> guest) {
     const Caller& caller = *guest->caller;
     const std::string change = ends_ ? "the host ends" : freshness_->change();
@@ -200,8 +199,8 @@ void Host::decide(std::unique_ptr<Guest> guest) {
         log_line("a call from another session or with another locale was refused");
         return caller.answer(Verdict::elsewhere);
     }
-    if (!may_wait_for_menu(*guest)) {
-        log_line("a call came while a panel was open or files were moved; it runs by itself");
+    if (current_ && !open_menu_gives_way()) {
+        log_line("a call came while a pick was carried out or a panel was open; it runs by itself");
         return caller.answer(Verdict::elsewhere);
     }
     if (next_) {
@@ -235,22 +234,29 @@ int Host::run(const Caller& caller) {
     return run_menu_command(line.menu_request);
 }
 
+// Null when the caller's files cannot be found from here.
+std::optional<int> Host::run_in_surroundings(const Caller& caller) {
+    const Surroundings surroundings(caller.call.environment, caller.call.file_mode_mask,
+                                    {caller.folder.get(), caller.output.get(), caller.error.get()});
+    if (!surroundings.has_folder()) return {};
+    log_line("shows a menu");
+    caller.answer(Verdict::taken);
+    @autoreleasepool {
+        return run(caller);
+    }
+}
+
 void Host::serve_next() {
     current_ = std::move(next_);
     const Caller& caller = *current_->caller;
-    log_line("shows a menu");
-    caller.answer(Verdict::taken);
-    int status = exit_failed;
-    {
-        const Surroundings surroundings(
-            caller.call.environment, caller.call.file_mode_mask,
-            {caller.folder.get(), caller.output.get(), caller.error.get()});
-        @autoreleasepool {
-            status = run(caller);
-        }
+    const std::optional<int> status = run_in_surroundings(caller);
+    if (status) {
+        caller.answer(Verdict::done, *status);
+        log_line("the menu has closed with status " + std::to_string(*status));
+    } else {
+        log_line("the caller's folder cannot be entered; its call runs by itself");
+        caller.answer(Verdict::elsewhere);
     }
-    caller.answer(Verdict::done, status);
-    log_line("the menu has closed with status " + std::to_string(status));
     current_.reset();
     forget_acted_signal();
     set_signal_descriptor(signals_[1].get());

@@ -7,6 +7,7 @@
 
 #include <memory>
 
+#include "resident/session.h"
 #include "service/host_log.h"
 
 namespace {
@@ -21,16 +22,20 @@ struct Variables {
     }
 };
 
-// Other threads may still read a variable of the last call, so its strings stay until the next.
+// Other threads may still read a variable of the last environment, so its strings stay until the
+// next one.
 void use_environment(const std::vector<std::string>& environment) {
-    static std::unique_ptr<Variables>& last = *new std::unique_ptr<Variables>;
+    static auto &last = *new std::unique_ptr<Variables>, &before = *new std::unique_ptr<Variables>;
     auto variables = std::make_unique<Variables>(environment);
     environ = variables->pointers.data();
+    before = std::move(last);
     last = std::move(variables);
 }
 
+// What a caller does not take is lost, and no error of its is left for the next one.
 void put_behind(FILE* stream, int file) {
     fflush(stream);
+    clearerr(stream);
     if (file >= 0 && file != fileno(stream)) dup3(file, fileno(stream), O_CLOEXEC);
 }
 
@@ -43,11 +48,11 @@ void print_to(int output, int error) {
 
 Surroundings::Surroundings(const std::vector<std::string>& environment, mode_t file_mode_mask,
                            const Files& files)
-    : own_environment_(environ), own_mask_(umask(file_mode_mask)) {
+    : own_environment_(resident::own_environment()),
+      own_mask_(umask(file_mode_mask)),
+      has_folder_(fchdir(files.folder) == 0) {
     use_environment(environment);
     print_to(files.output, files.error);
-    // Where the folder cannot be entered, the caller could not have found its files either.
-    if (fchdir(files.folder) != 0) log_line("the caller's folder cannot be entered");
 }
 
 Surroundings::~Surroundings() {
@@ -55,5 +60,6 @@ Surroundings::~Surroundings() {
     // A folder that nobody uses can be unmounted.
     if (chdir("/") != 0) log_line("the folder / cannot be entered");
     umask(own_mask_);
-    environ = own_environment_;
+    // The C library may have freed the old list, if a variable was set in the meantime.
+    use_environment(own_environment_);
 }

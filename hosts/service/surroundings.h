@@ -19,12 +19,15 @@ class Surroundings {
     Surroundings(const std::vector<std::string>& environment, mode_t file_mode_mask,
                  const Files& files);
     ~Surroundings();
+    // Whether the process is in the caller's folder. If not, relative names would mean other files.
+    bool has_folder() const { return has_folder_; }
     Surroundings(const Surroundings&) = delete;
     Surroundings& operator=(const Surroundings&) = delete;
 
   private:
-    char** own_environment_;
-    mode_t own_mask_;
+    const std::vector<std::string> own_environment_;
+    const mode_t own_mask_;
+    const bool has_folder_;
 };
 
 // Puts a file behind both streams.

@@ -1,6 +1,8 @@
 // Menus that the resident host shows for its clients.
 #include <signal.h>
+#include <sys/wait.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -35,6 +37,13 @@ struct ResidentCalls : test::ResidentScene {
         EXPECT_EQ(by_host.out, alone.out);
         EXPECT_EQ(by_host.err, alone.err);
         EXPECT_NE(by_host.status, 0);
+    }
+
+    static bool has_ended(pid_t process) {
+        siginfo_t ended = {};
+        return waitid(P_PID, static_cast<id_t>(process), &ended, WEXITED | WNOHANG | WNOWAIT) ==
+                   0 &&
+               ended.si_pid == process;
     }
 
     int height_of_menu(const Words& words) {
@@ -207,6 +216,38 @@ TEST_F(ResidentCalls, AProblemIsToldOnTheCallersStandardError) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.err.find("is not UTF-8"), std::string::npos) << outcome.err;
     EXPECT_EQ(show_and_close().err, "");
+}
+
+TEST_F(ResidentCalls, AReaderThatDoesNotReadHoldsUpItsOwnClientOnly) {
+    // The problems are more than the reader's pipe takes.
+    constexpr int names = 1500;
+    Words words = {"menu", "--at", "100,100"};
+    for (int i = 0; i < names; ++i) {
+        words.push_back(folder.file("bad\xff/" + std::to_string(i) + "\xff"));
+    }
+    RunningCommand unread = call(words);
+    ASSERT_TRUE(screen.wait_until_open());
+    input.key("Escape");
+    EXPECT_TRUE(screen.wait_until_closed());
+    EXPECT_TRUE(test::wait_for([&] { return said("the menu has closed with status 0") == 1; }));
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(hosts().size(), 1u);
+    const Outcome outcome = unread.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), names);
+    EXPECT_TRUE(outcome.err.ends_with("none of Delvio's\n"));
+}
+
+TEST_F(ResidentCalls, ASignalEndsAClientWhoseReaderDoesNotRead) {
+    Words words = {"menu", "--at", "100,100"};
+    for (int i = 0; i < 1500; ++i) words.push_back(folder.file("\xff" + std::to_string(i)));
+    RunningCommand unread = call(words);
+    ASSERT_TRUE(screen.wait_until_open());
+    unread.send_signal(SIGTERM);
+    EXPECT_TRUE(test::wait_for([&] { return has_ended(unread.process()); }));
+    EXPECT_EQ(unread.finish().status, 128 + SIGTERM);
+    EXPECT_TRUE(screen.wait_until_closed());
+    EXPECT_EQ(show_and_close().status, 0);
 }
 
 TEST_F(ResidentCalls, AMessageForAClosedStreamGoesNowhere) {

@@ -4,12 +4,16 @@
 #include <string.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <random>
 
 #include "resident/packets.h"
 #include "resident/session.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -188,6 +192,31 @@ TEST(ResidentSession, TheOrderOfVariablesDoesNotMatter) {
 
 TEST(ResidentSession, AnotherProgramHasAnotherHost) {
     EXPECT_NE(host_name({"DISPLAY=:1"}, "/p"), host_name({"DISPLAY=:1"}, "/q"));
+}
+
+TEST(ResidentSession, CallersThatSeeOtherFilesHaveAHostOfTheirOwn) {
+    EXPECT_NE(host_name({}, "/p", "mnt:[1] 1:2"), host_name({}, "/p", "mnt:[2] 1:2"));
+    const std::string seen = seen_files();
+    EXPECT_EQ(seen.rfind(std::filesystem::read_symlink("/proc/self/ns/mnt").string(), 0), 0u);
+    EXPECT_EQ(host_name({}, "/p"), host_name({}, "/p", seen));
+    struct stat root;
+    ASSERT_EQ(stat("/", &root), 0);
+    EXPECT_TRUE(
+        seen.ends_with(" " + std::to_string(root.st_dev) + ":" + std::to_string(root.st_ino)));
+}
+
+TEST(ResidentSession, ACallerBehindChrootHasAHostOfItsOwn) {
+    ASSERT_EQ(geteuid(), 0u) << "this test changes its root folder, which only root can";
+    const test::TempFolder folder;
+    const std::string name = host_name({}, "/p");
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chroot(folder.path().c_str()) != 0) _exit(2);
+        _exit(host_name({}, "/p") == name);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The resident host mixes no users, displays, sessions or locales, and survives any message.
+#include <fcntl.h>
 #include <signal.h>
-#include <string.h>
 #include <string.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <sstream>
 
 #include "hosts/resident/scene.h"
 #include "resident/packets.h"
@@ -56,6 +57,27 @@ struct ResidentStrangers : test::ResidentScene {
         return logs.empty() ? "" : logs[0].substr(0, logs[0].size() - strlen(".log"));
     }
 
+    // What the host, which is running, answers to such a call for the folder.
+    Verdict answer_to(const Call& call, int folder_file) const {
+        const Descriptor host = connect_to(socket_path());
+        const Descriptor file = resident::file_of(call);
+        const Descriptor output(open("/dev/null", O_WRONLY | O_NONBLOCK | O_CLOEXEC));
+        EXPECT_TRUE(resident::send_message(host.get(), CallHeader(),
+                                           {file.get(), folder_file, output.get(), output.get()}));
+        Packet packet;
+        EXPECT_EQ(wait_for_packet(host.get(), &packet), Received::packet);
+        const auto answer = resident::answer_of(packet.bytes);
+        return answer ? answer->verdict : Verdict::done;
+    }
+
+    // The environment that the host has started with.
+    std::vector<std::string> environment_of_host() const {
+        std::istringstream all(test::read_file("/proc/" + std::to_string(host()) + "/environ"));
+        std::vector<std::string> variables;
+        for (std::string each; std::getline(all, each, '\0');) variables.push_back(each);
+        return variables;
+    }
+
     // Two calls that differ in one variable, and nothing else.
     void expect_two_hosts(const std::string& name, const std::string& value) {
         show_and_close();
@@ -97,16 +119,32 @@ TEST_F(ResidentStrangers, AnotherDisplayShowsItsMenuThere) {
 
 TEST_F(ResidentStrangers, ACallWithAnotherEnvironmentAtTheSameSocketIsSentElsewhere) {
     show_and_close();
-    const Descriptor host = connect_to(socket_path());
-    ASSERT_TRUE(host);
-    const Call call = {{"menu", top}, {"DISPLAY=:0", "HOME=/"}, 022};
-    const Descriptor file = resident::file_of(call);
-    ASSERT_TRUE(resident::send_message(host.get(), CallHeader(), {file.get(), 0, 1, 2}));
+    const Descriptor here(open(".", O_PATH | O_CLOEXEC));
+    EXPECT_EQ(answer_to({{"menu", top}, {"DISPLAY=:0", "HOME=/"}, 022}, here.get()),
+              Verdict::elsewhere);
+}
+
+TEST_F(ResidentStrangers, ACallFromAFolderThatTheHostCannotEnterIsSentElsewhere) {
+    show_and_close();
+    const Descriptor file(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    EXPECT_EQ(answer_to({{"menu", "name"}, environment_of_host(), 022}, file.get()),
+              Verdict::elsewhere);
+    EXPECT_NE(log().find("folder cannot be entered"), std::string::npos);
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(hosts().size(), 1u);
+}
+
+TEST_F(ResidentStrangers, ACallWhoseOutputCouldHoldUpTheHostIsRefused) {
+    show_and_close();
+    const Descriptor host = connect_to(socket_path()), here(open(".", O_PATH | O_CLOEXEC));
+    const Descriptor file = resident::file_of({{"menu", top}, environment_of_host(), 022});
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    const Descriptor reader(ends[0]), writer(ends[1]);
+    ASSERT_TRUE(resident::send_message(host.get(), CallHeader(),
+                                       {file.get(), here.get(), writer.get(), writer.get()}));
     Packet packet;
-    ASSERT_EQ(wait_for_packet(host.get(), &packet), Received::packet);
-    const auto answer = resident::answer_of(packet.bytes);
-    ASSERT_TRUE(answer);
-    EXPECT_EQ(answer->verdict, Verdict::elsewhere);
+    EXPECT_EQ(wait_for_packet(host.get(), &packet), Received::end);
 }
 
 TEST_F(ResidentStrangers, AMessageThatIsNoCallEndsOnlyItsConnection) {
