@@ -32,8 +32,7 @@ std::optional<StagePlace> MenuStage::wait_for_pointer(double seconds) {
 std::unique_ptr<MenuStage> open_menu_stage() {
     const auto open = reinterpret_cast<OpenLayerStage>(wayland_function(open_layer_stage_name));
     if (!open) return nullptr;
-    bool has_layers = false;
-    std::unique_ptr<MenuStage> stage(open({server_monitors(), set_stage_symbols}, &has_layers));
+    std::unique_ptr<MenuStage> stage(open({server_monitors(), set_stage_symbols}));
     return stage ? std::move(stage) : open_cover_stage();
 }
 

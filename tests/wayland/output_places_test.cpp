@@ -36,4 +36,15 @@ TEST(OutputPlaces, WithoutACounterpartAnOutputKeepsTheCompositorsPlace) {
               Places({{0, 0, 800, 600}, {800, 0, 640, 480}}));
 }
 
+TEST(OutputPlaces, APlaceInAnAreaIsAlwaysOneOfItsPixels) {
+    const auto at = [](const ScreenArea& area, double across, double down) {
+        const StagePlace place = place_in(area, across, down);
+        return std::pair(place.x, place.y);
+    };
+    EXPECT_EQ(at({100, 200, 50, 40}, 0.5, 0.25), std::pair(125, 210));
+    EXPECT_EQ(at({100, 200, 50, 40}, 1, 1), std::pair(149, 239));
+    EXPECT_EQ(at({100, 200, 50, 40}, -0.1, 3), std::pair(100, 239));
+    EXPECT_EQ(at({100, 200, 0, 0}, 0.5, 0.5), std::pair(100, 200)) << "not yet placed";
+}
+
 }  // namespace

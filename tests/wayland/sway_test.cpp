@@ -1,4 +1,10 @@
 // The menu in sway, which offers layers: real keys and clicks, two outputs.
+#include <host/menu_stage.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include "support/heap.h"
 #include "support/recording_program.h"
 #include "wayland/wayland_scene.h"
 
@@ -9,6 +15,34 @@ using test::NativeWindow;
 using test::wait_for;
 
 constexpr int first_row = 16;  // from a level's top
+
+// A program of the session that ends with the object.
+class SessionProgram {
+  public:
+    SessionProgram(const test::Changes& environment, const std::function<int()>& work)
+        : process_(fork()) {
+        if (process_ != 0) return;
+        for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+        _exit(work());
+    }
+    ~SessionProgram() {
+        if (process_ > 0) kill(process_, SIGKILL);
+        finish();
+    }
+    SessionProgram(const SessionProgram&) = delete;
+    SessionProgram& operator=(const SessionProgram&) = delete;
+
+    // The exit status.
+    int finish() {
+        int status = 0;
+        if (process_ > 0) waitpid(process_, &status, 0);
+        process_ = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+  private:
+    pid_t process_;
+};
 
 struct SwayMenu : test::WaylandScene {
     static void SetUpTestSuite() {
@@ -125,6 +159,38 @@ TEST_F(SwayMenu, KeysReachNoOtherProgramWhileItIsOpen) {
     EXPECT_TRUE(wait_for([&] { return window.has("key z"); }));
     EXPECT_FALSE(window.has("key x"));
     EXPECT_FALSE(window.has("key Escape"));
+}
+
+TEST_F(SwayMenu, AProgramThatHangsBeforeItsMenuGivesTheKeyboardBack) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    const SessionProgram hanging(compositor->environment(), [] {
+        const PreparedMenuStage stage;
+        int x, y;
+        stage.pointer(&x, &y);
+        return pause();
+    });
+    ASSERT_TRUE(wait_for([&] { return window.has("blur"); })) << "the stage takes it";
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    input.key("z");
+    EXPECT_TRUE(wait_for([&] { return window.has("key z"); }));
+}
+
+TEST_F(SwayMenu, ClosedStagesLeaveNoMemoryBehind) {
+    SessionProgram program(compositor->environment(), [] {
+        const auto open_and_close = [](int times) {
+            int found = 0, x, y;
+            for (int i = 0; i < times; i++) found += PreparedMenuStage().pointer(&x, &y);
+            return found;
+        };
+        constexpr int first = 5, more = 20;
+        constexpr size_t bytes_a_stage = 100;
+        if (open_and_close(first) == 0) return 2;
+        const size_t before = test::memory_in_use();
+        if (open_and_close(more) == 0) return 2;
+        return test::memory_in_use() > before + more * bytes_a_stage ? 1 : 0;
+    });
+    EXPECT_EQ(program.finish(), 0);
 }
 
 TEST_F(SwayMenu, HeldKeysChooseAlternates) {

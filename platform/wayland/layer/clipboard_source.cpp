@@ -53,6 +53,7 @@ extern "C" __attribute__((visibility("default"))) bool delvio_keep_clipboard(
     static const zwlr_data_control_source_v1_listener source_listener = {send_text, note_replaced};
     static const zwlr_data_control_device_v1_listener device_listener = {
         drop_offer, ignore_selection, ignore_finished};
+    signal(SIGPIPE, SIG_IGN);  // a reader may go away as soon as the text is offered
     Compositor compositor;
     if (!compositor.connect() || !compositor.data_control || !compositor.seat) return false;
     Offer offer = {text};
@@ -63,10 +64,11 @@ extern "C" __attribute__((visibility("default"))) bool delvio_keep_clipboard(
         zwlr_data_control_manager_v1_get_data_device(compositor.data_control, compositor.seat);
     zwlr_data_control_device_v1_add_listener(device, &device_listener, nullptr);
     zwlr_data_control_device_v1_set_selection(device, source);
-    if (!compositor.answer_all()) return false;
-    signal(SIGPIPE, SIG_IGN);
-    owned();
-    while (!offer.replaced && wl_display_dispatch(compositor.display) >= 0) {
+    const bool is_kept = compositor.answer_all();
+    if (is_kept) owned();
+    while (is_kept && !offer.replaced && wl_display_dispatch(compositor.display) >= 0) {
     }
-    return true;
+    zwlr_data_control_device_v1_destroy(device);
+    zwlr_data_control_source_v1_destroy(source);
+    return is_kept;
 }

@@ -25,12 +25,26 @@ void bind(wl_registry* registry, uint32_t name, const wl_interface& interface, u
         static_cast<Type*>(wl_registry_bind(registry, name, &interface, std::min(offered, known)));
 }
 
+// The interface's own request for that is newer than some compositors. The connection ends anyway.
+void destroy_object(zwlr_layer_shell_v1* layer_shell) {
+    wl_proxy_destroy(reinterpret_cast<wl_proxy*>(layer_shell));
+}
+
 void note_answer(void* answered, wl_callback*, uint32_t) { *static_cast<bool*>(answered) = true; }
 
 }  // namespace
 
 Compositor::~Compositor() {
     if (!display) return;
+    for (const OfferedOutput& offered : outputs) wl_output_destroy(offered.output);
+    if (output_manager) zxdg_output_manager_v1_destroy(output_manager);
+    if (viewporter) wp_viewporter_destroy(viewporter);
+    if (data_control) zwlr_data_control_manager_v1_destroy(data_control);
+    if (layer_shell) destroy_object(layer_shell);
+    if (seat) wl_seat_destroy(seat);
+    if (shm) wl_shm_destroy(shm);
+    if (compositor) wl_compositor_destroy(compositor);
+    if (registry_) wl_registry_destroy(registry_);
     wl_display_flush(display);
     wl_display_disconnect(display);
 }

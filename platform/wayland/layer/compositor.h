@@ -21,6 +21,7 @@ struct OfferedOutput {
 class Compositor {
   public:
     Compositor() = default;
+    // Destroys the objects below, too.
     ~Compositor();
     Compositor(const Compositor&) = delete;
     Compositor& operator=(const Compositor&) = delete;

@@ -6,6 +6,7 @@
 class CursorPicture {
   public:
     explicit CursorPicture(const Compositor& compositor) : compositor_(compositor) {}
+    ~CursorPicture();
     CursorPicture(const CursorPicture&) = delete;
     CursorPicture& operator=(const CursorPicture&) = delete;
 
@@ -17,5 +18,6 @@ class CursorPicture {
 
     const Compositor& compositor_;
     wl_surface* surface_ = nullptr;
+    wl_buffer* buffer_ = nullptr;
     int hot_x_ = 0, hot_y_ = 0;
 };

@@ -5,6 +5,9 @@
 
 namespace {
 
+// In seconds. If no menu is open by then, other programs get the keyboard back.
+constexpr double longest_hold = 5;
+
 void ignore_name(void*, wl_seat*, const char*) {}
 
 }  // namespace
@@ -24,9 +27,23 @@ bool LayerStage::open() {
     static const wl_seat_listener listener = {tell_devices, ignore_name};
     wl_seat_add_listener(compositor_.seat, &listener, this);
     if (!surfaces_.open(settings_.monitors)) return false;
+    pointer_.outputs_are_placed();
+    limit_.start(longest_hold, [this] {
+        surfaces_.hold_keyboard(false);
+        gave_back_ = true;
+    });
     watch(wl_display_get_fd(compositor_.display));
     watch(keyboard_.repeat_descriptor());
+    // The answers to what came so far are sent now, not when somebody reads next.
+    wl_display_flush(compositor_.display);
     return true;
+}
+
+// A menu that comes late takes the keyboard again.
+void LayerStage::menu_is_open() {
+    limit_.stop();
+    if (gave_back_) surfaces_.hold_keyboard(true);
+    gave_back_ = false;
 }
 
 void LayerStage::watch(int descriptor) const {
@@ -55,11 +72,8 @@ std::optional<StageEvent> LayerStage::next_event() {
 }
 
 extern "C" __attribute__((visibility("default"))) MenuStage* delvio_open_layer_stage(
-    const StageSettings& settings, bool* has_layers) {
+    const StageSettings& settings) {
     auto stage = std::make_unique<LayerStage>(settings);
-    *has_layers = false;
-    if (!stage->connect()) return nullptr;
-    *has_layers = stage->has_layers();
-    if (!*has_layers || !stage->open()) return nullptr;
-    return stage.release();
+    const bool is_open = stage->connect() && stage->has_layers() && stage->open();
+    return is_open ? stage.release() : nullptr;
 }

@@ -4,6 +4,7 @@
 #include <deque>
 
 #include "wayland/layer/compositor.h"
+#include "wayland/layer/keyboard_limit.h"
 #include "wayland/layer/layer_surfaces.h"
 #include "wayland/layer/stage_keyboard.h"
 #include "wayland/layer/stage_module.h"
@@ -23,6 +24,7 @@ class LayerStage : public MenuStage {
     bool read() override;
     std::optional<StageEvent> next_event() override;
     std::optional<StagePlace> pointer() const override { return pointer_.place(); }
+    void menu_is_open() override;
     bool is_button_down() const override { return pointer_.is_button_down(); }
 
   private:
@@ -35,5 +37,7 @@ class LayerStage : public MenuStage {
     LayerSurfaces surfaces_;
     StagePointer pointer_;
     StageKeyboard keyboard_;
-    int descriptor_;  // of an epoll: it is readable when a part of the stage is
+    KeyboardLimit limit_;
+    bool gave_back_ = false;  // the keyboard; written before limit_ stops
+    int descriptor_;          // of an epoll: it is readable when a part of the stage is
 };

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr uint32_t no_keys = 0, all_keys = 1;
+
 CoveredOutput& covered(void* data) { return *static_cast<CoveredOutput*>(data); }
 
 // What is known where the compositor tells no more: the place, and the pixels of the mode.
@@ -47,14 +49,16 @@ const zxdg_output_v1_listener details_listener = {tell_position, tell_size, tell
 void fill(CoveredOutput& output) {
     Compositor& compositor = *output.compositor;
     const bool stretches = compositor.viewporter != nullptr;
-    wl_buffer* buffer = new_shared_picture(compositor.shm, stretches ? 1 : output.width,
-                                           stretches ? 1 : output.height, nullptr);
-    if (!buffer) return;
+    wl_buffer* const old = output.buffer;
+    output.buffer = new_shared_picture(compositor.shm, stretches ? 1 : output.width,
+                                       stretches ? 1 : output.height, nullptr);
+    if (old) wl_buffer_destroy(old);
+    if (!output.buffer) return;
     if (stretches && !output.viewport) {
         output.viewport = wp_viewporter_get_viewport(compositor.viewporter, output.surface);
     }
     if (stretches) wp_viewport_set_destination(output.viewport, output.width, output.height);
-    wl_surface_attach(output.surface, buffer, 0, 0);
+    wl_surface_attach(output.surface, output.buffer, 0, 0);
     wl_surface_damage(output.surface, 0, 0, INT32_MAX, INT32_MAX);
 }
 
@@ -71,8 +75,11 @@ void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32
 // The output has gone.
 void close_surface(void* data, zwlr_layer_surface_v1* layer) {
     CoveredOutput& output = covered(data);
+    const std::lock_guard lock(*output.lock);
+    if (output.viewport) wp_viewport_destroy(output.viewport);
     zwlr_layer_surface_v1_destroy(layer);
     wl_surface_destroy(output.surface);
+    output.viewport = nullptr;
     output.layer = nullptr;
     output.surface = nullptr;
 }
@@ -82,14 +89,17 @@ const zwlr_layer_surface_v1_listener layer_listener = {configure, close_surface}
 
 LayerSurfaces::~LayerSurfaces() {
     for (CoveredOutput& output : outputs_) {
+        if (output.viewport) wp_viewport_destroy(output.viewport);
         if (output.layer) zwlr_layer_surface_v1_destroy(output.layer);
         if (output.surface) wl_surface_destroy(output.surface);
+        if (output.buffer) wl_buffer_destroy(output.buffer);
+        if (output.details) zxdg_output_v1_destroy(output.details);
     }
 }
 
 bool LayerSurfaces::open(const std::vector<Monitor>& monitors) {
     for (const OfferedOutput& offered : compositor_.outputs) {
-        outputs_.push_back({&compositor_, offered.output});
+        outputs_.push_back({&compositor_, &lock_, offered.output});
         CoveredOutput& output = outputs_.back();
         wl_output_add_listener(output.output, &output_listener, &output);
         if (!compositor_.output_manager) continue;
@@ -111,7 +121,6 @@ void LayerSurfaces::cover(CoveredOutput& output) {
         ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_BOTTOM |
         ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
     constexpr int over_panels = -1;
-    constexpr uint32_t all_keys = 1;
     output.surface = wl_compositor_create_surface(compositor_.compositor);
     // The overlay layer would take the pointer away from the menu's own windows.
     output.layer =
@@ -122,6 +131,16 @@ void LayerSurfaces::cover(CoveredOutput& output) {
     zwlr_layer_surface_v1_set_exclusive_zone(output.layer, over_panels);
     zwlr_layer_surface_v1_set_keyboard_interactivity(output.layer, all_keys);
     wl_surface_commit(output.surface);
+}
+
+void LayerSurfaces::hold_keyboard(bool holds) {
+    const std::lock_guard lock(lock_);
+    for (const CoveredOutput& output : outputs_) {
+        if (!output.layer) continue;
+        zwlr_layer_surface_v1_set_keyboard_interactivity(output.layer, holds ? all_keys : no_keys);
+        wl_surface_commit(output.surface);
+    }
+    wl_display_flush(compositor_.display);
 }
 
 const CoveredOutput* LayerSurfaces::output_of(wl_surface* surface) const {

@@ -29,6 +29,13 @@ std::vector<size_t> in_order(const std::vector<Screen>& screens) {
 
 }  // namespace
 
+StagePlace place_in(const ScreenArea& area, double across, double down) {
+    const auto pixel = [](double part, int size) {
+        return std::clamp(static_cast<int>(part * size), 0, std::max(0, size - 1));
+    };
+    return {area.x + pixel(across, area.width), area.y + pixel(down, area.height)};
+}
+
 std::vector<ScreenArea> places_of_outputs(const std::vector<Output>& outputs,
                                           const std::vector<Monitor>& monitors) {
     std::vector<ScreenArea> places;

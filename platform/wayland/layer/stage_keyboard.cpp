@@ -25,6 +25,7 @@ StageKeyboard::StageKeyboard(std::deque<StageEvent>& events,
 
 StageKeyboard::~StageKeyboard() {
     tell_symbols_({});
+    if (keyboard_) wl_keyboard_destroy(keyboard_);
     forget_keymap();
     xkb_context_unref(context_);
     if (timer_ >= 0) close(timer_);

@@ -11,9 +11,8 @@ struct StageSettings {
     void (*tell_symbols)(std::vector<uint32_t>);
 };
 
-// Null where no compositor answers. *has_layers says whether the compositor that answers offers
-// layers; without them the stage is null, too.
-using OpenLayerStage = MenuStage* (*)(const StageSettings&, bool* has_layers);
+// Null where no compositor answers, or the one that answers offers no layers.
+using OpenLayerStage = MenuStage* (*)(const StageSettings&);
 constexpr const char* open_layer_stage_name = "delvio_open_layer_stage";
 
 // See host/session_clipboard.h.

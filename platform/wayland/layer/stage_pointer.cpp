@@ -37,6 +37,10 @@ void StagePointer::listen(wl_seat* seat) {
     wl_pointer_add_listener(pointer_, &listener, this);
 }
 
+StagePointer::~StagePointer() {
+    if (pointer_) wl_pointer_destroy(pointer_);
+}
+
 void StagePointer::enter(void* data, wl_pointer* pointer, uint32_t serial, wl_surface* surface,
                          wl_fixed_t x, wl_fixed_t y) {
     StagePointer& self = of(data);
@@ -68,11 +72,16 @@ void StagePointer::button(void* data, wl_pointer*, uint32_t, uint32_t, uint32_t 
     self.events_.push_back(event);
 }
 
+void StagePointer::outputs_are_placed() {
+    if (!output_) return;
+    place_ = place_in(output_->place, across_, down_);
+    for (StageEvent& event : events_) event.at = *place_;
+}
+
 void StagePointer::move_to(double x, double y) {
-    const ScreenArea& area = output_->place;
-    const double across = x / std::max(1, output_->width), down = y / std::max(1, output_->height);
-    place_ = {area.x + std::clamp(static_cast<int>(across * area.width), 0, area.width - 1),
-              area.y + std::clamp(static_cast<int>(down * area.height), 0, area.height - 1)};
+    across_ = x / std::max(1, output_->width);
+    down_ = y / std::max(1, output_->height);
+    place_ = place_in(output_->place, across_, down_);
     StageEvent event = {StageEvent::pointer_moved};
     event.at = *place_;
     events_.push_back(event);

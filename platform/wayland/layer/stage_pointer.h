@@ -13,11 +13,14 @@ class StagePointer {
     StagePointer(const Compositor& compositor, const LayerSurfaces& surfaces,
                  std::deque<StageEvent>& events)
         : cursor_(compositor), surfaces_(surfaces), events_(events) {}
+    ~StagePointer();
     StagePointer(const StagePointer&) = delete;
     StagePointer& operator=(const StagePointer&) = delete;
 
     void listen(wl_seat* seat);
     std::optional<StagePlace> place() const { return place_; }
+    // The outputs have their places on the X screen now: a pointer that came earlier has its own.
+    void outputs_are_placed();
     bool is_button_down() const { return buttons_ > 0; }
 
   private:
@@ -34,6 +37,7 @@ class StagePointer {
     std::deque<StageEvent>& events_;
     wl_pointer* pointer_ = nullptr;
     const CoveredOutput* output_ = nullptr;  // that the pointer is over
+    double across_ = 0, down_ = 0;           // on that output, in parts of its size
     std::optional<StagePlace> place_;
     int buttons_ = 0;  // that are held
 };

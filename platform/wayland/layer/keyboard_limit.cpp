@@ -1,0 +1,28 @@
+#include "wayland/layer/keyboard_limit.h"
+
+#include <signal.h>
+
+#include <chrono>
+
+void KeyboardLimit::start(double seconds, std::function<void()> give_back) {
+    // Signals belong to the program's own threads.
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    thread_ = std::thread([this, seconds, give_back = std::move(give_back)] {
+        std::unique_lock lock(lock_);
+        const std::chrono::duration<double> limit(seconds);
+        if (!changed_.wait_for(lock, limit, [this] { return is_stopped_; })) give_back();
+    });
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+void KeyboardLimit::stop() {
+    if (!thread_.joinable()) return;
+    {
+        const std::lock_guard lock(lock_);
+        is_stopped_ = true;
+    }
+    changed_.notify_one();
+    thread_.join();
+}
