@@ -14,10 +14,10 @@ set(CPACK_PACKAGE_NAME delvio)
 set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/package)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES TRUE)
-# The script has built what is installed; the tests need not be built for a package.
+# With this generator, CPack builds nothing itself: the script has built what is installed, and the
+# tests need not be built for a package.
 set(CPACK_CMAKE_GENERATOR Ninja)
 set(CPACK_INSTALL_CMAKE_PROJECTS ${PROJECT_BINARY_DIR} Delvio ALL /)
-set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY TRUE)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 

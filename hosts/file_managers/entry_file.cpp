@@ -13,13 +13,29 @@ bool lacks_mode(const EntryFile& file) {
     return stat(file.path.c_str(), &status) == 0 && (file.mode & 0100) && !(status.st_mode & 0100);
 }
 
-// Whether the file was changed.
-bool carry_out(const EntryFile& file, const FileText& now, const Edit& edit, std::string* problem) {
-    *problem = edit.problem;
-    if (!edit.problem.empty()) return false;
-    if (!edit.text) return now && remove_user_file(file.path, edit.folders, problem);
-    if (edit.text == now && !lacks_mode(file)) return false;
-    return write_user_file(file.path, *edit.text, file.mode, problem);
+Change carry_out(const EntryFile& file, const FileText& now, const Edit& edit,
+                 std::string* problem) {
+    if (!edit.text) return remove_user_file(file.path, *now, edit.folders, problem);
+    return write_user_file(file.path, now, *edit.text, file.mode, problem);
+}
+
+// Makes the edit anew for as long as another program changes the file in between. `adds_mode`: also
+// if only the permission to execute the file is missing. Whether the file was changed.
+bool change_file(const EntryFile& file, const std::function<Edit(const FileText&)>& edit_of,
+                 bool adds_mode, std::string* problem) {
+    constexpr int most_turns = 20;
+    for (int turn = 0; turn < most_turns; turn++) {
+        FileText now;
+        if (!read_user_file(file.path, &now, problem)) return false;
+        const Edit edit = edit_of(now);
+        *problem = edit.problem;
+        const bool is_right = edit.text == now && !(adds_mode && lacks_mode(file));
+        if (!edit.problem.empty() || is_right) return false;
+        const Change change = carry_out(file, now, edit, problem);
+        if (change != Change::outdated) return change == Change::done;
+    }
+    *problem = "another program keeps changing " + file.path + "; it was left as it is";
+    return false;
 }
 
 }  // namespace
@@ -35,17 +51,14 @@ EntryState state_of(const EntryFile& file, std::string* problem) {
 }
 
 bool put_in(const EntryFile& file, std::string* problem) {
-    FileText now;
-    if (!read_user_file(file.path, &now, problem)) return false;
-    return carry_out(file, now, file.put_in(now, count_missing_folders(file.path)), problem);
+    const auto edit = [&file](const FileText& now) {
+        return file.put_in(now, count_missing_folders(file.path));
+    };
+    return change_file(file, edit, true, problem);
 }
 
 bool take_out(const EntryFile& file, std::string* problem) {
-    FileText now;
-    if (!read_user_file(file.path, &now, problem)) return false;
-    const Edit edit = file.take_out(now);
-    *problem = edit.problem;
-    return edit.problem.empty() && edit.text != now && carry_out(file, now, edit, problem);
+    return change_file(file, file.take_out, false, problem);
 }
 
 std::string made_by_delvio(int folders) { return line_start + std::to_string(folders); }

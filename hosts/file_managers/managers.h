@@ -13,7 +13,7 @@ struct FileManager {
     const char* program;  // the program that is looked for
     // The files that bring Delvio in; null for GWorkspace, which keeps a list of bundles.
     std::vector<EntryFile> (*files)(const Invocation& invocation);
-    const char* hint;  // where the entry is, and from when on
+    const char* hint;  // where the entry is
 };
 
 const std::vector<FileManager>& file_managers();

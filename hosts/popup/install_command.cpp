@@ -30,13 +30,18 @@ std::string icon_for(const std::string& command) {
 bool find_invocation(Invocation* invocation, std::string* problem) {
     invocation->command = find_command(problem);
     invocation->icon = icon_for(invocation->command);
-    if (!g_utf8_validate(invocation->command.c_str(), -1, nullptr)) {
-        // A file of actions with such a name is one that the file manager cannot read.
-        *problem = "the path of the command is not UTF-8: " + invocation->command;
-    } else if (invocation->command.find('\n') != std::string::npos) {
-        *problem = "the path of the command has a line break: " + invocation->command;
-    }
     return problem->empty() && !invocation->command.empty();
+}
+
+// Whether file managers can be told this command.
+bool can_be_entered(const Invocation& invocation, std::string* problem) {
+    if (!g_utf8_validate(invocation.command.c_str(), -1, nullptr)) {
+        // A file of actions with such a name is one that the file manager cannot read.
+        *problem = "the path of the command is not UTF-8: " + invocation.command;
+    } else if (invocation.command.find('\n') != std::string::npos) {
+        *problem = "the path of the command has a line break: " + invocation.command;
+    }
+    return problem->empty();
 }
 
 void print_path(const std::string& path) {
@@ -52,10 +57,10 @@ std::string refusal(const std::vector<EntryFile>& files) {
     return {};
 }
 
-using Change = bool (*)(const EntryFile& file, std::string* problem);
+using ChangeFile = bool (*)(const EntryFile& file, std::string* problem);
 
 // Changes the files and collects the paths of those that have changed; the problem if there is one.
-std::string change_all(const std::vector<EntryFile>& files, Change change,
+std::string change_all(const std::vector<EntryFile>& files, ChangeFile change,
                        std::vector<std::string>* changed) {
     std::string problem = change == put_in ? refusal(files) : "";
     for (const EntryFile& file : files) {
@@ -147,5 +152,6 @@ int run_install_command(const InstallRequest& request) {
     if (!manager) return failed("there is no way into the file manager " + request.program);
     if (!manager->files) return change_gworkspace_bundles(request.remove);
     const std::vector<EntryFile> files = manager->files(invocation);
-    return request.remove ? uninstall(*manager, files) : install(*manager, files);
+    if (request.remove) return uninstall(*manager, files);
+    return can_be_entered(invocation, &problem) ? install(*manager, files) : failed(problem);
 }

@@ -372,6 +372,26 @@ TEST_F(Entries, TheListShowsWhatIsFoundAndWhatIsIn) {
     EXPECT_NE(line_of("thunar").find(actions), std::string::npos) << outcome.out;
 }
 
+TEST_F(Entries, ACommandWhosePathNoFileManagerCanReadMayStillBeTakenOut) {
+    ASSERT_EQ(run("install", "nemo").status, 0);
+    TempFolder place;
+    const std::string there = place.folder("odd\xff\nfolder");
+    fs::create_directories(there + "/bin");
+    fs::create_directories(there + "/lib");
+    fs::copy_file(DELVIO_CLIENT, there + "/bin/delvio");
+    fs::copy(fs::path(DELVIO_LIBRARY).parent_path(), there + "/lib");
+    const Changes odd = {{"LD_LIBRARY_PATH", there + "/lib"}};
+    const auto before = everything();
+    const Outcome refused = run_delvio({"install", "caja"}, odd);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find("not UTF-8"), std::string::npos) << refused.err;
+    EXPECT_EQ(everything(), before);
+    const Outcome removed = run_delvio({"uninstall", "nemo"}, odd);
+    EXPECT_EQ(removed.status, 0) << removed.err;
+    EXPECT_NE(removed.out.find("no longer has Delvio"), std::string::npos) << removed.out;
+    EXPECT_EQ(run_delvio({"install", "--list"}, odd).status, 0);
+}
+
 TEST_F(Entries, NamesThatNobodyKnowsAreMisuse) {
     for (const std::vector<std::string>& words : {std::vector<std::string>{"install", "emacs"},
                                                   {"install"},
