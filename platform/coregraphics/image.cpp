@@ -47,6 +47,7 @@ void copy_pixel(const PixelFormat& format, const uint8_t* from, uint8_t* to) {
 }
 
 std::atomic<double> scale_of_display = 1;
+std::atomic<bool> is_dark_display = false;
 
 }  // namespace
 
@@ -122,6 +123,10 @@ void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row) 
 void set_display_scale(double scale) { scale_of_display = scale; }
 
 double display_scale() { return scale_of_display; }
+
+void set_display_is_dark(bool is_dark) { is_dark_display = is_dark; }
+
+bool is_display_dark() { return is_dark_display; }
 
 void set_image_scale(CGImageRef image, double scale) { image->scale = scale; }
 

@@ -13,6 +13,10 @@ void copy_image_pixels(CGImageRef image, uint8_t* pixels, size_t bytes_per_row);
 void set_display_scale(double scale);
 double display_scale();
 
+// Whether pictures are shown on dark ground: false until it is set. Any thread.
+void set_display_is_dark(bool is_dark);
+bool is_display_dark();
+
 // The pixels for each point of an image: 1 unless it was made for a finer screen. Set this before
 // the image is shared.
 void set_image_scale(CGImageRef image, double scale);

@@ -47,5 +47,8 @@ MenuLook menu_look(NSFont* font, const char* server_resources);
 // The family in which a font's text is drawn: GNUstep's system font stands for the desktop's.
 std::string drawn_family(const MenuLook& look, NSFont* font);
 
+// Whether the menus have light text on dark ground.
+bool is_dark(const MenuLook& look);
+
 // `color`, moved towards the text's colour until it is readable on the panel.
 Color readable(const MenuLook& look, Color color);

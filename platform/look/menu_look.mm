@@ -119,6 +119,10 @@ std::string drawn_family(const MenuLook& look, NSFont* font) {
     return [family UTF8String] ?: look.family;
 }
 
+bool is_dark(const MenuLook& look) {
+    return luminance(look.palette->panel) < luminance(look.palette->text);
+}
+
 Color readable(const MenuLook& look, Color color) {
     const Color wanted = color;
     for (double share = 0.1; share < 1; share += 0.1) {

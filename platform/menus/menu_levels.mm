@@ -22,6 +22,7 @@ MenuLevels::MenuLevels(MenuSession* session, NSFont* font)
     : session_([session retain]),
       style_{menu_look(font, server_resources()), windows_are_composed(), &images_} {
     set_display_scale(style_.look.scale);
+    set_display_is_dark(is_dark(style_.look));
 }
 
 MenuLevels::~MenuLevels() {

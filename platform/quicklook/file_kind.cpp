@@ -27,6 +27,11 @@ const OwnDecoder* decoder_of(Route route) {
     return found == std::end(decoders) ? nullptr : found;
 }
 
+bool is_drawn_for_screen(Route route) {
+    return route == Route::text || route == Route::archive || route == Route::font ||
+           route == Route::audio;
+}
+
 std::string type_by_name(const std::string& path) {
     gboolean uncertain = FALSE;
     const std::string name = path.substr(path.rfind('/') + 1);
@@ -38,7 +43,6 @@ std::string type_by_name(const std::string& path) {
 
 Route route_for(const std::string& type) {
     if (type.empty()) return Route::unknown;
-    if (type.compare(0, 5, "text/") == 0) return Route::text;
     for (const OwnDecoder& decoder : decoders) {
         if (takes(decoder, type)) return decoder.route;
     }

@@ -21,6 +21,12 @@ struct Box {
     int width = 0, height = 0;
 };
 
+// The screen that a picture is drawn for.
+struct Screen {
+    double scale = 1;  // pixels a point
+    bool is_dark = false;
+};
+
 // The size that `original` has when it is made to fit the box. It is never enlarged, and no side is
 // 0.
 Box fit(Box original, Box box);

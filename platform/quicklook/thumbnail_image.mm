@@ -58,7 +58,8 @@ CGImageRef QLThumbnailImageCreate(CFAllocatorRef, CFURLRef url, CGSize maxThumbn
         const std::string path = file_path((NSURL*)url);
         const double finer = fmax(1, display_scale());
         if (path.empty() || !find_box(maxThumbnailSize, finer, &box)) return nullptr;
-        Picture picture = thumbnails::shared_thumbnail_maker().make(path, box);
+        Picture picture =
+            thumbnails::shared_thumbnail_maker().make(path, box, {finer, is_display_dark()});
         if (!picture) return nullptr;
         const double scale = scale_within(picture, maxThumbnailSize);
         CGImageRef image = image_of(std::move(picture));

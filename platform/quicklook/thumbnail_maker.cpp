@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 #include <thread>
 
@@ -19,6 +20,10 @@ struct ThumbnailMaker::Request {
     Box box, made_box;
     std::string type;  // empty while unknown
     Route route;
+    Screen screen = {};
+
+    // A picture that the cache could keep has one of the cache's sizes.
+    Box box_for(Route way) const { return is_drawn_for_screen(way) ? box : made_box; }
 };
 
 namespace {
@@ -61,9 +66,9 @@ ThumbnailMaker::ThumbnailMaker(Settings settings)
     : settings_(std::move(settings)),
       turns_(settings_.at_once, settings_.at_most, std::chrono::milliseconds(1500)) {}
 
-Picture ThumbnailMaker::make(const std::string& path, Box box) {
+Picture ThumbnailMaker::make(const std::string& path, Box box, const Screen& screen) {
     try {
-        return find(canonical(path), box);
+        return find(canonical(path), box, screen);
     } catch (const std::exception&) {
         return {};  // no memory for it
     }
@@ -79,14 +84,15 @@ Picture ThumbnailMaker::decode_image(const std::string& path, Box box) {
     }
 }
 
-Picture ThumbnailMaker::find(const std::string& path, Box box) {
-    Request request = {{}, box, cache_box(box), type_by_name(path), Route::none};
+Picture ThumbnailMaker::find(const std::string& path, Box box, const Screen& screen) {
+    Request request = {{}, box, cache_box(box), type_by_name(path), Route::none, screen};
     request.route = route_for(request.type);
-    if (request.route == Route::text) return {};
     const std::optional<Subject> subject = look_at(path, settings_.stat_seconds);
     if (!subject) return {};
     request.subject = *subject;
-    if (Picture picture = cached_picture(*subject, box)) return picture;
+    if (!is_drawn_for_screen(request.route)) {
+        if (Picture picture = cached_picture(*subject, box)) return picture;
+    }
     if (request.route == Route::none || settings_.helper_folder.empty()) return {};
     if (has_failed(*subject) || timed_out_before(*subject)) return {};
     const Turns::Turn turn(turns_);
@@ -100,7 +106,7 @@ Picture ThumbnailMaker::decode(Request& request) {
         return {};
     }
     const std::optional<Subject> after = look_at(request.subject.path, settings_.stat_seconds);
-    if (after && is_same(*after, request.subject)) {
+    if (after && is_same(*after, request.subject) && !is_drawn_for_screen(request.route)) {
         const Origin origin = {request.type, static_cast<int>(answer.reply.original_width),
                                static_cast<int>(answer.reply.original_height)};
         run_in_background([subject = *after, picture = answer.picture, box = request.made_box,
@@ -122,11 +128,13 @@ Answer ThumbnailMaker::decode_by_content(Request& request) {
     const bool is_decoded = next != Route::image && decoder_of(next);
     if (!is_decoded && next != Route::program) return answer;
     if (next == request.route) return answer;
+    request.route = next;
     return run(next, request);
 }
 
 std::vector<std::string> ThumbnailMaker::words(Route route, const Request& request) {
     const bool is_program = route == Route::program;
+    const Box box = request.box_for(route);
     const double seconds = is_program ? settings_.program_seconds : settings_.decoder_seconds;
     const double processor = is_program ? settings_.program_seconds : settings_.processor_seconds;
     std::vector<std::string> words = {mode_of(route),
@@ -134,8 +142,10 @@ std::vector<std::string> ThumbnailMaker::words(Route route, const Request& reque
                                       std::to_string(settings_.memory * (is_program ? 2 : 1)),
                                       whole(processor),
                                       whole(seconds + own_end),
-                                      std::to_string(request.made_box.width),
-                                      std::to_string(request.made_box.height),
+                                      std::to_string(box.width),
+                                      std::to_string(box.height),
+                                      std::to_string(std::lround(request.screen.scale * 100)),
+                                      request.screen.is_dark ? "dark" : "light",
                                       request.subject.path};
     if (is_program) {
         words.push_back(whole(settings_.program_seconds));
@@ -149,7 +159,7 @@ Answer ThumbnailMaker::run(Route route, const Request& request) {
     const double seconds = route == Route::program ? settings_.program_seconds + time_to_answer
                                                    : settings_.decoder_seconds;
     Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer",
-                               words(route, request), request.made_box, seconds);
+                               words(route, request), request.box_for(route), seconds);
     // The reply has the size of the program's picture, not of the file's.
     if (route == Route::program) answer.reply.original_width = answer.reply.original_height = 0;
     return answer;
@@ -187,6 +197,8 @@ bool ThumbnailMaker::bubblewrap_works(bool for_programs) {
                                                 whole(probe_seconds + own_end),
                                                 "1",
                                                 "1",
+                                                "100",
+                                                "light",
                                                 ""};
         const Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer", words,
                                          {1, 1}, probe_seconds);

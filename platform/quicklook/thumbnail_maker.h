@@ -30,11 +30,11 @@ class ThumbnailMaker {
   public:
     explicit ThumbnailMaker(Settings settings);
 
-    // A picture that fits the box and is not enlarged. Empty when the file has none: folders, plain
-    // text, files that nothing installed can show, and files that are damaged or take too long.
-    // `path` is absolute. Any thread, several at once. A call waits for its turn; the newest call
-    // goes first.
-    Picture make(const std::string& path, Box box);
+    // A picture that fits the box and is not enlarged. Empty when the file has none: folders, empty
+    // files, files that nothing installed can show, and files that are damaged or take too long.
+    // Texts and lists are drawn for `screen`. `path` is absolute. Any thread, several at once. A
+    // call waits for its turn; the newest call goes first.
+    Picture make(const std::string& path, Box box, const Screen& screen = {});
 
     // Decodes an image, and nothing else. The cache is neither read nor filled, and the file is not
     // looked at before.
@@ -49,7 +49,7 @@ class ThumbnailMaker {
 
   private:
     struct Request;
-    Picture find(const std::string& path, Box box);
+    Picture find(const std::string& path, Box box, const Screen& screen);
     Picture decode(Request& request);
     Answer decode_by_content(Request& request);
     Answer run(Route route, const Request& request);

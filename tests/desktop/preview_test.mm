@@ -103,6 +103,19 @@ class Preview : public test::Desk {
         return size;
     }
 
+    // Where the rightmost level is that is larger than this.
+    static NSRect picture_window_frame(double width, double height) {
+        NSWindow* window = nil;
+        for (NSWindow* each in [NSApp windows]) {
+            if ([each isVisible] && [each level] == NSPopUpMenuWindowLevel &&
+                NSWidth([each frame]) > width && NSHeight([each frame]) > height &&
+                (!window || NSMinX([each frame]) > NSMinX([window frame]))) {
+                window = each;
+            }
+        }
+        return [window frame];
+    }
+
     // The hover window and the state that decides about it.
     static id controller() { return [NSClassFromString(@"DVDelvio") sharedDelvio]; }
     static id window_controller() { return [controller() valueForKey:@"previewWindowController"]; }
@@ -168,15 +181,7 @@ TEST_F(Preview, APictureIsOnTheScreenWhileTheMenuTracks) {
             .when(
                 "its pixels",
                 [&] {
-                    NSWindow* window = nil;
-                    for (NSWindow* each in [NSApp windows]) {
-                        if ([each isVisible] && [each level] == NSPopUpMenuWindowLevel &&
-                            NSWidth([each frame]) > 200 && NSHeight([each frame]) > 100 &&
-                            (!window || NSMinX([each frame]) > NSMinX([window frame]))) {
-                            window = each;
-                        }
-                    }
-                    const NSRect frame = [window frame];
+                    const NSRect frame = picture_window_frame(200, 100);
                     const NSRect screen = [[NSScreen mainScreen] frame];
                     color = input().pixel(static_cast<int>(NSMidX(frame)),
                                           static_cast<int>(NSHeight(screen) - NSMidY(frame)));
@@ -187,10 +192,50 @@ TEST_F(Preview, APictureIsOnTheScreenWhileTheMenuTracks) {
     EXPECT_EQ(color, 0xff0000u);
 }
 
-TEST_F(Preview, ATextIsShownAsTextOfTheSizeThatIsSet) {
-    EXPECT_TRUE(NSEqualSizes(picture_size("a.txt"), NSMakeSize(256, 256)));
+TEST_F(Preview, ATextIsShownAsWideAsIsSet) {
+    EXPECT_EQ(picture_size("a.txt").width, 256);
     set_preference("preview_size", "128");
-    EXPECT_TRUE(NSEqualSizes(picture_size("a.txt"), NSMakeSize(128, 128)));
+    EXPECT_EQ(picture_size("a.txt").width, 128);
+}
+
+// Dark letters on the white of the paper, and among them the colours of the language.
+TEST_F(Preview, ASourceIsOnTheScreenInColours) {
+    folder_.file("project/c.cpp", "int main() {\n    return 0;\n}\n");
+    int white = 0, dark = 0, coloured = 0;
+    in_preview_menu("c.cpp", [&](Steps& steps) {
+        steps
+            .when(
+                "the picture", [] { return has_picture(); }, [&] {})
+            .when(
+                "its pixels",
+                [&] {
+                    const NSRect frame = picture_window_frame(256, 50);
+                    white = dark = coloured = 0;
+                    const int top =
+                        static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(frame));
+                    for (int y = 0; y < 40; y++) {
+                        for (int x = 0; x < 120; x++) {
+                            const unsigned long color = input().pixel(
+                                static_cast<int>(NSMinX(frame)) + 24 + x, top + 24 + y);
+                            const int red = color >> 16 & 255, green = color >> 8 & 255,
+                                      blue = color & 255;
+                            white += color == 0xffffff;
+                            dark += red < 110 && green < 110 && blue < 110;
+                            coloured += std::abs(red - green) > 60 || std::abs(blue - green) > 60;
+                        }
+                    }
+                    return white > 1000 && dark > 5 && coloured > 20;
+                },
+                [&] { escape(); });
+    });
+    EXPECT_GT(white, 1000);
+    EXPECT_GT(dark, 5);
+    EXPECT_GT(coloured, 20);
+}
+
+TEST_F(Preview, BytesThatAreNoTextAreShownByteByByte) {
+    folder_.file("project/bytes", std::string("\0\1\2bytes\0\0", 10));
+    EXPECT_TRUE(NSEqualSizes(picture_size("bytes"), NSMakeSize(256, 256)));
 }
 
 TEST_F(Preview, AFileThatCannotBeReadHasNoPreview) {
@@ -256,7 +301,7 @@ TEST_F(Preview, AMenuThatClosesAtOnceDoesNoHarm) {
         });
     }
     // The results still arrive.
-    EXPECT_TRUE(NSEqualSizes(picture_size("b.txt"), NSMakeSize(256, 256)));
+    EXPECT_EQ(picture_size("b.txt").width, 256);
 }
 
 TEST_F(Preview, RestingOnAFileShowsTheHoverWindowAfterTheSetDelay) {

@@ -29,6 +29,9 @@ std::string formatted(const char* format, ...) __attribute__((format(printf, 1, 
 // Expects whole lines in the log in this order; other lines may come between them.
 void expect_lines(const std::string& log, const std::vector<std::string>& lines);
 
+// Bytes of a file that Quick Look has no picture of, so that the plug-in draws them itself.
+inline const std::string plain_bytes("A\0\n", 3);
+
 class MenuTest : public testing::Test {
   protected:
     MenuTest();

@@ -1,12 +1,12 @@
 // The helper program that makes the thumbnails of untrusted files. It opens the file, sets limits,
 // and becomes the decoder for the file, in bubblewrap where that works.
 //
-//   delvio-thumbnailer MODE CAGE MEGABYTES PROCESSOR-SECONDS SECONDS WIDTH HEIGHT PATH
-//                      [SECONDS COMMAND...]
+//   delvio-thumbnailer MODE CAGE MEGABYTES PROCESSOR-SECONDS SECONDS WIDTH HEIGHT SCALE PAPER
+//                      PATH [SECONDS COMMAND...]
 //
 // MODE is the name of a decoder, program (a thumbnailer, with its command), or ready and
-// ready-program, which only try the way. CAGE is bubblewrap or plain. The answer is a Reply on
-// reply_descriptor.
+// ready-program, which only try the way. CAGE is bubblewrap or plain, SCALE the screen's in
+// percent, PAPER light or dark. The answer is a Reply on reply_descriptor.
 #include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
@@ -28,7 +28,19 @@ namespace {
 using namespace thumbnails;
 using Words = std::vector<std::string>;
 
-enum { mode = 1, cage, megabytes, processor_seconds, seconds, width, height, path, command };
+enum {
+    mode = 1,
+    cage,
+    megabytes,
+    processor_seconds,
+    seconds,
+    width,
+    height,
+    scale,
+    paper,
+    path,
+    command
+};
 
 struct Mode {
     std::string program;  // in our folder
@@ -68,7 +80,8 @@ Words next_words(const Mode& mode, bool is_caged, char** words, int count) {
     const std::string program = own_folder() + "/" + mode.program;
     if (!mode.is_for_program) {
         if (!mode.has_file) return {program, words[cage]};
-        return {program, words[cage], words[width], words[height], name};
+        return {program, words[cage],  words[width], words[height],
+                name,    words[scale], words[paper]};
     }
     if (!mode.has_file) return {program};
     Words next = {program, words[width], words[height]};

@@ -129,23 +129,33 @@ TEST_F(ThumbnailImage, ANameThatLiesIsSeenThrough) {
                         128);
 }
 
-TEST_F(ThumbnailImage, PlainTextHasNone) {
+TEST_F(ThumbnailImage, ATextIsDrawnAsWideAsTheBox) {
     const std::pair<const char*, const char*> texts[] = {
-        {"a.txt", "words\n"},
-        {"a.cpp", "int main() {}\n"},
-        {"a.sh", "#!/bin/sh\n"},
-        {"a.py", "#!/usr/bin/python3\n"},
-        {"a.json", "{}\n"},
-        {"a.xml", "<?xml version=\"1.0\"?><a/>\n"},
-        {"README", "Read me.\n"},
-        {"script", "#!/bin/sh\nexit\n"},
+        {"a.txt", "words\n"},    {"a.cpp", "int main() {}\n"}, {"a.sh", "#!/bin/sh\n"},
+        {"a.json", "{}\n"},      {"README", "Read me.\n"},     {"script", "#!/bin/sh\nexit\n"},
         {"a.jpg", "no image\n"},
-        {"empty.jpg", ""},
-        {"empty", ""},
     };
     for (const auto& [name, content] : texts) {
-        EXPECT_EQ(show(files.file(name, content), 256).width, 0u) << name;
+        EXPECT_EQ(show(files.file(name, content), 256).width, 256u) << name;
     }
+}
+
+TEST_F(ThumbnailImage, ATextHasAsManyPixelsAsTheScreenAndItsGround) {
+    const std::string path = files.file("a.txt", "words\n");
+    EXPECT_EQ(show(path, 256).at(0.5, 0.9), "1111");
+    set_display_scale(2);
+    set_display_is_dark(true);
+    const Shown shown = show(path, 256);
+    set_display_scale(1);
+    set_display_is_dark(false);
+    EXPECT_EQ(shown.width, 512u);
+    EXPECT_EQ(shown.at(0.5, 0.9), "0001");
+}
+
+TEST_F(ThumbnailImage, FilesWithoutAPictureHaveNone) {
+    EXPECT_EQ(show(files.file("empty.jpg", ""), 256).width, 0u);
+    EXPECT_EQ(show(files.file("empty", ""), 256).width, 0u);
+    EXPECT_EQ(show(files.file("bytes", std::string("\0\1\2\3\0\0", 6)), 256).width, 0u);
 }
 
 TEST_F(ThumbnailImage, FoldersAndMissingFilesHaveNone) {

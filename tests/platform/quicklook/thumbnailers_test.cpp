@@ -89,6 +89,11 @@ TEST_F(Thumbnailers, TheWayOfAFileFollowsItsType) {
         {"image/jpeg", Route::image},
         {"image/svg+xml", Route::image},
         {"application/pdf", Route::pdf},
+        {"application/zip", Route::archive},
+        {"application/x-compressed-tar", Route::archive},
+        {"font/ttf", Route::font},
+        {"audio/mpeg", Route::audio},
+        {"audio/x-mpegurl", Route::text},
         {"application/pdf-test", Route::none},
         {"application/x-thumbnail-test", Route::none},
         {"", Route::unknown},
@@ -102,7 +107,8 @@ TEST_F(Thumbnailers, EachDecoderIsBuiltAndGetsTheFilesOfItsType) {
     for (const OwnDecoder& decoder : decoders) {
         const std::string type = decoder.type;
         EXPECT_EQ(route_for(type.back() == '/' ? type + "x-test" : type), decoder.route) << type;
-        EXPECT_EQ(decoder_of(decoder.route), &decoder) << type;
+        ASSERT_NE(decoder_of(decoder.route), nullptr) << type;
+        EXPECT_STREQ(decoder_of(decoder.route)->name, decoder.name) << type;
         const std::string program = helper_folder() + "/delvio-decode-" + decoder.name;
         EXPECT_EQ(access(program.c_str(), X_OK), 0) << program;
     }

@@ -74,7 +74,7 @@ TEST_F(HoverWindow, StandsAboveMenusClearAndWithoutABorder) {
 }
 
 TEST_F(HoverWindow, AFileGivesADiscAndThenItsPicture) {
-    NSURL* file = url(folder_.file("text", "A\n"));
+    NSURL* file = url(folder_.file("text", test::plain_bytes));
     const std::string log = log_of([&] {
         [window_controller_ setPath:file];
         EXPECT_EQ([progress() superview], content());
@@ -95,14 +95,14 @@ TEST_F(HoverWindow, AFileGivesADiscAndThenItsPicture) {
 TEST_F(HoverWindow, APicturesImageIsReleasedAlsoWhenAnotherHasOvertakenIt) {
     const int before = test::images_alive();
     for (const char* name : {"one", "two", "three"}) {
-        [window_controller_ setPath:url(folder_.file(name, "A\n"))];
+        [window_controller_ setPath:url(folder_.file(name, test::plain_bytes))];
     }
     finish();
     run_until([=] { return test::images_alive() == before; });
 }
 
 TEST_F(HoverWindow, TheSameFileAgainBeginsNoNewPicture) {
-    const std::string path = folder_.file("text", "A\n");
+    const std::string path = folder_.file("text", test::plain_bytes);
     [window_controller_ setPath:url(path)];
     [window_controller_ setPath:url(path)];
     EXPECT_EQ(productions(), 1);
@@ -119,7 +119,8 @@ TEST_F(HoverWindow, FoldersMissingFilesAndNothingBeginNoPicture) {
 TEST_F(HoverWindow, TheLastOfSeveralFilesIsShown) {
     dv_->preview_size = 64;
     for (int i = 0; i < 20; i++) {
-        [window_controller_ setPath:url(folder_.file("text" + std::to_string(i), "A\n"))];
+        [window_controller_
+            setPath:url(folder_.file("text" + std::to_string(i), test::plain_bytes))];
     }
     EXPECT_EQ(productions(), 20);
     finish();
@@ -128,12 +129,12 @@ TEST_F(HoverWindow, TheLastOfSeveralFilesIsShown) {
 }
 
 TEST_F(HoverWindow, AFileWithoutAPictureKeepsTheOneBefore) {
-    [window_controller_ setPath:url(folder_.file("text", "A\n"))];
+    [window_controller_ setPath:url(folder_.file("text", test::plain_bytes))];
     finish();
     NSImage* before = [image_view() image];
     ASSERT_NE(before, nil);
     dv_->preview_size = 0;  // no square can be made
-    [window_controller_ setPath:url(folder_.file("other", "A\n"))];
+    [window_controller_ setPath:url(folder_.file("other", test::plain_bytes))];
     finish();
     EXPECT_EQ([image_view() image], before);
     EXPECT_EQ([image_view() superview], content());
@@ -169,7 +170,7 @@ TEST_F(HoverWindow, APendingOrderOutRunsAlthoughTheWindowIsShownAgain) {
 }
 
 TEST_F(HoverWindow, ShownAgainForTheSameFileItHasItsPicture) {
-    [window_controller_ setPath:url(folder_.file("text", "A\n"))];
+    [window_controller_ setPath:url(folder_.file("text", test::plain_bytes))];
     finish();
     [window_controller_ showPreviewWindow:nil];  // no file is highlighted
     EXPECT_EQ([image_view() superview], content());
@@ -177,7 +178,7 @@ TEST_F(HoverWindow, ShownAgainForTheSameFileItHasItsPicture) {
 
 TEST_F(HoverWindow, ShownAgainWhileItsPictureIsMadeItsDiscTurnsOn) {
     [window_controller_ showPreviewWindow:nil];  // no file is highlighted
-    [window_controller_ setPath:url(folder_.file("text", "A\n"))];
+    [window_controller_ setPath:url(folder_.file("text", test::plain_bytes))];
     [window_controller_ hidePreviewWindow:nil];
     EXPECT_EQ(timer(), nil);
     ASSERT_TRUE(is_busy()) << "its end comes in a turn of the run loop";
@@ -223,7 +224,7 @@ namespace {
 class Resting : public HoverWindow {
   protected:
     Resting() : preview_([controller_ valueForKey:@"previewWindowController"]) {
-        path_ = folder_.file("text", "A\n");
+        path_ = folder_.file("text", test::plain_bytes);
     }
     ~Resting() override {
         [controller_ removeMenuAndDelegate];

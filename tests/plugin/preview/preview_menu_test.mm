@@ -48,7 +48,7 @@ TEST_F(PreviewMenu, IsTheSubmenuOfAFilesOptionAlternate) {
 }
 
 TEST_F(PreviewMenu, ThePictureComesWhileMenusTrackAndIsLogged) {
-    DVMenu* menu = preview_of(folder_.file("file", "A\n"));
+    DVMenu* menu = preview_of(folder_.file("file", test::plain_bytes));
     const std::string log = log_of([&] {
         [controller_ menuWillOpen:menu];
         run_until([&] { return [image_item(menu) image] != nil; });
@@ -59,7 +59,7 @@ TEST_F(PreviewMenu, ThePictureComesWhileMenusTrackAndIsLogged) {
 }
 
 TEST_F(PreviewMenu, ADiscTurnsUntilThePictureIsThere) {
-    DVMenu* menu = preview_of(folder_.file("file", "A\n"));
+    DVMenu* menu = preview_of(folder_.file("file", test::plain_bytes));
     [controller_ menuWillOpen:menu];
     ASSERT_EQ([menu numberOfItems], 1);
     EXPECT_TRUE([image_item(menu) isKindOfClass:[DVImageItem class]]);
@@ -72,14 +72,14 @@ TEST_F(PreviewMenu, ADiscTurnsUntilThePictureIsThere) {
 
 TEST_F(PreviewMenu, ThePicturesImageIsReleased) {
     const int before = test::images_alive();
-    DVMenu* menu = preview_of(folder_.file("file", "A\n"));
+    DVMenu* menu = preview_of(folder_.file("file", test::plain_bytes));
     [controller_ menuWillOpen:menu];
     run_until([&] { return [image_item(menu) image] != nil; });
     EXPECT_EQ(test::images_alive(), before);
 }
 
 TEST_F(PreviewMenu, OpenedAgainItStartsNoNewWork) {
-    const std::string path = folder_.file("file", "A\n");
+    const std::string path = folder_.file("file", test::plain_bytes);
     DVMenu* menu = preview_of(path);
     [controller_ menuWillOpen:menu];
     run_until([&] { return [image_item(menu) image] != nil; });
@@ -103,7 +103,7 @@ TEST_F(PreviewMenu, AFileThatCannotBeReadHasOneDisabledLine) {
 }
 
 TEST_F(PreviewMenu, AFileThatIsRemovedMeanwhileHasNoPreview) {
-    const std::string path = folder_.file("file", "A\n");
+    const std::string path = folder_.file("file", test::plain_bytes);
     DVMenu* menu = preview_of(path);
     unlink(path.c_str());
     [controller_ menuWillOpen:menu];
@@ -112,7 +112,7 @@ TEST_F(PreviewMenu, AFileThatIsRemovedMeanwhileHasNoPreview) {
 }
 
 TEST_F(PreviewMenu, AMenuThatHasClosedStillGetsItsResult) {
-    DVMenu* menu = [[preview_of(folder_.file("file", "A\n")) retain] autorelease];
+    DVMenu* menu = [[preview_of(folder_.file("file", test::plain_bytes)) retain] autorelease];
     [controller_ menuWillOpen:menu];
     release();  // frees the trees while the picture is being made
     run_until([&] { return [image_item(menu) image] != nil; });
@@ -123,7 +123,7 @@ TEST_F(PreviewMenu, AnotherSizeHoldsFromTheNextPreviewOn) {
     for (const int size : {64, 300}) {
         release();
         set("preview_size", size);
-        DVMenu* menu = preview_of(folder_.file("file", "A\n"));
+        DVMenu* menu = preview_of(folder_.file("file", test::plain_bytes));
         [controller_ menuWillOpen:menu];
         run_until([&] { return [image_item(menu) image] != nil; });
         EXPECT_EQ([[image_item(menu) image] size].width, size);
