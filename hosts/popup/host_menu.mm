@@ -69,7 +69,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
 }
 
 + (BOOL)madeItem:(NSMenuItem*)item {
-    return [[item representedObject] isKindOfClass:self];
+    return [item representedObject] == self;
 }
 
 // Called several times for one popup, also when the menu already holds a plug-in's items.
@@ -100,7 +100,8 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
         [item setTarget:self];
         [item setTag:index];
     }
-    [item setRepresentedObject:self];
+    // Items retain this object, so it must not be the one that holds their menu.
+    [item setRepresentedObject:[HostMenu class]];
     [_menu addItem:item];
 }
 
