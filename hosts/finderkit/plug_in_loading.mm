@@ -9,6 +9,7 @@
 #include <string.h>
 
 #include "finderkit/applications_folder.h"
+#include "finderkit/asked_settings.h"
 #include "finderkit/plug_in_items.h"
 #include "finderkit/preview_placement.h"
 
@@ -74,6 +75,7 @@ bool load_and_enter(const std::string& path, std::string* problem) {
 bool load_plug_in(const std::string& path, std::string* problem) {
     declare_process_signature('MACS');
     place_previews_as_set();
+    answer_settings();
     std::string reason;
     if (load_and_enter(path, &reason)) return true;
     *problem = "cannot load the plug-in " + path + ": " + reason;

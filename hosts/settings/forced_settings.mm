@@ -37,7 +37,7 @@ bool gather(const std::vector<std::pair<std::string, std::string>>& pairs, Words
 
 id object_of(const Setting& setting, const SettingValue& value) {
     if (is_numeric(setting)) return [NSNumber numberWithInt:value.number];
-    if (setting.type == SettingType::path) return string_of(value.strings.front());
+    if (setting.type != SettingType::paths) return string_of(value.strings.front());
     NSMutableArray* array = [NSMutableArray array];
     for (const std::string& text : value.strings) [array addObject:string_of(text)];
     return array;

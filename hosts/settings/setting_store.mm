@@ -45,6 +45,13 @@ void read_strings(SettingState* state) {
     const bool list = state->setting->type == SettingType::paths;
     state->stored = [object isKindOfClass:list ? [NSArray class] : [NSString class]];
     if (state->stored) state->value.strings = strings_in(object);
+    const Setting& setting = *state->setting;
+    if (setting.type == SettingType::word) {
+        std::string problem;
+        SettingValue value;
+        state->stored = parse_setting(setting, state->value.strings, &value, &problem);
+        state->value.strings = {state->stored ? value.strings.front() : setting.words.front()};
+    }
     const bool open_with = std::string_view(state->setting->key) == "open_with_path";
     if (open_with && !state->stored) state->value.strings = {installed_applications()};
 }

@@ -9,12 +9,13 @@ namespace {
 using json = nlohmann::ordered_json;
 
 const char* type_name(SettingType type) {
-    static const char* const names[] = {"flag", "integer", "path", "paths"};
+    static const char* const names[] = {"flag", "integer", "path", "paths", "word"};
     return names[static_cast<int>(type)];
 }
 
 std::string default_text(const Setting& setting) {
     if (is_numeric(setting)) return std::to_string(setting.standard);
+    if (setting.type == SettingType::word) return setting.words.front();
     return setting.type == SettingType::path ? "the installed applications" : "none";
 }
 
@@ -35,12 +36,17 @@ json value_json(const SettingState& state) {
     return state.value.strings.empty() ? json(nullptr) : json(state.value.strings.front());
 }
 
+json default_json(const Setting& setting) {
+    if (setting.type == SettingType::word) return setting.words.front();
+    return is_numeric(setting) ? json(setting.standard) : json(nullptr);
+}
+
 json state_json(const SettingState& state) {
     const Setting& setting = *state.setting;
     return {{"key", setting.key},
             {"type", type_name(setting.type)},
             {"value", value_json(state)},
-            {"default", is_numeric(setting) ? json(setting.standard) : json(nullptr)},
+            {"default", default_json(setting)},
             {"bounds", describe_bounds(setting)},
             {"set", state.stored},
             {"meaning", setting.meaning}};

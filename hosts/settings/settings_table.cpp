@@ -10,6 +10,7 @@
 
 #include "command/similar_words.h"
 #include "file_steps/visible_text.h"
+#include "finderkit/asked_settings.h"
 #include "finderkit/preview_placement.h"
 
 using operations::in_quotes;
@@ -37,6 +38,13 @@ const std::vector<Setting> settings = {
      "0 none, 1 names that begin with a dot, 2 invisible items, 3 both"},
     {"show_package_contents", flag, 0, 0, 1, "1 opens applications and packages like folders"},
     {"showLabels", flag, 1, 0, 1, "show label colours"},
+    {escape_closes_setting,
+     SettingType::word,
+     0,
+     0,
+     0,
+     "what Escape closes: all, the whole menu; level, one level, and at once again the rest",
+     {"all", "level"}},
     {"font_size", integer, 0, 0, 288, "size of the menu's text in points, 0 for the host's"},
     {"showRecentItems", flag, 1, 0, 1, "offer the recent documents of applications"},
     {"open_with_path", SettingType::path, 0, 0, 0,
@@ -98,7 +106,18 @@ bool parse_numeric(const Setting& setting, const std::string& word, int32_t* num
     return parse_number(word, number) && *number >= setting.least && *number <= setting.most;
 }
 
-bool is_path(const Setting& setting, const std::string& word) {
+bool is_word_of(const Setting& setting, const std::string& word) {
+    return std::find(setting.words.begin(), setting.words.end(), word) != setting.words.end();
+}
+
+std::string joined_words(const Setting& setting) {
+    std::string text;
+    for (const std::string& word : setting.words) text += (text.empty() ? "" : " or ") + word;
+    return text;
+}
+
+bool is_string_for(const Setting& setting, const std::string& word) {
+    if (setting.type == SettingType::word) return is_word_of(setting, word);
     if (!g_utf8_validate(word.data(), static_cast<gssize>(word.size()), nullptr)) return false;
     if (setting.type == SettingType::paths && word == "-") return true;
     return !word.empty() && word[0] == '/';
@@ -138,6 +157,7 @@ int32_t number_in_effect(const Setting& setting, int32_t stored) {
 std::string describe_bounds(const Setting& setting) {
     if (setting.type == SettingType::path) return "an absolute path";
     if (setting.type == SettingType::paths) return "absolute paths, or - for a separator";
+    if (setting.type == SettingType::word) return joined_words(setting);
     if (setting.type == SettingType::flag) return "0 or 1";
     if (setting.most == any_most && setting.least == any_least) return "a whole number";
     if (setting.most == any_most) return std::to_string(setting.least) + " or more";
@@ -151,8 +171,9 @@ bool parse_setting(const Setting& setting, const std::vector<std::string>& words
     if (is_numeric(setting)) {
         good = good && parse_numeric(setting, words[0], &value->number);
     } else {
-        good = good && std::all_of(words.begin(), words.end(),
-                                   [&](const std::string& word) { return is_path(setting, word); });
+        good = good && std::all_of(words.begin(), words.end(), [&](const std::string& word) {
+                   return is_string_for(setting, word);
+               });
         value->strings = words;
     }
     if (good) return true;

@@ -15,6 +15,7 @@ enum class SettingType {
     integer,  // signed, 32 bits
     path,     // an absolute path, or nothing
     paths,    // absolute paths; "-" stands for a separator
+    word,     // one of a few words
 };
 
 struct Setting {
@@ -24,9 +25,10 @@ struct Setting {
     int32_t least;     // bounds of flags and integers
     int32_t most;
     const char* meaning;
+    std::vector<std::string> words = {};  // of a word; the first is the default
 };
 
-// A value of a setting: the number, or the strings (a single one for a path).
+// A value of a setting: the number, or the strings (a single one for a path or a word).
 struct SettingValue {
     int32_t number = 0;
     std::vector<std::string> strings;

@@ -17,7 +17,10 @@ class KeyboardTracker {
     // Events other than keys only tell which modifiers are held.
     void handle(NSEvent* event);
     // The pointer leads, until a key is pressed.
-    void yield_to_pointer() { level_ = -1; }
+    void yield_to_pointer() {
+        level_ = -1;
+        escaped_ = false;
+    }
     // Asks the server which modifiers are held, for when some of their events have gone elsewhere.
     void ask_modifiers();
 
@@ -31,14 +34,17 @@ class KeyboardTracker {
     void move_to(int row, int step, bool wraps);
     void enter_submenu();
     void leave_submenu();
+    void escape();
     void choose();
     bool is_typing() const;
     void type(NSString* characters);
+    bool find(const std::string& wanted, int from);
 
     MenuLevels& levels_;
     PointerTracker& pointer_;
     NSUInteger flags_ = 0;  // of the last event
     int level_ = -1;        // the level that keys have led to; -1 once the pointer has moved
-    std::string typed_;
+    bool escaped_ = false;  // the last key was an Escape that closed one level
+    std::string typed_;     // folded
     double typed_at_ = 0;
 };

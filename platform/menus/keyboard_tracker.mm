@@ -10,6 +10,7 @@
 namespace {
 
 const double typing_pause = 1;  // after which typing starts anew
+const unichar escape_character = 0x1B;
 
 bool is_key_event(NSEvent* event) {
     const NSEventType type = [event type];
@@ -17,6 +18,37 @@ bool is_key_event(NSEvent* event) {
 }
 
 const std::vector<MenuRow>& rows_of(const MenuLevel& level) { return level.layout().rows(); }
+
+// Whether a row beyond this one, in direction `step`, can be highlighted.
+bool is_outermost(const std::vector<MenuRow>& rows, int row, int step) {
+    const int count = static_cast<int>(rows.size());
+    for (row += step; row >= 0 && row < count; row += step) {
+        if (can_highlight(rows[row].item)) return false;
+    }
+    return true;
+}
+
+// Rows at the ends that cannot be highlighted come into sight with the row next to them.
+void reveal_with_ends(MenuLevel& level, int row) {
+    const std::vector<MenuRow>& rows = rows_of(level);
+    if (is_outermost(rows, row, -1)) level.reveal(0);
+    if (is_outermost(rows, row, 1)) level.reveal(static_cast<int>(rows.size()) - 1);
+    level.reveal(row);
+}
+
+// The character that the text repeats; empty for other texts.
+std::string repeated_character(const std::string& text) {
+    if (text.empty()) return "";
+    const std::string first = text.substr(0, g_utf8_skip[static_cast<unsigned char>(text[0])]);
+    for (size_t at = 0; at < text.size(); at += first.size()) {
+        if (text.compare(at, first.size(), first) != 0) return "";
+    }
+    return first;
+}
+
+bool begins_with(NSMenuItem* item, const std::string& wanted) {
+    return folded(visible_title([item title])).rfind(wanted, 0) == 0;
+}
 
 }  // namespace
 
@@ -58,7 +90,10 @@ void KeyboardTracker::press(NSEvent* event) {
     NSString* characters = [event characters];
     if (![characters length] || levels_.empty()) return;
     take_focus();
-    if (press_command([characters characterAtIndex:0])) return;
+    const unichar first = [characters characterAtIndex:0];
+    if (first == escape_character) return escape();
+    escaped_ = false;
+    if (press_command(first)) return typed_.clear();
     if ([characters isEqualToString:@" "] && !is_typing()) return choose();
     if ([event modifierFlags] & (NSControlKeyMask | NSCommandKeyMask)) return;
     type(characters);
@@ -85,8 +120,6 @@ bool KeyboardTracker::press_command(unichar character) {
             return enter_submenu(), true;
         case NSLeftArrowFunctionKey:
             return leave_submenu(), true;
-        case 0x1B:
-            return pointer_.cancel(), true;
         case NSCarriageReturnCharacter:
         case NSNewlineCharacter:
         case NSEnterCharacter:
@@ -109,11 +142,13 @@ void KeyboardTracker::move_highlight(int step, bool wraps) {
     move_to(target, direction, wraps);
 }
 
-// Highlights the first row from `row` on, in direction `step`, that can be highlighted.
+// Highlights the first row from `row` on, in direction `step`, that can be highlighted. Without one
+// the search goes back from `row`, unless it wraps around the ends.
 void KeyboardTracker::move_to(int row, int step, bool wraps) {
     const size_t index = focus_level();
     MenuLevel& level = levels_[index];
     const int count = static_cast<int>(rows_of(level).size());
+    if (!wraps && is_outermost(rows_of(level), row - step, step)) step = -step;
     for (int tries = 0; tries < count; tries++, row += step) {
         if (wraps) row = (row + count) % count;
         if (row < 0 || row >= count) return;
@@ -123,7 +158,7 @@ void KeyboardTracker::move_to(int row, int step, bool wraps) {
             [levels_.session() closeLevelsBelowMenu:level.menu()];
         }
         [levels_.session() highlightItem:item inMenu:level.menu()];
-        level.reveal(row);
+        reveal_with_ends(level, row);
         return;
     }
 }
@@ -154,6 +189,15 @@ void KeyboardTracker::leave_submenu() {
     }
 }
 
+// Closes the menu, or one level where the host wants that; a second Escape then closes the rest.
+void KeyboardTracker::escape() {
+    if (escaped_ || levels_.size() < 2 || !escape_closes_level()) return pointer_.cancel();
+    escaped_ = true;
+    const size_t deepest = levels_.size() - 1;
+    level_ = static_cast<int>(deepest) - 1;
+    [levels_.session() closeLevelsBelowMenu:levels_[deepest - 1].menu()];
+}
+
 void KeyboardTracker::choose() {
     NSMenuItem* item = levels_.highlighted_item(focus_level());
     if (can_pick(item)) {
@@ -172,12 +216,27 @@ void KeyboardTracker::type(NSString* characters) {
     if (first < 0x20 || first == 0x7F || (first >= 0xF700 && first <= 0xF8FF)) return;
     if (!is_typing()) typed_.clear();
     typed_at_ = seconds_now();
-    typed_ += [characters UTF8String] ?: "";
-    const std::string wanted = folded(typed_);
+    typed_ += folded([characters UTF8String] ?: "");
+    const size_t index = focus_level();
+    const int row = std::max(0, levels_[index].layout().row_of(levels_.highlighted_item(index)));
+    const std::string repeated = repeated_character(typed_);
+    const bool is_one = typed_ == repeated;
+    if (!is_one && find(typed_, row)) return;
+    if (repeated.empty()) return;
+    // Each further press of a letter leads to the next of its rows.
+    const bool is_there = begins_with(levels_.highlighted_item(index), repeated);
+    find(repeated, is_there ? row + 1 : row);
+}
+
+// Highlights the first row from `from` on, around the end, whose title begins with the text.
+bool KeyboardTracker::find(const std::string& wanted, int from) {
     const std::vector<MenuRow>& rows = rows_of(levels_[focus_level()]);
-    for (size_t row = 0; row < rows.size(); row++) {
-        if (!can_highlight(rows[row].item)) continue;
-        if (folded(visible_title([rows[row].item title])).rfind(wanted, 0) != 0) continue;
-        return move_to(static_cast<int>(row), 1, false);
+    const int count = static_cast<int>(rows.size());
+    for (int i = 0; i < count; i++) {
+        const int row = (from + i) % count;
+        if (!can_highlight(rows[row].item) || !begins_with(rows[row].item, wanted)) continue;
+        move_to(row, 1, false);
+        return true;
     }
+    return false;
 }

@@ -59,6 +59,10 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
     set_heading_question(question);
 }
 
++ (void)setEscapeQuestion:(BOOL (*)())question {
+    set_escape_question(question);
+}
+
 - (NSMenuItem*)glanceAtItemAtIndex:(NSInteger)index {
     return glance_at_item([self itemArray], static_cast<NSUInteger>(index));
 }

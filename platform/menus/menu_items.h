@@ -19,6 +19,10 @@ bool can_pick(NSMenuItem* item);
 // See +[NSMenu setHeadingQuestion:].
 void set_heading_question(BOOL (*question)(NSMenuItem*));
 
+// See +[NSMenu setEscapeQuestion:].
+void set_escape_question(BOOL (*question)());
+bool escape_closes_level();
+
 // Asks the delegate for the menu's items, then enables them by their targets where the menu does
 // that itself. Submenus are left alone: each is asked when it opens.
 void update_menu(NSMenu* menu);

@@ -5,6 +5,7 @@
 namespace {
 
 BOOL (*heading_question)(NSMenuItem*);
+BOOL (*escape_question)();
 
 bool only_heads_submenu(NSMenuItem* item) {
     return heading_question && [item hasSubmenu] && heading_question(item);
@@ -112,6 +113,10 @@ bool can_pick(NSMenuItem* item) {
 }
 
 void set_heading_question(BOOL (*question)(NSMenuItem*)) { heading_question = question; }
+
+void set_escape_question(BOOL (*question)()) { escape_question = question; }
+
+bool escape_closes_level() { return escape_question && escape_question(); }
 
 void update_menu(NSMenu* menu) {
     id delegate = [menu delegate];

@@ -48,6 +48,7 @@ std::string plain(const std::string& text) {
 }
 
 std::string default_of(const Setting& setting) {
+    if (setting.type == SettingType::word) return setting.words.front();
     return is_numeric(setting) ? std::to_string(setting.standard) : "none";
 }
 

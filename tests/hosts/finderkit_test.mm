@@ -1,11 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <host/forced_preferences.h>
 #include <host/process.h>
 #include <Carbon/Processes.h>
 #include <objc/runtime.h>
 
+#include "finderkit/asked_settings.h"
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in.h"
+#include "finderkit/settings_file.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -50,6 +53,17 @@ TEST(Nodes, WhoseNameIsNotUtf8HaveAUrlAllTheSame) {
     NSArray* nodes = nodes_of({"/tmp/bad\xff", "/tmp/good"});
     EXPECT_NE([[nodes objectAtIndex:0] url], nil);
     EXPECT_TRUE([path_of(nodes, 1) isEqual:@"/tmp/good"]);
+}
+
+TEST(EscapeKey, ClosesWhatTheSettingSays) {
+    CFStringRef key = (CFStringRef) @(escape_closes_setting);
+    CFStringRef domain = (CFStringRef) @(settings_domain);
+    EXPECT_FALSE(escape_closes_one_level());
+    force_preference(key, @"level", domain);
+    EXPECT_TRUE(escape_closes_one_level());
+    force_preference(key, @"all", domain);
+    EXPECT_FALSE(escape_closes_one_level());
+    force_preference(key, nullptr, domain);
 }
 
 TEST(ContextMenu, KeepsWhatItIsConfiguredWith) {

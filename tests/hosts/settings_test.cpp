@@ -62,6 +62,7 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "use_icons",
                                             "placement",
                                             "font_size",
+                                            "escape_closes",
                                             "disable_menu_fade",
                                             "custom_folder_order",
                                             "only_folders_in_main_menu",
@@ -113,6 +114,23 @@ TEST(SettingsTable, TakesAbsolutePaths) {
     EXPECT_TRUE(accepts("folders", {"/a", "-", "/b"}));
     EXPECT_FALSE(accepts("folders", {"/a", "b"}));
     EXPECT_FALSE(accepts("folders", {"/bad\xff"}));
+}
+
+TEST(SettingsTable, TakesTheWordsOfAWordAlone) {
+    EXPECT_TRUE(accepts("escape_closes", {"all"}));
+    EXPECT_TRUE(accepts("escape_closes", {"level"}));
+    for (const Words& words : {Words{"none"}, {""}, {"Level"}, {"all", "level"}})
+        EXPECT_FALSE(accepts("escape_closes", words));
+}
+
+TEST(SettingsCommand, ChangesAndResetsAWord) {
+    EXPECT_EQ(get("escape_closes"), "all\n");
+    EXPECT_EQ(settings({"set", "escape_closes", "level"}).status, 0);
+    EXPECT_EQ(get("escape_closes"), "level\n");
+    expect_refused({"set", "escape_closes", "none"}, "escape_closes takes all or level");
+    EXPECT_EQ(system("defaults write org.delvio.Delvio escape_closes other >/dev/null 2>&1"), 0);
+    EXPECT_EQ(get("escape_closes"), "all\n") << "a word that it does not know";
+    settings({"reset", "--all"});
 }
 
 TEST(SettingsCommand, ChangesAndResetsAValue) {

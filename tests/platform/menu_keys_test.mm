@@ -168,3 +168,114 @@ TEST_F(Presenter, AlternatesFollowTheKeysWhileTheMenuIsOpen) {
     run();
     EXPECT_NE(log().find("pick alternate"), std::string::npos);
 }
+
+TEST_F(Presenter, TheWindowBelowKeepsTheFocusWhileTheMenuHasTheKeys) {
+    const unsigned long window = script_.input.new_window();
+    script_.input.focus(window);
+    shown([this] { key("End"); });
+    highlighted("gamma", 0, [this, window] {
+        EXPECT_EQ(script_.input.focused(), window);
+        key("Return");
+    });
+    run();
+    EXPECT_NE(log().find("pick gamma"), std::string::npos);
+    EXPECT_EQ(script_.input.focused(), window);
+}
+
+TEST_F(Presenter, FurtherPressesOfALetterGoThroughItsRows) {
+    [recorder_ addItem:@"Gallery" toMenu:root_];
+    [recorder_ addItem:@"green" toMenu:root_];
+    shown([this] { key("g"); });
+    highlighted("gamma", 0, [this] { key("g"); });
+    highlighted("Gallery", 0, [this] { key("g"); });
+    highlighted("green", 0, [this] { key("g"); });
+    highlighted("gamma", 0, [this] { key("Escape"); });
+    run();
+}
+
+TEST_F(Presenter, TypingWithoutAccentsFindsThemHoweverTheyAreComposed) {
+    const unichar composed[] = {'C', 'a', 'f', 0xE9}, apart[] = {'C', 'a', 'f', 'e', 0x301, 's'};
+    [recorder_ addItem:[NSString stringWithCharacters:composed length:4] toMenu:root_];
+    [recorder_ addItem:[NSString stringWithCharacters:apart length:6] toMenu:root_];
+    shown([this] {
+        for (const char* letter : {"c", "a", "f", "e"}) key(letter);
+    });
+    highlighted("Caf\u00E9", 0, [this] { key("s"); });
+    highlighted("Cafe\u0301s", 0, [this] { key("Escape"); });
+    run();
+}
+
+// Keys of other keyboards, and one that only begins a character.
+TEST_F(Presenter, TypingTakesAnyScriptAndCharactersOfSeveralKeys) {
+    const std::string stroke = script_.input.new_key("dead_stroke");
+    const std::string cyrillic = script_.input.new_key("Cyrillic_er");
+    const std::string chinese = script_.input.new_key("U65E5");
+    for (const char* title : {"\u0440\u0443\u0441", "\u65E5\u672C", "other", "\u00D8rsted"}) {
+        [recorder_ addItem:[NSString stringWithUTF8String:title] toMenu:root_];
+    }
+    shown([this, cyrillic] { key(cyrillic.c_str()); });
+    highlighted("\u0440\u0443\u0441", 0, [this, chinese] {
+        key("Home");
+        key(chinese.c_str());
+    });
+    highlighted("\u65E5\u672C", 0, [this, stroke] {
+        key("Home");
+        key(stroke.c_str());
+        key("o");
+    });
+    highlighted("\u00D8rsted", 0, [this] { key("Escape"); });
+    run();
+}
+
+TEST_F(KeysInASubmenu, PageDownAndEndReachTheEndThoughItsRowsAreDisabled) {
+    NSMenu* menu = [folder_ submenu];
+    [menu addItem:[NSMenuItem separatorItem]];
+    [[recorder_ addItem:@"last" toMenu:menu] setEnabled:NO];
+    const auto sees_the_end = [] {
+        MenuLevel& level = shown_level(1);
+        const int last = static_cast<int>(level.layout().rows().size()) - 1;
+        return highlighted_title(1) == "row 99" &&
+               level.row_area(last).bottom() <= level.panel().bottom();
+    };
+    levels(2, [this] { key("Right"); });
+    highlighted("row 0", 1, [this] {
+        for (int i = 0; i < 20; i++) key("Next");
+    });
+    script_.when("the end by Page Down", sees_the_end, [this] { key("Home"); });
+    highlighted("row 0", 1, [this] { key("End"); });
+    script_.when("the end by End", sees_the_end, [this] { key("Escape"); });
+    run();
+}
+
+class EscapeOneLevel : public KeysInASubmenu {
+  protected:
+    void SetUp() override {
+        KeysInASubmenu::SetUp();
+        [NSMenu setEscapeQuestion:yes];
+    }
+    void TearDown() override {
+        [NSMenu setEscapeQuestion:nullptr];
+        KeysInASubmenu::TearDown();
+    }
+    static BOOL yes() { return YES; }
+};
+
+TEST_F(EscapeOneLevel, ClosesTheDeepestLevelAndTheSecondPressTheRest) {
+    NSMenu* deeper = [addFolder(@"deeper", [folder_ submenu]) submenu];
+    [recorder_ addItem:@"leaf" toMenu:deeper];
+    levels(2, [this] { key("Right"); });
+    highlighted("row 0", 1, [this] { key("End"); });
+    highlighted("deeper", 1, [this] { key("Right"); });
+    levels(3, [this] { key("Escape"); });
+    levels(2, [this] { key("Escape"); });
+    run();
+    EXPECT_NE(log().find("close deeper, close folder, close root"), std::string::npos);
+}
+
+TEST_F(EscapeOneLevel, ClosesOneLevelAgainAfterAnotherKey) {
+    levels(2, [this] { key("Escape"); });
+    levels(1, [this] { key("Right"); });
+    levels(2, [this] { key("Escape"); });
+    levels(1, [this] { key("Escape"); });
+    run();
+}

@@ -5,6 +5,7 @@
 #include <X11/extensions/XTest.h>
 #include <X11/extensions/Xfixes.h>
 
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
@@ -47,6 +48,23 @@ unsigned XInput::code(const std::string& name) {
 }
 
 std::string XInput::place_of(const std::string& name) { return "#" + std::to_string(code(name)); }
+
+std::string XInput::new_key(const std::string& name) {
+    int first = 0, last = 0, width = 0;
+    XDisplayKeycodes(display_, &first, &last);
+    KeySym symbol = XStringToKeysym(name.c_str());
+    if (symbol == NoSymbol) throw std::runtime_error("no key of this name: " + name);
+    for (int code = last; code >= first; code--) {
+        KeySym* known = XGetKeyboardMapping(display_, static_cast<KeyCode>(code), 1, &width);
+        const bool is_free = std::all_of(known, known + width, [](KeySym s) { return !s; });
+        XFree(known);
+        if (!is_free) continue;
+        XChangeKeyboardMapping(display_, code, 1, &symbol, 1);
+        XSync(display_, False);
+        return "#" + std::to_string(code);
+    }
+    throw std::runtime_error("no free key");
+}
 
 void XInput::fake_key(const std::string& name, bool down) {
     XTestFakeKeyEvent(display_, code(name), down, CurrentTime);
@@ -96,6 +114,24 @@ bool XInput::pointer_is_free() {
 void XInput::focus(unsigned long window) {
     XSetInputFocus(display_, window, RevertToPointerRoot, CurrentTime);
     XSync(display_, False);
+}
+
+unsigned long XInput::focused() const {
+    Window focused = None;
+    int revert = 0;
+    XGetInputFocus(display_, &focused, &revert);
+    return focused;
+}
+
+unsigned long XInput::new_window() {
+    const Window window =
+        XCreateSimpleWindow(display_, DefaultRootWindow(display_), 10, 10, 60, 40, 0, 0, 0);
+    XSelectInput(display_, window, StructureNotifyMask);
+    XMapWindow(display_, window);
+    XEvent event;
+    XWindowEvent(display_, window, StructureNotifyMask, &event);
+    XSync(display_, False);
+    return window;
 }
 
 unsigned long XInput::cursor() {

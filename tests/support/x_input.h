@@ -26,6 +26,8 @@ class XInput {
     void key(const std::string& name);
     // A name for the key that has this name now, valid in any other layout.
     std::string place_of(const std::string& name);
+    // Puts a key of this name where the keyboard has none yet, and returns its place.
+    std::string new_key(const std::string& name);
     // Releases every key and button that is still held.
     void let_go();
 
@@ -34,6 +36,9 @@ class XInput {
     bool keyboard_is_free();
     // Gives a window the keyboard, as a click on it can.
     void focus(unsigned long window);
+    unsigned long focused() const;
+    // A window of another program, shown, until this object dies.
+    unsigned long new_window();
     // A number that identifies the cursor that is shown.
     unsigned long cursor();
     // The colour of a pixel of the screen, 0xRRGGBB.

@@ -76,6 +76,9 @@
 // A host's answer for items that have both an action and a submenu: whether an item only heads its
 // submenu. A pick of such an item opens its submenu instead. Null: no item only heads its submenu.
 + (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question;
+// A host's answer, asked at each Escape: whether Escape closes the deepest level alone, and only a
+// second Escape the whole menu. Null: Escape closes the whole menu.
++ (void)setEscapeQuestion:(BOOL (*)())question;
 // The item at this index, to be read at once. In a large menu, an alternate has no object until
 // somebody asks for it, and a walk that only reads all items need not make them: this one may stand
 // for another item at the next call.

@@ -1,0 +1,23 @@
+#include "finderkit/asked_settings.h"
+
+#include <host/menu_tracking.h>
+#include <CoreFoundation/CoreFoundation.h>
+
+#include "finderkit/settings_file.h"
+
+namespace {
+
+// Autoreleased; nil if it is not set.
+id value_of(const char* setting) {
+    const void* stored =
+        CFPreferencesCopyAppValue((CFStringRef) @(setting), (CFStringRef) @(settings_domain));
+    return [static_cast<id>(const_cast<void*>(stored)) autorelease];
+}
+
+BOOL closes_one_level() { return escape_closes_one_level(); }
+
+}  // namespace
+
+bool escape_closes_one_level() { return [value_of(escape_closes_setting) isEqual:@"level"]; }
+
+void answer_settings() { [NSMenu setEscapeQuestion:closes_one_level]; }
