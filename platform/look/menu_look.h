@@ -13,6 +13,7 @@ struct MenuPalette {
     Color panel, border, edge;                   // the edge is the hairline inside the border
     Color text, dimmed_text, hidden_text, mark;  // dimmed: disabled; hidden: of hidden files
     Color highlight, highlight_text;
+    Color trail;  // behind the rows that have led to the level with the highlight
     Color separator;
     double shadow;  // darkest alpha
 };

@@ -19,6 +19,7 @@ const MenuPalette light_palette = {
     .mark = {0.11, 0.11, 0.13, 0.50},
     .highlight = {0.133, 0.427, 0.925, 1},
     .highlight_text = {1, 1, 1, 1},
+    .trail = {0.133, 0.427, 0.925, 0.20},
     .separator = {0, 0, 0, 0.10},
     .shadow = 0.20,
 };
@@ -33,6 +34,7 @@ const MenuPalette dark_palette = {
     .mark = {0.937, 0.941, 0.953, 0.55},
     .highlight = {0.196, 0.467, 0.933, 1},
     .highlight_text = {1, 1, 1, 1},
+    .trail = {0.196, 0.467, 0.933, 0.38},
     .separator = {1, 1, 1, 0.13},
     .shadow = 0.42,
 };

@@ -45,7 +45,8 @@ class MenuLevel {
     void resize();
     void hide();
 
-    void set_highlight(NSMenuItem* item);
+    // With `is_trail`, the highlight is shown as one that has led to a deeper level's.
+    void set_highlight(NSMenuItem* item, bool is_trail);
 
     bool contains(MenuPoint point) const { return shown_ && panel_.contains(point); }
     // Index of the row under a point, -1 over none.
@@ -88,6 +89,7 @@ class MenuLevel {
     MenuLevelView* view_ = nil;
     std::unordered_map<NSView*, MenuItemHolder*> holders_;  // both retained
     NSMenuItem* highlighted_ = nil;                         // retained
+    bool is_trail_ = false;
     Area panel_ = {}, screen_ = {};
     Side side_ = on_right;
     int scroll_ = 0;

@@ -102,8 +102,9 @@ void MenuLevel::hide() {
     if (shown_) hide_shape_of_menu_window(window_);
 }
 
-void MenuLevel::set_highlight(NSMenuItem* item) {
-    if (item == highlighted_) return;
+void MenuLevel::set_highlight(NSMenuItem* item, bool is_trail) {
+    if (item == highlighted_ && is_trail == is_trail_) return;
+    is_trail_ = is_trail;
     redraw_row(highlighted_);
     [item retain];
     [highlighted_ release];
@@ -173,6 +174,7 @@ MenuScene MenuLevel::scene(bool shadow) const {
     scene.layout = &layout_;
     scene.images = style_.images;
     scene.highlighted = highlighted_;
+    scene.is_trail = is_trail_;
     scene.left = scene.top = margin();
     scene.width = panel_.width;
     scene.height = panel_.height;

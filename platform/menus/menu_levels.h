@@ -61,6 +61,7 @@ class MenuLevels {
     void show(size_t index);
     NSUInteger modifiers_for(size_t index) const;
     bool synchronize_rows(size_t index);
+    void show_highlights();
     void follow_rows(size_t index, int row_before);
 
     MenuSession* session_;  // retained

@@ -52,9 +52,19 @@ void MenuLevels::synchronize() {
         for (size_t i = 0; i < levels_.size(); i++) changed = synchronize_rows(i) || changed;
         if (!changed && !changed_) break;
     }
-    for (size_t i = 0; i < levels_.size(); i++) levels_[i]->set_highlight(highlighted_item(i));
+    show_highlights();
     for (const auto& level : levels_) display_menu_window(level->window());
     tell_open_levels_changed();
+}
+
+// The deepest highlight has the full accent, because the keys and a pick act there.
+void MenuLevels::show_highlights() {
+    bool is_trail = false;
+    for (size_t i = levels_.size(); i-- > 0;) {
+        NSMenuItem* item = highlighted_item(i);
+        levels_[i]->set_highlight(item, is_trail);
+        is_trail = is_trail || item;
+    }
 }
 
 bool MenuLevels::needs_synchronizing() const {

@@ -11,6 +11,7 @@ struct MenuScene {
     const MenuLayout* layout;
     ImageCache* images;
     NSMenuItem* highlighted;
+    bool is_trail;                 // the highlight has led to a deeper one, and is weaker than that
     int left, top, width, height;  // the panel
     int scroll;                    // content above the panel's top
     bool scrolls_up, scrolls_down;

@@ -12,21 +12,40 @@ void set_color(cairo_t* cairo, const Color& color, double share = 1) {
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha * share);
 }
 
+// The share of the darkest shadow at a distance from the edge of what casts it, from -1 (inside,
+// where the shadow is full) to 1 (where it ends).
+double shadow_share(double distance) {
+    const double inward = std::clamp((1 - distance) / 2, 0.0, 1.0);
+    return inward * inward * (3 - 2 * inward);
+}
+
+// A soft edge of lines a pixel wide. It goes on below the panel, whose lower edge hides less of the
+// dropped shadow than its upper one.
 void paint_shadow(cairo_t* cairo, const MenuScene& scene) {
     const MenuLook& look = scene.layout->look();
     const int reach = look.shadow_extent * 3 / 4, drop = look.shadow_extent / 4;
-    // Rings of growing size and falling darkness add up to a soft edge.
-    const int rings = std::max(6, reach / 2);
-    for (int ring = rings; ring > 0; ring--) {
-        const double spread = double(reach) * ring / rings;
-        const double distance = double(ring) / rings;
-        const double alpha = 2 * look.palette->shadow / rings * (1 - distance) * (1 - distance);
-        cairo_set_source_rgba(cairo, 0, 0, 0, alpha * 1.6);
+    cairo_save(cairo);
+    cairo_set_operator(cairo, CAIRO_OPERATOR_ADD);  // lines that meet in a corner leave no gap
+    cairo_set_line_width(cairo, 1);
+    for (int ring = -drop - look.hairline; ring < reach; ring++) {
+        const double spread = ring + 0.5;
+        const double alpha = 1.6 * look.palette->shadow * shadow_share(spread / reach);
+        cairo_set_source_rgba(cairo, 0, 0, 0, std::min(alpha, 1.0));
         add_rounded_rectangle(cairo, scene.left - spread, scene.top - spread + drop,
                               scene.width + 2 * spread, scene.height + 2 * spread,
                               look.radius + spread);
-        cairo_fill(cairo);
+        cairo_stroke(cairo);
     }
+    cairo_restore(cairo);
+}
+
+// Whether the clip shows nothing outside of the panel.
+bool is_inside_panel(cairo_t* cairo, const MenuScene& scene) {
+    double x1, y1, x2, y2;
+    cairo_clip_extents(cairo, &x1, &y1, &x2, &y2);
+    const int corner = scene.layout->look().radius;
+    return x1 >= scene.left && x2 <= scene.left + scene.width && y1 >= scene.top + corner &&
+           y2 <= scene.top + scene.height - corner;
 }
 
 void paint_panel(cairo_t* cairo, const MenuScene& scene) {
@@ -75,7 +94,7 @@ RowColors row_colors(const MenuScene& scene, const MenuRow& row) {
     if (![row.item isEnabled]) return {palette.dimmed_text, palette.dimmed_text, 0.45, true};
     const bool hidden = [[row.item image] isOfHiddenFile];
     const double image_alpha = hidden ? 0.55 : 1;
-    if (row.item == scene.highlighted) {
+    if (row.item == scene.highlighted && !scene.is_trail) {
         return {palette.highlight_text, palette.highlight_text, image_alpha, true};
     }
     return {hidden ? palette.hidden_text : palette.text, palette.mark, image_alpha, false};
@@ -83,7 +102,7 @@ RowColors row_colors(const MenuScene& scene, const MenuRow& row) {
 
 void paint_highlight(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y) {
     const MenuLook& look = scene.layout->look();
-    set_color(cairo, look.palette->highlight);
+    set_color(cairo, scene.is_trail ? look.palette->trail : look.palette->highlight);
     add_rounded_rectangle(cairo, scene.left + look.inset, y, scene.width - 2 * look.inset,
                           row.height, look.row_radius);
     cairo_fill(cairo);
@@ -216,7 +235,7 @@ void paint_menu(cairo_t* cairo, const MenuScene& scene) {
     cairo_set_source_rgba(cairo, 0, 0, 0, 0);
     cairo_paint(cairo);
     cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
-    if (scene.shadow) paint_shadow(cairo, scene);
+    if (scene.shadow && !is_inside_panel(cairo, scene)) paint_shadow(cairo, scene);
     paint_panel(cairo, scene);
     cairo_rectangle(cairo, scene.left, scene.top + 2 * look.hairline, scene.width,
                     scene.height - 4 * look.hairline);

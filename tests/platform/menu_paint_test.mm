@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "look/bitmaps.h"
 #include "look/menu_text.h"
@@ -43,15 +44,21 @@ class MenuPaint : public testing::Test {
         [image addRepresentation:bitmap];
         return image;
     }
-    void paint(NSMenuItem* highlighted = nil) {
+    // With `shadow`, there is room for it around the panel.
+    void paint(NSMenuItem* highlighted = nil, bool is_trail = false, bool shadow = false) {
         layout_.update(menu_, 0);
-        surface_ =
-            cairo_image_surface_create(CAIRO_FORMAT_ARGB32, layout_.width(), layout_.height());
+        const int room = shadow ? layout_.look().shadow_extent : 0;
+        if (surface_) cairo_surface_destroy(surface_);
+        surface_ = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, layout_.width() + 2 * room,
+                                              layout_.height() + 2 * room);
         cairo_t* cairo = cairo_create(surface_);
         MenuScene scene = {};
         scene.layout = &layout_;
         scene.images = &images_;
         scene.highlighted = highlighted;
+        scene.is_trail = is_trail;
+        scene.shadow = shadow;
+        scene.left = scene.top = room;
         scene.width = layout_.width();
         scene.height = layout_.height();
         scene.rounded = true;
@@ -179,4 +186,48 @@ TEST_F(MenuPaint, TheWidestTitleInAFontOfItsOwnIsShownWhole) {
     const MenuRow& row = layout_.rows()[static_cast<size_t>(layout_.row_of(item))];
     const int room = layout_.title_right() - layout_.title_left(row);
     EXPECT_EQ(room, text_width(item_text(layout_.look(), item, true)));
+}
+
+// How far two colours are apart.
+static unsigned distance(unsigned color, unsigned other) {
+    unsigned sum = 0;
+    for (const int shift : {0, 8, 16}) {
+        const int one = color >> shift & 0xff, two = other >> shift & 0xff;
+        sum += static_cast<unsigned>(std::abs(one - two));
+    }
+    return sum;
+}
+
+TEST_F(MenuPaint, ARowThatLedToADeeperHighlightIsWeakerThanThat) {
+    NSMenuItem* item = add(@"row");
+    const auto beside_title = [&] {
+        const MenuRow& row = layout_.rows()[0];
+        return pixel(layout_.width() / 2, row.top + 3);
+    };
+    paint();
+    const unsigned plain = beside_title();
+    paint(item);
+    const unsigned full = distance(beside_title(), plain);
+    EXPECT_LT(darkest(0), 255u);
+    paint(item, true);
+    const unsigned weaker = distance(beside_title(), plain);
+    EXPECT_GT(weaker, 20u) << "it can be seen";
+    EXPECT_LT(weaker, full / 2);
+}
+
+TEST_F(MenuPaint, TheShadowFadesFromTheEdgeOnWithoutAFlatBand) {
+    for (int i = 0; i < 6; i++) add(@"row");
+    paint(nil, false, true);
+    const int room = layout_.look().shadow_extent;
+    const int middle = room + layout_.width() / 2, below = room + layout_.height();
+    const auto shade = [&](int y) {
+        const unsigned char* line =
+            cairo_image_surface_get_data(surface_) + y * cairo_image_surface_get_stride(surface_);
+        return reinterpret_cast<const uint32_t*>(line)[middle] >> 24;
+    };
+    EXPECT_GT(shade(below), 30u);
+    EXPECT_LT(shade(below + room - 1), 4u);
+    for (int y = below + 3; y < below + room; y += 3) {
+        if (shade(y - 3) > 3) EXPECT_LT(shade(y), shade(y - 3)) << y - below;
+    }
 }
