@@ -3,6 +3,7 @@
 #include <stdio.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 
 #include "command/modifier_names.h"
 #include "file_steps/visible_text.h"
@@ -130,9 +131,11 @@ int misused(CommandLine& line, const std::string& problem) {
 }
 
 bool read_point(const std::string& text, MenuRequest& request) {
-    int used = 0;
-    if (sscanf(text.c_str(), "%d,%d%n", &request.x, &request.y, &used) != 2) return false;
-    return request.has_point = static_cast<size_t>(used) == text.size();
+    const char* const end = text.data() + text.size();
+    const auto x = std::from_chars(text.data(), end, request.x);
+    if (x.ec != std::errc() || x.ptr == end || *x.ptr != ',') return false;
+    const auto y = std::from_chars(x.ptr + 1, end, request.y);
+    return request.has_point = y.ec == std::errc() && y.ptr == end;
 }
 
 MenuForm form_of(const MenuRequest& request, const Options& options) {

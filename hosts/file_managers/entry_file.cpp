@@ -1,8 +1,9 @@
 #include "file_managers/entry_file.h"
 
-#include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
+
+#include <charconv>
 
 namespace {
 
@@ -67,7 +68,8 @@ int folders_made_for(const std::string& text) {
     const size_t place = text.find(line_start);
     int folders = -1;
     if (place != std::string::npos) {
-        sscanf(text.c_str() + place + strlen(line_start), "%d", &folders);
+        const char* const number = text.data() + place + strlen(line_start);
+        std::from_chars(number, text.data() + text.size(), folders);
     }
     return folders;
 }

@@ -4,10 +4,10 @@
 #include <dirent.h>
 #include <glib.h>
 #include <limits.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <charconv>
 #include <deque>
 #include <unordered_map>
 
@@ -17,6 +17,8 @@
 namespace {
 
 const size_t largest_index = 1 << 20;
+// No icon is larger, and products of two such numbers can be added up.
+const int largest_number = 1 << 14;
 
 // The description of a theme.
 class Index {
@@ -37,7 +39,9 @@ class Index {
     }
     int number(const std::string& group, const char* key, int otherwise) const {
         const std::string value = text(group, key);
-        return value.empty() ? otherwise : atoi(value.c_str());
+        int number = otherwise;
+        std::from_chars(value.data(), value.data() + value.size(), number);
+        return std::clamp(number, -largest_number, largest_number);
     }
     std::vector<std::string> list(const std::string& group, const char* key) const {
         const files::TextsOwner parts(g_strsplit_set(text(group, key).c_str(), ",;", -1));

@@ -7,7 +7,8 @@ namespace {
 
 // Reads the element's children from the entry's path; reads none beyond the last level.
 void descend(dv_level_t& level, dv_tree_t* elem) {
-    strcat(level.path + level.root->dir->path_len, "/");
+    char* name = level.path + level.root->dir->path_len;
+    memcpy(name + strlen(name), "/", 2);
     dv_read_children(elem, level.path, level.level + 1, level.max_level, level.flags, level.origin);
 }
 

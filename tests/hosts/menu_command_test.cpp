@@ -407,7 +407,10 @@ TEST_F(MenuCommand, SaysWhatIsWrongWithItsUse) {
     expect_one_line(menu({"--depth", "2", file}), 2, "--print or --json");
     expect_one_line(menu({"--print", "--depth", "-1", file}), 2, "--depth");
     expect_one_line(menu({"--print", "--open", "a", file}), 2, "--png");
-    expect_one_line(menu({"--at", "here", file}), 2, "X,Y");
+    for (const char* point :
+         {"here", "1", "1,", ",1", "1,2,3", "1, 2", "4294967297,1", "1,-4294967295"}) {
+        expect_one_line(menu({"--at", point, file}), 2, "X,Y");
+    }
     expect_one_line(menu({"--print", "--modifiers", "alt", file}), 2, "option");
     expect_one_line(menu({"--print", "--setting", "font_size", file}), 2, "KEY=VALUE");
     expect_one_line(menu({"--print", "--setting", "font_sise=3", file}), 2, "font_size?");

@@ -22,16 +22,19 @@ class Icons : public testing::Test {
         test::start_application();
         const std::string data = getenv("XDG_DATA_HOME"), config = getenv("XDG_CONFIG_HOME");
         const std::string theme = data + "/icons/Plain";
-        ASSERT_EQ(system(("mkdir -p '" + theme + "/16' '" + theme + "/any' '" + config +
-                          "/gtk-3.0' '" + std::string(getenv("HOME")) + "/Desktop'")
-                             .c_str()),
-                  0);
+        ASSERT_EQ(
+            system(("mkdir -p '" + theme + "/16' '" + theme + "/wrong' '" + theme + "/any' '" +
+                    config + "/gtk-3.0' '" + std::string(getenv("HOME")) + "/Desktop'")
+                       .c_str()),
+            0);
         write(theme + "/index.theme",
-              "[Icon Theme]\nName=Plain\nInherits=hicolor\nDirectories=16,any\n"
+              "[Icon Theme]\nName=Plain\nInherits=hicolor\nDirectories=wrong,16,any\n"
+              "[wrong]\nSize=4294967312\nContext=MimeTypes\nType=Fixed\n"
               "[16]\nSize=16\nContext=MimeTypes\nType=Fixed\n"
               "[any]\nSize=48\nMinSize=17\nMaxSize=256\nContext=MimeTypes\nType=Scalable\n");
         write(config + "/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Plain\n");
         picture(theme + "/16/text-x-generic.svg", "#000001");
+        picture(theme + "/wrong/text-x-generic.svg", "#0000ff");
         picture(theme + "/any/text-x-generic.svg", "#000002");
         picture(theme + "/any/folder.svg", "#000003");
         picture(theme + "/any/user-home.svg", "#000004");
@@ -102,6 +105,8 @@ class Icons : public testing::Test {
 
 }  // namespace
 
+// The plain theme has a folder whose size is no number of pixels; 16 is what is left of it in 32
+// bits.
 TEST_F(Icons, AnIconHasPicturesForEachSizeFromTheFolderThatFits) {
     NSImage* image = icon(folder.file("a.txt"));
     EXPECT_EQ(number(image, 16), 1);
