@@ -61,6 +61,8 @@ const std::vector<Setting> settings = {
      "how long the pointer rests on an item before its preview, in milliseconds"},
     {preview_beside_menu_setting, flag, 1, 0, 1,
      "1 shows the preview right beside the menu, 0 in a corner of the screen"},
+    {preview_details_setting, flag, 0, 0, 1,
+     "1 writes name, kind, size and date below the preview beside the menu"},
     {"preview_size", integer, 256, 1, 4096, "side of a preview in pixels"},
     {"control_free_enabled", integer, 0, 0, 2,
      "1 opens the menu when the button is held down in a window of the file manager, 2 in any"},

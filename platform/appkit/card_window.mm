@@ -1,13 +1,17 @@
 #include "appkit/card_window.h"
 
+#include <Quartz/Quartz.h>
 #include <host/window_placement.h>
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
+#include "appkit/file_details.h"
+#include "appkit/image_source.h"
 #include "appkit/view_fade.h"
 #include "appkit/view_pixels.h"
+#include "look/menu_text.h"
 #include "menus/menu_paint.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_run.h"
@@ -21,38 +25,87 @@ namespace {
 constexpr int screen_margin = 4;
 constexpr double padding = 8, gap = 4;  // points
 constexpr double least_width = 64, least_height = 48;
+constexpr double small_side = 128;  // a picture that is smaller each way has a frame
+constexpr double caption_size = 11, caption_height = 22, caption_width = 360;
 
-BesideMenusQuestion is_wanted;
+BesideMenusQuestion is_wanted, are_details_wanted;
 
 // Everything that decides a card's place and size. Without the levels it stays where its program
 // puts it.
 struct CardCause {
-    NSRect shown;  // in the content's points
+    NSRect shown, picture;  // in the content's points; the picture is empty when there is none
     bool is_blank;
+    std::string file;  // that the line below the picture names; may be empty
     Area levels, deepest;
 
     bool operator==(const CardCause& other) const {
-        return NSEqualRects(shown, other.shown) && is_blank == other.is_blank &&
-               levels == other.levels && deepest == other.deepest;
+        return NSEqualRects(shown, other.shown) && NSEqualRects(picture, other.picture) &&
+               is_blank == other.is_blank && file == other.file && levels == other.levels &&
+               deepest == other.deepest;
     }
 };
 
 struct Card {
     MenuLook look;
-    bool composed, is_beside;
+    bool composed, is_beside, is_described;
     NSSize base;      // the content's, before it was a card
     Area area = {};   // on the screen, of a card beside the menu
     Area panel = {};  // in the window
+    Area frame = {};  // in the window, around a small picture; empty without one
     CardCause cause = {};
+    FileDetails details = {};
+    NSImage* described = nil;  // the picture that the line is about; not retained
 
     int margin() const { return composed ? look.shadow_extent : 0; }
     int rim() const { return margin() + pixels(padding); }
+    int caption() const { return cause.file.empty() ? 0 : pixels(caption_height); }
     int pixels(double points) const { return static_cast<int>(std::lround(points * look.scale)); }
 };
 
 std::vector<NSWindow*>& cards() {
     static auto* windows = new std::vector<NSWindow*>;
     return *windows;
+}
+
+void set_colour(cairo_t* cairo, const Color& color) {
+    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+}
+
+void paint_frame(cairo_t* cairo, const Card& card) {
+    if (card.frame.width <= 0) return;
+    const double half = card.look.hairline / 2.0;
+    set_colour(cairo, card.look.palette->border);
+    cairo_set_line_width(cairo, card.look.hairline);
+    cairo_rectangle(cairo, card.frame.left - half, card.frame.top - half,
+                    card.frame.width + 2 * half, card.frame.height + 2 * half);
+    cairo_stroke(cairo);
+}
+
+// The text from `left` on, in the middle of the card's line. Returns its width.
+int paint_text(cairo_t* cairo, const Card& card, const Color& color, const TextLayout& text,
+               int left) {
+    const int middle = card.panel.bottom() - card.pixels(padding) / 2 - card.caption() / 2;
+    cairo_move_to(cairo, left, middle - text_height(text) / 2);
+    set_colour(cairo, color);
+    pango_cairo_show_layout(cairo, text.get());
+    return text_width(text);
+}
+
+// The name, shortened where there is too little room, and at the right edge the rest.
+void paint_caption(cairo_t* cairo, const Card& card) {
+    if (card.caption() == 0) return;
+    const int pad = card.pixels(padding), room = card.panel.width - 2 * pad;
+    const auto text = [&card](const std::string& words) {
+        return paragraph(card.look, words, caption_size, false, 0);
+    };
+    const TextLayout rest = text(card.details.rest);
+    const int rest_width = std::min(text_width(rest), room * 3 / 4);
+    fit_text(rest, rest_width);
+    const TextLayout name = text(card.details.name);
+    fit_text(name, std::max(1, room - rest_width - 2 * pad));
+    const MenuPalette& palette = *card.look.palette;
+    paint_text(cairo, card, palette.text, name, card.panel.left + pad);
+    paint_text(cairo, card, palette.hidden_text, rest, card.panel.right() - pad - rest_width);
 }
 
 }  // namespace
@@ -94,6 +147,8 @@ std::vector<NSWindow*>& cards() {
     cairo_rectangle(cairo, NSMinX(dirty), NSMinY(dirty), NSWidth(dirty), NSHeight(dirty));
     cairo_clip(cairo);
     paint_menu(cairo, scene);
+    paint_frame(cairo, *card);
+    paint_caption(cairo, *card);
     cairo_restore(cairo);
 }
 
@@ -118,6 +173,31 @@ NSRect image_area(NSImageView* view) {
     const NSSize drawn = NSMakeSize(size.width * share, size.height * share);
     return NSMakeRect(NSMidX(frame) - drawn.width / 2, NSMidY(frame) - drawn.height / 2,
                       drawn.width, drawn.height);
+}
+
+NSImageView* image_view_of(NSWindow* window) {
+    for (NSView* view in [[window contentView] subviews]) {
+        if ([view isKindOfClass:[NSImageView class]]) return static_cast<NSImageView*>(view);
+    }
+    return nil;
+}
+
+// The file of the row that is highlighted, for pictures that do not say which file they show: the
+// delegate of a level answers as the item of a preview panel does.
+std::string highlighted_file(const MenuLevel& deepest) {
+    id delegate = [deepest.menu() delegate];
+    if (![delegate respondsToSelector:@selector(previewItemURL)]) return {};
+    NSString* path = [[delegate previewItemURL] path];
+    return path ? [path UTF8String] ?: "" : "";
+}
+
+// The file that the line below the picture names. It stays until there is another picture, also
+// while a disc turns.
+std::string described_file(NSImage* image, Card& card, const MenuLevel& deepest) {
+    if (!image || image == card.described) return card.cause.file;
+    card.described = image;
+    const std::string source = source_of_image(image);
+    return source.empty() ? highlighted_file(deepest) : source;
 }
 
 NSRect shown_area(NSWindow* window) {
@@ -163,10 +243,22 @@ Area place_card(const Card& card, const MenuLevel& deepest) {
     NSMenuItem* item = [[MenuSession current] highlightedItemOfMenu:deepest.menu()];
     const int row = deepest.layout().row_of(item);
     const NSSize size = card.cause.shown.size;
-    const Extent wanted = {card.pixels(size.width + 2 * padding),
-                           card.pixels(size.height + 2 * padding)};
+    const double least = card.caption() ? caption_width : 0;
+    const Extent wanted = {card.pixels(std::max(size.width, least) + 2 * padding),
+                           card.pixels(size.height + 2 * padding) + card.caption()};
     return place_clear(wanted, card.cause.levels, row < 0 ? deepest.panel() : deepest.row_area(row),
                        deepest.screen(), screen_margin, card.pixels(gap), deepest.side());
+}
+
+// Where a small picture is in the window; empty for any other.
+Area frame_in_pixels(NSRect picture, NSRect bounds, double scale) {
+    if (NSIsEmptyRect(picture)) return {};
+    if (NSWidth(picture) >= small_side || NSHeight(picture) >= small_side) return {};
+    const auto pixel = [scale](double points) {
+        return static_cast<int>(std::lround(points * scale));
+    };
+    return {pixel(NSMinX(picture) - NSMinX(bounds)), pixel(NSMaxY(bounds) - NSMaxY(picture)),
+            pixel(NSWidth(picture)), pixel(NSHeight(picture))};
 }
 
 // Places the window and scales its content so that the shown part fits into the card.
@@ -176,16 +268,22 @@ void fit_window(NSWindow* window, CardView* view) {
     const Area whole = {card.area.left - room, card.area.top - room, card.area.width + 2 * room,
                         card.area.height + 2 * room};
     const NSRect shown = card.cause.shown;
-    const double scale = std::max(0.01, std::min((card.area.width - 2 * pad) / NSWidth(shown),
-                                                 (card.area.height - 2 * pad) / NSHeight(shown)));
+    const double scale =
+        std::max(0.01, std::min((card.area.width - 2 * pad) / NSWidth(shown),
+                                (card.area.height - 2 * pad - card.caption()) / NSHeight(shown)));
     const NSSize size = NSMakeSize(whole.width / scale, whole.height / scale);
     card.panel = {room, room, card.area.width, card.area.height};
     move_menu_window(window, whole);
     tell_drawn_shadow(window, room);
     NSView* content = [window contentView];
-    [content setBounds:NSMakeRect(NSMidX(shown) - size.width / 2, NSMidY(shown) - size.height / 2,
-                                  size.width, size.height)];
-    [view setFrame:[content bounds]];
+    // The picture is above the line, and so above the window's middle.
+    const double lift = card.caption() / 2 / scale;
+    const NSRect bounds =
+        NSMakeRect(NSMidX(shown) - size.width / 2, NSMidY(shown) - size.height / 2 - lift,
+                   size.width, size.height);
+    [content setBounds:bounds];
+    [view setFrame:bounds];
+    card.frame = frame_in_pixels(card.cause.picture, bounds, scale);
     [content setNeedsDisplay:YES];
 }
 
@@ -225,7 +323,8 @@ CardView* make_view(NSWindow* window) {
     NSView* content = [window contentView];
     CardView* view = [[[CardView alloc] initWithFrame:[content bounds]] autorelease];
     view->owner = window;
-    view->card = new Card{menu_look(nil, server_resources()), false, false, [content bounds].size};
+    view->card =
+        new Card{menu_look(nil, server_resources()), false, false, false, [content bounds].size};
     [content addSubview:view positioned:NSWindowBelow relativeTo:nil];
     cards().push_back(window);
     return view;
@@ -237,15 +336,19 @@ void make_card(NSWindow* window, bool is_beside) {
     Card& card = *view->card;
     const bool was_beside = card.is_beside;
     card.is_beside = is_beside;
+    card.is_described = is_beside && are_details_wanted && are_details_wanted();
     card.look = menu_look(nil, server_resources());
     card.composed = windows_are_composed();
     card.cause = {};
+    card.described = nil;
     if (!is_beside) make_room(window, view, was_beside ? NSZeroPoint : [window frame].origin);
 }
 
 }  // namespace
 
 void place_windows_beside_menus(BesideMenusQuestion wanted) { is_wanted = wanted; }
+
+void describe_windows_beside_menus(BesideMenusQuestion wanted) { are_details_wanted = wanted; }
 
 void prepare_raised_window(NSWindow* window) {
     if (!MenuRun::current()) return;
@@ -269,11 +372,16 @@ void update_card(NSWindow* window) {
     if (!view) return;
     Card& card = *view->card;
     const NSRect shown = shown_area(window);
-    CardCause cause = {widened(shown, card.base), NSIsEmptyRect(shown) != NO, {}, {}};
+    NSImageView* image_view = image_view_of(window);
+    const NSRect picture = image_view ? image_area(image_view) : NSZeroRect;
+    CardCause cause = {widened(shown, card.base), picture, NSIsEmptyRect(shown) != NO, {}, {}, {}};
     const MenuLevel* deepest = card.is_beside ? find_levels(&cause.levels) : nullptr;
     if (deepest) cause.deepest = deepest->panel();
+    if (deepest && card.is_described)
+        cause.file = described_file([image_view image], card, *deepest);
     // A card beside the menu stays where it is while the menu closes.
     if (cause == card.cause || (card.is_beside && !deepest)) return;
+    if (cause.file != card.cause.file) card.details = details_of_file(cause.file);
     card.cause = cause;
     if (deepest) {
         card.area = place_card(card, *deepest);

@@ -1,8 +1,27 @@
 // NSImage from Core Graphics' pictures.
 #include <AppKit/AppKit.h>
 
+#include "appkit/image_source.h"
 #include "coregraphics/image.h"
 #include "look/bitmaps.h"
+
+static NSString* const source_key = @"DelvioSource";
+
+std::string source_of_image(NSImage* image) {
+    for (NSImageRep* each in [image representations]) {
+        if (![each isKindOfClass:[NSBitmapImageRep class]]) continue;
+        NSString* path = [static_cast<NSBitmapImageRep*>(each) valueForProperty:source_key];
+        const char* bytes = path ? [path fileSystemRepresentation] : nullptr;
+        if (bytes) return bytes;
+    }
+    return {};
+}
+
+// A name that is no text stays unknown.
+static void note_source(NSBitmapImageRep* bitmap, const std::string& path) {
+    NSString* text = path.empty() ? nil : [NSString stringWithUTF8String:path.c_str()];
+    if (text) [bitmap setProperty:source_key withValue:text];
+}
 
 @implementation NSImage (CoreGraphics)
 
@@ -19,6 +38,7 @@
     }
     copy_image_pixels(image, [bitmap bitmapData], [bitmap bytesPerRow]);
     [bitmap setSize:[self size]];
+    note_source(bitmap, image_source(image));
     [self addRepresentation:bitmap];
     return self;
 }

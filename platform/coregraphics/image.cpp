@@ -56,6 +56,7 @@ struct CGImage : Counted {
     const PixelFormat* format = nullptr;
     CGDataProviderRef provider = nullptr;  // owned
     double scale = 1;
+    std::string source;
     // Used instead of what the provider serves: a bitmap context's drawing for a finer screen.
     std::vector<uint8_t> finer;
 
@@ -131,3 +132,7 @@ bool is_display_dark() { return is_dark_display; }
 void set_image_scale(CGImageRef image, double scale) { image->scale = scale; }
 
 double image_scale(CGImageRef image) { return image ? image->scale : 1; }
+
+void set_image_source(CGImageRef image, const std::string& path) { image->source = path; }
+
+std::string image_source(CGImageRef image) { return image ? image->source : ""; }

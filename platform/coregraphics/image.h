@@ -3,6 +3,8 @@
 
 #include <CoreGraphics/CGImage.h>
 
+#include <string>
+
 // Writes the image's present pixels as bytes red, green, blue, alpha, colours multiplied by alpha,
 // top row first, into rows of `bytes_per_row` bytes. Pixels that the provider does not serve are
 // transparent.
@@ -21,3 +23,8 @@ bool is_display_dark();
 // the image is shared.
 void set_image_scale(CGImageRef image, double scale);
 double image_scale(CGImageRef image);
+
+// The path of the file that the image shows; empty when it is not known. Set this before the image
+// is shared.
+void set_image_source(CGImageRef image, const std::string& path);
+std::string image_source(CGImageRef image);

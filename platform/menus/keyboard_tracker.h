@@ -35,6 +35,7 @@ class KeyboardTracker {
     void enter_submenu();
     void leave_submenu();
     void escape();
+    void highlight(NSMenuItem* item, MenuLevel& level);
     void choose();
     bool is_typing() const;
     void type(NSString* characters);

@@ -6,6 +6,7 @@
 
 #include "menus/menu_items.h"
 #include "look/menu_text.h"
+#include "x11/screens.h"
 
 namespace {
 
@@ -157,7 +158,7 @@ void KeyboardTracker::move_to(int row, int step, bool wraps) {
         if (index + 1 < levels_.size() && item != levels_.parent_item(index + 1)) {
             [levels_.session() closeLevelsBelowMenu:level.menu()];
         }
-        [levels_.session() highlightItem:item inMenu:level.menu()];
+        highlight(item, level);
         reveal_with_ends(level, row);
         return;
     }
@@ -176,7 +177,29 @@ void KeyboardTracker::enter_submenu() {
     const auto first = std::find_if(rows.begin(), rows.end(),
                                     [](const MenuRow& row) { return can_highlight(row.item); });
     if (first == rows.end()) return;
-    [levels_.session() highlightItem:first->item inMenu:levels_[index + 1].menu()];
+    highlight(first->item, levels_[index + 1]);
+}
+
+// A program that watches the pointer learns from a move to its own place that the highlight rests
+// on another row from now on: previews follow it.
+void KeyboardTracker::highlight(NSMenuItem* item, MenuLevel& level) {
+    [levels_.session() highlightItem:item inMenu:level.menu()];
+    NSWindow* window = level.window();
+    const MenuPoint place = pointer_.place();
+    const NSPoint at = [window convertScreenToBase:screen_point(place)];
+    // Only a move that the pointer tracker takes for none leaves the highlight alone.
+    const MenuPoint back = server_point([window convertBaseToScreen:at]);
+    if (back.x != place.x || back.y != place.y) return;
+    NSEvent* move = [NSEvent mouseEventWithType:NSMouseMoved
+                                       location:at
+                                  modifierFlags:flags_
+                                      timestamp:[[NSProcessInfo processInfo] systemUptime]
+                                   windowNumber:[window windowNumber]
+                                        context:nil
+                                    eventNumber:0
+                                     clickCount:0
+                                       pressure:0];
+    if (move) [NSApp postEvent:move atStart:NO];
 }
 
 void KeyboardTracker::leave_submenu() {

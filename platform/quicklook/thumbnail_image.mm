@@ -63,7 +63,9 @@ CGImageRef QLThumbnailImageCreate(CFAllocatorRef, CFURLRef url, CGSize maxThumbn
         if (!picture) return nullptr;
         const double scale = scale_within(picture, maxThumbnailSize);
         CGImageRef image = image_of(std::move(picture));
-        if (image) set_image_scale(image, scale);
+        if (!image) return nullptr;
+        set_image_scale(image, scale);
+        set_image_source(image, path);
         return image;
     }
 }

@@ -517,6 +517,108 @@ TEST_F(BesideTheMenu, TheWindowHugsItsPictureAndIsClearOfAllLevels) {
     EXPECT_NE(border, 0xff0000u);
 }
 
+TEST_F(BesideTheMenu, ALineBelowThePictureSaysWhichFileItIsIfItIsSetSo) {
+    picture("project/red.png", 1000, 400);
+    set_preference("preview_details", "1");
+    NSSize frame = NSZeroSize;
+    int ink = 0;
+    resting_on("red.png", [&](Steps& steps) {
+        steps
+            .when(
+                "the window", [] { return shows_picture(); }, [&] {})
+            .when(
+                "its line",
+                [&] {
+                    const NSRect at = [hover_window() frame];
+                    const int bottom =
+                        static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMinY(at));
+                    ink = 0;
+                    for (int x = 0; x < 60; x++) {
+                        for (int y = 8; y < 24; y++) {
+                            const unsigned long color =
+                                input().pixel(static_cast<int>(NSMinX(at)) + 8 + x, bottom - y);
+                            ink += (color & 255) < 120 && (color >> 16 & 255) < 120;
+                        }
+                    }
+                    return ink > 20;
+                },
+                [&] {
+                    frame = [hover_window() frame].size;
+                    escape();
+                });
+    });
+    set_preference("preview_details", "0");
+    EXPECT_EQ(frame.width, 512 + 16);
+    EXPECT_EQ(frame.height, 205 + 16 + 22);
+    EXPECT_GT(ink, 20);
+}
+
+TEST_F(BesideTheMenu, ASmallPictureKeepsItsSizeInAFrame) {
+    picture("project/red.png", 20, 10);
+    int red = 0;
+    unsigned long frame = 0, ground = 0;
+    resting_on("red.png", [&](Steps& steps) {
+        steps
+            .when(
+                "the window", [] { return shows_picture(); }, [&] {})
+            .when(
+                "its colour",
+                [&] {
+                    const NSRect at = [hover_window() frame];
+                    const int left = static_cast<int>(NSMinX(at));
+                    const int top =
+                        static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(at));
+                    int first_x = 0, first_y = 0;
+                    red = 0;
+                    for (int y = 0; y < NSHeight(at); y++) {
+                        for (int x = 0; x < NSWidth(at); x++) {
+                            if (input().pixel(left + x, top + y) != 0xff0000) continue;
+                            if (!red++) first_x = x, first_y = y;
+                        }
+                    }
+                    if (!red) return false;
+                    frame = input().pixel(left + first_x + 10, top + first_y - 1);
+                    ground = input().pixel(left + first_x + 10, top + first_y - 4);
+                    return true;
+                },
+                [&] { escape(); });
+    });
+    EXPECT_EQ(red, 20 * 10);
+    EXPECT_NE(frame, ground);
+    EXPECT_NE(frame, 0xff0000u);
+}
+
+// The pointer does not move.
+TEST_F(BesideTheMenu, TheKeysHighlightShowsTheWindowToo) {
+    std::string first, second;
+    const auto key_leads_to = [this](Steps& steps, const char* key, size_t level,
+                                     const std::string& row) {
+        steps
+            .when(
+                "the time for " + row, [] { return true; }, [this, key] { input().key(key); })
+            .when("the row " + row, [this, level, row] { return highlighted(level) == row; });
+    };
+    pop_up([&](Steps& steps) {
+        steps.when("the menu", [&] { return is_open(0); });
+        key_leads_to(steps, "Down", 0, "project");
+        key_leads_to(steps, "Right", 1, "inner");
+        key_leads_to(steps, "Down", 1, "a.txt");
+        steps.when(
+            "the picture", [] { return shows_picture() && is_clear_of_levels(); },
+            [&] { first = hovered_path(); });
+        key_leads_to(steps, "Down", 1, "b.txt");
+        steps.when(
+            "the next picture",
+            [&] { return hovered_path() == folder_.path("project/b.txt") && shows_picture(); },
+            [&] {
+                second = highlighted(1);
+                escape();
+            });
+    });
+    EXPECT_EQ(first, folder_.path("project/a.txt"));
+    EXPECT_EQ(second, "b.txt");
+}
+
 TEST_F(BesideTheMenu, TheProgramsOwnMovesAreIgnored) {
     NSRect before = NSZeroRect, after = NSZeroRect;
     resting_on("a.txt", [&](Steps& steps) {

@@ -72,6 +72,7 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "use_generic_icons",
                                             "preview_size",
                                             "preview_beside_menu",
+                                            "preview_details",
                                             "open_after_file_op",
                                             "open_with_path",
                                             "folders",

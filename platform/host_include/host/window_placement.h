@@ -10,3 +10,7 @@
 // question, as at first, answers NO.
 typedef BOOL (*BesideMenusQuestion)(void);
 void place_windows_beside_menus(BesideMenusQuestion wanted);
+
+// Whether such a card has a line below its picture that says which file it shows: name, kind, size
+// and date. Only a card beside the menu has it. Asked and answered as above.
+void describe_windows_beside_menus(BesideMenusQuestion wanted);
