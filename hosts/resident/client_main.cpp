@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "resident/client.h"
+#include "resident/host_start.h"
 #include "resident/program_paths.h"
 #include "resident/shown_call.h"
 
@@ -38,6 +39,15 @@ bool has_display_of_this_machine() {
     return display && (display[0] == ':' || strncmp(display, "unix:", strlen("unix:")) == 0);
 }
 
+// The bus starts the command for this. It waits until the command ends, or the name is there.
+int have_bus_name_owned(const std::vector<std::string>& arguments, const std::string& program) {
+    if (!has_display_of_this_machine()) {
+        fputs("delvio: the session bus has started this without DISPLAY\n", stderr);
+        return failed;
+    }
+    return resident::run_by_host(arguments, program).value_or(failed);
+}
+
 bool is_for_host(const std::vector<std::string>& arguments) {
     for (const char* name : own_variables) {
         if (is_set(name)) return false;
@@ -57,6 +67,9 @@ int main(int argc, char** argv) {
         fputs("delvio: its program libexec/delvio/delvio-host is missing; install Delvio again\n",
               stderr);
         return failed;
+    }
+    if (arguments == std::vector<std::string>{resident::bus_argument}) {
+        return have_bus_name_owned(arguments, program);
     }
     if (is_for_host(arguments)) {
         if (const auto status = resident::run_by_host(arguments, program)) return *status;

@@ -12,6 +12,10 @@ using operations::Descriptor;
 // The host's own argument, which is not for users.
 inline constexpr const char* host_argument = "--resident-host";
 
+// The argument of the command that has a host own its name on the session bus; not for users,
+// either.
+inline constexpr const char* bus_argument = "--own-bus-name";
+
 // The descriptor at which a host finds the socket that it serves.
 inline constexpr int listening_descriptor = 3;
 

@@ -15,6 +15,7 @@
 #include "command/command_line.h"
 #include "command/exit_signals.h"
 #include "command/home_folder.h"
+#include "finderkit/plug_in.h"
 #include "finderkit/settings_file.h"
 #include "popup/application.h"
 #include "popup/asked_operations.h"
@@ -22,6 +23,7 @@
 #include "resident/host_start.h"
 #include "resident/meeting_place.h"
 #include "resident/session.h"
+#include "service/bus_name.h"
 #include "service/callers.h"
 #include "service/descriptor_watch.h"
 #include "service/freshness.h"
@@ -55,7 +57,8 @@ struct Guest {
 class Host {
   public:
     Host(const std::string& name, const resident::MeetingPlace& place)
-        : fixed_(resident::fixed_variables(resident::own_environment())),
+        : environment_(resident::own_environment()),
+          fixed_(resident::fixed_variables(environment_)),
           place_(place),
           socket_file_(place.socket_file()),
           listener_(resident::listening_descriptor) {
@@ -81,6 +84,7 @@ class Host {
     void end(const std::string& why);
     void watch_signals();
 
+    const std::vector<std::string> environment_;  // as the host was started
     const std::vector<std::string> fixed_;
     const resident::MeetingPlace& place_;
     const std::optional<resident::SocketFile> socket_file_;
@@ -88,6 +92,7 @@ class Host {
     Descriptor signals_[2];
     std::unique_ptr<DescriptorWatch> listener_watch_, signal_watch_;
     std::unique_ptr<Freshness> freshness_;
+    std::optional<BusName> bus_name_;
     std::list<std::unique_ptr<Guest>> silent_;  // connected, and have sent no call yet
     std::unique_ptr<Guest> next_, current_;
     NSDate* idle_end_ = nil;
@@ -105,6 +110,8 @@ bool Host::prepare(char* program) {
     }
     alarm(0);
     freshness_ = std::make_unique<Freshness>();
+    const std::string command = find_command(&problem);
+    if (!command.empty()) bus_name_.emplace(command, environment_);
     listener_watch_ =
         std::make_unique<DescriptorWatch>(listener_.get(), [this] { accept_guests(); });
     watch_signals();
@@ -199,6 +206,12 @@ void Host::decide(std::unique_ptr<Guest> guest) {
         log_line("a call from another session or with another locale was refused");
         return caller.answer(Verdict::elsewhere);
     }
+    if (caller.call.arguments == std::vector<std::string>{resident::bus_argument}) {
+        caller.answer(Verdict::taken);
+        const bool is_owned = bus_name_ && bus_name_->is_owned();
+        log_line(is_owned ? "owns its name on the bus" : "does not get its name on the bus");
+        return caller.answer(Verdict::done, is_owned ? exit_done : exit_failed);
+    }
     if (current_ && !open_menu_gives_way()) {
         log_line("a call came while a pick was carried out or a panel was open; it runs by itself");
         return caller.answer(Verdict::elsewhere);
@@ -267,6 +280,7 @@ void Host::end(const std::string& why) {
     if (ends_) return;
     ends_ = true;
     log_line("ends: " + why);
+    bus_name_.reset();
     const Descriptor lock = place_.lock();
     // Another host may have taken the place.
     if (socket_file_ && place_.socket_file() == socket_file_) place_.remove();
@@ -282,6 +296,7 @@ void Host::serve_calls() {
         @autoreleasepool {
             if (next_) {
                 serve_next();
+                if (bus_name_) bus_name_->own();  // after the menu, so that it costs no time
                 [idle_end_ release];
                 idle_end_ = [[NSDate alloc] initWithTimeIntervalSinceNow:longest_idle()];
                 settled = [[NSDate date] timeIntervalSinceReferenceDate] + time_to_settle;

@@ -112,6 +112,11 @@ class Installed(unittest.TestCase):
         for name in ("thunar", "gworkspace", "nemo"):
             self.tree.delvio("uninstall", name)
 
+    def test_the_bus_starts_the_installed_command(self):
+        service = self.tree.only("share/dbus-1/services/*.service").read_text()
+        self.assertIn("Name=org.delvio.Delvio\n", service)
+        self.assertIn(f"Exec={self.tree.command} --own-bus-name\n", service)
+
     def test_programs_look_for_libraries_in_the_tree_alone(self):
         programs = [self.tree.only("bin/delvio"), *self.tree.prefix.glob("libexec/delvio/*"),
                     *self.tree.prefix.glob("lib/**/*.so"), *self.tree.prefix.glob("lib/**/*.bundle/D*")]

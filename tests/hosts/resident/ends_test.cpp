@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "hosts/bus_service.h"
 #include "hosts/resident/scene.h"
 
 namespace fs = std::filesystem;
@@ -45,8 +46,14 @@ struct ResidentEnds : test::ResidentScene {
 };
 
 TEST_F(ResidentEnds, AnIdleHostDoesNotWakeUp) {
+    const test::SessionBus bus;  // where it has a name
     show_and_close();
     const pid_t process = host();
+    ASSERT_TRUE(test::wait_for([] {
+        return system(
+                   "dbus-send --session --print-reply --dest=org.freedesktop.DBus / "
+                   "org.freedesktop.DBus.GetNameOwner string:org.delvio.Delvio >&2") == 0;
+    }));
     // Work that the last menu has left behind ends first, within a few seconds.
     long before = -1;
     ASSERT_TRUE(test::wait_for([&] {
