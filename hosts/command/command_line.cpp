@@ -1,5 +1,7 @@
 #include "command/command_line.h"
 
+#include <host/text.h>
+
 #include <stdio.h>
 
 #include <CLI/CLI.hpp>
@@ -10,13 +12,14 @@
 
 namespace {
 
-const char* const about = "A contextual menu for files that browses the disk through its submenus.";
+const char* const about =
+    to_translate("A contextual menu for files that browses the disk through its submenus.");
 
-const char* const menu_about =
-    "Pops the contextual menu of the files up and waits until it closes. With --print, --json,\n"
-    "--png or --pick nothing is shown, and no display is needed.";
+const char* const menu_about = to_translate(
+    "Pops the contextual menu of the files up and waits until it closes. With --print, "
+    "--json,\n--png or --pick nothing is shown, and no display is needed.");
 
-const char* const forms_group = "Instead of showing the menu, one of";
+const char* const forms_group = to_translate("Instead of showing the menu, one of");
 
 // Option values that are not part of the request itself.
 struct Options {
@@ -29,40 +32,47 @@ struct Options {
 };
 
 void add_menu(CLI::App& app, MenuRequest& request, Options& options) {
-    CLI::App* menu = app.add_subcommand("menu", menu_about);
-    menu->add_option("FILE", request.files, "The files and folders that the menu is for")
+    CLI::App* menu = app.add_subcommand("menu", translated(menu_about));
+    menu->add_option("FILE", request.files,
+                     translated("The files and folders that the menu is for"))
         ->type_name("")
         ->required();
     menu->add_option("--at", options.at,
-                     "Pop up here and not at the pointer, in pixels from the "
-                     "screen's upper left corner")
+                     translated("Pop up here and not at the pointer, in pixels from the screen's "
+                                "upper left corner"))
         ->type_name("X,Y");
-    menu->add_flag("--print", options.print, "Write the menu as text")->group(forms_group);
-    menu->add_flag("--json", options.json, "Write the menu as JSON")->group(forms_group);
-    menu->add_option("--png", request.picture, "Save a picture of the open menu")
+    menu->add_flag("--print", options.print, translated("Write the menu as text"))
+        ->group(translated(forms_group));
+    menu->add_flag("--json", options.json, translated("Write the menu as JSON"))
+        ->group(translated(forms_group));
+    menu->add_option("--png", request.picture, translated("Save a picture of the open menu"))
         ->type_name("FILE")
-        ->group(forms_group);
+        ->group(translated(forms_group));
     menu->add_option("--pick", request.pick_titles,
-                     "Pick the item of this title; once for each level")
+                     translated("Pick the item of this title; once for each level"))
         ->type_name("TITLE")
         ->allow_extra_args(false)
-        ->group(forms_group);
-    menu->add_flag("--replace", request.replace,
-                   "With --pick: replace files of the same names; else they are skipped");
+        ->group(translated(forms_group));
+    menu->add_flag(
+        "--replace", request.replace,
+        translated("With --pick: replace files of the same names; else they are skipped"));
     menu->add_option("--depth", request.depth,
-                     "With --print and --json: how many levels of submenus to open (0)")
+                     translated("With --print and --json: how many levels of submenus to open (0)"))
         ->type_name("N")
         ->check(CLI::Range(0, 1000000));
-    menu->add_option("--open", request.open_titles,
-                     "With --png: hold the submenu of this title open; once for each level")
+    menu->add_option(
+            "--open", request.open_titles,
+            translated("With --png: hold the submenu of this title open; once for each level"))
         ->type_name("TITLE")
         ->allow_extra_args(false);
-    menu->add_flag("--no-resident", options.no_resident,
-                   "Show the menu from this process, without the program that stays for the next");
+    menu->add_flag(
+        "--no-resident", options.no_resident,
+        translated("Show the menu from this process, without the program that stays for the next"));
     menu->add_option("--modifiers", options.modifiers,
-                     "Keys to hold down: shift, option, command, control")
+                     translated("Keys to hold down: shift, option, command, control"))
         ->type_name("KEY,...");
-    menu->add_option("--setting", options.settings, "Override a setting for this run alone")
+    menu->add_option("--setting", options.settings,
+                     translated("Override a setting for this run alone"))
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
 }
@@ -72,7 +82,8 @@ bool takes_values(SettingsVerb verb) {
 }
 
 void add_settings(CLI::App& app, SettingsRequest& request) {
-    CLI::App* settings = app.add_subcommand("settings", "Shows and changes Delvio's settings.");
+    CLI::App* settings =
+        app.add_subcommand("settings", translated("Shows and changes Delvio's settings."));
     settings->require_subcommand(0, 1);
     const auto verb = [&](const char* name, const char* meaning, SettingsVerb value) {
         CLI::App* sub = settings->add_subcommand(name, meaning);
@@ -82,50 +93,53 @@ void add_settings(CLI::App& app, SettingsRequest& request) {
         });
         return sub;
     };
-    verb("list", "Lists every setting: its value, default and meaning", SettingsVerb::list)
-        ->add_flag("--json", request.json, "Write the list as JSON");
-    verb("get", "Prints the value of a setting that is in effect", SettingsVerb::get)
+    verb("list", translated("Lists every setting: its value, default and meaning"),
+         SettingsVerb::list)
+        ->add_flag("--json", request.json, translated("Write the list as JSON"));
+    verb("get", translated("Prints the value of a setting that is in effect"), SettingsVerb::get)
         ->add_option("KEY", request.words)
         ->required()
         ->expected(1);
     // Values may begin with a minus sign: nothing after the key is an option.
-    CLI::App* set = verb("set", "Changes a setting: set KEY VALUE...", SettingsVerb::set);
-    set->footer("Several values are for a setting that is a list: set folders /srv - /home");
+    CLI::App* set =
+        verb("set", translated("Changes a setting: set KEY VALUE..."), SettingsVerb::set);
+    set->footer(
+        translated("Several values are for a setting that is a list: set folders /srv - /home"));
     set->prefix_command();
-    verb("add", "Adds entries to a list: add KEY VALUE...", SettingsVerb::add)
-        ->footer("For example: add folders ~/Documents")
+    verb("add", translated("Adds entries to a list: add KEY VALUE..."), SettingsVerb::add)
+        ->footer(translated("For example: add folders ~/Documents"))
         ->prefix_command();
-    verb("remove", "Removes entries from a list: remove KEY VALUE...", SettingsVerb::remove)
-        ->footer("For example: remove folders ~/Documents")
+    verb("remove", translated("Removes entries from a list: remove KEY VALUE..."),
+         SettingsVerb::remove)
+        ->footer(translated("For example: remove folders ~/Documents"))
         ->prefix_command();
-    CLI::App* reset = verb("reset", "Gives settings their defaults back", SettingsVerb::reset);
+    CLI::App* reset =
+        verb("reset", translated("Gives settings their defaults back"), SettingsVerb::reset);
     reset->add_option("KEY", request.words);
-    reset->add_flag("--all", request.all, "Every setting");
+    reset->add_flag("--all", request.all, translated("Every setting"));
 }
 
 void add_install(CLI::App& app, InstallRequest& request) {
     const auto verb = [&](const char* name, const char* meaning, bool remove) {
         CLI::App* sub = app.add_subcommand(name, meaning);
-        sub->add_option("NAME", request.program, "The file manager")
+        sub->add_option("NAME", request.program, translated("The file manager"))
             ->type_name("")
             ->check(CLI::IsMember({"caja", "dolphin", "gworkspace", "nautilus", "nemo", "pcmanfm",
                                    "pcmanfm-qt", "thunar"}));
         sub->callback([&request, remove] { request.remove = remove; });
         return sub;
     };
-    verb("install", "Puts Delvio into a file manager's contextual menus.", false)
-        ->add_flag("--list", request.list, "Show the file managers, and which have Delvio");
-    verb("uninstall", "Takes it out again.", true);
+    verb("install", translated("Puts Delvio into a file manager's contextual menus."), false)
+        ->add_flag("--list", request.list,
+                   translated("Show the file managers, and which have Delvio"));
+    verb("uninstall", translated("Takes it out again."), true);
 }
 
 int misused(CommandLine& line, const std::string& problem) {
     const bool settings = line.command == CommandLine::settings;
     const bool menu = line.command == CommandLine::menu;
-    complain_about_usage(problem + "; see delvio " +
-                         (settings ? "settings "
-                          : menu   ? "menu "
-                                   : "") +
-                         "--help");
+    const char* const help = settings ? "settings --help" : menu ? "menu --help" : "--help";
+    complain_about_usage(translated("%s; see delvio %s", {problem, help}));
     line.command = CommandLine::finished;
     return line.status = exit_misused;
 }
@@ -149,59 +163,109 @@ bool given(const CLI::App& app, const char* option) { return app.count(option) >
 
 // Checks rules that CLI11 cannot express. Returns the problem, or an empty string.
 std::string check_menu(const CLI::App& app, MenuRequest& request, const Options& options) {
-    if (given(app, "--png") && request.picture.empty()) return "--png takes the name of a file";
-    if (given(app, "--at") && options.at.empty()) return "--at takes X,Y, for example 200,150";
+    if (given(app, "--png") && request.picture.empty())
+        return translated("--png takes the name of a file");
+    if (given(app, "--at") && options.at.empty())
+        return translated("--at takes X,Y, for example 200,150");
     request.form = form_of(request, options);
     const int forms =
         options.print + options.json + !request.picture.empty() + !request.pick_titles.empty();
-    if (forms > 1) return "take one of --print, --json, --png and --pick";
+    if (forms > 1) return translated("take one of --print, --json, --png and --pick");
     const bool written = request.form == MenuForm::text || request.form == MenuForm::json;
-    if (given(app, "--depth") && !written) return "--depth needs --print or --json";
-    if (request.replace && request.form != MenuForm::pick) return "--replace needs --pick";
+    if (given(app, "--depth") && !written) return translated("--depth needs --print or --json");
+    if (request.replace && request.form != MenuForm::pick)
+        return translated("--replace needs --pick");
     if (!request.open_titles.empty() && request.form != MenuForm::picture) {
-        return "--open needs --png";
+        return translated("--open needs --png");
     }
     if (!options.at.empty() && !read_point(options.at, request)) {
-        return "--at takes X,Y, for example 200,150";
+        return translated("--at takes X,Y, for example 200,150");
     }
     if (!parse_modifiers(options.modifiers, &request.modifiers)) {
-        return "--modifiers takes shift, option, command or control, joined by commas";
+        return translated("--modifiers takes shift, option, command or control, joined by commas");
     }
     for (const std::string& setting : options.settings) {
         const size_t equals = setting.find('=');
-        if (equals == std::string::npos) return "--setting takes KEY=VALUE";
+        if (equals == std::string::npos) return translated("--setting takes KEY=VALUE");
         request.settings.emplace_back(setting.substr(0, equals), setting.substr(equals + 1));
     }
     return {};
 }
 
 std::string check_settings(const SettingsRequest& request, bool verb_given) {
-    if (!verb_given) return "say what to do: settings list, get, set, add, remove or reset";
+    if (!verb_given)
+        return translated("say what to do: settings list, get, set, add, remove or reset");
     if (takes_values(request.verb) && request.words.size() < 2) {
         const char* const name = request.verb == SettingsVerb::set   ? "set"
                                  : request.verb == SettingsVerb::add ? "add"
                                                                      : "remove";
-        return std::string("settings ") + name + " takes a key and a value";
+        return translated("settings %s takes a key and a value", {name});
     }
     const bool reset = request.verb == SettingsVerb::reset;
     if (reset && request.words.empty() != request.all) {
-        return "settings reset takes either keys or --all";
+        return translated("settings reset takes either keys or --all");
     }
     return {};
 }
 
 std::string check_install(const InstallRequest& request) {
-    if (request.list && !request.program.empty()) return "install takes a name or --list";
+    if (request.list && !request.program.empty())
+        return translated("install takes a name or --list");
     if (request.list || !request.program.empty()) return {};
-    return request.remove ? "uninstall takes the name of a file manager"
-                          : "install takes the name of a file manager, or --list";
+    return request.remove ? translated("uninstall takes the name of a file manager")
+                          : translated("install takes the name of a file manager, or --list");
 }
 
 void set_up(CLI::App& app) {
     app.name("delvio");
-    app.set_version_flag("--version", "delvio " DELVIO_VERSION, "Print the version");
+    // Before the first option and subcommand, which take these over.
+    app.option_defaults()->group(translated("Options"));
+    app.group(translated("Subcommands"));
+    app.set_help_flag("-h,--help", translated("Print this help message and exit"));
+    for (const char* label :
+         {to_translate("Usage"), to_translate("Positionals"), to_translate("OPTIONS"),
+          to_translate("SUBCOMMAND"), to_translate("REQUIRED")}) {
+        app.get_formatter()->label(label, translated(label));
+    }
+    app.set_version_flag("--version", "delvio " DELVIO_VERSION, translated("Print the version"));
     app.require_subcommand(0, 1);
     app.failure_message([](const CLI::App*, const CLI::Error&) { return std::string(); });
+}
+
+// The words at the places %s of a format that the text was made from; empty if it was not.
+std::vector<std::string> words_at_places(std::string_view format, std::string_view text) {
+    std::vector<std::string> words;
+    size_t place = format.find("%s");
+    if (!text.starts_with(format.substr(0, place))) return {};
+    text.remove_prefix(place);
+    while (place != format.npos) {
+        const size_t next = format.find("%s", place + 2);
+        const std::string_view after = format.substr(place + 2, next - place - 2);
+        const size_t end = next == format.npos ? text.size() - after.size() : text.find(after);
+        if (text.size() < after.size() || end > text.size() ||
+            !text.substr(end).starts_with(after)) {
+            return {};
+        }
+        words.emplace_back(text.substr(0, end));
+        text.remove_prefix(end + after.size());
+        place = next;
+    }
+    return words;
+}
+
+// What CLI11 says about wrong arguments, as far as its sentences are known.
+std::string in_users_language(const std::string& problem) {
+    for (const char* known : {to_translate("The following argument was not expected: %s"),
+                              to_translate("The following arguments were not expected: %s"),
+                              to_translate("%s: 1 required %s missing"),
+                              to_translate("%s: Value %s not in range %s to %s"),
+                              to_translate("%s: %s not in {%s}"), to_translate("%s is required")}) {
+        std::vector<std::string> words = words_at_places(known, problem);
+        if (words.empty()) continue;
+        words.resize(4);
+        return translated(known, {words[0], words[1], words[2], words[3]});
+    }
+    return problem;
 }
 
 CommandLine::Command command_of(const CLI::App& app) {
@@ -216,7 +280,7 @@ CommandLine::Command command_of(const CLI::App& app) {
 
 std::string check(const CLI::App& app, CommandLine& line, const Options& options) {
     if (line.command == CommandLine::finished) {
-        return "say what to do: delvio menu, undo, settings, install or uninstall";
+        return translated("say what to do: delvio menu, undo, settings, install or uninstall");
     }
     if (line.command == CommandLine::undo) return {};
     if (line.command == CommandLine::install) return check_install(line.install_request);
@@ -232,12 +296,13 @@ std::string check(const CLI::App& app, CommandLine& line, const Options& options
 CommandLine read_command_line(int argc, char** argv) {
     CommandLine line;
     Options options;
-    CLI::App app(about);
+    CLI::App app(translated(about));
     set_up(app);
     add_menu(app, line.menu_request, options);
     add_settings(app, line.settings_request);
     add_install(app, line.install_request);
-    app.add_subcommand("undo", "Undoes the last move, copy or alias that Delvio made itself.");
+    app.add_subcommand("undo",
+                       translated("Undoes the last move, copy or alias that Delvio made itself."));
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {
@@ -247,7 +312,7 @@ CommandLine read_command_line(int argc, char** argv) {
         return line;
     } catch (const CLI::Error& error) {
         line.command = command_of(app);
-        misused(line, error.what());
+        misused(line, in_users_language(error.what()));
         return line;
     }
     line.command = command_of(app);

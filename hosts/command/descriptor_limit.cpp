@@ -1,5 +1,7 @@
 #include "command/descriptor_limit.h"
 
+#include <host/text.h>
+
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -29,6 +31,6 @@ rlim_t raised_limit() {
 std::string descriptor_problem() {
     const rlim_t limit = raised_limit();
     if (limit >= fewest) return {};
-    return "only " + std::to_string(limit) + " files may be open at a time, and " +
-           std::to_string(fewest) + " are needed; see \"ulimit -n\"";
+    return translated("only %s files may be open at a time, and %s are needed; see \"ulimit -n\"",
+                      {std::to_string(limit), std::to_string(fewest)});
 }

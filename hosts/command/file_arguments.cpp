@@ -1,5 +1,7 @@
 #include "command/file_arguments.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -32,13 +34,13 @@ bool resolve_files(std::vector<std::string>* files, std::string* problem) {
     for (std::string& file : *files) {
         struct stat ignored;
         if (lstat(file.c_str(), &ignored) != 0) {
-            *problem = "cannot find " + in_quotes(file) + ": " + strerror(errno);
+            *problem = translated("cannot find %s: %s", {in_quotes(file), error_text(errno)});
             return false;
         }
         try {
             file = absolute_path(file).string();
         } catch (const std::exception& error) {
-            *problem = "cannot find " + in_quotes(file) + ": " + error.what();
+            *problem = translated("cannot find %s: %s", {in_quotes(file), error.what()});
             return false;
         }
     }

@@ -1,5 +1,7 @@
 #include "command/home_folder.h"
 
+#include <host/text.h>
+
 #include <pwd.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -11,8 +13,8 @@ bool ensure_home_folder(std::string* problem) {
     if (user && user->pw_dir && user->pw_dir[0] == '/') {
         return setenv("HOME", user->pw_dir, 1) == 0;
     }
-    *problem =
-        "there is no home folder: HOME is not set to one, and the system knows none for this user; "
-        "set HOME";
+    *problem = translated(
+        "there is no home folder: HOME is not set to one, and the system knows none for this "
+        "user; set HOME");
     return false;
 }

@@ -1,5 +1,6 @@
 #include "command/private_display.h"
 
+#include <host/text.h>
 #include <host/opening_files.h>
 #include <X11/Xlib.h>
 
@@ -84,9 +85,11 @@ std::string why_not_started(pid_t server) {
     }
     set_child_to_end(0);
     const bool missing = server > 0 && WIFEXITED(status) && WEXITSTATUS(status) == 127;
-    return missing ? "there is no display, and Xvfb, which would replace it, is not installed "
-                     "(apt-get install xvfb)"
-                   : "there is no display, and Xvfb, which would replace it, did not start";
+    return missing
+               ? translated(
+                     "there is no display, and Xvfb, which would replace it, is not installed "
+                     "(apt-get install xvfb)")
+               : translated("there is no display, and Xvfb, which would replace it, did not start");
 }
 
 }  // namespace
@@ -98,8 +101,9 @@ bool display_answers(std::string* problem) {
         return false;
     }
     if (opens_quietly()) return true;
-    *problem = std::string("the display ") + name +
-               " refuses the connection; set DISPLAY (and XAUTHORITY) to one that is yours";
+    *problem = translated(
+        "the display %s refuses the connection; set DISPLAY (and XAUTHORITY) to one that is yours",
+        {name});
     return false;
 }
 
@@ -108,7 +112,7 @@ bool start_private_display(std::string* problem) {
     const std::string authority = write_into_private_folder(authority_entry());
     int ends[2];
     if (authority.empty() || pipe2(ends, O_CLOEXEC) != 0) {
-        *problem = std::string("cannot prepare an X server: ") + strerror(errno);
+        *problem = translated("cannot prepare an X server: %s", {error_text(errno)});
         return false;
     }
     const pid_t parent = getpid();

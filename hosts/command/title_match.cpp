@@ -1,5 +1,7 @@
 #include "command/title_match.h"
 
+#include <host/text.h>
+
 #include <strings.h>
 
 #include <algorithm>
@@ -33,13 +35,15 @@ std::string listed(const std::vector<std::string>& titles) {
 }
 
 std::string not_found(const std::string& wanted, const std::vector<std::string>& titles) {
-    const std::string text = "there is no item " + in_quotes(wanted);
+    const std::string name = in_quotes(wanted);
     std::vector<std::string> close = similar_words(wanted, titles, most_suggestions);
-    if (!close.empty()) return text + "; close to it: " + listed(close);
-    if (titles.empty()) return text + "; the menu is empty there";
+    if (!close.empty())
+        return translated("there is no item %s; close to it: %s", {name, listed(close)});
+    if (titles.empty()) return translated("there is no item %s; the menu is empty there", {name});
     close.assign(titles.begin(), titles.begin() + std::min(titles.size(), most_suggestions));
     const bool more = close.size() < titles.size();
-    return text + "; there are: " + listed(close) + (more ? ", ..." : "");
+    return translated("there is no item %s; there are: %s",
+                      {name, listed(close) + (more ? ", ..." : "")});
 }
 
 }  // namespace
@@ -56,7 +60,7 @@ int match_title(const std::string& wanted, const std::vector<std::string>& title
     }
     std::vector<std::string> several;
     for (const int index : alike) several.push_back(titles[index]);
-    *problem =
-        "several items are called " + in_quotes(wanted) + "; write one of " + listed(several);
+    *problem = translated("several items are called %s; write one of %s",
+                          {in_quotes(wanted), listed(several)});
     return -1;
 }

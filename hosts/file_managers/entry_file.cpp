@@ -1,5 +1,7 @@
 #include "file_managers/entry_file.h"
 
+#include <host/text.h>
+
 #include <string.h>
 #include <sys/stat.h>
 
@@ -35,7 +37,7 @@ bool change_file(const EntryFile& file, const std::function<Edit(const FileText&
         const Change change = carry_out(file, now, edit, problem);
         if (change != Change::outdated) return change == Change::done;
     }
-    *problem = "another program keeps changing " + file.path + "; it was left as it is";
+    *problem = translated("another program keeps changing %s; it was left as it is", {file.path});
     return false;
 }
 
@@ -80,7 +82,7 @@ EntryFile whole_file(const std::string& path, mode_t mode,
     file.put_in = [path, text](const FileText& now, int missing) {
         const int folders = now ? folders_made_for(*now) : missing;
         if (folders >= 0) return Edit{text(made_by_delvio(folders)), 0, {}};
-        return Edit{now, 0, path + " is not Delvio's; it was left as it is"};
+        return Edit{now, 0, translated("%s is not Delvio's; it was left as it is", {path})};
     };
     file.take_out = [](const FileText& now) {
         const int folders = now ? folders_made_for(*now) : -1;

@@ -1,5 +1,7 @@
 #include "file_managers/gworkspace_bundle.h"
 
+#include <host/text.h>
+
 #include <Foundation/Foundation.h>
 
 #include <stdio.h>
@@ -39,12 +41,13 @@ struct Domains {
 std::string read_problem(Domains& domains) {
     for (DefaultsFile* file : {&domains.own, &domains.global}) {
         if (file->refresh()) continue;
-        return "the defaults in " + file->path() +
-               " cannot be read; nothing was changed. Repair or remove that file";
+        return translated(
+            "the defaults in %s cannot be read; nothing was changed. Repair or remove that file",
+            {file->path()});
     }
     if (!domains.list() || [domains.list() isKindOfClass:[NSArray class]]) return {};
-    return std::string("the default ") + [list_key UTF8String] + " of the domain " +
-           [domains.name() UTF8String] + " is no list; it was left as it is";
+    return translated("the default %s of the domain %s is no list; it was left as it is",
+                      {[list_key UTF8String], [domains.name() UTF8String]});
 }
 
 // The list with this path in place of our entries, or at its end; for nil, the list without our
@@ -70,7 +73,7 @@ bool write_list(DefaultsFile& file, NSArray* list) {
 }
 
 int failed_to_write(const DefaultsFile& file) {
-    return failed("cannot write " + file.path() + "; it was left as it is");
+    return failed(translated("cannot write %s; it was left as it is", {file.path()}));
 }
 
 int say(const char* text, NSString* path, NSString* domain) {
@@ -86,17 +89,18 @@ int install(Domains& domains, NSArray* list) {
     if (found.empty()) return failed(problem);
     NSString* path = [NSString stringWithUTF8String:found.c_str()];
     NSString* domain = domains.name();
-    if (!path) return failed("the path of the bundle is not UTF-8: " + found);
+    if (!path) return failed(translated("the path of the bundle is not UTF-8: %s", {found}));
     NSArray* changed = changed_list(list, path);
-    if ([changed isEqual:list]) return say("GWorkspace has Delvio already:", path, domain);
+    if ([changed isEqual:list])
+        return say(translated("GWorkspace has Delvio already:"), path, domain);
     if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
-    return say("GWorkspace loads Delvio from its next start on:", path, domain);
+    return say(translated("GWorkspace loads Delvio from its next start on:"), path, domain);
 }
 
 int uninstall(Domains& domains, NSArray* list) {
     NSArray* changed = changed_list(list, nil);
     if ([changed count] == [list count]) {
-        puts("GWorkspace does not have Delvio: nothing to do.");
+        puts(translated("%s does not have Delvio: nothing to do.", {"GWorkspace"}).c_str());
         return exit_done;
     }
     NSString* path = nil;
@@ -105,7 +109,8 @@ int uninstall(Domains& domains, NSArray* list) {
     }
     NSString* domain = domains.name();
     if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
-    return say("GWorkspace no longer loads Delvio from its next start on; removed:", path, domain);
+    return say(translated("GWorkspace no longer loads Delvio from its next start on; removed:"),
+               path, domain);
 }
 
 }  // namespace

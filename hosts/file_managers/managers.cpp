@@ -1,5 +1,7 @@
 #include "file_managers/managers.h"
 
+#include <host/text.h>
+
 #include <glib.h>
 
 #include "file_managers/thunar_actions.h"
@@ -64,16 +66,19 @@ std::vector<EntryFile> dolphin(const Invocation& invocation) {
 }
 
 const std::vector<FileManager> managers = {
-    {"caja", "Caja", "caja", caja, "under Scripts in its menus"},
-    {"dolphin", "Dolphin", "dolphin", dolphin, "in its menus"},
+    {"caja", "Caja", "caja", caja, to_translate("%s has Delvio under Scripts in its menus:")},
+    {"dolphin", "Dolphin", "dolphin", dolphin, to_translate("%s has Delvio in its menus:")},
     {"gworkspace", "GWorkspace", "GWorkspace", nullptr, ""},
-    {"nautilus", "Nautilus", "nautilus", nautilus, "under Scripts in its menus"},
-    {"nemo", "Nemo", "nemo", nemo, "in its menus"},
+    {"nautilus", "Nautilus", "nautilus", nautilus,
+     to_translate("%s has Delvio under Scripts in its menus:")},
+    {"nemo", "Nemo", "nemo", nemo, to_translate("%s has Delvio in its menus:")},
     {"pcmanfm", "PCManFM", "pcmanfm", pcmanfm,
-     "in its menus, and in those of PCManFM-Qt, which reads the same file"},
+     to_translate(
+         "%s has Delvio in its menus, and in those of PCManFM-Qt, which reads the same file:")},
     {"pcmanfm-qt", "PCManFM-Qt", "pcmanfm-qt", pcmanfm,
-     "in its menus, and in those of PCManFM, which reads the same file"},
-    {"thunar", "Thunar", "thunar", thunar, "in its menus"},
+     to_translate(
+         "%s has Delvio in its menus, and in those of PCManFM, which reads the same file:")},
+    {"thunar", "Thunar", "thunar", thunar, to_translate("%s has Delvio in its menus:")},
 };
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "file_managers/thunar_actions.h"
 
+#include <host/text.h>
+
 #include <algorithm>
 
 #include "file_managers/xml_elements.h"
@@ -28,9 +30,10 @@ class ActionsFile {
         std::string reason;
         const auto document = read_xml(text_, &reason);
         if (!document) {
-            problem_ = path + " cannot be read (" + reason + "); it was left as it is";
+            problem_ = translated("%s cannot be read (%s); it was left as it is", {path, reason});
         } else if (document->root != "actions") {
-            problem_ = path + " is no file of Thunar's actions; it was left as it is";
+            problem_ =
+                translated("%s is no file of Thunar's actions; it was left as it is", {path});
         } else {
             document_ = *document;
         }

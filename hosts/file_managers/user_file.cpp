@@ -1,5 +1,7 @@
 #include "file_managers/user_file.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <stdlib.h>
@@ -17,16 +19,16 @@ constexpr off_t largest_file = 1 << 20;
 constexpr mode_t executable_bits = 0111;
 
 void fail(std::string* problem, const std::string& path, const std::string& reason) {
-    *problem = "cannot change " + path + ": " + reason + "; it was left as it is";
+    *problem = translated("cannot change %s: %s; it was left as it is", {path, reason});
 }
 
 Change failed_by_number(std::string* problem, const std::string& path) {
-    fail(problem, path, strerror(errno));
+    fail(problem, path, error_text(errno));
     return Change::failed;
 }
 
 bool is_unreadable(std::string* problem, const std::string& path, const std::string& reason) {
-    *problem = "cannot read " + path + ": " + reason + "; it was left as it is";
+    *problem = translated("cannot read %s: %s; it was left as it is", {path, reason});
     return false;
 }
 
@@ -135,19 +137,20 @@ bool read_user_file(const std::string& path, FileText* text, std::string* proble
     text->reset();
     struct stat status;
     if (lstat(path.c_str(), &status) != 0) {
-        return errno == ENOENT || is_unreadable(problem, path, strerror(errno));
+        return errno == ENOENT || is_unreadable(problem, path, error_text(errno));
     }
     if (stat(path.c_str(), &status) != 0) {
-        return is_unreadable(problem, path, "it is a link that leads nowhere");
+        return is_unreadable(problem, path, translated("it is a link that leads nowhere"));
     }
-    if (!S_ISREG(status.st_mode)) return is_unreadable(problem, path, "it is no file");
-    if (status.st_size > largest_file) return is_unreadable(problem, path, "it is too large");
+    if (!S_ISREG(status.st_mode)) return is_unreadable(problem, path, translated("it is no file"));
+    if (status.st_size > largest_file)
+        return is_unreadable(problem, path, translated("it is too large"));
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0) return is_unreadable(problem, path, strerror(errno));
+    if (file < 0) return is_unreadable(problem, path, error_text(errno));
     text->emplace();
     const bool is_read = read_all(file, &**text);
     close(file);
-    return is_read || is_unreadable(problem, path, strerror(errno));
+    return is_read || is_unreadable(problem, path, error_text(errno));
 }
 
 Change write_user_file(const std::string& path, const FileText& before, const std::string& text,

@@ -1,5 +1,7 @@
 #include "file_steps/attributes.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -47,9 +49,10 @@ bool keep_attribute(int source, int target, const char* name, const std::string&
     // A failure to copy one of the system's own labels does not matter.
     if (!starts_with(name, "user.") && !is_access_list(name)) return true;
     if (error == ENOSPC || error == EDQUOT || error == E2BIG) {
-        return work.fail("no room for the extended attributes of", path, error);
+        return work.fail(to_translate("no room for the extended attributes of %s: %s"), path,
+                         error);
     }
-    work.remark("the destination cannot keep extended attributes or access lists");
+    work.remark(translated("the destination cannot keep extended attributes or access lists"));
     return true;
 }
 
@@ -77,12 +80,12 @@ bool keep_attributes(int source, int target, const struct stat& what, const std:
     const std::vector<char> names = list_attributes(source);
     if (!keep_listed(names, false, source, target, path, work)) return false;
     if (fchmod(target, mode_for(owner_kept, what.st_mode)) != 0 && errno != EPERM) {
-        return work.fail("cannot set the permissions of", path, errno);
+        return work.fail(to_translate("cannot set the permissions of %s: %s"), path, errno);
     }
     if (!keep_listed(names, true, source, target, path, work)) return false;
     const timespec times[2] = {what.st_atim, what.st_mtim};
     if (futimens(target, times) != 0 && errno != EPERM) {
-        return work.fail("cannot set the times of", path, errno);
+        return work.fail(to_translate("cannot set the times of %s: %s"), path, errno);
     }
     return true;
 }
@@ -94,7 +97,7 @@ bool keep_plain_attributes(int folder, const char* name, const struct stat& what
     if (!S_ISLNK(what.st_mode)) fchmodat(folder, name, mode_for(owner_kept, what.st_mode), 0);
     const timespec times[2] = {what.st_atim, what.st_mtim};
     if (utimensat(folder, name, times, AT_SYMLINK_NOFOLLOW) != 0 && errno != EPERM) {
-        return work.fail("cannot set the times of", path, errno);
+        return work.fail(to_translate("cannot set the times of %s: %s"), path, errno);
     }
     return true;
 }

@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 // The second half of a move to another file system: the copy is checked, the source removed.
 #include <errno.h>
 #include <fcntl.h>
@@ -12,7 +14,7 @@ namespace operations {
 namespace {
 
 std::string changed_line(const Place& source) {
-    return quoted_name(source.path) + " was changed while it was being moved";
+    return translated("%s was changed while it was being moved", {quoted_name(source.path)});
 }
 
 }  // namespace
@@ -24,7 +26,7 @@ bool TreeCopy::check(const Place& source, const Place& target) {
     }
     if (!look_at(target.folder, target.name.c_str(), &copied) ||
         (copied.st_mode & S_IFMT) != (what.st_mode & S_IFMT)) {
-        return work_.fail("the copy of " + quoted_name(source.path) + " is not there");
+        return work_.fail(translated("the copy of %s is not there", {quoted_name(source.path)}));
     }
     if (S_ISDIR(what.st_mode)) return check_folder(source, target);
     return !S_ISREG(what.st_mode) || check_file(source, target);
@@ -33,16 +35,18 @@ bool TreeCopy::check(const Place& source, const Place& target) {
 bool TreeCopy::check_file(const Place& source, const Place& target) {
     const int flags = O_RDONLY | O_NOFOLLOW | O_CLOEXEC;
     const Descriptor ours(openat(source.folder, source.name.c_str(), flags));
-    if (!ours) return work_.fail("cannot read", source.path, errno);
+    if (!ours) return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     // The copy's permissions may keep its own owner out.
     Descriptor copied(openat(target.folder, target.name.c_str(), flags));
-    if (!copied) return work_.fail("cannot read the copy of", source.path, errno);
+    if (!copied)
+        return work_.fail(to_translate("cannot read the copy of %s: %s"), source.path, errno);
     const auto piece = [&](uint64_t) { return work_.advance(source.path, 0, 0); };
     const int error = compare_data(ours.get(), copied.get(), piece);
     if (error == EBADMSG) {
-        return work_.fail("the copy of " + quoted_name(source.path) + " differs from the original");
+        return work_.fail(
+            translated("the copy of %s differs from the original", {quoted_name(source.path)}));
     }
-    return error == 0 || work_.fail("cannot compare", source.path, error);
+    return error == 0 || work_.fail(to_translate("cannot compare %s: %s"), source.path, error);
 }
 
 bool TreeCopy::check_folder(const Place& source, const Place& target) {
@@ -50,7 +54,7 @@ bool TreeCopy::check_folder(const Place& source, const Place& target) {
     const Descriptor copied = open_folder_at(target.folder, target.name.c_str());
     std::vector<std::string> names;
     if (!ours || !copied || !names_in_folder(ours.get(), &names)) {
-        return work_.fail("cannot read", source.path, errno);
+        return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     }
     for (const std::string& name : names) {
         const Place entry = {ours.get(), name, source.path + "/" + name};
@@ -62,12 +66,13 @@ bool TreeCopy::check_folder(const Place& source, const Place& target) {
 bool TreeCopy::remove(const Place& source) {
     struct stat what;
     if (!look_at(source.folder, source.name.c_str(), &what)) {
-        return errno == ENOENT || work_.fail("cannot remove", source.path, errno);
+        return errno == ENOENT ||
+               work_.fail(to_translate("cannot remove %s: %s"), source.path, errno);
     }
     if (!is_as_remembered(what, true)) return work_.fail(changed_line(source));
     if (S_ISDIR(what.st_mode)) return remove_folder(source);
     if (unlinkat(source.folder, source.name.c_str(), 0) == 0) return true;
-    return work_.fail("cannot remove", source.path, errno);
+    return work_.fail(to_translate("cannot remove %s: %s"), source.path, errno);
 }
 
 bool TreeCopy::remove_folder(const Place& source) {
@@ -75,15 +80,16 @@ bool TreeCopy::remove_folder(const Place& source) {
     {
         const Descriptor folder = open_folder_at(source.folder, source.name.c_str());
         if (!folder || !names_in_folder(folder.get(), &names)) {
-            return work_.fail("cannot remove", source.path, errno);
+            return work_.fail(to_translate("cannot remove %s: %s"), source.path, errno);
         }
         for (const std::string& name : names) {
             if (!remove({folder.get(), name, source.path + "/" + name})) return false;
         }
     }
     if (unlinkat(source.folder, source.name.c_str(), AT_REMOVEDIR) == 0) return true;
-    return work_.fail(errno == ENOTEMPTY ? changed_line(source)
-                                         : "cannot remove " + quoted_name(source.path));
+    return work_.fail(errno == ENOTEMPTY
+                          ? changed_line(source)
+                          : translated("cannot remove %s", {quoted_name(source.path)}));
 }
 
 }  // namespace operations

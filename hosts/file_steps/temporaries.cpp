@@ -1,5 +1,7 @@
 #include "file_steps/temporaries.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -157,7 +159,7 @@ Temporaries::Temporaries(const std::string& state_folder, int folder) {
     const std::string name = random_name(), path = path_of_folder(folder);
     prefix_ = "." + name + "-";
     if (path.empty() || name.empty()) {
-        problem_ = std::string("cannot tell where the destination is: ") + strerror(errno);
+        problem_ = translated("cannot tell where the destination is: %s", {error_text(errno)});
         return;
     }
     int error = EIO;
@@ -165,7 +167,7 @@ Temporaries::Temporaries(const std::string& state_folder, int folder) {
         if (open_journal(journals, name, file_system_of(folder) + "\n" + path)) return;
         error = errno;
     }
-    problem_ = "cannot write " + journals_in(state_folder) + ": " + strerror(error);
+    problem_ = translated("cannot write %s: %s", {journals_in(state_folder), error_text(error)});
 }
 
 Temporaries::~Temporaries() {

@@ -1,5 +1,7 @@
 #include "file_steps/trash.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -140,9 +142,9 @@ int Way::put(const std::function<bool(const Trashed&)>& before, Trashed* trashed
 }
 
 std::string in_words(int error) {
-    if (error == ESTALE) return "it was replaced by another file";
-    if (error == EEXIST) return "the trash has no free name for it";
-    return error == ECANCELED ? "stopped" : strerror(error);
+    if (error == ESTALE) return translated("it was replaced by another file");
+    if (error == EEXIST) return translated("the trash has no free name for it");
+    return error == ECANCELED ? translated("stopped") : error_text(error);
 }
 
 // If the shared trash of a volume fails, the user's own trash there takes its place; no other trash
@@ -159,20 +161,22 @@ std::string path_in(const std::string& folder, const std::string& name) {
 
 bool move_into_trash(const Thing& thing, const std::function<bool(const Trashed&)>& before,
                      Trashed* trashed, std::string* problem) {
-    const std::string start = "cannot move " + quoted_name(thing.name) + " to the trash: ";
+    const auto because = [&](const std::string& reason) {
+        *problem = translated("cannot move %s to the trash: %s", {quoted_name(thing.name), reason});
+    };
     const std::string folder = path_of_folder(thing.folder), path = path_in(folder, thing.name);
     if (folder.empty()) {
-        *problem = start + strerror(errno);
+        because(error_text(errno));
         return false;
     }
     for (const TrashFolder& trash : trash_folders_of(thing.folder, folder)) {
         Way way(thing, trash, path);
-        *problem = start + way.problem();
+        because(way.problem());
         if (is_final(trash, way.problem())) return false;
         if (!way.problem().empty()) continue;
         const int error = way.put(before, trashed);
         if (error == 0) return true;
-        *problem = start + in_words(error);
+        because(in_words(error));
         // After any other error the move may be half done.
         if (error != EXDEV) return false;
     }
@@ -181,7 +185,7 @@ bool move_into_trash(const Thing& thing, const std::function<bool(const Trashed&
 
 std::string why_no_trash(int folder) {
     const std::string path = path_of_folder(folder);
-    if (path.empty()) return strerror(errno);
+    if (path.empty()) return error_text(errno);
     std::string problem;
     for (const TrashFolder& trash : trash_folders_of(folder, path)) {
         problem = open_trash_folder(trash).problem;

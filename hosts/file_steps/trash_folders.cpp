@@ -1,5 +1,7 @@
 #include "file_steps/trash_folders.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -50,19 +52,19 @@ bool is_shared_trash(const std::string& path) {
 Descriptor open_part(const std::string& path, std::string* problem) {
     const std::string name = in_quotes(path);
     if (!make_folders(path)) {
-        *problem = "cannot make " + name + ": " + strerror(errno);
+        *problem = translated("cannot make %s: %s", {name, error_text(errno)});
         return Descriptor();
     }
     Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     struct stat what;
     if (!folder) {
         const bool other = errno == ENOTDIR || errno == ELOOP;
-        *problem = other ? name + ", where the trash should be, is not a folder"
-                         : "cannot open " + name + ": " + strerror(errno);
+        *problem = other ? translated("%s, where the trash should be, is not a folder", {name})
+                         : translated("cannot open %s: %s", {name, error_text(errno)});
     } else if (fstat(folder.get(), &what) != 0) {
-        *problem = "cannot read " + name + ": " + strerror(errno);
+        *problem = translated("cannot read %s: %s", {name, error_text(errno)});
     } else if (what.st_uid != geteuid()) {
-        *problem = "the trash " + name + " belongs to somebody else";
+        *problem = translated("the trash %s belongs to somebody else", {name});
     }
     if (!problem->empty()) folder.close();
     return folder;

@@ -1,5 +1,7 @@
 #include "file_steps/tree_copy.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -60,7 +62,7 @@ bool TreeCopy::finish() {
 bool TreeCopy::copy(const Place& source, const Place& target) {
     struct stat what;
     if (!look_at(source.folder, source.name.c_str(), &what)) {
-        return work_.fail("cannot read", source.path, errno);
+        return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     }
     return copy_by_kind(source, target, what) && work_.advance(source.path, 1, 0);
 }
@@ -106,26 +108,26 @@ bool TreeCopy::copy_file(const Place& source, const Place& target) {
         if (!changed) return false;
         unlinkat(target.folder, target.name.c_str(), 0);
     }
-    return work_.fail(quoted_name(source.path) + " was changed while it was read");
+    return work_.fail(translated("%s was changed while it was read", {quoted_name(source.path)}));
 }
 
 bool TreeCopy::copy_once(const Place& source, const Place& target, bool* changed) {
     const Descriptor from = open_file(source);
     struct stat what, after;
     if (!from || fstat(from.get(), &what) != 0) {
-        return work_.fail("cannot read", source.path, errno);
+        return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     }
     if (!S_ISREG(what.st_mode)) return !(*changed = true);
     const int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     Descriptor to(openat(target.folder, target.name.c_str(), flags, 0600));
-    if (!to) return work_.fail("cannot write", source.path, errno);
+    if (!to) return work_.fail(to_translate("cannot write %s: %s"), source.path, errno);
     forget_inherited(to.get(), target);
     if (!copy_bytes(from.get(), to.get(), what, source.path, changed)) return false;
     if (!keep_attributes(from.get(), to.get(), what, source.path, work_)) return false;
     if (fstat(from.get(), &after) != 0 || !is_same(what, after)) return !(*changed = true);
     remember(what);
     wrote(to.get());
-    return to.close() || work_.fail("cannot write", source.path, errno);
+    return to.close() || work_.fail(to_translate("cannot write %s: %s"), source.path, errno);
 }
 
 bool TreeCopy::copy_bytes(int from, int to, const struct stat& what, const std::string& path,
@@ -135,21 +137,21 @@ bool TreeCopy::copy_bytes(int from, int to, const struct stat& what, const std::
                                 static_cast<uint64_t>(what.st_blocks), piece);
     if (error == 0) return true;
     *changed = error == ESTALE;
-    return !*changed && work_.fail("cannot copy", path, error);
+    return !*changed && work_.fail(to_translate("cannot copy %s: %s"), path, error);
 }
 
 bool TreeCopy::copy_folder(const Place& source, const Place& target) {
     const Descriptor from = open_folder_at(source.folder, source.name.c_str());
     struct stat before, after;
     if (!from || fstat(from.get(), &before) != 0) {
-        return work_.fail("cannot read", source.path, errno);
+        return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     }
     if (!may_enter(from.get(), before, source)) return false;
     if (mkdirat(target.folder, target.name.c_str(), 0700) != 0) {
-        return work_.fail("cannot make", source.path, errno);
+        return work_.fail(to_translate("cannot make %s: %s"), source.path, errno);
     }
     const Descriptor to = open_folder_at(target.folder, target.name.c_str());
-    if (!to) return work_.fail("cannot write", source.path, errno);
+    if (!to) return work_.fail(to_translate("cannot write %s: %s"), source.path, errno);
     forget_inherited(to.get(), target);
     depth_++;
     const bool copied = copy_content(from.get(), to.get(), source, target);
@@ -157,7 +159,8 @@ bool TreeCopy::copy_folder(const Place& source, const Place& target) {
     if (!copied) return false;
     if (!keep_attributes(from.get(), to.get(), before, source.path, work_)) return false;
     if (for_move_ && (fstat(from.get(), &after) != 0 || !is_same(before, after))) {
-        return work_.fail(quoted_name(source.path) + " was changed while it was read");
+        return work_.fail(
+            translated("%s was changed while it was read", {quoted_name(source.path)}));
     }
     remember(before);
     wrote(to.get());
@@ -166,7 +169,8 @@ bool TreeCopy::copy_folder(const Place& source, const Place& target) {
 
 bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& target) {
     std::vector<std::string> names;
-    if (!names_in_folder(from, &names)) return work_.fail("cannot read", source.path, errno);
+    if (!names_in_folder(from, &names))
+        return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     for (const std::string& name : names) {
         const Place entry = inside(from, source, name);
         struct stat what;
@@ -180,32 +184,34 @@ bool TreeCopy::copy_content(int from, int to, const Place& source, const Place& 
 // If a disk is mounted twice, the destination may be in the source without being below its path.
 bool TreeCopy::may_enter(int folder, const struct stat& what, const Place& source) {
     if (Identity(what.st_dev, what.st_ino) == destination_identity_) {
-        return work_.fail("a folder cannot be copied into itself, and the destination " +
-                          quoted_name(source.path) + " is inside the one that is copied");
+        return work_.fail(
+            translated("a folder cannot be copied into itself, and the destination %s "
+                       "is inside the one that is copied",
+                       {quoted_name(source.path)}));
     }
     if (depth_ >= deepest_folder) {
-        return work_.fail(quoted_name(source.path) + " is nested more than " +
-                          std::to_string(deepest_folder) + " folders deep");
+        return work_.fail(translated("%s is nested more than %s folders deep",
+                                     {quoted_name(source.path), std::to_string(deepest_folder)}));
     }
     return !for_move_ || may_remove_from(folder, source);
 }
 
 bool TreeCopy::may_remove_from(int folder, const Place& source) {
     if (mount_of(folder) != mount_of(source.folder)) {
-        return work_.fail("another volume is mounted at " + quoted_name(source.path) +
-                          ", which cannot be moved");
+        return work_.fail(translated("another volume is mounted at %s, which cannot be moved",
+                                     {quoted_name(source.path)}));
     }
     if (faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0) return true;
-    return work_.fail("cannot remove anything from", source.path, errno);
+    return work_.fail(to_translate("cannot remove anything from %s: %s"), source.path, errno);
 }
 
 bool TreeCopy::copy_link(const Place& source, const Place& target, const struct stat& what) {
     char text[PATH_MAX];
     const ssize_t size = readlinkat(source.folder, source.name.c_str(), text, sizeof text - 1);
-    if (size < 0) return work_.fail("cannot read", source.path, errno);
+    if (size < 0) return work_.fail(to_translate("cannot read %s: %s"), source.path, errno);
     text[size] = 0;
     if (symlinkat(text, target.folder, target.name.c_str()) != 0) {
-        return work_.fail("cannot make the link", source.path, errno);
+        return work_.fail(to_translate("cannot make the link %s: %s"), source.path, errno);
     }
     remember(what);
     wrote();
@@ -216,7 +222,8 @@ bool TreeCopy::copy_node(const Place& source, const Place& target, const struct 
     if (mknodat(target.folder, target.name.c_str(), what.st_mode & (S_IFMT | 0600), what.st_rdev) !=
         0) {
         const bool device = S_ISCHR(what.st_mode) || S_ISBLK(what.st_mode);
-        return work_.fail(device ? "cannot make the device" : "cannot make the FIFO or socket",
+        return work_.fail(device ? to_translate("cannot make the device %s: %s")
+                                 : to_translate("cannot make the FIFO or socket %s: %s"),
                           source.path, errno);
     }
     remember(what);
@@ -245,7 +252,7 @@ bool TreeCopy::sync(const std::string& path) {
     for (const Descriptor& file : unsynced_) synced = synced && fsync(file.get()) == 0;
     unsynced_.clear();
     written_ = 0;
-    return synced || work_.fail("cannot write", path, errno);
+    return synced || work_.fail(to_translate("cannot write %s: %s"), path, errno);
 }
 
 void TreeCopy::remember(const struct stat& what) {

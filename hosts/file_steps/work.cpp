@@ -1,6 +1,6 @@
 #include "file_steps/work.h"
 
-#include <string.h>
+#include <host/text.h>
 
 #include <utility>
 
@@ -9,10 +9,8 @@
 
 namespace operations {
 
-bool Work::fail(const std::string& what, const std::string& path, int error) {
-    char buffer[128];
-    const char* text = strerror_r(error, buffer, sizeof buffer);
-    return fail(what + " " + quoted_name(path) + ": " + text);
+bool Work::fail(const char* what, const std::string& path, int error) {
+    return fail(translated(what, {quoted_name(path), error_text(error)}));
 }
 
 bool Work::fail(const std::string& line) {
@@ -43,7 +41,7 @@ bool Work::advance(const std::string& path, uint64_t items, uint64_t bytes) {
 bool Work::is_wanted() {
     if (!stopped_ && !observer_.is_cancelled()) return true;
     stopped_ = true;
-    return fail("stopped");
+    return fail(translated("stopped"));
 }
 
 }  // namespace operations

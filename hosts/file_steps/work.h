@@ -13,9 +13,9 @@ class Work {
   public:
     explicit Work(Observer& observer) : observer_(observer) {}
 
-    // Keeps the first problem, as one line: `what`, the name in quotes, the error. Always returns
-    // false.
-    bool fail(const std::string& what, const std::string& path, int error);
+    // Keeps the first problem, as one line. `what` is an English text with places for the name and
+    // the error, such as "cannot read %s: %s". Always returns false.
+    bool fail(const char* what, const std::string& path, int error);
     // The same with the whole line given.
     bool fail(const std::string& line);
     // Keeps the first remark: what could not be kept of an otherwise successful operation.

@@ -1,5 +1,6 @@
 #include "finderkit/desktop_carrier.h"
 
+#include <host/text.h>
 #include <host/glib_owners.h>
 #include <errno.h>
 #include <string.h>
@@ -45,7 +46,8 @@ std::string why_not(const std::string& source) {
     struct stat status;
     if (lstat(source.c_str(), &status) == 0) return "";
     const std::string name = operations::quoted_name(source);
-    return errno == ENOENT ? name + " is no longer there" : name + ": " + strerror(errno);
+    return errno == ENOENT ? translated("%s is no longer there", {name})
+                           : translated("%s: %s", {name, error_text(errno)});
 }
 
 // The request without the sources that cannot be handed over; their outcomes say why.
@@ -98,7 +100,7 @@ void DesktopCarrier::hand_over(RequestQueue::Job job) {
     if (job.observer->is_cancelled()) {
         report.stopped = true;
         for (const std::string& source : job.request.sources) {
-            report.outcomes.push_back({source, State::Skipped, "", "stopped"});
+            report.outcomes.push_back({source, State::Skipped, "", translated("stopped")});
         }
         return job.observer->ended(report);
     }

@@ -1,5 +1,7 @@
 #include "finderkit/event_trace.h"
 
+#include <host/text.h>
+
 #import <Foundation/Foundation.h>
 
 #include <errno.h>
@@ -194,7 +196,7 @@ std::string describe_event(const AppleEvent& event) {
 bool trace_events(const std::string& file, std::string* problem) {
     FILE* opened = file == "-" ? stderr : fopen(file.c_str(), "ae");
     if (!opened) {
-        *problem = "cannot write the trace to " + file + ": " + strerror(errno);
+        *problem = translated("cannot write the trace to %s: %s", {file, error_text(errno)});
         return false;
     }
     if (trace_file && trace_file != stderr) fclose(trace_file);

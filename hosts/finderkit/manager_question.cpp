@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 #include <host/glib_owners.h>
 
 #include <algorithm>
@@ -118,7 +120,7 @@ Handover ask_manager(GDBusConnection* bus, const DesktopManager& manager,
     }
     if (is_absence(error.get())) return Handover::absent;
     g_dbus_error_strip_remote_error(error.get());
-    *reason = std::string("the file manager (") + manager.service +
-              ") did not take it: " + error.get()->message;
+    *reason = translated("the file manager (%s) did not take it: %s",
+                         {manager.service, error.get()->message});
     return Handover::refused;
 }

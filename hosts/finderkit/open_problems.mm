@@ -1,5 +1,8 @@
 #include "finderkit/open_problems.h"
 
+#include <glib.h>
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 #include <host/opening_files.h>
 
@@ -37,17 +40,22 @@ void hear(const char* file, const char* program, const char* reason) {
 }
 
 std::string subject_of(const OpenProblem& problem) {
-    return problem.file.empty() ? "The file" : window_name(problem.file);
+    return problem.file.empty() ? translated("The file") : window_name(problem.file);
 }
 
 std::string title_of(const OpenProblem& problem) {
-    const std::string title = subject_of(problem) + " cannot be opened";
-    return title + (problem.program.empty() ? "." : " with " + window_name(problem.program) + ".");
+    const std::string subject = subject_of(problem);
+    if (problem.program.empty()) return translated("%s cannot be opened.", {subject});
+    return translated("%s cannot be opened with %s.", {subject, window_name(problem.program)});
 }
 
-std::string sentence(std::string clause) {
-    if (!clause.empty()) clause[0] = static_cast<char>(toupper(clause[0]));
-    return clause + ".";
+// A clause with a capital letter and a full stop.
+std::string sentence(const std::string& clause) {
+    if (!g_utf8_validate(clause.c_str(), -1, nullptr) || clause.empty()) return clause;
+    char first[6];
+    const int length = g_unichar_to_utf8(g_unichar_toupper(g_utf8_get_char(clause.c_str())), first);
+    const std::string rest = g_utf8_next_char(clause.c_str());
+    return translated("%s.", {std::string(first, static_cast<size_t>(length)) + rest});
 }
 
 std::string lines_of(const std::vector<OpenProblem>& problems) {
@@ -57,7 +65,9 @@ std::string lines_of(const std::vector<OpenProblem>& problems) {
                  visible_text(problems[i].reason);
     }
     if (problems.size() > most_lines) {
-        lines += "\nand " + std::to_string(problems.size() - most_lines) + " more";
+        const size_t more = problems.size() - most_lines;
+        lines +=
+            "\n" + translated_count("and %s more", "and %s more", more, {std::to_string(more)});
     }
     return lines;
 }
@@ -98,7 +108,7 @@ void show_alert(const std::string& title, const std::string& text) {
     // Opening with a program and file operations work with any name.
     const bool did_something = count_of_openings() != _openings || apple_events_are_waiting();
     if (_isNameless && !did_something && listener()) {
-        listener()({"", "", "its name is not UTF-8"});
+        listener()({"", "", translated("its name is not UTF-8")});
     }
     _isNameless = NO;
 }
@@ -112,10 +122,11 @@ void listen_for_open_problems(std::function<void(const OpenProblem&)> wanted) {
 }
 
 std::string problem_line(const OpenProblem& problem) {
-    std::string line = "cannot open ";
-    line += problem.file.empty() ? "the file" : in_quotes(problem.file);
-    if (!problem.program.empty()) line += " with " + in_quotes(problem.program);
-    return line + ": " + visible_text(problem.reason);
+    const std::string reason = visible_text(problem.reason);
+    const std::string file =
+        problem.file.empty() ? translated("the file") : in_quotes(problem.file);
+    if (problem.program.empty()) return translated("cannot open %s: %s", {file, reason});
+    return translated("cannot open %s with %s: %s", {file, in_quotes(problem.program), reason});
 }
 
 void show_open_problems(const std::vector<OpenProblem>& problems) {
@@ -123,7 +134,9 @@ void show_open_problems(const std::vector<OpenProblem>& problems) {
     if (problems.size() == 1) {
         return show_alert(title_of(problems[0]), sentence(visible_text(problems[0].reason)));
     }
-    show_alert(std::to_string(problems.size()) + " items cannot be opened.", lines_of(problems));
+    show_alert(translated_count("%s item cannot be opened.", "%s items cannot be opened.",
+                                problems.size(), {std::to_string(problems.size())}),
+               lines_of(problems));
 }
 
 void show_problem(const std::string& title, const std::string& reason) {

@@ -1,5 +1,6 @@
 #include "finderkit/plug_in.h"
 
+#include <host/text.h>
 #include <host/menu_tracking.h>
 #include <host/process.h>
 #include <Foundation/Foundation.h>
@@ -32,7 +33,7 @@ void load_quietly(NSBundle* bundle) {
 void* code_handle(NSBundle* bundle, std::string* problem) {
     NSString* code = [bundle executablePath];
     if (!code) {
-        *problem = "it holds no code";
+        *problem = translated("it holds no code");
         return nullptr;
     }
     load_quietly(bundle);
@@ -54,14 +55,14 @@ bool load_and_enter(const std::string& path, std::string* problem) {
     NSString* name = [NSString stringWithUTF8String:path.c_str()];
     NSBundle* bundle = name ? [NSBundle bundleWithPath:name] : nil;
     if (!bundle) {
-        *problem = "it is not a bundle";
+        *problem = translated("it is not a bundle");
         return false;
     }
     void* handle = code_handle(bundle, problem);
     if (!handle) return false;
     const auto enter = reinterpret_cast<EntryFunction>(dlsym(handle, "dv_load_delvio"));
     if (!enter) {
-        *problem = "it has no entry function dv_load_delvio";
+        *problem = translated("it has no entry function %s", {"dv_load_delvio"});
         return false;
     }
     [NSMenu setHeadingQuestion:only_heads_submenu];
@@ -78,6 +79,6 @@ bool load_plug_in(const std::string& path, std::string* problem) {
     answer_settings();
     std::string reason;
     if (load_and_enter(path, &reason)) return true;
-    *problem = "cannot load the plug-in " + path + ": " + reason;
+    *problem = translated("cannot load the plug-in %s: %s", {path, reason});
     return false;
 }

@@ -1,5 +1,7 @@
 #include "finderkit/plug_in.h"
 
+#include <host/text.h>
+
 #include <dlfcn.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -24,13 +26,14 @@ std::string find_plug_in(std::string* problem, const std::string& folder) {
     std::error_code error;
     if (const char* chosen = getenv("DELVIO_BUNDLE"); chosen && *chosen) {
         if (fs::is_directory(chosen, error)) return chosen;
-        *problem = "DELVIO_BUNDLE names no bundle: " + std::string(chosen);
+        *problem = translated("DELVIO_BUNDLE names no bundle: %s", {chosen});
         return {};
     }
     const fs::path place = folder.empty() ? library_folder() : fs::path(folder);
     if (fs::is_directory(place / "Delvio.bundle", error)) return place / "Delvio.bundle";
-    *problem = "the plug-in is missing: no Delvio.bundle in " + place.string() +
-               "; build or install it, or set DELVIO_BUNDLE";
+    *problem = translated(
+        "the plug-in is missing: no Delvio.bundle in %s; build or install it, or set DELVIO_BUNDLE",
+        {place.string()});
     return {};
 }
 
@@ -38,7 +41,7 @@ std::string find_bundle(const std::string& name, std::string* problem) {
     std::error_code error;
     const fs::path bundle = library_folder() / name;
     if (fs::is_directory(bundle, error)) return bundle;
-    *problem = "there is no " + name + " in " + library_folder().string();
+    *problem = translated("there is no %s in %s", {name, library_folder().string()});
     return {};
 }
 
@@ -49,6 +52,6 @@ std::string find_command(std::string* problem) {
         const fs::path command = fs::canonical(library / way, error);
         if (!error && access(command.c_str(), X_OK) == 0) return command;
     }
-    *problem = "there is no delvio command beside " + library.string();
+    *problem = translated("there is no delvio command beside %s", {library.string()});
     return {};
 }

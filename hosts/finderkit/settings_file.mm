@@ -1,8 +1,10 @@
 #include "finderkit/settings_file.h"
 
+#include <host/text.h>
+
 #include "corefoundation/defaults_file.h"
 
 std::string settings_problem() {
     DefaultsFile file(@(settings_domain));
-    return file.refresh() ? "" : "the settings in " + file.path() + " cannot be read";
+    return file.refresh() ? "" : translated("the settings in %s cannot be read", {file.path()});
 }

@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 
 #include <dlfcn.h>
@@ -44,7 +46,7 @@ std::string own_folder() {
     const std::string bundle = find_plug_in(&problem, own_folder());
     if (bundle.empty()) return complain(problem);
     const std::string corrupt = settings_problem();
-    if (!corrupt.empty()) complain(corrupt + "; the default settings are used");
+    if (!corrupt.empty()) complain(translated("%s; the default settings are used", {corrupt}));
     if (!answer_finder_events(&problem)) complain(problem);
     if (!load_plug_in(bundle, &problem)) return complain(problem);
     watch_applications();

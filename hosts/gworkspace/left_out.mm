@@ -1,5 +1,7 @@
 #include "gworkspace/left_out.h"
 
+#include <host/text.h>
+
 #include <sys/stat.h>
 
 #include "file_steps/folder.h"
@@ -30,15 +32,18 @@ bool is_there(const std::string& path) {
     return lstat(path.c_str(), &what) == 0;
 }
 
-const char* verb_of(Kind kind) {
-    if (kind == Kind::Alias) return "linked";
-    return kind == Kind::Move ? "moved" : "copied";
+const char* text_for(Kind kind) {
+    if (kind == Kind::Alias) {
+        return to_translate("%s was not linked: %s has a file of that name now");
+    }
+    return kind == Kind::Move ? to_translate("%s was not moved: %s has a file of that name now")
+                              : to_translate("%s was not copied: %s has a file of that name now");
 }
 
 Outcome outcome_of(const std::string& source, const Request& request) {
     return {source, State::Failed, "",
-            operations::quoted_name(source) + " was not " + verb_of(request.kind) + ": " +
-                operations::quoted_name(request.destination) + " has a file of that name now"};
+            translated(text_for(request.kind), {operations::quoted_name(source),
+                                                operations::quoted_name(request.destination)})};
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "gworkspace/opening.h"
 
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 #include <host/opening_files.h>
 #include <objc/runtime.h>
@@ -34,7 +36,7 @@ Opener opener_of(NSWorkspace* workspace, NSString* path) {
 }
 
 BOOL opened(BOOL done, NSString* path) {
-    if (!done) report_open_failure([path UTF8String], "", "its program does not start");
+    if (!done) report_open_failure([path UTF8String], "", translated("its program does not start"));
     return done;
 }
 

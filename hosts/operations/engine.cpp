@@ -1,5 +1,7 @@
 #include "operations/engine.h"
 
+#include <host/text.h>
+
 #include <utility>
 
 #include "file_steps/temporaries.h"
@@ -28,16 +30,22 @@ class Engine : public Carrier {
     RequestQueue queue_;
 };
 
-const char* verb_of(Kind kind) {
+// What was done, with places for the files and for who did it.
+const char* elsewhere_text(Kind kind) {
     switch (kind) {
         case Kind::Move:
-            return "moving";
+            return to_translate(
+                "the last operation (moving %s) was handed to %s, and can only be undone there");
         case Kind::Copy:
-            return "copying";
+            return to_translate(
+                "the last operation (copying %s) was handed to %s, and can only be undone there");
         case Kind::Alias:
-            return "making an alias of";
+            return to_translate(
+                "the last operation (making an alias of %s) was handed to %s, and can only be "
+                "undone there");
         case Kind::Trash:
-            return "trashing";
+            return to_translate(
+                "the last operation (trashing %s) was handed to %s, and can only be undone there");
     }
     return "";
 }
@@ -55,11 +63,12 @@ void note_done_elsewhere(const Request& request, const std::string& who,
                          const std::string& state_folder) {
     if (request.sources.empty()) return;
     const size_t others = request.sources.size() - 1;
-    std::string line = std::string("the last operation (") + verb_of(request.kind) + " " +
-                       quoted_name(request.sources.front());
-    if (others > 0) line += " and " + std::to_string(others) + (others == 1 ? " other" : " others");
-    UndoJournal(state_folder)
-        .elsewhere(line + ") was handed to " + who + ", and can only be undone there");
+    std::string files = quoted_name(request.sources.front());
+    if (others > 0) {
+        files = translated_count("%s and %s other", "%s and %s others", others,
+                                 {files, std::to_string(others)});
+    }
+    UndoJournal(state_folder).elsewhere(translated(elsewhere_text(request.kind), {files, who}));
 }
 
 std::unique_ptr<Carrier> make_engine(const std::string& state_folder) {

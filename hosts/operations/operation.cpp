@@ -1,5 +1,7 @@
 #include "operations/operation.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -28,8 +30,6 @@ bool is_plain_path(const std::string& path) {
     return path.size() > 1 && path[0] == '/' && !name.empty() && name != "." && name != ".." &&
            path.find('\0') == std::string::npos;
 }
-
-const char* verb_of(Kind kind) { return kind == Kind::Move ? "moved" : "copied"; }
 
 }  // namespace
 
@@ -70,10 +70,10 @@ bool Operation::open_destination() {
     const std::string& path = request_.destination;
     destination_ = Descriptor(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!destination_ || fstat(destination_.get(), &destination_what_) != 0) {
-        return work_.fail("cannot open the destination", path, errno);
+        return work_.fail(to_translate("cannot open the destination %s: %s"), path, errno);
     }
     if (faccessat(destination_.get(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
-        return work_.fail("cannot put anything into", path, errno);
+        return work_.fail(to_translate("cannot put anything into %s: %s"), path, errno);
     }
     above_ = folders_above(destination_.get());
     return true;
@@ -84,7 +84,7 @@ void Operation::carry(size_t index) {
     item.index = index;
     if (work_.is_stopped() || work_.observer().is_cancelled()) {
         work_.stop();
-        return settle_skipped(item, "stopped");
+        return settle_skipped(item, translated("stopped"));
     }
     if (!find(index, item) || is_refused(item)) return;
     if (pending_names_.count(item.name)) flush();
@@ -104,7 +104,7 @@ void Operation::carry(size_t index) {
 bool Operation::find(size_t index, Item& item) {
     item.path = request_.sources[index];
     item.name = exact_name_.empty() ? name_in_path(item.path) : exact_name_;
-    bool found = is_plain_path(item.path) || work_.fail("the path names no file");
+    bool found = is_plain_path(item.path) || work_.fail(translated("the path names no file"));
     if (found && (!folder_ || parent_of(item.path) != folder_path_)) {
         folder_path_ = parent_of(item.path);
         folders_opened_++;
@@ -114,8 +114,9 @@ bool Operation::find(size_t index, Item& item) {
     item.folder = folder_;
     if (found &&
         (!*folder_ || !look_at(folder_->get(), name_in_path(item.path).c_str(), &item.what))) {
-        found = errno == ENOENT ? work_.fail(quoted_name(item.path) + " is no longer there")
-                                : work_.fail("cannot read", item.path, errno);
+        found = errno == ENOENT
+                    ? work_.fail(translated("%s is no longer there", {quoted_name(item.path)}))
+                    : work_.fail(to_translate("cannot read %s: %s"), item.path, errno);
     }
     if (!found) settle_failed(item);
     return found;
@@ -125,14 +126,16 @@ bool Operation::find(size_t index, Item& item) {
 bool Operation::is_refused(Item& item) {
     if (request_.kind == Kind::Alias || request_.kind == Kind::Trash) return false;
     if (S_ISDIR(item.what.st_mode) && above_.count({item.what.st_dev, item.what.st_ino})) {
-        work_.fail(quoted_name(item.path) + " cannot be " + verb_of(request_.kind) +
-                   " into itself");
+        work_.fail(translated(request_.kind == Kind::Move
+                                  ? to_translate("%s cannot be moved into itself")
+                                  : to_translate("%s cannot be copied into itself"),
+                              {quoted_name(item.path)}));
         settle_failed(item);
         return true;
     }
     struct stat folder;
     if (fstat(item.folder->get(), &folder) != 0) {
-        work_.fail("cannot read", folder_path_, errno);
+        work_.fail(to_translate("cannot read %s: %s"), folder_path_, errno);
         settle_failed(item);
         return true;
     }
@@ -143,7 +146,7 @@ bool Operation::is_refused(Item& item) {
         item.choice = Choice::KeepBoth;
         return false;
     }
-    settle_skipped(item, quoted_name(item.path) + " is in this folder already");
+    settle_skipped(item, translated("%s is in this folder already", {quoted_name(item.path)}));
     return true;
 }
 
@@ -160,7 +163,7 @@ void Operation::move(Item item) {
         if (error != EEXIST) give_back(item);
         if (error == EXDEV) return copy(std::move(item));
         if (error != EEXIST) {
-            work_.fail("cannot move", item.path, error);
+            work_.fail(to_translate("cannot move %s: %s"), item.path, error);
             return settle_failed(item);
         }
         if (!make_room(item)) return;
@@ -182,7 +185,7 @@ void Operation::make_alias(Item& item) {
             journal_.not_done();
         }
         if (error == EEXIST) continue;
-        work_.fail("cannot make an alias of", item.path, error);
+        work_.fail(to_translate("cannot make an alias of %s: %s"), item.path, error);
         return settle_failed(item);
     }
 }

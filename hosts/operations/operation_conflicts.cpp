@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 // What an operation does when a name is taken.
 #include <errno.h>
 #include <fcntl.h>
@@ -23,11 +25,11 @@ Choice Operation::decide(const Item& item, const std::string& name) {
 // Whether the choice leaves nothing more to do for the item.
 bool Operation::is_settled_by_choice(const Item& item) {
     if (item.choice == Choice::Stop) {
-        settle_skipped(item, "stopped");
+        settle_skipped(item, translated("stopped"));
         return true;
     }
     if (item.choice != Choice::Skip) return false;
-    settle_skipped(item, quoted_name(item.name) + " is there already");
+    settle_skipped(item, translated("%s is there already", {quoted_name(item.name)}));
     return true;
 }
 
@@ -46,7 +48,8 @@ bool Operation::make_room(Item& item) {
 bool Operation::may_try_again(Item& item) {
     constexpr unsigned most_tries = 10000;
     if (item.tries++ < most_tries && work_.is_wanted()) return true;
-    if (!work_.is_stopped()) work_.fail("no name is free for " + quoted_name(item.name));
+    if (!work_.is_stopped())
+        work_.fail(translated("no name is free for %s", {quoted_name(item.name)}));
     give_back(item);
     settle_failed(item);
     return false;
@@ -57,13 +60,15 @@ bool Operation::trash_target(Item& item) {
     const int folder = destination_.get();
     bool ready = look_at(folder, item.target_name.c_str(), &target);
     if (!ready && means_missing(errno)) return true;
-    if (!ready) work_.fail("cannot look at", target_path(item.target_name), errno);
+    if (!ready)
+        work_.fail(to_translate("cannot look at %s: %s"), target_path(item.target_name), errno);
     const std::optional<bool> inside = ready ? holds_source(item, target) : std::nullopt;
     if (ready && !inside)
-        ready = work_.fail("cannot find the folders that contain", item.path, errno);
+        ready = work_.fail(to_translate("cannot find the folders that contain %s: %s"), item.path,
+                           errno);
     if (ready && *inside) {
-        const std::string name = quoted_name(item.target_name);
-        ready = work_.fail(name + " cannot be replaced by what is in it");
+        ready = work_.fail(
+            translated("%s cannot be replaced by what is in it", {quoted_name(item.target_name)}));
     }
     Trashed trashed;
     const std::string path = target_path(item.target_name);
@@ -71,7 +76,8 @@ bool Operation::trash_target(Item& item) {
         item.replaced = trashed;
         return true;
     }
-    if (ready && !work_.is_stopped()) work_.fail(work_.take_problem() + "; it was not replaced");
+    if (ready && !work_.is_stopped())
+        work_.fail(translated("%s; it was not replaced", {work_.take_problem()}));
     give_back(item);
     settle_failed(item);
     return false;

@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 // The copies of an operation. They are made under temporary names, synced many at a time, and only
 // then get their final names.
 #include <errno.h>
@@ -45,12 +47,12 @@ bool Operation::may_be_removed(const Item& item) {
     struct stat folder;
     const int parent = item.folder->get();
     if (fstat(parent, &folder) != 0 || faccessat(parent, ".", W_OK | X_OK, AT_EACCESS) != 0) {
-        return work_.fail("cannot remove anything from", folder_path_, errno);
+        return work_.fail(to_translate("cannot remove anything from %s: %s"), folder_path_, errno);
     }
     const uid_t user = geteuid();
     const bool is_kept = (folder.st_mode & S_ISVTX) && user != 0 && folder.st_uid != user &&
                          item.what.st_uid != user;
-    return !is_kept || work_.fail("cannot remove", item.path, EPERM);
+    return !is_kept || work_.fail(to_translate("cannot remove %s: %s"), item.path, EPERM);
 }
 
 // Settles what can be settled before the copying. False when the item is settled.
@@ -60,7 +62,8 @@ bool Operation::prepare(Item& item) {
     const bool is_taken = look_at(destination_.get(), item.name.c_str(), &target);
     if (is_taken && !item.choice) item.choice = decide(item, item.name);
     if (is_taken && is_settled_by_choice(item)) return false;
-    bool ready = is_taken || means_missing(errno) || work_.fail("cannot write", item.path, errno);
+    bool ready = is_taken || means_missing(errno) ||
+                 work_.fail(to_translate("cannot write %s: %s"), item.path, errno);
     if (ready && request_.kind == Kind::Move) ready = may_be_removed(item);
     if (ready) ready = begin_copies(item.index);
     if (!ready) settle_failed(item);
@@ -99,7 +102,7 @@ void Operation::end_count() {
 // Gives all pending copies their names, and ends moves by removing their sources.
 void Operation::flush() {
     if (pending_.empty()) return;
-    if (work_.is_stopped()) work_.fail("stopped");
+    if (work_.is_stopped()) work_.fail(translated("stopped"));
     if (work_.is_stopped() || !copies_->sync(request_.destination)) {
         const std::string problem = work_.take_problem();
         for (Item& item : pending_) {
@@ -142,7 +145,7 @@ bool Operation::publish(Item& item) {
     const std::string remark = outcome(item).reason;
     for (item.target_name = item.name; !give_name(item);) {
         if (errno != EEXIST) {
-            work_.fail("cannot write", item.path, errno);
+            work_.fail(to_translate("cannot write %s: %s"), item.path, errno);
             give_back(item);
             settle_failed(item);
             return false;
@@ -184,10 +187,11 @@ void Operation::empty_sources() {
             journal_.emptying(item.path, target_path(item.target_name), item.what.st_ino);
             if (copies_->remove(source)) continue;
         } else {
-            work_.fail("cannot write", request_.destination, error);
+            work_.fail(to_translate("cannot write %s: %s"), request_.destination, error);
         }
         outcome(item).state = State::Failed;
-        outcome(item).reason = "copied, but the original is still there: " + work_.take_problem();
+        outcome(item).reason =
+            translated("copied, but the original is still there: %s", {work_.take_problem()});
     }
 }
 

@@ -1,5 +1,7 @@
 #include "operations/request_queue.h"
 
+#include <host/text.h>
+
 #include <system_error>
 #include <utility>
 
@@ -11,7 +13,7 @@ Report refusal_of(const Request& request) {
     Report report;
     for (const std::string& source : request.sources) {
         report.outcomes.push_back(
-            {source, State::Failed, "", "the system cannot start another thread"});
+            {source, State::Failed, "", translated("the system cannot start another thread")});
     }
     return report;
 }

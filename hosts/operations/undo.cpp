@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 // Undoes the last operation: every step is checked before the first is undone, and each undone step
 // is written down, so that an interrupted undo can be repeated.
 #include <errno.h>
@@ -76,7 +78,7 @@ std::string Undoing::undo(size_t index, Need need) {
             break;
     }
     if (!problem.empty() || last_.undone(index)) return problem;
-    return std::string("cannot record what was undone: ") + strerror(errno);
+    return translated("cannot record what was undone: %s", {error_text(errno)});
 }
 
 std::string Undoing::move_back(size_t index) {
@@ -84,13 +86,14 @@ std::string Undoing::move_back(size_t index) {
     const int source = sources_.of(step.source), target = targets_.of(step.target);
     struct stat what;
     if (!look_at(target, name_in_path(step.target).c_str(), &what) || what.st_ino != step.inode) {
-        return quoted_name(step.target) + " is another file now";
+        return translated("%s is another file now", {quoted_name(step.target)});
     }
     if (move_free(target, name_in_path(step.target), source, name_in_path(step.source))) return "";
     if (errno == EEXIST) {
-        return "there is another " + quoted_name(step.source) + " now where it was";
+        return translated("there is another %s now where it was", {quoted_name(step.source)});
     }
-    if (errno != EXDEV) return "cannot move " + quoted_name(step.target) + ": " + strerror(errno);
+    if (errno != EXDEV)
+        return translated("cannot move %s: %s", {quoted_name(step.target), error_text(errno)});
     const Request request = {Kind::Move, {step.target}, parent_of(step.source), false};
     Operation operation(request, observer_, state_folder_, false);
     operation.set_exact_name(name_in_path(step.source),
@@ -102,7 +105,7 @@ std::string Undoing::move_back(size_t index) {
 std::string Undoing::put_in_trash(const std::string& path, unsigned long long inode) {
     Thing thing = {targets_.of(path), name_in_path(path), {}};
     if (!look_at(thing.folder, thing.name.c_str(), &thing.what) || thing.what.st_ino != inode) {
-        return quoted_name(path) + " is another file now";
+        return translated("%s is another file now", {quoted_name(path)});
     }
     std::string problem;
     Trashed trashed;
@@ -114,34 +117,35 @@ std::string Undoing::restore(const Step& step) {
     struct stat what;
     const int folder = sources_.of(step.source);
     if (!look_at(AT_FDCWD, step.trashed.file.c_str(), &what) || what.st_ino != step.inode) {
-        return quoted_name(step.source) + " is no longer in the trash";
+        return translated("%s is no longer in the trash", {quoted_name(step.source)});
     }
     if (take_from_trash(step.trashed, folder, name_in_path(step.source))) return "";
-    return "cannot take " + quoted_name(step.source) + " out of the trash: " + strerror(errno);
+    return translated("cannot take %s out of the trash: %s",
+                      {quoted_name(step.source), error_text(errno)});
 }
 
 std::string Undoing::remove(const std::string& path) {
     if (unlinkat(targets_.of(path), name_in_path(path).c_str(), 0) == 0) return "";
-    return "cannot remove " + quoted_name(path) + ": " + strerror(errno);
+    return translated("cannot remove %s: %s", {quoted_name(path), error_text(errno)});
 }
 
 std::string words_for(const Step& step, Need need) {
-    const std::string back =
-        quoted_name(step.source) + " is back in " + in_quotes(parent_of(step.source));
+    const std::string name = quoted_name(step.source), folder = in_quotes(parent_of(step.source));
     switch (need) {
         case Need::Nothing:
         case Need::ForgetTrash:
             break;
         case Need::MoveBack:
         case Need::ReplaceRest:
-            return back;
+            return translated("%s is back in %s", {name, folder});
         case Need::RestoreTrash:
-            return back + ", out of the trash";
+            return translated("%s is back in %s, out of the trash", {name, folder});
         case Need::TrashTarget:
-            return "the copy " + in_quotes(step.target) + " is in the trash";
+            return translated("the copy %s is in the trash", {in_quotes(step.target)});
         case Need::RemoveTarget:
-            return (step.kind == Step::Aliased ? "the alias " : "") + in_quotes(step.target) +
-                   " is removed";
+            return translated(step.kind == Step::Aliased ? to_translate("the alias %s is removed")
+                                                         : to_translate("%s is removed"),
+                              {in_quotes(step.target)});
     }
     return "";
 }
@@ -180,8 +184,9 @@ Report undo_last(Observer& observer, const std::string& state_folder) {
         const Step& step = last.steps()[index];
         if (step.is_undone) continue;
         report.stopped = observer.is_cancelled();
-        const std::string problem = report.stopped ? "stopped; what is left can still be undone"
-                                                   : undoing.undo(index, plans[index].need);
+        const std::string problem = report.stopped
+                                        ? translated("stopped; what is left can still be undone")
+                                        : undoing.undo(index, plans[index].need);
         const State state = problem.empty() ? State::Done : State::Failed;
         const std::string words = words_for(step, plans[index].need);
         report.outcomes.push_back(outcome_of(step, state, problem.empty() ? words : problem));

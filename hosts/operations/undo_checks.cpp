@@ -1,5 +1,7 @@
 #include "operations/undo_checks.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -24,7 +26,7 @@ struct Seen {
     bool is_missing() const { return !is_there && means_missing(error_); }
     bool is_unknown() const { return !is_there && !means_missing(error_); }
     std::string problem() const {
-        return "cannot look at " + quoted_name(path_) + ": " + strerror(error_);
+        return translated("cannot look at %s: %s", {quoted_name(path_), error_text(error_)});
     }
 
     bool is_there = false;
@@ -83,7 +85,7 @@ Plan UndoChecks::plan_moved(const Step& step) {
     const Seen source(step.source), target(step.target);
     if (step.restored != 0 && source.is(step.restored) && target.is(step.inode)) {
         if (!is_rest_of(step.target, step.source)) {
-            return problem(quoted_name(step.target) + " was changed since");
+            return problem(translated("%s was changed since", {quoted_name(step.target)}));
         }
         return with_trash(step.target, Need::TrashTarget);
     }
@@ -93,8 +95,10 @@ Plan UndoChecks::plan_moved(const Step& step) {
                            target.what.st_dev == source.what.st_dev;
         return {twice ? Need::RemoveTarget : Need::Nothing, ""};
     }
-    if (target.is_missing()) return problem(quoted_name(step.target) + " is no longer there");
-    if (!target.is(step.inode)) return problem(quoted_name(step.target) + " is another file now");
+    if (target.is_missing())
+        return problem(translated("%s is no longer there", {quoted_name(step.target)}));
+    if (!target.is(step.inode))
+        return problem(translated("%s is another file now", {quoted_name(step.target)}));
     return with_free_source(step, Need::MoveBack);
 }
 
@@ -104,18 +108,20 @@ Plan UndoChecks::plan_taken_away(const Step& step) {
     if (step.restored != 0 && source.is(step.restored)) {
         if (!target.is(step.inode)) return {};
         if (!is_rest_of(step.target, step.source)) {
-            return problem(quoted_name(step.target) + " was changed since");
+            return problem(translated("%s was changed since", {quoted_name(step.target)}));
         }
         return with_trash(step.target, Need::TrashTarget);
     }
     if (target.is_missing()) {
-        return source.is(step.original) ? Plan{}
-                                        : problem(quoted_name(step.target) + " is no longer there");
+        return source.is(step.original)
+                   ? Plan{}
+                   : problem(translated("%s is no longer there", {quoted_name(step.target)}));
     }
-    if (!target.is(step.inode)) return problem(quoted_name(step.target) + " is another file now");
+    if (!target.is(step.inode))
+        return problem(translated("%s is another file now", {quoted_name(step.target)}));
     if (!source.is(step.original)) return with_free_source(step, Need::MoveBack);
     if (!is_rest_of(step.source, step.target)) {
-        return problem(quoted_name(step.source) + " was changed since");
+        return problem(translated("%s was changed since", {quoted_name(step.source)}));
     }
     if (is_rest_of(step.target, step.source)) return with_trash(step.target, Need::TrashTarget);
     return with_trash(step.source, Need::ReplaceRest);
@@ -127,7 +133,7 @@ Plan UndoChecks::plan_copied(const Step& step) {
     // The copy had not got its name yet, and another file has it now.
     if (!target.is(step.inode) && !step.is_confirmed) return {};
     if (is_changed(AT_FDCWD, step.target.c_str(), step.copy)) {
-        return problem("the copy " + quoted_name(step.target) + " was changed since");
+        return problem(translated("the copy %s was changed since", {quoted_name(step.target)}));
     }
     return with_trash(step.target, Need::TrashTarget);
 }
@@ -135,7 +141,7 @@ Plan UndoChecks::plan_copied(const Step& step) {
 Plan UndoChecks::plan_aliased(const Step& step) {
     if (Seen(step.target).is_missing()) return {};
     if (text_of_link(step.target) == step.source) return {Need::RemoveTarget, ""};
-    return problem(quoted_name(step.target) + " is another file now");
+    return problem(translated("%s is another file now", {quoted_name(step.target)}));
 }
 
 Plan UndoChecks::plan_trashed(const Step& step) {
@@ -144,13 +150,14 @@ Plan UndoChecks::plan_trashed(const Step& step) {
         return {trashed.is_missing() ? Need::ForgetTrash : Need::Nothing, ""};
     }
     if (trashed.is(step.inode)) return with_free_source(step, Need::RestoreTrash);
-    return problem(quoted_name(step.source) + " is no longer in the trash");
+    return problem(translated("%s is no longer in the trash", {quoted_name(step.source)}));
 }
 
 Plan UndoChecks::with_free_source(const Step& step, Need need) {
     const std::string folder = parent_of(step.source);
     if (will_be_there(step.source)) {
-        return problem("there is another " + quoted_name(step.source) + " now where it was");
+        return problem(
+            translated("there is another %s now where it was", {quoted_name(step.source)}));
     }
     const auto known = is_there_.find(folder);
     if (known != is_there_.end() && known->second) return {need, ""};
@@ -162,10 +169,11 @@ Plan UndoChecks::with_free_source(const Step& step, Need need) {
             const auto restored = is_there_.find(path);
             if (restored != is_there_.end() && restored->second) return {need, ""};
         }
-        return problem("the folder " + quoted_name(folder) + " is no longer there");
+        return problem(translated("the folder %s is no longer there", {quoted_name(folder)}));
     }
     if (faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return {need, ""};
-    return problem("cannot put anything into " + quoted_name(folder) + ": " + strerror(errno));
+    return problem(
+        translated("cannot put anything into %s: %s", {quoted_name(folder), error_text(errno)}));
 }
 
 Plan UndoChecks::with_trash(const std::string& path, Need need) {
@@ -173,10 +181,11 @@ Plan UndoChecks::with_trash(const std::string& path, Need need) {
     if (folder != folder_) {
         const Descriptor open_folder(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
         folder_ = folder;
-        folder_problem_ = open_folder ? why_no_trash(open_folder.get()) : strerror(errno);
+        folder_problem_ = open_folder ? why_no_trash(open_folder.get()) : error_text(errno);
     }
     if (folder_problem_.empty()) return {need, ""};
-    return problem("cannot move " + quoted_name(path) + " to the trash: " + folder_problem_);
+    return problem(
+        translated("cannot move %s to the trash: %s", {quoted_name(path), folder_problem_}));
 }
 
 bool UndoChecks::will_be_there(const std::string& path) const {

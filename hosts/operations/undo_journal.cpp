@@ -1,5 +1,7 @@
 #include "operations/undo_journal.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>
@@ -122,14 +124,15 @@ LastOperation::LastOperation(const std::string& state_folder)
     : path_(undo_journal_path(state_folder)) {
     file_ = Descriptor(open(path_.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC));
     if (!file_) {
-        recorded_.problem = means_missing(errno) ? "there is nothing to undo"
-                                                 : "cannot read " + path_ + ": " + strerror(errno);
+        recorded_.problem = means_missing(errno)
+                                ? translated("there is nothing to undo")
+                                : translated("cannot read %s: %s", {path_, error_text(errno)});
     } else if (!lock_after_readers(file_.get())) {
-        recorded_.problem = "the last operation is still under way";
+        recorded_.problem = translated("the last operation is still under way");
     } else {
         recorded_ = read_undo_record(read_all(file_.get()));
         const bool is_empty = recorded_.steps.empty() && recorded_.problem.empty();
-        if (is_empty) recorded_.problem = "there is nothing to undo";
+        if (is_empty) recorded_.problem = translated("there is nothing to undo");
     }
 }
 

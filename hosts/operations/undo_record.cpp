@@ -1,5 +1,7 @@
 #include "operations/undo_record.h"
 
+#include <host/text.h>
+
 #include <stdlib.h>
 
 #include <initializer_list>
@@ -145,7 +147,7 @@ Recorded read_undo_record(const std::string& text) {
     for (size_t at = 0; at < words.size();) {
         const auto* verb = known_verb(words[at]);
         if (!verb || (at == 0) != (verb->verb == begun)) {
-            recorded.problem = "the record of the last operation cannot be read";
+            recorded.problem = translated("the record of the last operation cannot be read");
             recorded.steps.clear();
             return recorded;
         }

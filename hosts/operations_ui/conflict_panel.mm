@@ -1,5 +1,7 @@
 #include "operations_ui/conflict_panel.h"
 
+#include <host/text.h>
+
 #include "operations_ui/operation_texts.h"
 #include "panels/widget_panel.h"
 
@@ -8,21 +10,19 @@ namespace operations {
 namespace {
 
 constexpr double width = 500, margin = 24, icon_side = 44, row_height = 60;
-constexpr double button_width = 96, button_height = 30, gap = 10;
+constexpr double least_button_width = 96, check_width = 320, button_height = 30, gap = 10;
 
 enum Item { none, skip, keep_both, replace, stop, apply_to_all };
 
-// The buttons from the right; Stop keeps its distance.
 const struct {
     Item item;
     Choice choice;
-    const char* title;
-    unichar key;
+    const char* title;  // the letter after _ is its key
 } buttons[] = {
-    {skip, Choice::Skip, "Skip", 's'},
-    {keep_both, Choice::KeepBoth, "Keep Both", 'k'},
-    {replace, Choice::Replace, "Replace", 'r'},
-    {stop, Choice::Stop, "Stop", 0},
+    {skip, Choice::Skip, to_translate("_Skip")},
+    {keep_both, Choice::KeepBoth, to_translate("_Keep Both")},
+    {replace, Choice::Replace, to_translate("_Replace")},
+    {stop, Choice::Stop, to_translate("Stop")},
 };
 
 std::string bytes_of(NSString* text) { return [text UTF8String] ?: ""; }
@@ -34,6 +34,8 @@ void add_text(PanelContent* content, double left, double top, double height, NSS
     text.text = bytes_of(what);
     content->widgets.push_back(text);
 }
+
+NSString* string_of(const char* text) { return [NSString stringWithUTF8String:text] ?: @""; }
 
 Widget bold_text() {
     Widget text = {WidgetKind::text, {}};
@@ -52,22 +54,24 @@ void add_file(PanelContent* content, double top, NSString* title, const std::str
 }
 
 void add_check(PanelContent* content, double top, bool on) {
-    Widget check = {WidgetKind::check, content->area(margin, top, 140, 24), "Apply to all",
+    Widget check = {WidgetKind::check, content->area(margin, top, check_width, 24), "",
                     apply_to_all, 13};
-    check.key = 'a';
+    check.set_title(translated("_Apply to all"));
     check.on = on;
     content->widgets.push_back(check);
 }
 
+// The buttons from the right; Stop keeps its distance. Their titles decide how wide they are.
 void add_buttons(PanelContent* content, double top) {
-    double left = width - margin - button_width;
+    int right = content->pixels(width - margin);
     for (const auto& button : buttons) {
-        if (button.item == stop) left = margin;
-        Widget made = {WidgetKind::button, content->area(left, top, button_width, button_height),
-                       button.title, button.item, 13};
-        made.key = button.key;
+        Widget made = {WidgetKind::button, content->area(margin, top, 0, button_height), "",
+                       button.item, 13};
+        made.set_title(translated(button.title));
+        made.area.width = content->button_width(made, least_button_width);
+        if (button.item != stop) made.area.left = right - made.area.width;
+        right = made.area.left - content->pixels(gap);
         content->widgets.push_back(made);
-        left -= button_width + gap;
     }
 }
 
@@ -79,9 +83,11 @@ PanelContent content_of(const Conflict& conflict, bool for_all) {
     question.size = 14;
     add_text(&content, margin, margin - 4, 24, question_of(conflict), question);
     double top = margin + 36;
-    add_file(&content, top, @"There already", conflict.target);
+    add_file(&content, top, string_of(translated("There already")), conflict.target);
     top += row_height;
-    add_file(&content, top, conflict.kind == Kind::Move ? @"To be moved" : @"To be copied",
+    add_file(&content, top,
+             string_of(conflict.kind == Kind::Move ? translated("To be moved")
+                                                   : translated("To be copied")),
              conflict.source);
     top += row_height + 4;
     if (conflict.sources_left > 0) {
@@ -103,7 +109,7 @@ Answer ask_about(const Conflict& conflict, bool for_all) {
         check->on = !check->on;
         [panel widgetsChanged];
     };
-    panel = [panel initWithTitle:@"Name Already Taken"
+    panel = [panel initWithTitle:string_of(translated("Name Already Taken"))
                          content:content_of(conflict, for_all)
                              hit:hit];
     const NSInteger code = [panel runModal];

@@ -1,6 +1,10 @@
 #include "operations_ui/operation_texts.h"
 
+#include <host/text.h>
+
 #include <sys/stat.h>
+
+#include <cmath>
 
 #include "file_steps/visible_text.h"
 
@@ -12,39 +16,73 @@ constexpr size_t most_reasons = 6;
 // Making a file takes about as long as writing this many bytes of it.
 constexpr double bytes_of_an_item = 16 * 1024;
 
-NSString* quoted(const std::string& path) {
-    return [NSString stringWithUTF8String:window_name(path).c_str()];
+// What stands between the digits of a number that is written in the user's language.
+std::string mark_in(const char* number, size_t digits_before, size_t digits_after) {
+    const std::string text = number;
+    if (text.size() < digits_before + digits_after) return {};
+    return text.substr(digits_before, text.size() - digits_before - digits_after);
 }
 
-NSString* grouped(uint64_t number) {
-    NSMutableString* text = [NSMutableString stringWithFormat:@"%llu", (unsigned long long)number];
-    for (NSInteger at = (NSInteger)[text length] - 3; at > 0; at -= 3) {
-        [text insertString:@"," atIndex:(NSUInteger)at];
-    }
+std::string grouped(uint64_t number) {
+    // Translators: how this number is written. What is between 1 and 000 groups all numbers.
+    static const std::string mark = mark_in(translated("1,000"), 1, 3);
+    std::string text = std::to_string(number);
+    for (size_t at = text.size(); at > 3;) text.insert(at -= 3, mark);
     return text;
 }
 
-NSString* size_text(uint64_t bytes) {
-    if (bytes < 1000) return [NSString stringWithFormat:@"%llu bytes", (unsigned long long)bytes];
-    static NSString* const units[] = {@"KB", @"MB", @"GB", @"TB"};
+std::string one_decimal(double amount) {
+    // Translators: how this number is written. What is between 1 and 5 is the decimal mark.
+    static const std::string mark = mark_in(translated("1.5"), 1, 1);
+    const auto tenths = static_cast<uint64_t>(std::llround(amount * 10));
+    return std::to_string(tenths / 10) + mark + std::to_string(tenths % 10);
+}
+
+std::string size_text(uint64_t bytes) {
+    if (bytes < 1000) {
+        return translated_count("%s byte", "%s bytes", bytes, {std::to_string(bytes)});
+    }
+    static const char* const units[] = {to_translate("%s KB"), to_translate("%s MB"),
+                                        to_translate("%s GB"), to_translate("%s TB")};
     double amount = (double)bytes / 1000;
     size_t unit = 0;
     for (; amount >= 999.95 && unit < 3; unit++) amount /= 1000;
-    return [NSString stringWithFormat:amount < 100 ? @"%.1f %@" : @"%.0f %@", amount, units[unit]];
+    return translated(
+        units[unit], {amount < 99.95 ? one_decimal(amount) : std::to_string(std::llround(amount))});
 }
 
-NSString* verb_of(Kind kind) {
+NSString* string_of(const std::string& text) {
+    return [NSString stringWithUTF8String:text.c_str()] ?: @"";
+}
+
+std::string items_text(size_t count) {
+    return translated_count("%s item", "%s items", count, {grouped(count)});
+}
+
+// With places for the files and the folder.
+const char* title_format(Kind kind) {
     switch (kind) {
         case Kind::Move:
-            return @"Moving";
+            return to_translate("Moving %s to %s");
         case Kind::Copy:
-            return @"Copying";
+            return to_translate("Copying %s to %s");
         case Kind::Alias:
-            return @"Making aliases of";
+            return to_translate("Making aliases of %s to %s");
         case Kind::Trash:
             break;
     }
-    return @"Moving to the trash";
+    return to_translate("Moving to the trash %s");
+}
+
+std::string date_text(time_t seconds) {
+    NSDateFormatter* formatter = [[NSDateFormatter new] autorelease];
+    // Translators: the code of your language, whose names of months are used.
+    NSString* language = string_of(translated("en"));
+    [formatter setLocale:[[[NSLocale alloc] initWithLocaleIdentifier:language] autorelease]];
+    // Translators: how a date is written, in the letters of Unicode's date formats.
+    [formatter setDateFormat:string_of(translated("d MMM yyyy 'at' HH:mm"))];
+    NSDate* date = [NSDate dateWithTimeIntervalSince1970:(NSTimeInterval)seconds];
+    return [[formatter stringFromDate:date] UTF8String] ?: "";
 }
 
 }  // namespace
@@ -59,24 +97,25 @@ NSString* text_of_last(const std::string& path) {
 
 NSString* window_title_of(const Request& request) {
     const size_t count = request.sources.size();
-    NSString* what = count == 1 ? quoted(request.sources.front())
-                                : [NSString stringWithFormat:@"%@ items", grouped(count)];
-    NSString* title = [NSString stringWithFormat:@"%@ %@", verb_of(request.kind), what];
-    if (request.kind == Kind::Trash) return title;
-    return [title stringByAppendingFormat:@" to %@", quoted(request.destination)];
+    const std::string what = count == 1 ? window_name(request.sources.front()) : items_text(count);
+    return string_of(
+        translated(title_format(request.kind), {what, window_name(request.destination)}));
 }
 
 NSString* detail_of(const Progress& progress) {
     if (progress.items_total == 0) {
-        return [NSString stringWithFormat:@"%@ items, %@", grouped(progress.items_done),
-                                          size_text(progress.bytes_done)];
+        return string_of(translated(
+            "%s, %s", {items_text(progress.items_done), size_text(progress.bytes_done)}));
     }
-    if (progress.items_done >= progress.items_total) return @"Writing everything to the disk…";
-    NSString* items = [NSString stringWithFormat:@"%@ of %@ items", grouped(progress.items_done),
-                                                 grouped(progress.items_total)];
-    if (progress.bytes_total == 0) return items;
-    return [items stringByAppendingFormat:@", %@ of %@", size_text(progress.bytes_done),
-                                          size_text(progress.bytes_total)];
+    if (progress.items_done >= progress.items_total) {
+        return string_of(translated("Writing everything to the disk…"));
+    }
+    const std::string items =
+        translated_count("%s of %s item", "%s of %s items", progress.items_total,
+                         {grouped(progress.items_done), grouped(progress.items_total)});
+    if (progress.bytes_total == 0) return string_of(items);
+    return string_of(translated(
+        "%s, %s of %s", {items, size_text(progress.bytes_done), size_text(progress.bytes_total)}));
 }
 
 double fraction_of(const Progress& progress) {
@@ -87,29 +126,26 @@ double fraction_of(const Progress& progress) {
 
 NSString* question_of(const Conflict& conflict) {
     const std::string folder = conflict.target.substr(0, conflict.target.rfind('/'));
-    return [NSString stringWithFormat:@"%@ is already in %@.", quoted(conflict.target),
-                                      quoted(folder.empty() ? "/" : folder)];
+    return string_of(
+        translated("%s is already in %s.",
+                   {window_name(conflict.target), window_name(folder.empty() ? "/" : folder)}));
 }
 
 NSString* describe_file(const std::string& path) {
     struct stat what;
-    if (lstat(path.c_str(), &what) != 0) return @"no longer there";
-    NSDateFormatter* formatter = [[NSDateFormatter new] autorelease];
-    [formatter setDateFormat:@"d MMM yyyy 'at' HH:mm"];
-    NSDate* date = [NSDate dateWithTimeIntervalSince1970:(NSTimeInterval)what.st_mtim.tv_sec];
-    NSString* changed =
-        [NSString stringWithFormat:@"changed on %@", [formatter stringFromDate:date]];
-    if (S_ISDIR(what.st_mode)) return [@"Folder, " stringByAppendingString:changed];
-    if (S_ISLNK(what.st_mode)) return [@"Alias, " stringByAppendingString:changed];
-    return [NSString stringWithFormat:@"%@, %@", size_text((uint64_t)what.st_size), changed];
+    if (lstat(path.c_str(), &what) != 0) return string_of(translated("no longer there"));
+    const std::string date = date_text(what.st_mtim.tv_sec);
+    if (S_ISDIR(what.st_mode)) return string_of(translated("Folder, changed on %s", {date}));
+    if (S_ISLNK(what.st_mode)) return string_of(translated("Alias, changed on %s", {date}));
+    return string_of(translated("%s, changed on %s", {size_text((uint64_t)what.st_size), date}));
 }
 
 NSString* failure_title_of(const Report& report) {
     size_t failed = 0;
     for (const Outcome& outcome : report.outcomes) failed += outcome.state == State::Failed;
     if (failed == 0) return nil;
-    if (failed == 1) return @"One item failed.";
-    return [NSString stringWithFormat:@"%@ items failed.", grouped(failed)];
+    return string_of(
+        translated_count("One item failed.", "%s items failed.", failed, {grouped(failed)}));
 }
 
 NSString* failure_reasons_of(const Report& report) {
@@ -125,7 +161,10 @@ NSString* failure_reasons_of(const Report& report) {
             [reasons addObject:reason];
         }
     }
-    if (more > 0) [reasons addObject:[NSString stringWithFormat:@"and %@ more", grouped(more)]];
+    if (more > 0) {
+        [reasons addObject:string_of(translated_count("and %s more", "and %s more", more,
+                                                      {grouped(more)}))];
+    }
     return [reasons componentsJoinedByString:@"\n"];
 }
 

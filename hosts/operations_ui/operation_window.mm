@@ -1,5 +1,7 @@
 #include "operations_ui/operation_window.h"
 
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 
 #include "operations_ui/caution_alert.h"
@@ -31,7 +33,8 @@ PanelContent content_of(NSString* title) {
         {WidgetKind::bar, area(margin, 52, inner, 8), "", bar_item},
         {WidgetKind::text, area(margin, 74, beside_button, 20), "", name_item},
         {WidgetKind::text, area(margin, 96, beside_button, 20), "", detail_item},
-        {WidgetKind::button, area(width - margin - 92, 88, 92, 30), "Cancel", cancel_item, 13},
+        {WidgetKind::button, area(width - margin - 92, 88, 92, 30), translated("Cancel"),
+         cancel_item, 13},
     };
     content.widget(detail_item)->alpha = dimmed_text_alpha;
     return content;
@@ -136,7 +139,8 @@ NSUInteger running = 0;
 - (void)update {
     const operations::Progress progress = (*_board)->progress();
     const bool is_stopping = [_panel content].widget(cancel_item)->disabled;
-    NSString* detail = is_stopping ? @"Stopping…" : operations::detail_of(progress);
+    NSString* detail = is_stopping ? [NSString stringWithUTF8String:translated("Stopping…")]
+                                   : operations::detail_of(progress);
     [_panel content].widget(bar_item)->value = operations::fraction_of(progress);
     [_panel content].widget(name_item)->text = [operations::text_of_last(progress.path) UTF8String];
     [_panel content].widget(detail_item)->text = [detail UTF8String];

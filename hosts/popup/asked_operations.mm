@@ -1,5 +1,7 @@
 #include "popup/asked_operations.h"
 
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 #include <Carbon/Carbon.h>
 #include <host/process.h>
@@ -96,7 +98,15 @@ bool is_for_file_manager() {
            valid;
 }
 
-const char* verb_of(State state) { return state == State::Skipped ? "skipped " : "failed: "; }
+std::string line_of(const Outcome& outcome) {
+    const std::string file = in_quotes(outcome.source);
+    if (outcome.state == State::Skipped) {
+        if (outcome.reason.empty()) return translated("skipped %s", {file});
+        return translated("skipped %s: %s", {file, outcome.reason});
+    }
+    if (outcome.reason.empty()) return translated("failed: %s", {file});
+    return translated("failed: %s: %s", {file, outcome.reason});
+}
 
 }  // namespace
 
@@ -139,8 +149,7 @@ int finish_file_operations() {
         // A user who was asked knows what was skipped.
         const bool told = is_attended && outcome.state == State::Skipped;
         if (outcome.state == State::Done || told) continue;
-        complain_about_usage(verb_of(outcome.state) + in_quotes(outcome.source) +
-                             (outcome.reason.empty() ? "" : ": " + outcome.reason));
+        complain_about_usage(line_of(outcome));
         if (outcome.state == State::Failed) status = exit_failed;
         if (status == exit_done) status = exit_skipped;
     }

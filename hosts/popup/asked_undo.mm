@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 
 #include <memory>
@@ -29,19 +31,23 @@ std::string joined(const std::vector<std::string>& lines) {
         text += (i ? "\n" : "") + lines[i];
     }
     if (lines.size() <= most_told) return text;
-    return text + "\nand " + std::to_string(lines.size() - most_told) + " more";
+    const size_t more = lines.size() - most_told;
+    return text + "\n" +
+           translated_count("and %s more", "and %s more", more, {std::to_string(more)});
 }
 
 void tell(const UndoLines& lines) {
-    for (const std::string& line : lines.problems) note_problem("cannot undo: " + line);
+    for (const std::string& line : lines.problems)
+        note_problem(translated("cannot undo: %s", {line}));
     if (signal_caught()) return;
     if (!lines.problems.empty()) {
-        return operations::show_caution(@"This cannot be undone.",
-                                        @(joined(lines.problems).c_str()));
+        return operations::show_caution(
+            [NSString stringWithUTF8String:translated("This cannot be undone.")],
+            @(joined(lines.problems).c_str()));
     }
     const std::string text = joined(lines.done);
-    if (!show_notification({"Undone", text, ""}))
-        operations::show_note(@"Undone.", @(text.c_str()));
+    if (!show_notification({translated("Undone"), text, ""}))
+        operations::show_note(@(translated("Undone.")), @(text.c_str()));
 }
 
 // The undo at work. Its windows say nothing at the end; tell() does.
@@ -56,7 +62,8 @@ void undo_with_windows() {
         undo->thread.join();
         tell(lines_of(undo->report));
     };
-    const auto observer = ended_by_signals(operations::make_window_observer("Undoing…", ended));
+    const auto observer =
+        ended_by_signals(operations::make_window_observer(translated("Undoing…"), ended));
     undo->thread = std::thread([undo = undo.get(), observer] {
         undo->report = operations::undo_last(*observer);
         observer->ended({});
@@ -67,7 +74,7 @@ std::string undo_at_once() {
     Quiet observer;
     const UndoLines lines = lines_of(operations::undo_last(observer));
     for (const std::string& line : lines.done) fprintf(output_stream(), "%s\n", line.c_str());
-    return lines.problems.empty() ? "" : "cannot undo: " + lines.problems.front();
+    return lines.problems.empty() ? "" : translated("cannot undo: %s", {lines.problems.front()});
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "popup/clipboard.h"
 
+#include <host/text.h>
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
@@ -10,7 +12,7 @@
 namespace {
 
 constexpr int milliseconds_to_own = 5000;
-constexpr const char* failed = "cannot reach the clipboard";
+std::string failed() { return translated("cannot reach the clipboard"); }
 
 struct Pipe {
     int ends[2] = {-1, -1};
@@ -58,14 +60,14 @@ bool says_ready(int in) {
 
 std::string keep_on_clipboard(const std::string& content) {
     Pipe text, ready;
-    if (!text.make() || !ready.make()) return failed;
+    if (!text.make() || !ready.make()) return failed();
     const pid_t keeper = fork();
-    if (keeper < 0) return failed;
+    if (keeper < 0) return failed();
     if (keeper == 0) become_keeper(text, ready);
     waitpid(keeper, nullptr, 0);
     text.end(0);
     ready.end(1);
     const bool given = write_all(text.ends[1], content);
     text.end(1);
-    return given && says_ready(ready.ends[0]) ? std::string() : failed;
+    return given && says_ready(ready.ends[0]) ? std::string() : failed();
 }

@@ -1,5 +1,6 @@
 #include "popup/file_actions.h"
 
+#include <host/text.h>
 #include <host/glib_owners.h>
 #include <host/session_bus.h>
 #include <gio/gio.h>
@@ -84,7 +85,8 @@ std::string show_in_file_manager(const std::vector<std::string>& files) {
 }
 
 std::string copy_paths(const std::vector<std::string>& files) {
-    if (has_private_display()) return "there is no display whose clipboard could hold the path";
+    if (has_private_display())
+        return translated("there is no display whose clipboard could hold the path");
     std::string text;
     for (const std::string& file : files) {
         text += (text.empty() ? "" : "\n") + safe_to_paste(file);
@@ -98,7 +100,8 @@ std::string move_to_trash(const std::vector<std::string>& files) {
     const operations::Report report = operations::perform_request(request, observer);
     for (const operations::Outcome& outcome : report.outcomes) {
         if (outcome.state == operations::State::Done) continue;
-        return outcome.reason + "; " + in_quotes(outcome.source) + " was left where it is";
+        return translated("%s; %s was left where it is",
+                          {outcome.reason, in_quotes(outcome.source)});
     }
     return {};
 }

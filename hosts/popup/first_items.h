@@ -14,5 +14,5 @@ struct HostItem {
     HostAction action;
 };
 
-// The items for these files; there may be none.
-std::vector<HostItem> first_items(const std::vector<std::string>& files);
+// The items for these files; there may be none. Titles for people are in their language.
+std::vector<HostItem> first_items(const std::vector<std::string>& files, bool for_people);

@@ -1,5 +1,7 @@
 #include "popup/first_items.h"
 
+#include <host/text.h>
+
 #include <glib.h>
 
 #include <algorithm>
@@ -33,7 +35,9 @@ Paths users_folders() { return read_setting(*find_setting(folders_setting)).valu
 
 std::string store_folders(const Paths& folders) {
     store_setting(*find_setting(folders_setting), {0, folders});
-    return save_settings() ? "" : "cannot save the settings; is the defaults folder writable?";
+    return save_settings()
+               ? ""
+               : translated("cannot save the settings; is the defaults folder writable?");
 }
 
 std::string add_to_folders(const Paths& files) {
@@ -50,30 +54,38 @@ std::string remove_from_folders(const Paths& files) {
     return store_folders(folders);
 }
 
-void add_folder_item(const Paths& files, std::vector<HostItem>* items) {
+// An item's title, which stays English when it is for programs.
+std::string title_of(bool for_people, const char* english,
+                     std::initializer_list<std::string> words = {}) {
+    return filled(for_people ? translated(english) : english, words);
+}
+
+void add_folder_item(const Paths& files, bool for_people, std::vector<HostItem>* items) {
     if (!std::ranges::all_of(files, is_folder)) return;
     const Paths known = users_folders();
     const bool are_known =
         std::ranges::all_of(files, [&](const std::string& file) { return list_has(known, file); });
     if (are_known) {
-        items->push_back({"Remove from my folders", remove_from_folders});
+        items->push_back(
+            {title_of(for_people, to_translate("Remove from my folders")), remove_from_folders});
     } else {
-        items->push_back({"Add to my folders", add_to_folders});
+        items->push_back({title_of(for_people, to_translate("Add to my folders")), add_to_folders});
     }
 }
 
-const char* noun_of(Kind kind) {
+// With a place for the name of what was moved, or for how many items were.
+const char* undo_format(Kind kind) {
     switch (kind) {
         case Kind::Move:
-            return "Move";
+            return to_translate("Undo Move of %s");
         case Kind::Copy:
-            return "Copy";
+            return to_translate("Undo Copy of %s");
         case Kind::Alias:
-            return "Alias";
+            return to_translate("Undo Alias of %s");
         case Kind::Trash:
             break;
     }
-    return "Move to Trash";
+    return to_translate("Undo Move to Trash of %s");
 }
 
 // A long name is shortened in its middle.
@@ -87,20 +99,26 @@ std::string short_name(const std::string& name) {
            g_utf8_offset_to_pointer(text, letters - letters_at_end);
 }
 
-std::string undo_title(const operations::LastDone& done) {
-    const std::string title = std::string("Undo ") + noun_of(done.kind) + " of ";
-    if (done.count == 0) return title + "many items";
-    if (done.count > 1) return title + std::to_string(done.count) + " items";
-    return title + short_name(done.name);
+std::string undone_files(const operations::LastDone& done, bool for_people) {
+    if (done.count == 0) return title_of(for_people, to_translate("many items"));
+    if (done.count == 1) return short_name(done.name);
+    const std::string count = std::to_string(done.count);
+    if (!for_people) return count + " items";
+    return translated_count("%s item", "%s items", done.count, {count});
+}
+
+std::string undo_title(const operations::LastDone& done, bool for_people) {
+    return title_of(for_people, undo_format(done.kind), {undone_files(done, for_people)});
 }
 
 }  // namespace
 
-std::vector<HostItem> first_items(const Paths& files) {
+std::vector<HostItem> first_items(const Paths& files, bool for_people) {
     std::vector<HostItem> items;
-    add_folder_item(files, &items);
+    add_folder_item(files, for_people, &items);
     if (const auto done = operations::last_done()) {
-        items.push_back({undo_title(*done), [](const Paths&) { return undo_last_operation(); }});
+        items.push_back(
+            {undo_title(*done, for_people), [](const Paths&) { return undo_last_operation(); }});
     }
     return items;
 }

@@ -16,9 +16,10 @@
     std::vector<std::string>* _files;
     std::string* _problem;
     std::vector<HostItem>* _items;
+    BOOL _isForPeople;
 }
-// Absolute paths, at least one.
-- (instancetype)initWithFiles:(const std::vector<std::string>&)files;
+// Absolute paths, at least one. A menu for people has its titles in their language.
+- (instancetype)initWithFiles:(const std::vector<std::string>&)files forPeople:(BOOL)isForPeople;
 - (NSMenu*)menu;
 // Why the picked item failed, in one line; empty if it succeeded, or none was picked.
 - (const std::string&)problem;

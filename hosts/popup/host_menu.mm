@@ -1,5 +1,7 @@
 #include "popup/host_menu.h"
 
+#include <host/text.h>
+
 #include "popup/file_actions.h"
 
 namespace {
@@ -7,20 +9,23 @@ namespace {
 // The host's actions, in order.
 const std::vector<HostItem>& host_actions() {
     static const auto& items = *new std::vector<HostItem>{
-        {"Open", open_files},
-        {"Show in File Manager", show_in_file_manager},
-        {"Copy Path", copy_paths},
+        {to_translate("Open"), open_files},
+        {to_translate("Show in File Manager"), show_in_file_manager},
+        {to_translate("Copy Path"), copy_paths},
         {"", nullptr},
-        {"Move to Trash", move_to_trash},
+        {to_translate("Move to Trash"), move_to_trash},
     };
     return items;
 }
 
 // All items of the host for these files.
-std::vector<HostItem> host_items(const std::vector<std::string>& files) {
-    std::vector<HostItem> items = first_items(files);
+std::vector<HostItem> host_items(const std::vector<std::string>& files, bool for_people) {
+    std::vector<HostItem> items = first_items(files, for_people);
     if (!items.empty()) items.push_back({"", nullptr});
-    items.insert(items.end(), host_actions().begin(), host_actions().end());
+    for (HostItem item : host_actions()) {
+        if (!item.title.empty() && for_people) item.title = translated(item.title.c_str());
+        items.push_back(item);
+    }
     return items;
 }
 
@@ -40,8 +45,9 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
 
 @implementation HostMenu
 
-- (instancetype)initWithFiles:(const std::vector<std::string>&)files {
+- (instancetype)initWithFiles:(const std::vector<std::string>&)files forPeople:(BOOL)isForPeople {
     if (!(self = [super init])) return nil;
+    _isForPeople = isForPeople;
     _files = new std::vector<std::string>(files);
     _problem = new std::string;
     _items = new std::vector<HostItem>;
@@ -85,7 +91,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
     const TFENodeVector nodes = nodes_of(*_files);
     [menu removeAllItems];
     [menu configureWithNodes:&nodes windowController:nil container:NO];
-    *_items = host_items(*_files);
+    *_items = host_items(*_files, _isForPeople);
     NSInteger index = 0;
     for (const HostItem& item : *_items) [self addItem:item at:index++];
 }

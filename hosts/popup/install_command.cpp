@@ -1,5 +1,7 @@
 #include "popup/install_command.h"
 
+#include <host/text.h>
+
 #include <stdio.h>
 #include <glib.h>
 #include <stdlib.h>
@@ -37,9 +39,9 @@ bool find_invocation(Invocation* invocation, std::string* problem) {
 bool can_be_entered(const Invocation& invocation, std::string* problem) {
     if (!g_utf8_validate(invocation.command.c_str(), -1, nullptr)) {
         // A file of actions with such a name is one that the file manager cannot read.
-        *problem = "the path of the command is not UTF-8: " + invocation.command;
+        *problem = translated("the path of the command is not UTF-8: %s", {invocation.command});
     } else if (invocation.command.find('\n') != std::string::npos) {
-        *problem = "the path of the command has a line break: " + invocation.command;
+        *problem = translated("the path of the command has a line break: %s", {invocation.command});
     }
     return problem->empty();
 }
@@ -75,13 +77,13 @@ int install(const FileManager& manager, const std::vector<EntryFile>& files) {
     const std::string problem = change_all(files, put_in, &changed);
     if (!problem.empty()) return failed(problem);
     if (changed.empty()) {
-        printf("%s has Delvio already:\n", manager.title);
+        puts(translated("%s has Delvio already:", {manager.title}).c_str());
         for (const EntryFile& file : files) print_path(file.path);
         return exit_done;
     }
-    printf("%s has Delvio %s:\n", manager.title, manager.hint);
+    puts(translated(manager.hint, {manager.title}).c_str());
     for (const std::string& path : changed) print_path(path);
-    if (!is_found(manager)) printf("%s itself was not found.\n", manager.title);
+    if (!is_found(manager)) puts(translated("%s itself was not found.", {manager.title}).c_str());
     return exit_done;
 }
 
@@ -91,10 +93,10 @@ int uninstall(const FileManager& manager, const std::vector<EntryFile>& files) {
     const std::string problem = change_all({files.rbegin(), files.rend()}, take_out, &changed);
     if (!problem.empty()) return failed(problem);
     if (changed.empty()) {
-        printf("%s does not have Delvio: nothing to do.\n", manager.title);
+        puts(translated("%s does not have Delvio: nothing to do.", {manager.title}).c_str());
         return exit_done;
     }
-    printf("%s no longer has Delvio; removed from:\n", manager.title);
+    puts(translated("%s no longer has Delvio; removed from:", {manager.title}).c_str());
     for (const std::string& path : changed) print_path(path);
     return exit_done;
 }
@@ -149,7 +151,8 @@ int run_install_command(const InstallRequest& request) {
         return exit_done;
     }
     const FileManager* manager = find_file_manager(request.program);
-    if (!manager) return failed("there is no way into the file manager " + request.program);
+    if (!manager)
+        return failed(translated("there is no way into the file manager %s", {request.program}));
     if (!manager->files) return change_gworkspace_bundles(request.remove);
     const std::vector<EntryFile> files = manager->files(invocation);
     if (request.remove) return uninstall(*manager, files);

@@ -1,5 +1,6 @@
 #include "popup/menu_command.h"
 
+#include <host/text.h>
 #include <host/menu_tracking.h>
 #include <host/modifier_keys.h>
 
@@ -40,14 +41,14 @@ bool have_display(MenuForm form, std::string* problem) {
     if (form != MenuForm::shown) return start_private_display(problem);
     const char* compositor = getenv("WAYLAND_DISPLAY");
     if (compositor && *compositor) {
-        *problem =
-            "this Wayland session has no X server (Xwayland) to show the menu on; switch Xwayland "
-            "on in the compositor, and set DISPLAY";
+        *problem = translated(
+            "this Wayland session has no X server (Xwayland) to show the menu on; switch "
+            "Xwayland on in the compositor, and set DISPLAY");
         return false;
     }
     *problem =
-        "there is no display to show the menu on; set DISPLAY, or use --print, --json, --png "
-        "or --pick, which need none";
+        translated("there is no display to show the menu on; set DISPLAY, or use --print, --json, "
+                   "--png or --pick, which need none");
     return false;
 }
 
@@ -55,11 +56,14 @@ bool have_display(MenuForm form, std::string* problem) {
 void warn_of_other_encodings(const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         if ([NSString stringWithUTF8String:file.c_str()]) continue;
-        complain_about_usage(
-            "the name " + in_quotes(file) +
-            " is not UTF-8: its menu has the host's own items and none of Delvio's");
+        complain_about_usage(translated(
+            "the name %s is not UTF-8: its menu has the host's own items and none of Delvio's",
+            {in_quotes(file)}));
     }
 }
+
+// Scripts pick items by their titles, so those stay English.
+bool is_for_people(MenuForm form) { return form == MenuForm::shown || form == MenuForm::picture; }
 
 bool is_written(MenuForm form) { return form == MenuForm::text || form == MenuForm::json; }
 
@@ -109,7 +113,7 @@ int write_out(const std::vector<std::string>& parts) {
         return fwrite(part.data(), 1, part.size(), output) == part.size();
     });
     if (written && fflush(output) == 0) return exit_done;
-    return failed("cannot write the menu to standard output");
+    return failed(translated("cannot write the menu to standard output"));
 }
 
 int write_menu(HostMenu* host, const MenuRequest& request) {
@@ -148,7 +152,7 @@ int show(HostMenu* host, const MenuRequest& request, Stage* stage) {
     if (signal_caught()) return 128 + signal_caught();
     if ([host problem].empty()) return exit_done;
     complain_about_usage([host problem]);
-    show_problem("This could not be done.", [host problem]);
+    show_problem(translated("This could not be done."), [host problem]);
     return exit_failed;
 }
 
@@ -183,7 +187,8 @@ int run_prepared(const MenuRequest& request, Stage* stage) {
     open_problems().clear();
     listen_for_open_problems(
         [](const OpenProblem& problem) { open_problems().push_back(problem); });
-    HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files] autorelease];
+    HostMenu* host = [[[HostMenu alloc] initWithFiles:request.files
+                                            forPeople:is_for_people(request.form)] autorelease];
     const int status = run_form(host, request, stage);
     finish_finder_events();
     const int operations_status = finish_file_operations();

@@ -1,5 +1,6 @@
 #include "popup/menu_photographer.h"
 
+#include <host/text.h>
 #include <host/menu_picture.h>
 
 #include "file_steps/visible_text.h"
@@ -27,7 +28,7 @@ constexpr NSTimeInterval turn = 0.1;
     if (!(self = [super init])) return nil;
     _file = new std::string(file);
     _titles = new std::vector<std::string>(titles);
-    _problem = new std::string("the menu closed before its picture was taken");
+    _problem = new std::string(translated("the menu closed before its picture was taken"));
     return self;
 }
 
@@ -87,7 +88,8 @@ constexpr NSTimeInterval turn = 0.1;
 - (std::string)takePicture {
     NSString* file = [NSString stringWithUTF8String:_file->c_str()];
     if (file && write_picture_of_open_menus(file, YES)) return {};
-    return "cannot save the picture " + in_quotes(*_file) + "; is its folder there and writable?";
+    return translated("cannot save the picture %s; is its folder there and writable?",
+                      {in_quotes(*_file)});
 }
 
 @end

@@ -1,5 +1,6 @@
 #include "popup/menu_walker.h"
 
+#include <host/text.h>
 #include <host/modifier_keys.h>
 
 #include <stdio.h>
@@ -47,10 +48,10 @@ long resident_bytes() {
 
 // Why the item with the last title cannot be picked; empty when it can.
 std::string why_not_picked(NSMenuItem* item, const std::string& title) {
-    if (![item isEnabled]) return in_quotes(title) + " is disabled";
+    if (![item isEnabled]) return translated("%s is disabled", {in_quotes(title)});
     if (![MenuSession canPickItem:item]) {
-        return in_quotes(title) +
-               " only opens a submenu; name one of its items with another --pick";
+        return translated("%s only opens a submenu; name one of its items with another --pick",
+                          {in_quotes(title)});
     }
     return {};
 }
@@ -87,8 +88,9 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
         NSMenuItem* item = find_visible_item(*last, title, problem);
         if (!item) return false;
         if (![session openSubmenuOfItem:item]) {
-            *problem =
-                in_quotes(title) + ([item hasSubmenu] ? " cannot be opened" : " has no submenu");
+            *problem = translated([item hasSubmenu] ? to_translate("%s cannot be opened")
+                                                    : to_translate("%s has no submenu"),
+                                  {in_quotes(title)});
             return false;
         }
         *last = [item submenu];
@@ -141,9 +143,12 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
 
 - (std::string)problem {
     if (_leftClosed == 0) return {};
-    return "the menu is too large to be written as a whole: " + std::to_string(_leftClosed) +
-           (_leftClosed == 1 ? " submenu was" : " submenus were") +
-           " not opened; a smaller --depth opens all that it covers";
+    return translated_count(
+        "the menu is too large to be written as a whole: %s submenu was not opened; "
+        "a smaller --depth opens all that it covers",
+        "the menu is too large to be written as a whole: %s submenus were not opened; "
+        "a smaller --depth opens all that it covers",
+        static_cast<unsigned long>(_leftClosed), {std::to_string(_leftClosed)});
 }
 
 - (void)walk:(MenuSession*)session {

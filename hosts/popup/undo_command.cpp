@@ -1,5 +1,7 @@
 #include "popup/undo_command.h"
 
+#include <host/text.h>
+
 #include <stdio.h>
 
 #include "command/command_line.h"
@@ -17,7 +19,7 @@ void shorten(std::vector<std::string>* lines) {
     if (lines->size() <= most_lines) return;
     const size_t more = lines->size() - (most_lines - 1);
     lines->resize(most_lines - 1);
-    lines->push_back("and " + std::to_string(more) + " more");
+    lines->push_back(translated_count("and %s more", "and %s more", more, {std::to_string(more)}));
 }
 
 }  // namespace
@@ -30,7 +32,8 @@ UndoLines lines_of(const operations::Report& report) {
             (is_done ? lines.done : lines.problems).push_back(outcome.reason);
         }
     }
-    if (lines.done.empty() && lines.problems.empty()) lines.done = {"nothing was left to undo"};
+    if (lines.done.empty() && lines.problems.empty())
+        lines.done = {translated("nothing was left to undo")};
     shorten(&lines.done);
     shorten(&lines.problems);
     return lines;
@@ -40,9 +43,10 @@ int run_undo_command() {
     Quiet observer;
     const UndoLines lines = lines_of(operations::undo_last(observer));
     for (const std::string& line : lines.done) printf("%s\n", line.c_str());
-    for (const std::string& line : lines.problems) complain_about_usage("cannot undo: " + line);
+    for (const std::string& line : lines.problems)
+        complain_about_usage(translated("cannot undo: %s", {line}));
     if (!lines.done.empty() && !lines.problems.empty()) {
-        complain_about_usage("settle this, then \"delvio undo\" undoes the rest");
+        complain_about_usage(translated("settle this, then \"delvio undo\" undoes the rest"));
     }
     return lines.problems.empty() ? exit_done : exit_failed;
 }

@@ -1,5 +1,7 @@
 #include "resident/client.h"
 
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -93,10 +95,9 @@ Event next_event(const Line& line, int milliseconds, Answer* answer) {
 }
 
 int complain_of_crash() {
-    fputs(
-        "delvio: the program that showed the menu has ended unexpectedly; try again, or use "
-        "--no-resident\n",
-        stderr);
+    fprintf(stderr, "delvio: %s\n",
+            translated("the program that showed the menu has ended unexpectedly; try again, or use "
+                       "--no-resident"));
     return failed;
 }
 

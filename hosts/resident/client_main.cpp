@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 // The command as people start it. It hands a menu for the screen to the resident host, and becomes
 // the full program for everything else.
 #include <errno.h>
@@ -64,8 +66,9 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + (argc > 0), argv + argc);
     const std::string program = resident::full_program();
     if (program.empty()) {
-        fputs("delvio: its program libexec/delvio/delvio-host is missing; install Delvio again\n",
-              stderr);
+        fprintf(
+            stderr, "delvio: %s\n",
+            translated("its program libexec/delvio/delvio-host is missing; install Delvio again"));
         return failed;
     }
     if (arguments == std::vector<std::string>{resident::bus_argument}) {
@@ -75,6 +78,7 @@ int main(int argc, char** argv) {
         if (const auto status = resident::run_by_host(arguments, program)) return *status;
     }
     execv(program.c_str(), argv);
-    fprintf(stderr, "delvio: cannot start %s: %s\n", program.c_str(), strerror(errno));
+    fprintf(stderr, "delvio: %s\n",
+            translated("cannot start %s: %s", {program, error_text(errno)}).c_str());
     return failed;
 }

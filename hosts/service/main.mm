@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 #include <Foundation/Foundation.h>
 
 #include "command/command_line.h"
@@ -31,10 +33,12 @@ int run_command(const CommandLine& line) {
     if (line.command == CommandLine::install) return run_install_command(line.install_request);
     const std::string problem = settings_problem();
     if (!problem.empty() && changes_settings(line)) {
-        complain_about_usage(problem + "; nothing was changed. Repair or remove that file");
+        complain_about_usage(
+            translated("%s; nothing was changed. Repair or remove that file", {problem}));
         return exit_failed;
     }
-    if (!problem.empty()) complain_about_usage(problem + "; the default settings are used");
+    if (!problem.empty())
+        complain_about_usage(translated("%s; the default settings are used", {problem}));
     return line.command == CommandLine::menu ? run_menu_command(line.menu_request)
                                              : run_settings_command(line.settings_request);
 }

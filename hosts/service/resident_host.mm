@@ -1,5 +1,7 @@
 #include "service/resident_host.h"
 
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 #include <host/menu_tracking.h>
 #include <host/process.h>
@@ -242,7 +244,8 @@ int Host::run(const Caller& caller) {
         return line.status;
     }
     problem = settings_problem();
-    if (!problem.empty()) complain_about_usage(problem + "; the default settings are used");
+    if (!problem.empty())
+        complain_about_usage(translated("%s; the default settings are used", {problem}));
     [[NSUserDefaults standardUserDefaults] synchronize];
     return run_menu_command(line.menu_request);
 }

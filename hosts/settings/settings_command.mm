@@ -1,5 +1,7 @@
 #include "settings/settings_command.h"
 
+#include <host/text.h>
+
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -28,7 +30,7 @@ const Setting* known(const std::string& key) {
 
 int save() {
     if (save_settings()) return exit_done;
-    complain_about_usage("cannot save the settings; is the defaults folder writable?");
+    complain_about_usage(translated("cannot save the settings; is the defaults folder writable?"));
     return exit_failed;
 }
 
@@ -49,8 +51,8 @@ int get(const SettingsRequest& request) {
 
 void tell_missing(const std::vector<std::string>& missing) {
     for (const std::string& folder : missing) {
-        complain_about_usage("there is no folder " + in_quotes(folder) +
-                             "; menus leave it out until there is one");
+        complain_about_usage(translated(
+            "there is no folder %s; menus leave it out until there is one", {in_quotes(folder)}));
     }
 }
 
@@ -94,7 +96,8 @@ const Setting* read_entries(const SettingsRequest& request, SettingValue* entrie
     const Setting* setting = known(request.words[0]);
     if (!setting) return nullptr;
     if (setting->type != SettingType::paths) {
-        complain_about_usage(request.words[0] + " is no list; use delvio settings set");
+        complain_about_usage(
+            translated("%s is no list; use delvio settings set", {request.words[0]}));
         return nullptr;
     }
     std::vector<std::string> words;
@@ -119,7 +122,8 @@ int add(const SettingsRequest& request) {
     if (!setting) return exit_misused;
     const std::vector<std::string> missing = missing_paths(*setting, entries.strings);
     for (const std::string& folder : missing) {
-        complain_about_usage("there is no folder " + in_quotes(folder) + "; nothing was added");
+        complain_about_usage(
+            translated("there is no folder %s; nothing was added", {in_quotes(folder)}));
     }
     if (!missing.empty()) return exit_failed;
     std::vector<std::string> list = read_setting(*setting).value.strings;
@@ -134,8 +138,8 @@ int remove(const SettingsRequest& request) {
     std::vector<std::string> list = read_setting(*setting).value.strings;
     for (const std::string& entry : entries.strings) {
         if (remove_entry(&list, entry)) continue;
-        complain_about_usage(std::string(setting->key) + " does not have " + in_quotes(entry) +
-                             "; nothing was removed");
+        complain_about_usage(translated("%s does not have %s; nothing was removed",
+                                        {setting->key, in_quotes(entry)}));
         return exit_failed;
     }
     return change_list(*setting, list);

@@ -1,5 +1,7 @@
 #include "settings/settings_listing.h"
 
+#include <host/text.h>
+
 #include <nlohmann/json.hpp>
 
 #include "command/printable.h"
@@ -16,7 +18,8 @@ const char* type_name(SettingType type) {
 std::string default_text(const Setting& setting) {
     if (is_numeric(setting)) return std::to_string(setting.standard);
     if (setting.type == SettingType::word) return setting.words.front();
-    return setting.type == SettingType::path ? "the installed applications" : "none";
+    return setting.type == SettingType::path ? translated("the installed applications")
+                                             : translated("none");
 }
 
 std::string joined(const std::vector<std::string>& strings, const char* between) {
@@ -27,7 +30,7 @@ std::string joined(const std::vector<std::string>& strings, const char* between)
 
 std::string one_line_value(const SettingState& state) {
     if (is_numeric(*state.setting)) return std::to_string(state.value.number);
-    return state.value.strings.empty() ? "none" : joined(state.value.strings, " ");
+    return state.value.strings.empty() ? translated("none") : joined(state.value.strings, " ");
 }
 
 json value_json(const SettingState& state) {
@@ -64,8 +67,10 @@ std::string write_settings(const std::vector<SettingState>& states) {
     for (const SettingState& state : states) {
         const Setting& setting = *state.setting;
         text += std::string(setting.key) + " = " + printable(one_line_value(state), "?") +
-                "\n    " + setting.meaning + "\n    takes " + describe_bounds(setting) +
-                "; default " + default_text(setting) + "\n";
+                "\n    " + translated(setting.meaning) + "\n    " +
+                translated("takes %s; default %s",
+                           {translated_bounds(setting), default_text(setting)}) +
+                "\n";
     }
     return text;
 }

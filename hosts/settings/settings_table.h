@@ -24,7 +24,7 @@ struct Setting {
     int32_t standard;  // the default of flags and integers; other types have none
     int32_t least;     // bounds of flags and integers
     int32_t most;
-    const char* meaning;
+    const char* meaning;                  // in English; translated() where people read it
     std::vector<std::string> words = {};  // of a word; the first is the default
 };
 
@@ -46,6 +46,8 @@ bool is_numeric(const Setting& setting);
 int32_t number_in_effect(const Setting& setting, int32_t stored);
 // "0 to 3", "1 or more", "an absolute path", ...
 std::string describe_bounds(const Setting& setting);
+// The same in the user's language.
+std::string translated_bounds(const Setting& setting);
 // Parses the words of a value. False when they are not a valid value; then *problem says, in one
 // line, what the setting takes.
 bool parse_setting(const Setting& setting, const std::vector<std::string>& words,

@@ -1,6 +1,7 @@
 #include "appkit/card_window.h"
 
 #include <Quartz/Quartz.h>
+#include <host/text.h>
 #include <host/window_placement.h>
 
 #include <algorithm>
@@ -353,7 +354,8 @@ void describe_windows_beside_menus(BesideMenusQuestion wanted) { are_details_wan
 void prepare_raised_window(NSWindow* window) {
     if (!MenuRun::current()) return;
     // GNUstep calls a window without a title "Window".
-    if ([[window title] isEqualToString:@"Window"]) [window setTitle:@"Preview"];
+    if ([[window title] isEqualToString:@"Window"])
+        [window setTitle:[NSString stringWithUTF8String:translated("Preview")]];
     make_card(window, is_wanted && is_wanted());
     update_card(window);
 }

@@ -1,3 +1,5 @@
+#include <host/text.h>
+
 // LSOpenFromRefSpec: opening documents with a chosen application.
 #include <host/glib_owners.h>
 #include <Carbon/LaunchServices.h>
@@ -45,17 +47,21 @@ OSStatus status_of(Start start) {
 }
 
 Result result_of(Start start, const std::string& problem) {
-    return {status_of(start), start == Start::done ? "" : "it does not start: " + problem};
+    return {status_of(start),
+            start == Start::done ? "" : translated("it does not start: %s", {problem})};
 }
 
-const Result not_installed = {kLSNoExecutableErr, "its program is not installed"};
-const Result no_application = {kLSNotAnApplicationErr, "it is not a program"};
+Result not_installed() { return {kLSNoExecutableErr, translated("its program is not installed")}; }
+Result no_application() { return {kLSNotAnApplicationErr, translated("it is not a program")}; }
+Result not_there() {
+    return {kLSApplicationNotFoundErr, translated("the program is no longer there")};
+}
 
 Result open_with_entry(const std::string& path, const Documents& documents) {
-    if (!files::desktop_entry_at(path).may_start) return no_application;
+    if (!files::desktop_entry_at(path).may_start) return no_application();
     std::string problem;
     const Start start = start_entry_file(path, documents, &problem);
-    return start == Start::not_installed ? not_installed : result_of(start, problem);
+    return start == Start::not_installed ? not_installed() : result_of(start, problem);
 }
 
 // The arguments with which GNUstep's programs take documents: one document by an option that
@@ -67,14 +73,14 @@ Documents bundle_arguments(const Documents& documents) {
 
 Result open_with_bundle(const std::string& path, const Documents& documents) {
     const std::string program = files::bundle_program(path.c_str());
-    if (program.empty()) return not_installed;
+    if (program.empty()) return not_installed();
     std::string problem;
     const Start start = start_program(program, bundle_arguments(documents), &problem);
     return result_of(start, problem);
 }
 
 Result open_with_program(const std::string& path, const Documents& documents) {
-    if (access(path.c_str(), X_OK) != 0) return no_application;
+    if (access(path.c_str(), X_OK) != 0) return no_application();
     std::string problem;
     const Start start = start_program(path, documents, &problem);
     return result_of(start, problem);
@@ -84,13 +90,13 @@ Result open_with_application(const std::string& path, const Documents& documents
     const files::TextOwner target(realpath(path.c_str(), nullptr));
     struct stat status;
     if (!target || stat(target.get(), &status) != 0) {
-        return {kLSApplicationNotFoundErr, "the program is no longer there"};
+        return not_there();
     }
     const std::string file = target.get();
     if (S_ISDIR(status.st_mode)) {
-        return file.ends_with(".app") ? open_with_bundle(file, documents) : no_application;
+        return file.ends_with(".app") ? open_with_bundle(file, documents) : no_application();
     }
-    if (!S_ISREG(status.st_mode)) return no_application;
+    if (!S_ISREG(status.st_mode)) return no_application();
     if (file.ends_with(".desktop")) return open_with_entry(file, documents);
     return open_with_program(path, documents);
 }
@@ -112,7 +118,7 @@ Documents documents_of(const LSLaunchFSRefSpec& spec, const std::string& applica
     for (UInt32 i = 0; i < spec.numDocs; i++) {
         std::string path = path_of(spec.itemRefs[i]);
         const std::string reason =
-            path.empty() ? "it is no longer there" : files::why_not_openable(path);
+            path.empty() ? translated("it is no longer there") : files::why_not_openable(path);
         if (reason.empty()) {
             documents.push_back(std::move(path));
         } else {
@@ -144,7 +150,7 @@ OSStatus LSOpenFromRefSpec(const LSLaunchFSRefSpec* spec, FSRef* outLaunchedRef)
     if (spec->numDocs > 0 && documents.empty()) return fnfErr;
     if (!spec->appRef) return open_with_default_programs(documents);
 
-    Result result = {kLSApplicationNotFoundErr, "the program is no longer there"};
+    Result result = not_there();
     if (!application.empty()) result = open_with_application(application, documents);
     if (result.status == noErr && outLaunchedRef) *outLaunchedRef = *spec->appRef;
     if (result.status != noErr) {

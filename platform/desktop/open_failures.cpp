@@ -1,5 +1,6 @@
 #include "desktop/open_failures.h"
 
+#include <host/text.h>
 #include <host/opening_files.h>
 
 #include <errno.h>
@@ -25,11 +26,13 @@ std::string target_of(const std::string& link) {
 std::string why_not_reached(const std::string& path, int error) {
     struct stat own;
     const bool is_link = lstat(path.c_str(), &own) == 0 && S_ISLNK(own.st_mode);
-    if (!is_link) return error == ENOENT ? "it is no longer there" : strerror(error);
-    if (error == ELOOP) return "it is a link that leads back to itself";
-    const std::string target = "it is a link to " + target_of(path);
-    return error == ENOENT || error == ENOTDIR ? target + ", which is not there"
-                                               : target + ": " + strerror(error);
+    if (!is_link) return error == ENOENT ? translated("it is no longer there") : error_text(error);
+    if (error == ELOOP) return translated("it is a link that leads back to itself");
+    const std::string target = target_of(path);
+    if (error == ENOENT || error == ENOTDIR) {
+        return translated("it is a link to %s, which is not there", {target});
+    }
+    return translated("it is a link to %s: %s", {target, error_text(error)});
 }
 
 }  // namespace
@@ -37,8 +40,10 @@ std::string why_not_reached(const std::string& path, int error) {
 std::string why_not_openable(const std::string& path) {
     struct stat status;
     if (stat(path.c_str(), &status) != 0) return why_not_reached(path, errno);
-    if (S_ISFIFO(status.st_mode)) return "it is a pipe, which no program opens as a file";
-    if (S_ISSOCK(status.st_mode)) return "it is a socket, which no program opens as a file";
+    if (S_ISFIFO(status.st_mode))
+        return translated("it is a pipe, which no program opens as a file");
+    if (S_ISSOCK(status.st_mode))
+        return translated("it is a socket, which no program opens as a file");
     return "";
 }
 

@@ -1,5 +1,6 @@
 #include "desktop/open_file.h"
 
+#include <host/text.h>
 #include <host/glib_owners.h>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
@@ -40,16 +41,16 @@ bool launch(void* program, const std::string& path, std::string* reason) {
     std::string problem;
     if (start_entry(G_DESKTOP_APP_INFO(program), {path}, &problem) == Start::done) return true;
     if (reason->empty()) {
-        *reason =
-            std::string(g_app_info_get_name(G_APP_INFO(program))) + " does not start: " + problem;
+        *reason = translated("%s does not start: %s",
+                             {g_app_info_get_name(G_APP_INFO(program)), problem});
     }
     return false;
 }
 
 std::string no_program_for(const std::string& type) {
     const files::TextOwner name(g_content_type_get_mime_type(type.c_str()));
-    return std::string("no installed program is set for files of its type, ") +
-           (name ? name.get() : type);
+    return translated("no installed program is set for files of its type, %s",
+                      {name ? name.get() : type});
 }
 
 void release_programs(GList* programs) { g_list_free_full(programs, g_object_unref); }
@@ -77,7 +78,7 @@ bool open_entry(const std::string& path, std::string* reason) {
     }
     const Start start = start_entry_file(path, {}, reason);
     if (start != Start::done && start != Start::not_installed) {
-        *reason = "it does not start: " + *reason;
+        *reason = translated("it does not start: %s", {*reason});
     }
     return start == Start::done;
 }
@@ -90,7 +91,7 @@ bool open_with_default_program(const std::string& path, std::string* reason) {
     const std::string type = content_type(path);
     struct stat entry;
     if (type.empty() || stat(path.c_str(), &entry) != 0) {
-        *reason = "its file type is unknown";
+        *reason = translated("its file type is unknown");
         return false;
     }
     if (S_ISREG(entry.st_mode) && is_desktop_entry(path, type)) return open_entry(path, reason);

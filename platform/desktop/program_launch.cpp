@@ -1,5 +1,6 @@
 #include "desktop/program_launch.h"
 
+#include <host/text.h>
 #include <host/glib_owners.h>
 #include <host/opening_files.h>
 #include <host/session_bus.h>
@@ -39,7 +40,7 @@ void leave_us(void* folder) {
 Start result_of(bool started, GError* error, std::string* reason) {
     const files::ErrorOwner owner(error);
     if (started) return Start::done;
-    *reason = error ? error->message : "it does not say why";
+    *reason = error ? error->message : translated("it does not say why");
     if (g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT)) return Start::no_program;
     const bool refused = g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_ACCES) ||
                          g_error_matches(error, G_SPAWN_ERROR, G_SPAWN_ERROR_PERM);
@@ -89,7 +90,7 @@ Start start_entry_file(const std::string& path, const std::vector<std::string>& 
     const files::ObjectOwner<GDesktopAppInfo> entry(
         g_desktop_app_info_new_from_filename(path.c_str()));
     if (entry) return start_entry(entry.get(), documents, reason);
-    *reason = "its program is not installed";
+    *reason = translated("its program is not installed");
     return Start::not_installed;
 }
 

@@ -25,6 +25,7 @@ struct MenuLook {
     std::string family;  // of the interface font
     double font_size;    // points
     bool bold, italic;
+    bool mirrored;  // left and right are exchanged, for a language from right to left
     int hairline;
     int row_height;
     int separator_height;

@@ -1,5 +1,7 @@
 #include "look/menu_look.h"
 
+#include <host/text.h>
+
 #include <AppKit/AppKit.h>
 
 #include <algorithm>
@@ -109,6 +111,7 @@ MenuLook menu_look(NSFont* font, const char* server_resources) {
     MenuLook look = {};
     look.palette = chosen_palette();
     look.scale = chosen_scale(server_resources);
+    look.mirrored = text_is_mirrored();
     set_font(&look, font);
     set_measures(&look);
     return look;

@@ -34,6 +34,11 @@ std::vector<double> ends_of_characters(const MenuLook& look, const std::string& 
 // Pixels that the text takes.
 int text_width(const TextLayout& text);
 int text_height(const TextLayout& text);
+// Where the text begins within its layout. Above 0 for a shortened text from right to left.
+int text_left(const TextLayout& text);
+
+// Puts the lines of a paragraph at its right edge, in whatever direction they run.
+void align_right(const TextLayout& text);
 
 // Narrows the text to `width` pixels by leaving out its middle.
 void fit_text(const TextLayout& text, int width);

@@ -234,6 +234,19 @@ int text_height(const TextLayout& text) {
     return PANGO_PIXELS_CEIL(box.height);
 }
 
+int text_left(const TextLayout& text) {
+    PangoRectangle box;
+    pango_layout_get_extents(text.get(), nullptr, &box);
+    return PANGO_PIXELS_FLOOR(box.x);
+}
+
+void align_right(const TextLayout& text) {
+    // Pango exchanges left and right for lines that run from right to left.
+    PangoLayoutLine* const first = pango_layout_get_line_readonly(text.get(), 0);
+    const bool runs_left = pango_layout_line_get_resolved_direction(first) == PANGO_DIRECTION_RTL;
+    pango_layout_set_alignment(text.get(), runs_left ? PANGO_ALIGN_LEFT : PANGO_ALIGN_RIGHT);
+}
+
 void fit_text(const TextLayout& text, int width) {
     pango_layout_set_ellipsize(text.get(), PANGO_ELLIPSIZE_MIDDLE);
     pango_layout_set_width(text.get(), width * PANGO_SCALE);

@@ -18,6 +18,11 @@ bool is_key_event(NSEvent* event) {
     return type == NSKeyDown || type == NSKeyUp || type == NSFlagsChanged;
 }
 
+unichar mirrored_arrow(unichar character) {
+    if (character == NSLeftArrowFunctionKey) return NSRightArrowFunctionKey;
+    return character == NSRightArrowFunctionKey ? NSLeftArrowFunctionKey : character;
+}
+
 const std::vector<MenuRow>& rows_of(const MenuLevel& level) { return level.layout().rows(); }
 
 // Whether a row beyond this one, in direction `step`, can be highlighted.
@@ -102,6 +107,7 @@ void KeyboardTracker::press(NSEvent* event) {
 
 // False for a key that types its character.
 bool KeyboardTracker::press_command(unichar character) {
+    if (levels_.style().look.mirrored) character = mirrored_arrow(character);
     const MenuLevel& level = levels_[focus_level()];
     const int last = static_cast<int>(rows_of(level).size()) - 1;
     switch (character) {

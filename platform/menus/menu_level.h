@@ -91,7 +91,7 @@ class MenuLevel {
     NSMenuItem* highlighted_ = nil;                         // retained
     bool is_trail_ = false;
     Area panel_ = {}, screen_ = {};
-    Side side_ = on_right;
+    Side side_;
     int scroll_ = 0;
     bool shown_ = false;
 };

@@ -28,7 +28,10 @@ NSRect rectangle(const Area& area) {
 }  // namespace
 
 MenuLevel::MenuLevel(NSMenu* menu, const MenuStyle& style)
-    : menu_([menu retain]), style_(style), layout_(style.look) {}
+    : menu_([menu retain]),
+      style_(style),
+      layout_(style.look),
+      side_(style.look.mirrored ? on_left : on_right) {}
 
 MenuLevel::~MenuLevel() {
     remove_views();
@@ -51,7 +54,8 @@ bool MenuLevel::refresh(NSUInteger modifiers) {
 void MenuLevel::show_at_pointer(MenuPoint pointer) {
     if (layout_.rows().empty()) return;
     screen_ = screen_at(pointer);
-    panel_ = place_at_pointer({layout_.width(), layout_.height()}, pointer, screen_, screen_margin);
+    panel_ = place_at_pointer({layout_.width(), layout_.height()}, pointer, screen_, screen_margin,
+                              side_);
     put_on_screen();
 }
 

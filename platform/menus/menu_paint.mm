@@ -73,6 +73,12 @@ void paint_panel(cairo_t* cairo, const MenuScene& scene) {
     cairo_stroke(cairo);
 }
 
+// The left edge of something `width` wide that begins `start` from the edge where lines begin.
+double placed(const MenuScene& scene, double start, double width) {
+    const bool mirrored = scene.layout->look().mirrored;
+    return scene.left + (mirrored ? scene.width - start - width : start);
+}
+
 void paint_separator(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y) {
     const MenuLook& look = scene.layout->look();
     const int left = scene.left + look.inset + look.padding;
@@ -115,7 +121,8 @@ void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
     cairo_surface_t* surface = scene.images->surface(image, size.width, size.height);
     if (!surface) return;
     const int column = row.kind == image_row ? size.width : scene.layout->image_width();
-    const double left = scene.left + scene.layout->image_left() + (column - int(size.width)) / 2;
+    const int width = size.width;
+    const double left = placed(scene, scene.layout->image_left() + (column - width) / 2, width);
     cairo_set_source_surface(cairo, surface, left, y + (row.height - int(size.height)) / 2);
     cairo_paint_with_alpha(cairo, alpha);
 }
@@ -128,7 +135,8 @@ void paint_title(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
     if (room <= 0) return;
     if (text_width(text) > room) fit_text(text, room);
     set_color(cairo, colors.text);
-    cairo_move_to(cairo, scene.left + layout.title_left(row),
+    const int width = std::min(text_width(text), room);
+    cairo_move_to(cairo, placed(scene, layout.title_left(row), width) - text_left(text),
                   y + std::floor((row.height - text_height(text)) / 2.0));
     pango_cairo_show_layout(cairo, text.get());
 }
@@ -145,11 +153,12 @@ void paint_chevron(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, i
                    const Color& color) {
     const MenuLook& look = scene.layout->look();
     const double reach = look.mark_width * 0.4;
-    const double right = scene.left + scene.width - look.inset - look.padding - 0.5;
+    const double end = scene.width - look.inset - look.padding - 0.5;
+    const double tip = placed(scene, end, 0), back = placed(scene, end - reach, 0);
     const double middle = y + row.height / 2.0;
-    cairo_move_to(cairo, right - reach, middle - reach);
-    cairo_line_to(cairo, right, middle);
-    cairo_line_to(cairo, right - reach, middle + reach);
+    cairo_move_to(cairo, back, middle - reach);
+    cairo_line_to(cairo, tip, middle);
+    cairo_line_to(cairo, back, middle + reach);
     stroke_mark(cairo, look, color);
 }
 
@@ -158,7 +167,7 @@ void paint_state(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
     const NSInteger state = [row.item state];
     if (state == NSOffState) return;
     const MenuLook& look = scene.layout->look();
-    const double left = scene.left + scene.layout->mark_left(), side = look.mark_width;
+    const double side = look.mark_width, left = placed(scene, scene.layout->mark_left(), side);
     const double middle = y + row.height / 2.0;
     cairo_move_to(cairo, left, middle);
     if (state == NSOnState) {

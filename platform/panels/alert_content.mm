@@ -10,18 +10,16 @@ namespace {
 const double margin = 24, sign_side = 52, sign_gap = 20, text_width_wanted = 340;
 const double message_size = 14, explanation_size = 12, message_gap = 8;
 const double explanation_alpha = 0.78;
-const double button_height = 30, button_gap = 10, button_padding = 18, button_least_width = 92;
+const double button_height = 30, button_gap = 10, button_least_width = 92;
 const double buttons_gap = 24, button_text_size = 13;
 
 // A button as wide as its title needs.
 Widget button_of(const PanelContent& content, const AlertButton& button) {
-    const TextLayout title = paragraph(content.look, button.title, button_text_size, false, 0);
-    const int width = std::max(text_width(title) + 2 * content.pixels(button_padding),
-                               content.pixels(button_least_width));
-    Widget made = {WidgetKind::button, {0, 0, width, content.pixels(button_height)}};
+    Widget made = {WidgetKind::button, {0, 0, 0, content.pixels(button_height)}};
     made.text = button.title;
     made.item = button.item;
     made.size = button_text_size;
+    made.area.width = content.button_width(made, button_least_width);
     return made;
 }
 

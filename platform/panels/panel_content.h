@@ -33,6 +33,8 @@ struct Widget {
 
     // Whether mouse or keys can hit the widget.
     bool can_be_hit() const;
+    // Sets text and key from a title such as "_Skip", in which the letter after _ is the key.
+    void set_title(const std::string& title);
 };
 
 struct PanelContent {
@@ -48,6 +50,12 @@ struct PanelContent {
     // These convert measures in points.
     int pixels(double points) const;
     Area area(double left, double top, double width, double height) const;
+
+    // The width of a button with this title, at least `least` points.
+    int button_width(const Widget& button, double least) const;
+
+    // Exchanges left and right, for a language that is written from right to left.
+    void mirror();
 
     // The first widget of this item, or null.
     Widget* widget(int item);

@@ -4,10 +4,26 @@
 #include <cmath>
 #include <utility>
 
+#include "look/menu_text.h"
 #include "x11/screens.h"
+
+namespace {
+
+const double button_padding = 18;  // points between a button's edge and its title
+
+}  // namespace
 
 bool Widget::can_be_hit() const {
     return (kind == WidgetKind::button || kind == WidgetKind::check) && !disabled;
+}
+
+void Widget::set_title(const std::string& title) {
+    text = title;
+    const size_t mark = text.find('_');
+    if (mark == text.npos) return;
+    text.erase(mark, 1);
+    NSString* const rest = [[NSString stringWithUTF8String:text.c_str() + mark] lowercaseString];
+    if ([rest length]) key = [rest characterAtIndex:0];
 }
 
 PanelContent::PanelContent() : look(menu_look(nil, server_resources())) {}
@@ -18,6 +34,15 @@ int PanelContent::pixels(double points) const {
 
 Area PanelContent::area(double left, double top, double width, double height) const {
     return {pixels(left), pixels(top), pixels(width), pixels(height)};
+}
+
+int PanelContent::button_width(const Widget& button, double least) const {
+    const TextLayout title = paragraph(look, button.text, button.size, button.bold, 0);
+    return std::max(text_width(title) + 2 * pixels(button_padding), pixels(least));
+}
+
+void PanelContent::mirror() {
+    for (Widget& widget : widgets) widget.area.left = size.width - widget.area.right();
 }
 
 const Widget* PanelContent::widget(int item) const {

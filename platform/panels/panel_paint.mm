@@ -51,14 +51,17 @@ void draw_text(const Brush& brush, const TextLayout& text, MenuPoint at, const C
     pango_cairo_show_layout(brush.cairo, text.get());
 }
 
-// Draws the text at the left or in the middle of the area, and halfway down.
+// Draws the text where lines begin or in the middle of the area, and halfway down.
 void draw_line(const Brush& brush, const Widget& widget, const Area& area, const Color& color,
                double alpha, bool centered) {
     const TextLayout text = paragraph(brush.content.look, widget.text, widget.size, widget.bold, 0);
     fit_text(text, area.width);
-    const int free = centered ? (area.width - text_width(text)) / 2 : 0;
-    draw_text(brush, text, {area.left + free, area.top + (area.height - text_height(text)) / 2},
-              color, alpha);
+    const int spare = area.width - text_width(text);
+    const int free = centered ? spare / 2 : brush.content.look.mirrored ? spare : 0;
+    draw_text(
+        brush, text,
+        {area.left + free - text_left(text), area.top + (area.height - text_height(text)) / 2},
+        color, alpha);
 }
 
 void paint_text(const Brush& brush, const Widget& widget) {
@@ -67,9 +70,10 @@ void paint_text(const Brush& brush, const Widget& widget) {
 
 void paint_paragraph(const Brush& brush, const Widget& widget) {
     const Area& area = widget.area;
-    draw_text(brush,
-              paragraph(brush.content.look, widget.text, widget.size, widget.bold, area.width),
-              {area.left, area.top}, brush.palette().text, widget.alpha);
+    const TextLayout text =
+        paragraph(brush.content.look, widget.text, widget.size, widget.bold, area.width);
+    if (brush.content.look.mirrored) align_right(text);
+    draw_text(brush, text, {area.left, area.top}, brush.palette().text, widget.alpha);
 }
 
 void paint_sign(const Brush& brush, const Widget& widget) {
@@ -92,7 +96,9 @@ void paint_bar(const Brush& brush, const Widget& widget) {
     const double radius = area.height / 2.0;
     fill(brush, area, radius, brush.palette().text, 0.12);
     if (widget.value <= 0) return;
+    const int right = area.right();
     area.width = std::max(area.height, static_cast<int>(area.width * widget.value));
+    if (brush.content.look.mirrored) area.left = right - area.width;
     fill(brush, area, radius, brush.palette().highlight);
 }
 
@@ -133,7 +139,9 @@ void paint_check(const Brush& brush, const Widget& widget) {
     const MenuPalette& palette = brush.palette();
     Area label = widget.area;
     const int side = brush.content.pixels(16), taken = side + brush.content.pixels(8);
-    const Area box = {label.left, label.top + (label.height - side) / 2, side, side};
+    const bool mirrored = brush.content.look.mirrored;
+    const Area box = {mirrored ? label.right() - side : label.left,
+                      label.top + (label.height - side) / 2, side, side};
     const double radius = brush.content.pixels(4);
     fill(brush, box, radius, widget.on ? palette.highlight : palette.text, widget.on ? 1 : 0.05);
     if (widget.on) {
@@ -141,7 +149,7 @@ void paint_check(const Brush& brush, const Widget& widget) {
     } else {
         outline(brush, box, radius, widget.item == brush.state.hovered ? 0.6 : 0.35);
     }
-    label.left += taken;
+    if (!mirrored) label.left += taken;
     label.width -= taken;
     draw_line(brush, widget, label, palette.text, 1, false);
 }

@@ -4,13 +4,18 @@
 
 namespace {
 
+unichar mirrored_arrow(unichar key) {
+    if (key == NSLeftArrowFunctionKey) return NSRightArrowFunctionKey;
+    return key == NSRightArrowFunctionKey ? NSLeftArrowFunctionKey : key;
+}
+
 bool is_return(unichar key) {
     return key == NSCarriageReturnCharacter || key == NSNewlineCharacter || key == NSEnterCharacter;
 }
 
 // Where the key leads the focus: to the next widget (1) or the one before (-1). 0: nowhere.
-int focus_step(unichar key, NSEvent* event) {
-    switch (key) {
+int focus_step(unichar key, NSEvent* event, bool mirrored) {
+    switch (mirrored ? mirrored_arrow(key) : key) {
         case NSTabCharacter:
             return [event modifierFlags] & NSShiftKeyMask ? -1 : 1;
         case NSLeftArrowFunctionKey:  // buttons follow each other from the right
@@ -34,6 +39,7 @@ int focus_step(unichar key, NSEvent* event) {
     self = [super initWithFrame:NSMakeRect(0, 0, content.size.width, content.size.height)];
     if (!self) return nil;
     _content = new PanelContent(content);
+    if (content.look.mirrored) _content->mirror();
     _hit = new std::function<void(int)>(hit);
     _images = new ImageCache;
     return self;
@@ -114,7 +120,7 @@ int focus_step(unichar key, NSEvent* event) {
     NSString* characters = [event charactersIgnoringModifiers];
     if (![characters length]) return;
     const unichar key = [characters characterAtIndex:0];
-    if (const int step = focus_step(key, event)) {
+    if (const int step = focus_step(key, event, _content->look.mirrored)) {
         return [self
             show:{_state.hovered, _state.pressed, _content->item_beside(_state.focused, step)}];
     }

@@ -34,9 +34,11 @@ long turn(MenuPoint a, MenuPoint b, MenuPoint c) {
 
 }  // namespace
 
-Area place_at_pointer(Extent panel, MenuPoint pointer, const Area& screen, int margin) {
-    Area area = {pointer.x + 1, pointer.y + 1, panel.width, panel.height};
-    if (area.right() > screen.right()) area.left = pointer.x - panel.width;
+Area place_at_pointer(Extent panel, MenuPoint pointer, const Area& screen, int margin, Side side) {
+    const int right = pointer.x + 1, left = pointer.x - panel.width;
+    const bool fits_right = right + panel.width <= screen.right(), fits_left = left >= screen.left;
+    const bool at_right = side == on_right ? fits_right : fits_right && !fits_left;
+    Area area = {at_right ? right : left, pointer.y + 1, panel.width, panel.height};
     const int above = pointer.y - panel.height;
     if (area.bottom() > screen.bottom() - margin && above >= screen.top + margin) area.top = above;
     return fit(area, screen, margin);

@@ -22,9 +22,11 @@ struct Area {
 
 enum Side { on_right, on_left };
 
-// Places a panel at the pointer: below and right of it, or on the other side where the panel does
-// not fit, but always on the screen. A panel that is too high takes the whole height of the screen.
-Area place_at_pointer(Extent panel, MenuPoint pointer, const Area& screen, int margin);
+// Places a panel at the pointer: below it and on the side, or on the other side where the panel
+// does not fit, but always on the screen. A panel that is too high takes the whole height of the
+// screen.
+Area place_at_pointer(Extent panel, MenuPoint pointer, const Area& screen, int margin,
+                      Side side = on_right);
 
 // Places a panel beside a row of its parent, with its first row level with that row. `*side` is the
 // preferred side and becomes the side taken. `overlap` pixels lie over the parent.
