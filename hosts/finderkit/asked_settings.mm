@@ -3,6 +3,7 @@
 #include <host/menu_tracking.h>
 #include <CoreFoundation/CoreFoundation.h>
 
+#include "finderkit/item_marks.h"
 #include "finderkit/settings_file.h"
 
 namespace {
@@ -20,4 +21,7 @@ BOOL closes_one_level() { return escape_closes_one_level(); }
 
 bool escape_closes_one_level() { return [value_of(escape_closes_setting) isEqual:@"level"]; }
 
-void answer_settings() { [NSMenu setEscapeQuestion:closes_one_level]; }
+void answer_settings() {
+    [NSMenu setEscapeQuestion:closes_one_level];
+    [NSMenu setMarkQuestion:mark_of_item];
+}

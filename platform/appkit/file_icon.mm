@@ -3,8 +3,11 @@
 #include "appkit/icon_pictures.h"
 #include "appkit/workspace_paths.h"
 #include "carbon/finder_information.h"
+#include "corefoundation/patient_stat.h"
 #include "look/image_questions.h"
 #include "look/shared_strings.h"
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -24,6 +27,18 @@ SplitPath split(NSString* path) {
     NSUInteger end = length;
     while (end > 0 && characters[end - 1] != '/') end--;
     return {shared_string(characters, end), shared_string(characters + end, length - end)};
+}
+
+enum LinkState : signed char { is_no_link, is_link, is_broken_link };
+
+// A target on a disk that does not answer in time counts as missing.
+LinkState link_state(std::string path) {
+    struct stat entry;
+    while (path.ends_with('/')) path.pop_back();  // a slash would lead to the target
+    if (path.empty() || lstat(path.c_str(), &entry) != 0 || !S_ISLNK(entry.st_mode)) {
+        return is_no_link;
+    }
+    return files::patient_stat(path, 0.2) ? is_link : is_broken_link;
 }
 
 NSColor* clear_color() {
@@ -60,7 +75,7 @@ NSColor* clear_color() {
     _flags.multipleResolutionMatching = YES;
     _flags.syncLoad = YES;
     _color = [clear_color() retain];
-    _hidden = -1;
+    _hidden = _link = -1;
     if (!path) return self;
     const SplitPath parts = split(path);
     _fileName = [parts.folder copy];
@@ -132,6 +147,15 @@ NSColor* clear_color() {
 
 - (BOOL)mayChangeAfterFirstLook {
     return _flags.syncLoad && may_have_untrusted_picture(_leaf);
+}
+
+- (NSImage*)emblem {
+    if (_link < 0) _link = link_state(path_bytes([self path]));
+    return _link == is_broken_link ? broken_link_emblem() : _link ? link_emblem() : nil;
+}
+
+- (NSImage*)emblemOfLinks {
+    return link_emblem();
 }
 
 - (BOOL)isOfHiddenFile {

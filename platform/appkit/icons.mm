@@ -80,9 +80,8 @@ std::string untrusted_file(const std::string& key) {
     return is_path && !is_systems_own(names[0]) ? names[0] : "";
 }
 
-// The pictures of a key in all sizes; none if the theme has none. Retained for the cache.
-NSArray* load_bitmaps(const std::string& key) {
-    const std::vector<std::string> names = icon_names(key);
+// The pictures of these names in all sizes, retained; none if the theme has none.
+NSArray* load_named(const std::vector<std::string>& names) {
     NSMutableArray* bitmaps = [NSMutableArray new];
     for (const int pixels : sizes) {
         const std::string file = icon_file(names, pixels);
@@ -91,6 +90,9 @@ NSArray* load_bitmaps(const std::string& key) {
     }
     return bitmaps;
 }
+
+// The pictures of a key in all sizes; none if the theme has none. Retained for the cache.
+NSArray* load_bitmaps(const std::string& key) { return load_named(icon_names(key)); }
 
 NSArray* bitmaps_for_key(const std::string& key) {
     static auto* cache = new std::unordered_map<std::string, NSArray*>;
@@ -101,6 +103,14 @@ NSArray* bitmaps_for_key(const std::string& key) {
         cache->clear();
     }
     return (*cache)[key] = load_bitmaps(key);
+}
+
+NSImage* make_emblem(const char* name) {
+    NSArray* bitmaps = [load_named({name}) autorelease];
+    if (![bitmaps count]) return nil;
+    NSImage* image = [[NSImage alloc] initWithSize:NSMakeSize(16, 16)];
+    [image addRepresentations:bitmaps];
+    return image;
 }
 
 NSImage* stock_image(NSWorkspace* workspace, NSString* path) {
@@ -156,6 +166,16 @@ void give_pictures(NSImage* image, NSString* path) {
     [image addRepresentations:pictures_for_key(key, path)];
     const std::string file = untrusted_file(key);
     if (!file.empty()) show_untrusted_icon(image, file);
+}
+
+NSImage* link_emblem() {
+    static NSImage* const emblem = make_emblem("emblem-symbolic-link");
+    return emblem;
+}
+
+NSImage* broken_link_emblem() {
+    static NSImage* const emblem = make_emblem("emblem-unreadable");
+    return emblem;
 }
 
 bool may_have_untrusted_picture(NSString* name) {

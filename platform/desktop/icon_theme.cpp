@@ -98,8 +98,8 @@ void list_icons(OneTheme& theme, unsigned folder) {
 // Whether a file's icon can come from this context. The other contexts are large and never asked
 // for.
 bool is_wanted(const std::string& context) {
-    static const char* const wanted[] = {"MimeTypes",    "Places", "Devices",
-                                         "Applications", "Legacy", ""};
+    static const char* const wanted[] = {"MimeTypes", "Places", "Devices", "Applications",
+                                         "Emblems",   "Legacy", ""};
     return std::any_of(std::begin(wanted), std::end(wanted),
                        [&](const char* name) { return context == name; });
 }

@@ -8,6 +8,11 @@
 // Whether the image is the icon of a file that file managers do not show. Menus dim the rows of
 // such files. The first answer may ask the disk.
 - (BOOL)isOfHiddenFile;
+// A small picture that says what else is known of the image's file, such as that it is a link; nil
+// for none. Menus draw it over the image's lower right corner. The first answer may ask the disk.
+- (NSImage*)emblem;
+// The same for an image whose file was reached by a link.
+- (NSImage*)emblemOfLinks;
 // Whether more pictures may arrive after the first look. A menu that will soon show such an image
 // looks at it beforehand.
 - (BOOL)mayChangeAfterFirstLook;

@@ -6,6 +6,14 @@
     return NO;
 }
 
+- (NSImage*)emblem {
+    return nil;
+}
+
+- (NSImage*)emblemOfLinks {
+    return nil;
+}
+
 - (BOOL)mayChangeAfterFirstLook {
     return NO;
 }

@@ -15,6 +15,7 @@ struct MenuPalette {
     Color highlight, highlight_text;
     Color trail;  // behind the rows that have led to the level with the highlight
     Color separator;
+    Color bookmark;
     double shadow;  // darkest alpha
 };
 

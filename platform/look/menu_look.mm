@@ -23,6 +23,7 @@ const MenuPalette light_palette = {
     .highlight_text = {1, 1, 1, 1},
     .trail = {0.133, 0.427, 0.925, 0.20},
     .separator = {0, 0, 0, 0.10},
+    .bookmark = {0.902, 0.380, 0.0, 1},
     .shadow = 0.20,
 };
 
@@ -38,6 +39,7 @@ const MenuPalette dark_palette = {
     .highlight_text = {1, 1, 1, 1},
     .trail = {0.196, 0.467, 0.933, 0.38},
     .separator = {1, 1, 1, 0.13},
+    .bookmark = {1.0, 0.620, 0.235, 1},
     .shadow = 0.42,
 };
 

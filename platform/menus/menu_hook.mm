@@ -59,6 +59,10 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
     set_heading_question(question);
 }
 
++ (void)setMarkQuestion:(MenuMark (*)(NSMenuItem*))question {
+    set_mark_question(question);
+}
+
 + (void)setEscapeQuestion:(BOOL (*)())question {
     set_escape_question(question);
 }

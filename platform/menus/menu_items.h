@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/AppKit.h>
+#include <host/menu_tracking.h>
 
 // Shift, Control, Option and Command: the keys that choose between alternates.
 const NSUInteger alternate_modifiers =
@@ -18,6 +19,10 @@ bool can_highlight(NSMenuItem* item);
 bool can_pick(NSMenuItem* item);
 // See +[NSMenu setHeadingQuestion:].
 void set_heading_question(BOOL (*question)(NSMenuItem*));
+
+// See +[NSMenu setMarkQuestion:].
+void set_mark_question(MenuMark (*question)(NSMenuItem*));
+MenuMark mark_of(NSMenuItem* item);
 
 // See +[NSMenu setEscapeQuestion:].
 void set_escape_question(BOOL (*question)());

@@ -5,6 +5,7 @@
 namespace {
 
 BOOL (*heading_question)(NSMenuItem*);
+MenuMark (*mark_question)(NSMenuItem*);
 BOOL (*escape_question)();
 
 bool only_heads_submenu(NSMenuItem* item) {
@@ -113,6 +114,10 @@ bool can_pick(NSMenuItem* item) {
 }
 
 void set_heading_question(BOOL (*question)(NSMenuItem*)) { heading_question = question; }
+
+void set_mark_question(MenuMark (*question)(NSMenuItem*)) { mark_question = question; }
+
+MenuMark mark_of(NSMenuItem* item) { return mark_question ? mark_question(item) : menu_mark_none; }
 
 void set_escape_question(BOOL (*question)()) { escape_question = question; }
 

@@ -5,6 +5,7 @@
 
 #include "look/image_questions.h"
 #include "look/menu_text.h"
+#include "menus/menu_items.h"
 
 namespace {
 
@@ -114,6 +115,37 @@ void paint_highlight(cairo_t* cairo, const MenuScene& scene, const MenuRow& row,
     cairo_fill(cairo);
 }
 
+// Over the lower right corner of an image.
+void paint_emblem(cairo_t* cairo, const MenuScene& scene, NSImage* emblem, double right,
+                  double bottom) {
+    if (!emblem) return;
+    const MenuLook& look = scene.layout->look();
+    const int side = look.image_side * 5 / 8, overhang = 2 * look.hairline;
+    cairo_surface_t* surface = scene.images->surface(emblem, side, side);
+    if (!surface) return;
+    cairo_set_source_surface(cairo, surface, right - side + overhang, bottom - side + overhang);
+    cairo_paint(cairo);
+}
+
+// A ribbon over the lower right corner of an image.
+void paint_bookmark(cairo_t* cairo, const MenuScene& scene, double right, double bottom) {
+    const MenuLook& look = scene.layout->look();
+    const double width = std::round(look.image_side * 0.44), height = std::round(width * 1.3);
+    const double x = right - width + look.hairline, y = bottom - height + look.hairline;
+    cairo_move_to(cairo, x, y);
+    cairo_line_to(cairo, x + width, y);
+    cairo_line_to(cairo, x + width, y + height);
+    cairo_line_to(cairo, x + width / 2, y + height * 0.72);
+    cairo_line_to(cairo, x, y + height);
+    cairo_close_path(cairo);
+    set_color(cairo, look.palette->panel);
+    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
+    cairo_set_line_width(cairo, 2 * look.hairline);
+    cairo_stroke_preserve(cairo);
+    set_color(cairo, look.palette->bookmark);
+    cairo_fill(cairo);
+}
+
 void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y, double alpha) {
     NSImage* image = [row.item image];
     if (!image) return;
@@ -125,6 +157,12 @@ void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
     const double left = placed(scene, scene.layout->image_left() + (column - width) / 2, width);
     cairo_set_source_surface(cairo, surface, left, y + (row.height - int(size.height)) / 2);
     cairo_paint_with_alpha(cairo, alpha);
+    if (row.kind != title_row) return;
+    const double right = left + size.width, bottom = y + (row.height + int(size.height)) / 2;
+    const MenuMark mark = mark_of(row.item);
+    if (mark == menu_mark_bookmark) paint_bookmark(cairo, scene, right, bottom);
+    NSImage* emblem = mark == menu_mark_link ? [image emblemOfLinks] : [image emblem];
+    paint_emblem(cairo, scene, emblem, right, bottom);
 }
 
 void paint_title(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,

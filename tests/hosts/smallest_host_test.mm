@@ -1,15 +1,22 @@
 // The smallest host of the plug-in: an example for a new one, and a test of all that a host needs.
+#include <host/forced_preferences.h>
 #include <host/menu_tracking.h>
 #include <gtest/gtest.h>
 
 #include "finderkit/context_menu.h"
 #include "finderkit/file_operations.h"
 #include "finderkit/finder_events.h"
+#include "finderkit/item_marks.h"
 #include "finderkit/plug_in.h"
+#include "finderkit/settings_file.h"
 #include "operations/engine.h"
 #include "operations_ui/operation_window.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
+
+#include <unistd.h>
+
+#include <map>
 
 // The delegate of the contextual menu. It is called several times for one popup, and fills the menu
 // the first time; files that are set before the popup are ignored.
@@ -65,6 +72,7 @@ void pop_up_menu(const std::vector<std::string>& files, NSEvent* event, NSView* 
 @interface RowReader : NSObject <MenuTracker> {
   @public
     std::vector<std::string> rows;
+    std::map<std::string, MenuMark> marks;
 }
 @end
 
@@ -72,7 +80,9 @@ void pop_up_menu(const std::vector<std::string>& files, NSEvent* event, NSView* 
 
 - (void)readMenu:(NSMenu*)menu {
     for (NSMenuItem* item in [MenuSession visibleItemsOfMenu:menu withModifiers:0]) {
-        if (![item isSeparatorItem]) rows.push_back([[item title] UTF8String]);
+        if ([item isSeparatorItem]) continue;
+        rows.push_back([[item title] UTF8String]);
+        marks[[[item title] UTF8String]] = mark_of_item(item);
     }
 }
 
@@ -84,20 +94,25 @@ void pop_up_menu(const std::vector<std::string>& files, NSEvent* event, NSView* 
     [session open];
     NSMenu* root = [session rootMenu];
     [self readMenu:root];
-    [session openSubmenuOfItem:[root itemAtIndex:0]];
+    NSMenuItem* papers = static_cast<NSMenuItem*>([root itemWithTitle:@"Papers"]);
+    [session openSubmenuOfItem:papers];
     if ([[session levels] count] > 1) [self readMenu:[[session levels] objectAtIndex:1]];
     [session close];
 }
 
 @end
 
+static void expect_started() {
+    static std::string problem;
+    static const bool started = (test::start_application(), start_host(&problem));
+    ASSERT_TRUE(started) << problem;
+}
+
 TEST(SmallestHost, ShowsTheFilesOfAFolderAboveItsOwnRow) {
-    test::start_application();
+    expect_started();
     test::TempFolder folder;
     folder.folder("Papers");
     folder.file("Papers/letter.txt", "text");
-    std::string problem;
-    ASSERT_TRUE(start_host(&problem)) << problem;
 
     RowReader* reader = [[RowReader new] autorelease];
     [NSMenu setContextMenuTracker:reader];
@@ -108,4 +123,31 @@ TEST(SmallestHost, ShowsTheFilesOfAFolderAboveItsOwnRow) {
     EXPECT_EQ(reader->rows[0], "Papers");
     EXPECT_EQ(reader->rows[1], "A row of the host");
     EXPECT_EQ(reader->rows.back(), "letter.txt");
+}
+
+TEST(SmallestHost, MarksTheUsersFoldersAndLinks) {
+    expect_started();
+    test::TempFolder folder;
+    folder.folder("Papers/plain folder");
+    folder.folder("Chosen");
+    folder.file("Papers/letter.txt", "text");
+    ASSERT_EQ(symlink(folder.path("Chosen").c_str(), folder.path("Papers/to folder").c_str()), 0);
+    ASSERT_EQ(symlink("letter.txt", folder.path("Papers/to file").c_str()), 0);
+    NSArray* chosen = @[ [NSString stringWithUTF8String:folder.path("Chosen").c_str()] ];
+    force_preference(CFSTR("folders"), chosen, (CFStringRef) @(settings_domain));
+
+    RowReader* reader = [[RowReader new] autorelease];
+    [NSMenu setContextMenuTracker:reader];
+    pop_up_menu({folder.path("Papers")}, nil, nil);
+    [NSMenu setContextMenuTracker:nil];
+    force_preference(CFSTR("folders"), nullptr, (CFStringRef) @(settings_domain));
+
+    const std::map<std::string, MenuMark> expected = {{"Chosen", menu_mark_bookmark},
+                                                      {"Papers", menu_mark_none},
+                                                      {"A row of the host", menu_mark_none},
+                                                      {"plain folder", menu_mark_none},
+                                                      {"to folder", menu_mark_link},
+                                                      {"letter.txt", menu_mark_none},
+                                                      {"to file", menu_mark_link}};
+    EXPECT_EQ(reader->marks, expected);
 }

@@ -22,19 +22,22 @@ class Icons : public testing::Test {
         test::start_application();
         const std::string data = getenv("XDG_DATA_HOME"), config = getenv("XDG_CONFIG_HOME");
         const std::string theme = data + "/icons/Plain";
-        ASSERT_EQ(
-            system(("mkdir -p '" + theme + "/16' '" + theme + "/wrong' '" + theme + "/any' '" +
-                    config + "/gtk-3.0' '" + std::string(getenv("HOME")) + "/Desktop'")
-                       .c_str()),
-            0);
+        ASSERT_EQ(system(("mkdir -p '" + theme + "/16' '" + theme + "/wrong' '" + theme +
+                          "/any' '" + theme + "/marks' '" + config + "/gtk-3.0' '" +
+                          std::string(getenv("HOME")) + "/Desktop'")
+                             .c_str()),
+                  0);
         write(theme + "/index.theme",
-              "[Icon Theme]\nName=Plain\nInherits=hicolor\nDirectories=wrong,16,any\n"
+              "[Icon Theme]\nName=Plain\nInherits=hicolor\nDirectories=wrong,16,any,marks\n"
               "[wrong]\nSize=4294967312\nContext=MimeTypes\nType=Fixed\n"
+              "[marks]\nSize=16\nContext=Emblems\nType=Fixed\n"
               "[16]\nSize=16\nContext=MimeTypes\nType=Fixed\n"
               "[any]\nSize=48\nMinSize=17\nMaxSize=256\nContext=MimeTypes\nType=Scalable\n");
         write(config + "/gtk-3.0/settings.ini", "[Settings]\ngtk-icon-theme-name=Plain\n");
         picture(theme + "/16/text-x-generic.svg", "#000001");
         picture(theme + "/wrong/text-x-generic.svg", "#0000ff");
+        picture(theme + "/marks/emblem-unreadable.svg", "#00000c");
+        picture(theme + "/marks/emblem-symbolic-link.svg", "#00000d");
         picture(theme + "/any/text-x-generic.svg", "#000002");
         picture(theme + "/any/folder.svg", "#000003");
         picture(theme + "/any/user-home.svg", "#000004");
@@ -128,6 +131,24 @@ TEST_F(Icons, ALinkLooksLikeItsTarget) {
     EXPECT_EQ(number(icon(folder.link("link", folder.folder("target"))), 32), 3);
     EXPECT_EQ(number(icon(folder.link("dangling", "nowhere")), 32), 2);
     EXPECT_EQ(number(icon(folder.link("loop", "loop")), 32), 2);
+}
+
+TEST_F(Icons, ALinkHasAnEmblemAndABrokenOneAnother) {
+    test::TempFolder folder;
+    folder.folder("there");
+    ASSERT_EQ(symlink("there", folder.path("link").c_str()), 0);
+    ASSERT_EQ(symlink("nowhere", folder.path("broken").c_str()), 0);
+    const auto emblem = [&](const std::string& name) {
+        NSString* path = [NSString stringWithUTF8String:folder.path(name).c_str()];
+        return [[[NSWorkspace sharedWorkspace] iconForFile:path] emblem];
+    };
+    EXPECT_EQ(emblem("there"), nil);
+    EXPECT_EQ(emblem("missing"), nil);
+    ASSERT_NE(emblem("link"), nil);
+    EXPECT_EQ(emblem("link/"), emblem("link"));
+    ASSERT_NE(emblem("broken"), nil);
+    EXPECT_NE(emblem("broken"), emblem("link"));
+    EXPECT_NE([[emblem("broken") representations] count], 0u);
 }
 
 TEST_F(Icons, AnEntryOfTheDesktopsOwnNamesItsIcon) {

@@ -60,6 +60,13 @@
 - (void)close;
 @end
 
+// What a small picture over an item's image says.
+enum MenuMark {
+    menu_mark_none,
+    menu_mark_bookmark,  // a place that the user has chosen to be in every menu
+    menu_mark_link,      // the item was a link, and stands for what the link leads to
+};
+
 // Shows or walks one popped-up menu, from -open to -close, and returns when it is over. The action
 // of the pick is sent after that, before the popup returns.
 @protocol MenuTracker
@@ -76,6 +83,8 @@
 // A host's answer for items that have both an action and a submenu: whether an item only heads its
 // submenu. A pick of such an item opens its submenu instead. Null: no item only heads its submenu.
 + (void)setHeadingQuestion:(BOOL (*)(NSMenuItem*))question;
+// A host's answer for items that are drawn: which mark the item's image gets. Null: none.
++ (void)setMarkQuestion:(MenuMark (*)(NSMenuItem*))question;
 // A host's answer, asked at each Escape: whether Escape closes the deepest level alone, and only a
 // second Escape the whole menu. Null: Escape closes the whole menu.
 + (void)setEscapeQuestion:(BOOL (*)())question;

@@ -1,0 +1,92 @@
+#include "finderkit/item_marks.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <sys/stat.h>
+
+#include "finderkit/plug_in_items.h"
+#include "finderkit/settings_file.h"
+
+namespace {
+
+// Autoreleased; nil if it is not set.
+id value_of(const char* setting) {
+    const void* stored =
+        CFPreferencesCopyAppValue((CFStringRef) @(setting), (CFStringRef) @(settings_domain));
+    return [static_cast<id>(const_cast<void*>(stored)) autorelease];
+}
+
+// The paths of the setting "folders".
+NSArray* user_folders() {
+    NSArray* folders = value_of("folders");
+    return [folders isKindOfClass:[NSArray class]] ? folders : nil;
+}
+
+// The user's folders are above the selection, or below it if it is set so.
+bool are_below_selection() {
+    id order = value_of("custom_folder_order");
+    return [order respondsToSelector:@selector(intValue)] && [order intValue] == 0;
+}
+
+// The item's path without a slash at its end, which the paths of folders have.
+NSString* plain_path(NSMenuItem* item) {
+    NSString* path = path_of_item(item);
+    const bool is_longer = [path length] > 1 && [path hasSuffix:@"/"];
+    return is_longer ? [path substringToIndex:[path length] - 1] : path;
+}
+
+// Whether another item of the menu with this path is farther from the selection, so that the item
+// itself is the selection's.
+bool is_shadowed(NSMenuItem* item, NSString* path) {
+    bool is_after = false;
+    for (NSMenuItem* other in [[item menu] itemArray]) {
+        if (other == item) {
+            is_after = true;
+            continue;
+        }
+        const bool is_farther = is_after == are_below_selection();
+        if (is_farther && [plain_path(other) isEqual:path]) return true;
+    }
+    return false;
+}
+
+bool is_user_folder(NSMenuItem* item) {
+    NSArray* folders = user_folders();
+    NSString* path = [folders count] ? plain_path(item) : nil;
+    if (!path) return false;
+    const bool is_listed = [folders containsObject:path] ||
+                           [folders containsObject:[path stringByAppendingString:@"/"]];
+    return is_listed && !is_shadowed(item, path);
+}
+
+// The item whose submenu is open as the level `menu`; nil for the first level.
+NSMenuItem* parent_of(NSMenu* menu) {
+    MenuSession* session = [MenuSession current];
+    NSArray* levels = [session levels];
+    const NSUInteger depth = [levels indexOfObjectIdenticalTo:menu];
+    if (depth == NSNotFound || depth == 0) return nil;
+    NSMenuItem* item = [session highlightedItemOfMenu:[levels objectAtIndex:depth - 1]];
+    return [item submenu] == menu ? item : nil;
+}
+
+bool is_link(NSMenuItem* item) {
+    NSMenuItem* parent = parent_of([item menu]);
+    NSString* folder = parent && stands_for_file(parent) ? path_of_item(parent) : nil;
+    NSString* path = [folder hasSuffix:@"/"] ? plain_path(item) : nil;
+    NSString* name = path ? [NSString stringWithUTF8String:name_of_item(item)] : nil;
+    if (!name) return false;
+    NSString* place = [folder stringByAppendingString:name];
+    struct stat entry;
+    return ![place isEqual:path] && lstat([place fileSystemRepresentation], &entry) == 0 &&
+           S_ISLNK(entry.st_mode);
+}
+
+}  // namespace
+
+MenuMark mark_of_item(NSMenuItem* item) {
+    if (!stands_for_file(item)) return menu_mark_none;
+    if ([item menu] == [[MenuSession current] rootMenu]) {
+        return is_user_folder(item) ? menu_mark_bookmark : menu_mark_none;
+    }
+    return is_link(item) ? menu_mark_link : menu_mark_none;
+}
