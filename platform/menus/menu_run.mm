@@ -126,6 +126,7 @@ void MenuRun::open(NSEvent* event) {
     keyboard_.ask_modifiers();
     [session_ open];
     synchronize();
+    pointer_.note_shown();
 }
 
 // The server's idea of the pointer is old when the pointer is over no X window.

@@ -15,6 +15,8 @@ class PointerTracker {
 
     // Begins the popup at the place of `event`, or at the pointer for nil.
     void begin(NSEvent* event, const Pointer& pointer);
+    // The menu is on the screen. Filling it may have taken long, and that is not the user's time.
+    void note_shown();
     // True when the pointer has taken the lead from the keys. Events that are not of the pointer do
     // nothing.
     bool handle(NSEvent* event);
@@ -44,7 +46,8 @@ class PointerTracker {
 
     void input(TrackingInput input);
     void apply(TrackingEffect effect);
-    TrackingInput release_input() const;
+    TrackingInput release_input(NSEvent* event) const;
+    bool is_held(NSEvent* release) const;
     bool move(NSEvent* event);
     bool press(NSEvent* event);
     bool release(NSEvent* event);
@@ -61,5 +64,6 @@ class PointerTracker {
     MenuPoint origin_ = {}, place_ = {};
     bool button_down_ = false, armed_ = false, moved_ = false;
     unsigned buttons_ = 0;  // whose release is ours: see Pointer
-    double opened_ = 0;
+    double pressed_ = 0;    // when, by the event that opened the menu; 0 if it does not say
+    double shown_ = 0;
 };

@@ -162,6 +162,11 @@ Area FileManager::settled_area(const std::string& question) const {
     return area;
 }
 
+std::string FileManager::situation() const {
+    return "windows:\n" + ask("windows") + "question: " + ask("alert") + "\nits methods:\n" +
+           ask("doing") + "its messages:\n" + read_file(errors_);
+}
+
 Lines FileManager::messages() const {
     static const std::regex variable_parts("^[-0-9]+ [:.0-9]+ |\\[[0-9]+:[0-9]+\\]");
     static const std::regex about_bundles("user defined AppKit bundles|Loaded '.*\\.bundle'");

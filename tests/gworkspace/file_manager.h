@@ -41,6 +41,8 @@ class FileManager {
     bool is_running();
     // How GWorkspace ended, and its messages, once it has ended.
     std::string account();
+    // What it shows, does and has said, for the message of a test that fails.
+    std::string situation() const;
     // What GWorkspace and the programs that it starts have written to standard error, without
     // times, process numbers and GNUstep's own lines about bundles.
     Lines messages() const;

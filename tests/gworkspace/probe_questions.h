@@ -23,6 +23,7 @@
 //   idle                  "yes" when no panel waits for an answer
 //   take_at_start PATH    a file of this name comes to be when GWorkspace's next operation begins
 //   quit                  as from the main menu
+//   doing                 the methods in progress, the innermost first
 //   memory                bytes that are allocated
 #pragma once
 

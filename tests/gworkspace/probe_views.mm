@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "gworkspace/probe_questions.h"
+#include "gworkspace/probe_stack.h"
 #include "gworkspace/settled_windows.h"
 
 // GWorkspace's own classes, by name.
@@ -323,6 +324,8 @@ bool answer_about_views(const std::string& question, const std::string& words,
         take_name_at_start(words);
     } else if (question == "quit") {
         [NSApp performSelector:@selector(terminate:) withObject:nil afterDelay:0];
+    } else if (question == "doing") {
+        *answer = methods_in_progress();
     } else if (question == "memory") {
         *answer = allocated();
     } else {

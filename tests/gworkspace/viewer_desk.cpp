@@ -101,7 +101,7 @@ void ViewerDesk::select(const std::string& kind, const Lines& paths) {
 void ViewerDesk::right_click(const Area& area) {
     move_to(area);
     input_.click(3);
-    EXPECT_TRUE(wait_until([&] { return is_open(0); })) << "no menu";
+    EXPECT_TRUE(wait_until([&] { return is_open(0); })) << "no menu\n" << manager().situation();
 }
 
 void ViewerDesk::close_menu() {

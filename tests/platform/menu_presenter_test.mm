@@ -1,5 +1,7 @@
 #include <host/menu_picture.h>
+#include <unistd.h>
 
+#include "platform/events/pointer_window.h"
 #include "platform/presenter.h"
 #include "support/right_click.h"
 #include "support/temp_folder.h"
@@ -42,6 +44,40 @@ TEST_F(Presenter, AQuickReleaseOverTheMenuPicksNothing) {
     run();
     EXPECT_TRUE(stayed);
     EXPECT_EQ(log().find("pick"), std::string::npos);
+}
+
+// A menu of a slow disk.
+@interface SlowMenu : NSObject
+@end
+
+@implementation SlowMenu
+- (void)menuNeedsUpdate:(NSMenu*)menu {
+    (void)menu;
+    usleep(800000);
+}
+@end
+
+// The program sees the release late, but the click was quick.
+TEST_F(Presenter, AQuickClickOpensAMenuForGoodThatFillsSlowly) {
+    SlowMenu* slow = [[SlowMenu new] autorelease];
+    [root_ setDelegate:(id)slow];
+    PointerWindow* window = [[PointerWindow new] autorelease];
+    [[[window window] contentView] setMenu:root_];
+    script_.input.move(110, 110);
+    script_.input.click_of(3, 150);
+    bool stayed = false;
+    const auto is_sticky = [] {
+        const MenuRun* run = MenuRun::current();
+        return run && run->state() == state_sticky;
+    };
+    test::Steps()
+        .when("sticky", is_sticky,
+              [&] {
+                  stayed = true;
+                  key("Escape");
+              })
+        .run();
+    EXPECT_TRUE(stayed);
 }
 
 TEST_F(Presenter, ADragThatEndsOutsideCloses) {

@@ -26,18 +26,31 @@ void XInput::move(int x, int y) {
     XSync(display_, False);
 }
 
-void XInput::fake_button(int button, bool down) {
+void XInput::fake_button(int button, bool down, unsigned long delay) {
     held_buttons_ = down ? held_buttons_ | 1u << button : held_buttons_ & ~(1u << button);
-    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), down, CurrentTime);
+    XTestFakeButtonEvent(display_, static_cast<unsigned>(button), down, delay);
+}
+
+void XInput::press(int button) {
+    fake_button(button, true);
     XSync(display_, False);
 }
 
-void XInput::press(int button) { fake_button(button, true); }
-void XInput::release(int button) { fake_button(button, false); }
+void XInput::release(int button) {
+    fake_button(button, false);
+    XSync(display_, False);
+}
 
 void XInput::click(int button) {
-    press(button);
-    release(button);
+    fake_button(button, true);
+    fake_button(button, false);
+    XSync(display_, False);
+}
+
+void XInput::click_of(int button, unsigned milliseconds) {
+    fake_button(button, true);
+    fake_button(button, false, milliseconds);
+    XFlush(display_);
 }
 
 unsigned XInput::code(const std::string& name) {

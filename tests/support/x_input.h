@@ -19,7 +19,11 @@ class XInput {
     // Button 1 left, 2 middle, 3 right, 4 and 5 the wheel.
     void press(int button);
     void release(int button);
+    // Press and release reach the server together: however busy the machine is, it is a quick
+    // click.
     void click(int button);
+    // The server itself waits before the release; the call does not.
+    void click_of(int button, unsigned milliseconds);
     // Keys by X name, for example "Shift_L", "Escape", "a"; or by their position.
     void key_down(const std::string& name);
     void key_up(const std::string& name);
@@ -47,7 +51,7 @@ class XInput {
   private:
     unsigned code(const std::string& name);
     void fake_key(const std::string& name, bool down);
-    void fake_button(int button, bool down);
+    void fake_button(int button, bool down, unsigned long delay = 0);
     _XDisplay* display_;
     std::string held_keys_;
     unsigned held_buttons_ = 0;

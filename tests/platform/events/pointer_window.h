@@ -1,4 +1,5 @@
-// A window at the upper left of the screen that records the pointer events it gets. Main thread.
+// A window at the upper left of the screen that records the pointer events it gets, and shows the
+// menu of its view, if that has one. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>

@@ -26,6 +26,7 @@
 }
 - (void)rightMouseDown:(NSEvent*)event {
     [self note:"right down" event:event];
+    if ([self menu]) [NSMenu popUpContextMenu:[self menu] withEvent:event forView:self];
 }
 - (void)rightMouseUp:(NSEvent*)event {
     [self note:"right up" event:event];
