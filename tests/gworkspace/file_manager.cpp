@@ -129,13 +129,15 @@ std::string FileManager::ask(const std::string& question) const {
     snprintf(address.sun_path, sizeof address.sun_path, "%s", socket_.c_str());
     const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     // GWorkspace may be busy or gone.
-    const timeval patience = {5, 0};
+    const timeval patience = {60, 0};
     setsockopt(connection, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
     std::string answer;
     if (connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0) {
         send(connection, question.data(), question.size(), MSG_NOSIGNAL);
         char buffer[4096];
-        for (ssize_t length; (length = read(connection, buffer, sizeof buffer)) > 0;) {
+        const auto next = [&] { return read(connection, buffer, sizeof buffer); };
+        // The time limit lets a stop of this program end the call.
+        for (ssize_t length; (length = TEMP_FAILURE_RETRY(next())) > 0;) {
             answer.append(buffer, static_cast<size_t>(length));
         }
     }
