@@ -16,6 +16,7 @@
 #include "gworkspace/presses.h"
 #include "gworkspace/type_selection.h"
 #include "file_steps/visible_text.h"
+#include "x11/input_grab.h"
 
 // When GNUstep loads bundles, the display server is not connected yet; the rest of the setup waits
 // for the end of the launch.
@@ -52,6 +53,7 @@ std::string own_folder() {
     watch_applications();
     open_files_with_gworkspace();
     offer_gworkspace_operations();
+    set_mouse_up();
     take_menu_presses();
     end_type_selections();
     (void)notification;

@@ -3,6 +3,11 @@
 
 #include <AppKit/AppKit.h>
 
+// GNUstep sets the mouse up at the first press, and handles the events that come meanwhile before
+// that press: a quick click loses its release. So the mouse is set up before. Later calls do
+// nothing.
+void set_mouse_up();
+
 // Holds pointer and keyboard for a window from take() until it dies or release() is sent.
 class InputGrab {
   public:

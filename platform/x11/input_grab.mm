@@ -14,10 +14,6 @@
 - (void)ximFocusICWindow:(void*)device;
 @end
 
-namespace {
-
-// GNUstep sets the mouse up at the first press, and first handles the events that come during the
-// setup: a quick click would arrive with its release before its press.
 void set_mouse_up() {
     static bool done;
     id server = GSCurrentServer();
@@ -26,6 +22,8 @@ void set_mouse_up() {
     }
     done = true;
 }
+
+namespace {
 
 IMP stock_set_focus, stock_lookup, stock_deactivate;
 bool keeps_focus, holds_keyboard, was_deactivated;

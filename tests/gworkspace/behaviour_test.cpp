@@ -31,12 +31,6 @@ class Behaviour : public testing::Test {
         hand_.click(1);
     }
 
-    // GNUstep loses the release of the first click that it gets.
-    void wake(FileManager& manager) {
-        click_on_nothing(manager);
-        manager.ask("show icons");
-    }
-
     Area item(FileManager& manager, const std::string& name) {
         const Area area = manager.settled_area("item icons " + folder_.path(name));
         EXPECT_TRUE(static_cast<bool>(area)) << name;
@@ -78,7 +72,7 @@ class Behaviour : public testing::Test {
     // Does the same work in GWorkspace and returns its messages on standard error.
     Lines messages_of_a_session(bool with_delvio) {
         FileManager manager(folder_.path(), with_delvio);
-        wake(manager);
+        if (!with_delvio) manager.ask("set_mouse_up");
         for (const char* form : {"browser", "list", "icons"})
             manager.ask(std::string("show ") + form);
         const Area area = item(manager, "other.txt");
@@ -115,7 +109,7 @@ std::set<std::string> kinds_of(const Lines& messages) {
 
 TEST_F(Behaviour, AFileDraggedOntoAFolderMoves) {
     FileManager manager(folder_.path());
-    wake(manager);
+    manager.ask("show icons");
     drag_until_asked(manager, "dragged.txt", "target", "Move one item from");
     EXPECT_TRUE(wait_until([&] { return fs::exists(folder_.path("target/dragged.txt")); }));
     EXPECT_TRUE(wait_until([&] { return !fs::exists(folder_.path("dragged.txt")); }));
@@ -123,16 +117,28 @@ TEST_F(Behaviour, AFileDraggedOntoAFolderMoves) {
 
 TEST_F(Behaviour, AFileDraggedWithControlMakesALink) {
     FileManager manager(folder_.path());
-    wake(manager);
+    manager.ask("show icons");
     hand_.key_down("Control_L");
     drag_until_asked(manager, "dragged.txt", "target", "Link one item from");
     EXPECT_TRUE(wait_until([&] { return fs::is_symlink(folder_.path("target/dragged.txt")); }));
     EXPECT_TRUE(fs::exists(folder_.path("dragged.txt")));
 }
 
+TEST_F(Behaviour, TheFirstClickOfAllIsAWholeClick) {
+    FileManager manager(folder_.path());
+    manager.ask("show icons");
+    const Area area = item(manager, "other.txt");
+    hand_.move(area.x(), area.y());
+    hand_.click(1);
+    hand_.click(3);  // the menu waits for the release of the first click
+    EXPECT_TRUE(wait_until([&] { return manager.ask("menus") == "1"; })) << manager.situation();
+    hand_.key("Escape");
+    EXPECT_TRUE(wait_until([&] { return manager.ask("menus") == "0"; }));
+}
+
 TEST_F(Behaviour, QuitFromTheMenuEndsIt) {
     FileManager manager(folder_.path());
-    wake(manager);
+    manager.ask("show icons");
     hand_.move(30, 252);  // the main menu is in the corner of the screen
     hand_.click(1);
     EXPECT_TRUE(wait_until([&] { return !manager.is_running(); }));

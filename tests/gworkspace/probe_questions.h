@@ -20,6 +20,7 @@
 //   alert                 the text of the panel that waits for an answer
 //   question              the same once the panel has the keyboard
 //   covering              the titles of the windows that stand over it
+//   set_mouse_up          GNUstep without Delvio loses the release of the first click otherwise
 //   idle                  "yes" when no panel waits for an answer
 //   take_at_start PATH    a file of this name comes to be when GWorkspace's next operation begins
 //   quit                  as from the main menu

@@ -1,4 +1,5 @@
 #include <AppKit/AppKit.h>
+#include <GNUstepGUI/GSDisplayServer.h>
 
 #include <dlfcn.h>
 #include <malloc.h>
@@ -13,6 +14,7 @@
 
 // GWorkspace's own classes, by name.
 @interface NSObject (ProbedGWorkspace)
+- (void)initializeMouse;
 + (id)gworkspace;
 + (id)desktopManager;
 + (id)nodeWithPath:(NSString*)path;
@@ -318,6 +320,8 @@ bool answer_about_views(const std::string& question, const std::string& words,
         for (NSWindow* window in [NSApp windows]) {
             if (stands_over(window, [NSApp modalWindow])) *answer += text_of([window title]) + "\n";
         }
+    } else if (question == "set_mouse_up") {
+        [GSCurrentServer() initializeMouse];
     } else if (question == "idle") {
         *answer = [NSApp modalWindow] ? "" : "yes";
     } else if (question == "take_at_start") {
