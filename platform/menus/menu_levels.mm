@@ -165,6 +165,7 @@ NSMenuItem* MenuLevels::highlighted_item(size_t index) const {
 NSMenuItem* MenuLevels::parent_item(size_t index) const {
     if (index == 0 || index >= levels_.size()) return nil;
     NSMenu* submenu = levels_[index]->menu();
+    if (NSMenuItem* item = [session_ itemOfStandIn:submenu]) return item;
     NSMenuItem* highlighted = highlighted_item(index - 1);
     if ([highlighted submenu] == submenu) return highlighted;
     for (const MenuRow& row : levels_[index - 1]->layout().rows()) {

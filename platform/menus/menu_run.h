@@ -9,6 +9,7 @@
 #include "menus/menu_levels.h"
 #include "x11/input_grab.h"
 #include "menus/pointer_tracker.h"
+#include "menus/slow_levels.h"
 #include "menus/stage_input.h"
 
 @class MenuRunWatcher;
@@ -31,6 +32,8 @@ class MenuRun {
     void image_changed(NSImage* image);
     // The session changed: by this run, or by somebody while it sleeps.
     void session_changed() { levels_.session_changed(); }
+    // Whether the submenu of an item can be opened now; otherwise this run opens it later.
+    bool may_open(NSMenuItem* item) { return slow_levels_.may_open(item); }
 
     const MenuLevels::List& levels() const { return levels_.all(); }
     const MenuStyle& style() const { return levels_.style(); }
@@ -55,6 +58,7 @@ class MenuRun {
     MenuSession* session_;     // retained
     MenuRunWatcher* watcher_;  // retained
     MenuLevels levels_;
+    SlowLevels slow_levels_;
     PointerTracker pointer_;
     KeyboardTracker keyboard_;
     InputGrab grab_;

@@ -62,6 +62,11 @@ bool is_release(NSEvent* event) {
     _run->session_changed();
 }
 
+- (BOOL)session:(MenuSession*)session canOpenSubmenuOfItem:(NSMenuItem*)item {
+    (void)session;
+    return _run->may_open(item);
+}
+
 - (void)itemDidChange:(NSNotification*)notification {
     _run->menu_changed([notification object]);
 }
@@ -74,6 +79,7 @@ MenuRun::MenuRun(MenuSession* session, NSFont* font)
     : session_([session retain]),
       watcher_([[MenuRunWatcher alloc] initWithRun:this]),
       levels_(session, font),
+      slow_levels_(session),
       pointer_(levels_),
       keyboard_(levels_, pointer_),
       wait_(NSEventTrackingRunLoopMode),
@@ -170,6 +176,7 @@ void MenuRun::handle(NSEvent* event) {
 
 void MenuRun::run_timers() {
     pointer_.run_timers();
+    slow_levels_.run_timer();
     if (keyboard_timer_.is_due()) take_keyboard();
 }
 
@@ -187,7 +194,7 @@ void MenuRun::settle() {
 }
 
 double MenuRun::due() const {
-    return Deadline::earlier(pointer_.due(),
+    return Deadline::earlier(Deadline::earlier(pointer_.due(), slow_levels_.due()),
                              Deadline::earlier(keyboard_timer_.due, restless_timer_.due));
 }
 

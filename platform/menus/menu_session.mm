@@ -99,7 +99,12 @@ NSMutableArray* open_sessions() {
     if (depth == NSNotFound || _ending || !submenu || ![item isEnabled]) return NO;
     [[item retain] autorelease];
     [self highlightItem:item inMenu:menu];
-    if (depth + 1 < [_levels count] && [_levels objectAtIndex:depth + 1] == submenu) return YES;
+    id below = depth + 1 < [_levels count] ? [_levels objectAtIndex:depth + 1] : nil;
+    if (below == submenu) return YES;
+    if (_watcher && ![_watcher session:self canOpenSubmenuOfItem:item]) {
+        if ([self itemOfStandIn:below] != item) [self closeLevelsFrom:depth + 1];
+        return NO;
+    }
     [self closeLevelsFrom:depth + 1];
     // A delegate may have closed the item's own level, or opened this one elsewhere.
     if ([_levels count] != depth + 1 || [_levels lastObject] != menu) return NO;
@@ -182,6 +187,7 @@ NSMutableArray* open_sessions() {
         NSMenu* menu = [[[_levels lastObject] retain] autorelease];
         [_levels removeLastObject];
         [_highlights removeLastObject];
+        if (menu == _standIn) _standIn = nil;
         [self changed];
         id delegate = [menu delegate];
         @try {
@@ -203,6 +209,22 @@ NSMutableArray* open_sessions() {
 
 - (void)setWatcher:(id<MenuSessionWatcher>)watcher {
     _watcher = watcher;
+}
+
+- (void)openStandIn:(NSMenu*)menu forItem:(NSMenuItem*)item {
+    const NSUInteger depth = [self depthOfMenu:[item menu]];
+    if (depth == NSNotFound || _ending) return;
+    [self closeLevelsFrom:depth + 1];
+    if ([_levels count] != depth + 1) return;
+    _standIn = menu;
+    _standInItem = item;
+    [_levels addObject:menu];
+    [_highlights addObject:[NSNull null]];
+    [self changed];
+}
+
+- (NSMenuItem*)itemOfStandIn:(NSMenu*)menu {
+    return menu && menu == _standIn ? _standInItem : nil;
 }
 
 - (void)performPick {

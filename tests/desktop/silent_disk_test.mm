@@ -221,6 +221,71 @@ TEST_F(SilentDisk, WhenItAnswersAgainItsFilesHaveTheirHoverWindowAgain) {
     EXPECT_TRUE(shown);
 }
 
+// Its first opening comes while it is silent.
+class SilentLevel : public SilentDisk {
+  protected:
+    // Runs a popup in which the pointer rests on the disk's row only when the disk is silent.
+    void in_silence_from_the_start(const std::function<void(Steps&)>& then) {
+        Rescue rescue(server);
+        pop_up([&](Steps& steps) {
+            steps
+                .when(
+                    "the menu", [this] { return is_open(0); },
+                    [this] {
+                        stop();
+                        hover("disk");
+                    })
+                .when("the row that stands for the others",
+                      [this] { return titles(1) == Titles({"Loading..."}); });
+            then(steps);
+        });
+        EXPECT_FALSE(rescue.end()) << "the menu has waited for the disk";
+        input().let_go();
+    }
+};
+
+TEST_F(SilentLevel, ItsRowsComeWhenTheyComeAndUntilThenARowSaysHowItIs) {
+    const Titles rows = {"a.txt", "b.txt", "c.txt"};
+    bool is_enabled = true;
+    std::string other;
+    in_silence_from_the_start([&](Steps& steps) {
+        steps
+            .when(
+                "the other rows", [] { return true; },
+                [&] {
+                    is_enabled = [item("Loading...") isEnabled];
+                    hover("Open");
+                })
+            .when(
+                "another row", [this] { return highlighted(0) == "Open" && !is_open(1); },
+                [&] {
+                    other = highlighted(0);
+                    hover("disk");
+                })
+            .when("the row again", [this] { return titles(1) == Titles({"Loading..."}); })
+            .when(
+                "the end of patience", [this] { return titles(1) == Titles({"Not responding"}); },
+                [] { go_on(); })
+            .when(
+                "the rows", [&] { return titles(1) == rows; }, [this] { escape(); });
+    });
+    EXPECT_FALSE(is_enabled);
+    EXPECT_EQ(other, "Open");
+}
+
+TEST_F(SilentLevel, EscapeClosesTheMenuWhileItIsSilent) {
+    bool is_loading = false;
+    in_silence_from_the_start([&](Steps& steps) {
+        steps.when(
+            "the time to escape", [] { return true; },
+            [&] {
+                is_loading = titles(1) == Titles({"Loading..."});
+                escape();
+            });
+    });
+    EXPECT_TRUE(is_loading);
+}
+
 // The stock answer, however long it takes.
 TEST_F(SilentDisk, WithoutAMenuTheAnswerIsWaitedFor) {
     stop();

@@ -19,7 +19,9 @@
     NSMenu* _root;
     NSMenuItem* _pick;
     NSMenu* _pickMenu;
-    id _watcher;  // not retained
+    NSMenu* _standIn;          // not retained: a level, or nothing
+    NSMenuItem* _standInItem;  // not retained, as its menu is a level
+    id _watcher;               // not retained
     BOOL _ending;
 }
 - (instancetype)initWithMenu:(NSMenu*)menu;
@@ -43,8 +45,9 @@
 // disabled item highlights nothing.
 - (void)highlightItem:(NSMenuItem*)item inMenu:(NSMenu*)menu;
 // Highlights the item, closes the levels after the item's own, and opens the item's submenu there.
-// A submenu that is open already stays as it is. NO when the item has no submenu or is disabled, or
-// when its menu is not open.
+// A submenu that is open already stays as it is. NO when the item has no submenu or is disabled,
+// when its menu is not open, or when the tracker opens the submenu later because its disk has not
+// answered yet.
 - (BOOL)openSubmenuOfItem:(NSMenuItem*)item;
 // Closes the levels deeper than `menu`.
 - (void)closeLevelsBelowMenu:(NSMenu*)menu;
