@@ -10,7 +10,7 @@
 #include "x11/input_grab.h"
 #include "menus/pointer_tracker.h"
 #include "menus/slow_levels.h"
-#include "menus/stage_input.h"
+#include "wayland/stage_input.h"
 
 @class MenuRunWatcher;
 

@@ -1,4 +1,4 @@
-#include "menus/stage_events.h"
+#include "wayland/stage_events.h"
 
 #include <host/modifier_keys.h>
 

@@ -1,6 +1,6 @@
-#include "menus/stage_input.h"
+#include "wayland/stage_input.h"
 
-#include "menus/stage_events.h"
+#include "wayland/stage_events.h"
 #include "x11/toolkit_display.h"
 
 // Xlib's headers come after AppKit's, as some of their names are the same.
