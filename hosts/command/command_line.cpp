@@ -268,6 +268,13 @@ std::string in_users_language(const std::string& problem) {
     return problem;
 }
 
+// A subcommand gets its help flag before it gets the name of the group.
+void group_help_flags(CLI::App* app) {
+    app->get_help_ptr()->group(translated("Options"));
+    for (CLI::App* sub : app->get_subcommands([](CLI::App*) { return true; }))
+        group_help_flags(sub);
+}
+
 CommandLine::Command command_of(const CLI::App& app) {
     if (app.got_subcommand("menu")) return CommandLine::menu;
     if (app.got_subcommand("settings")) return CommandLine::settings;
@@ -304,6 +311,7 @@ CommandLine read_command_line(int argc, char** argv) {
     app.add_subcommand("undo",
                        translated("Undoes the last move, copy or alias that Delvio made itself."));
     try {
+        group_help_flags(&app);
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {
         std::ostringstream text;

@@ -78,8 +78,9 @@ int failed_to_write(const DefaultsFile& file) {
 
 int say(const char* text, NSString* path, NSString* domain) {
     const std::string shown = operations::visible_text([path UTF8String]);
-    printf("%s\n  %s\n  in the list %s of the defaults domain %s\n", text, shown.c_str(),
-           [list_key UTF8String], [domain UTF8String]);
+    const std::string where = translated("in the list %s of the defaults domain %s",
+                                         {[list_key UTF8String], [domain UTF8String]});
+    printf("%s\n  %s\n  %s\n", text, shown.c_str(), where.c_str());
     return exit_done;
 }
 

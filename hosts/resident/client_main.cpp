@@ -44,7 +44,8 @@ bool has_display_of_this_machine() {
 // The bus starts the command for this. It waits until the command ends, or the name is there.
 int have_bus_name_owned(const std::vector<std::string>& arguments, const std::string& program) {
     if (!has_display_of_this_machine()) {
-        fputs("delvio: the session bus has started this without DISPLAY\n", stderr);
+        fprintf(stderr, "delvio: %s\n",
+                translated("the session bus has started this without DISPLAY"));
         return failed;
     }
     return resident::run_by_host(arguments, program).value_or(failed);

@@ -1,5 +1,7 @@
 #include "service/bus_name.h"
 
+#include <host/text.h>
+
 #include <gio/gio.h>
 #include <host/session_bus.h>
 #include <signal.h>
@@ -137,7 +139,7 @@ class BusName::Service {
         } else if (g_str_equal(method, "Activate")) {
             words.push_back(g_get_home_dir());
         } else {
-            problem = "there is no such action";
+            problem = translated("there is no such action");
         }
         if (problem.empty()) problem = self.start_command(words);
         if (problem.empty()) return g_dbus_method_invocation_return_value(invocation, nullptr);
@@ -153,10 +155,10 @@ class BusName::Service {
             g_variant_get_child(addresses.get(), i, "&s", &address);
             const ObjectOwner<GFile> file(g_file_new_for_uri(address));
             const files::TextOwner path(g_file_get_path(file.get()));
-            if (!path) return std::string("this is no local file: ") + address;
+            if (!path) return translated("this is no local file: %s", {address});
             words->push_back(path.get());
         }
-        return count > 0 ? "" : "no file is named";
+        return count > 0 ? "" : translated("no file is named");
     }
 
     // What it shows is nobody's to wait for: it ends by itself, and GLib waits for it.

@@ -64,6 +64,11 @@ TEST(Placement, APanelOpensBelowAndRightOfThePointer) {
     EXPECT_FALSE(area.contains({100, 100}));
 }
 
+TEST(Placement, AMirroredPanelOpensBelowAndLeftOfThePointer) {
+    EXPECT_EQ(place_at_pointer({200, 300}, {500, 100}, screen, 4, on_left).right(), 500);
+    EXPECT_GT(place_at_pointer({200, 300}, {100, 100}, screen, 4, on_left).left, 100);
+}
+
 TEST(Placement, APanelTurnsAwayFromTheEdges) {
     const Area area = place_at_pointer({200, 300}, {990, 790}, screen, 4);
     EXPECT_EQ(area.right(), 990);

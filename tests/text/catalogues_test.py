@@ -190,7 +190,7 @@ def unmarked(text):
     without_literals = re.sub(r'"(?:[^"\\\n]|\\.)*"', lambda found: '"' * len(found[0]), code)
     for found in re.finditer(r'"((?:[^"\\\n]|\\.)*)"', code):
         if is_sentence(found[1]) and call_around(without_literals, found.start()) not in UNTRANSLATED_CALLS:
-            yield found[1]
+            yield found[1].strip()
 
 
 class Literals(unittest.TestCase):

@@ -96,6 +96,7 @@ TEST_F(ResidentStrangers, AnotherAuthorityFileHasAHostOfItsOwn) {
 }
 
 TEST_F(ResidentStrangers, AnotherLocaleHasAHostOfItsOwn) { expect_two_hosts("LC_ALL", "C"); }
+TEST_F(ResidentStrangers, AnotherLanguageHasAHostOfItsOwn) { expect_two_hosts("LANGUAGE", "ar"); }
 
 TEST_F(ResidentStrangers, AnotherHomeFolderHasAHostOfItsOwn) {
     expect_two_hosts("HOME", folder.folder("home"));
