@@ -3,8 +3,13 @@
 
 inline constexpr const char* escape_closes_setting = "escape_closes";
 
+inline constexpr const char* sort_by_language_setting = "sort_by_language";
+
 // Whether Escape closes one level of a menu, and not all.
 bool escape_closes_one_level();
+
+// Whether folders list their names in the order of the user's language.
+bool sorts_by_language();
 
 // From now on the platform asks for these settings.
 void answer_settings();

@@ -1,6 +1,7 @@
 #include "finderkit/asked_settings.h"
 
 #include <host/menu_tracking.h>
+#include <host/name_order.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "finderkit/item_marks.h"
@@ -21,7 +22,13 @@ BOOL closes_one_level() { return escape_closes_one_level(); }
 
 bool escape_closes_one_level() { return [value_of(escape_closes_setting) isEqual:@"level"]; }
 
+bool sorts_by_language() {
+    return CFPreferencesGetAppIntegerValue((CFStringRef) @(sort_by_language_setting),
+                                           (CFStringRef) @(settings_domain), nullptr) != 0;
+}
+
 void answer_settings() {
+    order_names_by_language(sorts_by_language);
     [NSMenu setEscapeQuestion:closes_one_level];
     [NSMenu setMarkQuestion:mark_of_item];
 }

@@ -2,12 +2,19 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <string.h>
 #include <sys/stat.h>
+
+#include <string>
 
 #include "finderkit/plug_in_items.h"
 #include "finderkit/settings_file.h"
 
 namespace {
+
+// The level that folder_of() was asked about; not retained.
+NSMenu* last_menu;
+NSMenuItem* last_parent;
 
 // Autoreleased; nil if it is not set.
 id value_of(const char* setting) {
@@ -69,16 +76,34 @@ NSMenuItem* parent_of(NSMenu* menu) {
     return [item submenu] == menu ? item : nil;
 }
 
+// The folder that the level `menu` shows, with a slash at its end; empty if it shows none. Every
+// row of a level asks. The first level is drawn before any other, and forgets the answer.
+const std::string& folder_of(NSMenu* menu) {
+    static std::string folder;
+    NSMenuItem* parent = parent_of(menu);
+    if (menu == last_menu && parent == last_parent) return folder;
+    last_menu = menu;
+    last_parent = parent;
+    NSString* path = parent && stands_for_file(parent) ? path_of_item(parent) : nil;
+    folder = [path hasSuffix:@"/"] ? [path UTF8String] : "";
+    return folder;
+}
+
+// Whether the file at `path` has this name in the folder.
+bool is_in(const std::string& folder, const char* name, const char* path) {
+    if (strncmp(path, folder.c_str(), folder.size()) != 0) return false;
+    const size_t length = strlen(name);
+    const char* const rest = path + folder.size();
+    return strncmp(rest, name, length) == 0 && (!rest[length] || strcmp(rest + length, "/") == 0);
+}
+
 bool is_link(NSMenuItem* item) {
-    NSMenuItem* parent = parent_of([item menu]);
-    NSString* folder = parent && stands_for_file(parent) ? path_of_item(parent) : nil;
-    NSString* path = [folder hasSuffix:@"/"] ? plain_path(item) : nil;
-    NSString* name = path ? [NSString stringWithUTF8String:name_of_item(item)] : nil;
-    if (!name) return false;
-    NSString* place = [folder stringByAppendingString:name];
+    const std::string& folder = folder_of([item menu]);
+    const char* const path = folder.empty() ? nullptr : [path_of_item(item) UTF8String];
+    const char* const name = path ? name_of_item(item) : nullptr;
+    if (!name || is_in(folder, name, path)) return false;
     struct stat entry;
-    return ![place isEqual:path] && lstat([place fileSystemRepresentation], &entry) == 0 &&
-           S_ISLNK(entry.st_mode);
+    return lstat((folder + name).c_str(), &entry) == 0 && S_ISLNK(entry.st_mode);
 }
 
 }  // namespace
@@ -86,6 +111,7 @@ bool is_link(NSMenuItem* item) {
 MenuMark mark_of_item(NSMenuItem* item) {
     if (!stands_for_file(item)) return menu_mark_none;
     if ([item menu] == [[MenuSession current] rootMenu]) {
+        last_menu = nil;
         return is_user_folder(item) ? menu_mark_bookmark : menu_mark_none;
     }
     return is_link(item) ? menu_mark_link : menu_mark_none;

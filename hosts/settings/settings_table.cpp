@@ -41,6 +41,8 @@ const std::vector<Setting> settings = {
      to_translate(
          "0 by kind with separators, 1 one alphabetical list, 2 by kind without separators")},
     {"intra_sort_order", integer, 0, 0, 3, to_translate("which order the kinds come in")},
+    {sort_by_language_setting, flag, 0, 0, 1,
+     to_translate("1 sorts names as the user's language does, 0 by their bytes")},
     {"show_hidden_files", integer, 0, 0, 3,
      to_translate("0 none, 1 names that begin with a dot, 2 invisible items, 3 both")},
     {"show_package_contents", flag, 0, 0, 1,

@@ -11,7 +11,7 @@
   @private
     NSString* _leaf;      // the path's end; `_fileName` is its beginning, with the slash
     signed char _hidden;  // below 0: not asked yet
-    signed char _link;    // the same; 1 for a link, 2 for one that leads nowhere
+    signed char _link;    // a LinkState, once `_hidden` is known
 }
 - (instancetype)initWithPath:(NSString*)path;
 @end

@@ -75,7 +75,7 @@ NSColor* clear_color() {
     _flags.multipleResolutionMatching = YES;
     _flags.syncLoad = YES;
     _color = [clear_color() retain];
-    _hidden = _link = -1;
+    _hidden = -1;
     if (!path) return self;
     const SplitPath parts = split(path);
     _fileName = [parts.folder copy];
@@ -149,8 +149,15 @@ NSColor* clear_color() {
     return _flags.syncLoad && may_have_untrusted_picture(_leaf);
 }
 
+- (void)askDisk {
+    if (_hidden >= 0) return;
+    const std::string path = path_bytes([self path]);
+    _hidden = files::is_hidden(path);
+    _link = link_state(path);
+}
+
 - (NSImage*)emblem {
-    if (_link < 0) _link = link_state(path_bytes([self path]));
+    [self askDisk];
     return _link == is_broken_link ? broken_link_emblem() : _link ? link_emblem() : nil;
 }
 
@@ -159,7 +166,7 @@ NSColor* clear_color() {
 }
 
 - (BOOL)isOfHiddenFile {
-    if (_hidden < 0) _hidden = files::is_hidden(path_bytes([self path]));
+    [self askDisk];
     return _hidden;
 }
 

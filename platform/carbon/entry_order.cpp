@@ -5,8 +5,11 @@
 #include <algorithm>
 #include <bit>
 #include <numeric>
+#include <string>
+#include <utility>
 
 #include "collation/keys.h"
+#include "collation/language_order.h"
 
 namespace files {
 
@@ -98,6 +101,24 @@ bool is_sorted(const std::vector<uint32_t>& order, const Comparison& compare) {
 }
 
 }  // namespace
+
+std::vector<uint32_t> sort_entries_by_language(dirent** entries, size_t count) {
+    const collation::LanguageOrder language(collation::language_of_names());
+    std::vector<std::pair<std::string, uint32_t>> keyed;
+    keyed.reserve(count);
+    for (size_t i = 0; i < count; i++) {
+        keyed.emplace_back(language.key(entries[i]->d_name), static_cast<uint32_t>(i));
+    }
+    std::sort(keyed.begin(), keyed.end());
+    const std::vector<dirent*> given(entries, entries + count);
+    std::vector<uint32_t> order;
+    order.reserve(count);
+    for (const auto& [key, index] : keyed) {
+        entries[order.size()] = given[index];
+        order.push_back(index);
+    }
+    return order;
+}
 
 std::vector<uint32_t> sort_entries(dirent** entries, size_t count, EntryComparison compare) {
     const std::vector<dirent*> given(entries, entries + count);

@@ -15,4 +15,7 @@ using EntryComparison = int (*)(const dirent**, const dirent**);
 // `compare` orders names as UCCompareTextDefault does, it is called only once for each entry.
 std::vector<uint32_t> sort_entries(dirent** entries, size_t count, EntryComparison compare);
 
+// The same, in the order of the user's language.
+std::vector<uint32_t> sort_entries_by_language(dirent** entries, size_t count);
+
 }  // namespace files

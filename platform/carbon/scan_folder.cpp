@@ -1,4 +1,5 @@
 #include <dirent.h>
+#include <host/name_order.h>
 
 #include <numeric>
 #include <vector>
@@ -9,11 +10,16 @@
 
 namespace {
 
+bool (*by_language)();
+
 // The C library's own scandir.
 extern "C" int scan_unsorted(const char* path, dirent*** list, int (*filter)(const dirent*),
                              files::EntryComparison compare) __asm__("scandir");
 
 std::vector<uint32_t> sort(dirent** entries, size_t count, files::EntryComparison compare) {
+    if (compare && by_language && by_language()) {
+        return files::sort_entries_by_language(entries, count);
+    }
     if (compare) return files::sort_entries(entries, count, compare);
     std::vector<uint32_t> unchanged(count);
     std::iota(unchanged.begin(), unchanged.end(), 0U);
@@ -21,6 +27,8 @@ std::vector<uint32_t> sort(dirent** entries, size_t count, files::EntryCompariso
 }
 
 }  // namespace
+
+void order_names_by_language(bool (*question)()) { by_language = question; }
 
 int scandir(const char* path, dirent*** list, int (*filter)(const dirent*),
             int (*compare)(const dirent**, const dirent**)) {

@@ -63,6 +63,7 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "placement",
                                             "font_size",
                                             "escape_closes",
+                                            "sort_by_language",
                                             "disable_menu_fade",
                                             "custom_folder_order",
                                             "only_folders_in_main_menu",

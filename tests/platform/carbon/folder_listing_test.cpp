@@ -1,6 +1,7 @@
 #include <Carbon/Carbon.h>
 #include <dirent.h>
 #include <errno.h>
+#include <host/name_order.h>
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <stdlib.h>
@@ -252,4 +253,46 @@ TEST(FolderListing, ReadingALargeFolderLeavesTheCurrentFolder) {
     const fs::path before = fs::current_path();
     EXPECT_EQ(list(folder.path()).size(), 1000u);
     EXPECT_EQ(fs::current_path(), before);
+}
+
+// The names in the order of a language.
+static std::vector<std::string> read_in(const char* language, const std::string& folder) {
+    const std::string before = getenv("LC_ALL") ?: "";
+    setenv("LC_ALL", language, 1);
+    order_names_by_language([] { return true; });
+    const std::vector<std::string> names = read(folder);
+    order_names_by_language(nullptr);
+    setenv("LC_ALL", before.c_str(), 1);
+    return names;
+}
+
+TEST(FolderListing, ComesInTheOrderOfTheLanguageIfTheHostWants) {
+    test::TempFolder folder;
+    // The first name is composed, the second is not.
+    for (const char* name : {"Zug", "\u00DCbung 9", "U\u0308bung 10", "Tisch", "apfel", "\u00D6l"})
+        folder.file(name);
+    EXPECT_EQ(read(folder.path()), (std::vector<std::string>{"Tisch", "U\u0308bung 10", "Zug",
+                                                             "apfel", "\u00D6l", "\u00DCbung 9"}))
+        << "the caller's own order";
+    EXPECT_EQ(read_in("de_DE.UTF-8", folder.path()),
+              (std::vector<std::string>{"apfel", "\u00D6l", "Tisch", "\u00DCbung 9",
+                                        "U\u0308bung 10", "Zug"}));
+    EXPECT_EQ(read_in("sv_SE.UTF-8", folder.path()).back(), "\u00D6l");
+}
+
+// A listing answers for the entry that its place in the new order names.
+TEST(FolderListing, KnowsTheEntriesInTheOrderOfTheLanguage) {
+    test::TempFolder folder;
+    folder.file("Zug");
+    folder.folder("\u00DCbung");
+    folder.file("Tisch");
+    while (has_changed_in_this_tick(folder.path())) usleep(1000);
+    const std::vector<std::string> names = read_in("de_DE.UTF-8", folder.path());
+    ASSERT_EQ(names.size(), 3u);
+    for (const std::string& name : names) {
+        FSRef ref;
+        Boolean is_directory = false;
+        ASSERT_EQ(make(folder.path(name), &ref, &is_directory), noErr);
+        EXPECT_EQ(is_directory != 0, name == "\u00DCbung") << name;
+    }
 }
