@@ -1,15 +1,31 @@
 #include "support/x_input.h"
 
+#include <X11/Xlib-xcb.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 #include <X11/extensions/Xfixes.h>
+#include <xcb/xcb.h>
+
+#include <stdlib.h>
 
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
 namespace test {
+
+namespace {
+
+// Takes the reply over.
+template <typename Reply>
+bool was_free(Reply* reply) {
+    const bool is_free = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    free(reply);
+    return is_free;
+}
+
+}  // namespace
 
 XInput::XInput() : display_(XOpenDisplay(nullptr)) {
     if (!display_) throw std::runtime_error("no X display");
@@ -108,20 +124,25 @@ void XInput::let_go() {
     }
 }
 
+// Taking and giving back reach the server together: nobody else meets a pointer that is held for
+// long, however busy the machine is.
 bool XInput::keyboard_is_free() {
-    const int result = XGrabKeyboard(display_, DefaultRootWindow(display_), False, GrabModeAsync,
-                                     GrabModeAsync, CurrentTime);
-    XUngrabKeyboard(display_, CurrentTime);
-    XSync(display_, False);
-    return result == GrabSuccess;
+    xcb_connection_t* server = XGetXCBConnection(display_);
+    const auto root = static_cast<xcb_window_t>(DefaultRootWindow(display_));
+    const auto question = xcb_grab_keyboard(server, false, root, XCB_CURRENT_TIME,
+                                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    xcb_ungrab_keyboard(server, XCB_CURRENT_TIME);
+    return was_free(xcb_grab_keyboard_reply(server, question, nullptr));
 }
 
 bool XInput::pointer_is_free() {
-    const int status = XGrabPointer(display_, DefaultRootWindow(display_), False, ButtonPressMask,
-                                    GrabModeAsync, GrabModeAsync, None, None, CurrentTime);
-    if (status == GrabSuccess) XUngrabPointer(display_, CurrentTime);
-    XSync(display_, False);
-    return status == GrabSuccess;
+    xcb_connection_t* server = XGetXCBConnection(display_);
+    const auto root = static_cast<xcb_window_t>(DefaultRootWindow(display_));
+    const auto question =
+        xcb_grab_pointer(server, false, root, XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    xcb_ungrab_pointer(server, XCB_CURRENT_TIME);
+    return was_free(xcb_grab_pointer_reply(server, question, nullptr));
 }
 
 void XInput::focus(unsigned long window) {

@@ -128,7 +128,12 @@ bool Compositor::tell_sway(const std::string& words) const {
     for (const auto& [name, value] : environment_) {
         if (name == "SWAYSOCK") socket = value;
     }
-    return system(("swaymsg -q -s " + socket + " '" + words + "'").c_str()) == 0;
+    const std::string command = "swaymsg -q -s " + socket + " '" + words + "'";
+    // swaymsg itself gives up after three seconds, however busy the machine is.
+    for (int attempt = 0; attempt < 20; attempt++) {
+        if (system(command.c_str()) == 0) return true;
+    }
+    return false;
 }
 
 bool Compositor::start_mutter() {
