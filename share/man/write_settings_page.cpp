@@ -30,6 +30,13 @@ const char* const foot = R"(.SH FILES
 .TP
 .I ~/GNUstep/Defaults/org.delvio.Delvio.plist
 The settings that are not at their defaults.
+.SH EXAMPLES
+.TP
+.B delvio settings set sort_order 1
+One alphabetical list, from the next menu on.
+.TP
+.B delvio settings add folders ~/Documents
+A folder that is in every menu.
 .SH "SEE ALSO"
 .BR delvio (1)
 )";

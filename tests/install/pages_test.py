@@ -112,6 +112,92 @@ class SettingsPage(unittest.TestCase):
         self.assertEqual(entries, wanted)
 
 
+class Documents(unittest.TestCase):
+    """README and docs/ name what the command has, and lead nowhere wrong."""
+
+    @classmethod
+    def setUpClass(cls):
+        files = [SOURCE / "README.md", SOURCE / "CONTRIBUTING.md", SOURCE / "CHANGELOG.md",
+                 *sorted((SOURCE / "docs").glob("*.md"))]
+        cls.pages = {file: file.read_text() for file in files}
+
+    def page(self, name):
+        return self.pages[SOURCE / "docs" / name]
+
+    def targets(self):
+        """Each link of each page to a file of the repository."""
+        for file, text in self.pages.items():
+            for target in re.findall(r"\]\(([^)\s]+)\)", text):
+                if "://" not in target and not target.startswith("#"):
+                    yield file, (file.parent / target.split("#")[0]).resolve()
+
+    def test_every_link_leads_to_a_file(self):
+        links = list(self.targets())
+        self.assertGreater(len(links), 100)
+        self.assertEqual([f"{file.name}: {target.name}" for file, target in links
+                          if not target.exists()], [])
+
+    def test_every_page_can_be_reached_from_the_readme(self):
+        links, reached, new = list(self.targets()), set(), {(SOURCE / "README.md").resolve()}
+        while new:
+            reached |= new
+            new = {target for file, target in links if file.resolve() in reached} - reached
+        self.assertEqual({file.name for file in self.pages if file.resolve() not in reached}, set())
+
+    def test_the_readme_is_one_page(self):
+        self.assertLessEqual(self.pages[SOURCE / "README.md"].count("\n"), 90)
+
+    def test_every_picture_is_shown(self):
+        shown = {target for _, target in self.targets() if target.parent.name == "pictures"}
+        self.assertEqual(shown, {file.resolve() for file in (SOURCE / "docs/pictures").iterdir()})
+
+    def test_a_script_makes_the_pictures_of_the_guide(self):
+        made = set(re.findall(r"picture (guide-\w+)", (SOURCE / "script/pictures").read_text()))
+        self.assertGreater(len(made), 3)
+        self.assertEqual({name + ".png" for name in made},
+                         set(re.findall(r"pictures/(.*?)\)", self.page("guide.md"))))
+
+    def test_the_page_of_the_command_has_every_option_and_command(self):
+        page = self.page("command.md")
+        helps = all_helps(delvio)
+        wanted = set().union(*map(options, helps.values())) - {"--help", "--version"}
+        self.assertEqual(wanted - set(re.findall(r"--[a-z-]+", page)), set())
+        for words in helps:
+            if words:
+                self.assertRegex(page, rf"\b{words[-1]}\b")
+
+    def test_no_page_has_an_option_that_the_command_lacks(self):
+        known = set().union(*map(options, all_helps(delvio).values()))
+        for file, text in self.pages.items():
+            for line in re.findall(r"^.*\bdelvio (?:menu|settings|install|uninstall|undo) .*$", text, re.M):
+                after = re.split(r"\bdelvio (?=menu|settings|install|uninstall|undo)", line, maxsplit=1)[1]
+                command = re.split(r"[|`#]|  ", after)[0]
+                with self.subTest(page=file.name, line=line):
+                    self.assertEqual(set(re.findall(r"--[a-z][a-z-]*", command)) - known, set())
+
+    def test_the_page_of_settings_has_every_setting(self):
+        settings = json.loads(delvio("settings", "list", "--json"))
+        page = self.page("settings.md")
+        self.assertEqual([setting["key"] for setting in settings
+                          if f"`{setting['key']}`" not in page], [])
+
+    def test_the_page_of_file_managers_has_each_of_them(self):
+        headings = re.findall(r"^## (`.*)$", self.page("file-managers.md"), re.M)
+        named = set(re.findall(r"`([a-z-]+)`", " ".join(headings)))
+        self.assertEqual(named | {"gworkspace"}, file_managers())
+
+    def test_page_manual_and_sources_have_the_same_variables(self):
+        variable = r"\bDELVIO_[A-Z_]+\b"
+        manual = (BUILD / "share/man/delvio.1").read_text().replace("\\-", "-")
+        read = {name for top in ("hosts", "platform") for file in (SOURCE / top).rglob("*.*")
+                if file.suffix in (".cpp", ".mm")
+                for name in re.findall(rf'getenv\("({variable})"\)', file.read_text())}
+        documented = set(re.findall(variable, self.page("command.md")))
+        self.assertGreater(len(documented), 4)
+        self.assertEqual(set(re.findall(variable, manual)), documented)
+        self.assertEqual(read - documented, set())
+
+
 if __name__ == "__main__":
     SOURCE = pathlib.Path(sys.argv.pop(2))
     BUILD = pathlib.Path(sys.argv.pop(1))
