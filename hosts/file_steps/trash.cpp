@@ -194,6 +194,13 @@ std::string why_no_trash(int folder) {
     return problem;
 }
 
+bool is_place_in_trash(const Trashed& place) {
+    const std::string name = name_in_path(place.file), folder = parent_of(place.file);
+    if (name.empty() || name == "." || name == "..") return false;
+    if (!place.file.starts_with('/') || name_in_path(folder) != "files") return false;
+    return place.info == parent_of(folder) + "/info/" + name + info_suffix;
+}
+
 bool take_from_trash(const Trashed& trashed, int folder, const std::string& name) {
     if (!move_free(AT_FDCWD, trashed.file, folder, name)) return false;
     unlink(trashed.info.c_str());

@@ -17,6 +17,10 @@ struct Trashed {
     std::string info;  // the note that says where it came from
 };
 
+// Whether the two belong together as the trash names them. A record of a place that was damaged may
+// name any file, and undoing removes the note.
+bool is_place_in_trash(const Trashed& place);
+
 // An entry of an open folder, and its state when it was looked at.
 struct Thing {
     int folder;

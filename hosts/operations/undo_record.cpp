@@ -4,6 +4,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <initializer_list>
 #include <unordered_map>
 
@@ -110,18 +111,29 @@ class Reader {
     std::unordered_map<std::string, size_t> copies_;  // by target
 };
 
-const struct {
+struct Verb {
     const char* verb;
+    size_t paths;  // fields at the entry's beginning that are whole paths
     size_t fields;
     void (Reader::*take)(Reader::Fields);
-} verbs[] = {
-    {begun, 0, &Reader::begin},           {moving, 3, &Reader::move},
-    {trashing, 4, &Reader::put_in_trash}, {not_done, 0, &Reader::take_back},
-    {copying, 7, &Reader::copy},          {copied, 0, &Reader::confirm},
-    {emptying, 3, &Reader::empty},        {aliasing, 2, &Reader::alias},
-    {elsewhere, 1, &Reader::refuse},      {restoring, 2, &Reader::restore},
-    {undone, 1, &Reader::undo},
 };
+
+const Verb verbs[] = {
+    {begun, 0, 0, &Reader::begin},           {moving, 2, 3, &Reader::move},
+    {trashing, 3, 4, &Reader::put_in_trash}, {not_done, 0, 0, &Reader::take_back},
+    {copying, 2, 7, &Reader::copy},          {copied, 0, 0, &Reader::confirm},
+    {emptying, 2, 3, &Reader::empty},        {aliasing, 2, 2, &Reader::alias},
+    {elsewhere, 0, 1, &Reader::refuse},      {restoring, 0, 2, &Reader::restore},
+    {undone, 0, 1, &Reader::undo},
+};
+
+// Whether the fields are what an operation writes. A damaged record could name any file.
+bool make_sense(const Verb& verb, const std::string* fields) {
+    const bool are_paths = std::all_of(fields, fields + verb.paths, [](const std::string& field) {
+        return field.starts_with('/');
+    });
+    return are_paths && (verb.verb != trashing || is_place_in_trash({fields[1], fields[2]}));
+}
 
 std::vector<std::string> split(const std::string& text) {
     std::vector<std::string> words;
@@ -131,11 +143,17 @@ std::vector<std::string> split(const std::string& text) {
     return words;
 }
 
-const auto* known_verb(const std::string& word) {
+const Verb* known_verb(const std::string& word) {
     for (const auto& verb : verbs) {
         if (word == verb.verb) return &verb;
     }
-    return static_cast<decltype(&verbs[0])>(nullptr);
+    return nullptr;
+}
+
+Recorded unreadable() {
+    Recorded recorded;
+    recorded.problem = translated("the record of the last operation cannot be read");
+    return recorded;
 }
 
 }  // namespace
@@ -145,15 +163,12 @@ Recorded read_undo_record(const std::string& text) {
     Reader reader(&recorded);
     const std::vector<std::string> words = split(text);
     for (size_t at = 0; at < words.size();) {
-        const auto* verb = known_verb(words[at]);
-        if (!verb || (at == 0) != (verb->verb == begun)) {
-            recorded.problem = translated("the record of the last operation cannot be read");
-            recorded.steps.clear();
-            return recorded;
-        }
+        const Verb* verb = known_verb(words[at]);
+        if (!verb || (at == 0) != (verb->verb == begun)) return unreadable();
         const size_t next = at + 1 + verb->fields;
         // The step of a cut-off entry was never begun.
         if (next > words.size()) break;
+        if (!make_sense(*verb, words.data() + at + 1)) return unreadable();
         (reader.*verb->take)(words.data() + at + 1);
         for (; at < next; at++) recorded.length += words[at].size() + 1;
     }
@@ -166,7 +181,7 @@ bool ends_with_trashing(const std::string& end, Trashed* trashed) {
     // No field of another entry equals the verb: fields are absolute paths and numbers.
     if (words.size() < length || words[words.size() - length] != trashing) return false;
     *trashed = {words[words.size() - 3], words[words.size() - 2]};
-    return true;
+    return is_place_in_trash(*trashed);
 }
 
 std::string begun_entry() { return entry({begun}); }

@@ -69,6 +69,14 @@ TEST_F(LeftTrashInfo, ANoteOfAnotherProgramsThatCameLaterIsKept) {
     EXPECT_EQ(left(), Names({"a.trashinfo"}));
 }
 
+TEST_F(LeftTrashInfo, AFileThatIsNoNoteIsKeptWhateverADamagedJournalSays) {
+    const std::string other = folder_.file("trash/info/b.trashinfo", "b");
+    folder_.file("state/last-operation",
+                 operations::begun_entry() + operations::trashing_entry("/a", {file_, other}, 7));
+    operations::remove_left_trash_info(state_);
+    EXPECT_EQ(left(), Names({"b.trashinfo"}));
+}
+
 TEST_F(LeftTrashInfo, WhatALivingOperationHasWrittenIsKept) {
     leave_behind();
     const int journal = open(folder_.path("state/last-operation").c_str(), O_RDWR | O_CLOEXEC);

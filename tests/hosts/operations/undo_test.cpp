@@ -8,8 +8,11 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
+#include "operations/undo_record.h"
 #include "support/temp_folder.h"
 
 using operations::Choice;
@@ -300,6 +303,39 @@ TEST_F(UndoTest, ADamagedJournalUndoesNothing) {
     EXPECT_EQ(undo(), Names({"the record of the last operation cannot be read"}));
     folder_.file("state/last-operation", std::string("delvio-undo-2\0moving\0/a\0/", 25));
     EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
+}
+
+// What is relative would be looked for below whichever folder is the current one.
+TEST_F(UndoTest, AJournalWithARelativePathUndoesNothing) {
+    for (const char* const paths : {"a%/b", "/a%b", "%/b", "/a%"}) {
+        std::string journal = std::string("delvio-undo-2%moving%") + paths + "%7%";
+        std::replace(journal.begin(), journal.end(), '%', '\0');
+        folder_.file("state/last-operation", journal);
+        EXPECT_EQ(undo(), Names({"the record of the last operation cannot be read"})) << paths;
+    }
+}
+
+// The undo removes the note of a file that it takes out of the trash, and no other file.
+TEST_F(UndoTest, AJournalThatTakesAnotherFileForANoteUndoesNothing) {
+    const std::string victim = folder_.file("victim", "v");
+    const std::string thing = folder_.file("Trash/files/a", "a");
+    struct stat what;
+    ASSERT_EQ(stat(thing.c_str(), &what), 0);
+    const operations::Trashed places[] = {
+        {thing, victim},
+        {folder_.path("Trash/files/a"), folder_.path("Trash/info/b.trashinfo")},
+        {folder_.path("Trash/files/a"), folder_.path("info/a.trashinfo")},
+        {victim, folder_.path("info/victim.trashinfo")}};
+    for (const operations::Trashed& place : places) {
+        const std::string note = folder_.file("Trash/info/b.trashinfo", "b");
+        folder_.file("state/last-operation",
+                     operations::begun_entry() +
+                         operations::trashing_entry(folder_.path("a"), place, what.st_ino));
+        EXPECT_EQ(undo(), Names({"the record of the last operation cannot be read"})) << place.info;
+        EXPECT_EQ(test::read_file(victim), "v");
+        EXPECT_EQ(test::read_file(note), "b");
+        EXPECT_EQ(test::read_file(thing), "a");
+    }
 }
 
 }  // namespace
