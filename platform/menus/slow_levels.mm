@@ -1,10 +1,14 @@
 #include "menus/slow_levels.h"
 
+#include <host/text.h>
+
 #include <Quartz/Quartz.h>
 
 #include <string>
 
 namespace {
+
+NSString* shown(const char* text) { return [NSString stringWithUTF8String:text] ?: @""; }
 
 // In seconds. A disk that works answers within the first, without a stand-in for its rows.
 const double unnoticed = 0.02, until_loading = 0.1;
@@ -26,7 +30,8 @@ std::string folder_of(NSMenuItem* item) {
 NSMenu* menu_of_one_row() {
     NSMenu* menu = [[NSMenu alloc] initWithTitle:@""];
     [menu setAutoenablesItems:NO];
-    [[menu addItemWithTitle:@"Loading..." action:nullptr keyEquivalent:@""] setEnabled:NO];
+    [[menu addItemWithTitle:shown(translated("Loading...")) action:nullptr
+              keyEquivalent:@""] setEnabled:NO];
     return menu;
 }
 
@@ -73,8 +78,9 @@ void SlowLevels::show_stand_in() {
         [session_ openStandIn:stand_in_ forItem:item_];
     }
     NSMenuItem* row = stand_in_ ? static_cast<NSMenuItem*>([stand_in_ itemAtIndex:0]) : nil;
-    if (++looks_ >= until_given_up && ![[row title] isEqualToString:@"Not responding"]) {
-        [row setTitle:@"Not responding"];
+    if (++looks_ >= until_given_up &&
+        ![[row title] isEqualToString:shown(translated("Not responding"))]) {
+        [row setTitle:shown(translated("Not responding"))];
     }
 }
 
