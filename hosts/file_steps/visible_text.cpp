@@ -1,5 +1,7 @@
 #include "file_steps/visible_text.h"
 
+#include <host/text.h>
+
 #include <stdint.h>
 #include <stdio.h>
 
@@ -96,7 +98,8 @@ std::string_view last_component(std::string_view path) {
 std::string quoted_name(std::string_view path) { return in_quotes(last_component(path)); }
 
 std::string window_name(std::string_view path) {
-    return "“" + visible_text(last_component(path)) + "”";
+    // Translators: a file name in quotes.
+    return translated("“%s”", {visible_text(last_component(path))});
 }
 
 }  // namespace operations

@@ -2,6 +2,8 @@
 
 #include <host/text.h>
 
+#include <algorithm>
+
 #include "operations_ui/operation_texts.h"
 #include "panels/widget_panel.h"
 
@@ -9,8 +11,9 @@ namespace operations {
 
 namespace {
 
-constexpr double width = 500, margin = 24, icon_side = 44, row_height = 60;
-constexpr double least_button_width = 96, check_width = 320, button_height = 30, gap = 10;
+constexpr double least_width = 500, margin = 24, icon_side = 44, row_height = 60;
+constexpr double least_button_width = 96, check_width = 320, button_height = 30, gap = 10,
+                 stop_distance = 14;
 
 enum Item { none, skip, keep_both, replace, stop, apply_to_all };
 
@@ -27,10 +30,12 @@ const struct {
 
 std::string bytes_of(NSString* text) { return [text UTF8String] ?: ""; }
 
+// Its width is the content's.
 void add_text(PanelContent* content, double left, double top, double height, NSString* what,
               const Widget& like) {
     Widget text = like;
-    text.area = content->area(left, top, width - margin - left, height);
+    text.area = content->area(left, top, 0, height);
+    text.area.width = content->size.width - content->pixels(margin) - text.area.left;
     text.text = bytes_of(what);
     content->widgets.push_back(text);
 }
@@ -61,22 +66,40 @@ void add_check(PanelContent* content, double top, bool on) {
     content->widgets.push_back(check);
 }
 
-// The buttons from the right; Stop keeps its distance. Their titles decide how wide they are.
-void add_buttons(PanelContent* content, double top) {
-    int right = content->pixels(width - margin);
+std::vector<Widget> made_buttons(const PanelContent& content) {
+    std::vector<Widget> made;
     for (const auto& button : buttons) {
-        Widget made = {WidgetKind::button, content->area(margin, top, 0, button_height), "",
-                       button.item, 13};
-        made.set_title(translated(button.title));
-        made.area.width = content->button_width(made, least_button_width);
-        if (button.item != stop) made.area.left = right - made.area.width;
-        right = made.area.left - content->pixels(gap);
-        content->widgets.push_back(made);
+        Widget widget = {WidgetKind::button, content.area(margin, 0, 0, button_height), "",
+                         button.item, 13};
+        widget.set_title(translated(button.title));
+        widget.area.width = content.button_width(widget, least_button_width);
+        made.push_back(widget);
+    }
+    return made;
+}
+
+// As wide as the buttons need, whose titles decide how wide they are.
+int content_width(const PanelContent& content, const std::vector<Widget>& made) {
+    int width = content.pixels(2 * margin + stop_distance);
+    for (const Widget& button : made) width += button.area.width + content.pixels(gap);
+    return std::max(width, content.pixels(least_width));
+}
+
+// The buttons from the right; Stop keeps its distance.
+void add_buttons(PanelContent* content, std::vector<Widget> made, double top) {
+    int right = content->size.width - content->pixels(margin);
+    for (Widget& button : made) {
+        button.area.top = content->pixels(top);
+        if (button.item != stop) button.area.left = right - button.area.width;
+        right = button.area.left - content->pixels(gap);
+        content->widgets.push_back(button);
     }
 }
 
 PanelContent content_of(const Conflict& conflict, bool for_all) {
     PanelContent content;
+    const std::vector<Widget> made = made_buttons(content);
+    content.size.width = content_width(content, made);
     content.default_item = skip;
     content.cancel_item = stop;
     Widget question = bold_text();
@@ -94,8 +117,8 @@ PanelContent content_of(const Conflict& conflict, bool for_all) {
         add_check(&content, top, for_all);
         top += 36;
     }
-    add_buttons(&content, top);
-    content.size = {content.pixels(width), content.pixels(top + button_height + margin)};
+    add_buttons(&content, made, top);
+    content.size.height = content.pixels(top + button_height + margin);
     return content;
 }
 

@@ -8,6 +8,7 @@
 namespace {
 
 const NSUInteger longest_title = 2000;
+const char* const right_to_left_mark = "\u200f";
 
 // One context for all text: it keeps the fonts. Glyphs stand where the type designer put them, not
 // on whole pixels, and are the same on every kind of surface.
@@ -186,19 +187,38 @@ TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain) {
     return text;
 }
 
-// Like visible_title(), but keeps line breaks.
-static std::string visible_lines(const std::string& text) {
+static bool runs_left_somewhere(const std::string& text) {
+    for (const gchar* at = text.c_str(); *at; at = g_utf8_next_char(at)) {
+        switch (g_unichar_get_script(g_utf8_get_char(at))) {
+            case G_UNICODE_SCRIPT_ARABIC:
+            case G_UNICODE_SCRIPT_HEBREW:
+            case G_UNICODE_SCRIPT_SYRIAC:
+            case G_UNICODE_SCRIPT_THAANA:
+                return true;
+            default:
+                break;
+        }
+    }
+    return false;
+}
+
+// Like visible_title(), but keeps line breaks. A sentence of a mirrored panel may begin with a name
+// in Latin letters and yet runs from right to left.
+static std::string visible_lines(const MenuLook& look, const std::string& text) {
     NSString* whole = [NSString stringWithUTF8String:text.c_str()] ?: @"";
     NSMutableArray* lines = [NSMutableArray array];
     for (NSString* line in [whole componentsSeparatedByString:@"\n"]) {
-        [lines addObject:[NSString stringWithUTF8String:visible_title(line).c_str()]];
+        const std::string visible = visible_title(line);
+        const bool is_marked = look.mirrored && runs_left_somewhere(visible);
+        const std::string shown = (is_marked ? right_to_left_mark : "") + visible;
+        [lines addObject:[NSString stringWithUTF8String:shown.c_str()]];
     }
     return [[lines componentsJoinedByString:@"\n"] UTF8String];
 }
 
 TextLayout paragraph(const MenuLook& look, const std::string& given, double size, bool bold,
                      int width) {
-    const std::string text = visible_lines(given);
+    const std::string text = visible_lines(look, given);
     TextLayout layout(pango_layout_new(text_context()));
     PangoFontDescription* font = description(look.family, size * look.scale, bold, false);
     pango_layout_set_font_description(layout.get(), font);
