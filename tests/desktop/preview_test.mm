@@ -8,6 +8,7 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "desktop/desk.h"
@@ -213,16 +214,13 @@ TEST_F(Preview, ASourceIsOnTheScreenInColours) {
                     white = dark = coloured = 0;
                     const int top =
                         static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(frame));
-                    for (int y = 0; y < 40; y++) {
-                        for (int x = 0; x < 120; x++) {
-                            const unsigned long color = input().pixel(
-                                static_cast<int>(NSMinX(frame)) + 24 + x, top + 24 + y);
-                            const int red = color >> 16 & 255, green = color >> 8 & 255,
-                                      blue = color & 255;
-                            white += color == 0xffffff;
-                            dark += red < 110 && green < 110 && blue < 110;
-                            coloured += std::abs(red - green) > 60 || std::abs(blue - green) > 60;
-                        }
+                    const int left = static_cast<int>(NSMinX(frame));
+                    for (const unsigned long color : input().pixels(left + 24, top + 24, 120, 40)) {
+                        const int red = color >> 16 & 255, green = color >> 8 & 255,
+                                  blue = color & 255;
+                        white += color == 0xffffff;
+                        dark += red < 110 && green < 110 && blue < 110;
+                        coloured += std::abs(red - green) > 60 || std::abs(blue - green) > 60;
                     }
                     return white > 1000 && dark > 5 && coloured > 20;
                 },
@@ -533,12 +531,10 @@ TEST_F(BesideTheMenu, ALineBelowThePictureSaysWhichFileItIsIfItIsSetSo) {
                     const int bottom =
                         static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMinY(at));
                     ink = 0;
-                    for (int x = 0; x < 60; x++) {
-                        for (int y = 8; y < 24; y++) {
-                            const unsigned long color =
-                                input().pixel(static_cast<int>(NSMinX(at)) + 8 + x, bottom - y);
-                            ink += (color & 255) < 120 && (color >> 16 & 255) < 120;
-                        }
+                    const int left = static_cast<int>(NSMinX(at));
+                    for (const unsigned long color :
+                         input().pixels(left + 8, bottom - 24, 60, 16)) {
+                        ink += (color & 255) < 120 && (color >> 16 & 255) < 120;
                     }
                     return ink > 20;
                 },
@@ -568,18 +564,15 @@ TEST_F(BesideTheMenu, ASmallPictureKeepsItsSizeInAFrame) {
                     const int left = static_cast<int>(NSMinX(at));
                     const int top =
                         static_cast<int>(NSHeight([[NSScreen mainScreen] frame]) - NSMaxY(at));
-                    int first_x = 0, first_y = 0;
-                    red = 0;
-                    for (int y = 0; y < NSHeight(at); y++) {
-                        for (int x = 0; x < NSWidth(at); x++) {
-                            if (input().pixel(left + x, top + y) != 0xff0000) continue;
-                            if (!red++) first_x = x, first_y = y;
-                        }
-                    }
-                    if (!red) return false;
-                    frame = input().pixel(left + first_x + 10, top + first_y - 1);
-                    ground = input().pixel(left + first_x + 10, top + first_y - 4);
-                    return true;
+                    const int width = static_cast<int>(NSWidth(at));
+                    const auto colors =
+                        input().pixels(left, top, width, static_cast<int>(NSHeight(at)));
+                    const auto first = std::find(colors.begin(), colors.end(), 0xff0000ul);
+                    red = static_cast<int>(std::count(first, colors.end(), 0xff0000ul));
+                    if (first - colors.begin() < 4 * width) return false;
+                    frame = *(first + 10 - width);
+                    ground = *(first + 10 - 4 * width);
+                    return red == 20 * 10 && frame != ground;
                 },
                 [&] { escape(); });
     });

@@ -177,13 +177,21 @@ unsigned long XInput::cursor() {
     return sum;
 }
 
-unsigned long XInput::pixel(int x, int y) {
+unsigned long XInput::pixel(int x, int y) { return pixels(x, y, 1, 1).front(); }
+
+std::vector<unsigned long> XInput::pixels(int x, int y, int width, int height) {
     XImage* image =
-        XGetImage(display_, DefaultRootWindow(display_), x, y, 1, 1, AllPlanes, ZPixmap);
-    if (!image) throw std::runtime_error("no such pixel");
-    const unsigned long color = XGetPixel(image, 0, 0) & 0xFFFFFF;
+        XGetImage(display_, DefaultRootWindow(display_), x, y, static_cast<unsigned>(width),
+                  static_cast<unsigned>(height), AllPlanes, ZPixmap);
+    if (!image) throw std::runtime_error("no such pixels");
+    std::vector<unsigned long> colors;
+    for (int row = 0; row < height; row++) {
+        for (int column = 0; column < width; column++) {
+            colors.push_back(XGetPixel(image, column, row) & 0xFFFFFF);
+        }
+    }
     XDestroyImage(image);
-    return color;
+    return colors;
 }
 
 }  // namespace test

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 struct _XDisplay;
 
@@ -47,6 +48,8 @@ class XInput {
     unsigned long cursor();
     // The colour of a pixel of the screen, 0xRRGGBB.
     unsigned long pixel(int x, int y);
+    // The colours of an area, row after row, in one question to the server.
+    std::vector<unsigned long> pixels(int x, int y, int width, int height);
 
   private:
     unsigned code(const std::string& name);
