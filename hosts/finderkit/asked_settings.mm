@@ -5,6 +5,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include "finderkit/item_marks.h"
+#include "finderkit/plug_in_items.h"
 #include "finderkit/settings_file.h"
 
 namespace {
@@ -31,4 +32,5 @@ void answer_settings() {
     order_names_by_language(sorts_by_language);
     [NSMenu setEscapeQuestion:closes_one_level];
     [NSMenu setMarkQuestion:mark_of_item];
+    [NSMenu setPathQuestion:path_of_item];
 }

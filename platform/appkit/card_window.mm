@@ -332,7 +332,7 @@ CardView* make_view(NSWindow* window) {
 }
 
 void make_card(NSWindow* window, bool is_beside) {
-    set_open_levels_listener(update_shown_cards);
+    add_open_levels_listener(update_shown_cards);
     CardView* view = card_view(window) ?: make_view(window);
     Card& card = *view->card;
     const bool was_beside = card.is_beside;

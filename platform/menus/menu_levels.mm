@@ -181,4 +181,5 @@ void MenuLevels::hide() {
 void MenuLevels::clear() {
     levels_.clear();
     images_.clear();
+    tell_open_levels_changed();
 }

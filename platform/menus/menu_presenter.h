@@ -3,9 +3,8 @@
 
 #include <host/menu_tracking.h>
 
-// `listener` is called after open levels may have changed. A process has one listener; null removes
-// it.
-void set_open_levels_listener(void (*listener)());
+// `listener` is called after open levels may have changed. Adding it again changes nothing.
+void add_open_levels_listener(void (*listener)());
 void tell_open_levels_changed();
 
 @interface MenuPresenter : NSObject <MenuTracker>

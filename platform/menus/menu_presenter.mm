@@ -1,17 +1,26 @@
 #include "menus/menu_presenter.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "menus/menu_run.h"
 
 namespace {
 
-void (*levels_listener)();
+std::vector<void (*)()>& levels_listeners() {
+    static auto* listeners = new std::vector<void (*)()>;
+    return *listeners;
+}
 
 }  // namespace
 
-void set_open_levels_listener(void (*listener)()) { levels_listener = listener; }
+void add_open_levels_listener(void (*listener)()) {
+    std::vector<void (*)()>& all = levels_listeners();
+    if (std::find(all.begin(), all.end(), listener) == all.end()) all.push_back(listener);
+}
 
 void tell_open_levels_changed() {
-    if (levels_listener) levels_listener();
+    for (void (*listener)() : levels_listeners()) listener();
 }
 
 @implementation MenuPresenter

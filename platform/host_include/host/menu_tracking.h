@@ -96,3 +96,9 @@ enum MenuMark {
 // for another item at the next call.
 - (NSMenuItem*)glanceAtItemAtIndex:(NSInteger)index;
 @end
+
+@interface NSMenu (RowTips)
+// A host's answer for a row that is kept for a while: the path of the item's file, which a tip may
+// show; nil for none.
++ (void)setPathQuestion:(NSString* (*)(NSMenuItem*))question;
+@end

@@ -1,0 +1,228 @@
+#include "appkit/row_tips.h"
+
+#include <host/menu_tracking.h>
+#include <host/text.h>
+
+#include <errno.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "appkit/workspace_paths.h"
+#include "corefoundation/patient_stat.h"
+#include "look/menu_text.h"
+#include "menus/menu_paint.h"
+#include "menus/menu_presenter.h"
+#include "menus/menu_run.h"
+#include "x11/menu_windows.h"
+#include "x11/server_windows.h"
+#include "x11/window_pixels.h"
+
+namespace {
+
+const double tip_delay = 0.7;    // in seconds
+const double widest_line = 480;  // in points
+const double patience = 0.2;     // in seconds, for a disk
+
+NSString* (*path_question)(NSMenuItem*);
+
+bool is_shortened(const MenuLevel& level, NSMenuItem* item) {
+    const int row = level.layout().row_of(item);
+    if (row < 0 || level.layout().rows()[row].kind != title_row) return false;
+    const int room =
+        level.layout().title_right() - level.layout().title_left(level.layout().rows()[row]);
+    return text_width(item_text(level.layout().look(), item, true)) > room;
+}
+
+bool is_closed_folder(const std::string& path) {
+    const auto status = files::patient_stat(path, patience);
+    return status && S_ISDIR(status->st_mode) &&
+           faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES;
+}
+
+}  // namespace
+
+@interface TipView : NSView {
+  @public
+    MenuLook look;
+    std::string* text;
+    bool composed;
+}
+@end
+
+@implementation TipView
+
+- (void)dealloc {
+    delete text;
+    [super dealloc];
+}
+
+- (BOOL)isFlipped {
+    return YES;
+}
+
+- (void)drawRect:(NSRect)rect {
+    (void)rect;
+    cairo_t* cairo = focused_cairo();
+    if (!cairo) return;
+    cairo_save(cairo);
+    cairo_identity_matrix(cairo);
+    const MenuLayout no_rows(look);
+    MenuScene scene = {};
+    scene.layout = &no_rows;
+    scene.width = static_cast<int>(NSWidth([self frame]));
+    scene.height = static_cast<int>(NSHeight([self frame]));
+    scene.rounded = composed;
+    paint_menu(cairo, scene);
+    const Color& color = look.palette->text;
+    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
+    const int most = static_cast<int>(widest_line * look.scale);
+    const TextLayout lines = paragraph(look, *text, look.font_size * 0.92, false, most);
+    cairo_move_to(cairo, look.padding, look.padding * 2 / 3);
+    pango_cairo_show_layout(cairo, lines.get());
+    cairo_restore(cairo);
+}
+
+@end
+
+// The row that the user is at, and its tip once the row has been kept long enough.
+@interface RowTips : NSObject {
+  @public
+    NSMenuItem* item;  // retained
+    NSTimer* timer;    // retained
+    NSWindow* window;  // retained
+    std::string* shown;
+}
+@end
+
+namespace {
+
+RowTips* tips() {
+    static RowTips* const made = [RowTips new];
+    return made;
+}
+
+// The deepest level with a highlight; null for none.
+const MenuLevel* highlighted_level(NSMenuItem** item) {
+    const MenuRun* run = MenuRun::current();
+    *item = nil;
+    if (!run) return nullptr;
+    for (auto level = run->levels().rbegin(); level != run->levels().rend(); ++level) {
+        *item = [[MenuSession current] highlightedItemOfMenu:(*level)->menu()];
+        if (*item) return (*level)->is_shown() ? level->get() : nullptr;
+    }
+    return nullptr;
+}
+
+Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lines) {
+    const MenuLook& look = level.layout().look();
+    const int width = text_width(lines) + 2 * look.padding;
+    const int height = text_height(lines) + look.padding * 4 / 3;
+    const Area row = level.row_area(level.layout().row_of(item));
+    const Area& screen = level.screen();
+    const int left = std::clamp(row.left + look.inset + look.padding, screen.left,
+                                std::max(screen.left, screen.right() - width));
+    const int below = row.bottom() + look.inset;
+    const bool fits = below + height <= screen.bottom();
+    return {left, fits ? below : row.top - look.inset - height, width, height};
+}
+
+}  // namespace
+
+@implementation RowTips
+
+- (void)hide {
+    [timer invalidate];
+    [timer release];
+    timer = nil;
+    [window orderOut:nil];
+    [window close];
+    [window release];
+    window = nil;
+    delete shown;
+    shown = nullptr;
+}
+
+- (void)follow {
+    NSMenuItem* now = nil;
+    highlighted_level(&now);
+    if (now == item) return;
+    [self hide];
+    [item release];
+    item = [now retain];
+    if (!item) return;
+    timer = [[NSTimer timerWithTimeInterval:tip_delay
+                                     target:self
+                                   selector:@selector(rested:)
+                                   userInfo:nil
+                                    repeats:NO] retain];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
+}
+
+- (void)rested:(NSTimer*)over {
+    (void)over;
+    NSMenuItem* now = nil;
+    const MenuLevel* const level = highlighted_level(&now);
+    if (!level || now != item || level->layout().row_of(now) < 0) return;
+    const std::string text = tip_of(*level, now);
+    if (!text.empty()) [self show:text of:*level];
+}
+
+- (void)show:(const std::string&)text of:(const MenuLevel&)level {
+    const MenuLook& look = level.layout().look();
+    const int most = static_cast<int>(widest_line * look.scale);
+    const Area area =
+        area_of_tip(level, item, paragraph(look, text, look.font_size * 0.92, false, most));
+    const bool composed = MenuRun::current()->style().composed;
+    window = new_menu_window(area);
+    [window setTitle:@"Tip"];
+    set_window_type(window, "_NET_WM_WINDOW_TYPE_TOOLTIP");
+    TipView* view =
+        [[[TipView alloc] initWithFrame:NSMakeRect(0, 0, area.width, area.height)] autorelease];
+    view->look = look;
+    view->text = new std::string(text);
+    view->composed = composed;
+    [window setContentView:view];
+    if (!composed) shape_menu_window(window, look.row_radius);
+    show_menu_window(window);
+    shown = new std::string(text);
+}
+
+@end
+
+std::string tip_of(const MenuLevel& level, NSMenuItem* item) {
+    NSString* path = path_question ? path_question(item) : nil;
+    std::string text;
+    if (is_shortened(level, item)) {
+        text = visible_title([item title]);
+        if (path) text += "\n" + visible_title(path);
+    }
+    if (path && is_closed_folder(path_bytes(path))) {
+        text += (text.empty() ? "" : "\n") +
+                std::string(translated("You do not have permission to read this folder."));
+    }
+    return text;
+}
+
+std::string shown_tip() { return tips()->shown ? *tips()->shown : ""; }
+
+@implementation NSMenu (RowTips)
+
++ (void)setPathQuestion:(NSString* (*)(NSMenuItem*))question {
+    path_question = question;
+}
+
+@end
+
+@interface RowTipsInstaller : NSObject
+@end
+
+@implementation RowTipsInstaller
+
++ (void)load {
+    add_open_levels_listener([] { [tips() follow]; });
+}
+
+@end
