@@ -1,5 +1,5 @@
-// Tips for the rows of menus: the whole name of a shortened row and where its file is, and why a
-// folder shows nothing. Main thread.
+// Tips for the rows of menus: the whole name of a shortened row and the folder of its file, and why
+// a folder shows nothing. Main thread.
 #pragma once
 
 #include <AppKit/AppKit.h>

@@ -36,6 +36,19 @@ bool is_shortened(const MenuLevel& level, NSMenuItem* item) {
     return text_width(item_text(level.layout().look(), item, true)) > room;
 }
 
+// Whether the title is the name without its middle, for which it has dots.
+bool abbreviates(NSString* title, NSString* name) {
+    for (NSString* dots in @[ @"...", @"\u2026" ]) {
+        const NSRange found = [title rangeOfString:dots];
+        if (found.location == NSNotFound || [title length] >= [name length]) continue;
+        NSString* const head = [title substringToIndex:found.location];
+        NSString* const tail = [title substringFromIndex:NSMaxRange(found)];
+        const bool begins = ![head length] || [name hasPrefix:head];
+        if (begins && (![tail length] || [name hasSuffix:tail])) return true;
+    }
+    return false;
+}
+
 bool is_closed_folder(const std::string& path) {
     const auto status = files::patient_stat(path, patience);
     return status && S_ISDIR(status->st_mode) &&
@@ -121,7 +134,9 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
     const int width = text_width(lines) + 2 * look.padding;
     const int height = text_height(lines) + look.padding * 4 / 3;
     const Area row = level.row_area(level.layout().row_of(item));
-    const Area& screen = level.screen();
+    const int margin = look.inset;
+    const Area whole = level.screen();
+    const Area screen = {whole.left + margin, whole.top, whole.width - 2 * margin, whole.height};
     const int left = std::clamp(row.left + look.inset + look.padding, screen.left,
                                 std::max(screen.left, screen.right() - width));
     const int below = row.bottom() + look.inset;
@@ -185,7 +200,7 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
     view->text = new std::string(text);
     view->composed = composed;
     [window setContentView:view];
-    if (!composed) shape_menu_window(window, look.row_radius);
+    if (!composed) shape_menu_window(window, look.radius);
     show_menu_window(window);
     shown = new std::string(text);
 }
@@ -194,10 +209,12 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
 
 std::string tip_of(const MenuLevel& level, NSMenuItem* item) {
     NSString* path = path_question ? path_question(item) : nil;
+    NSString* name = [path lastPathComponent];
+    const bool is_abbreviated = name && abbreviates([item title], name);
     std::string text;
-    if (is_shortened(level, item)) {
-        text = visible_title([item title]);
-        if (path) text += "\n" + visible_title(path);
+    if (is_abbreviated || is_shortened(level, item)) {
+        text = visible_title(is_abbreviated ? name : [item title]);
+        if (path) text += "\n" + visible_title([path stringByDeletingLastPathComponent]);
     }
     if (path && is_closed_folder(path_bytes(path))) {
         text += (text.empty() ? "" : "\n") +

@@ -35,8 +35,8 @@ class RowTip : public Presenter {
 
 }  // namespace
 
-TEST_F(RowTip, ShowsTheWholeNameAndThePathOfAShortenedRowUntilAnotherIsHighlighted) {
-    const std::string whole = std::string([long_ UTF8String]) + "\n/where/it is";
+TEST_F(RowTip, ShowsTheWholeNameAndTheFolderOfAShortenedRowUntilAnotherIsHighlighted) {
+    const std::string whole = std::string([long_ UTF8String]) + "\n/where";
     shown([this] { moveTo(long_); });
     tip(whole, [this] { moveTo(@"alpha"); });
     tip("", [this] {
@@ -47,6 +47,25 @@ TEST_F(RowTip, ShowsTheWholeNameAndThePathOfAShortenedRowUntilAnotherIsHighlight
     tip(whole, [this] { key("Escape"); });
     run();
     EXPECT_EQ(shown_tip(), "") << "it closes with the menu";
+}
+
+TEST_F(RowTip, ShowsTheNameThatATitleAbbreviates) {
+    const auto add = [this](NSString* title, NSString* path) {
+        NSMenuItem* item = [recorder_ addItem:title toMenu:root_];
+        [item setRepresentedObject:path];
+        return item;
+    };
+    NSMenuItem* abbreviated = add(@"a lon...name", @"/where/a long long name/");
+    NSMenuItem* dotted = add(@"wait...", @"/where/wait...");
+    NSMenuItem* other = add(@"a lon...name", @"/where/other/than the title says");
+    shown([=, this] {
+        const auto tip = [](NSMenuItem* item) { return tip_of(shown_level(0), item); };
+        EXPECT_EQ(tip(abbreviated), "a long long name\n/where");
+        EXPECT_EQ(tip(dotted), "");
+        EXPECT_EQ(tip(other), "");
+        key("Escape");
+    });
+    run();
 }
 
 TEST_F(RowTip, SaysThatAFolderMayNotBeRead) {
