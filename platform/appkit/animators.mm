@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "appkit/view_fade.h"
+#include "desktop/desktop_settings.h"
 #include "events/deadline.h"
 #include "objc/method_patch.h"
 #include "x11/screens.h"
@@ -135,7 +136,7 @@ void deallocate_window(NSWindow* self, SEL selector) {
 
 - (void)setAlphaValue:(CGFloat)alpha {
     end_fade(_owner);
-    if (windows_are_composed()) {
+    if (windows_are_composed() && DesktopSettings().animates()) {
         fades()[_owner] = [[WindowFade alloc] initWithWindow:_owner to:alpha];
     } else {
         [_owner setAlphaValue:alpha];

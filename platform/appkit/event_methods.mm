@@ -2,6 +2,7 @@
 #include <AppKit/AppKit.h>
 #include <host/modifier_keys.h>
 
+#include "desktop/desktop_settings.h"
 #include "objc/method_patch.h"
 #include "x11/pointer_place.h"
 
@@ -31,10 +32,10 @@ NSPoint mouse_location(id event_class, SEL selector) {
     return reinterpret_cast<Location>(stock_mouse_location)(event_class, selector);
 }
 
-// The back end's own setting for click counts, in milliseconds.
+// The back end's own setting for click counts, in milliseconds; else the desktop's.
 NSTimeInterval double_click_interval(id, SEL) {
-    const double set =
-        [[NSUserDefaults standardUserDefaults] doubleForKey:@"GSDoubleClickTime"] / 1000;
+    double set = [[NSUserDefaults standardUserDefaults] doubleForKey:@"GSDoubleClickTime"] / 1000;
+    if (set <= 0 && [NSThread isMainThread]) set = DesktopSettings().double_click_interval();
     return set > 0 && set <= 5 ? set : 0.3;
 }
 

@@ -96,11 +96,13 @@ NSArray* load_bitmaps(const std::string& key) { return load_named(icon_names(key
 
 NSArray* bitmaps_for_key(const std::string& key) {
     static auto* cache = new std::unordered_map<std::string, NSArray*>;
+    static unsigned theme;  // whose pictures these are
     const auto found = cache->find(key);
-    if (found != cache->end()) return found->second;
-    if (cache->size() >= most_icons) {
+    if (found != cache->end() && theme == icon_theme_changes()) return found->second;
+    if (cache->size() >= most_icons || theme != icon_theme_changes()) {
         for (const auto& entry : *cache) [entry.second release];
         cache->clear();
+        theme = icon_theme_changes();
     }
     return (*cache)[key] = load_bitmaps(key);
 }

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "appkit/view_pixels.h"
+#include "desktop/desktop_settings.h"
 #include "events/deadline.h"
 #include "x11/window_pixels.h"
 
@@ -15,7 +16,8 @@ constexpr NSTimeInterval step_interval = 1.0 / 30;
 
 NSTimeInterval fade_duration(NSView* view) {
     CATransition* transition = [[view animations] objectForKey:@"subviews"];
-    return [[transition type] isEqualToString:kCATransitionFade] ? [transition duration] : 0;
+    const bool fades = [[transition type] isEqualToString:kCATransitionFade];
+    return fades && DesktopSettings().animates() ? [transition duration] : 0;
 }
 
 ViewFade* running_fade(NSView* view) {

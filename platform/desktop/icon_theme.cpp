@@ -159,10 +159,7 @@ OneTheme icons_without_theme() {
     return theme;
 }
 
-std::string theme_name() {
-    const std::string name = desktop_icon_theme();
-    return name.empty() ? "Adwaita" : name;
-}
+std::string name_or_usual(const std::string& name) { return name.empty() ? "Adwaita" : name; }
 
 std::string best_file(const OneTheme& theme, const std::string& name, int pixels) {
     const auto found = theme.icons.find(name);
@@ -179,12 +176,16 @@ std::string best_file(const OneTheme& theme, const std::string& name, int pixels
 
 // A theme is read when an icon is looked for that the themes before it do not have.
 struct IconTheme {
-    std::vector<std::string> names{theme_name()};
+    explicit IconTheme(const std::string& name) : names{name_or_usual(name)} {}
+
+    std::vector<std::string> names;
     std::deque<OneTheme> chain;  // of the first names; the last has no name
     bool is_whole = false;
 };
 
 namespace {
+
+unsigned changes;
 
 // Reads the next theme. The themes that it inherits from come next; those that hold for all come
 // last.
@@ -209,9 +210,18 @@ void read_next(IconTheme& theme) {
 }  // namespace
 
 IconTheme& user_icon_theme() {
-    static auto& theme = *new IconTheme;
+    static auto& theme = *new IconTheme(DesktopSettings().icon_theme());
     return theme;
 }
+
+void use_icon_theme(const std::string& name) {
+    IconTheme& theme = user_icon_theme();
+    if (theme.names[0] == name_or_usual(name)) return;
+    theme = IconTheme(name);
+    changes++;
+}
+
+unsigned icon_theme_changes() { return changes; }
 
 std::string find_icon(IconTheme& theme, const std::vector<std::string>& names, int pixels) {
     for (const std::string& name : names) {

@@ -12,6 +12,10 @@ struct IconTheme;
 
 // The theme of the user's settings, or Adwaita if they name none. Always the same object.
 IconTheme& user_icon_theme();
+// From now on that theme is the one of this name; an empty name stands for Adwaita.
+void use_icon_theme(const std::string& name);
+// Grows each time that the theme becomes another one.
+unsigned icon_theme_changes();
 
 // The file of the best-fitting icon for `pixels`, a PNG or an SVG. The first name that any theme
 // has wins, from the first theme that has it: a program's own icon from the last theme comes before

@@ -108,8 +108,17 @@ std::string text_of(std::string_view value) {
     const VariantOwner boxed(g_variant_ref_sink(g_variant_new_from_data(
         G_VARIANT_TYPE_VARIANT, copy.get(), value.size(), FALSE, nullptr, nullptr)));
     const VariantOwner variant(g_variant_get_variant(boxed.get()));
-    const bool is_text = g_variant_is_of_type(variant.get(), G_VARIANT_TYPE_STRING);
-    return is_text ? g_variant_get_string(variant.get(), nullptr) : "";
+    switch (g_variant_classify(variant.get())) {
+        case G_VARIANT_CLASS_STRING:
+            return g_variant_get_string(variant.get(), nullptr);
+        case G_VARIANT_CLASS_BOOLEAN:
+        case G_VARIANT_CLASS_INT32:
+        case G_VARIANT_CLASS_UINT32:
+        case G_VARIANT_CLASS_DOUBLE:
+            return taken_text(g_variant_print(variant.get(), FALSE));
+        default:
+            return {};
+    }
 }
 
 }  // namespace

@@ -8,8 +8,9 @@
 
 namespace files {
 
-// The text that is set for a key, such as "/org/gnome/desktop/interface/color-scheme". Empty when
-// none is set, and when the database is damaged or larger than 4 MiB.
+// What is set for a key, such as "/org/gnome/desktop/interface/color-scheme": a text, a number in
+// digits, or "true" or "false". Empty when nothing is set, when it is anything else, and when the
+// database is damaged or larger than 4 MiB.
 std::string text_in_settings_database(const std::string& file, const std::string& key);
 
 }  // namespace files

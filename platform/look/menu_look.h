@@ -30,21 +30,24 @@ struct MenuLook {
     int hairline;
     int row_height;
     int separator_height;
-    int inset;          // panel edge to the rows' highlight
-    int padding;        // highlight's edge to its text
-    int gap;            // between image, text and mark
-    int image_side;     // room for an image of the usual size
-    int mark_width;     // chevron, check mark
-    int arrow_height;   // strip that scrolls
-    int title_limit;    // widest title
-    int least_width;    // of a panel
-    int radius;         // panel's corners
-    int row_radius;     // highlight's corners
-    int shadow_extent;  // room around the panel for the shadow, when there is one
+    int inset;               // panel edge to the rows' highlight
+    int padding;             // highlight's edge to its text
+    int gap;                 // between image, text and mark
+    int image_side;          // room for an image of the usual size
+    int mark_width;          // chevron, check mark
+    int arrow_height;        // strip that scrolls
+    int title_limit;         // widest title
+    int least_width;         // of a panel
+    int radius;              // panel's corners
+    int row_radius;          // highlight's corners
+    int shadow_extent;       // room around the panel for the shadow, when there is one
+    int drag_distance;       // that the pointer moves before a press becomes a drag
+    std::string icon_theme;  // empty for the usual one
 };
 
-// The look for menus in `font` (nil: the look's own), by the user default MenuAppearance ("light",
-// "dark" or "auto"), the desktop's settings and the scale (GSScaleFactor, else the X server's).
+// The look for menus in `font` (nil: the desktop's), by the user default MenuAppearance ("light",
+// "dark" or "auto"), the desktop's settings of this moment and the scale (GSScaleFactor, else the
+// desktop's).
 MenuLook menu_look(NSFont* font, const char* server_resources);
 
 // The family in which a font's text is drawn: GNUstep's system font stands for the desktop's.

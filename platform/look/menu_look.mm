@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 
 #include "desktop/desktop_settings.h"
 
@@ -43,18 +44,49 @@ const MenuPalette dark_palette = {
     .shadow = 0.42,
 };
 
-const double default_font_size = 13;
+// Nothing is shown by a faint shade alone.
+const MenuPalette contrast_light_palette = {
+    .panel = {1, 1, 1, 1},
+    .border = {0, 0, 0, 1},
+    .edge = {1, 1, 1, 1},
+    .text = {0, 0, 0, 1},
+    .dimmed_text = {0, 0, 0, 0.60},
+    .hidden_text = {0, 0, 0, 0.80},
+    .mark = {0, 0, 0, 1},
+    .highlight = {0, 0, 0, 1},
+    .highlight_text = {1, 1, 1, 1},
+    .trail = {0, 0, 0, 0.25},
+    .separator = {0, 0, 0, 0.70},
+    .shadow = 0.20,
+};
 
-const MenuPalette* chosen_palette() {
+const MenuPalette contrast_dark_palette = {
+    .panel = {0, 0, 0, 1},
+    .border = {1, 1, 1, 1},
+    .edge = {0, 0, 0, 1},
+    .text = {1, 1, 1, 1},
+    .dimmed_text = {1, 1, 1, 0.62},
+    .hidden_text = {1, 1, 1, 0.80},
+    .mark = {1, 1, 1, 1},
+    .highlight = {1, 1, 1, 1},
+    .highlight_text = {0, 0, 0, 1},
+    .trail = {1, 1, 1, 0.35},
+    .separator = {1, 1, 1, 0.70},
+    .shadow = 0.42,
+};
+
+const double default_font_size = 13, default_drag_distance = 5, least_highlight_contrast = 2.6;
+
+bool wants_dark(DesktopSettings& desktop) {
     NSString* wanted = [[NSUserDefaults standardUserDefaults] stringForKey:@"MenuAppearance"];
-    if ([wanted isEqualToString:@"light"]) return &light_palette;
-    if ([wanted isEqualToString:@"dark"]) return &dark_palette;
-    return desktop_prefers_dark() ? &dark_palette : &light_palette;
+    if ([wanted isEqualToString:@"light"]) return false;
+    if ([wanted isEqualToString:@"dark"]) return true;
+    return desktop.prefers_dark();
 }
 
-double chosen_scale(const char* server_resources) {
+double chosen_scale(DesktopSettings& desktop, const char* server_resources) {
     const double wanted = [[NSUserDefaults standardUserDefaults] doubleForKey:@"GSScaleFactor"];
-    return wanted > 0 ? std::clamp(wanted, 0.5, 8.0) : desktop_scale(server_resources);
+    return wanted > 0 ? std::clamp(wanted, 0.5, 8.0) : desktop.scale(server_resources);
 }
 
 int pixels(double scale, double points) {
@@ -76,9 +108,38 @@ Color mixed(const Color& from, const Color& to, double share) {
             from.blue + (to.blue - from.blue) * share, from.alpha};
 }
 
-void set_font(MenuLook* look, NSFont* font) {
-    look->family = desktop_font_family();
-    look->font_size = font ? std::clamp<double>([font pointSize], 6, 96) : default_font_size;
+// Palettes stay, because looks point to them; a desktop has few accents in a process's life.
+const MenuPalette* palette_with(const MenuPalette& base, const DesktopSettings::Accent& accent) {
+    static auto& made = *new std::deque<MenuPalette>;
+    const Color color = {accent.red, accent.green, accent.blue, 1};
+    for (const MenuPalette& each : made) {
+        const Color& made_with = each.highlight;
+        const bool is_same = each.panel.red == base.panel.red && made_with.red == color.red &&
+                             made_with.green == color.green && made_with.blue == color.blue;
+        if (is_same) return &each;
+    }
+    MenuPalette palette = base;
+    palette.highlight = palette.trail = color;
+    palette.trail.alpha = base.trail.alpha;
+    const Color white = {1, 1, 1, 1}, black = {0, 0, 0, 1};
+    palette.highlight_text = contrast(white, color) >= least_highlight_contrast ? white : black;
+    return &made.emplace_back(palette);
+}
+
+const MenuPalette* chosen_palette(DesktopSettings& desktop) {
+    const bool is_dark = wants_dark(desktop);
+    if (desktop.wants_high_contrast()) {
+        return is_dark ? &contrast_dark_palette : &contrast_light_palette;
+    }
+    const MenuPalette& base = is_dark ? dark_palette : light_palette;
+    const auto accent = desktop.accent();
+    return accent ? palette_with(base, *accent) : &base;
+}
+
+void set_font(MenuLook* look, DesktopSettings& desktop, NSFont* font) {
+    const double wanted = font ? [font pointSize] : desktop.font_size();
+    look->family = desktop.font_family();
+    look->font_size = wanted > 0 ? std::clamp(wanted, 6.0, 96.0) : default_font_size;
     look->bold = look->italic = false;
     if (!font) return;
     const NSFontTraitMask traits = [[NSFontManager sharedFontManager] traitsOfFont:font];
@@ -110,12 +171,16 @@ void set_measures(MenuLook* look) {
 }  // namespace
 
 MenuLook menu_look(NSFont* font, const char* server_resources) {
+    DesktopSettings desktop;
     MenuLook look = {};
-    look.palette = chosen_palette();
-    look.scale = chosen_scale(server_resources);
+    look.palette = chosen_palette(desktop);
+    look.scale = chosen_scale(desktop, server_resources);
     look.mirrored = text_is_mirrored();
-    set_font(&look, font);
+    look.icon_theme = desktop.icon_theme();
+    set_font(&look, desktop, font);
     set_measures(&look);
+    const double drag = desktop.drag_distance();
+    look.drag_distance = pixels(look.scale, drag > 0 && drag <= 100 ? drag : default_drag_distance);
     return look;
 }
 

@@ -1,5 +1,6 @@
 #include "menus/menu_levels.h"
 
+#include "desktop/icon_theme.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_items.h"
 #include "x11/menu_windows.h"
@@ -21,6 +22,7 @@ bool has_alternate(NSMenuItem* item, NSArray* items) {
 MenuLevels::MenuLevels(MenuSession* session, NSFont* font)
     : session_([session retain]),
       style_{menu_look(font, server_resources()), windows_are_composed(), &images_} {
+    use_icon_theme(style_.look.icon_theme);
     set_display_scale(style_.look.scale);
     set_display_is_dark(is_dark(style_.look));
 }

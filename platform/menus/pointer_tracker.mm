@@ -11,7 +11,6 @@ namespace {
 
 const double hold_limit = 0.5;  // a button held as long means press-drag-release
 const double scroll_interval = 0.02;
-const int drag_distance = 5;
 const int wheel_rows = 3;
 
 unsigned button_of(NSEvent* event) {
@@ -110,7 +109,7 @@ bool PointerTracker::move(NSEvent* event) {
     if (moved) {
         place_ = point;
         const int far = std::abs(point.x - origin_.x) + std::abs(point.y - origin_.y);
-        if (far > drag_distance * levels_.style().look.scale) moved_ = true;
+        if (far > levels_.style().look.drag_distance) moved_ = true;
         hover();
     }
     send_to_item_view(levels_, event, point);

@@ -71,7 +71,8 @@ enum { number_type, text_type, color_type };
 
 }  // namespace
 
-std::string shared_setting(const std::string& name) {
+std::map<std::string, std::string> shared_settings() {
+    std::map<std::string, std::string> settings;
     const WindowConnection* to = window_connection();
     const std::string bytes = to ? all_settings(*to) : "";
     Reader reader(bytes);
@@ -80,14 +81,15 @@ std::string shared_setting(const std::string& name) {
         const uint32_t type = reader.number(1);
         reader.skip(1);
         const uint32_t length = reader.number(2);
-        const bool is_wanted = reader.text(length) == name;
+        const std::string name = reader.text(length);
         reader.skip(4);  // when it was set
         if (type == text_type) {
-            const std::string value = reader.text(reader.number(4));
-            if (is_wanted) return value;
+            settings.emplace(name, reader.text(reader.number(4)));
+        } else if (type == color_type) {
+            reader.skip(8);
         } else {
-            reader.skip(type == color_type ? 8 : 4);
+            settings.emplace(name, std::to_string(static_cast<int32_t>(reader.number(4))));
         }
     }
-    return {};
+    return settings;
 }

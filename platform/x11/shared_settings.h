@@ -2,9 +2,10 @@
 // thread.
 #pragma once
 
+#include <map>
 #include <string>
 
-// The text of a setting, such as "Net/IconThemeName". Empty when there is no such setting, when no
-// program shares settings, and without a display. Each call asks anew, which takes some trips to
-// the X server.
-std::string shared_setting(const std::string& name);
+// All settings that are texts or numbers, such as "Net/IconThemeName", by their names; numbers in
+// decimal digits. Empty when no program shares settings, and without a display. Each call asks
+// anew, which takes some trips to the X server.
+std::map<std::string, std::string> shared_settings();

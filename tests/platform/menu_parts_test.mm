@@ -182,26 +182,26 @@ TEST(Titles, FoldingForgetsCaseAndAccents) {
 }
 
 TEST(Desktop, TheScaleComesFromTheServersResources) {
-    EXPECT_EQ(desktop_scale(nullptr), 1);
-    EXPECT_EQ(desktop_scale("Xft.dpi:\t96\n"), 1);
-    EXPECT_EQ(desktop_scale("*foo: 1\nXft.dpi:\t192\n"), 2);
-    EXPECT_EQ(desktop_scale("Xft.dpi: 143"), 1.5);
-    EXPECT_EQ(desktop_scale("Xft.dpi: rubbish"), 1);
-    EXPECT_EQ(desktop_scale("Xft.dpi: 100000"), 4);
+    EXPECT_EQ(DesktopSettings().scale(nullptr), 1);
+    EXPECT_EQ(DesktopSettings().scale("Xft.dpi:\t96\n"), 1);
+    EXPECT_EQ(DesktopSettings().scale("*foo: 1\nXft.dpi:\t192\n"), 2);
+    EXPECT_EQ(DesktopSettings().scale("Xft.dpi: 143"), 1.5);
+    EXPECT_EQ(DesktopSettings().scale("Xft.dpi: rubbish"), 1);
+    EXPECT_EQ(DesktopSettings().scale("Xft.dpi: 100000"), 4);
 }
 
 TEST(Desktop, DarkAndTheFontComeFromItsSettings) {
     test::TempFolder config;
     setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
     unsetenv("GTK_THEME");
-    EXPECT_FALSE(desktop_prefers_dark());
-    EXPECT_NE(desktop_font_family(), "");
+    EXPECT_FALSE(DesktopSettings().prefers_dark());
+    EXPECT_NE(DesktopSettings().font_family(), "");
     config.file("gtk-3.0/settings.ini", "[Settings]\ngtk-font-name = Noto Sans, Bold 11\n"
                                         "gtk-application-prefer-dark-theme=1\n");
-    EXPECT_TRUE(desktop_prefers_dark());
-    EXPECT_EQ(desktop_font_family(), "Noto Sans");
+    EXPECT_TRUE(DesktopSettings().prefers_dark());
+    EXPECT_EQ(DesktopSettings().font_family(), "Noto Sans");
     setenv("GTK_THEME", "Adwaita", 1);
-    EXPECT_FALSE(desktop_prefers_dark()) << "the environment counts first";
+    EXPECT_FALSE(DesktopSettings().prefers_dark()) << "the environment counts first";
     setenv("GTK_THEME", "Adwaita:dark", 1);
-    EXPECT_TRUE(desktop_prefers_dark());
+    EXPECT_TRUE(DesktopSettings().prefers_dark());
 }
