@@ -9,6 +9,7 @@
 #include <fstream>
 #include <string>
 
+#include "desktop/icon_theme.h"
 #include "look/image_questions.h"
 #include "support/app.h"
 #include "support/temp_folder.h"
@@ -278,4 +279,19 @@ TEST_F(Icons, ItemsOfOneFileKeepOneImageUntilSomebodyLooksAtIt) {
     EXPECT_EQ(number([looked_at image], 32), 3);
     EXPECT_NE([item_of(other, 16) image], [looked_at image]);
     EXPECT_EQ(number([two image], 32), 2);
+}
+
+TEST_F(Icons, AnotherThemeCountsAtOnceAndTheFirstOneAgainLater) {
+    const std::string other = std::string(getenv("XDG_DATA_HOME")) + "/icons/Other";
+    ASSERT_EQ(system(("mkdir -p '" + other + "/any'").c_str()), 0);
+    write(other + "/index.theme",
+          "[Icon Theme]\nName=Other\nInherits=hicolor\nDirectories=any\n"
+          "[any]\nSize=48\nMinSize=8\nMaxSize=256\nContext=MimeTypes\nType=Scalable\n");
+    picture(other + "/any/text-x-generic.svg", "#000020");
+    const std::string file = folder.file("letter.txt", "text");
+    EXPECT_EQ(number(icon(file), 32), 2);
+    use_icon_theme("Other");
+    EXPECT_EQ(number(icon(file), 32), 0x20);
+    use_icon_theme("Plain");
+    EXPECT_EQ(number(icon(file), 32), 2);
 }

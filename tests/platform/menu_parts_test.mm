@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include "desktop/desktop_settings.h"
+#include "look/menu_look.h"
 #include "look/menu_text.h"
 #include "menus/menu_states.h"
 #include "support/temp_folder.h"
@@ -204,4 +205,33 @@ TEST(Desktop, DarkAndTheFontComeFromItsSettings) {
     EXPECT_FALSE(DesktopSettings().prefers_dark()) << "the environment counts first";
     setenv("GTK_THEME", "Adwaita:dark", 1);
     EXPECT_TRUE(DesktopSettings().prefers_dark());
+}
+
+TEST(Desktop, TheLookOfMenusFollowsItFromOneToTheNext) {
+    test::TempFolder config;
+    setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
+    unsetenv("GTK_THEME");
+    unsetenv("GDK_SCALE");
+    @autoreleasepool {
+        const MenuLook plain = menu_look(nil, nullptr);
+        EXPECT_EQ(plain.font_size, 13);
+        EXPECT_EQ(plain.drag_distance, 5);
+        config.file("kdeglobals", "[General]\nfont=Noto Sans,15,-1,5,50\nAccentColor=255,255,0\n"
+                                  "[KDE]\nStartDragDist=8\n[KScreen]\nScaleFactor=2\n");
+        const MenuLook look = menu_look(nil, nullptr);
+        EXPECT_EQ(look.font_size, 20);
+        EXPECT_EQ(look.scale, 2);
+        EXPECT_EQ(look.drag_distance, 16);
+        EXPECT_GT(look.row_height, 2 * plain.row_height);
+        EXPECT_EQ(look.palette->highlight.red, 1);
+        EXPECT_EQ(look.palette->highlight.blue, 0);
+        EXPECT_EQ(look.palette->highlight_text.red, 0) << "dark on yellow";
+        EXPECT_EQ(look.palette->panel.red, plain.palette->panel.red);
+        EXPECT_EQ(menu_look(nil, nullptr).palette, look.palette);
+        config.file("kdeglobals", "[General]\nColorScheme=HighContrast\n");
+        EXPECT_EQ(menu_look(nil, nullptr).palette->panel.red, 1);
+        EXPECT_EQ(menu_look(nil, nullptr).palette->text.red, 0);
+        config.file("kdeglobals", "");
+        EXPECT_EQ(menu_look(nil, nullptr).palette, plain.palette);
+    }
 }
