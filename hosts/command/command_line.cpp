@@ -82,8 +82,9 @@ bool takes_values(SettingsVerb verb) {
 }
 
 void add_settings(CLI::App& app, SettingsRequest& request) {
-    CLI::App* settings =
-        app.add_subcommand("settings", translated("Shows and changes Delvio's settings."));
+    CLI::App* settings = app.add_subcommand(
+        "settings",
+        translated("Shows and changes Delvio's settings; without a command, in a window."));
     settings->require_subcommand(0, 1);
     const auto verb = [&](const char* name, const char* meaning, SettingsVerb value) {
         CLI::App* sub = settings->add_subcommand(name, meaning);
@@ -192,9 +193,7 @@ std::string check_menu(const CLI::App& app, MenuRequest& request, const Options&
     return {};
 }
 
-std::string check_settings(const SettingsRequest& request, bool verb_given) {
-    if (!verb_given)
-        return translated("say what to do: settings list, get, set, add, remove or reset");
+std::string check_settings(const SettingsRequest& request) {
     if (takes_values(request.verb) && request.words.size() < 2) {
         const char* const name = request.verb == SettingsVerb::set   ? "set"
                                  : request.verb == SettingsVerb::add ? "add"
@@ -292,8 +291,7 @@ std::string check(const CLI::App& app, CommandLine& line, const Options& options
     if (line.command == CommandLine::undo) return {};
     if (line.command == CommandLine::install) return check_install(line.install_request);
     if (line.command == CommandLine::settings) {
-        const bool verb_given = !app.get_subcommand("settings")->get_subcommands().empty();
-        return check_settings(line.settings_request, verb_given);
+        return check_settings(line.settings_request);
     }
     return check_menu(*app.get_subcommand("menu"), line.menu_request, options);
 }

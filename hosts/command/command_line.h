@@ -24,10 +24,10 @@ struct MenuRequest {
     std::vector<std::pair<std::string, std::string>> settings;
 };
 
-enum class SettingsVerb { list, get, set, add, remove, reset };
+enum class SettingsVerb { window, list, get, set, add, remove, reset };
 
 struct SettingsRequest {
-    SettingsVerb verb = SettingsVerb::list;
+    SettingsVerb verb = SettingsVerb::window;
     bool json = false;
     bool all = false;
     std::vector<std::string> words;  // the key or keys, then the value's words

@@ -1,4 +1,4 @@
-// The items above the host's own actions: the user's folders, and undo. Main thread.
+// The items above the host's own actions: the user's folders, undo, and the settings. Main thread.
 #pragma once
 
 #include <functional>
@@ -14,5 +14,5 @@ struct HostItem {
     HostAction action;
 };
 
-// The items for these files; there may be none. Titles for people are in their language.
+// The items for these files. Titles for people are in their language.
 std::vector<HostItem> first_items(const std::vector<std::string>& files, bool for_people);

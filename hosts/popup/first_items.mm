@@ -10,6 +10,7 @@
 #include "file_steps/visible_text.h"
 #include "operations/last_done.h"
 #include "popup/asked_operations.h"
+#include "popup/settings_program.h"
 #include "settings/list_edits.h"
 #include "settings/setting_store.h"
 
@@ -120,5 +121,7 @@ std::vector<HostItem> first_items(const Paths& files, bool for_people) {
         items.push_back(
             {undo_title(*done, for_people), [](const Paths&) { return undo_last_operation(); }});
     }
+    items.push_back({title_of(for_people, to_translate("Settings...")),
+                     [](const Paths&) { return open_settings(); }});
     return items;
 }

@@ -21,7 +21,7 @@ const std::vector<HostItem>& host_actions() {
 // All items of the host for these files.
 std::vector<HostItem> host_items(const std::vector<std::string>& files, bool for_people) {
     std::vector<HostItem> items = first_items(files, for_people);
-    if (!items.empty()) items.push_back({"", nullptr});
+    items.push_back({"", nullptr});
     for (HostItem item : host_actions()) {
         if (!item.title.empty() && for_people) item.title = translated(item.title.c_str());
         items.push_back(item);

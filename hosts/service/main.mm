@@ -20,6 +20,7 @@
 #include "resident/host_start.h"
 #include "service/resident_host.h"
 #include "settings/settings_command.h"
+#include "settings_ui/settings_window.h"
 
 namespace {
 
@@ -39,8 +40,9 @@ int run_command(const CommandLine& line) {
     }
     if (!problem.empty())
         complain_about_usage(translated("%s; the default settings are used", {problem}));
-    return line.command == CommandLine::menu ? run_menu_command(line.menu_request)
-                                             : run_settings_command(line.settings_request);
+    if (line.command == CommandLine::menu) return run_menu_command(line.menu_request);
+    const bool has_verb = line.settings_request.verb != SettingsVerb::window;
+    return has_verb ? run_settings_command(line.settings_request) : run_settings_window();
 }
 
 int run(const CommandLine& line, char* program) {

@@ -60,7 +60,8 @@ void tell_missing(const std::vector<std::string>& missing) {
 std::vector<std::string> missing_paths(const Setting& setting,
                                        const std::vector<std::string>& entries) {
     std::vector<std::string> missing;
-    if (is_numeric(setting)) return missing;
+    const bool has_paths = setting.type == SettingType::path || setting.type == SettingType::paths;
+    if (!has_paths) return missing;
     for (const std::string& entry : entries) {
         struct stat ignored;
         const bool is_there = entry == separator_entry || stat(entry.c_str(), &ignored) == 0;
@@ -162,6 +163,8 @@ int reset(const SettingsRequest& request) {
 int run_settings_command(const SettingsRequest& request) {
     refresh_settings();
     switch (request.verb) {
+        case SettingsVerb::window:
+            break;
         case SettingsVerb::list:
             return list(request);
         case SettingsVerb::get:

@@ -18,13 +18,35 @@ enum class SettingType {
     word,     // one of a few words
 };
 
+// The pages of the settings window, in their order.
+enum class SettingGroup {
+    menu,
+    folders_shown,
+    own_folders,
+    open_with,
+    operations,
+    previews,
+    pointer,
+    messages,
+    without_effect,
+};
+
+// How the settings window shows a setting. Texts are in English.
+struct SettingShown {
+    SettingGroup group = SettingGroup::menu;
+    const char* label = nullptr;   // the key, if it has none
+    const char* reason = nullptr;  // one line: why one would change it; the meaning, if it has none
+    const char* choices = nullptr;  // what its numbers or words mean, with | between them
+};
+
 struct Setting {
     const char* key;
     SettingType type;
     int32_t standard;  // the default of flags and integers; other types have none
     int32_t least;     // bounds of flags and integers
     int32_t most;
-    const char* meaning;                  // in English; translated() where people read it
+    const char* meaning;  // in English; translated() where people read it
+    SettingShown shown = {};
     std::vector<std::string> words = {};  // of a word; the first is the default
 };
 
@@ -35,6 +57,14 @@ struct SettingValue {
 };
 
 const std::vector<Setting>& settings_table();
+// The title of a group's page, in English.
+const char* title_of(SettingGroup group);
+// What the numbers or words of a setting mean, from the first on, in the user's language; empty for
+// settings that are not chosen from a few.
+std::vector<std::string> choices_of(const Setting& setting);
+// Which of them the value is, and the word that sets one of them.
+int choice_of(const Setting& setting, const SettingValue& value);
+std::string word_of_choice(const Setting& setting, int choice);
 // Null for an unknown key.
 const Setting* find_setting(std::string_view key);
 // One line that says that the key is unknown and names the nearest known one.

@@ -4,6 +4,7 @@
 
 #include <Foundation/Foundation.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,25 @@
 // The alpha of a text that says less than the text before it.
 constexpr double dimmed_text_alpha = 0.7;
 
-// A text is one line, shortened in its middle; a paragraph wraps.
-enum class WidgetKind { text, paragraph, sign, icon, bar, button, check };
+// A text is one line, shortened in its middle; a paragraph wraps. A choice is a button that opens a
+// menu. Of the rows of one group one is on; the arrow keys move along them. A field is a line of
+// text that the user writes. A frame is the box around rows, and a picture shows `picture`.
+enum class WidgetKind {
+    text,
+    paragraph,
+    sign,
+    icon,
+    bar,
+    button,
+    check,
+    choice,
+    row,
+    field,
+    frame,
+    picture
+};
+
+struct _cairo_surface;
 
 struct Widget {
     WidgetKind kind = WidgetKind::text;
@@ -30,6 +48,9 @@ struct Widget {
     bool on = false;         // of a check box
     double value = 0;        // of a bar, from 0 to 1; negative while unknown
     Sign sign = Sign::none;  // of a sign
+    int group = 0;           // of a row: above 0
+    std::shared_ptr<_cairo_surface> picture = {};
+    std::string hint = "";  // of an empty field: what to write there
 
     // Whether mouse or keys can hit the widget.
     bool can_be_hit() const;
@@ -62,7 +83,10 @@ struct PanelContent {
     const Widget* widget(int item) const;
     // The item that a click there would hit, or 0.
     int item_at(MenuPoint point) const;
-    // The next item that can be hit or, with step -1, the one before, round and round. After 0
-    // comes the first item, before 0 the last. Returns `item` itself when no item can be hit.
+    // The next item that can be hit (of a group of rows only the one that is on) or, with step -1,
+    // the one before, round and round. After 0 comes the first item, before 0 the last. Returns
+    // `item` itself when no item can be hit.
     int item_beside(int item, int step) const;
+    // The same within the group of a row, without going round.
+    int row_beside(int item, int step) const;
 };

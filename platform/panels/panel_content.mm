@@ -14,7 +14,16 @@ const double button_padding = 18;  // points between a button's edge and its tit
 }  // namespace
 
 bool Widget::can_be_hit() const {
-    return (kind == WidgetKind::button || kind == WidgetKind::check) && !disabled;
+    switch (kind) {
+        case WidgetKind::button:
+        case WidgetKind::check:
+        case WidgetKind::choice:
+        case WidgetKind::row:
+        case WidgetKind::field:
+            return !disabled;
+        default:
+            return false;
+    }
 }
 
 void Widget::set_title(const std::string& title) {
@@ -69,7 +78,19 @@ int PanelContent::item_beside(int item, int step) const {
     for (ptrdiff_t turn = 0; turn < count; turn++) {
         index = (index + step + count) % count;
         const Widget& next = widgets[static_cast<size_t>(index)];
-        if (next.can_be_hit()) return next.item;
+        if (next.can_be_hit() && (!next.group || next.on)) return next.item;
+    }
+    return item;
+}
+
+int PanelContent::row_beside(int item, int step) const {
+    const Widget* from = widget(item);
+    if (!from || !from->group) return item;
+    const auto count = static_cast<ptrdiff_t>(widgets.size());
+    for (ptrdiff_t index = from - widgets.data() + step; index >= 0 && index < count;
+         index += step) {
+        const Widget& next = widgets[static_cast<size_t>(index)];
+        if (next.group == from->group && next.can_be_hit()) return next.item;
     }
     return item;
 }

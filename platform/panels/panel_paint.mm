@@ -4,65 +4,9 @@
 
 #include <algorithm>
 
-#include "look/menu_text.h"
-#include "menus/menu_paint.h"
+#include "panels/widget_paint.h"
 
 namespace {
-
-// What the painter of one widget draws with.
-struct Brush {
-    cairo_t* cairo;
-    const PanelContent& content;
-    PanelState state;
-    ImageCache* images;
-
-    const MenuPalette& palette() const { return *content.look.palette; }
-    double hairline() const { return content.look.hairline; }
-};
-
-void set_color(const Brush& brush, const Color& color, double alpha = 1) {
-    cairo_set_source_rgba(brush.cairo, color.red, color.green, color.blue, color.alpha * alpha);
-}
-
-void add_outline(const Brush& brush, const Area& area, double radius, double grown = 0) {
-    add_rounded_rectangle(brush.cairo, area.left - grown, area.top - grown, area.width + 2 * grown,
-                          area.height + 2 * grown, radius + grown);
-}
-
-void fill(const Brush& brush, const Area& area, double radius, const Color& color,
-          double alpha = 1) {
-    add_outline(brush, area, radius);
-    set_color(brush, color, alpha);
-    cairo_fill(brush.cairo);
-}
-
-// A hairline just inside the area.
-void outline(const Brush& brush, const Area& area, double radius, double alpha) {
-    cairo_set_line_width(brush.cairo, brush.hairline());
-    add_outline(brush, area, radius, -brush.hairline() / 2);
-    set_color(brush, brush.palette().text, alpha);
-    cairo_stroke(brush.cairo);
-}
-
-void draw_text(const Brush& brush, const TextLayout& text, MenuPoint at, const Color& color,
-               double alpha) {
-    set_color(brush, color, alpha);
-    cairo_move_to(brush.cairo, at.x, at.y);
-    pango_cairo_show_layout(brush.cairo, text.get());
-}
-
-// Draws the text where lines begin or in the middle of the area, and halfway down.
-void draw_line(const Brush& brush, const Widget& widget, const Area& area, const Color& color,
-               double alpha, bool centered) {
-    const TextLayout text = paragraph(brush.content.look, widget.text, widget.size, widget.bold, 0);
-    fit_text(text, area.width);
-    const int spare = area.width - text_width(text);
-    const int free = centered ? spare / 2 : brush.content.look.mirrored ? spare : 0;
-    draw_text(
-        brush, text,
-        {area.left + free - text_left(text), area.top + (area.height - text_height(text)) / 2},
-        color, alpha);
-}
 
 void paint_text(const Brush& brush, const Widget& widget) {
     draw_line(brush, widget, widget.area, brush.palette().text, widget.alpha, false);
@@ -161,7 +105,9 @@ const struct {
     {WidgetKind::text, paint_text},   {WidgetKind::paragraph, paint_paragraph},
     {WidgetKind::sign, paint_sign},   {WidgetKind::icon, paint_icon},
     {WidgetKind::bar, paint_bar},     {WidgetKind::button, paint_button},
-    {WidgetKind::check, paint_check},
+    {WidgetKind::check, paint_check}, {WidgetKind::choice, paint_choice},
+    {WidgetKind::row, paint_row},     {WidgetKind::field, paint_field},
+    {WidgetKind::frame, paint_frame}, {WidgetKind::picture, paint_picture},
 };
 
 // The border serves desktops where no window manager draws a frame.
@@ -173,6 +119,15 @@ void paint_ground(const Brush& brush) {
     cairo_set_line_width(brush.cairo, line);
     cairo_rectangle(brush.cairo, line / 2, line / 2, size.width - line, size.height - line);
     set_color(brush, brush.palette().border);
+    cairo_stroke(brush.cairo);
+}
+
+void paint_drop_border(const Brush& brush) {
+    const double line = brush.content.pixels(3);
+    const Extent size = brush.content.size;
+    cairo_set_line_width(brush.cairo, line);
+    cairo_rectangle(brush.cairo, line / 2, line / 2, size.width - line, size.height - line);
+    set_color(brush, brush.palette().highlight);
     cairo_stroke(brush.cairo);
 }
 
@@ -188,5 +143,6 @@ void paint_panel(cairo_t* cairo, const PanelScene& scene) {
         }
     }
     const Widget* focused = scene.state.focused ? content.widget(scene.state.focused) : nullptr;
-    if (focused && focused->can_be_hit()) paint_focus(brush, *focused);
+    if (focused && focused->can_be_hit() && !focused->group) paint_focus(brush, *focused);
+    if (scene.state.takes_drop) paint_drop_border(brush);
 }

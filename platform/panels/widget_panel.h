@@ -5,6 +5,8 @@
 #include <AppKit/AppKit.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "panels/dialog_panel.h"
 #include "panels/panel_content.h"
@@ -13,14 +15,19 @@
   @private
     BOOL _isModal;
 }
-// `hit` is called with the item of a button or check box.
+// `hit` is called with the item of a widget.
 - (instancetype)initWithTitle:(NSString*)title
                       content:(const PanelContent&)content
                           hit:(const std::function<void(int)>&)hit;
 // The caller may change the widgets, but must not add or remove any, and then sends
-// `widgetsChanged`.
+// `widgetsChanged`; or it sets another content.
 - (PanelContent&)content;
 - (void)widgetsChanged;
+// Shows other widgets at the same size.
+- (void)setContent:(const PanelContent&)content;
+- (void)focusItem:(int)item;
+// From now on files may be dropped on the panel; the listener gets their paths.
+- (void)setDropListener:(const std::function<void(const std::vector<std::string>&)>&)listener;
 // The middle of a widget, in pixels of the server; {-1, -1} without such a widget.
 - (MenuPoint)middleOfItem:(int)item;
 @end

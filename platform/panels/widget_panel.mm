@@ -24,6 +24,18 @@
     [[self widgetView] setNeedsDisplay:YES];
 }
 
+- (void)setContent:(const PanelContent&)content {
+    [[self widgetView] setContent:content];
+}
+
+- (void)focusItem:(int)item {
+    [[self widgetView] focusItem:item];
+}
+
+- (void)setDropListener:(const std::function<void(const std::vector<std::string>&)>&)listener {
+    [[self widgetView] setDropListener:listener];
+}
+
 - (void)cancelDialog {
     [[self widgetView] hit:[self content].cancel_item];
 }

@@ -1,36 +1,9 @@
 #include "panels/widget_view.h"
 
+#include <algorithm>
+
 #include "look/bitmaps.h"
-
-namespace {
-
-unichar mirrored_arrow(unichar key) {
-    if (key == NSLeftArrowFunctionKey) return NSRightArrowFunctionKey;
-    return key == NSRightArrowFunctionKey ? NSLeftArrowFunctionKey : key;
-}
-
-bool is_return(unichar key) {
-    return key == NSCarriageReturnCharacter || key == NSNewlineCharacter || key == NSEnterCharacter;
-}
-
-// Where the key leads the focus: to the next widget (1) or the one before (-1). 0: nowhere.
-int focus_step(unichar key, NSEvent* event, bool mirrored) {
-    switch (mirrored ? mirrored_arrow(key) : key) {
-        case NSTabCharacter:
-            return [event modifierFlags] & NSShiftKeyMask ? -1 : 1;
-        case NSLeftArrowFunctionKey:  // buttons follow each other from the right
-        case NSDownArrowFunctionKey:
-            return 1;
-        case NSBackTabCharacter:
-        case NSRightArrowFunctionKey:
-        case NSUpArrowFunctionKey:
-            return -1;
-        default:
-            return 0;
-    }
-}
-
-}  // namespace
+#include "panels/widget_paint.h"
 
 @implementation WidgetView
 
@@ -42,6 +15,7 @@ int focus_step(unichar key, NSEvent* event, bool mirrored) {
     if (content.look.mirrored) _content->mirror();
     _hit = new std::function<void(int)>(hit);
     _images = new ImageCache;
+    _before = new std::string;
     return self;
 }
 
@@ -49,6 +23,8 @@ int focus_step(unichar key, NSEvent* event, bool mirrored) {
     delete _content;
     delete _hit;
     delete _images;
+    delete _before;
+    delete _dropped;
     [super dealloc];
 }
 
@@ -86,7 +62,38 @@ int focus_step(unichar key, NSEvent* event, bool mirrored) {
 }
 
 - (void)showHovered:(int)hovered pressed:(int)pressed {
-    [self show:{hovered, pressed, _state.focused}];
+    PanelState state = _state;
+    state.hovered = hovered;
+    state.pressed = pressed;
+    [self show:state];
+}
+
+- (void)setContent:(const PanelContent&)content {
+    *_content = content;
+    if (content.look.mirrored) _content->mirror();
+    const Widget* focused = _state.focused ? _content->widget(_state.focused) : nullptr;
+    if (focused && !focused->can_be_hit()) {
+        _state.focused = _content->item_beside(_state.focused, 1);
+        focused = _content->widget(_state.focused);
+    }
+    if (!focused) _state.focused = 0;
+    _state.caret = focused ? std::min(_state.caret, focused->text.size()) : 0;
+    *_before = focused ? focused->text : "";
+    [self setNeedsDisplay:YES];
+}
+
+- (void)focusItem:(int)item {
+    const int left = _state.focused;
+    const Widget* widget = item ? _content->widget(item) : nullptr;
+    if (item == left || (item && !(widget && widget->can_be_hit()))) return;
+    const Widget* from = left ? _content->widget(left) : nullptr;
+    const bool has_changed = from && from->kind == WidgetKind::field && from->text != *_before;
+    *_before = widget ? widget->text : "";
+    PanelState state = _state;
+    state.focused = item;
+    state.caret = widget ? widget->text.size() : 0;
+    [self show:state];
+    if (has_changed) [self hit:left];
 }
 
 - (int)itemAt:(NSEvent*)event {
@@ -99,9 +106,27 @@ int focus_step(unichar key, NSEvent* event, bool mirrored) {
     [self showHovered:[self itemAt:event] pressed:0];
 }
 
+// The item with the focus, unless it is a field: a click beside a field ends its editing.
+- (int)focusWithoutField {
+    const Widget* widget = _state.focused ? _content->widget(_state.focused) : nullptr;
+    return widget && widget->kind == WidgetKind::field ? 0 : _state.focused;
+}
+
 - (void)mouseDown:(NSEvent*)event {
-    _pressedItem = [self itemAt:event];
-    [self showHovered:_pressedItem pressed:_pressedItem];
+    const int item = [self itemAt:event];
+    const Widget* widget = item ? _content->widget(item) : nullptr;
+    const bool is_field = widget && widget->kind == WidgetKind::field;
+    const bool takes_focus = is_field || (widget && widget->group);
+    // A field that loses the focus may bring other widgets.
+    [self focusItem:takes_focus ? item : [self focusWithoutField]];
+    widget = item ? _content->widget(item) : nullptr;
+    if (is_field && widget) {
+        const int x = static_cast<int>([self convertPoint:[event locationInWindow] fromView:nil].x);
+        _state.caret = caret_at(*_content, *widget, _state.caret, x);
+        [self setNeedsDisplay:YES];
+    }
+    _pressedItem = item;
+    [self showHovered:item pressed:item];
 }
 
 - (void)mouseDragged:(NSEvent*)event {
@@ -113,23 +138,9 @@ int focus_step(unichar key, NSEvent* event, bool mirrored) {
     const int began = _pressedItem, ended = [self itemAt:event];
     _pressedItem = 0;
     [self showHovered:ended pressed:0];
-    if (began == ended) [self hit:ended];
-}
-
-- (void)keyDown:(NSEvent*)event {
-    NSString* characters = [event charactersIgnoringModifiers];
-    if (![characters length]) return;
-    const unichar key = [characters characterAtIndex:0];
-    if (const int step = focus_step(key, event, _content->look.mirrored)) {
-        return [self
-            show:{_state.hovered, _state.pressed, _content->item_beside(_state.focused, step)}];
-    }
-    if (key == 0x1B) return [self hit:_content->cancel_item];
-    if (is_return(key)) return [self hit:_content->default_item];
-    if (key == ' ') return [self hit:_state.focused];
-    for (const Widget& widget : _content->widgets) {
-        if (widget.key == key && widget.can_be_hit()) return [self hit:widget.item];
-    }
+    const Widget* widget = ended ? _content->widget(ended) : nullptr;
+    const bool is_field = widget && widget->kind == WidgetKind::field;
+    if (began == ended && !is_field) [self hit:ended];
 }
 
 - (void)hit:(int)item {

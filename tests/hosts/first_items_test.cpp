@@ -90,6 +90,15 @@ TEST_F(FirstItems, UndoTheLastOperationAndTellWhatWasDone) {
     EXPECT_FALSE(has(menu_json({folder.path("to")}), "Undo Move of \"a.txt\""));
 }
 
+TEST_F(FirstItems, OfferTheSettingsForEveryFileAndWithEveryKeyHeld) {
+    const std::string file = folder.file("note.txt");
+    for (const char* keys : {"shift", "option", "command", "control", ""}) {
+        EXPECT_TRUE(has(menu_json({"--modifiers", keys, file}), "Settings...")) << keys;
+    }
+    expect_one_line(menu({"--pick", "Settings...", file}, {{"DISPLAY", ""}}), 1,
+                    "there is no display for the settings window");
+}
+
 TEST_F(FirstItems, SayWhyAnUndoIsNotPossible) {
     move_by_menu();
     folder.file("a.txt", "another");

@@ -25,10 +25,8 @@ using test::Outcome;
 using test::run_delvio;
 using test::Words;
 
-// The host's items for files, and for folders.
-const Words file_titles = {"Open", "Show in File Manager", "Copy Path", "-", "Move to Trash"};
-const Words host_titles = {"Add to my folders", "-", "Open",         "Show in File Manager",
-                           "Copy Path",         "-", "Move to Trash"};
+const Words host_titles = {"Add to my folders",    "Settings...", "-", "Open",
+                           "Show in File Manager", "Copy Path",   "-", "Move to Trash"};
 
 TEST_F(MenuCommand, HasThePlugInsItemsAboveTheHosts) {
     folder.file("top/a.txt");
@@ -78,7 +76,7 @@ TEST_F(MenuCommand, PrintsTheMenuAsATree) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out,
               "top >\n    sub >\n        a.txt\n        a.txt > [shift]\n        a.txt > "
-              "[option]\n--------\nAdd to my folders\n--------\nOpen\n"
+              "[option]\n--------\nAdd to my folders\nSettings...\n--------\nOpen\n"
               "Show in File Manager\nCopy Path\n--------\nMove to Trash\n");
 }
 

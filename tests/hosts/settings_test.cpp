@@ -183,6 +183,8 @@ TEST(SettingsCommand, NamesAFolderThatIsMissingAtOnce) {
     EXPECT_EQ(set.err,
               "delvio: there is no folder \"/no where\"; menus leave it out until there is one\n");
     EXPECT_EQ(get("folders"), "/usr\n-\n/no where\n");
+    const Outcome word = settings({"set", "escape_closes", "level"});
+    EXPECT_EQ(word.err, "") << "a word is no path";
     settings({"reset", "--all"});
 }
 
@@ -284,13 +286,38 @@ TEST(SettingsCommand, RefusesABadValueAndSaysWhatItTakes) {
 }
 
 TEST(SettingsCommand, RefusesWrongUse) {
-    expect_refused({}, "settings --help");
     expect_refused({"set", "sort_order"}, "a key and a value");
     expect_refused({"reset"}, "--all");
     expect_refused({"reset", "--all", "sort_order"}, "--all");
     expect_refused({"get"}, "KEY");
     expect_refused({"get", "a", "b"}, "");
     expect_refused({"change", "sort_order"}, "");
+}
+
+TEST(SettingsTable, TellsTheWindowWhatEachNumberOfAChoiceMeans) {
+    for (const Setting& setting : settings_table()) {
+        const auto choices = choices_of(setting);
+        if (choices.empty()) continue;
+        const bool has_words = setting.type == SettingType::word;
+        EXPECT_EQ(choices.size(), has_words ? setting.words.size()
+                                            : static_cast<size_t>(setting.most - setting.least + 1))
+            << setting.key;
+        for (int i = 0; i < static_cast<int>(choices.size()); i++) {
+            SettingValue value;
+            std::string problem;
+            ASSERT_TRUE(parse_setting(setting, {word_of_choice(setting, i)}, &value, &problem));
+            EXPECT_EQ(choice_of(setting, value), i) << setting.key;
+        }
+    }
+    EXPECT_EQ(choices_of(*find_setting("custom_folder_order"))[1], "Above the selection");
+}
+
+TEST(SettingsCommand, NeedsADisplayForTheWindowAndSaysWhatNeedsNone) {
+    const Outcome outcome = run_delvio({"settings"}, {{"DISPLAY", ""}});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(is_one_line(outcome.err)) << outcome.err;
+    EXPECT_NE(outcome.err.find("delvio settings list"), std::string::npos) << outcome.err;
 }
 
 // Each command prints one line about the file, with its name, and does not overwrite it.

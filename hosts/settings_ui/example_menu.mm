@@ -1,0 +1,147 @@
+#include "settings_ui/example_menu.h"
+
+#include <host/menu_tracking.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "finderkit/plug_in_items.h"
+#include "menus/menu_layout.h"
+#include "menus/menu_paint.h"
+#include "popup/host_menu.h"
+
+namespace {
+
+struct DrawnLevel {
+    const MenuLayout& layout;
+    NSMenuItem* highlighted;
+    Area area;
+};
+
+int drawn_height(const MenuLayout& layout, int room) { return std::min(layout.height(), room); }
+
+void draw_level(cairo_t* cairo, const DrawnLevel& level, ImageCache* images) {
+    const int shadow = level.layout.look().shadow_extent;
+    MenuScene scene = {};
+    scene.layout = &level.layout;
+    scene.images = images;
+    scene.highlighted = level.highlighted;
+    scene.left = scene.top = shadow;
+    scene.width = level.area.width;
+    scene.height = level.area.height;
+    scene.scrolls_down = level.area.height < level.layout.height();
+    scene.shadow = scene.rounded = true;
+    cairo_save(cairo);
+    cairo_rectangle(cairo, level.area.left - shadow, level.area.top - shadow,
+                    level.area.width + 2 * shadow, level.area.height + 2 * shadow);
+    cairo_clip(cairo);
+    cairo_translate(cairo, level.area.left - shadow, level.area.top - shadow);
+    cairo_push_group(cairo);
+    paint_menu(cairo, scene);
+    cairo_pop_group_to_source(cairo);
+    cairo_paint(cairo);
+    cairo_restore(cairo);
+}
+
+}  // namespace
+
+@interface ExampleTracker : NSObject <MenuTracker> {
+  @private
+    NSString* _folder;
+    const MenuLook* _look;
+    Extent _most;
+    Picture* _picture;
+}
+- (instancetype)initWithFolder:(NSString*)folder look:(const MenuLook*)look most:(Extent)most;
+- (const Picture&)picture;
+@end
+
+@implementation ExampleTracker
+
+- (instancetype)initWithFolder:(NSString*)folder look:(const MenuLook*)look most:(Extent)most {
+    if (!(self = [super init])) return nil;
+    _folder = [folder copy];
+    _look = look;
+    _most = most;
+    _picture = new Picture;
+    return self;
+}
+
+- (void)dealloc {
+    [_folder release];
+    delete _picture;
+    [super dealloc];
+}
+
+- (const Picture&)picture {
+    return *_picture;
+}
+
+- (NSMenuItem*)openFolderInSession:(MenuSession*)session {
+    NSMenu* root = [session rootMenu];
+    for (NSMenuItem* item in [MenuSession visibleItemsOfMenu:root withModifiers:0]) {
+        if (![[path_of_item(item) stringByStandardizingPath] isEqualToString:_folder]) continue;
+        [session highlightItem:item inMenu:root];
+        return [session openSubmenuOfItem:item] ? item : nil;
+    }
+    return nil;
+}
+
+- (void)drawRoot:(const MenuLayout&)root item:(NSMenuItem*)item level:(const MenuLayout*)level {
+    const int shadow = _look->shadow_extent, room = _most.height - 2 * shadow;
+    const Area area = {shadow, shadow, root.width(), drawn_height(root, room)};
+    Area beside = {};
+    if (level) {
+        const int row = std::max(0, root.row_of(item));
+        const int top = root.rows()[static_cast<size_t>(row)].top + shadow - _look->inset;
+        const int height = drawn_height(*level, room);
+        beside = {area.right() - _look->inset, std::clamp(top, shadow, shadow + room - height),
+                  level->width(), height};
+    }
+    const int right = std::max(area.right(), level ? beside.right() : 0);
+    const int bottom = std::max(area.bottom(), level ? beside.bottom() : 0);
+    _picture->reset(
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, right + shadow, bottom + shadow),
+        cairo_surface_destroy);
+    cairo_t* cairo = cairo_create(_picture->get());
+    ImageCache images;
+    draw_level(cairo, {root, item, area}, &images);
+    if (level) draw_level(cairo, {*level, nil, beside}, &images);
+    cairo_destroy(cairo);
+}
+
+- (void)trackSession:(MenuSession*)session
+               event:(NSEvent*)event
+                view:(NSView*)view
+                font:(NSFont*)font {
+    (void)event, (void)view, (void)font;
+    [session open];
+    NSMenuItem* item = [self openFolderInSession:session];
+    MenuLayout root(*_look), level(*_look);
+    root.update([session rootMenu], 0);
+    if (item) level.update([item submenu], 0);
+    [self drawRoot:root item:item level:item ? &level : nullptr];
+    [session close];
+}
+
+@end
+
+Picture example_menu(const std::string& folder, const MenuLook& look, Extent most) {
+    ExampleTracker* tracker = [[[ExampleTracker alloc] initWithFolder:@(folder.c_str())
+                                                                 look:&look
+                                                                 most:most] autorelease];
+    HostMenu* host = [[[HostMenu alloc] initWithFiles:{folder}] autorelease];
+    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
+                                        location:NSZeroPoint
+                                   modifierFlags:0
+                                       timestamp:0
+                                    windowNumber:0
+                                         context:nil
+                                     eventNumber:0
+                                      clickCount:1
+                                        pressure:1];
+    [NSMenu setContextMenuTracker:tracker];
+    [NSMenu popUpContextMenu:[host menu] withEvent:event forView:nil];
+    [NSMenu setContextMenuTracker:nil];
+    return [tracker picture];
+}

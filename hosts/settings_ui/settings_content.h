@@ -1,0 +1,46 @@
+// What the settings window shows. Main thread.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "panels/panel_content.h"
+#include "settings/setting_store.h"
+#include "settings_ui/example_menu.h"
+#include "settings_ui/setting_pages.h"
+
+// The items of the window's widgets. The ones that begin a range have more after them: one for each
+// page, setting of the page, or folder.
+enum SettingsItem {
+    no_settings_item,
+    close_item,
+    reset_item,
+    path_item,
+    add_item,
+    choose_item,
+    separator_item,
+    remove_item,
+    up_item,
+    down_item,
+    pages_item = 1000,
+    settings_item = 2000,
+    folders_item = 3000,
+};
+
+struct SettingsView {
+    std::vector<SettingPage> pages;
+    size_t page = 0;
+    std::vector<SettingState> states;  // of the page's settings
+    size_t folder = 0;                 // the selected one of a list
+    std::string new_path;
+    std::string message;  // one line: what was wrong, or what was done
+    bool is_problem = false;
+    Picture example;
+};
+
+// The room for settings in a page, and for the example, in points.
+double page_height();
+Extent example_room(const MenuLook& look);
+
+PanelContent settings_content(const SettingsView& view);

@@ -1,0 +1,276 @@
+#include "settings_ui/settings_window.h"
+
+#include <AppKit/AppKit.h>
+#include <host/process.h>
+#include <host/text.h>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "command/command_line.h"
+#include "command/exit_signals.h"
+#include "command/private_display.h"
+#include "file_steps/visible_text.h"
+#include "panels/widget_panel.h"
+#include "popup/menu_command.h"
+#include "popup/shown_menu.h"
+#include "settings/list_edits.h"
+#include "settings_ui/example_folder.h"
+#include "settings_ui/folder_chooser.h"
+#include "settings_ui/settings_content.h"
+#include "x11/screens.h"
+
+using operations::in_quotes;
+
+namespace {
+
+constexpr NSInteger closed = 1;
+
+class SettingsWindow {
+  public:
+    SettingsWindow();
+    ~SettingsWindow() { [panel_ release]; }
+    SettingsWindow(const SettingsWindow&) = delete;
+    SettingsWindow& operator=(const SettingsWindow&) = delete;
+
+    void run() { [panel_ runModal]; }
+    void add_dropped(const std::vector<std::string>& paths);
+
+  private:
+    void read();
+    void show();
+    void hit(int item);
+    void hit_list(int item);
+    void choose_page(size_t page);
+    void tell(const std::string& problem);
+    void change(const Setting& setting, const std::vector<std::string>& words);
+    void change_setting(size_t index);
+    void choose(size_t index);
+    void change_list(const std::vector<std::string>& list);
+    void add_path(const std::string& path);
+    void move_folder(int step);
+    void reset_page();
+    const std::vector<std::string>& list() const;
+    const Setting* list_setting() const;
+    NSPoint corner_of(int item);
+
+    ExampleFolder folder_;
+    SettingsView view_;
+    WidgetPanel* panel_ = nil;
+};
+
+SettingsWindow::SettingsWindow() {
+    view_.pages = setting_pages(page_height());
+    read();
+    panel_ = [[WidgetPanel alloc] initWithTitle:@(translated("Delvio Settings"))
+                                        content:settings_content(view_)
+                                            hit:[this](int item) { hit(item); }];
+    [panel_ setDropListener:[this](const std::vector<std::string>& paths) { add_dropped(paths); }];
+    [panel_ focusItem:pages_item];
+}
+
+void SettingsWindow::read() {
+    refresh_settings();
+    view_.states.clear();
+    for (const Setting* setting : view_.pages[view_.page].settings) {
+        view_.states.push_back(read_setting(*setting));
+    }
+    view_.folder = std::min(view_.folder, list().empty() ? 0 : list().size() - 1);
+    const PanelContent content;
+    if (!folder_.path().empty()) {
+        view_.example = example_menu(folder_.path(), content.look, example_room(content.look));
+    }
+}
+
+void SettingsWindow::show() {
+    read();
+    [panel_ setContent:settings_content(view_)];
+}
+
+const Setting* SettingsWindow::list_setting() const {
+    for (const SettingState& state : view_.states) {
+        if (state.setting->type == SettingType::paths) return state.setting;
+    }
+    return nullptr;
+}
+
+const std::vector<std::string>& SettingsWindow::list() const {
+    static const std::vector<std::string> none;
+    for (const SettingState& state : view_.states) {
+        if (state.setting->type == SettingType::paths) return state.value.strings;
+    }
+    return none;
+}
+
+void SettingsWindow::tell(const std::string& problem) {
+    view_.message = problem;
+    view_.is_problem = !problem.empty();
+}
+
+void SettingsWindow::choose_page(size_t page) {
+    view_.page = page;
+    view_.folder = 0;
+    view_.new_path.clear();
+    tell("");
+    show();
+}
+
+// No words reset the setting.
+void SettingsWindow::change(const Setting& setting, const std::vector<std::string>& words) {
+    SettingValue value;
+    std::string problem;
+    if (words.empty()) {
+        reset_setting(setting);
+    } else if (parse_setting(setting, words, &value, &problem)) {
+        store_setting(setting, value);
+    }
+    if (problem.empty() && !save_settings()) problem = translated("The settings cannot be saved.");
+    tell(problem);
+    show();
+}
+
+void SettingsWindow::choose(size_t index) {
+    const SettingState state = view_.states[index];
+    const int item = settings_item + static_cast<int>(index);
+    const int picked = choose_from(choices_of(*state.setting),
+                                   choice_of(*state.setting, state.value), corner_of(item));
+    if (picked >= 0) change(*state.setting, {word_of_choice(*state.setting, picked)});
+});
+}
+
+void SettingsWindow::change_setting(size_t index) {
+    const SettingState state = view_.states[index];
+    const Widget* widget = [panel_ content].widget(settings_item + static_cast<int>(index));
+    const std::string written = widget ? widget->text : "";
+    switch (state.setting->type) {
+        case SettingType::flag:
+            return change(*state.setting, {state.value.number ? "0" : "1"});
+        case SettingType::word:
+        case SettingType::integer:
+            if (!choices_of(*state.setting).empty()) return choose(index);
+            return written.empty() ? change(*state.setting, {}) : change(*state.setting, {written});
+        case SettingType::path:
+            return written.empty() ? change(*state.setting, {}) : change(*state.setting, {written});
+        case SettingType::paths:
+            return;
+    }
+}
+
+void SettingsWindow::change_list(const std::vector<std::string>& list) {
+    if (const Setting* setting = list_setting()) change(*setting, list);
+}
+
+// A path below the home folder may begin with a tilde.
+void SettingsWindow::add_path(const std::string& path) {
+    if (path.empty()) return;
+    view_.new_path = path;
+    NSString* text = [[NSString stringWithUTF8String:path.c_str()] stringByExpandingTildeInPath];
+    const std::string whole = entry_of_path([text UTF8String] ?: "");
+    struct stat ignored;
+    const bool is_there = stat(whole.c_str(), &ignored) == 0;
+    std::string problem;
+    if (whole[0] != '/') {
+        problem = translated("A path begins with / or ~.");
+    } else if (!is_there) {
+        problem = translated("There is no folder %s.", {in_quotes(whole)});
+    } else if (list_has(list(), whole)) {
+        problem = translated("%s is in the list already.", {in_quotes(whole)});
+    }
+    if (!problem.empty()) {
+        tell(problem);
+        return show();
+    }
+    std::vector<std::string> entries = list();
+    add_entry(&entries, whole);
+    view_.new_path.clear();
+    view_.folder = entries.size() - 1;
+    change_list(entries);
+}
+
+void SettingsWindow::add_dropped(const std::vector<std::string>& paths) {
+    for (size_t page = 0; !list_setting() && page < view_.pages.size(); page++) choose_page(page);
+    for (const std::string& path : paths) add_path(path);
+}
+
+void SettingsWindow::move_folder(int step) {
+    std::vector<std::string> entries = list();
+    const size_t other = view_.folder + static_cast<size_t>(step);
+    if (view_.folder >= entries.size() || other >= entries.size()) return;
+    std::swap(entries[view_.folder], entries[other]);
+    view_.folder = other;
+    change_list(entries);
+}
+
+void SettingsWindow::reset_page() {
+    for (const SettingState& state : view_.states) reset_setting(*state.setting);
+    tell(save_settings() ? "" : translated("The settings cannot be saved."));
+    if (view_.message.empty()) view_.message = translated("This page has its defaults again.");
+    show();
+}
+
+// The lower left corner of a widget on the screen.
+NSPoint SettingsWindow::corner_of(int item) {
+    const Widget* widget = [panel_ content].widget(item);
+    const Area area = widget ? widget->area : Area{};
+    NSView* view = [panel_ contentView];
+    const NSPoint base = [view convertPoint:NSMakePoint(area.left, area.bottom()) toView:nil];
+    return [panel_ convertBaseToScreen:base];
+}
+
+void SettingsWindow::hit_list(int item) {
+    std::vector<std::string> entries = list();
+    const auto at = entries.begin() + static_cast<ptrdiff_t>(view_.folder);
+    switch (item) {
+        case path_item:
+        case add_item:
+            return add_path([panel_ content].widget(path_item)->text);
+        case choose_item:
+            return add_path(choose_folder(corner_of(choose_item)));
+        case separator_item:
+            entries.insert(at + 1, separator_entry);
+            view_.folder++;
+            return change_list(entries);
+        case remove_item:
+            entries.erase(at);
+            return change_list(entries);
+        case up_item:
+            return move_folder(-1);
+        case down_item:
+            return move_folder(1);
+    }
+}
+
+void SettingsWindow::hit(int item) {
+    if (item == close_item) return [NSApp stopModalWithCode:closed];
+    if (item == reset_item) return reset_page();
+    if (item >= folders_item) {
+        view_.folder = static_cast<size_t>(item - folders_item);
+        return show();
+    }
+    if (item >= settings_item) return change_setting(static_cast<size_t>(item - settings_item));
+    if (item >= pages_item) return choose_page(static_cast<size_t>(item - pages_item));
+    hit_list(item);
+}
+
+}  // namespace
+
+int run_settings_window() {
+    std::string problem;
+    if (!display_answers(&problem) || !prepare_menus(&problem)) {
+        if (problem.empty()) {
+            problem = translated(
+                "there is no display for the settings window; use delvio settings list, get, set, "
+                "add, remove and reset");
+        }
+        complain_about_usage(problem);
+        return exit_failed;
+    }
+    @autoreleasepool {
+        MenuEnder* ender = [[MenuEnder new] autorelease];
+        [ender watchForSignals];
+        SettingsWindow().run();
+        [ender stop];
+    }
+    return signal_caught() ? 128 + signal_caught() : exit_done;
+}

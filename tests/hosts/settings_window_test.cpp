@@ -1,0 +1,190 @@
+// The settings window as a user has it: real keys, a real drag, and what is stored then.
+#include <signal.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+#include "hosts/menu_command.h"
+#include "support/managed_windows.h"
+#include "support/x_input.h"
+
+namespace {
+
+using test::json;
+using test::MenuCommand;
+using test::Outcome;
+using test::run_delvio;
+using test::RunningCommand;
+using test::Words;
+
+constexpr std::chrono::minutes longest_wait(2);  // a guard, not a measure of speed
+constexpr int microseconds_a_turn = 20000;
+
+bool wait_for(const std::function<bool()>& happened) {
+    const auto end = std::chrono::steady_clock::now() + longest_wait;
+    while (!happened()) {
+        if (std::chrono::steady_clock::now() > end) return happened();
+        usleep(microseconds_a_turn);
+    }
+    return true;
+}
+
+std::string output_of(const std::string& command) {
+    FILE* in = popen((command + " 2>/dev/null").c_str(), "r");
+    std::string text;
+    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
+    pclose(in);
+    return text;
+}
+
+std::string picture() { return output_of("import -silent -window root rgba:- | md5sum"); }
+
+class SettingsWindow : public MenuCommand, public testing::WithParamInterface<bool> {
+  protected:
+    SettingsWindow() { run_delvio({"settings", "reset", "--all"}); }
+    ~SettingsWindow() override { run_delvio({"settings", "reset", "--all"}); }
+
+    static std::string window() {
+        return output_of("xdotool search --onlyvisible --name '^Delvio Settings$'");
+    }
+    // The window is there, has the keyboard, and has drawn what it shows.
+    static bool has_keys() {
+        return wait_for([] {
+            const std::string shown = window();
+            if (shown.empty() || shown != output_of("xdotool getwindowfocus")) return false;
+            const std::string before = picture();
+            usleep(300000);
+            return picture() == before;
+        });
+    }
+    // Presses the keys one by one; each has its visible effect before the next.
+    static bool press(const Words& keys) {
+        for (const std::string& key : keys) {
+            const std::string before = picture();
+            output_of("xdotool key " + key);
+            if (!wait_for([&] { return picture() != before; })) return false;
+        }
+        return true;
+    }
+    static void type(const std::string& text) {
+        output_of("xdotool type --delay 40 -- '" + text + "'");
+    }
+    static std::string get(const std::string& key) {
+        return run_delvio({"settings", "get", key}).out;
+    }
+    static bool becomes(const std::string& key, const std::string& value) {
+        return wait_for([&] { return get(key) == value; });
+    }
+
+    test::XInput input_;
+    const std::unique_ptr<test::WindowManager> manager_{GetParam() ? new test::WindowManager
+                                                                   : nullptr};
+};
+
+INSTANTIATE_TEST_SUITE_P(WithoutAndWithAManager, SettingsWindow, testing::Bool());
+
+TEST_P(SettingsWindow, ChangesAFlagAndANumberThatCountFromTheNextMenu) {
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Tab", "space"}));
+    EXPECT_TRUE(becomes("delvio_is_on", "0\n"));
+    const json items = menu_json({folder.folder("top")});
+    EXPECT_EQ(titles(items)[0], "Add to my folders") << "the plug-in's items are gone";
+    ASSERT_TRUE(press({"Tab", "BackSpace", "BackSpace", "7"}));
+    output_of("xdotool key Return");
+    EXPECT_TRUE(becomes("rootMenuCollapseThreshold", "7\n"));
+    output_of("xdotool key Escape");
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out + outcome.err, "");
+}
+
+TEST_P(SettingsWindow, ChoosesFromAMenuWithTheKeys) {
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Down", "Tab", "Tab"}));
+    output_of("xdotool key space");
+    ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }));
+    ASSERT_TRUE(press({"Down", "Down"}));
+    output_of("xdotool key Return");
+    EXPECT_TRUE(becomes("sort_order", "1\n"));
+    ASSERT_TRUE(has_keys());
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
+TEST_P(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
+    const std::string one = folder.folder("one"), two = folder.folder("two");
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Down", "Down", "Tab", "Tab"}));
+    type(one);
+    ASSERT_TRUE(press({"Return"}));
+    ASSERT_TRUE(becomes("folders", one + "\n"));
+    type(folder.path("none"));
+    ASSERT_TRUE(press({"Return"})) << "a message";
+    ASSERT_TRUE(press(Words(std::string("none").size(), "BackSpace")));
+    type("two");
+    ASSERT_TRUE(press({"Return"}));
+    ASSERT_TRUE(becomes("folders", one + "\n" + two + "\n"));
+    ASSERT_TRUE(press({"shift+Tab", "space"})) << "Move Up";
+    ASSERT_TRUE(becomes("folders", two + "\n" + one + "\n"));
+    ASSERT_TRUE(press({"shift+Tab", "space"})) << "Remove";
+    ASSERT_TRUE(becomes("folders", one + "\n"));
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
+TEST_P(SettingsWindow, ClosesAtASignal) {
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    command.send_signal(SIGTERM);
+    EXPECT_EQ(command.finish().status, 128 + SIGTERM);
+}
+
+TEST_P(SettingsWindow, OpensFromTheMenu) {
+    RunningCommand command({"menu", "--at", "200,150", folder.file("a.txt")});
+    ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }));
+    output_of("xdotool key --delay 60 Down Down Return");
+    EXPECT_EQ(command.finish().status, 0);
+    ASSERT_TRUE(has_keys());
+    output_of("xdotool key Escape");
+    EXPECT_TRUE(wait_for([] { return window().empty(); }));
+}
+
+// A folder is dragged out of a menu, as by any program that offers files.
+TEST_P(SettingsWindow, TakesAFolderThatIsDropped) {
+    const std::string top = folder.folder("top");
+    RunningCommand settings({"settings"});
+    ASSERT_TRUE(has_keys());
+    RunningCommand command({"menu", "--at", "10,10", top});
+    ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }));
+    const unsigned long plain = input_.pixel(130, 26);
+    ASSERT_TRUE(wait_for([&] {
+        input_.move(40 + rand() % 3, 26);
+        return input_.pixel(130, 26) != plain;
+    }));
+    input_.key_down("Super_L");
+    input_.press(1);
+    ASSERT_TRUE(wait_for([&] { return input_.pointer_is_free(); })) << "the menu closes";
+    ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free(); })) << "the drag begins";
+    input_.key_up("Super_L");
+    int left = 0, top_edge = 0, step = 0;
+    ASSERT_EQ(sscanf(output_of("xdotool getwindowgeometry --shell " + window()).c_str(),
+                     "WINDOW=%*d X=%d Y=%d", &left, &top_edge),
+              2);
+    const auto edge = [&] { return input_.pixel(left + 1, top_edge + 300); };
+    const unsigned long calm = edge();
+    ASSERT_TRUE(wait_for([&] {
+        input_.move(640 + step++ % 3, 410);
+        return edge() != calm;
+    })) << "the window shows that it takes the folder";
+    input_.release(1);
+    EXPECT_TRUE(becomes("folders", top + "\n"));
+    EXPECT_EQ(command.finish().status, 0);
+    settings.send_signal(SIGTERM);
+    EXPECT_EQ(settings.finish().status, 128 + SIGTERM);
+}
+
+}  // namespace
