@@ -70,7 +70,9 @@ const std::vector<Setting> settings = {
       to_translate("Order of the kinds"),
       to_translate("What you look for most should come first."),
       to_translate("Folders, applications, packages, files|"
-                   "Applications, folders, packages, files|Packages, files, applications, folders|Packages, files, folders, applications")}},
+                   "Applications, folders, packages, files|"
+                   "Packages, files, applications, folders|"
+                   "Packages, files, folders, applications")}},
     {sort_by_language_setting, flag, 0, 0, 1,
      to_translate("1 sorts names as the user's language does, 0 by their bytes"),
      {SettingGroup::folders_shown,

@@ -144,7 +144,8 @@ std::string choose_folder(NSPoint point) {
     MenuChoice* choice = [[MenuChoice new] autorelease];
     NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [menu setAutoenablesItems:NO];
-    NSString* home = NSHomeDirectory();
+    const char* const variable = getenv("HOME");
+    NSString* home = [NSString stringWithUTF8String:variable ?: "/"] ?: @"/";
     [choice addFolder:home title:@(translated("Home")) toMenu:menu];
     for (const std::string& name : folders_in([home UTF8String])) {
         NSString* title = [NSString stringWithUTF8String:name.c_str()];

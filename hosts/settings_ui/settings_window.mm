@@ -4,6 +4,7 @@
 #include <host/process.h>
 #include <host/text.h>
 
+#include <stdlib.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -26,6 +27,13 @@ using operations::in_quotes;
 namespace {
 
 constexpr NSInteger closed = 1;
+
+// A path below the home folder may begin with a tilde.
+std::string without_tilde(const std::string& path) {
+    const char* const home = getenv("HOME");
+    const bool has_tilde = home && (path == "~" || path.starts_with("~/"));
+    return has_tilde ? home + path.substr(1) : path;
+}
 
 class SettingsWindow {
   public:
@@ -136,7 +144,6 @@ void SettingsWindow::choose(size_t index) {
     const int picked = choose_from(choices_of(*state.setting),
                                    choice_of(*state.setting, state.value), corner_of(item));
     if (picked >= 0) change(*state.setting, {word_of_choice(*state.setting, picked)});
-});
 }
 
 void SettingsWindow::change_setting(size_t index) {
@@ -161,12 +168,10 @@ void SettingsWindow::change_list(const std::vector<std::string>& list) {
     if (const Setting* setting = list_setting()) change(*setting, list);
 }
 
-// A path below the home folder may begin with a tilde.
 void SettingsWindow::add_path(const std::string& path) {
     if (path.empty()) return;
     view_.new_path = path;
-    NSString* text = [[NSString stringWithUTF8String:path.c_str()] stringByExpandingTildeInPath];
-    const std::string whole = entry_of_path([text UTF8String] ?: "");
+    const std::string whole = entry_of_path(without_tilde(path));
     struct stat ignored;
     const bool is_there = stat(whole.c_str(), &ignored) == 0;
     std::string problem;

@@ -40,7 +40,7 @@ std::string output_of(const std::string& command) {
 
 std::string picture() { return output_of("import -silent -window root rgba:- | md5sum"); }
 
-class SettingsWindow : public MenuCommand, public testing::WithParamInterface<bool> {
+class SettingsWindow : public MenuCommand {
   protected:
     SettingsWindow() { run_delvio({"settings", "reset", "--all"}); }
     ~SettingsWindow() override { run_delvio({"settings", "reset", "--all"}); }
@@ -78,13 +78,16 @@ class SettingsWindow : public MenuCommand, public testing::WithParamInterface<bo
     }
 
     test::XInput input_;
+};
+
+class AnySettingsWindow : public SettingsWindow, public testing::WithParamInterface<bool> {
     const std::unique_ptr<test::WindowManager> manager_{GetParam() ? new test::WindowManager
                                                                    : nullptr};
 };
 
-INSTANTIATE_TEST_SUITE_P(WithoutAndWithAManager, SettingsWindow, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(WithoutAndWithAManager, AnySettingsWindow, testing::Bool());
 
-TEST_P(SettingsWindow, ChangesAFlagAndANumberThatCountFromTheNextMenu) {
+TEST_P(AnySettingsWindow, ChangesAFlagAndANumberThatCountFromTheNextMenu) {
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
     ASSERT_TRUE(press({"Tab", "space"}));
@@ -100,7 +103,7 @@ TEST_P(SettingsWindow, ChangesAFlagAndANumberThatCountFromTheNextMenu) {
     EXPECT_EQ(outcome.out + outcome.err, "");
 }
 
-TEST_P(SettingsWindow, ChoosesFromAMenuWithTheKeys) {
+TEST_P(AnySettingsWindow, ChoosesFromAMenuWithTheKeys) {
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
     ASSERT_TRUE(press({"Down", "Tab", "Tab"}));
@@ -114,7 +117,7 @@ TEST_P(SettingsWindow, ChoosesFromAMenuWithTheKeys) {
     EXPECT_EQ(command.finish().status, 0);
 }
 
-TEST_P(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
+TEST_F(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
     const std::string one = folder.folder("one"), two = folder.folder("two");
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
@@ -136,14 +139,14 @@ TEST_P(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
     EXPECT_EQ(command.finish().status, 0);
 }
 
-TEST_P(SettingsWindow, ClosesAtASignal) {
+TEST_P(AnySettingsWindow, ClosesAtASignal) {
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
     command.send_signal(SIGTERM);
     EXPECT_EQ(command.finish().status, 128 + SIGTERM);
 }
 
-TEST_P(SettingsWindow, OpensFromTheMenu) {
+TEST_P(AnySettingsWindow, OpensFromTheMenu) {
     RunningCommand command({"menu", "--at", "200,150", folder.file("a.txt")});
     ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }));
     output_of("xdotool key --delay 60 Down Down Return");
@@ -154,7 +157,7 @@ TEST_P(SettingsWindow, OpensFromTheMenu) {
 }
 
 // A folder is dragged out of a menu, as by any program that offers files.
-TEST_P(SettingsWindow, TakesAFolderThatIsDropped) {
+TEST_F(SettingsWindow, TakesAFolderThatIsDropped) {
     const std::string top = folder.folder("top");
     RunningCommand settings({"settings"});
     ASSERT_TRUE(has_keys());
