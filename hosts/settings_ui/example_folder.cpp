@@ -11,8 +11,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* folders[] = {"Letters", "Pictures/Garden"};
-constexpr const char* files[] = {"Address.txt", "Recipes.txt", "Letters/To Anna.txt",
-                                 "Letters/To Ben.txt", ".hidden"};
+constexpr const char* files[] = {"Address.txt", "Recipes.txt", "Letters/Anna.txt",
+                                 "Letters/Ben.txt", ".hidden"};
 constexpr const char* labelled = "Recipes.txt";
 
 // A red label, in the bytes of the Finder's information.

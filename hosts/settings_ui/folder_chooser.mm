@@ -1,5 +1,8 @@
 #include "settings_ui/folder_chooser.h"
 
+#include <host/text.h>
+#include <stdlib.h>
+
 #include <algorithm>
 #include <filesystem>
 
