@@ -130,7 +130,7 @@ Picture example_menu(const std::string& folder, const MenuLook& look, Extent mos
     ExampleTracker* tracker = [[[ExampleTracker alloc] initWithFolder:@(folder.c_str())
                                                                  look:&look
                                                                  most:most] autorelease];
-    HostMenu* host = [[[HostMenu alloc] initWithFiles:{folder}] autorelease];
+    HostMenu* host = [[[HostMenu alloc] initWithFiles:{folder} forPeople:YES] autorelease];
     NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
                                         location:NSZeroPoint
                                    modifierFlags:0
