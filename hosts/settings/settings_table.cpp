@@ -90,7 +90,7 @@ const std::vector<Setting> settings = {
       to_translate("Open applications and packages like folders"),
       to_translate("Their contents are of use to those who make them.")}},
     {"showLabels", flag, 1, 0, 1, to_translate("show label colours"),
-     {SettingGroup::folders_shown,
+     {SettingGroup::menu,
       to_translate("Show label colours"),
       to_translate("A colour is found faster than a name.")}},
     {escape_closes_setting, SettingType::word, 0, 0, 0,
