@@ -4,23 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "quicklook/picture.h"
-#include "quicklook/reply.h"
+#include "quicklook/helper_reply.h"
 
 namespace thumbnails {
-
-enum class Ending {
-    answered,   // the reply is whole
-    broke_off,  // the program ended before, or wrote nonsense
-    timed_out,
-    no_program,
-};
-
-struct Answer {
-    Ending ending = Ending::no_program;
-    Reply reply = {};
-    Picture picture;  // when the reply's outcome says so
-};
 
 // Runs `program` with `arguments` in a process group of its own. The only descriptor of ours that
 // it gets is the one for its reply. A picture that is larger than the box counts as nonsense. By
