@@ -57,6 +57,7 @@ const MenuPalette contrast_light_palette = {
     .highlight_text = {1, 1, 1, 1},
     .trail = {0, 0, 0, 0.25},
     .separator = {0, 0, 0, 0.70},
+    .bookmark = {0, 0, 0, 1},
     .shadow = 0.20,
 };
 
@@ -72,6 +73,7 @@ const MenuPalette contrast_dark_palette = {
     .highlight_text = {0, 0, 0, 1},
     .trail = {1, 1, 1, 0.35},
     .separator = {1, 1, 1, 0.70},
+    .bookmark = {1, 1, 1, 1},
     .shadow = 0.42,
 };
 
