@@ -4,9 +4,9 @@ _delvio_settings() {
     "${COMP_WORDS[0]}" settings list 2>/dev/null | sed -n 's/^\([A-Za-z_]*\) = .*/\1/p'
 }
 
-# The settings that are lists.
+# The settings that are lists, found by the English words.
 _delvio_lists() {
-    "${COMP_WORDS[0]}" settings list 2>/dev/null |
+    LANGUAGE=en "${COMP_WORDS[0]}" settings list 2>/dev/null |
         sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}'
 }
 

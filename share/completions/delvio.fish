@@ -6,7 +6,7 @@ end
 
 # The settings that are lists.
 function __delvio_lists
-    delvio settings list 2>/dev/null |
+    env LANGUAGE=en delvio settings list 2>/dev/null |
         sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}'
 end
 

@@ -9,7 +9,7 @@ _delvio_settings() {
 
 _delvio_lists() {
     local -a lists
-    lists=(${(f)"$(_call_program settings delvio settings list | sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}')"})
+    lists=(${(f)"$(_call_program settings env LANGUAGE=en delvio settings list | sed -n '/^[A-Za-z_]* = /{s/ = .*//;h}; /^    takes absolute paths/{g;p}')"})
     compadd "$@" -a lists
 }
 

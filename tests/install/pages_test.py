@@ -2,12 +2,14 @@
 """Manual pages and completions say what the command says: pages_test.py BUILD SOURCE"""
 import gzip
 import json
+import os
 import pathlib
 import re
 import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 from installation import all_helps, options, output, subcommands
 
@@ -62,6 +64,12 @@ class Completions(unittest.TestCase):
         self.assertEqual(completed("settings", "remove", "f"), {"folders"})
         self.assertIn("sort_order=", completed("menu", "--setting", "so"))
         self.assertEqual(completed("menu", ""), set())
+
+    def test_bash_completes_lists_in_every_language(self):
+        lists = completed("settings", "add", "")
+        self.assertIn("folders", lists)
+        with unittest.mock.patch.dict(os.environ, {"LANGUAGE": "de"}):
+            self.assertEqual(completed("settings", "add", ""), lists)
 
     def every_option(self):
         return set().union(*map(options, self.helps.values()))
