@@ -6,7 +6,11 @@
 #include "require.h"
 #include "scratch.h"
 
-std::string desktop_icon_theme() { return "Tried"; }
+// The target needs no other setting, and no display.
+struct DesktopSettings::Sources {};
+DesktopSettings::DesktopSettings() {}
+DesktopSettings::~DesktopSettings() {}
+std::string DesktopSettings::icon_theme() { return {}; }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::string folder = [] {
@@ -21,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }();
     fuzz::write_file(folder + "/index.theme",
                      std::string(reinterpret_cast<const char*>(data), size));
-    IconTheme theme;
+    IconTheme theme("Tried");
     for (const int pixels : {0, 16, 48, 1 << 20}) {
         const std::string found = find_icon(theme, {"no-such-icon", "folder"}, pixels);
         fuzz::require(found.empty() || found.ends_with("/folder.png"),
