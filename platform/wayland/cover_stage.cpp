@@ -17,6 +17,8 @@ class CoverStage : public MenuStage {
         if (!cover_.knows_pointer(&place.x, &place.y)) return std::nullopt;
         return place;
     }
+    // The compositor first has to show the cover, which takes longer where it draws without a GPU.
+    double longest_wait() const override { return 3; }
     void menu_is_open() override { cover_.take_keyboard(); }
     bool is_button_down() const override { return false; }
 

@@ -45,6 +45,9 @@ class MenuStage {
     // Whether a button is held that was pressed beside the menu.
     virtual bool is_button_down() const = 0;
 
+    // How many seconds a menu waits for the pointer's place. A compositor answers within a few
+    // milliseconds, a busy one within some frames.
+    virtual double longest_wait() const { return 0.5; }
     // Waits for the pointer's place, `seconds` at most.
     std::optional<StagePlace> wait_for_pointer(double seconds);
 

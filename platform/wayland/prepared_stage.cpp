@@ -4,10 +4,6 @@
 
 namespace {
 
-// A compositor answers within a few milliseconds, a busy one within some frames. The first X window
-// of a session is shown later than that.
-constexpr double longest_wait = 0.5;
-
 std::unique_ptr<MenuStage>& prepared() {
     static std::unique_ptr<MenuStage> stage;
     return stage;
@@ -21,7 +17,8 @@ PreparedMenuStage::~PreparedMenuStage() { prepared().reset(); }
 
 bool PreparedMenuStage::pointer(int* x, int* y) const {
     if (!prepared()) return false;
-    const std::optional<StagePlace> place = prepared()->wait_for_pointer(longest_wait);
+    const std::optional<StagePlace> place =
+        prepared()->wait_for_pointer(prepared()->longest_wait());
     if (!place) return false;
     *x = place->x;
     *y = place->y;
