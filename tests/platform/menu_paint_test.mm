@@ -2,6 +2,7 @@
 #include <AppKit/AppKit.h>
 #include <cairo.h>
 #include <gtest/gtest.h>
+#include <host/menu_tracking.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -230,4 +231,45 @@ TEST_F(MenuPaint, TheShadowFadesFromTheEdgeOnWithoutAFlatBand) {
     for (int y = below + 3; y < below + room; y += 3) {
         if (shade(y - 3) > 3) EXPECT_LT(shade(y), shade(y - 3)) << y - below;
     }
+}
+
+TEST_F(MenuPaint, ARibbonMarksAPlaceOfTheUserInEveryPalette) {
+    NSMenuItem* item = add(@"place");
+    [item setImage:[[[NSImage alloc] initWithSize:NSMakeSize(16, 16)] autorelease]];
+    [[item image] addRepresentation:make_bitmap(16, 16)];
+    memset([static_cast<NSBitmapImageRep*>([[[item image] representations] objectAtIndex:0])
+               bitmapData],
+           0, 16 * 16 * 4);
+    for (const char* theme : {"Adwaita", "Adwaita:dark", "HighContrast", "HighContrast:dark"}) {
+        setenv("GTK_THEME", theme, 1);
+        MenuLayout layout(menu_look(nil, nullptr));
+        layout.update(menu_, 0);
+        const auto corner = [&] {
+            cairo_surface_t* surface =
+                cairo_image_surface_create(CAIRO_FORMAT_ARGB32, layout.width(), layout.height());
+            cairo_t* cairo = cairo_create(surface);
+            MenuScene scene = {};
+            scene.layout = &layout;
+            scene.images = &images_;
+            scene.width = layout.width();
+            scene.height = layout.height();
+            scene.rounded = true;
+            paint_menu(cairo, scene);
+            cairo_destroy(cairo);
+            cairo_surface_flush(surface);
+            const MenuRow& row = layout.rows()[0];
+            const unsigned char* line =
+                cairo_image_surface_get_data(surface) +
+                (row.top + row.height / 2 + 3) * cairo_image_surface_get_stride(surface);
+            const unsigned color =
+                reinterpret_cast<const uint32_t*>(line)[layout.image_left() + 12] & 0xffffff;
+            cairo_surface_destroy(surface);
+            return color;
+        };
+        const unsigned plain = corner();
+        [NSMenu setMarkQuestion:[](NSMenuItem*) { return menu_mark_bookmark; }];
+        EXPECT_GT(distance(corner(), plain), 150u) << theme;
+        [NSMenu setMarkQuestion:nullptr];
+    }
+    unsetenv("GTK_THEME");
 }
