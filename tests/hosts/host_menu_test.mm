@@ -28,7 +28,7 @@ TEST(HostMenuMemory, AFilledMenuIsFreedWithItsItems) {
     freed = 0;
     test::in_one_turn([] {
         test::start_application();
-        CountedHostMenu* host = [[CountedHostMenu alloc] initWithFiles:{"/tmp"}];
+        CountedHostMenu* host = [[CountedHostMenu alloc] initWithFiles:{"/tmp"} forPeople:YES];
         NSMenu* menu = [host menu];
         [[menu delegate] menuNeedsUpdate:menu];
         EXPECT_GT([menu numberOfItems], 4);
