@@ -60,7 +60,8 @@ bool names(std::string text, const char* part) {
     std::transform(text.begin(), text.end(), text.begin(), ::tolower);
     return text.find(part) != std::string::npos;
 }
-bool names_dark(const std::string& text) { return names(text, "dark"); }
+// GTK's own theme of high contrast is dark when it is the inverse one.
+bool names_dark(const std::string& text) { return names(text, "dark") || names(text, "inverse"); }
 
 bool is_true(const std::string& text) { return text == "1" || text == "true"; }
 

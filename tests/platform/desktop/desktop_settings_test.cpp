@@ -214,6 +214,7 @@ TEST_F(DesktopLooks, FilesOfGtkAndKdeTellTheSame) {
     EXPECT_DOUBLE_EQ(DesktopSettings().double_click_interval(), 0.5);
     EXPECT_EQ(DesktopSettings().drag_distance(), 7);
     EXPECT_TRUE(DesktopSettings().wants_high_contrast());
+    EXPECT_TRUE(DesktopSettings().prefers_dark());
     config.file("gtk-3.0/settings.ini", "");
     config.file("kdeglobals",
                 "[General]\nAccentColor=61,174,233\nfont=Noto Sans,15,-1,5,50\n"
