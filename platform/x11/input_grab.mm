@@ -30,8 +30,8 @@ bool keeps_focus, holds_keyboard, was_deactivated;
 void* grabbing_device;  // the back end's record of the window that holds the keyboard, or null
 
 // The toolkit takes every key for one of the key window's, and asks that window's input context.
-NSString* look_up(id self, SEL selector, void* key, void* device, void* symbol) {
-    using Lookup = NSString* (*)(id, SEL, void*, void*, void*);
+NSString* look_up(id self, SEL selector, XKeyEvent* key, void* device, KeySym* symbol) {
+    using Lookup = NSString* (*)(id, SEL, XKeyEvent*, void*, KeySym*);
     return reinterpret_cast<Lookup>(stock_lookup)(self, selector, key, grabbing_device ?: device,
                                                   symbol);
 }
