@@ -266,16 +266,17 @@ void Host::serve_next() {
     current_ = std::move(next_);
     const Caller& caller = *current_->caller;
     const std::optional<int> status = run_in_surroundings(caller);
+    forget_acted_signal();
+    set_signal_descriptor(signals_[1].get());
+    // The answer comes last: the host is idle for whoever has seen its client end.
     if (status) {
-        caller.answer(Verdict::done, *status);
         log_line("the menu has closed with status " + std::to_string(*status));
+        caller.answer(Verdict::done, *status);
     } else {
         log_line("the caller's folder cannot be entered; its call runs by itself");
         caller.answer(Verdict::elsewhere);
     }
     current_.reset();
-    forget_acted_signal();
-    set_signal_descriptor(signals_[1].get());
     malloc_trim(0);
 }
 
