@@ -1,16 +1,28 @@
 #include "support/steps.h"
 
 #include <AppKit/AppKit.h>
+#include <GNUstepGUI/GSDisplayServer.h>
 #include <host/menu_tracking.h>
 #include <host/process.h>
 #include <gtest/gtest.h>
 
 #include "support/right_click.h"
 
+#include <X11/Xlib.h>  // its macros would break the test library's headers
+
 namespace {
 
 // How long a step may wait before the test fails. This is a guard, not a measure of speed.
 const NSTimeInterval patience = 60;
+
+// The hand has a connection of its own: a window that the program has only asked for would not be
+// there yet for a click.
+void send_requests() {
+    GSDisplayServer* server = GSCurrentServer();
+    if (void* display = server ? [server serverDevice] : nullptr) {
+        XFlush(static_cast<Display*>(display));
+    }
+}
 
 }  // namespace
 
@@ -48,6 +60,7 @@ void Steps::turn() {
     }
     if (!is_done() && steps_[next_].condition()) {
         waiting_since_ = 0;
+        send_requests();
         steps_[next_++].action();
         return;
     }
