@@ -16,6 +16,8 @@ def tell(line):
 
 
 def over(widget, context, x, y, time):
+    # The answer to the drag is on its way before anybody lets go because of this line.
+    widget.get_display().sync()
     tell("over")
     return False
 
