@@ -73,7 +73,7 @@ static void report(const char* what, const bench::Times& times) {
 }
 
 - (void)track:(MenuSession*)session {
-    [session openSubmenuOfItem:open_first_submenu(session)];
+    open_level(session, open_first_submenu(session));
     show_open_levels();
 
     MenuLevel& level = deepest_level();

@@ -85,7 +85,7 @@ struct LevelTimes {
     {
         NSAutoreleasePool* turn = [NSAutoreleasePool new];
         const bench::Moment begin;
-        [session openSubmenuOfItem:item];
+        open_level(session, item);
         show_open_levels();
         bench::add_span(&_times->open, begin);
         [turn release];

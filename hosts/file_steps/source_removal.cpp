@@ -1,6 +1,6 @@
+// The second half of a move to another file system: the copy is checked, the source removed.
 #include <host/text.h>
 
-// The second half of a move to another file system: the copy is checked, the source removed.
 #include <errno.h>
 #include <fcntl.h>
 

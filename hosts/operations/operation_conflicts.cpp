@@ -1,6 +1,6 @@
+// What an operation does when a name is taken.
 #include <host/text.h>
 
-// What an operation does when a name is taken.
 #include <errno.h>
 #include <fcntl.h>
 

@@ -1,7 +1,7 @@
-#include <host/text.h>
-
 // The copies of an operation. They are made under temporary names, synced many at a time, and only
 // then get their final names.
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/resource.h>

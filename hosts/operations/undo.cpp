@@ -1,7 +1,7 @@
-#include <host/text.h>
-
 // Undoes the last operation: every step is checked before the first is undone, and each undone step
 // is written down, so that an interrupted undo can be repeated.
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <string.h>

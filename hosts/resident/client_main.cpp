@@ -1,7 +1,7 @@
-#include <host/text.h>
-
 // The command as people start it. It hands a menu for the screen to the resident host, and becomes
 // the full program for everything else.
+#include <host/text.h>
+
 #include <errno.h>
 #include <fcntl.h>
 #include <stdio.h>

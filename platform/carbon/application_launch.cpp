@@ -1,6 +1,5 @@
-#include <host/text.h>
-
 // LSOpenFromRefSpec: opening documents with a chosen application.
+#include <host/text.h>
 #include <host/glib_owners.h>
 #include <Carbon/LaunchServices.h>
 

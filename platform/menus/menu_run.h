@@ -38,6 +38,8 @@ class MenuRun {
     const MenuLevels::List& levels() const { return levels_.all(); }
     const MenuStyle& style() const { return levels_.style(); }
     TrackingState state() const { return pointer_.state(); }
+    // Does what is due. A run that tracks does so at each turn.
+    void run_timers();
     // Brings windows and rows in step with the session.
     void synchronize();
 
@@ -48,7 +50,6 @@ class MenuRun {
     void take_keyboard();
     void turn();
     void handle(NSEvent* event);
-    void run_timers();
     void settle();
     double due() const;
     bool has_work() const;

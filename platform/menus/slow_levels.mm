@@ -77,10 +77,8 @@ void SlowLevels::show_stand_in() {
         stand_in_ = menu_of_one_row();
         [session_ openStandIn:stand_in_ forItem:item_];
     }
-    NSMenuItem* row = stand_in_ ? static_cast<NSMenuItem*>([stand_in_ itemAtIndex:0]) : nil;
-    if (++looks_ >= until_given_up &&
-        ![[row title] isEqualToString:shown(translated("Not responding"))]) {
-        [row setTitle:shown(translated("Not responding"))];
+    if (++looks_ == until_given_up) {
+        [(NSMenuItem*)[stand_in_ itemAtIndex:0] setTitle:shown(translated("Not responding"))];
     }
 }
 

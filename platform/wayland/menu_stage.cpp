@@ -7,7 +7,7 @@
 
 #include "events/deadline.h"
 #include "wayland/cover_stage.h"
-#include "wayland/layer/stage_module.h"
+#include "wayland/stage_module.h"
 #include "wayland/wayland_module.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <host/session_clipboard.h>
 
-#include "wayland/layer/stage_module.h"
+#include "wayland/stage_module.h"
 #include "wayland/wayland_module.h"
 
 bool keep_on_session_clipboard(const std::string& text, const std::function<void()>& owned) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -86,6 +87,14 @@ Outcome RunningCommand::finish() {
     process_ = 0;
     if (ended) outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     return outcome;
+}
+
+std::string output_of(const std::string& command) {
+    FILE* in = popen((command + " 2>/dev/null").c_str(), "r");
+    std::string text;
+    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
+    pclose(in);
+    return text;
 }
 
 Outcome run_delvio(const std::vector<std::string>& arguments, const Changes& environment) {

@@ -19,6 +19,9 @@ using Changes = std::vector<std::pair<std::string, std::string>>;
 // Returns when the command has ended and all writers have closed both of its streams.
 Outcome run_delvio(const std::vector<std::string>& arguments, const Changes& environment = {});
 
+// What a shell's command prints on standard output.
+std::string output_of(const std::string& command);
+
 // A command that runs in the background; it is killed when the object is destroyed.
 class RunningCommand {
   public:

@@ -17,6 +17,7 @@
 #include "hosts/bus_service.h"
 #include "operations/engine.h"
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ using operations::Outcome;
 using operations::Report;
 using operations::Request;
 using operations::State;
+using test::wait_for;
 using Calls = std::vector<std::string>;
 
 // The interfaces as the file managers declare them.
@@ -265,11 +267,6 @@ TEST_F(DesktopCarrier, AManagerIsNotAskedForWhatItHasNoMethodFor) {
 }
 
 namespace {
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < 3000 && !happened(); turn++) usleep(20000);
-    return happened();
-}
 
 // The real file manager, if it is installed: a bus starts it, with the test's X server.
 class RealThunar : public DesktopCarrier {

@@ -9,9 +9,10 @@
 #include <functional>
 
 #include "hosts/command_runner.h"
+#include "support/managed_windows.h"
 #include "support/recording_program.h"
 #include "support/temp_folder.h"
-#include "support/managed_windows.h"
+#include "support/waiting.h"
 #include "support/x_input.h"
 
 namespace fs = std::filesystem;
@@ -20,12 +21,8 @@ namespace {
 
 using test::Outcome;
 using test::RunningCommand;
+using test::wait_for;
 using Words = std::vector<std::string>;
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < 3000 && !happened(); ++turn) usleep(10000);
-    return happened();
-}
 
 class FailedPick : public testing::Test {
   protected:

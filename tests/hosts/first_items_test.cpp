@@ -2,10 +2,9 @@
 // with real keys in a menu that is shown.
 #include <signal.h>
 
-#include <functional>
-
 #include "hosts/bus_service.h"
 #include "hosts/menu_command.h"
+#include "support/waiting.h"
 #include "support/x_input.h"
 
 namespace {
@@ -13,24 +12,11 @@ namespace {
 using test::json;
 using test::MenuCommand;
 using test::Outcome;
+using test::output_of;
 using test::run_delvio;
 using test::RunningCommand;
+using test::wait_for;
 using test::Words;
-
-constexpr int turns = 3000, microseconds_a_turn = 20000;
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < turns && !happened(); ++turn) usleep(microseconds_a_turn);
-    return happened();
-}
-
-std::string output_of(const std::string& command) {
-    FILE* in = popen((command + " 2>/dev/null").c_str(), "r");
-    std::string text;
-    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
-    pclose(in);
-    return text;
-}
 
 struct FirstItems : MenuCommand {
     FirstItems() { run_delvio({"settings", "reset", "--all"}); }

@@ -1,12 +1,11 @@
 // The settings window as a user has it: real keys, a real drag, and what is stored then.
 #include <signal.h>
 
-#include <chrono>
-#include <functional>
 #include <memory>
 
 #include "hosts/menu_command.h"
 #include "support/managed_windows.h"
+#include "support/waiting.h"
 #include "support/x_input.h"
 
 namespace {
@@ -14,29 +13,11 @@ namespace {
 using test::json;
 using test::MenuCommand;
 using test::Outcome;
+using test::output_of;
 using test::run_delvio;
 using test::RunningCommand;
+using test::wait_for;
 using test::Words;
-
-constexpr std::chrono::minutes longest_wait(2);  // a guard, not a measure of speed
-constexpr int microseconds_a_turn = 20000;
-
-bool wait_for(const std::function<bool()>& happened) {
-    const auto end = std::chrono::steady_clock::now() + longest_wait;
-    while (!happened()) {
-        if (std::chrono::steady_clock::now() > end) return happened();
-        usleep(microseconds_a_turn);
-    }
-    return true;
-}
-
-std::string output_of(const std::string& command) {
-    FILE* in = popen((command + " 2>/dev/null").c_str(), "r");
-    std::string text;
-    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
-    pclose(in);
-    return text;
-}
 
 std::string picture() { return output_of("import -silent -window root rgba:- | md5sum"); }
 
@@ -54,7 +35,7 @@ class SettingsWindow : public MenuCommand {
             const std::string shown = window();
             if (shown.empty() || shown != output_of("xdotool getwindowfocus")) return false;
             const std::string before = picture();
-            usleep(300000);
+            usleep(300000);  // what is still being drawn would differ
             return picture() == before;
         });
     }

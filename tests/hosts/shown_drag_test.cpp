@@ -1,23 +1,14 @@
 // A file dragged out of the command's own menu.
 #include <gtest/gtest.h>
-
 #include <unistd.h>
-
-#include <functional>
 
 #include "desktop/drop_target.h"
 #include "hosts/command_runner.h"
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 #include "support/x_input.h"
 
-namespace {
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < 3000 && !happened(); turn++) usleep(20000);
-    return happened();
-}
-
-}  // namespace
+using test::wait_for;
 
 TEST(ShownDrag, TheCommandStaysUntilTheDropHasBeenFetched) {
     test::TempFolder folder;

@@ -7,7 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <sstream>
 
@@ -15,6 +14,7 @@
 #include "hosts/slow_display.h"
 #include "support/recording_program.h"
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 #include "support/x_clients.h"
 
 namespace fs = std::filesystem;
@@ -22,30 +22,13 @@ namespace fs = std::filesystem;
 namespace {
 
 using test::Outcome;
+using test::output_of;
 using test::run_delvio;
 using test::RunningCommand;
+using test::wait_for;
 using Paths = std::vector<std::string>;
 
-constexpr int turns = 2400;  // a guard, not a measure of speed
-constexpr int microseconds_a_turn = 25000;
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < turns; ++turn) {
-        if (happened()) return true;
-        usleep(microseconds_a_turn);
-    }
-    return happened();
-}
-
-std::string output_of(const std::string& command) {
-    FILE* in = popen(command.c_str(), "r");
-    std::string text;
-    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
-    pclose(in);
-    return text;
-}
-
-void press(const std::string& keys) { output_of("xdotool key " + keys + " 2>/dev/null"); }
+void press(const std::string& keys) { output_of("xdotool key " + keys); }
 
 std::vector<pid_t> children_of(pid_t process) {
     const std::string id = std::to_string(process);
@@ -237,8 +220,8 @@ TEST_F(ShownMenu, ShowsAPanelWhenAnActionFails) {
     ASSERT_TRUE(wait_until_open());
     press("Up Return");
     ASSERT_TRUE(wait_for([&] { return !is_grabbed(); }));
-    EXPECT_TRUE(wait_for(
-        [] { return !output_of("xdotool search --onlyvisible --name . 2>/dev/null").empty(); }));
+    EXPECT_TRUE(
+        wait_for([] { return !output_of("xdotool search --onlyvisible --name .").empty(); }));
     command.send_signal(SIGTERM);
     const Outcome outcome = command.finish();
     EXPECT_EQ(outcome.status, 128 + SIGTERM);

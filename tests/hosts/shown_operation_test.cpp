@@ -7,33 +7,22 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <functional>
 #include <memory>
 
 #include "hosts/bus_service.h"
 #include "hosts/command_runner.h"
 #include "support/managed_windows.h"
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 #include "support/x_input.h"
 
 namespace {
 
 using test::Outcome;
+using test::output_of;
 using test::read_file;
 using test::RunningCommand;
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < 3000 && !happened(); ++turn) usleep(20000);
-    return happened();
-}
-
-std::string output_of(const std::string& command) {
-    FILE* in = popen((command + " 2>/dev/null").c_str(), "r");
-    std::string text;
-    for (int byte; (byte = fgetc(in)) != EOF;) text += static_cast<char>(byte);
-    pclose(in);
-    return text;
-}
+using test::wait_for;
 
 void press(const std::string& keys) { output_of("xdotool key --delay 60 " + keys); }
 

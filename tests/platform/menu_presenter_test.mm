@@ -53,7 +53,7 @@ TEST_F(Presenter, AQuickReleaseOverTheMenuPicksNothing) {
 @implementation SlowMenu
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     (void)menu;
-    usleep(800000);
+    usleep(800000);  // longer than a press that is meant as held
 }
 @end
 

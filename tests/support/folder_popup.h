@@ -21,6 +21,10 @@
 - (void)track:(MenuSession*)session;
 @end
 
+// Opens the submenu of an item. Returns when its folder has answered and its items are there: at
+// once where the folder is on a local disk.
+void open_level(MenuSession* session, NSMenuItem* item);
+
 // Opens the submenu of the menu's first item, shows it, and returns its last item.
 NSMenuItem* open_first_submenu(MenuSession* session);
 

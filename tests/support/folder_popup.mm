@@ -4,6 +4,7 @@
 #include <X11/Xlib.h>
 #include <host/menu_tracking.h>
 #include <stdio.h>
+#include <unistd.h>
 
 #include "finderkit/context_menu.h"
 #include "finderkit/plug_in.h"
@@ -54,9 +55,17 @@
 
 @end
 
+void open_level(MenuSession* session, NSMenuItem* item) {
+    if ([session openSubmenuOfItem:item]) return;
+    while ([[session levels] indexOfObjectIdenticalTo:[item submenu]] == NSNotFound) {
+        usleep(10000);
+        MenuRun::current()->run_timers();
+    }
+}
+
 NSMenuItem* open_first_submenu(MenuSession* session) {
     NSMenuItem* holder = [[[session rootMenu] itemArray] objectAtIndex:0];
-    [session openSubmenuOfItem:holder];
+    open_level(session, holder);
     show_open_levels();
     return [[[holder submenu] itemArray] lastObject];
 }

@@ -14,7 +14,7 @@
 #include <regex>
 
 #include "support/temp_folder.h"
-#include "wayland/waiting.h"
+#include "support/waiting.h"
 
 namespace fs = std::filesystem;
 

@@ -6,7 +6,7 @@
 #include "hosts/command_runner.h"
 #include "support/temp_folder.h"
 #include "support/x_input.h"
-#include "wayland/waiting.h"
+#include "support/waiting.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "support/x_input.h"
 #include "wayland/compositor.h"
 #include "wayland/native_window.h"
-#include "wayland/waiting.h"
+#include "support/waiting.h"
 
 struct _XDisplay;
 

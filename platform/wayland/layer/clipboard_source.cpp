@@ -8,7 +8,7 @@
 
 #include "data-control.h"
 #include "wayland/layer/compositor.h"
-#include "wayland/layer/stage_module.h"
+#include "wayland/stage_module.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "wayland/layer/keyboard_limit.h"
 #include "wayland/layer/layer_surfaces.h"
 #include "wayland/layer/stage_keyboard.h"
-#include "wayland/layer/stage_module.h"
+#include "wayland/stage_module.h"
 #include "wayland/layer/stage_pointer.h"
 
 class LayerStage : public MenuStage {

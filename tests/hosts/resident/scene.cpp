@@ -18,7 +18,6 @@ namespace test {
 
 namespace {
 
-constexpr int turns = 4800, microseconds_a_turn = 25000;
 constexpr int least_width = 20;  // of a menu; the toolkit has smaller windows
 
 std::string new_session() {
@@ -39,14 +38,6 @@ bool is_host(pid_t process) {
 int ignore_error(Display*, XErrorEvent*) { return 0; }
 
 }  // namespace
-
-bool wait_for(const std::function<bool()>& happened) {
-    for (int turn = 0; turn < turns; ++turn) {
-        if (happened()) return true;
-        usleep(microseconds_a_turn);
-    }
-    return happened();
-}
 
 Screen::Screen(const char* name) : display_(XOpenDisplay(name)) {
     if (!display_) abort();

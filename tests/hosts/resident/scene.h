@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 #include <sys/types.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "hosts/command_runner.h"
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 #include "support/x_input.h"
 
 struct _XDisplay;
@@ -18,9 +18,6 @@ struct _XDisplay;
 namespace test {
 
 using Words = std::vector<std::string>;
-
-// Waits long enough for the slowest machine; false if it never happens.
-bool wait_for(const std::function<bool()>& happened);
 
 struct ShownArea {
     int x = 0, y = 0, width = 0, height = 0;

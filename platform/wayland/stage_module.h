@@ -1,10 +1,12 @@
-// The functions of this library that the platform calls, by their names.
+// The functions of the library in `layer` that the platform calls, by their names.
 #pragma once
 
 #include <functional>
+#include <string>
+#include <vector>
 
-#include "wayland/layer/output_places.h"
 #include "wayland/menu_stage.h"
+#include "x11/server_monitors.h"
 
 struct StageSettings {
     std::vector<Monitor> monitors;  // of the X server
