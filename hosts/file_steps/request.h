@@ -33,6 +33,7 @@ struct Outcome {
 struct Report {
     std::vector<Outcome> outcomes;  // one for each source, in order
     bool stopped = false;           // by cancel or by the answer Stop
+    std::string operation;          // its name for undo; empty if it cannot be undone
 };
 
 struct Progress {

@@ -16,6 +16,7 @@
 #include "gworkspace/presses.h"
 #include "gworkspace/type_selection.h"
 #include "file_steps/visible_text.h"
+#include "offers/detached_program.h"
 #include "x11/input_grab.h"
 
 // When GNUstep loads bundles, the display server is not connected yet; the rest of the setup waits
@@ -53,6 +54,8 @@ std::string own_folder() {
     watch_applications();
     open_files_with_gworkspace();
     offer_gworkspace_operations();
+    const std::string command = find_command(&problem);
+    if (!command.empty()) set_own_program(command);
     set_mouse_up();
     take_menu_presses();
     end_type_selections();

@@ -2,6 +2,7 @@
 
 #include "finderkit/context_menu.h"
 #include "gworkspace/commands.h"
+#include "gworkspace/first_items_menu.h"
 
 // The menu's delegate. As in the Finder, the menu is filled and gets its files when it is about to
 // be shown.
@@ -81,6 +82,10 @@ void move_items(NSMenu* menu, NSMenu* own) {
                     container:[_place isGround]];
     NSMenu* host = [[[NSMenu alloc] initWithTitle:@""] autorelease];
     [host setAutoenablesItems:NO];
+    std::vector<std::string> files;
+    for (const TFENode& node : nodes.nodes) files.push_back(node.path);
+    add_first_items(host, files);
+    add_separator(host);
     [self addOwnItemsTo:host];
     add_commands(host, _place);
     move_items(_menu, host);

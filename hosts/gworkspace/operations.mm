@@ -7,6 +7,7 @@
 #include "finderkit/file_operations.h"
 #include "gworkspace/changes.h"
 #include "gworkspace/handover.h"
+#include "offers/notice.h"
 #include "operations/engine.h"
 #include "operations_ui/operation_window.h"
 
@@ -44,6 +45,7 @@ using operations::Request;
     if (is_for_gworkspace(*_request) && [self handOver]) return;
     const auto ended = [request = *_request](const operations::Report& report) {
         tell_gworkspace(request, report);
+        offer_undo(request, report);
     };
     const auto windows = operations::make_window_observer(*_request, ended, operations::Asks::Once);
     _engine->carry_out(*_request, windows);

@@ -24,6 +24,10 @@ std::unique_ptr<Carrier> make_engine(const std::string& state_folder = default_s
 // undo can be repeated. The report has one outcome for each step; the reason of a done step says,
 // in one line, what was done, and is empty when nothing had to be done.
 Report undo_last(Observer& observer, const std::string& state_folder = default_state_folder());
+// Does so if the last operation is the one of this name (see Report), and else refuses, and says
+// what came after it.
+Report undo_operation(const std::string& operation, Observer& observer,
+                      const std::string& state_folder = default_state_folder());
 
 // Notes that the request was handed to another program, whose name is `who`. Until the next
 // operation undo_last() has nothing to undo, and says so.

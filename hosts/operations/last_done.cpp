@@ -53,6 +53,14 @@ const Step* naming_step(const std::vector<Step>& steps) {
 
 }  // namespace
 
+std::optional<LastDone> done_by(const std::vector<Step>& steps) {
+    const Step* const named = naming_step(steps);
+    if (!named) return {};
+    LastDone done = {kind_of(named->kind), std::string(last_component(named->source)), 0};
+    for (const Step& step : steps) done.count += step.kind == named->kind && !step.is_undone;
+    return done;
+}
+
 std::optional<LastDone> last_done(const std::string& state_folder) {
     const std::string path = undo_journal_path(state_folder);
     Descriptor file(open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
@@ -60,12 +68,9 @@ std::optional<LastDone> last_done(const std::string& state_folder) {
     const std::string text = read_start(file.get());
     unlock(file);
     const Recorded recorded = read_undo_record(text);
-    const Step* const named = naming_step(recorded.steps);
-    if (!named || !recorded.problem.empty()) return {};
-    LastDone done = {kind_of(named->kind), std::string(last_component(named->source)), 0};
-    if (text.size() == most_read) return done;
-    for (const Step& step : recorded.steps)
-        done.count += step.kind == named->kind && !step.is_undone;
+    if (!recorded.problem.empty()) return {};
+    std::optional<LastDone> done = done_by(recorded.steps);
+    if (done && text.size() == most_read) done->count = 0;
     return done;
 }
 

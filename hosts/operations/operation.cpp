@@ -63,6 +63,7 @@ Report Operation::run() {
     copies_.reset();
     temporaries_.reset();
     report_.stopped = work_.is_stopped();
+    report_.operation = journal_.operation();
     return std::move(report_);
 }
 

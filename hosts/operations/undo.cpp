@@ -9,6 +9,7 @@
 #include "file_steps/folder.h"
 #include "file_steps/visible_text.h"
 #include "operations/engine.h"
+#include "operations/last_done.h"
 #include "operations/operation.h"
 #include "operations/undo_checks.h"
 
@@ -167,17 +168,47 @@ Report problems_of(const std::vector<Step>& steps, const std::vector<Plan>& plan
     return report;
 }
 
-}  // namespace
-
-Report undo_last(Observer& observer, const std::string& state_folder) {
-    Report report;
-    LastOperation last(state_folder);
-    if (!last.problem().empty()) {
-        report.outcomes.push_back({"", State::Failed, "", last.problem()});
-        return report;
+const char* text_of_another(Kind kind) {
+    switch (kind) {
+        case Kind::Move:
+            return to_translate(
+                "another operation came after it (moving %s), and only the last one can be undone");
+        case Kind::Copy:
+            return to_translate(
+                "another operation came after it (copying %s), and only the last one can be "
+                "undone");
+        case Kind::Alias:
+            return to_translate(
+                "another operation came after it (making an alias of %s), and only the last one "
+                "can be undone");
+        case Kind::Trash:
+            break;
     }
+    return to_translate(
+        "another operation came after it (trashing %s), and only the last one can be undone");
+}
+
+// Why an operation that is not the last one cannot be undone.
+std::string came_after(const std::vector<Step>& steps) {
+    const auto done = done_by(steps);
+    if (!done) return translated("there is nothing to undo");
+    std::string files = quoted_name(done->name);
+    if (done->count > 1) {
+        files = translated_count("%s and %s other", "%s and %s others", done->count - 1,
+                                 {files, std::to_string(done->count - 1)});
+    }
+    return translated(text_of_another(done->kind), {files});
+}
+
+Report refusal(const std::string& reason) {
+    Report report;
+    report.outcomes.push_back({"", State::Failed, "", reason});
+    return report;
+}
+
+Report undo_steps(LastOperation& last, Observer& observer, const std::string& state_folder) {
     const std::vector<Plan> plans = UndoChecks(last.steps()).plans();
-    report = problems_of(last.steps(), plans);
+    Report report = problems_of(last.steps(), plans);
     if (!report.outcomes.empty()) return report;
     Undoing undoing(last, observer, state_folder);
     for (size_t index = plans.size(); index-- > 0;) {
@@ -194,6 +225,22 @@ Report undo_last(Observer& observer, const std::string& state_folder) {
     }
     last.forget();
     return report;
+}
+
+}  // namespace
+
+Report undo_last(Observer& observer, const std::string& state_folder) {
+    LastOperation last(state_folder);
+    if (!last.problem().empty()) return refusal(last.problem());
+    return undo_steps(last, observer, state_folder);
+}
+
+Report undo_operation(const std::string& operation, Observer& observer,
+                      const std::string& state_folder) {
+    LastOperation last(state_folder);
+    if (!last.problem().empty()) return refusal(last.problem());
+    if (last.operation() != operation) return refusal(came_after(last.steps()));
+    return undo_steps(last, observer, state_folder);
 }
 
 }  // namespace operations

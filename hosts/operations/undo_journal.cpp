@@ -8,6 +8,8 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <random>
+
 #include "file_steps/folder.h"
 
 namespace operations {
@@ -60,6 +62,11 @@ std::string read_all(int file) {
     return text;
 }
 
+std::string new_name() {
+    std::random_device number;
+    return std::to_string((static_cast<unsigned long long>(number()) << 32) | number());
+}
+
 CopyState state_of(const struct stat& what, bool linked) {
     return {what.st_ino, what.st_size, what.st_mtim, what.st_ctim, linked};
 }
@@ -77,13 +84,15 @@ bool UndoJournal::begin() {
     if (file_) return true;
     if (!make_folders(state_folder_)) return false;
     file_ = take_journal(undo_journal_path(state_folder_));
-    const std::string start = begun_entry();
+    operation_ = new_name();
+    const std::string start = begun_entry(operation_);
     return file_ && ftruncate(file_.get(), 0) == 0 &&
            write_fully(file_.get(), start.data(), start.size());
 }
 
 void UndoJournal::give_up() {
     gave_up_ = true;
+    operation_.clear();
     // Half a journal would undo half an operation, and an older journal the wrong one.
     if (!file_ || ftruncate(file_.get(), 0) != 0) unlink(undo_journal_path(state_folder_).c_str());
 }

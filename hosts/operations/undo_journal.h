@@ -38,12 +38,16 @@ class UndoJournal {
     // Another program carries the request out; `line` says why it cannot be undone here.
     void elsewhere(const std::string& line);
 
+    // Names the operation for its undo; empty if nothing of it is recorded.
+    const std::string& operation() const { return operation_; }
+
   private:
     void record(const std::string& entry);
     bool begin();
     void give_up();
 
     const std::string state_folder_;
+    std::string operation_;
     Descriptor file_;
     bool gave_up_;
 };
@@ -57,6 +61,7 @@ class LastOperation {
     ~LastOperation() { unlock(file_); }
 
     const std::vector<Step>& steps() const { return recorded_.steps; }
+    const std::string& operation() const { return recorded_.operation; }
     const std::string& problem() const { return recorded_.problem; }
     // Both write an entry, so that an interrupted undo can be repeated. False with errno.
     bool restoring(size_t step, ino_t inode);

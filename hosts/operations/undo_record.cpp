@@ -14,6 +14,7 @@ namespace {
 
 // An entry is a verb and its fields, each ended by a zero byte. Names may hold any other byte.
 constexpr const char* begun = "delvio-undo-2";
+constexpr const char* named = "named";
 constexpr const char* moving = "moving";
 constexpr const char* trashing = "trashing";
 constexpr const char* not_done = "not-done";
@@ -54,6 +55,7 @@ class Reader {
 
     using Fields = const std::string*;
     void begin(Fields) {}
+    void name(Fields fields) { recorded_.operation = fields[0]; }
     void move(Fields fields) { add(Step::Moved, fields).inode = number_of(fields[2]); }
     void put_in_trash(Fields fields) {
         Step& step = add(Step::Trashed, fields);
@@ -119,7 +121,7 @@ struct Verb {
 };
 
 const Verb verbs[] = {
-    {begun, 0, 0, &Reader::begin},           {moving, 2, 3, &Reader::move},
+    {begun, 0, 0, &Reader::begin}, {named, 0, 1, &Reader::name},          {moving, 2, 3, &Reader::move},
     {trashing, 3, 4, &Reader::put_in_trash}, {not_done, 0, 0, &Reader::take_back},
     {copying, 2, 7, &Reader::copy},          {copied, 0, 0, &Reader::confirm},
     {emptying, 2, 3, &Reader::empty},        {aliasing, 2, 2, &Reader::alias},
@@ -184,7 +186,9 @@ bool ends_with_trashing(const std::string& end, Trashed* trashed) {
     return is_place_in_trash(*trashed);
 }
 
-std::string begun_entry() { return entry({begun}); }
+std::string begun_entry(const std::string& operation) {
+    return entry({begun}) + entry({named, operation});
+}
 std::string moving_entry(const std::string& source, const std::string& target, ino_t inode) {
     return entry({moving, source, target, std::to_string(inode)});
 }

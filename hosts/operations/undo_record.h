@@ -37,7 +37,8 @@ struct Step {
 
 struct Recorded {
     std::vector<Step> steps;
-    std::string problem;  // why nothing of it can be undone; else empty
+    std::string operation;  // its name; empty in a record that has none
+    std::string problem;    // why nothing of it can be undone; else empty
     size_t length = 0;    // in bytes, of the complete entries
 };
 
@@ -48,7 +49,8 @@ Recorded read_undo_record(const std::string& text);
 bool ends_with_trashing(const std::string& end, Trashed* trashed);
 
 // The bytes of one entry.
-std::string begun_entry();
+// The operation's name is a number that no other operation has.
+std::string begun_entry(const std::string& operation);
 std::string moving_entry(const std::string& source, const std::string& target, ino_t inode);
 std::string trashing_entry(const std::string& path, const Trashed& trashed, ino_t inode);
 std::string not_done_entry();

@@ -15,6 +15,7 @@
 #include "finderkit/desktop_carrier.h"
 #include "finderkit/file_operations.h"
 #include "finderkit/settings_file.h"
+#include "offers/notice.h"
 #include "operations/engine.h"
 #include "operations_ui/operation_window.h"
 #include "settings/settings_table.h"
@@ -88,7 +89,11 @@ void delay_signals() {
 std::shared_ptr<Observer> observe(const Request& request, bool attended) {
     delay_signals();
     if (!attended) return std::make_shared<Unattended>();
-    return std::make_shared<Attended>(operations::make_window_observer(request, note_outcomes));
+    const auto ended = [request](const Report& report) {
+        note_outcomes(report);
+        if (!signal_caught()) offer_undo(request, report);
+    };
+    return std::make_shared<Attended>(operations::make_window_observer(request, ended));
 }
 
 bool is_for_file_manager() {

@@ -11,7 +11,9 @@
 #include "file_steps/visible_text.h"
 #include "finderkit/open_problems.h"
 #include "finderkit/session_bus.h"
+#include "offers/notice.h"
 #include "operations/engine.h"
+#include "popup/asked_operations.h"
 #include "popup/clipboard.h"
 
 using operations::in_quotes;
@@ -103,6 +105,7 @@ std::string move_to_trash(const std::vector<std::string>& files) {
         return translated("%s; %s was left where it is",
                           {outcome.reason, in_quotes(outcome.source)});
     }
+    if (is_user_asked()) offer_undo(request, report);
     return {};
 }
 

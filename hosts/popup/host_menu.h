@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "finderkit/context_menu.h"
-#include "popup/first_items.h"
+#include "offers/first_items.h"
 
 // The menu's delegate and the target of its items. As in a file manager, the menu is filled and
 // configured with the files when it is about to be shown.

@@ -2,7 +2,9 @@
 
 #include <host/text.h>
 
+#include "popup/asked_operations.h"
 #include "popup/file_actions.h"
+#include "popup/settings_program.h"
 
 namespace {
 
@@ -20,7 +22,7 @@ const std::vector<HostItem>& host_actions() {
 
 // All items of the host for these files.
 std::vector<HostItem> host_items(const std::vector<std::string>& files, bool for_people) {
-    std::vector<HostItem> items = first_items(files, for_people);
+    std::vector<HostItem> items = first_items(files, for_people, {undo_last_operation, open_settings});
     items.push_back({"", nullptr});
     for (HostItem item : host_actions()) {
         if (!item.title.empty() && for_people) item.title = translated(item.title.c_str());

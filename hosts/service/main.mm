@@ -11,11 +11,13 @@
 #include "file_steps/state_folder.h"
 #include "file_steps/temporaries.h"
 #include "finderkit/settings_file.h"
+#include "offers/notice.h"
 #include "operations/left_trash_info.h"
 #include "popup/application.h"
 #include "popup/clipboard.h"
 #include "popup/install_command.h"
 #include "popup/menu_command.h"
+#include "popup/notice_keeper.h"
 #include "popup/undo_command.h"
 #include "resident/host_start.h"
 #include "service/resident_host.h"
@@ -67,6 +69,9 @@ int run(const CommandLine& line, char* program) {
 int main(int argc, char** argv) {
     restore_arguments();
     if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return run_clipboard_keeper();
+    if (argc == 5 && strcmp(argv[1], notice_argument) == 0) {
+        return run_notice_keeper(argv[0], {argv[2], argv[3], argv[4]});
+    }
     const std::string problem = descriptor_problem();
     if (!problem.empty()) {
         complain_about_usage(problem);

@@ -10,6 +10,9 @@
 // A setting of the command, not of the plug-in.
 inline constexpr const char* file_manager_setting = "operations_by_file_manager";
 
+// Whether a notice after each operation offers to undo it.
+inline constexpr const char* notices_setting = "notices";
+
 enum class SettingType {
     flag,     // 0 or 1
     integer,  // signed, 32 bits

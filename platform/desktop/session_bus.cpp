@@ -61,13 +61,6 @@ Bus& bus() {
     return bus;
 }
 
-// Asking GIO for a bus that is not there would start one.
-bool is_there() {
-    const char* address = g_getenv(address_name);
-    const TextOwner socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
-    return (address && *address) || g_file_test(socket.get(), G_FILE_TEST_EXISTS);
-}
-
 ObjectOwner<GDBusConnection> connect_in_time() {
     const Deadline deadline;
     ObjectOwner<GDBusConnection> connection(
@@ -107,11 +100,19 @@ bool failed_lately(const Bus& bus) {
 
 }  // namespace
 
+bool has_session_bus() {
+    const char* address = g_getenv(address_name);
+    const TextOwner socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
+    return (address && *address) || g_file_test(socket.get(), G_FILE_TEST_EXISTS);
+}
+
+// Asking GIO for a bus that is not there would start one.
+//
 // No connection is kept here: GIO hands out a closed one as long as anybody holds it.
 ObjectOwner<GDBusConnection> session_bus() {
     const std::lock_guard guard(bus().lock);
     follow_address(bus());
-    if (failed_lately(bus()) || !is_there()) return nullptr;
+    if (failed_lately(bus()) || !has_session_bus()) return nullptr;
     ObjectOwner<GDBusConnection> connection = connect();
     if (connection && !answers(connection.get())) connection.reset();
     bus().has_failed = !connection;

@@ -84,7 +84,7 @@ TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
 
 TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
     right_click(item("icons", path("second.txt")));
-    EXPECT_EQ(titles(0), Lines({"second.txt", "-", "Open", "Open With...", "-", "Cut", "Copy", "-",
+    EXPECT_EQ(titles(0), Lines({"second.txt", "-", "Settings...", "-", "Open", "Open With...", "-", "Cut", "Copy", "-",
                                 "Duplicate", "Move to Recycler", "-", "Attributes"}));
     pick({"Duplicate"});
     answer("Duplicate the selected objects?");
@@ -133,14 +133,14 @@ TEST_F(Menus, AttributesShowsGWorkspacesInspector) {
     manager().ask("close Attributes Inspector");
 }
 
-TEST_F(Menus, ShiftGivesGWorkspacesMenuAlone) {
+TEST_F(Menus, ShiftGivesTheHostsMenuAlone) {
     const Area area = item("icons", path("alpha"));
     input().key_down("Shift_L");
     right_click(area);
     const Lines plain = titles(0);
     input().key_up("Shift_L");
     close_menu();
-    EXPECT_EQ(plain, Lines({"Open as Folder", "-", "Cut", "Copy", "-", "Duplicate",
+    EXPECT_EQ(plain, Lines({"Add to my folders", "Settings...", "-", "Open as Folder", "-", "Cut", "Copy", "-", "Duplicate",
                             "Move to Recycler", "-", "Attributes"}));
 }
 

@@ -53,7 +53,7 @@ Reading reading_with(const Setting& setting, int32_t value) {
 }
 
 // Settings that only the hosts read.
-const std::set<std::string> of_hosts = {"operations_by_file_manager", "sort_by_language",
+const std::set<std::string> of_hosts = {"operations_by_file_manager", "notices", "sort_by_language",
                                         "preview_beside_menu", "preview_details"};
 
 }  // namespace

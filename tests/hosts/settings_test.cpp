@@ -77,6 +77,7 @@ TEST(SettingsTable, KnowsEveryKeyOnce) {
                                             "open_after_file_op",
                                             "open_with_path",
                                             "folders",
+                                            "notices",
                                             "operations_by_file_manager"};
     std::set<std::string> known;
     for (const Setting& setting : settings_table()) known.insert(setting.key);

@@ -19,6 +19,9 @@ inline constexpr int bus_patience = 500;
 // does not answer. Each call asks the bus; a bus that has failed is left alone for a while.
 ObjectOwner<GDBusConnection> session_bus();
 
+// Whether there seems to be one; it is not asked.
+bool has_session_bus();
+
 // Sends all messages that still wait, if the process has used the bus at all.
 void flush_session_bus();
 

@@ -98,7 +98,7 @@ TEST_F(LastDoneTest, IsNothingIfAnotherProgramDidIt) {
 TEST_F(LastDoneTest, CountsNoFilesInAVeryLongRecord) {
     std::filesystem::create_directories(state);
     std::ofstream journal(operations::undo_journal_path(state));
-    journal << operations::begun_entry();
+    journal << operations::begun_entry("1");
     for (int i = 0; i < 5000; i++) {
         journal << operations::moving_entry("/from/" + std::string(100, 'x'), "/to/x", 1);
     }

@@ -86,6 +86,36 @@ TEST_F(UndoTest, WhatWasMovedReplacedOrKeptBesideComesBack) {
     EXPECT_EQ(undo(), Names({"there is nothing to undo"}));
 }
 
+TEST_F(UndoTest, AnOperationIsUndoneByItsNameOnlyWhileItIsTheLastOne) {
+    const std::string a = folder_.file("a", "a"), b = folder_.file("b", "b");
+    const std::string c = folder_.file("c", "c");
+    const test::State before = world();
+    const auto undo_named = [&](const std::string& operation) {
+        const Report report =
+            operations::undo_operation(operation, notes_, folder_.path("state"));
+        return report.outcomes.front().state == State::Done ? "" : report.outcomes.front().reason;
+    };
+    const std::string first = perform(Kind::Move, {a}, folder_.path("to")).operation;
+    const std::string second = perform(Kind::Copy, {b, c}, folder_.path("to")).operation;
+    EXPECT_NE(first, "");
+    EXPECT_NE(first, second);
+    const test::State after = world();
+    EXPECT_EQ(undo_named(first),
+              "another operation came after it (copying \"b\" and 1 other), and only the last one "
+              "can be undone");
+    EXPECT_EQ(world(), after);
+    EXPECT_EQ(undo_named(second), "");
+    EXPECT_EQ(undo_named(first), "there is nothing to undo");
+    const std::string third = perform(Kind::Trash, {b}, "").operation;
+    EXPECT_EQ(undo_named(third), "");
+    rename(folder_.path("to/a").c_str(), a.c_str());
+    EXPECT_EQ(world(), before);
+}
+
+TEST_F(UndoTest, AnOperationThatDidNothingHasNoName) {
+    EXPECT_EQ(perform(Kind::Move, {folder_.path("missing")}, folder_.path("to")).operation, "");
+}
+
 TEST_F(UndoTest, ACopyGoesToTheTrashAndWhatItReplacedComesBack) {
     folder_.file("to/tree", "old");
     const std::string tree = folder_.folder("tree");
@@ -329,7 +359,7 @@ TEST_F(UndoTest, AJournalThatTakesAnotherFileForANoteUndoesNothing) {
     for (const operations::Trashed& place : places) {
         const std::string note = folder_.file("Trash/info/b.trashinfo", "b");
         folder_.file("state/last-operation",
-                     operations::begun_entry() +
+                     operations::begun_entry("1") +
                          operations::trashing_entry(folder_.path("a"), place, what.st_ino));
         EXPECT_EQ(undo(), Names({"the record of the last operation cannot be read"})) << place.info;
         EXPECT_EQ(test::read_file(victim), "v");

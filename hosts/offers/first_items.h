@@ -14,5 +14,12 @@ struct HostItem {
     HostAction action;
 };
 
+// How the host does what two of the items are for. Both return what HostAction returns.
+struct FirstActions {
+    std::string (*undo)();
+    std::string (*open_settings)();
+};
+
 // The items for these files. Titles for people are in their language.
-std::vector<HostItem> first_items(const std::vector<std::string>& files, bool for_people);
+std::vector<HostItem> first_items(const std::vector<std::string>& files, bool for_people,
+                                  const FirstActions& actions);

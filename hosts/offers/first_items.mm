@@ -1,4 +1,4 @@
-#include "popup/first_items.h"
+#include "offers/first_items.h"
 
 #include <host/text.h>
 
@@ -9,8 +9,6 @@
 #include "corefoundation/patient_stat.h"
 #include "file_steps/visible_text.h"
 #include "operations/last_done.h"
-#include "popup/asked_operations.h"
-#include "popup/settings_program.h"
 #include "settings/list_edits.h"
 #include "settings/setting_store.h"
 
@@ -114,14 +112,15 @@ std::string undo_title(const operations::LastDone& done, bool for_people) {
 
 }  // namespace
 
-std::vector<HostItem> first_items(const Paths& files, bool for_people) {
+std::vector<HostItem> first_items(const Paths& files, bool for_people,
+                                  const FirstActions& actions) {
     std::vector<HostItem> items;
     add_folder_item(files, for_people, &items);
     if (const auto done = operations::last_done()) {
         items.push_back(
-            {undo_title(*done, for_people), [](const Paths&) { return undo_last_operation(); }});
+            {undo_title(*done, for_people), [actions](const Paths&) { return actions.undo(); }});
     }
     items.push_back({title_of(for_people, to_translate("Settings...")),
-                     [](const Paths&) { return open_settings(); }});
+                     [actions](const Paths&) { return actions.open_settings(); }});
     return items;
 }
