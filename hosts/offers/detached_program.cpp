@@ -29,7 +29,8 @@ void set_own_program(const std::string& path) { own_program() = path; }
 
 bool start_own_program(const std::vector<std::string>& arguments) {
     std::vector<char*> words = {const_cast<char*>("delvio")};
-    for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);
     const pid_t child = fork();
     if (child < 0) return false;

@@ -12,8 +12,8 @@ constexpr int milliseconds_of_button = 10000;  // time to read it and to reach i
 
 files::VariantOwner call(GDBusConnection* bus, const char* method, GVariant* arguments) {
     return files::VariantOwner(g_dbus_connection_call_sync(
-        bus, notifications_name, notifications_object, notifications_name, method, arguments, nullptr, G_DBUS_CALL_FLAGS_NONE,
-        milliseconds_to_show, nullptr, nullptr));
+        bus, notifications_name, notifications_object, notifications_name, method, arguments,
+        nullptr, G_DBUS_CALL_FLAGS_NONE, milliseconds_to_show, nullptr, nullptr));
 }
 
 struct Abilities {

@@ -121,12 +121,12 @@ struct Verb {
 };
 
 const Verb verbs[] = {
-    {begun, 0, 0, &Reader::begin}, {named, 0, 1, &Reader::name},          {moving, 2, 3, &Reader::move},
-    {trashing, 3, 4, &Reader::put_in_trash}, {not_done, 0, 0, &Reader::take_back},
-    {copying, 2, 7, &Reader::copy},          {copied, 0, 0, &Reader::confirm},
-    {emptying, 2, 3, &Reader::empty},        {aliasing, 2, 2, &Reader::alias},
-    {elsewhere, 0, 1, &Reader::refuse},      {restoring, 0, 2, &Reader::restore},
-    {undone, 0, 1, &Reader::undo},
+    {begun, 0, 0, &Reader::begin},        {named, 0, 1, &Reader::name},
+    {moving, 2, 3, &Reader::move},        {trashing, 3, 4, &Reader::put_in_trash},
+    {not_done, 0, 0, &Reader::take_back}, {copying, 2, 7, &Reader::copy},
+    {copied, 0, 0, &Reader::confirm},     {emptying, 2, 3, &Reader::empty},
+    {aliasing, 2, 2, &Reader::alias},     {elsewhere, 0, 1, &Reader::refuse},
+    {restoring, 0, 2, &Reader::restore},  {undone, 0, 1, &Reader::undo},
 };
 
 // Whether the fields are what an operation writes. A damaged record could name any file.

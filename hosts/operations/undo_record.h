@@ -39,7 +39,7 @@ struct Recorded {
     std::vector<Step> steps;
     std::string operation;  // its name; empty in a record that has none
     std::string problem;    // why nothing of it can be undone; else empty
-    size_t length = 0;    // in bytes, of the complete entries
+    size_t length = 0;      // in bytes, of the complete entries
 };
 
 // Reads the entries below. The last one may be cut off, when its process was killed.

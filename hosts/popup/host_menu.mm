@@ -22,7 +22,8 @@ const std::vector<HostItem>& host_actions() {
 
 // All items of the host for these files.
 std::vector<HostItem> host_items(const std::vector<std::string>& files, bool for_people) {
-    std::vector<HostItem> items = first_items(files, for_people, {undo_last_operation, open_settings});
+    std::vector<HostItem> items =
+        first_items(files, for_people, {undo_last_operation, open_settings});
     items.push_back({"", nullptr});
     for (HostItem item : host_actions()) {
         if (!item.title.empty() && for_people) item.title = translated(item.title.c_str());

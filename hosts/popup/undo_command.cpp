@@ -22,7 +22,8 @@ class Quiet : public operations::Observer {
 int run_undo_command() {
     Quiet observer;
     const UndoLines lines = lines_of(operations::undo_last(observer));
-    for (const std::string& line : first_lines(lines.done, most_lines)) printf("%s\n", line.c_str());
+    for (const std::string& line : first_lines(lines.done, most_lines))
+        printf("%s\n", line.c_str());
     for (const std::string& line : first_lines(lines.problems, most_lines))
         complain_about_usage(translated("cannot undo: %s", {line}));
     if (!lines.done.empty() && !lines.problems.empty()) {

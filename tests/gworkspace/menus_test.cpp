@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "gworkspace/viewer_desk.h"
+#include "hosts/command_runner.h"
 
 using namespace test;
 
@@ -84,8 +85,9 @@ TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
 
 TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
     right_click(item("icons", path("second.txt")));
-    EXPECT_EQ(titles(0), Lines({"second.txt", "-", "Settings...", "-", "Open", "Open With...", "-", "Cut", "Copy", "-",
-                                "Duplicate", "Move to Recycler", "-", "Attributes"}));
+    EXPECT_EQ(titles(0),
+              Lines({"second.txt", "-", "Settings...", "-", "Open", "Open With...", "-", "Cut",
+                     "Copy", "-", "Duplicate", "Move to Recycler", "-", "Attributes"}));
     pick({"Duplicate"});
     answer("Duplicate the selected objects?");
     EXPECT_TRUE(wait_until([&] {
@@ -94,6 +96,33 @@ TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
             if (name.starts_with("second") && name != "second.txt") return true;
         }
         return false;
+    }));
+}
+
+TEST_F(Menus, AFolderIsAddedToTheUsersFoldersAndTakenOutOfThem) {
+    right_click(item("icons", path("alpha")));
+    pick({"Add to my folders"});
+    right_click(item("icons", path("second.txt")));
+    const Lines with = titles(0);
+    close_menu();
+    EXPECT_EQ(Lines(with.begin(), with.begin() + 3), Lines({"alpha", "-", "second.txt"}));
+    right_click(item("icons", path("alpha")));
+    pick({"Remove from my folders"});
+    right_click(item("icons", path("second.txt")));
+    EXPECT_EQ(titles(0)[0], "second.txt");
+    close_menu();
+}
+
+TEST_F(Menus, SettingsOpensTheirWindow) {
+    const auto window = [] {
+        return output_of("xdotool search --onlyvisible --name '^Delvio Settings$'");
+    };
+    right_click(item("icons", path("second.txt")));
+    pick({"Settings..."});
+    EXPECT_TRUE(wait_until([&] { return !window().empty(); }));
+    EXPECT_TRUE(wait_until([&] {
+        output_of("xdotool search --name '^Delvio Settings$' windowkill");
+        return window().empty();
     }));
 }
 
@@ -140,8 +169,8 @@ TEST_F(Menus, ShiftGivesTheHostsMenuAlone) {
     const Lines plain = titles(0);
     input().key_up("Shift_L");
     close_menu();
-    EXPECT_EQ(plain, Lines({"Add to my folders", "Settings...", "-", "Open as Folder", "-", "Cut", "Copy", "-", "Duplicate",
-                            "Move to Recycler", "-", "Attributes"}));
+    EXPECT_EQ(plain, Lines({"Add to my folders", "Settings...", "-", "Open as Folder", "-", "Cut",
+                            "Copy", "-", "Duplicate", "Move to Recycler", "-", "Attributes"}));
 }
 
 TEST_F(Menus, ControlClickOpensTheMenu) {

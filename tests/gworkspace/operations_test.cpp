@@ -256,6 +256,29 @@ TEST_F(Operations, TheAlertReplacesByMouseAndUndoBringsTheOldBack) {
     EXPECT_EQ(read_file(source), "new");
 }
 
+TEST_F(Operations, TheMenuUndoesWhatTheEngineDidAndNotWhatGWorkspaceDid) {
+    const std::string undo_row = "Undo Move of \"swapped.txt\"";
+    const std::string source = add("swapped.txt", "new");
+    std::ofstream(basket("swapped.txt")) << "old";
+    pick_for(source, to_basket);
+    click_at("button " + std::to_string(replace));
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
+    right_click(item("icons", path("second.txt")));
+    EXPECT_TRUE(contains(titles(0), undo_row));
+    pick({undo_row});
+    refuse_by_return();  // the panel that tells what was done
+    EXPECT_EQ(read_file(basket("swapped.txt")), "old");
+    EXPECT_EQ(read_file(source), "new");
+    fs::remove(basket("swapped.txt"));
+    show("icons");
+    pick_for(source, to_basket);
+    answer("Move one item from");
+    EXPECT_TRUE(wait_until([&] { return !fs::exists(source); }));
+    right_click(item("icons", path("second.txt")));
+    EXPECT_FALSE(contains(titles(0), undo_row));
+    close_menu();
+}
+
 TEST_F(Operations, ANameThatIsTakenWhileGWorkspaceAsksIsAskedAboutOnceMoreAndReplacesNothing) {
     const std::string source = add("late.txt", "new");
     pick_for(source, to_basket);

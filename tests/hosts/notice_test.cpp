@@ -59,9 +59,8 @@ struct Notice : test::MenuCommand {
 
     void begin_desktop(const std::string& abilities) {
         desktop.reset();
-        desktop = std::make_unique<test::BusService>(bus, "org.freedesktop.Notifications",
-                                                     "/org/freedesktop/Notifications",
-                                                     notifications);
+        desktop = std::make_unique<test::BusService>(
+            bus, "org.freedesktop.Notifications", "/org/freedesktop/Notifications", notifications);
         desktop->set_answer("GetCapabilities", abilities);
         desktop->set_answer("Notify", "(uint32 7,)");
     }
@@ -151,8 +150,9 @@ TEST_F(Notice, RefusesByNameWhenAnotherOperationCameAfterIt) {
     trash_by_keys(folder.file("later"));
     ASSERT_TRUE(is_told("'Moved to the trash', '“later”'"));
     desktop->emit("ActionInvoked", "(uint32 7, 'undo')");
-    ASSERT_TRUE(is_told("'This cannot be undone.', 'another operation came after it (trashing "
-                        "\"later\"), and only the last one can be undone'"));
+    ASSERT_TRUE(
+        is_told("'This cannot be undone.', 'another operation came after it (trashing "
+                "\"later\"), and only the last one can be undone'"));
     EXPECT_EQ(read_file(folder.path("to/a.txt")), "a");
     desktop->emit("ActionInvoked", "(uint32 9, 'undo')");
     ASSERT_TRUE(is_told("'Undone', '\"later\" is back in "));

@@ -22,8 +22,8 @@ class LeftTrashInfo : public testing::Test {
     // exists, and then the step is written down.
     void leave_behind(const std::string& after = "") {
         folder_.file("trash/info/a.trashinfo", "[Trash Info]\nPath=/a\n");
-        const std::string text =
-            operations::begun_entry("1") + operations::trashing_entry("/a", {file_, info_}, 7) + after;
+        const std::string text = operations::begun_entry("1") +
+                                 operations::trashing_entry("/a", {file_, info_}, 7) + after;
         folder_.file("state/last-operation", text);
     }
     Names left() { return test::names_in(folder_.path("trash/info")); }
@@ -71,8 +71,8 @@ TEST_F(LeftTrashInfo, ANoteOfAnotherProgramsThatCameLaterIsKept) {
 
 TEST_F(LeftTrashInfo, AFileThatIsNoNoteIsKeptWhateverADamagedJournalSays) {
     const std::string other = folder_.file("trash/info/b.trashinfo", "b");
-    folder_.file("state/last-operation",
-                 operations::begun_entry("1") + operations::trashing_entry("/a", {file_, other}, 7));
+    folder_.file("state/last-operation", operations::begun_entry("1") +
+                                             operations::trashing_entry("/a", {file_, other}, 7));
     operations::remove_left_trash_info(state_);
     EXPECT_EQ(left(), Names({"b.trashinfo"}));
 }

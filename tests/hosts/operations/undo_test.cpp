@@ -91,8 +91,7 @@ TEST_F(UndoTest, AnOperationIsUndoneByItsNameOnlyWhileItIsTheLastOne) {
     const std::string c = folder_.file("c", "c");
     const test::State before = world();
     const auto undo_named = [&](const std::string& operation) {
-        const Report report =
-            operations::undo_operation(operation, notes_, folder_.path("state"));
+        const Report report = operations::undo_operation(operation, notes_, folder_.path("state"));
         return report.outcomes.front().state == State::Done ? "" : report.outcomes.front().reason;
     };
     const std::string first = perform(Kind::Move, {a}, folder_.path("to")).operation;
