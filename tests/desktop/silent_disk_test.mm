@@ -286,8 +286,8 @@ TEST_F(SilentLevel, EscapeClosesTheMenuWhileItIsSilent) {
     EXPECT_TRUE(is_loading);
 }
 
-// The stock answer, however long it takes. The disk is silent for three times as long as a menu would
-// wait for it.
+// The stock answer, however long it takes. The disk is silent for three times as long as a menu
+// would wait for it.
 TEST_F(SilentDisk, WithoutAMenuTheAnswerIsWaitedFor) {
     stop();
     std::thread later([] {
