@@ -24,6 +24,11 @@ bool is_plain(char byte) { return byte >= 0x20 && byte < 0x7f; }
 template <typename Take>
 void for_each_character(std::string_view text, Take take) {
     while (!text.empty()) {
+        if (is_plain(text[0])) {  // as most are
+            take(static_cast<gunichar>(text[0]), text.substr(0, 1));
+            text.remove_prefix(1);
+            continue;
+        }
         const auto left = static_cast<gssize>(text.size());
         const gunichar found = g_utf8_get_char_validated(text.data(), left);
         const bool valid = found < 0x80000000;
@@ -38,6 +43,7 @@ void for_each_character(std::string_view text, Take take) {
 std::string printable(std::string_view text, std::string_view mark) {
     if (std::ranges::all_of(text, is_plain)) return std::string(text);
     std::string result;
+    result.reserve(text.size());
     for_each_character(text, [&](gunichar character, std::string_view bytes) {
         const bool invalid = character == static_cast<gunichar>(-1);
         result += invalid || is_unprintable(character) ? mark : bytes;

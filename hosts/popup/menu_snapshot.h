@@ -38,7 +38,10 @@ class MenuText {
     const std::vector<std::string>& parts() const { return parts_; }
 
   private:
+    const std::string& title_of(const ItemSnapshot& item);
+
     std::vector<std::string> parts_;
+    std::string last_title_, last_printable_;
 };
 // The menu as a JSON array; all items have details. Bytes that are not UTF-8 become replacement
 // characters.

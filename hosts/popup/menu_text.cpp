@@ -12,35 +12,44 @@ constexpr size_t part_size = 1 << 20;
 
 constexpr const char* replacement_character = "\xef\xbf\xbd";
 
-// A preview's row has no title, only a picture.
-std::string title_of(const ItemSnapshot& item) {
-    if (item.title.empty() && item.image) return "(picture)";
-    return printable(item.title, replacement_character);
-}
-
-std::string joined(const std::vector<std::string>& words) {
-    std::string result;
-    for (const std::string& word : words) result += (result.empty() ? "" : "-") + word;
-    return result;
-}
-
-void append_line(const ItemSnapshot& item, std::string* text) {
-    if (item.separator) {
-        *text += "--------";
-        return;
+void append_modifiers(unsigned long modifiers, std::string* text) {
+    const char* joint = " [";
+    for (const std::string& name : modifier_names(modifiers)) {
+        *text += joint;
+        *text += name;
+        joint = "-";
     }
-    *text += title_of(item);
+    *text += *joint == '-' ? "]" : " []";
+}
+
+void append_extras(const ItemSnapshot& item, std::string* text) {
     if (item.has_submenu) *text += " >";
-    if (item.alternate) *text += " [" + joined(modifier_names(item.modifiers)) + "]";
+    if (item.alternate) append_modifiers(item.modifiers, text);
     if (!item.enabled) *text += " (disabled)";
 }
 
 }  // namespace
 
+// A preview's row has no title, only a picture. An alternate mostly has its file's title.
+const std::string& MenuText::title_of(const ItemSnapshot& item) {
+    static const std::string picture = "(picture)";
+    if (item.title.empty() && item.image) return picture;
+    if (item.title != last_title_) {
+        last_title_ = item.title;
+        last_printable_ = printable(item.title, replacement_character);
+    }
+    return last_printable_;
+}
+
 void MenuText::add(const ItemSnapshot& item, size_t level) {
     if (parts_.empty() || parts_.back().size() > part_size) parts_.emplace_back();
     std::string& text = parts_.back();
     text.append(level * indentation, ' ');
-    append_line(item, &text);
+    if (item.separator) {
+        text += "--------";
+    } else {
+        text += title_of(item);
+        append_extras(item, &text);
+    }
     text += '\n';
 }

@@ -22,7 +22,8 @@ inline constexpr long most_read_bytes = 1L << 30;
 - (void)walk:(MenuSession*)session;
 @end
 
-// Opens levels and reads them: as text, or as records with details.
+// Opens levels and reads them: as text, or as records with details. The levels stay in memory until
+// the process ends.
 @interface MenuReader : MenuWalker {
   @private
     int _depth;

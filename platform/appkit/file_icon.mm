@@ -19,14 +19,31 @@ struct SplitPath {
     NSString *folder, *leaf;
 };
 
-SplitPath split(NSString* path) {
+SplitPath split_anew(NSString* path) {
     const NSUInteger length = [path length], most_characters = 4096;
-    if (length > most_characters) return {path, @""};
+    if (length > most_characters) return {[[path copy] autorelease], @""};
     unichar characters[most_characters];
     [path getCharacters:characters range:NSMakeRange(0, length)];
     NSUInteger end = length;
     while (end > 0 && characters[end - 1] != '/') end--;
     return {shared_string(characters, end), shared_string(characters + end, length - end)};
+}
+
+// Icons of the same file are asked for one after another, often with the same string. A string that
+// may change is copied here, and so is never found again.
+SplitPath split(NSString* path) {
+    static NSString* last;
+    static SplitPath parts;
+    if (path == last) return parts;
+    const SplitPath previous = parts;
+    [last release];
+    last = [path copy];
+    parts = split_anew(path);
+    [parts.folder retain];
+    [parts.leaf retain];
+    [previous.folder release];
+    [previous.leaf release];
+    return parts;
 }
 
 enum LinkState : signed char { is_no_link, is_link, is_broken_link };
@@ -78,8 +95,8 @@ NSColor* clear_color() {
     _hidden = -1;
     if (!path) return self;
     const SplitPath parts = split(path);
-    _fileName = [parts.folder copy];
-    _leaf = [parts.leaf copy];
+    _fileName = [parts.folder retain];
+    _leaf = [parts.leaf retain];
     return self;
 }
 

@@ -49,6 +49,9 @@ NSString* shared_string(const unichar* characters, NSUInteger length) {
 }
 
 NSString* shared_string(NSString* string) {
+    for (const TextLayout& text : last) {
+        if (text.string && text.string == string) return string;
+    }
     const NSUInteger length = [string length];
     if (!string || length > most_characters) return string;
     unichar characters[most_characters];

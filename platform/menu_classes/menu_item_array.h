@@ -15,13 +15,6 @@ class PackedItems;
     NSUInteger _changes;
     BOOL _isLeft;
 }
-// Packs an item that nobody else holds, if it can be packed.
-- (void)packItemAtIndex:(NSUInteger)index;
-// The item; if it is packed, an object that stands for it until the next call.
-- (NSMenuItem*)glanceAtIndex:(NSUInteger)index;
-// Whether the item is packed: then it is an alternate without a key equivalent, for these modifier
-// keys.
-- (BOOL)isPackedAtIndex:(NSUInteger)index modifiers:(NSUInteger*)modifiers;
 // The item with this submenu; nil when there is none.
 - (NSMenuItem*)itemWithSubmenu:(NSMenu*)submenu;
 // Grows whenever the menu gets other items.
@@ -31,9 +24,13 @@ class PackedItems;
 @end
 
 // These serve any array of items.
+// Packs an item that nobody else holds, if it can be packed.
 void pack_item(NSMutableArray* items, NSUInteger index);
 void leave_menu(NSMutableArray* items);
+// The item; if it is packed, an object that stands for it until the next call.
 NSMenuItem* glance_at_item(NSArray* items, NSUInteger index);
+// Whether the item is packed: then it is an alternate without a key equivalent, for these modifier
+// keys.
 BOOL is_packed_item(NSArray* items, NSUInteger index, NSUInteger* modifiers);
 NSMenuItem* item_with_submenu(NSArray* items, NSMenu* submenu);
 // An array that never changes has none.

@@ -42,13 +42,33 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
     [super dealloc];
 }
 
-- (uintptr_t&)placeAtIndex:(NSUInteger)index {
-    if (index >= _places->size()) {
-        [NSException
-             raise:NSRangeException
-            format:@"no item %lu of %zu", static_cast<unsigned long>(index), _places->size()];
+// Functions where a large menu asks for each of its items; a message takes longer than the answer.
+static uintptr_t& place_at(MenuItemArray* self, NSUInteger index) {
+    const std::vector<uintptr_t>& places = *self->_places;
+    if (index >= places.size()) {
+        [NSException raise:NSRangeException
+                    format:@"no item %lu of %zu", static_cast<unsigned long>(index), places.size()];
     }
-    return (*_places)[index];
+    return (*self->_places)[index];
+}
+
+static void pack(MenuItemArray* self, NSUInteger index) {
+    uintptr_t& place = place_at(self, index);
+    if (is_packed(place)) return;
+    const PackedItems::Word* packed = self->_packed->pack(object_in(place));
+    if (packed) place = reinterpret_cast<uintptr_t>(packed) | packed_mark;
+}
+
+static NSMenuItem* glance_at(MenuItemArray* self, NSUInteger index) {
+    const uintptr_t place = place_at(self, index);
+    return is_packed(place) ? self->_packed->stand_in(packed_in(place)) : object_in(place);
+}
+
+static BOOL is_packed_at(MenuItemArray* self, NSUInteger index, NSUInteger* modifiers) {
+    const uintptr_t place = place_at(self, index);
+    if (!is_packed(place)) return NO;
+    *modifiers = self->_packed->modifiers(packed_in(place));
+    return YES;
 }
 
 - (NSUInteger)count {
@@ -56,7 +76,7 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
 }
 
 - (id)objectAtIndex:(NSUInteger)index {
-    uintptr_t& place = [self placeAtIndex:index];
+    uintptr_t& place = place_at(self, index);
     if (is_packed(place)) {
         place = place_for(_packed->unpack(packed_in(place)));
         if (_isLeft) [object_in(place) setMenu:nil];
@@ -66,7 +86,7 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
 
 - (void)insertObject:(id)item atIndex:(NSUInteger)index {
     if (!item) [NSException raise:NSInvalidArgumentException format:@"no item to insert"];
-    if (index > _places->size()) [self placeAtIndex:index];
+    if (index > _places->size()) place_at(self, index);
     _changes++;
     _places->insert(_places->begin() + static_cast<ptrdiff_t>(index), place_for([item retain]));
 }
@@ -89,7 +109,7 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
 - (void)replaceObjectAtIndex:(NSUInteger)index withObject:(id)item {
     if (!item) [NSException raise:NSInvalidArgumentException format:@"no item to insert"];
     NSMenuItem* const replaced = [self objectAtIndex:index];
-    [self placeAtIndex:index] = place_for([item retain]);
+    place_at(self, index) = place_for([item retain]);
     _changes++;
     [replaced release];
 }
@@ -98,25 +118,6 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
 - (NSUInteger)indexOfObjectIdenticalTo:(id)item {
     const auto found = std::find(_places->begin(), _places->end(), place_for(item));
     return found == _places->end() ? NSNotFound : static_cast<NSUInteger>(found - _places->begin());
-}
-
-- (void)packItemAtIndex:(NSUInteger)index {
-    uintptr_t& place = [self placeAtIndex:index];
-    if (is_packed(place)) return;
-    const PackedItems::Word* packed = _packed->pack(object_in(place));
-    if (packed) place = reinterpret_cast<uintptr_t>(packed) | packed_mark;
-}
-
-- (NSMenuItem*)glanceAtIndex:(NSUInteger)index {
-    const uintptr_t place = [self placeAtIndex:index];
-    return is_packed(place) ? _packed->stand_in(packed_in(place)) : object_in(place);
-}
-
-- (BOOL)isPackedAtIndex:(NSUInteger)index modifiers:(NSUInteger*)modifiers {
-    const uintptr_t place = [self placeAtIndex:index];
-    if (!is_packed(place)) return NO;
-    *modifiers = _packed->modifiers(packed_in(place));
-    return YES;
 }
 
 // A packed item's submenu is packed, too.
@@ -138,15 +139,13 @@ uintptr_t place_for(id item) { return reinterpret_cast<uintptr_t>(item); }
     }
 }
 
-@end
-
 static BOOL is_item_array(NSArray* items) {
     static const Class ours = [MenuItemArray class];
     return object_getClass(items) == ours;
 }
 
 void pack_item(NSMutableArray* items, NSUInteger index) {
-    if (is_item_array(items)) [static_cast<MenuItemArray*>(items) packItemAtIndex:index];
+    if (is_item_array(items)) pack(static_cast<MenuItemArray*>(items), index);
 }
 
 void leave_menu(NSMutableArray* items) {
@@ -155,14 +154,16 @@ void leave_menu(NSMutableArray* items) {
 }
 
 NSMenuItem* glance_at_item(NSArray* items, NSUInteger index) {
-    if (is_item_array(items)) return [static_cast<MenuItemArray*>(items) glanceAtIndex:index];
+    if (is_item_array(items)) return glance_at(static_cast<MenuItemArray*>(items), index);
     return [items objectAtIndex:index];
 }
 
 BOOL is_packed_item(NSArray* items, NSUInteger index, NSUInteger* modifiers) {
     if (!is_item_array(items)) return NO;
-    return [static_cast<MenuItemArray*>(items) isPackedAtIndex:index modifiers:modifiers];
+    return is_packed_at(static_cast<MenuItemArray*>(items), index, modifiers);
 }
+
+@end
 
 NSMenuItem* item_with_submenu(NSArray* items, NSMenu* submenu) {
     if (is_item_array(items)) {

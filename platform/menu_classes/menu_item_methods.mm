@@ -161,9 +161,11 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
                     format:@"submenu (%@) already has supermenu (%@)", [submenu title],
                            [[submenu supermenu] title]];
     }
-    [previous setSupermenu:nil];
     self->_submenu = [submenu retain];
-    [previous release];
+    if (previous) {
+        [previous setSupermenu:nil];
+        [previous release];
+    }
     [submenu setSupermenu:self->_menu];
     static NSProcessInfo* const process = [NSProcessInfo processInfo];
     // A menu made by -init has the program's name as its title, and takes the item's title here.
@@ -172,7 +174,7 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
         [submenu setTitle:self->_title];
     }
     adopt_submenu_action(self);
-    [self->_menu itemChanged:self];
+    if (self->_menu) [self->_menu itemChanged:self];
 }
 
 @end

@@ -62,6 +62,6 @@ class PackedItems {
 
     std::vector<Kind> kinds_;
     std::vector<std::unique_ptr<Word[]>> blocks_;
-    size_t used_ = 0;                // words of the last block
+    size_t used_ = 0, room_ = 0;     // words of the last block
     id item_ = nil, submenu_ = nil;  // stand-ins, made on first need
 };

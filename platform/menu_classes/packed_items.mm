@@ -12,7 +12,7 @@ namespace {
 
 using Word = PackedItems::Word;
 
-constexpr size_t block_words = 2048, most_kinds = 16;
+constexpr size_t least_block_words = 2048, most_block_words = 1 << 16, most_kinds = 16;
 // An item differs from its kind in its title, its image and what its class adds.
 constexpr int most_differences = 4;
 // An item and its submenu, each with its first word.
@@ -57,30 +57,49 @@ const Places& places_of_fields() {
 
 template <size_t count>
 void release_fields(const Word* words, const size_t (&places)[count]) {
-    for (const size_t place : places) [reinterpret_cast<id>(words[place]) release];
+    for (const size_t place : places) {
+        if (words[place]) [reinterpret_cast<id>(words[place]) release];
+    }
 }
 
 // An object whose class does something when it goes may have told others where it is. C++ fields
 // are destroyed when it goes.
-bool goes_silently(id object, Class stock) {
+bool goes_silently(Class owner, Class stock) {
     static const SEL destroy_fields = sel_registerName(".cxx_destruct");
     const SEL deallocate = @selector(dealloc);
-    if (class_respondsToSelector(object_getClass(object), destroy_fields)) return false;
-    return class_getMethodImplementation(object_getClass(object), deallocate) ==
+    if (class_respondsToSelector(owner, destroy_fields)) return false;
+    return class_getMethodImplementation(owner, deallocate) ==
            class_getMethodImplementation(stock, deallocate);
 }
+
+// Objects of a kind of class: nearly all are of one class, about which the run time is asked once.
+class SilentClasses {
+  public:
+    explicit SilentClasses(Class stock) : stock_(stock) {}
+    bool has(id object) {
+        const Class owner = object_getClass(object);
+        if (owner == last_) return is_silent_;
+        last_ = owner;
+        return is_silent_ = goes_silently(owner, stock_);
+    }
+
+  private:
+    const Class stock_;
+    Class last_ = nil;
+    bool is_silent_ = false;
+};
 
 bool is_held_once(id object) { return NSExtraRefCount(object) == 0; }
 
 bool is_unseen(NSMenu* menu) {
-    static const Class stock = [NSMenu class];
-    return is_held_once(menu) && [menu isUntouched] && goes_silently(menu, stock);
+    static SilentClasses silent([NSMenu class]);
+    return is_held_once(menu) && [menu isUntouched] && silent.has(menu);
 }
 
 bool is_unseen_alternate(NSMenuItem* item) {
-    static const Class stock = [NSMenuItem class];
+    static SilentClasses silent([NSMenuItem class]);
     if (![item isAlternate] || !is_held_once(item) || [[item keyEquivalent] length]) return false;
-    if (has_extras(item) || !goes_silently(item, stock)) return false;
+    if (has_extras(item) || !silent.has(item)) return false;
     NSMenu* const submenu = [item submenu];
     return !submenu || is_unseen(submenu);
 }
@@ -147,8 +166,8 @@ bool PackedItems::plan(id object, size_t left_out, Plan* plan) {
     const Class owner = object_getClass(object);
     const size_t size = class_getInstanceSize(owner);
     if (size > sizeof plan->words) return false;
-    memset(plan->words, 0, sizeof plan->words);
     memcpy(plan->words, static_cast<void*>(object), size);
+    memset(reinterpret_cast<char*>(plan->words) + size, 0, sizeof plan->words - size);
     plan->words[0] = plan->words[left_out] = 0;
     if (find_kind(owner, plan)) return true;
     if (kinds_.size() == most_kinds) return false;
@@ -173,9 +192,12 @@ bool PackedItems::find_kind(Class owner, Plan* plan) const {
     return false;
 }
 
+// Each block is as large as all before it: the allocator puts its free pieces in order, which takes
+// long, whenever somebody asks for a block.
 Word* PackedItems::make_room() {
-    if (blocks_.empty() || block_words - used_ < longest_item) {
-        blocks_.emplace_back(new Word[block_words]);
+    if (room_ - used_ < longest_item) {
+        room_ = std::clamp(2 * room_, least_block_words, most_block_words);
+        blocks_.emplace_back(new Word[room_]);
         used_ = 0;
     }
     return blocks_.back().get() + used_;

@@ -4,6 +4,7 @@
 #undef NDEBUG
 #include <assert.h>
 #include <stdlib.h>
+#include <string.h>
 
 #include "controller/DVDelvio.h"
 #include "items/DVDelvio+Labels.h"
@@ -20,10 +21,21 @@ NSString* title_for_tree(dv_tree_t* tree) {
     return title ? title : [NSString stringWithFormat:@"Delvio: No name found? %p", tree];
 }
 
+// An element's items are made one after another, so the last path is kept as a string. A path that
+// is not valid UTF-8 cannot become one.
+NSString* string_of_path(const char* path) {
+    static char* last;
+    static NSString* string;
+    if (last && strcmp(last, path) == 0) return string;
+    free(last);
+    last = strdup(path);
+    [string release];
+    return string = [[NSString alloc] initWithUTF8String:path];
+}
+
+// A path that is no string gets the icon of an unknown file.
 NSImage* icon_for_path(const char* path) {
-    // A path that is not valid UTF-8 cannot become an NSString, so it gets the icon of an unknown
-    // file.
-    NSString* string = [NSString stringWithUTF8String:path];
+    NSString* string = string_of_path(path);
     NSImage* icon = [[NSWorkspace sharedWorkspace] iconForFile:string ? string : @""];
     const int32_t size = static_cast<int32_t>(dvFontSize);
     const CGFloat side = size ? size + icon_margin : default_icon_side;

@@ -134,6 +134,16 @@ TEST_F(Icons, ALinkLooksLikeItsTarget) {
     EXPECT_EQ(number(icon(folder.link("loop", "loop")), 32), 2);
 }
 
+TEST_F(Icons, AStringThatChangesIsAskedForAnew) {
+    NSMutableString* path =
+        [NSMutableString stringWithUTF8String:folder.file("photo.jpeg").c_str()];
+    NSImage* first = [[NSWorkspace sharedWorkspace] iconForFile:path];
+    [path setString:[NSString stringWithUTF8String:folder.folder("sub").c_str()]];
+    NSImage* second = [[NSWorkspace sharedWorkspace] iconForFile:path];
+    EXPECT_EQ(number(first, 32), 8);
+    EXPECT_EQ(number(second, 32), 3);
+}
+
 TEST_F(Icons, ALinkHasAnEmblemAndABrokenOneAnother) {
     test::TempFolder folder;
     folder.folder("there");
