@@ -11,5 +11,8 @@
 // The lines of a row's tip; empty for a row that says all itself. May ask the disk.
 std::string tip_of(const MenuLevel& level, NSMenuItem* item);
 
+// The name that an item's title abbreviates, else the title.
+NSString* whole_title(NSMenuItem* item);
+
 // The text of the tip that is shown; empty for none.
 std::string shown_tip();

@@ -207,13 +207,18 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
 
 @end
 
-std::string tip_of(const MenuLevel& level, NSMenuItem* item) {
+NSString* whole_title(NSMenuItem* item) {
     NSString* path = path_question ? path_question(item) : nil;
     NSString* name = [path lastPathComponent];
-    const bool is_abbreviated = name && abbreviates([item title], name);
+    return name && abbreviates([item title], name) ? name : [item title];
+}
+
+std::string tip_of(const MenuLevel& level, NSMenuItem* item) {
+    NSString* path = path_question ? path_question(item) : nil;
+    NSString* title = whole_title(item);
     std::string text;
-    if (is_abbreviated || is_shortened(level, item)) {
-        text = visible_title(is_abbreviated ? name : [item title]);
+    if (![title isEqual:[item title]] || is_shortened(level, item)) {
+        text = visible_title(title);
         if (path) text += "\n" + visible_title([path stringByDeletingLastPathComponent]);
     }
     if (path && is_closed_folder(path_bytes(path))) {

@@ -31,6 +31,9 @@ class MenuLayout {
     // The modifiers that the rows were chosen for.
     NSUInteger modifiers() const { return modifiers_; }
 
+    // Another number after each update(); no two layouts have the same.
+    unsigned revision() const { return revision_; }
+
     const MenuLook& look() const { return look_; }
     const std::vector<MenuRow>& rows() const { return rows_; }
     int width() const { return width_; }
@@ -61,7 +64,8 @@ class MenuLayout {
     MenuLook look_;
     NSArray* source_ = nil;          // the menu's own array of items, retained
     NSUInteger source_changes_ = 0;  // when the items were taken
-    NSArray* shown_ = nil;           // the items of the rows, retained
+    unsigned revision_ = 0;
+    NSArray* shown_ = nil;  // the items of the rows, retained
     NSUInteger modifiers_ = 0;
     bool has_alternates_ = false;
     std::vector<MenuRow> rows_;

@@ -52,6 +52,8 @@ MenuLayout::~MenuLayout() {
 }
 
 void MenuLayout::update(NSMenu* menu, NSUInteger modifiers) {
+    static unsigned last_revision;
+    revision_ = ++last_revision;
     take_items(menu, modifiers);
     place_rows();
     measure_width();

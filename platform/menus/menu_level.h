@@ -25,6 +25,8 @@ class MenuLevel {
     MenuLevel(const MenuLevel&) = delete;
     MenuLevel& operator=(const MenuLevel&) = delete;
 
+    // No other level has the same.
+    unsigned number() const { return number_; }
     NSMenu* menu() const { return menu_; }
     const MenuLayout& layout() const { return layout_; }
     NSWindow* window() const { return window_; }
@@ -56,6 +58,8 @@ class MenuLevel {
     // -1 over the strip that scrolls up, 1 over the one that scrolls down.
     int edge_at(MenuPoint point) const;
 
+    // How many pixels of the content are above the panel.
+    int scroll() const { return scroll_; }
     // Scrolls towards the end by pixels; false at the end of the way.
     bool scroll_by(int pixels);
     // Scrolls as little as possible to show a row whole.
@@ -81,6 +85,7 @@ class MenuLevel {
     int strip(int direction) const;
     MenuScene scene(bool shadow) const;
 
+    const unsigned number_;
     NSMenu* menu_;  // retained
     const MenuStyle& style_;
     MenuLayout layout_;

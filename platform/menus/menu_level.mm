@@ -25,10 +25,16 @@ NSRect rectangle(const Area& area) {
     return NSMakeRect(area.left, area.top, area.width, area.height);
 }
 
+unsigned new_number() {
+    static unsigned last;
+    return ++last;
+}
+
 }  // namespace
 
 MenuLevel::MenuLevel(NSMenu* menu, const MenuStyle& style)
-    : menu_([menu retain]),
+    : number_(new_number()),
+      menu_([menu retain]),
       style_(style),
       layout_(style.look),
       side_(style.look.mirrored ? on_left : on_right) {}

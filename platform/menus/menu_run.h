@@ -36,6 +36,8 @@ class MenuRun {
     bool may_open(NSMenuItem* item) { return slow_levels_.may_open(item); }
 
     const MenuLevels::List& levels() const { return levels_.all(); }
+    // The item whose submenu a level is, nil for none.
+    NSMenuItem* parent_item(size_t level) const { return levels_.parent_item(level); }
     const MenuStyle& style() const { return levels_.style(); }
     TrackingState state() const { return pointer_.state(); }
     // Does what is due. A run that tracks does so at each turn.

@@ -1,4 +1,4 @@
-#include "service/descriptor_watch.h"
+#include "corefoundation/descriptor_watch.h"
 
 #include <AppKit/AppKit.h>
 

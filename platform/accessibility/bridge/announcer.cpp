@@ -1,0 +1,129 @@
+#include "accessibility/bridge/announcer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+const char state_event[] = "StateChanged", children_event[] = "ChildrenChanged";
+
+Node row_node(const OpenLevel& level, int row) { return {Node::row, level.number, row}; }
+
+}  // namespace
+
+void Announcer::tell_state(const Node& node, const char* state, bool is_set) const {
+    send_(node, state_event, state, is_set, g_variant_new_int32(0));
+}
+
+std::optional<Node> Announcer::parent_row(size_t level, const OpenLevel& open) const {
+    if (level == 0 || open.parent_row < 0) return {};
+    return row_node(told_[level - 1].level, open.parent_row);
+}
+
+void Announcer::follow() {
+    OpenMenus& menus = tree_.menus();
+    const size_t count = menus.levels();
+    size_t same = 0;
+    while (same < std::min(count, told_.size()) &&
+           menus.level(same).number == told_[same].level.number) {
+        same++;
+    }
+    while (told_.size() > same) {
+        tell_closed(told_.size() - 1);
+        told_.pop_back();
+    }
+    for (size_t i = 0; i < same; i++) tell_rows(i);
+    for (size_t i = same; i < count; i++) {
+        told_.push_back({menus.level(i), {}});
+        tell_opened(i);
+    }
+    tell_focus();
+}
+
+void Announcer::tell_opened(size_t level) const {
+    const OpenLevel& open = told_[level].level;
+    tell_presence(level, open, true);
+    if (open.highlighted >= 0) tell_state(row_node(open, open.highlighted), "selected", true);
+}
+
+void Announcer::tell_closed(size_t level) const { tell_presence(level, told_[level].level, false); }
+
+void Announcer::tell_presence(size_t level, const OpenLevel& open, bool is_there) const {
+    const Node menu = {Node::menu, open.number}, window = {Node::window, open.number};
+    const Node inner = level == 0 ? window : menu;
+    const std::optional<Node> row = parent_row(level, open);
+    if (level == 0 || row) {
+        const char* const change = is_there ? "add" : "remove";
+        send_(row.value_or(Node{}), children_event, change, 0, reference_(inner));
+    }
+    if (row) tell_state(*row, "expanded", is_there);
+    if (level == 0) tell_state(window, "showing", is_there);
+    tell_state(menu, "visible", is_there);
+    tell_state(menu, "showing", is_there);
+    if (!is_there) tell_state(menu, "defunct", true);
+}
+
+void Announcer::tell_rows(size_t level) {
+    const OpenLevel now = tree_.menus().level(level);
+    const OpenLevel before = std::exchange(told_[level].level, now);
+    if (now.revision != before.revision || now.scroll != before.scroll) {
+        std::map<int, OpenRow>& known = told_[level].rows;
+        for (auto row = known.begin(); row != known.end() && row->first < now.rows; ++row) {
+            const OpenRow shown = tree_.menus().row(level, row->first);
+            tell_row(row_node(now, row->first), std::exchange(row->second, shown), shown);
+        }
+        const auto gone = known.lower_bound(now.rows);
+        for (auto row = gone; row != known.end(); ++row) {
+            tell_state(row_node(now, row->first), "defunct", true);
+        }
+        known.erase(gone, known.end());
+    }
+    if (now.rows != before.rows) {
+        const int first = std::min(now.rows, before.rows);
+        send_({Node::menu, now.number}, children_event, now.rows > before.rows ? "add" : "remove",
+              first, reference_(row_node(now, first)));
+    }
+    if (now.highlighted == before.highlighted) return;
+    if (before.highlighted >= 0) tell_state(row_node(now, before.highlighted), "selected", false);
+    if (now.highlighted >= 0) tell_state(row_node(now, now.highlighted), "selected", true);
+    send_({Node::menu, now.number}, "SelectionChanged", "", 0, g_variant_new_int32(0));
+}
+
+void Announcer::tell_row(const Node& node, const OpenRow& before, const OpenRow& now) const {
+    if (now == before) return;
+    const auto state = [&](bool was, bool is, const char* name) {
+        if (was != is) tell_state(node, name, is);
+    };
+    if (now.name != before.name) {
+        send_(node, "PropertyChange", "accessible-name", 0,
+              g_variant_new_string(tree_.text(node).c_str()));
+    }
+    if (now.kind != before.kind) {
+        send_(node, "PropertyChange", "accessible-role", 0, g_variant_new_uint32(tree_.role(node)));
+    }
+    state(before.is_in_sight, now.is_in_sight, "showing");
+    for (const char* name : {"enabled", "sensitive", "focusable", "selectable"}) {
+        state(before.is_enabled, now.is_enabled, name);
+    }
+    state(before.is_checked, now.is_checked, "checked");
+    state(before.is_mixed, now.is_mixed, "indeterminate");
+    state(before.has_submenu, now.has_submenu, "expandable");
+    state(before.has_submenu, now.has_submenu, "has-popup");
+}
+
+void Announcer::tell_focus() {
+    const std::optional<Node> now = tree_.focused();
+    if (now == focused_) return;
+    if (focused_ && tree_.exists(*focused_)) tell_state(*focused_, "focused", false);
+    focused_ = now;
+    if (now) tell_state(*now, "focused", true);
+}
+
+void Announcer::note_asked(const Node& node) {
+    if (node.kind != Node::row) return;
+    for (size_t i = 0; i < told_.size(); i++) {
+        ToldLevel& told = told_[i];
+        if (told.level.number != node.level_number || told.rows.contains(node.index)) continue;
+        told.rows.emplace(node.index, tree_.menus().row(i, node.index));
+    }
+}

@@ -1,0 +1,126 @@
+#include "accessibility/shown_menus.h"
+
+#include <algorithm>
+
+#include "appkit/row_tips.h"
+#include "menus/menu_items.h"
+#include "menus/menu_run.h"
+
+namespace {
+
+MenuLevel& shown(size_t level) { return *MenuRun::current()->levels()[level]; }
+
+const MenuRow& shown_row(size_t level, int row) { return shown(level).layout().rows()[row]; }
+
+NSMenuItem* item_at(size_t level, int row) { return shown_row(level, row).item; }
+
+MenuSession* session() { return [MenuSession current]; }
+
+std::string text(NSString* string) { return [string UTF8String] ?: ""; }
+
+std::string name_of(NSMenuItem* item) {
+    NSString* const title = whole_title(item);
+    return text([title length] ? title : [[item attributedTitle] string]);
+}
+
+bool is_in_sight(const MenuLevel& level, const MenuRow& row) {
+    const int top = row.top - level.scroll();
+    return level.is_shown() && top + row.height > 0 && top < level.panel().height;
+}
+
+}  // namespace
+
+std::string ShownMenus::application() const {
+    return text([[NSProcessInfo processInfo] processName]);
+}
+
+size_t ShownMenus::levels() const {
+    const MenuRun* const run = MenuRun::current();
+    return run ? run->levels().size() : 0;
+}
+
+OpenLevel ShownMenus::level(size_t level) const {
+    const MenuLevel& open = shown(level);
+    OpenLevel answer;
+    answer.number = open.number();
+    answer.revision = open.layout().revision();
+    answer.scroll = open.scroll();
+    answer.rows = static_cast<int>(open.layout().rows().size());
+    answer.highlighted = open.layout().row_of([session() highlightedItemOfMenu:open.menu()]);
+    answer.name = text([open.menu() title]);
+    if (level) {
+        NSMenuItem* const parent = MenuRun::current()->parent_item(level);
+        answer.parent_row = shown(level - 1).layout().row_of(parent);
+    }
+    return answer;
+}
+
+Area ShownMenus::level_area(size_t level) const { return shown(level).panel(); }
+
+OpenRow ShownMenus::row(size_t level, int row) const {
+    const MenuRow& place = shown_row(level, row);
+    NSMenuItem* const item = place.item;
+    OpenRow answer;
+    answer.is_in_sight = is_in_sight(shown(level), place);
+    if (place.kind == separator_row) {
+        answer.kind = OpenRow::separator;
+        return answer;
+    }
+    const NSInteger state = [item state];
+    answer.kind = state == NSOffState ? OpenRow::item : OpenRow::check_item;
+    answer.name = name_of(item);
+    answer.is_enabled = [item isEnabled];
+    answer.is_checked = state == NSOnState;
+    answer.is_mixed = state == NSMixedState;
+    answer.has_submenu = [item hasSubmenu];
+    answer.can_be_picked = can_pick(item);
+    return answer;
+}
+
+Area ShownMenus::row_area(size_t level, int row) const { return shown(level).row_area(row); }
+
+RowPlace ShownMenus::row_place(size_t level, int row) const {
+    const MenuLayout& layout = shown(level).layout();
+    const int count = static_cast<int>(layout.rows().size());
+    if (revision_ != layout.revision()) {
+        revision_ = layout.revision();
+        separators_.clear();
+        for (int i = 0; i < count; i++) {
+            if (layout.rows()[i].kind == separator_row) separators_.push_back(i);
+        }
+    }
+    const auto before = std::lower_bound(separators_.begin(), separators_.end(), row);
+    const int skipped = static_cast<int>(before - separators_.begin());
+    return {row + 1 - skipped, count - static_cast<int>(separators_.size())};
+}
+
+int ShownMenus::row_at(size_t level, MenuPoint point) const { return shown(level).row_at(point); }
+
+bool ShownMenus::highlight(size_t level, int row) {
+    NSMenuItem* const item = item_at(level, row);
+    if (!can_highlight(item)) return false;
+    [session() highlightItem:item inMenu:shown(level).menu()];
+    shown(level).reveal(row);
+    return true;
+}
+
+bool ShownMenus::pick(size_t level, int row) {
+    NSMenuItem* const item = item_at(level, row);
+    if (!can_pick(item)) return open_submenu(level, row);
+    [session() pickItem:item];
+    return true;
+}
+
+// The submenu of a folder whose disk is slow opens later.
+bool ShownMenus::open_submenu(size_t level, int row) {
+    NSMenuItem* const item = item_at(level, row);
+    if (![item hasSubmenu] || !can_highlight(item)) return false;
+    [session() openSubmenuOfItem:item];
+    return true;
+}
+
+bool ShownMenus::close_submenu(size_t level, int row) {
+    if (level + 1 >= levels() || this->level(level + 1).parent_row != row) return false;
+    [session() closeLevelsBelowMenu:shown(level).menu()];
+    return true;
+}
