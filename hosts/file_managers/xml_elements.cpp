@@ -1,6 +1,7 @@
 #include "file_managers/xml_elements.h"
 
 #include <glib.h>
+#include <host/text.h>
 
 namespace {
 
@@ -44,10 +45,12 @@ class XmlWalk {
   public:
     explicit XmlWalk(const std::string& text) : text_(text) {}
 
-    XmlDocument read() {
+    // Nothing for a text with a second root, which GLib's parser takes.
+    std::optional<XmlDocument> read() {
         for (size_t at = text_.find('<'); at != std::string::npos; at = text_.find('<', at)) {
             at = step(at);
         }
+        if (roots_ > 1) return {};
         return document_;
     }
 
@@ -84,6 +87,7 @@ class XmlWalk {
             document_.inside.end = tag.begin;
             return;
         }
+        roots_++;
         const size_t name = tag.begin + 1;
         document_.root = text_.substr(name, text_.find_first_of(" \t\r\n/>", name) - name);
         document_.is_closed_at_once = is_empty;
@@ -92,7 +96,7 @@ class XmlWalk {
 
     const std::string& text_;
     XmlDocument document_;
-    int depth_ = 0;
+    int depth_ = 0, roots_ = 0;
     size_t begin_ = 0;  // of the child that is open
 };
 
@@ -100,7 +104,9 @@ class XmlWalk {
 
 std::optional<XmlDocument> read_xml(const std::string& text, std::string* problem) {
     if (!is_well_formed(text, problem)) return {};
-    return XmlWalk(text).read();
+    const std::optional<XmlDocument> document = XmlWalk(text).read();
+    if (!document) *problem = translated("it has more than one root element");
+    return document;
 }
 
 std::string child_text(std::string_view element, const std::string& name) {

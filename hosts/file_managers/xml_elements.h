@@ -21,7 +21,7 @@ struct XmlDocument {
     std::vector<XmlRange> comments;  // those between the root's tags, but in no child
 };
 
-// Nothing when the text is no well-formed XML; then *problem says why.
+// Nothing when the text is no well-formed XML with one root; then *problem says why.
 std::optional<XmlDocument> read_xml(const std::string& text, std::string* problem);
 
 // The text of the first element of this name in a whole element, without the blanks around it.

@@ -334,7 +334,9 @@ TEST_F(Entries, WhatIsNoFileOfActionsIsRefusedAndKept) {
     const std::string large = "<actions>" + std::string(2 << 20, ' ') + "</actions>";
     for (const std::string& text :
          {std::string("<actions><action></actions>"), std::string("<other/>"), std::string(),
-          std::string("no xml at all"), std::string("<actions>\xff</actions>"), large}) {
+          std::string("no xml at all"), std::string("<actions>\xff</actions>"), large,
+          std::string("<actions></actions><actions></actions>"),
+          std::string("<actions/>\n<!-- -->\n<other/>\n")}) {
         actions_file(text);
         const auto before = everything();
         expect_refusal(run("install", "thunar"), actions);
