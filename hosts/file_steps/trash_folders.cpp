@@ -22,14 +22,16 @@ std::string home_trash() {
     return std::string(home ? home : "") + "/.local/share/Trash";
 }
 
-// Whether the path, or its nearest existing parent, is on the device. False if that cannot be told.
-bool is_on(std::string path, dev_t device) {
+enum class Place { here, elsewhere, unknown };
+
+// Whether the path, or its nearest existing parent, is on the device.
+Place place_of(std::string path, dev_t device) {
     struct stat what;
     while (stat(path.c_str(), &what) != 0) {
-        if (!means_missing(errno) || path == "/") return false;
+        if (!means_missing(errno) || path == "/") return Place::unknown;
         path = parent_of(path);
     }
-    return what.st_dev == device;
+    return what.st_dev == device ? Place::here : Place::elsewhere;
 }
 
 // The highest parent folder that is still on the same mount.
@@ -75,9 +77,10 @@ Descriptor open_part(const std::string& path, std::string* problem) {
 std::vector<TrashFolder> trash_folders_of(int folder, const std::string& path) {
     std::vector<TrashFolder> folders;
     struct stat what;
-    if (fstat(folder, &what) == 0 && is_on(home_trash(), what.st_dev)) {
-        folders.push_back({home_trash(), "", true});
-    }
+    const Place home =
+        fstat(folder, &what) == 0 ? place_of(home_trash(), what.st_dev) : Place::unknown;
+    // If nobody can tell, the move itself shows whether the home's trash is on this volume.
+    if (home != Place::elsewhere) folders.push_back({home_trash(), "", home == Place::here});
     const std::string top = top_of_volume(path, mount_of(folder));
     const std::string start = top == "/" ? "" : top, user = std::to_string(getuid());
     if (is_shared_trash(start + "/.Trash")) {

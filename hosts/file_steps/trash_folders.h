@@ -10,8 +10,8 @@ namespace operations {
 
 struct TrashFolder {
     std::string path;
-    std::string top;  // what paths are written relative to; empty for absolute ones
-    bool is_home = false;
+    std::string top;       // what paths are written relative to; empty for absolute ones
+    bool is_home = false;  // the home's, and known to be on the volume
 };
 
 // The trash folders for the entries of the open folder, the first choice first. `path` is the

@@ -23,7 +23,7 @@ using names_t = std::vector<name_t>;
 // The name from the element's own path.
 name_t name_of(const dv_tree_t* elem) {
     char* path = dv_path_for_elem(elem, 0, 1);
-    name_t name = {elem, 0, basename(path)};
+    name_t name = {elem, 0, path ? basename(path) : ""};
     free(path);
     return name;
 }
@@ -31,6 +31,7 @@ name_t name_of(const dv_tree_t* elem) {
 void read_level(dv_tree_t* elem) {
     if (elem->children) return;
     char* path = dv_path_for_elem(elem, 1, 0);
+    if (!path) return;
     dv_tree_t* root = dv_build_tree(path, 0, 1, 0, elem->origin);
     free(path);
     if (!root) return;

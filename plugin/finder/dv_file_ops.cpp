@@ -111,6 +111,10 @@ void append_selection(const dv_tree_t* selection, const tree_root_t& root, long 
                       AEDescList* list) {
     for (const dv_tree_t* item = selection; item; item = item->next) {
         const chars_t path(dv_path_for_elem(item, 0, 1));
+        if (!path) {
+            printf("Failed to get path for item\n");
+            continue;
+        }
         if (dvEnableDebugOutput) dvdprintf("Delvio: Process: %s\n", path.get());
         if (!is_left_out(item, path.get(), root, operation)) dv_append_alias(item, list);
     }
@@ -142,11 +146,16 @@ void dv_send_file_op_to_finder(delvio_t* state, dv_tree_t* selection, dv_tree_t*
         return;
     }
     if (!put_destination(&ref, event.get())) return;
+    const tree_root_t root = tree_of(destination);
+    if (!root.path) {
+        printf("Failed to get path for destination\n");
+        return;
+    }
     // The folder is opened before the operation, so that its window is there when the items arrive.
     if (open_after) dv_send_open_to_finder(&ref);
 
     AECreateList(nullptr, 0, false, list.get());
-    append_selection(selection, tree_of(destination), operation, list.get());
+    append_selection(selection, root, operation, list.get());
     dv_send_items(event.get(), wanted->items, list.get(), replace);
 }
 

@@ -25,6 +25,7 @@ void put_name(CFStringRef name, AERecord* record) {
 
 AERecord* dv_make_AE_record(int32_t number, const char* name) {
     auto* record = static_cast<AERecord*>(calloc(1, sizeof(AERecord)));
+    if (!record) return nullptr;
     AEInitializeDesc(record);
     if (AECreateList(nullptr, 0, true, record) != noErr) {
         free(record);

@@ -62,12 +62,22 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
 
 - (instancetype)init {
     if (!(self = [super init])) return nil;
+    dv = [[DVDelvio sharedDelvio] getDV];
+    if (!dv) {
+        [self release];
+        return nil;
+    }
     pthread_mutex_init(&mouseLock, nullptr);
     pthread_cond_init(&waitMouseDown, nullptr);
-    dv = [[DVDelvio sharedDelvio] getDV];
-    [NSThread detachNewThreadSelector:@selector(controlFreePopupThread:)
-                             toTarget:self
-                           withObject:nil];
+    @try {
+        [NSThread detachNewThreadSelector:@selector(controlFreePopupThread:)
+                                 toTarget:self
+                               withObject:nil];
+    } @catch (NSException* exception) {
+        if (dvEnableDebugOutput) {
+            dvdprintf("Delvio: Error creating thread: %s\n", [[exception reason] UTF8String]);
+        }
+    }
     evtTap =
         CGEventTapCreate(kCGSessionEventTap, kCGTailAppendEventTap, kCGEventTapOptionListenOnly,
                          watched_events, dvCFPEventTapCallback, self);

@@ -35,7 +35,7 @@ NSString* string_of_path(const char* path) {
 
 // A path that is no string gets the icon of an unknown file.
 NSImage* icon_for_path(const char* path) {
-    NSString* string = string_of_path(path);
+    NSString* string = path ? string_of_path(path) : nil;
     NSImage* icon = [[NSWorkspace sharedWorkspace] iconForFile:string ? string : @""];
     const int32_t size = static_cast<int32_t>(dvFontSize);
     const CGFloat side = size ? size + icon_margin : default_icon_side;

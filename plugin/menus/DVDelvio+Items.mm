@@ -48,7 +48,7 @@ bool is_skipped(const dv_tree_t* elem, const level_t& level, const delvio_t* dv)
 bool is_network(dv_tree_t* elem) {
     if (strcmp([DVMenuItem nameForTree:elem], "Network") != 0) return false;
     char* path = dv_path_for_elem(elem, 0, 1);
-    const bool found = strcmp(path, "/Network") == 0;
+    const bool found = path && strcmp(path, "/Network") == 0;
     free(path);
     return found;
 }

@@ -39,6 +39,7 @@ void log_move_copy_elem(const dv_tree_t* copy) {
     const BOOL isLevel = elem->is_container || elem->kind == DV_KIND_FOLDER;
     if (dv->hideMoveCopyAlias || !isLevel || elem->origin & DV_ORIGIN_APP_LIST) return nullptr;
     dv_tree_t* copy = dv_copy_elem(elem);
+    if (!copy) return nullptr;
     copy->parent = elem;
     copy->origin |= DV_ORIGIN_MOVE_COPY;
     copy->next = dv->copies;

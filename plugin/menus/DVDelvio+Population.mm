@@ -113,6 +113,7 @@
 - (void)populateSubFolderForElem:(dv_tree_t*)elem {
     if (elem->children) return;
     char* path = dv_path_for_elem(elem, 1, 0);
+    if (!path) return;
     uint32_t flags = dv_get_flags(dv);
     if (elem->origin & DV_ORIGIN_MOVE_COPY) flags |= DV_SCAN_FOLDERS_ONLY;
     dv_read_children(elem, path, 0, 1, flags, elem->origin);
@@ -143,6 +144,10 @@
     dv_tree_t* recent = [self getRecentItemsForElem:tree];
     if (!recent) return nil;
     dv_tree_t* copy = dv_copy_elem(tree);
+    if (!copy) {
+        dv_free_tree(recent);
+        return nil;
+    }
     copy->children = recent;
     for (dv_tree_t* child = recent; child; child = child->next) child->parent = copy;
     copy->next = dv->copies;

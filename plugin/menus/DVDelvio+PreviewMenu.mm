@@ -41,7 +41,7 @@ void show_preview(void* context) {
         [controller dvShowNoPreviewInsteadOfItem:work->item inMenu:work->menu];
     }
     CGImageRelease(work->image);
-    dv_free_elem(work->elem);
+    if (work->elem) dv_free_elem(work->elem);
     [work->item release];
     [work->menu release];
     delete work;

@@ -14,6 +14,10 @@ const CGDataProviderDirectAccessCallbacks dp_direct_callbacks = {
 CGDataProviderRef create_data_provider(void* data, uint32_t size, uint32_t free_data,
                                        int32_t direct_access) {
     auto* provider = static_cast<dv_provider_t*>(calloc(1, sizeof(dv_provider_t)));
+    if (!provider) {
+        if (free_data) free(data);
+        return nullptr;
+    }
     provider->data = data;
     provider->size = size;
     provider->free_data = free_data;

@@ -92,6 +92,7 @@ void dv_create_preview_context(delvio_t* state) {
     state->preview_context_size = side;
     state->preview_rect = CGRectMake(0, 0, side, side);
     state->preview_bitmap = side <= largest_side ? calloc(bitmap_size(side), 1) : nullptr;
+    if (!state->preview_bitmap) return;
     CGColorSpaceRef space = CGColorSpaceCreateDeviceRGB();
     state->preview_context =
         CGBitmapContextCreate(state->preview_bitmap, side, side, 8, side * pixel_bytes, space,
@@ -137,8 +138,9 @@ CGImageRef dv_create_text_preview_from_path(delvio_t* state, const char* path) {
         return nullptr;
     }
     char* text = static_cast<char*>(calloc(DV_PREVIEW_TEXT_CAPACITY, 1));
-    const int32_t length = read_start(file, text);
+    const int32_t length = text ? read_start(file, text) : 0;
     close(file);
+    if (!text) return nullptr;
     CGImageRef image = dv_render_text_preview(state, text, length);
     free(text);
     return image;

@@ -40,9 +40,14 @@ ht_entry_t* unlink_entry(ht_table_t* table, uint32_t key) {
 
 ht_table_t* ht_create_hash_table(int32_t bucket_count, uint32_t user_flags) {
     auto* table = static_cast<ht_table_t*>(calloc(1, sizeof(ht_table_t)));
+    if (!table) return nullptr;
     table->bucket_count = static_cast<uint32_t>(bucket_count);
     table->user_flags = user_flags;
     table->buckets = static_cast<ht_entry_t**>(calloc(table->bucket_count, sizeof(ht_entry_t*)));
+    if (!table->buckets) {
+        free(table);
+        return nullptr;
+    }
     pthread_mutex_init(&table->lock, nullptr);
     return table;
 }
@@ -53,6 +58,7 @@ uint32_t ht_num_elems(const ht_table_t* table) { return table->elem_count; }
 
 void ht_insert(ht_table_t* table, uint32_t key, void* data) {
     auto* entry = static_cast<ht_entry_t*>(calloc(1, sizeof(ht_entry_t)));
+    if (!entry) return;
     entry->key = key;
     entry->data = data;
     table_lock_t lock(table);

@@ -77,7 +77,7 @@ void set_display_name(const FSRef& ref, dv_tree_t* elem) {
     const CFIndex length = CFStringGetLength(name);
     auto* buffer = static_cast<char*>(malloc(3 * length + 4));
     // At most three bytes per unit, and the terminator.
-    if (CFStringGetCString(name, buffer, 3 * length + 1, kCFStringEncodingUTF8)) {
+    if (buffer && CFStringGetCString(name, buffer, 3 * length + 1, kCFStringEncodingUTF8)) {
         if (elem->owns_display_name) free(elem->display_name);
         elem->display_name = buffer;
         elem->owns_display_name = 1;

@@ -26,7 +26,7 @@ dv_tree_t* dv_elem_for_name(const dv_level_t& level, const char* name) {
     }
     dv_tree_t* elem =
         dv_create_elem(level.root->dir, name, static_cast<int32_t>(length), level.origin);
-    elem->visible = !hidden;
+    if (elem) elem->visible = !hidden;
     return elem;
 }
 

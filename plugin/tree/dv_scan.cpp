@@ -53,6 +53,7 @@ dv_tree_t* dv_build_tree(const char* path, int32_t level, int32_t max_level, uin
     if (!folder.ends_with('/')) folder += '/';
 
     dv_tree_t* root = dv_create_elem(dv_create_folder_dir(folder.c_str()), "", 0, origin);
+    if (!root) return nullptr;
     root->kind = DV_KIND_FOLDER;
 
     const entries_t entries(folder.c_str());
@@ -80,6 +81,7 @@ void dv_read_children(dv_tree_t* elem, const char* path, int32_t level, int32_t 
 
 dv_tree_t* dv_build_single_elem(const char* path, uint32_t flags, uint32_t origin) {
     dv_tree_t* elem = dv_create_elem(dv_create_single_dir(path), "", 0, origin);
+    if (!elem) return nullptr;
     const int verdict = dv_process_finder_info(path, flags, elem);
     const bool wanted = verdict == DV_ELEM_RESOLVED || elem->kind == DV_KIND_FOLDER ||
                         !(flags & DV_SCAN_FOLDERS_ONLY);

@@ -14,6 +14,7 @@ namespace {
 // `scan_from`: where the backward search for the "/" before the name starts.
 dv_dir_t* create_dir(const char* path, size_t path_len, ptrdiff_t scan_from) {
     auto* dir = static_cast<dv_dir_t*>(calloc(1, sizeof(dv_dir_t) + path_len + 1));
+    if (!dir) return nullptr;
     dir->path_len = static_cast<uint32_t>(path_len);
     memcpy(dir->path, path, path_len);
     for (ptrdiff_t i = scan_from; i > 0; i--) {
@@ -42,7 +43,12 @@ dv_dir_t* dv_create_single_dir(const char* path) {
 
 dv_tree_t* dv_create_elem(dv_dir_t* dir, const char* name, int32_t name_len, uint32_t origin) {
     if (name_len < 1) name_len = 0;
+    if (!dir) return nullptr;
     auto* elem = static_cast<dv_tree_t*>(calloc(1, sizeof(dv_tree_t) + name_len + 1));
+    if (!elem) {
+        if (dir->refcount == 0) free(dir);
+        return nullptr;
+    }
     elem->dir = dir;
     dir->refcount++;
     elem->kind = DV_KIND_FILE;
@@ -57,13 +63,15 @@ dv_tree_t* dv_create_elem(dv_dir_t* dir, const char* name, int32_t name_len, uin
 
 dv_tree_t* dv_copy_elem(const dv_tree_t* elem) {
     dv_tree_t* copy = dv_create_elem(elem->dir, elem->name, elem->name_len, elem->origin);
+    if (!copy) return nullptr;
     copy->kind = elem->kind;
     copy->aux = elem->aux;
     copy->is_container = elem->is_container;
     copy->visible = 0;
     if (elem->resolved_path) copy->resolved_path = strdup(elem->resolved_path);
-    if (elem->owns_display_name) {
-        copy->display_name = strdup(elem->display_name);
+    char* display_name = elem->owns_display_name ? strdup(elem->display_name) : nullptr;
+    if (display_name) {
+        copy->display_name = display_name;
         copy->owns_display_name = 1;
     }
     return copy;
@@ -125,6 +133,7 @@ char* dv_path_for_elem(const dv_tree_t* elem, int trailing_slash, int ignore_res
     const size_t dir_len = elem->dir->path_len;
     const size_t name_len = elem->name_len > 0 ? elem->name_len : 0;
     auto* path = static_cast<char*>(calloc(dir_len + name_len + 2, 1));
+    if (!path) return nullptr;
     memcpy(path, elem->dir->path, dir_len);
     memcpy(path + dir_len, elem->name, name_len);
     if (trailing_slash) path[dir_len + name_len] = '/';

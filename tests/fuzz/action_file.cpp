@@ -21,10 +21,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string escaped = xml_escaped(text);
     require(escaped.find('<') == escaped.npos, "what is escaped has no tags");
     if (!document) return 0;
-    require(document->is_closed_at_once ||
-                text.compare(document->inside.end, document->root.size() + 2,
-                             "</" + document->root) == 0,
-            "the root's own end tag");
+    require(
+        document->is_closed_at_once || text.compare(document->inside.end, document->root.size() + 2,
+                                                    "</" + document->root) == 0,
+        "the root's own end tag");
     check(document->inside, text);
     for (const auto& list : {document->children, document->comments}) {
         size_t before = document->inside.begin;

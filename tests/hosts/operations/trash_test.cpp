@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "file_steps/folder.h"
+#include "file_steps/trash_folders.h"
 #include "hosts/operations/scene.h"
 #include "support/temp_folder.h"
 
@@ -55,6 +56,16 @@ TEST_F(TrashTest, TheInfoNamesThePathAndTheTime) {
               0u)
         << info;
     EXPECT_EQ(test::read_file(trashed_.file), "text");
+}
+
+// Its volume is unknown, so the move itself shows whether it is the right one.
+TEST_F(TrashTest, AHomeTrashThatCannotBeLookedAtIsTriedBeforeTheVolumes) {
+    setenv("XDG_DATA_HOME", folder_.link("loop", "loop").c_str(), 1);
+    const Descriptor folder(open(folder_.path().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const auto trashes = operations::trash_folders_of(folder.get(), folder_.path());
+    ASSERT_GT(trashes.size(), 1u);
+    EXPECT_EQ(trashes.front().path, folder_.path("loop/Trash"));
+    EXPECT_FALSE(trashes.front().is_home);
 }
 
 TEST_F(TrashTest, TakenNamesAreNumberedAlsoWithoutAnInfo) {
