@@ -39,6 +39,7 @@ class FileManager {
     Area settled_area(const std::string& question) const;
 
     bool is_running();
+    pid_t process() const { return process_; }
     // How GWorkspace ended, and its messages, once it has ended.
     std::string account();
     // What it shows, does and has said, for the message of a test that fails.

@@ -1,0 +1,145 @@
+#include "soak/walker.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "support/x_clients.h"
+
+namespace fs = std::filesystem;
+
+namespace soak {
+
+namespace {
+
+const std::vector<std::string> keys = {"Down", "Down", "Down", "Right", "Right", "Right",
+                                       "Left", "Up",   "Home", "End",   "a",     "s"};
+const std::vector<std::string> modifiers = {"Alt_L", "Super_L", "Shift_L", "Control_L"};
+
+}  // namespace
+
+void Walker::move_into(const Spot& menu) {
+    const int x = menu.x + any(std::max(menu.width, 1)), y = menu.y + any(std::max(menu.height, 1));
+    tell("to " + std::to_string(x) + "," + std::to_string(y));
+    input_.move(x, y);
+}
+
+void Walker::step(const Spot& menu) {
+    const int choice = any(10);
+    if (choice < 5) {
+        const std::string& key = one_of(keys);
+        tell(key);
+        input_.key(key);
+    } else if (choice < 8) {
+        move_into(menu);
+    } else if (choice == 8) {
+        tell("wheel");
+        input_.click(4 + any(2));
+    } else {
+        const std::string& key = one_of(modifiers);
+        tell("holds " + key);
+        input_.key_down(key);
+        if (one_in(2)) input_.key_up(key);
+    }
+}
+
+void Walker::drag(const Spot& menu) {
+    tell("drag");
+    move_into(menu);
+    input_.key_down("Super_L");
+    input_.press(1);
+    input_.move(20 + any(200), 400 + any(200));
+    input_.key_up("Super_L");
+    input_.move(20 + any(200), 400 + any(200));
+    input_.release(1);
+}
+
+void Walker::end(const Spot& menu) {
+    const int choice = any(10);
+    if (choice < 4) {
+        tell("Escape");
+        input_.key("Escape");
+    } else if (choice < 6) {
+        tell("click beside");
+        input_.move(5, 700);
+        input_.click(1);
+    } else if (choice == 6) {
+        tell("Return");
+        input_.key("Return");
+    } else if (choice < 9) {
+        move_into(menu);
+        tell("click");
+        input_.click(1);
+    } else {
+        drag(menu);
+    }
+}
+
+void Walker::change_files(test::TempFolder& folder, const std::string& name) {
+    const std::string file = name + "/changing " + std::to_string(any(5));
+    std::error_code error;
+    tell("changes " + file);
+    if (one_in(3)) {
+        fs::remove_all(folder.path(file), error);
+    } else if (one_in(2)) {
+        fs::rename(folder.path(file), folder.path(file) + " moved", error);
+    } else if (!fs::exists(folder.path(file), error)) {
+        folder.file(file, std::string(static_cast<size_t>(any(5000)), 'x'));
+    }
+}
+
+Held held_by(int process) {
+    const std::string place = "/proc/" + std::to_string(process);
+    Held held;
+    std::error_code error;
+    for (const auto& file : fs::directory_iterator(place + "/fd", error)) {
+        held.files++;
+        held.open_files.push_back(fs::read_symlink(file, error).string());
+    }
+    const fs::directory_iterator tasks(place + "/task", error);
+    held.threads = std::distance(fs::begin(tasks), fs::end(tasks));
+    held.resources = test::resources_of(process);
+    std::ifstream rollup(place + "/smaps_rollup");
+    for (std::string word; rollup >> word;) {
+        long kilobytes = 0;
+        const bool is_private = word == "Private_Clean:" || word == "Private_Dirty:";
+        if (is_private && rollup >> kilobytes) held.memory += kilobytes * 1024;
+    }
+    return held;
+}
+
+std::string described(const Held& held) {
+    std::string text = std::to_string(held.files) + " open files, " + std::to_string(held.threads) +
+                       " threads, " + std::to_string(held.resources) + " X resources, " +
+                       std::to_string(held.memory >> 10) + " KiB";
+    return text;
+}
+
+std::vector<std::string> files_below(const std::string& folder) {
+    std::vector<std::string> found;
+    std::error_code error;
+    for (const auto& entry : fs::recursive_directory_iterator(folder, error)) {
+        found.push_back(entry.path());
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+int walks(int usual) {
+    const char* const wanted = getenv("DELVIO_SOAK_WALKS");
+    return wanted ? std::max(1, atoi(wanted)) : usual;
+}
+
+unsigned long seed() {
+    const char* const wanted = getenv("DELVIO_SOAK_SEED");
+    const unsigned long seed = wanted ? strtoul(wanted, nullptr, 10) : std::random_device()();
+    printf("seed %lu (again with DELVIO_SOAK_SEED=%lu)\n", seed, seed);
+    fflush(stdout);
+    return seed;
+}
+
+}  // namespace soak

@@ -1,0 +1,67 @@
+// A hand that does something at random with an open menu: the same for the same seed.
+#pragma once
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "support/temp_folder.h"
+#include "support/x_input.h"
+
+namespace soak {
+
+struct Spot {
+    int x = 0, y = 0, width = 0, height = 0;
+};
+
+class Walker {
+  public:
+    Walker(unsigned long seed, test::XInput& input) : random_(seed), input_(input) {}
+
+    // A number from 0 to below `end`.
+    int any(int end) { return static_cast<int>(random_() % static_cast<unsigned>(end)); }
+    bool one_in(int times) { return any(times) == 0; }
+    const std::string& one_of(const std::vector<std::string>& words) {
+        return words[static_cast<size_t>(any(static_cast<int>(words.size())))];
+    }
+
+    // A key, a move within the menu, a wheel, or a modifier that is held from now on.
+    void step(const Spot& menu);
+    // Escape, a click beside the menu, a pick by key or mouse, or a drag out of the menu.
+    void end(const Spot& menu);
+    // Files come, go and change in the folder.
+    void change_files(test::TempFolder& folder, const std::string& name);
+
+    // What was done since begin(), for the message of a walk that fails.
+    const std::string& story() const { return story_; }
+    void begin() { story_.clear(); }
+    void tell(const std::string& what) { story_ += what + "; "; }
+
+  private:
+    void move_into(const Spot& menu);
+    void drag(const Spot& menu);
+
+    std::mt19937_64 random_;
+    test::XInput& input_;
+    std::string story_;
+};
+
+// What a process holds.
+struct Held {
+    long files = 0, threads = 0;
+    int resources = 0;  // of the X server
+    long memory = 0;    // its own, in bytes
+    std::vector<std::string> open_files;
+};
+Held held_by(int process);
+std::string described(const Held& held);
+
+// What is in a folder and below it.
+std::vector<std::string> files_below(const std::string& folder);
+
+// The walks to make: DELVIO_SOAK_WALKS, or so many.
+int walks(int usual);
+// DELVIO_SOAK_SEED, or a new one; it is printed.
+unsigned long seed();
+
+}  // namespace soak
