@@ -172,8 +172,8 @@ TEST_F(HostWalks, LeaveTheHostAsItWas) {
     const soak::Held now = settled(process);
     printf("after %d walks: %s\nafter %d more: %s\n", first, soak::described(held).c_str(), all,
            soak::described(now).c_str());
-    EXPECT_LE(now.files, held.files + 2);
-    EXPECT_LE(now.resources, held.resources + 20);
+    EXPECT_LE(now.files, held.files + soak::files_opened_once);
+    EXPECT_LE(now.resources, held.resources + soak::resources_made_once);
     EXPECT_EQ(temporary_files(), files);
     // A sanitized host looks for leaks when it ends.
     kill(process, SIGTERM);

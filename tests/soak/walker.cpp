@@ -136,7 +136,7 @@ int walks(int usual) {
 
 unsigned long seed() {
     const char* const wanted = getenv("DELVIO_SOAK_SEED");
-    const unsigned long seed = wanted ? strtoul(wanted, nullptr, 10) : std::random_device()();
+    const unsigned long seed = wanted ? strtoul(wanted, nullptr, 10) : 17;
     printf("seed %lu (again with DELVIO_SOAK_SEED=%lu)\n", seed, seed);
     fflush(stdout);
     return seed;
