@@ -1,6 +1,24 @@
 # Functions that make Delvio's targets. Every target sees headers as <folder/header.h> from the
 # project's top folders, and the Mac's names from platform/include.
 
+# Counts how often each branch of a target's sources is taken, where DELVIO_COVERAGE is on. The
+# counters lie in a file that is mapped into the process (%c), so that they also count for a process
+# that a signal ends; all processes share four files per program (%4m).
+function(delvio_count_branches target)
+  if(DELVIO_COVERAGE)
+    target_compile_options(${target} PRIVATE
+      -fcoverage-mapping -fprofile-instr-generate=${PROJECT_BINARY_DIR}/profiles/%c%4m.profraw
+      "SHELL:-mllvm -runtime-counter-relocation=true")
+    target_link_options(${target} INTERFACE -fprofile-instr-generate)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL STATIC_LIBRARY)
+      # Programs that share a file must have the same functions in the same order.
+      target_link_options(${target} INTERFACE
+        "LINKER:--whole-archive,$<TARGET_FILE:${target}>,--no-whole-archive")
+    endif()
+  endif()
+endfunction()
+
 # A room of the platform: objects, which become part of the one platform library.
 function(delvio_platform_room name)
   add_library(platform_${name} OBJECT ${ARGN})
@@ -15,6 +33,7 @@ function(delvio_plugin_library name)
   add_library(dv_${name} OBJECT)
   target_include_directories(dv_${name} PUBLIC ${PROJECT_SOURCE_DIR}/plugin
                                                ${PROJECT_SOURCE_DIR}/platform/include)
+  delvio_count_branches(dv_${name})
 endfunction()
 
 find_package(GTest REQUIRED)

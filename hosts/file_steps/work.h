@@ -23,7 +23,6 @@ class Work {
     // Returns the problem or remark so far, and clears it.
     std::string take_problem();
     std::string take_remark();
-    bool has_failed() const { return !problem_.empty(); }
 
     // Reports progress. False when the user has cancelled; that then is the problem.
     bool advance(const std::string& path, uint64_t items, uint64_t bytes);

@@ -60,6 +60,15 @@ class HashTable : public testing::Test {
     int one_ = 1, two_ = 2;
 };
 
+TEST_F(HashTable, KeysThatShareABucketAreEachFound) {
+    ht_table_t* table = ht_create_hash_table(2, 0);
+    int values[3] = {};
+    for (uint32_t key = 0; key < 3; key++) ht_insert(table, 2 * key + 1, &values[key]);
+    for (uint32_t key = 0; key < 3; key++) EXPECT_EQ(ht_find(table, 2 * key + 1), &values[key]);
+    EXPECT_EQ(ht_find(table, 7), nullptr);
+    ht_dispose_hash_table(table, 0);
+}
+
 TEST_F(HashTable, ANewTableIsEmpty) {
     EXPECT_EQ(table_->bucket_count, 97u);
     EXPECT_EQ(table_->user_flags, 7u);

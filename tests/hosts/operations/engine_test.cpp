@@ -333,6 +333,22 @@ TEST_F(EngineTest, StopLeavesTheRestWhereItIs) {
     EXPECT_EQ(test::names_in(folder_.path("to")), Names({"one"}));
 }
 
+TEST_F(EngineTest, WhatIsCancelledBeforeItBeginsTouchesNothing) {
+    notes_.cancelled = true;
+    const Report report = perform(Kind::Move, {folder_.file("from/a", "a")}, folder_.folder("to"));
+    EXPECT_TRUE(report.stopped);
+    EXPECT_EQ(report.outcomes[0].reason, "stopped");
+    EXPECT_EQ(test::names_in(folder_.path("from")), Names({"a"}));
+}
+
+TEST_F(EngineTest, MoreFilesThanAreSyncedAtATimeAreAllCopied) {
+    Names sources;
+    for (int i = 0; i < 1030; i++)
+        sources.push_back(folder_.file("from/" + std::to_string(i), "x"));
+    perform(Kind::Copy, sources, folder_.folder("to"));
+    EXPECT_EQ(test::state_of(folder_.path("to")), test::state_of(folder_.path("from")));
+}
+
 TEST_F(EngineTest, TwoSourcesOfOneNameConflictWithEachOther) {
     const std::string one = folder_.file("one/a", "1"), two = folder_.file("two/a", "2");
     notes_.answers = {{Choice::KeepBoth, false}};
@@ -346,9 +362,12 @@ TEST_F(EngineTest, TwoSourcesOfOneNameConflictWithEachOther) {
 
 TEST_F(EngineTest, PathsWithoutANameAreRefused) {
     const std::string to = folder_.folder("to");
-    for (const char* path : {"", "/", "relative", "/tmp/..", "/tmp/."}) {
+    for (const char* path : {"", "/", "relative", "/tmp/..", "/tmp/.", "/tmp/"}) {
         EXPECT_EQ(perform_one(Kind::Move, path, to).reason, "the path names no file") << path;
     }
+    const std::string cut = folder_.file("from/a", "a") + std::string("\0b", 2);
+    EXPECT_EQ(perform_one(Kind::Move, cut, to).reason, "the path names no file");
+    EXPECT_EQ(test::names_in(folder_.path("from")), Names({"a"}));
 }
 
 TEST_F(EngineTest, ATreeDeeperThanAnyPathIsCopied) {

@@ -95,6 +95,59 @@ TEST_F(LastDoneTest, IsNothingIfAnotherProgramDidIt) {
     EXPECT_FALSE(last_done(state));
 }
 
+TEST_F(LastDoneTest, TellsWhyAnotherProgramsOperationCannotBeUndoneHere) {
+    const std::string a = folder.path("a.txt"), b = folder.path("b.txt"), c = folder.path("c.txt");
+    const struct {
+        Kind kind;
+        std::vector<std::string> sources;
+        const char* line;
+    } rows[] = {
+        {Kind::Move,
+         {a, b, c},
+         "the last operation (moving \"a.txt\" and 2 others) was handed to Thunar, and can only be "
+         "undone there"},
+        {Kind::Copy,
+         {a},
+         "the last operation (copying \"a.txt\") was handed to Thunar, and can only be undone "
+         "there"},
+        {Kind::Alias,
+         {a, b},
+         "the last operation (making an alias of \"a.txt\" and 1 other) was handed to Thunar, and "
+         "can only be undone there"},
+        {Kind::Trash,
+         {a},
+         "the last operation (trashing \"a.txt\") was handed to Thunar, and can only be undone "
+         "there"},
+    };
+    for (const auto& row : rows) {
+        operations::note_done_elsewhere({row.kind, row.sources, folder.path("to"), false}, "Thunar",
+                                        state);
+        test::Notes notes;
+        EXPECT_EQ(operations::undo_last(notes, state).outcomes.front().reason, row.line);
+    }
+    operations::note_done_elsewhere({Kind::Move, {}, folder.path("to"), false}, "Thunar", state);
+    test::Notes notes;
+    EXPECT_EQ(operations::undo_last(notes, state).outcomes.front().reason, rows[3].line)
+        << "a request without files says nothing";
+}
+
+TEST_F(LastDoneTest, CountsWhatIsStillDoneOfItsKind) {
+    std::filesystem::create_directories(state);
+    const auto write = [&](const std::string& entries) {
+        std::ofstream(operations::undo_journal_path(state)) << operations::begun_entry() + entries;
+    };
+    const std::string moves = operations::moving_entry("/from/a", "/to/a", 1) +
+                              operations::moving_entry("/from/b", "/to/b", 2);
+    write(moves + operations::undone_entry(1));
+    expect_done(Kind::Move, "a", 1);
+    write(moves + operations::undone_entry(0));
+    expect_done(Kind::Move, "b", 1);
+    write(moves + operations::elsewhere_entry("handed on"));
+    EXPECT_FALSE(last_done(state));
+    do_it(Kind::Trash, {folder.file("x"), folder.file("y")});
+    expect_done(Kind::Trash, "x", 2);
+}
+
 TEST_F(LastDoneTest, CountsNoFilesInAVeryLongRecord) {
     std::filesystem::create_directories(state);
     std::ofstream journal(operations::undo_journal_path(state));

@@ -91,3 +91,11 @@ TEST_F(LeftTrashInfo, AStepThatWasFollowedByAnotherIsNotLookedAt) {
     operations::remove_left_trash_info(state_);
     EXPECT_EQ(left().size(), 1u);
 }
+
+TEST_F(LeftTrashInfo, AFolderInTheNotesPlaceIsKept) {
+    leave_behind();
+    unlink(info_.c_str());
+    folder_.folder("trash/info/a.trashinfo");
+    operations::remove_left_trash_info(state_);
+    EXPECT_EQ(left(), Names({"a.trashinfo"}));
+}

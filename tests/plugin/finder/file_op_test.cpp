@@ -216,6 +216,13 @@ TEST_F(FileOp, AnAlertThatCannotBeMadeReplacesNothing) {
         "Delvio: Displaying trash-files alert dialog\nDelvio: User hit button Replace files\n");
 }
 
+TEST_F(FileOp, TheButtonThatReplacesNothingIsLogged) {
+    dvEnableDebugOutput = 1;
+    EXPECT_EQ(output_of([] { EXPECT_NE(dv_display_should_trash_files_alert(), 0); }),
+              "Delvio: Displaying trash-files alert dialog\n"
+              "Delvio: User hit button Don't replace files\n");
+}
+
 TEST_F(FileOp, TheAnswerGoesAlongAndNeverCancels) {
     folder_.file("to/a");
     const std::string a = select(folder_.file("a"))->dir->path;
@@ -575,6 +582,15 @@ TEST_F(FileOp, TrashingIsAnEventWithAListAlone) {
     EXPECT_EQ(letters[0].item_types, std::vector<DescType>{'alis'});
     EXPECT_EQ(letters[0].sending.mode, 0x61);
     EXPECT_EQ(letters[1].items, (Paths{a, folder_.path("user")}));
+}
+
+TEST_F(FileOp, AUserFolderThatIsNotTrashedIsLogged) {
+    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
+    dvEnableDebugOutput = 1;
+    EXPECT_NE(output_of([&] {
+                  dv_move_to_trash(selection_.get(), false);
+              }).find("Delvio: Skip custom folder\n"),
+              std::string::npos);
 }
 
 TEST_F(FileOp, TrashingReportsWhatFails) {

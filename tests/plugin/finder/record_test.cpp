@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "plugin/finder/carbon_trouble.h"
+
 namespace {
 
 struct Record {
@@ -60,4 +62,11 @@ TEST(EventRecord, HoldsTheNumberAloneWhereTheNameIsNotUtf8) {
     const Record record(7, "bad\xff");
     EXPECT_EQ(record.count(), 1);
     EXPECT_EQ(record.number(), 7);
+}
+
+TEST(EventRecord, ThatCannotBeMadeIsNull) {
+    test::carbon_trouble = test::failing("AECreateList", memFullErr);
+    AERecord* record = dv_make_AE_record(1, "name");
+    test::carbon_trouble = nullptr;
+    EXPECT_EQ(record, nullptr);
 }

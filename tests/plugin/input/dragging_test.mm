@@ -357,6 +357,24 @@ TEST_F(Dragging, ADragWithoutATargetDoesNothing) {
     EXPECT_EQ([pasteboard changeCount], before);
 }
 
+TEST_F(Dragging, ADragWithoutATargetIsOnlyToldOfInTheLog) {
+    EXPECT_EQ(test::output_of([&] { [drag_view() mouseDown:nil]; }), "");
+}
+
+TEST_F(Dragging, TheSourcesMessagesDuringADragChangeNothing) {
+    dv_tree_t* elem = dv_create_elem(dv_create_folder_dir("/tmp/"), "dragged", 7, 0);
+    [drag_view() setTheDragTarget:elem];
+    dv_tree_t* target = [drag_view() theDragTarget];
+    NSImage* image = [[[NSImage alloc] initWithSize:NSMakeSize(8, 8)] autorelease];
+    const NSInteger before = [[NSPasteboard pasteboardWithName:NSDragPboard] changeCount];
+    [drag_view() draggedImage:image beganAt:NSMakePoint(1, 2)];
+    [drag_view() draggedImage:image movedTo:NSMakePoint(3, 4)];
+    [drag_view() mouseDragged:nil];
+    EXPECT_EQ([drag_view() theDragTarget], target);
+    EXPECT_EQ([[NSPasteboard pasteboardWithName:NSDragPboard] changeCount], before);
+    dv_free_elem(elem);
+}
+
 TEST_F(Dragging, TheDragViewOffersEverythingToAll) {
     EXPECT_EQ([drag_view() draggingSourceOperationMaskForLocal:YES], NSDragOperationEvery);
     EXPECT_EQ([drag_view() draggingSourceOperationMaskForLocal:NO], NSDragOperationEvery);

@@ -171,6 +171,14 @@ TEST_F(Disc, TheTimerRedrawsTheDiscWhileMenusTrack) {
     [item release];
 }
 
+TEST_F(Disc, TheTimerOfAProgressItemRedrawsItsDisc) {
+    DVProgressItem* item = [[DVProgressItem alloc] initWithTree:elem_ target:controller_];
+    [disc_of(item) setNeedsDisplay:NO];
+    [timer_of(item) fire];
+    EXPECT_TRUE([disc_of(item) needsDisplay]);
+    [item release];
+}
+
 TEST_F(Disc, ItIsNotOpaqueAndBeginsAtZero) {
     DVCircularProgressView* view = large_disc();
     EXPECT_FALSE([view isOpaque]);

@@ -69,6 +69,14 @@ TEST_F(MenuItem, ADisplayNameOfItsOwnNamesAnElement) {
     EXPECT_EQ(title(item(elem)), "Brief");
 }
 
+TEST_F(MenuItem, AnElementWhoseOwnDisplayNameIsMissingIsNamedByItsPath) {
+    dv_tree_t* elem = child("/Users/x/", "");
+    elem->display_name = nullptr;
+    elem->owns_display_name = 1;
+    EXPECT_STREQ([DVMenuItem nameForTree:elem], "x/");
+    elem->owns_display_name = 0;
+}
+
 TEST_F(MenuItem, NoElementIsNamedByAFixedText) {
     EXPECT_STREQ([DVMenuItem nameForTree:nullptr], "Delvio: No tree specified; should not happen.");
 }

@@ -172,6 +172,20 @@ TEST_F(MoveCopy, TheLevelsOfACopyAreScannedFoldersOnly) {
     EXPECT_EQ(copy->children->next, nullptr);
 }
 
+TEST_F(MoveCopy, WhatIsNoLevelHasNoRows) {
+    NSMenu* menu = select_two();
+    dv_tree_t* file = tree_of(item_titled(menu, "two"));
+    EXPECT_EQ([controller_ dvMoveCopyElemForElem:file], nullptr);
+    const Titles before = titles_of(menu);
+    [controller_ insertMoveCopyElem:tree_of(item_titled(menu, "one")) forMenu:menu];
+    EXPECT_EQ(titles_of(menu), before) << "the root menu has none";
+    dv_tree_t* folder = dv_->root;
+    folder->is_container = 0;
+    EXPECT_EQ([controller_ dvMoveCopyElemForElem:folder], dv_ -> copies) << "a folder is a level";
+    EXPECT_NE(dv_->copies, nullptr);
+    folder->is_container = 1;
+}
+
 TEST_F(MoveCopy, ACopyIsLogged) {
     NSMenu* menu = select_two();
     const std::string log = log_of([&] { open(menu, "one"); });

@@ -209,6 +209,35 @@ TEST_F(OpenWith, AnApplicationThatBelongsToNoItemOpensNothing) {
     EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), Titles({a}));
 }
 
+TEST_F(OpenWith, AnApplicationBelowAnItemWithoutAnElementOpensNothing) {
+    const std::string a = folder_.file("a");
+    select({a});
+    DVMenuItem* owner = [[[DVMenuItem alloc] initWithTitle:@"owner"
+                                                    action:nullptr
+                                             keyEquivalent:@""] autorelease];
+    NSMenu* above = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    NSMenu* menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    [above addItem:owner];
+    [owner setSubmenu:menu];
+    DVMenuItem* item = [DVMenuItem createAutoreleasedItemForTree:dv_->open_with->children->next
+                                                          target:controller_
+                                                       withTitle:@"alone"
+                                                    andModifiers:0];
+    [menu addItem:item];
+    const std::string log = log_of([&] { [controller_ dvItemSelected:item]; });
+    test::expect_lines(log, {test::formatted("Delvio: Open parent item with.. %p %p  NOT FOUND",
+                                             owner, static_cast<void*>(nullptr))});
+    // Opened afterwards: the other one would have been seen before it.
+    EXPECT_EQ(picked(item_titled(root_menu("a"), "Record")), Titles({a}));
+}
+
+TEST_F(OpenWith, WithoutRunningApplicationsThereIsNoSubmenuOfThem) {
+    select({folder_.file("a")});
+    dv_->runningAppsInOpenWithMenu = 1;
+    dv_->running_apps = nullptr;
+    EXPECT_EQ(item_titled(root_menu("a"), "Running apps"), nil);
+}
+
 TEST_F(OpenWith, PickingAnApplicationIsLogged) {
     select({folder_.file("a")});
     NSMenuItem* application = item_titled(open(root_menu("a"), "more"), "Record");

@@ -192,6 +192,15 @@ TEST_F(Population, CustomFoldersStandAboveTheSelection) {
     EXPECT_EQ(titles_of(host_menu_), Titles({"custom", "-"}));
 }
 
+TEST_F(Population, CustomFoldersBelowNoSelectionAreNotSetApart) {
+    const std::string custom = folder_.folder("custom");
+    set("custom_folder_order", 0);
+    take_over();
+    add_custom_folder(custom);
+    [controller_ updateProxyMenu];
+    EXPECT_EQ(titles_of(host_menu_), Titles({"custom", "-"}));
+}
+
 TEST_F(Population, CustomFoldersAboveOrBelowASelectionAreSetApart) {
     const std::string custom = folder_.folder("custom"), chosen = folder_.folder("chosen");
     const struct {

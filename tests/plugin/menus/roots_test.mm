@@ -149,6 +149,12 @@ TEST_F(Roots, SeparatorsMarkTheFolderBeforeThem) {
     EXPECT_EQ(titles_of(menu), Titles({"A", "-", "B", "-"}));
 }
 
+TEST_F(Roots, SeparatorsNeedNoLogging) {
+    set("folders", array_of({folder_.folder("A"), "-", folder_.folder("B")}));
+    EXPECT_EQ(output_of_take_over(), "");
+    EXPECT_TRUE(dv_->custom->origin & DV_ORIGIN_SEPARATOR_AFTER);
+}
+
 TEST_F(Roots, ASeparatorWithoutAFolderBeforeItIsIgnored) {
     set("folders", array_of({"-", "-"}));
     EXPECT_EQ(titles_of(take_over()), Titles({"-"}));
@@ -257,6 +263,16 @@ TEST_F(Roots, AChainThatIsStillThereIsWarnedOf) {
     EXPECT_EQ(lines.rfind("Delvio: WARNING; we still have a valid custom-folders pointer..\n", 0),
               0u)
         << lines;
+    EXPECT_EQ(dv_->custom, before);
+}
+
+TEST_F(Roots, AChainThatIsStillThereIsKeptWithoutALineWhereNothingIsLogged) {
+    set("folders", array_of({folder_.folder("A")}));
+    take_over();
+    set("folders", array_of({}));
+    dv_read_prefs(dv_, 0);
+    dv_tree_t* before = dv_->custom;
+    EXPECT_EQ(log_of([&] { [controller_ createUserTrees]; }, 0), "");
     EXPECT_EQ(dv_->custom, before);
 }
 
@@ -463,6 +479,19 @@ TEST_F(Roots, WithoutRecentDocumentsThereIsNoSubmenu) {
         EXPECT_EQ([item_titled(menu, "Tool.app") submenu], nil) << [[value description] UTF8String];
         EXPECT_EQ(dv_->copies, nullptr);
         release();
+    }
+}
+
+TEST_F(Roots, AnApplicationThatIsNoBundleHasNoRecentDocuments) {
+    for (const char* name : {"program", "\xff"}) {
+        const std::string path = folder_.path(name);
+        dv_tree_t* elem = dv_create_elem(dv_create_single_dir(path.c_str()), nullptr, 0, 0);
+        const std::string log =
+            log_of([&] { EXPECT_EQ([controller_ getRecentItemsForElem:elem], nullptr); });
+        const bool is_text = name[0] == 'p';
+        EXPECT_EQ(log, "Delvio: No app bundle for path '" + (is_text ? path : "") + "'\n");
+        EXPECT_EQ(log_of([&] { [controller_ getRecentItemsForElem:elem]; }, 0), "");
+        dv_free_elem(elem);
     }
 }
 

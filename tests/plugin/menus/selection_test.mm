@@ -174,6 +174,13 @@ TEST_F(Selection, AUrlWithoutAPathIsSkippedAndLogged) {
     EXPECT_EQ(dvDidGetURLs, 0);
 }
 
+TEST_F(Selection, AUrlWithoutAPathIsSkippedWithoutALineWhereNothingIsLogged) {
+    take_over();
+    NSArray* files = @[ [NSURL URLWithString:@"file:///tmp/%FF%FE"] ];
+    EXPECT_EQ(log_of([&] { [controller_ setSelectedFiles:files]; }, 0), "");
+    EXPECT_EQ(dv_->root, nullptr);
+}
+
 TEST_F(Selection, PickingIsLogged) {
     const test::RecordingProgram opener({"text/plain"});
     const std::string path = folder_.file("note.txt", "text\n");

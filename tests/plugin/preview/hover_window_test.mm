@@ -92,6 +92,22 @@ TEST_F(HoverWindow, AFileGivesADiscAndThenItsPicture) {
     EXPECT_EQ(timer(), nil);
 }
 
+TEST_F(HoverWindow, ItsTimerRedrawsTheDisc) {
+    [window_controller_ setPath:url(folder_.file("text", test::plain_bytes))];
+    ASSERT_TRUE(is_busy()) << "its end comes in a turn of the run loop";
+    [progress() setNeedsDisplay:NO];
+    [timer() fire];
+    EXPECT_TRUE([progress() needsDisplay]);
+}
+
+TEST_F(HoverWindow, ShownBeforeAnyFileItHasNoDisc) {
+    [window_controller_ showPreviewWindow:nil];
+    [window_controller_ hidePreviewWindow:nil];
+    [content() addSubview:progress()];
+    [window_controller_ showPreviewWindow:nil];
+    EXPECT_EQ([progress() superview], content()) << "there is no picture to take its place";
+}
+
 TEST_F(HoverWindow, APicturesImageIsReleasedAlsoWhenAnotherHasOvertakenIt) {
     const int before = test::images_alive();
     for (const char* name : {"one", "two", "three"}) {
@@ -205,6 +221,27 @@ TEST_F(HoverWindow, AnItemThatHasGoneWithItsMenuIsNotLookedAt) {
     EXPECT_EQ([controller_ previewItemURL], nil);
 }
 
+TEST_F(HoverWindow, AnItemWithoutATextAsItsPathHasNoUrl) {
+    NSMenu* menu = take_over();
+    dv_tree_t* bad = dv_create_elem(dv_create_folder_dir("/tmp/"), "\xff", 1, 0);
+    DVMenuItem* item = [[DVMenuItem alloc] initWithTree:bad
+                                                 target:controller_
+                                                  title:@"bad"
+                                               useImage:NO];
+    [controller_ menu:menu willHighlightItem:item];
+    EXPECT_EQ([controller_ previewItemURL], nil);
+    [controller_ menu:menu willHighlightItem:nil];
+    [item release];
+    dv_free_elem(bad);
+}
+
+TEST_F(HoverWindow, AMovementOutsideAnyMenuMovesNothing) {
+    [window_controller_ showPreviewWindow:nil];
+    const NSRect before = [window() frame];
+    [controller_ handleMouseMovedForPreviewWindow];
+    EXPECT_TRUE(NSEqualRects([window() frame], before));
+}
+
 TEST_F(HoverWindow, ThePanelsQuestionsHaveTheirAnswers) {
     EXPECT_EQ([controller_ numberOfPreviewItemsInPreviewPanel:nil], 1);
     EXPECT_EQ([controller_ previewPanel:nil previewItemAtIndex:0], controller_);
@@ -237,10 +274,10 @@ class Resting : public HoverWindow {
         [controller_ menu:menu willHighlightItem:[menu itemAtIndex:0]];
     }
     // The timer fires this long after the last movement.
-    std::string fire_after(double seconds) {
+    std::string fire_after(double seconds, int level = 1) {
         const double last = dv_double_time() - seconds;
         [controller_ setValue:[NSNumber numberWithDouble:last] forKey:@"lastMouseMovement"];
-        return log_of([this] { [controller_ showPreviewWindow:(NSTimer*)nil]; });
+        return log_of([this] { [controller_ showPreviewWindow:(NSTimer*)nil]; }, level);
     }
     // The time from the movement to its timer: the shortest of several, because a busy machine may
     // pause.
@@ -272,6 +309,31 @@ TEST_F(Resting, AFileIsShownOnceTheDelayHasPassed) {
     test::expect_lines(fire_after(50.1), {showing});
     EXPECT_TRUE(is_shown());
     EXPECT_STREQ([[[preview_ path] path] UTF8String], path_.c_str());
+}
+
+TEST_F(Resting, AFileIsShownWithoutALineWhereNothingIsLogged) {
+    set("hoverPreviewsInterval", 10);
+    highlight(path_);
+    EXPECT_EQ(fire_after(1, 0), "");
+    EXPECT_TRUE(is_shown());
+}
+
+TEST_F(Resting, TheTimerThatFiresIsForgotten) {
+    set("hoverPreviewsInterval", 100000);
+    highlight(path_);
+    [controller_ dvPointerMoved];
+    NSTimer* timer = [controller_ valueForKey:@"hoverPreviewTimer"];
+    ASSERT_NE(timer, nil);
+    NSTimer* another = [NSTimer timerWithTimeInterval:1
+                                               target:controller_
+                                             selector:@selector(showPreviewWindow:)
+                                             userInfo:nil
+                                              repeats:NO];
+    [controller_ showPreviewWindow:another];
+    EXPECT_EQ([controller_ valueForKey:@"hoverPreviewTimer"], timer);
+    [controller_ showPreviewWindow:timer];
+    EXPECT_EQ([controller_ valueForKey:@"hoverPreviewTimer"], nil);
+    [timer invalidate];
 }
 
 TEST_F(Resting, TheDelayIsShortWhileTheWindowIsShown) {

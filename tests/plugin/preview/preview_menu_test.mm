@@ -6,8 +6,10 @@
 #include "items/DVImageItem.h"
 #include "items/DVMenu.h"
 #include "menus/DVDelvio+Population.h"
+#include "menus/DVDelvio+Proxy.h"
 #include "plugin/menu_fixture.h"
 #include "plugin/preview/images_alive.h"
+#include "preview/DVDelvio+HoverPreview.h"
 
 namespace {
 
@@ -109,6 +111,17 @@ TEST_F(PreviewMenu, AFileThatIsRemovedMeanwhileHasNoPreview) {
     [controller_ menuWillOpen:menu];
     run_until([&] { return [[[menu itemAtIndex:0] title] length] > 0; });
     EXPECT_EQ(test::titles_of(menu), test::Titles({"No preview available"}));
+}
+
+TEST_F(PreviewMenu, AHighlightedDiscThatGoesIsNoLongerLookedAt) {
+    const std::string path = folder_.path("file");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    DVMenu* menu = preview_of(path);
+    [controller_ menuWillOpen:menu];
+    [controller_ menu:menu willHighlightItem:[menu itemAtIndex:0]];
+    ASSERT_NE([controller_ previewItemURL], nil);
+    run_until([&] { return [[[menu itemAtIndex:0] title] length] > 0; });
+    EXPECT_EQ([controller_ previewItemURL], nil);
 }
 
 TEST_F(PreviewMenu, AMenuThatHasClosedStillGetsItsResult) {
