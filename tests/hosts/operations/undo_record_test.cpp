@@ -8,7 +8,7 @@ using operations::Recorded;
 
 namespace {
 
-const std::string begun = operations::begun_entry();
+const std::string begun = operations::begun_entry("7");
 const std::string moving = operations::moving_entry("/from/a", "/to/a", 7);
 const std::string copying = operations::copying_entry("/from/a", "/to/a", {});
 

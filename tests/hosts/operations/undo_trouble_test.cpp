@@ -63,7 +63,7 @@ class UndoTrouble : public testing::Test {
         close(file);
     }
     void write_journal(const std::string& entries) {
-        folder_.file("state/last-operation", operations::begun_entry() + entries);
+        folder_.file("state/last-operation", operations::begun_entry("7") + entries);
     }
     static ino_t inode(const std::string& path) {
         struct stat what = {};
@@ -192,7 +192,7 @@ TEST_F(UndoTrouble, AJournalThatCannotBeWrittenFurtherUndoesNothing) {
     folder_.file("from/a", "moved");
     EXPECT_TRUE(test::in_child([&] {
         signal(SIGXFSZ, SIG_IGN);
-        const rlimit few = {operations::begun_entry().size() + 1, 1000};
+        const rlimit few = {operations::begun_entry("").size() + 64, 1000};
         if (setrlimit(RLIMIT_FSIZE, &few) != 0) return false;
         perform(Kind::Move, folder_.path("from/a"));
         return true;
