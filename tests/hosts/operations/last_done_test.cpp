@@ -134,7 +134,8 @@ TEST_F(LastDoneTest, TellsWhyAnotherProgramsOperationCannotBeUndoneHere) {
 TEST_F(LastDoneTest, CountsWhatIsStillDoneOfItsKind) {
     std::filesystem::create_directories(state);
     const auto write = [&](const std::string& entries) {
-        std::ofstream(operations::undo_journal_path(state)) << operations::begun_entry("7") + entries;
+        std::ofstream(operations::undo_journal_path(state))
+            << operations::begun_entry("7") + entries;
     };
     const std::string moves = operations::moving_entry("/from/a", "/to/a", 1) +
                               operations::moving_entry("/from/b", "/to/b", 2);
