@@ -1,4 +1,9 @@
 // Menus as a screen reader hears them: with real keys, over a real bus of assistive technology.
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -14,6 +19,32 @@ using test::ScreenReader;
 using test::Words;
 
 const test::Changes alone = {{"DELVIO_RESIDENT", "0"}};
+
+// Takes connections, and answers none.
+class SilentSocket {
+  public:
+    explicit SilentSocket(const std::string& path)
+        : descriptor_(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        const auto* const general = reinterpret_cast<const sockaddr*>(&address);
+        EXPECT_EQ(bind(descriptor_, general, sizeof address), 0);
+        EXPECT_EQ(listen(descriptor_, 100), 0);
+    }
+    ~SilentSocket() { close(descriptor_); }
+    SilentSocket(const SilentSocket&) = delete;
+    SilentSocket& operator=(const SilentSocket&) = delete;
+
+    // Whether a connection waits.
+    bool is_called() const {
+        pollfd waiting = {descriptor_, POLLIN, 0};
+        return poll(&waiting, 1, 0) == 1;
+    }
+
+  private:
+    const int descriptor_;
+};
 
 // The bus is there before the scene and after it.
 struct BusScene {
@@ -137,6 +168,21 @@ TEST_F(HeardMenu, WithoutABusOfAssistiveTechnologyNothingIsAsked) {
     EXPECT_EQ(command.finish().status, 0);
     watcher.command("end");
     EXPECT_TRUE(none(watcher.heard(), "came ")) << testing::PrintToString(watcher.heard());
+}
+
+// A bus that takes connections and never answers.
+TEST_F(HeardMenu, ASilentSessionBusHoldsUpNoMenu) {
+    const std::string place = folder.path("silent");
+    const SilentSocket silent(place);
+    test::output_of("xprop -root -f AT_SPI_BUS 8s -set AT_SPI_BUS unix:path=" + place);
+    const test::Changes environment = {{"DELVIO_RESIDENT", "0"},
+                                       {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + place}};
+    RunningCommand command = show(environment);
+    ASSERT_TRUE(screen.wait_until_open());
+    ASSERT_TRUE(test::wait_for([&] { return silent.is_called(); })) << "nobody asked";
+    EXPECT_FALSE(has_bridge(command.process()));
+    input.key("Escape");
+    EXPECT_EQ(command.finish().status, 0);
 }
 
 }  // namespace
