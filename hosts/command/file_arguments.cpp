@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "corefoundation/silent_disks.h"
 #include "file_steps/visible_text.h"
 
 using operations::in_quotes;
@@ -33,6 +34,12 @@ fs::path absolute_path(const fs::path& given) {
 bool resolve_files(std::vector<std::string>* files, std::string* problem) {
     for (std::string& file : *files) {
         struct stat ignored;
+        const fs::path whole = fs::absolute(file).lexically_normal();
+        // A file whose disk does not answer is taken as it is named.
+        if (::files::is_silent_entry(whole)) {
+            file = whole.has_filename() ? whole : whole.parent_path();
+            continue;
+        }
         if (lstat(file.c_str(), &ignored) != 0) {
             *problem = translated("cannot find %s: %s", {in_quotes(file), error_text(errno)});
             return false;

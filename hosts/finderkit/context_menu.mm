@@ -1,5 +1,6 @@
 #include "finderkit/context_menu.h"
 
+#include "corefoundation/silent_disks.h"
 #include "finderkit/applications_folder.h"
 
 namespace {
@@ -21,7 +22,9 @@ NSURL* escaped_file_url(const std::string& path) {
 
 NSURL* file_url(const std::string& path) {
     NSString* string = [NSString stringWithUTF8String:path.c_str()];
-    return string ? [NSURL fileURLWithPath:string] : escaped_file_url(path);
+    // The second method asks the disk.
+    const bool is_escaped = !string || files::is_silent_target(path);
+    return is_escaped ? escaped_file_url(path) : [NSURL fileURLWithPath:string];
 }
 
 }  // namespace

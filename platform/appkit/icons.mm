@@ -17,6 +17,7 @@
 #include "appkit/icon_pictures.h"
 #include "appkit/untrusted_icons.h"
 #include "appkit/workspace_paths.h"
+#include "corefoundation/silent_disks.h"
 #include "desktop/bundle_names.h"
 #include "desktop/icon_names.h"
 #include "desktop/icon_theme.h"
@@ -138,7 +139,7 @@ bool is_named_as_bundle(const std::string& path) { return path.ends_with(".app")
 
 // GNUstep's bundles carry their own icons.
 bool has_icon_of_its_own(const std::string& path) {
-    return is_named_as_bundle(path) && access((path + "/Resources").c_str(), F_OK) == 0;
+    return is_named_as_bundle(path) && !files::is_silent_target(path) && access((path + "/Resources").c_str(), F_OK) == 0;
 }
 
 void give_pictures_of_bundle(NSImage* image, const std::string& bytes, NSString* path) {

@@ -5,6 +5,7 @@
 
 #include "carbon/file_references.h"
 #include "carbon/link_targets.h"
+#include "corefoundation/silent_disks.h"
 
 namespace {
 
@@ -13,6 +14,7 @@ using files::File;
 // Whether the end of the chain at `path` exists, and what it is.
 bool end_of_chain(const std::string& path, mode_t* mode) {
     struct stat status;
+    if (files::is_silent_target(path)) return *mode = S_IFDIR, true;
     if (stat(path.c_str(), &status) != 0) return false;
     *mode = status.st_mode;
     return true;

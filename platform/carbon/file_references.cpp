@@ -10,6 +10,7 @@
 #include <array>
 
 #include "carbon/folder_listing.h"
+#include "corefoundation/silent_disks.h"
 #include "desktop/moments.h"
 
 namespace files {
@@ -53,7 +54,17 @@ struct Seen {
     uint32_t device_major, device_minor;
     bool has_information;
     FinderInformation information;
+    bool is_silent = false;
 };
+
+// Nothing is known of what is on a disk that does not answer. It is shown as a folder, whose level
+// says how it is.
+void see_silence(Seen* seen) {
+    *seen = {};
+    seen->mode = S_IFDIR;
+    seen->has_information = true;
+    seen->is_silent = true;
+}
 
 // Looks at the path. False, with errno set, when nothing is there.
 bool look(const char* path, Seen* seen) {
@@ -97,7 +108,9 @@ void remember(const Seen& seen, int64_t now, unsigned questions, File* file) {
     file->unanswered = questions;
     file->knows_finder_information = seen.has_information;
     if (seen.has_information) file->finder_information = seen.information;
-    file->knows_invisible = false;
+    file->is_silent = seen.is_silent;
+    file->knows_invisible = seen.is_silent;
+    file->invisible = false;
 }
 
 void keep_path(const char* path, size_t length, File* file) {
@@ -147,6 +160,7 @@ const unsigned usual_questions = ITEM_INFO | DISPLAY_NAME | CATALOG_INFO | ALIAS
 
 // A path with a slash at its end must lead to a folder or to a link to one.
 OSErr folder_error(const char* path) {
+    if (is_silent_target(path)) return noErr;
     struct stat status;
     if (stat(path, &status) != 0) return error_from_errno(errno);
     return S_ISDIR(status.st_mode) ? noErr : dirNFErr;
@@ -178,7 +192,9 @@ OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef*
                      mode_t* mode) {
     Seen seen;
     const int64_t now = milliseconds_now();
-    if (!see_in_listing(path, length, now, &seen) && !look(path, &seen)) {
+    if (is_silent_entry(path, length)) {
+        see_silence(&seen);
+    } else if (!see_in_listing(path, length, now, &seen) && !look(path, &seen)) {
         return error_from_errno(errno);
     }
 
@@ -205,7 +221,10 @@ File* file_for(const FSRef* ref, Question question, OSErr* error) {
     File& file = *known;
     if (!answers_from_last_look(&file, question)) {
         Seen seen;
-        if (!look(file.path.c_str(), &seen)) return *error = error_from_errno(errno), nullptr;
+        if (is_silent_entry(file.path)) {
+            see_silence(&seen);
+        } else if (!look(file.path.c_str(), &seen))
+            return *error = error_from_errno(errno), nullptr;
         // The other questions still belonged to the look before.
         remember(seen, milliseconds_now(), 0, &file);
     }

@@ -31,6 +31,7 @@ struct File {
     mode_t mode;           // of the entry itself: a symbolic link is not followed
     uint32_t device_major, device_minor;
     int64_t seen_at;      // milliseconds
+    bool is_silent;       // its disk does not answer: it must not be asked
     unsigned unanswered;  // questions that the last look may still answer
 
     // What the answers so far have found out. A new look drops it.

@@ -8,6 +8,7 @@
 
 #include "carbon/file_references.h"
 #include "carbon/hidden_lists.h"
+#include "corefoundation/silent_disks.h"
 #include "desktop/moments.h"
 
 namespace files {
@@ -80,7 +81,7 @@ bool is_hidden(const std::string& path) {
     file.name_offset = static_cast<uint32_t>(slash) + 1;
     if (file.name()[0] == '.') return true;
     struct stat status;
-    if (lstat(file.path.c_str(), &status) != 0) return false;
+    if (is_silent_entry(file.path) || lstat(file.path.c_str(), &status) != 0) return false;
     file.mode = status.st_mode;
     file.device_major = major(status.st_dev);
     file.device_minor = minor(status.st_dev);

@@ -11,6 +11,7 @@
 #include "carbon/file_references.h"
 #include "carbon/link_targets.h"
 #include "corefoundation/name_string.h"
+#include "corefoundation/silent_disks.h"
 #include "desktop/bundle_names.h"
 #include "desktop/installed_applications.h"
 
@@ -59,6 +60,7 @@ class Extension {
 mode_t mode_at_end(const File& file) {
     struct stat status;
     if (!S_ISLNK(file.mode)) return file.mode;
+    if (files::is_silent_target(file.path)) return 0;
     return stat(file.path.c_str(), &status) == 0 ? status.st_mode : 0;
 }
 
@@ -99,7 +101,7 @@ const int most_links = 40;
 bool follow_link(File* file) {
     file->path = files::link_target(*file);
     struct stat status;
-    if (file->path.empty() || lstat(file->path.c_str(), &status) != 0) return false;
+    if (file->path.empty() || files::is_silent_entry(file->path) || lstat(file->path.c_str(), &status) != 0) return false;
     file->name_offset =
         file->path.size() > 1 ? static_cast<uint32_t>(file->path.rfind('/')) + 1 : 0;
     file->mode = status.st_mode;
@@ -135,6 +137,7 @@ bool is_application(const File& file, LSItemInfoFlags flags) {
 // The name that an application gives itself. Null when the file is no application, or is not
 // believed.
 CFStringRef copy_own_name(const File& file) {
+    if (file.is_silent) return nullptr;
     if (is_named_as_entry(file) && S_ISREG(mode_at_end(file))) {
         const files::DesktopEntry& entry = files::desktop_entry(file);
         const bool believed = entry.standing == files::Standing::application;

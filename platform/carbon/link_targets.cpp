@@ -1,11 +1,13 @@
 #include "carbon/link_targets.h"
 
 #include <host/glib_owners.h>
+#include <errno.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include "carbon/file_references.h"
+#include "corefoundation/silent_disks.h"
 
 namespace files {
 
@@ -45,6 +47,7 @@ std::string target_path(const File& file, const std::string& text) {
 }  // namespace
 
 std::string real_path(const std::string& path) {
+    if (is_silent_target(path)) return errno = ETIMEDOUT, std::string();
     const TextOwner result(realpath(path.c_str(), nullptr));
     return result ? result.get() : std::string();
 }

@@ -1,4 +1,5 @@
 #include <dirent.h>
+#include <errno.h>
 #include <host/name_order.h>
 
 #include <numeric>
@@ -7,6 +8,7 @@
 #include "carbon/attributes_ahead.h"
 #include "carbon/entry_order.h"
 #include "carbon/folder_listing.h"
+#include "corefoundation/silent_disks.h"
 
 namespace {
 
@@ -32,11 +34,17 @@ void order_names_by_language(bool (*question)()) { by_language = question; }
 
 int scandir(const char* path, dirent*** list, int (*filter)(const dirent*),
             int (*compare)(const dirent**, const dirent**)) {
+    if (files::is_silent_folder(path)) {
+        errno = ETIMEDOUT;
+        return -1;
+    }
     files::FolderListing listing(path);
     const int found = scan_unsorted(path, list, filter, nullptr);
     if (found <= 0) return found;
     const auto count = static_cast<size_t>(found);
-    files::AttributesAhead attributes(path, *list, listing.is_wanted() ? count : 0);
+    // The thread would wait for ever at a disk that begins here and does not answer.
+    const bool is_ahead = listing.is_wanted() && !files::has_disks_within(path);
+    files::AttributesAhead attributes(path, *list, is_ahead ? count : 0);
     const std::vector<uint32_t> before = sort(*list, count, compare);
     listing.keep(*list, before, attributes.finish());
     return found;

@@ -17,12 +17,15 @@ namespace files {
 namespace {
 
 const size_t most_open = 8;
+const std::chrono::milliseconds just_now{150};
 // Entries that are looked at one by one. The kernel forgets what it knows of more.
 const size_t most_entries = 2000;
 
 struct OpenQuestions {
     std::mutex lock;
     std::list<std::pair<std::string, std::weak_ptr<FolderQuestion>>> open;
+    std::string answered;  // the folder that has answered last
+    std::chrono::steady_clock::time_point answered_at;
 };
 
 // Never destroyed: a thread may come back while the process ends.
@@ -76,11 +79,25 @@ bool FolderQuestion::is_answered(double seconds) {
     return is_answered_;
 }
 
+bool FolderQuestion::is_answered_in_time(double seconds) {
+    const std::chrono::duration<double> since = std::chrono::steady_clock::now() - asked_;
+    return is_answered(std::max(seconds - since.count(), 0.0));
+}
+
+bool FolderQuestion::has_answered_lately(const std::string& path) {
+    OpenQuestions& all = questions();
+    const std::lock_guard guard(all.lock);
+    return all.answered == path &&
+           std::chrono::steady_clock::now() - all.answered_at < just_now;
+}
+
 void FolderQuestion::look() {
     look_at(path_);
     {
         OpenQuestions& all = questions();
         const std::lock_guard guard(all.lock);
+        all.answered = path_;
+        all.answered_at = std::chrono::steady_clock::now();
         all.open.remove_if([this](const auto& open) { return open.second.lock().get() == this; });
     }
     const std::lock_guard guard(lock_);

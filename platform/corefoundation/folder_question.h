@@ -22,10 +22,17 @@ class FolderQuestion {
     // Whether the folder has answered, be it with an error. Waits for at most `seconds`.
     bool is_answered(double seconds = 0);
 
+    // The same, but waits only until so long after the folder was asked first.
+    bool is_answered_in_time(double seconds);
+
+    // Whether the folder has answered just now, so that it need not be asked again.
+    static bool has_answered_lately(const std::string& path);
+
   private:
     void look();
 
     const std::string path_;
+    const std::chrono::steady_clock::time_point asked_ = std::chrono::steady_clock::now();
     std::mutex lock_;
     std::condition_variable changed_;
     bool is_answered_ = false;

@@ -78,6 +78,20 @@ class Mounts {
         return best;
     }
 
+    std::vector<std::string> foreign_mounts_in(const std::string& folder) {
+        const std::lock_guard guard(lock_);
+        if (!is_current()) read_again();
+        std::vector<std::string> names;
+        for (const Mount& mount : mounts_) {
+            const size_t slash = mount.folder.rfind('/');
+            const std::string above = mount.folder.substr(0, slash + 1);
+            if (!mount.is_local && (above == folder || above == folder + "/")) {
+                names.push_back(mount.folder.substr(slash + 1));
+            }
+        }
+        return names;
+    }
+
   private:
     // A forked process may have moved to other mounts.
     bool is_current() const {
@@ -157,6 +171,10 @@ Local local_stat(const std::string& path, struct stat* status) {
     const bool is_found = fstat(file, status) == 0;
     close(file);
     return is_found ? Local::found : Local::missing;
+}
+
+std::vector<std::string> foreign_mounts_in(const std::string& folder) {
+    return mounts().foreign_mounts_in(folder);
 }
 
 std::string foreign_mount_of(const std::string& path) { return mounts().foreign_mount_of(path); }

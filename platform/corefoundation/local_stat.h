@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <string>
+#include <vector>
 
 namespace files {
 
@@ -19,5 +20,8 @@ Local local_stat(const std::string& path, struct stat* status);
 // The folder of the innermost mount above `path` that is no local disk; empty when there is none.
 // The path itself is not touched, so links along it are not followed.
 std::string foreign_mount_of(const std::string& path);
+
+// The names of the entries of this folder at which such a mount begins.
+std::vector<std::string> foreign_mounts_in(const std::string& folder);
 
 }  // namespace files

@@ -87,13 +87,12 @@ bool start_asking(const SharedQuestion& question) {
 
 }  // namespace
 
-std::optional<struct stat> patient_stat(const std::string& path, double seconds, Look look) {
-    struct stat status;
-    switch (local_stat(path, &status)) {
+Answer ask_patiently(const std::string& path, double seconds, struct stat* status, Look look) {
+    switch (local_stat(path, status)) {
         case Local::found:
-            return status;
+            return Answer::found;
         case Local::missing:
-            return {};
+            return Answer::missing;
         case Local::unknown:
             break;
     }
@@ -102,9 +101,17 @@ std::optional<struct stat> patient_stat(const std::string& path, double seconds,
     question->look = look;
     question->place = place_of(path);
     std::unique_lock guard(questions().lock);
-    if (is_in_vain(question->place, seconds) || !start_asking(question)) return {};
+    if (is_in_vain(question->place, seconds) || !start_asking(question)) return Answer::silent;
     question->answered.wait_for(guard, Seconds(seconds), [&] { return question->done; });
-    return question->found ? std::optional(question->status) : std::nullopt;
+    if (!question->done) return Answer::silent;
+    *status = question->status;
+    return question->found ? Answer::found : Answer::missing;
+}
+
+std::optional<struct stat> patient_stat(const std::string& path, double seconds, Look look) {
+    struct stat status;
+    const Answer answer = ask_patiently(path, seconds, &status, look);
+    return answer == Answer::found ? std::optional(status) : std::nullopt;
 }
 
 size_t open_questions() {

@@ -20,6 +20,11 @@ using Look = int (*)(const char* path, struct stat* status);
 std::optional<struct stat> patient_stat(const std::string& path, double seconds,
                                         Look look = ::stat);
 
+// The same, and whether the file system has answered at all.
+enum class Answer { found, missing, silent };
+Answer ask_patiently(const std::string& path, double seconds, struct stat* status,
+                     Look look = ::stat);
+
 // How many questions have no answer yet.
 size_t open_questions();
 

@@ -4,6 +4,7 @@
 #include <gio/gio.h>
 #include <sys/stat.h>
 
+#include "corefoundation/silent_disks.h"
 #include "desktop/desktop_entries.h"
 
 namespace {
@@ -83,6 +84,7 @@ void append(std::vector<std::string>& names, const char* name) {
 
 std::string icon_key(const std::string& path) {
     struct stat entry;
+    if (files::is_silent_target(path)) return folder_key(path);
     if (stat(path.c_str(), &entry) != 0) return type_key(path, 0);
     if (S_ISDIR(entry.st_mode)) return folder_key(path);
     const char* inode = inode_type(entry.st_mode);

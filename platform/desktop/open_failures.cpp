@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "corefoundation/silent_disks.h"
+
 namespace files {
 
 namespace {
@@ -39,6 +41,7 @@ std::string why_not_reached(const std::string& path, int error) {
 
 std::string why_not_openable(const std::string& path) {
     struct stat status;
+    if (is_silent_target(path)) return translated("its disk does not respond");
     if (stat(path.c_str(), &status) != 0) return why_not_reached(path, errno);
     if (S_ISFIFO(status.st_mode))
         return translated("it is a pipe, which no program opens as a file");

@@ -1,5 +1,6 @@
 // A disk that stops answering after an open menu has listed it.
 #include <AppKit/AppKit.h>
+#include <host/opening_files.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mount.h>
@@ -11,6 +12,7 @@
 #include <mutex>
 #include <thread>
 
+#include "corefoundation/folder_question.h"
 #include "corefoundation/patient_stat.h"
 #include "desktop/desk.h"
 #include "support/silent_file_system.h"
@@ -58,20 +60,11 @@ class Rescue {
 
 class SilentDisk : public test::Desk {
   protected:
-    // This runs before the first thread starts.
+    // The first time, this runs before the first thread starts. All suites have one disk: this
+    // process enters its own mounts only once.
     static void SetUpTestSuite() {
-        place = new test::TempFolder;
-        disk = place->folder("disk");
-        server = test::mount_silent_file_system(disk, test::Silence::when_stopped);
+        static const Mounted mounted;
         Desk::SetUpTestSuite();
-    }
-    static void TearDownTestSuite() {
-        if (server) {
-            kill(server, SIGKILL);
-            waitpid(server, nullptr, 0);
-            umount2(disk.c_str(), MNT_DETACH);
-        }
-        delete place;
     }
 
     void SetUp() override {
@@ -113,6 +106,22 @@ class SilentDisk : public test::Desk {
                   [this, name] { return highlighted(1) == name && pending_timer(); })
             .when("its end", [] { return !pending_timer(); });
     }
+
+    struct Mounted {
+        Mounted() {
+            place = new test::TempFolder;
+            disk = place->folder("disk");
+            server = test::mount_silent_file_system(disk, test::Silence::when_stopped);
+        }
+        ~Mounted() {
+            if (server) {
+                kill(server, SIGKILL);
+                waitpid(server, nullptr, 0);
+                umount2(disk.c_str(), MNT_DETACH);
+            }
+            delete place;
+        }
+    };
 
     static id controller() { return [NSClassFromString(@"DVDelvio") sharedDelvio]; }
     static id window_controller() { return [controller() valueForKey:@"previewWindowController"]; }
@@ -284,6 +293,77 @@ TEST_F(SilentLevel, EscapeClosesTheMenuWhileItIsSilent) {
             });
     });
     EXPECT_TRUE(is_loading);
+}
+
+// It is silent before the menu opens.
+class SilentBeforeTheMenu : public SilentDisk {
+  protected:
+    static constexpr auto loading = "Loading...";
+
+    // Runs a popup while the disk is silent, in which the last row of `path` is the disk's and has
+    // no rows yet; its rows come when the disk answers again.
+    void pop_up_in_silence(const Titles& path) {
+        const size_t level = path.size();
+        // What it has answered to the test before is not believed any more.
+        while (files::FolderQuestion::has_answered_lately(disk)) usleep(1000);
+        stop();
+        Rescue rescue(server);
+        Titles rows;
+        pop_up([&](Steps& steps) {
+            hover_along(steps, path);
+            steps.when(
+                "the row that stands for the others",
+                [&] { return titles(level) == Titles({loading}); }, [] { go_on(); });
+            steps.when(
+                "the rows", [&] { return is_open(level) && titles(level) != Titles({loading}); },
+                [&] {
+                    rows = titles(level);
+                    escape();
+                });
+        });
+        EXPECT_FALSE(rescue.end()) << "the menu has waited for the disk";
+        input().let_go();
+        std::erase(rows, "-");
+        std::erase(rows, "Move selection here");
+        EXPECT_EQ(rows, Titles({"a.txt", "b.txt", "c.txt"}));
+    }
+};
+
+TEST_F(SilentBeforeTheMenu, ASelectedFolderHasItsRow) { pop_up_in_silence({"disk"}); }
+
+TEST_F(SilentBeforeTheMenu, OneOfTheUsersFoldersHasItsRow) {
+    select({folder_.file("note.txt", "text")});
+    set_preference("folders", "(\"" + disk + "\")");
+    pop_up_in_silence({"disk"});
+    set_preference("folders", "()");
+}
+
+TEST_F(SilentBeforeTheMenu, ALinkToItHasItsRow) {
+    const std::string links = folder_.folder("links");
+    ASSERT_EQ(symlink(disk.c_str(), (links + "/to it").c_str()), 0);
+    ASSERT_EQ(symlink((disk + "/a.txt").c_str(), (links + "/to a file").c_str()), 0);
+    select({links});
+    pop_up_in_silence({"links", "to it"});
+}
+
+TEST_F(SilentBeforeTheMenu, TheFolderInWhichItBeginsIsListed) {
+    select({place->path()});
+    const std::string name = place->path().substr(place->path().rfind('/') + 1);
+    pop_up_in_silence({name, "disk"});
+}
+
+TEST_F(SilentBeforeTheMenu, AFileThatIsPickedInSilenceFailsAndSaysWhy) {
+    static std::string told;
+    told.clear();
+    set_open_failure_listener([](const char* file, const char*, const char* reason) {
+        told = std::string(file) + ": " + reason;
+    });
+    in_silence([&](Steps& steps) {
+        steps.when(
+            "the rows", [] { return true; }, [this] { click("b.txt"); });
+    });
+    set_open_failure_listener(nullptr);
+    EXPECT_EQ(told, disk + "/b.txt: its disk does not respond");
 }
 
 // The stock answer, however long it takes. The disk is silent for three times as long as a menu
