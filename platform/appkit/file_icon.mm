@@ -53,7 +53,8 @@ enum LinkState : signed char { is_no_link, is_link, is_broken_link };
 LinkState link_state(std::string path) {
     struct stat entry;
     while (path.ends_with('/')) path.pop_back();  // a slash would lead to the target
-    if (path.empty() || files::is_silent_entry(path) || lstat(path.c_str(), &entry) != 0 || !S_ISLNK(entry.st_mode)) {
+    if (path.empty() || files::is_silent_entry(path) || lstat(path.c_str(), &entry) != 0 ||
+        !S_ISLNK(entry.st_mode)) {
         return is_no_link;
     }
     return files::patient_stat(path, 0.2) ? is_link : is_broken_link;

@@ -139,7 +139,8 @@ bool is_named_as_bundle(const std::string& path) { return path.ends_with(".app")
 
 // GNUstep's bundles carry their own icons.
 bool has_icon_of_its_own(const std::string& path) {
-    return is_named_as_bundle(path) && !files::is_silent_target(path) && access((path + "/Resources").c_str(), F_OK) == 0;
+    return is_named_as_bundle(path) && !files::is_silent_target(path) &&
+           access((path + "/Resources").c_str(), F_OK) == 0;
 }
 
 void give_pictures_of_bundle(NSImage* image, const std::string& bytes, NSString* path) {

@@ -101,7 +101,9 @@ const int most_links = 40;
 bool follow_link(File* file) {
     file->path = files::link_target(*file);
     struct stat status;
-    if (file->path.empty() || files::is_silent_entry(file->path) || lstat(file->path.c_str(), &status) != 0) return false;
+    if (file->path.empty() || files::is_silent_entry(file->path) ||
+        lstat(file->path.c_str(), &status) != 0)
+        return false;
     file->name_offset =
         file->path.size() > 1 ? static_cast<uint32_t>(file->path.rfind('/')) + 1 : 0;
     file->mode = status.st_mode;

@@ -87,8 +87,7 @@ bool FolderQuestion::is_answered_in_time(double seconds) {
 bool FolderQuestion::has_answered_lately(const std::string& path) {
     OpenQuestions& all = questions();
     const std::lock_guard guard(all.lock);
-    return all.answered == path &&
-           std::chrono::steady_clock::now() - all.answered_at < just_now;
+    return all.answered == path && std::chrono::steady_clock::now() - all.answered_at < just_now;
 }
 
 void FolderQuestion::look() {
