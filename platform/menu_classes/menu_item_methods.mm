@@ -47,7 +47,7 @@ void set_extras(NSMenuItem* item, NSAttributedString* title, NSView* view) {
 }
 
 struct {
-    IMP deallocate, copy, update_key_equivalent, set_title, set_image;
+    IMP copy, update_key_equivalent, set_title, set_image;
 } stock;
 
 void set_title(NSMenuItem* self, SEL selector, NSString* title) {
@@ -57,11 +57,6 @@ void set_title(NSMenuItem* self, SEL selector, NSString* title) {
 void set_image(NSMenuItem* self, SEL selector, NSImage* image) {
     NSImage* kept = [image imageForMenuItem];
     reinterpret_cast<void (*)(id, SEL, id)>(stock.set_image)(self, selector, kept);
-}
-
-void deallocate(NSMenuItem* self, SEL selector) {
-    drop_extras(self);
-    reinterpret_cast<void (*)(id, SEL)>(stock.deallocate)(self, selector);
 }
 
 id copy_with_zone(NSMenuItem* self, SEL selector, NSZone* zone) {
@@ -111,7 +106,29 @@ void update_key_equivalent(NSMenuItem* self, SEL selector) {
 
 }  // namespace
 
+@interface NSObject (KeyValueBinding)
++ (void)unbindAllForObject:(id)object;
+@end
+
 @implementation NSMenuItem (MacMenuItem)
+
+- (void)deallocAsPlainObject {
+    [super dealloc];
+}
+
+// Does what GNUstep's own method does, which looks up a class by its name for each item.
+static void deallocate(NSMenuItem* self, SEL) {
+    static const Class bindings = NSClassFromString(@"GSKeyValueBinding");
+    drop_extras(self);
+    [bindings unbindAllForObject:self];
+    const id owned[] = {self->_title,        self->_keyEquivalent, self->_image,
+                        self->_onStateImage, self->_offStateImage, self->_mixedStateImage,
+                        self->_submenu,      self->_toolTip,       self->_representedObject};
+    for (const id object : owned) {
+        if (object) [object release];
+    }
+    [self deallocAsPlainObject];
+}
 
 - (NSMenuItem*)parentItem {
     NSMenu* menu = [self menu];
@@ -198,7 +215,7 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
 
 + (void)load {
     const MethodPatch patches[] = {
-        {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), &stock.deallocate},
+        {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), nullptr},
         {"NSMenuItem", "setTitle:", reinterpret_cast<IMP>(set_title), &stock.set_title},
         {"NSMenuItem", "setImage:", reinterpret_cast<IMP>(set_image), &stock.set_image},
         {"NSMenuItem", "copyWithZone:", reinterpret_cast<IMP>(copy_with_zone), &stock.copy},

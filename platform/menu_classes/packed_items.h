@@ -54,6 +54,8 @@ class PackedItems {
 
     bool plan(id object, size_t left_out, Plan* plan);
     bool find_kind(Class owner, Plan* plan) const;
+    bool names_either(const Plan& plan, id item, id submenu) const;
+    void release_fields(const Word*& packed, uint32_t owned) const;
     void write(const Plan& plan, Word mark);
     Class read(const Word*& packed, Word* words) const;
     void fill_both(const Word* packed, id* item, id* submenu) const;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <initializer_list>
 
 #include "menu_classes/menu_storage.h"
 
@@ -30,24 +31,23 @@ size_t place_of(Class owner, const char* field) {
            sizeof(Word);
 }
 
+// A bit for each place.
+uint32_t places_of(Class owner, std::initializer_list<const char*> fields) {
+    uint32_t places = 0;
+    for (const char* field : fields) places |= uint32_t(1) << place_of(owner, field);
+    return places;
+}
+
 // Where GNUstep's classes have their fields.
 struct Places {
     Class item = [NSMenuItem class], menu = [NSMenu class];
     size_t submenu = place_of(item, "_submenu");
     size_t modifiers = place_of(item, "_keyEquivalentModifierMask");
     // What an object releases when it goes. A menu that is packed has no more than these.
-    size_t owned_by_item[8] = {
-        place_of(item, "_title"),
-        place_of(item, "_keyEquivalent"),
-        place_of(item, "_image"),
-        place_of(item, "_onStateImage"),
-        place_of(item, "_offStateImage"),
-        place_of(item, "_mixedStateImage"),
-        place_of(item, "_representedObject"),
-        place_of(item, "_toolTip"),
-    };
-    size_t owned_by_menu[3] = {place_of(menu, "_title"), place_of(menu, "_items"),
-                               place_of(menu, "_name")};
+    uint32_t owned_by_item =
+        places_of(item, {"_title", "_keyEquivalent", "_image", "_onStateImage", "_offStateImage",
+                         "_mixedStateImage", "_representedObject", "_toolTip"});
+    uint32_t owned_by_menu = places_of(menu, {"_title", "_items", "_name"});
 };
 
 const Places& places_of_fields() {
@@ -55,11 +55,8 @@ const Places& places_of_fields() {
     return places;
 }
 
-template <size_t count>
-void release_fields(const Word* words, const size_t (&places)[count]) {
-    for (const size_t place : places) {
-        if (words[place]) [reinterpret_cast<id>(words[place]) release];
-    }
+void release(Word field) {
+    if (field) [reinterpret_cast<id>(field) release];
 }
 
 // An object whose class does something when it goes may have told others where it is. C++ fields
@@ -118,12 +115,8 @@ const Word* PackedItems::pack(NSMenuItem* item) {
     if (!plan(item, places_of_fields().submenu, &of_item)) return nullptr;
     if (submenu && !plan(submenu, 0, &of_submenu)) return nullptr;
     // Whoever is named without being held, as a target is, has to stay where it is.
-    const auto names = [](const Plan& plan, id object) {
-        const Word* const end = plan.words + most_words;
-        return object && std::find(plan.words, end, reinterpret_cast<Word>(object)) != end;
-    };
-    if (names(of_item, item) || names(of_item, submenu)) return nullptr;
-    if (submenu && (names(of_submenu, item) || names(of_submenu, submenu))) return nullptr;
+    if (names_either(of_item, item, submenu)) return nullptr;
+    if (submenu && names_either(of_submenu, item, submenu)) return nullptr;
     const Word* const packed = make_room();
     write(of_item, submenu ? submenu_mark : 0);
     if (submenu) write(of_submenu, 0);
@@ -146,12 +139,21 @@ NSMenuItem* PackedItems::stand_in(const Word* packed) {
 
 void PackedItems::drop(const Word* packed) const {
     const bool has_submenu = *packed & submenu_mark;
-    Word words[most_words];
-    read(packed, words);
-    release_fields(words, places_of_fields().owned_by_item);
-    if (!has_submenu) return;
-    read(packed, words);
-    release_fields(words, places_of_fields().owned_by_menu);
+    release_fields(packed, places_of_fields().owned_by_item);
+    if (has_submenu) release_fields(packed, places_of_fields().owned_by_menu);
+}
+
+// Goes on to the next packed object.
+void PackedItems::release_fields(const Word*& packed, uint32_t owned) const {
+    const Word head = *packed++;
+    const Kind& kind = kinds_[head & kind_mask];
+    for (uint32_t places = places_in(head); places; places &= places - 1) {
+        if (owned & places & -places) release(*packed);
+        packed++;
+    }
+    for (uint32_t shared = owned & ~places_in(head); shared; shared &= shared - 1) {
+        release(kind.words[std::countr_zero(shared)]);
+    }
 }
 
 NSUInteger PackedItems::modifiers(const Word* packed) const {
@@ -176,6 +178,14 @@ bool PackedItems::plan(id object, size_t left_out, Plan* plan) {
     Kind& kind = kinds_.emplace_back(Kind{owner, (size + sizeof(Word) - 1) / sizeof(Word), {}});
     memcpy(kind.words, plan->words, sizeof kind.words);
     return true;
+}
+
+// Whether a field is the item or its submenu, if it has one.
+bool PackedItems::names_either(const Plan& plan, id item, id submenu) const {
+    const Word* const end = plan.words + kinds_[plan.kind].size_in_words;
+    const Word first = reinterpret_cast<Word>(item);
+    const Word second = submenu ? reinterpret_cast<Word>(submenu) : first;
+    return std::any_of(plan.words, end, [&](Word word) { return word == first || word == second; });
 }
 
 bool PackedItems::find_kind(Class owner, Plan* plan) const {
