@@ -131,6 +131,7 @@ TEST_F(GWorkspaceWalks, LeaveGWorkspaceAsItWas) {
            soak::described(held).c_str(), all, soak::described(now).c_str(),
            (allocated() - memory) >> 10);
     EXPECT_EQ(balance(), 0);
+    EXPECT_LE(now.resources, held.resources + soak::resources_made_once);
     EXPECT_LE(now.files, held.files + soak::files_opened_once);
 }
 

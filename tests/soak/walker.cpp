@@ -102,7 +102,7 @@ Held held_by(int process) {
     }
     const fs::directory_iterator tasks(place + "/task", error);
     held.threads = std::distance(fs::begin(tasks), fs::end(tasks));
-    held.resources = test::resources_of(process);
+    held.resources = test::resources_but_counters_of(process);
     std::ifstream rollup(place + "/smaps_rollup");
     for (std::string word; rollup >> word;) {
         long kilobytes = 0;

@@ -5,6 +5,7 @@
 #include <xcb/xcb.h>
 
 #include <memory>
+#include <string_view>
 
 namespace test {
 
@@ -27,13 +28,25 @@ bool is_of(xcb_connection_t* server, uint32_t resources, pid_t process) {
            static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data)) == process;
 }
 
+bool is_counter(xcb_connection_t* server, uint32_t type) {
+    const Owner<xcb_get_atom_name_reply_t> name(
+        xcb_get_atom_name_reply(server, xcb_get_atom_name(server, type), nullptr));
+    if (!name) return false;
+    const auto length = static_cast<size_t>(xcb_get_atom_name_name_length(name.get()));
+    return std::string_view(xcb_get_atom_name_name(name.get()), length) == "SyncCounter";
+}
+
+template <bool with_counters>
 int resources_at(xcb_connection_t* server, uint32_t client) {
     const Owner<xcb_res_query_client_resources_reply_t> reply(xcb_res_query_client_resources_reply(
         server, xcb_res_query_client_resources(server, client), nullptr));
     int count = 0;
     if (!reply) return count;
     const xcb_res_type_t* types = xcb_res_query_client_resources_types(reply.get());
-    for (uint32_t i = 0; i < reply->num_types; i++) count += static_cast<int>(types[i].count);
+    for (uint32_t i = 0; i < reply->num_types; i++) {
+        if (!with_counters && is_counter(server, types[i].resource_type)) continue;
+        count += static_cast<int>(types[i].count);
+    }
     return count;
 }
 
@@ -62,6 +75,8 @@ int sum_of(pid_t process, int (*measure)(xcb_connection_t*, uint32_t)) {
 
 int connections_of(pid_t process) { return sum_of(process, connection); }
 
-int resources_of(pid_t process) { return sum_of(process, resources_at); }
+int resources_of(pid_t process) { return sum_of(process, resources_at<true>); }
+
+int resources_but_counters_of(pid_t process) { return sum_of(process, resources_at<false>); }
 
 }  // namespace test
