@@ -104,7 +104,7 @@ int uninstall(Domains& domains, NSArray* list) {
         puts(translated("%s does not have Delvio: nothing to do.", {"GWorkspace"}).c_str());
         return exit_done;
     }
-    NSString* path = nil;
+    NSString* path = @"";
     for (id entry in list) {
         if (is_ours(entry)) path = entry;
     }

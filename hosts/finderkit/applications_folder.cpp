@@ -98,7 +98,7 @@ std::string configured_folder() {
         CFStringGetCString(static_cast<CFStringRef>(value), path, sizeof path,
                            kCFStringEncodingUTF8);
     }
-    CFRelease(value);
+    if (value) CFRelease(value);
     return path;
 }
 

@@ -32,7 +32,9 @@ void add_separator(NSMenu* menu) {
 
 // A menu that only lists programs becomes a submenu with its own title.
 void add_as_submenu(NSMenu* menu, NSMenu* own) {
-    NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:[own title] action:NULL keyEquivalent:@""];
+    NSMenuItem* item = [[NSMenuItem alloc] initWithTitle:[own title]
+                                                  action:nullptr
+                                           keyEquivalent:@""];
     [menu addItem:item];
     [menu setSubmenu:own forItem:item];
     [item release];

@@ -19,7 +19,7 @@ namespace {
 class Engine : public Carrier {
   public:
     explicit Engine(std::string state_folder)
-        : queue_([folder = std::move(state_folder)](RequestQueue::Job job) {
+        : queue_([folder = std::move(state_folder)](const RequestQueue::Job& job) {
               job.observer->ended(perform_request(job.request, *job.observer, folder));
           }) {}
     void carry_out(Request request, std::shared_ptr<Observer> observer) override {

@@ -168,6 +168,7 @@ namespace operations {
 
 namespace {
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the window copies it.
 std::shared_ptr<Observer> make_observer(NSString* title, Ended ended, Asks asks) {
     auto board = std::make_shared<ProgressBoard>();
     [[[OperationWindow alloc] initWithTitle:title board:board ended:ended asks:asks] release];

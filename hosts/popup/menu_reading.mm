@@ -1,5 +1,6 @@
 #include "popup/menu_reading.h"
 
+#include <math.h>
 #include <string.h>
 
 #include "finderkit/plug_in_items.h"
@@ -15,12 +16,14 @@ std::string without_slash(std::string path) {
     return path;
 }
 
-int byte_of(double component) { return static_cast<int>(component * highest_component + 0.5); }
+int byte_of(double component) { return static_cast<int>(lround(component * highest_component)); }
 
 std::string color_of(NSMenuItem* item) {
     NSAttributedString* title = [item attributedTitle];
     if (![title length]) return {};
-    NSColor* color = [title attribute:NSForegroundColorAttributeName atIndex:0 effectiveRange:NULL];
+    NSColor* color = [title attribute:NSForegroundColorAttributeName
+                              atIndex:0
+                       effectiveRange:nullptr];
     color = [color colorUsingColorSpaceName:NSDeviceRGBColorSpace];
     if (!color) return {};
     char text[sizeof "#rrggbb"];

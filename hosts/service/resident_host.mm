@@ -47,7 +47,7 @@ constexpr size_t most_silent_guests = 32;
 
 double longest_idle() {
     const char* const wanted = getenv("DELVIO_IDLE_SECONDS");
-    const double seconds = wanted ? atof(wanted) : 0;
+    const double seconds = wanted ? strtod(wanted, nullptr) : 0;
     return seconds > 0 ? seconds : seconds_idle;
 }
 

@@ -43,6 +43,7 @@ void read_strings(SettingState* state) {
     const void* stored = CFPreferencesCopyAppValue(cf(state->setting->key), cf(settings_domain));
     id object = [static_cast<id>(const_cast<void*>(stored)) autorelease];
     const bool list = state->setting->type == SettingType::paths;
+    // NOLINTNEXTLINE(bugprone-branch-clone): the two classes differ.
     state->stored = [object isKindOfClass:list ? [NSArray class] : [NSString class]];
     if (state->stored) state->value.strings = strings_in(object);
     const Setting& setting = *state->setting;

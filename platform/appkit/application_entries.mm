@@ -21,6 +21,7 @@
 - (instancetype)initWithApplication:(const files::InstalledApplication&)application {
     NSString* identifier = [NSString stringWithUTF8String:application.id.c_str()];
     NSString* name = [NSString stringWithUTF8String:application.name.c_str()];
+    // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.SelfInit): see above.
     _entry = [[NSString alloc] initWithUTF8String:application.path.c_str()];
     _information = [[NSDictionary alloc] initWithObjectsAndKeys:identifier, @"CFBundleIdentifier",
                                                                 name ? name : identifier,

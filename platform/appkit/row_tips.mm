@@ -93,7 +93,8 @@ bool is_closed_folder(const std::string& path) {
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
     const int most = static_cast<int>(widest_line * look.scale);
     const TextLayout lines = paragraph(look, *text, look.font_size * 0.92, false, most);
-    cairo_move_to(cairo, look.padding, look.padding * 2 / 3);
+    const int above = look.padding * 2 / 3;
+    cairo_move_to(cairo, look.padding, above);
     pango_cairo_show_layout(cairo, lines.get());
     cairo_restore(cairo);
 }

@@ -3,8 +3,6 @@
 #include <map>
 #include <utility>
 
-using events::Value;
-
 namespace {
 
 using Kind = std::pair<AEEventClass, AEEventID>;

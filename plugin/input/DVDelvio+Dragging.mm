@@ -21,6 +21,7 @@ constexpr CGFloat pointer_in_icon = 16;
 
 CGEventRef dvDragInterceptionCallback(CGEventTapProxy, CGEventType type, CGEventRef event, void*) {
     if (type != kCGEventTapDisabledByTimeout) {
+        // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): the tap's caller releases it.
         return [[DVDelvio sharedDelvio] handleEventForDragInterception:event];
     }
     if (dvEnableDebugOutput) {
@@ -86,7 +87,9 @@ CGEventRef dvDragInterceptionCallback(CGEventTapProxy, CGEventType type, CGEvent
     const CGEventType type = CGEventGetType(event);
     const bool command = [NSEvent modifierFlags] & NSCommandKeyMask;
     if (type == kCGEventLeftMouseDown && command && [self dvTakesPress:event]) {
-        return CGEventCreate(nullptr);  // the menu never sees the press
+        // The menu never sees the press.
+        // NOLINTNEXTLINE(clang-analyzer-osx.cocoa.RetainCount): the tap's caller releases it.
+        return CGEventCreate(nullptr);
     }
     if (type == kCGEventMouseMoved) [self dvPointerMoved];
     return event;

@@ -65,7 +65,7 @@ NSAttributedString* labelled_title(NSString* title, uint8_t label) {
                     useImage:(BOOL)useImage {
     // An item without an element is a programming error: it ends the process, in release builds
     // too.
-    assert(theTree != 0);
+    assert(theTree != 0);  // NOLINT(modernize-use-nullptr): the message shows this text.
     if (!title) title = title_for_tree(theTree);
     self = [super initWithTitle:title action:@selector(dvItemSelected:) keyEquivalent:@""];
     if (!self) return nil;

@@ -43,6 +43,7 @@ ht_table_t* ht_create_hash_table(int32_t bucket_count, uint32_t user_flags) {
     if (!table) return nullptr;
     table->bucket_count = static_cast<uint32_t>(bucket_count);
     table->user_flags = user_flags;
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): a bucket is a pointer.
     table->buckets = static_cast<ht_entry_t**>(calloc(table->bucket_count, sizeof(ht_entry_t*)));
     if (!table->buckets) {
         free(table);
