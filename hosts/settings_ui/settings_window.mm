@@ -172,13 +172,15 @@ void SettingsWindow::add_path(const std::string& path) {
     if (path.empty()) return;
     view_.new_path = path;
     const std::string whole = entry_of_path(without_tilde(path));
-    struct stat ignored;
-    const bool is_there = stat(whole.c_str(), &ignored) == 0;
+    struct stat what;
+    const bool is_there = stat(whole.c_str(), &what) == 0;
     std::string problem;
     if (whole[0] != '/') {
         problem = translated("A path begins with / or ~.");
     } else if (!is_there) {
         problem = translated("There is no folder %s.", {in_quotes(whole)});
+    } else if (!S_ISDIR(what.st_mode)) {
+        problem = translated("%s is a file, not a folder.", {in_quotes(whole)});
     } else if (list_has(list(), whole)) {
         problem = translated("%s is in the list already.", {in_quotes(whole)});
     }

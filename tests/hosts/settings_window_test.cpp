@@ -100,6 +100,7 @@ TEST_P(AnySettingsWindow, ChoosesFromAMenuWithTheKeys) {
 
 TEST_F(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
     const std::string one = folder.folder("one"), two = folder.folder("two");
+    folder.file("file");
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
     ASSERT_TRUE(press({"Down", "Down", "Tab", "Tab"}));
@@ -109,6 +110,9 @@ TEST_F(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
     type(folder.path("none"));
     ASSERT_TRUE(press({"Return"})) << "a message";
     ASSERT_TRUE(press(Words(std::string("none").size(), "BackSpace")));
+    type("file");
+    ASSERT_TRUE(press({"Return"})) << "another message";
+    ASSERT_TRUE(press(Words(std::string("file").size(), "BackSpace")));
     type("two");
     ASSERT_TRUE(press({"Return"}));
     ASSERT_TRUE(becomes("folders", one + "\n" + two + "\n"));
