@@ -26,8 +26,10 @@ function(delvio_precompile_headers)
     foreach(target IN LISTS targets)
       get_target_property(type ${target} TYPE)
       get_target_property(sources ${target} SOURCES)
-      # The code of a program is position independent in another way than a library's.
-      if(type MATCHES "OBJECT_LIBRARY|STATIC|SHARED|MODULE" AND NOT sources MATCHES "[.]c(;|$)")
+      get_target_property(visibility ${target} CXX_VISIBILITY_PRESET)
+      # The code of a program is position independent in another way than a library's. Headers are
+      # compiled for one visibility of functions.
+      if(type MATCHES "OBJECT_LIBRARY|STATIC|SHARED|MODULE" AND NOT visibility AND NOT sources MATCHES "[.]c(;|$)")
         target_precompile_headers(${target} REUSE_FROM precompiled_headers)
       endif()
     endforeach()
