@@ -1,5 +1,6 @@
 #include "file_managers/xml_elements.h"
 
+#include <errno.h>
 #include <glib.h>
 #include <host/text.h>
 
@@ -7,6 +8,11 @@ namespace {
 
 // Only checks; the places of elements are not to be had from GLib's parser.
 bool is_well_formed(const std::string& text, std::string* problem) {
+    // GLib's parser takes zero bytes in names, and then quotes as well.
+    if (text.find('\0') != std::string::npos) {
+        *problem = g_strerror(EILSEQ);
+        return false;
+    }
     const GMarkupParser silent = {};
     GMarkupParseContext* context =
         g_markup_parse_context_new(&silent, G_MARKUP_DEFAULT_FLAGS, nullptr, nullptr);

@@ -336,7 +336,8 @@ TEST_F(Entries, WhatIsNoFileOfActionsIsRefusedAndKept) {
          {std::string("<actions><action></actions>"), std::string("<other/>"), std::string(),
           std::string("no xml at all"), std::string("<actions>\xff</actions>"), large,
           std::string("<actions></actions><actions></actions>"),
-          std::string("<actions/>\n<!-- -->\n<other/>\n")}) {
+          std::string("<actions/>\n<!-- -->\n<other/>\n"),
+          std::string("<actions><a\0\"/></actions>", 25)}) {
         actions_file(text);
         const auto before = everything();
         expect_refusal(run("install", "thunar"), actions);
