@@ -192,10 +192,12 @@ OSErr make_reference(const char* path, size_t length, unsigned questions, FSRef*
                      mode_t* mode) {
     Seen seen;
     const int64_t now = milliseconds_now();
-    if (is_silent_entry(path, length)) {
-        see_silence(&seen);
-    } else if (!see_in_listing(path, length, now, &seen) && !look(path, &seen)) {
-        return error_from_errno(errno);
+    if (!see_in_listing(path, length, now, &seen)) {
+        if (is_silent_entry(path, length)) {
+            see_silence(&seen);
+        } else if (!look(path, &seen)) {
+            return error_from_errno(errno);
+        }
     }
 
     Table& all = table();

@@ -42,10 +42,10 @@ int scandir(const char* path, dirent*** list, int (*filter)(const dirent*),
     const int found = scan_unsorted(path, list, filter, nullptr);
     if (found <= 0) return found;
     const auto count = static_cast<size_t>(found);
-    // The thread would wait for ever at a disk that begins here and does not answer.
-    const bool is_ahead = listing.is_wanted() && !files::has_disks_within(path);
-    files::AttributesAhead attributes(path, *list, is_ahead ? count : 0);
+    // A disk that begins here may not answer, so its entry is asked about by itself.
+    const bool is_kept = listing.is_wanted() && !files::has_disks_within(path);
+    files::AttributesAhead attributes(path, *list, is_kept ? count : 0);
     const std::vector<uint32_t> before = sort(*list, count, compare);
-    listing.keep(*list, before, attributes.finish());
+    if (is_kept) listing.keep(*list, before, attributes.finish());
     return found;
 }

@@ -8,8 +8,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <mutex>
-#include <sstream>
+#include <string_view>
 #include <vector>
 
 namespace files {
@@ -26,7 +27,14 @@ struct Mount {
     bool is_local;
 };
 
-bool is_local_type(const std::string& type) {
+// Takes the text before the mark off its beginning, with the mark.
+std::string_view taken_until(char mark, std::string_view* text) {
+    const std::string_view taken = text->substr(0, text->find(mark));
+    text->remove_prefix(std::min(taken.size() + 1, text->size()));
+    return taken;
+}
+
+bool is_local_type(std::string_view type) {
     for (const char* local : local_types) {
         if (type == local) return true;
     }
@@ -34,11 +42,11 @@ bool is_local_type(const std::string& type) {
 }
 
 // Spaces and similar characters are written as a backslash and three octal digits.
-std::string unescaped(const std::string& text) {
+std::string unescaped(std::string_view text) {
     std::string plain;
     for (size_t i = 0; i < text.size(); i++) {
         if (text[i] == '\\' && i + 3 < text.size()) {
-            plain += static_cast<char>(std::stoi(text.substr(i + 1, 3), nullptr, 8));
+            plain += static_cast<char>(std::stoi(std::string(text.substr(i + 1, 3)), nullptr, 8));
             i += 3;
         } else {
             plain += text[i];
@@ -114,19 +122,17 @@ class Mounts {
         for (ssize_t count; (count = read(file_, buffer, sizeof buffer)) > 0;) {
             text.append(buffer, static_cast<size_t>(count));
         }
-        std::istringstream lines(text);
-        for (std::string line; std::getline(lines, line);) add(line);
+        std::string_view rest = text;
+        while (!rest.empty()) add(taken_until('\n', &rest));
     }
 
     // 36 35 98:0 /root /folder options - type source options
-    void add(const std::string& line) {
-        std::istringstream words(line);
-        std::string skipped, folder, type;
-        words >> skipped >> skipped >> skipped >> skipped >> folder;
-        while (words >> skipped && skipped != "-") {
+    void add(std::string_view line) {
+        for (int skipped = 0; skipped < 4; skipped++) taken_until(' ', &line);
+        const std::string_view folder = taken_until(' ', &line);
+        while (!line.empty() && taken_until(' ', &line) != "-") {
         }
-        words >> type;
-        mounts_.push_back({unescaped(folder), is_local_type(type)});
+        mounts_.push_back({unescaped(folder), is_local_type(taken_until(' ', &line))});
     }
 
     std::mutex lock_;
@@ -149,7 +155,9 @@ int open_within(const std::string& folder, const std::string& rest) {
     open_how how = {};
     how.flags = O_PATH | O_CLOEXEC;
     how.resolve = RESOLVE_NO_XDEV | RESOLVE_NO_MAGICLINKS;
-    const auto file = static_cast<int>(syscall(SYS_openat2, root, rest.c_str(), &how, sizeof how));
+    auto file = static_cast<int>(syscall(SYS_openat2, root, rest.c_str(), &how, sizeof how));
+    // A system without this call can only be told by its list of mounts what is local.
+    if (file < 0 && errno == ENOSYS) file = openat(root, rest.c_str(), O_PATH | O_CLOEXEC);
     const int error = errno;
     close(root);
     errno = error;
