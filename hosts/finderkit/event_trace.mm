@@ -31,7 +31,7 @@ void append_escaped(UInt8 byte, std::string& text) {
 }
 
 template <typename Text>
-std::string quoted(const Text& bytes) {
+std::string quoted_text(const Text& bytes) {
     std::string text = "\"";
     for (const auto byte : bytes) append_escaped(static_cast<UInt8>(byte), text);
     return text + "\"";
@@ -64,7 +64,7 @@ std::string write_code(const Bytes& bytes) {
     return "\"" + code_name(plain<FourCharCode>(bytes)) + "\"";
 }
 
-std::string write_text(const Bytes& bytes) { return quoted(bytes); }
+std::string write_text(const Bytes& bytes) { return quoted_text(bytes); }
 
 std::string write_bytes(const Bytes& bytes) {
     const size_t most = 32;
@@ -86,7 +86,7 @@ std::string write_utf16(const Bytes& bytes) {
         utf8 = [text UTF8String];
     } @catch (NSException*) {  // a lone surrogate
     }
-    return utf8 ? quoted(std::string(utf8)) : write_bytes(bytes);
+    return utf8 ? quoted_text(std::string(utf8)) : write_bytes(bytes);
 }
 
 std::string write_file(const Bytes& bytes) {
@@ -95,7 +95,7 @@ std::string write_file(const Bytes& bytes) {
     if (FSRefMakePath(&ref, reinterpret_cast<UInt8*>(path), sizeof path) != noErr) {
         return "(not there)";
     }
-    return quoted(std::string(path));
+    return quoted_text(std::string(path));
 }
 
 std::string write_alias(const Bytes& bytes) {

@@ -11,7 +11,7 @@
 // operation has closed its window, for orders that went through the function below.
 extern NSString* const operation_has_ended;
 
-@interface NSObject (GWorkspaceOperationWords)
+@protocol GWorkspaceOperation
 - (NSString*)type;
 - (NSString*)source;
 - (NSString*)destination;

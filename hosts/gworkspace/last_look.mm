@@ -75,7 +75,7 @@ std::set<id>& looked_at() {
     return operations;
 }
 
-bool is_given(id operation) {
+bool is_given(id<GWorkspaceOperation> operation) {
     NSDictionary* words = given ? given->words : nil;
     return words && [[operation type] isEqual:[words objectForKey:@"operation"]] &&
            [[operation source] isEqual:[words objectForKey:@"source"]] &&

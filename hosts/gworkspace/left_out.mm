@@ -82,7 +82,7 @@ Outcome outcome_of(const std::string& source, const Request& request) {
 
 // GWorkspace's thread waits for the return of this method, so the alert comes later.
 - (void)hasEnded:(NSNotification*)notification {
-    id operation = [notification object];
+    const id<GWorkspaceOperation> operation = [notification object];
     if (![[operation type] isEqual:[_order objectForKey:@"operation"]] ||
         ![[operation source] isEqual:[_order objectForKey:@"source"]] ||
         ![[operation destination] isEqual:[_order objectForKey:@"destination"]]) {

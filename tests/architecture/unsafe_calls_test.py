@@ -46,7 +46,6 @@ ALLOWED = {
     ("hosts/service/surroundings.cpp", "chdir"): "At the start of the host, before any thread.",
     ("hosts/command/home_folder.cpp", "getpwuid"): "At the start of a program, before any thread.",
     ("hosts/popup/menu_walker.mm", "fscanf"): "Reads two numbers of the kernel's.",
-    ("hosts/service/resident_host.mm", "atof"): "A number for tests; anything else counts as none.",
     ("hosts/service/surroundings.cpp", "fchdir"): "The caller's folder; the host's menus run one by one.",
     ("platform/carbon/attributes_ahead.cpp", "chdir"): "After unshare: the folder of this thread alone.",
     ("platform/desktop/program_launch.cpp", "chdir"): "In the child, between fork and exec.",
