@@ -167,6 +167,7 @@ int open_within(const std::string& folder, const std::string& rest) {
 }  // namespace
 
 Local local_stat(const std::string& path, struct stat* status) {
+    if (path.empty()) return Local::missing;
     const std::string folder = mounts().local_mount_of(path);
     if (folder.empty()) return Local::unknown;
     std::string rest = path.substr(folder == "/" ? 1 : folder.size());

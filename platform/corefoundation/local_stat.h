@@ -14,7 +14,8 @@ enum class Local {
     unknown,  // somewhere along the path is another kind of file system: nothing was asked of it
 };
 
-// Fills `status` when it answers found. `path` is absolute, without "." and "..".
+// Fills `status` when it answers found. `path` is absolute, without "." and "..";
+// an empty path, which a name that is no text becomes, is missing.
 Local local_stat(const std::string& path, struct stat* status);
 
 // The folder of the innermost mount above `path` that is no local disk; empty when there is none.

@@ -194,6 +194,7 @@ TEST_F(PatientStat, LocalDisksSayWhatStatSays) {
     EXPECT_EQ(local_stat("/proc/self/status", &status), Local::unknown);
     EXPECT_EQ(local_stat(away, &status), Local::unknown);
     EXPECT_NE(local_stat(folder.path("missing"), &status), Local::found);
+    EXPECT_EQ(local_stat("", &status), Local::missing);
 }
 
 }  // namespace
