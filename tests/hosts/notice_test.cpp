@@ -33,9 +33,11 @@ constexpr const char* notifications =
     "<signal name='NotificationClosed'><arg type='u'/><arg type='u'/></signal>"
     "</interface></node>";
 
+// Of a process, which may end while its file is read.
 std::string contents(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
 }
 
 struct Notice : test::MenuCommand {

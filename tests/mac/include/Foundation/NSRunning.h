@@ -8,6 +8,10 @@
 @interface NSDate : NSObject <NSCopying>
 @end
 
+@interface NSException : NSObject
+- (NSString*)reason;
+@end
+
 @interface NSAutoreleasePool : NSObject
 @end
 

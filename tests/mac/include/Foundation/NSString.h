@@ -5,6 +5,7 @@
 @interface NSString : NSObject <NSCopying>
 + (id)stringWithFormat:(NSString*)format, ... __attribute__((format(__NSString__, 1, 2)));
 + (id)stringWithUTF8String:(const char*)text;
+- (id)initWithUTF8String:(const char*)text;
 - (const char*)UTF8String;
 - (NSUInteger)length;
 @end
