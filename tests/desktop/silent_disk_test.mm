@@ -306,6 +306,7 @@ class SilentBeforeTheMenu : public SilentDisk {
         const size_t level = path.size();
         // What it has answered to the test before is not believed any more.
         while (files::FolderQuestion::has_answered_lately(disk)) usleep(1000);
+        usleep(300000);  // longer than any other answer counts
         stop();
         Rescue rescue(server);
         Titles rows;
