@@ -2,20 +2,18 @@
 
 #include <gio/gio.h>
 #include <host/glib_owners.h>
+#include <host/session_bus.h>
 
 namespace {
 
 using files::ObjectOwner;
-using files::TextOwner;
 using files::VariantOwner;
 
 const char service[] = "org.a11y.Bus", object[] = "/org/a11y/bus";
 
 // Asking GIO for a bus that is not there would start one.
 std::string session_address() {
-    const char* const address = g_getenv("DBUS_SESSION_BUS_ADDRESS");
-    const TextOwner socket(g_build_filename(g_get_user_runtime_dir(), "bus", nullptr));
-    if (!(address && *address) && !g_file_test(socket.get(), G_FILE_TEST_EXISTS)) return {};
+    if (!files::has_session_bus()) return {};
     return files::taken_text(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
 }
 

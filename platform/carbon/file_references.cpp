@@ -225,8 +225,9 @@ File* file_for(const FSRef* ref, Question question, OSErr* error) {
         Seen seen;
         if (is_silent_entry(file.path)) {
             see_silence(&seen);
-        } else if (!look(file.path.c_str(), &seen))
+        } else if (!look(file.path.c_str(), &seen)) {
             return *error = error_from_errno(errno), nullptr;
+        }
         // The other questions still belonged to the look before.
         remember(seen, milliseconds_now(), 0, &file);
     }
