@@ -106,7 +106,7 @@ class GWorkspaceWalks : public ViewerDesk {
         EXPECT_TRUE(wait_until([&] {
             before = held;
             held = soak::held_by(manager().process());
-            usleep(300000);
+            usleep(300000);  // between two looks that must be alike
             return held.files == before.files && held.resources == before.resources;
         }));
         return held;

@@ -150,7 +150,7 @@ struct HostWalks : test::ResidentScene {
         EXPECT_TRUE(test::wait_for([&] {
             before = held;
             held = soak::held_by(process);
-            usleep(300000);
+            usleep(300000);  // between two looks that must be alike
             return held.files == before.files && held.resources == before.resources;
         }));
         return held;
