@@ -1,97 +1,17 @@
-#include "finder/dv_file_ops.h"
-
-#include <Carbon/Carbon.h>
-#include <host/process.h>
+// Moving, copying and making aliases: the events that go to the Finder, and the alert before.
 #include <gtest/gtest.h>
-#include <string.h>
-#include <unistd.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
-#include "finder/dv_conflicts.h"
-#include "plugin/finder/carbon_trouble.h"
-#include "plugin/finder/finder_post.h"
-#include "plugin/finder/shown_alert.h"
-#include "plugin/tree_support.h"
-#include "support/dv_log.h"
-#include "support/heap.h"
-#include "support/temp_folder.h"
-#include "support/turn.h"
-#include "tree/dv_scan.h"
-#include "tree/dv_state.h"
+#include "plugin/finder/file_op_scene.h"
 
 namespace {
 
+using test::dont_replace;
+using test::FileOp;
 using test::Letter;
 using test::output_of;
-using test::Tree;
-using Paths = std::vector<std::string>;
-using Parameters = std::vector<std::pair<FourCharCode, FourCharCode>>;
-
-enum { dont_replace = kAlertStdAlertOKButton, replace = kAlertStdAlertCancelButton };
-
-class FileOp : public testing::Test {
-  protected:
-    FileOp() {
-        answer_standard_alerts(kAlertAnswerDefault);
-        test::shown_alert = {};
-    }
-    ~FileOp() override {
-        dvEnableDebugOutput = 0;
-        answer_standard_alerts(kAlertAnswerAsk);
-        test::shown_alert = {};
-        test::carbon_trouble = nullptr;
-    }
-
-    static dv_tree_t* folder_root(const std::string& path, uint32_t origin = 0) {
-        dv_tree_t* root = dv_build_tree(path.c_str(), 0, 1, 0, origin);
-        EXPECT_NE(root, nullptr) << path;
-        return root;
-    }
-    static dv_tree_t* single(const std::string& path, uint32_t origin = DV_ORIGIN_SELECTED_FILE) {
-        return dv_create_elem(dv_create_single_dir(path.c_str()), nullptr, 0, origin);
-    }
-    // Appends to the selection.
-    dv_tree_t* select(dv_tree_t* elem) {
-        dv_tree_t* head = selection_.release();
-        dv_update_ptrs(elem, &last_, &head);
-        selection_.reset(head);
-        return elem;
-    }
-    dv_tree_t* select(const std::string& path) { return select(single(path)); }
-
-    // The folder as a level of the plug-in's menus offers it: a copy below its element.
-    dv_tree_t* target_in(dv_tree_t* parent) {
-        targets_.emplace_back(dv_copy_elem(parent));
-        targets_.back()->parent = parent;
-        targets_.back()->origin |= DV_ORIGIN_MOVE_COPY;
-        return targets_.back().get();
-    }
-    // A folder in its own tree.
-    dv_tree_t* target(const std::string& path) {
-        roots_.emplace_back(folder_root(path));
-        return target_in(roots_.back().get());
-    }
-
-    std::vector<Letter> send(dv_tree_t* destination, long operation, uint32_t open_after = 0) {
-        dv_send_file_op_to_finder(&state_, selection_.get(), destination, operation, open_after);
-        return post_.letters();
-    }
-    Letter send_one(dv_tree_t* destination, long operation) {
-        const std::vector<Letter> letters = send(destination, operation);
-        EXPECT_EQ(letters.size(), 1u);
-        return letters.empty() ? Letter() : letters.back();
-    }
-
-    test::TempFolder folder_;
-    test::FinderPost post_;
-    delvio_t state_ = {};
-    std::vector<Tree> targets_, roots_;
-    Tree selection_;
-    dv_tree_t* last_ = nullptr;
-};
+using test::Parameters;
+using test::Paths;
+using test::replace;
 
 }  // namespace
 
@@ -351,109 +271,6 @@ TEST_F(FileOp, TheDestinationIsOpenedAlsoWhenNothingIsLeftToDo) {
     EXPECT_EQ(letters[1].items, Paths{});
 }
 
-TEST_F(FileOp, ItemsThatAreGoneAreLeftOutAndReported) {
-    select(folder_.file("gone"));
-    const std::string a = folder_.file("a");
-    select(a);
-    unlink(folder_.path("gone").c_str());
-    dv_tree_t* to = target(folder_.folder("to"));
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(send_one(to, 0).items, Paths{a}); }),
-              "Delvio: Failed to create FSRef for element\n");
-}
-
-TEST_F(FileOp, ADestinationThatIsGoneEndsIt) {
-    select(folder_.file("a"));
-    dv_tree_t* to = target(folder_.folder("to"));
-    rmdir(folder_.path("to").c_str());
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0, 1).size(), 0u); }),
-              "Failed to get fsref for destination\n");
-}
-
-TEST_F(FileOp, AnEventThatCannotBeSentIsReported) {
-    select(folder_.file("a"));
-    dv_tree_t* to = target(folder_.folder("to"));
-    declare_process_signature(0);
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0).size(), 0u); }),
-              "Delvio: Got error sending AppleEvent: -600\n");
-}
-
-TEST_F(FileOp, AnEventThatCannotBeMadeIsReportedAndEndsIt) {
-    select(folder_.file("a"));
-    dv_tree_t* to = target(folder_.folder("to"));
-    const struct {
-        const char* function;
-        FourCharCode about;
-        const char* line;
-    } rows[] = {
-        {"AECreateDesc", 'sign', "Delvio: Error creating address desc: -1\n"},
-        {"AECreateAppleEvent", 'move', "Delvio: Error creating Apple Event: -1\n"},
-        {"AEPutParamDesc", 'insh', "Delvio: Error putting dest FSRef: -1\n"},
-        {"AEPutParamDesc", '----', "Delvio: Error putting list of FSRefs: -1\n"},
-    };
-    for (const auto& row : rows) {
-        test::carbon_trouble = test::failing(row.function, -1, row.about);
-        EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0).size(), 0u); }), row.line);
-    }
-    for (int i = 0; i < 2; i++) {
-        test::carbon_trouble = test::failing(rows[i].function, -1);
-        EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }), rows[i].line);
-    }
-    test::carbon_trouble = test::failing(rows[3].function, -1, rows[3].about);
-    EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }), rows[3].line);
-    EXPECT_EQ(post_.letters().size(), 0u);
-}
-
-TEST_F(FileOp, WithoutAnAliasOfItsDestinationItIsSentWithoutAPlace) {
-    const std::string a = folder_.file("a");
-    select(a);
-    dv_tree_t* to = target(folder_.folder("to"));
-    int aliases = 0;
-    test::carbon_trouble = [&](const std::string& function, FourCharCode) -> OSErr {
-        return function == "FSNewAliasMinimal" && ++aliases == 1 ? -2 : noErr;
-    };
-    const auto send_it = [&] {
-        const Letter letter = send_one(to, 0);
-        EXPECT_EQ(letter.destination, "");
-        EXPECT_EQ(letter.parameters,
-                  (Parameters{{0x2D2D2D2D, 0x6C697374}, {0x616C7270, 0x626F6F6C}}));
-        EXPECT_EQ(letter.items, Paths{a});
-    };
-    EXPECT_EQ(output_of(send_it), "Error creating alias handle: -2\n");
-}
-
-TEST_F(FileOp, WithoutADescriptorOfItsDestinationItEnds) {
-    select(folder_.file("a"));
-    dv_tree_t* to = target(folder_.folder("to"));
-    test::carbon_trouble = test::failing("AECreateDesc", -3, 'alis');
-    EXPECT_EQ(output_of([&] { EXPECT_EQ(send(to, 0, 1).size(), 0u); }),
-              "Error creating dest alias desc: -3\n");
-}
-
-TEST_F(FileOp, ItemsThatMakeTroubleAreLeftOutAndReported) {
-    const std::string a = folder_.file("a"), b = folder_.file("b"), c = folder_.file("c");
-    for (const std::string& path : {a, b, c}) select(path);
-    dv_tree_t* to = target(folder_.folder("to"));
-    const struct {
-        const char* function;
-        FourCharCode about;
-        int destination;  // calls for the destination, which come before those for items
-        const char* line;
-    } rows[] = {
-        {"FSNewAliasMinimal", 0, 1, "Delvio: Error creating alias handle: -4\n"},
-        {"AECreateDesc", 'alis', 1, "Delvio: Error creating alias desc: -4\n"},
-        {"AEPutDesc", 'alis', 0, "Delvio: Error putting param desc: -4\n"},
-    };
-    for (const auto& row : rows) {
-        int calls = 0;
-        test::carbon_trouble = [&](const std::string& function, FourCharCode about) -> OSErr {
-            if (function != row.function || (row.about && row.about != about)) return noErr;
-            return ++calls == row.destination + 2 ? -4 : noErr;
-        };
-        const auto send_it = [&] { EXPECT_EQ(send(to, 0).back().items, (Paths{a, c})); };
-        EXPECT_EQ(output_of(send_it), row.line);
-    }
-}
-
 TEST_F(FileOp, AnAliasFileIsMovedItself) {
     folder_.file("target");
     dv_tree_t* alias = select(folder_.link("alias", folder_.path("target")));
@@ -563,41 +380,4 @@ TEST_F(FileOp, TheAlertsAnswerIsZeroForReplacing) {
 TEST_F(FileOp, AnAlertThatCannotBeShownReplacesNothing) {
     answer_standard_alerts(kAlertAnswerAsk);
     EXPECT_NE(dv_display_should_trash_files_alert(), 0) << "there is no application to show it";
-}
-
-TEST_F(FileOp, TrashingIsAnEventWithAListAlone) {
-    const std::string a = folder_.file("a");
-    select(a);
-    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
-    EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }), "Not trashing: \n");
-    dv_move_to_trash(selection_.get(), true);
-    const std::vector<Letter>& letters = post_.letters();
-    ASSERT_EQ(letters.size(), 2u);
-    EXPECT_EQ(letters[0].event_class, 0x636F7265u);  // core
-    EXPECT_EQ(letters[0].event_id, 0x64656C6Fu);     // delo
-    EXPECT_EQ(letters[0].parameters,
-              (Parameters{{0x2D2D2D2D, 0x6C697374}, {0x616C7270, 0x626F6F6C}}));
-    EXPECT_TRUE(letters[0].keeps());
-    EXPECT_EQ(letters[0].items, Paths{a});
-    EXPECT_EQ(letters[0].item_types, std::vector<DescType>{'alis'});
-    EXPECT_EQ(letters[0].sending.mode, 0x61);
-    EXPECT_EQ(letters[1].items, (Paths{a, folder_.path("user")}));
-}
-
-TEST_F(FileOp, AUserFolderThatIsNotTrashedIsLogged) {
-    select(folder_root(folder_.folder("user"), DV_ORIGIN_USER_FOLDER));
-    dvEnableDebugOutput = 1;
-    EXPECT_NE(output_of([&] {
-                  dv_move_to_trash(selection_.get(), false);
-              }).find("Delvio: Skip custom folder\n"),
-              std::string::npos);
-}
-
-TEST_F(FileOp, TrashingReportsWhatFails) {
-    select(folder_.file("gone"));
-    unlink(folder_.path("gone").c_str());
-    declare_process_signature(0);
-    EXPECT_EQ(output_of([&] { dv_move_to_trash(selection_.get(), false); }),
-              "Delvio: Failed to create FSRef for element\n"
-              "Delvio: Got error sending AppleEvent: -600\n");
 }
