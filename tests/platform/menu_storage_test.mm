@@ -2,8 +2,7 @@
 #include <gtest/gtest.h>
 #include <host/menu_tracking.h>
 #include <objc/runtime.h>
-
-#include <fstream>
+#include <unistd.h>
 
 #include <string>
 
@@ -317,13 +316,7 @@ TEST_F(MenuStorage, AMenuThatHasNoItemsIsOneAllocation) {
 // The sanitizer's allocator keeps freed memory for a while.
 static long private_kilobytes() {
     if (test::has_sanitizers_heap()) return test::memory_in_use() / 1024;
-    std::ifstream file("/proc/self/smaps_rollup");
-    std::string line;
-    while (std::getline(file, line)) {
-        long kilobytes = 0;
-        if (sscanf(line.c_str(), "Private_Dirty: %ld", &kilobytes) == 1) return kilobytes;
-    }
-    return -1;
+    return test::anonymous_memory(getpid()) / 1024;
 }
 
 TEST_F(MenuStorage, TheMemoryOfALargeLevelGoesBackOnceItsPopupIsOver) {

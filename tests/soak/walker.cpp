@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
+#include "support/heap.h"
 #include "support/x_clients.h"
 
 namespace fs = std::filesystem;
@@ -103,12 +103,7 @@ Held held_by(int process) {
     const fs::directory_iterator tasks(place + "/task", error);
     held.threads = std::distance(fs::begin(tasks), fs::end(tasks));
     held.resources = test::resources_but_counters_of(process);
-    std::ifstream rollup(place + "/smaps_rollup");
-    for (std::string word; rollup >> word;) {
-        long kilobytes = 0;
-        const bool is_private = word == "Private_Clean:" || word == "Private_Dirty:";
-        if (is_private && rollup >> kilobytes) held.memory += kilobytes * 1024;
-    }
+    held.memory = test::anonymous_memory(process);
     return held;
 }
 

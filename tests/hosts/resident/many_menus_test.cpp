@@ -2,26 +2,14 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "hosts/resident/scene.h"
+#include "support/heap.h"
 #include "support/x_clients.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// What the process uses of its own, in bytes.
-long private_memory(pid_t process) {
-    std::ifstream rollup("/proc/" + std::to_string(process) + "/smaps_rollup");
-    long sum = 0;
-    for (std::string word; rollup >> word;) {
-        long kilobytes = 0;
-        const bool is_private = word == "Private_Clean:" || word == "Private_Dirty:";
-        if (is_private && rollup >> kilobytes) sum += kilobytes * 1024;
-    }
-    return sum;
-}
 
 long descriptors_of(pid_t process) {
     const fs::path files = "/proc/" + std::to_string(process) + "/fd";
@@ -60,7 +48,7 @@ TEST_F(ManyMenus, TwoHundredMenusLeaveTheHostAsItWasAfterTheTenth) {
     [[maybe_unused]] constexpr long bytes_a_menu = 2560;
     show(first);
     const pid_t process = host();
-    [[maybe_unused]] const long memory = private_memory(process);
+    [[maybe_unused]] const long memory = test::anonymous_memory(process);
     const Held held = settled(process);
     ASSERT_GT(held.resources, 0);
     show(all - first);
@@ -68,7 +56,7 @@ TEST_F(ManyMenus, TwoHundredMenusLeaveTheHostAsItWasAfterTheTenth) {
     EXPECT_TRUE(test::wait_for([&] { return held_by(process) == held; }))
         << held.files << " descriptors, " << held.resources << " resources";
 #if !__has_feature(address_sanitizer)  // which keeps freed memory
-    EXPECT_LT(private_memory(process) - memory, (all - first) * bytes_a_menu);
+    EXPECT_LT(test::anonymous_memory(process) - memory, (all - first) * bytes_a_menu);
 #endif
 }
 
