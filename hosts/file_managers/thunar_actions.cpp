@@ -63,8 +63,7 @@ class ActionsFile {
         std::string text = text_;
         const XmlRange inside = document_.inside;
         if (document_.is_closed_at_once) {
-            return text.replace(inside.begin, inside.end - inside.begin,
-                                "<actions>" + thing + "</actions>");
+            return text.replace(inside.end - 2, 2, ">" + thing + "</actions>");
         }
         return text.insert(inside.end, thing + "\n");
     }
@@ -75,9 +74,10 @@ class ActionsFile {
         const bool has_newline = text[thing.end] == '\n';
         const bool is_alone =
             thing.begin == document_.inside.begin && thing.end == document_.inside.end;
-        if (is_alone)
-            return text_.substr(0, text_.rfind("<actions", thing.begin)) + "<actions/>" +
-                   text_.substr(end_of_root(thing.end));
+        if (is_alone) {
+            const size_t end_of_tag = thing.begin - 1;
+            return text.replace(end_of_tag, end_of_root(thing.end) - end_of_tag, "/>");
+        }
         return text.erase(thing.begin, thing.end - thing.begin + has_newline);
     }
 

@@ -4,6 +4,8 @@
 #include <glib.h>
 #include <host/text.h>
 
+#include <algorithm>
+
 namespace {
 
 // Only checks; the places of elements are not to be had from GLib's parser.
@@ -46,6 +48,30 @@ size_t end_of_tag(const std::string& text, size_t begin) {
     return text.size();
 }
 
+// The end of a document type, where GLib's parser sees it: each "<" of the inner subset takes a
+// ">", in quotes or not. Thunar reads its file by the same parser.
+size_t end_of_document_type(const std::string& text, size_t begin) {
+    size_t open = 0;
+    for (size_t at = begin; at < text.size(); at++) {
+        if (text[at] == '<') open++;
+        if (text[at] == '>' && --open == 0) return at + 1;
+    }
+    return text.size();
+}
+
+// The name in the tag that begins here.
+std::string name_in_tag(const std::string& text, size_t begin) {
+    const size_t name = begin + 1;
+    return text.substr(name, text.find_first_of(" \t\r\n/>", name) - name);
+}
+
+std::string without_blanks(const std::string& text) {
+    const char* const blanks = " \t\r\n";
+    const size_t first = text.find_first_not_of(blanks);
+    if (first == std::string::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
 // Walks over the tags of a text that is known to be well-formed.
 class XmlWalk {
   public:
@@ -66,8 +92,8 @@ class XmlWalk {
         if (text_.compare(at, 4, "<!--") == 0) return take_comment(at);
         if (text_.compare(at, 9, "<![CDATA[") == 0) return end_of(text_, at, "]]>");
         if (text_.compare(at, 2, "<?") == 0) return end_of(text_, at, "?>");
+        if (text_.compare(at, 2, "<!") == 0) return end_of_document_type(text_, at);
         const size_t end = end_of_tag(text_, at);
-        if (text_.compare(at, 2, "<!") == 0) return end;
         take_tag({at, end});
         return end;
     }
@@ -94,8 +120,7 @@ class XmlWalk {
             return;
         }
         roots_++;
-        const size_t name = tag.begin + 1;
-        document_.root = text_.substr(name, text_.find_first_of(" \t\r\n/>", name) - name);
+        document_.root = name_in_tag(text_, tag.begin);
         document_.is_closed_at_once = is_empty;
         document_.inside = is_empty ? tag : XmlRange{tag.end, text_.size()};
     }
@@ -116,15 +141,16 @@ std::optional<XmlDocument> read_xml(const std::string& text, std::string* proble
 }
 
 std::string child_text(std::string_view element, const std::string& name) {
-    const std::string start = "<" + name + ">";
-    const size_t begin = element.find(start);
-    if (begin == std::string_view::npos) return {};
-    std::string_view rest = element.substr(begin + start.size());
-    rest = rest.substr(0, rest.find("</"));
-    const char* const blanks = " \t\r\n";
-    const size_t first = rest.find_first_not_of(blanks);
-    if (first == std::string_view::npos) return {};
-    return std::string(rest.substr(first, rest.find_last_not_of(blanks) - first + 1));
+    const std::string text(element);
+    const std::optional<XmlDocument> document = XmlWalk(text).read();
+    if (!document) return {};
+    for (const XmlRange& child : document->children) {
+        if (name_in_tag(text, child.begin) != name) continue;
+        const size_t begin = end_of_tag(text, child.begin);
+        const size_t end = std::min(text.find('<', begin), child.end);
+        return without_blanks(text.substr(begin, end - begin));
+    }
+    return {};
 }
 
 std::string xml_escaped(const std::string& text) {

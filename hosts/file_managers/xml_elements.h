@@ -24,7 +24,8 @@ struct XmlDocument {
 // Nothing when the text is no well-formed XML with one root; then *problem says why.
 std::optional<XmlDocument> read_xml(const std::string& text, std::string* problem);
 
-// The text of the first element of this name in a whole element, without the blanks around it.
+// The text of the first child of this name in a whole element, without the blanks around it; its
+// end is where something else than text begins.
 std::string child_text(std::string_view element, const std::string& name);
 
 // The text as it is written in an element.

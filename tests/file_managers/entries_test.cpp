@@ -262,6 +262,7 @@ TEST_F(Entries, WithoutActionsOfTheSystemThunarsFileHasOurActionAlone) {
 TEST_F(Entries, AUsersActionsStayByteForByte) {
     for (const std::string& text :
          {std::string(users_actions), std::string(system_actions), std::string("<actions/>"),
+          std::string("<actions />"), std::string("<actions a=\"<actions\" b='>'/>\n"),
           std::string("<actions></actions>"), std::string("<actions>\r\n</actions>\r\n"),
           std::string("<actions><action><name>a</name></action></actions>")}) {
         actions_file(text);
@@ -275,6 +276,35 @@ TEST_F(Entries, AUsersActionsStayByteForByte) {
         EXPECT_EQ(run("uninstall", "thunar").status, 0);
         EXPECT_EQ(everything(), before) << text;
     }
+}
+
+// GLib's parser, with which Thunar reads the file, gives quotes no meaning in a document type.
+TEST_F(Entries, AnInnerSubsetOfTheDocumentTypeHidesNoTags) {
+    const std::string type =
+        "<!DOCTYPE actions [\n  <!-- the user's -->\n  <!ELEMENT actions (action)*>\n"
+        "  <!ENTITY end \"<actions><action/></actions>\">\n]>\n";
+    actions_file(type + "<actions>\n<action><command>sh -c 'a'</command></action>\n</actions>\n");
+    const auto before = everything();
+    EXPECT_EQ(run("install", "thunar").status, 0);
+    const std::string changed = read_file(actions);
+    EXPECT_EQ(changed.find(type + "<actions>\n<action><command>sh"), 0u) << changed;
+    EXPECT_NE(changed.find("</command></action>\n<action>\n\t<icon>"), std::string::npos)
+        << changed;
+    EXPECT_EQ(run("uninstall", "thunar").status, 0);
+    EXPECT_EQ(everything(), before);
+}
+
+TEST_F(Entries, OnlyAnActionsOwnIdentifierMakesItOurs) {
+    const std::string id = "<unique-id>delvio-menu</unique-id>";
+    actions_file("<actions>\n<action><!-- " + id + " --><name>a</name></action>\n<action><name>" +
+                 id + "</name></action>\n</actions>\n");
+    const auto before = everything();
+    EXPECT_EQ(run("uninstall", "thunar").status, 0);
+    EXPECT_EQ(everything(), before);
+    EXPECT_EQ(run("install", "thunar").status, 0);
+    EXPECT_EQ(count_of(read_file(actions), id), 3u);
+    EXPECT_EQ(run("uninstall", "thunar").status, 0);
+    EXPECT_EQ(everything(), before);
 }
 
 TEST_F(Entries, TheLinkToAUsersActionsStaysALink) {
@@ -337,6 +367,7 @@ TEST_F(Entries, WhatIsNoFileOfActionsIsRefusedAndKept) {
           std::string("no xml at all"), std::string("<actions>\xff</actions>"), large,
           std::string("<actions></actions><actions></actions>"),
           std::string("<actions/>\n<!-- -->\n<other/>\n"),
+          std::string("<!DOCTYPE actions [<!E\n<!DOCTYPE a (b)>]>\n<actions>act/actions>\n"),
           std::string("<actions><a\0\"/></actions>", 25)}) {
         actions_file(text);
         const auto before = everything();
