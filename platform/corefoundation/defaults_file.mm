@@ -3,51 +3,14 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <stdlib.h>
-#include <time.h>
 #include <unistd.h>
 
+#include "corefoundation/defaults_lock.h"
 #include "corefoundation/property_lists.h"
 
 namespace {
 
 const off_t largest_file = 16 << 20;
-
-// The lock of the defaults folder, as NSUserDefaults takes it: a folder that only one program can
-// make.
-class DefaultsLock {
-  public:
-    explicit DefaultsLock(const std::string& folder)
-        : parent_(folder + "/.lck"), path_(parent_ + "/.GNUstepDefaults.lck") {
-        mkdir(parent_.c_str(), 0755);
-        // Other programs hold the lock for a few milliseconds.
-        for (int attempt = 0; attempt < 50; attempt++) {
-            held_ = mkdir(path_.c_str(), 0777) == 0;
-            if (held_ || errno != EEXIST) return;
-            break_abandoned();
-            usleep(10000);
-        }
-    }
-    ~DefaultsLock() {
-        if (held_) rmdir(path_.c_str());
-    }
-    DefaultsLock(const DefaultsLock&) = delete;
-    DefaultsLock& operator=(const DefaultsLock&) = delete;
-
-    bool held() const { return held_; }
-
-  private:
-    // A program that died while it held the lock has left it behind.
-    void break_abandoned() const {
-        struct stat status;
-        if (stat(path_.c_str(), &status) == 0 && time(nullptr) - status.st_mtime > 5) {
-            rmdir(path_.c_str());
-        }
-    }
-
-    std::string parent_;
-    std::string path_;
-    bool held_ = false;
-};
 
 // The path with its links resolved; empty when a link leads nowhere.
 std::string real_path(const std::string& path) {
@@ -187,7 +150,7 @@ DefaultsFile::Step DefaultsFile::try_to_merge(NSDictionary* changes) {
 }
 
 // No code of the toolkit runs while the lock is held: code that uses the toolkit's defaults for the
-// first time takes the same lock, and waits 20 seconds for it.
+// first time takes the same lock, and would wait for it.
 bool DefaultsFile::merge(NSDictionary* changes) {
     Step step = Step::Again;
     for (int attempt = 0; attempt < 100 && step == Step::Again; attempt++) {

@@ -13,6 +13,7 @@
 #include <fstream>
 
 #include "hosts/menu_command.h"
+#include "support/gnustep_program.h"
 #include "support/recording_program.h"
 
 namespace fs = std::filesystem;
@@ -530,6 +531,39 @@ TEST_F(MenuCommand, WorksWithoutAHomeFolder) {
         EXPECT_EQ(outcome.status, 0) << outcome.err;
         EXPECT_NE(outcome.out, "");
     }
+}
+
+// A lock of GNUstep's on the defaults, made when the clock was an hour ahead: GNUstep would wait
+// for it for more than a minute, and then complain.
+struct LockOnDefaults {
+    LockOnDefaults() {
+        fs::create_directories(path);
+        fs::last_write_time(path, fs::file_time_type::clock::now() + std::chrono::hours(1));
+    }
+    ~LockOnDefaults() { fs::remove(path); }
+    static std::string folder() {
+        return test::output_of(
+            "sed -n s/^GNUSTEP_USER_DEFAULTS_DIR=//p \"$GNUSTEP_CONFIG_FILE\" | tr -d '\\n'");
+    }
+    const std::string path = folder() + "/.lck/.GNUstepDefaults.lck";
+};
+
+TEST_F(MenuCommand, ADeadProgramsLockOnTheDefaultsHoldsNoStartUp) {
+    const LockOnDefaults lock;
+    const Outcome outcome = menu({"--print", folder.path()}, {{"HOME", folder.path()}});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_FALSE(fs::exists(lock.path));
+}
+
+TEST_F(MenuCommand, ALivingProgramsLockOnTheDefaultsStaysAndHoldsNoStartUp) {
+    const test::GnustepProgram program;
+    ASSERT_TRUE(program.wait_until_it_runs());
+    const LockOnDefaults lock;
+    const Outcome outcome = menu({"--print", folder.path()});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_TRUE(fs::exists(lock.path));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <spawn.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <string>
 
 #include "corefoundation/preferences_sources.h"
+#include "support/gnustep_program.h"
 #include "support/temp_folder.h"
 
 extern char** environ;
@@ -236,28 +238,75 @@ TEST_F(Preferences, AnEmptyFileHoldsNothingAndCanBeWritten) {
     EXPECT_NE(test::read_file(file).find("<integer>4</integer>"), std::string::npos);
 }
 
-TEST_F(Preferences, ALockLeftBehindByADeadProgramIsBroken) {
-    const std::string lock = defaults_folder() + "/.lck/.GNUstepDefaults.lck";
-    mkdir((defaults_folder() + "/.lck").c_str(), 0755);
-    ASSERT_EQ(mkdir(lock.c_str(), 0755), 0);
-    const timespec long_ago[2] = {{1000000000, 0}, {1000000000, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, lock.c_str(), long_ago, 0), 0);
+// A lock as a program takes it, made so many seconds from now.
+struct Lock {
+    explicit Lock(long seconds) {
+        mkdir(parent.c_str(), 0755);
+        mkdir(path.c_str(), 0755);
+        const timespec when = {time(nullptr) + seconds, 0}, both[2] = {when, when};
+        utimensat(AT_FDCWD, path.c_str(), both, 0);
+    }
+    ~Lock() { rmdir(path.c_str()); }
+    bool stands() const { return access(path.c_str(), F_OK) == 0; }
+
+    const std::string parent = defaults_folder() + "/.lck";
+    const std::string path = parent + "/.GNUstepDefaults.lck";
+};
+
+// Another home than that of the toolkit's daemons.
+struct Home {
+    Home() : before(getenv("HOME")) { setenv("HOME", folder.path().c_str(), 1); }
+    ~Home() { setenv("HOME", before.c_str(), 1); }
+    test::TempFolder folder;
+    const std::string before;
+};
+
+TEST_F(Preferences, ALockIsBrokenAtOnceWhenNoProgramLivesThatCouldHoldIt) {
+    const Home home;
+    const Lock lock(1000);
     set(CFSTR("key"), 5);
     EXPECT_TRUE(synchronize());
-    EXPECT_NE(access(file.c_str(), F_OK), -1);
+    EXPECT_EQ(access(file.c_str(), F_OK), 0);
+    EXPECT_FALSE(lock.stands());
+}
+
+TEST_F(Preferences, AnOldLockIsBrokenWhoeverLives) {
+    const Home home;
+    const test::GnustepProgram other;
+    ASSERT_TRUE(other.wait_until_it_runs());
+    const Lock lock(-1000);
+    set(CFSTR("key"), 5);
+    EXPECT_TRUE(synchronize());
+    EXPECT_EQ(access(file.c_str(), F_OK), 0);
 }
 
 TEST_F(Preferences, WhileAnotherProgramHoldsTheLockNothingIsWritten) {
-    const std::string lock = defaults_folder() + "/.lck/.GNUstepDefaults.lck";
-    mkdir((defaults_folder() + "/.lck").c_str(), 0755);
-    ASSERT_EQ(mkdir(lock.c_str(), 0755), 0);
-    set(CFSTR("key"), 6);
-    EXPECT_FALSE(synchronize());
+    const Home home;
+    {
+        const test::GnustepProgram other;
+        ASSERT_TRUE(other.wait_until_it_runs());
+        const Lock lock(1000);
+        set(CFSTR("key"), 6);
+        EXPECT_FALSE(synchronize());
+        EXPECT_TRUE(lock.stands());
+    }
     EXPECT_EQ(access(file.c_str(), F_OK), -1);
     EXPECT_EQ(integer(CFSTR("key")), 6);
-    rmdir(lock.c_str());
     EXPECT_TRUE(synchronize());
     EXPECT_EQ(access(file.c_str(), F_OK), 0);
+}
+
+TEST_F(Preferences, WhileAnotherProgramOfDelviosHasTheTurnItsLockStays) {
+    const Home home;
+    const Lock lock(1000);
+    const int turn = open(lock.parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(turn, LOCK_EX), 0);
+    set(CFSTR("key"), 7);
+    EXPECT_FALSE(synchronize());
+    EXPECT_TRUE(lock.stands());
+    close(turn);
+    EXPECT_TRUE(synchronize());
+    EXPECT_FALSE(lock.stands());
 }
 
 TEST_F(Preferences, AForcedValueHoldsForThisProcessAlone) {
