@@ -53,6 +53,7 @@ class MenuRun {
     void turn();
     void handle(NSEvent* event);
     void settle();
+    void tell_stages();
     double due() const;
     bool has_work() const;
     void finish();

@@ -182,7 +182,22 @@ void MenuRun::run_timers() {
 
 void MenuRun::synchronize() {
     levels_.synchronize();
+    tell_stages();
     if (NSMenuItem* item = levels_.take_follower()) pointer_.rest_on(item);
+}
+
+// The stage of an outer popup lies over the levels of an inner one.
+void MenuRun::tell_stages() {
+    std::vector<StageArea> areas;
+    for (const MenuRun* run = this; run; run = run->outer_) {
+        for (const auto& level : run->levels()) {
+            const Area& panel = level->panel();
+            if (level->is_shown()) {
+                areas.push_back({panel.left, panel.top, panel.width, panel.height});
+            }
+        }
+    }
+    for (MenuRun* run = this; run; run = run->outer_) run->stage_.leave_free(areas);
 }
 
 // A menu that changes at every look would keep the process from sleeping, so a timer spaces the
@@ -205,6 +220,7 @@ bool MenuRun::has_work() const {
 
 void MenuRun::finish() {
     levels_.hide();
+    tell_stages();
     if (state() == state_closing) wait_for_release();
     grab_.release();
     stage_.end();

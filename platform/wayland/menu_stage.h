@@ -15,6 +15,11 @@ struct StagePlace {
     int x, y;
 };
 
+struct StageArea {
+    int x, y, width, height;
+    bool operator==(const StageArea&) const = default;
+};
+
 // One event that the compositor gave to the stage and not to the menu's X windows.
 struct StageEvent {
     enum Kind { key_down, key_up, pointer_moved, button_down, button_up };
@@ -40,6 +45,9 @@ class MenuStage {
     virtual std::optional<StageEvent> next_event() = 0;
     // The pointer's place as far as the compositor has told it.
     virtual std::optional<StagePlace> pointer() const = 0;
+    // Where the menu's windows stand now: the pointer there is theirs and not the stage's. Pixels
+    // of the X screen.
+    virtual void leave_free(const std::vector<StageArea>& areas) { (void)areas; }
     // The menu's windows are shown, and the toolkit has given them the X server's keyboard.
     virtual void menu_is_open() {}
     // Whether a button is held that was pressed beside the menu.

@@ -20,6 +20,8 @@ class StageInput {
 
     // Puts what has come in the application's queue, once the root level's window is known.
     void begin(NSWindow* root);
+    // The menus' windows stand there now.
+    void leave_free(const std::vector<StageArea>& areas);
     // The pointer's place in the server's pixels, as far as the stage knows it.
     std::optional<StagePlace> pointer() const;
     bool is_button_down() const { return stage_ && stage_->is_button_down(); }
@@ -33,6 +35,7 @@ class StageInput {
     void post(const StageEvent& event) const;
 
     std::unique_ptr<MenuStage> stage_;
+    std::vector<StageArea> left_free_;
     StageWatcher* watcher_ = nil;  // retained
     NSWindow* root_ = nil;         // retained
 };

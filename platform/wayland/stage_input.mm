@@ -64,6 +64,12 @@ void StageInput::begin(NSWindow* root) {
     take_events();
 }
 
+void StageInput::leave_free(const std::vector<StageArea>& areas) {
+    if (!stage_ || areas == left_free_) return;
+    left_free_ = areas;
+    stage_->leave_free(areas);
+}
+
 std::optional<StagePlace> StageInput::pointer() const {
     return stage_ ? stage_->pointer() : std::nullopt;
 }

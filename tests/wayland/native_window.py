@@ -1,6 +1,6 @@
 # A Wayland program: a GTK 3 window that fills what the compositor gives it. It writes what happens
-# to it to a file, one event a line: "ready", "focus", "blur", "press", "key NAME", "got ADDRESS...",
-# and "pasted TEXT" for each text that the clipboard has had.
+# to it to a file, one event a line: "ready", "focus", "blur", "full screen", "press", "key NAME",
+# "got ADDRESS...", and "pasted TEXT" for each text that the clipboard has had.
 #   native_window.py FILE
 import sys
 import gi
@@ -34,6 +34,8 @@ window.drag_dest_set(Gtk.DestDefaults.ALL, [Gtk.TargetEntry.new("text/uri-list",
                      Gdk.DragAction.COPY | Gdk.DragAction.MOVE | Gdk.DragAction.LINK)
 window.connect("drag-data-received",
                lambda w, c, x, y, data, i, t: tell("got " + " ".join(data.get_uris())))
+window.connect("window-state-event", lambda w, event: tell("full screen") if
+               event.new_window_state & Gdk.WindowState.FULLSCREEN else None)
 window.connect("map-event", lambda *_: tell("ready"))
 window.connect("focus-in-event", lambda *_: tell("focus"))
 window.connect("focus-out-event", lambda *_: tell("blur"))

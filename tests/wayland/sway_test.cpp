@@ -147,6 +147,43 @@ TEST_F(SwayMenu, AClickElsewhereClosesItAndIsNobodysElse) {
     EXPECT_TRUE(wait_for([&] { return window.has("press"); }));
 }
 
+// A window that fills the screen hides the panels and what else is in their layers.
+struct SwayMenuOverAFullScreen : SwayMenu {
+    void SetUp() override {
+        SwayMenu::SetUp();
+        if (HasFatalFailure()) return;
+        window_ = std::make_unique<NativeWindow>(folder.path("events"), compositor->environment());
+        ASSERT_TRUE(wait_for([&] { return window_->has_focus(); }));
+        ASSERT_TRUE(compositor->tell_sway("[title=native] fullscreen enable"));
+        ASSERT_TRUE(wait_for([&] { return window_->has("full screen"); }));
+    }
+    void TearDown() override {
+        window_.reset();
+        SwayMenu::TearDown();
+    }
+    std::unique_ptr<NativeWindow> window_;
+};
+
+TEST_F(SwayMenuOverAFullScreen, StandsAtThePointerAndIsBrowsedByIt) {
+    rest_at(300, 250);
+    ASSERT_TRUE(open_menu({top()}));
+    expect_level_at(300, 250);
+    pick_by_pointer(folder.path("top/alpha.txt"));
+    EXPECT_FALSE(window_->has("press"));
+}
+
+TEST_F(SwayMenuOverAFullScreen, ClosesAtAClickElsewhereThatIsNobodysElse) {
+    rest_at(300, 250);
+    ASSERT_TRUE(open_menu({top()}));
+    rest_at(60, 700);
+    input.click(1);
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_TRUE(wait_for([&] { return window_->has_focus(); })) << "the keyboard goes back";
+    EXPECT_FALSE(window_->has("press"));
+    input.click(1);
+    EXPECT_TRUE(wait_for([&] { return window_->has("press"); }));
+}
+
 TEST_F(SwayMenu, KeysReachNoOtherProgramWhileItIsOpen) {
     NativeWindow window(folder.path("events"), compositor->environment());
     ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));

@@ -24,6 +24,7 @@ class LayerStage : public MenuStage {
     bool read() override;
     std::optional<StageEvent> next_event() override;
     std::optional<StagePlace> pointer() const override { return pointer_.place(); }
+    void leave_free(const std::vector<StageArea>& areas) override { surfaces_.leave_free(areas); }
     void menu_is_open() override;
     bool is_button_down() const override { return pointer_.is_button_down(); }
 

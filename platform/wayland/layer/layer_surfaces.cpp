@@ -1,5 +1,8 @@
 #include "wayland/layer/layer_surfaces.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "layer-shell.h"
 #include "viewporter.h"
 #include "wayland/layer/shared_picture.h"
@@ -62,6 +65,32 @@ void fill(CoveredOutput& output) {
     wl_surface_damage(output.surface, 0, 0, INT32_MAX, INT32_MAX);
 }
 
+// The input region of a surface that covers the whole output but for these areas, in its own units.
+wl_region* region_without(const CoveredOutput& output) {
+    const ScreenArea& place = output.place;
+    const double across = static_cast<double>(output.width) / std::max(1, place.width);
+    const double down = static_cast<double>(output.height) / std::max(1, place.height);
+    wl_region* const region = wl_compositor_create_region(output.compositor->compositor);
+    wl_region_add(region, 0, 0, output.width, output.height);
+    for (const StageArea& area : output.free) {
+        const int left = static_cast<int>(std::floor((area.x - place.x) * across));
+        const int top = static_cast<int>(std::floor((area.y - place.y) * down));
+        const double right = std::ceil((area.x + area.width - place.x) * across);
+        const double bottom = std::ceil((area.y + area.height - place.y) * down);
+        wl_region_subtract(region, left, top, static_cast<int>(right) - left,
+                           static_cast<int>(bottom) - top);
+    }
+    return region;
+}
+
+// Takes effect with the next commit.
+void set_input_region(const CoveredOutput& output) {
+    if (output.width <= 0 || output.height <= 0) return;
+    wl_region* const region = region_without(output);
+    wl_surface_set_input_region(output.surface, region);
+    wl_region_destroy(region);
+}
+
 void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32_t width,
                uint32_t height) {
     CoveredOutput& output = covered(data);
@@ -69,6 +98,7 @@ void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32
     output.width = static_cast<int>(width);
     output.height = static_cast<int>(height);
     if (width && height) fill(output);
+    set_input_region(output);
     wl_surface_commit(output.surface);
 }
 
@@ -122,10 +152,11 @@ void LayerSurfaces::cover(CoveredOutput& output) {
         ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
     constexpr int over_panels = -1;
     output.surface = wl_compositor_create_surface(compositor_.compositor);
-    // The overlay layer would take the pointer away from the menu's own windows.
-    output.layer =
-        zwlr_layer_shell_v1_get_layer_surface(compositor_.layer_shell, output.surface,
-                                              output.output, ZWLR_LAYER_SHELL_V1_LAYER_TOP, "menu");
+    // Windows that fill the screen hide the other layers. Above the menu's own windows, too, so the
+    // pointer passes through where they are.
+    output.layer = zwlr_layer_shell_v1_get_layer_surface(compositor_.layer_shell, output.surface,
+                                                         output.output,
+                                                         ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "menu");
     zwlr_layer_surface_v1_add_listener(output.layer, &layer_listener, &output);
     zwlr_layer_surface_v1_set_anchor(output.layer, all_edges);
     zwlr_layer_surface_v1_set_exclusive_zone(output.layer, over_panels);
@@ -138,6 +169,17 @@ void LayerSurfaces::hold_keyboard(bool holds) {
     for (const CoveredOutput& output : outputs_) {
         if (!output.layer) continue;
         zwlr_layer_surface_v1_set_keyboard_interactivity(output.layer, holds ? all_keys : no_keys);
+        wl_surface_commit(output.surface);
+    }
+    wl_display_flush(compositor_.display);
+}
+
+void LayerSurfaces::leave_free(const std::vector<StageArea>& areas) {
+    const std::lock_guard lock(lock_);
+    for (CoveredOutput& output : outputs_) {
+        output.free = areas;
+        if (!output.surface) continue;
+        set_input_region(output);
         wl_surface_commit(output.surface);
     }
     wl_display_flush(compositor_.display);
