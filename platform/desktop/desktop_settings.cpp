@@ -12,6 +12,7 @@
 #include <sstream>
 
 #include "desktop/settings_database.h"
+#include "desktop/settings_portal.h"
 #include "desktop/small_files.h"
 #include "x11/shared_settings.h"
 
@@ -115,6 +116,7 @@ constexpr double usual_dpi = 96, points_an_inch = 72, dpi_unit = 1024;
 struct DesktopSettings::Sources {
     std::optional<std::map<std::string, std::string>> shared;
     files::KeyFileOwner gtk[std::size(gtk_files)], kde;
+    std::optional<PortalSettings> portal;
 };
 
 // The places that may hold one setting; null for those that do not.
@@ -153,6 +155,17 @@ std::string DesktopSettings::in_database(const char* key) {
                                             std::string("/org/gnome/desktop/") + key);
 }
 
+const PortalSettings& DesktopSettings::portal() {
+    if (!sources_->portal) sources_->portal = portal_settings();
+    return *sources_->portal;
+}
+
+// Whether the desktop names a theme or colours, whatever they are.
+bool DesktopSettings::names_theme() {
+    return !first_answer({"Net/ThemeName", "gtk-theme-name", "General", "ColorScheme", nullptr})
+                .empty();
+}
+
 std::string DesktopSettings::first_answer(const Places& places) {
     std::string answer;
     if (places.shared) answer = shared(places.shared);
@@ -175,18 +188,24 @@ bool DesktopSettings::prefers_dark() {
         if (theme.empty() && names_dark(in_gtk_file(file, "gtk-theme-name"))) return true;
         if (is_true(in_gtk_file(file, "gtk-application-prefer-dark-theme"))) return true;
     }
-    return names_dark(in_kde_file("General", "ColorScheme")) ||
-           in_database("interface/color-scheme") == "prefer-dark";
+    if (names_dark(in_kde_file("General", "ColorScheme"))) return true;
+    const std::string wanted = in_database("interface/color-scheme");
+    if (!wanted.empty() || names_theme()) return wanted == "prefer-dark";
+    return portal().prefers_dark;
 }
 
 bool DesktopSettings::wants_high_contrast() {
     if (const char* theme = getenv("GTK_THEME"); theme && *theme) {
         return names(theme, "highcontrast");
     }
-    return names(first_answer({"Net/ThemeName", "gtk-theme-name", nullptr, nullptr, nullptr}),
-                 "highcontrast") ||
-           names(in_kde_file("General", "ColorScheme"), "highcontrast") ||
-           is_true(in_database("a11y/interface/high-contrast"));
+    if (names(first_answer({"Net/ThemeName", "gtk-theme-name", nullptr, nullptr, nullptr}),
+              "highcontrast") ||
+        names(in_kde_file("General", "ColorScheme"), "highcontrast")) {
+        return true;
+    }
+    const std::string wanted = in_database("a11y/interface/high-contrast");
+    if (!wanted.empty() || names_theme()) return is_true(wanted);
+    return portal().wants_contrast;
 }
 
 std::string DesktopSettings::font() {

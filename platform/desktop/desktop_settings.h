@@ -1,15 +1,18 @@
 // What the user's desktop says about looks and the mouse: the one place that asks for it. No daemon
-// is needed or started, and nothing waits for the session bus. Main thread.
+// is needed or started. Main thread.
 //
 // When several sources have an answer, the first one counts, as for GTK's programs: what the
 // session shares on the display (XSETTINGS), the files of GTK 3 and 4 (settings.ini), KDE's file
-// (kdeglobals), and the database of GNOME's kind of desktops.
+// (kdeglobals), and the database of GNOME's kind of desktops. Light or dark and high contrast are
+// also asked of the desktop's portal, if it runs, where all of these are silent.
 #pragma once
 
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+
+struct PortalSettings;
 
 // The settings of one moment. Each object reads each source at most once, when it is first asked
 // for something there.
@@ -55,6 +58,8 @@ class DesktopSettings {
     std::string in_gtk_files(const char* key);
     std::string in_kde_file(const char* group, const char* key);
     std::string in_database(const char* key);
+    const PortalSettings& portal();
+    bool names_theme();
     std::string first_answer(const Places& places);
     double first_number(const Places& places);
     std::string font();
