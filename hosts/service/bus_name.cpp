@@ -138,6 +138,8 @@ class BusName::Service {
             problem = self.add_files(arguments, &words);
         } else if (g_str_equal(method, "Activate")) {
             words.push_back(g_get_home_dir());
+        } else if (const std::string action = action_in(arguments); !action.empty()) {
+            words = {action};
         } else {
             problem = translated("there is no such action");
         }
@@ -159,6 +161,16 @@ class BusName::Service {
             words->push_back(path.get());
         }
         return count > 0 ? "" : translated("no file is named");
+    }
+
+    // The actions of the desktop entry have the names of the commands that they run.
+    static std::string action_in(GVariant* arguments) {
+        const char* name;
+        g_variant_get_child(arguments, 0, "&s", &name);
+        for (const char* known : {"undo", "settings"}) {
+            if (g_str_equal(name, known)) return known;
+        }
+        return {};
     }
 
     // What it shows is nobody's to wait for: it ends by itself, and GLib waits for it.

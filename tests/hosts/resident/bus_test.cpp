@@ -103,6 +103,27 @@ TEST_F(ResidentBus, AHostThatRunsAlreadyTakesTheName) {
     EXPECT_TRUE(test::wait_for([this] { return ask_bus("NameHasOwner") == "(false,)"; }));
 }
 
+TEST_F(ResidentBus, UndoesTheLastOperationAndOpensTheSettings) {
+    const std::string file = folder.file("thrown.txt");
+    const test::Outcome picked =
+        test::run_delvio({"menu", "--pick", "Move to Trash", file}, with());
+    ASSERT_EQ(picked.status, 0) << picked.err;
+    ASSERT_FALSE(fs::exists(file));
+    EXPECT_EQ(ask_application("ActivateAction", "('undo', @av [], @a{sv} {})"), "()");
+    EXPECT_TRUE(test::wait_for([&] { return fs::exists(file); }));
+    EXPECT_EQ(ask_application("ActivateAction", "('settings', @av [], @a{sv} {})"), "()");
+    const auto has_keyboard = [] {
+        const std::string window =
+            test::output_of("xdotool search --onlyvisible --name '^Delvio Settings$'");
+        return !window.empty() && window == test::output_of("xdotool getwindowfocus");
+    };
+    ASSERT_TRUE(test::wait_for(has_keyboard));
+    input.key("Escape");
+    EXPECT_TRUE(test::wait_for([] {
+        return test::output_of("xdotool search --onlyvisible --name '^Delvio Settings$'").empty();
+    }));
+}
+
 TEST_F(ResidentBus, SaysWhatItCannotShow) {
     EXPECT_EQ(ask_application("Open", "(['http://delvio.org/'], @a{sv} {})").rfind("error: ", 0),
               0u);
