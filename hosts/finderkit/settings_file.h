@@ -8,3 +8,6 @@ inline constexpr const char* settings_domain = "org.delvio.Delvio";
 
 // "the settings in FILE cannot be read" when that is so; else empty, even when there is no file.
 std::string settings_problem();
+
+// The folder that the file is in.
+std::string settings_folder();

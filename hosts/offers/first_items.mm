@@ -34,9 +34,7 @@ Paths users_folders() { return read_setting(*find_setting(folders_setting)).valu
 
 std::string store_folders(const Paths& folders) {
     store_setting(*find_setting(folders_setting), {0, folders});
-    return save_settings()
-               ? ""
-               : translated("cannot save the settings; is the defaults folder writable?");
+    return save_settings() ? "" : saving_problem();
 }
 
 std::string add_to_folders(const Paths& files) {

@@ -1,10 +1,14 @@
 #include "settings/setting_store.h"
 
+#include <host/text.h>
 #include <unistd.h>
 
+#include "file_steps/visible_text.h"
 #include "finderkit/applications_folder.h"
 #include "finderkit/settings_file.h"
 #include "settings/forced_settings.h"
+
+using operations::in_quotes;
 
 namespace {
 
@@ -12,10 +16,12 @@ CFStringRef cf(const char* ascii) {
     return reinterpret_cast<CFStringRef>([NSString stringWithUTF8String:ascii]);
 }
 
+using Strings = std::vector<std::string>;
+
 std::string utf8(NSString* string) { return [string UTF8String] ?: ""; }
 
-std::vector<std::string> strings_in(id object) {
-    std::vector<std::string> strings;
+Strings strings_in(id object) {
+    Strings strings;
     if ([object isKindOfClass:[NSString class]]) object = [NSArray arrayWithObject:object];
     if (![object isKindOfClass:[NSArray class]]) return strings;
     for (id element in static_cast<NSArray*>(object)) {
@@ -54,7 +60,11 @@ void read_strings(SettingState* state) {
         state->value.strings = {state->stored ? value.strings.front() : setting.words.front()};
     }
     const bool open_with = std::string_view(state->setting->key) == "open_with_path";
-    if (open_with && !state->stored) state->value.strings = {installed_applications()};
+    if (!open_with) return;
+    // The plug-in stores the settings that it has read, this one among them.
+    const Strings standard = {installed_applications()};
+    state->stored = state->stored && state->value.strings != standard;
+    if (!state->stored) state->value.strings = standard;
 }
 
 void store(const Setting& setting, id value) {
@@ -79,3 +89,10 @@ void store_setting(const Setting& setting, const SettingValue& value) {
 void reset_setting(const Setting& setting) { store(setting, nil); }
 
 bool save_settings() { return CFPreferencesAppSynchronize(cf(settings_domain)); }
+
+std::string saving_problem() {
+    return translated(
+        "cannot save the settings in the folder %s; check that you may write there and that its "
+        "disk has room, and try again",
+        {in_quotes(settings_folder())});
+}

@@ -30,7 +30,7 @@ const Setting* known(const std::string& key) {
 
 int save() {
     if (save_settings()) return exit_done;
-    complain_about_usage(translated("cannot save the settings; is the defaults folder writable?"));
+    complain_about_usage(saving_problem());
     return exit_failed;
 }
 

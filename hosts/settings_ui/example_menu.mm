@@ -18,8 +18,6 @@ struct DrawnLevel {
     Area area;
 };
 
-int drawn_height(const MenuLayout& layout, int room) { return std::min(layout.height(), room); }
-
 void draw_level(cairo_t* cairo, const DrawnLevel& level, ImageCache* images) {
     const int shadow = level.layout.look().shadow_extent;
     MenuScene scene = {};
@@ -88,25 +86,18 @@ void draw_level(cairo_t* cairo, const DrawnLevel& level, ImageCache* images) {
 }
 
 - (void)drawRoot:(const MenuLayout&)root item:(NSMenuItem*)item level:(const MenuLayout*)level {
-    const int shadow = _look->shadow_extent, room = _most.height - 2 * shadow;
-    const Area area = {shadow, shadow, root.width(), drawn_height(root, room)};
-    Area beside = {};
-    if (level) {
-        const int row = std::max(0, root.row_of(item));
-        const int top = root.rows()[static_cast<size_t>(row)].top + shadow - _look->inset;
-        const int height = drawn_height(*level, room);
-        beside = {area.right() - _look->inset, std::clamp(top, shadow, shadow + room - height),
-                  level->width(), height};
-    }
-    const int right = std::max(area.right(), level ? beside.right() : 0);
-    const int bottom = std::max(area.bottom(), level ? beside.bottom() : 0);
+    const int row = item ? root.row_of(item) : -1;
+    const int row_top = row >= 0 ? root.rows()[static_cast<size_t>(row)].top : 0;
+    const Extent beside = level ? Extent{level->width(), level->height()} : Extent{};
+    const ExamplePlaces places =
+        example_places(*_look, {root.width(), root.height()}, row_top, beside, _most);
     _picture->reset(
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, right + shadow, bottom + shadow),
+        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, places.whole.width, places.whole.height),
         cairo_surface_destroy);
     cairo_t* cairo = cairo_create(_picture->get());
     ImageCache images;
-    draw_level(cairo, {root, item, area}, &images);
-    if (level) draw_level(cairo, {*level, nil, beside}, &images);
+    draw_level(cairo, {root, item, places.root}, &images);
+    if (level) draw_level(cairo, {*level, nil, places.level}, &images);
     cairo_destroy(cairo);
 }
 
@@ -125,6 +116,26 @@ void draw_level(cairo_t* cairo, const DrawnLevel& level, ImageCache* images) {
 }
 
 @end
+
+ExamplePlaces example_places(const MenuLook& look, Extent root, int row_top, Extent level,
+                             Extent most) {
+    const int shadow = look.shadow_extent, room = most.height - 2 * shadow;
+    ExamplePlaces places = {{shadow, shadow, root.width, std::min(root.height, room)}, {}, {}};
+    Area& first = places.root;
+    Area& second = places.level;
+    if (level.width > 0) {
+        const int height = std::min(level.height, room), top = row_top + shadow - look.inset;
+        second = {first.right() - look.inset, std::clamp(top, shadow, shadow + room - height),
+                  level.width, height};
+    }
+    places.whole = {std::max(first.right(), second.right()) + shadow,
+                    std::max(first.bottom(), second.bottom()) + shadow};
+    if (look.mirrored) {
+        first.left = places.whole.width - first.right();
+        second.left = places.whole.width - second.right();
+    }
+    return places;
+}
 
 Picture example_menu(const std::string& folder, const MenuLook& look, Extent most) {
     ExampleTracker* tracker = [[[ExampleTracker alloc] initWithFolder:@(folder.c_str())

@@ -12,8 +12,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A long list would be no help to anybody.
-constexpr size_t most_folders = 500;
 constexpr CGFloat icon_side = 16;
 
 // The folders in a folder, by name, without hidden ones.
@@ -24,7 +22,6 @@ std::vector<std::string> folders_in(const std::string& path) {
     for (const auto& entry : fs::directory_iterator(path, options, error)) {
         const std::string name = entry.path().filename().string();
         if (name[0] != '.' && entry.is_directory(error)) names.push_back(name);
-        if (names.size() == most_folders) break;
     }
     std::sort(names.begin(), names.end());
     return names;

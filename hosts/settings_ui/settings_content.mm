@@ -8,6 +8,7 @@
 #include <algorithm>
 
 #include "file_steps/visible_text.h"
+#include "look/menu_text.h"
 #include "settings/list_edits.h"
 
 using operations::visible_text;
@@ -63,6 +64,7 @@ class Builder {
     void add_tabs();
     void add_example();
     void add_footer();
+    void add_message(double x, double wide);
 
     const SettingsView& view_;
     PanelContent content_;
@@ -223,8 +225,17 @@ void Builder::add_footer() {
         add(WidgetKind::sign, x, footer_top + 6, 18, 18).sign = Sign::caution;
         x += 26;
     }
-    add(WidgetKind::text, x, footer_top + 5, width - margin - 110 - x, 20,
-        visible_text(view_.message));
+    add_message(x, width - margin - 110 - x);
+}
+
+// A long message wraps, and its lines stand beside the middle of the buttons.
+void Builder::add_message(double x, double wide) {
+    Widget& message =
+        add(WidgetKind::paragraph, x, footer_top, wide, 0, visible_text(view_.message));
+    Area& area = message.area;
+    area.height =
+        text_height(paragraph(content_.look, message.text, message.size, false, area.width));
+    area.top += (content_.pixels(button_height) - area.height) / 2;
 }
 
 PanelContent Builder::build() {

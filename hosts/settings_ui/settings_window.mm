@@ -12,7 +12,9 @@
 #include "command/command_line.h"
 #include "command/exit_signals.h"
 #include "command/private_display.h"
+#include "command/standard_streams.h"
 #include "file_steps/visible_text.h"
+#include "finderkit/settings_file.h"
 #include "panels/widget_panel.h"
 #include "popup/menu_command.h"
 #include "popup/shown_menu.h"
@@ -20,6 +22,7 @@
 #include "settings_ui/example_folder.h"
 #include "settings_ui/folder_chooser.h"
 #include "settings_ui/settings_content.h"
+#include "x11/named_window.h"
 #include "x11/screens.h"
 
 using operations::in_quotes;
@@ -27,6 +30,13 @@ using operations::in_quotes;
 namespace {
 
 constexpr NSInteger closed = 1;
+constexpr const char* window_name = "settings";
+
+std::string not_saved() {
+    return translated(
+        "Not saved. Check that you may write in the folder %s and that its disk has room.",
+        {in_quotes(settings_folder())});
+}
 
 // A path below the home folder may begin with a tilde.
 std::string without_tilde(const std::string& path) {
@@ -42,7 +52,8 @@ class SettingsWindow {
     SettingsWindow(const SettingsWindow&) = delete;
     SettingsWindow& operator=(const SettingsWindow&) = delete;
 
-    void run() { [panel_ runModal]; }
+    // False, without showing it, when the user has such a window on this display.
+    bool run();
     void add_dropped(const std::vector<std::string>& paths);
 
   private:
@@ -76,6 +87,12 @@ SettingsWindow::SettingsWindow() {
                                             hit:[this](int item) { hit(item); }];
     [panel_ setDropListener:[this](const std::vector<std::string>& paths) { add_dropped(paths); }];
     [panel_ focusItem:pages_item];
+}
+
+bool SettingsWindow::run() {
+    if (!take_window_name(panel_, window_name)) return false;
+    [panel_ runModal];
+    return true;
 }
 
 void SettingsWindow::read() {
@@ -133,7 +150,7 @@ void SettingsWindow::change(const Setting& setting, const std::vector<std::strin
     } else if (parse_setting(setting, words, &value, &problem)) {
         store_setting(setting, value);
     }
-    if (problem.empty() && !save_settings()) problem = translated("The settings cannot be saved.");
+    if (problem.empty() && !save_settings()) problem = not_saved();
     tell(problem);
     show();
 }
@@ -211,7 +228,7 @@ void SettingsWindow::move_folder(int step) {
 
 void SettingsWindow::reset_page() {
     for (const SettingState& state : view_.states) reset_setting(*state.setting);
-    tell(save_settings() ? "" : translated("The settings cannot be saved."));
+    tell(save_settings() ? "" : not_saved());
     if (view_.message.empty()) view_.message = translated("This page has its defaults again.");
     show();
 }
@@ -260,11 +277,19 @@ void SettingsWindow::hit(int item) {
     hit_list(item);
 }
 
+int tell_it_is_open() {
+    fprintf(output_stream(), "%s\n",
+            translated("The settings window is open already; it is in front now."));
+    return exit_done;
+}
+
 }  // namespace
 
 int run_settings_window() {
     std::string problem;
-    if (!display_answers(&problem) || !prepare_menus(&problem)) {
+    const bool has_display = display_answers(&problem);
+    if (has_display && bring_named_window_forward(window_name)) return tell_it_is_open();
+    if (!has_display || !prepare_menus(&problem)) {
         if (problem.empty()) {
             problem = translated(
                 "there is no display for the settings window; use delvio settings list, get, set, "
@@ -276,8 +301,10 @@ int run_settings_window() {
     @autoreleasepool {
         MenuEnder* ender = [[MenuEnder new] autorelease];
         [ender watchForSignals];
-        SettingsWindow().run();
+        const bool is_shown = SettingsWindow().run();
         [ender stop];
+        // Another one was opened at the same moment.
+        if (!is_shown && bring_named_window_forward(window_name)) return tell_it_is_open();
     }
     return signal_caught() ? 128 + signal_caught() : exit_done;
 }

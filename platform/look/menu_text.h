@@ -28,6 +28,9 @@ TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain);
 TextLayout paragraph(const MenuLook& look, const std::string& text, double size, bool bold,
                      int width);
 
+// A line that the user writes, with every byte at its place.
+TextLayout typed_text(const MenuLook& look, const std::string& text, double size);
+
 // Where each character of an ASCII text on one line ends, in pixels.
 std::vector<double> ends_of_characters(const MenuLook& look, const std::string& text);
 

@@ -1,6 +1,7 @@
 #include "look/menu_text.h"
 
 #include <AppKit/AppKit.h>
+#include <string.h>
 
 #include <algorithm>
 #include <vector>
@@ -8,7 +9,7 @@
 namespace {
 
 const NSUInteger longest_title = 2000;
-const char* const right_to_left_mark = "\u200f";
+const char *const right_to_left_mark = "\u200f", *const left_to_right_mark = "\u200e";
 
 // One context for all text: it keeps the fonts. Glyphs stand where the type designer put them, not
 // on whole pixels, and are the same on every kind of surface.
@@ -202,28 +203,55 @@ static bool runs_left_somewhere(const std::string& text) {
     return false;
 }
 
-// Like visible_title(), but keeps line breaks. A sentence of a mirrored panel may begin with a name
-// in Latin letters and yet runs from right to left.
+static bool begins_word(const std::string& text, size_t place) {
+    return place == 0 || strchr(" \"(", text[place - 1]) ||
+           (place >= 3 && text.compare(place - 3, 3, "\u201c") == 0);
+}
+
+// The text with the marks of a sentence from right to left: it may begin with a name in Latin
+// letters, and a path within it keeps its first slash or tilde at its left.
+static std::string marked_sentence(const std::string& text) {
+    std::string marked = right_to_left_mark;
+    for (size_t i = 0; i < text.size(); i++) {
+        const bool begins_path = (text[i] == '/' || text[i] == '~') && begins_word(text, i);
+        if (begins_path) marked += left_to_right_mark;
+        marked += text[i];
+    }
+    return marked;
+}
+
+// Like visible_title(), but keeps line breaks, and marks the sentences of a mirrored panel.
 static std::string visible_lines(const MenuLook& look, const std::string& text) {
     NSString* whole = [NSString stringWithUTF8String:text.c_str()] ?: @"";
     NSMutableArray* lines = [NSMutableArray array];
     for (NSString* line in [whole componentsSeparatedByString:@"\n"]) {
         const std::string visible = visible_title(line);
         const bool is_marked = look.mirrored && runs_left_somewhere(visible);
-        const std::string shown = (is_marked ? right_to_left_mark : "") + visible;
+        const std::string shown = is_marked ? marked_sentence(visible) : visible;
         [lines addObject:[NSString stringWithUTF8String:shown.c_str()]];
     }
     return [[lines componentsJoinedByString:@"\n"] UTF8String];
 }
 
-TextLayout paragraph(const MenuLook& look, const std::string& given, double size, bool bold,
-                     int width) {
-    const std::string text = visible_lines(look, given);
+static TextLayout text_layout(const MenuLook& look, const std::string& text, double size,
+                              bool bold) {
     TextLayout layout(pango_layout_new(text_context()));
     PangoFontDescription* font = description(look.family, size * look.scale, bold, false);
     pango_layout_set_font_description(layout.get(), font);
     pango_font_description_free(font);
     pango_layout_set_text(layout.get(), text.data(), static_cast<int>(text.size()));
+    return layout;
+}
+
+TextLayout typed_text(const MenuLook& look, const std::string& text, double size) {
+    TextLayout layout = text_layout(look, text, size, false);
+    pango_layout_set_single_paragraph_mode(layout.get(), TRUE);
+    return layout;
+}
+
+TextLayout paragraph(const MenuLook& look, const std::string& text, double size, bool bold,
+                     int width) {
+    TextLayout layout = text_layout(look, visible_lines(look, text), size, bold);
     if (width <= 0) return layout;
     pango_layout_set_width(layout.get(), width * PANGO_SCALE);
     pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);

@@ -95,8 +95,7 @@ struct FieldText {
 };
 
 FieldText field_text(const PanelContent& content, const Widget& field, size_t caret) {
-    FieldText text = {paragraph(content.look, field.text, field.size, false, 0), content.pixels(8),
-                      0, 0};
+    FieldText text = {typed_text(content.look, field.text, field.size), content.pixels(8), 0, 0};
     PangoRectangle place;
     pango_layout_get_cursor_pos(
         text.layout.get(), static_cast<int>(std::min(caret, field.text.size())), &place, nullptr);
@@ -169,8 +168,9 @@ void paint_picture(const Brush& brush, const Widget& widget) {
     const double width = cairo_image_surface_get_width(widget.picture.get());
     const double height = cairo_image_surface_get_height(widget.picture.get());
     const double scale = std::min({1.0, area.width / width, area.height / height});
+    const bool mirrored = brush.content.look.mirrored;
     cairo_save(brush.cairo);
-    cairo_translate(brush.cairo, area.left, area.top);
+    cairo_translate(brush.cairo, mirrored ? area.right() - width * scale : area.left, area.top);
     cairo_scale(brush.cairo, scale, scale);
     cairo_set_source_surface(brush.cairo, widget.picture.get(), 0, 0);
     cairo_paint(brush.cairo);

@@ -6,6 +6,7 @@
 #include <map>
 #include <set>
 
+#include "look/menu_text.h"
 #include "panels/text_edit.h"
 #include "settings_ui/settings_content.h"
 #include "support/app.h"
@@ -104,11 +105,51 @@ TEST_F(SettingsPages, ScrollALongListSoThatTheSelectedFolderShows) {
     }
 }
 
+TEST_F(SettingsPages, ShowTheExamplesSubmenuWhereMenusOfTheLanguageOpenTheirs) {
+    MenuLook look = PanelContent().look;
+    const Extent root = {200, 300}, level = {150, 100}, most = {400, 400};
+    look.mirrored = false;
+    const ExamplePlaces plain = example_places(look, root, 40, level, most);
+    EXPECT_EQ(plain.level.left, plain.root.right() - look.inset);
+    look.mirrored = true;
+    const ExamplePlaces mirrored = example_places(look, root, 40, level, most);
+    EXPECT_EQ(mirrored.level.right(), mirrored.root.left + look.inset);
+    EXPECT_EQ(mirrored.root.right(), mirrored.whole.width - look.shadow_extent);
+    EXPECT_EQ(mirrored.level.left, look.shadow_extent);
+    EXPECT_EQ(mirrored.level.top, plain.level.top);
+}
+
 TEST_F(SettingsPages, SayWhichFolderIsMissing) {
     const PanelContent content = settings_content(view_with_list({"/usr", "/no where", "-"}));
     EXPECT_EQ(content.widget(folders_item)->text, "/usr");
     EXPECT_EQ(content.widget(folders_item + 1)->text, "/no where  (missing)");
     EXPECT_NE(content.widget(folders_item + 2)->text.find("line"), std::string::npos);
+}
+
+// The place of a character on its line, in Pango's units.
+int place_of(const TextLayout& text, char character) {
+    const char* const words = pango_layout_get_text(text.get());
+    PangoRectangle place;
+    pango_layout_index_to_pos(text.get(), static_cast<int>(strchr(words, character) - words),
+                              &place);
+    return place.x;
+}
+
+TEST_F(SettingsPages, KeepAPathInASentenceFromRightToLeftInItsOwnDirection) {
+    MenuLook look = PanelContent().look;
+    look.mirrored = true;
+    for (const char* words : {"~Gox  (مفقود)", "لا يوجد مجلد \"~Gox\""}) {
+        const TextLayout text = paragraph(look, words, 12, false, 0);
+        EXPECT_LT(place_of(text, '~'), place_of(text, 'G')) << words;
+        EXPECT_LT(place_of(text, 'G'), place_of(text, 'x')) << words;
+    }
+}
+
+TEST_F(SettingsPages, KeepEveryByteOfATypedTextAtItsPlace) {
+    MenuLook look = PanelContent().look;
+    look.mirrored = true;
+    const char* const typed = "~/مجلد";
+    EXPECT_STREQ(pango_layout_get_text(typed_text(look, typed, 12).get()), typed);
 }
 
 TEST_F(SettingsPages, OfferOnlyTheButtonsThatDoSomething) {

@@ -321,6 +321,25 @@ TEST(SettingsCommand, NeedsADisplayForTheWindowAndSaysWhatNeedsNone) {
     EXPECT_NE(outcome.err.find("delvio settings list"), std::string::npos) << outcome.err;
 }
 
+// Nobody can take the lock of a folder that is not to be written.
+TEST(SettingsCommand, ThatCannotBeSavedNamesTheFolderAndWhatToDo) {
+    const auto defaults = std::filesystem::path(getenv("HOME")).parent_path() / "defaults";
+    settings({"reset", "--all"});
+    std::filesystem::remove_all(defaults / ".lck");
+    std::ofstream(defaults / ".lck") << "a file in the place of a folder";
+    for (const Words& words : {Words{"set", "sort_order", "1"}, Words{"add", "folders", "/usr"}}) {
+        const Outcome outcome = settings(words);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, "delvio: cannot save the settings in the folder \"" +
+                                   defaults.string() +
+                                   "\"; check that you may write there and that its disk has room, "
+                                   "and try again\n");
+    }
+    std::filesystem::remove(defaults / ".lck");
+    EXPECT_EQ(settings({"set", "sort_order", "1"}).status, 0);
+    settings({"reset", "--all"});
+}
+
 // Each command prints one line about the file, with its name, and does not overwrite it.
 TEST(SettingsCommand, CorruptSettingsAreNamedOnceAndLeftAlone) {
     const std::filesystem::path home = getenv("HOME");

@@ -124,6 +124,43 @@ TEST_F(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
     EXPECT_EQ(command.finish().status, 0);
 }
 
+// Another window lies over the first one and has the keyboard when the user asks again.
+TEST_P(AnySettingsWindow, ComesToTheFrontWhenItIsAskedForAgain) {
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    const std::string first = window();
+    const unsigned long other = input_.new_window();
+    const std::string covering = std::to_string(other);
+    output_of("xdotool windowmove " + covering + " 0 0 windowsize " + covering + " 1200 700");
+    output_of("xdotool windowraise " + covering);
+    ASSERT_TRUE(wait_for([&] { return input_.pixel(640, 400) == 0; })) << "it lies over the first";
+    input_.focus(other);
+    ASSERT_TRUE(wait_for([&] { return input_.focused() == other; }));
+    const Outcome again = run_delvio({"settings"});
+    EXPECT_EQ(again.status, 0);
+    EXPECT_EQ(again.out, "The settings window is open already; it is in front now.\n");
+    EXPECT_EQ(again.err, "");
+    EXPECT_TRUE(has_keys()) << "the first window has the keyboard again";
+    EXPECT_NE(input_.pixel(640, 400), 0u) << "and is seen";
+    EXPECT_EQ(window(), first) << "and there is no other one";
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
+    RunningCommand next({"settings"});
+    ASSERT_TRUE(has_keys()) << "after the first window has closed, there is a new one";
+    output_of("xdotool key Escape");
+    EXPECT_EQ(next.finish().status, 0);
+}
+
+TEST_F(SettingsWindow, IsOneAlsoWhenItIsAskedForTwiceAtOnce) {
+    RunningCommand one({"settings"}), other({"settings"});
+    ASSERT_TRUE(has_keys()) << "one window alone";
+    output_of("xdotool key Escape");
+    const Outcome first = one.finish(), second = other.finish();
+    EXPECT_EQ(first.status, 0) << first.err;
+    EXPECT_EQ(second.status, 0) << second.err;
+    EXPECT_EQ(first.out + second.out, "The settings window is open already; it is in front now.\n");
+}
+
 TEST_P(AnySettingsWindow, ClosesAtASignal) {
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
