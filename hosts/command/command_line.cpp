@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <sstream>
 
 #include "command/modifier_names.h"
 #include "file_steps/visible_text.h"
