@@ -3,11 +3,13 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 
 #include "gworkspace/viewer_desk.h"
+#include "hosts/bus_service.h"
 #include "support/managed_windows.h"
 
 using namespace test;
@@ -25,7 +27,18 @@ class Notices : public ViewerDesk {
         const std::string command =
             "defaults write org.delvio.Delvio folders '(\"" + basket + "\")' >/dev/null 2>&1";
         ASSERT_EQ(system(command.c_str()), 0);
+        bus_ = std::make_unique<SessionBus>();
+        desktop_ =
+            std::make_unique<BusService>(*bus_, "org.freedesktop.Notifications",
+                                         "/org/freedesktop/Notifications", notifications_interface);
+        desktop_->set_answer("GetCapabilities", "(['actions', 'body'],)");
+        desktop_->set_answer("Notify", "(uint32 7,)");
         ViewerDesk::SetUpTestSuite();
+    }
+    static void TearDownTestSuite() {
+        ViewerDesk::TearDownTestSuite();
+        desktop_.reset();
+        bus_.reset();
     }
     void SetUp() override {
         ViewerDesk::SetUp();
@@ -72,8 +85,24 @@ class Notices : public ViewerDesk {
         close_by_title_bar(title);
     }
 
+    // Waits until the desktop was asked to show a notice with these words.
+    static bool is_told(const std::string& words) {
+        return wait_until([&] {
+            const Lines calls = desktop_->calls();
+            return std::ranges::any_of(calls, [&](const std::string& call) {
+                return call.find("Notifications.Notify(") != call.npos &&
+                       call.find(words) != call.npos;
+            });
+        });
+    }
+
+    static std::unique_ptr<SessionBus> bus_;
+    static std::unique_ptr<BusService> desktop_;
     ManagedWindows windows_;
 };
+
+std::unique_ptr<SessionBus> Notices::bus_;
+std::unique_ptr<BusService> Notices::desktop_;
 
 }  // namespace
 
@@ -104,6 +133,22 @@ TEST_F(Notices, ClosingTheAlertReplacesNothing) {
     EXPECT_TRUE(wait_until([&] { return manager().ask("idle") == "yes"; }));
     EXPECT_EQ(read_file(old), "old");
     EXPECT_EQ(read_file(source), "new");
+}
+
+TEST_F(Notices, AMoveIsToldInANoticeOfTheDesktopWhoseButtonUndoesIt) {
+    const std::string old = getenv("HOME") + std::string("/Desktop/basket/regretted.txt");
+    std::ofstream(old) << "old";
+    const std::string source = changing_folder().file("regretted.txt", "new");
+    right_click(item("icons", add("regretted.txt")));
+    pick({"basket", "Move selection here"});
+    click_at("button 2");
+    ASSERT_TRUE(wait_until([&] { return read_file(old) == "new"; }));
+    ASSERT_TRUE(is_told("'Moved to “basket”', '“regretted.txt”', ['undo', 'Undo']"));
+    desktop_->emit("ActionInvoked", "(uint32 7, 'undo')");
+    EXPECT_TRUE(is_told("'Undone', '\"regretted.txt\" is back in "));
+    EXPECT_EQ(read_file(source), "new");
+    EXPECT_EQ(read_file(old), "old");
+    fs::remove(old);
 }
 
 TEST_F(Notices, ClosingTheProgressWindowEndsTheWork) {

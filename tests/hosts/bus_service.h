@@ -68,4 +68,16 @@ class BusService {
     std::thread thread_;
 };
 
+// The desktop's notifications, as a stand-in for them has to offer them.
+inline constexpr const char* notifications_interface =
+    "<node><interface name='org.freedesktop.Notifications'>"
+    "<method name='GetCapabilities'><arg type='as' direction='out'/></method>"
+    "<method name='Notify'><arg type='s' direction='in'/><arg type='u' direction='in'/>"
+    "<arg type='s' direction='in'/><arg type='s' direction='in'/><arg type='s' direction='in'/>"
+    "<arg type='as' direction='in'/><arg type='a{sv}' direction='in'/><arg type='i' "
+    "direction='in'/><arg type='u' direction='out'/></method>"
+    "<signal name='ActionInvoked'><arg type='u'/><arg type='s'/></signal>"
+    "<signal name='NotificationClosed'><arg type='u'/><arg type='u'/></signal>"
+    "</interface></node>";
+
 }  // namespace test

@@ -22,17 +22,6 @@ using test::RunningCommand;
 using test::wait_for;
 using test::Words;
 
-constexpr const char* notifications =
-    "<node><interface name='org.freedesktop.Notifications'>"
-    "<method name='GetCapabilities'><arg type='as' direction='out'/></method>"
-    "<method name='Notify'><arg type='s' direction='in'/><arg type='u' direction='in'/>"
-    "<arg type='s' direction='in'/><arg type='s' direction='in'/><arg type='s' direction='in'/>"
-    "<arg type='as' direction='in'/><arg type='a{sv}' direction='in'/><arg type='i' "
-    "direction='in'/><arg type='u' direction='out'/></method>"
-    "<signal name='ActionInvoked'><arg type='u'/><arg type='s'/></signal>"
-    "<signal name='NotificationClosed'><arg type='u'/><arg type='u'/></signal>"
-    "</interface></node>";
-
 // Of a process, which may end while its file is read.
 std::string contents(const std::string& path) {
     std::ostringstream text;
@@ -40,13 +29,19 @@ std::string contents(const std::string& path) {
     return text.str();
 }
 
+// Of a window on the screen.
+struct Place {
+    int x = 0, y = 0, width = 0, height = 0;
+    bool operator==(const Place&) const = default;
+};
+
 struct Notice : test::MenuCommand {
     test::SessionBus bus;
     std::unique_ptr<test::BusService> desktop;
     test::XInput input;
     const Changes alone = {{"DELVIO_RESIDENT", "0"}};
 
-    Notice() {
+    explicit Notice(bool system_services = false) : bus(system_services) {
         begin_desktop("(['actions', 'body'],)");
         run_delvio({"settings", "reset", "--all"});
         folder.folder("to");
@@ -61,8 +56,9 @@ struct Notice : test::MenuCommand {
 
     void begin_desktop(const std::string& abilities) {
         desktop.reset();
-        desktop = std::make_unique<test::BusService>(
-            bus, "org.freedesktop.Notifications", "/org/freedesktop/Notifications", notifications);
+        desktop = std::make_unique<test::BusService>(bus, "org.freedesktop.Notifications",
+                                                     "/org/freedesktop/Notifications",
+                                                     test::notifications_interface);
         desktop->set_answer("GetCapabilities", abilities);
         desktop->set_answer("Notify", "(uint32 7,)");
     }
@@ -125,6 +121,51 @@ struct Notice : test::MenuCommand {
         EXPECT_FALSE(std::ifstream(file).good());
     }
 };
+
+// A server of a real desktop, which draws the notice. The pointer waits where the notice comes, so
+// that it stays as long as the machine takes.
+struct DrawnNotice : Notice {
+    DrawnNotice() : Notice(true) {
+        desktop.reset();
+        input.move(1220, 100);
+        output_of(
+            "dbus-send --session --print-reply --reply-timeout=120000 "
+            "--dest=org.freedesktop.Notifications /org/freedesktop/Notifications "
+            "org.freedesktop.Notifications.GetServerInformation");
+    }
+    // The place of the notice on the screen, once it stands still; its width is 0 for none.
+    static Place place() {
+        const auto now = [] {
+            Place found;
+            const std::string window =
+                output_of("xdotool search --onlyvisible --class xfce4-notifyd 2>/dev/null");
+            const std::string words =
+                window.empty() ? "" : output_of("xdotool getwindowgeometry --shell " + window);
+            const int read = sscanf(words.c_str(), "WINDOW=%*d X=%d Y=%d WIDTH=%d HEIGHT=%d",
+                                    &found.x, &found.y, &found.width, &found.height);
+            return read == 4 ? found : Place();
+        };
+        const Place first = now();
+        usleep(300000);
+        return first == now() ? first : Place();
+    }
+};
+
+TEST_F(DrawnNotice, HasAButtonThatUndoesWhenItIsClicked) {
+    move_by_keys(alone);
+    Place shown;
+    ASSERT_TRUE(wait_for([&] { return (shown = place()).width > 0; }));
+    EXPECT_GT(shown.width, 100);
+    // The button is at the lower right.
+    ASSERT_TRUE(wait_for([&] {
+        input.move(shown.x + shown.width - 45, shown.y + shown.height - 30);
+        input.click(1);
+        usleep(500000);
+        return std::ifstream(folder.path("a.txt")).good();
+    }));
+    EXPECT_TRUE(wait_for([this] { return read_file(folder.path("b.txt")) == "b"; }));
+    EXPECT_TRUE(wait_for([this] { return waiting_programs() == 0; }));
+}
 
 // Alone, and with the resident host.
 struct NoticeOfEither : Notice, testing::WithParamInterface<const char*> {};
