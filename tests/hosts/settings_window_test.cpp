@@ -161,6 +161,31 @@ TEST_F(SettingsWindow, IsOneAlsoWhenItIsAskedForTwiceAtOnce) {
     EXPECT_EQ(first.out + second.out, "The settings window is open already; it is in front now.\n");
 }
 
+// The folders stand between "Home" and, below a line, "The whole disk".
+TEST_F(SettingsWindow, OffersEveryFolderHoweverManyThereAre) {
+    for (int i = 10000; i < 15000; i++) folder.folder("home/f" + std::to_string(i));
+    RunningCommand command({"settings"}, {{"HOME", folder.path("home")}});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Down", "Down", "Tab"}));
+    const auto choose = [&](const Words& keys) {
+        output_of("xdotool key space");
+        const bool is_open =
+            wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); });
+        const bool has_moved = is_open && press(keys);
+        output_of("xdotool key Return");
+        return has_moved;
+    };
+    ASSERT_TRUE(choose({"End", "Up"}));
+    const std::string last = folder.path("home/f14999") + "\n";
+    ASSERT_TRUE(becomes("folders", last));
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(choose({"Down", "Down"}));
+    EXPECT_TRUE(becomes("folders", last + folder.path("home/f10000") + "\n"));
+    ASSERT_TRUE(has_keys());
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
 TEST_P(AnySettingsWindow, ClosesAtASignal) {
     RunningCommand command({"settings"});
     ASSERT_TRUE(has_keys());
