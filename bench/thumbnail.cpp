@@ -58,19 +58,17 @@ std::string only_entry() {
     return entries->path();
 }
 
-void race_fresh(thumbnails::ThumbnailMaker& maker, const thumbnails::Settings& settings,
-                const std::string& photograph, const char* cage) {
-    const std::string helper = settings.helper_folder + "/delvio-thumbnailer";
-    bench::Race race(std::string("thumbnail of a JPEG file, in ") + cage, width * height);
+void race_fresh(thumbnails::ThumbnailMaker& maker, const std::string& photograph) {
+    const bool is_caged = maker.bubblewrap_works(false);
+    bench::Race race(
+        std::string("thumbnail of a JPEG file, in ") + (is_caged ? "bubblewrap" : "plain"),
+        width * height);
     race.add("gdk-pixbuf, scaled load in this process", [&] {
         load(gdk_pixbuf_new_from_file_at_scale(photograph.c_str(), box.width, box.height, TRUE,
                                                nullptr));
     });
-    race.add("empty start of the helper", [&] {
-        const auto answer = thumbnails::run_helper(
-            helper, {"ready", cage, "1024", "8", "12", "1", "1", ""}, box, 10);
-        expect(answer.reply.outcome == thumbnails::Outcome::ready, "the helper does not start");
-    });
+    race.add("empty start of the helper",
+             [&] { expect(maker.helper_starts(is_caged, false), "the helper does not start"); });
     race.add(
         "a thumbnail, not yet in the cache",
         [&] { expect(maker.make(photograph, box).width == 256, "no thumbnail"); },
@@ -112,8 +110,7 @@ int main() {
     thumbnails::Settings settings;
     settings.helper_folder = thumbnails::helper_folder();
     thumbnails::ThumbnailMaker maker(settings);
-    const char* cage = maker.bubblewrap_works(false) ? "bubblewrap" : "plain";
-    race_fresh(maker, settings, photograph, cage);
+    race_fresh(maker, photograph);
     race_cached(maker, photograph);
     return bench::status();
 }

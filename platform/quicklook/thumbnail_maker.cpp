@@ -11,6 +11,7 @@
 
 #include "corefoundation/patient_stat.h"
 #include "quicklook/background.h"
+#include "quicklook/helper_words.h"
 #include "quicklook/thumbnailers.h"
 
 namespace thumbnails {
@@ -59,6 +60,33 @@ const char* mode_of(Route route) {
 }
 
 std::string whole(double seconds) { return std::to_string(static_cast<int>(seconds + 0.999)); }
+
+struct Call {
+    const char* mode;
+    bool is_caged;
+    unsigned megabytes;
+    double processor_seconds, seconds;
+    Box box;
+    Screen screen;
+    std::string path;
+};
+
+std::vector<std::string> words_of(const Call& call) {
+    using namespace helper_words;
+    std::vector<std::string> words(command - 1);
+    const auto word = [&words](Place place) -> std::string& { return words[place - mode]; };
+    word(mode) = call.mode;
+    word(cage) = call.is_caged ? "bubblewrap" : "plain";
+    word(megabytes) = std::to_string(call.megabytes);
+    word(processor_seconds) = whole(call.processor_seconds);
+    word(seconds) = whole(call.seconds + own_end);
+    word(width) = std::to_string(call.box.width);
+    word(height) = std::to_string(call.box.height);
+    word(scale) = std::to_string(std::lround(call.screen.scale * 100));
+    word(paper) = call.screen.is_dark ? "dark" : "light";
+    word(path) = call.path;
+    return words;
+}
 
 }  // namespace
 
@@ -134,19 +162,11 @@ Answer ThumbnailMaker::decode_by_content(Request& request) {
 
 std::vector<std::string> ThumbnailMaker::words(Route route, const Request& request) {
     const bool is_program = route == Route::program;
-    const Box box = request.box_for(route);
-    const double seconds = is_program ? settings_.program_seconds : settings_.decoder_seconds;
-    const double processor = is_program ? settings_.program_seconds : settings_.processor_seconds;
-    std::vector<std::string> words = {mode_of(route),
-                                      bubblewrap_works(is_program) ? "bubblewrap" : "plain",
-                                      std::to_string(settings_.memory * (is_program ? 2 : 1)),
-                                      whole(processor),
-                                      whole(seconds + own_end),
-                                      std::to_string(box.width),
-                                      std::to_string(box.height),
-                                      std::to_string(std::lround(request.screen.scale * 100)),
-                                      request.screen.is_dark ? "dark" : "light",
-                                      request.subject.path};
+    std::vector<std::string> words = words_of(
+        {mode_of(route), bubblewrap_works(is_program), settings_.memory * (is_program ? 2 : 1),
+         is_program ? settings_.program_seconds : settings_.processor_seconds,
+         is_program ? settings_.program_seconds : settings_.decoder_seconds, request.box_for(route),
+         request.screen, request.subject.path});
     if (is_program) {
         words.push_back(whole(settings_.program_seconds));
         const std::vector<std::string> command = thumbnailer_for(request.type);
@@ -158,8 +178,7 @@ std::vector<std::string> ThumbnailMaker::words(Route route, const Request& reque
 Answer ThumbnailMaker::run(Route route, const Request& request) {
     const double seconds = route == Route::program ? settings_.program_seconds + time_to_answer
                                                    : settings_.decoder_seconds;
-    Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer",
-                               words(route, request), request.box_for(route), seconds);
+    Answer answer = run_helper(helper(), words(route, request), request.box_for(route), seconds);
     // The reply has the size of the program's picture, not of the file's.
     if (route == Route::program) answer.reply.original_width = answer.reply.original_height = 0;
     return answer;
@@ -186,24 +205,28 @@ bool ThumbnailMaker::timed_out_before(const Subject& subject) {
     return found != timed_out_.end() && is_same(found->second, subject);
 }
 
+std::string ThumbnailMaker::helper() const {
+    return settings_.helper_folder + "/" + helper_words::program;
+}
+
+bool ThumbnailMaker::helper_starts(bool in_bubblewrap, bool for_programs) const {
+    const Call call = {for_programs ? "ready-program" : "ready",
+                       in_bubblewrap,
+                       settings_.memory,
+                       probe_seconds,
+                       probe_seconds,
+                       {1, 1},
+                       {},
+                       ""};
+    const Answer answer = run_helper(helper(), words_of(call), call.box, probe_seconds);
+    return answer.ending == Ending::answered && answer.reply.outcome == Outcome::ready;
+}
+
 // Containers may forbid what bubblewrap needs, so one try finds out.
 bool ThumbnailMaker::bubblewrap_works(bool for_programs) {
     if (!settings_.use_bubblewrap) return false;
     std::call_once(bubblewrap_tried_[for_programs], [this, for_programs] {
-        const std::vector<std::string> words = {for_programs ? "ready-program" : "ready",
-                                                "bubblewrap",
-                                                std::to_string(settings_.memory),
-                                                whole(probe_seconds),
-                                                whole(probe_seconds + own_end),
-                                                "1",
-                                                "1",
-                                                "100",
-                                                "light",
-                                                ""};
-        const Answer answer = run_helper(settings_.helper_folder + "/delvio-thumbnailer", words,
-                                         {1, 1}, probe_seconds);
-        bubblewrap_works_[for_programs] =
-            answer.ending == Ending::answered && answer.reply.outcome == Outcome::ready;
+        bubblewrap_works_[for_programs] = helper_starts(true, for_programs);
     });
     return bubblewrap_works_[for_programs];
 }

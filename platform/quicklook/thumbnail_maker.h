@@ -44,6 +44,9 @@ class ThumbnailMaker {
     // tried once.
     bool bubblewrap_works(bool for_programs);
 
+    // Whether the helper and what it becomes start and answer, without a file.
+    bool helper_starts(bool in_bubblewrap, bool for_programs) const;
+
     // How many calls wait for a turn.
     size_t waiting() { return turns_.waiting(); }
 
@@ -54,6 +57,7 @@ class ThumbnailMaker {
     Answer decode_by_content(Request& request);
     Answer run(Route route, const Request& request);
     std::vector<std::string> words(Route route, const Request& request);
+    std::string helper() const;
     void note_failure(const Request& request, const Answer& answer);
     bool timed_out_before(const Subject& subject);
 

@@ -1,12 +1,5 @@
 // The helper program that makes the thumbnails of untrusted files. It opens the file, sets limits,
 // and becomes the decoder for the file, in bubblewrap where that works.
-//
-//   delvio-thumbnailer MODE CAGE MEGABYTES PROCESSOR-SECONDS SECONDS WIDTH HEIGHT SCALE PAPER
-//                      PATH [SECONDS COMMAND...]
-//
-// MODE is the name of a decoder, program (a thumbnailer, with its command), or ready and
-// ready-program, which only try the way. CAGE is bubblewrap or plain, SCALE the screen's in
-// percent, PAPER light or dark. The answer is a Reply on reply_descriptor.
 #include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
@@ -22,25 +15,13 @@
 #include "quicklook/decoder/reply_writer.h"
 #include "quicklook/decoder/restrictions.h"
 #include "quicklook/file_kind.h"
+#include "quicklook/helper_words.h"
 
 namespace {
 
 using namespace thumbnails;
+using namespace thumbnails::helper_words;
 using Words = std::vector<std::string>;
-
-enum {
-    mode = 1,
-    cage,
-    megabytes,
-    processor_seconds,
-    seconds,
-    width,
-    height,
-    scale,
-    paper,
-    path,
-    command
-};
 
 struct Mode {
     std::string program;  // in our folder

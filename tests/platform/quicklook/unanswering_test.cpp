@@ -195,6 +195,13 @@ TEST_F(Helper, WhereTheHostHasItsChildrenReapedThePicturesStillCome) {
     EXPECT_TRUE(test::no_child_is_left());
 }
 
+TEST_F(Helper, AnEmptyOneStartsAndAnswers) {
+    const ThumbnailMaker maker(usual_settings(true));
+    for (const bool for_programs : {false, true}) {
+        EXPECT_TRUE(maker.helper_starts(false, for_programs)) << for_programs;
+    }
+}
+
 // Simulates a container that allows no namespaces.
 bool forbid_namespaces() {
     const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ALLOW);
