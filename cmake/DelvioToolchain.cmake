@@ -19,6 +19,10 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
 add_compile_options(-Wall -Wextra -Werror)
 
+# Most relocations only add the address that a library was loaded at. Packed, they take two bits each
+# instead of 24 bytes, all of which the dynamic linker would read into each process.
+add_link_options(-Wl,-z,pack-relative-relocs -Wl,--hash-style=gnu)
+
 # CMake knows this flag for C and C++ only; without it programs record a library by its build path.
 set(CMAKE_SHARED_LIBRARY_SONAME_OBJCXX_FLAG "-Wl,-soname,")
 
@@ -41,7 +45,7 @@ find_path(GNUSTEP_INCLUDE_DIR Foundation/Foundation.h PATHS /usr/include/GNUstep
 add_library(gnustep INTERFACE)
 target_compile_options(gnustep INTERFACE
   $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-runtime=gcc -fconstant-string-class=NSConstantString
-    -fexceptions -fobjc-exceptions -fno-strict-aliasing>)
+    -fexceptions -fobjc-exceptions -fno-strict-aliasing -pthread>)
 target_compile_definitions(gnustep INTERFACE
   _NATIVE_OBJC_EXCEPTIONS GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_GUI_LIBRARY=1 GNU_RUNTIME=1)
 target_compile_options(gnustep INTERFACE
