@@ -317,6 +317,7 @@ void Host::serve_calls() {
                                inMode:settles ? NSDefaultRunLoopMode : NSEventTrackingRunLoopMode
                               dequeue:YES];
             if (event) [NSApp sendEvent:event];
+            if (settles && [until timeIntervalSinceNow] <= 0) malloc_trim(0);
             if (!event && [idle_end_ timeIntervalSinceNow] <= 0) end("idle");
         }
     }

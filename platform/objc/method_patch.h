@@ -29,6 +29,10 @@ void patch_methods(const MethodPatch (&patches)[count]) {
 // message of that name to any of them would go there, and the class would never be initialized.
 void set_implementation(Class owner, Method method, IMP implementation);
 
+// Whether the class, or metaclass, itself has this method. Copies no list, because the answer is
+// needed of every class.
+bool has_method(Class owner, Method method);
+
 // Rebuilds the dispatch table of a class, or metaclass, and of all classes that inherit from it:
 // GNU's run time leaves inherited implementations in them when a method's implementation changes.
 void refresh_dispatch(Class owner);

@@ -10,6 +10,8 @@ namespace {
 
 void unused_method(id, SEL) {}
 
+struct MethodList;
+
 // The head of GNU's class record, which its public headers do not declare.
 struct ClassRecord {
     Class is_a;
@@ -19,7 +21,7 @@ struct ClassRecord {
     unsigned long info;
     long instance_size;
     void* variables;
-    void* methods;
+    MethodList* methods;
     void* dispatch_table;
 };
 constexpr unsigned long under_construction = 0x10;
@@ -29,6 +31,13 @@ struct MethodRecord {
     SEL name;
     const char* types;
     IMP implementation;
+};
+
+// A class has one list for its own methods and one for each category.
+struct MethodList {
+    MethodList* next;
+    int count;
+    MethodRecord methods[1];
 };
 
 ClassRecord* record_of(Class owner) { return reinterpret_cast<ClassRecord*>(owner); }
@@ -82,6 +91,14 @@ void patch_method(const MethodPatch& patch) {
 
 void patch_methods(const MethodPatch* patches, unsigned count) {
     for (unsigned i = 0; i < count; i++) patch_method(patches[i]);
+}
+
+bool has_method(Class owner, Method method) {
+    const auto* record = reinterpret_cast<const MethodRecord*>(method);
+    for (const MethodList* list = record_of(owner)->methods; list; list = list->next) {
+        if (record >= list->methods && record < list->methods + list->count) return true;
+    }
+    return false;
 }
 
 void set_implementation(Class owner, Method method, IMP implementation) {

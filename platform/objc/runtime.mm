@@ -10,25 +10,15 @@
 
 namespace {
 
-bool owns(Class candidate, Method method) {
-    unsigned count = 0;
-    Method* list = class_copyMethodList(candidate, &count);
-    bool found = false;
-    for (unsigned i = 0; i < count && !found; i++) found = list[i] == method;
-    free(list);
-    return found;
-}
-
 // The class, or metaclass, that defines the method. The method's record does not say.
 Class owner_of(Method method) {
     const int count = objc_getClassList(nullptr, 0);
     std::vector<Class> classes(count > 0 ? count : 0);
     const int listed = objc_getClassList(classes.data(), count);
     for (int i = 0; i < listed && i < count; i++) {
-        if (owns(classes[i], method)) return classes[i];
-        if (owns(object_getClass(reinterpret_cast<id>(classes[i])), method)) {
-            return object_getClass(reinterpret_cast<id>(classes[i]));
-        }
+        if (has_method(classes[i], method)) return classes[i];
+        const Class metaclass = object_getClass(reinterpret_cast<id>(classes[i]));
+        if (has_method(metaclass, method)) return metaclass;
     }
     return nullptr;
 }

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 #include <objc/runtime.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "counted_lookups.h"
 #include "objc/method_patch.h"
@@ -180,4 +182,37 @@ TEST(Runtime, ANameWithoutAClassIsLookedUpAgain) {
     Class late = objc_allocateClassPair([NSObject class], name, 0);
     objc_registerClassPair(late);
     EXPECT_EQ(__wrap_objc_lookup_class(name), late);
+}
+
+namespace {
+
+std::vector<std::string> unknown_classes;
+
+Class note_unknown(const char* name) {
+    unknown_classes.push_back(name);
+    return Nil;
+}
+
+// A report of an object file without classes, as the compiler writes it.
+struct {
+    unsigned long selector_count;
+    void* selectors;
+    unsigned short class_count, category_count;
+    void* definitions[1];
+} no_symbols;
+struct {
+    unsigned long version = 8, size = sizeof(*this);
+    const char* name = "";
+    void* symbols = &no_symbols;
+} empty_object_file;
+
+}  // namespace
+
+extern "C" void __objc_exec_class(void* module);
+
+TEST(Runtime, NoCategoryOfOursWaitsForAClassThatNeverComes) {
+    const auto before = objc_setGetUnknownClassHandler(note_unknown);
+    __objc_exec_class(&empty_object_file);  // looks for the classes of all categories that wait
+    objc_setGetUnknownClassHandler(before);
+    EXPECT_EQ(std::ranges::count(unknown_classes, "__ObjC_Protocol_Holder_Ugly_Hack"), 0);
 }
