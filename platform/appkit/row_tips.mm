@@ -13,6 +13,7 @@
 #include "appkit/workspace_paths.h"
 #include "corefoundation/patient_stat.h"
 #include "look/menu_text.h"
+#include "look/title_line.h"
 #include "menus/menu_paint.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_run.h"
@@ -33,7 +34,7 @@ bool is_shortened(const MenuLevel& level, NSMenuItem* item) {
     if (row < 0 || level.layout().rows()[row].kind != title_row) return false;
     const int room =
         level.layout().title_right() - level.layout().title_left(level.layout().rows()[row]);
-    return text_width(item_text(level.layout().look(), item, true)) > room;
+    return TitleLine(level.layout().look(), item, true).width() > room;
 }
 
 // Whether the title is the name without its middle, for which it has dots.

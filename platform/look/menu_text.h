@@ -20,6 +20,9 @@ std::string visible_title(NSString* title);
 // The text without case and accents, to compare it with typed text.
 std::string folded(const std::string& text);
 
+// A text on one line in the interface font, shown as it is.
+TextLayout line_text(const MenuLook& look, const std::string& text);
+
 // The item's title; with `plain`, without the colours of its attributes.
 TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain);
 

@@ -165,7 +165,7 @@ std::string folded(const std::string& text) {
     return result;
 }
 
-static TextLayout line_layout(const MenuLook& look, const std::string& bytes) {
+TextLayout line_text(const MenuLook& look, const std::string& bytes) {
     TextLayout text(pango_layout_new(text_context()));
     pango_layout_set_single_paragraph_mode(text.get(), TRUE);
     PangoFontDescription* font =
@@ -179,7 +179,7 @@ static TextLayout line_layout(const MenuLook& look, const std::string& bytes) {
 TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain) {
     NSAttributedString* attributed = [item attributedTitle];
     const std::vector<unichar> title = characters(attributed ? [attributed string] : [item title]);
-    TextLayout text = line_layout(look, utf8(title));
+    TextLayout text = line_text(look, utf8(title));
     if (attributed) {
         PangoAttrList* list = attributes(look, attributed, title, plain);
         pango_layout_set_attributes(text.get(), list);
@@ -259,7 +259,7 @@ TextLayout paragraph(const MenuLook& look, const std::string& text, double size,
 }
 
 std::vector<double> ends_of_characters(const MenuLook& look, const std::string& text) {
-    const TextLayout layout = line_layout(look, text);
+    const TextLayout layout = line_text(look, text);
     PangoLayoutLine* const line = pango_layout_get_line_readonly(layout.get(), 0);
     std::vector<double> ends(text.size());
     for (size_t i = 0; i < text.size(); i++) {

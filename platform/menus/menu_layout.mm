@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "look/menu_text.h"
+#include "look/title_line.h"
 #include "look/title_widths.h"
 #include "menu_classes/menu_item_array.h"
 #include "menus/menu_items.h"
@@ -139,7 +139,7 @@ std::vector<NSMenuItem*> MenuLayout::widest_items() const {
 int MenuLayout::widest_title() const {
     int widest = 0;
     for (NSMenuItem* item : widest_items()) {
-        widest = std::max(widest, text_width(item_text(look_, item, true)));
+        widest = std::max(widest, TitleLine(look_, item, true).width());
     }
     return std::min(widest, look_.title_limit);
 }
@@ -154,7 +154,7 @@ void MenuLayout::measure_width() {
             width_ = std::max(width_, view_width + 2 * look_.inset);
         } else if (row.kind == image_row) {
             int width = static_cast<int>(shown_image_size(look_, [row.item image]).width);
-            const int text = text_width(item_text(look_, row.item, true));
+            const int text = TitleLine(look_, row.item, true).width();
             if (text) width += look_.gap + std::min(text, look_.title_limit);
             width_ = std::max(width_, width + 2 * (look_.inset + look_.padding));
         }

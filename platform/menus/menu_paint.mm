@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "look/image_questions.h"
-#include "look/menu_text.h"
+#include "look/title_line.h"
 #include "menus/menu_items.h"
 
 namespace {
@@ -168,15 +168,14 @@ void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
 void paint_title(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,
                  const RowColors& colors) {
     const MenuLayout& layout = *scene.layout;
-    const TextLayout text = item_text(layout.look(), row.item, colors.plain);
     const int room = layout.title_right() - layout.title_left(row);
     if (room <= 0) return;
-    if (text_width(text) > room) fit_text(text, room);
+    TitleLine title(layout.look(), row.item, colors.plain);
+    if (title.width() > room) title.fit(room);
     set_color(cairo, colors.text);
-    const int width = std::min(text_width(text), room);
-    cairo_move_to(cairo, placed(scene, layout.title_left(row), width) - text_left(text),
-                  y + std::floor((row.height - text_height(text)) / 2.0));
-    pango_cairo_show_layout(cairo, text.get());
+    const int width = std::min(title.width(), room);
+    title.show(cairo, placed(scene, layout.title_left(row), width),
+               y + std::floor((row.height - title.height()) / 2.0));
 }
 
 void stroke_mark(cairo_t* cairo, const MenuLook& look, const Color& color) {

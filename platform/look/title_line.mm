@@ -1,0 +1,175 @@
+#include "look/title_line.h"
+
+#include <AppKit/AppKit.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr NSUInteger most_characters = 256;
+constexpr unichar first_sign = ' ', last_sign = '~', first_letter = 0xC0, last_letter = 0x17F;
+
+bool is_sign(unichar c) { return c >= first_sign && c <= last_sign; }
+
+// The letters of European languages behind ASCII; two signs stand among them.
+bool is_accented_letter(unichar c) {
+    return c >= first_letter && c <= last_letter && c != 0xD7 && c != 0xF7;
+}
+
+bool is_letter(unichar c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || is_accented_letter(c);
+}
+
+void append_utf8(unichar c, std::string* text) {
+    if (c < 0x80) {
+        *text += static_cast<char>(c);
+    } else {
+        *text += static_cast<char>(0xC0 | c >> 6);
+        *text += static_cast<char>(0x80 | (c & 0x3F));
+    }
+}
+
+// Room for the glyphs of a title while it is drawn.
+std::vector<cairo_glyph_t>& drawn_glyphs() {
+    static auto& glyphs = *new std::vector<cairo_glyph_t>;
+    return glyphs;
+}
+
+// How Pango lays out Latin text in the font of a look.
+class LatinFont {
+  public:
+    explicit LatinFont(const MenuLook& look)
+        : family_(look.family),
+          size_(look.font_size * look.scale),
+          bold_(look.bold),
+          italic_(look.italic) {
+        std::string letters;
+        for (unichar c = first_sign; c <= last_sign; c++) append_utf8(c, &letters);
+        const size_t signs = letters.size();
+        for (unichar c = first_letter; c <= last_letter; c++) {
+            if (is_accented_letter(c)) append_utf8(c, &letters);
+        }
+        has_accents_ = take_from(line_text(look, letters));
+        if (!has_accents_) take_from(line_text(look, letters.substr(0, signs)));
+    }
+    ~LatinFont() {
+        if (item_) pango_item_free(item_);
+    }
+    LatinFont(const LatinFont&) = delete;
+    LatinFont& operator=(const LatinFont&) = delete;
+
+    static const LatinFont& of(const MenuLook& look) {
+        static std::unique_ptr<LatinFont> last;
+        if (!last || !last->is_for(look)) last = std::make_unique<LatinFont>(look);
+        return *last;
+    }
+
+    // The title as UTF-8 if it is simple; empty if it is not, or has no letter. (Pango looks up
+    // signs without a letter differently.)
+    std::string simple_text(NSString* title) const {
+        const NSUInteger length = [title length];
+        if (!item_ || length > most_characters) return {};
+        unichar characters[most_characters];
+        [title getCharacters:characters range:NSMakeRange(0, length)];
+        std::string text;
+        bool has_letter = false;
+        for (NSUInteger i = 0; i < length; i++) {
+            const unichar c = characters[i];
+            if (!is_sign(c) && !(has_accents_ && is_accented_letter(c))) return {};
+            has_letter = has_letter || is_letter(c);
+            append_utf8(c, &text);
+        }
+        return has_letter ? text : std::string();
+    }
+
+    PangoGlyphString* make_glyphs(const std::string& text) const {
+        PangoGlyphString* const glyphs = pango_glyph_string_new();
+        const auto size = static_cast<int>(text.size());
+        pango_shape_full(text.data(), size, text.data(), size, &item_->analysis, glyphs);
+        return glyphs;
+    }
+
+    int height() const { return height_; }
+
+    void show(cairo_t* cairo, const PangoGlyphString* glyphs, double x, double y) const {
+        std::vector<cairo_glyph_t>& drawn = drawn_glyphs();
+        drawn.clear();
+        const double base = y + double(baseline_) / PANGO_SCALE;
+        int position = 0;
+        for (int i = 0; i < glyphs->num_glyphs; i++) {
+            const PangoGlyphInfo& glyph = glyphs->glyphs[i];
+            const PangoGlyphGeometry& place = glyph.geometry;
+            if (glyph.glyph != PANGO_GLYPH_EMPTY) {
+                drawn.push_back({glyph.glyph, x + double(position + place.x_offset) / PANGO_SCALE,
+                                 base + double(place.y_offset) / PANGO_SCALE});
+            }
+            position += place.width;
+        }
+        cairo_set_scaled_font(
+            cairo, pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(item_->analysis.font)));
+        cairo_show_glyphs(cairo, drawn.data(), static_cast<int>(drawn.size()));
+    }
+
+  private:
+    bool is_for(const MenuLook& look) const {
+        return look.font_size * look.scale == size_ && look.bold == bold_ &&
+               look.italic == italic_ && look.family == family_;
+    }
+
+    // False when Pango does not draw all of the line in one font and one direction.
+    bool take_from(const TextLayout& line) {
+        const PangoLayoutLine* const first = pango_layout_get_line_readonly(line.get(), 0);
+        if (!first || !first->runs || first->runs->next) return false;
+        const auto* const run = static_cast<const PangoGlyphItem*>(first->runs->data);
+        if (run->item->analysis.level != 0 || !PANGO_IS_CAIRO_FONT(run->item->analysis.font) ||
+            pango_layout_get_unknown_glyphs_count(line.get()) != 0) {
+            return false;
+        }
+        item_ = pango_item_copy(run->item);
+        baseline_ = pango_layout_get_baseline(line.get());
+        height_ = text_height(line);
+        return true;
+    }
+
+    const std::string family_;
+    const double size_;
+    const bool bold_, italic_;
+    PangoItem* item_ = nullptr;  // null when no title is simple
+    int baseline_ = 0, height_ = 0;
+    bool has_accents_ = false;
+};
+
+}  // namespace
+
+TitleLine::TitleLine(const MenuLook& look, NSMenuItem* item, bool plain)
+    : look_(look), item_(item), plain_(plain) {
+    if (![item attributedTitle]) {
+        const LatinFont& font = LatinFont::of(look);
+        const std::string text = font.simple_text([item title]);
+        if (!text.empty()) glyphs_.reset(font.make_glyphs(text));
+    }
+    if (!glyphs_) layout_ = item_text(look, item, plain);
+}
+
+int TitleLine::width() const {
+    return glyphs_ ? PANGO_PIXELS_CEIL(pango_glyph_string_get_width(glyphs_.get()))
+                   : text_width(layout_);
+}
+
+int TitleLine::height() const {
+    return glyphs_ ? LatinFont::of(look_).height() : text_height(layout_);
+}
+
+void TitleLine::fit(int width) {
+    glyphs_.reset();
+    if (!layout_) layout_ = item_text(look_, item_, plain_);
+    fit_text(layout_, width);
+}
+
+void TitleLine::show(cairo_t* cairo, double x, double y) const {
+    if (glyphs_) return LatinFont::of(look_).show(cairo, glyphs_.get(), x, y);
+    cairo_move_to(cairo, x - text_left(layout_), y);
+    pango_cairo_show_layout(cairo, layout_.get());
+}
