@@ -7,6 +7,9 @@
 // Whether the item is the plug-in's and stands for a file.
 bool stands_for_file(NSMenuItem* item);
 
+// What the items of one file have in common, while their menu is open; null for other items.
+const void* file_of_item(NSMenuItem* item);
+
 // The path of that file; nil for other items, and for a path that is no text.
 NSString* path_of_item(NSMenuItem* item);
 

@@ -8,9 +8,16 @@
 
 namespace {
 
-// Null before the plug-in is loaded.
-Class item_class() { return NSClassFromString(@"DVMenuItem"); }
-Class controller() { return NSClassFromString(@"DVDelvio"); }
+// Null before the plug-in is loaded. A class that was found stays: a search takes longer than most
+// questions.
+Class item_class() {
+    static Class found;
+    return found ? found : found = NSClassFromString(@"DVMenuItem");
+}
+Class controller() {
+    static Class found;
+    return found ? found : found = NSClassFromString(@"DVDelvio");
+}
 
 void* tree_of(NSMenuItem* item) {
     const bool is_plug_ins = item_class() && [item isKindOfClass:item_class()];
@@ -20,6 +27,8 @@ void* tree_of(NSMenuItem* item) {
 }  // namespace
 
 bool stands_for_file(NSMenuItem* item) { return tree_of(item) != nullptr; }
+
+const void* file_of_item(NSMenuItem* item) { return tree_of(item); }
 
 NSString* path_of_item(NSMenuItem* item) {
     void* tree = tree_of(item);

@@ -4,8 +4,9 @@
 #include <host/menu_tracking.h>
 #include <host/modifier_keys.h>
 
-#include <algorithm>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "command/exit_signals.h"
 #include "command/file_arguments.h"
@@ -107,23 +108,26 @@ void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
     [NSMenu setContextMenuTracker:nil];
 }
 
-int write_out(const std::vector<std::string>& parts) {
-    FILE* const output = output_stream();
-    const bool written = std::ranges::all_of(parts, [&](const std::string& part) {
-        return fwrite(part.data(), 1, part.size(), output) == part.size();
-    });
-    if (written && fflush(output) == 0) return exit_done;
-    return failed(translated("cannot write the menu to standard output"));
+std::unique_ptr<MenuWriter> new_writer(MenuForm form, MenuWriter::Taker take) {
+    if (form == MenuForm::json) return std::make_unique<MenuJson>(std::move(take));
+    return std::make_unique<MenuText>(std::move(take));
 }
 
 int write_menu(HostMenu* host, const MenuRequest& request) {
-    const bool json = request.form == MenuForm::json;
-    MenuReader* reader = [[[MenuReader alloc] initWithDepth:request.depth
-                                                    details:json] autorelease];
+    FILE* const output = output_stream();
+    bool is_written = true;
+    const auto writer = new_writer(request.form, [&](const std::string& part) {
+        is_written = is_written && fwrite(part.data(), 1, part.size(), output) == part.size();
+    });
+    MenuReader* reader =
+        [[[MenuReader alloc] initWithDepth:request.depth
+                                    writer:writer.get()
+                                   details:request.form == MenuForm::json] autorelease];
     pop_up(host, reader, NSZeroPoint);
     if (![reader problem].empty()) complain_about_usage([reader problem]);
-    if (!json) return write_out([reader text].parts());
-    return write_out({write_menu_json([reader snapshot])});
+    writer->finish();
+    if (is_written && fflush(output) == 0) return exit_done;
+    return failed(translated("cannot write the menu to standard output"));
 }
 
 int pick(HostMenu* host, const MenuRequest& request) {

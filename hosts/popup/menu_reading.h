@@ -8,6 +8,25 @@
 // The text in UTF-8; lone surrogates, which have no UTF-8, become replacement characters.
 std::string utf8_text(NSString* string);
 
-// The item itself, with details if they are wanted. Of its submenu only the title: the caller that
-// opens the submenu adds its items.
-ItemSnapshot read_item(NSMenuItem* item, bool details);
+// Reads the items of open levels one after the other. An item's alternates mostly have its title
+// and its file, so these become text only once.
+class ItemReader {
+  public:
+    // With `details`, the records have them.
+    explicit ItemReader(bool details) : details_(details) {}
+    ~ItemReader() { [title_ release]; }
+    ItemReader(const ItemReader&) = delete;
+    ItemReader& operator=(const ItemReader&) = delete;
+
+    // The record stays until the next call.
+    const ItemSnapshot& read(NSMenuItem* item);
+
+  private:
+    void read_title(NSMenuItem* item);
+    void read_details(NSMenuItem* item);
+
+    const bool details_;
+    ItemSnapshot snapshot_;
+    NSString* title_ = nil;       // whose text the snapshot has
+    const void* file_ = nullptr;  // whose path the snapshot has
+};

@@ -32,16 +32,6 @@ std::string color_of(NSMenuItem* item) {
     return text;
 }
 
-std::unique_ptr<ItemDetails> read_details(NSMenuItem* item) {
-    auto details = std::make_unique<ItemDetails>();
-    details->color = color_of(item);
-    details->tag = [item tag];
-    details->plugin = ![HostMenu madeItem:item];
-    details->path = without_slash(utf8_text(path_of_item(item)));
-    if ([item hasSubmenu]) details->submenu_title = utf8_text([[item submenu] title]);
-    return details;
-}
-
 }  // namespace
 
 std::string utf8_text(NSString* string) {
@@ -56,15 +46,36 @@ std::string utf8_text(NSString* string) {
     return {static_cast<const char*>([data bytes]), [data length]};
 }
 
-ItemSnapshot read_item(NSMenuItem* item, bool details) {
-    ItemSnapshot snapshot;
-    snapshot.separator = [item isSeparatorItem];
-    snapshot.title = snapshot.separator ? std::string() : utf8_text([item title]);
-    snapshot.enabled = !snapshot.separator && [item isEnabled];
-    snapshot.alternate = [item isAlternate];
-    if (snapshot.alternate) snapshot.modifiers = [item keyEquivalentModifierMask];
-    snapshot.image = [item image] != nil;
-    snapshot.has_submenu = [item hasSubmenu];
-    if (details) snapshot.details = read_details(item);
-    return snapshot;
+// A title never changes: an item that gets another one gets another string.
+void ItemReader::read_title(NSMenuItem* item) {
+    NSString* const title = snapshot_.separator ? nil : [item title];
+    if (title == title_) return;
+    [title_ release];
+    title_ = [title retain];
+    snapshot_.title = title ? utf8_text(title) : std::string();
+}
+
+void ItemReader::read_details(NSMenuItem* item) {
+    ItemDetails& details = snapshot_.details;
+    details.color = color_of(item);
+    details.tag = [item tag];
+    details.plugin = ![HostMenu madeItem:item];
+    const void* const file = file_of_item(item);
+    if (file != file_) {
+        file_ = file;
+        details.path = without_slash(utf8_text(path_of_item(item)));
+    }
+    details.submenu_title = snapshot_.has_submenu ? utf8_text([[item submenu] title]) : "";
+}
+
+const ItemSnapshot& ItemReader::read(NSMenuItem* item) {
+    snapshot_.separator = [item isSeparatorItem];
+    read_title(item);
+    snapshot_.enabled = !snapshot_.separator && [item isEnabled];
+    snapshot_.alternate = [item isAlternate];
+    snapshot_.modifiers = snapshot_.alternate ? [item keyEquivalentModifierMask] : 0;
+    snapshot_.image = [item image] != nil;
+    snapshot_.has_submenu = [item hasSubmenu];
+    if (details_) read_details(item);
+    return snapshot_;
 }

@@ -1,9 +1,7 @@
-// The content of a menu as plain records: read while the menu is open, written after it has closed.
+// The content of a menu's item as a plain record, read while the menu is open.
 #pragma once
 
-#include <memory>
 #include <string>
-#include <vector>
 
 // Properties that only the JSON shows.
 struct ItemDetails {
@@ -14,7 +12,6 @@ struct ItemDetails {
     std::string submenu_title;
 };
 
-// A menu may have hundreds of thousands of these.
 struct ItemSnapshot {
     std::string title;  // UTF-8
     bool separator = false;
@@ -22,27 +19,6 @@ struct ItemSnapshot {
     bool alternate = false;
     bool image = false;
     bool has_submenu = false;
-    bool populated = false;       // the submenu was opened
     unsigned long modifiers = 0;  // of an alternate: see modifier_names()
-    std::unique_ptr<ItemDetails> details;
-    std::vector<ItemSnapshot> items;
+    ItemDetails details;
 };
-
-using MenuSnapshot = std::vector<ItemSnapshot>;
-
-// The menu as an indented tree, one line for each item. Its parts follow each other.
-class MenuText {
-  public:
-    // Adds the item alone, without the items of its submenu.
-    void add(const ItemSnapshot& item, size_t level);
-    const std::vector<std::string>& parts() const { return parts_; }
-
-  private:
-    const std::string& title_of(const ItemSnapshot& item);
-
-    std::vector<std::string> parts_;
-    std::string last_title_, last_printable_;
-};
-// The menu as a JSON array; all items have details. Bytes that are not UTF-8 become replacement
-// characters.
-std::string write_menu_json(const MenuSnapshot& menu);

@@ -1,34 +1,45 @@
-#include "popup/menu_snapshot.h"
+#include "popup/menu_writer.h"
 
 #include "command/modifier_names.h"
 #include "command/printable.h"
 
 namespace {
 
-constexpr size_t indentation = 4;
-
-// Text that grows in one piece would be copied each time.
-constexpr size_t part_size = 1 << 20;
+constexpr size_t indentation = 4, part_size = 1 << 20;
 
 constexpr const char* replacement_character = "\xef\xbf\xbd";
 
-void append_modifiers(unsigned long modifiers, std::string* text) {
+std::string modifier_text(unsigned long modifiers) {
+    std::string text;
     const char* joint = " [";
     for (const std::string& name : modifier_names(modifiers)) {
-        *text += joint;
-        *text += name;
+        text += joint + name;
         joint = "-";
     }
-    *text += *joint == '-' ? "]" : " []";
-}
-
-void append_extras(const ItemSnapshot& item, std::string* text) {
-    if (item.has_submenu) *text += " >";
-    if (item.alternate) append_modifiers(item.modifiers, text);
-    if (!item.enabled) *text += " (disabled)";
+    return text.empty() ? " []" : text + "]";
 }
 
 }  // namespace
+
+void MenuWriter::add(const ItemSnapshot& item, bool is_opened) {
+    if (text_.size() > part_size) {
+        take_(text_);
+        text_.clear();
+    }
+    write_item(item, is_opened);
+    if (is_opened) level_++;
+}
+
+void MenuWriter::end_submenu() {
+    level_--;
+    write_end_of_submenu();
+}
+
+void MenuWriter::finish() {
+    write_end();
+    take_(text_);
+    text_.clear();
+}
 
 // A preview's row has no title, only a picture. An alternate mostly has its file's title.
 const std::string& MenuText::title_of(const ItemSnapshot& item) {
@@ -41,15 +52,23 @@ const std::string& MenuText::title_of(const ItemSnapshot& item) {
     return last_printable_;
 }
 
-void MenuText::add(const ItemSnapshot& item, size_t level) {
-    if (parts_.empty() || parts_.back().size() > part_size) parts_.emplace_back();
-    std::string& text = parts_.back();
-    text.append(level * indentation, ' ');
-    if (item.separator) {
-        text += "--------";
-    } else {
-        text += title_of(item);
-        append_extras(item, &text);
+const std::string& MenuText::modifiers_of(const ItemSnapshot& item) {
+    if (item.modifiers != last_modifiers_) {
+        last_modifiers_ = item.modifiers;
+        last_modifier_text_ = modifier_text(item.modifiers);
     }
-    text += '\n';
+    return last_modifier_text_;
+}
+
+void MenuText::write_item(const ItemSnapshot& item, bool) {
+    text().append(level() * indentation, ' ');
+    if (item.separator) {
+        text() += "--------";
+    } else {
+        text() += title_of(item);
+        if (item.has_submenu) text() += " >";
+        if (item.alternate) text() += modifiers_of(item);
+        if (!item.enabled) text() += " (disabled)";
+    }
+    text() += '\n';
 }

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "popup/menu_snapshot.h"
+#include "popup/menu_reading.h"
+#include "popup/menu_writer.h"
 
-// Limits of a read menu, which is held in memory as a whole until it is written. No further submenu
-// is opened after so many rows, below so many levels, or when the process holds so many bytes of
-// memory.
+// Limits of a read menu, whose levels are held in memory as a whole. No further submenu is opened
+// after so many rows, below so many levels, or when the process holds so many bytes of memory.
 inline constexpr long most_read_rows = 100000;
 inline constexpr int most_read_levels = 256;
 inline constexpr long most_read_bytes = 1L << 30;
@@ -22,21 +22,19 @@ inline constexpr long most_read_bytes = 1L << 30;
 - (void)walk:(MenuSession*)session;
 @end
 
-// Opens levels and reads them: as text, or as records with details. The levels stay in memory until
-// the process ends.
+// Opens levels, reads them and writes what it reads. The levels stay in memory until the process
+// ends.
 @interface MenuReader : MenuWalker {
   @private
     int _depth;
-    BOOL _details;
-    MenuSnapshot* _snapshot;
-    MenuText* _text;
+    ItemReader* _items;
+    MenuWriter* _writer;
     long _rows;
     long _leftClosed;
 }
-// `depth`: how many levels of submenus to open; `details`: whether there are records, and no text.
-- (instancetype)initWithDepth:(int)depth details:(BOOL)details;
-- (const MenuSnapshot&)snapshot;
-- (const MenuText&)text;
+// `depth`: how many levels of submenus to open. The writer stays the caller's. `details`: whether
+// it needs them.
+- (instancetype)initWithDepth:(int)depth writer:(MenuWriter*)writer details:(BOOL)details;
 // One line that says that submenus stay closed because of the limits; empty when none does.
 - (std::string)problem;
 @end

@@ -6,9 +6,10 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <unordered_set>
+
 #include "command/title_match.h"
 #include "file_steps/visible_text.h"
-#include "popup/menu_reading.h"
 
 using operations::in_quotes;
 
@@ -24,17 +25,30 @@ NSArray* shown_items(NSMenu* menu) {
     return [MenuSession visibleItemsOfMenu:menu withModifiers:current_modifier_flags()];
 }
 
+using ItemSet = std::unordered_set<NSMenuItem*>;
+
+ItemSet with_submenus(NSArray* items) {
+    ItemSet found;
+    for (NSMenuItem* item in items) {
+        if ([item hasSubmenu]) found.insert(item);
+    }
+    return found;
+}
+
 // A row shows a view while its content, such as a picture, is still being made.
-bool is_being_made(NSMenu* menu) {
-    for (NSMenuItem* item in shown_items(menu)) {
+bool is_being_made(NSArray* rows) {
+    for (NSMenuItem* item in rows) {
         if ([item view]) return true;
     }
     return false;
 }
 
-void wait_until_made(NSMenu* menu) {
+// The rows when all are made.
+NSArray* made_rows(NSMenu* menu) {
     NSDate* end = [NSDate dateWithTimeIntervalSinceNow:seconds_to_make];
-    while (is_being_made(menu) && [end timeIntervalSinceNow] > 0) {
+    for (;;) {
+        NSArray* const rows = shown_items(menu);
+        if (!is_being_made(rows) || [end timeIntervalSinceNow] <= 0) return rows;
         NSDate* turn = [NSDate dateWithTimeIntervalSinceNow:seconds_a_turn];
         [[NSRunLoop currentRunLoop] runMode:NSEventTrackingRunLoopMode beforeDate:turn];
     }
@@ -122,27 +136,17 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
 
 @implementation MenuReader
 
-- (instancetype)initWithDepth:(int)depth details:(BOOL)details {
+- (instancetype)initWithDepth:(int)depth writer:(MenuWriter*)writer details:(BOOL)details {
     if (!(self = [super init])) return nil;
     _depth = depth;
-    _details = details;
-    _snapshot = new MenuSnapshot;
-    _text = new MenuText;
+    _writer = writer;
+    _items = new ItemReader(details);
     return self;
 }
 
 - (void)dealloc {
-    delete _snapshot;
-    delete _text;
+    delete _items;
     [super dealloc];
-}
-
-- (const MenuSnapshot&)snapshot {
-    return *_snapshot;
-}
-
-- (const MenuText&)text {
-    return *_text;
 }
 
 - (std::string)problem {
@@ -156,7 +160,8 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
 }
 
 - (void)walk:(MenuSession*)session {
-    *_snapshot = [self readMenu:[session rootMenu] ofSession:session level:0];
+    NSMenu* const root = [session rootMenu];
+    [self readMenu:root rows:shown_items(root) ofSession:session level:0];
 }
 
 // Whether another submenu may be opened; counts the submenus that may not.
@@ -174,12 +179,19 @@ static void keep_until_end(NSMenu* menu) {
     [kept addObject:menu];
 }
 
+- (void)readSubmenu:(NSMenu*)submenu ofSession:(MenuSession*)session level:(int)level {
+    keep_until_end(submenu);
+    [self readMenu:submenu rows:made_rows(submenu) ofSession:session level:level];
+    _writer->end_submenu();
+}
+
 // Reads an open level, and the levels below it down to the depth. Items that only other modifier
 // keys would show are listed, but not opened.
-- (MenuSnapshot)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
-    MenuSnapshot result;
-    if (_details) result.reserve(static_cast<size_t>([menu numberOfItems]));
-    NSSet* openable = level < _depth ? [NSSet setWithArray:shown_items(menu)] : nil;
+- (void)readMenu:(NSMenu*)menu
+            rows:(NSArray*)rows
+       ofSession:(MenuSession*)session
+           level:(int)level {
+    const ItemSet openable = level < _depth ? with_submenus(rows) : ItemSet();
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
     for (NSInteger i = 0; i < [menu numberOfItems]; i++) {
         if (i % rows_a_pool == 0) {
@@ -187,22 +199,18 @@ static void keep_until_end(NSMenu* menu) {
             pool = [NSAutoreleasePool new];
         }
         NSMenuItem* item = [menu glanceAtItemAtIndex:i];
-        ItemSnapshot snapshot = read_item(item, _details);
-        if (!_details) _text->add(snapshot, static_cast<size_t>(level));
-        const BOOL is_wanted = [item hasSubmenu] && [openable containsObject:item];
-        if (is_wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item]) {
-            NSMenu* submenu = [item submenu];
-            keep_until_end(submenu);
-            wait_until_made(submenu);
-            snapshot.populated = true;
-            snapshot.items = [self readMenu:submenu ofSession:session level:level + 1];
+        const ItemSnapshot& snapshot = _items->read(item);
+        const BOOL is_wanted = snapshot.has_submenu && openable.contains(item);
+        const BOOL is_opened =
+            is_wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item];
+        _writer->add(snapshot, is_opened);
+        if (is_opened) {
+            [self readSubmenu:[item submenu] ofSession:session level:level + 1];
             [session closeLevelsBelowMenu:menu];
         }
-        if (_details) result.push_back(std::move(snapshot));
         _rows++;
     }
     [pool release];
-    return result;
 }
 
 @end

@@ -6,13 +6,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "command/file_arguments.h"
 #include "command/home_folder.h"
 #include "command/modifier_names.h"
 #include "command/printable.h"
 #include "command/similar_words.h"
 #include "command/title_match.h"
-#include "popup/menu_snapshot.h"
+#include "popup/menu_writer.h"
 #include "support/temp_folder.h"
 
 namespace {
@@ -23,23 +25,23 @@ ItemSnapshot item(const std::string& title) {
     ItemSnapshot snapshot;
     snapshot.title = title;
     snapshot.enabled = true;
-    snapshot.details = std::make_unique<ItemDetails>();
     return snapshot;
 }
 
-// A list in braces can only be copied from.
-template <typename... Items>
-MenuSnapshot menu_of(Items... items) {
-    MenuSnapshot menu;
-    (menu.push_back(std::move(items)), ...);
-    return menu;
-}
-
-ItemSnapshot folder(const std::string& title, MenuSnapshot items) {
+ItemSnapshot folder(const std::string& title) {
     ItemSnapshot snapshot = item(title);
-    snapshot.has_submenu = snapshot.populated = true;
-    snapshot.items = std::move(items);
+    snapshot.has_submenu = true;
     return snapshot;
+}
+
+// What a writer of this kind writes for the items that `add` adds.
+template <typename Writer, typename Add>
+std::string written(Add add) {
+    std::string text;
+    Writer writer([&](const std::string& part) { text += part; });
+    add(writer);
+    writer.finish();
+    return text;
 }
 
 TEST(TitleMatch, TakesTheSameTitleBeforeOneOfOtherCase) {
@@ -143,49 +145,66 @@ TEST(MenuText, IndentsAndMarks) {
     ItemSnapshot alternate = item("Inside");
     alternate.alternate = true;
     alternate.modifiers = 0x20000 | 0x80000;  // Shift, Option
+    ItemSnapshot bare = item("Inside");
+    bare.alternate = true;
     ItemSnapshot separator;
     separator.separator = true;
     ItemSnapshot disabled = item("Gone");
     disabled.enabled = false;
-    ItemSnapshot top = folder("Top", menu_of(item("a\nb"), std::move(alternate)));
-    MenuText text;
-    text.add(top, 0);
-    for (const ItemSnapshot& inside : top.items) text.add(inside, 1);
-    text.add(separator, 0);
-    text.add(disabled, 0);
-    EXPECT_EQ(text.parts(), Titles({"Top >\n    a\xef\xbf\xbd"
-                                    "b\n    Inside [shift-option]\n--------\nGone (disabled)\n"}));
+    const std::string text = written<MenuText>([&](MenuWriter& writer) {
+        writer.add(folder("Top"), true);
+        writer.add(item("a\nb"), false);
+        writer.add(alternate, false);
+        writer.add(bare, false);
+        writer.end_submenu();
+        writer.add(separator, false);
+        writer.add(disabled, false);
+    });
+    EXPECT_EQ(text,
+              "Top >\n    a\xef\xbf\xbd"
+              "b\n    Inside [shift-option]\n    Inside []\n--------\nGone (disabled)\n");
 }
 
-TEST(MenuText, OfAnySizeIsCompleteAndInOrder) {
-    MenuText text;
+TEST(MenuText, OfAnySizeIsCompleteAndInOrderAndComesInParts) {
     std::string expected, whole;
+    size_t longest = 0;
+    MenuText text([&](const std::string& part) {
+        whole += part;
+        longest = std::max(longest, part.size());
+    });
+    text.add(folder("top"), true);
+    expected += "top >\n";
     for (int i = 0; i < 200000; i++) {
         const std::string title = "entry " + std::to_string(i);
-        text.add(item(title), 2);
-        expected += "        " + title + "\n";
+        text.add(item(title), false);
+        expected += "    " + title + "\n";
     }
-    for (const std::string& part : text.parts()) whole += part;
+    text.end_submenu();
+    text.finish();
     EXPECT_TRUE(whole == expected);
+    EXPECT_LT(longest, expected.size() / 2);
 }
 
 TEST(MenuJson, HasEveryKeyOfAnItem) {
     ItemSnapshot colored = item("Red");
-    colored.details->color = "#ff0000";
-    colored.details->path = "/tmp/Red";
-    colored.details->tag = 7;
-    colored.image = colored.details->plugin = true;
-    const auto json = nlohmann::json::parse(write_menu_json(menu_of(std::move(colored))));
+    colored.details.color = "#ff0000";
+    colored.details.path = "/tmp/Red";
+    colored.details.tag = 7;
+    colored.image = colored.details.plugin = true;
+    const auto json = nlohmann::json::parse(
+        written<MenuJson>([&](MenuWriter& writer) { writer.add(colored, false); }));
     EXPECT_EQ(json, nlohmann::json::parse(R"([{"type": "item", "title": "Red", "enabled": true,
         "alternate": false, "modifiers": [], "image": true, "color": "#ff0000", "tag": 7,
         "plugin": true, "path": "/tmp/Red", "submenu": null}])"));
 }
 
 TEST(MenuJson, TellsOpenedLevelsFromOthers) {
-    ItemSnapshot closed = item("closed");
-    closed.has_submenu = true;
-    const auto json = nlohmann::json::parse(
-        write_menu_json(menu_of(folder("open", menu_of(item("a"))), std::move(closed))));
+    const auto json = nlohmann::json::parse(written<MenuJson>([](MenuWriter& writer) {
+        writer.add(folder("open"), true);
+        writer.add(item("a"), false);
+        writer.end_submenu();
+        writer.add(folder("closed"), false);
+    }));
     EXPECT_TRUE(json[0]["submenu"]["populated"]);
     EXPECT_EQ(json[0]["submenu"]["items"][0]["title"], "a");
     EXPECT_FALSE(json[1]["submenu"]["populated"]);
@@ -194,10 +213,39 @@ TEST(MenuJson, TellsOpenedLevelsFromOthers) {
     EXPECT_TRUE(json[1]["path"].is_null());
 }
 
+TEST(MenuJson, IsLaidOutAsALibraryDoes) {
+    ItemSnapshot separator, odd = item("tab\t \"quoted\" back\\slash \u00e9 \u202e \x7f\x01/");
+    separator.separator = true;
+    ItemSnapshot alternate = folder("alternate");
+    alternate.alternate = true;
+    alternate.modifiers = 0x20000 | 0x80000;
+    alternate.details.submenu_title = "with \"it\"";
+    odd.details.path = "/tmp/\x7f";
+    odd.details.tag = -3;
+    const std::string text = written<MenuJson>([&](MenuWriter& writer) {
+        writer.add(folder("outer"), true);
+        writer.add(folder("empty"), true);
+        writer.end_submenu();
+        writer.add(separator, false);
+        writer.add(folder("inner"), true);
+        writer.add(odd, false);
+        writer.end_submenu();
+        writer.end_submenu();
+        writer.add(alternate, false);
+    });
+    const auto json = nlohmann::ordered_json::parse(text);
+    EXPECT_EQ(json[0]["submenu"]["items"][2]["submenu"]["items"][0]["title"], odd.title);
+    EXPECT_EQ(json[1]["modifiers"], nlohmann::ordered_json::array({"shift", "option"}));
+    EXPECT_EQ(text, printable_json(json.dump(2)) + "\n");
+    EXPECT_EQ(written<MenuJson>([](MenuWriter&) {}), "[]\n");
+}
+
 TEST(MenuJson, ReplacesBytesThatAreNotUtf8) {
-    const auto json =
-        nlohmann::json::parse(write_menu_json(menu_of(item("a\xff"
-                                                           "b"))));
+    const auto json = nlohmann::json::parse(written<MenuJson>([](MenuWriter& writer) {
+        writer.add(item("a\xff"
+                        "b"),
+                   false);
+    }));
     EXPECT_EQ(json[0]["title"],
               "a\xef\xbf\xbd"
               "b");

@@ -1,0 +1,76 @@
+// Writes a menu as text or as JSON while it is read. A menu may have hundreds of thousands of
+// items, so only the last of its text is in memory.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "popup/menu_snapshot.h"
+
+class MenuWriter {
+  public:
+    // Gets the text in parts that follow each other.
+    using Taker = std::function<void(const std::string& part)>;
+
+    explicit MenuWriter(Taker take) : take_(std::move(take)) {}
+    virtual ~MenuWriter() = default;
+    MenuWriter(const MenuWriter&) = delete;
+    MenuWriter& operator=(const MenuWriter&) = delete;
+
+    // Adds the next item. If its submenu is opened, the items in there follow, and end_submenu().
+    void add(const ItemSnapshot& item, bool is_opened);
+    void end_submenu();
+    // Hands over what is left. Nothing may follow.
+    void finish();
+
+  protected:
+    virtual void write_item(const ItemSnapshot& item, bool is_opened) = 0;
+    virtual void write_end_of_submenu() {}
+    virtual void write_end() {}
+
+    // How many submenus are open.
+    size_t level() const { return level_; }
+    std::string& text() { return text_; }
+
+  private:
+    Taker take_;
+    std::string text_;
+    size_t level_ = 0;
+};
+
+// The menu as an indented tree, one line for each item.
+class MenuText : public MenuWriter {
+  public:
+    using MenuWriter::MenuWriter;
+
+  private:
+    void write_item(const ItemSnapshot& item, bool is_opened) override;
+    const std::string& title_of(const ItemSnapshot& item);
+    const std::string& modifiers_of(const ItemSnapshot& item);
+
+    std::string last_title_, last_printable_;
+    unsigned long last_modifiers_ = 0;
+    std::string last_modifier_text_ = " []";
+};
+
+// The menu as a JSON array; all items need details. Bytes that are not UTF-8 become replacement
+// characters.
+class MenuJson : public MenuWriter {
+  public:
+    explicit MenuJson(Taker take);
+
+  private:
+    void write_item(const ItemSnapshot& item, bool is_opened) override;
+    void write_end_of_submenu() override;
+    void write_end() override;
+    void begin_line(size_t indentation);
+    void write_key(size_t indentation, const char* key);
+    void write_string(const std::string& value);
+    void write_string_or_null(const std::string& value);
+    void write_modifiers(unsigned long modifiers, size_t indentation);
+    void write_submenu(const ItemSnapshot& item, bool is_opened, size_t indentation);
+    void end_array(size_t indentation);
+
+    std::vector<bool> has_items_;  // of each open array
+};
