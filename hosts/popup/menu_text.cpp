@@ -52,12 +52,10 @@ const std::string& MenuText::title_of(const ItemSnapshot& item) {
     return last_printable_;
 }
 
-const std::string& MenuText::modifiers_of(const ItemSnapshot& item) {
-    if (item.modifiers != last_modifiers_) {
-        last_modifiers_ = item.modifiers;
-        last_modifier_text_ = modifier_text(item.modifiers);
-    }
-    return last_modifier_text_;
+const std::string& MenuText::text_of_modifiers(unsigned long modifiers) {
+    const auto known = modifier_texts_.find(modifiers);
+    if (known != modifier_texts_.end()) return known->second;
+    return modifier_texts_[modifiers] = modifier_text(modifiers);
 }
 
 void MenuText::write_item(const ItemSnapshot& item, bool) {
@@ -67,7 +65,7 @@ void MenuText::write_item(const ItemSnapshot& item, bool) {
     } else {
         text() += title_of(item);
         if (item.has_submenu) text() += " >";
-        if (item.alternate) text() += modifiers_of(item);
+        if (item.alternate) text() += text_of_modifiers(item.modifiers);
         if (!item.enabled) text() += " (disabled)";
     }
     text() += '\n';

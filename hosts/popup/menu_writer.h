@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -47,11 +48,10 @@ class MenuText : public MenuWriter {
   private:
     void write_item(const ItemSnapshot& item, bool is_opened) override;
     const std::string& title_of(const ItemSnapshot& item);
-    const std::string& modifiers_of(const ItemSnapshot& item);
+    const std::string& text_of_modifiers(unsigned long modifiers);
 
     std::string last_title_, last_printable_;
-    unsigned long last_modifiers_ = 0;
-    std::string last_modifier_text_ = " []";
+    std::map<unsigned long, std::string> modifier_texts_;  // of all modifiers so far
 };
 
 // The menu as a JSON array; all items need details. Bytes that are not UTF-8 become replacement

@@ -14,4 +14,7 @@
     signed char _link;    // a LinkState, once `_hidden` is known
 }
 - (instancetype)initWithPath:(NSString*)path;
+// The same, autoreleased. Of the thousands of icons of a large level most go at once, as items
+// share them, so this uses the objects of those again.
++ (instancetype)iconOfPath:(NSString*)path;
 @end

@@ -10,6 +10,8 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
+
 namespace {
 
 const CGFloat default_size = 48;
@@ -60,6 +62,31 @@ LinkState link_state(std::string path) {
     return files::patient_stat(path, 0.2) ? is_link : is_broken_link;
 }
 
+// Icons that went without having been looked at. They keep their texts and colour, which the next
+// icon mostly needs again. Any thread may release an icon.
+std::atomic<void*> spares[2];
+
+bool keep_spare(void* icon) {
+    for (std::atomic<void*>& spare : spares) {
+        void* none = nullptr;
+        if (spare.compare_exchange_strong(none, icon)) return true;
+    }
+    return false;
+}
+
+void* take_spare() {
+    for (std::atomic<void*>& spare : spares) {
+        if (void* const icon = spare.exchange(nullptr)) return icon;
+    }
+    return nullptr;
+}
+
+void exchange(NSString** kept, NSString* text) {
+    if (*kept == text) return;
+    [*kept release];
+    *kept = [text retain];
+}
+
 NSColor* clear_color() {
     static NSColor* const color = [[NSColor clearColor] retain];
     return color;
@@ -85,24 +112,48 @@ NSColor* clear_color() {
 
 @implementation FileIcon
 
+// The state in which nobody has looked at the icon.
+static void begin(FileIcon* self, NSString* path) {
+    self->_size = NSMakeSize(default_size, default_size);
+    self->_flags = {};
+    self->_flags.sizeWasExplicitlySet = YES;
+    self->_flags.colorMatchPreferred = YES;
+    self->_flags.multipleResolutionMatching = YES;
+    self->_flags.syncLoad = YES;
+    self->_hidden = -1;
+    self->_link = is_no_link;
+    const SplitPath parts = path ? split(path) : SplitPath();
+    exchange(&self->_fileName, parts.folder);
+    exchange(&self->_leaf, parts.leaf);
+}
+
 // Avoids the stock initializer, which makes an array for the representations.
 - (instancetype)initWithPath:(NSString*)path {
     if (!(self = [self initAsPlainObject])) return nil;
-    _size = NSMakeSize(default_size, default_size);
-    _flags.sizeWasExplicitlySet = YES;
-    _flags.colorMatchPreferred = YES;
-    _flags.multipleResolutionMatching = YES;
-    _flags.syncLoad = YES;
     _color = [clear_color() retain];
-    _hidden = -1;
-    if (!path) return self;
-    const SplitPath parts = split(path);
-    _fileName = [parts.folder retain];
-    _leaf = [parts.leaf retain];
+    begin(self, path);
     return self;
 }
 
++ (instancetype)iconOfPath:(NSString*)path {
+    FileIcon* icon = static_cast<FileIcon*>(take_spare());
+    if (icon) {
+        begin(icon, path);
+    } else {
+        icon = [[FileIcon alloc] initWithPath:path];
+    }
+    return [icon autorelease];
+}
+
+// Whether the icon differs from a new one only in its size.
+static bool is_as_new(FileIcon* self) {
+    return self->_flags.syncLoad && !self->_reps && !self->_name && !self->_delegate &&
+           !self->_lockedView && self->_cacheMode == 0 && self->_color == clear_color();
+}
+
 - (void)dealloc {
+    static const Class own_class = [FileIcon class];
+    if (object_getClass(self) == own_class && is_as_new(self) && keep_spare(self)) return;
     [_leaf release];
     [super dealloc];
 }

@@ -158,7 +158,7 @@ void give_pictures_of_bundle(NSImage* image, const std::string& bytes, NSString*
 
 NSImage* icon_for_file(NSWorkspace* self, SEL, NSString* path) {
     if (uses_stock_icons) return stock_image(self, path);
-    return [[[FileIcon alloc] initWithPath:path] autorelease];
+    return [FileIcon iconOfPath:path];
 }
 
 }  // namespace

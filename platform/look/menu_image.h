@@ -4,8 +4,9 @@
 #include <cairo.h>
 
 #include <unordered_map>
+#include <vector>
 
-@class NSImage;
+@class NSBitmapImageRep, NSImage;
 
 // Keeps the surfaces that it makes while a menu is open, up to a limit.
 class ImageCache {
@@ -22,5 +23,15 @@ class ImageCache {
     void clear();
 
   private:
+    struct Picture {
+        NSBitmapImageRep* bitmap;  // retained
+        int width, height;
+        cairo_surface_t* surface;
+    };
+
+    cairo_surface_t* picture(NSImage* image, int width, int height);
+    void clear_pictures();
+
     std::unordered_map<NSImage*, cairo_surface_t*> surfaces_;  // images are retained
+    std::vector<Picture> pictures_;                            // the last ones
 };

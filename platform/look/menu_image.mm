@@ -6,7 +6,7 @@
 
 namespace {
 
-const size_t most_surfaces = 600;
+const size_t most_surfaces = 600, most_pictures = 32;
 
 struct Pixel {
     unsigned red, green, blue, alpha;
@@ -96,9 +96,7 @@ cairo_surface_t* scaled_surface(cairo_surface_t* whole, int width, int height) {
     return scaled;
 }
 
-cairo_surface_t* make_surface(NSImage* image, int width, int height) {
-    NSBitmapImageRep* rep = best_bitmap(image, width);
-    if (!rep || [rep pixelsWide] <= 0 || [rep pixelsHigh] <= 0) return nullptr;
+cairo_surface_t* make_surface(NSBitmapImageRep* rep, int width, int height) {
     cairo_surface_t* whole = whole_surface(rep);
     cairo_surface_t* scaled = scaled_surface(whole, width, height);
     cairo_surface_destroy(whole);
@@ -115,9 +113,35 @@ void ImageCache::clear() {
         cairo_surface_destroy(entry.second);
     }
     surfaces_.clear();
+    clear_pictures();
 }
 
+void ImageCache::clear_pictures() {
+    for (const Picture& picture : pictures_) {
+        [picture.bitmap release];
+        cairo_surface_destroy(picture.surface);
+    }
+    pictures_.clear();
+}
+
+// Icons of one kind of file share their bitmaps.
+cairo_surface_t* ImageCache::picture(NSImage* image, int width, int height) {
+    NSBitmapImageRep* const bitmap = best_bitmap(image, width);
+    if (!bitmap || [bitmap pixelsWide] <= 0 || [bitmap pixelsHigh] <= 0) return nullptr;
+    for (const Picture& picture : pictures_) {
+        if (picture.bitmap == bitmap && picture.width == width && picture.height == height) {
+            return cairo_surface_reference(picture.surface);
+        }
+    }
+    cairo_surface_t* const made = make_surface(bitmap, width, height);
+    if (pictures_.size() == most_pictures) clear_pictures();
+    pictures_.push_back({[bitmap retain], width, height, cairo_surface_reference(made)});
+    return made;
+}
+
+// The image's bitmaps may have new pixels, too.
 void ImageCache::forget(NSImage* image) {
+    clear_pictures();
     const auto found = surfaces_.find(image);
     if (found == surfaces_.end()) return;
     cairo_surface_destroy(found->second);
@@ -129,7 +153,7 @@ cairo_surface_t* ImageCache::surface(NSImage* image, int width, int height) {
     if (!image || width <= 0 || height <= 0) return nullptr;
     const auto found = surfaces_.find(image);
     if (found != surfaces_.end()) return found->second;
-    cairo_surface_t* made = make_surface(image, width, height);
+    cairo_surface_t* made = picture(image, width, height);
     if (!made) return nullptr;
     if (surfaces_.size() >= most_surfaces) clear();
     surfaces_[[image retain]] = made;

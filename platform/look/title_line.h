@@ -25,17 +25,17 @@ class TitleLine {
     // Draws the title in the context's colour; its upper left corner is at `x`, `y`.
     void show(cairo_t* cairo, double x, double y) const;
 
+    // Titles are measured and then drawn, and drawn again when their menu scrolls, so their glyphs
+    // are kept. Call this when the menu has closed.
+    static void forget_glyphs();
+
     // Whether the title has no need of Pango's layout.
     bool is_simple() const { return glyphs_ != nullptr; }
 
   private:
-    struct GlyphsDeleter {
-        void operator()(PangoGlyphString* glyphs) const { pango_glyph_string_free(glyphs); }
-    };
-
     const MenuLook& look_;
     NSMenuItem* const item_;  // not owned
     const bool plain_;
-    std::unique_ptr<PangoGlyphString, GlyphsDeleter> glyphs_;  // of a simple title
-    TextLayout layout_;                                        // of any other
+    std::shared_ptr<PangoGlyphString> glyphs_;  // of a simple title
+    TextLayout layout_;                         // of any other
 };

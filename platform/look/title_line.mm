@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace {
 
 constexpr NSUInteger most_characters = 256;
+constexpr size_t most_known = 512;
 constexpr unichar first_sign = ' ', last_sign = '~', first_letter = 0xC0, last_letter = 0x17F;
 
 bool is_sign(unichar c) { return c >= first_sign && c <= last_sign; }
@@ -61,9 +63,11 @@ class LatinFont {
     LatinFont& operator=(const LatinFont&) = delete;
 
     static const LatinFont& of(const MenuLook& look) {
-        static std::unique_ptr<LatinFont> last;
-        if (!last || !last->is_for(look)) last = std::make_unique<LatinFont>(look);
-        return *last;
+        if (!last_ || !last_->is_for(look)) last_ = std::make_unique<LatinFont>(look);
+        return *last_;
+    }
+    static void forget_glyphs() {
+        if (last_) last_->known_.clear();
     }
 
     // The title as UTF-8 if it is simple; empty if it is not, or has no letter. (Pango looks up
@@ -84,11 +88,15 @@ class LatinFont {
         return has_letter ? text : std::string();
     }
 
-    PangoGlyphString* make_glyphs(const std::string& text) const {
-        PangoGlyphString* const glyphs = pango_glyph_string_new();
+    std::shared_ptr<PangoGlyphString> glyphs(const std::string& text) const {
+        const auto known = known_.find(text);
+        if (known != known_.end()) return known->second;
+        const std::shared_ptr<PangoGlyphString> made(pango_glyph_string_new(),
+                                                     pango_glyph_string_free);
         const auto size = static_cast<int>(text.size());
-        pango_shape_full(text.data(), size, text.data(), size, &item_->analysis, glyphs);
-        return glyphs;
+        pango_shape_full(text.data(), size, text.data(), size, &item_->analysis, made.get());
+        if (known_.size() == most_known) known_.clear();
+        return known_[text] = made;
     }
 
     int height() const { return height_; }
@@ -139,7 +147,12 @@ class LatinFont {
     PangoItem* item_ = nullptr;  // null when no title is simple
     int baseline_ = 0, height_ = 0;
     bool has_accents_ = false;
+    mutable std::unordered_map<std::string, std::shared_ptr<PangoGlyphString>> known_;
+
+    static std::unique_ptr<LatinFont> last_;
 };
+
+std::unique_ptr<LatinFont> LatinFont::last_;
 
 }  // namespace
 
@@ -148,10 +161,12 @@ TitleLine::TitleLine(const MenuLook& look, NSMenuItem* item, bool plain)
     if (![item attributedTitle]) {
         const LatinFont& font = LatinFont::of(look);
         const std::string text = font.simple_text([item title]);
-        if (!text.empty()) glyphs_.reset(font.make_glyphs(text));
+        if (!text.empty()) glyphs_ = font.glyphs(text);
     }
     if (!glyphs_) layout_ = item_text(look, item, plain);
 }
+
+void TitleLine::forget_glyphs() { LatinFont::forget_glyphs(); }
 
 int TitleLine::width() const {
     return glyphs_ ? PANGO_PIXELS_CEIL(pango_glyph_string_get_width(glyphs_.get()))

@@ -24,6 +24,9 @@ class PackedItems;
 @end
 
 // These serve any array of items.
+void insert_item(NSMutableArray* items, NSMenuItem* item, NSUInteger index);
+NSUInteger count_of_items(NSArray* items);
+NSMenuItem* item_at(NSArray* items, NSUInteger index);
 // Packs an item that nobody else holds, if it can be packed.
 void pack_item(NSMutableArray* items, NSUInteger index);
 void leave_menu(NSMutableArray* items);

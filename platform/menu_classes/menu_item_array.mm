@@ -71,24 +71,33 @@ static BOOL is_packed_at(MenuItemArray* self, NSUInteger index, NSUInteger* modi
     return YES;
 }
 
+static NSMenuItem* object_at(MenuItemArray* self, NSUInteger index) {
+    uintptr_t& place = place_at(self, index);
+    if (is_packed(place)) {
+        place = place_for(self->_packed->unpack(packed_in(place)));
+        if (self->_isLeft) [object_in(place) setMenu:nil];
+    }
+    return object_in(place);
+}
+
+static void insert(MenuItemArray* self, id item, NSUInteger index) {
+    if (!item) [NSException raise:NSInvalidArgumentException format:@"no item to insert"];
+    std::vector<uintptr_t>& places = *self->_places;
+    if (index > places.size()) place_at(self, index);
+    self->_changes++;
+    places.insert(places.begin() + static_cast<ptrdiff_t>(index), place_for([item retain]));
+}
+
 - (NSUInteger)count {
     return _places->size();
 }
 
 - (id)objectAtIndex:(NSUInteger)index {
-    uintptr_t& place = place_at(self, index);
-    if (is_packed(place)) {
-        place = place_for(_packed->unpack(packed_in(place)));
-        if (_isLeft) [object_in(place) setMenu:nil];
-    }
-    return object_in(place);
+    return object_at(self, index);
 }
 
 - (void)insertObject:(id)item atIndex:(NSUInteger)index {
-    if (!item) [NSException raise:NSInvalidArgumentException format:@"no item to insert"];
-    if (index > _places->size()) place_at(self, index);
-    _changes++;
-    _places->insert(_places->begin() + static_cast<ptrdiff_t>(index), place_for([item retain]));
+    insert(self, item, index);
 }
 
 - (void)addObject:(id)item {
@@ -142,6 +151,21 @@ static BOOL is_packed_at(MenuItemArray* self, NSUInteger index, NSUInteger* modi
 static BOOL is_item_array(NSArray* items) {
     static const Class ours = [MenuItemArray class];
     return object_getClass(items) == ours;
+}
+
+void insert_item(NSMutableArray* items, NSMenuItem* item, NSUInteger index) {
+    if (is_item_array(items)) return insert(static_cast<MenuItemArray*>(items), item, index);
+    [items insertObject:item atIndex:index];
+}
+
+NSUInteger count_of_items(NSArray* items) {
+    return is_item_array(items) ? static_cast<MenuItemArray*>(items)->_places->size()
+                                : [items count];
+}
+
+NSMenuItem* item_at(NSArray* items, NSUInteger index) {
+    if (is_item_array(items)) return object_at(static_cast<MenuItemArray*>(items), index);
+    return [items objectAtIndex:index];
 }
 
 void pack_item(NSMutableArray* items, NSUInteger index) {

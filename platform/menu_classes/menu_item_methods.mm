@@ -2,6 +2,8 @@
 // that an item had before it got a submenu.
 #include <AppKit/AppKit.h>
 
+#include <objc/runtime.h>
+
 #include <unordered_map>
 
 #include "look/image_questions.h"
@@ -47,16 +49,11 @@ void set_extras(NSMenuItem* item, NSAttributedString* title, NSView* view) {
 }
 
 struct {
-    IMP copy, update_key_equivalent, set_title, set_image;
+    IMP copy, update_key_equivalent, set_title;
 } stock;
 
 void set_title(NSMenuItem* self, SEL selector, NSString* title) {
     reinterpret_cast<void (*)(id, SEL, id)>(stock.set_title)(self, selector, shared_string(title));
-}
-
-void set_image(NSMenuItem* self, SEL selector, NSImage* image) {
-    NSImage* kept = [image imageForMenuItem];
-    reinterpret_cast<void (*)(id, SEL, id)>(stock.set_image)(self, selector, kept);
 }
 
 id copy_with_zone(NSMenuItem* self, SEL selector, NSZone* zone) {
@@ -93,15 +90,44 @@ namespace {
 // changed.
 bool user_key_equivalents_known, has_user_key_equivalents;
 
-void update_key_equivalent(NSMenuItem* self, SEL selector) {
+bool user_gives_keys() {
     if (!user_key_equivalents_known) {
         [MenuItemInstaller watchDefaults];
         NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
         has_user_key_equivalents = [defaults objectForKey:@"NSUserKeyEquivalents"] != nil;
         user_key_equivalents_known = true;
     }
-    if (!has_user_key_equivalents) return;
+    return has_user_key_equivalents;
+}
+
+void update_key_equivalent(NSMenuItem* self, SEL selector) {
+    if (!user_gives_keys()) return;
     reinterpret_cast<void (*)(id, SEL)>(stock.update_key_equivalent)(self, selector);
+}
+
+// Whether items of this class take titles and keys as all items do. Most items of a menu are of one
+// class, about which the run time is asked once.
+bool takes_texts_as_usual(Class owner) {
+    static const IMP stock_key =
+        class_getMethodImplementation([NSMenuItem class], @selector(setKeyEquivalent:));
+    static Class last;
+    if (owner == last) return true;
+    const IMP title = class_getMethodImplementation(owner, @selector(setTitle:));
+    const IMP key = class_getMethodImplementation(owner, @selector(setKeyEquivalent:));
+    if (title != reinterpret_cast<IMP>(set_title) || key != stock_key) return false;
+    last = owner;
+    return true;
+}
+
+// An object of the class that was asked about last.
+bool is_image(id object) {
+    static const Class image_class = [NSImage class];
+    static Class last;
+    const Class owner = object_getClass(object);
+    if (owner && owner == last) return true;
+    if (![object isKindOfClass:image_class]) return false;
+    last = owner;
+    return true;
 }
 
 }  // namespace
@@ -114,6 +140,28 @@ void update_key_equivalent(NSMenuItem* self, SEL selector) {
 
 - (void)deallocAsPlainObject {
     [super dealloc];
+}
+
+// The messages would tell a menu of changes, and a new item is in none.
+void give_title_and_key(NSMenuItem* self, NSString* title, NSString* key) {
+    if (!title || !key || user_gives_keys() || !takes_texts_as_usual(object_getClass(self))) {
+        [self setKeyEquivalent:key];
+        [self setTitle:title];
+        return;
+    }
+    self->_keyEquivalent = [key copy];
+    self->_title = [shared_string(title) copy];
+}
+
+static void set_image(NSMenuItem* self, SEL, NSImage* image) {
+    NSImage* const kept = [image imageForMenuItem];
+    if (kept && !is_image(kept)) {
+        [NSException raise:NSInvalidArgumentException format:@"%@ is no image", kept];
+    }
+    NSImage* const previous = self->_image;
+    self->_image = [kept retain];
+    [previous release];
+    if (self->_menu) [self->_menu itemChanged:self];
 }
 
 // Does what GNUstep's own method does, which looks up a class by its name for each item.
@@ -217,7 +265,7 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
     const MethodPatch patches[] = {
         {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), nullptr},
         {"NSMenuItem", "setTitle:", reinterpret_cast<IMP>(set_title), &stock.set_title},
-        {"NSMenuItem", "setImage:", reinterpret_cast<IMP>(set_image), &stock.set_image},
+        {"NSMenuItem", "setImage:", reinterpret_cast<IMP>(set_image), nullptr},
         {"NSMenuItem", "copyWithZone:", reinterpret_cast<IMP>(copy_with_zone), &stock.copy},
         {"NSMenuItem", "attributedTitle", reinterpret_cast<IMP>(attributed_title), nullptr},
         {"NSMenuItem", "setAttributedTitle:", reinterpret_cast<IMP>(set_attributed_title), nullptr},

@@ -2,6 +2,7 @@
 // images, and GNUstep looks in the file system twice for every new item.
 #include <AppKit/AppKit.h>
 
+#include "menu_classes/menu_storage.h"
 #include "objc/method_patch.h"
 
 // An item that was told to have no image for a state keeps one of these; nil stands for the usual
@@ -51,9 +52,8 @@ static void set_mixed_image(NSMenuItem* self, SEL, NSImage* image) {
 // Does what GNUstep's own initializer does, except for the images.
 static id light_init(NSMenuItem* self, SEL, NSString* title, SEL action, NSString* key) {
     if (!(self = [self initAsPlainObject])) return nil;
-    [self setKeyEquivalent:key];
+    give_title_and_key(self, title, key);
     self->_keyEquivalentModifierMask = NSCommandKeyMask;
-    [self setTitle:title];
     self->_mnemonicLocation = 255;  // none
     self->_state = NSOffState;
     self->_enabled = YES;

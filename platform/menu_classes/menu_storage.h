@@ -22,6 +22,9 @@
 // Whether the item has a view or an attributed title.
 bool has_extras(NSMenuItem* item);
 
+// Gives a new item its title and its key.
+void give_title_and_key(NSMenuItem* item, NSString* title, NSString* key);
+
 // Called when a menu is deallocated.
 void forget_menu_font(NSMenu* menu);
 

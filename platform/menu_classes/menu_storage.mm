@@ -13,6 +13,14 @@
 
 @implementation NoMenuItems
 
+// The only one stays for ever.
+- (id)retain {
+    return self;
+}
+
+- (oneway void)release {
+}
+
 - (NSUInteger)count {
     return 0;
 }
@@ -85,20 +93,30 @@ static id light_init(NSMenu* self, SEL, NSString* title) {
 // Whoever fills a menu may still work with the items that were added last.
 static void pack_early_item(NSMutableArray* items) {
     static const NSUInteger objects_at_end = 500;
-    const NSUInteger count = [items count];
+    const NSUInteger count = count_of_items(items);
     if (count > objects_at_end) pack_item(items, count - 1 - objects_at_end);
 }
 
-static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {
+// Most items of a menu are of one class, about which the run time is asked once.
+static BOOL is_item(id object) {
     static const Class item_class = [NSMenuItem class];
-    const BOOL ours = [item isKindOfClass:item_class] && ![item menu];
-    [self needArrays];
+    static Class last;
+    const Class owner = object_getClass(object);
+    if (owner && owner == last) return YES;
+    if (![object isKindOfClass:item_class]) return NO;
+    last = owner;
+    return YES;
+}
+
+static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {
+    const BOOL ours = is_item(item) && ![item menu];
+    if (self->_items == no_items() || !self->_notifications) [self needArrays];
     if (self->_view || !ours) {
         reinterpret_cast<void (*)(id, SEL, id, NSInteger)>(stock.insert)(self, selector, item,
                                                                          index);
         return;
     }
-    [self->_items insertObject:item atIndex:index];
+    insert_item(self->_items, item, static_cast<NSUInteger>(index));
     [item setMenu:self];
     pack_early_item(self->_items);
     told_of_change(self, nil);

@@ -42,22 +42,25 @@ class PackedItems {
     // An object whose fields most others of its class share.
     struct Kind {
         Class owner;
-        size_t size_in_words;
+        size_t size;  // in bytes
         Word words[most_words];
     };
     // How an object is packed.
     struct Plan {
-        Word words[most_words];
+        const Word* words;  // the object's; its class, in the first word, is the kind's
+        size_t size;        // in bytes
+        size_t left_out;    // the place of a word that is packed elsewhere; 0: none
         size_t kind;
         uint32_t places;  // a bit for each word that differs from the kind's
+
+        Word word(size_t place) const;
     };
 
     bool plan(id object, size_t left_out, Plan* plan);
-    bool find_kind(Class owner, Plan* plan) const;
-    bool names_either(const Plan& plan, id item, id submenu) const;
+    static bool compare(const Kind& kind, Plan* plan);
+    static bool names_either(const Plan& plan, id item, id submenu);
     void release_fields(const Word*& packed, uint32_t owned) const;
     void write(const Plan& plan, Word mark);
-    Class read(const Word*& packed, Word* words) const;
     void fill_both(const Word* packed, id* item, id* submenu) const;
     void fill(const Word*& packed, id* object) const;
     Word* make_room();

@@ -8,6 +8,7 @@
 #include <initializer_list>
 
 #include "menu_classes/menu_storage.h"
+#include "menu_classes/spare_objects.h"
 
 namespace {
 
@@ -60,10 +61,12 @@ void release(Word field) {
 }
 
 // An object whose class does something when it goes may have told others where it is. C++ fields
-// are destroyed when it goes.
+// are constructed when an object comes and destroyed when it goes.
 bool goes_silently(Class owner, Class stock) {
+    static const SEL construct_fields = sel_registerName(".cxx_construct");
     static const SEL destroy_fields = sel_registerName(".cxx_destruct");
     const SEL deallocate = @selector(dealloc);
+    if (class_respondsToSelector(owner, construct_fields)) return false;
     if (class_respondsToSelector(owner, destroy_fields)) return false;
     return class_getMethodImplementation(owner, deallocate) ==
            class_getMethodImplementation(stock, deallocate);
@@ -93,11 +96,10 @@ bool is_unseen(NSMenu* menu) {
     return is_held_once(menu) && [menu isUntouched] && silent.has(menu);
 }
 
-bool is_unseen_alternate(NSMenuItem* item) {
+bool is_unseen_alternate(NSMenuItem* item, NSMenu* submenu) {
     static SilentClasses silent([NSMenuItem class]);
     if (![item isAlternate] || !is_held_once(item) || [[item keyEquivalent] length]) return false;
     if (has_extras(item) || !silent.has(item)) return false;
-    NSMenu* const submenu = [item submenu];
     return !submenu || is_unseen(submenu);
 }
 
@@ -109,8 +111,8 @@ PackedItems::~PackedItems() {
 }
 
 const Word* PackedItems::pack(NSMenuItem* item) {
-    if (!is_unseen_alternate(item)) return nullptr;
     NSMenu* const submenu = [item submenu];
+    if (!is_unseen_alternate(item, submenu)) return nullptr;
     Plan of_item, of_submenu;
     if (!plan(item, places_of_fields().submenu, &of_item)) return nullptr;
     if (submenu && !plan(submenu, 0, &of_submenu)) return nullptr;
@@ -121,8 +123,8 @@ const Word* PackedItems::pack(NSMenuItem* item) {
     write(of_item, submenu ? submenu_mark : 0);
     if (submenu) write(of_submenu, 0);
     // What the fields refer to belongs to the packed item now.
-    if (submenu) NSDeallocateObject(submenu);
-    NSDeallocateObject(item);
+    if (submenu) keep_spare_menu(submenu);
+    keep_spare_item(item);
     return packed;
 }
 
@@ -163,43 +165,57 @@ NSUInteger PackedItems::modifiers(const Word* packed) const {
     return packed[1 + std::popcount(places & (bit - 1))];
 }
 
-// The class, in the first word, is the kind's; `left_out` is packed elsewhere.
+// The last word of an object may be incomplete.
+Word PackedItems::Plan::word(size_t place) const {
+    const size_t offset = place * sizeof(Word);
+    if (offset + sizeof(Word) <= size) return words[place];
+    Word last = 0;
+    memcpy(&last, words + place, size - offset);
+    return last;
+}
+
 bool PackedItems::plan(id object, size_t left_out, Plan* plan) {
     const Class owner = object_getClass(object);
-    const size_t size = class_getInstanceSize(owner);
-    if (size > sizeof plan->words) return false;
-    memcpy(plan->words, static_cast<void*>(object), size);
-    memset(reinterpret_cast<char*>(plan->words) + size, 0, sizeof plan->words - size);
-    plan->words[0] = plan->words[left_out] = 0;
-    if (find_kind(owner, plan)) return true;
+    *plan = {reinterpret_cast<const Word*>(object), class_getInstanceSize(owner), left_out, 0, 0};
+    if (plan->size > most_words * sizeof(Word)) return false;
+    for (const Kind& kind : kinds_) {
+        if (kind.owner == owner && compare(kind, plan)) return true;
+        plan->kind++;
+    }
     if (kinds_.size() == most_kinds) return false;
-    plan->kind = kinds_.size();
     plan->places = 0;
-    Kind& kind = kinds_.emplace_back(Kind{owner, (size + sizeof(Word) - 1) / sizeof(Word), {}});
-    memcpy(kind.words, plan->words, sizeof kind.words);
+    Kind& kind = kinds_.emplace_back(Kind{owner, plan->size, {}});
+    memcpy(kind.words, plan->words, plan->size);
+    kind.words[0] = kind.words[left_out] = 0;
     return true;
 }
 
-// Whether a field is the item or its submenu, if it has one.
-bool PackedItems::names_either(const Plan& plan, id item, id submenu) const {
-    const Word* const end = plan.words + kinds_[plan.kind].size_in_words;
-    const Word first = reinterpret_cast<Word>(item);
-    const Word second = submenu ? reinterpret_cast<Word>(submenu) : first;
-    return std::any_of(plan.words, end, [&](Word word) { return word == first || word == second; });
+// Whether the object differs little from its kind. This runs for each word of each alternate, so it
+// has no branches within an object.
+bool PackedItems::compare(const Kind& kind, Plan* plan) {
+    const size_t whole = kind.size / sizeof(Word);
+    uint32_t places = 0;
+    for (size_t place = 1; place < whole; place++) {
+        places |= uint32_t(plan->words[place] != kind.words[place]) << place;
+    }
+    if (kind.size % sizeof(Word)) {
+        places |= uint32_t(plan->word(whole) != kind.words[whole]) << whole;
+    }
+    plan->places = places & ~(uint32_t(1) << plan->left_out);
+    return std::popcount(plan->places) <= most_differences;
 }
 
-bool PackedItems::find_kind(Class owner, Plan* plan) const {
-    for (size_t i = 0; i < kinds_.size(); i++) {
-        const Kind& kind = kinds_[i];
-        if (kind.owner != owner) continue;
-        plan->kind = i;
-        plan->places = 0;
-        for (size_t word = 0; word < kind.size_in_words; word++) {
-            plan->places |= uint32_t(plan->words[word] != kind.words[word]) << word;
-        }
-        if (std::popcount(plan->places) <= most_differences) return true;
+// Whether a field is the item or its submenu, if it has one.
+bool PackedItems::names_either(const Plan& plan, id item, id submenu) {
+    const Word first = reinterpret_cast<Word>(item);
+    const Word second = submenu ? reinterpret_cast<Word>(submenu) : first;
+    const size_t whole = plan.size / sizeof(Word);
+    unsigned found = 0;
+    for (size_t place = 1; place < whole; place++) {
+        found += unsigned(plan.words[place] == first) + unsigned(plan.words[place] == second);
     }
-    return false;
+    // The item's own field for its submenu is the one that may name it.
+    return found > (plan.left_out && submenu ? 1U : 0U);
 }
 
 // Each block is as large as all before it: the allocator puts its free pieces in order, which takes
@@ -217,18 +233,8 @@ void PackedItems::write(const Plan& plan, Word mark) {
     Word* const block = blocks_.back().get();
     block[used_++] = plan.kind | Word(plan.places) << places_shift | mark;
     for (uint32_t places = plan.places; places; places &= places - 1) {
-        block[used_++] = plan.words[std::countr_zero(places)];
+        block[used_++] = plan.word(static_cast<size_t>(std::countr_zero(places)));
     }
-}
-
-Class PackedItems::read(const Word*& packed, Word* words) const {
-    const Word head = *packed++;
-    const Kind& kind = kinds_[head & kind_mask];
-    memcpy(words, kind.words, sizeof kind.words);
-    for (uint32_t places = places_in(head); places; places &= places - 1) {
-        words[std::countr_zero(places)] = *packed++;
-    }
-    return kind.owner;
 }
 
 void PackedItems::fill_both(const Word* packed, id* item, id* submenu) const {
@@ -241,13 +247,17 @@ void PackedItems::fill_both(const Word* packed, id* item, id* submenu) const {
 
 // Makes the object, unless there is one of its class.
 void PackedItems::fill(const Word*& packed, id* object) const {
-    Word words[most_words];
-    const Class owner = read(packed, words);
-    if (*object && object_getClass(*object) != owner) {
+    const Word head = *packed++;
+    const Kind& kind = kinds_[head & kind_mask];
+    if (*object && object_getClass(*object) != kind.owner) {
         NSDeallocateObject(*object);
         *object = nil;
     }
-    if (!*object) *object = NSAllocateObject(owner, 0, NSDefaultMallocZone());
-    memcpy(reinterpret_cast<Word*>(*object) + 1, words + 1,
-           class_getInstanceSize(owner) - sizeof(Word));
+    if (!*object) *object = NSAllocateObject(kind.owner, 0, NSDefaultMallocZone());
+    Word* const words = reinterpret_cast<Word*>(*object);
+    memcpy(words + 1, kind.words + 1, kind.size - sizeof(Word));
+    for (uint32_t places = places_in(head); places; places &= places - 1) {
+        const auto place = static_cast<size_t>(std::countr_zero(places));
+        memcpy(words + place, packed++, std::min(sizeof(Word), kind.size - place * sizeof(Word)));
+    }
 }

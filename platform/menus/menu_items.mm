@@ -16,34 +16,37 @@ bool only_heads_submenu(NSMenuItem* item) {
 bool is_submenu_action(SEL action) { return sel_isEqual(action, @selector(submenuAction:)); }
 
 // These look at items without making objects of those that are packed.
-bool is_alternate_of(NSMenuItem* primary, NSArray* items, NSUInteger index) {
-    NSUInteger modifiers;
-    if (is_packed_item(items, index, &modifiers)) return [[primary keyEquivalent] length] == 0;
-    NSMenuItem* item = [items objectAtIndex:index];
-    return [item isAlternate] && [[item keyEquivalent] isEqualToString:[primary keyEquivalent]];
-}
-
 NSUInteger modifiers_of(NSArray* items, NSUInteger index) {
     NSUInteger modifiers;
     if (is_packed_item(items, index, &modifiers)) return modifiers;
-    return [static_cast<NSMenuItem*>([items objectAtIndex:index]) keyEquivalentModifierMask];
+    return [item_at(items, index) keyEquivalentModifierMask];
 }
 
 NSUInteger group_end(NSArray* items, NSUInteger first) {
-    const NSUInteger count = [items count];
-    NSMenuItem* primary = [items objectAtIndex:first];
+    const NSUInteger count = count_of_items(items);
+    NSMenuItem* primary = item_at(items, first);
     NSUInteger end = first + 1;
     if ([primary isSeparatorItem]) return end;
-    while (end < count && is_alternate_of(primary, items, end)) end++;
+    NSString* const key = [primary keyEquivalent];
+    const bool has_key = [key length] != 0;
+    NSUInteger modifiers;
+    for (; end < count; end++) {
+        if (is_packed_item(items, end, &modifiers)) {
+            if (has_key) break;
+            continue;
+        }
+        NSMenuItem* item = item_at(items, end);
+        if (![item isAlternate] || ![[item keyEquivalent] isEqualToString:key]) break;
+    }
     return end;
 }
 
 NSMenuItem* shown_item(NSArray* items, NSUInteger first, NSUInteger end, NSUInteger modifiers) {
     for (NSUInteger i = first + 1; i < end; i++) {
         if ((modifiers_of(items, i) & alternate_modifiers) != modifiers) continue;
-        return [items objectAtIndex:i];
+        return item_at(items, i);
     }
-    return [items objectAtIndex:first];
+    return item_at(items, first);
 }
 
 // A program without an application object has no responders to look through.
@@ -98,7 +101,7 @@ void update_item_by_item(NSMenu* menu, id delegate) {
 }  // namespace
 
 void append_visible_items(NSArray* items, NSUInteger modifiers, NSMutableArray* shown) {
-    const NSUInteger count = [items count];
+    const NSUInteger count = count_of_items(items);
     for (NSUInteger first = 0; first < count;) {
         const NSUInteger end = group_end(items, first);
         [shown addObject:shown_item(items, first, end, modifiers & alternate_modifiers)];

@@ -1,6 +1,7 @@
 #include "menus/menu_levels.h"
 
 #include "desktop/icon_theme.h"
+#include "look/title_line.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_items.h"
 #include "x11/menu_windows.h"
@@ -183,5 +184,6 @@ void MenuLevels::hide() {
 void MenuLevels::clear() {
     levels_.clear();
     images_.clear();
+    TitleLine::forget_glyphs();
     tell_open_levels_changed();
 }

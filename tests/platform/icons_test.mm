@@ -203,6 +203,35 @@ TEST_F(Icons, ResizingOneIconLeavesTheNextAsItWas) {
     EXPECT_EQ([bitmap(second, 32) size].width, 32);
 }
 
+TEST_F(Icons, AnIconThatNobodyLookedAtLeavesNothingToTheNext) {
+    const std::string hidden = folder.file(".b.txt"), text = folder.file("a.txt"),
+                      below = folder.folder("below");
+    for (int turn = 0; turn < 10; turn++) {
+        @autoreleasepool {
+            NSImage* const gone = icon(hidden);
+            [gone setSize:NSMakeSize(7, 9)];
+            [gone setFlipped:YES];
+            [gone setScalesWhenResized:YES];
+            EXPECT_TRUE([gone isOfHiddenFile]);
+        }
+        @autoreleasepool {
+            NSImage *const file = icon(text), *const other = icon(below);
+            EXPECT_NE(file, other);
+            for (NSImage* image in @[ file, other ]) {
+                EXPECT_EQ([image size].width, 48);
+                EXPECT_FALSE([image isFlipped]);
+                EXPECT_FALSE([image scalesWhenResized]);
+                EXPECT_FALSE([image isOfHiddenFile]);
+            }
+            EXPECT_EQ(number(file, 32), 2);
+            EXPECT_EQ(number(other, 32), 3);
+        }
+        @autoreleasepool {
+            EXPECT_NE(icon(""), nil);
+        }
+    }
+}
+
 TEST_F(Icons, NoPathAndMissingFilesGetAnIcon) {
     EXPECT_NE([[NSWorkspace sharedWorkspace] iconForFile:nil], nil);
     EXPECT_NE([[NSWorkspace sharedWorkspace] iconForFile:@""], nil);

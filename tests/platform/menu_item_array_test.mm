@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 #include <host/menu_tracking.h>
 
+#include <objc/runtime.h>
+
+#include <algorithm>
 #include <vector>
 
 #include "support/app.h"
@@ -338,6 +341,28 @@ TEST_F(LargeMenu, ShowsAlternatesThatDifferOnlyInTheirKeys) {
     NSArray* shown = [MenuSession visibleItemsOfMenu:menu withModifiers:NSShiftKeyMask];
     for (int row = 0; row < rows; row++) {
         EXPECT_EQ([[shown objectAtIndex:row] isAlternate], row % 2);
+    }
+    [menu release];
+}
+
+// New items get the memory of packed ones.
+TEST_F(LargeMenu, MakesNewItemsAndSubmenusWithClearFields) {
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NumberedItem* const item = [[NumberedItem alloc] autorelease];
+            NumberedMenu* const submenu = [[NumberedMenu alloc] autorelease];
+            for (id object : {static_cast<id>(item), static_cast<id>(submenu)}) {
+                const auto* const fields = static_cast<const char*>(static_cast<void*>(object));
+                const size_t size = class_getInstanceSize(object_getClass(object));
+                EXPECT_TRUE(std::all_of(fields + sizeof(Class), fields + size,
+                                        [](char byte) { return byte == 0; }));
+            }
+            [item initWithTitle:@"" action:NULL keyEquivalent:@""];
+            [submenu initWithTitle:@""];
+            NumberedItem* const added = static_cast<NumberedItem*>(make_alternate(row));
+            added->number = 10 * row;
+            [menu addItem:added];
+        }
     }
     [menu release];
 }
