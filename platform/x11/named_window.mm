@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "x11/server_connection.h"
+#include "x11/server_monitors.h"
 #include "x11/toolkit_display.h"
 #include "x11/window_connection.h"
 #include "x11/window_manager.h"
@@ -40,6 +41,28 @@ void raise_with_keyboard(const WindowConnection& to, xcb_window_t window) {
          xcb_set_input_focus_checked(to.server, XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME));
 }
 
+bool is_viewable(const WindowConnection& to, xcb_window_t window) {
+    const Reply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
+        to.server, xcb_get_window_attributes(to.server, window), nullptr));
+    return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+}
+
+bool becomes_active(const WindowConnection& to, xcb_window_t window) {
+    constexpr int most_looks = 50, microseconds_between = 20000;
+    for (int look = 0; look < most_looks; look++) {
+        if (active_window(to) == window) return true;
+        usleep(microseconds_between);
+    }
+    return false;
+}
+
+// A Wayland compositor may only mark a window as urgent, but a new window comes to the front.
+void show_anew(const WindowConnection& to, xcb_window_t window) {
+    if (!is_viewable(to, window) || becomes_active(to, window)) return;
+    send(to, xcb_unmap_window_checked(to.server, window));
+    send(to, xcb_map_window_checked(to.server, window));
+}
+
 xcb_window_t owner_of(const WindowConnection& to, const std::string& selection) {
     const Reply<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
         to.server,
@@ -71,6 +94,7 @@ bool bring_named_window_forward(const std::string& name) {
     if (window == XCB_WINDOW_NONE) return false;
     if (has_window_manager(*to)) {
         ask_manager_for(*to, window);
+        if (server_is_xwayland()) show_anew(*to, window);
     } else {
         raise_with_keyboard(*to, window);
     }

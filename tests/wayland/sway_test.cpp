@@ -277,6 +277,20 @@ TEST_F(SwayMenu, StandsAtThePointerAtOneAndAHalfTimesTheScale) {
     pick_by_pointer(folder.path("top/alpha.txt"));
 }
 
+TEST_F(SwayMenu, TheSettingsWindowComesToTheFrontWhenItIsAskedForAgain) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    test::RunningCommand settings({"settings"}, compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has("blur") && !window.has_focus(); }));
+    ASSERT_TRUE(wait_for(
+        [&] { return compositor->tell_sway("[title=native] focus") && window.has_focus(); }));
+    const test::Outcome again = test::run_delvio({"settings"}, compositor->environment());
+    EXPECT_EQ(again.status, 0) << again.err;
+    EXPECT_TRUE(wait_for([&] { return !window.has_focus(); }));
+    settings.send_signal(SIGTERM);
+    EXPECT_EQ(settings.finish().status, 128 + SIGTERM);
+}
+
 TEST_F(SwayMenu, CopyPathReachesWaylandPrograms) {
     NativeWindow window(folder.path("events"), compositor->environment());
     ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
