@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <mutex>
+#include <optional>
 #include <vector>
 
 #include "corefoundation/folder_question.h"
@@ -30,24 +32,34 @@ struct Heard {
     Clock::time_point at;
 };
 
-// By place. Few places are ever asked.
-std::map<std::string, Heard>& all_heard() {
-    static auto& heard = *new std::map<std::string, Heard>;
+// What was heard, by place. Few places are ever asked. No disk is asked with the lock held.
+class AllHeard {
+  public:
+    bool note(const std::string& place, bool is_silent) {
+        const std::lock_guard guard(lock_);
+        if (heard_.size() > 100) heard_.clear();
+        heard_[place] = {is_silent, Clock::now()};
+        return is_silent;
+    }
+
+    std::optional<bool> lately(const std::string& place) const {
+        const std::lock_guard guard(lock_);
+        const auto known = heard_.find(place);
+        if (known == heard_.end()) return {};
+        const Heard& heard = known->second;
+        const auto lasts = heard.is_silent ? moment : moment_of_answer;
+        return Clock::now() - heard.at > lasts ? std::nullopt : std::optional(heard.is_silent);
+    }
+
+  private:
+    mutable std::mutex lock_;
+    std::map<std::string, Heard> heard_;
+};
+
+// Never destroyed: a thread may still ask while the process ends.
+AllHeard& all_heard() {
+    static auto& heard = *new AllHeard;
     return heard;
-}
-
-bool note(const std::string& place, bool is_silent) {
-    if (all_heard().size() > 100) all_heard().clear();
-    all_heard()[place] = {is_silent, Clock::now()};
-    return is_silent;
-}
-
-const Heard* heard_lately(const std::string& place) {
-    const auto known = all_heard().find(place);
-    if (known == all_heard().end()) return nullptr;
-    const Heard& heard = known->second;
-    const auto lasts = heard.is_silent ? moment : moment_of_answer;
-    return Clock::now() - heard.at > lasts ? nullptr : &heard;
 }
 
 // Files that stop answering together. Behind a link only the path itself is known.
@@ -58,11 +70,11 @@ std::string place_of(const std::string& path) {
 
 bool ask(const std::string& path, Look look, bool takes_last_answer) {
     const std::string place = place_of(path);
-    const Heard* const heard = heard_lately(place);
-    if (heard && (heard->is_silent || takes_last_answer)) return heard->is_silent;
+    const std::optional<bool> was_silent = all_heard().lately(place);
+    if (was_silent && (*was_silent || takes_last_answer)) return *was_silent;
     struct stat status;
     const double seconds = place == path ? patience_with_start : patience;
-    return note(place, ask_patiently(path, seconds, &status, look) == Answer::silent);
+    return all_heard().note(place, ask_patiently(path, seconds, &status, look) == Answer::silent);
 }
 
 std::string without_last_slashes(std::string path) {
@@ -96,7 +108,7 @@ struct Folder {
 }  // namespace
 
 bool is_silent_entry(const char* path, size_t length) {
-    static Folder& folder = *new Folder;
+    thread_local Folder folder;
     const auto* const slash = static_cast<const char*>(memrchr(path, '/', length));
     if (path[0] != '/' || length < 2) return false;
     const size_t folder_length = static_cast<size_t>(slash - path) + 1;
@@ -114,11 +126,10 @@ bool is_silent_target(const std::string& path) {
 
 bool is_silent_folder(const std::string& path) {
     const std::string plain = without_last_slashes(path), place = place_of(plain);
-    if (FolderQuestion::has_answered_lately(plain)) return note(place, false);
-    const Heard* const heard = heard_lately(place);
-    if (heard && heard->is_silent) return true;
+    if (FolderQuestion::has_answered_lately(plain)) return all_heard().note(place, false);
+    if (all_heard().lately(place).value_or(false)) return true;
     const auto question = FolderQuestion::ask(plain);
-    return question && note(place, !question->is_answered_in_time(patience));
+    return question && all_heard().note(place, !question->is_answered_in_time(patience));
 }
 
 bool has_disks_within(const std::string& folder) { return !foreign_mounts_in(folder).empty(); }

@@ -1,5 +1,5 @@
 // Whether the disk of a path answers, asked before a call that would wait for it for ever. A disk
-// that has just answered, or has just not, is not asked again for a moment. Main thread.
+// that has just answered, or has just not, is not asked again for a moment. Any thread may ask.
 #pragma once
 
 #include <stddef.h>

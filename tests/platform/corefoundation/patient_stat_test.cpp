@@ -10,6 +10,7 @@
 #include <future>
 
 #include "corefoundation/local_stat.h"
+#include "corefoundation/silent_disks.h"
 #include "support/silent_file_system.h"
 #include "support/temp_folder.h"
 
@@ -195,6 +196,26 @@ TEST_F(PatientStat, LocalDisksSayWhatStatSays) {
     EXPECT_EQ(local_stat(away, &status), Local::unknown);
     EXPECT_NE(local_stat(folder.path("missing"), &status), Local::found);
     EXPECT_EQ(local_stat("", &status), Local::missing);
+}
+
+// With ThreadSanitizer this shows that they do so without a race.
+TEST(SilentDisks, SeveralThreadsMayAskAtTheSameTime) {
+    test::TempFolder folder;
+    const std::string local = folder.file("file");
+    const auto ask = [&local] {
+        int silent_local = 0;
+        for (int turn = 0; turn < 50; turn++) {
+            // The kernel's own files are on no local disk, so they are asked about.
+            is_silent_entry("/proc/" + std::to_string(turn + 1));
+            is_silent_target("/sys/kernel");
+            is_silent_folder("/proc/self/fdinfo");
+            silent_local += is_silent_entry(local) + is_silent_target(local);
+        }
+        return silent_local;
+    };
+    std::vector<std::future<int>> threads;
+    for (int i = 0; i < 4; i++) threads.push_back(std::async(std::launch::async, ask));
+    for (std::future<int>& thread : threads) EXPECT_EQ(thread.get(), 0);
 }
 
 }  // namespace
