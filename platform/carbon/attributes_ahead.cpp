@@ -7,7 +7,6 @@
 #include <string.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -47,8 +46,8 @@ class SignalsHeld {
 }  // namespace
 
 void Attributes::add(const FinderInformation& information) {
-    const auto* const bytes = information.bytes;
-    if (std::all_of(bytes, bytes + sizeof information.bytes, [](uint8_t byte) { return !byte; })) {
+    static constexpr FinderInformation nothing = {};
+    if (memcmp(information.bytes, nothing.bytes, sizeof nothing.bytes) == 0) {
         return read_.push_back(0);
     }
     found_.push_back(information);
