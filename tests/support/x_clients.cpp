@@ -4,8 +4,8 @@
 #include <xcb/res.h>
 #include <xcb/xcb.h>
 
+#include <functional>
 #include <memory>
-#include <string_view>
 
 namespace test {
 
@@ -28,55 +28,51 @@ bool is_of(xcb_connection_t* server, uint32_t resources, pid_t process) {
            static_cast<pid_t>(*xcb_res_client_id_value_value(ids.data)) == process;
 }
 
-bool is_counter(xcb_connection_t* server, uint32_t type) {
+std::string name_of(xcb_connection_t* server, uint32_t atom) {
     const Owner<xcb_get_atom_name_reply_t> name(
-        xcb_get_atom_name_reply(server, xcb_get_atom_name(server, type), nullptr));
-    if (!name) return false;
+        xcb_get_atom_name_reply(server, xcb_get_atom_name(server, atom), nullptr));
+    if (!name) return {};
     const auto length = static_cast<size_t>(xcb_get_atom_name_name_length(name.get()));
-    return std::string_view(xcb_get_atom_name_name(name.get()), length) == "SyncCounter";
+    return {xcb_get_atom_name_name(name.get()), length};
 }
 
-template <bool with_counters>
-int resources_at(xcb_connection_t* server, uint32_t client) {
-    const Owner<xcb_res_query_client_resources_reply_t> reply(xcb_res_query_client_resources_reply(
-        server, xcb_res_query_client_resources(server, client), nullptr));
-    int count = 0;
-    if (!reply) return count;
-    const xcb_res_type_t* types = xcb_res_query_client_resources_types(reply.get());
-    for (uint32_t i = 0; i < reply->num_types; i++) {
-        if (!with_counters && is_counter(server, types[i].resource_type)) continue;
-        count += static_cast<int>(types[i].count);
-    }
-    return count;
-}
-
-int connection(xcb_connection_t*, uint32_t) { return 1; }
-
-// The sum of what `measure` says of each connection of the process.
-int sum_of(pid_t process, int (*measure)(xcb_connection_t*, uint32_t)) {
+// Calls `visit` with each connection of the process; false where the server cannot tell.
+bool visit_connections(pid_t process,
+                       const std::function<void(xcb_connection_t*, uint32_t)>& visit) {
     xcb_connection_t* server = xcb_connect(nullptr, nullptr);
     const Owner<xcb_res_query_version_reply_t> version(
         xcb_res_query_version_reply(server, xcb_res_query_version(server, 1, 2), nullptr));
     const Owner<xcb_res_query_clients_reply_t> clients(
         xcb_res_query_clients_reply(server, xcb_res_query_clients(server), nullptr));
-    int count = version && clients ? 0 : -1;
-    if (count == 0) {
-        const xcb_res_client_t* all = xcb_res_query_clients_clients(clients.get());
-        for (uint32_t i = 0; i < clients->num_clients; i++) {
-            if (!is_of(server, all[i].resource_base, process)) continue;
-            count += measure(server, all[i].resource_base);
-        }
+    const bool tells = version && clients;
+    for (uint32_t i = 0; tells && i < clients->num_clients; i++) {
+        const uint32_t resources = xcb_res_query_clients_clients(clients.get())[i].resource_base;
+        if (is_of(server, resources, process)) visit(server, resources);
     }
     xcb_disconnect(server);
-    return count;
+    return tells;
 }
 
 }  // namespace
 
-int connections_of(pid_t process) { return sum_of(process, connection); }
+int connections_of(pid_t process) {
+    int count = 0;
+    return visit_connections(process, [&](auto*, uint32_t) { count++; }) ? count : -1;
+}
 
-int resources_of(pid_t process) { return sum_of(process, resources_at<true>); }
-
-int resources_but_counters_of(pid_t process) { return sum_of(process, resources_at<false>); }
+Resources resources_of(pid_t process) {
+    Resources all;
+    visit_connections(process, [&](xcb_connection_t* server, uint32_t client) {
+        const Owner<xcb_res_query_client_resources_reply_t> reply(
+            xcb_res_query_client_resources_reply(
+                server, xcb_res_query_client_resources(server, client), nullptr));
+        if (!reply) return;
+        const xcb_res_type_t* types = xcb_res_query_client_resources_types(reply.get());
+        for (uint32_t i = 0; i < reply->num_types; i++) {
+            all[name_of(server, types[i].resource_type)] += static_cast<int>(types[i].count);
+        }
+    });
+    return all;
+}
 
 }  // namespace test
