@@ -52,10 +52,12 @@ class House:
 
     @functools.lru_cache(None)
     def included(self, file):
-        """The names of what a file includes, through this house's headers too."""
+        """What a file includes, through this house's headers too, and the classes declared there."""
         names, seen, waiting = set(), {file}, [file]
         while waiting:
-            for name in INCLUDE.findall(waiting.pop().read_text()):
+            text = waiting.pop().read_text()
+            names.update(re.findall(r"\w+", " ".join(re.findall(r"^@class ([^;]*);", text, re.M))))
+            for name in INCLUDE.findall(text):
                 target = self.target(name)
                 names.add(name)
                 if target and target not in seen:
@@ -73,10 +75,10 @@ class House:
     def missing_in(self, file):
         text = "\n".join(line for line in file.read_text().splitlines() if not line.lstrip().startswith("#"))
         text = COMMENT_OR_TEXT.sub("", text)
-        declared = set(re.findall(r"\w+", " ".join(re.findall(r"@class ([^;]*);", text))))
+        included = self.included(file)
         for header, names in NAMES.items():
             enough = {header} | BROUGHT_ALONG.get(header, set())
-            if set(re.findall(names, text)) - declared and not self.included(file) & enough:
+            if set(re.findall(names, text)) - included and not included & enough:
                 yield f"{file.relative_to(self.root)} does not include <{header}>"
 
 

@@ -4,8 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <functional>
 #include <string>
+
+#include "support/waiting.h"
 
 // Included last, because its macros break other headers.
 #include <X11/Xlib.h>
@@ -91,11 +92,6 @@ class FrontProcess : public testing::Test {
         XSync(display_, False);
     }
 
-    static bool becomes(const std::function<bool()>& condition) {
-        for (int i = 0; i < 500 && !condition(); i++) usleep(20000);
-        return condition();
-    }
-
     Window window_of_another_process() {
         int ends[2];
         EXPECT_EQ(pipe(ends), 0);
@@ -122,7 +118,8 @@ class FrontProcess : public testing::Test {
             execlp("openbox", "openbox", "--sm-disable", static_cast<char*>(nullptr));
             _exit(127);
         }
-        ASSERT_TRUE(becomes([this] { return has_property(root_, "_NET_SUPPORTING_WM_CHECK"); }));
+        ASSERT_TRUE(
+            test::wait_for([this] { return has_property(root_, "_NET_SUPPORTING_WM_CHECK"); }));
     }
 
     bool has_property(Window window, const char* name) const {
@@ -221,15 +218,15 @@ TEST_F(FrontProcess, IsNobodysWhenTheActiveWindowWentWithItsProcess) {
     set_number(root_, "_NET_ACTIVE_WINDOW", window_of_another_process());
     EXPECT_EQ(front_process(), "other");
     kill(other_, SIGTERM);
-    EXPECT_TRUE(becomes([this] { return front_process() == nobody; }));
+    EXPECT_TRUE(test::wait_for([this] { return front_process() == nobody; }));
 }
 
 TEST_F(FrontProcess, FollowsARealWindowManager) {
     start_window_manager();
     const Window own = make_window(this_process);
     const Window other = window_of_another_process();
-    EXPECT_TRUE(becomes([&] { return activate(own), front_process() == "this"; }));
-    EXPECT_TRUE(becomes([&] { return activate(other), front_process() == "other"; }));
+    EXPECT_TRUE(test::wait_for([&] { return activate(own), front_process() == "this"; }));
+    EXPECT_TRUE(test::wait_for([&] { return activate(other), front_process() == "other"; }));
 }
 
 }  // namespace
