@@ -1,11 +1,13 @@
 #include "desktop/drop_target.h"
 
+#include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <fstream>
+#include <iostream>
 
 extern char** environ;
 
@@ -21,6 +23,9 @@ DropTarget::DropTarget(const std::string& record, int x, int y, const std::strin
 }
 
 DropTarget::~DropTarget() {
+    if (testing::Test::HasFailure()) {
+        for (const std::string& line : lines()) std::cerr << "drop target: " << line << "\n";
+    }
     if (process_ <= 0) return;
     kill(process_, SIGKILL);
     waitpid(process_, nullptr, 0);

@@ -1,5 +1,5 @@
 # Another program to drop files on: a GTK 3 window. It writes its events to a file, one per line:
-# "ready", "over", "left", and "got" with the received addresses.
+# "ready", "over", "left", "dropped", and "got" with the received addresses.
 #   drop_target.py FILE X Y TYPE
 import sys
 import gi
@@ -22,6 +22,11 @@ def over(widget, context, x, y, time):
     return False
 
 
+def dropped(*_):
+    tell("dropped")
+    return False
+
+
 def got(widget, context, x, y, data, info, time):
     tell("got " + " ".join(data.get_uris()))
 
@@ -33,6 +38,7 @@ window.drag_dest_set(Gtk.DestDefaults.ALL, [Gtk.TargetEntry.new(kind, 0, 0)],
                      Gdk.DragAction.COPY | Gdk.DragAction.MOVE | Gdk.DragAction.LINK)
 window.connect("drag-motion", over)
 window.connect("drag-leave", lambda *_: tell("left"))
+window.connect("drag-drop", dropped)
 window.connect("drag-data-received", got)
 window.connect("map-event", lambda *_: tell("ready"))
 window.show_all()
