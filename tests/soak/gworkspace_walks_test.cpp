@@ -101,16 +101,6 @@ class GWorkspaceWalks : public ViewerDesk {
         return made - freed;
     }
 
-    soak::Held settled() const {
-        soak::Held held, before;
-        EXPECT_TRUE(wait_until([&] {
-            before = held;
-            held = soak::held_by(manager().process());
-            usleep(300000);  // between two looks that must be alike
-            return held.files == before.files && held.resources == before.resources;
-        }));
-        return held;
-    }
     long allocated() const { return atol(manager().ask("memory").c_str()); }
 };
 
@@ -123,10 +113,10 @@ TEST_F(GWorkspaceWalks, LeaveGWorkspaceAsItWas) {
         walk();
         ASSERT_FALSE(HasFailure()) << "walk " << number << ": " << walker_.story();
         if (number != first - 1) continue;
-        held = settled();
+        held = soak::settled(manager().process());
         memory = allocated();
     }
-    const soak::Held now = settled();
+    const soak::Held now = soak::settled(manager().process());
     printf("after %d walks: %s\nafter %d more: %s, %+ld KiB allocated\n", first,
            soak::described(held).c_str(), all, soak::described(now).c_str(),
            (allocated() - memory) >> 10);

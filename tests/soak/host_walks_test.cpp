@@ -143,18 +143,6 @@ struct HostWalks : test::ResidentScene {
         }
         return text;
     }
-
-    // The client ends before the host has put the menu away.
-    soak::Held settled(pid_t process) const {
-        soak::Held held, before;
-        EXPECT_TRUE(test::wait_for([&] {
-            before = held;
-            held = soak::held_by(process);
-            usleep(300000);  // between two looks that must be alike
-            return held.files == before.files && held.resources == before.resources;
-        }));
-        return held;
-    }
 };
 
 TEST_F(HostWalks, LeaveTheHostAsItWas) {
@@ -169,12 +157,12 @@ TEST_F(HostWalks, LeaveTheHostAsItWas) {
         if (number < first - 1) continue;
         if (number == first - 1) {
             process = host();
-            held = settled(process);
+            held = soak::settled(process);
             files = temporary_files();
         }
         ASSERT_EQ(host(), process) << "walk " << number << ": " << walker.story() << log();
     }
-    const soak::Held now = settled(process);
+    const soak::Held now = soak::settled(process);
     printf("after %d walks: %s\nafter %d more: %s\n", first, soak::described(held).c_str(), all,
            soak::described(now).c_str());
     EXPECT_LE(now.files, held.files + soak::files_opened_once);

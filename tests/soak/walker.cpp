@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "support/heap.h"
+#include "support/settled.h"
 #include "support/x_clients.h"
 
 namespace fs = std::filesystem;
@@ -108,6 +109,14 @@ Held held_by(int process) {
     }
     held.memory = test::anonymous_memory(process);
     return held;
+}
+
+Held settled(int process) {
+    test::settled([&] {
+        const Held held = held_by(process);
+        return std::pair(held.files, held.resources);
+    });
+    return held_by(process);
 }
 
 std::string described(const Held& held) {

@@ -54,6 +54,8 @@ struct Held {
     std::vector<std::string> open_files;
 };
 Held held_by(int process);
+// Once its files and resources no longer change: a menu is put away after its client has ended.
+Held settled(int process);
 // Beyond what a process held at first: what it opens once, when something is first done. A leak in
 // one of some walks is more.
 inline constexpr int files_opened_once = 8, resources_made_once = 30;

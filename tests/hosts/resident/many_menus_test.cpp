@@ -1,11 +1,10 @@
 // What two hundred menus leave behind in the resident host.
-#include <unistd.h>
-
 #include <filesystem>
 #include <string>
 
 #include "hosts/resident/scene.h"
 #include "support/heap.h"
+#include "support/settled.h"
 #include "support/x_clients.h"
 
 namespace fs = std::filesystem;
@@ -40,21 +39,6 @@ std::string described(const Held& held) {
     return text;
 }
 
-// The client ends before the host has put the menu away: what it holds has settled when it stays
-// the same for a second.
-Held settled(pid_t process) {
-    Held held = held_by(process);
-    int same = 0;
-    EXPECT_TRUE(test::wait_for([&] {
-        usleep(200000);
-        const Held now = held_by(process);
-        same = now == held ? same + 1 : 0;
-        held = now;
-        return same >= 5;
-    }));
-    return held;
-}
-
 struct ManyMenus : test::ResidentScene {
     void show(int times) {
         for (int i = 0; i < times && !HasFailure(); ++i) EXPECT_EQ(show_and_close().status, 0);
@@ -68,7 +52,8 @@ TEST_F(ManyMenus, TwoHundredMenusLeaveTheHostAsItWasAfterTheTenth) {
     show(first);
     const pid_t process = host();
     [[maybe_unused]] const long memory = test::anonymous_memory(process);
-    const Held held = settled(process);
+    // The client ends before the host has put the menu away.
+    const Held held = test::settled([&] { return held_by(process); }, 50);
     ASSERT_FALSE(held.resources.empty());
     show(all - first);
     EXPECT_EQ(host(), process);
