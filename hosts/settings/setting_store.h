@@ -17,5 +17,5 @@ void store_setting(const Setting& setting, const SettingValue& value);
 void reset_setting(const Setting& setting);
 // False when the settings cannot be saved.
 bool save_settings();
-// One line that says so, where, and what the user can do.
+// What to tell the user when the settings cannot be saved: the folder, and what to check. One line.
 std::string saving_problem();

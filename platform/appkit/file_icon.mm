@@ -62,8 +62,8 @@ LinkState link_state(std::string path) {
     return files::patient_stat(path, 0.2) ? is_link : is_broken_link;
 }
 
-// Icons that went without having been looked at. They keep their texts and colour, which the next
-// icon mostly needs again. Any thread may release an icon.
+// Released icons that nobody had looked at. They keep their texts and colour, because the next icon
+// mostly has the same ones. Any thread may release an icon.
 std::atomic<void*> spares[2];
 
 bool keep_spare(void* icon) {

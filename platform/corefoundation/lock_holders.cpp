@@ -30,7 +30,7 @@ std::string text_of(const std::string& path) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-// Seconds since the process began; of one that has gone, less than nothing.
+// Seconds since the process began; negative for a process that has gone.
 double age_of(const std::string& process) {
     const std::string text = text_of(process + "/stat");
     // The program's name, in parentheses, may hold anything.

@@ -142,7 +142,7 @@ bool is_image(id object) {
     [super dealloc];
 }
 
-// The messages would tell a menu of changes, and a new item is in none.
+// Sets the fields without messages, which would tell the item's menu: a new item is in no menu.
 void give_title_and_key(NSMenuItem* self, NSString* title, NSString* key) {
     if (!title || !key || user_gives_keys() || !takes_texts_as_usual(object_getClass(self))) {
         [self setKeyEquivalent:key];
