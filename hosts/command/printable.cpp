@@ -2,8 +2,6 @@
 
 #include <glib.h>
 
-#include <algorithm>
-
 namespace {
 
 bool changes_direction(gunichar character) {
@@ -19,6 +17,13 @@ bool is_unprintable(gunichar character) {
 }
 
 bool is_plain(char byte) { return byte >= 0x20 && byte < 0x7f; }
+
+// Without a way out of the loop, several bytes are compared at a time.
+bool has_only_plain(std::string_view text) {
+    bool plain = true;
+    for (const char byte : text) plain &= is_plain(byte);
+    return plain;
+}
 
 // Calls `take` with each character; for a byte that is not part of one, with -1.
 template <typename Take>
@@ -41,14 +46,17 @@ void for_each_character(std::string_view text, Take take) {
 }  // namespace
 
 std::string printable(std::string_view text, std::string_view mark) {
-    if (std::ranges::all_of(text, is_plain)) return std::string(text);
+    if (has_only_plain(text)) return std::string(text);
     std::string result;
     result.reserve(text.size());
+    const char* kept = text.data();  // up to here, `result` has the text
     for_each_character(text, [&](gunichar character, std::string_view bytes) {
         const bool invalid = character == static_cast<gunichar>(-1);
-        result += invalid || is_unprintable(character) ? mark : bytes;
+        if (!invalid && !is_unprintable(character)) return;
+        result.append(kept, bytes.data()) += mark;
+        kept = bytes.data() + bytes.size();
     });
-    return result;
+    return result.append(kept, text.data() + text.size());
 }
 
 std::string printable_json(std::string_view json) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <AppKit/AppKit.h>
+#include <host/menu_tracking.h>
 
 #include "popup/menu_snapshot.h"
 
@@ -18,11 +19,13 @@ class ItemReader {
     ItemReader(const ItemReader&) = delete;
     ItemReader& operator=(const ItemReader&) = delete;
 
-    // The record stays until the next call.
-    const ItemSnapshot& read(NSMenuItem* item);
+    // Reads the menu's item at this index. The record stays until the next call.
+    const ItemSnapshot& read(NSMenu* menu, NSInteger index);
 
   private:
-    void read_title(NSMenuItem* item);
+    void read_item(NSMenuItem* item);
+    void read_alternate(const AlternateFields& item);
+    void read_title(NSString* title);
     void read_details(NSMenuItem* item);
 
     const bool details_;

@@ -32,27 +32,36 @@ std::string color_of(NSMenuItem* item) {
     return text;
 }
 
-}  // namespace
-
-std::string utf8_text(NSString* string) {
+void take_text(NSString* string, std::string* text) {
     // Without an object. A text with a NUL inside ends there.
     char buffer[1024];
     const BOOL fits = [string getCString:buffer
                                maxLength:sizeof buffer
                                 encoding:NSUTF8StringEncoding];
-    if (fits && strlen(buffer) >= [string length]) return buffer;
+    const size_t size = fits ? strlen(buffer) : 0;
+    if (fits && size >= [string length]) {
+        text->assign(buffer, size);
+        return;
+    }
     NSData* data = [string dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
-    if (!data) return {};
-    return {static_cast<const char*>([data bytes]), [data length]};
+    if (!data) return text->clear();
+    text->assign(static_cast<const char*>([data bytes]), [data length]);
+}
+
+}  // namespace
+
+std::string utf8_text(NSString* string) {
+    std::string text;
+    take_text(string, &text);
+    return text;
 }
 
 // A title never changes: an item that gets another one gets another string.
-void ItemReader::read_title(NSMenuItem* item) {
-    NSString* const title = snapshot_.separator ? nil : [item title];
+void ItemReader::read_title(NSString* title) {
     if (title == title_) return;
     [title_ release];
     title_ = [title retain];
-    snapshot_.title = title ? utf8_text(title) : std::string();
+    take_text(title, &snapshot_.title);
 }
 
 void ItemReader::read_details(NSMenuItem* item) {
@@ -68,14 +77,33 @@ void ItemReader::read_details(NSMenuItem* item) {
     details.submenu_title = snapshot_.has_submenu ? utf8_text([[item submenu] title]) : "";
 }
 
-const ItemSnapshot& ItemReader::read(NSMenuItem* item) {
+void ItemReader::read_alternate(const AlternateFields& item) {
+    snapshot_.separator = false;
+    read_title(item.title);
+    snapshot_.enabled = item.is_enabled;
+    snapshot_.alternate = true;
+    snapshot_.modifiers = item.modifiers;
+    snapshot_.image = item.has_image;
+    snapshot_.has_submenu = item.has_submenu;
+}
+
+void ItemReader::read_item(NSMenuItem* item) {
     snapshot_.separator = [item isSeparatorItem];
-    read_title(item);
+    read_title(snapshot_.separator ? nil : [item title]);
     snapshot_.enabled = !snapshot_.separator && [item isEnabled];
     snapshot_.alternate = [item isAlternate];
     snapshot_.modifiers = snapshot_.alternate ? [item keyEquivalentModifierMask] : 0;
     snapshot_.image = [item image] != nil;
     snapshot_.has_submenu = [item hasSubmenu];
     if (details_) read_details(item);
+}
+
+const ItemSnapshot& ItemReader::read(NSMenu* menu, NSInteger index) {
+    AlternateFields alternate;
+    if (!details_ && [menu readAlternate:&alternate atIndex:index]) {
+        read_alternate(alternate);
+    } else {
+        read_item([menu glanceAtItemAtIndex:index]);
+    }
     return snapshot_;
 }

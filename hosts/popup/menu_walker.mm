@@ -43,12 +43,11 @@ bool is_being_made(NSArray* rows) {
     return false;
 }
 
-// The rows when all are made.
-NSArray* made_rows(NSMenu* menu) {
+// Waits until all rows are made.
+void wait_for_rows(NSMenu* menu) {
     NSDate* end = [NSDate dateWithTimeIntervalSinceNow:seconds_to_make];
-    for (;;) {
-        NSArray* const rows = shown_items(menu);
-        if (!is_being_made(rows) || [end timeIntervalSinceNow] <= 0) return rows;
+    while ([menu hasItemWithView]) {
+        if (!is_being_made(shown_items(menu)) || [end timeIntervalSinceNow] <= 0) return;
         NSDate* turn = [NSDate dateWithTimeIntervalSinceNow:seconds_a_turn];
         [[NSRunLoop currentRunLoop] runMode:NSEventTrackingRunLoopMode beforeDate:turn];
     }
@@ -160,8 +159,7 @@ bool open_by_titles(MenuSession* session, const std::vector<std::string>& titles
 }
 
 - (void)walk:(MenuSession*)session {
-    NSMenu* const root = [session rootMenu];
-    [self readMenu:root rows:shown_items(root) ofSession:session level:0];
+    [self readMenu:[session rootMenu] ofSession:session level:0];
 }
 
 // Whether another submenu may be opened; counts the submenus that may not.
@@ -181,32 +179,37 @@ static void keep_until_end(NSMenu* menu) {
 
 - (void)readSubmenu:(NSMenu*)submenu ofSession:(MenuSession*)session level:(int)level {
     keep_until_end(submenu);
-    [self readMenu:submenu rows:made_rows(submenu) ofSession:session level:level];
+    wait_for_rows(submenu);
+    [self readMenu:submenu ofSession:session level:level];
     _writer->end_submenu();
+}
+
+static NSMenuItem* item_to_open(NSMenu* menu, NSInteger index, const ItemSet& openable) {
+    if (openable.empty()) return nil;
+    NSMenuItem* const item = [menu glanceAtItemAtIndex:index];
+    return openable.contains(item) ? item : nil;
 }
 
 // Reads an open level, and the levels below it down to the depth. Items that only other modifier
 // keys would show are listed, but not opened.
-- (void)readMenu:(NSMenu*)menu
-            rows:(NSArray*)rows
-       ofSession:(MenuSession*)session
-           level:(int)level {
-    const ItemSet openable = level < _depth ? with_submenus(rows) : ItemSet();
+- (void)readMenu:(NSMenu*)menu ofSession:(MenuSession*)session level:(int)level {
+    const ItemSet openable = level < _depth ? with_submenus(shown_items(menu)) : ItemSet();
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    for (NSInteger i = 0; i < [menu numberOfItems]; i++) {
+    NSInteger count = [menu numberOfItems];
+    for (NSInteger i = 0; i < count; i++) {
         if (i % rows_a_pool == 0) {
             [pool release];
             pool = [NSAutoreleasePool new];
         }
-        NSMenuItem* item = [menu glanceAtItemAtIndex:i];
-        const ItemSnapshot& snapshot = _items->read(item);
-        const BOOL is_wanted = snapshot.has_submenu && openable.contains(item);
+        const ItemSnapshot& snapshot = _items->read(menu, i);
+        NSMenuItem* const item = item_to_open(menu, i, openable);
         const BOOL is_opened =
-            is_wanted && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item];
+            item && [self hasRoomAtLevel:level] && [session openSubmenuOfItem:item];
         _writer->add(snapshot, is_opened);
         if (is_opened) {
             [self readSubmenu:[item submenu] ofSession:session level:level + 1];
             [session closeLevelsBelowMenu:menu];
+            count = [menu numberOfItems];  // what was opened may have changed the menu
         }
         _rows++;
     }

@@ -32,20 +32,23 @@ SplitPath split_anew(NSString* path) {
     return {shared_string(characters, end), shared_string(characters + end, length - end)};
 }
 
+void exchange(NSString** kept, NSString* text) {
+    if (*kept == text) return;
+    [*kept release];
+    *kept = [text retain];
+}
+
 // Icons of the same file are asked for one after another, often with the same string. A string that
 // may change is copied here, and so is never found again.
-SplitPath split(NSString* path) {
+const SplitPath& split(NSString* path) {
     static NSString* last;
     static SplitPath parts;
     if (path == last) return parts;
-    const SplitPath previous = parts;
+    const SplitPath next = split_anew(path);
+    exchange(&parts.folder, next.folder);
+    exchange(&parts.leaf, next.leaf);
     [last release];
     last = [path copy];
-    parts = split_anew(path);
-    [parts.folder retain];
-    [parts.leaf retain];
-    [previous.folder release];
-    [previous.leaf release];
     return parts;
 }
 
@@ -79,12 +82,6 @@ void* take_spare() {
         if (void* const icon = spare.exchange(nullptr)) return icon;
     }
     return nullptr;
-}
-
-void exchange(NSString** kept, NSString* text) {
-    if (*kept == text) return;
-    [*kept release];
-    *kept = [text retain];
 }
 
 NSColor* clear_color() {

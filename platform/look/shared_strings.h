@@ -9,3 +9,5 @@
 NSString* shared_string(const unichar* characters, NSUInteger length);
 // The same, for an equal string. Nil for nil.
 NSString* shared_string(NSString* string);
+// The same; the caller owns it.
+NSString* copy_of_shared_string(NSString* string);

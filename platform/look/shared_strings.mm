@@ -2,6 +2,8 @@
 
 #include <string.h>
 
+#include <algorithm>
+
 namespace {
 
 // Characters are compared here, as GNUstep compares strings by composed characters, which takes
@@ -11,25 +13,34 @@ const NSUInteger most_characters = 256;
 struct TextLayout {
     NSString* string;  // retained
     NSUInteger length;
+    unsigned long used;  // the number of the last use
     unichar characters[most_characters];
 };
 
 TextLayout last[3];
-unsigned oldest;
+unsigned long uses;
 
 const TextLayout* find(const unichar* characters, NSUInteger length) {
-    for (const TextLayout& text : last) {
+    for (TextLayout& text : last) {
         const bool is_equal = text.string && text.length == length &&
                               memcmp(text.characters, characters, length * sizeof(unichar)) == 0;
-        if (is_equal) return &text;
+        if (!is_equal) continue;
+        text.used = ++uses;
+        return &text;
     }
     return nullptr;
 }
 
-// Takes ownership of the string.
+bool is_remembered(NSString* string) {
+    return string &&
+           std::ranges::any_of(last, [&](const TextLayout& text) { return text.string == string; });
+}
+
+// Takes ownership of the string. A text that is used again and again, as a level's folder is,
+// stays.
 NSString* remember(NSString* string, const unichar* characters, NSUInteger length) {
-    TextLayout& text = last[oldest];
-    oldest = (oldest + 1) % 3;
+    TextLayout& text = *std::ranges::min_element(last, {}, &TextLayout::used);
+    text.used = ++uses;
     [text.string autorelease];
     text.string = string;
     text.length = length;
@@ -49,13 +60,17 @@ NSString* shared_string(const unichar* characters, NSUInteger length) {
 }
 
 NSString* shared_string(NSString* string) {
-    for (const TextLayout& text : last) {
-        if (text.string && text.string == string) return string;
-    }
+    if (is_remembered(string)) return string;
     const NSUInteger length = [string length];
     if (!string || length > most_characters) return string;
     unichar characters[most_characters];
     [string getCharacters:characters range:NSMakeRange(0, length)];
     if (const TextLayout* known = find(characters, length)) return known->string;
     return remember([string copy], characters, length);
+}
+
+// What is remembered never changes, so it is its own copy.
+NSString* copy_of_shared_string(NSString* string) {
+    NSString* const shared = shared_string(string);
+    return is_remembered(shared) ? [shared retain] : [shared copy];
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <AppKit/AppKit.h>
+#include <host/menu_tracking.h>
 
 #include <vector>
 
@@ -35,6 +36,8 @@ NSMenuItem* glance_at_item(NSArray* items, NSUInteger index);
 // Whether the item is packed: then it is an alternate without a key equivalent, for these modifier
 // keys.
 BOOL is_packed_item(NSArray* items, NSUInteger index, NSUInteger* modifiers);
+// Whether the item is packed; then *fields has its fields.
+BOOL read_packed_item(NSArray* items, NSUInteger index, AlternateFields* fields);
 NSMenuItem* item_with_submenu(NSArray* items, NSMenu* submenu);
 // An array that never changes has none.
 NSUInteger changes_of_items(NSArray* items);

@@ -71,6 +71,13 @@ static BOOL is_packed_at(MenuItemArray* self, NSUInteger index, NSUInteger* modi
     return YES;
 }
 
+static BOOL read_packed_at(MenuItemArray* self, NSUInteger index, AlternateFields* fields) {
+    const uintptr_t place = place_at(self, index);
+    if (!is_packed(place)) return NO;
+    *fields = self->_packed->fields(packed_in(place));
+    return YES;
+}
+
 static NSMenuItem* object_at(MenuItemArray* self, NSUInteger index) {
     uintptr_t& place = place_at(self, index);
     if (is_packed(place)) {
@@ -85,7 +92,9 @@ static void insert(MenuItemArray* self, id item, NSUInteger index) {
     std::vector<uintptr_t>& places = *self->_places;
     if (index > places.size()) place_at(self, index);
     self->_changes++;
-    places.insert(places.begin() + static_cast<ptrdiff_t>(index), place_for([item retain]));
+    const uintptr_t place = place_for([item retain]);
+    if (index == places.size()) return places.push_back(place);  // as nearly always
+    places.insert(places.begin() + static_cast<ptrdiff_t>(index), place);
 }
 
 - (NSUInteger)count {
@@ -185,6 +194,11 @@ NSMenuItem* glance_at_item(NSArray* items, NSUInteger index) {
 BOOL is_packed_item(NSArray* items, NSUInteger index, NSUInteger* modifiers) {
     if (!is_item_array(items)) return NO;
     return is_packed_at(static_cast<MenuItemArray*>(items), index, modifiers);
+}
+
+BOOL read_packed_item(NSArray* items, NSUInteger index, AlternateFields* fields) {
+    if (!is_item_array(items)) return NO;
+    return read_packed_at(static_cast<MenuItemArray*>(items), index, fields);
 }
 
 @end

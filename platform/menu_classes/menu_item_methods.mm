@@ -10,6 +10,7 @@
 #include "look/shared_strings.h"
 #include "menu_classes/menu_item_array.h"
 #include "menu_classes/menu_storage.h"
+#include "objc/last_class.h"
 #include "objc/method_patch.h"
 
 namespace {
@@ -80,6 +81,8 @@ void set_attributed_title(NSMenuItem* self, SEL, NSAttributedString* title) {
 
 bool has_extras(NSMenuItem* item) { return find_extras(item) != nullptr; }
 
+bool no_item_has_extras() { return all_extras().empty(); }
+
 @interface MenuItemInstaller : NSObject
 + (void)watchDefaults;
 @end
@@ -105,29 +108,29 @@ void update_key_equivalent(NSMenuItem* self, SEL selector) {
     reinterpret_cast<void (*)(id, SEL)>(stock.update_key_equivalent)(self, selector);
 }
 
-// Whether items of this class take titles and keys as all items do. Most items of a menu are of one
-// class, about which the run time is asked once.
-bool takes_texts_as_usual(Class owner) {
+// Whether the item takes titles and keys as all items do.
+bool takes_texts_as_usual(NSMenuItem* item) {
     static const IMP stock_key =
         class_getMethodImplementation([NSMenuItem class], @selector(setKeyEquivalent:));
-    static Class last;
-    if (owner == last) return true;
-    const IMP title = class_getMethodImplementation(owner, @selector(setTitle:));
-    const IMP key = class_getMethodImplementation(owner, @selector(setKeyEquivalent:));
-    if (title != reinterpret_cast<IMP>(set_title) || key != stock_key) return false;
-    last = owner;
-    return true;
+    static LastClass known;
+    return known.fits(item, [&] {
+        const Class owner = object_getClass(item);
+        const IMP title = class_getMethodImplementation(owner, @selector(setTitle:));
+        const IMP key = class_getMethodImplementation(owner, @selector(setKeyEquivalent:));
+        return title == reinterpret_cast<IMP>(set_title) && key == stock_key;
+    });
 }
 
-// An object of the class that was asked about last.
 bool is_image(id object) {
     static const Class image_class = [NSImage class];
-    static Class last;
-    const Class owner = object_getClass(object);
-    if (owner && owner == last) return true;
-    if (![object isKindOfClass:image_class]) return false;
-    last = owner;
-    return true;
+    static LastClass known;
+    return known.fits(object, [&] { return [object isKindOfClass:image_class]; });
+}
+
+// A literal is never freed, so it is its own copy.
+NSString* copy_of_key(NSString* key) {
+    static const Class literal_class = object_getClass(@"");
+    return object_getClass(key) == literal_class ? key : [key copy];
 }
 
 }  // namespace
@@ -144,13 +147,13 @@ bool is_image(id object) {
 
 // Sets the fields without messages, which would tell the item's menu: a new item is in no menu.
 void give_title_and_key(NSMenuItem* self, NSString* title, NSString* key) {
-    if (!title || !key || user_gives_keys() || !takes_texts_as_usual(object_getClass(self))) {
+    if (!title || !key || user_gives_keys() || !takes_texts_as_usual(self)) {
         [self setKeyEquivalent:key];
         [self setTitle:title];
         return;
     }
-    self->_keyEquivalent = [key copy];
-    self->_title = [shared_string(title) copy];
+    self->_keyEquivalent = copy_of_key(key);
+    self->_title = copy_of_shared_string(title);
 }
 
 static void set_image(NSMenuItem* self, SEL, NSImage* image) {

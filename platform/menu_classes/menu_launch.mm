@@ -9,9 +9,13 @@
 
 @implementation MenuLaunchObserver
 
+static MenuLaunchObserver* observer;
+
+void observe_launch() {
+    if (!observer) [MenuLaunchObserver start];
+}
+
 + (void)start {
-    static MenuLaunchObserver* observer;
-    if (observer) return;
     observer = [self new];
     NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
     [center addObserver:observer

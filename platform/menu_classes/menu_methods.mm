@@ -24,6 +24,8 @@ void keep_font(NSMenu* menu, NSFont* font) {
 
 }  // namespace
 
+bool has_menu_font(NSMenu* menu) { return !fonts().empty() && fonts().contains(menu); }
+
 void forget_menu_font(NSMenu* menu) { keep_font(menu, nil); }
 
 @implementation NSMenu (MacMenuMethods)

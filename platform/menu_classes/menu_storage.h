@@ -14,22 +14,24 @@
 - (void)needStockRepresentation;
 @end
 
-@interface NSMenu (Untouched)
 // Whether nothing was added to the menu and nothing of it was made since it was initialized.
-- (BOOL)isUntouched;
-@end
+bool is_untouched(NSMenu* menu);
 
 // Whether the item has a view or an attributed title.
 bool has_extras(NSMenuItem* item);
+// Whether no item of any menu has either.
+bool no_item_has_extras();
 
 // Gives a new item its title and its key.
 void give_title_and_key(NSMenuItem* item, NSString* title, NSString* key);
 
+bool has_menu_font(NSMenu* menu);
 // Called when a menu is deallocated.
 void forget_menu_font(NSMenu* menu);
 
 // Tells the main menu and its submenus when the application has launched or becomes active.
 @interface MenuLaunchObserver : NSObject
-// Starts once a process; further calls do nothing.
 + (void)start;
 @end
+// Starts it once a process; further calls do nothing.
+void observe_launch();

@@ -5,6 +5,7 @@
 
 #include "menu_classes/menu_changes.h"
 #include "menu_classes/menu_item_array.h"
+#include "objc/last_class.h"
 #include "objc/method_patch.h"
 
 // The item array that all menus without items share, as most submenus are never opened.
@@ -60,9 +61,10 @@ static NSMutableArray* no_items() {
     _items = [MenuItemArray new];
 }
 
-- (BOOL)isUntouched {
-    return _items == no_items() && !_notifications && !_view && !_aWindow && !_bWindow &&
-           !_attachedMenu && !_popUpButtonCell && ![self font];
+bool is_untouched(NSMenu* self) {
+    return self->_items == no_items() && !self->_notifications && !self->_view && !self->_aWindow &&
+           !self->_bWindow && !self->_attachedMenu && !self->_popUpButtonCell &&
+           !has_menu_font(self);
 }
 
 // The main menu is drawn anew when anything on it has changed.
@@ -82,11 +84,11 @@ static void told_of_change(NSMenu* self, NSMenuItem* item) {
 static id light_init(NSMenu* self, SEL, NSString* title) {
     if (!(self = [self initAsPlainObject])) return nil;
     self->_title = [title copy];
-    self->_items = [no_items() retain];
+    self->_items = no_items();
     self->_menu.changedMessagesEnabled = YES;
     self->_menu.needsSizing = YES;
     self->_menu.autoenable = YES;
-    [MenuLaunchObserver start];
+    observe_launch();
     return self;
 }
 
@@ -97,15 +99,10 @@ static void pack_early_item(NSMutableArray* items) {
     if (count > objects_at_end) pack_item(items, count - 1 - objects_at_end);
 }
 
-// Most items of a menu are of one class, about which the run time is asked once.
-static BOOL is_item(id object) {
+static bool is_item(id object) {
     static const Class item_class = [NSMenuItem class];
-    static Class last;
-    const Class owner = object_getClass(object);
-    if (owner && owner == last) return YES;
-    if (![object isKindOfClass:item_class]) return NO;
-    last = owner;
-    return YES;
+    static LastClass known;
+    return known.fits(object, [&] { return [object isKindOfClass:item_class]; });
 }
 
 static void light_insert(NSMenu* self, SEL selector, NSMenuItem* item, NSInteger index) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <AppKit/AppKit.h>
+#include <host/menu_tracking.h>
 
 #include <stdint.h>
 
@@ -35,6 +36,7 @@ class PackedItems {
     void drop(const Word* packed) const;
     // The item's modifier keys. Its key equivalent is empty.
     NSUInteger modifiers(const Word* packed) const;
+    AlternateFields fields(const Word* packed) const;
 
   private:
     static constexpr size_t most_words = 32;
@@ -64,6 +66,7 @@ class PackedItems {
     void fill_both(const Word* packed, id* item, id* submenu) const;
     void fill(const Word*& packed, id* object) const;
     Word* make_room();
+    Word field(const Word* packed, size_t place) const;
 
     std::vector<Kind> kinds_;
     std::vector<std::unique_ptr<Word[]>> blocks_;

@@ -9,6 +9,7 @@
 
 #include "menu_classes/menu_storage.h"
 #include "menu_classes/spare_objects.h"
+#include "objc/last_class.h"
 
 namespace {
 
@@ -27,10 +28,11 @@ constexpr Word kind_mask = 0xff, submenu_mark = Word(1) << 40;
 
 uint32_t places_in(Word head) { return static_cast<uint32_t>(head >> places_shift); }
 
-size_t place_of(Class owner, const char* field) {
-    return static_cast<size_t>(ivar_getOffset(class_getInstanceVariable(owner, field))) /
-           sizeof(Word);
+size_t offset_of(Class owner, const char* field) {
+    return static_cast<size_t>(ivar_getOffset(class_getInstanceVariable(owner, field)));
 }
+
+size_t place_of(Class owner, const char* field) { return offset_of(owner, field) / sizeof(Word); }
 
 // A bit for each place.
 uint32_t places_of(Class owner, std::initializer_list<const char*> fields) {
@@ -44,6 +46,10 @@ struct Places {
     Class item = [NSMenuItem class], menu = [NSMenu class];
     size_t submenu = place_of(item, "_submenu");
     size_t modifiers = place_of(item, "_keyEquivalentModifierMask");
+    size_t title = place_of(item, "_title"), image = place_of(item, "_image");
+    size_t enabled = place_of(item, "_enabled");
+    // Of the byte within its word.
+    unsigned enabled_shift = 8 * (offset_of(item, "_enabled") % sizeof(Word));
     // What an object releases when it goes. A menu that is packed has no more than these.
     uint32_t owned_by_item =
         places_of(item, {"_title", "_keyEquivalent", "_image", "_onStateImage", "_offStateImage",
@@ -72,34 +78,25 @@ bool goes_silently(Class owner, Class stock) {
            class_getMethodImplementation(stock, deallocate);
 }
 
-// Objects of a kind of class: nearly all are of one class, about which the run time is asked once.
-class SilentClasses {
-  public:
-    explicit SilentClasses(Class stock) : stock_(stock) {}
-    bool has(id object) {
-        const Class owner = object_getClass(object);
-        if (owner == last_) return is_silent_;
-        last_ = owner;
-        return is_silent_ = goes_silently(owner, stock_);
-    }
+bool is_silent(NSMenu* menu) {
+    static LastClass known;
+    return known.fits(
+        menu, [&] { return goes_silently(object_getClass(menu), places_of_fields().menu); });
+}
 
-  private:
-    const Class stock_;
-    Class last_ = nil;
-    bool is_silent_ = false;
-};
+bool is_silent(NSMenuItem* item) {
+    static LastClass known;
+    return known.fits(
+        item, [&] { return goes_silently(object_getClass(item), places_of_fields().item); });
+}
 
 bool is_held_once(id object) { return NSExtraRefCount(object) == 0; }
 
-bool is_unseen(NSMenu* menu) {
-    static SilentClasses silent([NSMenu class]);
-    return is_held_once(menu) && [menu isUntouched] && silent.has(menu);
-}
+bool is_unseen(NSMenu* menu) { return is_held_once(menu) && is_untouched(menu) && is_silent(menu); }
 
 bool is_unseen_alternate(NSMenuItem* item, NSMenu* submenu) {
-    static SilentClasses silent([NSMenuItem class]);
     if (![item isAlternate] || !is_held_once(item) || [[item keyEquivalent] length]) return false;
-    if (has_extras(item) || !silent.has(item)) return false;
+    if (has_extras(item) || !is_silent(item)) return false;
     return !submenu || is_unseen(submenu);
 }
 
@@ -158,11 +155,25 @@ void PackedItems::release_fields(const Word*& packed, uint32_t owned) const {
     }
 }
 
-NSUInteger PackedItems::modifiers(const Word* packed) const {
-    const size_t place = places_of_fields().modifiers;
+// A field of the item itself.
+Word PackedItems::field(const Word* packed, size_t place) const {
     const uint32_t places = places_in(*packed), bit = uint32_t(1) << place;
     if (!(places & bit)) return kinds_[*packed & kind_mask].words[place];
     return packed[1 + std::popcount(places & (bit - 1))];
+}
+
+NSUInteger PackedItems::modifiers(const Word* packed) const {
+    return field(packed, places_of_fields().modifiers);
+}
+
+AlternateFields PackedItems::fields(const Word* packed) const {
+    const Places& places = places_of_fields();
+    const Word enabled = field(packed, places.enabled) >> places.enabled_shift;
+    return {.title = reinterpret_cast<NSString*>(field(packed, places.title)),
+            .modifiers = modifiers(packed),
+            .is_enabled = (enabled & 0xff) != 0,
+            .has_image = field(packed, places.image) != 0,
+            .has_submenu = (*packed & submenu_mark) != 0};
 }
 
 // The last word of an object may be incomplete.
@@ -212,7 +223,7 @@ bool PackedItems::names_either(const Plan& plan, id item, id submenu) {
     const size_t whole = plan.size / sizeof(Word);
     unsigned found = 0;
     for (size_t place = 1; place < whole; place++) {
-        found += unsigned(plan.words[place] == first) + unsigned(plan.words[place] == second);
+        found += unsigned(plan.words[place] == first) | unsigned(plan.words[place] == second);
     }
     // The item's own field for its submenu is the one that may name it.
     return found > (plan.left_out && submenu ? 1U : 0U);

@@ -5,6 +5,7 @@
 #include <objc/runtime.h>
 
 #include "menu_classes/menu_item_array.h"
+#include "menu_classes/menu_storage.h"
 #include "menus/menu_items.h"
 #include "menus/menu_memory.h"
 #include "menus/menu_presenter.h"
@@ -69,6 +70,19 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
 
 - (NSMenuItem*)glanceAtItemAtIndex:(NSInteger)index {
     return glance_at_item([self itemArray], static_cast<NSUInteger>(index));
+}
+
+- (BOOL)readAlternate:(AlternateFields*)fields atIndex:(NSInteger)index {
+    return read_packed_item([self itemArray], static_cast<NSUInteger>(index), fields);
+}
+
+- (BOOL)hasItemWithView {
+    if (no_item_has_extras()) return NO;
+    NSArray* const items = [self itemArray];
+    for (NSUInteger i = 0; i < count_of_items(items); i++) {
+        if ([glance_at_item(items, i) view]) return YES;
+    }
+    return NO;
 }
 
 - (void)_popUpContextMenu:(NSMenu*)menu

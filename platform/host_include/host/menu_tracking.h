@@ -79,6 +79,14 @@ enum MenuMark {
                 font:(NSFont*)font;
 @end
 
+// What an alternate item shows. In a large menu an alternate has no object until somebody asks for
+// it.
+struct AlternateFields {
+    NSString* title;  // as long as the item is in its menu
+    NSUInteger modifiers;
+    BOOL is_enabled, has_image, has_submenu;
+};
+
 @interface NSMenu (MenuTracking)
 // The tracker of every contextual menu of this process; nil is the presenter, which shows it on
 // the screen. Not retained.
@@ -95,6 +103,10 @@ enum MenuMark {
 // somebody asks for it, and a walk that only reads all items need not make them: this one may stand
 // for another item at the next call.
 - (NSMenuItem*)glanceAtItemAtIndex:(NSInteger)index;
+// Whether the item at this index is an alternate without an object; then *fields has its fields.
+- (BOOL)readAlternate:(struct AlternateFields*)fields atIndex:(NSInteger)index;
+// Whether an item of the menu, shown or not, has a view.
+- (BOOL)hasItemWithView;
 @end
 
 @interface NSMenu (RowTips)
