@@ -2,6 +2,8 @@
 
 #include <Foundation/Foundation.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/keysym.h>
 
 #include "objc/method_patch.h"
 
@@ -24,6 +26,16 @@ void focus(id self, SEL selector, void* window) {
     reinterpret_cast<void (*)(id, SEL, void*)>(stock_focus)(self, selector, window);
 }
 
+// A key without a character, such as Escape, an arrow or Shift. Such a key begins no character of
+// several keys. Those of the input methods themselves stand in the middle of the others.
+bool has_no_character(const XKeyEvent* key) {
+    XKeyEvent asked = *key;
+    KeySym symbol = NoSymbol;
+    XLookupString(&asked, nullptr, 0, &symbol, nullptr);
+    const bool is_for_input_method = symbol >= XK_Multi_key && symbol < XK_Home;
+    return symbol >= XK_BackSpace && symbol <= XK_Delete && !is_for_input_method;
+}
+
 // Opens the input method and gives it the key, which it would otherwise have seen before the
 // application did. True if it keeps the key, as it does with the first of several that make a
 // character.
@@ -38,7 +50,7 @@ bool open_with_key(id self, XKeyEvent* key, void* window) {
 }
 
 NSString* look_up(id self, SEL selector, XKeyEvent* key, void* window, KeySym* symbol) {
-    if (self == waiting && open_with_key(self, key, window)) {
+    if (self == waiting && !has_no_character(key) && open_with_key(self, key, window)) {
         if (symbol) *symbol = NoSymbol;
         return nil;
     }

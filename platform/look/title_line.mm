@@ -39,6 +39,32 @@ std::vector<cairo_glyph_t>& drawn_glyphs() {
     return glyphs;
 }
 
+struct FreeItems {
+    void operator()(GList* items) const {
+        g_list_free_full(items, reinterpret_cast<GDestroyNotify>(pango_item_free));
+    }
+};
+using Items = std::unique_ptr<GList, FreeItems>;
+
+// The parts of the text that each have one font and one direction, as a layout in the font of
+// `line` has them.
+Items parts_of(const TextLayout& line, const std::string& text) {
+    PangoAttrList* const attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes,
+                           pango_attr_font_desc_new(pango_layout_get_font_description(line.get())));
+    Items items(pango_itemize(pango_layout_get_context(line.get()), text.data(), 0,
+                              static_cast<int>(text.size()), attributes, nullptr));
+    pango_attr_list_unref(attributes);
+    return items;
+}
+
+bool has_all(PangoFont* font, const std::string& letters) {
+    for (const char* at = letters.c_str(); *at; at = g_utf8_next_char(at)) {
+        if (!pango_font_has_char(font, g_utf8_get_char(at))) return false;
+    }
+    return true;
+}
+
 // How Pango lays out Latin text in the font of a look.
 class LatinFont {
   public:
@@ -53,8 +79,9 @@ class LatinFont {
         for (unichar c = first_letter; c <= last_letter; c++) {
             if (is_accented_letter(c)) append_utf8(c, &letters);
         }
-        has_accents_ = take_from(line_text(look, letters));
-        if (!has_accents_) take_from(line_text(look, letters.substr(0, signs)));
+        const TextLayout line = line_text(look, "Latin");
+        has_accents_ = take_from(line, letters);
+        if (!has_accents_) take_from(line, letters.substr(0, signs));
     }
     ~LatinFont() {
         if (item_) pango_item_free(item_);
@@ -126,16 +153,17 @@ class LatinFont {
                look.italic == italic_ && look.family == family_;
     }
 
-    // False when Pango does not draw all of the line in one font and one direction.
-    bool take_from(const TextLayout& line) {
-        const PangoLayoutLine* const first = pango_layout_get_line_readonly(line.get(), 0);
-        if (!first || !first->runs || first->runs->next) return false;
-        const auto* const run = static_cast<const PangoGlyphItem*>(first->runs->data);
-        if (run->item->analysis.level != 0 || !PANGO_IS_CAIRO_FONT(run->item->analysis.font) ||
-            pango_layout_get_unknown_glyphs_count(line.get()) != 0) {
+    // False when Pango does not draw all of the letters in one font and one direction. The line has
+    // the look's font, and stands for all of them: laying out all letters, which measures each,
+    // takes ten million instructions of a program's start.
+    bool take_from(const TextLayout& line, const std::string& letters) {
+        const Items items = parts_of(line, letters);
+        const auto* const item = static_cast<const PangoItem*>(items ? items->data : nullptr);
+        if (!item || items->next || item->analysis.level != 0 ||
+            !PANGO_IS_CAIRO_FONT(item->analysis.font) || !has_all(item->analysis.font, letters)) {
             return false;
         }
-        item_ = pango_item_copy(run->item);
+        item_ = pango_item_copy(const_cast<PangoItem*>(item));
         baseline_ = pango_layout_get_baseline(line.get());
         height_ = text_height(line);
         return true;
