@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "look/shared_strings.h"
+#include "objc/last_class.h"
 #include "support/app.h"
 #include "support/heap.h"
 
@@ -380,4 +382,85 @@ TEST_F(LargeMenu, IsReadWithoutMakingItsItems) {
     }
     EXPECT_LT(test::memory_in_use(), before + 100 * size_t(264));
     [menu release];
+}
+
+TEST_F(LargeMenu, TellsTheFieldsOfItemsWithoutObjects) {
+    NSImage* const image = [[[NSImage alloc] initWithSize:NSMakeSize(16, 16)] autorelease];
+    for (int row = 0; row < rows; row++) {
+        @autoreleasepool {
+            NSMenuItem* item = make_alternate(row);
+            [item setEnabled:row % 3 != 0];
+            if (row % 5 == 0) [item setImage:image];
+            if (row % 7 == 0) [item setSubmenu:nil];
+            [menu addItem:item];
+        }
+    }
+    int told = 0;
+    for (int row = 0; row < rows; row++) {
+        AlternateFields fields;
+        if (![menu readAlternate:&fields atIndex:row]) continue;
+        told++;
+        EXPECT_TRUE([fields.title isEqualToString:title(row)]);
+        EXPECT_EQ(fields.modifiers, NSUInteger(row % 2 ? NSShiftKeyMask : NSAlternateKeyMask));
+        EXPECT_EQ(fields.is_enabled, row % 3 != 0);
+        EXPECT_EQ(fields.has_image, row % 5 == 0);
+        EXPECT_EQ(fields.has_submenu, row % 7 != 0);
+    }
+    EXPECT_GT(told, rows / 3);
+    [menu itemAtIndex:0];
+    AlternateFields fields;
+    EXPECT_FALSE([menu readAlternate:&fields atIndex:0]) << "somebody has the object";
+    [menu release];
+}
+
+TEST_F(LargeMenu, SaysWhetherAnItemHasAView) {
+    fill();
+    EXPECT_FALSE([menu hasItemWithView]);
+    NSAttributedString* const text = [[[NSAttributedString alloc] initWithString:@"text"
+                                                                      attributes:nil] autorelease];
+    [[menu itemAtIndex:rows] setAttributedTitle:text];
+    EXPECT_FALSE([menu hasItemWithView]);
+    NSView* const view = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, 8, 8)] autorelease];
+    [[menu itemAtIndex:rows + 1] setView:view];
+    EXPECT_TRUE([menu hasItemWithView]);
+    [menu release];
+}
+
+TEST(SharedStrings, KeepATextThatIsUsedAgainAndAgain) {
+    test::start_application();
+    @autoreleasepool {
+        const unichar folder[] = {'/', 'f', '/'};
+        NSString* const first = shared_string(folder, 3);
+        for (unichar c = 'a'; c <= 'z'; c++) {
+            @autoreleasepool {
+                NSString* const name = shared_string(&c, 1);
+                NSString* const same = [NSString stringWithCharacters:&c length:1];
+                NSString* const owned = copy_of_shared_string(same);
+                EXPECT_EQ(owned, name);
+                [owned release];
+                EXPECT_EQ(shared_string(folder, 3), first);
+            }
+        }
+    }
+}
+
+TEST(LastClass, AsksOnceForObjectsOfOneClassAndAgainForAnother) {
+    test::start_application();
+    @autoreleasepool {
+        LastClass known;
+        int questions = 0;
+        const auto is_text = [&](id object) {
+            return known.fits(object, [&] {
+                questions++;
+                return [object isKindOfClass:[NSString class]];
+            });
+        };
+        NSNumber* const number = [NSNumber numberWithInt:1];
+        EXPECT_TRUE(is_text(@"a") && is_text(@"b"));
+        EXPECT_EQ(questions, 1);
+        EXPECT_FALSE(is_text(number) || is_text(number));
+        EXPECT_EQ(questions, 2);
+        EXPECT_FALSE(is_text(nil));
+        EXPECT_TRUE(is_text(@"c"));
+    }
 }
