@@ -6,8 +6,6 @@
 #include <stdlib.h>
 #include <string.h>
 
-#include <string>
-
 #include "controller/DVDelvio.h"
 #include "items/DVDelvio+Labels.h"
 #include "tree/dv_state.h"
@@ -26,10 +24,11 @@ NSString* title_for_tree(dv_tree_t* tree) {
 // An element's items are made one after another, so the last path is kept as a string. A path that
 // is not valid UTF-8 cannot become one.
 NSString* string_of_path(const char* path) {
-    static std::string& last = *new std::string;
+    static char* last;
     static NSString* string;
-    if (string && last == path) return string;
-    last = path;
+    if (last && strcmp(last, path) == 0) return string;
+    free(last);
+    last = strdup(path);
     [string release];
     return string = [[NSString alloc] initWithUTF8String:path];
 }
