@@ -1,5 +1,6 @@
-// Follows the open menus, and shows them to assistive technology where some is active. Without it,
-// a menu costs two questions to the X server; nothing is loaded, and nothing stays connected.
+// Follows the open menus and panels, and shows them to assistive technology where some is active.
+// Without it, a menu costs two questions to the X server; nothing is loaded, and nothing stays
+// connected.
 #include <dlfcn.h>
 
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include "accessibility/shown_menus.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_run.h"
+#include "panels/shown_panel.h"
 
 namespace {
 
@@ -73,6 +75,7 @@ class MenuListener {
     // It lives as long as the process: its connection may still be in use while the process ends.
     static MenuListener* const listener = new MenuListener;
     add_open_levels_listener([] { listener->follow(); });
+    add_panel_listener([] { listener->follow(); });
 }
 
 @end

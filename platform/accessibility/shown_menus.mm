@@ -2,13 +2,21 @@
 
 #include <algorithm>
 
+#include "accessibility/panel_rows.h"
 #include "appkit/row_tips.h"
 #include "menus/menu_items.h"
 #include "menus/menu_run.h"
+#include "panels/shown_panel.h"
 
 namespace {
 
-MenuLevel& shown(size_t level) { return *MenuRun::current()->levels()[level]; }
+// The panel, if this level is one.
+WidgetPanel* panel_at(size_t level) { return level == 0 ? shown_panel() : nil; }
+
+// A level's place among those of the menu's run.
+size_t place_in_run(size_t level) { return level - (shown_panel() ? 1 : 0); }
+
+MenuLevel& shown(size_t level) { return *MenuRun::current()->levels()[place_in_run(level)]; }
 
 const MenuRow& shown_row(size_t level, int row) { return shown(level).layout().rows()[row]; }
 
@@ -36,10 +44,11 @@ std::string ShownMenus::application() const {
 
 size_t ShownMenus::levels() const {
     const MenuRun* const run = MenuRun::current();
-    return run ? run->levels().size() : 0;
+    return (shown_panel() ? 1 : 0) + (run ? run->levels().size() : 0);
 }
 
 OpenLevel ShownMenus::level(size_t level) const {
+    if (WidgetPanel* panel = panel_at(level)) return level_of(panel);
     const MenuLevel& open = shown(level);
     OpenLevel answer;
     answer.number = open.number();
@@ -48,16 +57,22 @@ OpenLevel ShownMenus::level(size_t level) const {
     answer.rows = static_cast<int>(open.layout().rows().size());
     answer.highlighted = open.layout().row_of([session() highlightedItemOfMenu:open.menu()]);
     answer.name = text([open.menu() title]);
-    if (level) {
-        NSMenuItem* const parent = MenuRun::current()->parent_item(level);
+    if (const size_t place = place_in_run(level)) {
+        NSMenuItem* const parent = MenuRun::current()->parent_item(place);
         answer.parent_row = shown(level - 1).layout().row_of(parent);
+    } else if (WidgetPanel* panel = shown_panel()) {
+        answer.parent_row = level_of(panel).highlighted;  // the widget that has opened the menu
     }
     return answer;
 }
 
-Area ShownMenus::level_area(size_t level) const { return shown(level).panel(); }
+Area ShownMenus::level_area(size_t level) const {
+    WidgetPanel* const panel = panel_at(level);
+    return panel ? area_of(panel) : shown(level).panel();
+}
 
 OpenRow ShownMenus::row(size_t level, int row) const {
+    if (WidgetPanel* panel = panel_at(level)) return row_of(panel, row);
     const MenuRow& place = shown_row(level, row);
     NSMenuItem* const item = place.item;
     OpenRow answer;
@@ -77,9 +92,13 @@ OpenRow ShownMenus::row(size_t level, int row) const {
     return answer;
 }
 
-Area ShownMenus::row_area(size_t level, int row) const { return shown(level).row_area(row); }
+Area ShownMenus::row_area(size_t level, int row) const {
+    WidgetPanel* const panel = panel_at(level);
+    return panel ? row_area_of(panel, row) : shown(level).row_area(row);
+}
 
 RowPlace ShownMenus::row_place(size_t level, int row) const {
+    if (WidgetPanel* panel = panel_at(level)) return row_place_of(panel, row);
     const MenuLayout& layout = shown(level).layout();
     const int count = static_cast<int>(layout.rows().size());
     if (revision_ != layout.revision()) {
@@ -94,9 +113,13 @@ RowPlace ShownMenus::row_place(size_t level, int row) const {
     return {row + 1 - skipped, count - static_cast<int>(separators_.size())};
 }
 
-int ShownMenus::row_at(size_t level, MenuPoint point) const { return shown(level).row_at(point); }
+int ShownMenus::row_at(size_t level, MenuPoint point) const {
+    WidgetPanel* const panel = panel_at(level);
+    return panel ? ::row_at(panel, point) : shown(level).row_at(point);
+}
 
 bool ShownMenus::highlight(size_t level, int row) {
+    if (WidgetPanel* panel = panel_at(level)) return focus_row(panel, row);
     NSMenuItem* const item = item_at(level, row);
     if (!can_highlight(item)) return false;
     [session() highlightItem:item inMenu:shown(level).menu()];
@@ -105,6 +128,7 @@ bool ShownMenus::highlight(size_t level, int row) {
 }
 
 bool ShownMenus::pick(size_t level, int row) {
+    if (WidgetPanel* panel = panel_at(level)) return hit_row(panel, row);
     NSMenuItem* const item = item_at(level, row);
     if (!can_pick(item)) return open_submenu(level, row);
     [session() pickItem:item];
@@ -113,6 +137,7 @@ bool ShownMenus::pick(size_t level, int row) {
 
 // The submenu of a folder whose disk is slow opens later.
 bool ShownMenus::open_submenu(size_t level, int row) {
+    if (WidgetPanel* panel = panel_at(level)) return hit_row(panel, row);
     NSMenuItem* const item = item_at(level, row);
     if (![item hasSubmenu] || !can_highlight(item)) return false;
     [session() openSubmenuOfItem:item];
@@ -121,6 +146,7 @@ bool ShownMenus::open_submenu(size_t level, int row) {
 
 bool ShownMenus::close_submenu(size_t level, int row) {
     if (level + 1 >= levels() || this->level(level + 1).parent_row != row) return false;
+    if (panel_at(level)) return false;
     [session() closeLevelsBelowMenu:shown(level).menu()];
     return true;
 }

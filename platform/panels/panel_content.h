@@ -50,7 +50,8 @@ struct Widget {
     Sign sign = Sign::none;  // of a sign
     int group = 0;           // of a row: above 0
     std::shared_ptr<_cairo_surface> picture = {};
-    std::string hint = "";  // of an empty field: what to write there
+    std::string hint = "";   // of an empty field: what to write there
+    std::string label = "";  // what the value of a choice or field is for, in words
 
     // Whether mouse or keys can hit the widget.
     bool can_be_hit() const;

@@ -79,7 +79,7 @@ bool edit(TextEdit* edit, unichar key, NSEvent* event) {
     if (!edit(&written, key, event)) return NO;
     field->text = written.text;
     _state.caret = written.caret;
-    [self setNeedsDisplay:YES];
+    [self changed];
     return YES;
 }
 

@@ -14,6 +14,7 @@
 @interface WidgetPanel : DialogPanel {
   @private
     BOOL _isModal;
+    unsigned _number;
 }
 // `hit` is called with the item of a widget.
 - (instancetype)initWithTitle:(NSString*)title
@@ -22,12 +23,22 @@
 // The caller may change the widgets, but must not add or remove any, and then sends
 // `widgetsChanged`; or it sets another content.
 - (PanelContent&)content;
+// No other panel has had it.
+- (unsigned)number;
+// The item of the widget with the focus; 0 for none.
+- (int)focusedItem;
+// Where the next character goes in a field with the focus, in bytes.
+- (size_t)caret;
 - (void)widgetsChanged;
 // Shows other widgets at the same size.
 - (void)setContent:(const PanelContent&)content;
 - (void)focusItem:(int)item;
+// Hits the widget when the run loop comes to it, as the hit may open another window.
+- (void)hitItemSoon:(int)item;
 // From now on files may be dropped on the panel; the listener gets their paths.
 - (void)setDropListener:(const std::function<void(const std::vector<std::string>&)>&)listener;
-// The middle of a widget, in pixels of the server; {-1, -1} without such a widget.
+// The place of a widget, in pixels of the server.
+- (Area)placeOfWidget:(const Widget&)widget;
+// The middle of a widget there; {-1, -1} without such a widget.
 - (MenuPoint)middleOfItem:(int)item;
 @end

@@ -1,5 +1,6 @@
 #include "panels/widget_panel.h"
 
+#include "panels/shown_panel.h"
 #include "panels/widget_view.h"
 #include "x11/screens.h"
 
@@ -8,8 +9,22 @@
 - (instancetype)initWithTitle:(NSString*)title
                       content:(const PanelContent&)content
                           hit:(const std::function<void(int)>&)hit {
+    static unsigned last_number;
     WidgetView* view = [[[WidgetView alloc] initWithContent:content hit:hit] autorelease];
-    return [super initWithView:view title:title];
+    if ((self = [super initWithView:view title:title])) _number = ++last_number;
+    return self;
+}
+
+- (unsigned)number {
+    return _number;
+}
+
+- (int)focusedItem {
+    return [[self widgetView] state].focused;
+}
+
+- (size_t)caret {
+    return [[self widgetView] state].caret;
 }
 
 - (WidgetView*)widgetView {
@@ -21,7 +36,7 @@
 }
 
 - (void)widgetsChanged {
-    [[self widgetView] setNeedsDisplay:YES];
+    [[self widgetView] changed];
 }
 
 - (void)setContent:(const PanelContent&)content {
@@ -30,6 +45,15 @@
 
 - (void)focusItem:(int)item {
     [[self widgetView] focusItem:item];
+}
+
+- (void)hitItemSoon:(int)item {
+    NSArray* modes = @[ NSModalPanelRunLoopMode, NSDefaultRunLoopMode ];
+    [self performSelector:@selector(hitNumber:) withObject:@(item) afterDelay:0 inModes:modes];
+}
+
+- (void)hitNumber:(NSNumber*)item {
+    [[self widgetView] hit:[item intValue]];
 }
 
 - (void)setDropListener:(const std::function<void(const std::vector<std::string>&)>&)listener {
@@ -47,19 +71,26 @@
 }
 
 - (NSInteger)runModal {
+    const PanelRun run(self);
     _isModal = YES;
     const NSInteger code = [super runModal];
     _isModal = NO;
     return code;
 }
 
+- (Area)placeOfWidget:(const Widget&)widget {
+    const Area& area = widget.area;
+    const NSPoint corner = [[self contentView] convertPoint:NSMakePoint(area.left, area.top)
+                                                     toView:nil];
+    const MenuPoint place = server_point([self convertBaseToScreen:corner]);
+    return {place.x, place.y, area.width, area.height};
+}
+
 - (MenuPoint)middleOfItem:(int)item {
     const Widget* widget = [self content].widget(item);
     if (!widget) return {-1, -1};
-    const Area& area = widget->area;
-    const NSPoint middle = NSMakePoint(area.left + area.width / 2, area.top + area.height / 2);
-    const NSPoint base = [[self contentView] convertPoint:middle toView:nil];
-    return server_point([self convertBaseToScreen:base]);
+    const Area area = [self placeOfWidget:*widget];
+    return {area.left + area.width / 2, area.top + area.height / 2};
 }
 
 @end

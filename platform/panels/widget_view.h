@@ -27,10 +27,13 @@
 // `hit` is called with the item of a widget.
 - (instancetype)initWithContent:(const PanelContent&)content
                             hit:(const std::function<void(int)>&)hit;
-// The caller may change the content, and then sets that the view needs display.
+// The caller may change the content, and then sends `changed`.
 - (PanelContent&)content;
+- (PanelState)state;
 // Shows other widgets. The focus stays with its item, or goes to the next one that can be hit.
 - (void)setContent:(const PanelContent&)content;
+// Draws the content anew, and tells those who watch.
+- (void)changed;
 // Gives the widget the focus; 0 for none.
 - (void)focusItem:(int)item;
 // Does nothing for 0 and for a disabled widget.

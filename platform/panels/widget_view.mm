@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "look/bitmaps.h"
+#include "panels/shown_panel.h"
 #include "panels/widget_paint.h"
 
 @implementation WidgetView
@@ -32,6 +33,15 @@
     return *_content;
 }
 
+- (PanelState)state {
+    return _state;
+}
+
+- (void)changed {
+    [self setNeedsDisplay:YES];
+    tell_panel_listeners();
+}
+
 - (BOOL)isFlipped {
     return YES;
 }
@@ -58,7 +68,7 @@
 - (void)show:(const PanelState&)state {
     if (_state == state) return;
     _state = state;
-    [self setNeedsDisplay:YES];
+    [self changed];
 }
 
 - (void)showHovered:(int)hovered pressed:(int)pressed {
@@ -79,7 +89,7 @@
     if (!focused) _state.focused = 0;
     _state.caret = focused ? std::min(_state.caret, focused->text.size()) : 0;
     *_before = focused ? focused->text : "";
-    [self setNeedsDisplay:YES];
+    [self changed];
 }
 
 - (void)focusItem:(int)item {
@@ -123,7 +133,7 @@
     if (is_field && widget) {
         const int x = static_cast<int>([self convertPoint:[event locationInWindow] fromView:nil].x);
         _state.caret = caret_at(*_content, *widget, _state.caret, x);
-        [self setNeedsDisplay:YES];
+        [self changed];
     }
     _pressedItem = item;
     [self showHovered:item pressed:item];

@@ -5,6 +5,7 @@
 
 namespace {
 
+const char window_activated[] = "Activate", window_deactivated[] = "Deactivate";
 const char state_event[] = "StateChanged", children_event[] = "ChildrenChanged";
 
 Node row_node(const OpenLevel& level, int row) { return {Node::row, level.number, row}; }
@@ -43,6 +44,7 @@ void Announcer::follow() {
 void Announcer::tell_opened(size_t level) const {
     const OpenLevel& open = told_[level].level;
     tell_presence(level, open, true);
+    if (open.kind != OpenLevel::menu) return;
     if (open.highlighted >= 0) tell_state(row_node(open, open.highlighted), "selected", true);
 }
 
@@ -58,6 +60,11 @@ void Announcer::tell_presence(size_t level, const OpenLevel& open, bool is_there
     }
     if (row) tell_state(*row, "expanded", is_there);
     if (level == 0) tell_state(window, "showing", is_there);
+    if (open.kind != OpenLevel::menu) {
+        tell_state(window, "active", is_there);
+        send_(window, is_there ? window_activated : window_deactivated, "", 0,
+              g_variant_new_string(open.name.c_str()));
+    }
     tell_state(menu, "visible", is_there);
     tell_state(menu, "showing", is_there);
     if (!is_there) tell_state(menu, "defunct", true);
@@ -83,7 +90,7 @@ void Announcer::tell_rows(size_t level) {
         send_({Node::menu, now.number}, children_event, now.rows > before.rows ? "add" : "remove",
               first, reference_(row_node(now, first)));
     }
-    if (now.highlighted == before.highlighted) return;
+    if (now.highlighted == before.highlighted || now.kind != OpenLevel::menu) return;
     if (before.highlighted >= 0) tell_state(row_node(now, before.highlighted), "selected", false);
     if (now.highlighted >= 0) tell_state(row_node(now, now.highlighted), "selected", true);
     send_({Node::menu, now.number}, "SelectionChanged", "", 0, g_variant_new_int32(0));
@@ -105,7 +112,8 @@ void Announcer::tell_row(const Node& node, const OpenRow& before, const OpenRow&
     for (const char* name : {"enabled", "sensitive", "focusable", "selectable"}) {
         state(before.is_enabled, now.is_enabled, name);
     }
-    state(before.is_checked, now.is_checked, "checked");
+    const bool is_listed = now.kind == OpenRow::list_item;
+    state(before.is_checked, now.is_checked, is_listed ? "selected" : "checked");
     state(before.is_mixed, now.is_mixed, "indeterminate");
     state(before.has_submenu, now.has_submenu, "expandable");
     state(before.has_submenu, now.has_submenu, "has-popup");

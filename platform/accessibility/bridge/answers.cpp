@@ -155,6 +155,7 @@ GVariant* Answers::attributes(const Node& node) const {
     g_variant_builder_add(&all, "{ss}", "toolkit", "Delvio");
     if (node.kind == Node::row && tree_.role(node) != ATSPI_ROLE_SEPARATOR) {
         const RowPlace place = tree_.menus().row_place(tree_.level(node), node.index);
+        if (!place.count) return answer(g_variant_builder_end(&all));
         g_variant_builder_add(&all, "{ss}", "posinset", std::to_string(place.place).c_str());
         g_variant_builder_add(&all, "{ss}", "setsize", std::to_string(place.count).c_str());
     }
@@ -204,7 +205,10 @@ GVariant* Answers::component(const Node& node, const std::string& method,
         return g_variant_new("(ii)", area.left - from.x, area.top - from.y);
     }
     if (method == "GetSize") return g_variant_new("(ii)", area.width, area.height);
-    if (method == "GetLayer") return g_variant_new("(u)", ATSPI_LAYER_POPUP);
+    if (method == "GetLayer") {
+        const bool is_menu = tree_.menus().level(tree_.level(node)).kind == OpenLevel::menu;
+        return g_variant_new("(u)", is_menu ? ATSPI_LAYER_POPUP : ATSPI_LAYER_WIDGET);
+    }
     if (method == "GetMDIZOrder") return g_variant_new("(n)", 0);
     if (method == "GetAlpha") return g_variant_new("(d)", 1.0);
     if (method == "GrabFocus" || method == "ScrollTo") return truth(highlight(node));

@@ -3,6 +3,7 @@
 #include <host/glib_owners.h>
 
 #include <memory>
+#include <string_view>
 
 #include "accessibility/bridge/announcer.h"
 #include "accessibility/bridge/answers.h"
@@ -168,8 +169,10 @@ bool AtspiBridge::is_closed() const {
 
 void AtspiBridge::send(const Node& node, const char* event, const char* detail, int number,
                        GVariant* value) const {
+    const bool is_of_window = std::string_view(event).ends_with("ctivate");
     g_dbus_connection_emit_signal(
-        connection_.get(), nullptr, path_of(node).c_str(), "org.a11y.atspi.Event.Object", event,
+        connection_.get(), nullptr, path_of(node).c_str(),
+        is_of_window ? "org.a11y.atspi.Event.Window" : "org.a11y.atspi.Event.Object", event,
         g_variant_new("(siiva{sv})", detail, number, 0, value, nullptr), nullptr);
 }
 
@@ -211,7 +214,7 @@ void AtspiBridge::call(GDBusConnection*, const char*, const char* path, const ch
     if (answer) return g_dbus_method_invocation_return_value(invocation, answer);
     g_dbus_method_invocation_return_dbus_error(invocation,
                                                "org.freedesktop.DBus.Error.UnknownObject",
-                                               "This part of the menu is not open.");
+                                               "This part of the menu or window is not open.");
 }
 
 GVariant* AtspiBridge::get(GDBusConnection*, const char*, const char* path, const char* interface,
@@ -221,7 +224,7 @@ GVariant* AtspiBridge::get(GDBusConnection*, const char*, const char* path, cons
     GVariant* const value = node ? self.answers_.property(*node, interface, name) : nullptr;
     if (!value) {
         g_set_error(error, G_DBUS_ERROR, G_DBUS_ERROR_UNKNOWN_OBJECT,
-                    "This part of the menu is not open.");
+                    "This part of the menu or window is not open.");
     }
     return value;
 }

@@ -27,6 +27,65 @@ bool take(std::string_view* text, const std::string& beginning) {
     return true;
 }
 
+unsigned role_of(OpenRow::Kind kind) {
+    switch (kind) {
+        case OpenRow::item:
+            return ATSPI_ROLE_MENU_ITEM;
+        case OpenRow::check_item:
+            return ATSPI_ROLE_CHECK_MENU_ITEM;
+        case OpenRow::separator:
+            return ATSPI_ROLE_SEPARATOR;
+        case OpenRow::text:
+            return ATSPI_ROLE_LABEL;
+        case OpenRow::button:
+            return ATSPI_ROLE_PUSH_BUTTON;
+        case OpenRow::check_box:
+            return ATSPI_ROLE_CHECK_BOX;
+        case OpenRow::choice:
+            return ATSPI_ROLE_COMBO_BOX;
+        case OpenRow::list_item:
+            return ATSPI_ROLE_LIST_ITEM;
+        case OpenRow::field:
+            return ATSPI_ROLE_ENTRY;
+        case OpenRow::bar:
+            return ATSPI_ROLE_PROGRESS_BAR;
+    }
+    return ATSPI_ROLE_UNKNOWN;
+}
+
+// The names are those that other toolkits use.
+const char* role_name(unsigned role) {
+    static const struct {
+        unsigned role;
+        const char* name;
+    } names[] = {
+        {ATSPI_ROLE_APPLICATION, "application"},
+        {ATSPI_ROLE_WINDOW, "window"},
+        {ATSPI_ROLE_MENU, "menu"},
+        {ATSPI_ROLE_MENU_ITEM, "menu item"},
+        {ATSPI_ROLE_CHECK_MENU_ITEM, "check menu item"},
+        {ATSPI_ROLE_SEPARATOR, "separator"},
+        {ATSPI_ROLE_ALERT, "alert"},
+        {ATSPI_ROLE_DIALOG, "dialog"},
+        {ATSPI_ROLE_PANEL, "panel"},
+        {ATSPI_ROLE_LABEL, "label"},
+        {ATSPI_ROLE_PUSH_BUTTON, "push button"},
+        {ATSPI_ROLE_CHECK_BOX, "check box"},
+        {ATSPI_ROLE_COMBO_BOX, "combo box"},
+        {ATSPI_ROLE_LIST_ITEM, "list item"},
+        {ATSPI_ROLE_ENTRY, "entry"},
+        {ATSPI_ROLE_PROGRESS_BAR, "progress bar"},
+    };
+    for (const auto& each : names) {
+        if (each.role == role) return each.name;
+    }
+    return "";
+}
+
+bool can_have_focus(const OpenRow& row) {
+    return row.is_enabled && row.kind != OpenRow::text && row.kind != OpenRow::bar;
+}
+
 }  // namespace
 
 std::string name_of(const Node& node) {
@@ -139,43 +198,26 @@ int NodeTree::index_in_parent(const Node& node) const {
     return node.kind == Node::row ? node.index : 0;
 }
 
+OpenLevel::Kind NodeTree::level_kind(const Node& node) const {
+    return menus_.level(level(node)).kind;
+}
+
 unsigned NodeTree::role(const Node& node) const {
     switch (node.kind) {
         case Node::application:
             return ATSPI_ROLE_APPLICATION;
         case Node::window:
-            return ATSPI_ROLE_WINDOW;
+            if (level_kind(node) == OpenLevel::menu) return ATSPI_ROLE_WINDOW;
+            return level_kind(node) == OpenLevel::alert ? ATSPI_ROLE_ALERT : ATSPI_ROLE_DIALOG;
         case Node::menu:
-            return ATSPI_ROLE_MENU;
+            return level_kind(node) == OpenLevel::menu ? ATSPI_ROLE_MENU : ATSPI_ROLE_PANEL;
         case Node::row:
             break;
     }
-    switch (row(node).kind) {
-        case OpenRow::separator:
-            return ATSPI_ROLE_SEPARATOR;
-        case OpenRow::check_item:
-            return ATSPI_ROLE_CHECK_MENU_ITEM;
-        case OpenRow::item:
-            break;
-    }
-    return ATSPI_ROLE_MENU_ITEM;
+    return role_of(row(node).kind);
 }
 
-std::string NodeTree::role_name(const Node& node) const {
-    switch (role(node)) {
-        case ATSPI_ROLE_APPLICATION:
-            return "application";
-        case ATSPI_ROLE_WINDOW:
-            return "window";
-        case ATSPI_ROLE_MENU:
-            return "menu";
-        case ATSPI_ROLE_SEPARATOR:
-            return "separator";
-        case ATSPI_ROLE_CHECK_MENU_ITEM:
-            return "check menu item";
-    }
-    return "menu item";
-}
+std::string NodeTree::role_name(const Node& node) const { return ::role_name(role(node)); }
 
 std::string NodeTree::text(const Node& node) const {
     switch (node.kind) {
@@ -189,6 +231,7 @@ std::string NodeTree::text(const Node& node) const {
     }
     const size_t index = level(node);
     const OpenLevel open = menus_.level(index);
+    if (open.kind != OpenLevel::menu) return node.kind == Node::window ? open.name : "";
     // The menu of a folder has the folder's name.
     if (index > 0 && open.parent_row >= 0) return menus_.row(index - 1, open.parent_row).name;
     return open.name.empty() ? menus_.application() : open.name;
@@ -206,15 +249,23 @@ std::vector<unsigned> NodeTree::states(const Node& node) const {
     add(is_plain || shown.is_in_sight, ATSPI_STATE_SHOWING);
     add(is_plain || shown.is_enabled, ATSPI_STATE_ENABLED);
     add(is_plain || shown.is_enabled, ATSPI_STATE_SENSITIVE);
+    const bool is_panel = node.kind != Node::application && level_kind(node) != OpenLevel::menu;
     add(node.kind == Node::menu, ATSPI_STATE_FOCUSABLE);
-    add(node.kind == Node::menu, ATSPI_STATE_VERTICAL);
+    add(node.kind == Node::menu && !is_panel, ATSPI_STATE_VERTICAL);
+    add(node.kind == Node::window && is_panel, ATSPI_STATE_ACTIVE);
+    add(node.kind == Node::window && is_panel, ATSPI_STATE_MODAL);
     if (is_plain) return states;
-    add(shown.is_enabled, ATSPI_STATE_FOCUSABLE);
-    add(shown.is_enabled, ATSPI_STATE_SELECTABLE);
-    add(menus_.level(level(node)).highlighted == node.index, ATSPI_STATE_SELECTED);
-    add(shown.kind == OpenRow::check_item, ATSPI_STATE_CHECKABLE);
-    add(shown.is_checked, ATSPI_STATE_CHECKED);
+    const bool is_checkable = shown.kind == OpenRow::check_item || shown.kind == OpenRow::check_box;
+    const bool is_listed = is_panel && shown.kind == OpenRow::list_item;
+    const bool is_highlighted = menus_.level(level(node)).highlighted == node.index;
+    add(can_have_focus(shown), ATSPI_STATE_FOCUSABLE);
+    add(is_panel ? is_listed : shown.is_enabled, ATSPI_STATE_SELECTABLE);
+    add(is_panel ? is_listed && shown.is_checked : is_highlighted, ATSPI_STATE_SELECTED);
+    add(is_checkable, ATSPI_STATE_CHECKABLE);
+    add(is_checkable && shown.is_checked, ATSPI_STATE_CHECKED);
     add(shown.is_mixed, ATSPI_STATE_INDETERMINATE);
+    add(shown.kind == OpenRow::field, ATSPI_STATE_EDITABLE);
+    add(shown.kind == OpenRow::field, ATSPI_STATE_SINGLE_LINE);
     add(shown.has_submenu, ATSPI_STATE_HAS_POPUP);
     add(shown.has_submenu, ATSPI_STATE_EXPANDABLE);
     add(is_expanded(node), ATSPI_STATE_EXPANDED);

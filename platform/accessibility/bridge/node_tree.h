@@ -55,6 +55,7 @@ class NodeTree {
     std::optional<size_t> find_level(unsigned number) const;
     OpenRow row(const Node& node) const;
     bool is_expanded(const Node& node) const;
+    OpenLevel::Kind level_kind(const Node& node) const;
 
     OpenMenus& menus_;
 };
