@@ -29,13 +29,14 @@ Right-click a file or a folder, and its menu browses the disk: submenus list
 folders level by level, without opening a window. Pick a file and it opens.
 Select several files, and move, copy or link them into any folder of the menu.
 .
-The command 'delvio install' puts Delvio into the menus of the file managers
-Caja, Dolphin, GWorkspace, Nautilus, Nemo, PCManFM, PCManFM-Qt and Thunar.")
+Delvio Settings, in the menu of programs, puts Delvio into the menus of the
+file managers Caja, Dolphin, GWorkspace, Nautilus, Nemo, PCManFM, PCManFM-Qt
+and Thunar.")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
   "gnustep-base-runtime, gnustep-gui-runtime, gnustep-back0.29-cairo, shared-mime-info")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-  "bubblewrap, adwaita-icon-theme, fonts-noto-core | fonts-dejavu-core, librsvg2-common, xvfb, xauth")
+  "bubblewrap, adwaita-icon-theme, fonts-noto-core | fonts-dejavu-core, librsvg2-common, xvfb, xauth, xwayland")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION TRUE)
 include(CPack)

@@ -4,23 +4,14 @@
 
 #include <Foundation/Foundation.h>
 
-#include <stdio.h>
-
-#include "command/command_line.h"
 #include "corefoundation/defaults_file.h"
 #include "finderkit/plug_in.h"
-#include "file_steps/visible_text.h"
 
 namespace {
 
 NSString* const list_key = @"GSAppKitUserBundles";
 NSString* const program_domain = @"GWorkspace";
 NSString* const bundle_name = @"DelvioGWorkspace.bundle";
-
-int failed(const std::string& problem) {
-    complain_about_usage(problem);
-    return exit_failed;
-}
 
 bool is_ours(id entry) {
     return [entry isKindOfClass:[NSString class]] &&
@@ -72,55 +63,47 @@ bool write_list(DefaultsFile& file, NSArray* list) {
     return file.merge([NSDictionary dictionaryWithObject:value forKey:list_key]);
 }
 
-int failed_to_write(const DefaultsFile& file) {
-    return failed(translated("cannot write %s; it was left as it is", {file.path()}));
+BundleChange failed(const std::string& problem) {
+    BundleChange change;
+    change.problem = problem;
+    return change;
 }
 
-int say(const char* text, NSString* path, NSString* domain) {
-    const std::string shown = operations::visible_text([path UTF8String]);
-    const std::string where = translated("in the list %s of the defaults domain %s",
-                                         {[list_key UTF8String], [domain UTF8String]});
-    printf("%s\n  %s\n  %s\n", text, shown.c_str(), where.c_str());
-    return exit_done;
+// The change to this list, written if it is one.
+BundleChange write_change(Domains& domains, NSArray* changed, NSString* path) {
+    BundleChange change;
+    change.path = [path UTF8String];
+    change.place = translated("in the list %s of the defaults domain %s",
+                              {[list_key UTF8String], [domains.name() UTF8String]});
+    change.has_changed = ![changed isEqual:domains.list() ?: [NSArray array]];
+    if (!change.has_changed || write_list(domains.file(), changed)) return change;
+    return failed(translated("cannot write %s; it was left as it is", {domains.file().path()}));
 }
 
-int install(Domains& domains, NSArray* list) {
+BundleChange install(Domains& domains) {
     std::string problem;
     const std::string found = find_bundle([bundle_name UTF8String], &problem);
     if (found.empty()) return failed(problem);
     NSString* path = [NSString stringWithUTF8String:found.c_str()];
-    NSString* domain = domains.name();
     if (!path) return failed(translated("the path of the bundle is not UTF-8: %s", {found}));
-    NSArray* changed = changed_list(list, path);
-    if ([changed isEqual:list])
-        return say(translated("GWorkspace has Delvio already:"), path, domain);
-    if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
-    return say(translated("GWorkspace loads Delvio from its next start on:"), path, domain);
+    return write_change(domains, changed_list(domains.list(), path), path);
 }
 
-int uninstall(Domains& domains, NSArray* list) {
-    NSArray* changed = changed_list(list, nil);
-    if ([changed count] == [list count]) {
-        puts(translated("%s does not have Delvio: nothing to do.", {"GWorkspace"}).c_str());
-        return exit_done;
-    }
+BundleChange uninstall(Domains& domains) {
     NSString* path = @"";
-    for (id entry in list) {
+    for (id entry in domains.list()) {
         if (is_ours(entry)) path = entry;
     }
-    NSString* domain = domains.name();
-    if (!write_list(domains.file(), changed)) return failed_to_write(domains.file());
-    return say(translated("GWorkspace no longer loads Delvio from its next start on; removed:"),
-               path, domain);
+    return write_change(domains, changed_list(domains.list(), nil), path);
 }
 
 }  // namespace
 
-int change_gworkspace_bundles(bool is_removal) {
+BundleChange change_gworkspace_bundles(bool is_removal) {
     Domains domains;
     const std::string problem = read_problem(domains);
     if (!problem.empty()) return failed(problem);
-    return is_removal ? uninstall(domains, domains.list()) : install(domains, domains.list());
+    return is_removal ? uninstall(domains) : install(domains);
 }
 
 EntryState state_of_gworkspace(std::string* problem) {

@@ -65,20 +65,30 @@ std::vector<EntryFile> dolphin(const Invocation& invocation) {
                   invocation)};
 }
 
+constexpr const char* in_menu =
+    to_translate("Right-click files or an empty place, then choose Delvio.");
+constexpr const char* under_scripts =
+    to_translate("Right-click files, then choose Scripts, then Delvio.");
+
 const std::vector<FileManager> managers = {
-    {"caja", "Caja", "caja", caja, to_translate("%s has Delvio under Scripts in its menus:")},
-    {"dolphin", "Dolphin", "dolphin", dolphin, to_translate("%s has Delvio in its menus:")},
-    {"gworkspace", "GWorkspace", "GWorkspace", nullptr, ""},
+    {"caja", "Caja", "caja", caja, to_translate("%s has Delvio under Scripts in its menus:"),
+     under_scripts},
+    {"dolphin", "Dolphin", "dolphin", dolphin, to_translate("%s has Delvio in its menus:"),
+     in_menu},
+    {"gworkspace", "GWorkspace", "GWorkspace", nullptr, "",
+     to_translate("Right-click files: their menus have Delvio's items.")},
     {"nautilus", "Nautilus", "nautilus", nautilus,
-     to_translate("%s has Delvio under Scripts in its menus:")},
-    {"nemo", "Nemo", "nemo", nemo, to_translate("%s has Delvio in its menus:")},
+     to_translate("%s has Delvio under Scripts in its menus:"), under_scripts},
+    {"nemo", "Nemo", "nemo", nemo, to_translate("%s has Delvio in its menus:"), in_menu},
     {"pcmanfm", "PCManFM", "pcmanfm", pcmanfm,
      to_translate(
-         "%s has Delvio in its menus, and in those of PCManFM-Qt, which reads the same file:")},
+         "%s has Delvio in its menus, and in those of PCManFM-Qt, which reads the same file:"),
+     in_menu},
     {"pcmanfm-qt", "PCManFM-Qt", "pcmanfm-qt", pcmanfm,
      to_translate(
-         "%s has Delvio in its menus, and in those of PCManFM, which reads the same file:")},
-    {"thunar", "Thunar", "thunar", thunar, to_translate("%s has Delvio in its menus:")},
+         "%s has Delvio in its menus, and in those of PCManFM, which reads the same file:"),
+     in_menu},
+    {"thunar", "Thunar", "thunar", thunar, to_translate("%s has Delvio in its menus:"), in_menu},
 };
 
 }  // namespace

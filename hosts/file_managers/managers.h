@@ -13,7 +13,8 @@ struct FileManager {
     const char* program;  // the program that is looked for
     // The files that bring Delvio in; null for GWorkspace, which keeps a list of bundles.
     std::vector<EntryFile> (*files)(const Invocation& invocation);
-    const char* hint;  // where the entry is
+    const char* hint;   // what `delvio install` says, in English
+    const char* place;  // where the entry is, in English
 };
 
 const std::vector<FileManager>& file_managers();

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "corefoundation/silent_disks.h"
 #include "settings/forced_settings.h"
 
 namespace fs = std::filesystem;
@@ -14,14 +15,22 @@ namespace {
 
 constexpr CGFloat icon_side = 16;
 
-// The folders in a folder, by name, without hidden ones.
+// A link to a disk that does not answer is none, as nobody can tell.
+bool is_folder(const fs::directory_entry& entry) {
+    std::error_code error;
+    if (entry.is_symlink(error) && files::is_silent_target(entry.path())) return false;
+    return entry.is_directory(error);
+}
+
+// The folders in a folder, by name, without hidden ones. None of a disk that does not answer.
 std::vector<std::string> folders_in(const std::string& path) {
     std::vector<std::string> names;
+    if (files::is_silent_folder(path)) return names;
     std::error_code error;
     const auto options = fs::directory_options::skip_permission_denied;
     for (const auto& entry : fs::directory_iterator(path, options, error)) {
         const std::string name = entry.path().filename().string();
-        if (name[0] != '.' && entry.is_directory(error)) names.push_back(name);
+        if (name[0] != '.' && is_folder(entry)) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -57,6 +66,7 @@ void pop_up(NSMenu* menu, NSPoint point) {
   @private
     NSInteger _index;
     NSString* _path;
+    NSMutableArray* _levels;
 }
 - (NSInteger)index;
 - (NSString*)path;
@@ -64,15 +74,29 @@ void pop_up(NSMenu* menu, NSPoint point) {
 - (void)addFolder:(NSString*)path title:(NSString*)title toMenu:(NSMenu*)menu;
 @end
 
+// Fills the submenu of one folder when it opens. The presenter asks where the folder is, and opens
+// the submenu when the folder has answered.
+@interface FolderLevel : NSObject {
+  @private
+    NSString* _path;
+    MenuChoice* _choice;  // not retained
+}
+- (instancetype)initWithPath:(NSString*)path choice:(MenuChoice*)choice;
+- (NSURL*)previewItemURL;
+@end
+
 @implementation MenuChoice
 
 - (instancetype)init {
-    if ((self = [super init])) _index = -1;
+    if (!(self = [super init])) return nil;
+    _index = -1;
+    _levels = [NSMutableArray new];
     return self;
 }
 
 - (void)dealloc {
     [_path release];
+    [_levels release];
     [super dealloc];
 }
 
@@ -101,20 +125,39 @@ void pop_up(NSMenu* menu, NSPoint point) {
     [item setImage:icon];
     NSMenu* submenu = [[[NSMenu alloc] initWithTitle:path] autorelease];
     [submenu setAutoenablesItems:NO];
-    [submenu setDelegate:(id)self];
+    FolderLevel* level = [[[FolderLevel alloc] initWithPath:path choice:self] autorelease];
+    [_levels addObject:level];
+    [submenu setDelegate:(id)level];
     [item setSubmenu:submenu];
     [menu addItem:item];
 }
 
-// A submenu is filled when it opens. Its title is the path of its folder.
+@end
+
+@implementation FolderLevel
+
+- (instancetype)initWithPath:(NSString*)path choice:(MenuChoice*)choice {
+    if (!(self = [super init])) return nil;
+    _path = [path copy];
+    _choice = choice;
+    return self;
+}
+
+- (void)dealloc {
+    [_path release];
+    [super dealloc];
+}
+
+- (NSURL*)previewItemURL {
+    return [NSURL fileURLWithPath:_path];
+}
+
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     if ([menu numberOfItems] > 0) return;
-    for (const std::string& name : folders_in([[menu title] UTF8String])) {
+    for (const std::string& name : folders_in([_path UTF8String])) {
         NSString* title = [NSString stringWithUTF8String:name.c_str()];
         if (!title) continue;
-        [self addFolder:[[menu title] stringByAppendingPathComponent:title]
-                  title:title
-                 toMenu:menu];
+        [_choice addFolder:[_path stringByAppendingPathComponent:title] title:title toMenu:menu];
     }
     if ([menu numberOfItems] > 0) return;
     [menu addItemWithTitle:@(translated("No folders")) action:nullptr keyEquivalent:@""];

@@ -19,6 +19,12 @@ double height_of(const Setting& setting) {
     return choices_of(setting).empty() ? 58 : 84;
 }
 
+namespace {
+
+SettingPage page_of_managers() { return {translated("File managers"), {}, true}; }
+
+}  // namespace
+
 std::vector<SettingPage> setting_pages(double height) {
     std::map<SettingGroup, std::vector<const Setting*>> groups;
     for (const Setting& setting : settings_table()) {
@@ -26,13 +32,14 @@ std::vector<SettingPage> setting_pages(double height) {
     }
     std::vector<SettingPage> pages;
     for (const auto& [group, settings] : groups) {
+        if (group == SettingGroup::without_effect) pages.push_back(page_of_managers());
         const std::string title = translated(title_of(group));
-        pages.push_back({title, {}});
+        pages.push_back({title, {}, false});
         double used = 0;
         for (const Setting* setting : settings) {
             used += height_of(*setting);
             if (used > height && !pages.back().settings.empty()) {
-                pages.push_back({translated("%s, more", {title}), {}});
+                pages.push_back({translated("%s, more", {title}), {}, false});
                 used = height_of(*setting);
             }
             pages.back().settings.push_back(setting);

@@ -1,4 +1,5 @@
-// The pages of the settings window: one for each group of settings that has any. Any thread.
+// The pages of the settings window: one for each group of settings that has any, and the one
+// of the file managers, which has none. Any thread.
 #pragma once
 
 #include <string>
@@ -9,6 +10,7 @@
 struct SettingPage {
     std::string title;
     std::vector<const Setting*> settings;
+    bool has_managers = false;
 };
 
 // How much room a setting takes in a page, in points.

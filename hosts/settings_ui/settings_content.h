@@ -11,7 +11,7 @@
 #include "settings_ui/setting_pages.h"
 
 // The items of the window's widgets. The ones that begin a range have more after them: one for each
-// page, setting of the page, or folder.
+// page, setting of the page, folder, or file manager.
 enum SettingsItem {
     no_settings_item,
     close_item,
@@ -26,13 +26,22 @@ enum SettingsItem {
     pages_item = 1000,
     settings_item = 2000,
     folders_item = 3000,
+    managers_item = 4000,
+};
+
+// A file manager that is installed here.
+struct ShownManager {
+    std::string title;
+    std::string place;  // where its entry is, or why there can be none
+    bool has_delvio = false;
 };
 
 struct SettingsView {
     std::vector<SettingPage> pages;
     size_t page = 0;
     std::vector<SettingState> states;  // of the page's settings
-    size_t folder = 0;                 // the selected one of a list
+    std::vector<ShownManager> managers;
+    size_t folder = 0;  // the selected one of a list
     std::string new_path;
     std::string message;  // one line: what was wrong, or what was done
     bool is_problem = false;

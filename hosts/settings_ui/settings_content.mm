@@ -7,6 +7,7 @@
 
 #include <algorithm>
 
+#include "corefoundation/patient_stat.h"
 #include "file_steps/visible_text.h"
 #include "look/menu_text.h"
 #include "settings/list_edits.h"
@@ -24,12 +25,18 @@ constexpr double example_width = width - example_left - 8;
 constexpr double page_top = 66, button_height = 30, footer_top = height - margin - button_height;
 constexpr double small_text = 11, text = 13;
 constexpr double row_height = 25, list_rows = 7, list_width = 286, side_button = 108;
+constexpr double manager_height = 51;
 
 enum Group { no_group, pages_group, folders_group };
 
+// A disk that does not answer holds the window no longer than this, and its folders are not
+// missing.
+constexpr double patience = 0.2;
+
 bool is_missing(const std::string& entry) {
     struct stat ignored;
-    return entry != separator_entry && stat(entry.c_str(), &ignored) != 0;
+    return entry != separator_entry &&
+           files::ask_patiently(entry, patience, &ignored) == files::Answer::missing;
 }
 
 // A path below the home folder begins with a tilde.
@@ -52,13 +59,14 @@ class Builder {
     Widget& add(WidgetKind kind, double x, double y, double wide, double high,
                 const std::string& words = "", int item = 0);
     void add_label(const Setting& setting, double y);
-    void add_reason(const Setting& setting, double x, double y);
+    void add_reason(const std::string& reason, double x, double y);
     void add_setting(const SettingState& state, int item, double y);
     void add_flag(const SettingState& state, int item, double y);
     void add_choice(const SettingState& state, int item, double y);
     void add_number(const SettingState& state, int item, double y);
     void add_path(const SettingState& state, int item, double y);
     void add_list(const SettingState& state, double y);
+    void add_managers();
     void add_rows(const std::vector<std::string>& list, double y);
     void add_side_buttons(const std::vector<std::string>& list, double y);
     void add_tabs();
@@ -81,41 +89,43 @@ void Builder::add_label(const Setting& setting, double y) {
     add(WidgetKind::text, left, y, column, 20, label_of(setting));
 }
 
-void Builder::add_reason(const Setting& setting, double x, double y) {
-    Widget& reason =
-        add(WidgetKind::text, x, y, left + column - x, 16, visible_text(reason_of(setting)));
-    reason.size = small_text;
-    reason.alpha = dimmed_text_alpha;
+void Builder::add_reason(const std::string& reason, double x, double y) {
+    Widget& widget = add(WidgetKind::text, x, y, left + column - x, 16, visible_text(reason));
+    widget.size = small_text;
+    widget.alpha = dimmed_text_alpha;
 }
 
 void Builder::add_flag(const SettingState& state, int item, double y) {
     add(WidgetKind::check, left, y, column, 22, label_of(*state.setting), item).on =
         state.value.number != 0;
-    add_reason(*state.setting, left + 24, y + 22);
+    add_reason(reason_of(*state.setting), left + 24, y + 22);
 }
 
 void Builder::add_choice(const SettingState& state, int item, double y) {
     const std::vector<std::string> choices = choices_of(*state.setting);
     const auto at = static_cast<size_t>(choice_of(*state.setting, state.value));
     add_label(*state.setting, y);
-    add_reason(*state.setting, left, y + 20);
-    add(WidgetKind::choice, left, y + 40, 300, 28, at < choices.size() ? choices[at] : "", item);
+    add_reason(reason_of(*state.setting), left, y + 20);
+    add(WidgetKind::choice, left, y + 40, 300, 28, at < choices.size() ? choices[at] : "", item)
+        .label = label_of(*state.setting);
 }
 
 void Builder::add_number(const SettingState& state, int item, double y) {
     constexpr double field = 96;
     add(WidgetKind::text, left, y + 4, column - field - 12, 20, label_of(*state.setting));
     add(WidgetKind::field, left + column - field, y, field, 28, std::to_string(state.value.number),
-        item);
-    add_reason(*state.setting, left, y + 27);
+        item)
+        .label = label_of(*state.setting);
+    add_reason(reason_of(*state.setting), left, y + 27);
 }
 
 void Builder::add_path(const SettingState& state, int item, double y) {
     const bool is_set = state.stored && !state.value.strings.empty();
     add_label(*state.setting, y);
-    add_reason(*state.setting, left, y + 20);
+    add_reason(reason_of(*state.setting), left, y + 20);
     add(WidgetKind::field, left, y + 42, column, 28, is_set ? state.value.strings.front() : "",
-        item);
+        item)
+        .label = label_of(*state.setting);
 }
 
 // The part of a long list around the selected folder.
@@ -166,7 +176,7 @@ void Builder::add_side_buttons(const std::vector<std::string>& list, double y) {
 void Builder::add_list(const SettingState& state, double y) {
     constexpr double frame_height = list_rows * row_height + 10;
     const std::vector<std::string>& list = state.value.strings;
-    add_reason(*state.setting, left, y);
+    add_reason(reason_of(*state.setting), left, y);
     y += 24;
     add(WidgetKind::frame, left, y, list_width, frame_height);
     add_rows(list, y);
@@ -175,7 +185,7 @@ void Builder::add_list(const SettingState& state, double y) {
     add(WidgetKind::field, left, y, list_width, 30, view_.new_path, path_item).hint =
         translated("The path of another folder");
     add(WidgetKind::button, left + column - side_button, y, side_button, button_height,
-        translated(translated("Add")), add_item);
+        translated("Add"), add_item);
 }
 
 void Builder::add_setting(const SettingState& state, int item, double y) {
@@ -191,6 +201,26 @@ void Builder::add_setting(const SettingState& state, int item, double y) {
         case SettingType::paths:
             return add_list(state, y);
     }
+}
+
+void Builder::add_managers() {
+    double y = page_top;
+    if (!view_.managers.empty()) {
+        add_reason(translated("Switch on those that are to have Delvio in their menus."), left, y);
+        y += 28;
+    }
+    for (size_t i = 0; i < view_.managers.size(); i++, y += manager_height) {
+        const ShownManager& manager = view_.managers[i];
+        add(WidgetKind::check, left, y, column, 22, manager.title,
+            managers_item + static_cast<int>(i))
+            .on = manager.has_delvio;
+        add_reason(manager.place, left + 24, y + 22);
+    }
+    if (!view_.managers.empty()) return;
+    add(WidgetKind::paragraph, left, y, column, 120,
+        translated("No file manager was found whose menu can have Delvio. Any other program can "
+                   "show the menu too: let a key of your desktop run \"delvio menu\"."))
+        .alpha = dimmed_text_alpha;
 }
 
 void Builder::add_tabs() {
@@ -215,10 +245,11 @@ void Builder::add_example() {
 }
 
 void Builder::add_footer() {
-    add(WidgetKind::button, left, footer_top, 120, button_height,
-        translated(translated("Reset This Page")), reset_item);
-    add(WidgetKind::button, width - margin - 96, footer_top, 96, button_height,
-        translated(translated("Close")), close_item);
+    add(WidgetKind::button, left, footer_top, 120, button_height, translated("Reset This Page"),
+        reset_item)
+        .disabled = view_.pages[view_.page].has_managers;
+    add(WidgetKind::button, width - margin - 96, footer_top, 96, button_height, translated("Close"),
+        close_item);
     if (view_.message.empty()) return;
     double x = left + 132;
     if (view_.is_problem) {
@@ -248,6 +279,7 @@ PanelContent Builder::build() {
         add_setting(view_.states[i], settings_item + static_cast<int>(i), y);
         y += height_of(*view_.states[i].setting);
     }
+    if (view_.pages[view_.page].has_managers) add_managers();
     add_footer();
     add_example();
     return content_;

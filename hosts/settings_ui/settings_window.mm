@@ -13,6 +13,7 @@
 #include "command/exit_signals.h"
 #include "command/private_display.h"
 #include "command/standard_streams.h"
+#include "corefoundation/patient_stat.h"
 #include "file_steps/visible_text.h"
 #include "finderkit/settings_file.h"
 #include "panels/widget_panel.h"
@@ -21,6 +22,7 @@
 #include "settings/list_edits.h"
 #include "settings_ui/example_folder.h"
 #include "settings_ui/folder_chooser.h"
+#include "settings_ui/manager_switches.h"
 #include "settings_ui/settings_content.h"
 #include "x11/named_window.h"
 #include "x11/screens.h"
@@ -31,6 +33,7 @@ namespace {
 
 constexpr NSInteger closed = 1;
 constexpr const char* window_name = "settings";
+constexpr double patience = 1;  // seconds that a disk may hold the window
 
 std::string not_saved() {
     return translated(
@@ -68,6 +71,7 @@ class SettingsWindow {
     void choose(size_t index);
     void change_list(const std::vector<std::string>& list);
     void add_path(const std::string& path);
+    void switch_manager_at(size_t index);
     void move_folder(int step);
     void reset_page();
     const std::vector<std::string>& list() const;
@@ -81,12 +85,17 @@ class SettingsWindow {
 
 SettingsWindow::SettingsWindow() {
     view_.pages = setting_pages(page_height());
+    // Whoever has just installed Delvio needs this page first.
+    if (lacks_managers(shown_managers())) {
+        const auto page = std::ranges::find_if(view_.pages, &SettingPage::has_managers);
+        view_.page = static_cast<size_t>(page - view_.pages.begin());
+    }
     read();
     panel_ = [[WidgetPanel alloc] initWithTitle:@(translated("Delvio Settings"))
                                         content:settings_content(view_)
                                             hit:[this](int item) { hit(item); }];
     [panel_ setDropListener:[this](const std::vector<std::string>& paths) { add_dropped(paths); }];
-    [panel_ focusItem:pages_item];
+    [panel_ focusItem:pages_item + static_cast<int>(view_.page)];
 }
 
 bool SettingsWindow::run() {
@@ -101,6 +110,8 @@ void SettingsWindow::read() {
     for (const Setting* setting : view_.pages[view_.page].settings) {
         view_.states.push_back(read_setting(*setting));
     }
+    view_.managers.clear();
+    if (view_.pages[view_.page].has_managers) view_.managers = shown_managers();
     view_.folder = std::min(view_.folder, list().empty() ? 0 : list().size() - 1);
     const PanelContent content;
     if (!folder_.path().empty()) {
@@ -190,11 +201,13 @@ void SettingsWindow::add_path(const std::string& path) {
     view_.new_path = path;
     const std::string whole = entry_of_path(without_tilde(path));
     struct stat what;
-    const bool is_there = stat(whole.c_str(), &what) == 0;
+    const files::Answer answer = files::ask_patiently(whole, patience, &what);
     std::string problem;
     if (whole[0] != '/') {
         problem = translated("A path begins with / or ~.");
-    } else if (!is_there) {
+    } else if (answer == files::Answer::silent) {
+        problem = translated("The disk of %s does not answer.", {in_quotes(whole)});
+    } else if (answer == files::Answer::missing) {
         problem = translated("There is no folder %s.", {in_quotes(whole)});
     } else if (!S_ISDIR(what.st_mode)) {
         problem = translated("%s is a file, not a folder.", {in_quotes(whole)});
@@ -215,6 +228,14 @@ void SettingsWindow::add_path(const std::string& path) {
 void SettingsWindow::add_dropped(const std::vector<std::string>& paths) {
     for (size_t page = 0; !list_setting() && page < view_.pages.size(); page++) choose_page(page);
     for (const std::string& path : paths) add_path(path);
+}
+
+void SettingsWindow::switch_manager_at(size_t index) {
+    if (index >= view_.managers.size()) return;
+    const SwitchedManager done = switch_manager(view_.managers[index]);
+    view_.message = done.message;
+    view_.is_problem = done.is_problem;
+    show();
 }
 
 void SettingsWindow::move_folder(int step) {
@@ -268,6 +289,7 @@ void SettingsWindow::hit_list(int item) {
 void SettingsWindow::hit(int item) {
     if (item == close_item) return [NSApp stopModalWithCode:closed];
     if (item == reset_item) return reset_page();
+    if (item >= managers_item) return switch_manager_at(static_cast<size_t>(item - managers_item));
     if (item >= folders_item) {
         view_.folder = static_cast<size_t>(item - folders_item);
         return show();

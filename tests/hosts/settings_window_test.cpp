@@ -23,8 +23,15 @@ std::string picture() { return output_of("import -silent -window root rgba:- | m
 
 class SettingsWindow : public MenuCommand {
   protected:
-    SettingsWindow() { run_delvio({"settings", "reset", "--all"}); }
-    ~SettingsWindow() override { run_delvio({"settings", "reset", "--all"}); }
+    // The window begins with its first page where a file manager has Delvio.
+    SettingsWindow() {
+        run_delvio({"settings", "reset", "--all"});
+        run_delvio({"install", "thunar"});
+    }
+    ~SettingsWindow() override {
+        run_delvio({"settings", "reset", "--all"});
+        run_delvio({"uninstall", "thunar"});
+    }
 
     static std::string window() {
         return output_of("xdotool search --onlyvisible --name '^Delvio Settings$'");
@@ -159,6 +166,33 @@ TEST_F(SettingsWindow, IsOneAlsoWhenItIsAskedForTwiceAtOnce) {
     EXPECT_EQ(first.status, 0) << first.err;
     EXPECT_EQ(second.status, 0) << second.err;
     EXPECT_EQ(first.out + second.out, "The settings window is open already; it is in front now.\n");
+}
+
+// A program that only needs to be found.
+std::string folder_with_thunar(test::TempFolder& folder) {
+    const std::string program = folder.file("bin/thunar", "#!/bin/sh\n");
+    EXPECT_EQ(chmod(program.c_str(), 0755), 0);
+    return folder.path("bin");
+}
+
+// What `delvio install --list` says about it.
+std::string state_of_thunar() {
+    const std::string list = run_delvio({"install", "--list"}).out;
+    const size_t state = list.find("with", list.find("\nthunar "));
+    return state == std::string::npos ? "" : list.substr(state, list.find('\n', state) - state);
+}
+
+TEST_F(SettingsWindow, BeginsWithTheFileManagersWhereNoneHasDelvio) {
+    run_delvio({"uninstall", "thunar"});
+    ASSERT_EQ(state_of_thunar(), "without Delvio");
+    RunningCommand command({"settings"}, {{"PATH", folder_with_thunar(folder)}});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Tab", "space"}));
+    EXPECT_TRUE(wait_for([&] { return state_of_thunar() == "with Delvio"; }));
+    ASSERT_TRUE(press({"space"}));
+    EXPECT_TRUE(wait_for([&] { return state_of_thunar() == "without Delvio"; }));
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
 }
 
 // The folders stand between "Home" and, below a line, "The whole disk".
