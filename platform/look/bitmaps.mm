@@ -41,8 +41,11 @@ void draw_through_bitmap(NSRect area, const std::function<void(_cairo*)>& draw) 
     cairo_t* cairo = cairo_create(surface);
     cairo_translate(cairo, -NSMinX(area), -NSMinY(area));
     draw(cairo);
+    // There is no picture of an area that is too large, and a window has that size if another
+    // program says so.
+    const bool is_drawn = cairo_status(cairo) == CAIRO_STATUS_SUCCESS && [rep bitmapData];
     cairo_destroy(cairo);
-    copy_pixels(surface, width, height, rep);
+    if (is_drawn) copy_pixels(surface, width, height, rep);
     cairo_surface_destroy(surface);
-    [rep drawInRect:area];
+    if (is_drawn) [rep drawInRect:area];
 }

@@ -200,7 +200,11 @@ void MenuLevel::draw(NSRect dirty) {
     cairo_t* cairo = focused_cairo();
     if (!cairo) {
         const MenuScene drawn = scene(style_.composed);
-        return draw_through_bitmap(dirty, [&](cairo_t* bitmap) { paint_menu(bitmap, drawn); });
+        // Another program can make the window larger than the level.
+        const NSRect level =
+            NSMakeRect(0, 0, panel_.width + 2 * margin(), panel_.height + 2 * margin());
+        return draw_through_bitmap(NSIntersectionRect(dirty, level),
+                                   [&](cairo_t* bitmap) { paint_menu(bitmap, drawn); });
     }
     cairo_save(cairo);
     cairo_identity_matrix(cairo);

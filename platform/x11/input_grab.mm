@@ -30,7 +30,13 @@ bool keeps_focus, holds_keyboard, was_deactivated;
 void* grabbing_device;  // the back end's record of the window that holds the keyboard, or null
 
 // The toolkit takes every key for one of the key window's, and asks that window's input context.
+// Xlib itself puts keys of the number 0 in the queue to say that a text is composed. When one comes
+// from another program, Xlib reads a text that is not there.
 NSString* look_up(id self, SEL selector, XKeyEvent* key, void* device, KeySym* symbol) {
+    if (key->keycode == 0 && key->send_event) {
+        if (symbol) *symbol = NoSymbol;
+        return @"";
+    }
     using Lookup = NSString* (*)(id, SEL, XKeyEvent*, void*, KeySym*);
     return reinterpret_cast<Lookup>(stock_lookup)(self, selector, key, grabbing_device ?: device,
                                                   symbol);

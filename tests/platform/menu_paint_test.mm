@@ -273,3 +273,10 @@ TEST_F(MenuPaint, ARibbonMarksAPlaceOfTheUserInEveryPalette) {
     }
     unsetenv("GTK_THEME");
 }
+
+// A window has such a size after another program has said so.
+TEST_F(MenuPaint, AnAreaThatNoPictureCanHaveIsLeftAlone) {
+    bool was_asked = false;
+    draw_through_bitmap(NSMakeRect(0, 0, 40000, 10), [&](cairo_t*) { was_asked = true; });
+    EXPECT_TRUE(was_asked);
+}

@@ -76,6 +76,17 @@ unsigned XInput::code(const std::string& name) {
     return XKeysymToKeycode(display_, symbol);
 }
 
+void XInput::send_key(unsigned long window, unsigned number) {
+    XEvent event = {};
+    event.xkey.type = KeyPress;
+    event.xkey.window = window;
+    event.xkey.root = DefaultRootWindow(display_);
+    event.xkey.same_screen = True;
+    event.xkey.keycode = number;
+    XSendEvent(display_, window, False, NoEventMask, &event);
+    XSync(display_, False);
+}
+
 std::string XInput::place_of(const std::string& name) { return "#" + std::to_string(code(name)); }
 
 std::string XInput::new_key(const std::string& name) {
