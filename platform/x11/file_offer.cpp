@@ -65,11 +65,28 @@ int FileOffer::descriptor() const { return xcb_get_file_descriptor(server_); }
 bool FileOffer::is_broken() const { return xcb_connection_has_error(server_) != 0; }
 
 void FileOffer::begin(const std::string& uri_list) {
-    owned_since_ = server_time();
+    take_selection();
     uri_list_ = uri_list;
     awaited_ = false;
+    dragging_ = true;
+}
+
+void FileOffer::take_selection() {
+    owned_since_ = server_time();
     xcb_set_selection_owner(server_, window_, atoms_[selection], owned_since_);
     xcb_flush(server_);
+}
+
+// The pasteboard's daemon takes the selection before each drag, and later than that when it is
+// busy. Nobody else takes it during a drag, or before the drop has been fetched, unless the pressed
+// button shows that another drag has begun.
+void FileOffer::lose_selection(unsigned time) {
+    if (time <= owned_since_) return;
+    if (dragging_ || (awaited_ && !button_is_down())) {
+        take_selection();
+    } else {
+        uri_list_.clear();
+    }
 }
 
 // Changes a property, as the event of the change brings the server's time.
@@ -134,6 +151,7 @@ void FileOffer::drop(unsigned target, unsigned source) {
 
 void FileOffer::end(unsigned source) {
     if (entered_) leave(entered_, source);
+    dragging_ = false;
 }
 
 bool FileOffer::grab_pointer() {
@@ -215,10 +233,7 @@ void FileOffer::answer() {
                 answer_request(event);
                 break;
             case XCB_SELECTION_CLEAR:
-                // The pasteboard's daemon also takes the selection, before each drag.
-                if (reinterpret_cast<xcb_selection_clear_event_t*>(event)->time > owned_since_) {
-                    uri_list_.clear();
-                }
+                lose_selection(reinterpret_cast<xcb_selection_clear_event_t*>(event)->time);
                 break;
             case XCB_PROPERTY_NOTIFY:
                 time_ = reinterpret_cast<xcb_property_notify_event_t*>(event)->time;

@@ -58,6 +58,8 @@ class FileOffer {
     unsigned server_time();
     void answer_request(const void* request);
     unsigned char escape_key();
+    void take_selection();
+    void lose_selection(unsigned time);
 
     xcb_connection_t* server_ = nullptr;
     unsigned root_ = 0, window_ = 0, time_ = 0, owned_since_ = 0;
@@ -65,6 +67,6 @@ class FileOffer {
     unsigned version_ = 0;  // agreed with the present target
     unsigned entered_ = 0;  // the target that has been neither left nor dropped on
     std::string uri_list_;
-    bool released_ = false, awaited_ = false, cancelled_ = false;
+    bool dragging_ = false, released_ = false, awaited_ = false, cancelled_ = false;
     unsigned char escape_ = 0;  // its key code while it is watched for
 };

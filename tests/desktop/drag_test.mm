@@ -6,6 +6,7 @@
 #include "desktop/desk.h"
 #include "desktop/drop_target.h"
 #include "support/announced_window.h"
+#include "support/pasteboard_server.h"
 
 namespace {
 
@@ -90,6 +91,20 @@ TEST_F(Drag, CommandMayBeHeldUntilTheDrop) {
     DropTarget target(folder_.path("drops"), target_x, target_y);
     pop_up([&](Steps& steps) {
         press(steps, {"project", "readme.txt"}, false);
+        move_over(steps, target);
+        let_go(steps);
+        steps.when("the drop", [&] { return !target.drops().empty(); });
+    });
+    EXPECT_EQ(target.drops(), Titles({address("project/readme.txt")}));
+}
+
+TEST_F(Drag, FilesAreDroppedThoughThePasteboardsServerDoesNotAnswer) {
+    DropTarget target(folder_.path("drops"), target_x, target_y);
+    test::PasteboardServer server;
+    ASSERT_NE(server.process(), 0);
+    server.stand_still();
+    pop_up([&](Steps& steps) {
+        press(steps, {"project", "readme.txt"});
         move_over(steps, target);
         let_go(steps);
         steps.when("the drop", [&] { return !target.drops().empty(); });

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <functional>
+#include <thread>
 
 #include "support/x_input.h"
 
@@ -60,6 +62,37 @@ class Shortcut {
     Display* display_;
 };
 
+// The pasteboard's daemon, or a program that begins a drag: it takes the selection of drags.
+class Taker {
+  public:
+    Taker()
+        : display_(XOpenDisplay(nullptr)), selection_(XInternAtom(display_, "XdndSelection", 0)) {
+        window_ = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 1, 1, 0, 0, 0);
+    }
+    ~Taker() { XCloseDisplay(display_); }
+    Taker(const Taker&) = delete;
+    Taker& operator=(const Taker&) = delete;
+
+    void take() {
+        // The server's time must be later than that of the offer.
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        XSetSelectionOwner(display_, selection_, window_, CurrentTime);
+        XSync(display_, False);
+    }
+    // Whether the selection is this program's once the offer has answered.
+    bool has_it() {
+        FileOffer::shared();
+        return XGetSelectionOwner(display_, selection_) == window_;
+    }
+
+  private:
+    Display* display_;
+    Atom selection_;
+    Window window_;
+};
+
+constexpr char one_file[] = "file:///a\r\n";
+
 }  // namespace
 
 // Replaces the C library's function.
@@ -107,4 +140,22 @@ TEST(FileOffer, EscapeIsSeenThoughAWindowManagerHasItWithAModifier) {
         FileOffer::shared()->watch_for_escape();
     }
     FileOffer::shared()->leave_escape_alone();
+}
+
+TEST(FileOffer, KeepsTheFilesThoughTheDaemonTakesTheSelectionDuringTheDrag) {
+    Taker daemon;
+    FileOffer::shared()->begin(one_file);
+    daemon.take();
+    EXPECT_FALSE(daemon.has_it());
+    daemon.take();
+    EXPECT_FALSE(daemon.has_it());
+    FileOffer::shared()->end(0);
+}
+
+TEST(FileOffer, LeavesTheSelectionToWhoTakesItAfterTheDrag) {
+    Taker other;
+    FileOffer::shared()->begin(one_file);
+    FileOffer::shared()->end(0);
+    other.take();
+    EXPECT_TRUE(other.has_it());
 }
