@@ -128,6 +128,11 @@ TEST_F(DragPasteboard, ReachesOtherProgramsAgainWithTheNextDrag) {
     drag(@"/during");
     server_.emplace();  // another one
     EXPECT_TRUE(is_seen(@"/after"));
+    ASSERT_TRUE(drag_from_elsewhere(@"/theirs"));
+    EXPECT_TRUE(succeeds([] {
+        enter_window();
+        return has(@"/theirs");
+    }));
 }
 
 TEST_F(DragPasteboard, EachDragForgetsTheOneBeforeIt) {
@@ -155,6 +160,8 @@ TEST_F(DragPasteboard, HasWhatAnotherProgramDragsOnceThatDragEntersAWindow) {
         enter_window();
         return has(@"/theirs");
     }));
+    ASSERT_TRUE(drag_from_elsewhere(@"/theirs again"));
+    EXPECT_TRUE(succeeds([] { return has(@"/theirs again"); }));
     drag(@"/own again");
     EXPECT_TRUE([dragged() isEqual:files(@"/own again")]);
 }

@@ -5,11 +5,13 @@
 #include <AppKit/AppKit.h>
 #include <GNUstepGUI/GSPasteboardServer.h>
 
+#include <unistd.h>
+
 #include "objc/method_patch.h"
 
 namespace {
 
-constexpr NSTimeInterval patience = 2;
+constexpr NSTimeInterval patience = 2, longest_start = 5;
 
 }  // namespace
 
@@ -33,10 +35,30 @@ constexpr NSTimeInterval patience = 2;
 
 namespace {
 
-// The server's object for drags; nil when no server runs. It starts none: a program that would read
-// what this one drags has started it.
+NSConnection* connection_to_server() {
+    return [NSConnection connectionWithRegisteredName:PBSNAME host:@""];
+}
+
+// Starts the server where none runs. The toolkit would start it too, but then wait five seconds for
+// a notification that some programs never get.
+void start_server() {
+    static bool tried;
+    NSString* tool = [NSTask launchPathForTool:@"gpbs"];
+    if (tried || !tool || connection_to_server()) return;
+    tried = true;
+    NSTask* task = [[NSTask new] autorelease];
+    [task setLaunchPath:tool];
+    [task setArguments:[NSArray arrayWithObject:@"--auto"]];
+    [task setStandardOutput:[NSFileHandle fileHandleWithNullDevice]];
+    [task setStandardError:[NSFileHandle fileHandleWithNullDevice]];
+    [task launch];
+    NSDate* end = [NSDate dateWithTimeIntervalSinceNow:longest_start];
+    while (!connection_to_server() && [end timeIntervalSinceNow] > 0) usleep(10000);
+}
+
+// The server's object for drags; nil when no server runs.
 id<GSPasteboardObj> find_server() {
-    NSConnection* connection = [NSConnection connectionWithRegisteredName:PBSNAME host:@""];
+    NSConnection* connection = connection_to_server();
     if (!connection) return nil;
     [connection setRequestTimeout:patience];
     [connection setReplyTimeout:patience];
@@ -52,6 +74,10 @@ id<GSPasteboardObj> find_server() {
 @implementation DragBoard
 
 - (void)connect {
+    if (_server && ![[(id)_server connectionForProxy] isValid]) {
+        [(id)_server release];  // that server has gone
+        _server = nil;
+    }
     if (_server || _silent) return;
     @try {
         _server = [(id)find_server() retain];
@@ -82,6 +108,7 @@ id<GSPasteboardObj> find_server() {
     _pasteboard = pasteboard;
     _count++;
     _silent = false;
+    start_server();
     [self connect];
     @try {
         if (_server) {
@@ -152,8 +179,9 @@ id<GSPasteboardObj> find_server() {
     if (_own) return [[_types retain] autorelease];
     [self connect];
     @try {
-        NSArray* types = [_server typesAndChangeCount:count];
-        _count = *count;
+        int newest = 0;  // any other number would ask for the drag of that number
+        NSArray* types = [_server typesAndChangeCount:&newest];
+        if (newest) *count = _count = newest;
         return types;
     } @catch (NSException*) {
         [self disconnect];
