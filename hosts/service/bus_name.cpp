@@ -26,19 +26,6 @@ const char interfaces[] =
 constexpr std::chrono::seconds patience{10};
 constexpr guint32 do_not_queue = 4, is_owner = 1, was_owner = 4;
 
-// The bus of this process's environment; null for none. GIO's shared connection is others' to use.
-ObjectOwner<GDBusConnection> new_connection() {
-    if (!files::session_bus()) return nullptr;
-    const files::TextOwner address(
-        g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-    if (!address) return nullptr;
-    const auto flags =
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-    return ObjectOwner<GDBusConnection>(
-        g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, nullptr));
-}
-
 guint32 ask_bus(GDBusConnection* connection, const char* method, GVariant* arguments) {
     const VariantOwner answer(g_dbus_connection_call_sync(
         connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
@@ -90,7 +77,7 @@ class BusName::Service {
     void serve() {
         g_main_context_push_thread_default(context_);
         loop_ = g_main_loop_new(context_, FALSE);
-        const ObjectOwner<GDBusConnection> connection = new_connection();
+        const ObjectOwner<GDBusConnection> connection = files::new_session_connection();
         const bool is_owned = connection && offer(connection.get());
         tell(is_owned ? State::owned : State::refused);
         if (is_owned) g_main_loop_run(loop_);

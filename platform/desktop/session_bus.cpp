@@ -121,6 +121,17 @@ ObjectOwner<GDBusConnection> session_bus() {
     return connection;
 }
 
+ObjectOwner<GDBusConnection> new_session_connection() {
+    if (!session_bus()) return nullptr;
+    const TextOwner address(g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
+    if (!address) return nullptr;
+    const auto flags =
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+    return ObjectOwner<GDBusConnection>(
+        g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, nullptr));
+}
+
 void flush_session_bus() {
     {
         const std::lock_guard guard(bus().lock);

@@ -19,6 +19,10 @@ inline constexpr int bus_patience = 500;
 // does not answer. Each call asks the bus; a bus that has failed is left alone for a while.
 ObjectOwner<GDBusConnection> session_bus();
 
+// Another connection, for whoever keeps it: GIO hands out a closed one as long as anybody holds it.
+// Null as above.
+ObjectOwner<GDBusConnection> new_session_connection();
+
 // Whether there seems to be one; it is not asked.
 bool has_session_bus();
 
