@@ -231,7 +231,8 @@ std::string DesktopSettings::icon_theme() {
 std::optional<DesktopSettings::Accent> DesktopSettings::accent() {
     const std::string kde = in_kde_file("General", "AccentColor");
     unsigned red, green, blue;
-    if (sscanf(kde.c_str(), "%u,%u,%u", &red, &green, &blue) == 3 && red < 256 && green < 256 &&
+    // NOLINTNEXTLINE(cert-err34-c): three digits are never too large a number
+    if (sscanf(kde.c_str(), "%3u,%3u,%3u", &red, &green, &blue) == 3 && red < 256 && green < 256 &&
         blue < 256) {
         return Accent{red / 255.0, green / 255.0, blue / 255.0};
     }

@@ -84,7 +84,8 @@ void toggle_enabled(NSMenu* menu, NSArray* items) {
 
 void resize_menu(NSMenu* menu, NSInteger count) {
     while ([menu numberOfItems] > count) [menu removeItemAtIndex:[menu numberOfItems] - 1];
-    while ([menu numberOfItems] < count) [menu addItemWithTitle:@"" action:NULL keyEquivalent:@""];
+    while ([menu numberOfItems] < count)
+        [menu addItemWithTitle:@"" action:nullptr keyEquivalent:@""];
 }
 
 void update_item_by_item(NSMenu* menu, id delegate) {

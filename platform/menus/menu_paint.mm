@@ -85,7 +85,8 @@ void paint_separator(cairo_t* cairo, const MenuScene& scene, const MenuRow& row,
     const int left = scene.left + look.inset + look.padding;
     const int right = scene.left + scene.width - look.inset - look.padding;
     set_color(cairo, look.palette->separator);
-    cairo_rectangle(cairo, left, y + (row.height - look.hairline) / 2, right - left, look.hairline);
+    const int line = y + (row.height - look.hairline) / 2;
+    cairo_rectangle(cairo, left, line, right - left, look.hairline);
     cairo_fill(cairo);
 }
 
@@ -154,11 +155,13 @@ void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
     if (!surface) return;
     const int column = row.kind == image_row ? size.width : scene.layout->image_width();
     const int width = size.width;
-    const double left = placed(scene, scene.layout->image_left() + (column - width) / 2, width);
-    cairo_set_source_surface(cairo, surface, left, y + (row.height - int(size.height)) / 2);
+    const int before = (column - width) / 2, above = (row.height - int(size.height)) / 2;
+    const double left = placed(scene, scene.layout->image_left() + before, width);
+    cairo_set_source_surface(cairo, surface, left, y + above);
     cairo_paint_with_alpha(cairo, alpha);
     if (row.kind != title_row) return;
-    const double right = left + size.width, bottom = y + (row.height + int(size.height)) / 2;
+    const int below = (row.height + int(size.height)) / 2;
+    const double right = left + size.width, bottom = y + below;
     const MenuMark mark = mark_of(row.item);
     if (mark == menu_mark_bookmark) paint_bookmark(cairo, scene, right, bottom);
     NSImage* emblem = mark == menu_mark_link ? [image emblemOfLinks] : [image emblem];

@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace thumbnails {
 
@@ -12,7 +13,7 @@ Box fit(Box original, Box box) {
     const double scale = std::min({1.0, static_cast<double>(box.width) / original.width,
                                    static_cast<double>(box.height) / original.height});
     const auto scaled = [scale](int side) {
-        return std::max(1, static_cast<int>(side * scale + 0.5));
+        return std::max(1, static_cast<int>(std::lround(side * scale)));
     };
     return {std::min(scaled(original.width), box.width),
             std::min(scaled(original.height), box.height)};

@@ -38,7 +38,7 @@ static void delete_picture(void* picture, const void*, size_t) {
     delete static_cast<Picture*>(picture);
 }
 
-static CGImageRef image_of(Picture picture) {
+static CGImageRef create_image_of(Picture picture) {
     auto* kept = new Picture(std::move(picture));
     const auto width = static_cast<size_t>(kept->width), height = static_cast<size_t>(kept->height);
     CGDataProviderRef pixels = CGDataProviderCreateWithData(kept, kept->pixels.data(),
@@ -62,7 +62,7 @@ CGImageRef QLThumbnailImageCreate(CFAllocatorRef, CFURLRef url, CGSize maxThumbn
             thumbnails::shared_thumbnail_maker().make(path, box, {finer, is_display_dark()});
         if (!picture) return nullptr;
         const double scale = scale_within(picture, maxThumbnailSize);
-        CGImageRef image = image_of(std::move(picture));
+        CGImageRef image = create_image_of(std::move(picture));
         if (!image) return nullptr;
         set_image_scale(image, scale);
         set_image_source(image, path);

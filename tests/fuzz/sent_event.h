@@ -3,6 +3,7 @@
 
 #include <X11/Xlib.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "input.h"
@@ -56,12 +57,14 @@ class SentEvent {
         to.state = input_.number<uint16_t>();
         to.same_screen = input_.byte() & 1;
     }
+    // The server keeps as many pixels for a window as the window's program believes it to have, so
+    // one side or the other is long.
     template <typename Event>
     void fill_area(Event& to) {
         to.x = small();
         to.y = small();
         to.width = input_.number<uint16_t>();
-        to.height = input_.number<uint16_t>();
+        to.height = std::min<int>(input_.number<uint16_t>(), (1 << 22) / (to.width + 1));
     }
     void fill_message(XClientMessageEvent& to) {
         to.message_type = atom();
