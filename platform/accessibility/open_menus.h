@@ -30,7 +30,7 @@ struct OpenRow {
     bool has_submenu = false;
     bool can_be_picked = false;
     bool is_in_sight = false;  // not scrolled away
-    std::string written;       // in a field
+    bool is_default = false;   // Return hits it
 
     bool operator==(const OpenRow&) const = default;
 };

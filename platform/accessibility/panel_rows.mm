@@ -63,11 +63,10 @@ OpenRow::Kind kind_of(const Widget& widget) {
 }
 
 std::string name_of(const Widget& widget) {
-    if (widget.kind == WidgetKind::field) return widget.label.empty() ? widget.hint : widget.label;
-    if (widget.kind == WidgetKind::choice && !widget.label.empty()) {
-        return widget.label + ": " + widget.text;
-    }
-    return widget.text;
+    const bool is_field = widget.kind == WidgetKind::field;
+    const std::string& label = is_field && widget.label.empty() ? widget.hint : widget.label;
+    if (label.empty() || widget.text.empty()) return label + widget.text;
+    return label + ": " + widget.text;
 }
 
 // A number that is another one when a row shows something else.
@@ -110,7 +109,7 @@ OpenRow row_of(WidgetPanel* panel, int row) {
     answer.has_submenu = widget.kind == WidgetKind::choice;
     answer.can_be_picked = widget.can_be_hit();
     answer.is_in_sight = true;
-    if (widget.kind == WidgetKind::field) answer.written = widget.text;
+    answer.is_default = widget.item && widget.item == [panel content].default_item;
     return answer;
 }
 

@@ -1,5 +1,7 @@
 #include "panels/widget_panel.h"
 
+#include <host/process.h>
+
 #include "panels/shown_panel.h"
 #include "panels/widget_view.h"
 #include "x11/screens.h"
@@ -54,6 +56,8 @@
 
 - (void)hitNumber:(NSNumber*)item {
     [[self widgetView] hit:[item intValue]];
+    // A modal session that was ended looks so only after its next event.
+    wake_main_loop();
 }
 
 - (void)setDropListener:(const std::function<void(const std::vector<std::string>&)>&)listener {

@@ -33,14 +33,18 @@ def hear(event):
     node, path = event.source, event.source.path
     try:
         if event.type == "object:state-changed:showing" and event.detail1:
-            if node.getRole() == pyatspi.ROLE_MENU:
+            if node.getRole() in (pyatspi.ROLE_MENU, pyatspi.ROLE_PANEL):
                 menus[path] = node.name
                 nodes[path] = node
+            if node.getRole() in (pyatspi.ROLE_MENU, pyatspi.ROLE_PANEL, pyatspi.ROLE_DIALOG,
+                                  pyatspi.ROLE_ALERT):
                 tell(f"opened {node.name}, {node.getRoleName()}, {node.childCount} rows")
         elif event.type == "object:state-changed:showing" and path in menus:
             tell(f"closed {menus.pop(path)}")
         elif event.type == "object:state-changed:focused" and event.detail1:
             tell("at " + describe(node))
+        elif event.type == "object:state-changed:checked":
+            tell(("checked " if event.detail1 else "unchecked ") + node.name)
     except (GLib.Error, RuntimeError) as problem:
         tell(f"lost {path}: {problem}")  # the menu has closed meanwhile
 

@@ -108,7 +108,7 @@ struct AccessibleMenu : testing::Test {
     void hear(const Node& node, const std::string& event, const std::string& detail, int number) {
         if (event == "SelectionChanged") return;
         const std::string name = tree.exists(node) ? tree.text(node) : "closed";
-        heard.push_back(name + " " + detail +
+        heard.push_back(name + " " + (detail.empty() ? event : detail) +
                         (event == "StateChanged" && !number ? " no more" : ""));
     }
     // What is heard from now on, once.
@@ -185,6 +185,46 @@ TEST_F(AccessibleMenu, RolesAndStatesSayWhatARowIs) {
     menus.open[1].highlighted = 0;
     EXPECT_FALSE(has_state(row(0, 0), ATSPI_STATE_FOCUSED));
     EXPECT_TRUE(has_state(row(0, 0), ATSPI_STATE_SELECTED));
+}
+
+TEST_F(AccessibleMenu, APanelIsAWindowOfWidgets) {
+    OpenRow label = item("Sort"), check = item("Hidden"), choice = folder("Order: by name"),
+            button = item("OK");
+    label.kind = OpenRow::text;
+    check.kind = OpenRow::check_box;
+    check.is_checked = true;
+    choice.kind = OpenRow::choice;
+    button.kind = OpenRow::button;
+    button.is_default = true;
+    menus.push({label, check, choice, button});
+    menus.open[0].kind = OpenLevel::dialog;
+    menus.open[0].name = "Settings";
+    menus.open[0].highlighted = 2;
+    EXPECT_EQ(tree.role(*tree.child(Node{}, 0)), unsigned{ATSPI_ROLE_DIALOG});
+    EXPECT_EQ(tree.text(*tree.child(Node{}, 0)), "Settings");
+    EXPECT_EQ(tree.role(menu(0)), unsigned{ATSPI_ROLE_PANEL});
+    const Lines roles = {"label", "check box", "combo box", "push button"};
+    for (int i = 0; i < 4; i++) EXPECT_EQ(tree.role_name(row(0, i)), roles[static_cast<size_t>(i)]);
+    EXPECT_FALSE(has_state(row(0, 0), ATSPI_STATE_FOCUSABLE));
+    EXPECT_TRUE(has_state(row(0, 1), ATSPI_STATE_CHECKED));
+    EXPECT_TRUE(has_state(row(0, 2), ATSPI_STATE_FOCUSED));
+    EXPECT_FALSE(has_state(row(0, 2), ATSPI_STATE_SELECTED)) << "no row of a list";
+    EXPECT_TRUE(has_state(row(0, 3), ATSPI_STATE_IS_DEFAULT));
+    EXPECT_EQ(news(),
+              (Lines{"program add", "Settings showing", "Settings active", "Settings Activate",
+                     " visible", " showing", "Order: by name focused"}));
+    menus.open[0].highlighted = 3;
+    EXPECT_EQ(news(), (Lines{"Order: by name focused no more", "OK focused"}));
+    announcer.note_asked(row(0, 1));
+    OpenRow other = item("Other page");
+    other.kind = OpenRow::button;
+    menus.change(0, {label, other, choice, button});
+    EXPECT_EQ(news(), (Lines{"Other page accessible-name", "Other page accessible-role",
+                             "Other page checkable no more", "Other page checked no more"}));
+    menus.open[0].highlighted = 2;
+    menus.push({item("by name")}, 2);
+    EXPECT_EQ(tree.parent(menu(1)), row(0, 2)) << "the menu of a choice";
+    EXPECT_TRUE(has_state(row(0, 2), ATSPI_STATE_EXPANDED));
 }
 
 TEST_F(AccessibleMenu, OneRowOfAHundredThousandCostsWhatOneRowOfThreeCosts) {

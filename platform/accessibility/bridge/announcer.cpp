@@ -98,9 +98,6 @@ void Announcer::tell_rows(size_t level) {
 
 void Announcer::tell_row(const Node& node, const OpenRow& before, const OpenRow& now) const {
     if (now == before) return;
-    const auto state = [&](bool was, bool is, const char* name) {
-        if (was != is) tell_state(node, name, is);
-    };
     if (now.name != before.name) {
         send_(node, "PropertyChange", "accessible-name", 0,
               g_variant_new_string(tree_.text(node).c_str()));
@@ -108,15 +105,16 @@ void Announcer::tell_row(const Node& node, const OpenRow& before, const OpenRow&
     if (now.kind != before.kind) {
         send_(node, "PropertyChange", "accessible-role", 0, g_variant_new_uint32(tree_.role(node)));
     }
-    state(before.is_in_sight, now.is_in_sight, "showing");
-    for (const char* name : {"enabled", "sensitive", "focusable", "selectable"}) {
-        state(before.is_enabled, now.is_enabled, name);
-    }
-    const bool is_listed = now.kind == OpenRow::list_item;
-    state(before.is_checked, now.is_checked, is_listed ? "selected" : "checked");
-    state(before.is_mixed, now.is_mixed, "indeterminate");
-    state(before.has_submenu, now.has_submenu, "expandable");
-    state(before.has_submenu, now.has_submenu, "has-popup");
+    const std::vector<RowState> were = states_of(before), are = states_of(now);
+    const auto tell_missing = [&](const std::vector<RowState>& from,
+                                  const std::vector<RowState>& others, bool is_set) {
+        for (const RowState& state : from) {
+            const bool is_common = std::find(others.begin(), others.end(), state) != others.end();
+            if (!is_common) tell_state(node, state.name, is_set);
+        }
+    };
+    tell_missing(were, are, false);
+    tell_missing(are, were, true);
 }
 
 void Announcer::tell_focus() {

@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -87,6 +88,34 @@ bool can_have_focus(const OpenRow& row) {
 }
 
 }  // namespace
+
+std::vector<RowState> states_of(const OpenRow& row) {
+    const bool is_widget = row.kind >= OpenRow::text;
+    const bool is_checkable = row.kind == OpenRow::check_item || row.kind == OpenRow::check_box;
+    const bool is_listed = row.kind == OpenRow::list_item;
+    const bool is_field = row.kind == OpenRow::field;
+    const std::pair<bool, RowState> all[] = {
+        {row.is_in_sight, {ATSPI_STATE_SHOWING, "showing"}},
+        {row.is_enabled, {ATSPI_STATE_ENABLED, "enabled"}},
+        {row.is_enabled, {ATSPI_STATE_SENSITIVE, "sensitive"}},
+        {can_have_focus(row), {ATSPI_STATE_FOCUSABLE, "focusable"}},
+        {is_widget ? is_listed : row.is_enabled, {ATSPI_STATE_SELECTABLE, "selectable"}},
+        {is_listed && row.is_checked, {ATSPI_STATE_SELECTED, "selected"}},
+        {is_checkable, {ATSPI_STATE_CHECKABLE, "checkable"}},
+        {is_checkable && row.is_checked, {ATSPI_STATE_CHECKED, "checked"}},
+        {row.is_mixed, {ATSPI_STATE_INDETERMINATE, "indeterminate"}},
+        {is_field, {ATSPI_STATE_EDITABLE, "editable"}},
+        {is_field, {ATSPI_STATE_SINGLE_LINE, "single-line"}},
+        {row.is_default, {ATSPI_STATE_IS_DEFAULT, "is-default"}},
+        {row.has_submenu, {ATSPI_STATE_EXPANDABLE, "expandable"}},
+        {row.has_submenu, {ATSPI_STATE_HAS_POPUP, "has-popup"}},
+    };
+    std::vector<RowState> states;
+    for (const auto& [is_so, state] : all) {
+        if (is_so) states.push_back(state);
+    }
+    return states;
+}
 
 std::string name_of(const Node& node) {
     const std::string id = std::to_string(node.level_number);
@@ -246,28 +275,18 @@ std::vector<unsigned> NodeTree::states(const Node& node) const {
     add(node == focused(), ATSPI_STATE_FOCUSED);
     const OpenRow shown = node.kind == Node::row ? row(node) : OpenRow{};
     const bool is_plain = node.kind != Node::row;
-    add(is_plain || shown.is_in_sight, ATSPI_STATE_SHOWING);
-    add(is_plain || shown.is_enabled, ATSPI_STATE_ENABLED);
-    add(is_plain || shown.is_enabled, ATSPI_STATE_SENSITIVE);
+    add(is_plain, ATSPI_STATE_SHOWING);
+    add(is_plain, ATSPI_STATE_ENABLED);
+    add(is_plain, ATSPI_STATE_SENSITIVE);
     const bool is_panel = node.kind != Node::application && level_kind(node) != OpenLevel::menu;
     add(node.kind == Node::menu, ATSPI_STATE_FOCUSABLE);
     add(node.kind == Node::menu && !is_panel, ATSPI_STATE_VERTICAL);
     add(node.kind == Node::window && is_panel, ATSPI_STATE_ACTIVE);
     add(node.kind == Node::window && is_panel, ATSPI_STATE_MODAL);
     if (is_plain) return states;
-    const bool is_checkable = shown.kind == OpenRow::check_item || shown.kind == OpenRow::check_box;
-    const bool is_listed = is_panel && shown.kind == OpenRow::list_item;
     const bool is_highlighted = menus_.level(level(node)).highlighted == node.index;
-    add(can_have_focus(shown), ATSPI_STATE_FOCUSABLE);
-    add(is_panel ? is_listed : shown.is_enabled, ATSPI_STATE_SELECTABLE);
-    add(is_panel ? is_listed && shown.is_checked : is_highlighted, ATSPI_STATE_SELECTED);
-    add(is_checkable, ATSPI_STATE_CHECKABLE);
-    add(is_checkable && shown.is_checked, ATSPI_STATE_CHECKED);
-    add(shown.is_mixed, ATSPI_STATE_INDETERMINATE);
-    add(shown.kind == OpenRow::field, ATSPI_STATE_EDITABLE);
-    add(shown.kind == OpenRow::field, ATSPI_STATE_SINGLE_LINE);
-    add(shown.has_submenu, ATSPI_STATE_HAS_POPUP);
-    add(shown.has_submenu, ATSPI_STATE_EXPANDABLE);
+    add(!is_panel && is_highlighted, ATSPI_STATE_SELECTED);
+    for (const RowState& each : states_of(shown)) states.push_back(each.state);
     add(is_expanded(node), ATSPI_STATE_EXPANDED);
     return states;
 }

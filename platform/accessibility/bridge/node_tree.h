@@ -24,6 +24,15 @@ std::string path_of(const Node& node);
 // Nothing for a name that no node can have.
 std::optional<Node> node_named(const std::string& name);
 
+// A state that a row has by itself, whatever is highlighted or open.
+struct RowState {
+    unsigned state;
+    const char* name;  // in events
+
+    bool operator==(const RowState& other) const { return state == other.state; }
+};
+std::vector<RowState> states_of(const OpenRow& row);
+
 class NodeTree {
   public:
     explicit NodeTree(OpenMenus& menus) : menus_(menus) {}
