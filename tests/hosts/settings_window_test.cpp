@@ -1,10 +1,15 @@
 // The settings window as a user has it: real keys, a real drag, and what is stored then.
 #include <signal.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <memory>
 
 #include "hosts/menu_command.h"
 #include "support/managed_windows.h"
+#include "support/silent_file_system.h"
 #include "support/waiting.h"
 #include "support/x_input.h"
 
@@ -215,6 +220,44 @@ TEST_F(SettingsWindow, OffersEveryFolderHoweverManyThereAre) {
     ASSERT_TRUE(has_keys());
     ASSERT_TRUE(choose({"Down", "Down"}));
     EXPECT_TRUE(becomes("folders", last + folder.path("home/f10000") + "\n"));
+    ASSERT_TRUE(has_keys());
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
+// A disk that does not answer, mounted on a folder.
+struct SilentDisk {
+    explicit SilentDisk(const std::string& folder)
+        : folder(folder),
+          server(test::mount_silent_file_system(folder, test::Silence::when_stopped)) {
+        if (!server) return;
+        kill(server, SIGSTOP);
+        waitpid(server, nullptr, WUNTRACED);
+    }
+    ~SilentDisk() {
+        if (!server) return;
+        kill(server, SIGKILL);
+        waitpid(server, nullptr, 0);
+        umount2(folder.c_str(), MNT_DETACH);
+    }
+    SilentDisk(const SilentDisk&) = delete;
+    SilentDisk& operator=(const SilentDisk&) = delete;
+
+    const std::string folder;
+    const pid_t server;
+};
+
+TEST_F(SettingsWindow, ADiskThatDoesNotAnswerHoldsNeitherTheChoiceOfAFolderNorTheWindow) {
+    const SilentDisk disk(folder.folder("home/disk"));
+    if (!disk.server) GTEST_SKIP() << "nobody may mount a file system here";
+    RunningCommand command({"settings"}, {{"HOME", folder.path("home")}});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Down", "Down", "Tab"}));
+    output_of("xdotool key space");
+    ASSERT_TRUE(wait_for([&] { return !input_.pointer_is_free() && !input_.keyboard_is_free(); }));
+    ASSERT_TRUE(press({"End", "Up", "Right"})) << "a level that says that it waits";
+    output_of("xdotool key Escape");
+    ASSERT_TRUE(wait_for([&] { return input_.pointer_is_free() && input_.keyboard_is_free(); }));
     ASSERT_TRUE(has_keys());
     output_of("xdotool key Escape");
     EXPECT_EQ(command.finish().status, 0);
