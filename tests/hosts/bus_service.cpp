@@ -46,8 +46,13 @@ SessionBus::SessionBus(bool system_services) {
     setenv("DBUS_SESSION_BUS_ADDRESS", address_.c_str(), 1);
 }
 
+void SessionBus::halt() const { kill(daemon_, SIGSTOP); }
+
+void SessionBus::resume() const { kill(daemon_, SIGCONT); }
+
 SessionBus::~SessionBus() {
     unsetenv("DBUS_SESSION_BUS_ADDRESS");
+    resume();
     kill(daemon_, SIGTERM);
     waitpid(daemon_, nullptr, 0);
 }

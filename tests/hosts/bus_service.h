@@ -22,6 +22,9 @@ class SessionBus {
     SessionBus& operator=(const SessionBus&) = delete;
 
     const std::string& address() const { return address_; }
+    // Until resume() the daemon accepts connections and messages, and answers none.
+    void halt() const;
+    void resume() const;
 
   private:
     std::string address_;

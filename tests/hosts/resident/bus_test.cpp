@@ -124,6 +124,26 @@ TEST_F(ResidentBus, UndoesTheLastOperationAndOpensTheSettings) {
     }));
 }
 
+// Neither the host that has a connection nor a new one, whose connection is not answered, waits.
+TEST_F(ResidentBus, MenusAndPicksDoNotWaitForABusThatHasStoppedAnswering) {
+    const std::string file = folder.file("thrown.txt", "all of it");
+    show_and_close();
+    const pid_t process = host();
+    EXPECT_TRUE(wait_for_owner(process));
+    bus->halt();
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(host(), process);
+    EXPECT_EQ(test::run_delvio({"menu", "--pick", "Move to Trash", file}, with()).status, 0);
+    EXPECT_FALSE(fs::exists(file));
+    EXPECT_EQ(test::run_delvio({"undo"}, with()).status, 0);
+    EXPECT_EQ(test::read_file(file), "all of it");
+    kill(process, SIGTERM);
+    EXPECT_TRUE(test::wait_for([this] { return hosts().empty(); }));
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_NE(host(), process);
+    bus->resume();
+}
+
 TEST_F(ResidentBus, SaysWhatItCannotShow) {
     EXPECT_EQ(ask_application("Open", "(['http://delvio.org/'], @a{sv} {})").rfind("error: ", 0),
               0u);
