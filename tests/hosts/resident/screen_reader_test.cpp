@@ -19,6 +19,8 @@ using test::ScreenReader;
 using test::Words;
 
 const test::Changes alone = {{"DELVIO_RESIDENT", "0"}};
+// With a theme that is named, the desktop's portal is not asked about looks.
+const test::Changes quiet = {{"DELVIO_RESIDENT", "0"}, {"GTK_THEME", "Adwaita"}};
 
 // Takes connections, and answers none.
 class SilentSocket {
@@ -145,7 +147,7 @@ TEST_F(HeardMenu, AReaderOpensSubmenusFindsRowsAndPicksThem) {
 
 TEST_F(HeardMenu, WithoutAReaderNothingIsLoadedAndNothingStaysConnected) {
     ScreenReader reader(ScreenReader::idle);
-    RunningCommand command = show();
+    RunningCommand command = show(quiet);
     ASSERT_TRUE(screen.wait_until_open());
     // The menu has asked whether anybody reads. Nobody else leaves the bus.
     ASSERT_TRUE(reader.hears("left "));
@@ -161,8 +163,7 @@ TEST_F(HeardMenu, WithoutABusOfAssistiveTechnologyNothingIsAsked) {
     test::output_of("xprop -root -remove AT_SPI_BUS");
     std::filesystem::remove_all(std::string(getenv("XDG_RUNTIME_DIR")) + "/at-spi");
     ScreenReader watcher(ScreenReader::watch);
-    // With a theme that is named, the desktop's portal is not asked about looks.
-    RunningCommand command = show({{"DELVIO_RESIDENT", "0"}, {"GTK_THEME", "Adwaita"}});
+    RunningCommand command = show(quiet);
     ASSERT_TRUE(screen.wait_until_open());
     EXPECT_FALSE(has_bridge(command.process()));
     input.key("Escape");
