@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 #include "bench/harness.h"
@@ -105,12 +106,18 @@ void race(Display* display, const Command& menu) {
     }
 }
 
+// Empty for a process that ends just now.
+std::string text_of(const fs::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+}
+
 pid_t host_process() {
     for (const auto& entry : fs::directory_iterator("/proc")) {
         const pid_t process = atoi(entry.path().filename().c_str());
-        std::ifstream words(entry.path() / "cmdline"), variables(entry.path() / "environ");
-        const std::string all((std::istreambuf_iterator<char>(words)), {});
-        const std::string environment((std::istreambuf_iterator<char>(variables)), {});
+        const std::string all = text_of(entry.path() / "cmdline");
+        const std::string environment = text_of(entry.path() / "environ");
         const std::string own = "XDG_RUNTIME_DIR=" + std::string(getenv("XDG_RUNTIME_DIR"));
         const bool is_host = process > 0 && all.find("--resident-host") != std::string::npos;
         if (is_host && environment.find(own) != std::string::npos) return process;

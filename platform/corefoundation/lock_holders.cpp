@@ -1,13 +1,12 @@
 #include "corefoundation/lock_holders.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace {
@@ -25,9 +24,17 @@ double seconds_now(clockid_t clock) {
     return seconds_of(now);
 }
 
+// Without a stream, which throws when the process ends between opening and reading.
 std::string text_of(const std::string& path) {
-    std::ifstream stream(path);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::string text;
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return text;
+    char part[4096];
+    for (ssize_t size; (size = read(file, part, sizeof part)) > 0;) {
+        text.append(part, static_cast<size_t>(size));
+    }
+    close(file);
+    return text;
 }
 
 // Seconds since the process began; negative for a process that has gone.

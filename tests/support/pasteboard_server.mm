@@ -6,22 +6,18 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
+
+#include "support/temp_folder.h"
 
 namespace test {
 namespace {
 
-std::string contents(const std::filesystem::path& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 // The server of this test has the test's folder.
 bool is_server(const std::filesystem::path& process) {
     const std::string own = "TMPDIR=" + std::string(getenv("TMPDIR")) + '\0';
-    return contents(process / "comm") == "gpbs\n" &&
-           contents(process / "environ").find(own) != std::string::npos;
+    return read_file(process / "comm") == "gpbs\n" &&
+           read_file(process / "environ").find(own) != std::string::npos;
 }
 
 // The toolkit raises an exception as long as it has not noticed that the last server has gone.
