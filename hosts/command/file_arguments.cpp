@@ -29,25 +29,28 @@ fs::path absolute_path(const fs::path& given) {
     return path.has_filename() || path == path.root_path() ? path : path.parent_path();
 }
 
+// Throws when the file does not exist or cannot be reached, as nothing can by a relative name once
+// the current folder has been removed.
+std::string resolved(const std::string& file) {
+    const fs::path whole = fs::absolute(file).lexically_normal();
+    // A file whose disk does not answer is taken as it is named.
+    if (::files::is_silent_entry(whole)) return whole.has_filename() ? whole : whole.parent_path();
+    struct stat ignored;
+    if (lstat(file.c_str(), &ignored) != 0) {
+        throw fs::filesystem_error(file, {errno, std::generic_category()});
+    }
+    return absolute_path(file);
+}
+
 }  // namespace
 
 bool resolve_files(std::vector<std::string>* files, std::string* problem) {
     for (std::string& file : *files) {
-        struct stat ignored;
-        const fs::path whole = fs::absolute(file).lexically_normal();
-        // A file whose disk does not answer is taken as it is named.
-        if (::files::is_silent_entry(whole)) {
-            file = whole.has_filename() ? whole : whole.parent_path();
-            continue;
-        }
-        if (lstat(file.c_str(), &ignored) != 0) {
-            *problem = translated("cannot find %s: %s", {in_quotes(file), error_text(errno)});
-            return false;
-        }
         try {
-            file = absolute_path(file).string();
-        } catch (const std::exception& error) {
-            *problem = translated("cannot find %s: %s", {in_quotes(file), error.what()});
+            file = resolved(file);
+        } catch (const fs::filesystem_error& error) {
+            const std::string reason = error_text(error.code().value());
+            *problem = translated("cannot find %s: %s", {in_quotes(file), reason});
             return false;
         }
     }

@@ -28,9 +28,11 @@ std::vector<std::string> folders_in(const std::string& path) {
     if (files::is_silent_folder(path)) return names;
     std::error_code error;
     const auto options = fs::directory_options::skip_permission_denied;
-    for (const auto& entry : fs::directory_iterator(path, options, error)) {
-        const std::string name = entry.path().filename().string();
-        if (name[0] != '.' && is_folder(entry)) names.push_back(name);
+    // A disk that is pulled out meanwhile ends the list. A loop over the range itself would throw.
+    fs::directory_iterator entry(path, options, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (name[0] != '.' && is_folder(*entry)) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;

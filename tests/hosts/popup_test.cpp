@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "command/file_arguments.h"
 #include "command/home_folder.h"
@@ -274,6 +275,17 @@ TEST_F(FileArguments, KeepTheLinkThatTheyName) {
     folder.link("dangling", "nowhere");
     EXPECT_EQ(resolved(folder.path("link")), folder.path("link"));
     EXPECT_EQ(resolved(folder.path("dangling")), folder.path("dangling"));
+}
+
+TEST_F(FileArguments, AreNotFoundFromAFolderThatHasBeenRemoved) {
+    const auto before = std::filesystem::current_path();
+    const std::string given = folder.file("a");
+    std::filesystem::current_path(folder.folder("gone"));
+    std::filesystem::remove(folder.path("gone"));
+    EXPECT_EQ(resolved("a"), "failed: cannot find \"a\": No such file or directory");
+    EXPECT_EQ(resolved(".."), "failed: cannot find \"..\": No such file or directory");
+    EXPECT_EQ(resolved(given), given);
+    std::filesystem::current_path(before);
 }
 
 TEST_F(FileArguments, ClimbFromWhereALinkLeads) {
