@@ -52,4 +52,6 @@ struct SettingsView {
 double page_height();
 Extent example_room(const MenuLook& look);
 
+// The window without widgets, at a scale at which it has room on the screen.
+PanelContent empty_settings();
 PanelContent settings_content(const SettingsView& view);

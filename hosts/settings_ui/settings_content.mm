@@ -49,7 +49,7 @@ std::string short_path(const std::string& path) {
 
 class Builder {
   public:
-    explicit Builder(const SettingsView& view) : view_(view) {
+    explicit Builder(const SettingsView& view) : view_(view), content_(empty_settings()) {
         content_.size = {content_.pixels(width), content_.pixels(height)};
         content_.cancel_item = close_item;
     }
@@ -236,7 +236,7 @@ void Builder::add_tabs() {
 }
 
 void Builder::add_example() {
-    Widget& title = add(WidgetKind::text, example_left + 16, margin, example_width, 22,
+    Widget& title = add(WidgetKind::text, example_left + 16, margin, example_width - 16, 22,
                         translated("Your menu"));
     title.bold = true;
     title.alpha = dimmed_text_alpha;
@@ -286,6 +286,12 @@ PanelContent Builder::build() {
 }
 
 }  // namespace
+
+PanelContent empty_settings() {
+    PanelContent content;
+    content.fit(width, height);
+    return content;
+}
 
 double page_height() { return footer_top - page_top; }
 

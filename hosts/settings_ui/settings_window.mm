@@ -113,7 +113,7 @@ void SettingsWindow::read() {
     view_.managers.clear();
     if (view_.pages[view_.page].has_managers) view_.managers = shown_managers();
     view_.folder = std::min(view_.folder, list().empty() ? 0 : list().size() - 1);
-    const PanelContent content;
+    const PanelContent content = empty_settings();
     if (!folder_.path().empty()) {
         view_.example = example_menu(folder_.path(), content.look, example_room(content.look));
     }

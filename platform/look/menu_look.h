@@ -50,6 +50,9 @@ struct MenuLook {
 // desktop's).
 MenuLook menu_look(NSFont* font, const char* server_resources);
 
+// Gives the look another scale, which all its measures follow.
+void set_scale(MenuLook* look, double scale);
+
 // The family in which a font's text is drawn: GNUstep's system font stands for the desktop's.
 std::string drawn_family(const MenuLook& look, NSFont* font);
 

@@ -186,6 +186,12 @@ MenuLook menu_look(NSFont* font, const char* server_resources) {
     return look;
 }
 
+void set_scale(MenuLook* look, double scale) {
+    look->drag_distance = pixels(scale, look->drag_distance / look->scale);
+    look->scale = scale;
+    set_measures(look);
+}
+
 std::string drawn_family(const MenuLook& look, NSFont* font) {
     NSString* family = [font familyName];
     NSString* system = [[NSFont systemFontOfSize:0] familyName];

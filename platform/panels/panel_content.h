@@ -69,6 +69,10 @@ struct PanelContent {
     // Makes an empty content in the present look of menus: light or dark, at the screen's scale.
     PanelContent();
 
+    // Makes the scale smaller when a panel of this size, in points, is not to be larger than the
+    // screen under the pointer.
+    void fit(double width, double height);
+
     // These convert measures in points.
     int pixels(double points) const;
     Area area(double left, double top, double width, double height) const;

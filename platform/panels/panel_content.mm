@@ -9,7 +9,8 @@
 
 namespace {
 
-const double button_padding = 18;  // points between a button's edge and its title
+const double button_padding = 18;               // points between a button's edge and its title
+const double window_edges = 8, title_bar = 48;  // pixels that a window manager may add
 
 }  // namespace
 
@@ -36,6 +37,13 @@ void Widget::set_title(const std::string& title) {
 }
 
 PanelContent::PanelContent() : look(menu_look(nil, server_resources())) {}
+
+void PanelContent::fit(double width, double height) {
+    const Area screen = screen_at(current_pointer().at);
+    const double room = std::min((screen.width - window_edges) / width,
+                                 (screen.height - window_edges - title_bar) / height);
+    if (room > 0 && room < look.scale) set_scale(&look, room);
+}
 
 int PanelContent::pixels(double points) const {
     return static_cast<int>(std::lround(points * look.scale));

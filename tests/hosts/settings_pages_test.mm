@@ -52,6 +52,21 @@ TEST_F(SettingsPages, HaveEverySettingOnce) {
     for (const Setting& setting : settings_table()) EXPECT_EQ(shown.count(&setting), 1u);
 }
 
+TEST_F(SettingsPages, HaveRoomOnTheScreenAtEveryScale) {
+    const int plain = settings_content(view_of(0)).size.width;
+    for (const char* scale : {"1", "2", "3"}) {
+        setenv("GDK_SCALE", scale, 1);
+        const PanelContent content = settings_content(view_of(0));
+        EXPECT_LT(content.size.width, [[NSScreen mainScreen] frame].size.width) << scale;
+        EXPECT_LT(content.size.height, [[NSScreen mainScreen] frame].size.height) << scale;
+        EXPECT_GE(content.size.width, plain) << scale;
+        for (const Widget& widget : content.widgets) {
+            EXPECT_LE(widget.area.right(), content.size.width) << scale << " " << widget.text;
+        }
+    }
+    unsetenv("GDK_SCALE");
+}
+
 TEST_F(SettingsPages, GoOnInAnotherPageWhereTheyDoNotFit) {
     const auto pages = setting_pages(120);
     EXPECT_GT(pages.size(), setting_pages(page_height()).size());
