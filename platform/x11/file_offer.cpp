@@ -74,7 +74,7 @@ void FileOffer::begin(const std::string& uri_list) {
 void FileOffer::take_selection() {
     owned_since_ = server_time();
     xcb_set_selection_owner(server_, window_, atoms_[selection], owned_since_);
-    xcb_flush(server_);
+    flush();
 }
 
 // The pasteboard's daemon takes the selection before each drag, and later than that when it is
@@ -120,7 +120,7 @@ void FileOffer::send(unsigned target, unsigned type, const unsigned (&data)[5]) 
     memcpy(event.data.data32, data, sizeof data);
     xcb_send_event(server_, 0, target, XCB_EVENT_MASK_NO_EVENT,
                    reinterpret_cast<const char*>(&event));
-    xcb_flush(server_);
+    flush();
 }
 
 void FileOffer::enter(unsigned target, unsigned source) {
@@ -160,6 +160,7 @@ bool FileOffer::grab_pointer() {
         xcb_grab_pointer(server_, 0, window_, XCB_EVENT_MASK_BUTTON_RELEASE, XCB_GRAB_MODE_ASYNC,
                          XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
         nullptr));
+    answer();
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
@@ -178,7 +179,7 @@ bool FileOffer::hold_pointer() {
 
 void FileOffer::let_pointer_go() {
     xcb_ungrab_pointer(server_, XCB_CURRENT_TIME);
-    xcb_flush(server_);
+    flush();
 }
 
 // The key code of Escape; 0 on a keyboard without that key.
@@ -209,20 +210,29 @@ void FileOffer::watch_for_escape() {
         xcb_grab_key(server_, 0, root_, modifiers, escape_, XCB_GRAB_MODE_ASYNC,
                      XCB_GRAB_MODE_ASYNC);
     }
-    xcb_flush(server_);
+    flush();
 }
 
 void FileOffer::leave_escape_alone() {
     if (!escape_) return;
     xcb_ungrab_key(server_, escape_, root_, XCB_MOD_MASK_ANY);
-    xcb_flush(server_);
+    flush();
     escape_ = 0;
 }
 
 bool FileOffer::button_is_down() {
     const Reply<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(server_, xcb_query_pointer(server_, root_), nullptr));
+    answer();
     return reply && reply->mask & XCB_BUTTON_MASK_1;
+}
+
+// Sending and waiting also take in what has arrived. Such an event no longer wakes the run loop, so
+// it is answered here: a target may ask for the files at the very moment when the pointer is let
+// go.
+void FileOffer::flush() {
+    xcb_flush(server_);
+    answer();
 }
 
 void FileOffer::answer() {

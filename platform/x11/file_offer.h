@@ -59,6 +59,7 @@ class FileOffer {
     void answer_request(const void* request);
     unsigned char escape_key();
     void take_selection();
+    void flush();
     void lose_selection(unsigned time);
 
     xcb_connection_t* server_ = nullptr;

@@ -91,6 +91,34 @@ class Taker {
     Window window_;
 };
 
+// The program that got the drop, and asks for the files.
+class Asker {
+  public:
+    Asker() : display_(XOpenDisplay(nullptr)) {
+        window_ = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 1, 1, 0, 0, 0);
+    }
+    ~Asker() { XCloseDisplay(display_); }
+    Asker(const Asker&) = delete;
+    Asker& operator=(const Asker&) = delete;
+
+    // The request has left the server when this returns.
+    void ask() {
+        XConvertSelection(display_, XInternAtom(display_, "XdndSelection", 0),
+                          XInternAtom(display_, "text/uri-list", 0),
+                          XInternAtom(display_, "answer", 0), window_, CurrentTime);
+        XSync(display_, False);
+    }
+    bool has_answer() {
+        XSync(display_, False);
+        XEvent event;
+        return XCheckTypedEvent(display_, SelectionNotify, &event);
+    }
+
+  private:
+    Display* display_;
+    Window window_;
+};
+
 constexpr char one_file[] = "file:///a\r\n";
 
 }  // namespace
@@ -158,4 +186,17 @@ TEST(FileOffer, LeavesTheSelectionToWhoTakesItAfterTheDrag) {
     FileOffer::shared()->end(0);
     other.take();
     EXPECT_TRUE(other.has_it());
+}
+
+TEST(FileOffer, AnswersARequestThatComesWhileThePointerIsLetGo) {
+    FileOffer* const offer = FileOffer::shared();
+    offer->begin(one_file);
+    Asker target;
+    target.ask();
+    offer->let_pointer_go();
+    EXPECT_TRUE(target.has_answer());
+    target.ask();
+    offer->button_is_down();
+    EXPECT_TRUE(target.has_answer());
+    offer->end(0);
 }
