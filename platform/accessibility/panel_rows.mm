@@ -69,7 +69,7 @@ std::string name_of(const Widget& widget) {
     return label + ": " + widget.text;
 }
 
-// A number that is another one when a row shows something else.
+// A number that changes when a row shows something else.
 unsigned revision_of(const std::vector<const Widget*>& rows) {
     size_t sum = 0;
     const auto add = [&sum](size_t part) { sum = sum * 31 + part; };

@@ -179,7 +179,7 @@ id<GSPasteboardObj> find_server() {
     if (_own) return [[_types retain] autorelease];
     [self connect];
     @try {
-        int newest = 0;  // any other number would ask for the drag of that number
+        int newest = 0;  // asks for the last drag; another number asks for an earlier one
         NSArray* types = [_server typesAndChangeCount:&newest];
         if (newest) *count = _count = newest;
         return types;

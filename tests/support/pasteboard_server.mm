@@ -3,12 +3,12 @@
 #include <AppKit/AppKit.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <string>
 
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 
 namespace test {
 namespace {
@@ -33,7 +33,7 @@ bool answers() {
 }  // namespace
 
 PasteboardServer::PasteboardServer() {
-    for (int turn = 0; turn < 3000 && !answers(); turn++) usleep(10000);
+    wait_for(answers);
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
         if (is_server(entry.path())) process_ = atoi(entry.path().filename().c_str());
     }
