@@ -26,8 +26,12 @@ TreeCount::~TreeCount() {
 }
 
 void TreeCount::run() {
-    for (const std::string& source : sources_) count(AT_FDCWD, source.c_str(), 0);
-    done_ = !cancelled_;
+    try {
+        for (const std::string& source : sources_) count(AT_FDCWD, source.c_str(), 0);
+        done_ = !cancelled_;
+    } catch (const std::bad_alloc&) {
+        // Without memory for it the copying goes on without a total.
+    }
 }
 
 // Deeper folders are not counted: the copying needs the open files.

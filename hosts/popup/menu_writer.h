@@ -61,16 +61,33 @@ class MenuJson : public MenuWriter {
     explicit MenuJson(Taker take);
 
   private:
+    // The text around the title and the path of an item. Most items of a level share it.
+    struct Frame {
+        ItemSnapshot item;  // its title and its path are not the frame's
+        bool is_opened;
+        size_t level;
+        std::string before_title, before_path, after_path;
+
+        bool fits(const ItemSnapshot& other, bool other_is_opened, size_t other_level) const;
+    };
+
+    // The last of several texts, as JSON.
+    class Quoted {
+      public:
+        const std::string& of(const std::string& value);
+
+      private:
+        std::string value_, text_;
+    };
+
     void write_item(const ItemSnapshot& item, bool is_opened) override;
     void write_end_of_submenu() override;
     void write_end() override;
-    void begin_line(size_t indentation);
-    void write_key(size_t indentation, const char* key);
-    void write_string(const std::string& value);
-    void write_string_or_null(const std::string& value);
-    void write_modifiers(unsigned long modifiers, size_t indentation);
-    void write_submenu(const ItemSnapshot& item, bool is_opened, size_t indentation);
+    const Frame& frame_for(const ItemSnapshot& item, bool is_opened);
     void end_array(size_t indentation);
 
     std::vector<bool> has_items_;  // of each open array
+    std::vector<Frame> frames_;    // the last ones, the oldest of them at next_frame_
+    size_t next_frame_ = 0;
+    Quoted title_, path_;
 };

@@ -7,15 +7,18 @@
 #include <string.h>
 #include <unistd.h>
 
-#include <system_error>
-#include <utility>
+#include <algorithm>
+#include <exception>
+#include <new>
 
 namespace files {
 
 namespace {
 
-// From this many entries on, a thread of its own pays off.
-const size_t large_folder = 500;
+// From this many entries on, a thread pays off; from twice as many on, a second one does.
+constexpr size_t entries_a_thread = 500;
+// The threads read while one core sorts, so no more than two of them gain time.
+constexpr size_t most_threads = 2;
 
 // Makes the folder the current one of this thread alone.
 bool enter(const std::string& folder) {
@@ -54,37 +57,67 @@ void Attributes::add(const FinderInformation& information) {
     read_.push_back(static_cast<int32_t>(found_.size()));
 }
 
+void Attributes::append(size_t begin, const Attributes& others) {
+    read_.resize(begin, -1);
+    const auto offset = static_cast<int32_t>(found_.size());
+    read_.reserve(begin + others.read_.size());
+    for (const int32_t place : others.read_) read_.push_back(place > 0 ? place + offset : place);
+    found_.insert(found_.end(), others.found_.begin(), others.found_.end());
+}
+
 AttributesAhead::AttributesAhead(const char* folder, const dirent* const* entries, size_t count)
-    : folder_(folder) {
-    if (count < large_folder) return;
+    : folder_(folder), parts_(std::min(count / entries_a_thread, most_threads)) {
     const SignalsHeld held;
-    try {
-        thread_ = std::thread(
-            [this, all = std::vector<const dirent*>(entries, entries + count)] { read(all); });
-    } catch (const std::system_error&) {
-        // Without a thread, each entry is asked when its turn comes.
+    for (size_t i = 0; i < parts_.size(); i++) {
+        Part& part = parts_[i];
+        const size_t begin = count * i / parts_.size(), end = count * (i + 1) / parts_.size();
+        part.begin = begin;
+        try {
+            part.attributes.reserve(end - begin);
+            part.thread = std::thread(
+                [this, &part, own = std::vector<const dirent*>(entries + begin, entries + end)] {
+                    try {
+                        read(&part, own);
+                    } catch (const std::bad_alloc&) {
+                        // The other entries are asked when their turn comes.
+                    }
+                });
+        } catch (const std::exception&) {
+            // Without a thread, or without memory, each entry is asked when its turn comes.
+        }
     }
 }
 
-void AttributesAhead::read(const std::vector<const dirent*>& entries) {
+AttributesAhead::~AttributesAhead() {
+    for (Part& part : parts_) {
+        if (part.thread.joinable()) part.thread.join();
+    }
+}
+
+void AttributesAhead::read(Part* part, const std::vector<const dirent*>& entries) const {
     if (!enter(folder_)) return;
     for (const dirent* entry : entries) {
         FinderInformation information;
         if (!may_have_attributes(*entry)) {
-            attributes_.add_unknown();
+            part->attributes.add_unknown();
         } else if (read_finder_information(entry->d_name, &information)) {
-            attributes_.add(information);
+            part->attributes.add(information);
         } else if (errno == EOPNOTSUPP) {
             return;
         } else {
-            attributes_.add_unknown();
+            part->attributes.add_unknown();
         }
     }
 }
 
 Attributes AttributesAhead::finish() {
-    if (thread_.joinable()) thread_.join();
-    return std::move(attributes_);
+    Attributes all;
+    for (Part& part : parts_) {
+        if (part.thread.joinable()) part.thread.join();
+        all.append(part.begin, part.attributes);
+    }
+    parts_.clear();
+    return all;
 }
 
 }  // namespace files

@@ -1,5 +1,5 @@
-// The Finder information of a folder's entries, read by a thread of its own while the entries are
-// sorted. The thread asks by names relative to the folder and in the folder's own order: the kernel
+// The Finder information of a folder's entries, read by threads of its own while the entries are
+// sorted. The threads ask by names relative to the folder and in the folder's own order: the kernel
 // answers that faster than whole paths in the order of names.
 #pragma once
 
@@ -28,8 +28,12 @@ class Attributes {
         return found_[static_cast<size_t>(read_[index] - 1)];
     }
 
+    // Room for so many entries.
+    void reserve(size_t count) { read_.reserve(count); }
     void add_unknown() { read_.push_back(-1); }
     void add(const FinderInformation& information);
+    // Adds those of the entries from `begin` on; entries before it that were not read are unknown.
+    void append(size_t begin, const Attributes& others);
 
   private:
     std::vector<int32_t> read_;  // -1: unknown, 0: none, otherwise one more than a place in found_
@@ -40,7 +44,7 @@ class AttributesAhead {
   public:
     // Starts to read, unless the folder is small. The entries must stay until finish().
     AttributesAhead(const char* folder, const dirent* const* entries, size_t count);
-    ~AttributesAhead() { finish(); }
+    ~AttributesAhead();
     AttributesAhead(const AttributesAhead&) = delete;
     AttributesAhead& operator=(const AttributesAhead&) = delete;
 
@@ -48,11 +52,17 @@ class AttributesAhead {
     Attributes finish();
 
   private:
-    void read(const std::vector<const dirent*>& entries);
+    // What one thread reads.
+    struct Part {
+        size_t begin;  // among the entries
+        Attributes attributes;
+        std::thread thread;
+    };
 
-    std::string folder_;
-    Attributes attributes_;
-    std::thread thread_;
+    void read(Part* part, const std::vector<const dirent*>& entries) const;
+
+    const std::string folder_;
+    std::vector<Part> parts_;
 };
 
 }  // namespace files

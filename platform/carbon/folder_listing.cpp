@@ -120,14 +120,13 @@ FolderListing::FolderListing(const char* path) {
 }
 
 void FolderListing::keep(const dirent* const* entries, const std::vector<uint32_t>& before,
-                         Attributes attributes) {
+                         AttributesAhead* attributes) {
     FolderState state;
     if (folder_.empty() || !see(folder_.c_str(), &state) || state != state_) return;
     Kept& all = kept();
     all.folder = std::move(folder_);
     all.state = state;
     all.seen_at = milliseconds_now();
-    all.attributes = std::move(attributes);
     all.entries.reserve(before.size());
     for (size_t i = 0; i < before.size(); i++) {
         // The entries lie in memory in the folder's order, not in this one.
@@ -138,6 +137,7 @@ void FolderListing::keep(const dirent* const* entries, const std::vector<uint32_
             {static_cast<uint32_t>(all.names.size()), before[i], entries[i]->d_type});
         all.names.append(name, strlen(name) + 1);
     }
+    all.attributes = attributes->finish();
 }
 
 bool take_listed_entry(const char* path, size_t length, int64_t now, ListedEntry* entry) {

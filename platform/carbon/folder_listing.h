@@ -37,9 +37,9 @@ class FolderListing {
     bool is_wanted() const { return !folder_.empty(); }
 
     // Call this after the folder was read; before[i] is where entries[i] stands among the
-    // attributes.
+    // attributes. Waits for the attributes.
     void keep(const dirent* const* entries, const std::vector<uint32_t>& before,
-              Attributes attributes);
+              AttributesAhead* attributes);
 
   private:
     std::string folder_;

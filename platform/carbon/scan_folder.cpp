@@ -46,6 +46,6 @@ int scandir(const char* path, dirent*** list, int (*filter)(const dirent*),
     const bool is_kept = listing.is_wanted() && !files::has_disks_within(path);
     files::AttributesAhead attributes(path, *list, is_kept ? count : 0);
     const std::vector<uint32_t> before = sort(*list, count, compare);
-    if (is_kept) listing.keep(*list, before, attributes.finish());
+    if (is_kept) listing.keep(*list, before, &attributes);
     return found;
 }

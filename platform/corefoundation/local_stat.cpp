@@ -56,7 +56,8 @@ std::string unescaped(std::string_view text) {
 }
 
 bool is_above(const std::string& folder, const std::string& path) {
-    return folder == "/" || path == folder || path.starts_with(folder + "/");
+    if (folder == "/") return true;
+    return path.starts_with(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 // The list of mounts, read again when it has changed.
@@ -147,17 +148,26 @@ Mounts& mounts() {
     return mounts;
 }
 
-// Opens a path without leaving the mount whose root is `folder`; fails with EXDEV when the path
-// would leave it.
-int open_within(const std::string& folder, const std::string& rest) {
-    const int root = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    if (root < 0) return -1;
+// Opens a path without leaving the mount that it begins on.
+int open_on_mount(int root, const char* path) {
     open_how how = {};
     how.flags = O_PATH | O_CLOEXEC;
     how.resolve = RESOLVE_NO_XDEV | RESOLVE_NO_MAGICLINKS;
-    auto file = static_cast<int>(syscall(SYS_openat2, root, rest.c_str(), &how, sizeof how));
+    const auto file = static_cast<int>(syscall(SYS_openat2, root, path, &how, sizeof how));
     // A system without this call can only be told by its list of mounts what is local.
-    if (file < 0 && errno == ENOSYS) file = openat(root, rest.c_str(), O_PATH | O_CLOEXEC);
+    if (file < 0 && errno == ENOSYS) return openat(root, path, O_PATH | O_CLOEXEC);
+    return file;
+}
+
+// Opens a path without leaving the mount whose root is `folder`; fails with EXDEV when the path
+// would leave it. The kernel lets links to absolute paths stay on a mount only where that mount is
+// "/" and the lookup begins with an absolute path.
+int open_within(const std::string& folder, const std::string& path) {
+    if (folder == "/") return open_on_mount(AT_FDCWD, path.c_str());
+    const int root = open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    if (root < 0) return -1;
+    const size_t rest = path.find_first_not_of('/', folder.size());
+    const int file = open_on_mount(root, rest == path.npos ? "." : path.c_str() + rest);
     const int error = errno;
     close(root);
     errno = error;
@@ -170,9 +180,7 @@ Local local_stat(const std::string& path, struct stat* status) {
     if (path.empty()) return Local::missing;
     const std::string folder = mounts().local_mount_of(path);
     if (folder.empty()) return Local::unknown;
-    std::string rest = path.substr(folder == "/" ? 1 : folder.size());
-    while (!rest.empty() && rest[0] == '/') rest.erase(0, 1);
-    const int file = open_within(folder, rest.empty() ? "." : rest);
+    const int file = open_within(folder, path);
     if (file < 0) {
         const bool is_missing = errno == ENOENT || errno == ENOTDIR || errno == EACCES;
         return is_missing ? Local::missing : Local::unknown;

@@ -247,6 +247,23 @@ TEST(FolderListing, ALargeFolderIsReadAlsoWhereNoThreadIsToBeHad) {
     EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
+// The first thread has read one entry of three, the second one all of its own.
+TEST(FolderListing, AttributesStandAtTheirEntriesThoughOneThreadStoppedEarly) {
+    files::Attributes first, second;
+    first.add({{1}});
+    second.add({});
+    second.add({{2}});
+    first.append(3, second);
+    EXPECT_EQ(first.state(0), files::Attributes::SOME);
+    EXPECT_EQ(first.state(1), files::Attributes::UNKNOWN);
+    EXPECT_EQ(first.state(2), files::Attributes::UNKNOWN);
+    EXPECT_EQ(first.state(3), files::Attributes::NONE);
+    ASSERT_EQ(first.state(4), files::Attributes::SOME);
+    EXPECT_EQ(first.information(0).bytes[0], 1);
+    EXPECT_EQ(first.information(4).bytes[0], 2);
+    EXPECT_EQ(first.state(5), files::Attributes::UNKNOWN);
+}
+
 TEST(FolderListing, ReadingALargeFolderLeavesTheCurrentFolder) {
     test::TempFolder folder;
     for (int i = 0; i < 1000; i++) folder.file(std::to_string(i));

@@ -1,8 +1,10 @@
 // Queries to disks that always answer, and to one that has stopped.
 #include "corefoundation/patient_stat.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -175,6 +177,28 @@ TEST_F(PatientStat, KnowsTheMountWithoutTouchingIt) {
         folder.link("link", disk);
         EXPECT_EQ(local_stat(folder.path("link/a.txt"), &status), Local::unknown);
     });
+}
+
+uint64_t mount_of(const std::string& path) {
+    struct statx status = {};
+    const bool is_known = statx(AT_FDCWD, path.c_str(), 0, STATX_MNT_ID, &status) == 0;
+    return is_known && status.stx_mask & STATX_MNT_ID ? status.stx_mnt_id : 0;
+}
+
+// A link on the system's own disk leads to that disk in most cases, and needs no thread.
+TEST_F(PatientStat, ALinkToAnAbsolutePathIsLocalOnTheDiskOfTheSystem) {
+    const std::string here = "/usr/share", link = folder.link("link", here);
+    const bool is_one_mount =
+        mount_of("/") == mount_of(folder.path()) && mount_of("/") == mount_of(here);
+    struct stat ours = {}, theirs = {};
+    ASSERT_EQ(stat(here.c_str(), &theirs), 0);
+    if (local_stat(link, &ours) == Local::found) {
+        EXPECT_EQ(ours.st_ino, theirs.st_ino);
+    } else {
+        EXPECT_FALSE(is_one_mount);
+    }
+    const std::string silent = folder.link("silent", "/proc/self/status");
+    EXPECT_EQ(local_stat(silent, &ours), Local::unknown);
 }
 
 // The result is the same as stat's, or unknown where the path leaves the local disk.
