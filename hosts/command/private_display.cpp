@@ -2,7 +2,6 @@
 
 #include <host/text.h>
 #include <host/opening_files.h>
-#include <X11/Xlib.h>
 
 #include <errno.h>
 #include <fcntl.h>
@@ -15,6 +14,7 @@
 #include <sys/random.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <xcb/xcb.h>
 
 #include "command/exit_signals.h"
 #include "command/private_folder.h"
@@ -26,16 +26,13 @@ constexpr const char* screen = "1920x1200x24";
 
 bool started;
 
-// Xlib prints a line of its own when it is refused; our message says more.
-bool opens_quietly() {
-    FILE* const own = stderr;
-    FILE* const nowhere = fopen("/dev/null", "we");
-    if (nowhere) stderr = nowhere;
-    Display* const display = XOpenDisplay(nullptr);
-    if (display) XCloseDisplay(display);
-    stderr = own;
-    if (nowhere) fclose(nowhere);
-    return display != nullptr;
+// Xlib would print a line of its own where our message says more, and end the process if the server
+// went away meanwhile.
+bool accepts_connections() {
+    xcb_connection_t* const server = xcb_connect(nullptr, nullptr);
+    const bool accepts = xcb_connection_has_error(server) == 0;
+    xcb_disconnect(server);
+    return accepts;
 }
 
 // An X authority entry that fits every host and display: family, address, number, name and data,
@@ -100,7 +97,7 @@ bool display_answers(std::string* problem) {
         problem->clear();
         return false;
     }
-    if (opens_quietly()) return true;
+    if (accepts_connections()) return true;
     *problem = translated(
         "the display %s refuses the connection; set DISPLAY (and XAUTHORITY) to one that is yours",
         {name});

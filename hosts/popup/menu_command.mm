@@ -94,15 +94,7 @@ bool prepare(MenuRequest& request, Stage* stage, std::string* problem) {
 
 // Uses the toolkit's public call, like any program that pops up a menu.
 void pop_up(HostMenu* host, id<MenuTracker> tracker, NSPoint point) {
-    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                        location:point
-                                   modifierFlags:current_modifier_flags()
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1];
+    NSEvent* event = right_click_event(point, current_modifier_flags());
     [NSMenu setContextMenuTracker:tracker];
     [NSMenu popUpContextMenu:[host menu] withEvent:event forView:nil];
     [NSMenu setContextMenuTracker:nil];

@@ -1,5 +1,6 @@
 #include "settings_ui/example_folder.h"
 
+#include <host/text.h>
 #include <stdlib.h>
 #include <sys/xattr.h>
 
@@ -9,11 +10,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr const char* folders[] = {"Letters", "Pictures/Garden"};
-constexpr const char* files[] = {"Address.txt", "Recipes.txt", "Letters/Anna.txt",
-                                 "Letters/Ben.txt", ".hidden"};
-constexpr const char* labelled = "Recipes.txt";
 
 // A red label, in the bytes of the Finder's information.
 void set_label(const std::string& path) {
@@ -29,10 +25,16 @@ ExampleFolder::ExampleFolder() {
     std::string made = (fs::temp_directory_path(error) / "delvio-example.XXXXXX").string();
     if (error || !mkdtemp(made.data())) return;
     parent_ = made;
-    path_ = parent_ + "/Example";
-    for (const char* name : folders) fs::create_directories(path_ + "/" + name, error);
-    for (const char* name : files) std::ofstream(path_ + "/" + name) << name << "\n";
-    set_label(path_ + "/" + labelled);
+    path_ = parent_ + "/" + translated("Example");
+    const std::string letters = path_ + "/" + translated("Letters");
+    const std::string pictures = path_ + "/" + translated("Pictures");
+    const std::string labelled = path_ + "/" + translated("Recipes") + ".txt";
+    const std::string address = path_ + "/" + translated("Address") + ".txt";
+    for (const auto& name : {letters, pictures + "/1"}) fs::create_directories(name, error);
+    for (const auto& name : {address, labelled, letters + "/1.txt", path_ + "/.hidden"}) {
+        std::ofstream(name) << "\n";
+    }
+    set_label(labelled);
 }
 
 ExampleFolder::~ExampleFolder() {

@@ -142,15 +142,7 @@ Picture example_menu(const std::string& folder, const MenuLook& look, Extent mos
                                                                  look:&look
                                                                  most:most] autorelease];
     HostMenu* host = [[[HostMenu alloc] initWithFiles:{folder} forPeople:YES] autorelease];
-    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1];
+    NSEvent* event = right_click_event(NSZeroPoint, 0);
     [NSMenu setContextMenuTracker:tracker];
     [NSMenu popUpContextMenu:[host menu] withEvent:event forView:nil];
     [NSMenu setContextMenuTracker:nil];

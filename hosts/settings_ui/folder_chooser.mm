@@ -1,5 +1,6 @@
 #include "settings_ui/folder_chooser.h"
 
+#include <host/menu_tracking.h>
 #include <host/text.h>
 #include <stdlib.h>
 
@@ -50,16 +51,7 @@ struct WithoutPlugIn {
 
 void pop_up(NSMenu* menu, NSPoint point) {
     const WithoutPlugIn without;
-    NSEvent* event = [NSEvent mouseEventWithType:NSLeftMouseDown
-                                        location:point
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1];
-    [NSMenu popUpContextMenu:menu withEvent:event forView:nil];
+    [NSMenu popUpContextMenu:menu withEvent:right_click_event(point, 0) forView:nil];
 }
 
 }  // namespace

@@ -50,8 +50,18 @@ void set_extras(NSMenuItem* item, NSAttributedString* title, NSView* view) {
 }
 
 struct {
-    IMP copy, update_key_equivalent, set_title;
+    IMP copy, update_key_equivalent, set_title, init_binding;
 } stock;
+
+// Whether any object of the process was ever bound to another one.
+bool has_bindings;
+
+id init_binding(id self, SEL selector, NSString* binding, NSString* name, id object, NSString* path,
+                NSDictionary* options, id source) {
+    has_bindings = true;
+    return reinterpret_cast<decltype(&init_binding)>(stock.init_binding)(
+        self, selector, binding, name, object, path, options, source);
+}
 
 void set_title(NSMenuItem* self, SEL selector, NSString* title) {
     reinterpret_cast<void (*)(id, SEL, id)>(stock.set_title)(self, selector, shared_string(title));
@@ -167,11 +177,12 @@ static void set_image(NSMenuItem* self, SEL, NSImage* image) {
     if (self->_menu) [self->_menu itemChanged:self];
 }
 
-// Does what GNUstep's own method does, which looks up a class by its name for each item.
+// Does what GNUstep's own method does, which looks up a class by its name for each item, and the
+// item in a table that is empty in nearly all programs.
 static void deallocate(NSMenuItem* self, SEL) {
     static const Class bindings = NSClassFromString(@"GSKeyValueBinding");
     drop_extras(self);
-    [bindings unbindAllForObject:self];
+    if (has_bindings || !stock.init_binding) [bindings unbindAllForObject:self];
     const id owned[] = {self->_title,        self->_keyEquivalent, self->_image,
                         self->_onStateImage, self->_offStateImage, self->_mixedStateImage,
                         self->_submenu,      self->_toolTip,       self->_representedObject};
@@ -276,6 +287,8 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
         {"NSMenuItem", "setSubmenu:", reinterpret_cast<IMP>(set_submenu), nullptr},
         {"NSMenuItem", "_updateKeyEquivalent", reinterpret_cast<IMP>(update_key_equivalent),
          &stock.update_key_equivalent},
+        {"GSKeyValueBinding", "initWithBinding:withName:toObject:withKeyPath:options:fromObject:",
+         reinterpret_cast<IMP>(init_binding), &stock.init_binding},
     };
     patch_methods(patches);
 }

@@ -17,6 +17,9 @@
 // Whether nothing was added to the menu and nothing of it was made since it was initialized.
 bool is_untouched(NSMenu* menu);
 
+// Whether this is the item array that all menus without items share. It stays for ever.
+bool is_array_of_no_items(id items);
+
 // Whether the item has a view or an attributed title.
 bool has_extras(NSMenuItem* item);
 // Whether no item of any menu has either.

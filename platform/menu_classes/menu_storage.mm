@@ -54,6 +54,8 @@ static NSMutableArray* no_items() {
     return none;
 }
 
+bool is_array_of_no_items(id items) { return items == no_items(); }
+
 - (void)needArrays {
     if (!_notifications) _notifications = [NSMutableArray new];
     if (_items != no_items()) return;

@@ -46,6 +46,8 @@ class PackedItems {
         Class owner;
         size_t size;  // in bytes
         Word words[most_words];
+        uint32_t owned;  // a bit for each word that an object releases when it goes
+        uint32_t held;   // those of them that an object with the kind's own words has to release
     };
     // How an object is packed.
     struct Plan {
@@ -60,8 +62,9 @@ class PackedItems {
 
     bool plan(id object, size_t left_out, Plan* plan);
     static bool compare(const Kind& kind, Plan* plan);
+    static Kind kind_of(const Plan& plan);
     static bool names_either(const Plan& plan, id item, id submenu);
-    void release_fields(const Word*& packed, uint32_t owned) const;
+    void release_fields(const Word*& packed) const;
     void write(const Plan& plan, Word mark);
     void fill_both(const Word* packed, id* item, id* submenu) const;
     void fill(const Word*& packed, id* object) const;

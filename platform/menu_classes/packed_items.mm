@@ -62,6 +62,13 @@ const Places& places_of_fields() {
     return places;
 }
 
+// Releasing such an object does nothing: a string that was compiled, as most keys and many titles
+// are, and the array of menus without items.
+bool stays_for_ever(id object) {
+    static const Class compiled = object_getClass(@"");
+    return object_getClass(object) == compiled || is_array_of_no_items(object);
+}
+
 void release(Word field) {
     if (field) [reinterpret_cast<id>(field) release];
 }
@@ -138,19 +145,19 @@ NSMenuItem* PackedItems::stand_in(const Word* packed) {
 
 void PackedItems::drop(const Word* packed) const {
     const bool has_submenu = *packed & submenu_mark;
-    release_fields(packed, places_of_fields().owned_by_item);
-    if (has_submenu) release_fields(packed, places_of_fields().owned_by_menu);
+    release_fields(packed);
+    if (has_submenu) release_fields(packed);
 }
 
 // Goes on to the next packed object.
-void PackedItems::release_fields(const Word*& packed, uint32_t owned) const {
+void PackedItems::release_fields(const Word*& packed) const {
     const Word head = *packed++;
     const Kind& kind = kinds_[head & kind_mask];
     for (uint32_t places = places_in(head); places; places &= places - 1) {
-        if (owned & places & -places) release(*packed);
+        if (kind.owned & places & -places) release(*packed);
         packed++;
     }
-    for (uint32_t shared = owned & ~places_in(head); shared; shared &= shared - 1) {
+    for (uint32_t shared = kind.held & ~places_in(head); shared; shared &= shared - 1) {
         release(kind.words[std::countr_zero(shared)]);
     }
 }
@@ -195,10 +202,22 @@ bool PackedItems::plan(id object, size_t left_out, Plan* plan) {
     }
     if (kinds_.size() == most_kinds) return false;
     plan->places = 0;
-    Kind& kind = kinds_.emplace_back(Kind{owner, plan->size, {}});
-    memcpy(kind.words, plan->words, plan->size);
-    kind.words[0] = kind.words[left_out] = 0;
+    kinds_.push_back(kind_of(*plan));
     return true;
+}
+
+PackedItems::Kind PackedItems::kind_of(const Plan& plan) {
+    const Places& places = places_of_fields();
+    Kind kind = {
+        object_getClass(reinterpret_cast<id>(const_cast<Word*>(plan.words))), plan.size, {}, 0, 0};
+    memcpy(kind.words, plan.words, plan.size);
+    kind.words[0] = kind.words[plan.left_out] = 0;
+    kind.owned = plan.left_out ? places.owned_by_item : places.owned_by_menu;
+    for (uint32_t owned = kind.owned; owned; owned &= owned - 1) {
+        const Word word = kind.words[std::countr_zero(owned)];
+        if (word && !stays_for_ever(reinterpret_cast<id>(word))) kind.held |= owned & -owned;
+    }
+    return kind;
 }
 
 // Whether the object differs little from its kind. This runs for each word of each alternate, so it

@@ -1,5 +1,6 @@
 // Leads every call that pops up a contextual menu to one place: the Mac's private instance method,
 // which runs a session with the process's tracker.
+#include <host/memory_reserve.h>
 #include <host/menu_tracking.h>
 #include <GNUstepGUI/GSTheme.h>
 #include <objc/runtime.h>
@@ -7,7 +8,7 @@
 #include "menu_classes/menu_item_array.h"
 #include "menu_classes/menu_storage.h"
 #include "menus/menu_items.h"
-#include "menus/menu_memory.h"
+#include "menu_classes/menu_memory.h"
 #include "menus/menu_presenter.h"
 #include "menus/menu_session.h"
 #include "objc/method_patch.h"
@@ -18,6 +19,7 @@ id<MenuTracker> chosen_tracker;
 
 void run_popup(NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
     if (!menu) return;
+    keep_memory_reserve();
     MenuSession* session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
     id<MenuTracker> tracker = chosen_tracker ?: [MenuPresenter sharedPresenter];
     @try {
@@ -49,6 +51,18 @@ void unhandled_right_click(id application, SEL, NSEvent* event) {
 }
 
 }  // namespace
+
+NSEvent* right_click_event(NSPoint at, NSUInteger modifiers) {
+    return [NSEvent mouseEventWithType:NSRightMouseDown
+                              location:at
+                         modifierFlags:modifiers
+                             timestamp:0
+                          windowNumber:0
+                               context:nil
+                           eventNumber:0
+                            clickCount:1
+                              pressure:1];
+}
 
 @implementation NSMenu (MenuTracking)
 

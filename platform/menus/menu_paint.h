@@ -6,7 +6,7 @@
 #include "look/menu_image.h"
 #include "menus/menu_layout.h"
 
-// The parts of a level that are drawn, in pixels of its window.
+// The parts of a level that are drawn, in whole pixels of what it is drawn on.
 struct MenuScene {
     const MenuLayout* layout;
     ImageCache* images;

@@ -4,14 +4,11 @@
 #include <cmath>
 
 #include "look/image_questions.h"
+#include "look/marks.h"
 #include "look/title_line.h"
 #include "menus/menu_items.h"
 
 namespace {
-
-void set_color(cairo_t* cairo, const Color& color, double share = 1) {
-    cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha * share);
-}
 
 // The share of the darkest shadow at a distance from the edge of what casts it, from -1 (inside,
 // where the shadow is full) to 1 (where it ends).
@@ -47,6 +44,26 @@ bool is_inside_panel(cairo_t* cairo, const MenuScene& scene) {
     const int corner = scene.layout->look().radius;
     return x1 >= scene.left && x2 <= scene.left + scene.width && y1 >= scene.top + corner &&
            y2 <= scene.top + scene.height - corner;
+}
+
+// Two lines along the left and right side of the panel, `inset` from its edge.
+void paint_sides(cairo_t* cairo, const MenuScene& scene, int inset, const Color& color) {
+    const int line = scene.layout->look().hairline;
+    set_color(cairo, color);
+    cairo_rectangle(cairo, scene.left + inset, scene.top, line, scene.height);
+    cairo_rectangle(cairo, scene.left + scene.width - inset - line, scene.top, line, scene.height);
+    cairo_fill(cairo);
+}
+
+// The same pixels as paint_panel() draws between the corners. The clip is there whenever single
+// rows are drawn anew, and round outlines take ten times as long.
+void paint_straight_part(cairo_t* cairo, const MenuScene& scene) {
+    const MenuLook& look = scene.layout->look();
+    set_color(cairo, look.palette->panel);
+    cairo_rectangle(cairo, scene.left, scene.top, scene.width, scene.height);
+    cairo_fill(cairo);
+    paint_sides(cairo, scene, look.hairline, look.palette->edge);
+    paint_sides(cairo, scene, 0, look.palette->border);
 }
 
 void paint_panel(cairo_t* cairo, const MenuScene& scene) {
@@ -181,14 +198,6 @@ void paint_title(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
                y + std::floor((row.height - title.height()) / 2.0));
 }
 
-void stroke_mark(cairo_t* cairo, const MenuLook& look, const Color& color) {
-    set_color(cairo, color);
-    cairo_set_line_width(cairo, look.mark_width / 9.0 * 1.5);
-    cairo_set_line_cap(cairo, CAIRO_LINE_CAP_ROUND);
-    cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-    cairo_stroke(cairo);
-}
-
 void paint_chevron(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,
                    const Color& color) {
     const MenuLook& look = scene.layout->look();
@@ -196,10 +205,12 @@ void paint_chevron(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, i
     const double end = scene.width - look.inset - look.padding - 0.5;
     const double tip = placed(scene, end, 0), back = placed(scene, end - reach, 0);
     const double middle = y + row.height / 2.0;
-    cairo_move_to(cairo, back, middle - reach);
-    cairo_line_to(cairo, tip, middle);
-    cairo_line_to(cairo, back, middle + reach);
-    stroke_mark(cairo, look, color);
+    // A whole pixel, with room for the line's width.
+    const double left = std::floor(std::min(tip, back) - look.mark_width / 2.0);
+    const double top = std::floor(middle - reach - look.mark_width / 2.0);
+    const Chevron chevron = {back - left, tip - left, middle - top, reach, look.mark_width};
+    set_color(cairo, color);
+    cairo_mask_surface(cairo, chevron_mask(chevron, look), left, top);
 }
 
 void paint_state(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,
@@ -284,8 +295,12 @@ void paint_menu(cairo_t* cairo, const MenuScene& scene) {
     cairo_set_source_rgba(cairo, 0, 0, 0, 0);
     cairo_paint(cairo);
     cairo_set_operator(cairo, CAIRO_OPERATOR_OVER);
-    if (scene.shadow && !is_inside_panel(cairo, scene)) paint_shadow(cairo, scene);
-    paint_panel(cairo, scene);
+    if (is_inside_panel(cairo, scene)) {
+        paint_straight_part(cairo, scene);
+    } else {
+        if (scene.shadow) paint_shadow(cairo, scene);
+        paint_panel(cairo, scene);
+    }
     cairo_rectangle(cairo, scene.left, scene.top + 2 * look.hairline, scene.width,
                     scene.height - 4 * look.hairline);
     cairo_clip(cairo);

@@ -1,5 +1,5 @@
 #include "menus/menu_items.h"
-#include "menus/menu_memory.h"
+#include "menu_classes/menu_memory.h"
 #include "menus/menu_session.h"
 
 namespace {

@@ -45,14 +45,17 @@ Windows limited(Windows windows) {
 // manager that keeps no list puts its clients into frames.
 Windows clients_among(const WindowConnection& to, const Windows& windows, int depth) {
     std::deque<WindowLook> looks;
-    for (const xcb_window_t window : windows) looks.emplace_back(to, window);
+    std::deque<ChildrenQuestion> children;
+    for (const xcb_window_t window : windows) {
+        looks.emplace_back(to, window);
+        if (depth > 0) children.emplace_back(to.server, window);
+    }
     Windows clients;
-    for (const WindowLook& look : looks) {
-        if (look.is_client(to)) {
-            clients.push_back(look.window);
+    for (size_t i = 0; i < looks.size(); i++) {
+        if (looks[i].is_client(to)) {
+            clients.push_back(looks[i].window);
         } else if (depth > 0) {
-            const Windows inner =
-                clients_among(to, limited(children_of(to.server, look.window)), depth - 1);
+            const Windows inner = clients_among(to, limited(children[i].windows()), depth - 1);
             clients.insert(clients.end(), inner.begin(), inner.end());
         }
     }
@@ -63,7 +66,7 @@ Windows client_windows(const WindowConnection& to) {
     if (has_window_manager(to)) {
         return PropertyQuestion(to.server, to.root, to.client_list, most_windows).numbers();
     }
-    return clients_among(to, limited(children_of(to.server, to.root)), 1);
+    return clients_among(to, limited(ChildrenQuestion(to.server, to.root).windows()), 1);
 }
 
 struct ClientQuestions {

@@ -1,16 +1,62 @@
 #include "x11/menu_windows.h"
 
-#include <X11/Xlib.h>
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xlibint.h>
 #include <X11/extensions/shape.h>
+#undef min
+#undef max
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "x11/server_windows.h"
 #include "x11/toolkit_display.h"
 
 namespace {
+
+// Only a menu decides on the size of its windows. Any program may send a window the news of
+// another size, and the toolkit would make room for its pixels in the server.
+using Size = std::pair<int, int>;
+using Conversion = Bool (*)(Display*, XEvent*, xEvent*);
+Conversion stock_conversion;
+
+std::unordered_map<Window, Size>& believed_sizes() {
+    static auto& sizes = *new std::unordered_map<Window, Size>;
+    return sizes;
+}
+
+Bool convert_believed(Display* display, XEvent* event, xEvent* sent) {
+    const Bool is_event = stock_conversion(display, event, sent);
+    const auto found = believed_sizes().find(event->xconfigure.window);
+    if (found == believed_sizes().end()) return is_event;
+    event->xconfigure.width = found->second.first;
+    event->xconfigure.height = found->second.second;
+    return is_event;
+}
+
+}  // namespace
+
+@interface MenuWindow : NSWindow
+@end
+
+@implementation MenuWindow
+- (void)dealloc {
+    believed_sizes().erase(server_window(self));
+    [super dealloc];
+}
+@end
+
+namespace {
+
+void believe_only(NSWindow* window, const Area& area) {
+    if (![window isKindOfClass:[MenuWindow class]]) return;
+    believed_sizes()[server_window(window)] = {area.width, area.height};
+    if (stock_conversion) return;
+    stock_conversion = XESetWireToEvent(toolkit_display(), ConfigureNotify, convert_believed);
+}
 
 NSRect frame_of(const Area& area) {
     return NSMakeRect(area.left, toolkit_display_height() - area.bottom(), area.width, area.height);
@@ -36,10 +82,10 @@ void raise_higher_windows(NSInteger level) {
 NSWindow* new_menu_window(const Area& area) {
     // The window is unscaled: the drawing is scaled already, and GNUstep must not scale it again.
     NSWindow* window =
-        [[NSWindow alloc] initWithContentRect:frame_of(area)
-                                    styleMask:NSBorderlessWindowMask | NSUnscaledWindowMask
-                                      backing:NSBackingStoreBuffered
-                                        defer:NO];
+        [[MenuWindow alloc] initWithContentRect:frame_of(area)
+                                      styleMask:NSBorderlessWindowMask | NSUnscaledWindowMask
+                                        backing:NSBackingStoreBuffered
+                                          defer:NO];
     [window setReleasedWhenClosed:NO];
     [window setExcludedFromWindowsMenu:YES];
     [window setTitle:@"Menu"];
@@ -48,11 +94,13 @@ NSWindow* new_menu_window(const Area& area) {
     [window setLevel:NSPopUpMenuWindowLevel];
     [window setAutodisplay:NO];  // the run loop would swallow a view's exception
     free_from_window_manager(window);
+    believe_only(window, area);
     set_window_type(window, "_NET_WM_WINDOW_TYPE_POPUP_MENU");
     return window;
 }
 
 void move_menu_window(NSWindow* window, const Area& area) {
+    believe_only(window, area);
     [window setFrame:frame_of(area) display:NO];
 }
 
@@ -106,7 +154,12 @@ void show_menu_window(NSWindow* window) {
     [[window contentView] setNeedsDisplay:YES];
     display_menu_window(window);  // before the user sees it
     [window orderFrontRegardless];
+    // The server keeps nothing of a hidden window. It gets the pixels together with the request to
+    // show the window, not only once it has asked for them.
+    const NSSize size = [window frame].size;
+    [GSServerForWindow(window)
+        flushwindowrect:NSMakeRect(0, 0, size.width, size.height
+                                   ):static_cast<int>([window windowNumber])];
     raise_higher_windows([window level]);
-    [window flushWindow];
     XFlush(toolkit_display());
 }

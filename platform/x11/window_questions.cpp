@@ -43,10 +43,17 @@ std::vector<uint32_t> PropertyQuestion::numbers() const {
 
 bool PropertyQuestion::exists() const { return answer() && answer()->type != XCB_ATOM_NONE; }
 
-std::vector<xcb_window_t> children_of(xcb_connection_t* connection, xcb_window_t window) {
+ChildrenQuestion::ChildrenQuestion(xcb_connection_t* connection, xcb_window_t window)
+    : connection_(connection), cookie_(xcb_query_tree(connection, window)) {}
+
+ChildrenQuestion::~ChildrenQuestion() {
+    if (!is_read_) xcb_discard_reply(connection_, cookie_.sequence);
+}
+
+std::vector<xcb_window_t> ChildrenQuestion::windows() {
+    is_read_ = true;
     xcb_generic_error_t* error = nullptr;
-    const Reply<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection, xcb_query_tree(connection, window), &error));
+    const Reply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(connection_, cookie_, &error));
     free(error);
     if (!tree) return {};
     const xcb_window_t* first = xcb_query_tree_children(tree.get());

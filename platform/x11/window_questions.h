@@ -30,5 +30,18 @@ struct PropertyQuestion {
     mutable bool is_read_ = false;
 };
 
-// The children of a window, bottom first.
-std::vector<xcb_window_t> children_of(xcb_connection_t* connection, xcb_window_t window);
+class ChildrenQuestion {
+  public:
+    ChildrenQuestion(xcb_connection_t* connection, xcb_window_t window);
+    ~ChildrenQuestion();
+    ChildrenQuestion(const ChildrenQuestion&) = delete;
+    ChildrenQuestion& operator=(const ChildrenQuestion&) = delete;
+
+    // The window's children, bottom first. Asked once.
+    std::vector<xcb_window_t> windows();
+
+  private:
+    xcb_connection_t* connection_;
+    xcb_query_tree_cookie_t cookie_;
+    bool is_read_ = false;
+};

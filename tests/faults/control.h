@@ -17,6 +17,7 @@ enum Family {
     renaming,    // rename, link, symlink
     removing,    // unlink, rmdir, mkdir
     memory,      // malloc and its like, called by our own code
+    objects,     // new, called by our own code, directly or through the C++ library
     handles,     // socket, pipe, eventfd, memfd_create
     threads,     // pthread_create
     processes,   // fork, posix_spawn
@@ -26,12 +27,13 @@ enum Family {
 };
 
 inline constexpr const char* family_names[families] = {
-    "listing",  "status", "attributes", "opening", "reading",   "writing", "syncing", "renaming",
-    "removing", "memory", "handles",    "threads", "processes", "display", "bus"};
+    "listing",  "status", "attributes", "opening", "reading", "writing",   "syncing", "renaming",
+    "removing", "memory", "objects",    "handles", "threads", "processes", "display", "bus"};
 
 struct Control {
-    std::atomic<int> family;            // whose calls fail; `families` for none
-    std::atomic<long> at;               // the number of the call that fails
+    std::atomic<int> family;  // whose calls fail; `families` for none
+    std::atomic<int> only;    // the process whose calls count; 0 for all, or `first_process`
+    std::atomic<long> at;     // the number of the call that fails
     std::atomic<long> calls[families];  // how many there were
     std::atomic<long> failed;           // how many were let fail
     std::atomic<int> first;             // the process that the test started
@@ -39,6 +41,9 @@ struct Control {
     char name[64];                      // the call that failed
     char module[192];                   // the program or library that made it
 };
+
+// Stands for the process that the test starts.
+inline constexpr int first_process = -1;
 
 // The environment variable that names the file.
 inline constexpr char variable[] = "DELVIO_TEST_FAULTS";

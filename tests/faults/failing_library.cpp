@@ -19,6 +19,9 @@
 #include <sys/un.h>
 #include <sys/xattr.h>
 #include <unistd.h>
+#include <unwind.h>
+
+#include <new>
 
 #include "faults/control.h"
 
@@ -63,15 +66,13 @@ __attribute__((constructor)) void map_control() {
 // first calls.
 struct Module {
     uintptr_t begin, end;
-    bool is_ours;
+    bool is_ours, is_cxx_library;
 };
 Module modules[1024];
 std::atomic<int> module_count;
 
-bool names_ours(const char* path) {
-    // The program itself has no name here. It allocates only with `new`, whose code may be in it.
-    return strstr(path, "elvio");
-}
+// The program itself has no name here.
+bool names_ours(const char* name) { return *name == 0 || strstr(name, "elvio"); }
 
 int add_module(dl_phdr_info* info, size_t, void*) {
     for (int i = 0; i < info->dlpi_phnum; i++) {
@@ -81,8 +82,8 @@ int add_module(dl_phdr_info* info, size_t, void*) {
         const int at = module_count;
         if (at >= static_cast<int>(std::size(modules))) return 1;
         const char* const slash = strrchr(info->dlpi_name, '/');
-        modules[at] = {begin, begin + part.p_memsz,
-                       names_ours(slash ? slash + 1 : info->dlpi_name)};
+        const char* const name = slash ? slash + 1 : info->dlpi_name;
+        modules[at] = {begin, begin + part.p_memsz, names_ours(name), !!strstr(name, "libstdc++")};
         module_count = at + 1;
     }
     return 0;
@@ -96,7 +97,7 @@ const Module* module_of(const void* address) {
     return nullptr;
 }
 
-bool is_ours(const void* caller) {
+const Module* known_module_of(const void* caller) {
     if (!module_of(caller)) {
         static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
         pthread_mutex_lock(&lock);
@@ -104,8 +105,34 @@ bool is_ours(const void* caller) {
         dl_iterate_phdr(add_module, nullptr);
         pthread_mutex_unlock(&lock);
     }
-    const Module* const module = module_of(caller);
+    return module_of(caller);
+}
+
+bool is_ours(const void* caller) {
+    const Module* const module = known_module_of(caller);
     return module && module->is_ours;
+}
+
+// The first caller below the C++ library and this one.
+_Unwind_Reason_Code note_user(_Unwind_Context* frame, void* user) {
+    auto* const found = static_cast<const void**>(user);
+    const auto* const place = reinterpret_cast<const void*>(_Unwind_GetIP(frame));
+    const Module* const module = known_module_of(place);
+    const bool is_passed =
+        module &&
+        (module->is_cxx_library || module == module_of(reinterpret_cast<const void*>(&note_user)));
+    if (is_passed) return _URC_NO_REASON;
+    *found = place;
+    return _URC_END_OF_STACK;
+}
+
+// Who wants an object: our own code asks for many through the C++ library, such as long texts.
+const void* user_of_object(const void* caller) {
+    const Module* const module = known_module_of(caller);
+    if (!module || !module->is_cxx_library) return caller;
+    const void* user = caller;
+    _Unwind_Backtrace(note_user, &user);
+    return user;
 }
 
 // GLib ends the process when it gets no thread, and nothing that uses GLib can keep it from that.
@@ -124,11 +151,17 @@ void note(const char* name, const void* caller) {
                                         reinterpret_cast<uintptr_t>(module.dli_fbase)));
 }
 
+bool is_meant(int only) {
+    if (only == first_process) only = control->first;
+    return only == 0 || only == getpid();
+}
+
 thread_local bool is_counting;
 
 // Counts a call, and says whether it is the one that fails.
 bool fails(Family family, int error, const char* name, const void* caller) {
     if (!control || is_counting) return false;
+    if (!is_meant(control->only)) return false;
     const long number = ++control->calls[family];
     if (control->family != family || control->at != number) return false;
     is_counting = true;
@@ -165,6 +198,15 @@ constexpr int most_files = 4096;
 std::atomic<bool> is_display[most_files];
 
 bool goes_to_display(int file) { return file >= 0 && file < most_files && is_display[file]; }
+
+// A connection that fails has been closed by the server. A program that waits for an answer must be
+// able to see that.
+bool display_fails(int file, int error, const char* name, const void* caller) {
+    if (!goes_to_display(file) || !fails(display, error, name, caller)) return false;
+    shutdown(file, SHUT_RDWR);
+    errno = error;
+    return true;
+}
 
 // A line for each open file. Numbers, as of pipes, are left out: they differ from run to run.
 void list_files(char* text, size_t size) {
@@ -366,13 +408,13 @@ EXPORT int close(int file) {
 
 EXPORT ssize_t writev(int file, const iovec* parts, int count) {
     static auto* const next = real(static_cast<decltype(&writev)>(nullptr), "writev");
-    if (goes_to_display(file) && fails(display, EPIPE, "writev", CALLER)) return -1;
+    if (display_fails(file, EPIPE, "writev", CALLER)) return -1;
     return next(file, parts, count);
 }
 
 EXPORT ssize_t recvmsg(int file, msghdr* message, int flags) {
     static auto* const next = real(static_cast<decltype(&recvmsg)>(nullptr), "recvmsg");
-    if (goes_to_display(file) && fails(display, ECONNRESET, "recvmsg", CALLER)) return -1;
+    if (display_fails(file, ECONNRESET, "recvmsg", CALLER)) return -1;
     return next(file, message, flags);
 }
 
@@ -389,6 +431,45 @@ EXPORT void* calloc(size_t count, size_t size) {
 EXPORT void* realloc(void* block, size_t size) {
     if (control && is_ours(CALLER) && fails(memory, ENOMEM, "realloc", CALLER)) return nullptr;
     return __libc_realloc(block, size);
+}
+
+namespace {
+
+// Null when the call fails.
+void* make_object(size_t size, size_t alignment, const void* caller) {
+    const size_t most = size > 0 ? size : 1;
+    if (control && !is_counting) {
+        is_counting = true;
+        const void* const user = user_of_object(caller);
+        const bool counts = is_ours(user);
+        is_counting = false;
+        if (counts && fails(objects, ENOMEM, "new", user)) return nullptr;
+    }
+    if (alignment <= alignof(max_align_t)) return __libc_malloc(most);
+    void* object = nullptr;
+    return posix_memalign(&object, alignment, most) == 0 ? object : nullptr;
+}
+
+// As the C++ library does it: the program's own handler may find memory, or throw.
+void* make_or_throw(size_t size, size_t alignment, const void* caller) {
+    for (;;) {
+        if (void* const object = make_object(size, alignment, caller)) return object;
+        const std::new_handler handler = std::get_new_handler();
+        if (!handler) throw std::bad_alloc();
+        handler();
+    }
+}
+
+}  // namespace
+
+#define NEW __attribute__((visibility("default"))) void* operator new
+
+NEW(size_t size) { return make_or_throw(size, 0, CALLER); }
+NEW[](size_t size) { return make_or_throw(size, 0, CALLER); }
+NEW(size_t size, const std::nothrow_t&) noexcept { return make_object(size, 0, CALLER); }
+NEW[](size_t size, const std::nothrow_t&) noexcept { return make_object(size, 0, CALLER); }
+NEW(size_t size, std::align_val_t alignment) {
+    return make_or_throw(size, static_cast<size_t>(alignment), CALLER);
 }
 
 EXPORT char* strdup(const char* text) {

@@ -40,11 +40,15 @@ struct FaultsInPopups : testing::Test {
     }
 
     // A clean end, or one with a message.
-    void expect_good_end(const Ended& ended) {
+    void expect_good_end(Family family, const Ended& ended) {
         EXPECT_FALSE(ended.hung);
         EXPECT_TRUE(ended.status == 0 || ended.status == 1 || ended.status == 3) << ended.status;
         if (ended.status != 0) EXPECT_NE(ended.err, "") << ended.status;
-        if (ended.status == 0) EXPECT_EQ(control.leaked_since(files_at_end), "");
+        if (ended.status != 0) return;
+        // Xlib cannot close a connection beside the toolkit's own that has broken.
+        const std::string broken = family == display ? "socket:\n" : "";
+        const std::string leaked = control.leaked_since(files_at_end);
+        EXPECT_TRUE(leaked.empty() || leaked == broken) << leaked;
     }
 
     // One run after the other, each with another call that fails.
@@ -64,7 +68,7 @@ struct FaultsInPopups : testing::Test {
             SCOPED_TRACE(std::string(what) + ", " + family_names[family] + " " +
                          std::to_string(number) + ": " + control->name + " of " + control->module +
                          ": " + ended.err);
-            expect_good_end(ended);
+            expect_good_end(family, ended);
             EXPECT_FALSE(is_slow(ended, clean)) << ended.seconds << " seconds";
             check(ended);
             return true;
@@ -113,29 +117,43 @@ TEST_F(FaultsInPopups, PickACopyOrRefuseIt) {
         });
 }
 
-TEST_F(FaultsInPopups, ShowAMenuOrAMessage) {
+struct FaultsInShownMenus : FaultsInPopups {
+    Ended show() {
+        bool was_open = false;
+        const Ended ended =
+            run({"menu", "--no-resident", "--at", "100,100", folder.path("top")}, [&] {
+                if (screen.open_menu().width == 0) return;
+                // A submenu, and then the end. The keys wait in the server for the program.
+                if (!was_open) {
+                    input.key("Down");
+                    input.key("Right");
+                }
+                was_open = true;
+                input.key("Escape");
+            });
+        EXPECT_TRUE(was_open || ended.status != 0);
+        EXPECT_TRUE(screen.wait_until_closed());
+        return ended;
+    }
+
     const test::Screen screen;
     test::XInput input;
+};
+
+// The first calls are those that find out whether the display can be used.
+TEST_F(FaultsInShownMenus, ADisplayThatGoesWhileItIsTriedIsToldOf) {
+    for (int number = 1; number <= 6; number++) {
+        control.arm(display, number);
+        const Ended ended = show();
+        EXPECT_EQ(control->failed, 1) << number;
+        EXPECT_FALSE(ended.hung) << number;
+        EXPECT_TRUE(ended.status == 0 || !ended.err.empty()) << number << ": " << control->name;
+    }
+}
+
+TEST_F(FaultsInShownMenus, AreMenusOrEndWithAMessage) {
     fail_each(
-        "shown menus",
-        [&] {
-            bool was_open = false;
-            const Ended ended =
-                run({"menu", "--no-resident", "--at", "100,100", folder.path("top")}, [&] {
-                    if (screen.open_menu().width == 0) return;
-                    // A submenu, and then the end. The keys wait in the server for the program.
-                    if (!was_open) {
-                        input.key("Down");
-                        input.key("Right");
-                    }
-                    was_open = true;
-                    input.key("Escape");
-                });
-            EXPECT_TRUE(was_open || ended.status != 0);
-            EXPECT_TRUE(screen.wait_until_closed());
-            return ended;
-        },
-        [](const Ended&) {});
+        "shown menus", [&] { return show(); }, [](const Ended&) {});
 }
 
 }  // namespace

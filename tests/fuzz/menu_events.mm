@@ -243,15 +243,7 @@ void pop_up(TriedMenu* menu, Hand& hand, uint8_t how) {
     hand.move(40 + how, 40 + how / 2);
     if (how & 1) hand.press(3, true);
     XSync(toolkit_display(), False);
-    NSEvent* event = [NSEvent mouseEventWithType:NSRightMouseDown
-                                        location:NSMakePoint(40 + how, 100)
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:0
-                                         context:nil
-                                     eventNumber:0
-                                      clickCount:1
-                                        pressure:1];
+    NSEvent* event = right_click_event(NSMakePoint(40 + how, 100), 0);
     [NSMenu popUpContextMenu:[menu root] withEvent:how & 2 ? event : nil forView:nil];
     hand.let_go();
     require(![MenuSession current] && !MenuRun::current(), "no menu is open");

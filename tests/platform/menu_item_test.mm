@@ -9,6 +9,21 @@
 
 #include "support/app.h"
 
+// An item that counts what it is told, also after its end.
+static int told_values;
+
+@interface BoundItem : NSMenuItem
+@end
+
+@implementation BoundItem
+
+- (void)setValue:(id)value forKey:(NSString*)key {
+    told_values++;
+    [super setValue:value forKey:key];
+}
+
+@end
+
 namespace {
 
 class MenuItem : public testing::Test {
@@ -72,6 +87,20 @@ TEST_F(MenuItem, ANewItemAtTheAddressOfADeadOneHasNothingOfIt) {
         [fresh setAttributedTitle:red(@"x")];
         [fresh release];
     }
+}
+
+TEST_F(MenuItem, AnItemIsToldOfTheValueThatItIsBoundToUntilItDies) {
+    NSMutableDictionary* model = [NSMutableDictionary dictionaryWithObject:@"first" forKey:@"name"];
+    [BoundItem exposeBinding:@"title"];
+    NSMenuItem* bound = [BoundItem new];
+    [bound bind:@"title" toObject:model withKeyPath:@"name" options:nil];
+    EXPECT_STREQ([[bound title] UTF8String], "first");
+    [model setValue:@"second" forKey:@"name"];
+    EXPECT_STREQ([[bound title] UTF8String], "second");
+    const int told = told_values;
+    [bound release];
+    [model setValue:@"third" forKey:@"name"];
+    EXPECT_EQ(told_values, told);
 }
 
 TEST_F(MenuItem, TitleAndViewDoNotDisturbEachOther) {

@@ -1,18 +1,10 @@
 #include "support/right_click.h"
 
+#include <host/menu_tracking.h>
+
 namespace test {
 
-NSEvent* right_click(NSPoint at) {
-    return [NSEvent mouseEventWithType:NSRightMouseDown
-                              location:at
-                         modifierFlags:0
-                             timestamp:0
-                          windowNumber:0
-                               context:nil
-                           eventNumber:0
-                            clickCount:1
-                              pressure:1];
-}
+NSEvent* right_click(NSPoint at) { return right_click_event(at, 0); }
 
 NSTimer* while_tracking(NSTimeInterval interval, id target, SEL action, BOOL repeats) {
     NSTimer* timer = [NSTimer timerWithTimeInterval:interval

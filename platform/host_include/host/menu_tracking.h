@@ -70,6 +70,10 @@ enum MenuMark {
     menu_mark_link,      // the item was a link, and stands for what the link leads to
 };
 
+// The event of a right-click in no window, at a point of the screen from the lower left: for a menu
+// that a program pops up by itself.
+NSEvent* right_click_event(NSPoint at, NSUInteger modifiers);
+
 // Shows or walks one popped-up menu, from -open to -close, and returns when it is over. The action
 // of the pick is sent after that, before the popup returns.
 @protocol MenuTracker

@@ -1,4 +1,4 @@
-#include "menus/menu_memory.h"
+#include "menu_classes/menu_memory.h"
 
 #include <AppKit/AppKit.h>
 
