@@ -1,7 +1,9 @@
 #include "operations/request_queue.h"
 
+#include <errno.h>
 #include <host/text.h>
 
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -9,11 +11,10 @@ namespace operations {
 
 namespace {
 
-Report refusal_of(const Request& request) {
+Report refusal_of(const Request& request, const std::string& reason) {
     Report report;
     for (const std::string& source : request.sources) {
-        report.outcomes.push_back(
-            {source, State::Failed, "", translated("the system cannot start another thread")});
+        report.outcomes.push_back({source, State::Failed, "", reason});
     }
     return report;
 }
@@ -32,7 +33,9 @@ RequestQueue::~RequestQueue() {
 }
 
 void RequestQueue::add(Job job) {
-    if (!take(job)) job.observer->ended(refusal_of(job.request));
+    if (take(job)) return;
+    job.observer->ended(
+        refusal_of(job.request, translated("the system cannot start another thread")));
 }
 
 // False, and the job is as it was, where no thread is to be had.
@@ -58,7 +61,13 @@ bool RequestQueue::next(Job& job) {
 }
 
 void RequestQueue::run() {
-    for (Job job; next(job);) carry_out_(std::move(job));
+    for (Job job; next(job);) {
+        try {
+            carry_out_(job);
+        } catch (const std::bad_alloc&) {
+            job.observer->ended(refusal_of(job.request, error_text(ENOMEM)));
+        }
+    }
 }
 
 }  // namespace operations

@@ -36,6 +36,7 @@ PanelContent content_of(NSString* title) {
         {WidgetKind::button, area(width - margin - 92, 88, 92, 30), translated("Cancel"),
          cancel_item, 13},
     };
+    content.widget(bar_item)->label = [title UTF8String];
     content.widget(detail_item)->alpha = dimmed_text_alpha;
     return content;
 }

@@ -4,6 +4,7 @@
 
 #include <glib.h>
 #include <host/light_start.h>
+#include <host/memory_reserve.h>
 
 #include <vector>
 
@@ -92,6 +93,7 @@ void prepare_toolkit(char* program) {
     char* arguments[] = {program, nullptr};
     std::vector<char*> environment = readable_environment();
     GSInitializeProcess(1, arguments, environment.data());
+    keep_memory_reserve();
     NSUserDefaults* defaults = [NSUserDefaults standardUserDefaults];
     NSMutableDictionary* forced =
         [[[defaults volatileDomainForName:NSArgumentDomain] mutableCopy] autorelease]

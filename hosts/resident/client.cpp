@@ -155,7 +155,9 @@ Attempt attempt(const MeetingPlace& place, const std::string& name, const std::s
 std::optional<int> run_by_host(const std::vector<std::string>& arguments,
                                const std::string& program) {
     const Call call = {arguments, own_environment(), file_mode_mask()};
-    const std::string name = host_name(call.environment, program);
+    const std::string files = seen_files();
+    if (files.empty()) return {};
+    const std::string name = host_name(call.environment, program, files);
     const MeetingPlace place(name);
     if (!place) return {};
     const EndingSignals signals;

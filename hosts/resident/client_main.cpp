@@ -11,6 +11,7 @@
 
 #include "resident/client.h"
 #include "resident/host_start.h"
+#include "resident/memory_end.h"
 #include "resident/program_paths.h"
 #include "resident/shown_call.h"
 
@@ -63,6 +64,7 @@ bool is_for_host(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    resident::end_when_memory_ends();
     fill_closed_streams();
     const std::vector<std::string> arguments(argv + (argc > 0), argv + argc);
     const std::string program = resident::full_program();

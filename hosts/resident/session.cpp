@@ -1,5 +1,6 @@
 #include "resident/session.h"
 
+#include <errno.h>
 #include <limits.h>
 #include <stdint.h>
 #include <stdio.h>
@@ -62,7 +63,8 @@ std::string seen_files() {
     char names[PATH_MAX];
     const ssize_t size = readlink("/proc/self/ns/mnt", names, sizeof names);
     struct stat root = {};
-    stat("/", &root);
+    const bool is_unknown = size < 0 && errno != ENOENT;
+    if (is_unknown || stat("/", &root) != 0) return "";
     return std::string(names, size > 0 ? static_cast<size_t>(size) : 0) + " " +
            std::to_string(root.st_dev) + ":" + std::to_string(root.st_ino);
 }

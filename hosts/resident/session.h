@@ -12,6 +12,7 @@ std::vector<std::string> fixed_variables(const std::vector<std::string>& environ
 
 // Which files this process sees under their names: the mount namespace and the root folder. A
 // program in a container or behind chroot may share the run-time folder, but sees other files.
+// Empty when the system does not say.
 std::string seen_files();
 
 // The name of the host of this environment and program, for callers that see these files: letters

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -61,7 +62,11 @@ class BusName::Service {
         sigset_t all, before;
         sigfillset(&all);
         pthread_sigmask(SIG_SETMASK, &all, &before);
-        thread_ = std::thread([this] { serve(); });
+        try {
+            thread_ = std::thread([this] { serve(); });
+        } catch (const std::system_error&) {
+            tell(State::refused);  // the host works without its name
+        }
         pthread_sigmask(SIG_SETMASK, &before, nullptr);
     }
 

@@ -20,6 +20,7 @@
 #include "popup/notice_keeper.h"
 #include "popup/undo_command.h"
 #include "resident/host_start.h"
+#include "resident/memory_end.h"
 #include "service/resident_host.h"
 #include "settings/settings_command.h"
 #include "settings_ui/settings_window.h"
@@ -67,6 +68,7 @@ int run(const CommandLine& line, char* program) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    resident::end_when_memory_ends();
     restore_arguments();
     if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return run_clipboard_keeper();
     if (argc == 5 && strcmp(argv[1], notice_argument) == 0) {

@@ -31,6 +31,7 @@
 #include "service/freshness.h"
 #include "service/giving_way.h"
 #include "service/host_log.h"
+#include "service/start_memory.h"
 #include "service/surroundings.h"
 
 namespace {
@@ -84,6 +85,7 @@ class Host {
     int run(const Caller& caller);
     std::optional<int> run_in_surroundings(const Caller& caller);
     void end(const std::string& why);
+    void settle();
     void watch_signals();
 
     const std::vector<std::string> environment_;  // as the host was started
@@ -99,6 +101,7 @@ class Host {
     std::unique_ptr<Guest> next_, current_;
     NSDate* idle_end_ = nil;
     bool ends_ = false;
+    bool has_start_memory_ = true;
 };
 
 bool Host::prepare(char* program) {
@@ -293,6 +296,14 @@ void Host::end(const std::string& why) {
     wake_main_loop();
 }
 
+// Once, since the pages that the menus use come back with the next menu.
+void Host::settle() {
+    malloc_trim(0);
+    if (!has_start_memory_) return;
+    has_start_memory_ = false;
+    give_back_start_memory();
+}
+
 void Host::serve_calls() {
     idle_end_ = [[NSDate alloc] initWithTimeIntervalSinceNow:longest_idle()];
     NSTimeInterval settled = 0;
@@ -317,7 +328,7 @@ void Host::serve_calls() {
                                inMode:settles ? NSDefaultRunLoopMode : NSEventTrackingRunLoopMode
                               dequeue:YES];
             if (event) [NSApp sendEvent:event];
-            if (settles && [until timeIntervalSinceNow] <= 0) malloc_trim(0);
+            if (settles && [until timeIntervalSinceNow] <= 0) settle();
             if (!event && [idle_end_ timeIntervalSinceNow] <= 0) end("idle");
         }
     }

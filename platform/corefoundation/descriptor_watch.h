@@ -8,7 +8,8 @@
 
 @class DescriptorWatcher;
 
-// Watches as long as it lives. The callback may destroy it.
+// Watches as long as it lives. The callback may destroy it. An exception of the callback goes no
+// further: the toolkit's run loop would end the program.
 class DescriptorWatch {
   public:
     DescriptorWatch(int descriptor, std::function<void()> readable);

@@ -53,7 +53,12 @@ NSArray* all_modes() {
               forMode:(NSString*)mode {
     (void)data, (void)type, (void)extra, (void)mode;
     [[self retain] autorelease];  // the callback may end the watch
-    if (_descriptor >= 0) (*_readable)();
+    if (_descriptor < 0) return;
+    @try {
+        (*_readable)();
+    } @catch (NSException* exception) {
+        NSLog(@"DescriptorWatch: %@", [exception reason]);
+    }
 }
 
 - (NSDate*)timedOutEvent:(void*)data type:(RunLoopEventType)type forMode:(NSString*)mode {

@@ -113,6 +113,7 @@ void SharedControl::arm(Family family, long at) {
     control_->family = families;
     for (auto& calls : control_->calls) calls = 0;
     control_->failed = 0;
+    control_->only = 0;
     control_->first = 0;
     memset(control_->files_at_end, 0, sizeof control_->files_at_end);
     control_->at = at;

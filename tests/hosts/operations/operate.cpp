@@ -12,6 +12,7 @@
 #include "file_steps/folder.h"
 #include "file_steps/temporaries.h"
 #include "operations/engine.h"
+#include "resident/memory_end.h"
 
 namespace {
 
@@ -48,6 +49,7 @@ int report(const operations::Report& report) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    resident::end_when_memory_ends();
     Silent observer;
     if (argc > 1 && strcmp(argv[1], "undo") == 0) return report(operations::undo_last(observer));
     if (argc > 1 && strcmp(argv[1], "start") == 0) {

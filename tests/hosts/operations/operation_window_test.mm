@@ -8,6 +8,7 @@
 #include <atomic>
 #include <thread>
 
+#include "accessibility/shown_menus.h"
 #include "operations/engine.h"
 #include "panels/widget_panel.h"
 #include "support/app.h"
@@ -148,15 +149,18 @@ class OperationWindowTest : public testing::Test {
 // A carrier whose pace the test sets.
 class Slow {
   public:
-    explicit Slow(std::shared_ptr<Observer> observer)
-        : observer_(observer), thread_(&Slow::run, this) {}
+    explicit Slow(std::shared_ptr<Observer> observer, uint64_t items_total = 1000)
+        : observer_(observer), items_total_(items_total), thread_(&Slow::run, this) {}
     ~Slow() { thread_.join(); }
     std::atomic<bool> may_end = false, was_cancelled = false;
+    std::atomic<uint64_t> bytes_done = 12400000;
 
   private:
     void run() {
-        Progress progress = {312, 1000, 12400000, 80000000, "/home/me/A long name of a file.txt"};
+        Progress progress = {items_total_ ? 312u : 0, items_total_, bytes_done, 80000000,
+                             "/home/me/A long name of a file.txt"};
         while (!may_end && !was_cancelled) {
+            progress.bytes_done = bytes_done;
             observer_->progressed(progress);
             was_cancelled = observer_->is_cancelled();
             usleep(1000);
@@ -164,6 +168,7 @@ class Slow {
         observer_->ended({});
     }
     std::shared_ptr<Observer> observer_;
+    const uint64_t items_total_;
     std::thread thread_;
 };
 
@@ -187,6 +192,47 @@ TEST_F(OperationWindowTest, ProgressAppearsAfterHalfASecondAndCancelEndsTheWork)
     EXPECT_GE(shown_after, 0.5);
     EXPECT_TRUE(ended);
     EXPECT_EQ(shown_window(), nil);
+}
+
+TEST_F(OperationWindowTest, AScreenReaderFindsItsNamesAndItsValueInSteps) {
+    const Request request = {Kind::Copy, {"/a", "/b", "/c"}, "/home/me/Documents", false};
+    ShownMenus read;
+    Slow slow(make_window_observer(request, nullptr), 0);
+    const auto bar = [&] {
+        OpenRow row = read.row(0, 1);
+        EXPECT_EQ(row.kind, OpenRow::bar);
+        return row;
+    };
+    unsigned told = 0, number = 0;
+    const auto is_told = [&] { return std::exchange(told, read.level(0).revision) != told; };
+    run({[&] { return read.levels() == 1; },
+         [&] {
+             const OpenLevel level = read.level(0);
+             number = level.number;
+             EXPECT_EQ(level.kind, OpenLevel::progress);
+             EXPECT_EQ(level.name, "Copying 3 items to “Documents”");
+             EXPECT_EQ(level.rows, 5);
+             EXPECT_EQ(level.highlighted, -1);
+             EXPECT_EQ(bar().name, "Copying 3 items to “Documents”");
+             EXPECT_EQ(read.row(0, 2).name, "A long name of a file.txt");
+             is_told();
+             slow.bytes_done = 14000000;
+             return true;
+         },
+         [&] { return bar().value == 0.175; },
+         [&] {
+             EXPECT_FALSE(is_told()) << "each step is a tenth";
+             slow.bytes_done = 40000000;
+             return true;
+         },
+         [&] { return bar().value == 0.5; },
+         [&] {
+             EXPECT_TRUE(is_told());
+             return click("Cancel");
+         },
+         [&] { return slow.was_cancelled.load(); }});
+    EXPECT_EQ(read.levels(), 0u);
+    EXPECT_GT(number, 0u);
 }
 
 TEST_F(OperationWindowTest, WhatIsQuickShowsNoWindow) {

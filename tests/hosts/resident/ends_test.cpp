@@ -44,7 +44,33 @@ struct ResidentEnds : test::ResidentScene {
         }
         return sleeps;
     }
+
+    // The kilobytes of files, libraries included, that are in the memory of the process.
+    static long file_kilobytes(pid_t process) {
+        std::ifstream status("/proc/" + std::to_string(process) + "/status");
+        long kilobytes = 0;
+        for (std::string word; status >> word;) {
+            if (word == "RssFile:" && status >> kilobytes) return kilobytes;
+        }
+        return 0;
+    }
 };
+
+TEST_F(ResidentEnds, AnIdleHostGivesBackWhatOnlyItsStartHasNeeded) {
+    RunningCommand command = call_at(100, 100);
+    ASSERT_TRUE(screen.wait_until_open());
+    const pid_t process = host();
+    const long started = file_kilobytes(process);
+    ASSERT_GT(started, 0);
+    input.key("Escape");
+    EXPECT_EQ(command.finish().status, 0);
+    EXPECT_TRUE(test::wait_for([&] { return file_kilobytes(process) < started / 2; }))
+        << file_kilobytes(process) << " KB of files instead of " << started;
+    EXPECT_TRUE(screen.wait_until_closed());
+    EXPECT_EQ(show_and_close().status, 0);
+    EXPECT_EQ(host(), process);
+    EXPECT_GT(file_kilobytes(process), 0);
+}
 
 TEST_F(ResidentEnds, AnIdleHostDoesNotWakeUp) {
     const test::SessionBus bus;  // where it has a name

@@ -1,0 +1,218 @@
+// Each call of the resident host, and of the client before it, fails in turn over a whole popup and
+// over a whole copy. The host is afterwards the same process, shows the next menu, and holds no
+// more than before.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <filesystem>
+
+#include "faults/faulty_run.h"
+#include "hosts/resident/scene.h"
+#include "support/managed_windows.h"
+#include "support/settled.h"
+#include "support/temp_folder.h"
+#include "support/waiting.h"
+
+namespace fs = std::filesystem;
+
+namespace faults {
+
+namespace {
+
+// Whose calls fail.
+enum class Failing { host, client };
+
+struct FaultsInHost : test::ResidentScene {
+    FaultsInHost() { folder.folder("to"); }
+
+    // How a call has ended.
+    struct Seen {
+        test::Outcome outcome;
+        bool was_open = false;
+        std::string panels;  // the titles of those that told something
+    };
+
+    static bool has_ended(const test::RunningCommand& command) {
+        siginfo_t info = {};
+        const auto id = static_cast<id_t>(command.process());
+        return waitid(P_PID, id, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
+    }
+
+    void close_panels(Seen* seen) {
+        for (const test::ManagedWindow& window : windows.shown()) {
+            if (seen->panels.find(window.title) == std::string::npos) {
+                seen->panels += window.title + "\n";
+            }
+            windows.ask_to_close(window);
+        }
+    }
+
+    // Shows a menu and types the keys, which wait in the server for the program. Then whatever is
+    // open is closed.
+    Seen show(const test::Words& words, const test::Words& keys) {
+        Seen seen;
+        test::Words all = {"menu", "--at", "100,100"};
+        all.insert(all.end(), words.begin(), words.end());
+        test::RunningCommand command =
+            call(all, {{variable, control.path()}, {"LD_PRELOAD", FAILING_LIBRARY}});
+        const bool ended = test::wait_for([&] {
+            if (has_ended(command)) return true;
+            close_panels(&seen);
+            if (screen.open_menu().width == 0) return false;
+            if (!seen.was_open) {
+                for (const std::string& key : keys) input.key(key);
+            } else {
+                input.key("Escape");
+            }
+            seen.was_open = true;
+            return false;
+        });
+        EXPECT_TRUE(ended) << "the client stays:\n" << log();
+        if (ended) seen.outcome = command.finish();
+        EXPECT_TRUE(screen.wait_until_closed());
+        return seen;
+    }
+
+    void expect_message(const Seen& seen) {
+        const int status = seen.outcome.status;
+        EXPECT_TRUE(status == 0 || status == 1 || status == 3) << status;
+        if (status == 1) EXPECT_NE(seen.outcome.err + seen.panels, "");
+        EXPECT_TRUE(seen.was_open || status != 0);
+    }
+
+    static long descriptors_of(pid_t process) {
+        const fs::path files = "/proc/" + std::to_string(process) + "/fd";
+        std::error_code error;
+        const fs::directory_iterator all(files, error);
+        return error ? -1 : std::distance(all, fs::directory_iterator());
+    }
+
+    pid_t only_host() const {
+        const auto all = hosts();
+        return all.size() == 1 ? all.front() : 0;
+    }
+
+    // A menu without faults; the host that has shown it.
+    pid_t show_without_faults(const test::Words& words, const test::Words& keys) {
+        control.arm(families, 0);
+        const Seen seen = show(words, keys);
+        EXPECT_EQ(seen.outcome.status, 0) << seen.outcome.err;
+        EXPECT_TRUE(seen.was_open);
+        EXPECT_EQ(seen.panels, "");
+        EXPECT_TRUE(test::wait_for([&] { return only_host() != 0; }));
+        return only_host();
+    }
+
+    // A host without its display ends. Any other one stays.
+    bool may_end(Family family) const { return failing == Failing::host && family == display; }
+
+    void arm(Family family, long number) {
+        control.arm(family, number);
+        control->only = failing == Failing::host ? host_ : first_process;
+    }
+
+    bool try_one(Family family, long number, const std::function<Seen()>& action,
+                 const std::function<void(const Seen&)>& check) {
+        arm(family, number);
+        const Seen seen = action();
+        const bool was_reached = control->failed > 0;
+        control.arm(families, 0);
+        if (!was_reached) return false;
+        SCOPED_TRACE(std::string(family_names[family]) + " " + std::to_string(number) + ": " +
+                     control->name + " of " + control->module + ": " + seen.outcome.err +
+                     seen.panels);
+        expect_message(seen);
+        check(seen);
+        const pid_t after = show_without_faults({top}, {"Escape"});
+        if (!may_end(family)) EXPECT_EQ(after, host_) << "the host has ended:\n" << log();
+        if (after == host_) EXPECT_FALSE(leaks(family, number, action));
+        if (after != host_) meet(after);
+        return true;
+    }
+
+    // What is opened for the first time stays. What is left open each time is a leak.
+    bool leaks(Family family, long number, const std::function<Seen()>& action) {
+        const long once = held();
+        if (once <= descriptors_) return false;
+        arm(family, number);
+        action();
+        EXPECT_EQ(show_without_faults({top}, {"Escape"}), host_);
+        descriptors_ = held();
+        return descriptors_ > once;
+    }
+    long held() const {
+        return test::settled([&] { return descriptors_of(host_); }, 50);
+    }
+
+    void meet(pid_t host) {
+        host_ = host;
+        descriptors_ = held();
+    }
+
+    void fail_each(const char* what, const std::function<Seen()>& action,
+                   const std::function<void(const Seen&)>& check) {
+        for (int i = 0; i < 2; i++) {
+            control.arm(families, 0);
+            const Seen seen = action();
+            EXPECT_EQ(seen.outcome.status, 0) << seen.outcome.err << seen.panels;
+            check(seen);
+        }
+        meet(show_without_faults({top}, {"Escape"}));
+        ASSERT_NE(host_, 0);
+        arm(families, 0);
+        check(action());
+        long calls[families];
+        std::copy(std::begin(control->calls), std::end(control->calls), calls);
+        std::array<int, families> tried = {};
+        for (const Family family : families_to_try()) {
+            tried[family] = fail_in_turn(calls[family], sample, [&](long number) {
+                return (is_full_run() || !HasFailure()) && try_one(family, number, action, check);
+            });
+        }
+        tell_tried(what, tried);
+    }
+
+    Seen popup() { return show({top}, {"Down", "Right", "Escape"}); }
+
+    Seen copy() {
+        fs::remove_all(folder.path("to/a.txt"));
+        return show({"--modifiers", "option", folder.path("to"), folder.path("top/a.txt")},
+                    {"Down", "Right", "Return"});
+    }
+    // A refused copy has left nothing, not even a part. A reduced menu may lack the folder's row;
+    // then nothing was picked, and there is nothing to say.
+    void check_copy() {
+        EXPECT_EQ(test::read_file(folder.path("top/a.txt")), "text");
+        const std::string path = folder.path("to/a.txt"), there = test::read_file(path);
+        EXPECT_TRUE(there == "text" || !fs::exists(path)) << there;
+    }
+
+    static constexpr int sample = 1;
+    test::WindowManager manager;
+    test::ManagedWindows windows;
+    SharedControl control;
+    Failing failing = Failing::host;
+    pid_t host_ = 0;
+    long descriptors_ = 0;
+};
+
+TEST_F(FaultsInHost, AMenuOfTheHostIsThereOrAMessage) {
+    fail_each(
+        "menus of the host", [&] { return popup(); }, [](const Seen&) {});
+}
+
+TEST_F(FaultsInHost, ACopyOfTheHostIsMadeOrRefused) {
+    fail_each(
+        "copies of the host", [&] { return copy(); }, [&](const Seen&) { check_copy(); });
+}
+
+TEST_F(FaultsInHost, AMenuOfTheClientIsThereOrAMessage) {
+    failing = Failing::client;
+    fail_each(
+        "calls of the client", [&] { return popup(); }, [](const Seen&) {});
+}
+
+}  // namespace
+
+}  // namespace faults

@@ -1,0 +1,43 @@
+// Requests that the queue's thread cannot carry out.
+#include "operations/request_queue.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <new>
+
+namespace {
+
+using operations::Report;
+using operations::RequestQueue;
+
+class Waiting : public operations::Observer {
+  public:
+    Report report() { return report_.get_future().get(); }
+
+  private:
+    void ended(const Report& report) override { report_.set_value(report); }
+    std::promise<Report> report_;
+};
+
+// An exception that left the thread would end the program with the operation half done.
+TEST(RequestQueue, ARequestWithoutMemoryIsRefusedAndTheNextOneIsCarriedOut) {
+    int tries = 0;
+    RequestQueue queue([&](const RequestQueue::Job& job) {
+        if (tries++ == 0) throw std::bad_alloc();
+        job.observer->ended({});
+    });
+    const auto first = std::make_shared<Waiting>(), second = std::make_shared<Waiting>();
+    operations::Request request;
+    request.sources = {"/a", "/b"};
+    queue.add({request, first});
+    queue.add({request, second});
+    const Report refused = first->report();
+    ASSERT_EQ(refused.outcomes.size(), 2u);
+    EXPECT_EQ(refused.outcomes[1].source, "/b");
+    EXPECT_EQ(refused.outcomes[1].state, operations::State::Failed);
+    EXPECT_NE(refused.outcomes[1].reason, "");
+    EXPECT_TRUE(second->report().outcomes.empty());
+}
+
+}  // namespace
