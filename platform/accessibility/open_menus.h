@@ -1,7 +1,7 @@
 // The open menus as a screen reader's questions see them: numbers and texts, without the toolkit. A
 // panel that waits for the user is the first level, below the menus that it opens; its widgets are
-// the rows.
-// Main thread.
+// the rows. While nothing waits and no menu is open, a panel that only tells something is the
+// level. Main thread.
 #pragma once
 
 #include <stddef.h>
@@ -31,12 +31,15 @@ struct OpenRow {
     bool can_be_picked = false;
     bool is_in_sight = false;  // not scrolled away
     bool is_default = false;   // Return hits it
+    std::string written;       // of a field: its text
+    int caret = -1;            // the caret's byte there; -1 without the keyboard
+    double value = 0;          // of a bar, from 0 to 1; negative while unknown
 
     bool operator==(const OpenRow&) const = default;
 };
 
 struct OpenLevel {
-    enum Kind { menu, dialog, alert };
+    enum Kind { menu, dialog, alert, progress };
     Kind kind = menu;
     unsigned number = 0;    // no other level has had it
     unsigned revision = 0;  // changes with what the rows show
@@ -70,10 +73,15 @@ class OpenMenus {
     virtual RowPlace row_place(size_t level, int row) const = 0;
     // -1 for none.
     virtual int row_at(size_t level, MenuPoint point) const = 0;
+    // Of a field: the place of a part of its text, and the character at a point. In bytes.
+    virtual Area text_area(size_t level, int row, size_t begin, size_t end) const = 0;
+    virtual size_t text_at(size_t level, int row, MenuPoint point) const = 0;
 
     // These do what the user's hand does, and answer whether anything was done.
     virtual bool highlight(size_t level, int row) = 0;
     virtual bool pick(size_t level, int row) = 0;
     virtual bool open_submenu(size_t level, int row) = 0;
     virtual bool close_submenu(size_t level, int row) = 0;
+    // Gives a field the keyboard, this text, and the caret behind so many bytes.
+    virtual bool write(size_t level, int row, const std::string& text, size_t caret) = 0;
 };

@@ -1,9 +1,11 @@
 #include "accessibility/panel_rows.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 #include "panels/alert_panel.h"
+#include "panels/shown_panel.h"
 
 namespace {
 
@@ -14,7 +16,7 @@ bool is_row(const Widget& widget) {
     switch (widget.kind) {
         case WidgetKind::text:
         case WidgetKind::paragraph:
-            return !widget.text.empty();
+            return widget.item || !widget.text.empty();
         case WidgetKind::bar:
         case WidgetKind::button:
         case WidgetKind::check:
@@ -63,19 +65,31 @@ OpenRow::Kind kind_of(const Widget& widget) {
 }
 
 std::string name_of(const Widget& widget) {
-    const bool is_field = widget.kind == WidgetKind::field;
-    const std::string& label = is_field && widget.label.empty() ? widget.hint : widget.label;
+    const std::string& label = widget.label;
+    if (widget.kind == WidgetKind::field) return label.empty() ? widget.hint : label;
     if (label.empty() || widget.text.empty()) return label + widget.text;
     return label + ": " + widget.text;
 }
 
-// A number that changes when a row shows something else.
-unsigned revision_of(const std::vector<const Widget*>& rows) {
+OpenLevel::Kind kind_of(WidgetPanel* panel) {
+    if ([panel isKindOfClass:[AlertPanel class]]) return OpenLevel::alert;
+    return panel == shown_panel() ? OpenLevel::dialog : OpenLevel::progress;
+}
+
+// How many of these steps of a bar are told.
+constexpr double told_steps = 10;
+
+// A number that changes when a row shows something else that is worth telling. A text that follows
+// the work file by file is told with the bar's steps only.
+unsigned revision_of(const std::vector<const Widget*>& rows, OpenLevel::Kind kind, size_t caret) {
     size_t sum = 0;
     const auto add = [&sum](size_t part) { sum = sum * 31 + part; };
     const std::hash<std::string> hash;
+    add(caret);
     for (const Widget* widget : rows) {
-        add(hash(widget->text));
+        const bool is_text = widget->kind == WidgetKind::text;
+        if (!is_text || kind != OpenLevel::progress) add(hash(widget->text));
+        add(static_cast<size_t>(std::floor(widget->value * told_steps) + 1));
         add(hash(widget->label));
         add(static_cast<size_t>(widget->kind) * 4 + widget->on * 2u + widget->disabled);
     }
@@ -88,11 +102,12 @@ OpenLevel level_of(WidgetPanel* panel) {
     const std::vector<const Widget*> rows = rows_of(panel);
     OpenLevel level;
     level.number = first_number + [panel number];
-    level.kind = [panel isKindOfClass:[AlertPanel class]] ? OpenLevel::alert : OpenLevel::dialog;
-    level.revision = revision_of(rows);
+    level.kind = kind_of(panel);
+    level.revision = revision_of(rows, level.kind, [panel caret]);
     level.rows = static_cast<int>(rows.size());
     level.name = [[panel title] UTF8String] ?: "";
-    const int item = [panel focusedItem];
+    const bool has_keys = level.kind != OpenLevel::progress || [panel isKeyWindow];
+    const int item = has_keys ? [panel focusedItem] : 0;
     const auto found =
         std::ranges::find_if(rows, [item](const Widget* row) { return row->item == item; });
     if (item && found != rows.end()) level.highlighted = static_cast<int>(found - rows.begin());
@@ -110,6 +125,15 @@ OpenRow row_of(WidgetPanel* panel, int row) {
     answer.can_be_picked = widget.can_be_hit();
     answer.is_in_sight = true;
     answer.is_default = widget.item && widget.item == [panel content].default_item;
+    if (widget.kind == WidgetKind::field) {
+        const bool has_caret = widget.item == [panel focusedItem];
+        answer.written = widget.text;
+        answer.caret = has_caret ? static_cast<int>([panel caret]) : -1;
+    }
+    if (widget.kind == WidgetKind::bar) {
+        answer.value = widget.value;
+        answer.is_mixed = widget.value < 0;
+    }
     return answer;
 }
 
@@ -153,5 +177,20 @@ bool hit_row(WidgetPanel* panel, int row) {
     const Widget& widget = widget_of(panel, row);
     if (!widget.can_be_hit()) return false;
     [panel hitItemSoon:widget.item];
+    return true;
+}
+
+Area text_area_of(WidgetPanel* panel, int row, size_t begin, size_t end) {
+    return [panel placeOfText:widget_of(panel, row) from:begin to:end];
+}
+
+size_t text_at(WidgetPanel* panel, int row, MenuPoint point) {
+    return [panel textOf:widget_of(panel, row) at:point];
+}
+
+bool write_row(WidgetPanel* panel, int row, const TextEdit& written) {
+    const Widget& widget = widget_of(panel, row);
+    if (widget.kind != WidgetKind::field || widget.disabled) return false;
+    [panel write:written intoItem:widget.item];
     return true;
 }

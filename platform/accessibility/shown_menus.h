@@ -15,10 +15,13 @@ class ShownMenus : public OpenMenus {
     Area row_area(size_t level, int row) const override;
     RowPlace row_place(size_t level, int row) const override;
     int row_at(size_t level, MenuPoint point) const override;
+    Area text_area(size_t level, int row, size_t begin, size_t end) const override;
+    size_t text_at(size_t level, int row, MenuPoint point) const override;
     bool highlight(size_t level, int row) override;
     bool pick(size_t level, int row) override;
     bool open_submenu(size_t level, int row) override;
     bool close_submenu(size_t level, int row) override;
+    bool write(size_t level, int row, const std::string& text, size_t caret) override;
 
   private:
     // The separators of the rows that were asked for last, because a reader asks for row after row.

@@ -10,11 +10,17 @@
 
 namespace {
 
+// The panel that waits for the user or, while no menu is open either, the one that tells something.
+WidgetPanel* read_panel() {
+    WidgetPanel* const panel = shown_panel();
+    return panel || MenuRun::current() ? panel : telling_panel();
+}
+
 // The panel, if this level is one.
-WidgetPanel* panel_at(size_t level) { return level == 0 ? shown_panel() : nil; }
+WidgetPanel* panel_at(size_t level) { return level == 0 ? read_panel() : nil; }
 
 // A level's place among those of the menu's run.
-size_t place_in_run(size_t level) { return level - (shown_panel() ? 1 : 0); }
+size_t place_in_run(size_t level) { return level - (read_panel() ? 1 : 0); }
 
 MenuLevel& shown(size_t level) { return *MenuRun::current()->levels()[place_in_run(level)]; }
 
@@ -44,7 +50,7 @@ std::string ShownMenus::application() const {
 
 size_t ShownMenus::levels() const {
     const MenuRun* const run = MenuRun::current();
-    return (shown_panel() ? 1 : 0) + (run ? run->levels().size() : 0);
+    return (read_panel() ? 1 : 0) + (run ? run->levels().size() : 0);
 }
 
 OpenLevel ShownMenus::level(size_t level) const {
@@ -116,6 +122,21 @@ RowPlace ShownMenus::row_place(size_t level, int row) const {
 int ShownMenus::row_at(size_t level, MenuPoint point) const {
     WidgetPanel* const panel = panel_at(level);
     return panel ? ::row_at(panel, point) : shown(level).row_at(point);
+}
+
+Area ShownMenus::text_area(size_t level, int row, size_t begin, size_t end) const {
+    WidgetPanel* const panel = panel_at(level);
+    return panel ? text_area_of(panel, row, begin, end) : Area{};
+}
+
+size_t ShownMenus::text_at(size_t level, int row, MenuPoint point) const {
+    WidgetPanel* const panel = panel_at(level);
+    return panel ? ::text_at(panel, row, point) : 0;
+}
+
+bool ShownMenus::write(size_t level, int row, const std::string& text, size_t caret) {
+    WidgetPanel* const panel = panel_at(level);
+    return panel && write_row(panel, row, {text, caret});
 }
 
 bool ShownMenus::highlight(size_t level, int row) {

@@ -99,11 +99,16 @@ NSColor* clear_color() {
 
 @interface NSImage (PlainObject)
 - (instancetype)initAsPlainObject;
+- (void)deallocAsPlainObject;
 @end
 
 @implementation NSImage (PlainObject)
 - (instancetype)initAsPlainObject {
     return [super init];
+}
+
+- (void)deallocAsPlainObject {
+    [super dealloc];
 }
 @end
 
@@ -150,9 +155,14 @@ static bool is_as_new(FileIcon* self) {
 
 - (void)dealloc {
     static const Class own_class = [FileIcon class];
-    if (object_getClass(self) == own_class && is_as_new(self) && keep_spare(self)) return;
+    const bool is_simple = object_getClass(self) == own_class && is_as_new(self);
+    if (is_simple && keep_spare(self)) return;
     [_leaf release];
-    [super dealloc];
+    if (!is_simple) return [super dealloc];
+    // The stock method would look for what such an icon does not have.
+    [_fileName release];
+    [_color release];
+    [self deallocAsPlainObject];
 }
 
 - (id)copyWithZone:(NSZone*)zone {

@@ -73,14 +73,6 @@ std::string icon_file(std::vector<std::string> names, int pixels) {
     return find_icon(user_icon_theme(), names, pixels);
 }
 
-// The file of the picture that a key names by path and that nobody vouches for; empty for most
-// keys.
-std::string untrusted_file(const std::string& key) {
-    const std::vector<std::string> names = icon_names(key);
-    const bool is_path = !names.empty() && names[0][0] == '/';
-    return is_path && !is_systems_own(names[0]) ? names[0] : "";
-}
-
 // The pictures of these names in all sizes, retained; none if the theme has none.
 NSArray* load_named(const std::vector<std::string>& names) {
     NSMutableArray* bitmaps = [NSMutableArray new];
@@ -92,20 +84,36 @@ NSArray* load_named(const std::vector<std::string>& names) {
     return bitmaps;
 }
 
-// The pictures of a key in all sizes; none if the theme has none. Retained for the cache.
-NSArray* load_bitmaps(const std::string& key) { return load_named(icon_names(key)); }
+// What the theme has for a key.
+struct KeyIcon {
+    NSArray* bitmaps;  // retained, in all sizes; none if the theme has none
+    std::string path;  // of the picture that the key names by path; empty for most keys
+};
 
-NSArray* bitmaps_for_key(const std::string& key) {
-    static auto* cache = new std::unordered_map<std::string, NSArray*>;
+KeyIcon load_icon(const std::string& key) {
+    const std::vector<std::string> names = icon_names(key);
+    const bool is_path = !names.empty() && names[0][0] == '/';
+    return {load_named(names), is_path ? names[0] : std::string()};
+}
+
+// Valid until the next call.
+const KeyIcon& icon_for_key(const std::string& key) {
+    static auto* cache = new std::unordered_map<std::string, KeyIcon>;
     static unsigned theme;  // whose pictures these are
     const auto found = cache->find(key);
     if (found != cache->end() && theme == icon_theme_changes()) return found->second;
     if (cache->size() >= most_icons || theme != icon_theme_changes()) {
-        for (const auto& entry : *cache) [entry.second release];
+        for (const auto& entry : *cache) [entry.second.bitmaps release];
         cache->clear();
         theme = icon_theme_changes();
     }
-    return (*cache)[key] = load_bitmaps(key);
+    return (*cache)[key] = load_icon(key);
+}
+
+// The file of the picture that a key names by path and that nobody vouches for.
+std::string untrusted_file(const std::string& key) {
+    const std::string& path = icon_for_key(key).path;
+    return path.empty() || is_systems_own(path) ? std::string() : path;
 }
 
 NSImage* make_emblem(const char* name) {
@@ -131,7 +139,7 @@ NSArray* plain_pictures(const std::string& key, NSString* path) {
 }
 
 NSArray* pictures_for_key(const std::string& key, NSString* path) {
-    NSArray* bitmaps = bitmaps_for_key(key);
+    NSArray* bitmaps = icon_for_key(key).bitmaps;
     return [bitmaps count] ? bitmaps : plain_pictures(key, path);
 }
 

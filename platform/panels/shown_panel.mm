@@ -9,6 +9,12 @@ std::vector<WidgetPanel*>& panels() {
     return panels;
 }
 
+// Not retained: a panel is hidden before it goes.
+std::vector<WidgetPanel*>& telling_panels() {
+    static auto& panels = *new std::vector<WidgetPanel*>;
+    return panels;
+}
+
 std::vector<void (*)()>& listeners() {
     static auto& listeners = *new std::vector<void (*)()>;
     return listeners;
@@ -17,6 +23,14 @@ std::vector<void (*)()>& listeners() {
 }  // namespace
 
 WidgetPanel* shown_panel() { return panels().empty() ? nil : panels().back(); }
+
+WidgetPanel* telling_panel() { return telling_panels().empty() ? nil : telling_panels().back(); }
+
+void note_telling_panel(WidgetPanel* panel, bool is_shown) {
+    const size_t removed = std::erase(telling_panels(), panel);
+    if (is_shown) telling_panels().push_back(panel);
+    if (is_shown || removed) tell_panel_listeners();
+}
 
 void add_panel_listener(void (*listener)()) { listeners().push_back(listener); }
 

@@ -1,5 +1,8 @@
-#include "panels/text_edit.h"
 #include "panels/widget_view.h"
+
+#include <algorithm>
+
+#include "panels/text_edit.h"
 
 namespace {
 
@@ -77,10 +80,17 @@ bool edit(TextEdit* edit, unichar key, NSEvent* event) {
     if (!field || field->kind != WidgetKind::field) return NO;
     TextEdit written = {field->text, _state.caret};
     if (!edit(&written, key, event)) return NO;
-    field->text = written.text;
-    _state.caret = written.caret;
-    [self changed];
+    [self write:written intoItem:field->item];
     return YES;
+}
+
+- (void)write:(const TextEdit&)written intoItem:(int)item {
+    [self focusItem:item];
+    Widget* field = [self focusedWidget];
+    if (!field || field->item != item || field->kind != WidgetKind::field) return;
+    field->text = written.text;
+    _state.caret = std::min(written.caret, written.text.size());
+    [self changed];
 }
 
 // Along the rows of a group; NO if the focus is on no row, or its group ends here.

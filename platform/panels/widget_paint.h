@@ -34,5 +34,7 @@ void paint_field(const Brush& brush, const Widget& widget);
 void paint_frame(const Brush& brush, const Widget& widget);
 void paint_picture(const Brush& brush, const Widget& widget);
 
+// Where a byte of a field's text stands, from the panel's left.
+int text_place(const PanelContent& content, const Widget& field, size_t caret, size_t at);
 // The byte of a field's text at which a click puts the caret.
 size_t caret_at(const PanelContent& content, const Widget& field, size_t caret, int x);

@@ -139,6 +139,14 @@ void paint_field(const Brush& brush, const Widget& widget) {
     cairo_restore(brush.cairo);
 }
 
+int text_place(const PanelContent& content, const Widget& field, size_t caret, size_t at) {
+    const FieldText text = field_text(content, field, caret);
+    PangoRectangle place;
+    pango_layout_get_cursor_pos(text.layout.get(),
+                                static_cast<int>(std::min(at, field.text.size())), &place, nullptr);
+    return field.area.left + text.border - text.shift + PANGO_PIXELS(place.x);
+}
+
 size_t caret_at(const PanelContent& content, const Widget& field, size_t caret, int x) {
     const FieldText text = field_text(content, field, caret);
     int index = 0, trailing = 0;

@@ -10,6 +10,7 @@
 
 #include "panels/dialog_panel.h"
 #include "panels/panel_content.h"
+#include "panels/text_edit.h"
 
 @interface WidgetPanel : DialogPanel {
   @private
@@ -29,6 +30,8 @@
 - (int)focusedItem;
 // Where the next character goes in a field with the focus, in bytes.
 - (size_t)caret;
+// Gives a field the focus and this text, as the user's keys do.
+- (void)write:(const TextEdit&)written intoItem:(int)item;
 - (void)widgetsChanged;
 // Shows other widgets at the same size.
 - (void)setContent:(const PanelContent&)content;
@@ -39,6 +42,9 @@
 - (void)setDropListener:(const std::function<void(const std::vector<std::string>&)>&)listener;
 // The place of a widget, in pixels of the server.
 - (Area)placeOfWidget:(const Widget&)widget;
+// The place of a part of a field's text there, and the byte of the text at a point.
+- (Area)placeOfText:(const Widget&)field from:(size_t)begin to:(size_t)end;
+- (size_t)textOf:(const Widget&)field at:(MenuPoint)point;
 // The middle of a widget there; {-1, -1} without such a widget.
 - (MenuPoint)middleOfItem:(int)item;
 @end

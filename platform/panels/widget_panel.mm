@@ -2,7 +2,11 @@
 
 #include <host/process.h>
 
+#include <algorithm>
+#include <cstdlib>
+
 #include "panels/shown_panel.h"
+#include "panels/widget_paint.h"
 #include "panels/widget_view.h"
 #include "x11/screens.h"
 
@@ -35,6 +39,10 @@
 
 - (PanelContent&)content {
     return [[self widgetView] content];
+}
+
+- (void)write:(const TextEdit&)written intoItem:(int)item {
+    [[self widgetView] write:written intoItem:item];
 }
 
 - (void)widgetsChanged {
@@ -74,6 +82,21 @@
     return !_isModal;
 }
 
+- (void)dealloc {
+    note_telling_panel(self, false);
+    [super dealloc];
+}
+
+- (void)orderFrontRegardless {
+    [super orderFrontRegardless];
+    if (!_isModal) note_telling_panel(self, true);
+}
+
+- (void)orderOut:(id)sender {
+    [super orderOut:sender];
+    note_telling_panel(self, false);
+}
+
 - (NSInteger)runModal {
     const PanelRun run(self);
     _isModal = YES;
@@ -88,6 +111,25 @@
                                                      toView:nil];
     const MenuPoint place = server_point([self convertBaseToScreen:corner]);
     return {place.x, place.y, area.width, area.height};
+}
+
+- (size_t)caretOf:(const Widget&)field {
+    return field.item == [self focusedItem] ? [self caret] : 0;
+}
+
+- (Area)placeOfText:(const Widget&)field from:(size_t)begin to:(size_t)end {
+    const size_t caret = [self caretOf:field];
+    const int first = text_place([self content], field, caret, begin);
+    const int last = text_place([self content], field, caret, end);
+    Area area = [self placeOfWidget:field];
+    area.left += std::min(first, last) - field.area.left;
+    area.width = std::abs(last - first);
+    return area;
+}
+
+- (size_t)textOf:(const Widget&)field at:(MenuPoint)point {
+    const int x = point.x - [self placeOfWidget:field].left + field.area.left;
+    return caret_at([self content], field, [self caretOf:field], x);
 }
 
 - (MenuPoint)middleOfItem:(int)item {

@@ -13,6 +13,7 @@
 
 #include "look/menu_image.h"
 #include "panels/panel_paint.h"
+#include "panels/text_edit.h"
 
 @interface WidgetView : NSView {
   @private
@@ -45,5 +46,7 @@
 @end
 
 @interface WidgetView (Keys)
+// Gives a field the focus and this text, with the caret between characters.
+- (void)write:(const TextEdit&)written intoItem:(int)item;
 - (void)keyDown:(NSEvent*)event;
 @end

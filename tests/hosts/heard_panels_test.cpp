@@ -1,12 +1,11 @@
 // The settings window and an alert as a screen reader hears them: with real keys, over a real bus
 // of assistive technology.
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "hosts/bus_service.h"
 #include "hosts/menu_command.h"
 #include "hosts/screen_reader.h"
+#include "support/settled.h"
 #include "support/waiting.h"
 #include "support/x_input.h"
 
@@ -41,12 +40,12 @@ struct HeardPanel : Bus, test::MenuCommand {
     // A key that comes before the window has the keyboard, or before it has drawn what it shows, is
     // lost.
     static bool has_keyboard(const std::string& title) {
-        return wait_for([&] {
-            if (output_of("xdotool getwindowfocus getwindowname") != title + "\n") return false;
-            const std::string before = picture();
-            usleep(300000);  // what is still being drawn would differ
-            return picture() == before;
-        });
+        const auto has_focus = [&] {
+            return output_of("xdotool getwindowfocus getwindowname") == title + "\n";
+        };
+        if (!wait_for(has_focus)) return false;
+        test::settled(picture, 5);
+        return has_focus();
     }
     void key(const std::string& name, const std::string& heard) {
         output_of("xdotool key " + name);
@@ -71,7 +70,11 @@ TEST_F(HeardPanel, EachControlOfTheSettingsWindowIsHeardWithItsRoleAndState) {
         "at Show Delvio's items in menus, check box, -, checkable checked enabled focusable "
         "focused");
     key("space", "unchecked Show Delvio's items in menus");
-    key("Tab", "at Selected items side by side: 10, entry, -, editable enabled focusable focused");
+    key("Tab",
+        "at Selected items side by side, entry, -, editable enabled focusable focused single line, "
+        "“10” with the caret at 2");
+    key("7", "insert “7” at 2 in Selected items side by side");
+    key("BackSpace", "delete “7” at 2 in Selected items side by side");
     const Words rows = reader.command("rows");
     EXPECT_TRUE(has(rows, "row Menu, label, -, enabled")) << testing::PrintToString(rows);
     EXPECT_TRUE(has(rows, "row Close, push button, -, enabled focusable"))
@@ -87,6 +90,57 @@ TEST_F(HeardPanel, EachControlOfTheSettingsWindowIsHeardWithItsRoleAndState) {
     key("Escape", "closed Sort a folder's items: By kind, with lines between");
     reader.command("do click|Close");
     EXPECT_EQ(command.finish().status, 0);
+}
+
+// With a German keyboard, on which Y and Z have changed places and Shift-7 is the slash.
+struct GermanPointer : HeardPanel {
+    GermanPointer() { output_of("setxkbmap de"); }
+    ~GermanPointer() override { output_of("setxkbmap us"); }
+    // Clicks the control of this name, which stands still by then.
+    void click(const std::string& name) {
+        test::settled(picture, 5);
+        const Words answer = reader.command("where " + name);
+        int x = 0, y = 0, width = 0, height = 0;
+        ASSERT_FALSE(answer.empty()) << name;
+        ASSERT_EQ(sscanf(answer.back().c_str(), "where %d %d %d %d", &x, &y, &width, &height), 4)
+            << testing::PrintToString(answer);
+        input.move(x + width / 2, y + height / 2);
+        input.click(1);
+    }
+    static bool becomes(const std::string& key, const std::string& value) {
+        return wait_for([&] { return run_delvio({"settings", "get", key}).out == value + "\n"; });
+    }
+    const test::Changes german = {{"DELVIO_RESIDENT", "0"}, {"LANGUAGE", "de"}};
+};
+
+TEST_F(GermanPointer, SetsWhatItClicksAndTakesAPathOfUmlautsFromTheKeys) {
+    const std::string over = folder.folder("Übzäy");
+    RunningCommand command({"settings"}, german);
+    ASSERT_TRUE(reader.hears("opened Delvio-Einstellungen, dialog, 1 rows"));
+    ASSERT_TRUE(has_keyboard("Delvio-Einstellungen"));
+    click("Einträge von Delvio in Menüs zeigen");
+    EXPECT_TRUE(becomes("delvio_is_on", "0"));
+    click("Ihre Ordner");
+    ASSERT_TRUE(reader.hears("at Ihre Ordner, list item, 3 of 10"));
+    click("Der Pfad eines weiteren Ordners");
+    ASSERT_TRUE(reader.hears("at Der Pfad eines weiteren Ordners, entry, "));
+    output_of("xdotool type --delay 40 -- '" + over + "'");
+    ASSERT_TRUE(reader.hears("insert “y” at "));
+    click("Hinzufügen");
+    EXPECT_TRUE(becomes("folders", over));
+    click("Schließen");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
+TEST_F(GermanPointer, PicksAnItemOfTheMenu) {
+    const std::string file = folder.file("Straße.txt");
+    RunningCommand command({"menu", "--at", "200,150", file}, german);
+    ASSERT_TRUE(reader.hears("at delvio, menu, "));
+    ASSERT_TRUE(wait_for([&] { return !input.pointer_is_free() && !input.keyboard_is_free(); }));
+    click("Pfad kopieren");
+    EXPECT_EQ(command.finish().status, 0);
+    EXPECT_TRUE(
+        wait_for([&] { return output_of("timeout 10 xclip -o -selection clipboard") == file; }));
 }
 
 TEST_F(HeardPanel, AnAlertIsHeardWithItsTextAndItsDefaultButton) {

@@ -241,6 +241,35 @@ TEST(MenuJson, IsLaidOutAsALibraryDoes) {
     EXPECT_EQ(written<MenuJson>([](MenuWriter&) {}), "[]\n");
 }
 
+// One property of an item differs from the item before, each in its turn.
+TEST(MenuJson, ItemsThatDifferInOnePropertyAreWrittenWithIt) {
+    std::vector<ItemSnapshot> items{folder("plain")};
+    const auto add = [&](auto change) { change(items.emplace_back(items.front())); };
+    add([](ItemSnapshot& item) { item.separator = true; });
+    add([](ItemSnapshot& item) { item.enabled = !item.enabled; });
+    add([](ItemSnapshot& item) { item.alternate = true; });
+    add([](ItemSnapshot& item) { item.modifiers = 0x20000; });
+    add([](ItemSnapshot& item) { item.image = !item.image; });
+    add([](ItemSnapshot& item) { item.has_submenu = false; });
+    add([](ItemSnapshot& item) { item.details.color = "#ff0000"; });
+    add([](ItemSnapshot& item) { item.details.tag = 7; });
+    add([](ItemSnapshot& item) { item.details.plugin = !item.details.plugin; });
+    add([](ItemSnapshot& item) { item.details.path = "/tmp"; });
+    add([](ItemSnapshot& item) { item.details.submenu_title = "title"; });
+    add([](ItemSnapshot& item) { item.title = ""; });
+    const auto all = nlohmann::json::parse(written<MenuJson>([&](MenuWriter& writer) {
+        for (const ItemSnapshot& item : items) writer.add(item, false);
+        for (const ItemSnapshot& item : items) writer.add(item, false);
+    }));
+    ASSERT_EQ(all.size(), 2 * items.size());
+    for (size_t i = 0; i < all.size(); i++) {
+        const auto alone = nlohmann::json::parse(written<MenuJson>(
+            [&](MenuWriter& writer) { writer.add(items[i % items.size()], false); }));
+        EXPECT_EQ(all[i], alone[0]) << i;
+        if (i > 0 && i < items.size()) EXPECT_NE(all[i], all[0]) << i;
+    }
+}
+
 TEST(MenuJson, ReplacesBytesThatAreNotUtf8) {
     const auto json = nlohmann::json::parse(written<MenuJson>([](MenuWriter& writer) {
         writer.add(item("a\xff"

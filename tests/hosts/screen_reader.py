@@ -26,7 +26,14 @@ def describe(row):
     states = sorted(pyatspi.stateToString(each) for each in row.getState().getStates())
     left_out = {"visible", "showing", "sensitive", "selectable"}
     return f"{row.name}, {row.getRoleName()}, {place}, " + " ".join(
-        each for each in states if each not in left_out)
+        each for each in states if each not in left_out) + written_in(row)
+
+
+def written_in(row):
+    if "Text" not in row.get_interfaces():
+        return ""
+    text = row.queryText()
+    return f", “{text.getText(0, -1)}” with the caret at {text.caretOffset}"
 
 
 def hear(event):
@@ -45,6 +52,9 @@ def hear(event):
             tell("at " + describe(node))
         elif event.type == "object:state-changed:checked":
             tell(("checked " if event.detail1 else "unchecked ") + node.name)
+        elif event.type.startswith("object:text-changed:"):
+            change = event.type.split(":")[2]
+            tell(f"{change} “{event.any_data}” at {event.detail1} in {node.name}")
     except (GLib.Error, RuntimeError) as problem:
         tell(f"lost {path}: {problem}")  # the menu has closed meanwhile
 
@@ -121,6 +131,6 @@ else:
                                          GLib.Variant("b", mode == "active"))),
                   None, Gio.DBusCallFlags.NONE, -1, None)
     import pyatspi
-    pyatspi.Registry.registerEventListener(hear, "object:state-changed")
+    pyatspi.Registry.registerEventListener(hear, "object:state-changed", "object:text-changed")
     tell("ready")
     pyatspi.Registry.start(gil=False)

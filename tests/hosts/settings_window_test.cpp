@@ -9,6 +9,7 @@
 
 #include "hosts/menu_command.h"
 #include "support/managed_windows.h"
+#include "support/settled.h"
 #include "support/silent_file_system.h"
 #include "support/waiting.h"
 #include "support/x_input.h"
@@ -43,13 +44,13 @@ class SettingsWindow : public MenuCommand {
     }
     // The window is there, has the keyboard, and has drawn what it shows.
     static bool has_keys() {
-        return wait_for([] {
+        const auto has_focus = [] {
             const std::string shown = window();
-            if (shown.empty() || shown != output_of("xdotool getwindowfocus")) return false;
-            const std::string before = picture();
-            usleep(300000);  // what is still being drawn would differ
-            return picture() == before;
-        });
+            return !shown.empty() && shown == output_of("xdotool getwindowfocus");
+        };
+        if (!wait_for(has_focus)) return false;
+        test::settled(picture, 5);
+        return has_focus();
     }
     // Presses the keys one by one; each has its visible effect before the next.
     static bool press(const Words& keys) {

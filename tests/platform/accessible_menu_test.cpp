@@ -33,6 +33,27 @@ OpenRow separator() {
     return row;
 }
 
+OpenRow field(const std::string& name, const std::string& written) {
+    OpenRow row = item(name);
+    row.kind = OpenRow::field;
+    row.written = written;
+    return row;
+}
+
+OpenRow bar(const std::string& name, double value) {
+    OpenRow row = item(name);
+    row.kind = OpenRow::bar;
+    row.value = value;
+    return row;
+}
+
+// An argument of a method.
+GVariant* some_value(const std::string& type) {
+    if (type == "s") return g_variant_new_string("");
+    if (type == "b") return g_variant_new_boolean(FALSE);
+    return type == "i" ? g_variant_new_int32(0) : g_variant_new_uint32(0);
+}
+
 struct Menus : OpenMenus {
     std::vector<OpenLevel> open;
     std::vector<std::vector<OpenRow>> rows;
@@ -83,6 +104,19 @@ struct Menus : OpenMenus {
         done.push_back(what + " " + rows[level][row].name);
         return true;
     }
+    Area text_area(size_t level, int row, size_t begin, size_t end) const override {
+        const Area field = row_area(level, row);
+        return {field.left + int(begin), field.top, int(end - begin), field.height};
+    }
+    size_t text_at(size_t level, int row, MenuPoint point) const override {
+        return static_cast<size_t>(point.x - row_area(level, row).left);
+    }
+    bool write(size_t level, int row, const std::string& text, size_t caret) override {
+        rows[level][row].written = text;
+        rows[level][row].caret = static_cast<int>(caret);
+        open[level].revision++;
+        return true;
+    }
     bool pick(size_t level, int row) override { return do_it("pick", level, row); }
     bool open_submenu(size_t level, int row) override { return do_it("open", level, row); }
     bool close_submenu(size_t level, int row) override {
@@ -98,18 +132,22 @@ struct AccessibleMenu : testing::Test {
     Answers answers{tree, surroundings};
     Lines heard;
     Announcer announcer{tree,
-                        [this](const Node& node, const char* event, const char* detail, int number,
-                               GVariant* value) {
-                            g_variant_unref(g_variant_ref_sink(value));
-                            hear(node, event, detail, number);
+                        [this](const Node& node, const Event& event) {
+                            const files::VariantOwner value(g_variant_ref_sink(event.value));
+                            hear(node, event);
                         },
                         [this](const Node& node) { return reference(surroundings, node); }};
 
-    void hear(const Node& node, const std::string& event, const std::string& detail, int number) {
-        if (event == "SelectionChanged") return;
+    void hear(const Node& node, const Event& event) {
+        const std::string kind = event.name, detail = event.detail;
+        if (kind == "SelectionChanged") return;
         const std::string name = tree.exists(node) ? tree.text(node) : "closed";
-        heard.push_back(name + " " + (detail.empty() ? event : detail) +
-                        (event == "StateChanged" && !number ? " no more" : ""));
+        std::string line = name + " " + (detail.empty() ? kind : detail);
+        if (kind == "StateChanged" && !event.first) line += " no more";
+        if (kind.starts_with("Text")) line += " " + std::to_string(event.first);
+        const bool has_value = kind == "TextChanged" || detail == "accessible-value";
+        if (has_value) line += " " + files::taken_text(g_variant_print(event.value, FALSE));
+        heard.push_back(line);
     }
     // What is heard from now on, once.
     Lines news() {
@@ -332,11 +370,105 @@ TEST_F(AccessibleMenu, PlacesAreThoseOfTheScreenTheWindowOrTheParent) {
               "((':1.7', '/org/a11y/atspi/null'),)");
 }
 
+TEST_F(AccessibleMenu, TheTextOfAFieldIsReadInCharacters) {
+    menus.push({field("Name", "über die  Brücke"), item("b")});
+    const Node name = row(0, 0);
+    const auto text = [&](const char* method, const char* types, int first, int second) {
+        return ask(name, text_interface, method, g_variant_new(types, first, second));
+    };
+    const auto words = [](const Node& node, const NodeTree& tree) {
+        const std::vector<const char*> all = interfaces_of(tree, node);
+        return std::ranges::count(all, std::string(text_interface));
+    };
+    EXPECT_EQ(words(name, tree), 1);
+    EXPECT_EQ(words(row(0, 1), tree), 0) << "only a field has a text";
+    const files::VariantOwner count(
+        g_variant_ref_sink(answers.property(name, text_interface, "CharacterCount")));
+    EXPECT_EQ(g_variant_get_int32(count.get()), 16);
+    EXPECT_EQ(text("GetText", "(ii)", 0, -1), "('über die  Brücke',)");
+    EXPECT_EQ(text("GetText", "(ii)", 11, 13), "('rü',)");
+    EXPECT_EQ(text("GetText", "(ii)", 5, 3), "('',)");
+    EXPECT_EQ(text("GetStringAtOffset", "(iu)", 0, ATSPI_TEXT_GRANULARITY_CHAR), "('ü', 0, 1)");
+    EXPECT_EQ(text("GetStringAtOffset", "(iu)", 6, ATSPI_TEXT_GRANULARITY_WORD),
+              "('die  ', 5, 10)");
+    EXPECT_EQ(text("GetTextBeforeOffset", "(iu)", 6, ATSPI_TEXT_BOUNDARY_WORD_START),
+              "('über ', 0, 5)");
+    EXPECT_EQ(text("GetTextAfterOffset", "(iu)", 6, ATSPI_TEXT_BOUNDARY_WORD_START),
+              "('Brücke', 10, 16)");
+    EXPECT_EQ(text("GetTextAtOffset", "(iu)", 16, ATSPI_TEXT_BOUNDARY_CHAR), "('', 16, 16)");
+    EXPECT_EQ(text("GetStringAtOffset", "(iu)", 3, ATSPI_TEXT_GRANULARITY_LINE),
+              "('über die  Brücke', 0, 16)");
+    EXPECT_EQ(ask(name, text_interface, "GetCharacterAtOffset", g_variant_new("(i)", 0)), "(252,)");
+    EXPECT_EQ(text("GetCharacterExtents", "(iu)", 1, ATSPI_COORD_TYPE_SCREEN), "(2, 10, 1, 20)");
+    EXPECT_EQ(ask(name, text_interface, "GetOffsetAtPoint",
+                  g_variant_new("(iiu)", 2, 12, ATSPI_COORD_TYPE_SCREEN)),
+              "(1,)");
+}
+
+TEST_F(AccessibleMenu, WritingInAFieldIsHeardCharacterByCharacter) {
+    menus.push({field("Name", "Tür")});
+    menus.open[0].kind = OpenLevel::dialog;
+    menus.open[0].highlighted = 0;
+    announcer.follow();
+    announcer.note_asked(row(0, 0));
+    menus.write(0, 0, "Türe", 5);
+    EXPECT_EQ(news(), (Lines{"Name insert 3 'e'", "Name TextCaretMoved 4"}));
+    menus.write(0, 0, "Tre", 1);
+    EXPECT_EQ(news(), (Lines{"Name delete 1 'ü'", "Name TextCaretMoved 1"}));
+    menus.write(0, 0, "Tore", 2);
+    EXPECT_EQ(news(), (Lines{"Name insert 1 'o'", "Name TextCaretMoved 2"}));
+    menus.write(0, 0, "Haus", 4);
+    EXPECT_EQ(news(),
+              (Lines{"Name delete 0 'Tore'", "Name insert 0 'Haus'", "Name TextCaretMoved 4"}));
+    menus.write(0, 0, "Haus", 0);
+    EXPECT_EQ(news(), Lines{"Name TextCaretMoved 0"});
+}
+
+TEST_F(AccessibleMenu, AReaderWritesInAField) {
+    menus.push({field("Name", "Tür")});
+    const OpenRow& shown = menus.rows[0][0];
+    const auto edit = [this](const char* method, GVariant* arguments) {
+        return ask(row(0, 0), editable_text_interface, method, arguments);
+    };
+    EXPECT_EQ(edit("InsertText", g_variant_new("(isi)", 3, "öff", 2)), "(true,)");
+    EXPECT_EQ(shown.written, "Türöf");
+    EXPECT_EQ(shown.caret, 7);
+    EXPECT_EQ(edit("DeleteText", g_variant_new("(ii)", 1, 2)), "(true,)");
+    EXPECT_EQ(shown.written, "Tröf");
+    EXPECT_EQ(edit("DeleteText", g_variant_new("(ii)", 2, 2)), "(false,)");
+    EXPECT_EQ(edit("SetTextContents", g_variant_new("(s)", "Dach")), "(true,)");
+    EXPECT_EQ(shown.written, "Dach");
+    EXPECT_EQ(ask(row(0, 0), text_interface, "SetCaretOffset", g_variant_new("(i)", 2)), "(true,)");
+    EXPECT_EQ(shown.caret, 2);
+}
+
+TEST_F(AccessibleMenu, AWindowThatShowsProgressIsToldWithoutTakingTheFocus) {
+    menus.push({bar("Copying", 0.25)});
+    menus.open[0].kind = OpenLevel::progress;
+    menus.open[0].name = "Copying";
+    EXPECT_EQ(news(), (Lines{"program add", "Copying showing", "Copying Announcement", " visible",
+                             " showing"}));
+    EXPECT_FALSE(has_state(*tree.child(Node{}, 0), ATSPI_STATE_ACTIVE));
+    EXPECT_FALSE(has_state(*tree.child(Node{}, 0), ATSPI_STATE_MODAL));
+    EXPECT_FALSE(has_state(menu(0), ATSPI_STATE_FOCUSED));
+    const auto value = [this](const char* name) {
+        const files::VariantOwner answer(
+            g_variant_ref_sink(answers.property(row(0, 0), value_interface, name)));
+        return g_variant_get_double(answer.get());
+    };
+    EXPECT_EQ(value("CurrentValue"), 0.25);
+    EXPECT_EQ(value("MaximumValue"), 1);
+    announcer.note_asked(row(0, 0));
+    menus.change(0, {bar("Copying", 0.5)});
+    EXPECT_EQ(news(), Lines{"Copying accessible-value 0.5"});
+    EXPECT_EQ(value("CurrentValue"), 0.5);
+}
+
 TEST_F(AccessibleMenu, EveryDescribedMethodIsAnswered) {
-    menus.push({folder("a"), item("b")});
-    for (const Node& node :
-         {Node{}, Node{Node::window, menus.open[0].number}, menu(0), row(0, 0)}) {
-        for (const char* name : interfaces_of(node)) {
+    menus.push({folder("a"), field("b", "text"), bar("c", 0.5)});
+    for (const Node& node : {Node{}, Node{Node::window, menus.open[0].number}, menu(0), row(0, 0),
+                             row(0, 1), row(0, 2)}) {
+        for (const char* name : interfaces_of(tree, node)) {
             const GDBusInterfaceInfo* const interface = interface_named(name);
             ASSERT_NE(interface, nullptr) << name;
             for (GDBusPropertyInfo** each = interface->properties; each && *each; each++) {
@@ -350,9 +482,7 @@ TEST_F(AccessibleMenu, EveryDescribedMethodIsAnswered) {
                 GVariantBuilder arguments;
                 g_variant_builder_init(&arguments, G_VARIANT_TYPE_TUPLE);
                 for (GDBusArgInfo** in = (*each)->in_args; in && *in; in++) {
-                    const bool is_signed = std::string((*in)->signature) == "i";
-                    g_variant_builder_add_value(
-                        &arguments, is_signed ? g_variant_new_int32(0) : g_variant_new_uint32(0));
+                    g_variant_builder_add_value(&arguments, some_value((*in)->signature));
                 }
                 std::string type = "(";
                 for (GDBusArgInfo** out = (*each)->out_args; out && *out; out++) {

@@ -31,6 +31,25 @@ TEST_F(Presenter, AKeyWithoutANumberThatAnotherProgramSendsChangesNothing) {
     EXPECT_EQ(log(), "update root, open root, highlight alpha, close root, pick alpha");
 }
 
+// The server would keep the pixels of such a window, which may be gigabytes.
+TEST_F(Presenter, ASizeThatAnotherProgramSendsIsNotBelieved) {
+    NSSize before = NSZeroSize, after = NSZeroSize;
+    const auto size = [] { return [shown_level(0).window() frame].size; };
+    shown([&] {
+        before = size();
+        script_.input.send_size(server_window(shown_level(0).window()), 3000, 2000);
+        key("Down");
+    });
+    highlighted("alpha", 0, [&] {
+        after = size();
+        key("Return");
+    });
+    run();
+    EXPECT_GT(before.width, 0);
+    EXPECT_EQ(after.width, before.width);
+    EXPECT_EQ(after.height, before.height);
+}
+
 TEST_F(Presenter, RightEntersALevelAndLeftLeavesIt) {
     shown([this] {
         key("Down");

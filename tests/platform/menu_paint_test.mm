@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <vector>
 
 #include "look/bitmaps.h"
 #include "look/menu_text.h"
@@ -53,6 +54,12 @@ class MenuPaint : public testing::Test {
         surface_ = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, layout_.width() + 2 * room,
                                               layout_.height() + 2 * room);
         cairo_t* cairo = cairo_create(surface_);
+        paint_menu(cairo, scene_of(highlighted, is_trail, shadow));
+        cairo_destroy(cairo);
+        cairo_surface_flush(surface_);
+    }
+    MenuScene scene_of(NSMenuItem* highlighted, bool is_trail, bool shadow) {
+        const int room = shadow ? layout_.look().shadow_extent : 0;
         MenuScene scene = {};
         scene.layout = &layout_;
         scene.images = &images_;
@@ -63,9 +70,12 @@ class MenuPaint : public testing::Test {
         scene.width = layout_.width();
         scene.height = layout_.height();
         scene.rounded = true;
-        paint_menu(cairo, scene);
-        cairo_destroy(cairo);
-        cairo_surface_flush(surface_);
+        return scene;
+    }
+    std::vector<unsigned char> pixels() const {
+        const unsigned char* data = cairo_image_surface_get_data(surface_);
+        const int height = cairo_image_surface_get_height(surface_);
+        return {data, data + height * cairo_image_surface_get_stride(surface_)};
     }
     unsigned pixel(int x, int y) const {
         const unsigned char* row =
@@ -111,6 +121,46 @@ TEST_F(MenuPaint, MarksThatPileUpStayInTheirRow) {
     EXPECT_GT(darkest(0), 230u);
     EXPECT_LT(darkest(1), 100u);
     EXPECT_GT(darkest(2), 230u);
+}
+
+TEST_F(MenuPaint, ARowThatIsDrawnAnewHasTheSamePixelsAsInTheWholeMenu) {
+    for (int i = 0; i < 5; i++) {
+        [add(@"MMM") setSubmenu:[[[NSMenu alloc] initWithTitle:@"submenu"] autorelease]];
+    }
+    for (const bool shadow : {false, true}) {
+        paint([menu_ itemAtIndex:2], false, shadow);
+        const std::vector<unsigned char> whole = pixels();
+        const MenuRow& row = layout_.rows()[2];
+        const MenuScene scene = scene_of([menu_ itemAtIndex:2], false, shadow);
+        cairo_t* cairo = cairo_create(surface_);
+        cairo_rectangle(cairo, scene.left, scene.top + row.top, scene.width, row.height);
+        cairo_clip(cairo);
+        paint_menu(cairo, scene);
+        cairo_destroy(cairo);
+        cairo_surface_flush(surface_);
+        EXPECT_TRUE(pixels() == whole) << "with a shadow: " << shadow;
+    }
+}
+
+TEST_F(MenuPaint, AllChevronsOfAMenuLookTheSame) {
+    for (int i = 0; i < 3; i++) {
+        [add(@" ") setSubmenu:[[[NSMenu alloc] initWithTitle:@"submenu"] autorelease]];
+    }
+    paint();
+    const auto mark_of = [this](size_t index) {
+        const MenuRow& row = layout_.rows()[index];
+        std::vector<unsigned> mark;
+        for (int y = row.top; y < row.top + row.height; y++) {
+            for (int x = layout_.title_right(); x < layout_.width() - 3; x++) {
+                mark.push_back(pixel(x, y));
+            }
+        }
+        return mark;
+    };
+    EXPECT_EQ(mark_of(0), mark_of(1));
+    EXPECT_EQ(mark_of(0), mark_of(2));
+    const auto [least, most] = std::ranges::minmax(mark_of(0));
+    EXPECT_NE(least, most);
 }
 
 TEST_F(MenuPaint, RowsOfHiddenFilesAreDimButNotDisabled) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "accessibility/bridge/field_text.h"
+
 namespace {
 
 const char window_activated[] = "Activate", window_deactivated[] = "Deactivate";
@@ -13,7 +15,7 @@ Node row_node(const OpenLevel& level, int row) { return {Node::row, level.number
 }  // namespace
 
 void Announcer::tell_state(const Node& node, const char* state, bool is_set) const {
-    send_(node, state_event, state, is_set, g_variant_new_int32(0));
+    send(node, state_event, state, is_set, g_variant_new_int32(0));
 }
 
 std::optional<Node> Announcer::parent_row(size_t level, const OpenLevel& open) const {
@@ -56,14 +58,17 @@ void Announcer::tell_presence(size_t level, const OpenLevel& open, bool is_there
     const std::optional<Node> row = parent_row(level, open);
     if (level == 0 || row) {
         const char* const change = is_there ? "add" : "remove";
-        send_(row.value_or(Node{}), children_event, change, 0, reference_(inner));
+        send(row.value_or(Node{}), children_event, change, 0, reference_(inner));
     }
     if (row) tell_state(*row, "expanded", is_there);
     if (level == 0) tell_state(window, "showing", is_there);
-    if (open.kind != OpenLevel::menu) {
+    if (open.kind == OpenLevel::progress) {
+        // Nothing leads a reader to it, as it does not take the keyboard.
+        if (is_there) send(window, "Announcement", "", 0, g_variant_new_string(open.name.c_str()));
+    } else if (open.kind != OpenLevel::menu) {
         tell_state(window, "active", is_there);
-        send_(window, is_there ? window_activated : window_deactivated, "", 0,
-              g_variant_new_string(open.name.c_str()));
+        send(window, is_there ? window_activated : window_deactivated, "", 0,
+             g_variant_new_string(open.name.c_str()));
     }
     tell_state(menu, "visible", is_there);
     tell_state(menu, "showing", is_there);
@@ -87,23 +92,23 @@ void Announcer::tell_rows(size_t level) {
     }
     if (now.rows != before.rows) {
         const int first = std::min(now.rows, before.rows);
-        send_({Node::menu, now.number}, children_event, now.rows > before.rows ? "add" : "remove",
-              first, reference_(row_node(now, first)));
+        send({Node::menu, now.number}, children_event, now.rows > before.rows ? "add" : "remove",
+             first, reference_(row_node(now, first)));
     }
     if (now.highlighted == before.highlighted || now.kind != OpenLevel::menu) return;
     if (before.highlighted >= 0) tell_state(row_node(now, before.highlighted), "selected", false);
     if (now.highlighted >= 0) tell_state(row_node(now, now.highlighted), "selected", true);
-    send_({Node::menu, now.number}, "SelectionChanged", "", 0, g_variant_new_int32(0));
+    send({Node::menu, now.number}, "SelectionChanged", "", 0, g_variant_new_int32(0));
 }
 
 void Announcer::tell_row(const Node& node, const OpenRow& before, const OpenRow& now) const {
     if (now == before) return;
     if (now.name != before.name) {
-        send_(node, "PropertyChange", "accessible-name", 0,
-              g_variant_new_string(tree_.text(node).c_str()));
+        send(node, "PropertyChange", "accessible-name", 0,
+             g_variant_new_string(tree_.text(node).c_str()));
     }
     if (now.kind != before.kind) {
-        send_(node, "PropertyChange", "accessible-role", 0, g_variant_new_uint32(tree_.role(node)));
+        send(node, "PropertyChange", "accessible-role", 0, g_variant_new_uint32(tree_.role(node)));
     }
     const std::vector<RowState> were = states_of(before), are = states_of(now);
     const auto tell_missing = [&](const std::vector<RowState>& from,
@@ -115,6 +120,26 @@ void Announcer::tell_row(const Node& node, const OpenRow& before, const OpenRow&
     };
     tell_missing(were, are, false);
     tell_missing(are, were, true);
+    tell_text(node, before, now);
+    if (now.kind == OpenRow::bar && now.value != before.value) {
+        send(node, "PropertyChange", "accessible-value", 0,
+             g_variant_new_double(std::max(0.0, now.value)));
+    }
+}
+
+void Announcer::tell_text(const Node& node, const OpenRow& before, const OpenRow& now) const {
+    const auto tell = [&](const char* change, const std::string& text, TextRange range) {
+        if (range.begin == range.end) return;
+        send_(node, {"TextChanged", change, range.begin, range.end - range.begin,
+                     g_variant_new_string(part_of(text, range).c_str())});
+    };
+    const TextChange change = change_between(before.written, now.written);
+    tell("delete", before.written, change.removed);
+    tell("insert", now.written, change.added);
+    const bool has_moved = now.caret != before.caret || now.written != before.written;
+    if (now.caret < 0 || !has_moved) return;
+    send(node, "TextCaretMoved", "", character_at_byte(now.written, now.caret),
+         g_variant_new_int32(0));
 }
 
 void Announcer::tell_focus() {

@@ -11,12 +11,18 @@
 
 #include "accessibility/bridge/node_tree.h"
 
+// An event of a node: its name, such as "StateChanged", its detail, such as "focused", two numbers,
+// and a floating value.
+struct Event {
+    const char* name;
+    const char* detail;
+    int first, second;
+    GVariant* value;
+};
+
 class Announcer {
   public:
-    // Sends an event of a node: its name, such as "StateChanged", its detail, such as "focused", a
-    // number, and a floating value.
-    using Send = std::function<void(const Node&, const char* event, const char* detail, int number,
-                                    GVariant* value)>;
+    using Send = std::function<void(const Node&, const Event&)>;
     using Reference = std::function<GVariant*(const Node&)>;
 
     Announcer(const NodeTree& tree, Send send, Reference reference)
@@ -34,12 +40,17 @@ class Announcer {
         std::map<int, OpenRow> rows;
     };
 
+    void send(const Node& node, const char* name, const char* detail, int first,
+              GVariant* value) const {
+        send_(node, {name, detail, first, 0, value});
+    }
     void tell_state(const Node& node, const char* state, bool is_set) const;
     void tell_opened(size_t level) const;
     void tell_closed(size_t level) const;
     void tell_presence(size_t level, const OpenLevel& open, bool is_there) const;
     void tell_rows(size_t level);
     void tell_row(const Node& node, const OpenRow& before, const OpenRow& now) const;
+    void tell_text(const Node& node, const OpenRow& before, const OpenRow& now) const;
     void tell_focus();
     std::optional<Node> parent_row(size_t level, const OpenLevel& open) const;
 

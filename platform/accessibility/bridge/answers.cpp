@@ -57,7 +57,21 @@ GVariant* reference(const Surroundings& surroundings, const std::optional<Node>&
     return g_variant_new("(so)", surroundings.bus_name.c_str(), path.c_str());
 }
 
-std::vector<const char*> interfaces_of(const Node& node) {
+namespace {
+
+std::vector<const char*> interfaces_of_row(const OpenRow& row) {
+    std::vector<const char*> names = {accessible_interface, component_interface, action_interface};
+    if (row.kind == OpenRow::field) {
+        names.push_back(text_interface);
+        names.push_back(editable_text_interface);
+    }
+    if (row.kind == OpenRow::bar) names.push_back(value_interface);
+    return names;
+}
+
+}  // namespace
+
+std::vector<const char*> interfaces_of(const NodeTree& tree, const Node& node) {
     switch (node.kind) {
         case Node::application:
             return {accessible_interface, application_interface};
@@ -66,7 +80,7 @@ std::vector<const char*> interfaces_of(const Node& node) {
         case Node::menu:
             return {accessible_interface, component_interface, selection_interface};
         case Node::row:
-            return {accessible_interface, component_interface, action_interface};
+            return interfaces_of_row(tree.exists(node) ? tree.row(node) : OpenRow{});
     }
     return {};
 }
@@ -77,6 +91,8 @@ GVariant* Answers::call(const Node& node, const std::string& interface, const st
     if (interface == component_interface) return component(node, method, arguments);
     if (interface == action_interface) return action(node, method, arguments);
     if (interface == selection_interface) return selection(node, method, arguments);
+    if (interface == text_interface) return fields_.text(node, method, arguments);
+    if (interface == editable_text_interface) return fields_.editing(node, method, arguments);
     if (interface == application_interface && method == "GetLocale") return answer(locale_name());
     return nullptr;
 }
@@ -96,9 +112,10 @@ GVariant* Answers::property(const Node& node, const std::string& interface,
         if (name == "AtspiVersion") return g_variant_new_string("2.1");
         return g_variant_new_string(name == "ToolkitName" ? "Delvio" : "1");
     }
+    if (interface == text_interface) return fields_.text_property(node, name);
+    if (interface == value_interface) return fields_.value_property(node, name);
     if (name == "NActions") {
-        const OpenRow row = tree_.menus().row(tree_.level(node), node.index);
-        return g_variant_new_int32(static_cast<int>(actions_of(row).size()));
+        return g_variant_new_int32(static_cast<int>(actions_of(tree_.row(node)).size()));
     }
     if (name == "NSelectedChildren") {
         const bool has_any = tree_.menus().level(tree_.level(node)).highlighted >= 0;
@@ -129,7 +146,7 @@ GVariant* Answers::accessible(const Node& node, const std::string& method,
     if (method == "GetAttributes") return attributes(node);
     if (method == "GetApplication") return answer(reference(surroundings_, Node{}));
     if (method != "GetInterfaces") return nullptr;
-    const std::vector<const char*> names = interfaces_of(node);
+    const std::vector<const char*> names = interfaces_of(tree_, node);
     return answer(g_variant_new_strv(names.data(), static_cast<gssize>(names.size())));
 }
 

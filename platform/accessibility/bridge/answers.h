@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "accessibility/bridge/field_answers.h"
 #include "accessibility/bridge/node_tree.h"
 
 // What this process is called on its bus, and what its desktop is.
@@ -18,13 +19,13 @@ struct Surroundings {
 // A reference to a node, of type (so); to no node for nothing.
 GVariant* reference(const Surroundings& surroundings, const std::optional<Node>& node);
 
-// The interfaces that a node of this kind has.
-std::vector<const char*> interfaces_of(const Node& node);
+// The interfaces that a node has.
+std::vector<const char*> interfaces_of(const NodeTree& tree, const Node& node);
 
 class Answers {
   public:
     Answers(const NodeTree& tree, const Surroundings& surroundings)
-        : tree_(tree), surroundings_(surroundings) {}
+        : tree_(tree), fields_(tree), surroundings_(surroundings) {}
 
     // The floating answer of a method, a tuple; null for a method that is not known.
     GVariant* call(const Node& node, const std::string& interface, const std::string& method,
@@ -48,5 +49,6 @@ class Answers {
     bool highlight(const Node& node) const;
 
     const NodeTree& tree_;
+    const FieldAnswers fields_;
     const Surroundings& surroundings_;
 };

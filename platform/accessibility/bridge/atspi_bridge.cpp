@@ -55,8 +55,7 @@ class AtspiBridge : public ReaderBridge {
     static void embedded(GObject*, GAsyncResult* result, gpointer data);
     void offer_nodes();
     void embed();
-    void send(const Node& node, const char* event, const char* detail, int number,
-              GVariant* value) const;
+    void send(const Node& node, const Event& event) const;
 
     static GDBusInterfaceInfo** describe(GDBusConnection*, const char*, const char*,
                                          const char* name, gpointer);
@@ -91,9 +90,7 @@ AtspiBridge::AtspiBridge(OpenMenus& menus, const std::string& address, GMainCont
       tree_(menus),
       answers_(tree_, surroundings_),
       announcer_(
-          tree_,
-          [this](const Node& node, const char* event, const char* detail, int number,
-                 GVariant* value) { send(node, event, detail, number, value); },
+          tree_, [this](const Node& node, const Event& event) { send(node, event); },
           [this](const Node& node) { return reference(surroundings_, node); }) {
     const Scope scope(context_);
     const auto flags =
@@ -167,20 +164,21 @@ bool AtspiBridge::is_closed() const {
     return has_failed_ || (connection_ && g_dbus_connection_is_closed(connection_.get()));
 }
 
-void AtspiBridge::send(const Node& node, const char* event, const char* detail, int number,
-                       GVariant* value) const {
-    const bool is_of_window = std::string_view(event).ends_with("ctivate");
+void AtspiBridge::send(const Node& node, const Event& event) const {
+    const bool is_of_window = std::string_view(event.name).ends_with("ctivate");
     g_dbus_connection_emit_signal(
         connection_.get(), nullptr, path_of(node).c_str(),
-        is_of_window ? "org.a11y.atspi.Event.Window" : "org.a11y.atspi.Event.Object", event,
-        g_variant_new("(siiva{sv})", detail, number, 0, value, nullptr), nullptr);
+        is_of_window ? "org.a11y.atspi.Event.Window" : "org.a11y.atspi.Event.Object", event.name,
+        g_variant_new("(siiva{sv})", event.detail, event.first, event.second, event.value, nullptr),
+        nullptr);
 }
 
 GDBusInterfaceInfo** AtspiBridge::describe(GDBusConnection*, const char*, const char*,
-                                           const char* name, gpointer) {
+                                           const char* name, gpointer data) {
+    const auto& self = *static_cast<AtspiBridge*>(data);
     const std::optional<Node> node = name ? node_named(name) : std::nullopt;
     if (!node) return nullptr;
-    const std::vector<const char*> names = interfaces_of(*node);
+    const std::vector<const char*> names = interfaces_of(self.tree_, *node);
     GDBusInterfaceInfo** const all = g_new0(GDBusInterfaceInfo*, names.size() + 1);
     for (size_t i = 0; i < names.size(); i++) {
         all[i] = g_dbus_interface_info_ref(interface_named(names[i]));

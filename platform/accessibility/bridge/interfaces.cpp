@@ -60,6 +60,48 @@ const char description[] = R"xml(<node>
  <method name="IsChildSelected"><arg type="i"/><arg type="b" direction="out"/></method>
  <method name="SelectChild"><arg type="i"/><arg type="b" direction="out"/></method>
 </interface>
+<interface name="org.a11y.atspi.Text">
+ <property name="CharacterCount" type="i" access="read"/>
+ <property name="CaretOffset" type="i" access="read"/>
+ <method name="GetText"><arg type="i"/><arg type="i"/><arg type="s" direction="out"/></method>
+ <method name="SetCaretOffset"><arg type="i"/><arg type="b" direction="out"/></method>
+ <method name="GetCharacterAtOffset"><arg type="i"/><arg type="i" direction="out"/></method>
+ <method name="GetStringAtOffset"><arg type="i"/><arg type="u"/>
+  <arg type="s" direction="out"/><arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetTextAtOffset"><arg type="i"/><arg type="u"/>
+  <arg type="s" direction="out"/><arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetTextBeforeOffset"><arg type="i"/><arg type="u"/>
+  <arg type="s" direction="out"/><arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetTextAfterOffset"><arg type="i"/><arg type="u"/>
+  <arg type="s" direction="out"/><arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetAttributes"><arg type="i"/><arg type="a{ss}" direction="out"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetAttributeRun"><arg type="i"/><arg type="b"/><arg type="a{ss}" direction="out"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetDefaultAttributes"><arg type="a{ss}" direction="out"/></method>
+ <method name="GetDefaultAttributeSet"><arg type="a{ss}" direction="out"/></method>
+ <method name="GetNSelections"><arg type="i" direction="out"/></method>
+ <method name="GetCharacterExtents"><arg type="i"/><arg type="u"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetRangeExtents"><arg type="i"/><arg type="i"/><arg type="u"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="GetOffsetAtPoint"><arg type="i"/><arg type="i"/><arg type="u"/>
+  <arg type="i" direction="out"/></method>
+</interface>
+<interface name="org.a11y.atspi.EditableText">
+ <method name="SetTextContents"><arg type="s"/><arg type="b" direction="out"/></method>
+ <method name="InsertText"><arg type="i"/><arg type="s"/><arg type="i"/>
+  <arg type="b" direction="out"/></method>
+ <method name="DeleteText"><arg type="i"/><arg type="i"/><arg type="b" direction="out"/></method>
+</interface>
+<interface name="org.a11y.atspi.Value">
+ <property name="MinimumValue" type="d" access="read"/>
+ <property name="MaximumValue" type="d" access="read"/>
+ <property name="MinimumIncrement" type="d" access="read"/>
+ <property name="CurrentValue" type="d" access="read"/>
+</interface>
 <interface name="org.a11y.atspi.Cache">
  <method name="GetItems"><arg type="a((so)(so)(so)iiassusau)" direction="out"/></method>
 </interface>

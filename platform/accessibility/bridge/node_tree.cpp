@@ -281,8 +281,9 @@ std::vector<unsigned> NodeTree::states(const Node& node) const {
     const bool is_panel = node.kind != Node::application && level_kind(node) != OpenLevel::menu;
     add(node.kind == Node::menu, ATSPI_STATE_FOCUSABLE);
     add(node.kind == Node::menu && !is_panel, ATSPI_STATE_VERTICAL);
-    add(node.kind == Node::window && is_panel, ATSPI_STATE_ACTIVE);
-    add(node.kind == Node::window && is_panel, ATSPI_STATE_MODAL);
+    const bool is_waiting = is_panel && level_kind(node) != OpenLevel::progress;
+    add(node.kind == Node::window && is_waiting, ATSPI_STATE_ACTIVE);
+    add(node.kind == Node::window && is_waiting, ATSPI_STATE_MODAL);
     if (is_plain) return states;
     const bool is_highlighted = menus_.level(level(node)).highlighted == node.index;
     add(!is_panel && is_highlighted, ATSPI_STATE_SELECTED);
@@ -303,6 +304,7 @@ std::optional<Node> NodeTree::focused() const {
         const OpenLevel open = menus_.level(i);
         if (open.highlighted >= 0) return Node{Node::row, open.number, open.highlighted};
     }
-    if (menus_.levels()) return Node{Node::menu, menus_.level(0).number};
+    const bool has_keys = menus_.levels() && menus_.level(0).kind != OpenLevel::progress;
+    if (has_keys) return Node{Node::menu, menus_.level(0).number};
     return {};
 }

@@ -49,6 +49,7 @@ class NodeTree {
     int children(const Node& node) const;
     std::optional<Node> child(const Node& node, int index) const;
     int index_in_parent(const Node& node) const;
+    OpenRow row(const Node& node) const;
 
     unsigned role(const Node& node) const;
     std::string role_name(const Node& node) const;
@@ -57,12 +58,11 @@ class NodeTree {
     std::vector<unsigned> states(const Node& node) const;
     // On the screen; empty for the application.
     Area area(const Node& node) const;
-    // The node where the keys act; nothing when no menu is open.
+    // The node where the keys act; nothing when nothing that is open has them.
     std::optional<Node> focused() const;
 
   private:
     std::optional<size_t> find_level(unsigned number) const;
-    OpenRow row(const Node& node) const;
     bool is_expanded(const Node& node) const;
     OpenLevel::Kind level_kind(const Node& node) const;
 
