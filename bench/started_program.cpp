@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -48,9 +49,13 @@ StartedProgram::StartedProgram(const std::vector<std::string>& command) {
     _exit(127);
 }
 
-StartedProgram::~StartedProgram() {
+StartedProgram::~StartedProgram() { end(); }
+
+void StartedProgram::end() {
+    if (!process_) return;
     kill(process_, SIGKILL);  // the toolkit catches the signals that only ask
     waitpid(process_, nullptr, 0);
+    process_ = 0;
 }
 
 void StartedProgram::wait_for_pixel(_XDisplay* display, int x, int y, unsigned long before) {
@@ -63,21 +68,24 @@ void StartedProgram::wait_for_pixel(_XDisplay* display, int x, int y, unsigned l
     }
 }
 
-void StartedProgram::wait_for_rest() {
+void StartedProgram::wait_for_rest(double seconds) {
     double before = -1;
     for (double spent = usage().processor; spent != before; spent = usage().processor) {
         before = spent;
-        sleep(1);
+        usleep(static_cast<useconds_t>(seconds * 1e6));
     }
 }
 
 Usage StartedProgram::usage() const {
     Usage usage;
+    clockid_t clock;
+    timespec spent = {};
+    if (clock_getcpuclockid(process_, &clock) || clock_gettime(clock, &spent)) {
+        throw std::runtime_error("a program has ended");
+    }
+    usage.processor = static_cast<double>(spent.tv_sec) + static_cast<double>(spent.tv_nsec) * 1e-9;
     const std::string threads = "/proc/" + std::to_string(process_) + "/task";
     for (const auto& thread : std::filesystem::directory_iterator(threads)) {
-        double nanoseconds = 0;
-        std::ifstream(thread.path() / "schedstat") >> nanoseconds;
-        usage.processor += nanoseconds * 1e-9;
         usage.wake_ups += sleeps(thread.path());
     }
     return usage;

@@ -10,7 +10,8 @@ struct _XDisplay;
 
 namespace bench {
 
-// What a process has used so far, in all its threads together.
+// What a process has used so far, in all its threads together; the processor time includes threads
+// that have ended.
 struct Usage {
     double processor = 0;  // seconds
     long wake_ups = 0;
@@ -26,8 +27,9 @@ class StartedProgram {
     // Waits until a pixel of the screen differs from `before`. Throws when the program ends or
     // nothing appears.
     void wait_for_pixel(_XDisplay* display, int x, int y, unsigned long before);
-    // Waits until the program is idle.
-    void wait_for_rest();
+    // Waits until the program has been idle for so long.
+    void wait_for_rest(double seconds = 1);
+    void end();
     Usage usage() const;
 
   private:

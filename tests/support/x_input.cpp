@@ -87,6 +87,17 @@ void XInput::send_key(unsigned long window, unsigned number) {
     XSync(display_, False);
 }
 
+void XInput::send_size(unsigned long window, int width, int height) {
+    XEvent event = {};
+    event.xconfigure.type = ConfigureNotify;
+    event.xconfigure.event = event.xconfigure.window = window;
+    event.xconfigure.width = width;
+    event.xconfigure.height = height;
+    event.xconfigure.override_redirect = True;
+    XSendEvent(display_, window, False, NoEventMask, &event);
+    XSync(display_, False);
+}
+
 std::string XInput::place_of(const std::string& name) { return "#" + std::to_string(code(name)); }
 
 std::string XInput::new_key(const std::string& name) {

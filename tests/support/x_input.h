@@ -31,6 +31,8 @@ class XInput {
     void key(const std::string& name);
     // Sends a window the press of a key by its number, which no key need have.
     void send_key(unsigned long window, unsigned number);
+    // Tells a window that it has this size, which it does not.
+    void send_size(unsigned long window, int width, int height);
     // A name for the key that has this name now, valid in any other layout.
     std::string place_of(const std::string& name);
     // Puts a key of this name where the keyboard has none yet, and returns its place.
