@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -18,15 +19,38 @@ namespace files {
 
 namespace {
 
-const size_t largest_list = 1 << 20;
+const size_t largest_list = 1 << 20, largest_known_list = 1 << 14, most_lists = 16;
 
 // Where a bundle keeps its information: GNUstep's wrappers, then the Mac's.
 const char* const information_files[] = {"/Resources/Info-gnustep.plist", "/Contents/Info.plist"};
 
+// The lists that were read last: menus ask for the same few bundles each time.
+class KnownLists {
+  public:
+    // Nil when the file holds no list.
+    NSDictionary* list_in(const std::string& content) {
+        const auto known = lists_.find(content);
+        if (known != lists_.end()) return [[known->second retain] autorelease];
+        NSData* data = [NSData dataWithBytes:content.data() length:content.size()];
+        NSDictionary* list = read_dictionary(data);
+        if (content.size() > largest_known_list) return list;
+        if (lists_.size() == most_lists) forget();
+        return lists_[content] = [list retain];
+    }
+
+  private:
+    void forget() {
+        for (const auto& [content, list] : lists_) [list release];
+        lists_.clear();
+    }
+    std::map<std::string, NSDictionary*> lists_;  // by the content of their files
+};
+
 NSDictionary* information_in(const std::string& path) {
+    static KnownLists& lists = *new KnownLists;
     std::string content;
     if (!read_small_file(path.c_str(), largest_list, &content)) return nil;
-    return read_dictionary([NSData dataWithBytes:content.data() length:content.size()]);
+    return lists.list_in(content);
 }
 
 NSString* name_in(NSDictionary* information) {

@@ -33,15 +33,14 @@ std::string executable_of(pid_t process) {
 std::string strings_of(pid_t process, const char* name) {
     const int file = open(process_file(process, name).c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) return {};
-    std::string strings(64 << 10, '\0');
+    static char strings[64 << 10];
     size_t length = 0;
     ssize_t count;
-    while ((count = read(file, &strings[length], strings.size() - length)) > 0) {
+    while ((count = read(file, strings + length, sizeof strings - length)) > 0) {
         length += static_cast<size_t>(count);
     }
     close(file);
-    strings.resize(length);
-    return strings;
+    return {strings, length};
 }
 
 std::string variable_in(const std::string& environment, const std::string& name) {
@@ -73,12 +72,19 @@ struct Traces {
     const DesktopWindow& window;
     std::string executable;
     std::string program;  // the executable's name; of a script, the script's
-    std::string environment;
+    // Entries from its environment. The desktop notes which application it has started, for the
+    // process itself and not for its children; these inherit the hint.
+    std::string launched, hint;
 };
 
 Traces traces_of(const DesktopWindow& window, const std::string& executable) {
-    Traces traces = {window, executable, base_name(executable), {}};
-    traces.environment = strings_of(window.process, "environ");
+    Traces traces = {window, executable, base_name(executable), {}, {}};
+    const std::string environment = strings_of(window.process, "environ");
+    traces.hint = variable_in(environment, "BAMF_DESKTOP_FILE_HINT");
+    if (variable_in(environment, "GIO_LAUNCHED_DESKTOP_FILE_PID") ==
+        std::to_string(window.process)) {
+        traces.launched = variable_in(environment, "GIO_LAUNCHED_DESKTOP_FILE");
+    }
     const std::string words = strings_of(window.process, "cmdline");
     const bool is_script = files::runs_many_applications(traces.program);
     const size_t second = words.find('\0');
@@ -97,13 +103,12 @@ bool by_window_class(const InstalledApplication& application, const Traces& trac
     return names_window(application.window_class, traces.window);
 }
 
-// The desktop notes which application it has started, for the process itself and not for its
-// children.
+bool names_entry(const std::string& entry, const InstalledApplication& application) {
+    return !entry.empty() && (entry == application.path || id_of(entry) == application.id);
+}
+
 bool by_launcher(const InstalledApplication& application, const Traces& traces) {
-    const std::string process = variable_in(traces.environment, "GIO_LAUNCHED_DESKTOP_FILE_PID");
-    if (process != std::to_string(traces.window.process)) return false;
-    const std::string entry = variable_in(traces.environment, "GIO_LAUNCHED_DESKTOP_FILE");
-    return entry == application.path || id_of(entry) == application.id;
+    return names_entry(traces.launched, application);
 }
 
 bool by_id(const InstalledApplication& application, const Traces& traces) {
@@ -117,8 +122,7 @@ bool by_program(const InstalledApplication& application, const Traces& traces) {
 }
 
 bool by_hint(const InstalledApplication& application, const Traces& traces) {
-    const std::string hint = variable_in(traces.environment, "BAMF_DESKTOP_FILE_HINT");
-    return !hint.empty() && (hint == application.path || id_of(hint) == application.id);
+    return names_entry(traces.hint, application);
 }
 
 using Match = bool (*)(const InstalledApplication&, const Traces&);

@@ -9,6 +9,7 @@
 #include <condition_variable>
 #include <iterator>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "x11/server_connection.h"
@@ -34,12 +35,10 @@ struct Place {
 
 class ShownCursor {
   public:
-    ShownCursor() : keeper_(&ShownCursor::keep, this) { keeper_.detach(); }
-
     bool show(ThemeCursor cursor) {
         const std::lock_guard<std::mutex> lock(mutex_);
         Place place;
-        if (!connect() || !find_place(&place)) return false;
+        if (!is_kept() || !connect() || !find_place(&place)) return false;
         if (!loaded_[cursor]) loaded_[cursor] = load(cursor);
         if (shown_ && (place != place_ || cursor != cursor_)) undo();
         if (!shown_) define(place.window, loaded_[cursor]);
@@ -52,6 +51,16 @@ class ShownCursor {
     }
 
   private:
+    // False where no thread is to be had that takes the cursor away again.
+    bool is_kept() {
+        try {
+            if (!has_keeper_) std::thread(&ShownCursor::keep, this).detach();
+            has_keeper_ = true;
+        } catch (const std::system_error&) {
+        }
+        return has_keeper_;
+    }
+
     bool connect() {
         if (server_ && !xcb_connection_has_error(server_)) return true;
         if (server_) xcb_disconnect(server_);
@@ -124,7 +133,7 @@ class ShownCursor {
     Place place_ = {};
     ThemeCursor cursor_ = 0;
     Moment shown_at_;
-    std::thread keeper_;
+    bool has_keeper_ = false;
 };
 
 }  // namespace
