@@ -9,6 +9,7 @@
 struct OpenProblem {
     std::string file, program;  // a path and a name; empty when unknown
     std::string reason;         // a clause, such as "it is no longer there"
+    bool is_of_memory = false;  // whatever was picked may have been done in part, or not at all
 };
 
 // From now on `listener` gets each problem at once. There is only one listener.

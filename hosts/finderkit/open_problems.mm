@@ -1,9 +1,11 @@
 #include "finderkit/open_problems.h"
 
+#include <errno.h>
 #include <glib.h>
 #include <host/text.h>
 
 #include <AppKit/AppKit.h>
+#include <host/memory_reserve.h>
 #include <host/opening_files.h>
 
 #include <host/process.h>
@@ -13,7 +15,7 @@
 #include "finderkit/plug_in_items.h"
 #include "operations_ui/caution_alert.h"
 
-// Notices a pick that had no effect without any attempt to open.
+// Notices a pick that had no effect without any attempt to open, and one for which memory was short.
 @interface PickWatch : NSObject {
   @private
     BOOL _isNameless;
@@ -44,6 +46,7 @@ std::string subject_of(const OpenProblem& problem) {
 }
 
 std::string title_of(const OpenProblem& problem) {
+    if (problem.is_of_memory) return translated("Not everything could be done.");
     const std::string subject = subject_of(problem);
     if (problem.program.empty()) return translated("%s cannot be opened.", {subject});
     return translated("%s cannot be opened with %s.", {subject, window_name(problem.program)});
@@ -110,6 +113,8 @@ void show_alert(const std::string& title, const std::string& text) {
     if (_isNameless && !did_something && listener()) {
         listener()({"", "", translated("its name is not UTF-8")});
     }
+    // The plug-in passes over what it has no memory for, and only says so to a terminal.
+    if (memory_was_short() && listener()) listener()({"", "", error_text(ENOMEM), true});
     _isNameless = NO;
 }
 
@@ -123,6 +128,7 @@ void listen_for_open_problems(std::function<void(const OpenProblem&)> wanted) {
 
 std::string problem_line(const OpenProblem& problem) {
     const std::string reason = visible_text(problem.reason);
+    if (problem.is_of_memory) return translated("not everything could be done: %s", {reason});
     const std::string file =
         problem.file.empty() ? translated("the file") : in_quotes(problem.file);
     if (problem.program.empty()) return translated("cannot open %s: %s", {file, reason});

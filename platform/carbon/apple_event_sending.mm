@@ -1,4 +1,5 @@
 #include <Carbon/AppleEvents.h>
+#include <host/memory_reserve.h>
 #include <host/process.h>
 
 #import <Foundation/Foundation.h>
@@ -45,6 +46,7 @@ static void call_courier() {
 @implementation AppleEventCourier
 
 + (void)deliverNext {
+    keep_memory_reserve();
     Value event = std::move(waiting().front());
     waiting().pop_front();
     // This comes before the handler, because the handler may run the loop itself.

@@ -1,4 +1,5 @@
 #include <Carbon/MacMemory.h>
+#include <host/memory_reserve.h>
 
 #include <stdlib.h>
 
@@ -16,10 +17,10 @@ Block* block_of(Handle handle) { return reinterpret_cast<Block*>(handle); }
 
 Handle NewHandleClear(Size size) {
     if (size < 0) return nullptr;
-    auto* block = static_cast<Block*>(malloc(sizeof(Block)));
+    auto* block = static_cast<Block*>(zeroed_memory(1, sizeof(Block)));
     if (!block) return nullptr;
     // A block without bytes has an address too.
-    *block = {static_cast<Ptr>(calloc(1, size ? static_cast<size_t>(size) : 1)), size};
+    *block = {static_cast<Ptr>(zeroed_memory(1, size ? static_cast<size_t>(size) : 1)), size};
     if (block->data) return &block->data;
     free(block);
     return nullptr;

@@ -20,6 +20,7 @@ id<MenuTracker> chosen_tracker;
 void run_popup(NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
     if (!menu) return;
     keep_memory_reserve();
+    memory_was_short();  // before this menu
     MenuSession* session = [[[MenuSession alloc] initWithMenu:menu] autorelease];
     id<MenuTracker> tracker = chosen_tracker ?: [MenuPresenter sharedPresenter];
     @try {
@@ -29,6 +30,7 @@ void run_popup(NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {
         give_memory_back_soon();
     }
     [session performPick];
+    keep_memory_reserve();
 }
 
 void class_popup_with_font(id, SEL, NSMenu* menu, NSEvent* event, NSView* view, NSFont* font) {

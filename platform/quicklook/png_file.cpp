@@ -115,9 +115,10 @@ std::optional<PngHead> png_head(const std::string& file) {
 
 Picture decode_png(const std::string& file) {
     const std::string pixels = only_pixels(file);
+    if (pixels.empty()) return {};  // a loader that is not closed leaves its memory behind
     const files::ObjectOwner<GdkPixbufLoader> loader(
         gdk_pixbuf_loader_new_with_type("png", nullptr));
-    if (!loader || pixels.empty()) return {};
+    if (!loader) return {};
     const bool read = gdk_pixbuf_loader_write(
         loader.get(), reinterpret_cast<const guint8*>(pixels.data()), pixels.size(), nullptr);
     const bool closed = gdk_pixbuf_loader_close(loader.get(), nullptr);

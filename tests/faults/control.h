@@ -34,6 +34,7 @@ struct Control {
     std::atomic<int> family;  // whose calls fail; `families` for none
     std::atomic<int> only;    // the process whose calls count; 0 for all, or `first_process`
     std::atomic<long> at;     // the number of the call that fails
+    std::atomic<long> times;  // how many fail from there on, one after the other
     std::atomic<long> calls[families];  // how many there were
     std::atomic<long> failed;           // how many were let fail
     std::atomic<int> first;             // the process that the test started

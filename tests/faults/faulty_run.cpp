@@ -117,6 +117,7 @@ void SharedControl::arm(Family family, long at) {
     control_->first = 0;
     memset(control_->files_at_end, 0, sizeof control_->files_at_end);
     control_->at = at;
+    control_->times = 1;
     control_->family = family;
 }
 

@@ -109,6 +109,7 @@ struct FaultsInHost : test::ResidentScene {
 
     void arm(Family family, long number) {
         control.arm(family, number);
+        control->times = times;
         control->only = failing == Failing::host ? host_ : first_process;
     }
 
@@ -165,7 +166,7 @@ struct FaultsInHost : test::ResidentScene {
         long calls[families];
         std::copy(std::begin(control->calls), std::end(control->calls), calls);
         std::array<int, families> tried = {};
-        for (const Family family : families_to_try()) {
+        for (const Family family : tried_families) {
             tried[family] = fail_in_turn(calls[family], sample, [&](long number) {
                 return (is_full_run() || !HasFailure()) && try_one(family, number, action, check);
             });
@@ -188,7 +189,12 @@ struct FaultsInHost : test::ResidentScene {
         EXPECT_TRUE(there == "text" || !fs::exists(path)) << there;
     }
 
-    static constexpr int sample = 1;
+    // Undoes the last operation, by the item of that name.
+    Seen undo() { return show({top}, {"u", "n", "d", "o", "Return"}); }
+
+    std::vector<Family> tried_families = families_to_try();
+    int sample = 1;
+    long times = 1;
     test::WindowManager manager;
     test::ManagedWindows windows;
     SharedControl control;
@@ -205,6 +211,47 @@ TEST_F(FaultsInHost, AMenuOfTheHostIsThereOrAMessage) {
 TEST_F(FaultsInHost, ACopyOfTheHostIsMadeOrRefused) {
     fail_each(
         "copies of the host", [&] { return copy(); }, [&](const Seen&) { check_copy(); });
+}
+
+TEST_F(FaultsInHost, ACopyIsMadeThoughACallGetsNoMemory) {
+    tried_families = {memory, objects};
+    sample = 4;
+    fail_each(
+        "copies with a reserve of memory", [&] { return copy(); },
+        [&](const Seen&) { EXPECT_EQ(test::read_file(folder.path("to/a.txt")), "text"); });
+}
+
+// Far more calls fail than there are blocks in the reserve.
+TEST_F(FaultsInHost, ACopyForWhichMemoryIsShortIsMadeOrToldOf) {
+    tried_families = {memory};
+    sample = 6;
+    times = 10000;
+    fail_each(
+        "copies without memory", [&] { return copy(); },
+        [&](const Seen& seen) {
+            check_copy();
+            const bool is_made = fs::exists(folder.path("to/a.txt"));
+            EXPECT_TRUE(is_made || seen.outcome.err + seen.panels != "");
+        });
+}
+
+TEST_F(FaultsInHost, AnUndoWithoutAThreadIsMadeOrRefused) {
+    const std::string made = folder.path("to/a.txt");
+    bool was_reached = true;
+    int refused = 0;
+    for (long number = 1; was_reached && number < 20; number++) {
+        control.arm(families, 0);
+        copy();
+        ASSERT_EQ(test::read_file(made), "text");
+        meet(show_without_faults({top}, {"Escape"}));
+        arm(threads, number);
+        const Seen seen = undo();
+        was_reached = control->failed > 0;
+        EXPECT_TRUE(!fs::exists(made) || seen.outcome.err + seen.panels != "") << number;
+        refused += fs::exists(made);
+        EXPECT_EQ(only_host(), host_) << "the host has ended:\n" << log();
+    }
+    EXPECT_EQ(refused, 1);  // by the undo's own thread
 }
 
 TEST_F(FaultsInHost, AMenuOfTheClientIsThereOrAMessage) {

@@ -128,7 +128,8 @@ void decode(const DecoderCall& call) {
     Sheet sheet(call);
     const double size = sheet.text_size() * 1.1, height = std::round(size * 1.75);
     const double end = sheet.height() - sheet.margin();
-    const auto most = static_cast<size_t>((end - sheet.margin()) / height);
+    // A flat sheet has no room between its margins.
+    const auto most = static_cast<size_t>(std::max(0.0, (end - sheet.margin()) / height));
     double y = sheet.margin();
     bool has_more = !contents.is_whole;
     for (const Row& row : listed(contents.root, most)) {

@@ -139,7 +139,7 @@ double draw_title(Sheet& sheet, FT_Face face, const std::string& file) {
 }
 
 void decode(const DecoderCall& call) {
-    static const std::string bytes = read_start(largest_font);
+    const std::string bytes = read_start(largest_font);
     FT_Face face = bytes.size() < largest_font ? open_font(bytes) : nullptr;
     if (!face) return write_unsupported("");
     const std::vector<Line> lines = lines_of(face);

@@ -20,6 +20,20 @@ const Mark marks[] = {{std::string("\xff\xfe\0\0", 4), "UTF-32LE"},
                       {"\xff\xfe", "UTF-16LE"},
                       {"\xfe\xff", "UTF-16BE"}};
 
+const char sign_for_none[] = "\xef\xbf\xbd";
+
+// The converter passes codes on that no character has.
+void append_valid(std::string* text, const char* part, size_t size) {
+    const char* const end = part + size;
+    while (part < end) {
+        const char* after = nullptr;
+        g_utf8_validate(part, end - part, &after);
+        text->append(part, after);
+        if (after < end) *text += *after ? sign_for_none : std::string(1, '\0');
+        part = after + 1;
+    }
+}
+
 // Empty when there is no such encoding. What is no character of it becomes a sign.
 std::string converted(const std::string& bytes, const char* encoding) {
     gsize size = 0;
@@ -33,7 +47,7 @@ std::string converted(const std::string& bytes, const char* encoding) {
         const files::TextOwner part(
             g_convert_with_iconv(from, end - from, converter, &read, &size, nullptr));
         if (part) {
-            text.append(part.get(), size);
+            append_valid(&text, part.get(), size);
             from += read;
             if (from < end) break;  // the rest is the beginning of a character
             continue;
@@ -41,8 +55,8 @@ std::string converted(const std::string& bytes, const char* encoding) {
         // GLib tells how far the bytes are well.
         const files::TextOwner well(g_convert_with_iconv(from, static_cast<gssize>(read), converter,
                                                          nullptr, &size, nullptr));
-        if (well) text.append(well.get(), size);
-        text += "\xef\xbf\xbd";
+        if (well) append_valid(&text, well.get(), size);
+        text += sign_for_none;
         from += read + 1;
     }
     g_iconv_close(converter);
