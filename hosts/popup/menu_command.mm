@@ -1,6 +1,8 @@
 #include "popup/menu_command.h"
 
+#include <errno.h>
 #include <host/text.h>
+#include <host/memory_reserve.h>
 #include <host/menu_tracking.h>
 #include <host/modifier_keys.h>
 
@@ -190,6 +192,8 @@ int run_prepared(const MenuRequest& request, Stage* stage) {
     const int operations_status = finish_file_operations();
     flush_bus();
     if (signal_caught()) return 128 + signal_caught();
+    // A menu that nothing was picked from may lack files, or not have come at all.
+    if (memory_was_short()) open_problems().push_back({"", "", error_text(ENOMEM), true});
     tell_open_problems(request.form);
     if (status != exit_done) return status;
     if (![host problem].empty()) return failed([host problem]);

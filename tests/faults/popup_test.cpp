@@ -63,6 +63,7 @@ struct FaultsInPopups : testing::Test {
         std::copy(std::begin(control->calls), std::end(control->calls), calls);
         const auto try_one = [&](Family family, long number) {
             control.arm(family, number);
+            control->times = times;
             const Ended ended = action();
             if (control->failed == 0) return false;
             SCOPED_TRACE(std::string(what) + ", " + family_names[family] + " " +
@@ -74,7 +75,7 @@ struct FaultsInPopups : testing::Test {
             return true;
         };
         std::array<int, families> tried = {};
-        for (const Family family : families_to_try()) {
+        for (const Family family : tried_families) {
             tried[family] = fail_in_turn(calls[family], sample, [&](long number) {
                 return (is_full_run() || !HasFailure()) && try_one(family, number);
             });
@@ -82,7 +83,28 @@ struct FaultsInPopups : testing::Test {
         tell_tried(what, tried);
     }
 
-    static constexpr int sample = 1;
+    // Picks a copy, which is made, or refused with a message.
+    void copy_with_faults() {
+        const std::string copy = folder.path("to/a.txt");
+        fail_each(
+            "picks",
+            [&] {
+                fs::remove_all(copy);
+                return run({"menu", "--pick", "to", "--pick", "Copy selection here",
+                            folder.path("to"), folder.path("top/a.txt")});
+            },
+            [&](const Ended& ended) {
+                EXPECT_EQ(test::read_file(folder.path("top/a.txt")), "new a");
+                // A refused copy has left nothing, not even a part.
+                const std::string there = test::read_file(copy);
+                EXPECT_TRUE(there == "new a" || !fs::exists(copy)) << there;
+                EXPECT_TRUE(there == "new a" || ended.out + ended.err != "");
+            });
+    }
+
+    std::vector<Family> tried_families = families_to_try();
+    int sample = 1;
+    long times = 1;
     test::TempFolder folder;
     SharedControl control;
     std::string files_at_end;
@@ -99,22 +121,14 @@ TEST_F(FaultsInPopups, WriteAMenuOrAMessage) {
         });
 }
 
-TEST_F(FaultsInPopups, PickACopyOrRefuseIt) {
-    const std::string copy = folder.path("to/a.txt");
-    fail_each(
-        "picks",
-        [&] {
-            fs::remove_all(copy);
-            return run({"menu", "--pick", "to", "--pick", "Copy selection here", folder.path("to"),
-                        folder.path("top/a.txt")});
-        },
-        [&](const Ended& ended) {
-            EXPECT_EQ(test::read_file(folder.path("top/a.txt")), "new a");
-            // A refused copy has left nothing, not even a part.
-            const std::string there = test::read_file(copy);
-            EXPECT_TRUE(there == "new a" || !fs::exists(copy)) << there;
-            EXPECT_TRUE(there == "new a" || ended.out + ended.err != "");
-        });
+TEST_F(FaultsInPopups, PickACopyOrRefuseIt) { copy_with_faults(); }
+
+// Far more calls fail than there are blocks in the reserve.
+TEST_F(FaultsInPopups, PickACopyOrSayThatMemoryIsShort) {
+    tried_families = {memory};
+    sample = 12;
+    times = 100000;
+    copy_with_faults();
 }
 
 struct FaultsInShownMenus : FaultsInPopups {
