@@ -15,7 +15,8 @@
 #include "finderkit/plug_in_items.h"
 #include "operations_ui/caution_alert.h"
 
-// Notices a pick that had no effect without any attempt to open, and one for which memory was short.
+// Notices a pick that had no effect without any attempt to open, and one for which memory was
+// short.
 @interface PickWatch : NSObject {
   @private
     BOOL _isNameless;

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Fails on calls that must not stand in product code: unsafe_calls_test.py REPOSITORY"""
+"""Fails on calls that must not stand in product code, and on handlers of C++ exceptions in
+Objective-C++, which never run: unsafe_calls_test.py REPOSITORY"""
 import pathlib
 import re
 import sys
@@ -79,6 +80,13 @@ def calls(text):
         yield code.count("\n", 0, found.start(1)) + 1, found.group(1)
 
 
+def handlers(text):
+    """The lines of C++ handlers. With GNU's Objective-C run time a function in Objective-C++ catches
+    no exception of C++: the process ends."""
+    code = without_comments_and_texts(text)
+    return [code.count("\n", 0, found.start()) + 1 for found in re.finditer(r"(?<!@)\bcatch\s*\(", code)]
+
+
 def in_repository(root):
     for folder in FOLDERS:
         for file in sorted((root / folder).rglob("*")):
@@ -109,6 +117,9 @@ class Reader(unittest.TestCase):
         self.assertEqual(self.names('// system(x)\n/* popen(x) */ f("gets(x)"); a.access(b); a->random(); '
                                     "T::system(x); file_system(x); snprintf(a, b); system_of(x); '('; "), [])
 
+    def test_a_handler_is_one_of_cpp(self):
+        self.assertEqual(handlers("@try {\n} @catch (id) {\n}\ntry {\n} catch (const E&) {\n} // catch ()"), [5])
+
     def test_a_call_behind_a_text_is_found(self):
         self.assertEqual(self.names("f('\"'); system(x); g('\"');"), ["system"])
 
@@ -124,6 +135,12 @@ class Repository(unittest.TestCase):
         reasons = {name: reason for reason, group in BANNED.items() for name in group.split()}
         wrong = [f"{file}:{line}: {name} {reasons[name]}" for file, line, name in self.found
                  if (file, name) not in ALLOWED]
+        self.assertEqual(wrong, [])
+
+    def test_no_handler_of_cpp_stands_in_objective_cpp(self):
+        root = pathlib.Path(REPOSITORY)
+        wrong = [f"{file.relative_to(root)}:{line}" for folder in FOLDERS
+                 for file in sorted((root / folder).rglob("*.mm")) for line in handlers(file.read_text())]
         self.assertEqual(wrong, [])
 
     def test_every_allowed_place_is_still_in_use(self):

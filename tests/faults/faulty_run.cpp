@@ -185,6 +185,14 @@ std::vector<Family> families_to_try() {
     return chosen;
 }
 
+std::vector<Family> families_to_try(std::initializer_list<Family> only) {
+    std::vector<Family> chosen = families_to_try();
+    std::erase_if(chosen, [&](Family family) {
+        return std::find(only.begin(), only.end(), family) == only.end();
+    });
+    return chosen;
+}
+
 int fail_in_turn(long calls, int sample, const std::function<bool(long)>& try_one) {
     const bool is_full = is_full_run();
     const long step = is_full ? 1 : std::max(1L, (calls + sample - 1) / sample);

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -51,6 +52,8 @@ Ended run_with_faults(const SharedControl& control, const Words& words, const Va
 
 // The families of this run: those that the environment names in DELVIO_FAULTS, or all of them.
 std::vector<Family> families_to_try();
+// Those of them that are among `only`.
+std::vector<Family> families_to_try(std::initializer_list<Family> only);
 // Whether each call of a family is let fail, because DELVIO_FAULTS is set, and not only some.
 bool is_full_run();
 

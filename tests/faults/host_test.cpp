@@ -212,7 +212,7 @@ TEST_F(FaultsInHost, ACopyOfTheHostIsMadeOrRefused) {
 }
 
 TEST_F(FaultsInHost, ACopyIsMadeThoughACallGetsNoMemory) {
-    tried_families = {memory, objects};
+    tried_families = families_to_try({memory, objects});
     sample = 4;
     fail_each(
         "copies with a reserve of memory", [&] { return copy(); },

@@ -125,7 +125,7 @@ TEST_F(FaultsInPopups, PickACopyOrRefuseIt) { copy_with_faults(); }
 
 // Far more calls fail than there are blocks in the reserve.
 TEST_F(FaultsInPopups, PickACopyOrSayThatMemoryIsShort) {
-    tried_families = {memory};
+    tried_families = families_to_try({memory});
     sample = 12;
     times = 100000;
     copy_with_faults();

@@ -1,5 +1,5 @@
-// An archive's list, as the decoder of archives draws it. The input is an archive, or a list of names
-// that one is made of.
+// An archive's list, as the decoder of archives draws it. The input is an archive, or a list of
+// names that one is made of.
 #define main archive_decoder
 #include "quicklook/decoder/archive_decoder.cpp"
 #undef main

@@ -1,5 +1,5 @@
-// A picture in the desktop's cache, which any program may have put there: the host decodes it in its
-// own process.
+// A picture in the desktop's cache, which any program may have put there: the host decodes it in
+// its own process.
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include "input.h"

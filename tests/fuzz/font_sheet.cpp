@@ -9,8 +9,8 @@
 
 namespace {
 
-// The decoder leaves its font to the end of the process. Here the font goes with cairo's last use of
-// it, which is later than the decoder's return.
+// The decoder leaves its font to the end of the process. Here the font goes with cairo's last use
+// of it, which is later than the decoder's return.
 struct Font {
     std::string bytes;
     FT_Face face = nullptr;
@@ -50,9 +50,9 @@ cairo_font_face_t* __real_cairo_ft_font_face_create_for_ft_face(FT_Face, int);
 cairo_font_face_t* __wrap_cairo_ft_font_face_create_for_ft_face(FT_Face face, int flags) {
     static const cairo_user_data_key_t key = {};
     cairo_font_face_t* font = __real_cairo_ft_font_face_create_for_ft_face(face, flags);
-    fuzz::require(cairo_font_face_set_user_data(font, &key, opened, close_font) ==
-                      CAIRO_STATUS_SUCCESS,
-                  "cairo has the font");
+    fuzz::require(
+        cairo_font_face_set_user_data(font, &key, opened, close_font) == CAIRO_STATUS_SUCCESS,
+        "cairo has the font");
     return opened->drawn = font;
 }
 }

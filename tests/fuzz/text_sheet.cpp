@@ -29,7 +29,8 @@ void expect_lines(const std::string& text) {
         const size_t begin = at;
         const std::string line = next_line(text, &at);
         require(at > begin, "each line goes on");
-        require(line.size() <= longest_line && text.compare(begin, line.size(), line) == 0, "a line");
+        require(line.size() <= longest_line && text.compare(begin, line.size(), line) == 0,
+                "a line");
         require(g_utf8_validate(line.data(), static_cast<gssize>(line.size()), nullptr), "whole");
     }
 }
