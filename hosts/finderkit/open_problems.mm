@@ -62,11 +62,15 @@ std::string sentence(const std::string& clause) {
     return translated("%s.", {std::string(first, static_cast<size_t>(length)) + rest});
 }
 
+std::string line_of(const OpenProblem& problem) {
+    const std::string reason = visible_text(problem.reason);
+    return problem.is_of_memory ? sentence(reason) : subject_of(problem) + ": " + reason;
+}
+
 std::string lines_of(const std::vector<OpenProblem>& problems) {
     std::string lines;
     for (size_t i = 0; i < problems.size() && i < most_lines; i++) {
-        lines += (lines.empty() ? "" : "\n") + subject_of(problems[i]) + ": " +
-                 visible_text(problems[i].reason);
+        lines += (lines.empty() ? "" : "\n") + line_of(problems[i]);
     }
     if (problems.size() > most_lines) {
         const size_t more = problems.size() - most_lines;

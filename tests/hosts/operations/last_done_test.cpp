@@ -149,6 +149,18 @@ TEST_F(LastDoneTest, CountsWhatIsStillDoneOfItsKind) {
     expect_done(Kind::Trash, "x", 2);
 }
 
+TEST_F(LastDoneTest, IsNothingWhereEachStepIsUndone) {
+    EXPECT_FALSE(operations::done_by({}));
+    std::filesystem::create_directories(state);
+    std::ofstream(operations::undo_journal_path(state))
+        << operations::begun_entry("7") + operations::moving_entry("/from/a", "/to/a", 1) +
+               operations::undone_entry(0);
+    EXPECT_FALSE(last_done(state));
+    test::Notes notes;
+    EXPECT_EQ(operations::undo_operation("8", notes, state).outcomes.front().reason,
+              "there is nothing to undo");
+}
+
 TEST_F(LastDoneTest, CountsNoFilesInAVeryLongRecord) {
     std::filesystem::create_directories(state);
     std::ofstream journal(operations::undo_journal_path(state));

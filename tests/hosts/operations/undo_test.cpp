@@ -111,6 +111,27 @@ TEST_F(UndoTest, AnOperationIsUndoneByItsNameOnlyWhileItIsTheLastOne) {
     EXPECT_EQ(world(), before);
 }
 
+TEST_F(UndoTest, WhatCameAfterAnOperationIsNamed) {
+    const std::string a = folder_.file("a", "a");
+    const std::string first = perform(Kind::Copy, {a}, folder_.path("to")).operation;
+    const struct {
+        Kind kind;
+        const char* done;
+    } rows[] = {{Kind::Move, "moving \"b\""},
+                {Kind::Copy, "copying \"b\""},
+                {Kind::Alias, "making an alias of \"b\""},
+                {Kind::Trash, "trashing \"b\""}};
+    for (const auto& row : rows) {
+        const std::string b = folder_.file("b", "b");
+        const std::string second = perform(row.kind, {b}, folder_.folder("there")).operation;
+        const Report report = operations::undo_operation(first, notes_, folder_.path("state"));
+        EXPECT_EQ(report.outcomes.front().reason,
+                  std::string("another operation came after it (") + row.done +
+                      "), and only the last one can be undone");
+        EXPECT_EQ(undo(), Names());
+    }
+}
+
 TEST_F(UndoTest, AnOperationThatDidNothingHasNoName) {
     EXPECT_EQ(perform(Kind::Move, {folder_.path("missing")}, folder_.path("to")).operation, "");
 }
