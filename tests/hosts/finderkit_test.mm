@@ -1,15 +1,22 @@
 #include <gtest/gtest.h>
 
 #include <host/forced_preferences.h>
+#include <host/memory_reserve.h>
 #include <host/process.h>
+#include <AppKit/AppKit.h>
 #include <Carbon/Processes.h>
 #include <objc/runtime.h>
+#include <stdint.h>
 
 #include "finderkit/asked_settings.h"
 #include "finderkit/context_menu.h"
+#include "finderkit/open_problems.h"
 #include "finderkit/plug_in.h"
 #include "finderkit/settings_file.h"
 #include "support/temp_folder.h"
+
+// A sanitizer would end the program for want of memory, which is what is tried here.
+extern "C" const char* __asan_default_options() { return "allocator_may_return_null=1"; }
 
 namespace {
 
@@ -132,6 +139,27 @@ TEST_F(PlugIn, WhoseCodeIsBrokenIsRefusedWithTheReason) {
 TEST_F(PlugIn, IsEntered) {
     EXPECT_TRUE(load_plug_in(PROBE_BUNDLE, &problem)) << problem;
     EXPECT_STREQ(getenv("PROBE_PLUG_IN"), "entered");
+}
+
+TEST(Picks, ForWhichMemoryWasShortAreToldOf) {
+    std::vector<OpenProblem> problems;
+    listen_for_open_problems([&](const OpenProblem& problem) { problems.push_back(problem); });
+    NSMenuItem* item = [[[NSMenuItem alloc] initWithTitle:@"a" action:nullptr
+                                            keyEquivalent:@""] autorelease];
+    const auto pick = [&](size_t needed) {
+        NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
+        NSDictionary* info = [NSDictionary dictionaryWithObject:item forKey:@"MenuItem"];
+        [center postNotificationName:NSMenuWillSendActionNotification object:nil userInfo:info];
+        free(zeroed_memory(1, needed));
+        [center postNotificationName:NSMenuDidSendActionNotification object:nil userInfo:info];
+    };
+    pick(100);
+    EXPECT_EQ(problems.size(), 0u);
+    pick(SIZE_MAX / 2);
+    pick(100);
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problem_line(problems[0]), "not everything could be done: Cannot allocate memory");
+    listen_for_open_problems({});
 }
 
 TEST_F(PlugIn, LoadingMakesThisProcessAFinder) {

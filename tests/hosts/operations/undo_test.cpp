@@ -125,9 +125,9 @@ TEST_F(UndoTest, WhatCameAfterAnOperationIsNamed) {
         const std::string b = folder_.file("b", "b");
         const std::string second = perform(row.kind, {b}, folder_.folder("there")).operation;
         const Report report = operations::undo_operation(first, notes_, folder_.path("state"));
-        EXPECT_EQ(report.outcomes.front().reason,
-                  std::string("another operation came after it (") + row.done +
-                      "), and only the last one can be undone");
+        EXPECT_EQ(report.outcomes.front().reason, std::string("another operation came after it (") +
+                                                      row.done +
+                                                      "), and only the last one can be undone");
         EXPECT_EQ(undo(), Names());
     }
 }
