@@ -54,7 +54,7 @@ TFENodeVector nodes_of(const std::vector<std::string>& files) {
     _files = new std::vector<std::string>(files);
     _problem = new std::string;
     _items = new std::vector<HostItem>;
-    _menu = [[TContextMenu alloc] initWithTitle:@""];
+    _menu = [[TContextMenu alloc] initWithTitle:@"Delvio"];
     [_menu setAutoenablesItems:NO];
     [(NSMenu*)_menu setDelegate:(id)self];
     return self;

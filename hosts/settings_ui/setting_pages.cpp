@@ -28,11 +28,11 @@ SettingPage page_of_managers() { return {translated("File managers"), {}, true};
 std::vector<SettingPage> setting_pages(double height) {
     std::map<SettingGroup, std::vector<const Setting*>> groups;
     for (const Setting& setting : settings_table()) {
+        if (setting.shown.group == SettingGroup::without_effect) continue;
         groups[setting.shown.group].push_back(&setting);
     }
     std::vector<SettingPage> pages;
     for (const auto& [group, settings] : groups) {
-        if (group == SettingGroup::without_effect) pages.push_back(page_of_managers());
         const std::string title = translated(title_of(group));
         pages.push_back({title, {}, false});
         double used = 0;
@@ -45,5 +45,6 @@ std::vector<SettingPage> setting_pages(double height) {
             pages.back().settings.push_back(setting);
         }
     }
+    pages.push_back(page_of_managers());
     return pages;
 }

@@ -1,5 +1,5 @@
-// The pages of the settings window: one for each group of settings that has any, and the one
-// of the file managers, which has none. Any thread.
+// The pages of the settings window: one for each group of settings that have an effect, and the one
+// of the file managers, which has no setting. Any thread.
 #pragma once
 
 #include <string>

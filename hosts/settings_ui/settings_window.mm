@@ -254,12 +254,13 @@ void SettingsWindow::reset_page() {
     show();
 }
 
-// The lower left corner of a widget on the screen.
+// The lower corner of a widget on the screen, on the side where lines begin: there a menu opens.
 NSPoint SettingsWindow::corner_of(int item) {
     const Widget* widget = [panel_ content].widget(item);
     const Area area = widget ? widget->area : Area{};
+    const int left = [panel_ content].look.mirrored ? area.right() : area.left;
     NSView* view = [panel_ contentView];
-    const NSPoint base = [view convertPoint:NSMakePoint(area.left, area.bottom()) toView:nil];
+    const NSPoint base = [view convertPoint:NSMakePoint(left, area.bottom()) toView:nil];
     return [panel_ convertBaseToScreen:base];
 }
 

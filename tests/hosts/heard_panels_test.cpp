@@ -1,5 +1,7 @@
 // The settings window and an alert as a screen reader hears them: with real keys, over a real bus
 // of assistive technology.
+#include <signal.h>
+
 #include <algorithm>
 
 #include "hosts/bus_service.h"
@@ -64,7 +66,7 @@ TEST_F(HeardPanel, EachControlOfTheSettingsWindowIsHeardWithItsRoleAndState) {
     RunningCommand command({"settings"}, alone);
     ASSERT_TRUE(reader.hears("opened Delvio Settings, dialog, 1 rows"));
     ASSERT_TRUE(reader.hears("opened , panel, "));
-    ASSERT_TRUE(reader.hears("at Menu, list item, 1 of 10, enabled focusable focused selected"));
+    ASSERT_TRUE(reader.hears("at Menu, list item, 1 of 9, enabled focusable focused selected"));
     ASSERT_TRUE(has_keyboard("Delvio Settings"));
     key("Tab",
         "at Show Delvio's items in menus, check box, -, checkable checked enabled focusable "
@@ -80,8 +82,8 @@ TEST_F(HeardPanel, EachControlOfTheSettingsWindowIsHeardWithItsRoleAndState) {
     EXPECT_TRUE(has(rows, "row Close, push button, -, enabled focusable"))
         << testing::PrintToString(rows);
     key("shift+Tab", "at Show Delvio's items in menus, check box, -, checkable enabled focusable");
-    key("shift+Tab", "at Menu, list item, 1 of 10, ");
-    key("Down", "at Folders shown, list item, 2 of 10, enabled focusable focused");
+    key("shift+Tab", "at Menu, list item, 1 of 9, ");
+    key("Down", "at Folders shown, list item, 2 of 9, enabled focusable focused");
     key("Tab", "at ");
     key("Tab",
         "at Sort a folder's items: By kind, with lines between, combo box, -, enabled expandable "
@@ -96,15 +98,22 @@ TEST_F(HeardPanel, EachControlOfTheSettingsWindowIsHeardWithItsRoleAndState) {
 struct GermanPointer : HeardPanel {
     GermanPointer() { output_of("setxkbmap de"); }
     ~GermanPointer() override { output_of("setxkbmap us"); }
-    // Clicks the control of this name, which stands still by then.
-    void click(const std::string& name) {
+    struct Place {
+        int x = 0, y = 0, width = 0, height = 0;
+    };
+    // Of the control of this name, which stands still by then.
+    Place place_of(const std::string& name) {
         test::settled(picture, 5);
         const Words answer = reader.command("where " + name);
-        int x = 0, y = 0, width = 0, height = 0;
-        ASSERT_FALSE(answer.empty()) << name;
-        ASSERT_EQ(sscanf(answer.back().c_str(), "where %d %d %d %d", &x, &y, &width, &height), 4)
-            << testing::PrintToString(answer);
-        input.move(x + width / 2, y + height / 2);
+        Place at;
+        const char* const line = answer.empty() ? "" : answer.back().c_str();
+        EXPECT_EQ(sscanf(line, "where %d %d %d %d", &at.x, &at.y, &at.width, &at.height), 4)
+            << name << ": " << testing::PrintToString(answer);
+        return at;
+    }
+    void click(const std::string& name) {
+        const Place at = place_of(name);
+        input.move(at.x + at.width / 2, at.y + at.height / 2);
         input.click(1);
     }
     static bool becomes(const std::string& key, const std::string& value) {
@@ -121,7 +130,7 @@ TEST_F(GermanPointer, SetsWhatItClicksAndTakesAPathOfUmlautsFromTheKeys) {
     click("Einträge von Delvio in Menüs zeigen");
     EXPECT_TRUE(becomes("delvio_is_on", "0"));
     click("Ihre Ordner");
-    ASSERT_TRUE(reader.hears("at Ihre Ordner, list item, 3 of 10"));
+    ASSERT_TRUE(reader.hears("at Ihre Ordner, list item, 3 of 9"));
     click("Der Pfad eines weiteren Ordners");
     ASSERT_TRUE(reader.hears("at Der Pfad eines weiteren Ordners, entry, "));
     output_of("xdotool type --delay 40 -- '" + over + "'");
@@ -132,10 +141,61 @@ TEST_F(GermanPointer, SetsWhatItClicksAndTakesAPathOfUmlautsFromTheKeys) {
     EXPECT_EQ(command.finish().status, 0);
 }
 
+TEST_F(GermanPointer, SelectsATextByADoubleClickAndAReaderCutsAndPastesIt) {
+    const std::string over = folder.folder("Über");
+    RunningCommand command({"settings"}, german);
+    const std::string path = "Der Pfad eines weiteren Ordners";
+    ASSERT_TRUE(reader.hears("opened Delvio-Einstellungen, dialog, 1 rows"));
+    ASSERT_TRUE(has_keyboard("Delvio-Einstellungen"));
+    click("Ihre Ordner");
+    ASSERT_TRUE(reader.hears("at Ihre Ordner, list item, "));
+    click(path);
+    ASSERT_TRUE(reader.hears("at " + path + ", entry, "));
+    output_of("xdotool type --delay 40 -- 'ab'");
+    ASSERT_TRUE(reader.hears("insert “b” at 1 in " + path));
+    input.click(1);
+    input.click(1);
+    ASSERT_TRUE(reader.hears("selected “ab” in " + path));
+    output_of("xdotool type --delay 40 -- '" + over + "'");
+    ASSERT_TRUE(reader.hears("delete “ab” at 0 in " + path)) << "what is selected is replaced";
+    ASSERT_TRUE(reader.hears("insert “r” at "));
+    const std::string name =
+        std::to_string(over.size() - 5) + "|" + std::to_string(over.size() - 1);
+    EXPECT_TRUE(has(reader.command("edit cutText|" + path + "|" + name), "did True"));
+    ASSERT_TRUE(reader.hears("delete “Über” at "));
+    const std::string end = std::to_string(over.size() - 5);
+    EXPECT_TRUE(has(reader.command("edit pasteText|" + path + "|" + end), "did True"));
+    click("Hinzufügen");
+    EXPECT_TRUE(becomes("folders", over));
+    click("Schließen");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
+// In a window that runs from right to left, too.
+TEST_F(GermanPointer, AMenuOfChoicesStandsBelowItsChoice) {
+    RunningCommand command({"settings"}, {{"DELVIO_RESIDENT", "0"}, {"LANGUAGE", "ar"}});
+    ASSERT_TRUE(reader.hears("opened إعدادات Delvio, dialog, 1 rows"));
+    ASSERT_TRUE(has_keyboard("إعدادات Delvio"));
+    click("عرض المجلدات");
+    ASSERT_TRUE(reader.hears("at عرض المجلدات, list item, "));
+    const std::string choice = "فرز عناصر المجلد: حسب النوع مع خطوط";
+    const Place above = place_of(choice);
+    click(choice);
+    ASSERT_TRUE(reader.hears("opened عرض المجلدات, menu, "));
+    const Place row = place_of("قائمة أبجدية واحدة");
+    EXPECT_GE(row.y, above.y + above.height);
+    EXPECT_LE(row.x + row.width, above.x + above.width);
+    EXPECT_GE(row.x, above.x);
+    output_of("xdotool key Escape");
+    ASSERT_TRUE(reader.hears("closed عرض المجلدات"));
+    command.send_signal(SIGTERM);
+    command.finish();
+}
+
 TEST_F(GermanPointer, PicksAnItemOfTheMenu) {
     const std::string file = folder.file("Straße.txt");
     RunningCommand command({"menu", "--at", "200,150", file}, german);
-    ASSERT_TRUE(reader.hears("at delvio, menu, "));
+    ASSERT_TRUE(reader.hears("at Delvio, menu, "));
     ASSERT_TRUE(wait_for([&] { return !input.pointer_is_free() && !input.keyboard_is_free(); }));
     click("Pfad kopieren");
     EXPECT_EQ(command.finish().status, 0);
@@ -146,8 +206,8 @@ TEST_F(GermanPointer, PicksAnItemOfTheMenu) {
 TEST_F(HeardPanel, AnAlertIsHeardWithItsTextAndItsDefaultButton) {
     const std::string file = folder.file("unknown.qqq", std::string("\0\1\2", 3));
     RunningCommand command({"menu", "--at", "200,150", file}, alone);
-    ASSERT_TRUE(reader.hears("opened delvio, menu, "));
-    ASSERT_TRUE(reader.hears("at delvio, menu, "));
+    ASSERT_TRUE(reader.hears("opened Delvio, menu, "));
+    ASSERT_TRUE(reader.hears("at Delvio, menu, "));
     ASSERT_TRUE(wait_for([&] { return !input.pointer_is_free() && !input.keyboard_is_free(); }));
     key("Down", "at unknown.qqq, menu item, 1 of ");
     output_of("xdotool key Return");

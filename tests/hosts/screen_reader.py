@@ -4,7 +4,7 @@
 # "active" says that assistive technology is in use, "idle" says that it is not, "watch" does not
 # touch its bus at all. All of them write who comes to the session bus and leaves it.
 # Commands: "rows" lists the rows of the deepest menu, "do ACTION|ROW" acts on one of them, "where
-# ROW" tells its place on the screen, and "connections PROCESS" how many connections to both buses a
+# ROW" tells its place on the screen, "edit METHOD|ROW|ARGUMENT..." edits a field, and "connections PROCESS" how many connections to both buses a
 # process has. When a command is done, it is written, too.
 import sys
 
@@ -52,6 +52,10 @@ def hear(event):
             tell("at " + describe(node))
         elif event.type == "object:state-changed:checked":
             tell(("checked " if event.detail1 else "unchecked ") + node.name)
+        elif event.type.startswith("object:text-selection-changed"):
+            text = node.queryText()
+            parts = [text.getText(*text.getSelection(each)) for each in range(text.getNSelections())]
+            tell(f"selected “{''.join(parts)}” in {node.name}")
         elif event.type.startswith("object:text-changed:"):
             change = event.type.split(":")[2]
             tell(f"{change} “{event.any_data}” at {event.detail1} in {node.name}")
@@ -103,6 +107,10 @@ def obey(channel, condition):
         actions = row.queryAction()
         names = [actions.getName(each) for each in range(actions.nActions)]
         tell("did" if actions.doAction(names.index(wanted)) else "did nothing")
+    elif command == "edit":
+        method, name, *arguments = rest.split("|")
+        field = next(each for each in deepest if each.name == name).queryEditableText()
+        tell(f"did {getattr(field, method)(*map(int, arguments))}")
     elif command == "where":
         area = next(each for each in deepest if each.name == rest).queryComponent().getExtents(0)
         tell(f"where {area.x} {area.y} {area.width} {area.height}")
@@ -131,6 +139,7 @@ else:
                                          GLib.Variant("b", mode == "active"))),
                   None, Gio.DBusCallFlags.NONE, -1, None)
     import pyatspi
-    pyatspi.Registry.registerEventListener(hear, "object:state-changed", "object:text-changed")
+    pyatspi.Registry.registerEventListener(hear, "object:state-changed", "object:text-changed",
+                                            "object:text-selection-changed")
     tell("ready")
     pyatspi.Registry.start(gil=False)

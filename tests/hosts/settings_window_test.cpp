@@ -137,6 +137,22 @@ TEST_F(SettingsWindow, AddsMovesAndRemovesFoldersWithTheKeys) {
     EXPECT_EQ(command.finish().status, 0);
 }
 
+TEST_F(SettingsWindow, SelectsCopiesAndPastesInAFieldWithTheKeys) {
+    const std::string one = folder.folder("one");
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    ASSERT_TRUE(press({"Down", "Down", "Tab", "Tab"}));
+    type(one + "x");
+    ASSERT_TRUE(press({"shift+Left", "BackSpace", "ctrl+a"}));
+    output_of("xdotool key ctrl+c");
+    EXPECT_TRUE(
+        wait_for([&] { return output_of("timeout 10 xclip -o -selection clipboard") == one; }));
+    ASSERT_TRUE(press({"Delete", "ctrl+v", "Return"}));
+    EXPECT_TRUE(becomes("folders", one + "\n"));
+    output_of("xdotool key Escape");
+    EXPECT_EQ(command.finish().status, 0);
+}
+
 // Another window lies over the first one and has the keyboard when the user asks again.
 TEST_P(AnySettingsWindow, ComesToTheFrontWhenItIsAskedForAgain) {
     RunningCommand command({"settings"});

@@ -44,6 +44,8 @@
 namespace {
 
 const bool has_language = setenv("LANGUAGE", "de", 0) == 0;
+// A scale at which the question would be larger than the screen of the test.
+const bool has_scale = setenv("GDK_SCALE", "3", 1) == 0;
 
 bool overlap(const Area& one, const Area& other) {
     return one.left < other.right() && other.left < one.right() && one.top < other.bottom() &&
@@ -53,7 +55,7 @@ bool overlap(const Area& one, const Area& other) {
 class QuestionPanel : public testing::Test {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(has_language);
+        ASSERT_TRUE(has_language && has_scale);
         pool_ = [NSAutoreleasePool new];
         test::start_application();
         folder_.file("from/a.txt", "new");
@@ -88,6 +90,13 @@ TEST_F(QuestionPanel, HasNoWidgetOverAnotherAndAllInsideTheWindow) {
                 << widgets[i].text << ", " << widgets[j].text;
         }
     }
+}
+
+TEST_F(QuestionPanel, HasRoomOnTheScreen) {
+    const NSSize screen = [[NSScreen mainScreen] frame].size;
+    EXPECT_LT(look_->_size.width, screen.width);
+    EXPECT_LT(look_->_size.height, screen.height);
+    EXPECT_GT(look_->_size.width, screen.width * 0.9) << "and is as large as there is room";
 }
 
 TEST_F(QuestionPanel, HasTranslatedTitlesWithKeysOfTheirOwn) {

@@ -89,8 +89,8 @@ TEST_F(HeardMenu, EachLevelAndEachHighlightedRowIsHeardWithItsRoleStatesAndPlace
     ScreenReader reader(ScreenReader::active);
     RunningCommand command = show();
     ASSERT_TRUE(screen.wait_until_open());
-    ASSERT_TRUE(reader.hears("opened delvio, menu, "));
-    ASSERT_TRUE(reader.hears("at delvio, menu, -, enabled focusable focused vertical"));
+    ASSERT_TRUE(reader.hears("opened Delvio, menu, "));
+    ASSERT_TRUE(reader.hears("at Delvio, menu, -, enabled focusable focused vertical"));
     // The one to the bus of assistive technology stays.
     ASSERT_TRUE(
         test::wait_for([&] { return connections(reader, command.process()) == "connections 1"; }));
@@ -117,9 +117,9 @@ TEST_F(HeardMenu, TheResidentHostsMenusAreHeardOneAfterTheOther) {
     for (int i = 0; i < 2; i++) {
         RunningCommand command = show({});
         ASSERT_TRUE(screen.wait_until_open());
-        ASSERT_TRUE(reader.hears("opened delvio-host, menu, "));
+        ASSERT_TRUE(reader.hears("opened Delvio, menu, "));
         key(reader, "Down", {"at heard, menu item, 1 of "});
-        key(reader, "Escape", {"closed delvio-host"});
+        key(reader, "Escape", {"closed Delvio"});
         EXPECT_EQ(command.finish().status, 0);
         ASSERT_TRUE(screen.wait_until_closed());
     }
@@ -131,7 +131,7 @@ TEST_F(HeardMenu, AReaderOpensSubmenusFindsRowsAndPicksThem) {
     ScreenReader reader(ScreenReader::active);
     RunningCommand command = show();
     ASSERT_TRUE(screen.wait_until_open());
-    ASSERT_TRUE(reader.hears("opened delvio, menu, "));
+    ASSERT_TRUE(reader.hears("opened Delvio, menu, "));
     reader.command("do expand or contract|heard");
     ASSERT_TRUE(reader.hears("opened heard, menu, 3 rows"));
     ASSERT_TRUE(reader.hears("at heard, menu item, "));
