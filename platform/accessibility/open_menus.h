@@ -32,8 +32,9 @@ struct OpenRow {
     bool is_in_sight = false;  // not scrolled away
     bool is_default = false;   // Return hits it
     std::string written;       // of a field: its text
-    int caret = -1;            // the caret's byte there; -1 without the keyboard
-    double value = 0;          // of a bar, from 0 to 1; negative while unknown
+    // The caret's byte there, and the other end of what is selected; -1 without the keyboard.
+    int caret = -1, anchor = -1;
+    double value = 0;  // of a bar, from 0 to 1; negative while unknown
 
     bool operator==(const OpenRow&) const = default;
 };
@@ -82,6 +83,11 @@ class OpenMenus {
     virtual bool pick(size_t level, int row) = 0;
     virtual bool open_submenu(size_t level, int row) = 0;
     virtual bool close_submenu(size_t level, int row) = 0;
-    // Gives a field the keyboard, this text, and the caret behind so many bytes.
-    virtual bool write(size_t level, int row, const std::string& text, size_t caret) = 0;
+    // Gives a field the keyboard, this text, and the caret behind so many bytes. What is between
+    // caret and anchor is selected.
+    virtual bool write(size_t level, int row, const std::string& text, size_t caret,
+                       size_t anchor) = 0;
+    // The text that programs copy and paste.
+    virtual void copy(const std::string& text) = 0;
+    virtual std::string copied() = 0;
 };

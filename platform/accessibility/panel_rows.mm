@@ -81,11 +81,13 @@ constexpr double told_steps = 10;
 
 // A number that changes when a row shows something else that is worth telling. A text that follows
 // the work file by file is told with the bar's steps only.
-unsigned revision_of(const std::vector<const Widget*>& rows, OpenLevel::Kind kind, size_t caret) {
+unsigned revision_of(const std::vector<const Widget*>& rows, OpenLevel::Kind kind,
+                     WidgetPanel* panel) {
     size_t sum = 0;
     const auto add = [&sum](size_t part) { sum = sum * 31 + part; };
     const std::hash<std::string> hash;
-    add(caret);
+    add([panel caret]);
+    add([panel anchor]);
     for (const Widget* widget : rows) {
         const bool is_text = widget->kind == WidgetKind::text;
         if (!is_text || kind != OpenLevel::progress) add(hash(widget->text));
@@ -103,7 +105,7 @@ OpenLevel level_of(WidgetPanel* panel) {
     OpenLevel level;
     level.number = first_number + [panel number];
     level.kind = kind_of(panel);
-    level.revision = revision_of(rows, level.kind, [panel caret]);
+    level.revision = revision_of(rows, level.kind, panel);
     level.rows = static_cast<int>(rows.size());
     level.name = [[panel title] UTF8String] ?: "";
     const bool has_keys = level.kind != OpenLevel::progress || [panel isKeyWindow];
@@ -129,6 +131,7 @@ OpenRow row_of(WidgetPanel* panel, int row) {
         const bool has_caret = widget.item == [panel focusedItem];
         answer.written = widget.text;
         answer.caret = has_caret ? static_cast<int>([panel caret]) : -1;
+        answer.anchor = has_caret ? static_cast<int>([panel anchor]) : -1;
     }
     if (widget.kind == WidgetKind::bar) {
         answer.value = widget.value;

@@ -21,7 +21,10 @@ class ShownMenus : public OpenMenus {
     bool pick(size_t level, int row) override;
     bool open_submenu(size_t level, int row) override;
     bool close_submenu(size_t level, int row) override;
-    bool write(size_t level, int row, const std::string& text, size_t caret) override;
+    bool write(size_t level, int row, const std::string& text, size_t caret,
+               size_t anchor) override;
+    void copy(const std::string& text) override;
+    std::string copied() override;
 
   private:
     // The separators of the rows that were asked for last, because a reader asks for row after row.

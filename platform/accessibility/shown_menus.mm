@@ -6,6 +6,7 @@
 #include "appkit/row_tips.h"
 #include "menus/menu_items.h"
 #include "menus/menu_run.h"
+#include "panels/copied_text.h"
 #include "panels/shown_panel.h"
 
 namespace {
@@ -134,9 +135,18 @@ size_t ShownMenus::text_at(size_t level, int row, MenuPoint point) const {
     return panel ? ::text_at(panel, row, point) : 0;
 }
 
-bool ShownMenus::write(size_t level, int row, const std::string& text, size_t caret) {
+bool ShownMenus::write(size_t level, int row, const std::string& text, size_t caret,
+                       size_t anchor) {
     WidgetPanel* const panel = panel_at(level);
-    return panel && write_row(panel, row, {text, caret});
+    return panel && write_row(panel, row, {text, caret, anchor});
+}
+
+void ShownMenus::copy(const std::string& text) { copy_text(text); }
+
+std::string ShownMenus::copied() {
+    TextEdit plain;  // a field takes no control characters
+    plain.insert(copied_text());
+    return plain.text;
 }
 
 bool ShownMenus::highlight(size_t level, int row) {

@@ -8,14 +8,20 @@
 
 struct TextEdit {
     std::string text;
-    size_t caret = 0;  // in bytes, between characters
+    // Both in bytes, between characters. What stands between them is selected.
+    size_t caret = 0, anchor = 0;
 
-    // Puts the text in at the caret, without its control characters.
+    std::string selected() const;
+    void select_all();
+    void remove_selected();
+    // Puts the text, without its control characters, in at the caret or for what is selected.
     void insert(std::string_view added);
-    // Removes the character before the caret, or after it.
+    // Removes what is selected, or else the character before the caret, or after it.
     void remove_before();
     void remove_after();
-    // Moves the caret by one character.
-    void go_back();
-    void go_on();
+    // The anchor comes along, unless the caret `selects` what it passes.
+    void go_to(size_t place, bool selects = false);
+    // By one character, or to the end of what is selected.
+    void go_back(bool selects = false);
+    void go_on(bool selects = false);
 };

@@ -1,7 +1,10 @@
 #include "panels/widget_view.h"
 
+#include <ctype.h>
+
 #include <algorithm>
 
+#include "panels/copied_text.h"
 #include "panels/text_edit.h"
 
 namespace {
@@ -36,13 +39,28 @@ int focus_step(unichar key, NSEvent* event, bool mirrored) {
 
 bool is_tab(unichar key) { return key == NSTabCharacter || key == NSBackTabCharacter; }
 
-NSString* pasted_text() {
-    return [[NSPasteboard generalPasteboard] stringForType:NSStringPboardType];
+// Whether the key, pressed with Control, is one of those that select, cut, copy and paste.
+bool edit_with_control(TextEdit* edit, int key) {
+    switch (key) {
+        case 'a':
+            return edit->select_all(), true;
+        case 'c':
+        case 'x':
+            if (edit->caret == edit->anchor) return true;
+            copy_text(edit->selected());
+            if (key == 'x') edit->remove_selected();
+            return true;
+        case 'v':
+            return edit->insert(copied_text()), true;
+        default:
+            return false;
+    }
 }
 
 // Whether the key belongs to the text of a field.
 bool edit(TextEdit* edit, unichar key, NSEvent* event) {
     const bool has_control = [event modifierFlags] & NSControlKeyMask;
+    const bool selects = [event modifierFlags] & NSShiftKeyMask;
     switch (key) {
         case erase_key:
         case backspace_key:
@@ -50,19 +68,17 @@ bool edit(TextEdit* edit, unichar key, NSEvent* event) {
         case NSDeleteFunctionKey:
             return edit->remove_after(), true;
         case NSLeftArrowFunctionKey:
-            return edit->go_back(), true;
+            return edit->go_back(selects), true;
         case NSRightArrowFunctionKey:
-            return edit->go_on(), true;
+            return edit->go_on(selects), true;
         case NSHomeFunctionKey:
-            return edit->caret = 0, true;
+            return edit->go_to(0, selects), true;
         case NSEndFunctionKey:
-            return edit->caret = edit->text.size(), true;
+            return edit->go_to(edit->text.size(), selects), true;
     }
-    if (has_control && (key == 'v' || key == 'V')) {
-        return edit->insert([pasted_text() UTF8String] ?: ""), true;
-    }
-    const bool is_text = key >= ' ' && (key < 0xF700 || key > 0xF8FF) && !has_control &&
-                         !([event modifierFlags] & NSCommandKeyMask);
+    if (has_control) return edit_with_control(edit, key < 0x80 ? tolower(key) : key);
+    const bool is_text =
+        key >= ' ' && (key < 0xF700 || key > 0xF8FF) && !([event modifierFlags] & NSCommandKeyMask);
     if (is_text) edit->insert([[event characters] UTF8String] ?: "");
     return is_text;
 }
@@ -78,7 +94,7 @@ bool edit(TextEdit* edit, unichar key, NSEvent* event) {
 - (BOOL)writeKey:(unichar)key event:(NSEvent*)event {
     Widget* field = [self focusedWidget];
     if (!field || field->kind != WidgetKind::field) return NO;
-    TextEdit written = {field->text, _state.caret};
+    TextEdit written = {field->text, _state.caret, _state.anchor};
     if (!edit(&written, key, event)) return NO;
     [self write:written intoItem:field->item];
     return YES;
@@ -90,6 +106,7 @@ bool edit(TextEdit* edit, unichar key, NSEvent* event) {
     if (!field || field->item != item || field->kind != WidgetKind::field) return;
     field->text = written.text;
     _state.caret = std::min(written.caret, written.text.size());
+    _state.anchor = std::min(written.anchor, written.text.size());
     [self changed];
 }
 

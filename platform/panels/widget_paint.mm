@@ -88,6 +88,8 @@ void paint_row(const Brush& brush, const Widget& widget) {
 
 namespace {
 
+constexpr double selection_alpha = 0.4;  // dark and light text can be read on it
+
 // The text of a field, and how far it is moved to the left so that the caret can be seen.
 struct FieldText {
     TextLayout layout;
@@ -103,6 +105,23 @@ FieldText field_text(const PanelContent& content, const Widget& field, size_t ca
     const int room = field.area.width - 2 * text.border - content.look.hairline;
     text.shift = std::max(0, text.caret - room);
     return text;
+}
+
+// A text in two directions may have several selected stretches.
+void paint_selection(const Brush& brush, const FieldText& text, MenuPoint at) {
+    const auto [begin, end] = std::minmax(brush.state.caret, brush.state.anchor);
+    int* ranges = nullptr;
+    int count = 0;
+    pango_layout_line_get_x_ranges(pango_layout_get_line_readonly(text.layout.get(), 0),
+                                   static_cast<int>(begin), static_cast<int>(end), &ranges, &count);
+    set_color(brush, brush.palette().highlight, selection_alpha);
+    for (int i = 0; begin < end && i < count; i++) {
+        const double left = pango_units_to_double(ranges[2 * i]);
+        cairo_rectangle(brush.cairo, at.x + left, at.y,
+                        pango_units_to_double(ranges[2 * i + 1]) - left, text_height(text.layout));
+        cairo_fill(brush.cairo);
+    }
+    g_free(ranges);
 }
 
 }  // namespace
@@ -129,6 +148,7 @@ void paint_field(const Brush& brush, const Widget& widget) {
     cairo_clip(brush.cairo);
     const int top = area.top + (area.height - text_height(text.layout)) / 2;
     const int left = area.left + text.border - text.shift;
+    if (has_keys) paint_selection(brush, text, {left, top});
     draw_text(brush, text.layout, {left, top}, palette.text, widget.disabled ? 0.4 : 1);
     if (has_keys) {
         cairo_rectangle(brush.cairo, left + text.caret, top, std::max(1.0, brush.hairline()),

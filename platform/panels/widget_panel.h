@@ -30,6 +30,8 @@
 - (int)focusedItem;
 // Where the next character goes in a field with the focus, in bytes.
 - (size_t)caret;
+// The other end of what is selected there; the caret when nothing is.
+- (size_t)anchor;
 // Gives a field the focus and this text, as the user's keys do.
 - (void)write:(const TextEdit&)written intoItem:(int)item;
 - (void)widgetsChanged;

@@ -33,6 +33,10 @@
     return [[self widgetView] state].caret;
 }
 
+- (size_t)anchor {
+    return [[self widgetView] state].anchor;
+}
+
 - (WidgetView*)widgetView {
     return (WidgetView*)[self contentView];
 }

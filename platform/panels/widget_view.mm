@@ -88,6 +88,7 @@
     }
     if (!focused) _state.focused = 0;
     _state.caret = focused ? std::min(_state.caret, focused->text.size()) : 0;
+    _state.anchor = focused ? std::min(_state.anchor, focused->text.size()) : 0;
     *_before = focused ? focused->text : "";
     [self changed];
 }
@@ -101,7 +102,7 @@
     *_before = widget ? widget->text : "";
     PanelState state = _state;
     state.focused = item;
-    state.caret = widget ? widget->text.size() : 0;
+    state.caret = state.anchor = widget ? widget->text.size() : 0;
     [self show:state];
     if (has_changed) [self hit:left];
 }
@@ -122,6 +123,22 @@
     return widget && widget->kind == WidgetKind::field ? 0 : _state.focused;
 }
 
+// In the field with the focus.
+- (void)putCaretAt:(NSEvent*)event selects:(BOOL)selects {
+    const int x = static_cast<int>([self convertPoint:[event locationInWindow] fromView:nil].x);
+    PanelState state = _state;
+    state.caret = caret_at(*_content, *_content->widget(state.focused), state.caret, x);
+    if (!selects) state.anchor = state.caret;
+    [self show:state];
+}
+
+- (void)selectAllOf:(const Widget&)field {
+    PanelState state = _state;
+    state.anchor = 0;
+    state.caret = field.text.size();
+    [self show:state];
+}
+
 - (void)mouseDown:(NSEvent*)event {
     const int item = [self itemAt:event];
     const Widget* widget = item ? _content->widget(item) : nullptr;
@@ -131,15 +148,22 @@
     [self focusItem:takes_focus ? item : [self focusWithoutField]];
     widget = item ? _content->widget(item) : nullptr;
     if (is_field && widget) {
-        const int x = static_cast<int>([self convertPoint:[event locationInWindow] fromView:nil].x);
-        _state.caret = caret_at(*_content, *widget, _state.caret, x);
-        [self changed];
+        const bool selects = [event modifierFlags] & NSShiftKeyMask;
+        if ([event clickCount] > 1) {
+            [self selectAllOf:*widget];
+        } else {
+            [self putCaretAt:event selects:selects];
+        }
     }
     _pressedItem = item;
     [self showHovered:item pressed:item];
 }
 
 - (void)mouseDragged:(NSEvent*)event {
+    const Widget* pressed = _pressedItem ? _content->widget(_pressedItem) : nullptr;
+    if (pressed && pressed->kind == WidgetKind::field && _pressedItem == _state.focused) {
+        return [self putCaretAt:event selects:YES];
+    }
     const bool is_inside = [self itemAt:event] == _pressedItem;
     [self showHovered:_pressedItem pressed:is_inside ? _pressedItem : 0];
 }

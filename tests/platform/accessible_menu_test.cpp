@@ -111,12 +111,18 @@ struct Menus : OpenMenus {
     size_t text_at(size_t level, int row, MenuPoint point) const override {
         return static_cast<size_t>(point.x - row_area(level, row).left);
     }
-    bool write(size_t level, int row, const std::string& text, size_t caret) override {
+    bool write(size_t level, int row, const std::string& text, size_t caret,
+               size_t anchor) override {
         rows[level][row].written = text;
         rows[level][row].caret = static_cast<int>(caret);
+        rows[level][row].anchor = static_cast<int>(anchor);
         open[level].revision++;
         return true;
     }
+    void write(const std::string& text, size_t caret) { write(0, 0, text, caret, caret); }
+    void copy(const std::string& text) override { pasteboard = text; }
+    std::string copied() override { return pasteboard; }
+    std::string pasteboard;
     bool pick(size_t level, int row) override { return do_it("pick", level, row); }
     bool open_submenu(size_t level, int row) override { return do_it("open", level, row); }
     bool close_submenu(size_t level, int row) override {
@@ -411,16 +417,16 @@ TEST_F(AccessibleMenu, WritingInAFieldIsHeardCharacterByCharacter) {
     menus.open[0].highlighted = 0;
     announcer.follow();
     announcer.note_asked(row(0, 0));
-    menus.write(0, 0, "Türe", 5);
+    menus.write("Türe", 5);
     EXPECT_EQ(news(), (Lines{"Name insert 3 'e'", "Name TextCaretMoved 4"}));
-    menus.write(0, 0, "Tre", 1);
+    menus.write("Tre", 1);
     EXPECT_EQ(news(), (Lines{"Name delete 1 'ü'", "Name TextCaretMoved 1"}));
-    menus.write(0, 0, "Tore", 2);
+    menus.write("Tore", 2);
     EXPECT_EQ(news(), (Lines{"Name insert 1 'o'", "Name TextCaretMoved 2"}));
-    menus.write(0, 0, "Haus", 4);
+    menus.write("Haus", 4);
     EXPECT_EQ(news(),
               (Lines{"Name delete 0 'Tore'", "Name insert 0 'Haus'", "Name TextCaretMoved 4"}));
-    menus.write(0, 0, "Haus", 0);
+    menus.write("Haus", 0);
     EXPECT_EQ(news(), Lines{"Name TextCaretMoved 0"});
 }
 
@@ -440,6 +446,52 @@ TEST_F(AccessibleMenu, AReaderWritesInAField) {
     EXPECT_EQ(shown.written, "Dach");
     EXPECT_EQ(ask(row(0, 0), text_interface, "SetCaretOffset", g_variant_new("(i)", 2)), "(true,)");
     EXPECT_EQ(shown.caret, 2);
+}
+
+TEST_F(AccessibleMenu, AReaderSelectsInAField) {
+    menus.push({field("Name", "eine Tür")});
+    menus.open[0].kind = OpenLevel::dialog;
+    menus.open[0].highlighted = 0;
+    announcer.follow();
+    announcer.note_asked(row(0, 0));
+    const auto text = [this](const char* method, GVariant* arguments) {
+        return ask(row(0, 0), text_interface, method, arguments);
+    };
+    const auto selections = [this] { return ask(row(0, 0), text_interface, "GetNSelections"); };
+    EXPECT_EQ(selections(), "(0,)");
+    EXPECT_EQ(text("GetSelection", g_variant_new("(i)", 0)), "(-1, -1)");
+    EXPECT_EQ(text("AddSelection", g_variant_new("(ii)", 5, 7)), "(true,)");
+    EXPECT_EQ(news(), (Lines{"Name TextCaretMoved 7", "Name TextSelectionChanged 0"}));
+    EXPECT_EQ(selections(), "(1,)");
+    EXPECT_EQ(text("GetSelection", g_variant_new("(i)", 0)), "(5, 7)");
+    EXPECT_EQ(text("GetSelection", g_variant_new("(i)", 1)), "(-1, -1)");
+    EXPECT_EQ(text("AddSelection", g_variant_new("(ii)", 0, 1)), "(false,)") << "one is the most";
+    EXPECT_EQ(text("SetSelection", g_variant_new("(iii)", 0, 6, 8)), "(true,)");
+    EXPECT_EQ(text("GetSelection", g_variant_new("(i)", 0)), "(6, 8)");
+    EXPECT_EQ(text("RemoveSelection", g_variant_new("(i)", 1)), "(false,)");
+    EXPECT_EQ(text("RemoveSelection", g_variant_new("(i)", 0)), "(true,)");
+    EXPECT_EQ(selections(), "(0,)");
+    EXPECT_EQ(menus.rows[0][0].written, "eine Tür");
+}
+
+TEST_F(AccessibleMenu, AReaderCutsCopiesAndPastesInAField) {
+    menus.push({field("Name", "eine Tür")});
+    const OpenRow& shown = menus.rows[0][0];
+    const auto edit = [this](const char* method, GVariant* arguments) {
+        return ask(row(0, 0), editable_text_interface, method, arguments);
+    };
+    EXPECT_EQ(edit("PasteText", g_variant_new("(i)", 0)), "(false,)") << "nothing is copied";
+    EXPECT_EQ(edit("CopyText", g_variant_new("(ii)", 5, 7)), "()");
+    EXPECT_EQ(menus.pasteboard, "Tü");
+    EXPECT_EQ(shown.written, "eine Tür");
+    EXPECT_EQ(edit("CutText", g_variant_new("(ii)", 4, 8)), "(true,)");
+    EXPECT_EQ(menus.pasteboard, " Tür");
+    EXPECT_EQ(shown.written, "eine");
+    EXPECT_EQ(edit("CutText", g_variant_new("(ii)", 2, 2)), "(false,)");
+    EXPECT_EQ(menus.pasteboard, " Tür") << "nothing was cut";
+    EXPECT_EQ(edit("PasteText", g_variant_new("(i)", 2)), "(true,)");
+    EXPECT_EQ(shown.written, "ei Türne");
+    EXPECT_EQ(shown.caret, 7);
 }
 
 TEST_F(AccessibleMenu, AWindowThatShowsProgressIsToldWithoutTakingTheFocus) {

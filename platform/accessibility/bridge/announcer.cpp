@@ -137,9 +137,14 @@ void Announcer::tell_text(const Node& node, const OpenRow& before, const OpenRow
     tell("delete", before.written, change.removed);
     tell("insert", now.written, change.added);
     const bool has_moved = now.caret != before.caret || now.written != before.written;
-    if (now.caret < 0 || !has_moved) return;
-    send(node, "TextCaretMoved", "", character_at_byte(now.written, now.caret),
-         g_variant_new_int32(0));
+    if (now.caret >= 0 && has_moved) {
+        send(node, "TextCaretMoved", "", character_at_byte(now.written, now.caret),
+             g_variant_new_int32(0));
+    }
+    const bool was_selected = before.caret != before.anchor, is_selected = now.caret != now.anchor;
+    if ((was_selected || is_selected) && (has_moved || now.anchor != before.anchor)) {
+        send(node, "TextSelectionChanged", "", 0, g_variant_new_int32(0));
+    }
 }
 
 void Announcer::tell_focus() {

@@ -2,10 +2,10 @@
 
 #include <atspi/atspi-constants.h>
 
+#include <string.h>
+
 #include <algorithm>
 #include <string_view>
-
-#include "accessibility/bridge/field_text.h"
 
 namespace {
 
@@ -30,6 +30,13 @@ TextUnit unit_of_boundary(unsigned boundary) {
         default:
             return TextUnit::whole;
     }
+}
+
+TextRange selected_in(const OpenRow& field) {
+    if (field.caret < 0) return {};
+    const auto [begin, end] = std::minmax(field.caret, field.anchor);
+    return {character_at_byte(field.written, static_cast<size_t>(begin)),
+            character_at_byte(field.written, static_cast<size_t>(end))};
 }
 
 TextRange unit_before(const std::string& text, int character, TextUnit unit) {
@@ -93,13 +100,41 @@ GVariant* FieldAnswers::text(const Node& field, const std::string& method,
         g_variant_get(arguments, "(i)", &offset);
         return truth(write(field, text, byte_of_character(text, offset)));
     }
-    // All characters look alike, and nothing is selected.
+    // All characters look alike.
     if (method == "GetAttributes" || method == "GetAttributeRun") {
         return g_variant_new("(a{ss}ii)", nullptr, 0, count);
     }
     if (method.starts_with("GetDefaultAttribute")) return g_variant_new("(a{ss})", nullptr);
-    if (method == "GetNSelections") return g_variant_new("(i)", 0);
+    if (method.ends_with("Selection") || method.ends_with("Selections")) {
+        return selection(field, method, arguments);
+    }
     return places(field, method, arguments);
+}
+
+// There is one selection at most; its number is 0.
+GVariant* FieldAnswers::selection(const Node& field, const std::string& method,
+                                  GVariant* arguments) const {
+    const TextRange selected = selected_in(tree_.row(field));
+    const bool has_any = selected.begin < selected.end;
+    if (method == "GetNSelections") return g_variant_new("(i)", has_any);
+    TextRange wanted;
+    if (method == "AddSelection") {
+        g_variant_get(arguments, "(ii)", &wanted.begin, &wanted.end);
+        return truth(!has_any && select(field, wanted));
+    }
+    int number;
+    g_variant_get_child(arguments, 0, "i", &number);
+    const bool is_known = number == 0 && has_any;
+    if (method == "GetSelection") {
+        const TextRange told = is_known ? selected : TextRange{-1, -1};
+        return g_variant_new("(ii)", told.begin, told.end);
+    }
+    if (method == "RemoveSelection") {
+        return truth(is_known && select(field, {selected.end, selected.end}));
+    }
+    if (method != "SetSelection") return nullptr;
+    g_variant_get(arguments, "(iii)", &number, &wanted.begin, &wanted.end);
+    return truth(number == 0 && select(field, wanted));
 }
 
 GVariant* FieldAnswers::places(const Node& field, const std::string& method,
@@ -137,32 +172,55 @@ GVariant* FieldAnswers::area(const Node& field, int begin, int end, unsigned coo
 }
 
 bool FieldAnswers::write(const Node& field, const std::string& text, size_t caret) const {
-    return tree_.menus().write(tree_.level(field), field.index, text, caret);
+    return tree_.menus().write(tree_.level(field), field.index, text, caret, caret);
+}
+
+bool FieldAnswers::select(const Node& field, TextRange range) const {
+    const std::string text = tree_.row(field).written;
+    return tree_.menus().write(tree_.level(field), field.index, text,
+                               byte_of_character(text, range.end),
+                               byte_of_character(text, range.begin));
+}
+
+bool FieldAnswers::insert(const Node& field, int at, const std::string& added) const {
+    std::string text = tree_.row(field).written;
+    const size_t byte = byte_of_character(text, at);
+    text.insert(byte, added);
+    return write(field, text, byte + added.size());
+}
+
+bool FieldAnswers::remove(const Node& field, TextRange range) const {
+    std::string text = tree_.row(field).written;
+    const size_t first = byte_of_character(text, range.begin);
+    const size_t last = byte_of_character(text, range.end);
+    if (first >= last) return false;
+    text.erase(first, last - first);
+    return write(field, text, first);
 }
 
 GVariant* FieldAnswers::editing(const Node& field, const std::string& method,
                                 GVariant* arguments) const {
-    std::string text = tree_.row(field).written;
     if (method == "SetTextContents") {
         const char* contents;
         g_variant_get(arguments, "(&s)", &contents);
-        text = contents;
-        return truth(write(field, text, text.size()));
+        return truth(write(field, contents, strlen(contents)));
     }
     if (method == "InsertText") {
         int offset, length;
         const char* contents;
         g_variant_get(arguments, "(i&si)", &offset, &contents, &length);
-        const size_t at = byte_of_character(text, offset);
-        const std::string added = part_of(contents, {0, length});
-        text.insert(at, added);
-        return truth(write(field, text, at + added.size()));
+        return truth(insert(field, offset, part_of(contents, {0, length})));
     }
-    if (method != "DeleteText") return nullptr;
-    int begin, end;
-    g_variant_get(arguments, "(ii)", &begin, &end);
-    const size_t first = byte_of_character(text, begin), last = byte_of_character(text, end);
-    if (first >= last) return truth(false);
-    text.erase(first, last - first);
-    return truth(write(field, text, first));
+    if (method == "PasteText") {
+        int offset;
+        g_variant_get(arguments, "(i)", &offset);
+        const std::string copied = tree_.menus().copied();
+        return truth(!copied.empty() && insert(field, offset, copied));
+    }
+    TextRange range;
+    g_variant_get(arguments, "(ii)", &range.begin, &range.end);
+    const std::string part = part_of(tree_.row(field).written, range);
+    if (method != "DeleteText" && !part.empty()) tree_.menus().copy(part);
+    if (method == "CopyText") return g_variant_new("()");
+    return truth(remove(field, range));
 }

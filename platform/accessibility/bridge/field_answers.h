@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "accessibility/bridge/field_text.h"
 #include "accessibility/bridge/node_tree.h"
 
 class FieldAnswers {
@@ -21,10 +22,14 @@ class FieldAnswers {
     GVariant* value_property(const Node& bar, const std::string& name) const;
 
   private:
+    GVariant* selection(const Node& field, const std::string& method, GVariant* arguments) const;
     GVariant* places(const Node& field, const std::string& method, GVariant* arguments) const;
     GVariant* area(const Node& field, int begin, int end, unsigned coordinates) const;
     MenuPoint origin(const Node& field, unsigned coordinates) const;
     bool write(const Node& field, const std::string& text, size_t caret) const;
+    bool select(const Node& field, TextRange range) const;
+    bool remove(const Node& field, TextRange range) const;
+    bool insert(const Node& field, int at, const std::string& added) const;
 
     const NodeTree& tree_;
 };

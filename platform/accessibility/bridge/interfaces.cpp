@@ -81,6 +81,12 @@ const char description[] = R"xml(<node>
  <method name="GetDefaultAttributes"><arg type="a{ss}" direction="out"/></method>
  <method name="GetDefaultAttributeSet"><arg type="a{ss}" direction="out"/></method>
  <method name="GetNSelections"><arg type="i" direction="out"/></method>
+ <method name="GetSelection"><arg type="i"/>
+  <arg type="i" direction="out"/><arg type="i" direction="out"/></method>
+ <method name="AddSelection"><arg type="i"/><arg type="i"/><arg type="b" direction="out"/></method>
+ <method name="RemoveSelection"><arg type="i"/><arg type="b" direction="out"/></method>
+ <method name="SetSelection"><arg type="i"/><arg type="i"/><arg type="i"/>
+  <arg type="b" direction="out"/></method>
  <method name="GetCharacterExtents"><arg type="i"/><arg type="u"/>
   <arg type="i" direction="out"/><arg type="i" direction="out"/>
   <arg type="i" direction="out"/><arg type="i" direction="out"/></method>
@@ -95,6 +101,9 @@ const char description[] = R"xml(<node>
  <method name="InsertText"><arg type="i"/><arg type="s"/><arg type="i"/>
   <arg type="b" direction="out"/></method>
  <method name="DeleteText"><arg type="i"/><arg type="i"/><arg type="b" direction="out"/></method>
+ <method name="CopyText"><arg type="i"/><arg type="i"/></method>
+ <method name="CutText"><arg type="i"/><arg type="i"/><arg type="b" direction="out"/></method>
+ <method name="PasteText"><arg type="i"/><arg type="b" direction="out"/></method>
 </interface>
 <interface name="org.a11y.atspi.Value">
  <property name="MinimumValue" type="d" access="read"/>
