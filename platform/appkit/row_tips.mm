@@ -50,6 +50,15 @@ bool abbreviates(NSString* title, NSString* name) {
     return false;
 }
 
+// As wide as the widest line, so that lines from right to left end within the tip.
+TextLayout lines_of_tip(const MenuLook& look, const std::string& text) {
+    const int most = static_cast<int>(widest_line * look.scale);
+    TextLayout lines = paragraph(look, text, look.font_size * 0.92, false, most);
+    pango_layout_set_width(lines.get(), text_width(lines) * PANGO_SCALE);
+    if (look.mirrored) align_right(lines);
+    return lines;
+}
+
 bool is_closed_folder(const std::string& path) {
     const auto status = files::patient_stat(path, patience);
     return status && S_ISDIR(status->st_mode) &&
@@ -92,8 +101,7 @@ bool is_closed_folder(const std::string& path) {
     paint_menu(cairo, scene);
     const Color& color = look.palette->text;
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
-    const int most = static_cast<int>(widest_line * look.scale);
-    const TextLayout lines = paragraph(look, *text, look.font_size * 0.92, false, most);
+    const TextLayout lines = lines_of_tip(look, *text);
     const int above = look.padding * 2 / 3;
     cairo_move_to(cairo, look.padding, above);
     pango_cairo_show_layout(cairo, lines.get());
@@ -189,9 +197,7 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
 
 - (void)show:(const std::string&)text of:(const MenuLevel&)level {
     const MenuLook& look = level.layout().look();
-    const int most = static_cast<int>(widest_line * look.scale);
-    const Area area =
-        area_of_tip(level, item, paragraph(look, text, look.font_size * 0.92, false, most));
+    const Area area = area_of_tip(level, item, lines_of_tip(look, text));
     const bool composed = MenuRun::current()->style().composed;
     window = new_menu_window(area);
     [window setTitle:@"Tip"];

@@ -1,7 +1,11 @@
 // A menu for a language that runs from right to left.
 #include <cairo.h>
 
+#include <algorithm>
+
+#include "appkit/row_tips.h"
 #include "platform/presenter.h"
+#include "x11/screens.h"
 
 namespace {
 
@@ -103,4 +107,32 @@ TEST_F(MirroredMenu, HasItsTitlesAtTheRightAndItsArrowsAtTheLeft) {
         key("Escape");
     });
     run();
+}
+
+// How many pixels of the tip's upper half differ from its ground.
+static long drawn_in_tip(test::XInput& input) {
+    for (NSWindow* window in [NSApp windows]) {
+        if (![[window title] isEqual:@"Tip"] || ![window isVisible]) continue;
+        const NSRect frame = [window frame];
+        const MenuPoint corner = server_point(NSMakePoint(NSMinX(frame), NSMaxY(frame)));
+        const std::vector<unsigned long> pixels =
+            input.pixels(corner.x + 8, corner.y + 4, static_cast<int>(NSWidth(frame)) - 16,
+                         static_cast<int>(NSHeight(frame)) / 2 - 4);
+        return std::ranges::count_if(pixels, [&](auto each) { return each != pixels[0]; });
+    }
+    return 0;
+}
+
+TEST_F(MirroredMenu, ATipShowsItsLinesFromRightToLeft) {
+    NSString* const name = @"\u0645\u0644\u0641 \u0637\u0648\u064A\u0644";
+    NSString* const title = @"\u0645...\u0644";
+    [[recorder_ addItem:title toMenu:root_]
+        setRepresentedObject:[@"/where" stringByAppendingPathComponent:name]];
+    [NSMenu setPathQuestion:[](NSMenuItem* item) { return (NSString*)[item representedObject]; }];
+    shown([this, title] { moveTo(title); });
+    script_.when(
+        "the name in the tip", [this] { return drawn_in_tip(script_.input) > 60; },
+        [this] { key("Escape"); });
+    run();
+    [NSMenu setPathQuestion:nullptr];
 }
