@@ -247,8 +247,9 @@ Area place_card(const Card& card, const MenuLevel& deepest) {
     const double least = card.caption() ? caption_width : 0;
     const Extent wanted = {card.pixels(std::max(size.width, least) + 2 * padding),
                            card.pixels(size.height + 2 * padding) + card.caption()};
-    return place_clear(wanted, card.cause.levels, row < 0 ? deepest.panel() : deepest.row_area(row),
-                       deepest.screen(), screen_margin, card.pixels(gap), deepest.side());
+    const Area at = row < 0 ? deepest.panel() : deepest.row_area(row);
+    return place_by_levels(wanted, card.cause.levels, deepest.panel(), at, deepest.screen(),
+                           screen_margin, card.pixels(gap), deepest.side());
 }
 
 // Where a small picture is in the window; empty for any other.
