@@ -96,8 +96,7 @@ void add_buttons(PanelContent* content, std::vector<Widget> made, double top) {
     }
 }
 
-PanelContent content_of(const Conflict& conflict, bool for_all) {
-    PanelContent content;
+PanelContent content_of(const Conflict& conflict, bool for_all, PanelContent content) {
     const std::vector<Widget> made = made_buttons(content);
     content.size.width = content_width(content, made);
     content.default_item = skip;
@@ -133,7 +132,9 @@ Answer ask_about(const Conflict& conflict, bool for_all) {
         [panel widgetsChanged];
     };
     panel = [panel initWithTitle:string_of(translated("Name Already Taken"))
-                         content:content_of(conflict, for_all)
+                         content:PanelContent::fitting([&](const PanelContent& empty) {
+                             return content_of(conflict, for_all, empty);
+                         })
                              hit:hit];
     const NSInteger code = [panel runModal];
     const Widget* check = [panel content].widget(apply_to_all);

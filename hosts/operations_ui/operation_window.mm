@@ -22,6 +22,7 @@ using Ended = std::function<void(const operations::Report&)>;
 
 PanelContent content_of(NSString* title) {
     PanelContent content;
+    content.fit(width, height);
     content.size = {content.pixels(width), content.pixels(height)};
     content.cancel_item = cancel_item;
     const double inner = width - 2 * margin, beside_button = inner - 110;

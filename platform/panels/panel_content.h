@@ -4,6 +4,7 @@
 
 #include <Foundation/Foundation.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -72,6 +73,10 @@ struct PanelContent {
     // Makes the scale smaller when a panel of this size, in points, is not to be larger than the
     // screen under the pointer.
     void fit(double width, double height);
+
+    // The content that `lay_out` makes of an empty one, whose scale is smaller if it would else be
+    // larger than that screen.
+    static PanelContent fitting(const std::function<PanelContent(PanelContent)>& lay_out);
 
     // These convert measures in points.
     int pixels(double points) const;

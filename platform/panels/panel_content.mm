@@ -45,6 +45,14 @@ void PanelContent::fit(double width, double height) {
     if (room > 0 && room < look.scale) set_scale(&look, room);
 }
 
+PanelContent PanelContent::fitting(const std::function<PanelContent(PanelContent)>& lay_out) {
+    PanelContent empty;
+    const double scale = empty.look.scale;
+    PanelContent content = lay_out(empty);
+    empty.fit(content.size.width / scale, content.size.height / scale);
+    return empty.look.scale < scale ? lay_out(empty) : content;
+}
+
 int PanelContent::pixels(double points) const {
     return static_cast<int>(std::lround(points * look.scale));
 }

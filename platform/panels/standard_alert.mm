@@ -1,5 +1,6 @@
 #include <Carbon/Dialogs.h>
 #include <host/process.h>
+#include <host/text.h>
 
 #import <Foundation/Foundation.h>
 
@@ -59,7 +60,9 @@ OSStatus CreateStandardAlert(AlertType type, CFStringRef message, CFStringRef ex
         if (parameters->version != kStdCFStringAlertVersionOne) return paramErr;
         given = *parameters;
     }
-    if (!given.defaultText) given.defaultText = CFSTR("OK");
+    if (!given.defaultText) {
+        given.defaultText = (CFStringRef)[NSString stringWithUTF8String:translated("OK")];
+    }
     auto made = std::make_unique<OpaqueDialogPtr>();
     made->words.sign = sign_of(type);
     made->words.message = text_of(message);

@@ -5,6 +5,7 @@
 
 #include <stdlib.h>
 
+#include "panels/alert_content.h"
 #include "panels/alert_panel.h"
 #include "support/app.h"
 #include "support/right_click.h"
@@ -184,6 +185,24 @@ TEST_F(StandardAlert, AHostMayAnswerInsteadOfTheUser) {
     answer_standard_alerts(kAlertAnswerDefault);
     EXPECT_EQ(run(other, nothing), 2);
     EXPECT_EQ(run(parameters(), nothing), 1);
+}
+
+TEST_F(StandardAlert, ItHasRoomOnTheScreenHoweverMuchItSaysAtEveryScale) {
+    AlertWords words = {Sign::caution, "6 items failed.", "", {{1, "OK"}}, 1, 0};
+    const std::string deep(4000, 'x');
+    for (const char* each : {"/a/", "/b/", "/c/", "/d/", "/e/", "/f/"}) {
+        words.explanation += std::string("cannot read ") + each + deep + "/the end\n";
+    }
+    for (const char* scale : {"1", "2", "3"}) {
+        setenv("GDK_SCALE", scale, 1);
+        const PanelContent content = alert_content(words);
+        EXPECT_LT(content.size.width, [[NSScreen mainScreen] frame].size.width) << scale;
+        EXPECT_LT(content.size.height, [[NSScreen mainScreen] frame].size.height) << scale;
+        const std::string& shown = content.widgets[2].text;
+        EXPECT_NE(shown.find("x/the end\ncannot read /b/x"), shown.npos) << shown;
+        EXPECT_GE(content.look.scale, 0.9) << "it can still be read";
+    }
+    unsetenv("GDK_SCALE");
 }
 
 TEST_F(StandardAlert, BadParametersAreRefused) {

@@ -16,7 +16,8 @@ enum { kAlertStdAlertOKButton = 1, kAlertStdAlertCancelButton = 2, kAlertStdAler
 enum { kStdCFStringAlertVersionOne = 1 };
 enum { kWindowDefaultPosition = 0 };
 
-// The buttons. A null text leaves a button out, except that the default button then says "OK".
+// The buttons. A null text leaves a button out, except that the default button then says "OK" in
+// the user's language.
 // `defaultButton` is the item that Return hits, `cancelButton` the one that Escape hits; 0 is none.
 // Narrower than the Mac's: `movable`, `position` and `flags` are ignored (an alert stands in the
 // middle of the screen, and the window manager lets it be moved), and there is no help button.
