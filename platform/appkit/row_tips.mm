@@ -50,11 +50,22 @@ bool abbreviates(NSString* title, NSString* name) {
     return false;
 }
 
-// As wide as the widest line, so that lines from right to left end within the tip.
+int widest_line_of(const TextLayout& lines) {
+    int widest = 0;
+    for (int i = 0; i < pango_layout_get_line_count(lines.get()); i++) {
+        PangoRectangle box;
+        pango_layout_line_get_extents(pango_layout_get_line_readonly(lines.get(), i), nullptr,
+                                      &box);
+        widest = std::max(widest, box.width);
+    }
+    return widest;
+}
+
+// As wide as the widest line: lines from right to left would else end at the right of all the room.
 TextLayout lines_of_tip(const MenuLook& look, const std::string& text) {
     const int most = static_cast<int>(widest_line * look.scale);
     TextLayout lines = paragraph(look, text, look.font_size * 0.92, false, most);
-    pango_layout_set_width(lines.get(), text_width(lines) * PANGO_SCALE);
+    pango_layout_set_width(lines.get(), widest_line_of(lines) + PANGO_SCALE);
     if (look.mirrored) align_right(lines);
     return lines;
 }
