@@ -92,21 +92,27 @@ int paint_text(cairo_t* cairo, const Card& card, const Color& color, const TextL
     return text_width(text);
 }
 
-// The name, shortened where there is too little room, and at the right edge the rest.
+// The name where lines begin, shortened where there is too little room, and at the other edge as
+// much of the rest as fits.
 void paint_caption(cairo_t* cairo, const Card& card) {
     if (card.caption() == 0) return;
     const int pad = card.pixels(padding), room = card.panel.width - 2 * pad;
     const auto text = [&card](const std::string& words) {
         return paragraph(card.look, words, caption_size, false, 0);
     };
-    const TextLayout rest = text(card.details.rest);
-    const int rest_width = std::min(text_width(rest), room * 3 / 4);
-    fit_text(rest, rest_width);
     const TextLayout name = text(card.details.name);
+    const int for_rest = room - std::min(text_width(name), room / 2) - 2 * pad;
+    const TextLayout rest = text(rest_that_fits(card.details.rest, [&](const std::string& words) {
+        return text_width(text(words)) <= for_rest;
+    }));
+    const int rest_width = text_width(rest);
     fit_text(name, std::max(1, room - rest_width - 2 * pad));
+    const int left = card.panel.left + pad, right = card.panel.right() - pad;
+    const bool mirrored = card.look.mirrored;
     const MenuPalette& palette = *card.look.palette;
-    paint_text(cairo, card, palette.text, name, card.panel.left + pad);
-    paint_text(cairo, card, palette.hidden_text, rest, card.panel.right() - pad - rest_width);
+    paint_text(cairo, card, palette.text, name,
+               (mirrored ? right - text_width(name) : left) - text_left(name));
+    paint_text(cairo, card, palette.hidden_text, rest, mirrored ? left : right - rest_width);
 }
 
 }  // namespace
@@ -289,6 +295,13 @@ void fit_window(NSWindow* window, CardView* view) {
     [content setNeedsDisplay:YES];
 }
 
+// What the window shows next is in another place than the picture that would fade.
+void end_fades(NSWindow* window) {
+    for (NSView* view in [[[[window contentView] subviews] copy] autorelease]) {
+        if ([view isKindOfClass:[ViewFade class]]) [static_cast<ViewFade*>(view) end];
+    }
+}
+
 // Puts the panel around the shown part of a window that its program places.
 void fit_panel(NSWindow* window, CardView* view) {
     Card& card = *view->card;
@@ -387,7 +400,9 @@ void update_card(NSWindow* window) {
     if (cause.file != card.cause.file) card.details = details_of_file(cause.file);
     card.cause = cause;
     if (deepest) {
-        card.area = place_card(card, *deepest);
+        const Area area = place_card(card, *deepest);
+        if (!(area == card.area)) end_fades(window);
+        card.area = area;
         fit_window(window, view);
     } else {
         fit_panel(window, view);

@@ -38,3 +38,11 @@ FileDetails details_of_file(const std::string& path) {
                    separator + date_text(status->st_mtime);
     return details;
 }
+
+std::string rest_that_fits(std::string rest, const std::function<bool(const std::string&)>& fits) {
+    while (!rest.empty() && !fits(rest)) {
+        const size_t end = rest.rfind(separator);
+        rest.resize(end == rest.npos ? 0 : end);
+    }
+    return rest;
+}

@@ -15,4 +15,6 @@
 + (instancetype)fadeOfView:(NSView*)view;
 // Starts the fade from the picture. Sent after the change.
 - (void)start;
+// Shows the new content at once.
+- (void)end;
 @end

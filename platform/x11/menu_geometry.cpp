@@ -98,7 +98,7 @@ Area place_clear(Extent card, const Area& levels, const Area& row, const Area& s
 Area place_by_levels(Extent card, const Area& levels, const Area& deepest, const Area& row,
                      const Area& screen, int margin, int gap, Side side) {
     const Area clear = place_clear(card, levels, row, screen, margin, gap, side);
-    if (2 * clear.width >= card.width) return clear;
+    if (4 * clear.width >= 3 * card.width) return clear;
     const Area over = place_clear(card, deepest, row, screen, margin, gap, side);
     return 2 * over.width > 3 * clear.width ? over : clear;
 }

@@ -42,8 +42,8 @@ Area resize_in_place(Extent panel, const Area& before, Side side, const Area& sc
 Area place_clear(Extent card, const Area& levels, const Area& row, const Area& screen, int margin,
                  int gap, Side side);
 
-// The same, unless the card would shrink to less than half its size where it might have far more
-// room over the levels before the deepest one: then it lies over those.
+// The same, unless the card would shrink to less than three quarters of its size where it might
+// have far more room over the levels before the deepest one: then it lies over those.
 Area place_by_levels(Extent card, const Area& levels, const Area& deepest, const Area& row,
                      const Area& screen, int margin, int gap, Side side);
 

@@ -165,6 +165,35 @@ TEST_F(BesideTheMenu, TheWindowMakesWayForALevelThatOpens) {
     EXPECT_EQ(levels, 3u);
 }
 
+// The old picture would stand at another place than the new one, on black.
+TEST_F(BesideTheMenu, APictureOfAnotherSizeComesWithoutAFade) {
+    picture("project/wide.png", 500, 200);
+    picture("project/high.png", 200, 500);
+    bool fades = true;
+    unsigned long ground = 0;
+    const auto has_size = [](double width, double height) {
+        return shows_picture() && std::abs(NSWidth([hover_window() frame]) - width) < 20 &&
+               std::abs(NSHeight([hover_window() frame]) - height) < 20;
+    };
+    resting_on("wide.png", [&](Steps& steps) {
+        steps
+            .when(
+                "the wide one", [&] { return has_size(516, 216); }, [&] { hover("high.png"); })
+            .when(
+                "the high one", [&] { return has_size(216, 516); },
+                [&] {
+                    fades = false;
+                    for (NSView* view in [[hover_window() contentView] subviews]) {
+                        fades = fades || [view isKindOfClass:NSClassFromString(@"ViewFade")];
+                    }
+                    ground = input().pixel(hover_place().left + 4, hover_place().top + 4);
+                    escape();
+                });
+    });
+    EXPECT_FALSE(fades);
+    EXPECT_NE(ground, 0u);
+}
+
 TEST_F(BesideTheMenu, OnAScreenOfTwiceThePixelsThePictureHasTwiceAsMany) {
     picture("project/red.png", 3000, 1000);
     [[NSUserDefaults standardUserDefaults] setDouble:2 forKey:@"GSScaleFactor"];

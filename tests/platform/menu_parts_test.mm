@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include "appkit/file_details.h"
 #include "desktop/desktop_settings.h"
 #include "look/menu_look.h"
 #include "look/menu_text.h"
@@ -144,6 +145,18 @@ TEST(CardPlacement, ACardThatWouldBeTinyLiesOverTheLevelsBeforeTheDeepest) {
     EXPECT_EQ(place_by_levels(card, levels, deepest, row, wide, 4, 8, on_right).left,
               levels.right() + 8)
         << "where there is room it is clear of all levels";
+}
+
+TEST(CardLine, LosesItsLastPartsWhereThereIsTooLittleRoom) {
+    const std::string rest = "Text  \u00B7  3 bytes  \u00B7  1 May 2024, 10:12";
+    const auto in = [&](size_t room) {
+        return rest_that_fits(rest,
+                              [room](const std::string& words) { return words.size() <= room; });
+    };
+    EXPECT_EQ(in(100), rest);
+    EXPECT_EQ(in(30), "Text  \u00B7  3 bytes");
+    EXPECT_EQ(in(6), "Text");
+    EXPECT_EQ(in(3), "");
 }
 
 TEST(Aiming, TheWayToASubmenuIsATriangle) {
