@@ -11,7 +11,9 @@
 #include <objc/runtime.h>
 
 #include "corefoundation/mach_port.h"
+#include "drags/stage_drag.h"
 #include "objc/method_patch.h"
+#include "wayland/kept_stage.h"
 #include "x11/file_offer.h"
 #include "x11/pointer_place.h"
 #include "x11/server_windows.h"
@@ -19,6 +21,7 @@
 namespace {
 
 constexpr NSTimeInterval looking = 0.02;
+constexpr CGFloat inside = 16;  // from the picture's lower left to the pointer
 
 bool dragging;  // files, with an offer
 IMP stock_send, stock_drag, stock_update, stock_order;
@@ -244,31 +247,48 @@ void drop_nothing(GSDragView* view) {
 
 namespace {
 
-void end_without_drag(id source, NSImage* image) {
+void end_drag(id source, NSImage* image, NSDragOperation result) {
     if ([source respondsToSelector:@selector(draggedImage:endedAt:operation:)]) {
-        [source draggedImage:image endedAt:[NSEvent mouseLocation] operation:NSDragOperationNone];
+        [source draggedImage:image endedAt:[NSEvent mouseLocation] operation:result];
     }
 }
 
+// The place of the picture, where the pointer is in it. The pointer may have moved since the place
+// was chosen, as the pasteboard's server takes its time, and the picture would follow it far away.
+NSPoint place_at_pointer(NSImage* image, NSPoint at, NSEvent* event) {
+    const NSPoint pointer = [event locationInWindow];
+    const NSRect area = {at, [image size]};
+    return NSPointInRect(pointer, area) ? at : NSMakePoint(pointer.x - inside, pointer.y - inside);
+}
+
+// The compositor carries the files. A stage that cannot have it do so stays until the X server's
+// drag is over: see the docs on Wayland.
 void drag_image(NSWindow* self, SEL selector, NSImage* image, NSPoint at, NSSize offset,
                 NSEvent* event, NSPasteboard* pasteboard, id source, BOOL slide_back) {
     using Drag = void (*)(id, SEL, NSImage*, NSPoint, NSSize, NSEvent*, NSPasteboard*, id, BOOL);
+    at = place_at_pointer(image, at, event);
     const auto stock = [&] {
         reinterpret_cast<Drag>(stock_drag)(self, selector, image, at, offset, event, pasteboard,
                                            source, slide_back);
     };
     const std::string files = uri_list_of(pasteboard);
-    if (files.empty() || dragging || !serve_offer()) return stock();
+    if (files.empty() || dragging) return stock();
+    const std::unique_ptr<KeptStage> kept = take_kept_stage();
+    NSDragOperation result = NSDragOperationNone;
+    if (kept && drag_on_stage(*kept->stage, files, image, &result)) {
+        return end_drag(source, image, result);
+    }
+    if (!serve_offer()) return stock();
     FileOffer* offer = FileOffer::shared();
     const bool held = offer->hold_pointer();
     if (!offer->button_is_down()) {
         // The button was let go before the drag began, so the user did not mean to drop anything.
         if (held) offer->let_pointer_go();
-        return end_without_drag(source, image);
+        return end_drag(source, image, NSDragOperationNone);
     }
     GSDragView* view = (GSDragView*)[GSServerForWindow(self) dragInfo];
     install_on(view);
-    offer->begin(files);
+    offer->begin(files, image_window(view));
     offer->watch_for_escape();
     ReleaseWatch* watch = [[[ReleaseWatch alloc] initWithView:view] autorelease];
     dragging = true;

@@ -46,6 +46,8 @@ class MenuLevel {
     // Gives a shown panel its layout's new size.
     void resize();
     void hide();
+    // Leaves a shown level's window to the caller, who closes and releases it. The level is over.
+    NSWindow* give_window();
 
     // With `is_trail`, the highlight is shown as one that has led to a deeper level's.
     void set_highlight(NSMenuItem* item, bool is_trail);

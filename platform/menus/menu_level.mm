@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include "look/bitmaps.h"
@@ -110,6 +111,11 @@ void MenuLevel::resize() {
 
 void MenuLevel::hide() {
     if (shown_) hide_shape_of_menu_window(window_);
+}
+
+NSWindow* MenuLevel::give_window() {
+    shown_ = false;
+    return std::exchange(window_, nil);
 }
 
 void MenuLevel::set_highlight(NSMenuItem* item, bool is_trail) {

@@ -53,7 +53,7 @@ class MenuRun {
     void turn();
     void handle(NSEvent* event);
     void settle();
-    void tell_stages();
+    void end_stage();
     double due() const;
     bool has_work() const;
     void finish();

@@ -182,22 +182,7 @@ void MenuRun::run_timers() {
 
 void MenuRun::synchronize() {
     levels_.synchronize();
-    tell_stages();
     if (NSMenuItem* item = levels_.take_follower()) pointer_.rest_on(item);
-}
-
-// The stage of an outer popup lies over the levels of an inner one.
-void MenuRun::tell_stages() {
-    std::vector<StageArea> areas;
-    for (const MenuRun* run = this; run; run = run->outer_) {
-        for (const auto& level : run->levels()) {
-            const Area& panel = level->panel();
-            if (level->is_shown()) {
-                areas.push_back({panel.left, panel.top, panel.width, panel.height});
-            }
-        }
-    }
-    for (MenuRun* run = this; run; run = run->outer_) run->stage_.leave_free(areas);
 }
 
 // A menu that changes at every look would keep the process from sleeping, so a timer spaces the
@@ -220,13 +205,23 @@ bool MenuRun::has_work() const {
 
 void MenuRun::finish() {
     levels_.hide();
-    tell_stages();
     if (state() == state_closing) wait_for_release();
     grab_.release();
-    stage_.end();
+    end_stage();
     levels_.clear();
     pointer_.end();
     [session_ close];
+}
+
+// An event tap may have kept a press for itself, and a drag begins with it. A compositor goes on to
+// tell the X server where the pointer is as long as the window of the press is there.
+void MenuRun::end_stage() {
+    if (pointer_.is_button_down() || !stage_.has_button()) return stage_.end();
+    NSMutableArray* windows = [NSMutableArray array];
+    for (const auto& level : levels()) {
+        if (level->is_shown()) [windows addObject:[level->give_window() autorelease]];
+    }
+    stage_.end_after_drag(windows);
 }
 
 // Takes the rest of a click that closed the menu, so that nobody else gets it.
@@ -234,7 +229,7 @@ void MenuRun::wait_for_release() {
     Deadline limit;
     limit.start(1);
     const auto is_button_down = [this] {
-        return pointer_.is_button_down() && (current_pointer().buttons || stage_.is_button_down());
+        return pointer_.is_button_down() && current_pointer().buttons;
     };
     while (is_button_down() && !limit.is_due()) {
         NSEvent* event = next_event();

@@ -20,7 +20,6 @@ class CoverStage : public MenuStage {
     // The compositor first has to show the cover, which takes longer where it draws without a GPU.
     double longest_wait() const override { return 3; }
     void menu_is_open() override { cover_.take_keyboard(); }
-    bool is_button_down() const override { return false; }
 
   private:
     ScreenCover cover_;

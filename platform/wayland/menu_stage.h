@@ -1,6 +1,7 @@
 // What the compositor of a Wayland session must be asked for so that a menu made of X windows works
-// there: the pointer's place before any X window has it, the keys, and the clicks beside the menu.
-// One object serves one menu. Main thread, except for stage_symbols().
+// there: the pointer's place before any X window has it, the keys, the pointer's events, and drags
+// to programs that are not the X server's. One object serves one menu. Main thread, except for
+// stage_symbols().
 #pragma once
 
 #include <stdint.h>
@@ -15,20 +16,24 @@ struct StagePlace {
     int x, y;
 };
 
-struct StageArea {
-    int x, y, width, height;
-    bool operator==(const StageArea&) const = default;
-};
-
 // One event that the compositor gave to the stage and not to the menu's X windows.
 struct StageEvent {
-    enum Kind { key_down, key_up, pointer_moved, button_down, button_up };
+    enum Kind { key_down, key_up, pointer_moved, button_down, button_up, wheel_turned };
     Kind kind = key_down;
     StagePlace at = {};     // of the pointer
-    int button = 0;         // 1 left, 2 middle, 3 right
+    int button = 0;         // 1 left, 2 middle, 3 right; of a motion, one that is held, or 0
+    double steps = 0;       // of the wheel, upwards
     uint32_t symbol = 0;    // the X key symbol
     std::string text = {};  // what the key types
     bool repeats = false;   // because the key is held
+};
+
+// Files on their way out of a menu.
+struct StageDrag {
+    std::string uri_list;  // lines that end in CR LF
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels = {};  // of the picture: premultiplied ARGB, from the upper left
+    StagePlace held_at = {};            // the pointer's place in the picture
 };
 
 class MenuStage {
@@ -45,13 +50,24 @@ class MenuStage {
     virtual std::optional<StageEvent> next_event() = 0;
     // The pointer's place as far as the compositor has told it.
     virtual std::optional<StagePlace> pointer() const = 0;
-    // Where the menu's windows stand now: the pointer there is theirs and not the stage's. Pixels
-    // of the X screen.
-    virtual void leave_free(const std::vector<StageArea>& areas) { (void)areas; }
     // The menu's windows are shown, and the toolkit has given them the X server's keyboard.
     virtual void menu_is_open() {}
-    // Whether a button is held that was pressed beside the menu.
-    virtual bool is_button_down() const = 0;
+    // Whether the compositor gives the pointer to the stage now, so that the X server does not know
+    // where it is.
+    virtual bool has_pointer() const { return false; }
+    // The buttons that were pressed on the stage and are held, as XQueryPointer tells them.
+    virtual unsigned buttons() const { return 0; }
+
+    // Makes the held button drag this, through the compositor, and uncovers the screens. False when
+    // the compositor does not do so; the X server's own drags are left then.
+    virtual bool begin_drag(const StageDrag& drag) {
+        (void)drag;
+        return false;
+    }
+    // `dropped` on a program that has asked for nothing since; `fetched` by one that has, and has
+    // not said that it is done, which some never say.
+    enum DragState { no_drag, carried, dropped, fetched, taken, given_up };
+    virtual DragState drag_state() const { return no_drag; }
 
     // How many seconds a menu waits for the pointer's place. A compositor answers within a few
     // milliseconds, a busy one within some frames.

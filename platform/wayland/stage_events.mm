@@ -64,7 +64,22 @@ NSEvent* key_event(const StageEvent& event, NSWindow* window) {
                              keyCode:0];
 }
 
+NSEventType type_of_motion(int held) {
+    switch (held) {
+        case 0:
+            return NSMouseMoved;
+        case 1:
+            return NSLeftMouseDragged;
+        case 3:
+            return NSRightMouseDragged;
+        default:
+            return NSOtherMouseDragged;
+    }
+}
+
 NSEventType type_of(const StageEvent& event) {
+    if (event.kind == StageEvent::pointer_moved) return type_of_motion(event.button);
+    if (event.kind == StageEvent::wheel_turned) return NSScrollWheel;
     const bool down = event.kind == StageEvent::button_down;
     switch (event.button) {
         case 1:
@@ -78,16 +93,21 @@ NSEventType type_of(const StageEvent& event) {
 
 NSEvent* pointer_event(const StageEvent& event, NSWindow* window) {
     const NSPoint place = screen_point({event.at.x, event.at.y});
-    const bool moves = event.kind == StageEvent::pointer_moved;
-    return [NSEvent mouseEventWithType:moves ? NSMouseMoved : type_of(event)
+    const bool clicks =
+        event.kind == StageEvent::button_down || event.kind == StageEvent::button_up;
+    return [NSEvent mouseEventWithType:type_of(event)
                               location:[window convertScreenToBase:place]
                          modifierFlags:current_modifier_flags()
                              timestamp:[[NSProcessInfo processInfo] systemUptime]
                           windowNumber:[window windowNumber]
                                context:nil
                            eventNumber:0
-                            clickCount:moves ? 0 : 1
-                              pressure:moves ? 0 : 1];
+                            clickCount:clicks ? 1 : 0
+                              pressure:clicks ? 1 : 0
+                          buttonNumber:event.button
+                                deltaX:0
+                                deltaY:event.steps
+                                deltaZ:0];
 }
 
 }  // namespace

@@ -20,13 +20,15 @@ class StageInput {
 
     // Puts what has come in the application's queue, once the root level's window is known.
     void begin(NSWindow* root);
-    // The menus' windows stand there now.
-    void leave_free(const std::vector<StageArea>& areas);
     // The pointer's place in the server's pixels, as far as the stage knows it.
     std::optional<StagePlace> pointer() const;
-    bool is_button_down() const { return stage_ && stage_->is_button_down(); }
+    // Whether a button is held whose press was on the stage or on a window that stands on it.
+    bool has_button() const;
     // Gives the keyboard and the screens back.
     void end();
+    // The same, but only once a drag has begun with the button that is held, or none begins: see
+    // kept_stage.h. Until then the menu's windows stay, too.
+    void end_after_drag(NSArray* windows);
 
     // Called by the watcher.
     void take_events();
@@ -35,7 +37,6 @@ class StageInput {
     void post(const StageEvent& event) const;
 
     std::unique_ptr<MenuStage> stage_;
-    std::vector<StageArea> left_free_;
     StageWatcher* watcher_ = nil;  // retained
     NSWindow* root_ = nil;         // retained
 };

@@ -1,6 +1,9 @@
 #include "wayland/stage_input.h"
 
+#include "wayland/kept_stage.h"
 #include "wayland/stage_events.h"
+#include "x11/pointer_place.h"
+#include "x11/screens.h"
 #include "x11/toolkit_display.h"
 
 // Xlib's headers come after AppKit's, as some of their names are the same.
@@ -64,14 +67,15 @@ void StageInput::begin(NSWindow* root) {
     take_events();
 }
 
-void StageInput::leave_free(const std::vector<StageArea>& areas) {
-    if (!stage_ || areas == left_free_) return;
-    left_free_ = areas;
-    stage_->leave_free(areas);
-}
-
 std::optional<StagePlace> StageInput::pointer() const {
     return stage_ ? stage_->pointer() : std::nullopt;
+}
+
+bool StageInput::has_button() const { return stage_ && current_pointer().buttons; }
+
+void StageInput::end_after_drag(NSArray* windows) {
+    if (stage_) keep_stage(std::move(stage_), windows);
+    end();
 }
 
 void StageInput::end() {
@@ -80,7 +84,9 @@ void StageInput::end() {
     watcher_ = nil;
     [root_ release];
     root_ = nil;
+    if (!stage_) return;
     stage_.reset();
+    end_telling_pointer();
 }
 
 // A compositor that has gone takes the X server with it, and the process decides about that.
@@ -90,6 +96,7 @@ void StageInput::take_events() {
         [watcher_ release];
         watcher_ = nil;
     }
+    tell_pointer_of(*stage_);
     if (!root_) return;
     while (const std::optional<StageEvent> event = stage_->next_event()) post(*event);
 }

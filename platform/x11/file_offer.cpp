@@ -64,7 +64,8 @@ int FileOffer::descriptor() const { return xcb_get_file_descriptor(server_); }
 
 bool FileOffer::is_broken() const { return xcb_connection_has_error(server_) != 0; }
 
-void FileOffer::begin(const std::string& uri_list) {
+void FileOffer::begin(const std::string& uri_list, unsigned source) {
+    source_ = source;
     take_selection();
     uri_list_ = uri_list;
     awaited_ = false;
@@ -73,7 +74,7 @@ void FileOffer::begin(const std::string& uri_list) {
 
 void FileOffer::take_selection() {
     owned_since_ = server_time();
-    xcb_set_selection_owner(server_, window_, atoms_[selection], owned_since_);
+    xcb_set_selection_owner(server_, source_, atoms_[selection], owned_since_);
     flush();
 }
 

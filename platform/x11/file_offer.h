@@ -13,11 +13,12 @@ class FileOffer {
     // late.
     static FileOffer* shared();
 
-    // Begins a drag of the files in `uri_list` (lines that end in CR LF).
-    void begin(const std::string& uri_list);
+    // Begins a drag of the files in `uri_list` (lines that end in CR LF). The window `source` owns
+    // the drag's selection: compositors that carry X drags to Wayland programs know a drag by it.
+    void begin(const std::string& uri_list, unsigned source);
 
-    // These send messages to the window of another program; `source` is the window that the answers
-    // go to.
+    // These send messages to the window of another program; `source` is that of the drag, and the
+    // answers go there.
     void enter(unsigned target, unsigned source);
     void move(unsigned target, unsigned source, int x, int y, unsigned action);
     void leave(unsigned target, unsigned source);
@@ -63,7 +64,7 @@ class FileOffer {
     void lose_selection(unsigned time);
 
     xcb_connection_t* server_ = nullptr;
-    unsigned root_ = 0, window_ = 0, time_ = 0, owned_since_ = 0;
+    unsigned root_ = 0, window_ = 0, source_ = 0, time_ = 0, owned_since_ = 0;
     unsigned atoms_[9] = {}, actions_[3] = {};
     unsigned version_ = 0;  // agreed with the present target
     unsigned entered_ = 0;  // the target that has been neither left nor dropped on

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <vector>
 
+#include "x11/pointer_place.h"
 #include "x11/toolkit_display.h"
 
 namespace {
@@ -49,6 +50,7 @@ Pointer current_pointer() {
     unsigned mask = 0;
     XQueryPointer(toolkit_display(), DefaultRootWindow(toolkit_display()), &root, &child, &x, &y,
                   &inner_x, &inner_y, &mask);
+    correct_pointer(&x, &y, &mask);
     const unsigned buttons =
         (mask & Button1Mask ? 1 : 0) | (mask & Button3Mask ? 2 : 0) | (mask & Button2Mask ? 4 : 0);
     return {{x, y}, buttons};

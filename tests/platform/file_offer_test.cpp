@@ -62,6 +62,13 @@ class Shortcut {
     Display* display_;
 };
 
+// The window of a drag.
+unsigned drag_window() {
+    static test::XInput owner;
+    static const auto window = static_cast<unsigned>(owner.new_window());
+    return window;
+}
+
 // The pasteboard's daemon, or a program that begins a drag: it takes the selection of drags.
 class Taker {
   public:
@@ -172,7 +179,7 @@ TEST(FileOffer, EscapeIsSeenThoughAWindowManagerHasItWithAModifier) {
 
 TEST(FileOffer, KeepsTheFilesThoughTheDaemonTakesTheSelectionDuringTheDrag) {
     Taker daemon;
-    FileOffer::shared()->begin(one_file);
+    FileOffer::shared()->begin(one_file, drag_window());
     daemon.take();
     EXPECT_FALSE(daemon.has_it());
     daemon.take();
@@ -182,7 +189,7 @@ TEST(FileOffer, KeepsTheFilesThoughTheDaemonTakesTheSelectionDuringTheDrag) {
 
 TEST(FileOffer, LeavesTheSelectionToWhoTakesItAfterTheDrag) {
     Taker other;
-    FileOffer::shared()->begin(one_file);
+    FileOffer::shared()->begin(one_file, drag_window());
     FileOffer::shared()->end(0);
     other.take();
     EXPECT_TRUE(other.has_it());
@@ -190,7 +197,7 @@ TEST(FileOffer, LeavesTheSelectionToWhoTakesItAfterTheDrag) {
 
 TEST(FileOffer, AnswersARequestThatComesWhileThePointerIsLetGo) {
     FileOffer* const offer = FileOffer::shared();
-    offer->begin(one_file);
+    offer->begin(one_file, drag_window());
     Asker target;
     target.ask();
     offer->let_pointer_go();

@@ -9,13 +9,13 @@
 
 namespace test {
 
-NativeWindow::NativeWindow(const std::string& record, const Changes& environment)
+NativeWindow::NativeWindow(const std::string& record, const Changes& environment, Protocol protocol)
     : record_(record) {
     process_ = fork();
     if (process_ != 0) return;
     for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
-    unsetenv("DISPLAY");
-    setenv("GDK_BACKEND", "wayland", 1);
+    unsetenv(protocol == wayland ? "DISPLAY" : "WAYLAND_DISPLAY");
+    setenv("GDK_BACKEND", protocol == wayland ? "wayland" : "x11", 1);
     execl("/usr/bin/python3", "python3", NATIVE_WINDOW, record.c_str(), nullptr);
     _exit(127);
 }

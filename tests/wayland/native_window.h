@@ -1,4 +1,4 @@
-// A program that speaks Wayland only, with one window. It ends with the object.
+// Another program of the session, with one window. It ends with the object.
 #pragma once
 
 #include <sys/types.h>
@@ -11,8 +11,10 @@ namespace test {
 
 class NativeWindow {
   public:
-    // Writes into `record`, a new file.
-    NativeWindow(const std::string& record, const Changes& environment);
+    enum Protocol { wayland, x11 };
+    // Writes into `record`, a new file. The program speaks this protocol only.
+    NativeWindow(const std::string& record, const Changes& environment,
+                 Protocol protocol = wayland);
     ~NativeWindow();
     NativeWindow(const NativeWindow&) = delete;
     NativeWindow& operator=(const NativeWindow&) = delete;

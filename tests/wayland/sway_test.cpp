@@ -4,6 +4,8 @@
 #include <stdlib.h>
 #include <sys/wait.h>
 
+#include <algorithm>
+
 #include "support/heap.h"
 #include "support/recording_program.h"
 #include "wayland/wayland_scene.h"
@@ -15,6 +17,7 @@ using test::NativeWindow;
 using test::wait_for;
 
 constexpr int first_row = 16;  // from a level's top
+constexpr int row_height = 24;
 
 // A program of the session that ends with the object.
 class SessionProgram {
@@ -118,7 +121,7 @@ TEST_F(SwayMenu, RepeatsAHeldKey) {
     const Level level = levels()[1];
     // The highlight leaves the first row and comes to the tenth.
     input.key_down("Down");
-    const int tenth = level.y + first_row + 9 * 24;
+    const int tenth = level.y + first_row + 9 * row_height;
     const unsigned long plain = input.pixel(level.x + level.width - 12, tenth);
     EXPECT_TRUE(wait_for([&] { return input.pixel(level.x + level.width - 12, tenth) != plain; }));
     input.key_up("Down");
@@ -275,6 +278,145 @@ TEST_F(SwayMenu, StandsAtThePointerAtOneAndAHalfTimesTheScale) {
     ASSERT_TRUE(open_menu({top()}));
     expect_level_at(120, 100);
     pick_by_pointer(folder.path("top/alpha.txt"));
+}
+
+TEST_F(SwayMenu, TheWheelScrollsALongLevel) {
+    for (int i = 0; i < 60; i++) folder.file("many/f" + std::to_string(100 + i) + ".txt", "x");
+    test::RecordingProgram program({"text/plain"});
+    rest_at(100, 100);
+    ASSERT_TRUE(open_menu({folder.path("many")}));
+    ASSERT_TRUE(highlight(0, 60, first_row));
+    ASSERT_TRUE(wait_for_levels(2));
+    ASSERT_TRUE(highlight(1, 60, 10 * row_height));
+    const Level level = levels()[1];
+    const auto shown = [&] {
+        return input.pixels(level.x + 40, level.y + 100, level.width - 80, level.height - 200);
+    };
+    const std::vector<unsigned long> before = shown();
+    input.click(5);
+    EXPECT_TRUE(wait_for([&] { return shown() != before; }));
+    input.key("Escape");
+    EXPECT_EQ(finish().status, 0);
+}
+
+TEST_F(SwayMenu, AButtonPressedOnOneRowAndReleasedOnAnotherPicksThere) {
+    test::RecordingProgram program({"text/plain"});
+    rest_at(120, 130);
+    ASSERT_TRUE(open_menu({top()}));
+    ASSERT_TRUE(highlight(0, 60, first_row));
+    ASSERT_TRUE(wait_for_levels(2));
+    input.press(1);
+    ASSERT_TRUE(highlight(1, 60, first_row + row_height));
+    input.release(1);
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_EQ(program.wait(), std::vector<std::string>{folder.path("top/beta.txt")});
+}
+
+// Files dragged out of the menu to other programs.
+struct SwayDrag : SwayMenu {
+    // Opens a menu at a place of the screen and drags its first file to the bottom of the output,
+    // with the button down.
+    void drag_from(int x, int y) {
+        rest_at(x, y);
+        ASSERT_TRUE(open_menu({top()}));
+        ASSERT_TRUE(highlight(0, 60, first_row));
+        ASSERT_TRUE(highlight(1, 60, first_row));
+        input.key_down("Super_L");
+        input.press(1);
+        ASSERT_TRUE(wait_for_levels(0));
+    }
+    // Moves to and fro at the drop's place until the program has noticed the drag.
+    void move_over(const NativeWindow& window, int x, int y) {
+        ASSERT_TRUE(wait_for([&] {
+            rest_at(x, y);
+            return window.has("over");
+        }));
+        EXPECT_TRUE(window.has("offers copy"));
+    }
+    // Whether something is painted around the pointer, where all was of one colour.
+    bool shows_picture_at(int x, int y) {
+        const std::vector<unsigned long> seen = input.pixels(x - 16, y - 16, 64, 64);
+        return std::any_of(seen.begin(), seen.end(),
+                           [&](unsigned long pixel) { return pixel != seen[0]; });
+    }
+    void let_go() {
+        input.release(1);
+        input.key_up("Super_L");
+    }
+    std::string dropped() const { return "got file://" + folder.path("top/alpha.txt"); }
+    void drop_on(NativeWindow::Protocol protocol) {
+        NativeWindow window(folder.path("events"), compositor->environment(), protocol);
+        ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+        drag_from(300, 250);
+        move_over(window, 100, 700);
+        EXPECT_TRUE(wait_for([&] { return shows_picture_at(100, 700); }));
+        let_go();
+        EXPECT_TRUE(wait_for([&] { return window.has(dropped()); }));
+        EXPECT_EQ(finish().status, 0);
+        EXPECT_EQ(window.count(dropped()), 1);
+        EXPECT_FALSE(window.has("press"));
+        EXPECT_TRUE(wait_for([&] { return window.has_focus(); })) << "the keyboard goes back";
+        EXPECT_EQ(test::read_file(folder.path("top/alpha.txt")), "a");
+    }
+};
+
+TEST_F(SwayDrag, AFileIsDroppedOnAWaylandProgram) { drop_on(NativeWindow::wayland); }
+
+TEST_F(SwayDrag, AFileIsDroppedOnAnXProgram) { drop_on(NativeWindow::x11); }
+
+TEST_F(SwayDrag, AFileIsDroppedAtOneAndAHalfTimesTheScale) {
+    use_scale("1.5");
+    drop_on(NativeWindow::wayland);
+}
+
+TEST_F(SwayDrag, AFileIsDroppedOnTheSecondOutput) {
+    ASSERT_TRUE(compositor->tell_sway("focus output X11-2"));
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    drag_from(1100, 250);
+    move_over(window, 900, 700);
+    let_go();
+    EXPECT_TRUE(wait_for([&] { return window.has(dropped()); }));
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_TRUE(compositor->tell_sway("focus output X11-1"));
+}
+
+TEST_F(SwayDrag, ADropOnNothingEndsIt) {
+    drag_from(300, 250);
+    rest_at(100, 700);
+    EXPECT_TRUE(wait_for([&] { return shows_picture_at(100, 700); }));
+    let_go();
+    EXPECT_EQ(finish().status, 0);
+}
+
+TEST_F(SwayDrag, AProgramThatIsLeftGetsNothing) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    ASSERT_TRUE(compositor->tell_sway("[title=native] floating enable"));
+    drag_from(300, 250);
+    move_over(window, 400, 400);
+    rest_at(100, 700);
+    ASSERT_TRUE(wait_for([&] { return window.has("left"); }));
+    let_go();
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_FALSE(window.has(dropped()));
+}
+
+TEST_F(SwayDrag, APressThatIsLetGoAtOnceDropsNothing) {
+    NativeWindow window(folder.path("events"), compositor->environment());
+    ASSERT_TRUE(wait_for([&] { return window.has_focus(); }));
+    rest_at(300, 250);
+    ASSERT_TRUE(open_menu({top()}));
+    ASSERT_TRUE(highlight(0, 60, first_row));
+    ASSERT_TRUE(highlight(1, 60, first_row));
+    input.key_down("Super_L");
+    input.click(1);
+    ASSERT_TRUE(wait_for_levels(0));
+    input.key_up("Super_L");
+    EXPECT_EQ(finish().status, 0);
+    EXPECT_TRUE(wait_for([&] { return window.has_focus(); }));
+    EXPECT_FALSE(window.has(dropped()));
+    EXPECT_FALSE(window.has("press"));
 }
 
 TEST_F(SwayMenu, TheSettingsWindowComesToTheFrontWhenItIsAskedForAgain) {

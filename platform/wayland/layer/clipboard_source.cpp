@@ -1,13 +1,7 @@
 // Offers a text to Wayland programs for as long as nobody else offers anything.
-#include <poll.h>
-#include <signal.h>
-#include <string.h>
-#include <unistd.h>
-
-#include <algorithm>
-
 #include "data-control.h"
 #include "wayland/layer/compositor.h"
+#include "wayland/layer/text_pipe.h"
 #include "wayland/stage_module.h"
 
 namespace {
@@ -20,20 +14,8 @@ struct Offer {
     bool replaced = false;
 };
 
-// A reader that has gone away, or that does not read, must not hold the next one up for ever.
 void send_text(void* data, zwlr_data_control_source_v1*, const char*, int32_t out) {
-    constexpr int longest_pause = 5000;  // milliseconds
-    const std::string& text = static_cast<Offer*>(data)->text;
-    size_t done = 0;
-    pollfd writable = {out, POLLOUT, 0};
-    while (done < text.size() && poll(&writable, 1, longest_pause) > 0) {
-        // A pipe that is writable takes this many bytes at once.
-        constexpr size_t most = 4096;
-        const ssize_t count = write(out, text.data() + done, std::min(most, text.size() - done));
-        if (count <= 0) break;
-        done += static_cast<size_t>(count);
-    }
-    close(out);
+    give_text(out, static_cast<Offer*>(data)->text);
 }
 
 void note_replaced(void* data, zwlr_data_control_source_v1*) {
@@ -53,7 +35,6 @@ extern "C" __attribute__((visibility("default"))) bool delvio_keep_clipboard(
     static const zwlr_data_control_source_v1_listener source_listener = {send_text, note_replaced};
     static const zwlr_data_control_device_v1_listener device_listener = {
         drop_offer, ignore_selection, ignore_finished};
-    signal(SIGPIPE, SIG_IGN);  // a reader may go away as soon as the text is offered
     Compositor compositor;
     if (!compositor.connect() || !compositor.data_control || !compositor.seat) return false;
     Offer offer = {text};

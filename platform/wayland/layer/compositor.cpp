@@ -39,6 +39,7 @@ Compositor::~Compositor() {
     for (const OfferedOutput& offered : outputs) wl_output_destroy(offered.output);
     if (output_manager) zxdg_output_manager_v1_destroy(output_manager);
     if (viewporter) wp_viewporter_destroy(viewporter);
+    if (data_devices) wl_data_device_manager_destroy(data_devices);
     if (data_control) zwlr_data_control_manager_v1_destroy(data_control);
     if (layer_shell) destroy_object(layer_shell);
     if (seat) wl_seat_destroy(seat);
@@ -73,6 +74,8 @@ void Compositor::offer(void* data, wl_registry* registry, uint32_t name, const c
         bind(registry, name, wl_seat_interface, version, 5, &self.seat);
     } else if (is(zwlr_layer_shell_v1_interface)) {
         bind(registry, name, zwlr_layer_shell_v1_interface, version, 2, &self.layer_shell);
+    } else if (is(wl_data_device_manager_interface)) {
+        bind(registry, name, wl_data_device_manager_interface, version, 3, &self.data_devices);
     } else if (is(zwlr_data_control_manager_v1_interface)) {
         bind(registry, name, zwlr_data_control_manager_v1_interface, version, 1,
              &self.data_control);

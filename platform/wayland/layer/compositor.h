@@ -43,6 +43,7 @@ class Compositor {
     wl_shm* shm = nullptr;
     wl_seat* seat = nullptr;
     zwlr_layer_shell_v1* layer_shell = nullptr;
+    wl_data_device_manager* data_devices = nullptr;        // null where not offered
     zwlr_data_control_manager_v1* data_control = nullptr;  // null where not offered
     wp_viewporter* viewporter = nullptr;                   // null where not offered
     zxdg_output_manager_v1* output_manager = nullptr;      // null where not offered

@@ -3,10 +3,14 @@
 #include <sys/epoll.h>
 #include <unistd.h>
 
+#include "events/deadline.h"
+
 namespace {
 
 // In seconds. If no menu is open by then, other programs get the keyboard back.
 constexpr double longest_hold = 5;
+// In seconds, for the compositor's answer to the wish to drag.
+constexpr double longest_begin = 1;
 
 void ignore_name(void*, wl_seat*, const char*) {}
 
@@ -17,6 +21,7 @@ LayerStage::LayerStage(const StageSettings& settings)
       surfaces_(compositor_),
       pointer_(compositor_, surfaces_, events_),
       keyboard_(events_, settings.tell_symbols),
+      drag_(compositor_),
       descriptor_(epoll_create1(EPOLL_CLOEXEC)) {}
 
 LayerStage::~LayerStage() {
@@ -55,7 +60,20 @@ void LayerStage::watch(int descriptor) const {
 void LayerStage::tell_devices(void* data, wl_seat* seat, uint32_t devices) {
     auto& self = *static_cast<LayerStage*>(data);
     if (devices & WL_SEAT_CAPABILITY_POINTER) self.pointer_.listen(seat);
+    if (devices & WL_SEAT_CAPABILITY_TOUCH) self.pointer_.listen_to_touches(seat);
     if (devices & WL_SEAT_CAPABILITY_KEYBOARD) self.keyboard_.listen(seat);
+}
+
+// The compositor takes the pointer from the stage when it begins the drag. Until then the stage
+// stays, as the compositor looks whether the press was on it.
+bool LayerStage::begin_drag(const StageDrag& drag) {
+    const StagePress press = pointer_.press();
+    if (!press.surface || !drag_.begin(drag, press.surface, press.serial)) return false;
+    compositor_.wait(seconds_now() + longest_begin,
+                     [this] { return !pointer_.buttons() || drag_.state() != carried; });
+    if (pointer_.is_here() || drag_.state() != carried) return false;
+    surfaces_.uncover();
+    return true;
 }
 
 bool LayerStage::read() {

@@ -4,6 +4,7 @@
 #include <deque>
 
 #include "wayland/layer/compositor.h"
+#include "wayland/layer/drag_source.h"
 #include "wayland/layer/keyboard_limit.h"
 #include "wayland/layer/layer_surfaces.h"
 #include "wayland/layer/stage_keyboard.h"
@@ -24,9 +25,11 @@ class LayerStage : public MenuStage {
     bool read() override;
     std::optional<StageEvent> next_event() override;
     std::optional<StagePlace> pointer() const override { return pointer_.place(); }
-    void leave_free(const std::vector<StageArea>& areas) override { surfaces_.leave_free(areas); }
     void menu_is_open() override;
-    bool is_button_down() const override { return pointer_.is_button_down(); }
+    bool has_pointer() const override { return pointer_.is_here(); }
+    unsigned buttons() const override { return pointer_.buttons(); }
+    bool begin_drag(const StageDrag& drag) override;
+    DragState drag_state() const override { return drag_.state(); }
 
   private:
     static void tell_devices(void* data, wl_seat* seat, uint32_t devices);
@@ -38,6 +41,7 @@ class LayerStage : public MenuStage {
     LayerSurfaces surfaces_;
     StagePointer pointer_;
     StageKeyboard keyboard_;
+    DragSource drag_;
     KeyboardLimit limit_;
     bool gave_back_ = false;  // the keyboard; written before limit_ stops
     int descriptor_;          // of an epoll: it is readable when a part of the stage is

@@ -1,8 +1,5 @@
 #include "wayland/layer/layer_surfaces.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "layer-shell.h"
 #include "viewporter.h"
 #include "wayland/layer/shared_picture.h"
@@ -65,32 +62,6 @@ void fill(CoveredOutput& output) {
     wl_surface_damage(output.surface, 0, 0, INT32_MAX, INT32_MAX);
 }
 
-// The input region of a surface that covers the whole output but for these areas, in its own units.
-wl_region* region_without(const CoveredOutput& output) {
-    const ScreenArea& place = output.place;
-    const double across = static_cast<double>(output.width) / std::max(1, place.width);
-    const double down = static_cast<double>(output.height) / std::max(1, place.height);
-    wl_region* const region = wl_compositor_create_region(output.compositor->compositor);
-    wl_region_add(region, 0, 0, output.width, output.height);
-    for (const StageArea& area : output.free) {
-        const int left = static_cast<int>(std::floor((area.x - place.x) * across));
-        const int top = static_cast<int>(std::floor((area.y - place.y) * down));
-        const double right = std::ceil((area.x + area.width - place.x) * across);
-        const double bottom = std::ceil((area.y + area.height - place.y) * down);
-        wl_region_subtract(region, left, top, static_cast<int>(right) - left,
-                           static_cast<int>(bottom) - top);
-    }
-    return region;
-}
-
-// Takes effect with the next commit.
-void set_input_region(const CoveredOutput& output) {
-    if (output.width <= 0 || output.height <= 0) return;
-    wl_region* const region = region_without(output);
-    wl_surface_set_input_region(output.surface, region);
-    wl_region_destroy(region);
-}
-
 void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32_t width,
                uint32_t height) {
     CoveredOutput& output = covered(data);
@@ -98,30 +69,28 @@ void configure(void* data, zwlr_layer_surface_v1* layer, uint32_t serial, uint32
     output.width = static_cast<int>(width);
     output.height = static_cast<int>(height);
     if (width && height) fill(output);
-    set_input_region(output);
     wl_surface_commit(output.surface);
 }
 
-// The output has gone.
-void close_surface(void* data, zwlr_layer_surface_v1* layer) {
-    CoveredOutput& output = covered(data);
+void take_away(CoveredOutput& output) {
     const std::lock_guard lock(*output.lock);
     if (output.viewport) wp_viewport_destroy(output.viewport);
-    zwlr_layer_surface_v1_destroy(layer);
-    wl_surface_destroy(output.surface);
+    if (output.layer) zwlr_layer_surface_v1_destroy(output.layer);
+    if (output.surface) wl_surface_destroy(output.surface);
     output.viewport = nullptr;
     output.layer = nullptr;
     output.surface = nullptr;
 }
+
+// The output has gone.
+void close_surface(void* data, zwlr_layer_surface_v1*) { take_away(covered(data)); }
 const zwlr_layer_surface_v1_listener layer_listener = {configure, close_surface};
 
 }  // namespace
 
 LayerSurfaces::~LayerSurfaces() {
     for (CoveredOutput& output : outputs_) {
-        if (output.viewport) wp_viewport_destroy(output.viewport);
-        if (output.layer) zwlr_layer_surface_v1_destroy(output.layer);
-        if (output.surface) wl_surface_destroy(output.surface);
+        take_away(output);
         if (output.buffer) wl_buffer_destroy(output.buffer);
         if (output.details) zxdg_output_v1_destroy(output.details);
     }
@@ -152,8 +121,7 @@ void LayerSurfaces::cover(CoveredOutput& output) {
         ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
     constexpr int over_panels = -1;
     output.surface = wl_compositor_create_surface(compositor_.compositor);
-    // Windows that fill the screen hide the other layers. Above the menu's own windows, too, so the
-    // pointer passes through where they are.
+    // Windows that fill the screen hide the other layers.
     output.layer = zwlr_layer_shell_v1_get_layer_surface(compositor_.layer_shell, output.surface,
                                                          output.output,
                                                          ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "menu");
@@ -174,14 +142,8 @@ void LayerSurfaces::hold_keyboard(bool holds) {
     wl_display_flush(compositor_.display);
 }
 
-void LayerSurfaces::leave_free(const std::vector<StageArea>& areas) {
-    const std::lock_guard lock(lock_);
-    for (CoveredOutput& output : outputs_) {
-        output.free = areas;
-        if (!output.surface) continue;
-        set_input_region(output);
-        wl_surface_commit(output.surface);
-    }
+void LayerSurfaces::uncover() {
+    for (CoveredOutput& output : outputs_) take_away(output);
     wl_display_flush(compositor_.display);
 }
 

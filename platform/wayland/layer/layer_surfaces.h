@@ -1,4 +1,4 @@
-// A transparent surface over each output, above everything else, with holes where the menu is.
+// A transparent surface over each output, above everything else, the menu's windows too.
 #pragma once
 
 #include <deque>
@@ -24,9 +24,8 @@ struct CoveredOutput {
     wl_buffer* buffer = nullptr;
     Output described = {};
     int scale = 1;
-    int width = 0, height = 0;         // of the surface, 0 before the compositor has told them
-    ScreenArea place = {};             // of the output on the X screen
-    std::vector<StageArea> free = {};  // where the pointer belongs to the menu's windows
+    int width = 0, height = 0;  // of the surface, 0 before the compositor has told them
+    ScreenArea place = {};      // of the output on the X screen
 };
 
 class LayerSurfaces {
@@ -41,8 +40,8 @@ class LayerSurfaces {
     // Takes the keyboard, which open() has done, or gives it back to the window that had it. Any
     // thread.
     void hold_keyboard(bool holds);
-    // From now on the pointer over these areas of the X screen is not the surfaces'.
-    void leave_free(const std::vector<StageArea>& areas);
+    // Takes all surfaces away.
+    void uncover();
     // The output that a surface is over, or null.
     const CoveredOutput* output_of(wl_surface* surface) const;
 

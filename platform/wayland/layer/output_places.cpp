@@ -1,6 +1,7 @@
 #include "wayland/layer/output_places.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <tuple>
 
@@ -34,6 +35,11 @@ StagePlace place_in(const ScreenArea& area, double across, double down) {
         return std::clamp(static_cast<int>(part * size), 0, std::max(0, size - 1));
     };
     return {area.x + pixel(across, area.width), area.y + pixel(down, area.height)};
+}
+
+StagePlace place_beside(const ScreenArea& area, double across, double down) {
+    return {area.x + static_cast<int>(std::floor(across * area.width)),
+            area.y + static_cast<int>(std::floor(down * area.height))};
 }
 
 std::vector<ScreenArea> places_of_outputs(const std::vector<Output>& outputs,

@@ -18,6 +18,9 @@ struct Output {
 // area is empty.
 StagePlace place_in(const ScreenArea& area, double across, double down);
 
+// The same on the plane that the area is a part of: parts below 0 or above 1 lie beside it.
+StagePlace place_beside(const ScreenArea& area, double across, double down);
+
 // The areas of the X screen that show the outputs, in the order of the outputs.
 std::vector<ScreenArea> places_of_outputs(const std::vector<Output>& outputs,
                                           const std::vector<Monitor>& monitors);
