@@ -246,16 +246,47 @@ const MenuLevel* find_levels(Area* all) {
     return deepest;
 }
 
-Area place_card(const Card& card, const MenuLevel& deepest) {
+constexpr double large_enough = 0.75, far_larger = 1.5;
+
+// How large the picture is in a card of this size, of its size in points.
+double scale_in(const Card& card, Extent size) {
+    const int pad = card.pixels(padding);
+    const NSSize shown = card.cause.shown.size;
+    return std::min((size.width - 2 * pad) / shown.width,
+                    (size.height - 2 * pad - card.caption()) / shown.height);
+}
+
+// A card that shrinks in proportion has too little height for its line, which does not shrink.
+Area place_clear_of(const Card& card, Extent wanted, const Area& levels, const MenuLevel& deepest) {
     NSMenuItem* item = [[MenuSession current] highlightedItemOfMenu:deepest.menu()];
     const int row = deepest.layout().row_of(item);
+    const auto place = [&](Extent size) {
+        return place_clear(size, levels, row < 0 ? deepest.panel() : deepest.row_area(row),
+                           deepest.screen(), screen_margin, card.pixels(gap), deepest.side());
+    };
+    const Area first = place(wanted);
+    const int pad = card.pixels(padding);
+    const double by_width = (first.width - 2 * pad) / card.cause.shown.size.width;
+    const int height = static_cast<int>(by_width * card.cause.shown.size.height);
+    const Area second =
+        place({first.width, std::min(wanted.height, height + 2 * pad + card.caption())});
+    const auto scale = [&card](const Area& area) {
+        return scale_in(card, {area.width, area.height});
+    };
+    return scale(second) > scale(first) ? second : first;
+}
+
+// Clear of all levels; a picture that would be tiny there is only clear of the deepest one.
+Area place_card(const Card& card, const MenuLevel& deepest) {
     const NSSize size = card.cause.shown.size;
     const double least = card.caption() ? caption_width : 0;
     const Extent wanted = {card.pixels(std::max(size.width, least) + 2 * padding),
                            card.pixels(size.height + 2 * padding) + card.caption()};
-    const Area at = row < 0 ? deepest.panel() : deepest.row_area(row);
-    return place_by_levels(wanted, card.cause.levels, deepest.panel(), at, deepest.screen(),
-                           screen_margin, card.pixels(gap), deepest.side());
+    const Area clear = place_clear_of(card, wanted, card.cause.levels, deepest);
+    const double scale = scale_in(card, {clear.width, clear.height});
+    if (scale >= large_enough * card.look.scale) return clear;
+    const Area over = place_clear_of(card, wanted, deepest.panel(), deepest);
+    return scale_in(card, {over.width, over.height}) > far_larger * scale ? over : clear;
 }
 
 // Where a small picture is in the window; empty for any other.
@@ -272,13 +303,11 @@ Area frame_in_pixels(NSRect picture, NSRect bounds, double scale) {
 // Places the window and scales its content so that the shown part fits into the card.
 void fit_window(NSWindow* window, CardView* view) {
     Card& card = *view->card;
-    const int room = card.margin(), pad = card.pixels(padding);
+    const int room = card.margin();
     const Area whole = {card.area.left - room, card.area.top - room, card.area.width + 2 * room,
                         card.area.height + 2 * room};
     const NSRect shown = card.cause.shown;
-    const double scale =
-        std::max(0.01, std::min((card.area.width - 2 * pad) / NSWidth(shown),
-                                (card.area.height - 2 * pad - card.caption()) / NSHeight(shown)));
+    const double scale = std::max(0.01, scale_in(card, {card.area.width, card.area.height}));
     const NSSize size = NSMakeSize(whole.width / scale, whole.height / scale);
     card.panel = {room, room, card.area.width, card.area.height};
     move_menu_window(window, whole);

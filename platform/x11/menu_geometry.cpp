@@ -95,14 +95,6 @@ Area place_clear(Extent card, const Area& levels, const Area& row, const Area& s
             height};
 }
 
-Area place_by_levels(Extent card, const Area& levels, const Area& deepest, const Area& row,
-                     const Area& screen, int margin, int gap, Side side) {
-    const Area clear = place_clear(card, levels, row, screen, margin, gap, side);
-    if (4 * clear.width >= 3 * card.width) return clear;
-    const Area over = place_clear(card, deepest, row, screen, margin, gap, side);
-    return 2 * over.width > 3 * clear.width ? over : clear;
-}
-
 bool is_on_the_way(MenuPoint from, MenuPoint now, const Area& panel) {
     const bool to_right = panel.left + panel.width / 2 > from.x;
     const int edge = to_right ? panel.left : panel.right();

@@ -42,11 +42,6 @@ Area resize_in_place(Extent panel, const Area& before, Side side, const Area& sc
 Area place_clear(Extent card, const Area& levels, const Area& row, const Area& screen, int margin,
                  int gap, Side side);
 
-// The same, unless the card would shrink to less than three quarters of its size where it might
-// have far more room over the levels before the deepest one: then it lies over those.
-Area place_by_levels(Extent card, const Area& levels, const Area& deepest, const Area& row,
-                     const Area& screen, int margin, int gap, Side side);
-
 // Whether a pointer that was at `from` and is at `now` is on its way to an open panel: inside the
 // triangle between `from` and the panel's near edge.
 bool is_on_the_way(MenuPoint from, MenuPoint now, const Area& panel);

@@ -165,6 +165,29 @@ TEST_F(BesideTheMenu, TheWindowMakesWayForALevelThatOpens) {
     EXPECT_EQ(levels, 3u);
 }
 
+TEST_F(BesideTheMenu, APictureThatWouldBeTinyLiesOverTheLevelsBeforeTheDeepest) {
+    picture("project/red.png", 1000, 1000);
+    folder_.file("project/a name that makes its level wide.txt");
+    folder_.folder("another folder with a name that is long");
+    select({folder_.path("project"), folder_.path("another folder with a name that is long")});
+    [[NSUserDefaults standardUserDefaults] setDouble:2.5 forKey:@"GSScaleFactor"];
+    NSArray* frames = nil;
+    NSRect hover = NSZeroRect;
+    showing(
+        "red.png", [] { return NSHeight([hover_window() frame]) > 500; },
+        [&] {
+            frames = [level_frames() retain];
+            hover = [hover_window() frame];
+        });
+    ASSERT_EQ([frames count], 2u);
+    int covered = 0;
+    for (NSValue* frame in frames) covered += NSIntersectsRect([frame rectValue], hover);
+    EXPECT_EQ(covered, 1) << [[frames description] UTF8String] << " "
+                          << [NSStringFromRect(hover) UTF8String];
+    EXPECT_TRUE(NSContainsRect([[NSScreen mainScreen] frame], hover));
+    [frames release];
+}
+
 // The old picture would stand at another place than the new one, on black.
 TEST_F(BesideTheMenu, APictureOfAnotherSizeComesWithoutAFade) {
     picture("project/wide.png", 500, 200);

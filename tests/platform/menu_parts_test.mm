@@ -130,23 +130,6 @@ TEST(CardPlacement, ACardThatFitsNowhereIsSmallerInProportion) {
     EXPECT_EQ(area.top, 601) << "within the screen";
 }
 
-TEST(CardPlacement, ACardThatWouldBeTinyLiesOverTheLevelsBeforeTheDeepest) {
-    const Area small = {0, 0, 1366, 768}, levels = {202, 122, 1068, 638};
-    const Area deepest = {720, 122, 550, 638}, row = {730, 660, 530, 48};
-    const Extent card = {752, 520};
-    EXPECT_LT(place_clear(card, levels, row, small, 4, 8, on_right).width, card.width / 3);
-    const Area over = place_by_levels(card, levels, deepest, row, small, 4, 8, on_right);
-    EXPECT_EQ(over.right(), deepest.left - 8);
-    EXPECT_GT(over.width, card.width * 9 / 10);
-    const Area most = {0, 0, 1366, 768}, no_gain = {8, 122, 1350, 638};
-    EXPECT_EQ(place_by_levels(card, no_gain, no_gain, row, most, 4, 8, on_right),
-              place_clear(card, no_gain, row, most, 4, 8, on_right));
-    const Area wide = {0, 0, 2400, 1200};
-    EXPECT_EQ(place_by_levels(card, levels, deepest, row, wide, 4, 8, on_right).left,
-              levels.right() + 8)
-        << "where there is room it is clear of all levels";
-}
-
 TEST(CardLine, LosesItsLastPartsWhereThereIsTooLittleRoom) {
     const std::string rest = "Text  \u00B7  3 bytes  \u00B7  1 May 2024, 10:12";
     const auto in = [&](size_t room) {
