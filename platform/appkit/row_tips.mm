@@ -23,9 +23,9 @@
 
 namespace {
 
-const double tip_delay = 0.7;    // in seconds
-const double widest_line = 480;  // in points
-const double patience = 0.2;     // in seconds, for a disk
+const double tip_delay = 0.7;   // in seconds
+const double least_line = 160;  // in points, where a level is narrow
+const double patience = 0.2;    // in seconds, for a disk
 
 NSString* (*path_question)(NSMenuItem*);
 
@@ -62,8 +62,7 @@ int widest_line_of(const TextLayout& lines) {
 }
 
 // As wide as the widest line: lines from right to left would else end at the right of all the room.
-TextLayout lines_of_tip(const MenuLook& look, const std::string& text) {
-    const int most = static_cast<int>(widest_line * look.scale);
+TextLayout lines_of_tip(const MenuLook& look, const std::string& text, int most) {
     TextLayout lines = paragraph(look, text, look.font_size * 0.92, false, most);
     pango_layout_set_width(lines.get(), widest_line_of(lines) + PANGO_SCALE);
     if (look.mirrored) align_right(lines);
@@ -81,6 +80,7 @@ bool is_closed_folder(const std::string& path) {
 @interface TipView : NSView {
   @public
     MenuLook look;
+    int most;  // pixels of a line
     std::string* text;
     bool composed;
 }
@@ -112,7 +112,7 @@ bool is_closed_folder(const std::string& path) {
     paint_menu(cairo, scene);
     const Color& color = look.palette->text;
     cairo_set_source_rgba(cairo, color.red, color.green, color.blue, color.alpha);
-    const TextLayout lines = lines_of_tip(look, *text);
+    const TextLayout lines = lines_of_tip(look, *text, most);
     const int above = look.padding * 2 / 3;
     cairo_move_to(cairo, look.padding, above);
     pango_cairo_show_layout(cairo, lines.get());
@@ -150,6 +150,13 @@ const MenuLevel* highlighted_level(NSMenuItem** item) {
     return nullptr;
 }
 
+// A tip is as wide as its level at most: a preview may stand beside that.
+int room_of_tip(const MenuLevel& level) {
+    const MenuLook& look = level.layout().look();
+    return std::max(static_cast<int>(least_line * look.scale),
+                    level.panel().width - 2 * look.inset - 2 * look.padding);
+}
+
 Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lines) {
     const MenuLook& look = level.layout().look();
     const int width = text_width(lines) + 2 * look.padding;
@@ -158,8 +165,8 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
     const int margin = look.inset;
     const Area whole = level.screen();
     const Area screen = {whole.left + margin, whole.top, whole.width - 2 * margin, whole.height};
-    const int left = std::clamp(row.left + look.inset + look.padding, screen.left,
-                                std::max(screen.left, screen.right() - width));
+    const int wanted = look.mirrored ? row.right() - look.inset - width : row.left + look.inset;
+    const int left = std::clamp(wanted, screen.left, std::max(screen.left, screen.right() - width));
     const int below = row.bottom() + look.inset;
     const bool fits = below + height <= screen.bottom();
     return {left, fits ? below : row.top - look.inset - height, width, height};
@@ -208,7 +215,8 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
 
 - (void)show:(const std::string&)text of:(const MenuLevel&)level {
     const MenuLook& look = level.layout().look();
-    const Area area = area_of_tip(level, item, lines_of_tip(look, text));
+    const int most = room_of_tip(level);
+    const Area area = area_of_tip(level, item, lines_of_tip(look, text, most));
     const bool composed = MenuRun::current()->style().composed;
     window = new_menu_window(area);
     [window setTitle:@"Tip"];
@@ -216,6 +224,7 @@ Area area_of_tip(const MenuLevel& level, NSMenuItem* item, const TextLayout& lin
     TipView* view =
         [[[TipView alloc] initWithFrame:NSMakeRect(0, 0, area.width, area.height)] autorelease];
     view->look = look;
+    view->most = most;
     view->text = new std::string(text);
     view->composed = composed;
     [window setContentView:view];

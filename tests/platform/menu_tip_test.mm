@@ -38,7 +38,15 @@ class RowTip : public Presenter {
 TEST_F(RowTip, ShowsTheWholeNameAndTheFolderOfAShortenedRowUntilAnotherIsHighlighted) {
     const std::string whole = std::string([long_ UTF8String]) + "\n/where";
     shown([this] { moveTo(long_); });
-    tip(whole, [this] { moveTo(@"alpha"); });
+    tip(whole, [this] {
+        const NSRect level = [shown_level(0).window() frame];
+        for (NSWindow* window in [NSApp windows]) {
+            if (![[window title] isEqual:@"Tip"] || ![window isVisible]) continue;
+            EXPECT_GE(NSMinX([window frame]), NSMinX(level)) << "a preview beside it hides nothing";
+            EXPECT_LE(NSMaxX([window frame]), NSMaxX(level));
+        }
+        moveTo(@"alpha");
+    });
     tip("", [this] {
         EXPECT_EQ(highlighted_title(0), "alpha");
         EXPECT_EQ(tip_of(shown_level(0), [root_ itemAtIndex:0]), "") << "it is not shortened";
