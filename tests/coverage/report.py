@@ -26,6 +26,9 @@ class File:
     def line(self, number):
         return " ".join(self.text[number - 1].split())
 
+    def lines_of_text(self):
+        return {self.line(number) for number in range(1, len(self.text) + 1)}
+
     def condition(self, place):
         first, column, last, end = place
         if first == last:
@@ -114,9 +117,17 @@ def missed(files):
     return found
 
 
+def is_there(entry):
+    """Whether the text of an entry stands in its file."""
+    path, text = entry
+    condition, _, line = text.partition("   in: ")
+    return os.path.exists(path) and (line or condition.partition(": ")[2]) in File(path).lines_of_text()
+
+
 def left_out(path):
-    """The entries of the kept file; each one stands for one place."""
-    entries = collections.Counter()
+    """The entries of the kept file; each one stands for one place. Those of the second kind are
+    reached in some runs only."""
+    entries, now_and_then = collections.Counter(), collections.Counter()
     faults, file, entry, reason = [], None, None, True
     for number, line in enumerate(open(path, encoding="utf-8"), 1):
         line = line.rstrip("\n")
@@ -126,14 +137,18 @@ def left_out(path):
             reason = True
             continue
         if line.startswith("  "):
-            entry = (file, line.strip())
-            entries[entry] += 1
+            text = line.strip()
+            is_reached_sometimes = text.startswith("sometimes ")
+            entry = (file, text.removeprefix("sometimes "))
+            (now_and_then if is_reached_sometimes else entries)[entry] += 1
             reason = False
             continue
         file = line.strip().rstrip(":")
     if not reason:
         faults.append(f"{path}: the last entry has no reason")
-    return entries, faults
+    faults += [f"{path}: {entry[0]}: is no longer there: {entry[1]}" for entry in now_and_then
+               if not is_there(entry)]
+    return entries, now_and_then, faults
 
 
 def percent(reached, whole):
@@ -160,11 +175,11 @@ def main():
     tool, build, kept = sys.argv[1:]
     files = read(tool, build)
     print_table(files)
-    entries, faults = left_out(kept)
+    entries, now_and_then, faults = left_out(kept)
     not_reached = missed(files)
     for (path, text), lines in not_reached.items():
         named = entries.pop((path, text), 0)
-        for number in lines[named:]:
+        for number in lines[named + now_and_then[path, text]:]:
             faults.append(f"{path}:{number}: {text}")
         if named > len(lines):
             faults.append(f"{kept}: {path}: is named {named} times, and missed {len(lines)} times: {text}")

@@ -49,6 +49,14 @@ class TemporariesTest : public testing::Test {
     using Names = std::vector<std::string>;
 };
 
+TEST_F(TemporariesTest, WhatIsNoJournalStaysBesideThem) {
+    leave_behind();
+    const std::string others[] = {"other--0123456789abcdef", "delvio-0123456789abcdeX"};
+    for (const std::string& other : others) folder_.file("state/temporaries/" + other, "kept");
+    remove_left_temporaries(state_);
+    EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names({others[1], others[0]}));
+}
+
 TEST_F(TemporariesTest, WhatAKilledProcessLeftIsRemoved) {
     const std::string path = leave_behind();
     folder_.file("to/.delvio-of-somebody", "kept");
