@@ -115,11 +115,13 @@ void show_alert(const std::string& title, const std::string& text) {
     (void)notification;
     // Opening with a program and file operations work with any name.
     const bool did_something = count_of_openings() != _openings || apple_events_are_waiting();
-    if (_isNameless && !did_something && listener()) {
+    const bool is_short = memory_was_short();
+    if (is_short && listener()) {
+        // The plug-in passes over what it has no memory for, and tells a terminal only.
+        listener()({"", "", error_text(ENOMEM), true});
+    } else if (_isNameless && !did_something && listener()) {
         listener()({"", "", translated("its name is not UTF-8")});
     }
-    // The plug-in passes over what it has no memory for, and only says so to a terminal.
-    if (memory_was_short() && listener()) listener()({"", "", error_text(ENOMEM), true});
     _isNameless = NO;
 }
 

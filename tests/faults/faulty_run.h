@@ -63,7 +63,8 @@ bool is_slow(const Ended& ended, const Ended& clean);
 
 // Lets calls of one family fail, one at a time, of which a run without faults makes so many.
 // `try_one` says whether the program got as far as the call. In a full run the end comes when it
-// did not. Otherwise only `sample` calls are tried, spread over all. Returns how many were tried.
+// did not. Otherwise only `sample` calls are tried, spread over all, or so many times as
+// DELVIO_FAULTS_TIMES says. Returns how many were tried.
 int fail_in_turn(long calls, int sample, const std::function<bool(long)>& try_one);
 // Prints how many were tried.
 void tell_tried(const char* what, const std::array<int, families>& tried);
