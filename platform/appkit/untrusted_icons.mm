@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <vector>
@@ -88,7 +89,7 @@ void take_arrival(const Arrival& arrival) {
 // An icon on its way to the main thread.
 @interface IconArrival : NSObject {
   @private
-    Arrival* _arrival;  // owned
+    Arrival* _arrival;  // freed when it arrives
 }
 - (instancetype)initWithArrival:(Arrival*)arrival;
 - (void)arrive;
@@ -101,13 +102,11 @@ void take_arrival(const Arrival& arrival) {
     return self;
 }
 
-- (void)dealloc {
-    delete _arrival;
-    [super dealloc];
-}
-
+// The decoder's thread may be the last to release this object, and must not free what the main
+// thread uses.
 - (void)arrive {
-    take_arrival(*_arrival);
+    const std::unique_ptr<Arrival> arrival(_arrival);
+    take_arrival(*arrival);
 }
 
 @end

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
+#include <condition_variable>
+#include <mutex>
 #include <new>
+#include <optional>
 
 namespace {
 
@@ -13,21 +15,32 @@ using operations::RequestQueue;
 
 class Waiting : public operations::Observer {
   public:
-    Report report() { return report_.get_future().get(); }
+    Report report() {
+        std::unique_lock lock(mutex_);
+        changed_.wait(lock, [this] { return report_.has_value(); });
+        return *report_;
+    }
 
   private:
-    void ended(const Report& report) override { report_.set_value(report); }
-    std::promise<Report> report_;
+    void ended(const Report& report) override {
+        const std::lock_guard lock(mutex_);
+        report_ = report;
+        changed_.notify_all();
+    }
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::optional<Report> report_;
 };
 
 // An exception that left the thread would end the program with the operation half done.
 TEST(RequestQueue, ARequestWithoutMemoryIsRefusedAndTheNextOneIsCarriedOut) {
+    // They outlive the queue's thread.
+    const auto first = std::make_shared<Waiting>(), second = std::make_shared<Waiting>();
     int tries = 0;
     RequestQueue queue([&](const RequestQueue::Job& job) {
         if (tries++ == 0) throw std::bad_alloc();
         job.observer->ended({});
     });
-    const auto first = std::make_shared<Waiting>(), second = std::make_shared<Waiting>();
     operations::Request request;
     request.sources = {"/a", "/b"};
     queue.add({request, first});
