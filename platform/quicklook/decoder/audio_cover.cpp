@@ -105,9 +105,10 @@ AudioTags read_audio_tags() {
     // Neither is destroyed: the process ends first.
     auto* stream = new TagLib::FileStream(file_descriptor, true);
     auto& file = *new TagLib::FileRef(stream, true, TagLib::AudioProperties::Fast);
-    if (file.isNull()) return tags;
-    tags.is_audio = file.file()->isValid();
-    const Bytes cover = cover_of(file.file());
+    TagLib::File* const audio = file.isNull() ? nullptr : file.file();
+    if (!audio) return tags;
+    tags.is_audio = audio->isValid();
+    const Bytes cover = cover_of(audio);
     tags.cover.assign(cover.data(), cover.size());
     if (const TagLib::Tag* tag = file.tag()) {
         tags.title = text_of(tag->title());

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "quicklook/decoder/image_loading.h"
+#include "quicklook/decoder/number_word.h"
 #include "quicklook/decoder/read_input.h"
 #include "quicklook/decoder/reply_writer.h"
 #include "quicklook/decoder/restrictions.h"
@@ -64,7 +65,7 @@ int main(int count, char** words) {
     } else if (count < 5) {
         write_reply(Outcome::ready);
     } else {
-        decode({{atoi(words[2]), atoi(words[3])}}, words[4]);
+        decode({{number_word(words[2]), number_word(words[3])}}, words[4]);
     }
     // The kernel frees faster than destructors.
     _exit(0);

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <vector>
 
+#include "quicklook/decoder/number_word.h"
 #include "quicklook/decoder/reply_writer.h"
 #include "quicklook/decoder/restrictions.h"
 #include "quicklook/picture.h"
@@ -80,7 +81,7 @@ int main(int count, char** words) {
     if (count < 4 || !restrict_decoder(strcmp(words[1], "bubblewrap") == 0)) {
         write_reply(Outcome::none);
     } else {
-        decode({atoi(words[2]), atoi(words[3])});
+        decode({number_word(words[2]), number_word(words[3])});
     }
     _exit(0);
 }

@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "quicklook/decoder/number_word.h"
 #include "quicklook/decoder/open_input.h"
 #include "quicklook/decoder/reply_writer.h"
 #include "quicklook/decoder/restrictions.h"
@@ -167,7 +168,7 @@ void decode_output(const Job& job, char** words) {
 
 void make(int count, char** words) {
     Job job = {words[input], words[output_folder], "", 0, false};
-    job.side = std::max(atoi(words[width]), atoi(words[height]));
+    job.side = std::max(number_word(words[width]), number_word(words[height]));
     if (job.folder.empty()) {
         job.folder = temporary_folder();
         job.owns_folder = true;
@@ -176,7 +177,7 @@ void make(int count, char** words) {
     job.output = job.folder + "/thumbnail.png";
     Words command = {words[program]};
     for (int i = program + 1; i < count; i++) command.push_back(expanded(words[i], job));
-    const Run result = run(command, job, atoi(words[seconds]));
+    const Run result = run(command, job, number_word(words[seconds]));
     if (result == Run::done) return decode_output(job, words);
     // The folder goes before the reply, because the reply ends us.
     remove_folder(job);

@@ -109,9 +109,8 @@ std::string text_of_bytes(const std::string& bytes) {
     size_t controls = 0;
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
-        if (byte >= 0x20 && byte != 0x7f) {
-            shown += character;
-        } else if (is_layout(byte)) {
+        const bool is_control = byte < 0x20 || byte == 0x7f;
+        if (!is_control || is_layout(byte)) {
             shown += character;
         } else if (byte == '\f') {
             shown += '\n';
