@@ -21,7 +21,8 @@ void decode_caged(int count, char** words, void (*decode)(const DecoderCall& cal
     if (count <= paper || !restrict_decoder(strcmp(words[cage], "bubblewrap") == 0)) {
         return write_reply(Outcome::none);
     }
-    const Box box = {std::max(1, number_word(words[width])), std::max(1, number_word(words[height]))};
+    const Box box = {std::max(1, number_word(words[width])),
+                     std::max(1, number_word(words[height]))};
     decode({box, words[name], std::clamp(number_word(words[scale]) / 100.0, 0.5, 8.0),
             strcmp(words[paper], "dark") == 0});
 }
