@@ -38,15 +38,7 @@ class RowTip : public Presenter {
 TEST_F(RowTip, ShowsTheWholeNameAndTheFolderOfAShortenedRowUntilAnotherIsHighlighted) {
     const std::string whole = std::string([long_ UTF8String]) + "\n/where";
     shown([this] { moveTo(long_); });
-    tip(whole, [this] {
-        const NSRect level = [shown_level(0).window() frame];
-        for (NSWindow* window in [NSApp windows]) {
-            if (![[window title] isEqual:@"Tip"] || ![window isVisible]) continue;
-            EXPECT_GE(NSMinX([window frame]), NSMinX(level)) << "a preview beside it hides nothing";
-            EXPECT_LE(NSMaxX([window frame]), NSMaxX(level));
-        }
-        moveTo(@"alpha");
-    });
+    tip(whole, [this] { moveTo(@"alpha"); });
     tip("", [this] {
         EXPECT_EQ(highlighted_title(0), "alpha");
         EXPECT_EQ(tip_of(shown_level(0), [root_ itemAtIndex:0]), "") << "it is not shortened";
@@ -73,6 +65,30 @@ TEST_F(RowTip, ShowsTheNameThatATitleAbbreviates) {
         EXPECT_EQ(tip(other), "");
         key("Escape");
     });
+    run();
+}
+
+// A preview that stands beside the level hides nothing of the tip then.
+TEST_F(RowTip, IsNoWiderThanItsLevel) {
+    [root_ removeItem:(NSMenuItem*)[root_ itemWithTitle:long_]];
+    [recorder_ addItem:@"a row that makes the level a little wider" toMenu:root_];
+    NSMenuItem* item = [recorder_ addItem:@"a ver...longer " toMenu:root_];
+    [item setRepresentedObject:[@"/where" stringByAppendingPathComponent:
+                                              [long_ stringByAppendingString:@"longer "]]];
+    shown([this] { moveTo(@"a ver...longer "); });
+    script_.when(
+        "the tip", [] { return !shown_tip().empty(); },
+        [this] {
+            const NSRect level = [shown_level(0).window() frame];
+            NSRect tip = NSZeroRect;
+            for (NSWindow* window in [NSApp windows]) {
+                if ([[window title] isEqual:@"Tip"] && [window isVisible]) tip = [window frame];
+            }
+            EXPECT_GT(NSHeight(tip), 60) << "it has several lines";
+            EXPECT_GE(NSMinX(tip), NSMinX(level));
+            EXPECT_LE(NSMaxX(tip), NSMaxX(level));
+            key("Escape");
+        });
     run();
 }
 
