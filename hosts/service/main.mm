@@ -2,6 +2,8 @@
 
 #include <Foundation/Foundation.h>
 
+#include <optional>
+
 #include "command/command_line.h"
 #include "command/descriptor_limit.h"
 #include "command/exit_signals.h"
@@ -15,6 +17,7 @@
 #include "operations/left_trash_info.h"
 #include "popup/application.h"
 #include "popup/clipboard.h"
+#include "popup/fonts_ahead.h"
 #include "popup/install_command.h"
 #include "popup/menu_command.h"
 #include "popup/notice_keeper.h"
@@ -26,6 +29,12 @@
 #include "settings_ui/settings_window.h"
 
 namespace {
+
+bool shows_text(const CommandLine& line) {
+    return line.command == CommandLine::menu ||
+           (line.command == CommandLine::settings &&
+            line.settings_request.verb == SettingsVerb::window);
+}
 
 bool changes_settings(const CommandLine& line) {
     const SettingsVerb verb = line.settings_request.verb;
@@ -48,6 +57,12 @@ int run_command(const CommandLine& line) {
     return has_verb ? run_settings_command(line.settings_request) : run_settings_window();
 }
 
+void prepare(const CommandLine& line, char* program) {
+    std::optional<FontsAhead> fonts;
+    if (shows_text(line)) fonts.emplace();
+    prepare_toolkit(program);
+}
+
 int run(const CommandLine& line, char* program) {
     if (line.command == CommandLine::finished) return line.status;
     std::string problem;
@@ -59,7 +74,7 @@ int run(const CommandLine& line, char* program) {
     operations::begin_to_remove_left_trash_info(operations::default_state_folder());
     if (line.command == CommandLine::undo) return run_undo_command();
     NSAutoreleasePool* pool = [NSAutoreleasePool new];
-    prepare_toolkit(program);
+    prepare(line, program);
     const int status = run_command(line);
     [pool release];
     return status;

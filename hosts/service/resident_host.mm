@@ -22,6 +22,7 @@
 #include "finderkit/settings_file.h"
 #include "popup/application.h"
 #include "popup/asked_operations.h"
+#include "popup/fonts_ahead.h"
 #include "popup/menu_command.h"
 #include "resident/host_start.h"
 #include "resident/meeting_place.h"
@@ -108,7 +109,10 @@ bool Host::prepare(char* program) {
     std::string problem;
     alarm(
         seconds_to_start);  // a display that does not answer would hold the first caller's streams
-    prepare_toolkit(program);
+    {
+        const FontsAhead fonts;
+        prepare_toolkit(program);
+    }
     if (!ensure_home_folder(&problem) || !prepare_menus(&problem)) {
         log_line("cannot start: " + problem);
         return false;
