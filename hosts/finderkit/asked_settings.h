@@ -5,6 +5,11 @@ inline constexpr const char* escape_closes_setting = "escape_closes";
 
 inline constexpr const char* sort_by_language_setting = "sort_by_language";
 
+#ifdef __OBJC__
+// What a setting of Delvio's is set to; nil if it is not set. Autoreleased.
+id stored_setting(const char* setting);
+#endif
+
 // Whether Escape closes one level of a menu, and not all.
 bool escape_closes_one_level();
 

@@ -8,20 +8,19 @@
 #include "finderkit/plug_in_items.h"
 #include "finderkit/settings_file.h"
 
-namespace {
-
-// Autoreleased; nil if it is not set.
-id value_of(const char* setting) {
+id stored_setting(const char* setting) {
     const void* stored =
         CFPreferencesCopyAppValue((CFStringRef) @(setting), (CFStringRef) @(settings_domain));
     return [static_cast<id>(const_cast<void*>(stored)) autorelease];
 }
 
+namespace {
+
 BOOL closes_one_level() { return escape_closes_one_level(); }
 
 }  // namespace
 
-bool escape_closes_one_level() { return [value_of(escape_closes_setting) isEqual:@"level"]; }
+bool escape_closes_one_level() { return [stored_setting(escape_closes_setting) isEqual:@"level"]; }
 
 bool sorts_by_language() {
     return CFPreferencesGetAppIntegerValue((CFStringRef) @(sort_by_language_setting),

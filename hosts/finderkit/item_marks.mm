@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "finderkit/asked_settings.h"
 #include "finderkit/plug_in_items.h"
 #include "finderkit/settings_file.h"
 
@@ -16,22 +17,15 @@ namespace {
 NSMenu* last_menu;
 NSMenuItem* last_parent;
 
-// Autoreleased; nil if it is not set.
-id value_of(const char* setting) {
-    const void* stored =
-        CFPreferencesCopyAppValue((CFStringRef) @(setting), (CFStringRef) @(settings_domain));
-    return [static_cast<id>(const_cast<void*>(stored)) autorelease];
-}
-
 // The paths of the setting "folders".
 NSArray* user_folders() {
-    NSArray* folders = value_of("folders");
+    NSArray* folders = stored_setting("folders");
     return [folders isKindOfClass:[NSArray class]] ? folders : nil;
 }
 
 // The user's folders are above the selection, or below it if it is set so.
 bool are_below_selection() {
-    id order = value_of("custom_folder_order");
+    id order = stored_setting("custom_folder_order");
     return [order respondsToSelector:@selector(intValue)] && [order intValue] == 0;
 }
 

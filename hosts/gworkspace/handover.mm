@@ -67,9 +67,7 @@ NSString* operation_of(Kind kind) {
     return NSWorkspaceRecycleOperation;
 }
 
-NSString* string_of(const std::string& path) {
-    return [NSString stringWithUTF8String:path.c_str()];
-}
+NSString* text_of(const std::string& path) { return [NSString stringWithUTF8String:path.c_str()]; }
 
 std::string folder_of(const std::string& path) {
     const size_t slash = path.rfind('/');
@@ -80,7 +78,7 @@ std::string name_of(const std::string& path) { return path.substr(path.rfind('/'
 
 // GWorkspace only knows names that are text, and splits paths at backslashes, too.
 bool is_understood(const std::string& path) {
-    NSString* text = string_of(path);
+    NSString* text = text_of(path);
     NSString* folder = [text stringByDeletingLastPathComponent];
     NSString* again = [folder stringByAppendingPathComponent:[text lastPathComponent]];
     return text && [again isEqualToString:text] && path.find('\\') == std::string::npos;
@@ -152,11 +150,11 @@ bool hand_to_gworkspace(const Request& request, const std::function<void()>& beg
     id<GWWorkspace> workspace = shared_gworkspace();
     NSMutableArray* names = [NSMutableArray array];
     for (const std::string& source : request.sources) {
-        [names addObject:string_of(name_of(source))];
+        [names addObject:text_of(name_of(source))];
     }
     const bool is_trash = request.kind == Kind::Trash;
-    NSString* destination = is_trash ? [workspace trashPath] : string_of(request.destination);
-    NSString* source = string_of(folder_of(request.sources.front()));
+    NSString* destination = is_trash ? [workspace trashPath] : text_of(request.destination);
+    NSString* source = text_of(folder_of(request.sources.front()));
     NSDictionary* order = [NSDictionary
         dictionaryWithObjectsAndKeys:operation_of(request.kind), @"operation", source, @"source",
                                      destination, @"destination", names, @"files", nil];

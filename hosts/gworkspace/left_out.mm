@@ -27,7 +27,7 @@ using operations::State;
 
 namespace {
 
-bool is_there(const std::string& path) {
+bool is_still_there(const std::string& path) {
     struct stat what;
     return lstat(path.c_str(), &what) == 0;
 }
@@ -97,7 +97,9 @@ Outcome outcome_of(const std::string& source, const Request& request) {
     for (const std::string& source : _request->sources) {
         const std::string name = operations::name_in_path(source);
         const bool is_done = [_done containsObject:[NSString stringWithUTF8String:name.c_str()]];
-        if (is_done || !is_there(source) || !is_there(_request->destination + "/" + name)) continue;
+        if (is_done || !is_still_there(source) ||
+            !is_still_there(_request->destination + "/" + name))
+            continue;
         report.outcomes.push_back(outcome_of(source, *_request));
     }
     operations::show_failures(report);

@@ -9,7 +9,7 @@ namespace {
 
 using Select = BOOL (*)(id, SEL, NSString*);
 
-Select original;
+Select stock_select;
 
 bool has_cell(NSMatrix* matrix, NSString* prefix) {
     for (NSCell* cell in [matrix cells]) {
@@ -21,7 +21,7 @@ bool has_cell(NSMatrix* matrix, NSString* prefix) {
 BOOL select_cell(id column, SEL selector, NSString* prefix) {
     NSMatrix* matrix = [column cmatrix];
     if ([matrix selectedRow] < 0 && !has_cell(matrix, prefix)) return NO;
-    return original(column, selector, prefix);
+    return stock_select(column, selector, prefix);
 }
 
 }  // namespace
@@ -30,6 +30,6 @@ void end_type_selections() {
     Class column = objc_lookUpClass("FSNBrowserColumn");
     Method method = class_getInstanceMethod(column, @selector(selectCellWithPrefix:));
     if (!method) return;
-    original = reinterpret_cast<Select>(
+    stock_select = reinterpret_cast<Select>(
         method_setImplementation(method, reinterpret_cast<IMP>(&select_cell)));
 }

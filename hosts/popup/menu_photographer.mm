@@ -11,7 +11,7 @@ using operations::in_quotes;
 namespace {
 
 // One turn of the tracking loop: long enough to draw the windows of a level.
-constexpr NSTimeInterval turn = 0.1;
+constexpr NSTimeInterval turn_length = 0.1;
 
 }  // namespace
 
@@ -41,7 +41,7 @@ constexpr NSTimeInterval turn = 0.1;
 }
 
 - (void)waitForMenu {
-    _timer = [[NSTimer timerWithTimeInterval:turn
+    _timer = [[NSTimer timerWithTimeInterval:turn_length
                                       target:self
                                     selector:@selector(turn:)
                                     userInfo:nil

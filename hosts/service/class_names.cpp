@@ -1,7 +1,8 @@
-// Finds classes by name for the whole process. GNU's run time puts classes into order by looking for
-// each superclass by its name, again and again, and GNUstep's compiled code names a class for each
-// use. Both ask with names that stay at one address, so the address leads to the class at once: a
-// tenth of the start's work less. These functions stand before the run time's (see CMakeLists.txt).
+// Finds classes by name for the whole process. GNU's run time puts classes into order by looking
+// for each superclass by its name, again and again, and GNUstep's compiled code names a class for
+// each use. Both ask with names that stay at one address, so the address leads to the class at
+// once: a tenth of the start's work less. These functions stand before the run time's (see
+// CMakeLists.txt).
 #include <dlfcn.h>
 #include <objc/runtime.h>
 #include <stdint.h>

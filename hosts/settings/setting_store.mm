@@ -12,7 +12,7 @@ using operations::in_quotes;
 
 namespace {
 
-CFStringRef cf(const char* ascii) {
+CFStringRef cf_string(const char* ascii) {
     return reinterpret_cast<CFStringRef>([NSString stringWithUTF8String:ascii]);
 }
 
@@ -32,8 +32,8 @@ Strings strings_in(id object) {
 
 void read_number(SettingState* state) {
     Boolean valid = false;
-    const CFIndex number =
-        CFPreferencesGetAppIntegerValue(cf(state->setting->key), cf(settings_domain), &valid);
+    const CFIndex number = CFPreferencesGetAppIntegerValue(cf_string(state->setting->key),
+                                                           cf_string(settings_domain), &valid);
     state->stored = valid;
     state->value.number = valid ? number_in_effect(*state->setting, static_cast<int32_t>(number))
                                 : state->setting->standard;
@@ -46,7 +46,8 @@ std::string installed_applications() {
 }
 
 void read_strings(SettingState* state) {
-    const void* stored = CFPreferencesCopyAppValue(cf(state->setting->key), cf(settings_domain));
+    const void* stored =
+        CFPreferencesCopyAppValue(cf_string(state->setting->key), cf_string(settings_domain));
     id object = [static_cast<id>(const_cast<void*>(stored)) autorelease];
     const bool list = state->setting->type == SettingType::paths;
     // NOLINTNEXTLINE(bugprone-branch-clone): the two classes differ.
@@ -68,12 +69,12 @@ void read_strings(SettingState* state) {
 }
 
 void store(const Setting& setting, id value) {
-    CFPreferencesSetAppValue(cf(setting.key), value, cf(settings_domain));
+    CFPreferencesSetAppValue(cf_string(setting.key), value, cf_string(settings_domain));
 }
 
 }  // namespace
 
-void refresh_settings() { CFPreferencesAppSynchronize(cf(settings_domain)); }
+void refresh_settings() { CFPreferencesAppSynchronize(cf_string(settings_domain)); }
 
 SettingState read_setting(const Setting& setting) {
     SettingState state{&setting, {}, false};
@@ -88,7 +89,7 @@ void store_setting(const Setting& setting, const SettingValue& value) {
 
 void reset_setting(const Setting& setting) { store(setting, nil); }
 
-bool save_settings() { return CFPreferencesAppSynchronize(cf(settings_domain)); }
+bool save_settings() { return CFPreferencesAppSynchronize(cf_string(settings_domain)); }
 
 std::string saving_problem() {
     return translated(

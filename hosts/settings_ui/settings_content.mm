@@ -31,12 +31,12 @@ enum Group { no_group, pages_group, folders_group };
 
 // A disk that does not answer holds the window no longer than this, and its folders are not
 // missing.
-constexpr double patience = 0.2;
+constexpr double disk_patience = 0.2;
 
 bool is_missing(const std::string& entry) {
     struct stat ignored;
     return entry != separator_entry &&
-           files::ask_patiently(entry, patience, &ignored) == files::Answer::missing;
+           files::ask_patiently(entry, disk_patience, &ignored) == files::Answer::missing;
 }
 
 // A path below the home folder begins with a tilde.

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr NSTimeInterval step_interval = 1.0 / 30;
+constexpr NSTimeInterval view_step_interval = 1.0 / 30;
 
 NSTimeInterval fade_duration(NSView* view) {
     CATransition* transition = [[view animations] objectForKey:@"subviews"];
@@ -56,7 +56,7 @@ ViewFade* running_fade(NSView* view) {
     [self removeFromSuperview];
     [view addSubview:self];
     _begun = seconds_now();
-    _timer = [NSTimer timerWithTimeInterval:step_interval
+    _timer = [NSTimer timerWithTimeInterval:view_step_interval
                                      target:self
                                    selector:@selector(step:)
                                    userInfo:nil

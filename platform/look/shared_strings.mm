@@ -8,20 +8,20 @@ namespace {
 
 // Characters are compared here, as GNUstep compares strings by composed characters, which takes
 // thousands of instructions.
-const NSUInteger most_characters = 256;
+const NSUInteger longest_shared = 256;
 
-struct TextLayout {
+struct StringLayout {
     NSString* string;  // retained
     NSUInteger length;
     unsigned long used;  // the number of the last use
-    unichar characters[most_characters];
+    unichar characters[longest_shared];
 };
 
-TextLayout last[3];
+StringLayout last[3];
 unsigned long uses;
 
-const TextLayout* find(const unichar* characters, NSUInteger length) {
-    for (TextLayout& text : last) {
+const StringLayout* find(const unichar* characters, NSUInteger length) {
+    for (StringLayout& text : last) {
         const bool is_equal = text.string && text.length == length &&
                               memcmp(text.characters, characters, length * sizeof(unichar)) == 0;
         if (!is_equal) continue;
@@ -32,14 +32,14 @@ const TextLayout* find(const unichar* characters, NSUInteger length) {
 }
 
 bool is_remembered(NSString* string) {
-    return string &&
-           std::ranges::any_of(last, [&](const TextLayout& text) { return text.string == string; });
+    return string && std::ranges::any_of(
+                         last, [&](const StringLayout& text) { return text.string == string; });
 }
 
 // Takes ownership of the string. A text that is used again and again, as a level's folder is,
 // stays.
 NSString* remember(NSString* string, const unichar* characters, NSUInteger length) {
-    TextLayout& text = *std::ranges::min_element(last, {}, &TextLayout::used);
+    StringLayout& text = *std::ranges::min_element(last, {}, &StringLayout::used);
     text.used = ++uses;
     [text.string autorelease];
     text.string = string;
@@ -51,10 +51,10 @@ NSString* remember(NSString* string, const unichar* characters, NSUInteger lengt
 }  // namespace
 
 NSString* shared_string(const unichar* characters, NSUInteger length) {
-    if (length > most_characters) {
+    if (length > longest_shared) {
         return [NSString stringWithCharacters:characters length:length];
     }
-    if (const TextLayout* known = find(characters, length)) return known->string;
+    if (const StringLayout* known = find(characters, length)) return known->string;
     NSString* made = [[NSString alloc] initWithCharacters:characters length:length];
     return remember(made, characters, length);
 }
@@ -62,10 +62,10 @@ NSString* shared_string(const unichar* characters, NSUInteger length) {
 NSString* shared_string(NSString* string) {
     if (is_remembered(string)) return string;
     const NSUInteger length = [string length];
-    if (!string || length > most_characters) return string;
-    unichar characters[most_characters];
+    if (!string || length > longest_shared) return string;
+    unichar characters[longest_shared];
     [string getCharacters:characters range:NSMakeRange(0, length)];
-    if (const TextLayout* known = find(characters, length)) return known->string;
+    if (const StringLayout* known = find(characters, length)) return known->string;
     return remember([string copy], characters, length);
 }
 

@@ -11,7 +11,7 @@
 namespace {
 
 // Titles as long as this are cut anyway.
-constexpr NSUInteger most_characters = 256;
+constexpr NSUInteger longest_measured = 256;
 
 bool is_combining(unsigned character) { return character >= 0x300 && character < 0x370; }
 
@@ -56,8 +56,8 @@ double TitleWidths::width(unsigned character) const {
 }
 
 double TitleWidths::estimate(NSString* title) const {
-    unichar text[most_characters];
-    const NSUInteger length = std::min([title length], most_characters);
+    unichar text[longest_measured];
+    const NSUInteger length = std::min([title length], longest_measured);
     [title getCharacters:text range:NSMakeRange(0, length)];
     double sum = 0;
     for (NSUInteger i = 0; i < length; i++) sum += width(text[i]);

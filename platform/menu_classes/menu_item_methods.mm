@@ -51,7 +51,7 @@ void set_extras(NSMenuItem* item, NSAttributedString* title, NSView* view) {
 
 struct {
     IMP copy, update_key_equivalent, set_title, init_binding;
-} stock;
+} stock_item;
 
 // Whether any object of the process was ever bound to another one.
 bool has_bindings;
@@ -59,16 +59,17 @@ bool has_bindings;
 id init_binding(id self, SEL selector, NSString* binding, NSString* name, id object, NSString* path,
                 NSDictionary* options, id source) {
     has_bindings = true;
-    return reinterpret_cast<decltype(&init_binding)>(stock.init_binding)(
+    return reinterpret_cast<decltype(&init_binding)>(stock_item.init_binding)(
         self, selector, binding, name, object, path, options, source);
 }
 
 void set_title(NSMenuItem* self, SEL selector, NSString* title) {
-    reinterpret_cast<void (*)(id, SEL, id)>(stock.set_title)(self, selector, shared_string(title));
+    reinterpret_cast<void (*)(id, SEL, id)>(stock_item.set_title)(self, selector,
+                                                                  shared_string(title));
 }
 
 id copy_with_zone(NSMenuItem* self, SEL selector, NSZone* zone) {
-    id copy = reinterpret_cast<id (*)(id, SEL, NSZone*)>(stock.copy)(self, selector, zone);
+    id copy = reinterpret_cast<id (*)(id, SEL, NSZone*)>(stock_item.copy)(self, selector, zone);
     const Extras* extras = find_extras(self);
     if (extras) set_extras(copy, extras->title, nil);
     return copy;
@@ -115,7 +116,7 @@ bool user_gives_keys() {
 
 void update_key_equivalent(NSMenuItem* self, SEL selector) {
     if (!user_gives_keys()) return;
-    reinterpret_cast<void (*)(id, SEL)>(stock.update_key_equivalent)(self, selector);
+    reinterpret_cast<void (*)(id, SEL)>(stock_item.update_key_equivalent)(self, selector);
 }
 
 // Whether the item takes titles and keys as all items do.
@@ -182,7 +183,7 @@ static void set_image(NSMenuItem* self, SEL, NSImage* image) {
 static void deallocate(NSMenuItem* self, SEL) {
     static const Class bindings = NSClassFromString(@"GSKeyValueBinding");
     drop_extras(self);
-    if (has_bindings || !stock.init_binding) [bindings unbindAllForObject:self];
+    if (has_bindings || !stock_item.init_binding) [bindings unbindAllForObject:self];
     const id owned[] = {self->_title,        self->_keyEquivalent, self->_image,
                         self->_onStateImage, self->_offStateImage, self->_mixedStateImage,
                         self->_submenu,      self->_toolTip,       self->_representedObject};
@@ -278,17 +279,17 @@ static void set_submenu(NSMenuItem* self, SEL, NSMenu* submenu) {
 + (void)load {
     const MethodPatch patches[] = {
         {"NSMenuItem", "dealloc", reinterpret_cast<IMP>(deallocate), nullptr},
-        {"NSMenuItem", "setTitle:", reinterpret_cast<IMP>(set_title), &stock.set_title},
+        {"NSMenuItem", "setTitle:", reinterpret_cast<IMP>(set_title), &stock_item.set_title},
         {"NSMenuItem", "setImage:", reinterpret_cast<IMP>(set_image), nullptr},
-        {"NSMenuItem", "copyWithZone:", reinterpret_cast<IMP>(copy_with_zone), &stock.copy},
+        {"NSMenuItem", "copyWithZone:", reinterpret_cast<IMP>(copy_with_zone), &stock_item.copy},
         {"NSMenuItem", "attributedTitle", reinterpret_cast<IMP>(attributed_title), nullptr},
         {"NSMenuItem", "setAttributedTitle:", reinterpret_cast<IMP>(set_attributed_title), nullptr},
         {"NSMenuItem", "setMenu:", reinterpret_cast<IMP>(set_menu), nullptr},
         {"NSMenuItem", "setSubmenu:", reinterpret_cast<IMP>(set_submenu), nullptr},
         {"NSMenuItem", "_updateKeyEquivalent", reinterpret_cast<IMP>(update_key_equivalent),
-         &stock.update_key_equivalent},
+         &stock_item.update_key_equivalent},
         {"GSKeyValueBinding", "initWithBinding:withName:toObject:withKeyPath:options:fromObject:",
-         reinterpret_cast<IMP>(init_binding), &stock.init_binding},
+         reinterpret_cast<IMP>(init_binding), &stock_item.init_binding},
     };
     patch_methods(patches);
 }

@@ -50,7 +50,7 @@ static void set_mixed_image(NSMenuItem* self, SEL, NSImage* image) {
 }
 
 // Does what GNUstep's own initializer does, except for the images.
-static id light_init(NSMenuItem* self, SEL, NSString* title, SEL action, NSString* key) {
+static id init_light_item(NSMenuItem* self, SEL, NSString* title, SEL action, NSString* key) {
     if (!(self = [self initAsPlainObject])) return nil;
     give_title_and_key(self, title, key);
     self->_keyEquivalentModifierMask = NSCommandKeyMask;
@@ -80,8 +80,8 @@ static void encode(NSMenuItem* self, SEL selector, NSCoder* coder) {
 
 + (void)load {
     const MethodPatch patches[] = {
-        {"NSMenuItem", "initWithTitle:action:keyEquivalent:", reinterpret_cast<IMP>(light_init),
-         nullptr},
+        {"NSMenuItem",
+         "initWithTitle:action:keyEquivalent:", reinterpret_cast<IMP>(init_light_item), nullptr},
         {"NSMenuItem", "onStateImage", reinterpret_cast<IMP>(on_image), nullptr},
         {"NSMenuItem", "mixedStateImage", reinterpret_cast<IMP>(mixed_image), nullptr},
         {"NSMenuItem", "setOnStateImage:", reinterpret_cast<IMP>(set_on_image), nullptr},

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr CGEventMask watched_events =
+constexpr CGEventMask popup_events =
     CGEventMaskBit(kCGEventLeftMouseDown) | CGEventMaskBit(kCGEventLeftMouseUp);
 constexpr useconds_t poll_interval = 10000;
 constexpr uint32_t only_finder_in_front = 1;
@@ -80,7 +80,7 @@ CGEventRef dvCFPEventTapCallback(CGEventTapProxy, CGEventType type, CGEventRef e
     }
     evtTap =
         CGEventTapCreate(kCGSessionEventTap, kCGTailAppendEventTap, kCGEventTapOptionListenOnly,
-                         watched_events, dvCFPEventTapCallback, self);
+                         popup_events, dvCFPEventTapCallback, self);
     if (!evtTap) {
         if (dvEnableDebugOutput) dvdprintf("Delvio: Error creating mach port ref\n");
         return self;
