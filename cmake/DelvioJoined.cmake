@@ -1,6 +1,7 @@
 # The Objective-C++ sources of a library, compiled as one. GNU's run time does work for all classes of
 # the process whenever an object file reports its classes, so that fewer object files start faster. It
-# also takes less of the compiler's time. Each source still stands alone: a library LIBRARY_apart, which
+# also takes less of the compiler's time. Archives stay apart: of them each program takes only what it
+# needs, and a class must not come twice with two libraries of one process. Each source still stands alone: a library LIBRARY_apart, which
 # nothing needs, compiles them one by one, for the tools that read compile_commands.json.
 
 function(delvio_compile_apart target sources)
@@ -22,7 +23,7 @@ function(delvio_join_sources)
       get_target_property(sources ${target} SOURCES)
       list(FILTER sources INCLUDE REGEX "[.]mm$")
       list(LENGTH sources count)
-      if(count LESS 2 OR NOT type MATCHES "OBJECT_LIBRARY|STATIC|SHARED|MODULE")
+      if(count LESS 2 OR NOT type MATCHES "OBJECT_LIBRARY|SHARED")
         continue()
       endif()
       get_target_property(place ${target} SOURCE_DIR)
