@@ -21,7 +21,8 @@ std::atomic<Class>& place_of(const char* name) {
     return places[(reinterpret_cast<uintptr_t>(name) * 0x9e3779b97f4a7c15u) >> 52];
 }
 
-// An address may hold another name later, so the names are compared, too.
+// An address may hold another name later, so the names are compared, too. A class that was found
+// stays: the run time only disposes of those that it has not registered.
 Class find(const char* name, LookUp look_up) {
     if (!name) return look_up(name);
     std::atomic<Class>& place = place_of(name);
@@ -32,10 +33,7 @@ Class find(const char* name, LookUp look_up) {
     return found;
 }
 
-template <typename Function>
-Function next(const char* name) {
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
+LookUp next(const char* name) { return reinterpret_cast<LookUp>(dlsym(RTLD_NEXT, name)); }
 
 }  // namespace
 
@@ -44,26 +42,17 @@ extern "C" {
 Class objc_get_class(const char* name);
 
 Class objc_getClass(const char* name) {
-    static const LookUp look_up = next<LookUp>("objc_getClass");
+    static const LookUp look_up = next("objc_getClass");
     return find(name, look_up);
 }
 
 Class objc_lookUpClass(const char* name) {
-    static const LookUp look_up = next<LookUp>("objc_lookUpClass");
+    static const LookUp look_up = next("objc_lookUpClass");
     return find(name, look_up);
 }
 
 Class objc_get_class(const char* name) {
-    static const LookUp look_up = next<LookUp>("objc_get_class");
+    static const LookUp look_up = next("objc_get_class");
     return find(name, look_up);
-}
-
-void objc_disposeClassPair(Class gone) {
-    static const auto dispose = next<void (*)(Class)>("objc_disposeClassPair");
-    for (std::atomic<Class>& place : places) {
-        Class known = gone;
-        place.compare_exchange_strong(known, nullptr);
-    }
-    dispose(gone);
 }
 }
