@@ -18,7 +18,7 @@
 
 namespace {
 
-const double scan_limit = 1.2, sort_limit = 1.3;
+const double scan_limit = 1.05, sort_limit = 1.3;
 
 void race_scans(int entries, int rounds) {
     const bench::TestFolder folder(entries);
