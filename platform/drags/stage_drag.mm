@@ -11,7 +11,7 @@
 namespace {
 
 constexpr int held_at = 16;  // pixels of the picture, from its upper left, under the pointer
-constexpr int looking = 20;  // milliseconds between two looks at the run loop
+constexpr int turn_length = 20;  // milliseconds between two looks at the run loop
 // Seconds for a program to fetch what was dropped on it, and then to say that it is done.
 constexpr double longest_fetch = 10, longest_end = 0.5;
 
@@ -55,7 +55,7 @@ bool serve(MenuStage& stage) {
     while (stage.read() && stage.drag_state() == state) {
         if (limit.is_due()) return false;
         pollfd waiting = {stage.descriptor(), POLLIN, 0};
-        poll(&waiting, 1, looking);
+        poll(&waiting, 1, turn_length);
         @autoreleasepool {
             [[NSRunLoop currentRunLoop] runMode:NSDefaultRunLoopMode
                                      beforeDate:[NSDate distantPast]];
