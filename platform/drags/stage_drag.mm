@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int held_at = 16;  // pixels of the picture, from its upper left, under the pointer
+constexpr int held_at = 16;      // pixels of the picture, from its upper left, under the pointer
 constexpr int turn_length = 20;  // milliseconds between two looks at the run loop
 // Seconds for a program to fetch what was dropped on it, and then to say that it is done.
 constexpr double longest_fetch = 10, longest_end = 0.5;
