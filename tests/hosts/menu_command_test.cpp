@@ -213,6 +213,18 @@ TEST_F(MenuCommand, TakesSettingsForThisRunAlone) {
     EXPECT_EQ(titles(level(menu_json(words), "top")), Words({"shown"}));
 }
 
+TEST_F(MenuCommand, SortsNamesByTheUsersLanguageOnRequest) {
+    for (const char* name : {"Zug", "\u00DCbung", "Tisch", "Bild"}) {
+        folder.file(std::string("top/") + name);
+    }
+    const Words words = {"--depth", "1", folder.path("top")};
+    Words with = words;
+    with.insert(with.begin(), {"--setting", "sort_by_language=1"});
+    const Words by_language = {"Bild", "Tisch", "\u00DCbung", "Zug"};
+    EXPECT_EQ(titles(level(menu_json(with), "top")), by_language);
+    EXPECT_NE(titles(level(menu_json(words), "top")), by_language);
+}
+
 TEST_F(MenuCommand, PutsTheHostsItemsIntoASubmenuOfTheirOwnOnRequest) {
     const json items =
         menu_json({"--setting", "finderInSeparateSubmenu=1", "--depth", "1", folder.folder("top")});
