@@ -20,9 +20,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const int rounds = 31;
+const int rounds = 31, first_rounds = 15;
 const double seconds_idle = 60, seconds_to_settle = 5, patience = 60;
-const double most_of_bare = 10, most_of_other = 0.5, most_megabytes = 45;
+const double most_of_bare = 10, most_of_other = 0.5, most_of_other_first = 2.2, most_megabytes = 45;
 
 using Command = std::vector<std::string>;
 
@@ -147,6 +147,23 @@ double switches(pid_t process) {
     return sum;
 }
 
+// The first menu of a session, which starts the host, in turn with rofi.
+void race_first_menus(Display* display, const Command& menu) {
+    bench::Times first, rofi;
+    for (int round = 0; round < first_rounds; round++) {
+        const pid_t host = host_process();
+        kill(host, SIGTERM);
+        while (kill(host, 0) == 0) usleep(1000);
+        first.wall.push_back(seconds_to_window(display, menu));
+        rofi.wall.push_back(seconds_to_window(display, {"rofi", "-dmenu"}));
+    }
+    first.processor = first.wall, rofi.processor = rofi.wall;
+    bench::print_times("no host yet: start to the window", 0, "delvio menu", first);
+    bench::print_times("no host yet: start to the window", 0, "rofi", rofi);
+    bench::check("the first delvio menu of a session to rofi",
+                 bench::median(first.wall) / bench::median(rofi.wall), most_of_other_first);
+}
+
 // A host whose menu has closed finishes what that menu has left, and is idle then. At first it
 // gives back what its start has needed, so it is measured after one menu more.
 void measure_idle(Display* display, const Command& menu) {
@@ -173,6 +190,7 @@ int main() {
     const Command menu = {DELVIO_CLIENT, "menu", "--at", "100,100", folder.path()};
     try {
         race(display, menu);
+        if (is_installed("rofi")) race_first_menus(display, menu);
         measure_idle(display, menu);
     } catch (const std::exception& problem) {
         fprintf(stderr, "bench_resident: %s\n", problem.what());

@@ -16,7 +16,7 @@
 namespace {
 
 const int rounds = 15;
-const double milliseconds_limit = 90, rofi_limit = 2.2;
+const double milliseconds_limit = 90;
 const double idle_seconds = 10;
 const int x = 180, y = 110;  // a point inside every program's window
 
@@ -88,10 +88,6 @@ void race(Display* display, std::vector<Program> programs) {
                 milliseconds_limit);
     bench::check("start of delvio menu to that of a bare GNUstep window, processor time",
                  menu / bench::median(programs[1].times.processor), 1);
-    if (programs.back().name != "rofi") return;
-    bench::check("first delvio menu of a session to rofi, wall time",
-                 bench::median(programs[0].times.wall) / bench::median(programs.back().times.wall),
-                 rofi_limit);
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 // window of the X server, and as that server's own windows. The same program opens the same folders
 // with real keys, in turn. The wall time is that from the keys to the level's first row on the
 // server's screen. sway shows it a frame later, when the program has already done more, so the
-// processor times are compared until the program is idle again.
+// processor times are compared until the program is idle again. What sway adds by itself is
+// measured with a program that only shows a window.
 #include <stdio.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -14,6 +16,7 @@
 
 #include "bench/driven_menu.h"
 #include "bench/harness.h"
+#include "bench/started_program.h"
 #include "bench/test_folder.h"
 #include "support/waiting.h"
 #include "support/x_input.h"
@@ -99,6 +102,35 @@ void measure(Display* screen, const test::Compositor& sway, int entries) {
     XCloseDisplay(sessions[1].display);
 }
 
+// From the start of a program with one bare window to its first pixel.
+void show_bare_window(Display* screen, Session* session) {
+    const int x = 150, y = 150;  // inside the window
+    std::vector<std::string> command = {"/usr/bin/env"};
+    command.insert(command.end(), session->environment.begin(), session->environment.end());
+    command.push_back(BARE_X_WINDOW);
+    const unsigned long empty = bench::pixel(screen, x, y);
+    const double begin = bench::now();
+    {
+        bench::StartedProgram program(command);
+        program.wait_for_pixel(screen, x, y, empty);
+        session->times.wall.push_back(bench::now() - begin);
+        session->times.processor.push_back(program.usage().processor);
+    }
+    while (bench::pixel(screen, x, y) != empty) usleep(1000);
+    usleep(100000);  // sway has shown that it is gone
+}
+
+void measure_bare_window(Display* screen, const test::Compositor& sway) {
+    std::vector<Session> sessions = {x_session(screen), sway_session(sway)};
+    for (int round = 0; round < 3 * rounds; round++) {
+        for (Session& session : sessions) show_bare_window(screen, &session);
+    }
+    for (const Session& session : sessions) {
+        bench::print_times("a bare X window, to its first pixel", 0, session.name, session.times);
+    }
+    XCloseDisplay(sessions[1].display);
+}
+
 void compare(Display* screen) {
     test::Compositor sway;
     if (!sway.start_sway(1)) throw std::runtime_error("sway did not start: " + sway.log());
@@ -107,6 +139,7 @@ void compare(Display* screen) {
     }
     // sway gets the keys while the pointer is over its window.
     test::XInput().move(screen_side / 2, screen_side - 20);
+    measure_bare_window(screen, sway);
     for (const int entries : {10, 1000, 10000}) measure(screen, sway, entries);
 }
 
