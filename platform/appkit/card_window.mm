@@ -97,13 +97,13 @@ int paint_text(cairo_t* cairo, const Card& card, const Color& color, const TextL
 void paint_caption(cairo_t* cairo, const Card& card) {
     if (card.caption() == 0) return;
     const int pad = card.pixels(padding), room = card.panel.width - 2 * pad;
-    const auto text = [&card](const std::string& words) {
-        return paragraph(card.look, words, caption_size, false, 0);
-    };
-    const TextLayout name = text(card.details.name);
+    const TextLayout name = paragraph(card.look, card.details.name, caption_size, false, 0);
     const int for_rest = room - std::min(text_width(name), room / 2) - 2 * pad;
-    const TextLayout rest = text(rest_that_fits(card.details.rest, [&](const std::string& words) {
-        return text_width(text(words)) <= for_rest;
+    const auto facts = [&card](const std::vector<std::string>& words) {
+        return facts_text(card.look, words, caption_size);
+    };
+    const TextLayout rest = facts(rest_that_fits(card.details.rest, [&](const auto& words) {
+        return text_width(facts(words)) <= for_rest;
     }));
     const int rest_width = text_width(rest);
     fit_text(name, std::max(1, room - rest_width - 2 * pad));

@@ -13,8 +13,6 @@ namespace {
 // A disk that has fallen silent since the picture was made does not hold up the menu.
 const double patience = 0.2;
 
-const char separator[] = "  \xc2\xb7  ";
-
 std::string kind_of(const std::string& path) {
     const std::string type = files::taken_text(
         g_content_type_guess(path.substr(path.rfind('/') + 1).c_str(), nullptr, 0, nullptr));
@@ -33,16 +31,15 @@ FileDetails details_of_file(const std::string& path) {
     FileDetails details = {files::taken_text(g_filename_display_basename(path.c_str())), {}};
     const std::optional<struct stat> status = files::patient_stat(path, patience);
     if (!status) return details;
-    details.rest = kind_of(path) + separator +
-                   files::taken_text(g_format_size(static_cast<guint64>(status->st_size))) +
-                   separator + date_text(status->st_mtime);
+    const auto size = static_cast<guint64>(status->st_size);
+    details.rest = {kind_of(path), files::taken_text(g_format_size(size)),
+                    date_text(status->st_mtime)};
     return details;
 }
 
-std::string rest_that_fits(std::string rest, const std::function<bool(const std::string&)>& fits) {
-    while (!rest.empty() && !fits(rest)) {
-        const size_t end = rest.rfind(separator);
-        rest.resize(end == rest.npos ? 0 : end);
-    }
+std::vector<std::string> rest_that_fits(
+    std::vector<std::string> rest,
+    const std::function<bool(const std::vector<std::string>&)>& fits) {
+    while (!rest.empty() && !fits(rest)) rest.pop_back();
     return rest;
 }

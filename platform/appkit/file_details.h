@@ -3,13 +3,16 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 struct FileDetails {
     std::string name;
-    std::string rest;  // kind, size and date; empty when the file does not answer
+    std::vector<std::string> rest;  // kind, size and date; empty when the file does not answer
 };
 
 FileDetails details_of_file(const std::string& path);
 
-// The rest without as many of its last parts as it takes until it fits; empty when no part fits.
-std::string rest_that_fits(std::string rest, const std::function<bool(const std::string&)>& fits);
+// The rest without as many of its last facts as it takes until it fits; empty when no fact fits.
+std::vector<std::string> rest_that_fits(
+    std::vector<std::string> rest,
+    const std::function<bool(const std::vector<std::string>&)>& fits);

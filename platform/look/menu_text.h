@@ -31,6 +31,9 @@ TextLayout item_text(const MenuLook& look, NSMenuItem* item, bool plain);
 TextLayout paragraph(const MenuLook& look, const std::string& text, double size, bool bold,
                      int width);
 
+// Facts on one line, from the side where lines begin, whatever direction each of them runs in.
+TextLayout facts_text(const MenuLook& look, const std::vector<std::string>& facts, double size);
+
 // A line that the user writes, with every byte at its place.
 TextLayout typed_text(const MenuLook& look, const std::string& text, double size);
 

@@ -10,6 +10,9 @@ namespace {
 
 const NSUInteger longest_title = 2000;
 const char *const right_to_left_mark = "\u200f", *const left_to_right_mark = "\u200e";
+// Between these a text has its own direction, that of its first letter.
+const char *const first_strong_isolate = "\u2068", *const end_of_isolate = "\u2069";
+const char* const between_facts = "  \u00b7  ";
 
 // One context for all text: it keeps the fonts. Glyphs stand where the type designer put them, not
 // on whole pixels, and are the same on every kind of surface.
@@ -241,6 +244,16 @@ static TextLayout text_layout(const MenuLook& look, const std::string& text, dou
     pango_font_description_free(font);
     pango_layout_set_text(layout.get(), text.data(), static_cast<int>(text.size()));
     return layout;
+}
+
+TextLayout facts_text(const MenuLook& look, const std::vector<std::string>& facts, double size) {
+    std::string line = look.mirrored ? right_to_left_mark : left_to_right_mark;
+    for (const std::string& fact : facts) {
+        if (&fact != &facts.front()) line += between_facts;
+        NSString* characters = [NSString stringWithUTF8String:fact.c_str()];
+        line += first_strong_isolate + visible_title(characters) + end_of_isolate;
+    }
+    return text_layout(look, line, size, false);
 }
 
 TextLayout typed_text(const MenuLook& look, const std::string& text, double size) {

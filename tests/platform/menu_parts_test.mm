@@ -131,15 +131,46 @@ TEST(CardPlacement, ACardThatFitsNowhereIsSmallerInProportion) {
 }
 
 TEST(CardLine, LosesItsLastPartsWhereThereIsTooLittleRoom) {
-    const std::string rest = "Text  \u00B7  3 bytes  \u00B7  1 May 2024, 10:12";
+    using Facts = std::vector<std::string>;
+    const Facts rest = {"Text", "3 bytes", "1 May 2024, 10:12"};
     const auto in = [&](size_t room) {
-        return rest_that_fits(rest,
-                              [room](const std::string& words) { return words.size() <= room; });
+        return rest_that_fits(rest, [room](const Facts& facts) { return facts.size() <= room; });
     };
-    EXPECT_EQ(in(100), rest);
-    EXPECT_EQ(in(30), "Text  \u00B7  3 bytes");
-    EXPECT_EQ(in(6), "Text");
-    EXPECT_EQ(in(3), "");
+    EXPECT_EQ(in(3), rest);
+    EXPECT_EQ(in(2), Facts({"Text", "3 bytes"}));
+    EXPECT_EQ(in(1), Facts({"Text"}));
+    EXPECT_EQ(in(0), Facts());
+}
+
+// Where the character at which this text begins stands in the line.
+static int left_of(const TextLayout& line, const std::string& text) {
+    const std::string whole = pango_layout_get_text(line.get());
+    PangoRectangle box;
+    pango_layout_index_to_pos(line.get(), static_cast<int>(whole.find(text)), &box);
+    return std::min(box.x, box.x + box.width);
+}
+
+TEST(CardLine, ItsPartsComeInReadingOrderWhateverDirectionEachRunsIn) {
+    for (const char* kind : {"\u0623\u0631\u0634\u064a\u0641 Tar", "PNG"}) {
+        for (const bool mirrored : {false, true}) {
+            MenuLook look = {};
+            look.family = "Sans", look.scale = 1, look.mirrored = mirrored;
+            const TextLayout line = facts_text(look, {kind, "10.2 kB", "23 Nov 2026, 01:14"}, 9);
+            const int name = left_of(line, kind), size = left_of(line, "10.2");
+            const int day = left_of(line, "23 Nov"), time = left_of(line, "01:14");
+            EXPECT_EQ(name > size, mirrored) << kind;
+            EXPECT_EQ(size > day, mirrored) << kind;
+            EXPECT_LT(day, time) << "the date itself runs to the right";
+        }
+    }
+}
+
+TEST(CardLine, NothingInAPartReordersTheOthers) {
+    MenuLook look = {};
+    look.family = "Sans", look.scale = 1;
+    const TextLayout line = facts_text(look, {"a\u202e\u2069", "10 kB"}, 9);
+    const std::string shown = pango_layout_get_text(line.get());
+    EXPECT_NE(shown.find("a\ufffd\ufffd"), shown.npos) << shown;
 }
 
 TEST(Aiming, TheWayToASubmenuIsATriangle) {
