@@ -2,6 +2,7 @@
 
 #include <host/glib_owners.h>
 #include <gio/gio.h>
+#include <locale.h>
 #include <sys/stat.h>
 
 #include <memory>
@@ -12,6 +13,27 @@ namespace {
 
 // A disk that has fallen silent since the picture was made does not hold up the menu.
 const double patience = 0.2;
+
+// While it lives, this thread writes numbers and dates as the user's locale does. The program,
+// which is not ours, keeps its own.
+class InUsersLocale {
+  public:
+    InUsersLocale() : before_(locale() ? uselocale(locale()) : nullptr) {}
+    ~InUsersLocale() {
+        if (before_) uselocale(before_);
+    }
+    InUsersLocale(const InUsersLocale&) = delete;
+    InUsersLocale& operator=(const InUsersLocale&) = delete;
+
+  private:
+    // Null when the system does not have it.
+    static locale_t locale() {
+        static const locale_t users = newlocale(LC_ALL_MASK, "", nullptr);
+        return users;
+    }
+
+    const locale_t before_;
+};
 
 std::string kind_of(const std::string& path) {
     const std::string type = files::taken_text(
@@ -31,6 +53,7 @@ FileDetails details_of_file(const std::string& path) {
     FileDetails details = {files::taken_text(g_filename_display_basename(path.c_str())), {}};
     const std::optional<struct stat> status = files::patient_stat(path, patience);
     if (!status) return details;
+    const InUsersLocale here;
     const auto size = static_cast<guint64>(status->st_size);
     details.rest = {kind_of(path), files::taken_text(g_format_size(size)),
                     date_text(status->st_mtime)};

@@ -1,7 +1,10 @@
 // The parts of the presenter that need no screen.
 #include <AppKit/AppKit.h>
 #include <gtest/gtest.h>
+#include <fcntl.h>
+#include <locale.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 
 #include "appkit/file_details.h"
 #include "desktop/desktop_settings.h"
@@ -163,6 +166,22 @@ TEST(CardLine, ItsPartsComeInReadingOrderWhateverDirectionEachRunsIn) {
             EXPECT_LT(day, time) << "the date itself runs to the right";
         }
     }
+}
+
+TEST(CardLine, WritesSizeAndDateAsTheUsersLocaleDoes) {
+    test::TempFolder folder;
+    const std::string locale = folder.path() + "/de_DE.UTF-8";
+    ASSERT_EQ(system(("localedef -i de_DE -f UTF-8 " + locale + " >&2").c_str()), 0);
+    setenv("LOCPATH", folder.path().c_str(), 1);
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    const std::string path = folder.file("a.txt", std::string(10200, 'x'));
+    const timespec times[2] = {{1778000000, 0}, {1778000000, 0}};  // in May 2026
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    const FileDetails details = details_of_file(path);
+    ASSERT_EQ(details.rest.size(), 3u);
+    EXPECT_TRUE(details.rest[1].starts_with("10,2")) << details.rest[1];
+    EXPECT_NE(details.rest[2].find("Mai"), std::string::npos) << details.rest[2];
+    EXPECT_STREQ(localeconv()->decimal_point, ".") << "the program keeps its own locale";
 }
 
 TEST(CardLine, NothingInAPartReordersTheOthers) {
