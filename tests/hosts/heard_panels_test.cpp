@@ -81,6 +81,7 @@ TEST_F(HeardPanel, EachControlOfTheSettingsWindowIsHeardWithItsRoleAndState) {
     EXPECT_TRUE(has(rows, "row Menu, label, -, enabled")) << testing::PrintToString(rows);
     EXPECT_TRUE(has(rows, "row Close, push button, -, enabled focusable"))
         << testing::PrintToString(rows);
+    EXPECT_TRUE(has(rows, "row Messages, list item, 8 of 9, ")) << testing::PrintToString(rows);
     key("shift+Tab", "at Show Delvio's items in menus, check box, -, checkable enabled focusable");
     key("shift+Tab", "at Menu, list item, 1 of 9, ");
     key("Down", "at Folders shown, list item, 2 of 9, enabled focusable focused");

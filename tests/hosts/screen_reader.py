@@ -23,10 +23,29 @@ def tell(line):
 def describe(row):
     attributes = dict(each.split(":", 1) for each in row.getAttributes())
     place = f"{attributes['posinset']} of {attributes['setsize']}" if "posinset" in attributes else "-"
+    if row.getRole() == pyatspi.ROLE_LIST_ITEM:
+        place = place_in_list(row, place)
     states = sorted(pyatspi.stateToString(each) for each in row.getState().getStates())
     left_out = {"visible", "showing", "sensitive", "selectable"}
     return f"{row.name}, {row.getRoleName()}, {place}, " + " ".join(
         each for each in states if each not in left_out) + written_in(row)
+
+
+# Some screen readers count the items of the list themselves.
+def place_in_list(row, place):
+    counted = f"{row.getIndexInParent() + 1} of {row.parent.childCount}"
+    is_found = row.parent.getChildAtIndex(row.getIndexInParent()).name == row.name
+    if row.parent.getRole() == pyatspi.ROLE_LIST and counted == place and is_found:
+        return place
+    return f"{place}, but {counted} in a {row.parent.getRoleName()}"
+
+
+def rows_of(menu):
+    for each in menu:
+        if each.getRole() == pyatspi.ROLE_LIST:
+            yield from each
+        else:
+            yield each
 
 
 def written_in(row):
@@ -99,20 +118,20 @@ def obey(channel, condition):
     command, _, rest = line.rstrip("\n").partition(" ")
     deepest = nodes[list(menus)[-1]] if menus else None
     if command == "rows":
-        for row in deepest:
+        for row in rows_of(deepest):
             tell("row " + describe(row))
     elif command == "do":
         wanted, name = rest.split("|")
-        row = next(each for each in deepest if each.name == name)
+        row = next(each for each in rows_of(deepest) if each.name == name)
         actions = row.queryAction()
         names = [actions.getName(each) for each in range(actions.nActions)]
         tell("did" if actions.doAction(names.index(wanted)) else "did nothing")
     elif command == "edit":
         method, name, *arguments = rest.split("|")
-        field = next(each for each in deepest if each.name == name).queryEditableText()
+        field = next(each for each in rows_of(deepest) if each.name == name).queryEditableText()
         tell(f"did {getattr(field, method)(*map(int, arguments))}")
     elif command == "where":
-        area = next(each for each in deepest if each.name == rest).queryComponent().getExtents(0)
+        area = next(each for each in rows_of(deepest) if each.name == rest).queryComponent().getExtents(0)
         tell(f"where {area.x} {area.y} {area.width} {area.height}")
     elif command == "connections":
         tell(f"connections {sum(count_of(each, int(rest)) for each in buses())}")

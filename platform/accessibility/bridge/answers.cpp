@@ -76,6 +76,7 @@ std::vector<const char*> interfaces_of(const NodeTree& tree, const Node& node) {
         case Node::application:
             return {accessible_interface, application_interface};
         case Node::window:
+        case Node::list:
             return {accessible_interface, component_interface};
         case Node::menu:
             return {accessible_interface, component_interface, selection_interface};
@@ -193,7 +194,9 @@ std::optional<Node> Answers::node_at(const Node& node, MenuPoint point) const {
     if (!tree_.area(node).contains(point)) return {};
     if (node.kind == Node::row) return node;
     const int row = tree_.menus().row_at(tree_.level(node), point);
-    return row < 0 ? Node{Node::menu, node.level_number} : Node{Node::row, node.level_number, row};
+    const Node found = {Node::row, node.level_number, row};
+    if (node.kind == Node::list) return row >= 0 && tree_.parent(found) == node ? found : node;
+    return row < 0 ? Node{Node::menu, node.level_number} : found;
 }
 
 bool Answers::highlight(const Node& node) const {
@@ -254,14 +257,14 @@ GVariant* Answers::action(const Node& node, const std::string& method, GVariant*
 
 GVariant* Answers::selection(const Node& node, const std::string& method,
                              GVariant* arguments) const {
-    const int selected = tree_.menus().level(tree_.level(node)).highlighted;
+    const int highlighted = tree_.menus().level(tree_.level(node)).highlighted;
     const int index = number(arguments);
+    std::optional<Node> selected;
+    if (highlighted >= 0) selected = Node{Node::row, node.level_number, highlighted};
     if (method == "GetSelectedChild") {
-        const bool is_there = index == 0 && selected >= 0;
-        return answer(
-            reference(surroundings_, is_there ? tree_.child(node, selected) : std::nullopt));
+        return answer(reference(surroundings_, index == 0 ? selected : std::nullopt));
     }
-    if (method == "IsChildSelected") return truth(selected >= 0 && index == selected);
     const std::optional<Node> wanted = tree_.child(node, index);
+    if (method == "IsChildSelected") return truth(selected && wanted == selected);
     return truth(method == "SelectChild" && wanted && highlight(*wanted));
 }

@@ -2,6 +2,7 @@
 
 #include <atspi/atspi-constants.h>
 
+#include <algorithm>
 #include <charconv>
 #include <string_view>
 #include <utility>
@@ -10,7 +11,7 @@ namespace {
 
 const std::string folder = "/org/a11y/atspi/accessible/";
 const std::string root_name = "root", window_prefix = "window_", menu_prefix = "menu_",
-                  row_infix = "_row_";
+                  list_infix = "_list_", row_infix = "_row_";
 
 // The number at the beginning of the text, which is shortened by it.
 template <typename Number>
@@ -73,6 +74,7 @@ const char* role_name(unsigned role) {
         {ATSPI_ROLE_PUSH_BUTTON, "push button"},
         {ATSPI_ROLE_CHECK_BOX, "check box"},
         {ATSPI_ROLE_COMBO_BOX, "combo box"},
+        {ATSPI_ROLE_LIST, "list"},
         {ATSPI_ROLE_LIST_ITEM, "list item"},
         {ATSPI_ROLE_ENTRY, "entry"},
         {ATSPI_ROLE_PROGRESS_BAR, "progress bar"},
@@ -126,6 +128,8 @@ std::string name_of(const Node& node) {
             return window_prefix + id;
         case Node::menu:
             return menu_prefix + id;
+        case Node::list:
+            return menu_prefix + id + list_infix + std::to_string(node.index);
         case Node::row:
             return menu_prefix + id + row_infix + std::to_string(node.index);
     }
@@ -146,8 +150,9 @@ std::optional<Node> node_named(const std::string& name) {
     node.kind = Node::menu;
     if (!take(&rest, menu_prefix) || !take_number(&rest, &node.level_number)) return {};
     if (rest.empty()) return node;
-    node.kind = Node::row;
-    if (!take(&rest, row_infix) || !take_number(&rest, &node.index) || !rest.empty()) return {};
+    node.kind = take(&rest, list_infix) ? Node::list : Node::row;
+    if (node.kind == Node::row && !take(&rest, row_infix)) return {};
+    if (!take_number(&rest, &node.index) || !rest.empty()) return {};
     return node;
 }
 
@@ -162,7 +167,48 @@ bool NodeTree::exists(const Node& node) const {
     if (node.kind == Node::application) return true;
     const std::optional<size_t> level = find_level(node.level_number);
     if (!level || (node.kind == Node::window && *level != 0)) return false;
-    return node.kind != Node::row || node.index < menus_.level(*level).rows;
+    if (node.kind < Node::list) return true;
+    const Node row = {Node::row, node.level_number, node.index};
+    if (node.index >= menus_.level(*level).rows) return false;
+    return node.kind == Node::row || list_of(row) == node;
+}
+
+// The list that holds a row of a panel: the rows of a group follow each other.
+std::optional<Node> NodeTree::list_of(const Node& row) const {
+    const size_t index = level(row);
+    if (menus_.level(index).kind == OpenLevel::menu) return {};
+    if (menus_.row(index, row.index).kind != OpenRow::list_item) return {};
+    const RowPlace place = menus_.row_place(index, row.index);
+    if (!place.count) return {};
+    return Node{Node::list, row.level_number, row.index - place.place + 1};
+}
+
+int NodeTree::list_size(const Node& list) const {
+    return menus_.row_place(level(list), list.index).count;
+}
+
+// What stands directly in a panel: its lists, and the rows that are in none.
+std::vector<Node> NodeTree::panel_children(const Node& menu) const {
+    std::vector<Node> nodes;
+    const int rows = menus_.level(level(menu)).rows;
+    for (int i = 0; i < rows; i++) {
+        const Node row = {Node::row, menu.level_number, i};
+        const std::optional<Node> list = list_of(row);
+        if (!list || list->index == i) nodes.push_back(list.value_or(row));
+    }
+    return nodes;
+}
+
+Area NodeTree::list_area(const Node& list) const {
+    const size_t index = level(list);
+    const Area first = menus_.row_area(index, list.index);
+    int left = first.left, top = first.top, right = first.right(), bottom = first.bottom();
+    for (int i = 1; i < list_size(list); i++) {
+        const Area row = menus_.row_area(index, list.index + i);
+        left = std::min(left, row.left), right = std::max(right, row.right());
+        top = std::min(top, row.top), bottom = std::max(bottom, row.bottom());
+    }
+    return {left, top, right - left, bottom - top};
 }
 
 size_t NodeTree::level(const Node& node) const { return find_level(node.level_number).value_or(0); }
@@ -176,6 +222,8 @@ std::optional<Node> NodeTree::parent(const Node& node) const {
         case Node::window:
             return Node{};
         case Node::row:
+            return list_of(node).value_or(Node{Node::menu, node.level_number});
+        case Node::list:
             return Node{Node::menu, node.level_number};
         case Node::menu:
             break;
@@ -200,7 +248,10 @@ int NodeTree::children(const Node& node) const {
         case Node::window:
             return 1;
         case Node::menu:
-            return menus_.level(level(node)).rows;
+            if (level_kind(node) == OpenLevel::menu) return menus_.level(level(node)).rows;
+            return static_cast<int>(panel_children(node).size());
+        case Node::list:
+            return list_size(node);
         case Node::row:
             return is_expanded(node) ? 1 : 0;
     }
@@ -215,7 +266,11 @@ std::optional<Node> NodeTree::child(const Node& node, int index) const {
         case Node::window:
             return Node{Node::menu, node.level_number};
         case Node::menu:
-            return Node{Node::row, node.level_number, index};
+            if (level_kind(node) == OpenLevel::menu)
+                return Node{Node::row, node.level_number, index};
+            return panel_children(node)[static_cast<size_t>(index)];
+        case Node::list:
+            return Node{Node::row, node.level_number, node.index + index};
         case Node::row:
             return Node{Node::menu, menus_.level(level(node) + 1).number};
     }
@@ -224,7 +279,12 @@ std::optional<Node> NodeTree::child(const Node& node, int index) const {
 
 int NodeTree::index_in_parent(const Node& node) const {
     if (node.kind == Node::application) return -1;
-    return node.kind == Node::row ? node.index : 0;
+    if (node.kind < Node::list) return 0;
+    if (level_kind(node) == OpenLevel::menu) return node.index;
+    const Node above = *parent(node);
+    if (above.kind == Node::list) return node.index - above.index;
+    const std::vector<Node> nodes = panel_children(above);
+    return static_cast<int>(std::ranges::find(nodes, node) - nodes.begin());
 }
 
 OpenLevel::Kind NodeTree::level_kind(const Node& node) const {
@@ -240,6 +300,8 @@ unsigned NodeTree::role(const Node& node) const {
             return level_kind(node) == OpenLevel::alert ? ATSPI_ROLE_ALERT : ATSPI_ROLE_DIALOG;
         case Node::menu:
             return level_kind(node) == OpenLevel::menu ? ATSPI_ROLE_MENU : ATSPI_ROLE_PANEL;
+        case Node::list:
+            return ATSPI_ROLE_LIST;
         case Node::row:
             break;
     }
@@ -254,6 +316,8 @@ std::string NodeTree::text(const Node& node) const {
             return menus_.application();
         case Node::row:
             return row(node).name;
+        case Node::list:
+            return {};
         case Node::window:
         case Node::menu:
             break;
@@ -294,6 +358,7 @@ std::vector<unsigned> NodeTree::states(const Node& node) const {
 
 Area NodeTree::area(const Node& node) const {
     if (node.kind == Node::application) return {};
+    if (node.kind == Node::list) return list_area(node);
     const size_t index = level(node);
     return node.kind == Node::row ? menus_.row_area(index, node.index) : menus_.level_area(index);
 }

@@ -1,6 +1,7 @@
 // The tree of nodes that assistive technology sees: the application, its menu's window, a menu for
-// each open level, and its rows. A node is nothing but its path, so that a level of a hundred
-// thousand rows costs no more than one of ten. Main thread.
+// each open level, and its rows; list items of a panel stand in a list of their own. A node is
+// nothing but its path, so that a level of a hundred thousand rows costs no more than one of ten.
+// Main thread.
 #pragma once
 
 #include <optional>
@@ -10,10 +11,10 @@
 #include "accessibility/open_menus.h"
 
 struct Node {
-    enum Kind { application, window, menu, row };
+    enum Kind { application, window, menu, list, row };
     Kind kind = application;
     unsigned level_number = 0;  // of the level that is, has or holds the node
-    int index = 0;              // of a row
+    int index = 0;              // of a row; of a list, that of its first row
 
     bool operator==(const Node&) const = default;
 };
@@ -65,6 +66,10 @@ class NodeTree {
     std::optional<size_t> find_level(unsigned number) const;
     bool is_expanded(const Node& node) const;
     OpenLevel::Kind level_kind(const Node& node) const;
+    std::optional<Node> list_of(const Node& row) const;
+    int list_size(const Node& list) const;
+    std::vector<Node> panel_children(const Node& menu) const;
+    Area list_area(const Node& list) const;
 
     OpenMenus& menus_;
 };
