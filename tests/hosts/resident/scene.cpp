@@ -7,10 +7,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <stdexcept>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -147,6 +149,15 @@ Outcome ResidentScene::show_and_close(const Changes& more) {
     return outcome;
 }
 
+// 0 for a process that has ended.
+static pid_t parent_of(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string word; status >> word;) {
+        if (pid_t parent = 0; word == "PPid:" && status >> parent) return parent;
+    }
+    return 0;
+}
+
 std::vector<pid_t> ResidentScene::hosts() const {
     std::vector<pid_t> found;
     for (const auto& entry : fs::directory_iterator("/proc")) {
@@ -154,6 +165,10 @@ std::vector<pid_t> ResidentScene::hosts() const {
         if (process <= 0 || !is_host(process)) continue;
         if (holds_variable(process, "XDG_SESSION_ID=" + session)) found.push_back(process);
     }
+    // A program that a host starts looks like the host until it runs.
+    std::erase_if(found, [parents = found](pid_t process) {
+        return std::ranges::find(parents, parent_of(process)) != parents.end();
+    });
     return found;
 }
 
