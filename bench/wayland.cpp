@@ -117,7 +117,6 @@ void show_bare_window(Display* screen, Session* session) {
         session->times.processor.push_back(program.usage().processor);
     }
     while (bench::pixel(screen, x, y) != empty) usleep(1000);
-    usleep(100000);  // sway has shown that it is gone
 }
 
 void measure_bare_window(Display* screen, const test::Compositor& sway) {

@@ -70,8 +70,7 @@ bool drag_on_stage(MenuStage& stage, const std::string& uri_list, NSImage* image
                    NSDragOperation* result) {
     StageDrag drag = {uri_list};
     give_picture(drag, image);
-    const bool begun = stage.begin_drag(drag);
-    if (!begun) return false;
+    if (!stage.begin_drag(drag)) return false;
     end_telling_pointer();
     while (serve(stage)) {
     }
