@@ -15,7 +15,8 @@ int hex_digit(char digit) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// False for a broken escape, and for an escape of a byte that no name can hold.
+// False for a broken escape, and for an escape of a byte that no name can hold; an escaped slash is
+// no step into a folder.
 bool unescape(const std::string& text, std::string* bytes) {
     for (size_t i = 0; i < text.size(); i++) {
         if (text[i] != '%') {
@@ -24,8 +25,10 @@ bool unescape(const std::string& text, std::string* bytes) {
         }
         if (i + 2 >= text.size()) return false;
         const int high = hex_digit(text[i + 1]), low = hex_digit(text[i + 2]);
-        if (high < 0 || low < 0 || (high == 0 && low == 0)) return false;
-        *bytes += static_cast<char>(high << 4 | low);
+        if (high < 0 || low < 0) return false;
+        const char byte = static_cast<char>(high << 4 | low);
+        if (byte == '\0' || byte == '/') return false;
+        *bytes += byte;
         i += 2;
     }
     return bytes->find('\0') == bytes->npos;

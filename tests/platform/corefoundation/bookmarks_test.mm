@@ -75,6 +75,14 @@ TEST_F(Bookmarks, WhatNamesNoFileOfThisMachineDoesNotResolve) {
               nil);
 }
 
+TEST_F(Bookmarks, AnEscapedSlashIsInNoName) {
+    const std::string file = folder.file("a");
+    ASSERT_EQ(path("file://" + file), file);
+    EXPECT_EQ(path("file://" + folder.path() + "/%2Fa"), "none");
+    EXPECT_EQ(path("file://" + folder.path() + "%2fa"), "none");
+    EXPECT_EQ(path("file:/%2f"), "none");
+}
+
 TEST_F(Bookmarks, ANameThatIsNoTextKeepsItsEscapes) {
     folder.file("caf\xe9");
     const std::string address = "file://" + folder.path() + "/caf%E9";
