@@ -78,7 +78,6 @@ class SettingsWindow {
     const Setting* list_setting() const;
     NSPoint corner_of(int item);
 
-    ExampleFolder folder_;
     SettingsView view_;
     WidgetPanel* panel_ = nil;
 };
@@ -114,8 +113,10 @@ void SettingsWindow::read() {
     if (view_.pages[view_.page].has_managers) view_.managers = shown_managers();
     view_.folder = std::min(view_.folder, list().empty() ? 0 : list().size() - 1);
     const PanelContent content = empty_settings();
-    if (!folder_.path().empty()) {
-        view_.example = example_menu(folder_.path(), content.look, example_room(content.look));
+    // Only now: a window that is killed or loses its display leaves no folder behind.
+    const ExampleFolder folder;
+    if (!folder.path().empty()) {
+        view_.example = example_menu(folder.path(), content.look, example_room(content.look));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <memory>
 
 #include "hosts/menu_command.h"
@@ -285,6 +286,27 @@ TEST_P(AnySettingsWindow, ClosesAtASignal) {
     ASSERT_TRUE(has_keys());
     command.send_signal(SIGTERM);
     EXPECT_EQ(command.finish().status, 128 + SIGTERM);
+}
+
+// What stands in the temporary folder for the example menu.
+Words example_folders() {
+    Words found;
+    for (const auto& entry : std::filesystem::directory_iterator(getenv("TMPDIR"))) {
+        const std::string name = entry.path().filename();
+        if (name.starts_with("delvio-example")) found.push_back(name);
+    }
+    return found;
+}
+
+TEST_F(SettingsWindow, LeavesNoExampleBehindHoweverItEnds) {
+    RunningCommand command({"settings"});
+    ASSERT_TRUE(has_keys());
+    EXPECT_EQ(example_folders(), Words());
+    ASSERT_TRUE(press({"Down"})) << "another page, with its own example";
+    EXPECT_EQ(example_folders(), Words());
+    command.send_signal(SIGKILL);
+    EXPECT_EQ(command.finish().status, 128 + SIGKILL);
+    EXPECT_EQ(example_folders(), Words());
 }
 
 TEST_P(AnySettingsWindow, OpensFromTheMenu) {
