@@ -23,6 +23,15 @@ const std::vector<std::string> modifiers = {"Alt_L", "Super_L", "Shift_L", "Cont
 
 }  // namespace
 
+void Walker::begin() {
+    if (getenv("DELVIO_SOAK_TELL") && begun_ > 0) {
+        printf("walk %d: %s\n", begun_ - 1, story_.c_str());
+        fflush(stdout);
+    }
+    begun_++;
+    story_.clear();
+}
+
 void Walker::move_into(const Spot& menu) {
     const int x = menu.x + any(std::max(menu.width, 1)), y = menu.y + any(std::max(menu.height, 1));
     tell("to " + std::to_string(x) + "," + std::to_string(y));
@@ -119,11 +128,10 @@ Held settled(int process) {
     return held_by(process);
 }
 
-std::string described(const Held& held) {
-    std::string text = std::to_string(held.files) + " open files, " + std::to_string(held.threads) +
-                       " threads, " + std::to_string(held.resources) + " X resources, " +
-                       std::to_string(held.memory >> 10) + " KiB";
-    return text;
+void tell_held(int number, const Held& held) {
+    printf("after %d walks: %ld open files, %ld threads, %d X resources, %ld KiB\n", number,
+           held.files, held.threads, held.resources, held.memory >> 10);
+    fflush(stdout);
 }
 
 std::vector<std::string> files_below(const std::string& folder) {

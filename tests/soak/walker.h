@@ -32,9 +32,10 @@ class Walker {
     // Files come, go and change in the folder.
     void change_files(test::TempFolder& folder, const std::string& name);
 
-    // What was done since begin(), for the message of a walk that fails.
+    // What was done since begin(), for the message of a walk that fails. With DELVIO_SOAK_TELL
+    // each walk's is printed, as what an earlier walk has opened may only now be in the way.
     const std::string& story() const { return story_; }
-    void begin() { story_.clear(); }
+    void begin();
     void tell(const std::string& what) { story_ += what + "; "; }
 
   private:
@@ -44,6 +45,7 @@ class Walker {
     std::mt19937_64 random_;
     test::XInput& input_;
     std::string story_;
+    int begun_ = 0;
 };
 
 // What a process holds.
@@ -60,10 +62,11 @@ Held settled(int process);
 // one of some walks is more.
 inline constexpr int files_opened_once = 8, resources_made_once = 30;
 
-std::string described(const Held& held);
-
 // What is in a folder and below it.
 std::vector<std::string> files_below(const std::string& folder);
+
+// Prints what a process holds.
+void tell_held(int number, const Held& held);
 
 // The walks to make: DELVIO_SOAK_WALKS, or so many.
 int walks(int usual);

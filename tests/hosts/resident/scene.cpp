@@ -32,9 +32,9 @@ bool holds_variable(pid_t process, const std::string& variable) {
     return all.find('\0' + variable + '\0') != std::string::npos;
 }
 
-bool is_host(pid_t process) {
+bool has_argument(pid_t process, const std::string& argument) {
     const std::string words = read_file("/proc/" + std::to_string(process) + "/cmdline");
-    return words.find("--resident-host") != std::string::npos;
+    return words.find('\0' + argument + '\0') != std::string::npos;
 }
 
 int ignore_error(Display*, XErrorEvent*) { return 0; }
@@ -158,13 +158,18 @@ static pid_t parent_of(pid_t process) {
     return 0;
 }
 
-std::vector<pid_t> ResidentScene::hosts() const {
+std::vector<pid_t> ResidentScene::programs(const std::string& argument) const {
     std::vector<pid_t> found;
     for (const auto& entry : fs::directory_iterator("/proc")) {
         const pid_t process = atoi(entry.path().filename().c_str());
-        if (process <= 0 || !is_host(process)) continue;
+        if (process <= 0 || !has_argument(process, argument)) continue;
         if (holds_variable(process, "XDG_SESSION_ID=" + session)) found.push_back(process);
     }
+    return found;
+}
+
+std::vector<pid_t> ResidentScene::hosts() const {
+    std::vector<pid_t> found = programs("--resident-host");
     // A program that a host starts looks like the host until it runs.
     std::erase_if(found, [parents = found](pid_t process) {
         return std::ranges::find(parents, parent_of(process)) != parents.end();

@@ -67,6 +67,8 @@ struct ResidentScene : testing::Test {
     RunningCommand call_at(int x, int y, const Changes& more = {}) const;
     // Opens a menu, closes it with the Escape key and returns what the client left.
     Outcome show_and_close(const Changes& more = {});
+    // The programs of this session that were started with this argument.
+    std::vector<pid_t> programs(const std::string& argument) const;
     // The hosts of this session.
     std::vector<pid_t> hosts() const;
     pid_t host() const;
