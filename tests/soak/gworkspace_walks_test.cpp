@@ -137,8 +137,7 @@ TEST_F(GWorkspaceWalks, LeaveGWorkspaceAsItWas) {
         if (number == first) held = now;
     }
     EXPECT_EQ(balance(), 0);
-    EXPECT_LE(now.resources, held.resources + soak::resources_made_once);
-    EXPECT_LE(now.files, held.files + soak::files_opened_once);
+    soak::expect_no_more(now, held);
 }
 
 }  // namespace

@@ -167,8 +167,7 @@ TEST_F(HostWalks, LeaveTheHostAsItWas) {
         soak::tell_held(number, now = soak::settled(process));
         if (number == first) held = now;
     }
-    EXPECT_LE(now.files, held.files + soak::files_opened_once);
-    EXPECT_LE(now.resources, held.resources + soak::resources_made_once);
+    soak::expect_no_more(now, held);
     EXPECT_TRUE(test::wait_for([&] { return new_files(files).empty(); })) << new_files(files);
     if (looks_for_leaks()) EXPECT_TRUE(test::wait_for([&] { return hosts().empty(); }));
     // The host writes there what its sanitizers say.

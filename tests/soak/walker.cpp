@@ -1,5 +1,6 @@
 #include "soak/walker.h"
 
+#include <gtest/gtest.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
@@ -126,6 +127,14 @@ Held settled(int process) {
         return std::pair(held.files, held.resources);
     });
     return held_by(process);
+}
+
+void expect_no_more(const Held& now, const Held& first) {
+    EXPECT_LE(now.files, first.files + files_opened_once);
+    EXPECT_LE(now.threads, first.threads + threads_made_once);
+    EXPECT_LE(now.resources, first.resources + resources_made_once);
+    // The sanitizer keeps what was freed.
+    if (!test::has_sanitizers_heap()) EXPECT_LE(now.memory, first.memory + memory_kept);
 }
 
 void tell_held(int number, const Held& held) {
