@@ -1,15 +1,22 @@
-// Files that the user picked and that could not be opened, and the messages about them. Main
-// thread.
+// What the user picked and could not be done, mostly files that could not be opened, and the
+// messages about it. Main thread.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <vector>
 
+enum class Problem {
+    opening,
+    memory,  // whatever was picked may have been done in part, or not at all
+    folder,  // nothing was moved or copied into a folder
+    item     // this file was not moved or copied; the others were
+};
+
 struct OpenProblem {
     std::string file, program;  // a path and a name; empty when unknown
     std::string reason;         // a clause, such as "it is no longer there"
-    bool is_of_memory = false;  // whatever was picked may have been done in part, or not at all
+    Problem kind = Problem::opening;
 };
 
 // From now on `listener` gets each problem at once. There is only one listener.

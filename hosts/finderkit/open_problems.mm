@@ -1,29 +1,15 @@
 #include "finderkit/open_problems.h"
 
-#include <errno.h>
 #include <glib.h>
 #include <host/text.h>
 
 #include <AppKit/AppKit.h>
-#include <host/memory_reserve.h>
 #include <host/opening_files.h>
-
-#include <host/process.h>
 
 #include "file_steps/visible_text.h"
 #include "finderkit/context_menu.h"
-#include "finderkit/plug_in_items.h"
+#include "finderkit/pick_watch.h"
 #include "operations_ui/caution_alert.h"
-
-// Notices a pick that had no effect without any attempt to open, and one for which memory was
-// short.
-@interface PickWatch : NSObject {
-  @private
-    BOOL _isNameless;
-    unsigned long _openings;
-}
-+ (void)watch;
-@end
 
 namespace {
 
@@ -47,7 +33,8 @@ std::string subject_of(const OpenProblem& problem) {
 }
 
 std::string title_of(const OpenProblem& problem) {
-    if (problem.is_of_memory) return translated("Not everything could be done.");
+    if (problem.kind == Problem::memory) return translated("Not everything could be done.");
+    if (problem.kind == Problem::folder) return translated("This could not be done.");
     const std::string subject = subject_of(problem);
     if (problem.program.empty()) return translated("%s cannot be opened.", {subject});
     return translated("%s cannot be opened with %s.", {subject, window_name(problem.program)});
@@ -64,7 +51,8 @@ std::string sentence(const std::string& clause) {
 
 std::string line_of(const OpenProblem& problem) {
     const std::string reason = visible_text(problem.reason);
-    return problem.is_of_memory ? sentence(reason) : subject_of(problem) + ": " + reason;
+    const bool is_whole = problem.kind == Problem::memory || problem.kind == Problem::folder;
+    return is_whole ? sentence(reason) : subject_of(problem) + ": " + reason;
 }
 
 std::string lines_of(const std::vector<OpenProblem>& problems) {
@@ -87,63 +75,39 @@ void show_alert(const std::string& title, const std::string& text) {
 
 }  // namespace
 
-@implementation PickWatch
-
-+ (void)watch {
-    static PickWatch* watch;
-    if (watch) return;
-    watch = [self new];
-    NSNotificationCenter* center = [NSNotificationCenter defaultCenter];
-    [center addObserver:watch
-               selector:@selector(willPick:)
-                   name:NSMenuWillSendActionNotification
-                 object:nil];
-    [center addObserver:watch
-               selector:@selector(didPick:)
-                   name:NSMenuDidSendActionNotification
-                 object:nil];
-}
-
-- (void)willPick:(NSNotification*)notification {
-    NSMenuItem* item = [[notification userInfo] objectForKey:@"MenuItem"];
-    // The plug-in does nothing with a file whose path is no text.
-    _isNameless = stands_for_file(item) && !path_of_item(item);
-    _openings = count_of_openings();
-}
-
-- (void)didPick:(NSNotification*)notification {
-    (void)notification;
-    // Opening with a program and file operations work with any name.
-    const bool did_something = count_of_openings() != _openings || apple_events_are_waiting();
-    const bool is_short = memory_was_short();
-    if (is_short && listener()) {
-        // The plug-in passes over what it has no memory for, and tells a terminal only.
-        listener()({"", "", error_text(ENOMEM), true});
-    } else if (_isNameless && !did_something && listener()) {
-        listener()({"", "", translated("its name is not UTF-8")});
-    }
-    _isNameless = NO;
-}
-
-@end
-
 void listen_for_open_problems(std::function<void(const OpenProblem&)> wanted) {
     listener() = std::move(wanted);
     set_open_failure_listener(hear);
-    [PickWatch watch];
+    watch_picks([](const OpenProblem& problem) {
+        if (listener()) listener()(problem);
+    });
 }
 
 std::string problem_line(const OpenProblem& problem) {
     const std::string reason = visible_text(problem.reason);
-    if (problem.is_of_memory) return translated("not everything could be done: %s", {reason});
     const std::string file =
         problem.file.empty() ? translated("the file") : in_quotes(problem.file);
+    switch (problem.kind) {
+        case Problem::memory:
+            return translated("not everything could be done: %s", {reason});
+        case Problem::folder:
+            return reason;
+        case Problem::item:
+            return translated("failed: %s: %s", {file, reason});
+        case Problem::opening:
+            break;
+    }
     if (problem.program.empty()) return translated("cannot open %s: %s", {file, reason});
     return translated("cannot open %s with %s: %s", {file, in_quotes(problem.program), reason});
 }
 
 void show_open_problems(const std::vector<OpenProblem>& problems) {
     if (problems.empty()) return;
+    if (problems[0].kind == Problem::item) {
+        return show_alert(translated_count("One item failed.", "%s items failed.", problems.size(),
+                                           {std::to_string(problems.size())}),
+                          lines_of(problems));
+    }
     if (problems.size() == 1) {
         return show_alert(title_of(problems[0]), sentence(visible_text(problems[0].reason)));
     }

@@ -7,6 +7,9 @@
 // Whether the item is the plug-in's and stands for a file.
 bool stands_for_file(NSMenuItem* item);
 
+// Whether the item moves, copies or makes aliases of the selected files, if it is the plug-in's.
+bool asks_for_operation(NSMenuItem* item);
+
 // What the items of one file have in common, while their menu is open; null for other items.
 const void* file_of_item(NSMenuItem* item);
 

@@ -28,6 +28,11 @@ void* tree_of(NSMenuItem* item) {
 
 bool stands_for_file(NSMenuItem* item) { return tree_of(item) != nullptr; }
 
+bool asks_for_operation(NSMenuItem* item) {
+    NSArray* titles = @[ @"Move selection here", @"Copy selection here", @"Alias selection here" ];
+    return stands_for_file(item) && [titles containsObject:[item title]];
+}
+
 const void* file_of_item(NSMenuItem* item) { return tree_of(item); }
 
 NSString* path_of_item(NSMenuItem* item) {

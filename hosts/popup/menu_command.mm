@@ -193,7 +193,8 @@ int run_prepared(const MenuRequest& request, Stage* stage) {
     flush_bus();
     if (signal_caught()) return 128 + signal_caught();
     // A menu that nothing was picked from may lack files, or not have come at all.
-    if (memory_was_short()) open_problems().push_back({"", "", error_text(ENOMEM), true});
+    if (memory_was_short())
+        open_problems().push_back({"", "", error_text(ENOMEM), Problem::memory});
     tell_open_problems(request.form);
     if (status != exit_done) return status;
     if (![host problem].empty()) return failed([host problem]);

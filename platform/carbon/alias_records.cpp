@@ -2,10 +2,12 @@
 
 #include <Carbon/MacMemory.h>
 
+#include <errno.h>
 #include <limits.h>
 #include <string.h>
 
 #include "carbon/file_references.h"
+#include "carbon/unreached_files.h"
 
 namespace files {
 
@@ -46,7 +48,11 @@ OSErr FSNewAliasMinimal(const FSRef* target, AliasHandle* alias) {
     *alias = nullptr;
     OSErr error;
     const files::File* file = files::file_for(target, files::PATH, &error);
-    if (!file) return error;
+    if (!file) {
+        const std::string* path = target ? files::kept_path(*target) : nullptr;
+        if (path) files::note_unreached(*path, errno);
+        return error;
+    }
     const std::vector<UInt8> bytes = files::alias_of_path(file->path);
     Handle handle = NewHandleClear(static_cast<Size>(bytes.size()));
     if (!handle) return memFullErr;

@@ -10,6 +10,7 @@
 #include <array>
 
 #include "carbon/folder_listing.h"
+#include "carbon/unreached_files.h"
 #include "corefoundation/silent_disks.h"
 #include "desktop/moments.h"
 
@@ -265,10 +266,14 @@ OSStatus FSPathMakeRef(const UInt8* path, FSRef* ref, Boolean* isDirectory) {
 
     mode_t mode;
     OSErr error = folder_wanted ? files::folder_error(text) : OSErr{noErr};
-    if (error != noErr) return error;
-    error = files::make_reference(text, length, files::usual_questions, ref, &mode);
-    if (error == noErr && isDirectory) *isDirectory = S_ISDIR(mode);
-    return error;
+    if (error == noErr)
+        error = files::make_reference(text, length, files::usual_questions, ref, &mode);
+    if (error != noErr) {
+        files::note_unreached(text, error == dirNFErr ? ENOTDIR : errno);
+        return error;
+    }
+    if (isDirectory) *isDirectory = S_ISDIR(mode);
+    return noErr;
 }
 
 OSStatus FSRefMakePath(const FSRef* ref, UInt8* path, UInt32 size) {

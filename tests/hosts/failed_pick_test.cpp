@@ -9,6 +9,7 @@
 #include <functional>
 
 #include "hosts/command_runner.h"
+#include "hosts/resident/scene.h"
 #include "support/managed_windows.h"
 #include "support/recording_program.h"
 #include "support/temp_folder.h"
@@ -93,9 +94,33 @@ class FailedShownPick : public FailedPick {
         return true;
     }
 
+    // Opens the menu of the file "a" and the folder "to", and the level of "to".
+    Words words_for_copy() {
+        return {"menu",
+                "--at",
+                "200,150",
+                "--modifiers",
+                "option",
+                folder_.folder("to"),
+                folder_.file("a", "text\n")};
+    }
+    // The first row of the folder's level copies.
+    void pick_copy(const std::function<void()>& while_open) {
+        ASSERT_TRUE(screen_.wait_until_open());
+        const int first = screen_.open_menu().x;
+        for (const char* key : {"Down", "Right"}) input_.key(key);
+        ASSERT_TRUE(wait_for([&] {
+            const test::ShownArea menu = screen_.open_menu();
+            return menu.width > 0 && menu.x != first;
+        }));
+        while_open();
+        input_.key("Return");
+    }
+
   private:
     test::WindowManager manager_;
     test::ManagedWindows windows_;
+    const test::Screen screen_;
 
   protected:
     test::XInput input_;
@@ -230,4 +255,25 @@ TEST_F(FailedShownPick, ReturnOpensTheSubmenuOfARowThatOnlyHeadsIt) {
     input_.key("Return");
     EXPECT_EQ(command.finish().status, 0);
     EXPECT_EQ(program_.wait(), Words({two}));
+}
+
+TEST_F(FailedShownPick, ACopyIntoAFolderThatVanishedMeanwhileIsRefused) {
+    RunningCommand command(words_for_copy());
+    pick_copy([&] { fs::remove(folder_.path("to")); });
+    EXPECT_TRUE(close("This could not be done."));
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.err,
+              "delvio: the folder \"" + folder_.path("to") + "\" is no longer there\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_FALSE(fs::exists(folder_.path("to")));
+}
+
+TEST_F(FailedShownPick, AFileThatVanishedBeforeItWasCopiedIsNamed) {
+    RunningCommand command(words_for_copy());
+    pick_copy([&] { fs::remove(folder_.path("a")); });
+    EXPECT_TRUE(close("One item failed."));
+    const Outcome outcome = command.finish();
+    EXPECT_EQ(outcome.err,
+              "delvio: failed: \"" + folder_.path("a") + "\": it is no longer there\n");
+    EXPECT_EQ(outcome.status, 1);
 }
