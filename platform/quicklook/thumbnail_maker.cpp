@@ -12,6 +12,7 @@
 #include "corefoundation/patient_stat.h"
 #include "quicklook/background.h"
 #include "quicklook/helper_words.h"
+#include "quicklook/size_words.h"
 #include "quicklook/thumbnailers.h"
 
 namespace thumbnails {
@@ -68,7 +69,7 @@ struct Call {
     double processor_seconds, seconds;
     Box box;
     Screen screen;
-    std::string path;
+    std::string size_words, path;
 };
 
 std::vector<std::string> words_of(const Call& call) {
@@ -84,6 +85,7 @@ std::vector<std::string> words_of(const Call& call) {
     word(height) = std::to_string(call.box.height);
     word(scale) = std::to_string(std::lround(call.screen.scale * 100));
     word(paper) = call.screen.is_dark ? "dark" : "light";
+    word(sizes) = call.size_words;
     word(path) = call.path;
     return words;
 }
@@ -166,7 +168,7 @@ std::vector<std::string> ThumbnailMaker::words(Route route, const Request& reque
         {mode_of(route), bubblewrap_works(is_program), settings_.memory * (is_program ? 2 : 1),
          is_program ? settings_.program_seconds : settings_.processor_seconds,
          is_program ? settings_.program_seconds : settings_.decoder_seconds, request.box_for(route),
-         request.screen, request.subject.path});
+         request.screen, settings_.size_words, request.subject.path});
     if (is_program) {
         words.push_back(whole(settings_.program_seconds));
         const std::vector<std::string> command = thumbnailer_for(request.type);
@@ -217,6 +219,7 @@ bool ThumbnailMaker::helper_starts(bool in_bubblewrap, bool for_programs) const 
                        probe_seconds,
                        {1, 1},
                        {},
+                       "",
                        ""};
     const Answer answer = run_helper(helper(), words_of(call), call.box, probe_seconds);
     return answer.ending == Ending::answered && answer.reply.outcome == Outcome::ready;
@@ -235,6 +238,7 @@ ThumbnailMaker& shared_thumbnail_maker() {
     static ThumbnailMaker& maker = [&]() -> ThumbnailMaker& {
         Settings settings;
         settings.helper_folder = helper_folder();
+        settings.size_words = size_words();
         settings.at_once = std::clamp<size_t>(std::thread::hardware_concurrency(), 2, 4);
         return *new ThumbnailMaker(std::move(settings));
     }();

@@ -24,6 +24,7 @@ struct Settings {
     unsigned processor_seconds = 8;  // for a decoder
     unsigned memory = 1024;          // for a helper program, in megabytes of address space
     size_t at_once = 2, at_most = 8;
+    std::string size_words;  // see size_words.h
 };
 
 class ThumbnailMaker {

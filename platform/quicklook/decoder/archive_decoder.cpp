@@ -9,6 +9,7 @@
 #include "quicklook/decoder/read_input.h"
 #include "quicklook/decoder/reply_writer.h"
 #include "quicklook/decoder/sheet.h"
+#include "quicklook/decoder/size_text.h"
 
 namespace {
 
@@ -61,14 +62,6 @@ std::vector<Row> listed(const ArchiveFolder& root, size_t most) {
     return rows;
 }
 
-std::string size_text(int64_t size) {
-    if (size < 0) return "";
-    char* text = g_format_size(static_cast<guint64>(size));
-    std::string shown = text;
-    g_free(text);
-    return shown;
-}
-
 // A folder or a sheet of paper with a folded corner, `side` points high.
 void draw_sign(Sheet& sheet, bool is_folder, double x, double y, double side) {
     cairo_t* cairo = sheet.cairo();
@@ -106,11 +99,11 @@ double draw_at_right(Sheet& sheet, const std::string& text, double size, double 
     return width;
 }
 
-void draw_row(Sheet& sheet, const Row& row, double size, double y) {
+void draw_row(Sheet& sheet, const Row& row, const std::string& words, double size, double y) {
     const bool is_folder = row.entry->folder != nullptr;
     const double indent = sheet.margin() + std::min(row.depth, 8) * size * 1.3;
-    const std::string note =
-        is_folder ? std::to_string(row.entry->folder->entries.size()) : size_text(row.entry->size);
+    const std::string note = is_folder ? std::to_string(row.entry->folder->entries.size())
+                                       : size_text(row.entry->size, words);
     const double used = draw_at_right(sheet, note, size, y);
     draw_sign(sheet, is_folder, indent, y + size * 0.12, size * 1.05);
     const double left = indent + size * 1.6;
@@ -137,7 +130,7 @@ void decode(const DecoderCall& call) {
             has_more = true;
             break;
         }
-        draw_row(sheet, row, size, y);
+        draw_row(sheet, row, call.size_words, size, y);
         y += height;
     }
     if (!contents.is_whole && y < end) {

@@ -15,16 +15,16 @@ namespace thumbnails {
 
 namespace {
 
-enum { cage = 1, width, height, name, scale, paper };
+enum { cage = 1, width, height, name, scale, paper, sizes };
 
 void decode_caged(int count, char** words, void (*decode)(const DecoderCall& call)) {
-    if (count <= paper || !restrict_decoder(strcmp(words[cage], "bubblewrap") == 0)) {
+    if (count <= sizes || !restrict_decoder(strcmp(words[cage], "bubblewrap") == 0)) {
         return write_reply(Outcome::none);
     }
     const Box box = {std::max(1, number_word(words[width])),
                      std::max(1, number_word(words[height]))};
     decode({box, words[name], std::clamp(number_word(words[scale]) / 100.0, 0.5, 8.0),
-            strcmp(words[paper], "dark") == 0});
+            strcmp(words[paper], "dark") == 0, words[sizes]});
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // What a decoder is called with:
-//   delvio-decode-KIND CAGE WIDTH HEIGHT NAME SCALE PAPER
-// CAGE is bubblewrap or plain, SCALE the screen's in percent, PAPER light or dark. One thread.
+//   delvio-decode-KIND CAGE WIDTH HEIGHT NAME SCALE PAPER SIZES
+// CAGE is bubblewrap or plain, SCALE the screen's in percent, PAPER light or dark, SIZES how sizes
+// are written (size_words.h). One thread.
 #pragma once
 
 #include <string>
@@ -14,6 +15,7 @@ struct DecoderCall {
     std::string name;  // of the file, without its folder
     double scale = 1;  // pixels a point
     bool is_dark = false;
+    std::string size_words = {};
 };
 
 // Gives up the decoder's rights, calls `decode`, and ends the process. When the rights cannot be

@@ -62,7 +62,7 @@ Words next_words(const Mode& mode, bool is_caged, char** words, int count) {
     if (!mode.is_for_program) {
         if (!mode.has_file) return {program, words[cage]};
         return {program, words[cage],  words[width], words[height],
-                name,    words[scale], words[paper]};
+                name,    words[scale], words[paper], words[sizes]};
     }
     if (!mode.has_file) return {program};
     Words next = {program, words[width], words[height]};

@@ -232,6 +232,20 @@ TEST_P(DrawnFiles, ATextOfOneEndlessLineFillsTheSheet) {
     EXPECT_TRUE(test::no_child_is_left());
 }
 
+TEST_P(DrawnFiles, AnArchivesSizesAreWrittenAsTheWordsSay) {
+    const std::string bytes = archive_bytes("zip", "", {{"a", std::string(1500, 'a')}});
+    const auto drawn_with = [&](const char* one_and_a_half) {
+        Settings with_words = settings();
+        with_words.size_words = "%s byte\n%s byte\n%s bytes\n%s KB\n%s MB\n%s GB\n%s TB\n";
+        with_words.size_words += one_and_a_half;
+        return ThumbnailMaker(with_words).make(files.file("a.zip", bytes), {256, 256}, {});
+    };
+    const Picture english = drawn_with("1.5");
+    ASSERT_TRUE(english);
+    EXPECT_TRUE(are_equal(english, drawn_with("1.5")));
+    EXPECT_FALSE(are_equal(english, drawn_with("1,5")));
+}
+
 TEST_P(DrawnFiles, AnArchiveIsAListWhateverItsFormat) {
     const std::vector<Member> members = {{"folder/one.txt", "1"}, {"two.txt", "22"}};
     const Picture wanted = picture("a.zip", archive_bytes("zip", "", members));
