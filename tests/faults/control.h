@@ -22,7 +22,7 @@ enum Family {
     threads,     // pthread_create
     processes,   // fork, posix_spawn
     display,     // the connection to the X server, and what is sent over it
-    bus,         // the connection to the session bus
+    bus,         // the connection to the session bus, and what is sent over it
     families
 };
 

@@ -196,14 +196,20 @@ bool leads_to_bus(const sockaddr* address, socklen_t size) {
 }
 
 constexpr int most_files = 4096;
-std::atomic<bool> is_display[most_files];
+std::atomic<int> server_of[most_files];  // display, bus, or 0
+// Threads wake each other through these. The kernel lets no such call fail, and GLib asks for none.
+std::atomic<bool> is_wake_up[most_files];
 
-bool goes_to_display(int file) { return file >= 0 && file < most_files && is_display[file]; }
+bool can_fail(int file) { return file < 0 || file >= most_files || !is_wake_up[file]; }
+
+bool goes_to(Family server, int file) {
+    return file >= 0 && file < most_files && server_of[file] == server;
+}
 
 // A connection that fails has been closed by the server. A program that waits for an answer must be
 // able to see that.
-bool display_fails(int file, int error, const char* name, const void* caller) {
-    if (!goes_to_display(file) || !fails(display, error, name, caller)) return false;
+bool connection_fails(Family server, int file, int error, const char* name, const void* caller) {
+    if (!goes_to(server, file) || !fails(server, error, name, caller)) return false;
     shutdown(file, SHUT_RDWR);
     errno = error;
     return true;
@@ -311,14 +317,11 @@ REPLACE_OPEN(openat64, (int at, const char* path, int flags, ...), at, path, fla
 REPLACE(opening, EMFILE, nullptr, FILE*, fopen, (const char* path, const char* mode), path, mode)
 REPLACE(opening, EMFILE, nullptr, FILE*, fopen64, (const char* path, const char* mode), path, mode)
 
-REPLACE(reading, EIO, -1, ssize_t, read, (int file, void* bytes, size_t size), file, bytes, size)
 REPLACE(reading, EIO, -1, ssize_t, pread, (int file, void* bytes, size_t size, off_t at), file,
         bytes, size, at)
 REPLACE(reading, EIO, -1, ssize_t, pread64, (int file, void* bytes, size_t size, off64_t at), file,
         bytes, size, at)
 
-REPLACE(writing, ENOSPC, -1, ssize_t, write, (int file, const void* bytes, size_t size), file,
-        bytes, size)
 REPLACE(writing, ENOSPC, -1, ssize_t, pwrite, (int file, const void* bytes, size_t size, off_t at),
         file, bytes, size, at)
 REPLACE(writing, ENOSPC, -1, ssize_t, copy_file_range,
@@ -362,7 +365,6 @@ REPLACE(handles, EMFILE, -1, int, socket, (int domain, int type, int protocol), 
         protocol)
 REPLACE(handles, EMFILE, -1, int, socketpair, (int domain, int type, int protocol, int* ends),
         domain, type, protocol, ends)
-REPLACE(handles, EMFILE, -1, int, eventfd, (unsigned value, int flags), value, flags)
 REPLACE(handles, EMFILE, -1, int, timerfd_create, (int clock, int flags), clock, flags)
 REPLACE(handles, EMFILE, -1, int, inotify_init1, (int flags), flags)
 REPLACE(handles, EMFILE, -1, int, memfd_create, (const char* name, unsigned flags), name, flags)
@@ -381,6 +383,26 @@ REPLACE(processes, EAGAIN, EAGAIN, int, posix_spawnp,
 
 #define EXPORT extern "C" __attribute__((visibility("default")))
 
+EXPORT ssize_t read(int file, void* bytes, size_t size) {
+    static auto* const next = real(static_cast<decltype(&read)>(nullptr), "read");
+    if (can_fail(file) && fails(reading, EIO, "read", CALLER)) return -1;
+    return next(file, bytes, size);
+}
+
+EXPORT ssize_t write(int file, const void* bytes, size_t size) {
+    static auto* const next = real(static_cast<decltype(&write)>(nullptr), "write");
+    if (can_fail(file) && fails(writing, ENOSPC, "write", CALLER)) return -1;
+    return next(file, bytes, size);
+}
+
+EXPORT int eventfd(unsigned value, int flags) {
+    static auto* const next = real(static_cast<decltype(&eventfd)>(nullptr), "eventfd");
+    if (fails(handles, EMFILE, "eventfd", CALLER)) return -1;
+    const int file = next(value, flags);
+    if (file >= 0 && file < most_files) is_wake_up[file] = true;
+    return file;
+}
+
 EXPORT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                           void* (*begin)(void*), void* argument) {
     static auto* const next =
@@ -395,28 +417,55 @@ EXPORT int connect(int file, const sockaddr* address, socklen_t size) {
     static auto* const next = real(static_cast<decltype(&connect)>(nullptr), "connect");
     const bool to_display = names_socket(address, size, ".X11-unix/X");
     if (to_display && fails(display, ECONNREFUSED, "connect", CALLER)) return -1;
-    if (leads_to_bus(address, size) && fails(bus, ECONNREFUSED, "connect", CALLER)) return -1;
+    const bool to_bus = leads_to_bus(address, size);
+    if (to_bus && fails(bus, ECONNREFUSED, "connect", CALLER)) return -1;
     const int result = next(file, address, size);
-    if (result == 0 && file >= 0 && file < most_files) is_display[file] = to_display;
+    if (result == 0 && file >= 0 && file < most_files) {
+        server_of[file] = to_display ? display : to_bus ? bus : 0;
+    }
     return result;
 }
 
 EXPORT int close(int file) {
     static auto* const next = real(static_cast<decltype(&close)>(nullptr), "close");
-    if (file >= 0 && file < most_files) is_display[file] = false;
+    if (file >= 0 && file < most_files) {
+        server_of[file] = 0;
+        is_wake_up[file] = false;
+    }
     return next(file);
 }
 
 EXPORT ssize_t writev(int file, const iovec* parts, int count) {
     static auto* const next = real(static_cast<decltype(&writev)>(nullptr), "writev");
-    if (display_fails(file, EPIPE, "writev", CALLER)) return -1;
+    if (connection_fails(display, file, EPIPE, "writev", CALLER)) return -1;
     return next(file, parts, count);
 }
 
 EXPORT ssize_t recvmsg(int file, msghdr* message, int flags) {
     static auto* const next = real(static_cast<decltype(&recvmsg)>(nullptr), "recvmsg");
-    if (display_fails(file, ECONNRESET, "recvmsg", CALLER)) return -1;
+    for (const Family server : {display, bus}) {
+        if (connection_fails(server, file, ECONNRESET, "recvmsg", CALLER)) return -1;
+    }
     return next(file, message, flags);
+}
+
+EXPORT ssize_t sendmsg(int file, const msghdr* message, int flags) {
+    static auto* const next = real(static_cast<decltype(&sendmsg)>(nullptr), "sendmsg");
+    if (connection_fails(bus, file, EPIPE, "sendmsg", CALLER)) return -1;
+    return next(file, message, flags);
+}
+
+// The bus is greeted with these two.
+EXPORT ssize_t send(int file, const void* bytes, size_t size, int flags) {
+    static auto* const next = real(static_cast<decltype(&send)>(nullptr), "send");
+    if (connection_fails(bus, file, EPIPE, "send", CALLER)) return -1;
+    return next(file, bytes, size, flags);
+}
+
+EXPORT ssize_t recv(int file, void* bytes, size_t size, int flags) {
+    static auto* const next = real(static_cast<decltype(&recv)>(nullptr), "recv");
+    if (connection_fails(bus, file, ECONNRESET, "recv", CALLER)) return -1;
+    return next(file, bytes, size, flags);
 }
 
 EXPORT void* malloc(size_t size) {

@@ -57,15 +57,18 @@ std::vector<Family> families_to_try(std::initializer_list<Family> only);
 // Whether each call of a family is let fail, because DELVIO_FAULTS is set, and not only some.
 bool is_full_run();
 
-// Whether a run took much longer than one without faults. Only a full run asks: in the suite, other
-// tests keep the machine busy.
-bool is_slow(const Ended& ended, const Ended& clean);
+// Whether a failing call holds a run up for more than a second, each time: `again` makes one more
+// run, with that call failing or without, and returns its seconds. A busy machine can hold up any
+// single run. Only a full run asks, because other tests keep the machine busy in the suite.
+bool is_slow(double seconds, double clean, const std::function<double(bool)>& again);
 
 // Lets calls of one family fail, one at a time, of which a run without faults makes so many.
 // `try_one` says whether the program got as far as the call. In a full run the end comes when it
 // did not. Otherwise only `sample` calls are tried, spread over all, or so many times as
 // DELVIO_FAULTS_TIMES says. Returns how many were tried.
 int fail_in_turn(long calls, int sample, const std::function<bool(long)>& try_one);
+// Returns how many calls were counted, and prints them.
+std::array<long, families> calls_made(const char* what, const SharedControl& control);
 // Prints how many were tried.
 void tell_tried(const char* what, const std::array<int, families>& tried);
 

@@ -5,11 +5,14 @@
 #include <signal.h>
 #include <sys/wait.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "faults/faulty_run.h"
+#include "hosts/bus_service.h"
 #include "hosts/resident/scene.h"
 #include "support/managed_windows.h"
+#include "support/recording_program.h"
 #include "support/settled.h"
 #include "support/temp_folder.h"
 #include "support/waiting.h"
@@ -20,8 +23,10 @@ namespace faults {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 // Whose calls fail.
-enum class Failing { host, client };
+enum class Failing { host, client, start };  // a client that also starts the host
 
 struct FaultsInHost : test::ResidentScene {
     FaultsInHost() { folder.folder("to"); }
@@ -31,6 +36,7 @@ struct FaultsInHost : test::ResidentScene {
         test::Outcome outcome;
         bool was_open = false;
         std::string panels;  // the titles of those that told something
+        double seconds = 0;
     };
 
     static bool has_ended(const test::RunningCommand& command) {
@@ -54,6 +60,7 @@ struct FaultsInHost : test::ResidentScene {
         Seen seen;
         test::Words all = {"menu", "--at", "100,100"};
         all.insert(all.end(), words.begin(), words.end());
+        const auto begin = Clock::now();
         test::RunningCommand command =
             call(all, {{variable, control.path()}, {"LD_PRELOAD", FAILING_LIBRARY}});
         const bool ended = test::wait_for([&] {
@@ -70,6 +77,7 @@ struct FaultsInHost : test::ResidentScene {
         });
         EXPECT_TRUE(ended) << "the client stays:\n" << log();
         if (ended) seen.outcome = command.finish();
+        seen.seconds = std::chrono::duration<double>(Clock::now() - begin).count();
         EXPECT_TRUE(screen.wait_until_closed());
         return seen;
     }
@@ -105,7 +113,14 @@ struct FaultsInHost : test::ResidentScene {
     }
 
     // A host without its display ends. Any other one stays.
-    bool may_end(Family family) const { return failing == Failing::host && family == display; }
+    bool may_end(Family family) const {
+        return failing == Failing::start || (failing == Failing::host && family == display);
+    }
+
+    void end_host() {
+        for (const pid_t process : hosts()) kill(process, SIGKILL);
+        EXPECT_TRUE(test::wait_for([&] { return hosts().empty(); }));
+    }
 
     void arm(Family family, long number) {
         control.arm(family, number);
@@ -128,11 +143,17 @@ struct FaultsInHost : test::ResidentScene {
         if (!may_end(family)) EXPECT_EQ(after, host_) << "the host has ended:\n" << log();
         if (after == host_) EXPECT_FALSE(leaks(family, number, action));
         if (after != host_) meet(after);
+        const auto again = [&](bool fails) {
+            arm(fails ? family : families, number);
+            return action().seconds;
+        };
+        EXPECT_FALSE(is_slow(seen.seconds, clean_seconds_, again)) << seen.seconds;
         return true;
     }
 
     // What is opened for the first time stays. What is left open each time is a leak.
     bool leaks(Family family, long number, const std::function<Seen()>& action) {
+        if (descriptors_of(host_) <= descriptors_) return false;
         const long once = held();
         if (once <= descriptors_) return false;
         arm(family, number);
@@ -161,9 +182,10 @@ struct FaultsInHost : test::ResidentScene {
         meet(show_without_faults({top}, {"Escape"}));
         ASSERT_NE(host_, 0);
         arm(families, 0);
-        check(action());
-        long calls[families];
-        std::copy(std::begin(control->calls), std::end(control->calls), calls);
+        const Seen clean = action();
+        check(clean);
+        clean_seconds_ = clean.seconds;
+        const auto calls = calls_made(what, control);
         std::array<int, families> tried = {};
         for (const Family family : tried_families) {
             tried[family] = fail_in_turn(calls[family], sample, [&](long number) {
@@ -177,15 +199,18 @@ struct FaultsInHost : test::ResidentScene {
 
     Seen copy() {
         fs::remove_all(folder.path("to/a.txt"));
-        return show({"--modifiers", "option", folder.path("to"), folder.path("top/a.txt")},
+        return show({"--modifiers", "option", "--setting", "logLevel=1", folder.path("to"),
+                     folder.path("top/a.txt")},
                     {"Down", "Right", "Return"});
     }
-    // A refused copy has left nothing, not even a part. A reduced menu may lack the folder's row;
-    // then nothing was picked, and there is nothing to say.
-    void check_copy() {
+    // A refused copy has left nothing, not even a part, and the user is told. A reduced menu may
+    // lack the folder's row; then nothing was picked, and there is nothing to say.
+    void check_copy(const Seen& seen) {
         EXPECT_EQ(test::read_file(folder.path("top/a.txt")), "text");
         const std::string path = folder.path("to/a.txt"), there = test::read_file(path);
         EXPECT_TRUE(there == "text" || !fs::exists(path)) << there;
+        const bool was_picked = seen.outcome.out.find("Will move [0]") != std::string::npos;
+        if (was_picked && there != "text") EXPECT_NE(seen.outcome.err + seen.panels, "");
     }
 
     // Undoes the last operation, by the item of that name.
@@ -193,12 +218,14 @@ struct FaultsInHost : test::ResidentScene {
 
     std::vector<Family> tried_families = families_to_try();
     int sample = 1;
+    const test::SessionBus session_bus;
     test::WindowManager manager;
     test::ManagedWindows windows;
     SharedControl control;
     Failing failing = Failing::host;
     pid_t host_ = 0;
     long descriptors_ = 0;
+    double clean_seconds_ = 0;
 };
 
 TEST_F(FaultsInHost, AMenuOfTheHostIsThereOrAMessage) {
@@ -208,7 +235,7 @@ TEST_F(FaultsInHost, AMenuOfTheHostIsThereOrAMessage) {
 
 TEST_F(FaultsInHost, ACopyOfTheHostIsMadeOrRefused) {
     fail_each(
-        "copies of the host", [&] { return copy(); }, [&](const Seen&) { check_copy(); });
+        "copies of the host", [&] { return copy(); }, [&](const Seen& seen) { check_copy(seen); });
 }
 
 TEST_F(FaultsInHost, ACopyIsMadeThoughACallGetsNoMemory) {
@@ -238,6 +265,26 @@ TEST_F(FaultsInHost, AnUndoWithoutAThreadIsMadeOrRefused) {
         EXPECT_EQ(only_host(), host_) << "the host has ended:\n" << log();
     }
     EXPECT_EQ(refused, 1);  // by the undo's own thread
+}
+
+TEST_F(FaultsInHost, AFileThatIsPickedIsOpenedOrAMessage) {
+    test::RecordingProgram program({"text/plain"});
+    const auto open_file = [&] {
+        program.forget();
+        return show({folder.path("top/a.txt")}, {"Down", "Return"});
+    };
+    fail_each("files opened by the host", open_file, [&](const Seen& seen) {
+        if (seen.outcome.err + seen.panels == "") EXPECT_FALSE(program.wait().empty());
+    });
+}
+
+TEST_F(FaultsInHost, AMenuOfAClientThatStartsTheHostIsThereOrAMessage) {
+    failing = Failing::start;
+    const auto first_popup = [&] {
+        end_host();
+        return popup();
+    };
+    fail_each("first menus of a session", first_popup, [](const Seen&) {});
 }
 
 TEST_F(FaultsInHost, AMenuOfTheClientIsThereOrAMessage) {

@@ -175,8 +175,7 @@ struct FaultsInOperations : testing::Test {
             control.arm(families, 0);
             EXPECT_EQ(operate({"undo"}).status, 0);
         }
-        long calls[families];
-        std::copy(std::begin(control->calls), std::end(control->calls), calls);
+        const auto calls = calls_made(scenario.name, control);
         for (const Family family : families_to_try()) {
             tried[family] += fail_in_turn(calls[family], sample, [&](long number) {
                 return (is_full_run() || !HasFailure()) && fail_one(family, number);

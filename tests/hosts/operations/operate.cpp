@@ -7,7 +7,6 @@
 #include <string.h>
 
 #include <algorithm>
-#include <map>
 
 #include "file_steps/folder.h"
 #include "file_steps/temporaries.h"
@@ -20,12 +19,22 @@ class Silent : public operations::Observer {
     void ended(const operations::Report&) override {}
 };
 
-const std::map<std::string, operations::Kind> kinds = {
+constexpr struct {
+    const char* name;
+    operations::Kind kind;
+} kinds[] = {
     {"move", operations::Kind::Move},
     {"copy", operations::Kind::Copy},
     {"alias", operations::Kind::Alias},
     {"trash", operations::Kind::Trash},
 };
+
+bool read_kind(const char* name, operations::Kind* kind) {
+    for (const auto& known : kinds) {
+        if (strcmp(known.name, name) == 0) return *kind = known.kind, true;
+    }
+    return false;
+}
 
 std::vector<std::string> all_in(const std::string& folder) {
     const operations::Descriptor open_folder(open(folder.c_str(), O_RDONLY | O_DIRECTORY));
@@ -56,9 +65,8 @@ int main(int argc, char** argv) {
         operations::remove_left_temporaries(operations::default_state_folder());
         return 0;
     }
-    if (argc < 4 || kinds.count(argv[1]) == 0) return 2;
     operations::Request request;
-    request.kind = kinds.at(argv[1]);
+    if (argc < 4 || !read_kind(argv[1], &request.kind)) return 2;
     request.destination = argv[2];
     request.replace = strcmp(argv[3], "--replace") == 0;
     for (int index = request.replace ? 4 : 3; index < argc; index++) {
