@@ -7,7 +7,7 @@ namespace faults {
 
 // A family of calls, and the error with which the library lets one of them fail.
 enum Family {
-    listing,     // opendir, readdir, scandir
+    listing,     // opendir, readdir, getdents64, scandir
     status,      // stat, statx and their like
     attributes,  // extended attributes
     opening,     // open, fopen

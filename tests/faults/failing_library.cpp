@@ -251,6 +251,8 @@ REPLACE(listing, EMFILE, nullptr, DIR*, opendir, (const char* path), path)
 REPLACE(listing, ENOMEM, nullptr, DIR*, fdopendir, (int file), file)
 REPLACE(listing, EIO, nullptr, dirent*, readdir, (DIR * folder), folder)
 REPLACE(listing, EIO, nullptr, dirent64*, readdir64, (DIR * folder), folder)
+REPLACE(listing, EIO, -1, ssize_t, getdents64, (int file, void* entries, size_t size), file,
+        entries, size)
 using Filter = int (*)(const dirent*);
 using Order = int (*)(const dirent**, const dirent**);
 REPLACE(listing, ENOMEM, -1, int, scandir,
