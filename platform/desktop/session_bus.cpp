@@ -139,8 +139,12 @@ void flush_session_bus() {
     }
     const ObjectOwner<GDBusConnection> connection = session_bus();
     if (!connection) return;
-    const Deadline deadline;
-    g_dbus_connection_flush_sync(connection.get(), deadline.cancellable(), nullptr);
+    try {
+        const Deadline deadline;
+        g_dbus_connection_flush_sync(connection.get(), deadline.cancellable(), nullptr);
+    } catch (const std::system_error&) {
+        // As above. GLib's own thread sends what it gets the time for.
+    }
 }
 
 PatientBus::PatientBus() : connection_(session_bus()) {
