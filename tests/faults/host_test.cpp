@@ -4,9 +4,11 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
+#include <sstream>
 
 #include "faults/faulty_run.h"
 #include "hosts/bus_service.h"
@@ -94,6 +96,14 @@ struct FaultsInHost : test::ResidentScene {
         std::error_code error;
         const fs::directory_iterator all(files, error);
         return error ? -1 : std::distance(all, fs::directory_iterator());
+    }
+
+    // What the process has of its own, in KB; it includes no pages of files.
+    static long memory_of(pid_t process) {
+        std::istringstream words(test::read_file("/proc/" + std::to_string(process) + "/statm"));
+        long size = 0, resident = 0, shared = 0;
+        words >> size >> resident >> shared;
+        return (resident - shared) * sysconf(_SC_PAGESIZE) / 1024;
     }
 
     pid_t only_host() const {
@@ -195,12 +205,15 @@ struct FaultsInHost : test::ResidentScene {
         clean_seconds_ = clean.seconds;
         const auto calls = calls_made(what, control);
         std::array<int, families> tried = {};
+        const pid_t first = host_;
+        const long before = memory_of(first);
         for (const Family family : tried_families) {
             tried[family] = fail_in_turn(calls[family], sample, [&](long number) {
                 return (is_full_run() || !HasFailure()) && try_one(family, number, action, check);
             });
         }
         tell_tried(what, tried);
+        if (host_ == first) printf("the host has %ld KB more\n", memory_of(first) - before);
     }
 
     Seen popup() { return show({top}, {"Down", "Right", "Escape"}); }
