@@ -6,7 +6,7 @@ namespace thumbnails {
 
 std::string size_words() {
     std::string words;
-    for (const unsigned long count : {0, 1, 999}) {
+    for (const unsigned long count : {0, 1, 2, 3, 11, 100}) {
         words += std::string(translated_count("%s byte", "%s bytes", count)) + "\n";
     }
     for (const char* unit : {to_translate("%s KB"), to_translate("%s MB"), to_translate("%s GB"),

@@ -60,7 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fuzz::Input input(data, size);
     const bool has_names = input.byte() % 2;
     DecoderCall call = fuzz::call_of(&input, "a.zip");
-    call.size_words = "%s byte\n%s byte\n%s bytes\n%s KB\n%s MB\n%s GB\n%s TB\n1.5";
+    call.size_words =
+        "%s bytes\n%s byte\n%s bytes\n%s bytes\n%s bytes\n%s bytes\n%s KB\n%s MB\n%s GB\n%s "
+        "TB\n1.5";
     size_t members = 0;
     const std::string file = has_names ? archive_of(&input, &members) : input.rest();
     fuzz::expect_answer(file, call, decode);

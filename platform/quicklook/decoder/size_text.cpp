@@ -9,7 +9,15 @@ namespace thumbnails {
 namespace {
 
 // The lines of the words.
-enum { no_bytes, one_byte, many_bytes, kilobytes, terabytes = kilobytes + 3, number, lines };
+enum { bytes, kilobytes = bytes + 6, terabytes = kilobytes + 3, number, lines };
+
+// Which of the lines with bytes a number goes with. Arabic has all six forms; other languages have
+// the same text in several lines.
+size_t form_of(int64_t count) {
+    if (count < 3) return static_cast<size_t>(count);
+    const int64_t rest = count % 100;
+    return rest < 3 ? 5 : rest < 11 ? 3 : 4;
+}
 
 std::vector<std::string> lines_of(const std::string& words) {
     std::vector<std::string> found;
@@ -36,10 +44,7 @@ std::string size_text(int64_t size, const std::string& words) {
     if (size < 0) return "";
     const std::vector<std::string> texts = lines_of(words);
     if (texts.size() != lines) return std::to_string(size);
-    if (size < 1000) {
-        const size_t line = size == 0 ? no_bytes : size == 1 ? one_byte : many_bytes;
-        return filled(texts[line], std::to_string(size));
-    }
+    if (size < 1000) return filled(texts[bytes + form_of(size)], std::to_string(size));
     double amount = static_cast<double>(size) / 1000;
     size_t unit = kilobytes;
     for (; amount >= 999.95 && unit < terabytes; unit++) amount /= 1000;

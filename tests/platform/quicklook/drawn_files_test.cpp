@@ -236,7 +236,9 @@ TEST_P(DrawnFiles, AnArchivesSizesAreWrittenAsTheWordsSay) {
     const std::string bytes = archive_bytes("zip", "", {{"a", std::string(1500, 'a')}});
     const auto drawn_with = [&](const char* one_and_a_half) {
         Settings with_words = settings();
-        with_words.size_words = "%s byte\n%s byte\n%s bytes\n%s KB\n%s MB\n%s GB\n%s TB\n";
+        with_words.size_words =
+            "%s bytes\n%s byte\n%s bytes\n%s bytes\n%s bytes\n%s bytes\n%s KB\n%s MB\n%s GB\n%s "
+            "TB\n";
         with_words.size_words += one_and_a_half;
         return ThumbnailMaker(with_words).make(files.file("a.zip", bytes), {256, 256}, {});
     };

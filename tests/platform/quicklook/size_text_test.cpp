@@ -10,7 +10,8 @@ namespace {
 
 using namespace thumbnails;
 
-const char german[] = "%s Byte\n%s Byte\n%s Byte\n%s KB\n%s MB\n%s GB\n%s TB\n1,5";
+const char german[] =
+    "%s Byte\n%s Byte\n%s Byte\n%s Byte\n%s Byte\n%s Byte\n%s KB\n%s MB\n%s GB\n%s TB\n1,5";
 
 }  // namespace
 
@@ -27,10 +28,12 @@ TEST(SizeText, HasAUnitThatSuitsTheSize) {
 }
 
 TEST(SizeText, HasTheFormForTheNumber) {
-    const std::string words = "%s none\n%s one\n%s many\n%s KB\n%s MB\n%s GB\n%s TB\n1.5";
-    EXPECT_EQ(size_text(0, words), "0 none");
-    EXPECT_EQ(size_text(1, words), "1 one");
-    EXPECT_EQ(size_text(2, words), "2 many");
+    const std::string words =
+        "%s none\n%s one\n%s two\n%s few\n%s many\n%s other\n%s KB\n%s MB\n%s GB\n%s TB\n1.5";
+    for (const char* text : {"0 none", "1 one", "2 two", "3 few", "10 few", "11 many", "99 many",
+                             "100 other", "102 other", "103 few", "999 many"}) {
+        EXPECT_EQ(size_text(atoi(text), words), text);
+    }
 }
 
 TEST(SizeText, IsAPlainNumberWithoutTheWords) {
