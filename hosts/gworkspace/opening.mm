@@ -40,6 +40,15 @@ BOOL opened(BOOL done, NSString* path) {
     return done;
 }
 
+// As GNUstep asks a program that runs to open a file.
+void open_in_this_process(const char* document) {
+    NSString* path = [NSString stringWithUTF8String:document];
+    id delegate = [NSApp delegate];
+    const bool asks = path && [delegate respondsToSelector:@selector(application:openFile:)];
+    if (asks && [delegate application:NSApp openFile:path]) return;
+    report_open_failure(document, "", translated("its program does not start"));
+}
+
 }  // namespace
 
 // Shows the files that could not be opened, after the menu has closed and its actions are done.
@@ -101,6 +110,7 @@ BOOL opened(BOOL done, NSString* path) {
 void open_files_with_gworkspace() {
     DelvioOpenProblems* problems = [DelvioOpenProblems new];  // for as long as the program runs
     listen_for_open_problems([problems](const OpenProblem& problem) { [problems add:problem]; });
+    set_own_document_opener(open_in_this_process);
     Class workspace = [NSWorkspace class];
     method_exchangeImplementations(class_getInstanceMethod(workspace, @selector(openFile:)),
                                    class_getInstanceMethod(workspace, @selector(delvioOpenFile:)));

@@ -1,6 +1,7 @@
 // LSOpenFromRefSpec: opening documents with a chosen application.
 #include <host/text.h>
 #include <host/glib_owners.h>
+#include <host/opening_files.h>
 #include <Carbon/LaunchServices.h>
 
 #include <stdlib.h>
@@ -17,6 +18,8 @@
 namespace {
 
 using Documents = std::vector<std::string>;
+
+OwnDocumentOpener open_own_document;
 
 std::string path_of(const FSRef& ref) {
     OSErr error;
@@ -70,9 +73,18 @@ Documents bundle_arguments(const Documents& documents) {
     return documents;
 }
 
+bool is_running_program(const std::string& program) {
+    const files::TextOwner own(realpath("/proc/self/exe", nullptr));
+    return own && program == own.get();
+}
+
 Result open_with_bundle(const std::string& path, const Documents& documents) {
     const std::string program = files::bundle_program(path.c_str());
     if (program.empty()) return not_installed();
+    if (open_own_document && !documents.empty() && is_running_program(program)) {
+        for (const std::string& document : documents) open_own_document(document.c_str());
+        return {};
+    }
     std::string problem;
     const Start start = start_program(program, bundle_arguments(documents), &problem);
     return result_of(start, problem);
@@ -128,6 +140,8 @@ Documents documents_of(const LSLaunchFSRefSpec& spec, const std::string& applica
 }
 
 }  // namespace
+
+void set_own_document_opener(OwnDocumentOpener opener) { open_own_document = opener; }
 
 // The application's name as the user knows it.
 static std::string name_of(const FSRef& application) {

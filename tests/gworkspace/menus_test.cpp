@@ -83,6 +83,17 @@ TEST_F(Menus, AFolderOpensInAWindowOfGWorkspace) {
     EXPECT_TRUE(wait_until([&] { return !contains(manager().ask_lines("windows"), "one"); }));
 }
 
+// A second GWorkspace would have a desktop and viewers of its own, over those of the first.
+TEST_F(Menus, AFileOpensWithGWorkspaceInTheGWorkspaceThatRuns) {
+    show("browser");
+    left_click(item("browser", path("alpha")));
+    right_click(item("browser", path("alpha/readme.txt")));
+    pick({"readme.txt", "GWorkspace"});
+    EXPECT_TRUE(wait_until([&] { return contains(manager().ask_lines("windows"), "alpha"); }));
+    manager().ask("close alpha");
+    EXPECT_TRUE(wait_until([&] { return !contains(manager().ask_lines("windows"), "alpha"); }));
+}
+
 TEST_F(Menus, GWorkspacesCommandsStandBelowAndTakeTheSelection) {
     right_click(item("icons", path("second.txt")));
     EXPECT_EQ(titles(0),

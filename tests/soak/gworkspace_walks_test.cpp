@@ -60,8 +60,7 @@ class GWorkspaceWalks : public ViewerDesk {
         const std::vector<Row> shown = rows(open - 1);
         if (shown.empty()) return input().key("Escape");
         const Row& row = shown[static_cast<size_t>(walker_.any(static_cast<int>(shown.size())))];
-        // Another file manager, whose viewer has the same place.
-        if (row.title == "GWorkspace" || row.title == "Recycler") return input().key("Escape");
+        if (row.title == "Recycler") return input().key("Escape");  // another program's
         walker_.tell("picks " + row.title);
         left_click(row.area);
     }

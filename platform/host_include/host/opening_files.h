@@ -15,6 +15,12 @@ void set_open_failure_listener(OpenFailureListener listener);
 // Calls the listener, for a host that opens files in its own way.
 void report_open_failure(const char* file, const char* program, const char* reason);
 
+// The opener is called once for each document that is to be opened with the program that runs, an
+// ".app" bundle's: it opens the document here, where otherwise a second process would be started.
+// `document` is a path in the file system's bytes.
+typedef void (*OwnDocumentOpener)(const char* document);
+void set_own_document_opener(OwnDocumentOpener opener);
+
 // How many times this process has tried to open something, with and without success.
 unsigned long count_of_openings(void);
 
