@@ -3,7 +3,9 @@
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <signal.h>
+#include <stdio.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 
 #include <algorithm>
 
@@ -89,13 +91,33 @@ bool WaylandScene::open_menu(const std::vector<std::string>& words) {
     std::vector<std::string> arguments = {"menu"};
     arguments.insert(arguments.end(), words.begin(), words.end());
     command_ = std::make_unique<RunningCommand>(arguments, compositor->environment());
-    return wait_for_levels(1) && wait_for([this] {
-               const std::vector<Level> all = levels();
-               return !all.empty() && shows_menu_at(all[0]);
-           });
+    const bool is_open = wait_for([this] {
+        const std::vector<Level> all = levels();
+        return all.size() == 1 && shows_menu_at(all[0]);
+    });
+    if (!is_open) tell_what_is_there();
+    return is_open;
 }
 
-bool WaylandScene::is_running() const { return kill(command_->process(), 0) == 0; }
+// Says whether the menu is missing or the compositor does not show it.
+void WaylandScene::tell_what_is_there() {
+    const std::vector<Level> all = levels();
+    fprintf(stderr, "%zu levels, the command %s\n", all.size(), is_running() ? "runs" : "has ended");
+    for (const Level& level : all) {
+        fprintf(stderr, "a level of %d x %d at %d, %d, %s\n", level.width, level.height, level.x,
+                level.y, shows_menu_at(level) ? "shown" : "not shown");
+    }
+    rest_at(5, 5);
+    const bool shown = wait_for([&] { return !all.empty() && shows_menu_at(all[0]); });
+    fprintf(stderr, "after a motion it is %s; the compositor says:\n%s\n",
+            shown ? "shown" : "not shown", compositor->log().c_str());
+}
+
+bool WaylandScene::is_running() const {
+    siginfo_t ended = {};
+    waitid(P_PID, command_->process(), &ended, WEXITED | WNOHANG | WNOWAIT);
+    return ended.si_pid == 0;
+}
 
 Outcome WaylandScene::finish() { return command_->finish(); }
 

@@ -67,6 +67,8 @@ class WaylandScene : public testing::Test {
     XInput input;
 
   private:
+    void tell_what_is_there();
+
     _XDisplay* session_ = nullptr;
     std::unique_ptr<RunningCommand> command_;
     double scale_ = 1;
