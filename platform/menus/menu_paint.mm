@@ -5,6 +5,7 @@
 
 #include "look/image_questions.h"
 #include "look/marks.h"
+#include "look/server_copy.h"
 #include "look/title_line.h"
 #include "menus/menu_items.h"
 
@@ -141,7 +142,8 @@ void paint_emblem(cairo_t* cairo, const MenuScene& scene, NSImage* emblem, doubl
     const int side = look.image_side * 5 / 8, overhang = 2 * look.hairline;
     cairo_surface_t* surface = scene.images->surface(emblem, side, side);
     if (!surface) return;
-    cairo_set_source_surface(cairo, surface, right - side + overhang, bottom - side + overhang);
+    cairo_set_source_surface(cairo, server_copy(surface, cairo), right - side + overhang,
+                             bottom - side + overhang);
     cairo_paint(cairo);
 }
 
@@ -174,7 +176,7 @@ void paint_image(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int
     const int width = size.width;
     const int before = (column - width) / 2, above = (row.height - int(size.height)) / 2;
     const double left = placed(scene, scene.layout->image_left() + before, width);
-    cairo_set_source_surface(cairo, surface, left, y + above);
+    cairo_set_source_surface(cairo, server_copy(surface, cairo), left, y + above);
     cairo_paint_with_alpha(cairo, alpha);
     if (row.kind != title_row) return;
     const int below = (row.height + int(size.height)) / 2;
@@ -210,7 +212,7 @@ void paint_chevron(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, i
     const double top = std::floor(middle - reach - look.mark_width / 2.0);
     const Chevron chevron = {back - left, tip - left, middle - top, reach, look.mark_width};
     set_color(cairo, color);
-    cairo_mask_surface(cairo, chevron_mask(chevron, look), left, top);
+    cairo_mask_surface(cairo, server_copy(chevron_mask(chevron, look), cairo), left, top);
 }
 
 void paint_state(cairo_t* cairo, const MenuScene& scene, const MenuRow& row, int y,

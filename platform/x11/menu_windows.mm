@@ -14,6 +14,7 @@
 
 #include "x11/server_windows.h"
 #include "x11/toolkit_display.h"
+#include "x11/window_pixels.h"
 
 namespace {
 
@@ -75,6 +76,15 @@ void raise_higher_windows(NSInteger level) {
             XRaiseWindow(toolkit_display(), server_window(window));
         }
     }
+}
+
+// The server keeps nothing of a hidden window. It gets the pixels together with the request to show
+// the window, not only once it has asked for them.
+void flush_window(NSWindow* window) {
+    const NSSize size = [window frame].size;
+    [GSServerForWindow(window)
+        flushwindowrect:NSMakeRect(0, 0, size.width, size.height
+                                   ):static_cast<int>([window windowNumber])];
 }
 
 }  // namespace
@@ -153,13 +163,9 @@ void display_menu_window(NSWindow* window) {
 void show_menu_window(NSWindow* window) {
     [[window contentView] setNeedsDisplay:YES];
     display_menu_window(window);  // before the user sees it
+    const ShownWithPixels pixels(window);
     [window orderFrontRegardless];
-    // The server keeps nothing of a hidden window. It gets the pixels together with the request to
-    // show the window, not only once it has asked for them.
-    const NSSize size = [window frame].size;
-    [GSServerForWindow(window)
-        flushwindowrect:NSMakeRect(0, 0, size.width, size.height
-                                   ):static_cast<int>([window windowNumber])];
+    if (!pixels.is_possible()) flush_window(window);
     raise_higher_windows([window level]);
     XFlush(toolkit_display());
 }

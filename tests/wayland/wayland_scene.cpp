@@ -102,7 +102,8 @@ bool WaylandScene::open_menu(const std::vector<std::string>& words) {
 // Says whether the menu is missing or the compositor does not show it.
 void WaylandScene::tell_what_is_there() {
     const std::vector<Level> all = levels();
-    fprintf(stderr, "%zu levels, the command %s\n", all.size(), is_running() ? "runs" : "has ended");
+    fprintf(stderr, "%zu levels, the command %s\n", all.size(),
+            is_running() ? "runs" : "has ended");
     for (const Level& level : all) {
         fprintf(stderr, "a level of %d x %d at %d, %d, %s\n", level.width, level.height, level.x,
                 level.y, shows_menu_at(level) ? "shown" : "not shown");
