@@ -158,6 +158,7 @@ std::string SharedControl::leaked_since(const std::string& clean) const {
     std::string leaked;
     for (std::string line; std::getline(now, line);) {
         if (line.starts_with("anon_inode:")) continue;  // GLib's own, for watches and wake-ups
+        if (line == temporary("out") || line == temporary("err")) continue;  // it began with these
         const auto found = known.find(without_numbers(line));
         if (found != known.end()) {
             known.erase(found);
