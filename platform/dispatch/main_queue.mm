@@ -2,30 +2,30 @@
 
 #import <Foundation/Foundation.h>
 
+#include <memory>
+
 #include "corefoundation/common_modes.h"
 
-// One piece of work, for the run loop to perform.
-@interface MainQueueWork : NSObject {
-  @private
-    void* _context;
-    dispatch_function_t _work;
-}
-- (instancetype)initWithContext:(void*)context work:(dispatch_function_t)work;
-- (void)run;
+namespace {
+
+struct MainPiece {
+    void* context;
+    dispatch_function_t work;
+};
+
+}  // namespace
+
+@interface MainQueue : NSObject
+// Performs a piece of work, and frees it. Main thread.
++ (void)run:(NSValue*)piece;
 @end
 
-@implementation MainQueueWork
+@implementation MainQueue
 
-- (instancetype)initWithContext:(void*)context work:(dispatch_function_t)work {
-    if (!(self = [super init])) return nil;
-    _context = context;
-    _work = work;
-    return self;
-}
-
-- (void)run {
++ (void)run:(NSValue*)value {
+    const std::unique_ptr<MainPiece> piece(static_cast<MainPiece*>([value pointerValue]));
     @autoreleasepool {
-        _work(_context);
+        piece->work(piece->context);
     }
 }
 
@@ -35,11 +35,11 @@ void run_on_main_thread(void* context, dispatch_function_t work) {
     @autoreleasepool {
         // On a thread that has no run loop yet, GNUstep performs the work at once instead of later.
         if ([NSThread isMainThread]) [NSRunLoop currentRunLoop];
-        MainQueueWork* piece = [[MainQueueWork alloc] initWithContext:context work:work];
-        [piece performSelectorOnMainThread:@selector(run)
-                                withObject:nil
-                             waitUntilDone:NO
-                                     modes:common_modes()];
-        [piece release];
+        // The thread that releases an object last frees it, so the piece is none.
+        [MainQueue
+            performSelectorOnMainThread:@selector(run:)
+                             withObject:[NSValue valueWithPointer:new MainPiece{context, work}]
+                          waitUntilDone:NO
+                                  modes:common_modes()];
     }
 }
