@@ -5,7 +5,6 @@
 //
 // With DELVIO_PEERS_ROOT the other programs run in that root of a system.
 #include <X11/Xlib.h>
-#include <stdio.h>
 #include <stdlib.h>
 
 #include <filesystem>
@@ -14,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/display_main.h"
 #include "bench/driven_menu.h"
 #include "bench/harness.h"
 
@@ -168,15 +168,4 @@ void race(Display* display) {
 
 }  // namespace
 
-int main() {
-    Display* display = XOpenDisplay(nullptr);
-    if (!display) return 1;
-    try {
-        race(display);
-    } catch (const std::exception& problem) {
-        fprintf(stderr, "bench_peers: %s\n", problem.what());
-        return 1;
-    }
-    XCloseDisplay(display);
-    return bench::status();
-}
+int main() { return bench::run_on_display(race); }

@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <stdio.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "bench/display_main.h"
 #include "bench/harness.h"
 #include "bench/test_folder.h"
 
@@ -179,23 +179,16 @@ void measure_idle(Display* display, const Command& menu) {
                 "wake-ups", 0.5);
 }
 
-}  // namespace
-
-int main() {
-    Display* display = XOpenDisplay(nullptr);
-    if (!display) return 1;
+void measure(Display* display) {
     XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });  // windows may be gone when asked
     XSelectInput(display, DefaultRootWindow(display), SubstructureNotifyMask);
     const bench::TestFolder folder(10);
     const Command menu = {DELVIO_CLIENT, "menu", "--at", "100,100", folder.path()};
-    try {
-        race(display, menu);
-        if (is_installed("rofi")) race_first_menus(display, menu);
-        measure_idle(display, menu);
-    } catch (const std::exception& problem) {
-        fprintf(stderr, "bench_resident: %s\n", problem.what());
-        return 1;
-    }
-    XCloseDisplay(display);
-    return bench::status();
+    race(display, menu);
+    if (is_installed("rofi")) race_first_menus(display, menu);
+    measure_idle(display, menu);
 }
+
+}  // namespace
+
+int main() { return bench::run_on_display(measure); }

@@ -1,7 +1,6 @@
 // `delvio menu` from its start until its menu is on the screen, compared with programs that only
 // show a window; and what the open menu uses while nobody touches it.
 #include <X11/Xlib.h>
-#include <stdio.h>
 #include <unistd.h>
 
 #include <fstream>
@@ -9,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/display_main.h"
 #include "bench/harness.h"
 #include "bench/started_program.h"
 #include "bench/test_folder.h"
@@ -90,20 +90,13 @@ void race(Display* display, std::vector<Program> programs) {
                  menu / bench::median(programs[1].times.processor), 1);
 }
 
-}  // namespace
-
-int main() {
-    Display* display = XOpenDisplay(nullptr);
-    if (!display) return 1;
+void measure(Display* display) {
     const bench::TestFolder folder(10);
     const std::vector<std::string> menu = {DELVIO, "menu", "--at", "100,100", folder.path()};
-    try {
-        race(display, programs_to_start(folder, menu));
-        measure_idle(display, menu);
-    } catch (const std::exception& problem) {
-        fprintf(stderr, "bench_start: %s\n", problem.what());
-        return 1;
-    }
-    XCloseDisplay(display);
-    return bench::status();
+    race(display, programs_to_start(folder, menu));
+    measure_idle(display, menu);
 }
+
+}  // namespace
+
+int main() { return bench::run_on_display(measure); }

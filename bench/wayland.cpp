@@ -4,7 +4,6 @@
 // server's screen. sway shows it a frame later, when the program has already done more, so the
 // processor times are compared until the program is idle again. What sway adds by itself is
 // measured with a program that only shows a window.
-#include <stdio.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -14,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/display_main.h"
 #include "bench/driven_menu.h"
 #include "bench/harness.h"
 #include "bench/started_program.h"
@@ -144,15 +144,4 @@ void compare(Display* screen) {
 
 }  // namespace
 
-int main() {
-    Display* screen = XOpenDisplay(nullptr);
-    if (!screen) return 1;
-    try {
-        compare(screen);
-    } catch (const std::exception& problem) {
-        fprintf(stderr, "bench_wayland: %s\n", problem.what());
-        return 1;
-    }
-    XCloseDisplay(screen);
-    return bench::status();
-}
+int main() { return bench::run_on_display(compare); }
