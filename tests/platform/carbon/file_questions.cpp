@@ -53,7 +53,8 @@ std::string display_name(const std::string& path) {
     EXPECT_TRUE(CFStringGetCString(name, text.data(), static_cast<CFIndex>(text.size()),
                                    kCFStringEncodingUTF8));
     CFRelease(name);
-    return text.c_str();
+    text.resize(text.find('\0'));
+    return text;
 }
 
 }  // namespace test

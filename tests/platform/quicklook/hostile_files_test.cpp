@@ -66,9 +66,10 @@ class HostileFiles : public testing::TestWithParam<bool> {
         return settings;
     }
 
-    HostileFiles() : maker(quick_settings()) {
-        cache = std::string(getenv("XDG_CACHE_HOME")) + "/thumbnails";
-        programs = std::string(getenv("XDG_DATA_HOME")) + "/thumbnailers";
+    HostileFiles()
+        : cache(std::string(getenv("XDG_CACHE_HOME")) + "/thumbnails"),
+          programs(std::string(getenv("XDG_DATA_HOME")) + "/thumbnailers"),
+          maker(quick_settings()) {
         fs::remove_all(cache);
         fs::create_directories(programs);
         // Loads first what is loaded at first use, so that it does not count.
@@ -122,7 +123,7 @@ class HostileFiles : public testing::TestWithParam<bool> {
 
     const Box box = {256, 256};
     test::TempFolder files;
-    std::string cache, programs;
+    const std::string cache, programs;
     const std::string picture_script = make_picture_script();
     ThumbnailMaker maker;
 };
