@@ -24,23 +24,25 @@ void let_go_of_everything() {
     for (int number = 0; number < 3; number++) (void)open("/dev/null", O_RDWR);
 }
 
+// The part of the first child, for which the caller waits. Does not return.
+void work_in_second_child(const std::function<void()>& work) {
+    // The second child may get its first turn late, so the first one lets go.
+    let_go_of_everything();
+    // The second child has no parent that would have to wait for it.
+    if (fork() == 0) {
+        // This works only where a process can give up waiting for the disk.
+        alarm(longest_work);
+        work();
+    }
+    _exit(0);
+}
+
 }  // namespace
 
 void run_alone(const std::function<void()>& work) {
-    const pid_t parent = fork();
-    if (parent < 0) return;
-    if (parent > 0) {
-        waitpid(parent, nullptr, 0);
-        return;
-    }
-    // The first child, for which the caller waits, lets go: the second may get its first turn late.
-    let_go_of_everything();
-    // The second child has no parent that would have to wait for it.
-    if (fork() != 0) _exit(0);
-    // This works only where a process can give up waiting for the disk.
-    alarm(longest_work);
-    work();
-    _exit(0);
+    const pid_t child = fork();
+    if (child == 0) work_in_second_child(work);
+    if (child > 0) waitpid(child, nullptr, 0);
 }
 
 }  // namespace operations

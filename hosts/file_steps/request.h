@@ -60,10 +60,10 @@ struct Answer {
 class Observer {
   public:
     virtual ~Observer() = default;
-    virtual void progressed(const Progress&) {}
-    virtual Answer ask(const Conflict&) { return {}; }
+    virtual void progressed(const Progress&);
+    virtual Answer ask(const Conflict&);  // skips, unless it is overridden
     // True ends the work as soon as no file is left half done.
-    virtual bool is_cancelled() { return false; }
+    virtual bool is_cancelled();
     // The last call, once for each request.
     virtual void ended(const Report&) = 0;
 };

@@ -44,10 +44,10 @@ const char* elsewhere_text(Kind kind) {
                 "the last operation (making an alias of %s) was handed to %s, and can only be "
                 "undone there");
         case Kind::Trash:
-            return to_translate(
-                "the last operation (trashing %s) was handed to %s, and can only be undone there");
+            break;
     }
-    return "";
+    return to_translate(
+        "the last operation (trashing %s) was handed to %s, and can only be undone there");
 }
 
 }  // namespace

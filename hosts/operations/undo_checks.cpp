@@ -75,9 +75,9 @@ Plan UndoChecks::plan(const Step& step) {
         case Step::Aliased:
             return plan_aliased(step);
         case Step::Trashed:
-            return plan_trashed(step);
+            break;
     }
-    return {};
+    return plan_trashed(step);
 }
 
 // Plans for a move by a rename.

@@ -298,6 +298,19 @@ TEST_F(EngineTest, WithoutAThreadARequestIsRefusedAndNothingIsTouched) {
     EXPECT_TRUE(std::filesystem::exists(source));
 }
 
+TEST_F(EngineTest, WhereNobodyAnswersATakenNameIsSkipped) {
+    class Silent : public operations::Observer {
+        void ended(const operations::Report&) override {}
+    } silent;
+    const std::string source = folder_.file("from/a", "new"), taken = folder_.file("to/a", "old");
+    const auto report = operations::perform_request(
+        {Kind::Move, {source}, folder_.path("to"), false}, silent, folder_.path("state"));
+    EXPECT_EQ(report.outcomes.front().state, State::Skipped);
+    EXPECT_FALSE(report.stopped);
+    EXPECT_EQ(test::read_file(source), "new");
+    EXPECT_EQ(test::read_file(taken), "old");
+}
+
 TEST_F(EngineTest, AFolderIsNotReplacedByWhatIsInIt) {
     const std::string inner = folder_.file("to/a/a", "inner"), to = folder_.path("to");
     for (const Kind kind : {Kind::Copy, Kind::Move}) {

@@ -170,6 +170,24 @@ TEST_F(FailingCall, AKernelThatDoesNotCopyIsDoneWithout) {
     expect_copy(sparse_file(), {{SYS_copy_file_range, EXDEV}});
 }
 
+TEST_F(FailingCall, ACopyIsMadeAlsoWhereNoThreadIsToBeHad) {
+    expect_copy(folder_.file("from/file", "bytes"), {{SYS_clone3, EAGAIN}, {SYS_clone, EAGAIN}});
+}
+
+TEST_F(FailingCall, AMoveWhoseJournalCannotBeLockedIsMadeAndCannotBeUndone) {
+    const std::string file = folder_.file("from/file", "bytes");
+    EXPECT_TRUE(test::in_child([&] {
+        if (!test::fail_call(SYS_flock, EWOULDBLOCK)) return false;
+        test::Notes notes;
+        const auto report =
+            operations::perform_request({Kind::Move, {file}, to_, false}, notes, state_);
+        EXPECT_EQ(report.outcomes.front().state, State::Done);
+        EXPECT_EQ(report.operation, "");
+        return true;
+    }));
+    EXPECT_EQ(test::read_file(to_ + "/file"), "bytes");
+}
+
 TEST_F(FailingCall, ADiskWithoutTheNewRenameKeepsWhatIsThere) {
     const Failures ways[] = {{{SYS_renameat2, EINVAL}},
                              {{SYS_renameat2, EINVAL}, {SYS_linkat, EPERM}},

@@ -1,10 +1,12 @@
 // Who holds the lock of the undo journal, and for how long.
 #include <gtest/gtest.h>
+#include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,9 +16,11 @@
 
 #include "file_steps/descriptor.h"
 #include "file_steps/lone_process.h"
+#include "hosts/operations/failing_calls.h"
 #include "hosts/operations/scene.h"
 #include "operations/undo_journal.h"
 #include "support/temp_folder.h"
+#include "support/waiting.h"
 
 using operations::Kind;
 using operations::State;
@@ -27,17 +31,21 @@ using Names = std::vector<std::string>;
 
 std::atomic<int> lock_attempts = 0, forks = 0;
 
+// While this is false, a child gets no process of its own.
+bool children_fork = true;
+
 // While this is set, a grandchild of the process does not begin before a byte can be read here.
 int gate = -1;
 pid_t grandparent = 0;
 
-void wait_at_gate() {
+void begin_child() {
+    if (!children_fork) test::fail_call(SYS_clone, EAGAIN);
     char byte;
     if (gate >= 0 && getppid() != grandparent) (void)!read(gate, &byte, 1);
 }
 
 void watch_forks() {
-    static const int registered = pthread_atfork([] { forks++; }, nullptr, wait_at_gate);
+    static const int registered = pthread_atfork([] { forks++; }, nullptr, begin_child);
     ASSERT_EQ(registered, 0);
 }
 
@@ -153,4 +161,21 @@ TEST(LoneProcess, HoldsNoFileOfItsCallersAlsoBeforeItsFirstTurn) {
     EXPECT_EQ(poll(&end, 1, 0), 1);
     EXPECT_EQ(write(start[1], "", 1), 1);
     for (const int file : {held[0], start[0], start[1]}) close(file);
+}
+
+TEST(LoneProcess, WithoutOneNothingIsDoneAndNobodyWaits) {
+    watch_forks();
+    const test::TempFolder folder;
+    const auto leave = [&](const char* name) { mkdir(folder.path(name).c_str(), 0700); };
+    children_fork = false;
+    operations::run_alone([&] { leave("without the second"); });
+    children_fork = true;
+    EXPECT_TRUE(test::in_child([&] {
+        if (!test::fail_call(SYS_clone, EAGAIN)) return false;
+        operations::run_alone([&] { leave("without the first"); });
+        return true;
+    }));
+    operations::run_alone([&] { leave("with both"); });
+    EXPECT_TRUE(test::wait_for([&] { return !test::names_in(folder.path()).empty(); }));
+    EXPECT_EQ(test::names_in(folder.path()), Names({"with both"}));
 }

@@ -1,5 +1,5 @@
-// Folders that are exchanged, mounted twice, endlessly deep, or too many to be open at once; and
-// disks that claim that every name is taken.
+// Folders that are exchanged, removed, mounted twice, endlessly deep, or too many to be open at
+// once; disks that claim that every name is taken; and a kernel that does not number its mounts.
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -22,6 +22,8 @@ using operations::State;
 namespace {
 
 using Names = std::vector<std::string>;
+
+bool mounts_have_numbers = true;
 
 class OddFoldersTest : public testing::Test {
   protected:
@@ -214,4 +216,46 @@ TEST_F(OddFoldersTest, WithFewOpenFilesAllowedEachOperationIsDoneOrSaysWhyNot) {
     EXPECT_LT(failed, 36);
 }
 
+TEST_F(OddFoldersTest, ARemovedFolderHasNoPathAlsoWhereAnotherBearsItsLastOne) {
+    const std::string path = folder_.folder("gone");
+    const operations::Descriptor gone(open(path.c_str(), O_PATH | O_CLOEXEC));
+    EXPECT_EQ(operations::path_of_folder(gone.get()), path);
+    ASSERT_EQ(rmdir(path.c_str()), 0);
+    EXPECT_EQ(operations::path_of_folder(gone.get()), "");
+    // The kernel adds this to the path of a removed folder.
+    folder_.folder("gone (deleted)");
+    errno = 0;
+    EXPECT_EQ(operations::path_of_folder(gone.get()), "");
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(operations::path_of_folder(-1), "");
+}
+
+TEST_F(OddFoldersTest, AVolumeIsToldByItsDeviceWhereMountsHaveNoNumbers) {
+    ASSERT_FALSE(volume_.path().empty()) << "/dev/shm is no volume of its own";
+    const auto mount_of = [](const std::string& path) {
+        return operations::mount_of(
+            operations::Descriptor(open(path.c_str(), O_PATH | O_CLOEXEC)).get());
+    };
+    const std::string tree = folder_.folder("tree");
+    folder_.file("tree/in/it");
+    mounts_have_numbers = false;
+    const uint64_t here = mount_of(folder_.path());
+    EXPECT_NE(here, 0u);
+    EXPECT_EQ(mount_of(tree), here);
+    EXPECT_NE(mount_of(volume_.path()), here);
+    EXPECT_EQ(operations::mount_of(-1), 0u);
+    EXPECT_EQ(perform_one(Kind::Move, tree, volume_.path()).state, State::Done);
+    mounts_have_numbers = true;
+    EXPECT_EQ(test::names_in(volume_.path() + "/tree"), Names({"in"}));
+    EXPECT_NE(access(tree.c_str(), F_OK), 0);
+}
+
 }  // namespace
+
+// As a kernel before 5.8 answers, where a test wants it.
+extern "C" int statx(int folder, const char* path, int flags, unsigned mask,
+                     struct statx* what) noexcept {
+    const auto answer = syscall(SYS_statx, folder, path, flags, mask, what);
+    if (answer == 0 && !mounts_have_numbers) what->stx_mask &= ~STATX_MNT_ID;
+    return static_cast<int>(answer);
+}

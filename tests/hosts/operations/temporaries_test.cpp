@@ -94,6 +94,26 @@ TEST_F(TemporariesTest, AJournalWaitsForAVolumeThatIsAway) {
     EXPECT_EQ(test::names_in(to_), Names());
 }
 
+TEST_F(TemporariesTest, AJournalWhoseVolumeStaysAwayIsForgotten) {
+    constexpr time_t day = 24 * 3600;
+    const struct {
+        const char* name;
+        std::string text;
+        time_t days;
+    } rows[] = {{"delvio-0000000000000000", "0\n" + folder_.path("away"), 89},
+                {"delvio-0000000000000001", "0\n" + folder_.path("away"), 91},
+                {"delvio-0000000000000002", "another disk\n" + to_, 89},
+                {"delvio-0000000000000003", "another disk\n" + to_, 91}};
+    for (const auto& row : rows) {
+        const std::string path =
+            folder_.file(std::string("state/temporaries/") + row.name, row.text);
+        const timespec then = {time(nullptr) - row.days * day, 0}, times[] = {then, then};
+        ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    }
+    remove_left_temporaries(state_);
+    EXPECT_EQ(test::names_in(state_ + "/temporaries"), Names({rows[0].name, rows[2].name}));
+}
+
 TEST_F(TemporariesTest, NoLockOfAnotherProcessIsWaitedFor) {
     const std::string path = leave_behind();
     const int lock = open(folder_.file("state/temporaries/lock").c_str(), O_RDWR | O_CLOEXEC);

@@ -347,6 +347,30 @@ TEST_F(FileOp, LogsItsWay) {
     EXPECT_NE(("\n" + output).find("\n" + expected), std::string::npos) << output;
 }
 
+TEST_F(FileOp, TheRootIsLeftOutAlsoWhenItGetsAnotherPathWhileItsWindowOpens) {
+    dv_tree_t* root = select(folder_root(folder_.folder("a")));
+    const std::string other = folder_.file("other");
+    select(other);
+    dv_tree_t* to = target_in(root);
+    char& letter = root->dir->path[root->dir->path_len - 2];
+    test::carbon_trouble = [&](const std::string& function, FourCharCode about) -> OSErr {
+        if (function == "AECreateAppleEvent" && about == kAEOpenDocuments) letter++;
+        return noErr;
+    };
+    const struct {
+        unsigned is_logged;
+        const char* said;
+    } rows[] = {{0, ""}, {1, "\n Continuing..\nDelvio: Skip cur==parent\n"}};
+    for (const auto& row : rows) {
+        ASSERT_EQ(letter, 'a');
+        dvEnableDebugOutput = row.is_logged;
+        const std::string output = output_of([&] { send(to, 0, 1); });
+        EXPECT_NE(output.find(row.said), output.npos) << output;
+        EXPECT_EQ(post_.letters().back().items, Paths{other});
+        EXPECT_EQ(letter--, 'b');
+    }
+}
+
 TEST_F(FileOp, LogsTheComparisonOfNames) {
     folder_.file("to/A");
     folder_.file("to/c");
