@@ -209,12 +209,13 @@ void Builder::add_managers() {
         add_reason(translated("Switch on those that are to have Delvio in their menus."), left, y);
         y += 28;
     }
-    for (size_t i = 0; i < view_.managers.size(); i++, y += manager_height) {
+    for (size_t i = 0; i < view_.managers.size(); i++) {
         const ShownManager& manager = view_.managers[i];
         add(WidgetKind::check, left, y, column, 22, manager.title,
             managers_item + static_cast<int>(i))
             .on = manager.has_delvio;
         add_reason(manager.place, left + 24, y + 22);
+        y += manager_height;
     }
     if (!view_.managers.empty()) return;
     add(WidgetKind::paragraph, left, y, column, 120,
@@ -227,11 +228,12 @@ void Builder::add_tabs() {
     constexpr double beyond = 12;  // the corners of the frame are outside the window
     add(WidgetKind::frame, -beyond, -beyond, margin + tabs_width + beyond, height + 2 * beyond);
     double y = margin - 4;
-    for (size_t i = 0; i < view_.pages.size(); i++, y += tab_height + 2) {
+    for (size_t i = 0; i < view_.pages.size(); i++) {
         Widget& tab = add(WidgetKind::row, margin - 12, y, tabs_width, tab_height,
                           view_.pages[i].title, pages_item + static_cast<int>(i));
         tab.group = pages_group;
         tab.on = i == view_.page;
+        y += tab_height + 2;
     }
 }
 

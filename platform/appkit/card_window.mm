@@ -86,7 +86,8 @@ void paint_frame(cairo_t* cairo, const Card& card) {
 int paint_text(cairo_t* cairo, const Card& card, const Color& color, const TextLayout& text,
                int left) {
     const int middle = card.panel.bottom() - card.pixels(padding) / 2 - card.caption() / 2;
-    cairo_move_to(cairo, left, middle - text_height(text) / 2);
+    const int top = middle - text_height(text) / 2;  // whole pixels keep it sharp
+    cairo_move_to(cairo, left, top);
     set_colour(cairo, color);
     pango_cairo_show_layout(cairo, text.get());
     return text_width(text);
@@ -314,7 +315,8 @@ void fit_window(NSWindow* window, CardView* view) {
     tell_drawn_shadow(window, room);
     NSView* content = [window contentView];
     // The picture is above the line, and so above the window's middle.
-    const double lift = card.caption() / 2 / scale;
+    const int pixels_above = card.caption() / 2;
+    const double lift = pixels_above / scale;
     const NSRect bounds =
         NSMakeRect(NSMidX(shown) - size.width / 2, NSMidY(shown) - size.height / 2 - lift,
                    size.width, size.height);

@@ -30,8 +30,9 @@ TitleWidths::TitleWidths(const MenuLook& look) : look_(look) {
     for (char character = ' '; character < 0x7F; character++) all += character;
     const std::vector<double> ends = ends_of_characters(look, all);
     double start = 0;
-    for (size_t i = 0; i < all.size(); start = ends[i++]) {
+    for (size_t i = 0; i < all.size(); i++) {
         widths_[static_cast<unsigned char>(all[i])] = ends[i] - start;
+        start = ends[i];
     }
 }
 

@@ -218,7 +218,7 @@ static void adopt_submenu_action(NSMenuItem* self) {
     const BOOL borrowed = self->_action && sel_isEqual(self->_action, @selector(submenuAction:));
     if (!self->_submenu) {
         if (!borrowed) return;
-        self->_action = NULL;
+        self->_action = nullptr;
         self->_target = nil;
     } else if (!self->_action || borrowed) {
         self->_action = @selector(submenuAction:);
