@@ -107,7 +107,11 @@ void prepare_toolkit(char* program) {
 
 void start_application() {
     start_lightly();
-    [NSApplication sharedApplication];
+    @try {
+        [NSApplication sharedApplication];
+    } @catch (NSException* exception) {
+        end_with_exception(exception);  // the toolkit has set its own handler meanwhile
+    }
     [[NSNotificationCenter defaultCenter] addObserver:[LateLauncher class]
                                              selector:@selector(panelBecameKey:)
                                                  name:NSWindowDidBecomeKeyNotification
