@@ -1,15 +1,17 @@
-// The smallest Xlib program that shows something: one window.
+// The smallest Xlib program that shows something: one window. bare_x_window [HEIGHT]
 #include <X11/Xlib.h>
+#include <stdlib.h>
 
-int main() {
+int main(int count, char** arguments) {
+    const int width = 200, height = count > 1 ? atoi(arguments[1]) : width;
     Display* display = XOpenDisplay(nullptr);
     if (!display) return 1;
     XSetWindowAttributes attributes = {};
     attributes.override_redirect = True;
     attributes.background_pixel = WhitePixel(display, DefaultScreen(display));
-    const Window window =
-        XCreateWindow(display, DefaultRootWindow(display), 100, 100, 200, 200, 0, CopyFromParent,
-                      InputOutput, CopyFromParent, CWOverrideRedirect | CWBackPixel, &attributes);
+    const Window window = XCreateWindow(display, DefaultRootWindow(display), 100, 100, width,
+                                        height, 0, CopyFromParent, InputOutput, CopyFromParent,
+                                        CWOverrideRedirect | CWBackPixel, &attributes);
     XMapWindow(display, window);
     for (XEvent event;;) XNextEvent(display, &event);
 }

@@ -103,11 +103,11 @@ void measure(Display* screen, const test::Compositor& sway, int entries) {
 }
 
 // From the start of a program with one bare window to its first pixel.
-void show_bare_window(Display* screen, Session* session) {
+void show_bare_window(Display* screen, int height, Session* session) {
     const int x = 150, y = 150;  // inside the window
     std::vector<std::string> command = {"/usr/bin/env"};
     command.insert(command.end(), session->environment.begin(), session->environment.end());
-    command.push_back(BARE_X_WINDOW);
+    command.insert(command.end(), {BARE_X_WINDOW, std::to_string(height)});
     const unsigned long empty = bench::pixel(screen, x, y);
     const double begin = bench::now();
     {
@@ -119,13 +119,14 @@ void show_bare_window(Display* screen, Session* session) {
     while (bench::pixel(screen, x, y) != empty) usleep(1000);
 }
 
-void measure_bare_window(Display* screen, const test::Compositor& sway) {
+void measure_bare_window(Display* screen, const test::Compositor& sway, int height) {
     std::vector<Session> sessions = {x_session(screen), sway_session(sway)};
     for (int round = 0; round < 3 * rounds; round++) {
-        for (Session& session : sessions) show_bare_window(screen, &session);
+        for (Session& session : sessions) show_bare_window(screen, height, &session);
     }
     for (const Session& session : sessions) {
-        bench::print_times("a bare X window, to its first pixel", 0, session.name, session.times);
+        bench::print_times("a bare X window of this height, to its first pixel", height,
+                           session.name, session.times);
     }
     XCloseDisplay(sessions[1].display);
 }
@@ -138,7 +139,7 @@ void compare(Display* screen) {
     }
     // sway gets the keys while the pointer is over its window.
     test::XInput().move(screen_side / 2, screen_side - 20);
-    measure_bare_window(screen, sway);
+    for (const int height : {200, screen_side - 100}) measure_bare_window(screen, sway, height);
     for (const int entries : {10, 1000, 10000}) measure(screen, sway, entries);
 }
 
