@@ -2,6 +2,7 @@
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <errno.h>
 
 #include <fstream>
 #include <set>
@@ -70,7 +71,11 @@ Freshness::Freshness() : display_(describe_display()) {
 std::string Freshness::change() const {
     for (const auto& [path, before] : files_) {
         struct stat now;
-        if (stat(path.c_str(), &now) != 0) return path + " is gone";
+        if (stat(path.c_str(), &now) != 0) {
+            // Of a disk that cannot tell at this moment nothing is known to have changed.
+            if (errno == ENOENT || errno == ENOTDIR) return path + " is gone";
+            continue;
+        }
         if (!are_same(before, now)) return path + " was replaced";
     }
     return describe_display() == display_ ? "" : "the display has another size or other resources";
