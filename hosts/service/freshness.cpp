@@ -72,7 +72,7 @@ std::string Freshness::change() const {
     for (const auto& [path, before] : files_) {
         struct stat now;
         if (stat(path.c_str(), &now) != 0) {
-            // Of a disk that cannot tell at this moment nothing is known to have changed.
+            // A disk that cannot answer now has not told of a change.
             if (errno == ENOENT || errno == ENOTDIR) return path + " is gone";
             continue;
         }

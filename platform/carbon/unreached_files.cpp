@@ -21,9 +21,9 @@ namespace files {
 
 void note_unreached(const std::string& path, int error) {
     const auto is_it = [&](const UnreachedFile& file) { return file.path == path; };
-    const auto& known = unreached();
+    auto& known = unreached();
     if (known.size() >= most || std::any_of(known.begin(), known.end(), is_it)) return;
-    unreached().push_back({path, error});
+    known.push_back({path, error});
 }
 
 }  // namespace files

@@ -35,7 +35,8 @@ void run_on_main_thread(void* context, dispatch_function_t work) {
     @autoreleasepool {
         // On a thread that has no run loop yet, GNUstep performs the work at once instead of later.
         if ([NSThread isMainThread]) [NSRunLoop currentRunLoop];
-        // The thread that releases an object last frees it, so the piece is none.
+        // An object is freed by the thread that releases it last. The main thread must free the
+        // piece, so it is no object.
         [MainQueue
             performSelectorOnMainThread:@selector(run:)
                              withObject:[NSValue valueWithPointer:new MainPiece{context, work}]

@@ -3,8 +3,8 @@
 
 #include <cairo.h>
 
-// What to paint `picture` from with `cairo`: from the second call on a copy in the server, where
-// the target is a window's. Painted from the program's own memory, the pixels travel each time, and
-// Xwayland even makes a shared buffer of each. The copy has the same pixels, and goes when the
-// picture does, which must not change any more.
+// Returns what to paint in place of `picture`, an image surface that does not change any more. At
+// the first call that is the picture itself. From the second call on it is a copy of the same
+// pixels that the X server keeps, if `cairo` draws in a window; the copy goes when the picture
+// does. Without the copy the pixels travel at each painting.
 cairo_surface_t* server_copy(cairo_surface_t* picture, cairo_t* cairo);

@@ -47,7 +47,8 @@ _cairo* focused_cairo() {
     return *reinterpret_cast<cairo_t* const*>(fields + ivar_getOffset(cairo_variable));
 }
 
-// The server keeps no copy, so what is drawn until the window is shown counts.
+// The server refers to the pixmap and makes no copy. So the window also shows what is drawn into
+// the pixmap after this call.
 ShownWithPixels::ShownWithPixels(NSWindow* window) {
     const Pixmap pixels = drawn_pixels(window);
     if (pixels == None) return;
