@@ -292,10 +292,13 @@ TEST_F(FaultsInHost, AFileThatIsPickedIsOpenedOrAMessage) {
     test::RecordingProgram program({"text/plain"});
     const auto open_file = [&] {
         program.forget();
-        return show({folder.path("top/a.txt")}, {"Down", "Return"});
+        return show({"--setting", "logLevel=1", folder.path("top/a.txt")}, {"a", "Return"});
     };
     fail_each("files opened by the host", open_file, [&](const Seen& seen) {
-        if (seen.outcome.err + seen.panels == "") EXPECT_FALSE(program.wait().empty());
+        // A reduced menu may lack the file's row, and no other one begins with its letter.
+        const bool has_row = seen.outcome.out.find("Add item 'a.txt'") != std::string::npos;
+        const bool was_told = seen.outcome.err + seen.panels != "";
+        if (has_row && !was_told) EXPECT_FALSE(program.wait().empty());
     });
 }
 
