@@ -2,6 +2,7 @@
 #import <Foundation/Foundation.h>
 
 #include <errno.h>
+#include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
 
@@ -47,12 +48,26 @@ std::string path_in(const std::string& address) {
     return {};
 }
 
-NSURL* url_of(const std::string& path, const std::string& address) {
+// Only bytes that stand for themselves in each part of an address (RFC 3986, 2.3) stay: a "?" of a
+// name must not begin a query.
+std::string escaped(const std::string& path) {
+    std::string text;
+    for (const char byte : path) {
+        const bool stands_for_itself = (byte >= 'a' && byte <= 'z') ||
+                                       (byte >= 'A' && byte <= 'Z') ||
+                                       (byte >= '0' && byte <= '9') || strchr("/-._~", byte);
+        char escape[4];
+        snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned char>(byte));
+        text += stands_for_itself ? std::string(1, byte) : escape;
+    }
+    return text;
+}
+
+NSURL* url_of(const std::string& path) {
     NSString* name = [NSString stringWithUTF8String:path.c_str()];
     if (name) return [NSURL fileURLWithPath:name];
     // The escapes can carry bytes that no string can.
-    NSString* text = [NSString stringWithUTF8String:address.c_str()];
-    return text ? [NSURL URLWithString:text] : nil;
+    return [NSURL URLWithString:[@"file://" stringByAppendingFormat:@"%s", escaped(path).c_str()]];
 }
 
 NSError* no_such_file() {
@@ -75,8 +90,8 @@ NSError* no_such_file() {
     const std::string address(static_cast<const char*>([data bytes]), [data length]);
     const std::string path = path_in(address);
     struct stat status;
-    NSURL* url = nil;
-    if (!path.empty() && stat(path.c_str(), &status) == 0) url = url_of(path, address);
+    const bool is_there = !path.empty() && stat(path.c_str(), &status) == 0;
+    NSURL* const url = is_there ? url_of(path) : nil;
     if (!url && error) *error = no_such_file();
     return url;
 }

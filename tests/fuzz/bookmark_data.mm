@@ -20,6 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
         require(!is_stale, "never stale");
         if (!url) return 0;
         require([url isFileURL], "a file's address");
+        require(![url query] && ![url fragment], "an address of a path alone");
         NSData* again = [[url absoluteString] dataUsingEncoding:NSUTF8StringEncoding];
         NSURL* same = [NSURL URLByResolvingBookmarkData:again
                                                 options:0

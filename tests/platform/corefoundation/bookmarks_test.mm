@@ -88,3 +88,13 @@ TEST_F(Bookmarks, ANameThatIsNoTextKeepsItsEscapes) {
     const std::string address = "file://" + folder.path() + "/caf%E9";
     EXPECT_STREQ([[resolve(address) absoluteString] UTF8String], address.c_str());
 }
+
+TEST_F(Bookmarks, SignsOfANameThatIsNoTextAreNoPartsOfAnAddress) {
+    folder.file("a");
+    folder.file("a?b#c%\xe9");
+    const std::string start = "file://" + folder.path();
+    NSURL* url = resolve(start + "/a?b#c%25%E9");
+    EXPECT_EQ([url absoluteString].UTF8String, start + "/a%3Fb%23c%25%E9");
+    EXPECT_EQ([url query], nil);
+    EXPECT_EQ([url fragment], nil);
+}
