@@ -35,11 +35,14 @@ bool is_desktop_entry(const std::string& path, const std::string& type) {
     return is_of_entry_type(type) || (real && g_str_has_suffix(real.get(), ".desktop"));
 }
 
-// Keeps the first reason: it is about the program that the user has chosen.
+// Keeps the first reason: it is about the program that the user has chosen. A hidden program is one
+// that the user has removed; GLib finds it all the same where a list of programs still names it.
 bool launch(void* program, const std::string& path, std::string* reason) {
     if (!program || !G_IS_DESKTOP_APP_INFO(program)) return false;
+    GDesktopAppInfo* const entry = G_DESKTOP_APP_INFO(program);
+    if (g_desktop_app_info_get_is_hidden(entry)) return false;
     std::string problem;
-    if (start_entry(G_DESKTOP_APP_INFO(program), {path}, &problem) == Start::done) return true;
+    if (start_entry(entry, {path}, &problem) == Start::done) return true;
     if (reason->empty()) {
         *reason = translated("%s does not start: %s",
                              {g_app_info_get_name(G_APP_INFO(program)), problem});

@@ -31,9 +31,13 @@ class OpenFile : public testing::Test {
         std::ofstream(data + "/applications/missing.desktop")
             << "[Desktop Entry]\nType=Application\nName=Missing\nExec=/no/such/program "
                "%u\nMimeType=application/x-nintendo-ds-rom;\n";
+        std::ofstream(data + "/applications/removed.desktop")
+            << application("--removed %u") + "Hidden=true\n";
         std::ofstream(config + "/mimeapps.list", std::ios::app)
             << "application/x-nintendo-ds-rom=missing.desktop\n"
-               "[Added Associations]\ntext/plain=record.desktop\n";
+               "application/x-nes-rom=removed.desktop\n"
+               "[Added Associations]\ntext/plain=record.desktop\n"
+               "application/x-nes-rom=record.desktop\n";
     }
     static void TearDownTestSuite() { delete program; }
     void SetUp() override {
@@ -68,6 +72,12 @@ TEST_F(OpenFile, ATextGoesToItsProgramFromTheHomeFolder) {
     ASSERT_TRUE(open(path));
     EXPECT_EQ(record(), Arguments({path}));
     EXPECT_EQ(program->working_folder(), getenv("HOME"));
+}
+
+TEST_F(OpenFile, AProgramThatTheUserHasRemovedIsNotStarted) {
+    const std::string path = folder.file("game.nes", "game");
+    ASSERT_TRUE(open(path));
+    EXPECT_EQ(record(), Arguments({path}));
 }
 
 TEST_F(OpenFile, TheProgramGetsNoneOfOurDescriptors) {
