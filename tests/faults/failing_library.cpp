@@ -4,7 +4,6 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
-#include <link.h>
 #include <pthread.h>
 #include <spawn.h>
 #include <stdarg.h>
@@ -19,23 +18,19 @@
 #include <sys/un.h>
 #include <sys/xattr.h>
 #include <unistd.h>
-#include <unwind.h>
 
-#include <new>
+#include "faults/failing.h"
 
-#include "faults/control.h"
+namespace faults {
 
-extern "C" {
-void* __libc_malloc(size_t);
-void* __libc_calloc(size_t, size_t);
-void* __libc_realloc(void*, size_t);
-}
+Control* control;
+thread_local bool is_counting;
 
-namespace {
+}  // namespace faults
 
 using namespace faults;
 
-Control* control;
+namespace {
 
 // Only system calls of its own, because the others are replaced below.
 bool is_our_program() {
@@ -62,83 +57,12 @@ __attribute__((constructor)) void map_control() {
     control->first.compare_exchange_strong(nobody, getpid());
 }
 
-// The modules of the process, with their code. A module that is loaded later is found when it
-// first calls.
-struct Module {
-    uintptr_t begin, end;
-    bool is_ours, is_cxx_library;
-};
-Module modules[1024];
-std::atomic<int> module_count;
-
-// The program itself has no name here.
-bool names_ours(const char* name) { return *name == 0 || strstr(name, "elvio"); }
-
-int add_module(dl_phdr_info* info, size_t, void*) {
-    for (int i = 0; i < info->dlpi_phnum; i++) {
-        const auto& part = info->dlpi_phdr[i];
-        if (part.p_type != PT_LOAD || !(part.p_flags & PF_X)) continue;
-        const uintptr_t begin = info->dlpi_addr + part.p_vaddr;
-        const int at = module_count;
-        if (at >= static_cast<int>(std::size(modules))) return 1;
-        const char* const slash = strrchr(info->dlpi_name, '/');
-        const char* const name = slash ? slash + 1 : info->dlpi_name;
-        modules[at] = {begin, begin + part.p_memsz, names_ours(name), !!strstr(name, "libstdc++")};
-        module_count = at + 1;
-    }
-    return 0;
-}
-
-const Module* module_of(const void* address) {
-    const auto place = reinterpret_cast<uintptr_t>(address);
-    for (int i = 0, count = module_count; i < count; i++) {
-        if (place >= modules[i].begin && place < modules[i].end) return &modules[i];
-    }
-    return nullptr;
-}
-
-const Module* known_module_of(const void* caller) {
-    if (!module_of(caller)) {
-        static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
-        pthread_mutex_lock(&lock);
-        module_count = 0;
-        dl_iterate_phdr(add_module, nullptr);
-        pthread_mutex_unlock(&lock);
-    }
-    return module_of(caller);
-}
-
-bool is_ours(const void* caller) {
-    const Module* const module = known_module_of(caller);
-    return module && module->is_ours;
-}
-
-// The first caller below the C++ library and this one.
-_Unwind_Reason_Code note_user(_Unwind_Context* frame, void* user) {
-    auto* const found = static_cast<const void**>(user);
-    const auto* const place = reinterpret_cast<const void*>(_Unwind_GetIP(frame));
-    const Module* const module = known_module_of(place);
-    const bool is_passed =
-        module &&
-        (module->is_cxx_library || module == module_of(reinterpret_cast<const void*>(&note_user)));
-    if (is_passed) return _URC_NO_REASON;
-    *found = place;
-    return _URC_END_OF_STACK;
-}
-
-// Who wants an object: our own code asks for many through the C++ library, such as long texts.
-const void* user_of_object(const void* caller) {
-    const Module* const module = known_module_of(caller);
-    if (!module || !module->is_cxx_library) return caller;
-    const void* user = caller;
-    _Unwind_Backtrace(note_user, &user);
-    return user;
-}
-
-// GLib ends the process when it gets no thread, and nothing that uses GLib can keep it from that.
-bool is_glib(const void* caller) {
+// GLib ends the process when it gets no thread, and nothing that uses GLib can keep it from that. A
+// sanitizer's library calls for all others, GLib too.
+bool ends_without_thread(const void* caller) {
     Dl_info module = {};
-    return dladdr(caller, &module) && module.dli_fname && strstr(module.dli_fname, "libglib");
+    if (!dladdr(caller, &module) || !module.dli_fname) return false;
+    return strstr(module.dli_fname, "libglib") || strstr(module.dli_fname, "libclang_rt");
 }
 
 void note(const char* name, const void* caller) {
@@ -156,10 +80,9 @@ bool is_meant(int only) {
     return only == 0 || only == getpid();
 }
 
-thread_local bool is_counting;
+}  // namespace
 
-// Counts a call, and says whether it is the one that fails.
-bool fails(Family family, int error, const char* name, const void* caller) {
+bool faults::fails(Family family, int error, const char* name, const void* caller) {
     if (!control || is_counting) return false;
     if (!is_meant(control->only)) return false;
     const long number = ++control->calls[family];
@@ -172,6 +95,8 @@ bool fails(Family family, int error, const char* name, const void* caller) {
     errno = error;
     return true;
 }
+
+namespace {
 
 template <typename Function>
 Function* real(Function*, const char* name) {
@@ -238,7 +163,6 @@ __attribute__((destructor)) void look_at_files_at_end() {
 }  // namespace
 
 // A replacement with the same arguments: it fails with the family's error, or calls the real one.
-#define CALLER __builtin_return_address(0)
 #define REPLACE(family, error, bad, result, name, parameters, ...)                    \
     extern "C" __attribute__((visibility("default"))) result name parameters {        \
         static auto* const next = real(static_cast<decltype(&name)>(nullptr), #name); \
@@ -384,8 +308,6 @@ REPLACE(processes, EAGAIN, EAGAIN, int, posix_spawnp,
          const posix_spawnattr_t* attributes, char* const words[], char* const environment[]),
         process, path, actions, attributes, words, environment)
 
-#define EXPORT extern "C" __attribute__((visibility("default")))
-
 EXPORT ssize_t read(int file, void* bytes, size_t size) {
     static auto* const next = real(static_cast<decltype(&read)>(nullptr), "read");
     if (can_fail(file) && fails(reading, EIO, "read", CALLER)) return -1;
@@ -410,7 +332,8 @@ EXPORT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                           void* (*begin)(void*), void* argument) {
     static auto* const next =
         real(static_cast<decltype(&pthread_create)>(nullptr), "pthread_create");
-    if (control && !is_glib(CALLER) && fails(threads, EAGAIN, "pthread_create", CALLER)) {
+    if (control && !ends_without_thread(CALLER) &&
+        fails(threads, EAGAIN, "pthread_create", CALLER)) {
         return EAGAIN;
     }
     return next(thread, attributes, begin, argument);
@@ -469,65 +392,4 @@ EXPORT ssize_t recv(int file, void* bytes, size_t size, int flags) {
     static auto* const next = real(static_cast<decltype(&recv)>(nullptr), "recv");
     if (connection_fails(bus, file, ECONNRESET, "recv", CALLER)) return -1;
     return next(file, bytes, size, flags);
-}
-
-EXPORT void* malloc(size_t size) {
-    if (control && is_ours(CALLER) && fails(memory, ENOMEM, "malloc", CALLER)) return nullptr;
-    return __libc_malloc(size);
-}
-
-EXPORT void* calloc(size_t count, size_t size) {
-    if (control && is_ours(CALLER) && fails(memory, ENOMEM, "calloc", CALLER)) return nullptr;
-    return __libc_calloc(count, size);
-}
-
-EXPORT void* realloc(void* block, size_t size) {
-    if (control && is_ours(CALLER) && fails(memory, ENOMEM, "realloc", CALLER)) return nullptr;
-    return __libc_realloc(block, size);
-}
-
-namespace {
-
-// Null when the call fails.
-void* make_object(size_t size, size_t alignment, const void* caller) {
-    const size_t most = size > 0 ? size : 1;
-    if (control && !is_counting) {
-        is_counting = true;
-        const void* const user = user_of_object(caller);
-        const bool counts = is_ours(user);
-        is_counting = false;
-        if (counts && fails(objects, ENOMEM, "new", user)) return nullptr;
-    }
-    if (alignment <= alignof(max_align_t)) return __libc_malloc(most);
-    void* object = nullptr;
-    return posix_memalign(&object, alignment, most) == 0 ? object : nullptr;
-}
-
-// As the C++ library does it: the program's own handler may find memory, or throw.
-void* make_or_throw(size_t size, size_t alignment, const void* caller) {
-    for (;;) {
-        if (void* const object = make_object(size, alignment, caller)) return object;
-        const std::new_handler handler = std::get_new_handler();
-        if (!handler) throw std::bad_alloc();
-        handler();
-    }
-}
-
-}  // namespace
-
-#define NEW __attribute__((visibility("default"))) void* operator new
-
-NEW(size_t size) { return make_or_throw(size, 0, CALLER); }
-NEW[](size_t size) { return make_or_throw(size, 0, CALLER); }
-NEW(size_t size, const std::nothrow_t&) noexcept { return make_object(size, 0, CALLER); }
-NEW[](size_t size, const std::nothrow_t&) noexcept { return make_object(size, 0, CALLER); }
-NEW(size_t size, std::align_val_t alignment) {
-    return make_or_throw(size, static_cast<size_t>(alignment), CALLER);
-}
-
-EXPORT char* strdup(const char* text) {
-    if (control && is_ours(CALLER) && fails(memory, ENOMEM, "strdup", CALLER)) return nullptr;
-    const size_t size = strlen(text) + 1;
-    void* const copy = __libc_malloc(size);
-    return static_cast<char*>(copy ? memcpy(copy, text, size) : nullptr);
 }

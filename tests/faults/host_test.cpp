@@ -30,8 +30,20 @@ using Clock = std::chrono::steady_clock;
 // Whose calls fail.
 enum class Failing { host, client, start };  // a client that also starts the host
 
+// In a full run of a sanitized host, which looks for leaks when it ends by itself, because it was
+// idle.
+bool looks_for_leaks() { return __has_feature(address_sanitizer) && is_full_run(); }
+
 struct FaultsInHost : test::ResidentScene {
-    FaultsInHost() { folder.folder("to"); }
+    FaultsInHost() {
+        folder.folder("to");
+        if (looks_for_leaks()) setenv("DELVIO_IDLE_SECONDS", "40", 1);
+    }
+    void TearDown() override {
+        if (looks_for_leaks()) EXPECT_TRUE(test::wait_for([&] { return hosts().empty(); }));
+        // The host writes there what its sanitizers say.
+        EXPECT_EQ(log().find("ERROR: "), std::string::npos) << log();
+    }
 
     // How a call has ended.
     struct Seen {
