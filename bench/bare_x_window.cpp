@@ -3,7 +3,8 @@
 #include <stdlib.h>
 
 int main(int count, char** arguments) {
-    const int width = 200, height = count > 1 ? atoi(arguments[1]) : width;
+    const unsigned width = 200;
+    const unsigned height = count > 1 ? strtoul(arguments[1], nullptr, 10) : width;
     Display* display = XOpenDisplay(nullptr);
     if (!display) return 1;
     XSetWindowAttributes attributes = {};

@@ -83,6 +83,11 @@ void add_span(Times* times, const Moment& begin) {
     times->wall.push_back(end.wall - begin.wall);
 }
 
+std::string variable(const char* name) {
+    const char* const value = getenv(name);
+    return value ? value : "";
+}
+
 double median(std::vector<double> values) { return quantile(std::move(values), 0.5); }
 
 Race::Race(std::string what, int size, double (*clock)())

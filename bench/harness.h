@@ -23,6 +23,9 @@ double processor_time();
 
 double median(std::vector<double> values);
 
+// A variable of the environment; empty for none.
+std::string variable(const char* name);
+
 // The times of one variant in all its rounds, in seconds.
 struct Times {
     std::vector<double> wall, processor;

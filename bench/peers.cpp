@@ -27,11 +27,6 @@ const double kde_limit = 0.4;
 const std::vector<int> sizes = {10, 1000, 10000};
 const Keys into = {"Right"}, next = {"Down", "Right"}, back = {"Left"};
 
-std::string variable(const char* name) {
-    const char* value = getenv(name);
-    return value ? value : "";
-}
-
 // The folders to show, also as the other programs see them. The first is there to be opened before
 // anything is measured.
 class Folders {
@@ -80,7 +75,8 @@ struct Program {
 
 std::vector<std::string> peer_command(const Folders& folders,
                                       const std::vector<std::string>& words) {
-    const std::string folder = folders.inside().string(), root = variable("DELVIO_PEERS_ROOT");
+    const std::string folder = folders.inside().string(),
+                      root = bench::variable("DELVIO_PEERS_ROOT");
     std::vector<std::string> command;
     if (!root.empty()) command = {"/usr/sbin/chroot", root};
     command.insert(command.end(), {"/usr/bin/env", "HOME=" + folder + "/home",
@@ -97,7 +93,7 @@ Program delvio(const Folders& folders) {
 
 // "Copy To", "Home Folder", and its first folder below "Copy Here".
 Program kde(const Folders& folders) {
-    const std::string program = variable("DELVIO_KDE_MENU");
+    const std::string program = bench::variable("DELVIO_KDE_MENU");
     if (program.empty()) throw std::runtime_error("start it by script/bench --peers");
     const std::string file = folders.inside() / "file";
     return {"KDE, \"Copy To\"", peer_command(folders, {program, file}), false, {next, into}, next};
@@ -151,7 +147,7 @@ void compare(const Program& delvio, const Program& peer, double limit) {
 }
 
 void race(Display* display) {
-    const Folders folders(variable("DELVIO_PEERS_ROOT"));
+    const Folders folders(bench::variable("DELVIO_PEERS_ROOT"));
     std::vector<Program> programs = {delvio(folders), kde(folders), lxqt(folders)};
     for (int round = 0; round <= rounds; round++) {
         for (Program& program : programs) run(display, &program, round > 0);

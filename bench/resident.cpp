@@ -71,7 +71,7 @@ double seconds_to_window(Display* display, const Command& command) {
 }
 
 bool is_installed(const std::string& program) {
-    std::string path = getenv("PATH");
+    const std::string path = bench::variable("PATH");
     for (size_t begin = 0; begin <= path.size();) {
         const size_t end = std::min(path.find(':', begin), path.size());
         if (access((path.substr(begin, end - begin) + "/" + program).c_str(), X_OK) == 0)
@@ -115,10 +115,11 @@ std::string text_of(const fs::path& path) {
 
 pid_t host_process() {
     for (const auto& entry : fs::directory_iterator("/proc")) {
-        const pid_t process = atoi(entry.path().filename().c_str());
+        const auto process =
+            static_cast<pid_t>(strtol(entry.path().filename().c_str(), nullptr, 10));
         const std::string all = text_of(entry.path() / "cmdline");
         const std::string environment = text_of(entry.path() / "environ");
-        const std::string own = "XDG_RUNTIME_DIR=" + std::string(getenv("XDG_RUNTIME_DIR"));
+        const std::string own = "XDG_RUNTIME_DIR=" + bench::variable("XDG_RUNTIME_DIR");
         const bool is_host = process > 0 && all.find("--resident-host") != std::string::npos;
         if (is_host && environment.find(own) != std::string::npos) return process;
     }

@@ -69,7 +69,7 @@ int by_collator(const dirent** a, const dirent** b) {
 using Comparator = int (*)(const dirent**, const dirent**);
 
 void sort_entries(std::vector<const dirent*> entries, Comparator comparator) {
-    qsort(entries.data(), entries.size(), sizeof entries[0],
+    qsort(entries.data(), entries.size(), sizeof(void*),
           reinterpret_cast<int (*)(const void*, const void*)>(comparator));
 }
 
@@ -79,7 +79,7 @@ void race_comparators(int count, int rounds) {
     std::vector<const dirent*> entries;
     std::vector<dirent*> mutable_entries;
     for (size_t i = 0; i < storage.size(); i++) {
-        strcpy(storage[i].d_name, folder.names()[i].c_str());
+        snprintf(storage[i].d_name, sizeof storage[i].d_name, "%s", folder.names()[i].c_str());
         entries.push_back(&storage[i]);
         mutable_entries.push_back(&storage[i]);
     }

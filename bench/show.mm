@@ -38,7 +38,10 @@ double private_bytes() {
     char line[256];
     long kilobytes = 0;
     while (fgets(line, sizeof line, file)) {
-        if (sscanf(line, "Private_Dirty: %ld", &kilobytes) == 1) break;
+        const char begin[] = "Private_Dirty:";
+        if (strncmp(line, begin, strlen(begin)) != 0) continue;
+        kilobytes = strtol(line + strlen(begin), nullptr, 10);
+        break;
     }
     fclose(file);
     return static_cast<double>(kilobytes) * 1024;
@@ -157,7 +160,7 @@ int main() {
     @autoreleasepool {
         if (!start_with_plug_in(DELVIO_BUNDLE)) return 1;
         if (const char* size = getenv("DELVIO_BENCH_LEVEL")) {
-            measure(atoi(size), 3);
+            measure(static_cast<int>(strtol(size, nullptr, 10)), 3);
             return bench::status();
         }
         measure(10, 25);

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
 #include "bench/harness.h"
 
@@ -69,10 +70,10 @@ void StartedProgram::wait_for_pixel(_XDisplay* display, int x, int y, unsigned l
 }
 
 void StartedProgram::wait_for_rest(double seconds) {
-    double before = -1;
-    for (double spent = usage().processor; spent != before; spent = usage().processor) {
-        before = spent;
+    double before = -1, spent = usage().processor;
+    while (spent != before) {
         usleep(static_cast<useconds_t>(seconds * 1e6));
+        before = std::exchange(spent, usage().processor);
     }
 }
 
