@@ -17,10 +17,10 @@ namespace files {
 
 namespace {
 
-const char* const local_types[] = {"bcachefs", "btrfs",   "erofs", "exfat",    "ext2",
-                                   "ext3",     "ext4",    "f2fs",  "iso9660",  "jfs",
-                                   "ntfs3",    "overlay", "ramfs", "reiserfs", "squashfs",
-                                   "tmpfs",    "udf",     "vfat",  "xfs",      "zfs"};
+const char* const local_types[] = {"bcachefs", "btrfs", "devtmpfs", "erofs",    "exfat", "ext2",
+                                   "ext3",     "ext4",  "f2fs",     "iso9660",  "jfs",   "ntfs3",
+                                   "overlay",  "ramfs", "reiserfs", "squashfs", "tmpfs", "udf",
+                                   "vfat",     "xfs",   "zfs"};
 
 struct Mount {
     std::string folder;

@@ -283,7 +283,7 @@ TEST_F(FaultsInHost, AnUndoWithoutAThreadIsMadeOrRefused) {
     const std::string made = folder.path("to/a.txt");
     bool was_reached = true;
     int refused = 0;
-    for (long number = 1; was_reached && number < 20; number++) {
+    for (long number = 1; was_reached && number < 60; number++) {
         control.arm(families, 0);
         copy();
         ASSERT_EQ(test::read_file(made), "text");

@@ -216,6 +216,7 @@ TEST_F(PatientStat, LocalDisksSayWhatStatSays) {
         EXPECT_EQ(ours.st_mtime, theirs.st_mtime) << path;
     }
     struct stat status;
+    EXPECT_EQ(local_stat("/dev/null", &status), Local::found);
     EXPECT_EQ(local_stat("/proc/self/status", &status), Local::unknown);
     EXPECT_EQ(local_stat(away, &status), Local::unknown);
     EXPECT_NE(local_stat(folder.path("missing"), &status), Local::found);
