@@ -57,13 +57,12 @@ __attribute__((constructor)) void map_control() {
     control->first.compare_exchange_strong(nobody, getpid());
 }
 
-// GLib ends the process when it gets no thread, and nothing that uses GLib can keep it from that. A
-// sanitizer's library calls for all others, GLib too.
-bool ends_without_thread(const void* caller) {
+bool is_in(const char* library, const void* caller) {
     Dl_info module = {};
-    if (!dladdr(caller, &module) || !module.dli_fname) return false;
-    return strstr(module.dli_fname, "libglib") || strstr(module.dli_fname, "libclang_rt");
+    return dladdr(caller, &module) && module.dli_fname && strstr(module.dli_fname, library);
 }
+
+constexpr const char* sanitizers = "libclang_rt";
 
 void note(const char* name, const void* caller) {
     Dl_info module = {};
@@ -286,7 +285,6 @@ REPLACE(removing, EIO, -1, int, rmdir, (const char* path), path)
 REPLACE(removing, ENOSPC, -1, int, mkdir, (const char* path, mode_t mode), path, mode)
 REPLACE(removing, ENOSPC, -1, int, mkdirat, (int at, const char* path, mode_t mode), at, path, mode)
 
-REPLACE(handles, EMFILE, -1, int, pipe, (int* ends), ends)
 REPLACE(handles, EMFILE, -1, int, pipe2, (int* ends, int flags), ends, flags)
 REPLACE(handles, EMFILE, -1, int, socket, (int domain, int type, int protocol), domain, type,
         protocol)
@@ -328,14 +326,21 @@ EXPORT int eventfd(unsigned value, int flags) {
     return file;
 }
 
+// The sanitizers find out by a pipe whether memory can be read, and take a no for a fault.
+EXPORT int pipe(int* ends) {
+    static auto* const next = real(static_cast<decltype(&pipe)>(nullptr), "pipe");
+    if (control && !is_in(sanitizers, CALLER) && fails(handles, EMFILE, "pipe", CALLER)) return -1;
+    return next(ends);
+}
+
+// GLib ends the process when it gets no thread, and nothing that uses GLib can keep it from that. A
+// sanitizer's library calls for all others, GLib too.
 EXPORT int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                           void* (*begin)(void*), void* argument) {
     static auto* const next =
         real(static_cast<decltype(&pthread_create)>(nullptr), "pthread_create");
-    if (control && !ends_without_thread(CALLER) &&
-        fails(threads, EAGAIN, "pthread_create", CALLER)) {
-        return EAGAIN;
-    }
+    const bool can_fail = control && !is_in("libglib", CALLER) && !is_in(sanitizers, CALLER);
+    if (can_fail && fails(threads, EAGAIN, "pthread_create", CALLER)) return EAGAIN;
     return next(thread, attributes, begin, argument);
 }
 
