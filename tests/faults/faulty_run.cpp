@@ -201,19 +201,20 @@ std::vector<Family> families_to_try(std::initializer_list<Family> only) {
     return chosen;
 }
 
-// So many times the usual number of calls is let fail, if the environment says so.
-static int more_than_usual() {
-    const char* const wanted = getenv("DELVIO_FAULTS_TIMES");
+// A number that the environment gives, at least one.
+static int wanted_number(const char* name) {
+    const char* const wanted = getenv(name);
     return wanted ? std::max(1, atoi(wanted)) : 1;
 }
 
 int fail_in_turn(long calls, int sample, const std::function<bool(long)>& try_one) {
     const bool is_full = is_full_run();
-    const long wanted = long{sample} * more_than_usual();
+    const long wanted = long{sample} * wanted_number("DELVIO_FAULTS_TIMES");
     const long step = is_full ? 1 : std::max(1L, (calls + wanted - 1) / wanted);
     int tried = 0;
     bool was_reached = true;
-    for (long at = (step + 1) / 2; at <= calls || (is_full && was_reached); at += step) {
+    long at = is_full ? wanted_number("DELVIO_FAULTS_FROM") : (step + 1) / 2;
+    for (; at <= calls || (is_full && was_reached); at += step) {
         was_reached = try_one(at);
         tried += was_reached;
     }
