@@ -98,11 +98,10 @@ void AttributesAhead::read(Part* part, const std::vector<const dirent*>& entries
     if (!enter(folder_)) return;
     for (const dirent* entry : entries) {
         FinderInformation information;
-        if (!may_have_attributes(*entry)) {
-            part->attributes.add_unknown();
-        } else if (read_finder_information(entry->d_name, &information)) {
+        const bool is_asked = may_have_attributes(*entry);
+        if (is_asked && read_finder_information(entry->d_name, &information)) {
             part->attributes.add(information);
-        } else if (errno == EOPNOTSUPP) {
+        } else if (is_asked && errno == EOPNOTSUPP) {
             return;
         } else {
             part->attributes.add_unknown();

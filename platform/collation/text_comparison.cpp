@@ -72,9 +72,9 @@ class Walker {
         }
     }
 
-    Element element;
+    Element element = {};
     bool is_number = false;
-    Number number;
+    Number number = {};
 
   private:
     void take(const Character& character) {

@@ -161,5 +161,5 @@ CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size
     context->bitmap = {static_cast<uint8_t*>(data), bytesPerRow};
     load_bitmap(context);
     add_finer(context, width, height, display_scale());
-    return context;
+    return context;  // NOLINT(clang-analyzer-osx.cocoa.RetainCount): a new one has one owner
 }

@@ -23,11 +23,10 @@ class WorkerPool {
     void add(const Piece& piece) {
         const std::lock_guard<std::mutex> lock(mutex_);
         pieces_.push_back(piece);
-        if (idle_ >= static_cast<int>(pieces_.size()) || workers_ == most_workers) {
-            changed_.notify_one();
-        } else if (!start_worker()) {
-            changed_.notify_one();
-        }
+        const bool are_enough =
+            idle_ >= static_cast<int>(pieces_.size()) || workers_ == most_workers;
+        // Without a new worker, one of the others takes the piece.
+        if (are_enough || !start_worker()) changed_.notify_one();
     }
 
   private:

@@ -28,5 +28,6 @@ struct TapSettings {
 - (CGEventMask)maskInMode:(NSString*)mode;
 // Shows an event to the callback. Returns the event that goes on, or null. The caller owns it, as
 // it owns `event`; when another event or none goes on, `event` is released.
-- (CGEventRef)pass:(CGEventRef)event;
+- (CGEventRef)pass:(CGEventRef __attribute__((cf_consumed)))event
+    __attribute__((cf_returns_retained));
 @end

@@ -3,7 +3,7 @@
 #include <cairo.h>
 
 NSBitmapImageRep* make_bitmap(int width, int height, NSBitmapFormat format) {
-    return [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:NULL
+    return [[[NSBitmapImageRep alloc] initWithBitmapDataPlanes:nullptr
                                                     pixelsWide:width
                                                     pixelsHigh:height
                                                  bitsPerSample:8

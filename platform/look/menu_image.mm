@@ -1,6 +1,7 @@
 #include "look/menu_image.h"
 
 #include <AppKit/AppKit.h>
+#include <math.h>
 
 #include <algorithm>
 
@@ -55,7 +56,7 @@ void copy_row(NSBitmapImageRep* rep, const unsigned char* from, uint32_t* to) {
 void copy_row_by_color(NSBitmapImageRep* rep, NSInteger y, uint32_t* to) {
     for (NSInteger x = 0; x < [rep pixelsWide]; x++) {
         NSColor* color = [[rep colorAtX:x y:y] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
-        const auto byte = [](double share) { return static_cast<unsigned>(share * 255 + 0.5); };
+        const auto byte = [](double share) { return static_cast<unsigned>(lround(share * 255)); };
         const Pixel p = {byte([color redComponent]), byte([color greenComponent]),
                          byte([color blueComponent]), byte([color alphaComponent])};
         to[x] = color ? premultiplied(p) : 0;

@@ -205,9 +205,9 @@ bool is_dark(const MenuLook& look) {
 
 Color readable(const MenuLook& look, Color color) {
     const Color wanted = color;
-    for (double share = 0.1; share < 1; share += 0.1) {
+    for (int tenths = 1; tenths <= 10; tenths++) {
         if (contrast(color, look.palette->panel) >= 2.6) break;
-        color = mixed(wanted, look.palette->text, share);
+        color = mixed(wanted, look.palette->text, tenths / 10.0);
     }
     return color;
 }

@@ -117,7 +117,7 @@ static void insert(MenuItemArray* self, id item, NSUInteger index) {
     NSMenuItem* const item = [self objectAtIndex:index];
     _places->erase(_places->begin() + static_cast<ptrdiff_t>(index));
     _changes++;
-    [item release];
+    [item release];  // NOLINT(clang-analyzer-osx.cocoa.RetainCount): the array had it
 }
 
 - (void)removeLastObject {
@@ -129,7 +129,7 @@ static void insert(MenuItemArray* self, id item, NSUInteger index) {
     NSMenuItem* const replaced = [self objectAtIndex:index];
     place_at(self, index) = place_for([item retain]);
     _changes++;
-    [replaced release];
+    [replaced release];  // NOLINT(clang-analyzer-osx.cocoa.RetainCount): the array had it
 }
 
 // An item that somebody has is not packed.

@@ -60,7 +60,7 @@ size_t read_directive(const char* at, size_t* number) {
     const size_t digits = strspn(at, "0123456789");
     if (digits == 0) return *at == 's' ? 1 : 0;
     if (digits > 2 || at[digits] != '$' || at[digits + 1] != 's') return 0;
-    *number = static_cast<size_t>(atoi(at)) - 1;
+    *number = strtoul(at, nullptr, 10) - 1;
     return digits + 2;
 }
 

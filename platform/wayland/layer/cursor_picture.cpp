@@ -13,8 +13,8 @@ constexpr int usual_size = 24;
 
 int wanted_size() {
     const char* text = getenv("XCURSOR_SIZE");
-    const int size = text ? atoi(text) : 0;
-    return size > 0 && size <= 512 ? size : usual_size;
+    const long size = text ? strtol(text, nullptr, 10) : 0;
+    return size > 0 && size <= 512 ? static_cast<int>(size) : usual_size;
 }
 
 }  // namespace
