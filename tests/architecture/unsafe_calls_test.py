@@ -53,10 +53,8 @@ ALLOWED = {
     ("platform/desktop/desktop_settings.cpp", "sscanf"): "Three numbers, each held to a byte's values.",
     ("platform/quicklook/decoder/read_input.cpp", "strncpy"): "Into zeros, of which the last one stays.",
     ("platform/quicklook/decoder/sheet.cpp", "strncpy"): "Into zeros, of which the last one stays.",
-    ("platform/text/text.cpp", "atoi"): "At most two digits, which were counted.",
     ("platform/quicklook/decoder/run_thumbnailer.cpp", "setenv"): "A caged program with one thread.",
     ("platform/quicklook/decoder/thumbnailer.cpp", "execvp"): "The cage, found as the user's PATH says.",
-    ("platform/wayland/layer/cursor_picture.cpp", "atoi"): "The result is held to a size from 1 to 512.",
 }
 
 
