@@ -108,17 +108,24 @@ class Asker {
     Asker(const Asker&) = delete;
     Asker& operator=(const Asker&) = delete;
 
-    // The request has left the server when this returns.
+    // The request has left the server when this returns: the server sends out what it has for every
+    // client before it reads on, so the second answer comes after the owner's event.
     void ask() {
         XConvertSelection(display_, XInternAtom(display_, "XdndSelection", 0),
                           XInternAtom(display_, "text/uri-list", 0),
                           XInternAtom(display_, "answer", 0), window_, CurrentTime);
         XSync(display_, False);
-    }
-    bool has_answer() {
         XSync(display_, False);
+    }
+    // Waits for what is under way.
+    bool has_answer() {
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         XEvent event;
-        return XCheckTypedEvent(display_, SelectionNotify, &event);
+        do {
+            XSync(display_, False);
+            if (XCheckTypedEvent(display_, SelectionNotify, &event)) return true;
+        } while (std::chrono::steady_clock::now() < limit);
+        return false;
     }
 
   private:
