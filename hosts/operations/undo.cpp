@@ -45,7 +45,7 @@ class Undoing {
     std::string move_back(size_t index);
     std::string put_in_trash(const std::string& path, unsigned long long inode);
     std::string restore(const Step& step);
-    std::string remove(const std::string& path);
+    std::string remove_target(const Step& step);
 
     LastOperation& last_;
     Observer& observer_;
@@ -69,7 +69,7 @@ std::string Undoing::undo(size_t index, Need need) {
             problem = put_in_trash(step.target, step.inode);
             break;
         case Need::RemoveTarget:
-            problem = remove(step.target);
+            problem = remove_target(step);
             break;
         case Need::RestoreTrash:
             problem = restore(step);
@@ -125,7 +125,10 @@ std::string Undoing::restore(const Step& step) {
                       {quoted_name(step.source), error_text(errno)});
 }
 
-std::string Undoing::remove(const std::string& path) {
+// The steps that were undone before may have put another file there, or have taken the other name.
+std::string Undoing::remove_target(const Step& step) {
+    const std::string& path = step.target;
+    if (!can_lose_target(step)) return translated("%s is another file now", {quoted_name(path)});
     if (unlinkat(targets_.of(path), name_in_path(path).c_str(), 0) == 0) return "";
     return translated("cannot remove %s: %s", {quoted_name(path), error_text(errno)});
 }

@@ -49,7 +49,29 @@ bool is_rest_of(const std::string& rest, const std::string& whole) {
     return is_remainder_of(AT_FDCWD, rest.c_str(), AT_FDCWD, whole.c_str());
 }
 
+// Whether both paths lead to the same name in the same folder, such as "/a/b" and "/a//b".
+bool are_one_name(const std::string& one, const std::string& other) {
+    if (name_in_path(one) != name_in_path(other)) return false;
+    struct stat here = {}, there = {};
+    stat(parent_of(one).c_str(), &here);
+    stat(parent_of(other).c_str(), &there);
+    return here.st_ino == there.st_ino && here.st_dev == there.st_dev;
+}
+
+// Folders have one name only; without a second name the content would go, too. What is missing has
+// no inode.
+bool have_one_file(const Seen& one, const Seen& other) {
+    return one.is(other.what.st_ino) && one.what.st_dev == other.what.st_dev &&
+           one.what.st_nlink > 1 && !S_ISDIR(one.what.st_mode);
+}
+
 }  // namespace
+
+bool can_lose_target(const Step& step) {
+    if (step.kind == Step::Aliased) return text_of_link(step.target) == step.source;
+    const Seen source(step.source), target(step.target);
+    return have_one_file(source, target) && !are_one_name(step.source, step.target);
+}
 
 std::vector<Plan> UndoChecks::plans() {
     std::vector<Plan> plans(steps_.size());
@@ -91,8 +113,7 @@ Plan UndoChecks::plan_moved(const Step& step) {
     }
     if (source.is(step.inode) || (step.restored != 0 && source.is(step.restored))) {
         // Some file systems rename a file by giving it the new name before they remove the old one.
-        const bool twice = target.is(step.inode) && !S_ISDIR(target.what.st_mode) &&
-                           target.what.st_dev == source.what.st_dev;
+        const bool twice = target.is(step.inode) && can_lose_target(step);
         return {twice ? Need::RemoveTarget : Need::Nothing, ""};
     }
     if (target.is_missing())
@@ -140,7 +161,7 @@ Plan UndoChecks::plan_copied(const Step& step) {
 
 Plan UndoChecks::plan_aliased(const Step& step) {
     if (Seen(step.target).is_missing()) return {};
-    if (text_of_link(step.target) == step.source) return {Need::RemoveTarget, ""};
+    if (can_lose_target(step)) return {Need::RemoveTarget, ""};
     return problem(translated("%s is another file now", {quoted_name(step.target)}));
 }
 

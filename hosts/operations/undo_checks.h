@@ -25,6 +25,10 @@ struct Plan {
     std::string problem;  // why it cannot be done; else empty
 };
 
+// Whether the target of a move or of an alias can be removed without a loss: it is a link with the
+// alias's text, or another name of the source.
+bool can_lose_target(const Step& step);
+
 class UndoChecks {
   public:
     explicit UndoChecks(const std::vector<Step>& steps) : steps_(steps) {}

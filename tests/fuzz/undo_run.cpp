@@ -1,7 +1,8 @@
 // Undoing by a damaged journal: whatever it says, no file's content is lost.
 //
 // The input is a journal in which the byte 1 stands for a folder of three files, and the bytes 2 to
-// 4 stand for their inodes. A journal that names anything outside that folder is not tried.
+// 4 stand for their inodes. The first file has a second name, and there is a link to it. A journal
+// that names anything outside that folder is not tried.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,6 +39,8 @@ void make_world() {
     fs::create_directories(world() + "/state");
     for (const char* name : names)
         fuzz::write_file(world() + "/" + name, fs::path(name).filename());
+    fs::create_hard_link(world() + "/a", world() + "/second");
+    fs::create_symlink(world() + "/a", world() + "/link");
 }
 
 std::string journal_of(const std::string& text) {

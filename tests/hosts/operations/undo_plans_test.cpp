@@ -85,6 +85,24 @@ TEST_F(UndoPlans, AFileThatHasBothNamesLosesTheNewOne) {
     Step step = moved();
     step.inode = inode(source_);
     expect(step, Need::RemoveTarget);
+    step.target = folder_.path("from/new");
+    ASSERT_EQ(link(source_.c_str(), step.target.c_str()), 0);
+    expect(step, Need::RemoveTarget);
+}
+
+TEST_F(UndoPlans, AFileThatIsItsOwnTargetKeepsItsName) {
+    write(source_, "bytes");
+    const std::string other_way = folder_.path("way");
+    ASSERT_EQ(symlink(folder_.path("from").c_str(), other_way.c_str()), 0);
+    Step step = moved();
+    step.inode = inode(source_);
+    for (const bool has_another_name : {false, true}) {
+        if (has_another_name) ASSERT_EQ(link(source_.c_str(), target_.c_str()), 0);
+        for (const std::string& path : {source_, folder_.path("from//file"), other_way + "/file"}) {
+            step.target = path;
+            expect(step, Need::Nothing);
+        }
+    }
 }
 
 TEST_F(UndoPlans, AMoveWhoseCopyIsBackTrashesItsTarget) {

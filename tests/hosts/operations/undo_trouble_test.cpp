@@ -137,6 +137,40 @@ TEST_F(UndoTrouble, ASecondNameOfTheSourceIsRemoved) {
     EXPECT_EQ(test::read_file(source), "bytes");
 }
 
+TEST_F(UndoTrouble, TheLastNameOfAFileStays) {
+    const std::string source = folder_.file("from/a", "bytes"), target = to_ + "/a";
+    ASSERT_EQ(link(source.c_str(), target.c_str()), 0);
+    write_journal(operations::moving_entry(source, target, inode(source)) +
+                  operations::moving_entry(target, source, inode(source)));
+    test::Notes notes;
+    const auto outcomes = operations::undo_last(notes, state_).outcomes;
+    ASSERT_EQ(outcomes.size(), 2u);
+    EXPECT_EQ(outcomes[0].reason, "\"" + source + "\" is removed");
+    EXPECT_EQ(outcomes[1].reason, "\"a\" is another file now");
+    EXPECT_EQ(test::read_file(target), "bytes");
+}
+
+TEST_F(UndoTrouble, AnAliasThatBecomesAnotherFileMeanwhileIsKept) {
+    perform(Kind::Alias, folder_.file("from/a", "original"));
+    const Names made = test::names_in(to_);
+    ASSERT_EQ(made.size(), 1u);
+    EXPECT_EQ(undo([&] { replace(to_ + "/" + made[0]); }),
+              "\"" + made[0] + "\" is another file now");
+    EXPECT_EQ(test::names_in(to_).size(), 2u);
+}
+
+TEST_F(UndoTrouble, AFileThatIsBackInThePlaceOfAnAliasIsKept) {
+    const std::string alias = to_ + "/alias", elsewhere = folder_.file("from/a", "bytes");
+    ASSERT_EQ(symlink("/somewhere", alias.c_str()), 0);
+    write_journal(operations::aliasing_entry("/somewhere", alias) +
+                  operations::moving_entry(alias, elsewhere, inode(elsewhere)) +
+                  operations::aliasing_entry("/somewhere", alias));
+    test::Notes notes;
+    EXPECT_EQ(operations::undo_last(notes, state_).outcomes.back().reason,
+              "\"alias\" is another file now");
+    EXPECT_EQ(test::read_file(alias), "bytes");
+}
+
 TEST_F(UndoTrouble, WhatCannotBeWrittenDownIsSaidAndIsUndone) {
     perform(Kind::Move, folder_.file("from/a", "moved"));
     EXPECT_TRUE(test::in_child([&] {
