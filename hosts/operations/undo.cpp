@@ -125,7 +125,8 @@ std::string Undoing::restore(const Step& step) {
                       {quoted_name(step.source), error_text(errno)});
 }
 
-// The steps that were undone before may have put another file there, or have taken the other name.
+// Looks again, as the steps undone before this one may have put another file there, or may have
+// removed the file's other name.
 std::string Undoing::remove_target(const Step& step) {
     const std::string& path = step.target;
     if (!can_lose_target(step)) return translated("%s is another file now", {quoted_name(path)});

@@ -58,8 +58,8 @@ cairo_font_face_t* __wrap_cairo_ft_font_face_create_for_ft_face(FT_Face face, in
     return opened->drawn = font;
 }
 
-// Where FreeType refuses the size, cairo loses a table of 648 bytes. In the decoder it goes with
-// the process, soon after.
+// If FreeType refuses the size, cairo loses a table of 648 bytes. That does no harm in the decoder,
+// whose process ends soon after.
 void __real_cairo_glyph_extents(cairo_t*, const cairo_glyph_t*, int, cairo_text_extents_t*);
 void __wrap_cairo_glyph_extents(cairo_t* cairo, const cairo_glyph_t* glyphs, int count,
                                 cairo_text_extents_t* extents) {
