@@ -124,7 +124,7 @@ class GWorkspaceWalks : public ViewerDesk {
 };
 
 TEST_F(GWorkspaceWalks, LeaveGWorkspaceAsItWas) {
-    const int all = soak::walks(40), first = std::max(10, all / 5);
+    const int all = soak::walks(150), first = std::max(10, all / 5);
     show(kind_);
     soak::Held held, now;
     for (int number = 1; number <= all + first; number++) {

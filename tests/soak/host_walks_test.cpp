@@ -150,7 +150,7 @@ struct HostWalks : test::ResidentScene {
 
 TEST_F(HostWalks, LeaveTheHostAsItWas) {
     if (looks_for_leaks()) setenv("DELVIO_IDLE_SECONDS", "40", 1);
-    const int all = soak::walks(60), first = std::max(10, all / 5);
+    const int all = soak::walks(150), first = std::max(10, all / 5);
     pid_t process = 0;
     soak::Held held, now;
     std::vector<std::string> files;
