@@ -49,7 +49,8 @@ std::string code_name(FourCharCode code) {
 template <typename Plain>
 Plain plain(const Bytes& bytes) {
     Plain value = {};
-    memcpy(&value, bytes.data(), std::min(bytes.size(), sizeof value));
+    std::copy_n(bytes.begin(), std::min(bytes.size(), sizeof value),
+                reinterpret_cast<UInt8*>(&value));
     return value;
 }
 

@@ -44,6 +44,17 @@ const Operation* operation_of(const AppleEvent* event) {
     return nullptr;
 }
 
+// The path of a file on this machine; empty for any other URL. A folder's URL may end in a slash,
+// which the path in a request does not.
+std::string path_of_url(const std::string& url) {
+    char* host = nullptr;
+    std::string path = files::taken_text(g_filename_from_uri(url.c_str(), &host, nullptr));
+    const std::string machine = files::taken_text(host);
+    if (!machine.empty() && machine != "localhost") return {};
+    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    return path;
+}
+
 // Uses the URL, because a deleted file still has one.
 OSErr read_path(const AEDesc& desc, std::string* path) {
     AEDesc url;
@@ -52,7 +63,7 @@ OSErr read_path(const AEDesc& desc, std::string* path) {
     std::string text(static_cast<size_t>(AEGetDescDataSize(&url)), '\0');
     AEGetDescData(&url, text.data(), static_cast<Size>(text.size()));
     AEDisposeDesc(&url);
-    *path = files::taken_text(g_filename_from_uri(text.c_str(), nullptr, nullptr));
+    *path = path_of_url(text);
     return path->empty() ? static_cast<OSErr>(errAECoercionFail) : static_cast<OSErr>(noErr);
 }
 

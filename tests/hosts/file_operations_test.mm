@@ -97,6 +97,10 @@ class FileOperations : public testing::Test {
     void of_class(DescType kind) {
         AEPutParamPtr(&event_, keyAEObjectClass, typeType, &kind, sizeof kind);
     }
+    void into_url(const std::string& url) {
+        AEPutParamPtr(&event_, keyAEInsertHere, typeFileURL, url.data(),
+                      static_cast<Size>(url.size()));
+    }
     // The request that the carrier gets for the event, through the run loop.
     std::vector<Request> send(AEKeyword items = keyDirectObject) {
         AEPutParamDesc(&event_, items, &list_);
@@ -209,6 +213,26 @@ TEST_F(FileOperations, ADestinationThatIsALinkIsTheFolder) {
         EXPECT_EQ(requests[0].destination, folder_.path("target/deep"));
         EXPECT_EQ(requests[0].sources, Paths{folder_.path("moved")}) << "a source stays a link";
     }
+}
+
+TEST_F(FileOperations, TheAddressOfAFolderMayEndInASlash) {
+    const std::string to = folder_.folder("to");
+    add(folder_.file("a"));
+    begin(kAEMove);
+    into_url("file://" + to + "//");
+    const std::vector<Request> requests = send();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].destination, to);
+}
+
+TEST_F(FileOperations, AnAddressOnAnotherMachineIsNoFolderHere) {
+    const std::string to = folder_.folder("to");
+    add(folder_.file("a"));
+    begin(kAEMove);
+    into_url("file://elsewhere" + to);
+    EXPECT_EQ(send().size(), 0u);
+    into_url("file://localhost" + to);
+    EXPECT_EQ(send().size(), 1u);
 }
 
 TEST_F(FileOperations, OddNamesAreGivenAsTheyAre) {

@@ -187,4 +187,12 @@ TEST_F(FinderEvents, AreDescribedWithTheirParameters) {
                                       "  gone: fsrf (not there)\n");
 }
 
+TEST_F(FinderEvents, AValueWithoutBytesIsTracedAsZero) {
+    AEPutParamPtr(&event_, 'kocl', typeType, nullptr, 0);
+    AEPutParamPtr(&event_, 'cmcd', typeSInt32, nullptr, 0);
+    EXPECT_EQ(describe_event(event_), "aevt/odoc to \"MACS\"\n"
+                                      "  kocl: type \"\\x00\\x00\\x00\\x00\"\n"
+                                      "  cmcd: long 0\n");
+}
+
 }  // namespace
