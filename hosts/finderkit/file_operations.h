@@ -27,7 +27,8 @@ struct FileOperationService {
 void set_file_operation_service(const FileOperationService& service);
 
 // Reads what an event asks for: files by their paths, whether or not they exist; if the destination
-// is a link to a folder, that folder. errAEEventNotHandled for an event that is none of these.
+// is a link to a folder, that folder. errAEEventNotHandled for an event that is none of these,
+// errAECoercionFail where a file of this machine is wanted and something else is given.
 OSErr read_file_operation(const AppleEvent* event, operations::Request* request);
 
 // The handler of these events.

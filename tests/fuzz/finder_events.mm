@@ -46,15 +46,16 @@ struct CheckingCarrier : operations::Carrier {
     }
 };
 
+// The last one has no handler.
 constexpr struct {
     AEEventClass event_class;
     AEEventID event_id;
-} events_known[] = {{kCoreEventClass, kAEOpenDocuments},
-                    {kAECoreSuite, kAEMove},
-                    {kAECoreSuite, kAEClone},
-                    {kAECoreSuite, kAECreateElement},
-                    {kAECoreSuite, kAEDelete},
-                    {kAECoreSuite, kAEOpenDocuments}};
+} event_kinds[] = {{kCoreEventClass, kAEOpenDocuments},
+                   {kAECoreSuite, kAEMove},
+                   {kAECoreSuite, kAEClone},
+                   {kAECoreSuite, kAECreateElement},
+                   {kAECoreSuite, kAEDelete},
+                   {kAECoreSuite, kAEOpenDocuments}};
 constexpr AEKeyword keywords[] = {keyDirectObject, keyAEInsertHere,  keyAETo,
                                   keyAEReplacing,  keyAEObjectClass, pName};
 constexpr DescType types[] = {typeNull,        typeBoolean,  typeSInt16,  typeSInt32, typeUInt32,
@@ -143,7 +144,7 @@ AEDesc desc_from(Input& input, int depth) {
 }
 
 AppleEvent event_from(Input& input) {
-    const auto [event_class, event_id] = one_of(events_known, input);
+    const auto [event_class, event_id] = one_of(event_kinds, input);
     AEDesc address = desc_from(input, 0);
     AppleEvent event = {typeNull, nullptr};
     AECreateAppleEvent(event_class, event_id, &address, kAutoGenerateReturnID, kAnyTransactionID,
