@@ -7,6 +7,8 @@
 
 #include <utility>
 
+#include "file_steps/path_text.h"
+
 namespace {
 
 using operations::Kind;
@@ -48,11 +50,10 @@ const Operation* operation_of(const AppleEvent* event) {
 // which the path in a request does not.
 std::string path_of_url(const std::string& url) {
     char* host = nullptr;
-    std::string path = files::taken_text(g_filename_from_uri(url.c_str(), &host, nullptr));
+    const std::string path = files::taken_text(g_filename_from_uri(url.c_str(), &host, nullptr));
     const std::string machine = files::taken_text(host);
     if (!machine.empty() && machine != "localhost") return {};
-    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
-    return path;
+    return operations::without_slash(path);
 }
 
 // Uses the URL, because a deleted file still has one.

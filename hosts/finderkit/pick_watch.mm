@@ -9,6 +9,7 @@
 
 #include <AppKit/AppKit.h>
 
+#include "file_steps/path_text.h"
 #include "file_steps/visible_text.h"
 #include "finderkit/plug_in_items.h"
 
@@ -98,8 +99,7 @@ OpenProblem problem_with(const std::string& folder, const std::vector<UnreachedF
 // The plug-in passes over a file that is gone, and gives up when the folder is, and tells a
 // terminal only.
 - (void)tellOfOperation:(BOOL)isUnderWay {
-    std::string folder = [_destination UTF8String];
-    while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+    const std::string folder = operations::without_slash([_destination UTF8String]);
     const std::vector<UnreachedFile> unreached = take_unreached_files();
     if (!isUnderWay) return (*_tell)(problem_with(folder, unreached));
     for (const UnreachedFile& file : unreached) {

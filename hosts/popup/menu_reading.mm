@@ -3,18 +3,13 @@
 #include <math.h>
 #include <string.h>
 
+#include "file_steps/path_text.h"
 #include "finderkit/plug_in_items.h"
 #include "popup/host_menu.h"
 
 namespace {
 
 constexpr double highest_component = 255;
-
-// The path of a root element ends with a slash.
-std::string without_slash(std::string path) {
-    while (path.size() > 1 && path.back() == '/') path.pop_back();
-    return path;
-}
 
 int byte_of(double component) { return static_cast<int>(lround(component * highest_component)); }
 
@@ -72,7 +67,8 @@ void ItemReader::read_details(NSMenuItem* item) {
     const void* const file = file_of_item(item);
     if (file != file_) {
         file_ = file;
-        details.path = without_slash(utf8_text(path_of_item(item)));
+        // The path of a root element ends with a slash.
+        details.path = operations::without_slash(utf8_text(path_of_item(item)));
     }
     details.submenu_title = snapshot_.has_submenu ? utf8_text([[item submenu] title]) : "";
 }
