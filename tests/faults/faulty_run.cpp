@@ -1,6 +1,7 @@
 #include "faults/faulty_run.h"
 
 #include <fcntl.h>
+#include <limits.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
@@ -202,19 +203,20 @@ std::vector<Family> families_to_try(std::initializer_list<Family> only) {
 }
 
 // A number that the environment gives, at least one.
-static int wanted_number(const char* name) {
+static int wanted_number(const char* name, int otherwise = 1) {
     const char* const wanted = getenv(name);
-    return wanted ? std::max(1, atoi(wanted)) : 1;
+    return wanted ? std::max(1, atoi(wanted)) : otherwise;
 }
 
 int fail_in_turn(long calls, int sample, const std::function<bool(long)>& try_one) {
     const bool is_full = is_full_run();
     const long wanted = long{sample} * wanted_number("DELVIO_FAULTS_TIMES");
     const long step = is_full ? 1 : std::max(1L, (calls + wanted - 1) / wanted);
+    const long last = is_full ? wanted_number("DELVIO_FAULTS_TO", INT_MAX) : calls;
     int tried = 0;
     bool was_reached = true;
     long at = is_full ? wanted_number("DELVIO_FAULTS_FROM") : (step + 1) / 2;
-    for (; at <= calls || (is_full && was_reached); at += step) {
+    for (; at <= last && (at <= calls || was_reached); at += step) {
         was_reached = try_one(at);
         tried += was_reached;
     }

@@ -64,9 +64,9 @@ bool is_slow(double seconds, double clean, const std::function<double(bool)>& ag
 
 // Lets calls of one family fail, one at a time, of which a run without faults makes so many.
 // `try_one` says whether the program got as far as the call. In a full run the end comes when it
-// did not, and the first number is 1 or what DELVIO_FAULTS_FROM says. Otherwise only `sample` calls
-// are tried, spread over all, or so many times as DELVIO_FAULTS_TIMES says. Returns how many were
-// tried.
+// did not. DELVIO_FAULTS_FROM and DELVIO_FAULTS_TO name another first and last number. Otherwise
+// only `sample` calls are tried, spread over all, or so many times as DELVIO_FAULTS_TIMES says.
+// Returns how many were tried.
 int fail_in_turn(long calls, int sample, const std::function<bool(long)>& try_one);
 // Returns how many calls were counted, and prints them.
 std::array<long, families> calls_made(const char* what, const SharedControl& control);
