@@ -61,10 +61,12 @@ bool is_for_host(const std::vector<std::string>& arguments) {
     return has_display_of_this_machine() && resident::asks_for_shown_menu(arguments);
 }
 
+// Global objects need memory too, so this comes before the first of them.
+[[gnu::constructor(101)]] void expect_the_end_of_memory() { resident::end_when_memory_ends(); }
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    resident::end_when_memory_ends();
     fill_closed_streams();
     const std::vector<std::string> arguments(argv + (argc > 0), argv + argc);
     const std::string program = resident::full_program();

@@ -80,10 +80,12 @@ int run(const CommandLine& line, char* program) {
     return status;
 }
 
+// Global objects need memory too, so this comes before the first of them.
+[[gnu::constructor(101)]] void expect_the_end_of_memory() { resident::end_when_memory_ends(); }
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    resident::end_when_memory_ends();
     restore_arguments();
     if (argc == 2 && strcmp(argv[1], clipboard_keeper_argument) == 0) return run_clipboard_keeper();
     if (argc == 5 && strcmp(argv[1], notice_argument) == 0) {

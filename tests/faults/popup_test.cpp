@@ -135,6 +135,17 @@ TEST_F(FaultsInPopups, WriteAMenuOrAMessage) {
         });
 }
 
+// The first objects are made before the program's own first line.
+TEST_F(FaultsInPopups, EndWithAMessageWhenMemoryEndsBeforeTheyBegin) {
+    for (long number = 1; number <= 30 && !HasFailure(); number++) {
+        control.arm(objects, number);
+        const Ended ended = run({"--version"});
+        EXPECT_EQ(control->failed, 1) << number;
+        EXPECT_EQ(ended.status, 1) << number << ": " << control->module;
+        EXPECT_EQ(ended.err, "delvio: Cannot allocate memory\n") << number;
+    }
+}
+
 TEST_F(FaultsInPopups, PickACopyOrRefuseIt) { copy_with_faults(); }
 
 // Far more calls fail than there are blocks in the reserve.
