@@ -7,29 +7,44 @@
 #include <sys/socket.h>
 
 #include <string>
+#include <vector>
+
+// After the others, as it defines words such as `max`.
+#include <X11/Xlibint.h>
 
 namespace {
 
-struct Connection {
-    Display* display = nullptr;
-    bool broken = false;
-    std::string refused;  // the display that could not be opened, or has gone
-
-    // A broken connection cannot be closed.
-    ~Connection() {
-        if (display && !broken) XCloseDisplay(display);
-    }
-};
-
-// Notes the loss instead of ending the process: the toolkit's own connection decides about that.
-void note_loss(Display*, void* connection) { static_cast<Connection*>(connection)->broken = true; }
-
-// Xlib would end the process on finding the far end closed, even with the handler above.
+// Xlib would end the process on finding the far end closed, even with the handler below.
 bool has_gone(Display* display) {
     char byte;
     const ssize_t count = recv(ConnectionNumber(display), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
     return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
 }
+
+// With this mark Xlib says nothing more to the server, and so does not find the far end closed.
+void close_broken(Display* display) {
+    display->flags = display->flags | XlibDisplayIOError;
+    XCloseDisplay(display);
+}
+
+struct Connection {
+    Display* display = nullptr;
+    bool broken = false;
+    std::vector<Display*> lost;  // open until the end: a caller may be between two questions
+    std::string refused;         // the display that could not be opened, or has gone
+
+    ~Connection() {
+        if (display && !broken && !has_gone(display)) {
+            XCloseDisplay(display);
+        } else if (display) {
+            close_broken(display);
+        }
+        for (Display* const one : lost) close_broken(one);
+    }
+};
+
+// Notes the loss instead of ending the process: the toolkit's own connection decides about that.
+void note_loss(Display*, void* connection) { static_cast<Connection*>(connection)->broken = true; }
 
 Display* open_connection(Connection* connection) {
     Display* display = XOpenDisplay(nullptr);
@@ -55,6 +70,7 @@ Display* question_connection() {
     const char* name = getenv("DISPLAY");
     if (connection.display && !connection.broken) connection.broken = has_gone(connection.display);
     if (connection.broken && connection.display) {
+        connection.lost.push_back(connection.display);
         connection.display = nullptr;
         connection.refused = name ? name : "";
     }

@@ -5,6 +5,7 @@
 
 typedef struct _XDisplay Display;
 
-// Null without a display, and once the display has gone. The thread owns the connection. The first
-// call opens it, which may take a moment.
+// Null without a display, and once the display has gone. The thread owns the connection, and closes
+// it when it ends; a connection that has gone stays until then as well. The first call opens it,
+// which may take a moment.
 Display* question_connection();
