@@ -58,8 +58,8 @@ bool are_one_name(const std::string& one, const std::string& other) {
     return here.st_ino == there.st_ino && here.st_dev == there.st_dev;
 }
 
-// Whether both paths are names of one file that has at least two names. Where
-// nothing is, the inode is 0, which no file has.
+// Whether both paths are names of one file that has at least two names. An empty place has the
+// inode 0, which no file has.
 bool have_one_file(const Seen& one, const Seen& other) {
     return one.is(other.what.st_ino) && one.what.st_dev == other.what.st_dev &&
            one.what.st_nlink > 1 && !S_ISDIR(one.what.st_mode);

@@ -21,7 +21,7 @@ bool has_gone(Display* display) {
     return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
 }
 
-// With this mark Xlib says nothing more to the server, and so does not find the far end closed.
+// With this mark Xlib sends nothing more, so it cannot find the far end closed and end the process.
 void close_broken(Display* display) {
     display->flags = display->flags | XlibDisplayIOError;
     XCloseDisplay(display);

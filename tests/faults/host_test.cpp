@@ -139,8 +139,8 @@ struct FaultsInHost : test::ResidentScene {
         return failing == Failing::start || (failing == Failing::host && family == display);
     }
 
-    // The host that shows the next menu. Meanwhile one that is about to end may still be there, and
-    // the client shows the menu by itself.
+    // A host that shows menus. While an old one is about to end, it is still there, but the client
+    // shows the menu by itself; then the host makes no calls, and the next menu is waited for.
     pid_t showing_host() {
         pid_t host = 0;
         const bool shows = test::wait_for([&] {
@@ -164,7 +164,7 @@ struct FaultsInHost : test::ResidentScene {
         control->only = failing == Failing::host ? host_ : first_process;
     }
 
-    // Lets the call fail. A host that has ended meanwhile makes none, so the next one is asked.
+    // Lets the call fail. If the host has ended since the last menu, its successor is tried.
     Seen fail(Family family, long number, const std::function<Seen()>& action) {
         constexpr int tries = 3;
         Seen seen;
